@@ -1,0 +1,21 @@
+# The libraries that the tree stands on. docs/dependencies.md gives the reason for each.
+
+find_package(PkgConfig REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET "sqlite3>=3.35")
+pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET "gmime-3.0>=3.2")
+
+# libphonenumber ships no usable package description on Debian.
+find_path(PHONENUMBER_INCLUDE_DIR phonenumbers/phonenumberutil.h REQUIRED)
+find_library(PHONENUMBER_LIBRARY phonenumber REQUIRED)
+add_library(Tolva::PhoneNumber UNKNOWN IMPORTED)
+set_target_properties(Tolva::PhoneNumber PROPERTIES
+    IMPORTED_LOCATION "${PHONENUMBER_LIBRARY}"
+    INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${PHONENUMBER_INCLUDE_DIR}")
+
+if(TOLVA_TESTS)
+    find_package(GTest REQUIRED)
+endif()
+if(TOLVA_BENCH)
+    find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "common/Date.h"
+
+/// Where the time comes from. Tests install one that stands still.
+class Clock
+{
+public:
+    virtual ~Clock() = default;
+    virtual QDateTime CurrentDateTimeUtc() const = 0;
+
+    /// Does not take ownership; null goes back to the system's clock.
+    static void SetCurrent(const Clock* clock);
+};
+
+namespace ClockHelper
+{
+
+/// Local time now.
+Date CurrentTime();
+/// Universal time now.
+Date NowUTC();
+/// Seconds from a local time until now; very large for none.
+double SecondsSince(Date time);
+/// Between universal time and the time of this machine's zone at that date. None stays none.
+Date UTCToLocal(Date utc);
+Date LocalToUTC(Date local);
+
+} // namespace ClockHelper

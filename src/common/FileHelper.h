@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+/// Files and folders by name. Nothing here throws; a false or negative result is the failure.
+namespace FileHelper
+{
+
+bool FolderExists(const QString& folder);
+bool FileExists(const QString& file);
+/// Octets; -1 when the file does not exist.
+qint64 FileSize(const QString& file);
+/// Makes the folder and its missing parents; true when it stands afterwards.
+bool CreateFolder(const QString& folder);
+
+/// The folder without a closing separator; empty for a bare file name.
+QString FolderOf(const QString& file);
+QString FileNameOf(const QString& file);
+/// The file name without its last extension.
+QString BaseNameOf(const QString& file);
+/// The whole path without its last extension.
+QString WithoutExtension(const QString& file);
+/// One path from a folder and a name, with the platform's separator.
+QString Join(const QString& folder, const QString& name);
+
+/// Copies a file into a folder, or onto a file name when target is no folder. The copy appears under its name only when it is
+/// whole and on the disk; a failure or a cancelled display leaves what was there before.
+bool CopyWithProgress(const QString& source, const QString& target, const QString& caption);
+/// Deletes a file, or a folder with all it holds. True when it is gone.
+bool DeleteWithProgress(const QString& target, const QString& caption);
+
+/// The text of a file: UTF-8, or Latin-1 where it is not valid UTF-8; a byte order mark goes. Empty when it cannot be
+/// read.
+QString ReadTextFile(const QString& file);
+/// Replaces the whole file (UTF-8) at once: a reader sees the old text or the new one.
+bool WriteTextFile(const QString& file, const QString& text);
+
+} // namespace FileHelper

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace MachineHelper
+{
+
+/// This computer's name; never empty.
+QString ComputerName();
+
+} // namespace MachineHelper

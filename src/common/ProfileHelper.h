@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+/// Settings of the machine, and profile (INI) files.
+namespace ProfileHelper
+{
+
+/// The root that all of this system's machine settings live under.
+inline constexpr char LocalMachine[] = "HKEY_LOCAL_MACHINE";
+
+/// A value of the registry in force (see Registry); defaultValue when it is absent. The result has the type of
+/// defaultValue (bool, int or text); what cannot be read as such is the default.
+QVariant ReadRegistryValue(const QString& root, const QString& key, const QString& value, const QVariant& defaultValue);
+
+/// A value of a plain profile file: "[section]", "key=value"; sections and keys without regard to case, the value as it stands
+/// without the blanks around it and one pair of quotes. The default when file, section or key is absent.
+QString ReadIniString(const QString& section, const QString& key, const QString& defaultValue, const QString& file);
+/// Writes one value and leaves the rest of the file as it stands, comments included. False when that fails.
+bool WriteIniString(const QString& section, const QString& key, const QString& value, const QString& file);
+
+} // namespace ProfileHelper
