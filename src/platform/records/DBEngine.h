@@ -1,0 +1,90 @@
+#pragma once
+
+#include "platform/records/Database.h"
+
+namespace dao
+{
+
+/// A connection to a server apart from any one of its databases. Owned by the caller.
+class Connection
+{
+public:
+    virtual ~Connection() = default;
+    /// A statement in the server's own language.
+    virtual void Execute(const QString& statement) = 0;
+    virtual std::unique_ptr<Recordset> OpenRecordset(const QString& query) = 0;
+    virtual void Close() = 0;
+};
+
+/// A session of one user. Owned by the caller.
+class Workspace
+{
+public:
+    virtual ~Workspace() = default;
+    /// name: may be empty. Raises what the engine that serves the connect string raises; 3251 when no engine does.
+    virtual std::unique_ptr<Connection> OpenConnection(const QString& name, int options, bool readOnly,
+                                                       const QString& connect) = 0;
+    virtual void Close() = 0;
+};
+
+/// The entry to the record store. Which engine opens a file is decided by the file's own first octets, which engine
+/// opens a connect string by the string; see engines/EngineRegistry.h.
+class DBEngine
+{
+public:
+    /// Errors: 3044 no such folder, 3024 no such file, 3343 not a database of any engine, 3049 damaged, 3051 no
+    /// permission or in use.
+    static std::unique_ptr<Database> OpenDatabase(const QString& name, int options = 0, bool readOnly = false,
+                                                  const QString& connect = QString());
+    /// Makes a new file in the default engine's format; 3051 when a file of that name stands already. locale: accepted
+    /// and not used by engines that store Unicode.
+    static std::unique_ptr<Database> CreateDatabase(const QString& name, const QString& locale);
+    /// Writes a compacted, checked copy of source under target, which must not exist (or be empty). Source is left
+    /// alone. Raises 3049 when a table cannot be read; then no target is left behind.
+    static void CompactDatabase(const QString& source, const QString& target);
+
+    static std::unique_ptr<Workspace> CreateWorkspace(const QString& name, const QString& user, const QString& password,
+                                                      WorkspaceTypeEnum type);
+
+    /// A transaction over all databases that are open now. Changes of other calls join it until CommitTrans or
+    /// Rollback. CommitTrans and Rollback without BeginTrans raise 3251.
+    static void BeginTrans();
+    static void CommitTrans(int options = dbCommitDefault);
+    static void Rollback();
+};
+
+} // namespace dao
+
+namespace ado
+{
+
+/// The short-lived second road to a database file that fixes and reads its locking mode: who opens a file first
+/// decides the mode for all that open it while it stays open. Errors are dao::Error.
+class Connection
+{
+public:
+    Connection();
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    void SetProvider(const QString& provider) { Provider_ = provider; }
+    /// "Data Source" (a file name) before Open; "Jet OLEDB:Database Locking Mode" (0 page, 1 record): before Open what
+    /// is asked for, after it what is in force. 3265 for another name.
+    QVariant Property(const QString& name) const;
+    void SetProperty(const QString& name, const QVariant& value);
+    void SetCursorLocation(int location) { CursorLocation_ = location; }
+    void Open(const QString& connectionString = QString(), const QString& user = QString(),
+              const QString& password = QString(), int options = -1);
+    void Close();
+
+private:
+    class Handle;
+    QString Provider_;
+    QString DataSource_;
+    int LockingMode_ = 0;
+    int CursorLocation_ = 2;
+    std::unique_ptr<Handle> Handle_;
+};
+
+} // namespace ado

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QString>
+
+#include <exception>
+#include <utility>
+
+namespace dao
+{
+
+/// Error numbers of the record store; docs/database.md lists what raises which.
+enum ErrorNumber : int
+{
+    errOverflow = 6,
+    errTypeMismatch = 13,
+    errInvalidUseOfNull = 94,
+    errTableExists = 3010,
+    errNotAnIndex = 3015,
+    errUpdateWithoutEdit = 3020,
+    errNoCurrentRecord = 3021,
+    errDuplicateValue = 3022,
+    errFileNotFound = 3024,
+    errNotAValidPath = 3044,
+    errFileDamaged = 3049,
+    errCannotOpen = 3051,
+    errTooFewParameters = 3061,
+    errSyntax = 3075,
+    errTableNotFound = 3078,
+    errFieldTooSmall = 3163,
+    errRecordDeleted = 3167,
+    errChangedByAnother = 3197,
+    errServerTableNotFound = 3228,
+    errNotSupported = 3251,
+    errLocked = 3260,
+    errItemNotFound = 3265,
+    errUnrecognisedFormat = 3343,
+    errObjectInvalid = 3420,
+    errDataTypeConversion = 3421,
+    errCancelled = 32755,
+};
+
+/// What every failed operation of the record store throws. Nothing was stored when it is thrown by a writing
+/// operation.
+class Error : public std::exception
+{
+public:
+    Error(int number, const QString& description, const QString& source = QStringLiteral("DAO"))
+        : Number_(number), Description_(description), Source_(source), What_(description.toUtf8())
+    {
+    }
+
+    int Number() const { return Number_; }
+    const QString& Description() const { return Description_; }
+    const QString& Source() const { return Source_; }
+    const char* what() const noexcept override { return What_.constData(); }
+
+private:
+    int Number_;
+    QString Description_;
+    QString Source_;
+    QByteArray What_;
+};
+
+} // namespace dao

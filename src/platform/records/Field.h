@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/records/Types.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+
+namespace dao
+{
+
+class Recordset;
+
+/// A field: the definition of a column in a TableDef or an Index, or a column of a Recordset's current row. Owned by
+/// the collection it stands in.
+class Field
+{
+public:
+    /// A definition. size: characters of a text field, 0 for the default of 255; meaningless for other types.
+    Field(const QString& name, DataTypeEnum type, int size);
+
+    const QString& Name() const { return Name_; }
+    DataTypeEnum Type() const { return Type_; }
+    /// Characters a text field holds (255 when it was created with 0), octets of a number, 0 for a memo.
+    int Size() const { return Size_; }
+    int Attributes() const { return Attributes_; }
+    /// Before the field is appended.
+    void SetAttributes(int attributes) { Attributes_ = attributes; }
+    /// Whether a text or memo field takes the empty text; where it does not, an empty text is stored as Null.
+    bool AllowZeroLength() const { return AllowZeroLength_; }
+    void SetAllowZeroLength(bool allow) { AllowZeroLength_ = allow; }
+
+    /// The value in the recordset's current row, or in its edit buffer between AddNew or Edit and Update. Invalid for
+    /// Null. A memo is read from the file when it is asked for. Error 3021 without a current row, 3420 on a definition.
+    QVariant Value() const;
+    /// Error 3020 outside AddNew and Edit; 3163 for a text longer than the field; 6 for a number outside the type; 3421
+    /// for a value that cannot be converted. A refused value leaves the buffer as it was.
+    void SetValue(const QVariant& value);
+
+    /// The value of a memo whose characters are all below U+0100, one octet a character: the same value as Value()
+    /// without the cost of widening megabytes. Null array for Null. Error 13 when a character is above U+00FF.
+    QByteArray Octets() const;
+    /// The same value as SetValue with each octet as the character U+0000 to U+00FF. A null array stores Null.
+    void SetOctets(const QByteArray& octets);
+
+private:
+    friend class Recordset;
+
+    QString Name_;
+    DataTypeEnum Type_;
+    int Size_;
+    int Attributes_ = 0;
+    bool AllowZeroLength_ = false;
+    Recordset* Recordset_ = nullptr;
+    int Ordinal_ = -1;
+};
+
+} // namespace dao
