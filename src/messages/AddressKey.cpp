@@ -2,6 +2,8 @@
 
 #include "common/GeneralHelper.h"
 
+#include <QStringList>
+
 namespace
 {
 constexpr QLatin1Char Bar('|');
