@@ -166,7 +166,6 @@ Q_SIGNALS:
 
 private:
     friend class cMessage;
-    friend class cTolvaDatabaseTest;
 
     // Steps of the open, in OpenTolvaDatabase.cpp.
     qint32 FailOpen(const QString& text, qint32 result);

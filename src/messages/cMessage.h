@@ -90,7 +90,6 @@ Q_SIGNALS:
 
 private:
     friend class cTolvaDatabase;
-    friend class cMessageTest;
 
     /// Reads the row with this reference, or the current row for 0. False when it is not there; the object is then
     /// untouched.
