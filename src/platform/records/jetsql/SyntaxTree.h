@@ -179,6 +179,10 @@ struct DeleteStatement
 
 using Statement = std::variant<SelectStatement, UpdateStatement, DeleteStatement>;
 
+/// An operation over its operands; an And within an And (or an Or within an Or) becomes one. Error 3075 when it
+/// would be deeper than MaximumDepth.
+Expression MakeOperation(Operator kind, std::vector<Expression> operands);
+
 /// left AND right, without nesting one And in another. Either may be absent; both absent gives none. Joins a
 /// query's condition with a further criterion.
 std::optional<Expression> Both(std::optional<Expression> left, std::optional<Expression> right);

@@ -25,6 +25,7 @@ int CompareText(std::string_view left, std::string_view right);
 /// jet_like(pattern, text...): 1 when any of the texts meets the pattern, else Null when any or the pattern is Null,
 /// else 0. Texts may be stored as TEXT or BLOB in UTF-8; numbers count by their text form.
 /// jet_text(value): the text form of a number, a text as it stands, Null for Null.
+/// jet_concatenate(left, right): the texts joined, Null as empty unless both are Null.
 /// jet_store(value, type, size, allow zero length): the value as a column of that type stores it.
 void RegisterSqlFunctions(sqlite3* connection);
 
