@@ -434,7 +434,7 @@ Piece ExpressionRenderer::Chain(std::vector<Piece> pieces, const char* symbol) c
                 continue;
             }
             Piece group;
-            group.Text = '(';
+            group.Text = "(";
             for (std::size_t i = start; i < end; ++i) {
                 if (i > start)
                     group.Text += QByteArray(" ") + symbol + ' ';
