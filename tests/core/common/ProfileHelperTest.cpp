@@ -139,6 +139,22 @@ TEST_F(ProfileHelperTest, WritingLeavesAllElseAsItStands)
               "; top\r\n\r\n[A]\r\n  one = 1 \r\n; note\r\ntwo=3\r\nthree=4\r\n\r\n[B]\r\nstray line\r\n");
 }
 
+TEST_F(ProfileHelperTest, MixedLineEndsAndAMissingLastOneStay)
+{
+    const QString file = Make(QStringLiteral("a.ini"), "[A]\r\none=1\n[B]\r\ntwo=2");
+    EXPECT_TRUE(Write(file, u"B", u"two", u"3"));
+    EXPECT_EQ(ContentOf(file), "[A]\r\none=1\n[B]\r\ntwo=3");
+    EXPECT_TRUE(Write(file, u"B", u"four", u"4"));
+    EXPECT_EQ(ContentOf(file), "[A]\r\none=1\n[B]\r\ntwo=3\r\nfour=4\r\n");
+}
+
+TEST_F(ProfileHelperTest, ALatin1FileWhoseTextLooksLikeUtf8IsWrittenAsUtf8)
+{
+    const QString file = Make(QStringLiteral("a.ini"), "[A]\nK=\xE4\n");
+    EXPECT_TRUE(Write(file, u"A", u"K", u"\u00C3\u00A4"));
+    EXPECT_EQ(Read(file, u"A", u"K"), u"\u00C3\u00A4");
+}
+
 TEST_F(ProfileHelperTest, WritingKeepsTheEncoding)
 {
     const QString latin1 = Make(QStringLiteral("1.ini"), "[A]\nK=\xE4\n");
