@@ -74,7 +74,7 @@ QList<TablePlan> Plans()
           {QStringLiteral("Text"), dao::dbMemo},
           {QStringLiteral("Code"), dao::dbLong},
           {QStringLiteral("EventReference"), dao::dbLong}},
-         {main}},
+         {main, {QStringLiteral("When"), {QStringLiteral("When"), QStringLiteral("Reference")}, Uniqueness::Repeats}}},
     };
 }
 

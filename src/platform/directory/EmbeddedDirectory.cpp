@@ -220,7 +220,8 @@ void EmbeddedDirectory::DeleteContact(qint32 reference)
 
 QList<DirectoryLogEntry> EmbeddedDirectory::LogEntries(int limit) const
 {
-    const auto rows = DirectoryTables::OpenTable(Opened(), QStringLiteral("UserLog"), mainIndex);
+    // By time: each computer draws its references from a range of its own, so these do not tell the order.
+    const auto rows = DirectoryTables::OpenTable(Opened(), QStringLiteral("UserLog"), QStringLiteral("When"));
     QList<DirectoryLogEntry> entries;
     if (rows->AtEOF())
         return entries;

@@ -266,19 +266,28 @@ TEST_F(EmbeddedDirectoryUserTest, ALogThatCannotBeWrittenAnswersFalseAndNeverThr
     EXPECT_FALSE(SignedIn(QStringLiteral("Megan")).LogEvent(1, 1, QString(), QString(), 0, 0));
 }
 
-TEST_F(EmbeddedDirectoryUserTest, LogsOfTwoComputersMeetInOneList)
+TEST_F(EmbeddedDirectoryUserTest, LogsOfTwoComputersMeetInOneListByTime)
 {
+    QDateTime now(QDate(2026, 11, 20), QTime(8, 0), Qt::UTC);
+    const auto clock = [&now] { return now = now.addSecs(1); };
     clsKVUser& here = SignedIn(QStringLiteral("Megan"));
     EmbeddedDirectory other;
     other.Open(FolderName());
     SavedUser(other, QStringLiteral("Idris"));
     ASSERT_TRUE(other.SignIn(QStringLiteral("Idris")));
-    EXPECT_TRUE(here.LogEvent(1, 1, QStringLiteral("here"), QString(), 0, 0));
-    EXPECT_TRUE(other.CurrentUser()->LogEvent(1, 1, QStringLiteral("there"), QString(), 0, 0));
-    const QList<DirectoryLogEntry> entries = Directory.LogEntries(10);
-    ASSERT_EQ(entries.size(), 2);
-    EXPECT_EQ(entries.at(0).Title, QStringLiteral("there"));
-    EXPECT_EQ(entries.at(0).UserReference, other.CurrentUser()->Reference());
-    EXPECT_EQ(entries.at(1).Title, QStringLiteral("here"));
-    EXPECT_EQ(other.LogEntries(10).size(), 2);
+    Directory.SetClock(clock);
+    other.SetClock(clock);
+    for (int code = 1; code <= 6; code += 2) {
+        EXPECT_TRUE(here.LogEvent(1, 1, QString(), QString(), code, 0));
+        EXPECT_TRUE(other.CurrentUser()->LogEvent(1, 1, QString(), QString(), code + 1, 0));
+    }
+    for (const EmbeddedDirectory* const directory : {&Directory, &other}) {
+        QList<int> codes;
+        for (const DirectoryLogEntry& entry : directory->LogEntries(10)) {
+            codes.append(entry.Code);
+            const bool isHere = entry.Code % 2 == 1;
+            EXPECT_EQ(entry.UserReference, isHere ? here.Reference() : other.CurrentUser()->Reference());
+        }
+        EXPECT_EQ(codes, QList<int>({6, 5, 4, 3, 2, 1}));
+    }
 }
