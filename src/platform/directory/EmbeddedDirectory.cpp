@@ -5,6 +5,8 @@
 
 #include <QDir>
 
+#include <utility>
+
 namespace
 {
 const QString contactsTable = QStringLiteral("Contacts");
@@ -104,9 +106,10 @@ void EmbeddedDirectory::Open(const QString& folder)
 void EmbeddedDirectory::Close()
 {
     User_.reset();
-    if (Database_)
-        Database_->Close();
-    Database_.reset();
+    // Closed for this object even when the store's own closing fails.
+    const std::unique_ptr<dao::Database> database = std::move(Database_);
+    if (database)
+        database->Close();
 }
 
 bool EmbeddedDirectory::IsOpen() const

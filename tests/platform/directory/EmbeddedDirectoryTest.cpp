@@ -1,11 +1,10 @@
+#include "platform/directory/Processes.h"
 #include "platform/directory/TemporaryDirectory.h"
 #include "platform/records/DBEngine.h"
 
 #include <QFile>
 #include <QFileInfo>
 
-#include <functional>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -31,38 +30,6 @@ protected:
         return names;
     }
 };
-
-/// Runs the work in so many processes that start it together; how many of them failed.
-int FailedProcesses(int count, const std::function<void()>& work)
-{
-    int gate[2];
-    if (pipe(gate) != 0)
-        return -1;
-    for (int i = 0; i < count; ++i) {
-        if (fork() == 0) {
-            close(gate[1]);
-            char none;
-            // Ends for all of them when the parent closes its end.
-            const ssize_t got = read(gate[0], &none, 1);
-            try {
-                work();
-            } catch (const std::exception& error) {
-                static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
-                _exit(1);
-            }
-            _exit(got == 0 ? 0 : 2);
-        }
-    }
-    close(gate[0]);
-    close(gate[1]);
-    int failed = 0;
-    for (int i = 0; i < count; ++i) {
-        int status = 0;
-        if (wait(&status) < 0 || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
-            ++failed;
-    }
-    return failed;
-}
 } // namespace
 
 TEST_F(EmbeddedDirectoryTest, OpeningMakesTheFolderWithItsParentsAndTheFile)
@@ -159,6 +126,7 @@ TEST_F(EmbeddedDirectoryTest, OpeningAddsWhatAnOlderFileLacksAndKeepsWhatItHas)
 
 TEST_F(EmbeddedDirectoryTest, ManyProcessesThatMakeTheSameDirectoryAtOnceAllSucceed)
 {
+    Directory.Close();
     for (int round = 0; round < 5; ++round) {
         const QString folder = Folder.filePath(QStringLiteral("shared%1").arg(round));
         const int failed = FailedProcesses(4, [&folder] {

@@ -1,7 +1,9 @@
+#include "platform/directory/Processes.h"
 #include "platform/directory/TemporaryDirectory.h"
 #include "platform/records/DBEngine.h"
 
 #include <stdexcept>
+#include <unistd.h>
 
 namespace
 {
@@ -166,6 +168,26 @@ TEST_F(EmbeddedDirectoryUserTest, APreferenceStoredAtAnotherComputerIsSeenAndCan
     EXPECT_EQ(here.Preference(key, 1).toInt(), 5);
     EXPECT_TRUE(here.SetPreference(key, 6));
     EXPECT_EQ(other.CurrentUser()->Preference(key, 1).toInt(), 6);
+}
+
+TEST_F(EmbeddedDirectoryUserTest, ProcessesThatStoreTheSamePreferenceAtOnceAllSucceedAndOneValueStays)
+{
+    SavedUser(Directory, QStringLiteral("Megan"));
+    Directory.Close();
+    const int failed = FailedProcesses(4, [this] {
+        EmbeddedDirectory directory;
+        directory.Open(FolderName());
+        if (!directory.SignIn(QStringLiteral("Megan")))
+            throw std::runtime_error("not signed in");
+        for (int i = 0; i < 5; ++i) {
+            const QVariant value = static_cast<int>(getpid()) * 10 + i;
+            if (!directory.CurrentUser()->SetPreference(QStringLiteral("Key%1").arg(i), value))
+                throw std::runtime_error("not stored");
+        }
+    });
+    EXPECT_EQ(failed, 0);
+    const auto database = dao::DBEngine::OpenDatabase(FileName());
+    EXPECT_EQ(database->OpenRecordset(QStringLiteral("Preferences"), dao::dbOpenTable)->RecordCount(), 5);
 }
 
 TEST_F(EmbeddedDirectoryUserTest, DeletingAUserTakesItsPreferencesAlongAndNoOthers)
