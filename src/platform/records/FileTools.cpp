@@ -55,11 +55,17 @@ void TemporaryFile::MoveTo(const QString& target)
         QFile::remove(target);
     // A rename that does not replace: somebody else's file of that name, made meanwhile, stays.
     if (!QFile::rename(Name_, target)) {
-        throw Error(errCannotOpen,
-                    QStringLiteral("Cannot write '%1': a file of that name exists, or permission is missing.").arg(target));
+        throw Error(
+            errCannotOpen,
+            QStringLiteral("Cannot write '%1': a file of that name exists, or permission is missing.").arg(target));
     }
     IsMoved_ = true;
-    Flush(info.absolutePath());
+    try {
+        Flush(info.absolutePath());
+    } catch (...) {
+        QFile::remove(target);
+        throw;
+    }
 }
 
 } // namespace dao

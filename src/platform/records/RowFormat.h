@@ -8,9 +8,9 @@
 #include <string_view>
 #include <variant>
 
-/// Rows as engines hand them over: the cells of one row packed one behind the other, a tag octet and the value in as few
-/// octets as it needs. A hundred thousand rows of a list take a few dozen octets each this way, where a QVariant a cell
-/// would take ten times that.
+/// Rows as engines hand them over: the cells of one row packed one behind the other, a tag octet and the value in as
+/// few octets as it needs. A hundred thousand rows of a list take a few dozen octets each this way, where a QVariant a
+/// cell would take ten times that.
 namespace dao
 {
 

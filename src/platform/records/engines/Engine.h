@@ -8,6 +8,8 @@
 #include <QStringList>
 
 #include <functional>
+#include <limits>
+#include <optional>
 #include <span>
 
 /// What an engine does for the objects of the record store. Nothing here names a file format, a dialect or a lock:
@@ -65,14 +67,19 @@ enum class ResultPart
     Values ///< Row ids and cells, memos of a table deferred.
 };
 
-/// keys: the row id in each source, NoRow where an outer join found none; empty without keys. cells: a packed row, empty
-/// when only keys were asked for; both are gone when the call returns.
+/// keys: the row id in each source, NoRow where an outer join found none; empty without keys. cells: a packed row,
+/// empty when only keys were asked for; both are gone when the call returns.
 using RowSink = std::function<void(std::span<const qint64> keys, std::string_view cells)>;
 
 inline constexpr qint64 NoRow = std::numeric_limits<qint64>::min();
 
-/// Values in the order of ResultShape::Parameters.
-using ParameterValues = std::vector<QVariant>;
+struct ParameterValue
+{
+    QString Name;
+    QVariant Value;
+};
+/// Those of a query that are set. One that is missing is error 3061.
+using ParameterValues = std::vector<ParameterValue>;
 
 /// One open database. Between calls it holds no lock, unless a transaction is open.
 class Store
@@ -111,10 +118,10 @@ public:
     /// when octetBudget is used up.
     virtual std::vector<Row> ReadRows(const TablePtr& table, std::span<const qint64> ids, MemoFetch memos,
                                       qint64 octetBudget) = 0;
-    /// A memo of each of these rows as UTF-8, null for Null and for a row that is gone (or for NoRow). Stops early, after
+    /// A memo of each of these rows as UTF-8, a null array for Null, nothing for a row that is gone. Stops early, after
     /// one row at least, when octetBudget is used up.
-    virtual std::vector<QByteArray> ReadMemos(const TablePtr& table, int column, std::span<const qint64> ids,
-                                              qint64 octetBudget) = 0;
+    virtual std::vector<std::optional<QByteArray>> ReadMemos(const TablePtr& table, int column,
+                                                             std::span<const qint64> ids, qint64 octetBudget) = 0;
     virtual int CountRows(const TablePtr& table) = 0;
 
     /// The next number of the table's counter; never the same again.

@@ -7,10 +7,10 @@
 namespace dao::sqlite
 {
 
-/// The automatic counters of one connection. The file keeps for each table the highest number that was ever taken out of
-/// it; a connection takes numbers out in blocks that grow with use, so that a drawn number is this connection's alone
-/// before its row is stored, and a long run of inserts does not pay a commit for each. What is left of a block goes back
-/// at a clean close if nobody took more since; after a crash it is never used.
+/// The automatic counters of one connection. The file keeps for each table the highest number that was ever taken out
+/// of it; a connection takes numbers out in blocks that grow with use, so that a drawn number is this connection's
+/// alone before its row is stored, and a long run of inserts does not pay a commit for each. What is left of a block
+/// goes back at a clean close if nobody took more since; after a crash it is never used.
 class CounterBlocks
 {
 public:

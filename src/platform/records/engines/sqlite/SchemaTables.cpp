@@ -45,8 +45,8 @@ QByteArray ColumnDefinition(const Column& column)
 /// Memos come last, so that reading the other columns never walks through megabytes.
 QByteArray TableDefinition(const Table& table, const QByteArray& quotedName)
 {
-    QByteArray sql = "CREATE TABLE " + quotedName + " (" + VersionColumn + " INTEGER NOT NULL, " + OctetsColumn +
-                     " INTEGER";
+    QByteArray sql =
+        "CREATE TABLE " + quotedName + " (" + VersionColumn + " INTEGER NOT NULL, " + OctetsColumn + " INTEGER";
     for (const Column& column : table.Columns) {
         if (!column.IsMemo())
             sql += ", " + ColumnDefinition(column);
@@ -195,7 +195,8 @@ void ReadIndexes(Connection& connection, const Statement& indexes, const Stateme
 
 void CreateStructure(Connection& connection)
 {
-    connection.Execute("CREATE TABLE \"~Tables\" (Id INTEGER PRIMARY KEY, Name TEXT NOT NULL, Counter INTEGER NOT NULL)");
+    connection.Execute(
+        "CREATE TABLE \"~Tables\" (Id INTEGER PRIMARY KEY, Name TEXT NOT NULL, Counter INTEGER NOT NULL)");
     connection.Execute("CREATE TABLE \"~Fields\" (TableId INTEGER, Ordinal INTEGER, Name TEXT NOT NULL, Type INTEGER "
                        "NOT NULL, Size INTEGER NOT NULL, Attributes INTEGER NOT NULL, AllowZeroLength INTEGER NOT "
                        "NULL, PRIMARY KEY (TableId, Ordinal)) WITHOUT ROWID");

@@ -47,9 +47,8 @@ Error ErrorOf(int extendedCode, const QString& message, const QString& fileName)
         return Error(errCannotOpen,
                      QStringLiteral("Cannot change '%1': it is read only or in use.").arg(fileName) + words);
     case SQLITE_CANTOPEN:
-        return Error(errCannotOpen, QStringLiteral("Cannot open '%1': it is in use, or permission is missing.")
-                                            .arg(fileName) +
-                                        words);
+        return Error(errCannotOpen,
+                     QStringLiteral("Cannot open '%1': it is in use, or permission is missing.").arg(fileName) + words);
     case SQLITE_TOOBIG:
         return Error(errFieldTooSmall, QStringLiteral("The value is too large for the field."));
     case SQLITE_NOMEM:
@@ -165,9 +164,9 @@ Connection::Connection(const QString& fileName, Mode mode) : FileName_(fileName)
                        : mode == Mode::Create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                                               : SQLITE_OPEN_READWRITE;
     StartWaiting();
-    const int code = sqlite3_open_v2(QDir::toNativeSeparators(fileName).toUtf8().constData(), &Handle_,
-                                     access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE,
-                                     nullptr);
+    const int code =
+        sqlite3_open_v2(QDir::toNativeSeparators(fileName).toUtf8().constData(), &Handle_,
+                        access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE, nullptr);
     try {
         if (code != SQLITE_OK)
             Raise(code);

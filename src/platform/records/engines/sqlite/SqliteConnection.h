@@ -6,10 +6,10 @@
 #include <QElapsedTimer>
 #include <QString>
 
+#include <sqlite3.h>
+
 #include <memory>
 #include <string_view>
-
-#include <sqlite3.h>
 
 namespace dao::sqlite
 {
@@ -36,8 +36,8 @@ private:
     Connection* Connection_ = nullptr;
 };
 
-/// One run of a statement: bind, step, read, and reset at the end of the scope, so that no lock outlives the call. Bound
-/// texts are not copied and must live as long.
+/// One run of a statement: bind, step, read, and reset at the end of the scope, so that no lock outlives the call.
+/// Bound texts are not copied and must live as long.
 class StatementUse
 {
 public:

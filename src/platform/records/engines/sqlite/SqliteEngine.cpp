@@ -93,7 +93,8 @@ void SqliteEngine::Compact(const QString& source, const QString& target)
 {
     TemporaryFile file(target);
     {
-        SqliteStore probe(source, true);
+        // Says what is wrong with a file that cannot even be opened, and takes back what a dead process left half done.
+        const SqliteStore probe(source, true);
     }
     try {
         Connection connection(source, Connection::Mode::ReadWrite);

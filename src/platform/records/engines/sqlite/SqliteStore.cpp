@@ -29,9 +29,14 @@ constexpr int SchemaCookieOffset = 40;
 } // namespace
 
 SqliteStore::SqliteStore(const QString& fileName, bool readOnly)
-    : Connection_(fileName, readOnly ? Connection::Mode::ReadOnly : Connection::Mode::ReadWrite),
-      IsReadOnly_(Connection_.IsReadOnly()), Counters_(Connection_), Begin_(Connection_, "BEGIN"),
-      BeginImmediate_(Connection_, "BEGIN IMMEDIATE"), Commit_(Connection_, "COMMIT")
+    // Opened for writing also by one who only reads: a transaction that another process left half done when it died
+    // has to be taken back before anything can be read.
+    : Connection_(fileName, Connection::Mode::ReadWrite),
+      IsReadOnly_(readOnly || Connection_.IsReadOnly()),
+      Counters_(Connection_),
+      Begin_(Connection_, "BEGIN"),
+      BeginImmediate_(Connection_, "BEGIN IMMEDIATE"),
+      Commit_(Connection_, "COMMIT")
 {
     if (Connection_.Number("PRAGMA application_id") != ApplicationId)
         throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
@@ -140,8 +145,7 @@ void SqliteStore::AddColumn(const QString& tableName, const Column& column)
                     QStringLiteral("Field '%1' already exists in table '%2'.").arg(column.Name, table->Name));
     }
     if (column.IsCounter() && table->CounterColumn() >= 0) {
-        throw Error(errNotSupported,
-                    QStringLiteral("Table '%1' has an automatic counter already.").arg(table->Name));
+        throw Error(errNotSupported, QStringLiteral("Table '%1' has an automatic counter already.").arg(table->Name));
     }
     WriteColumn(Connection_, *table, column);
     ReadSchemaUnderLock();
@@ -254,19 +258,19 @@ std::vector<Row> SqliteStore::ReadRows(const TablePtr& table, std::span<const qi
     return rows;
 }
 
-std::vector<QByteArray> SqliteStore::ReadMemos(const TablePtr& table, int column, std::span<const qint64> ids,
-                                               qint64 octetBudget)
+std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& table, int column,
+                                                              std::span<const qint64> ids, qint64 octetBudget)
 {
     ReadScope scope(*this, ids.size() > 1);
     TableAccess& access = Access(table);
-    std::vector<QByteArray> memos;
+    std::vector<std::optional<QByteArray>> memos;
     memos.reserve(ids.size());
     qint64 octets = 0;
     for (const qint64 id : ids) {
         if (octets > octetBudget)
             break;
-        memos.push_back(id == engine::NoRow ? QByteArray() : access.ReadMemo(column, id));
-        octets += memos.back().size();
+        memos.push_back(access.ReadMemo(column, id));
+        octets += memos.back() ? memos.back()->size() : 0;
     }
     return memos;
 }
@@ -301,8 +305,8 @@ void SqliteStore::CheckPrimaryKey(const Table& table, std::span<const engine::As
             const auto given = std::find_if(values.begin(), values.end(), [&](const engine::Assignment& assignment) {
                 return assignment.Column == column;
             });
-            const bool isNull = given == values.end() ? isNewRow
-                                                      : std::holds_alternative<std::monostate>(*given->Value);
+            const bool isNull =
+                given == values.end() ? isNewRow : std::holds_alternative<std::monostate>(*given->Value);
             if (isNull) {
                 throw Error(errInvalidUseOfNull,
                             QStringLiteral("Invalid use of Null: index or primary key cannot contain a Null value."));

@@ -36,8 +36,8 @@ public:
               engine::MemoFetch memos, Row& row) override;
     std::vector<Row> ReadRows(const engine::TablePtr& table, std::span<const qint64> ids, engine::MemoFetch memos,
                               qint64 octetBudget) override;
-    std::vector<QByteArray> ReadMemos(const engine::TablePtr& table, int column, std::span<const qint64> ids,
-                                      qint64 octetBudget) override;
+    std::vector<std::optional<QByteArray>> ReadMemos(const engine::TablePtr& table, int column,
+                                                     std::span<const qint64> ids, qint64 octetBudget) override;
     int CountRows(const engine::TablePtr& table) override;
 
     qint64 DrawCounter(const engine::TablePtr& table) override;

@@ -88,19 +88,24 @@ public:
                 continue;
             }
             const auto* named = std::get_if<NamedParameter>(&binding);
-            if (named != nullptr && static_cast<std::size_t>(named->Index) >= parameters.size()) {
-                throw Error(errTooFewParameters,
-                            QStringLiteral("Too few parameters. Expected %1: '%2'.")
-                                .arg(sql.Parameters.size())
-                                .arg(sql.Parameters.value(named->Index)));
-            }
-            Values_.push_back(ToStored(named != nullptr ? parameters[static_cast<std::size_t>(named->Index)]
-                                                        : std::get<QVariant>(binding)));
+            Values_.push_back(
+                ToStored(named != nullptr ? ValueOf(sql, *named, parameters) : std::get<QVariant>(binding)));
             use.Bind(place, Values_.back());
         }
     }
 
 private:
+    static QVariant ValueOf(const RenderedSql& sql, const NamedParameter& named, const ParameterValues& parameters)
+    {
+        const QString& name = sql.Parameters.at(named.Index);
+        for (const engine::ParameterValue& parameter : parameters) {
+            if (parameter.Name.compare(name, Qt::CaseInsensitive) == 0)
+                return parameter.Value;
+        }
+        throw Error(errTooFewParameters,
+                    QStringLiteral("Too few parameters. There is no field or value '%1'.").arg(name));
+    }
+
     std::vector<StoredValue> Values_;
 };
 
@@ -114,8 +119,7 @@ bool HasAggregate(const jetsql::SelectStatement& select)
 RenderedSelect Render(const jetsql::SelectStatement& select, const engine::Schema& schema, ResultPart part)
 {
     SelectOptions options;
-    options.Columns =
-        part == ResultPart::Keys ? SelectOptions::Output::None : SelectOptions::Output::WithoutMemos;
+    options.Columns = part == ResultPart::Keys ? SelectOptions::Output::None : SelectOptions::Output::WithoutMemos;
     if (HasAggregate(select))
         options.Columns = SelectOptions::Output::AllColumns;
     else
@@ -164,8 +168,7 @@ ResultShape SqliteStore::Describe(const jetsql::SelectStatement& select)
         column.Definition = {output.Name, output.Type, output.Size, output.Attributes, output.AllowZeroLength};
         if (output.TableIndex >= 0) {
             column.Source = output.TableIndex;
-            column.SourceColumn =
-                shape.Sources[static_cast<std::size_t>(output.TableIndex)]->FindColumn(output.Field);
+            column.SourceColumn = shape.Sources[static_cast<std::size_t>(output.TableIndex)]->FindColumn(output.Field);
         }
     }
     shape.Updatable = rendered.Updatable;
@@ -225,7 +228,8 @@ int SqliteStore::Execute(const jetsql::Statement& statement, const ParameterValu
             if (column.IsMemo() && !hidden.contains(OctetsColumn))
                 hidden += QByteArrayLiteral(", ") + OctetsColumn + " = NULL";
             for (const engine::IndexKey& index : table->Indexes) {
-                if (index.Primary && std::find(index.Columns.begin(), index.Columns.end(), place) != index.Columns.end())
+                if (index.Primary &&
+                    std::find(index.Columns.begin(), index.Columns.end(), place) != index.Columns.end())
                     changesPrimaryKey = true;
             }
         }

@@ -160,21 +160,20 @@ QByteArray TableAccess::StretchText(int index, const Stretch& stretch, Direction
     return sql + RowIdName + order + " LIMIT 1";
 }
 
-bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direction,
-                              std::span<const StoredValue> keys, qint64 id, MemoFetch memos, Row& row)
+bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direction, std::span<const StoredValue> keys,
+                              qint64 id, MemoFetch memos, Row& row)
 {
     quint64 nulls = 0;
     for (std::size_t i = 0; i < stretch.Equal; ++i)
         nulls |= static_cast<quint64>(IsNullValue(keys[i])) << i;
     const quint64 key = FirstStretch + ((((((static_cast<quint64>(index + 1) << 16 | nulls) << 8 | stretch.Equal) << 4 |
                                            static_cast<quint64>(stretch.Limit))
-                                          << 1 |
+                                              << 1 |
                                           static_cast<quint64>(direction == Direction::Backward))
                                          << 1) |
                                         static_cast<quint64>(memos == MemoFetch::SmallOnes))
-                                       << 17;
-    const Statement& statement =
-        Prepared(key, [&] { return StretchText(index, stretch, direction, keys, memos); });
+                        << 17;
+    const Statement& statement = Prepared(key, [&] { return StretchText(index, stretch, direction, keys, memos); });
     StatementUse use(statement);
     for (std::size_t i = 0; i < stretch.Equal; ++i) {
         if (!IsNullValue(keys[i]))
@@ -269,9 +268,8 @@ bool TableAccess::Seek(int index, SeekComparison comparison, std::span<const Sto
 bool TableAccess::ReadRow(qint64 id, MemoFetch memos, Row& row)
 {
     const quint64 kind = memos == MemoFetch::SmallOnes ? RowByIdWithMemos : RowById;
-    const Statement& statement = Prepared(kind, [&] {
-        return "SELECT " + ReadColumns(memos) + " FROM " + Name_ + " WHERE " + RowIdName + " = ?";
-    });
+    const Statement& statement = Prepared(
+        kind, [&] { return "SELECT " + ReadColumns(memos) + " FROM " + Name_ + " WHERE " + RowIdName + " = ?"; });
     StatementUse use(statement);
     use.Bind(1, id);
     if (!use.Step())
@@ -280,7 +278,7 @@ bool TableAccess::ReadRow(qint64 id, MemoFetch memos, Row& row)
     return true;
 }
 
-QByteArray TableAccess::ReadMemo(int column, qint64 id)
+std::optional<QByteArray> TableAccess::ReadMemo(int column, qint64 id)
 {
     const Statement& statement = Prepared(MemoById + static_cast<quint64>(column), [&] {
         return "SELECT " + QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name) + " FROM " + Name_ +
@@ -288,13 +286,15 @@ QByteArray TableAccess::ReadMemo(int column, qint64 id)
     });
     StatementUse use(statement);
     use.Bind(1, id);
-    if (!use.Step() || use.IsNull(0))
-        return {};
+    if (!use.Step())
+        return std::nullopt;
+    if (use.IsNull(0))
+        return QByteArray();
     const std::string_view text = use.Text(0);
     // An empty text is not Null, and QByteArray tells the two apart by its pointer.
     if (text.empty())
         return QByteArrayLiteral("");
-    return {text.data(), static_cast<qsizetype>(text.size())};
+    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 qint64 TableAccess::CountRows()
@@ -305,8 +305,8 @@ qint64 TableAccess::CountRows()
 
 bool TableAccess::Exists(qint64 id)
 {
-    StatementUse use(Prepared(
-        RowExists, [&] { return "SELECT 1 FROM " + Name_ + " WHERE " + QByteArray(RowIdName) + " = ?"; }));
+    StatementUse use(
+        Prepared(RowExists, [&] { return "SELECT 1 FROM " + Name_ + " WHERE " + QByteArray(RowIdName) + " = ?"; }));
     use.Bind(1, id);
     return use.Step();
 }
@@ -392,8 +392,8 @@ bool TableAccess::Update(qint64 id, qint64 version, std::span<const engine::Assi
 
 bool TableAccess::Delete(qint64 id)
 {
-    StatementUse use(Prepared(
-        RowDelete, [&] { return "DELETE FROM " + Name_ + " WHERE " + QByteArray(RowIdName) + " = ?"; }));
+    StatementUse use(
+        Prepared(RowDelete, [&] { return "DELETE FROM " + Name_ + " WHERE " + QByteArray(RowIdName) + " = ?"; }));
     use.Bind(1, id);
     use.Run();
     return Connection_.Changes() > 0;

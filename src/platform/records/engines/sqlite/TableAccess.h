@@ -20,7 +20,8 @@ public:
     bool Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, engine::MemoFetch memos,
               Row& row);
     bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
-    QByteArray ReadMemo(int column, qint64 id);
+    /// Nothing when there is no such row; a null array for Null.
+    std::optional<QByteArray> ReadMemo(int column, qint64 id);
     qint64 CountRows();
 
     qint64 Insert(std::span<const engine::Assignment> values);
@@ -50,8 +51,8 @@ private:
 
     const engine::IndexKey* IndexAt(int index) const;
     /// The first row of the stretch in the direction.
-    bool ReadStretch(int index, const Stretch& stretch, engine::Direction direction,
-                     std::span<const StoredValue> keys, qint64 id, engine::MemoFetch memos, Row& row);
+    bool ReadStretch(int index, const Stretch& stretch, engine::Direction direction, std::span<const StoredValue> keys,
+                     qint64 id, engine::MemoFetch memos, Row& row);
     QByteArray StretchText(int index, const Stretch& stretch, engine::Direction direction,
                            std::span<const StoredValue> keys, engine::MemoFetch memos) const;
     std::vector<StoredValue> KeysOf(int index, const Row& row) const;
