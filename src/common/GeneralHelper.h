@@ -13,16 +13,16 @@ void SetDebugMode(int level);
 QString DebugPath();
 void SetDebugPath(const QString& folder);
 
-/// Adds or replaces one key in a key-value text (entries key=value, one blank between them). A value that holds blanks, or
-/// is empty, stands in double quotes.
+/// Adds or replaces one key in a key-value text (entries key=value, one blank between them). A value that holds blanks,
+/// or is empty, stands in double quotes.
 QString SetKeyValue(const QString& text, const QString& key, const QString& value);
 /// The same for a text of lines, one entry a line, the value always in double quotes.
 QString SetLineKeyValue(const QString& text, const QString& key, const QString& value);
 
-/// The text from position start (0 is the first character) up to the next delimiter, trimmed as asked. next: the position
-/// behind that delimiter, or -1 when the text ended.
-QString NextToken(const QString& text, qsizetype start, const QString& delimiter, qsizetype& next, bool trimLeft = false,
-                  bool trimRight = false);
+/// The text from position start (0 is the first character) up to the next delimiter, trimmed as asked. next: the
+/// position behind that delimiter, or -1 when the text ended.
+QString NextToken(const QString& text, qsizetype start, const QString& delimiter, qsizetype& next,
+                  bool trimLeft = false, bool trimRight = false);
 
 /// The parts of a colour value with red in its low byte, 0 to 255. A system colour (0x8000....) counts as black.
 int RedOf(qint32 colour);
@@ -35,8 +35,8 @@ int BlueOf(qint32 colour);
 QString NormalisePhoneNumber(const QString& number, int option);
 /// The form in which an address key holds this number (no leading zeros); empty when it is no phone number.
 QString PhoneNumberKey(const QString& number);
-/// Two-letter region (ISO 3166) in whose form numbers without a country code are read; from this machine's setting "Country",
-/// default "GB".
+/// Two-letter region (ISO 3166) in whose form numbers without a country code are read; from this machine's setting
+/// "Country", default "GB".
 QString PhoneRegion();
 
 qint64 Limit(qint64 value, qint64 lowest, qint64 highest);

@@ -14,8 +14,8 @@ inline constexpr char LocalMachine[] = "HKEY_LOCAL_MACHINE";
 /// defaultValue (bool, int or text); what cannot be read as such is the default.
 QVariant ReadRegistryValue(const QString& root, const QString& key, const QString& value, const QVariant& defaultValue);
 
-/// A value of a plain profile file: "[section]", "key=value"; sections and keys without regard to case, the value as it stands
-/// without the blanks around it and one pair of quotes. The default when file, section or key is absent.
+/// A value of a plain profile file: "[section]", "key=value"; sections and keys without regard to case, the value as it
+/// stands without the blanks around it and one pair of quotes. The default when file, section or key is absent.
 QString ReadIniString(const QString& section, const QString& key, const QString& defaultValue, const QString& file);
 /// Writes one value and leaves the rest of the file as it stands, comments included. False when that fails.
 bool WriteIniString(const QString& section, const QString& key, const QString& value, const QString& file);

@@ -6,16 +6,32 @@
 
 class cTolvaDatabase;
 
-enum class MessageBoxButtons { OK, YesNo };
-enum class MessageBoxIcon { None, Information, Question, Exclamation, Stop };
-enum class MessageBoxAnswer { OK, Yes, No };
+enum class MessageBoxButtons
+{
+    OK,
+    YesNo
+};
+enum class MessageBoxIcon
+{
+    None,
+    Information,
+    Question,
+    Exclamation,
+    Stop
+};
+enum class MessageBoxAnswer
+{
+    OK,
+    Yes,
+    No
+};
 
 /// One message box. Confirmations are YesNo with the question icon and No as the default, warnings are OK with
 /// the exclamation icon.
 struct MessageBoxRequest
 {
     QString Text;
-    QString Title;
+    QString Title; ///< Empty: the program's name.
     MessageBoxButtons Buttons = MessageBoxButtons::OK;
     MessageBoxIcon Icon = MessageBoxIcon::None;
     MessageBoxAnswer DefaultAnswer = MessageBoxAnswer::OK;
@@ -50,7 +66,8 @@ public:
     /// The interface in force: never null. Before SetCurrent it is one that shows nothing and answers No, or
     /// Cancel.
     static UserInterface& Current();
-    /// Does not take ownership; null goes back to the silent one. The caller keeps the object alive while it is in force.
+    /// Does not take ownership; null goes back to the silent one. The caller keeps the object alive while it is in
+    /// force.
     static void SetCurrent(UserInterface* userInterface);
 
     virtual MessageBoxAnswer MessageBox(const MessageBoxRequest& request) = 0;
@@ -59,6 +76,7 @@ public:
     /// The dialog of the station's settings. True when the user confirmed it and the settings are complete.
     virtual bool DatabaseSettings(cTolvaDatabase& database) = 0;
 
+    /// Called by BusyPointer and DefaultPointer alone, true and false in turn.
     virtual void SetBusyPointer(bool busy) = 0;
     /// Never null.
     virtual std::unique_ptr<ProgressDisplay> Progress(const QString& caption) = 0;
@@ -68,12 +86,26 @@ public:
     virtual void RunTimeError(int number, const QString& description) = 0;
 };
 
-/// The busy pointer for the life of a scope.
+/// The busy pointer for the life of a scope; scopes nest.
 class BusyPointer
 {
 public:
-    BusyPointer() { UserInterface::Current().SetBusyPointer(true); }
-    ~BusyPointer() { UserInterface::Current().SetBusyPointer(false); }
+    BusyPointer();
+    ~BusyPointer();
     BusyPointer(const BusyPointer&) = delete;
     BusyPointer& operator=(const BusyPointer&) = delete;
+};
+
+/// The default pointer for the life of a scope within busy ones, such as a message box in the middle of long work; then
+/// the busy one is back.
+class DefaultPointer
+{
+public:
+    DefaultPointer();
+    ~DefaultPointer();
+    DefaultPointer(const DefaultPointer&) = delete;
+    DefaultPointer& operator=(const DefaultPointer&) = delete;
+
+private:
+    int Depth_;
 };

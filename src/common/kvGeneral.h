@@ -6,12 +6,18 @@
 /// names, key-value texts and a checked rename.
 
 /// What a line does to the indent of the log.
-enum class IndentAction : qint16 { Leave = 0, RaiseAfter = 1, LowerBefore = 2, ResetBefore = 3 };
+enum class IndentAction : qint16
+{
+    Leave = 0,
+    RaiseAfter = 1,
+    LowerBefore = 2,
+    ResetBefore = 3
+};
 
 /// Appends one line to today's diagnostics log when the debug level (GeneralHelper::DebugMode) asks for it: 0 logs
 /// nothing, -1 everything, otherwise lines up to that level; a line of level -1 counts as 5. The file is opened and
-/// closed for every line, so that the line survives the process. A failed write is ignored; a folder that cannot be made
-/// is shown to the user at every line.
+/// closed for every line, so that the line survives the process. A failed write is ignored; a folder that cannot be
+/// made is shown to the user at every line.
 void WriteDebugLog(const QString& text, int level = 1, IndentAction action = IndentAction::Leave);
 
 /// Tells the user and the log "There was a problem " + text, and the description of the error when there is one.
@@ -23,15 +29,15 @@ QString ReportProblem(const QString& text, int errorNumber, bool silent, const Q
 /// than "tmp" is asked for (then the name is free and the file does not exist yet). Empty when that fails.
 QString GetTempFile(const QString& folder, const QString& extension);
 
-/// The value of one key in a short text of key="value" entries; empty when the key is absent. The key is found as a whole
-/// word: at the start of the text or after the delimiter. A quoted value ends at its closing quote, another at the next
-/// delimiter. unquote: takes the quotes off.
+/// The value of one key in a short text of key="value" entries; empty when the key is absent. The key is found as a
+/// whole word: at the start of the text or after the delimiter. A quoted value ends at its closing quote, another at
+/// the next delimiter. unquote: takes the quotes off.
 QString GetKeyValue(const QString& text, const QString& key, const QString& delimiter, bool unquote = true,
                     const QString& separator = QStringLiteral("="));
 /// The same with the key compared without regard to case.
 QString GetKeyValueCaseInsensitive(const QString& text, const QString& key, const QString& delimiter,
                                    bool unquote = true, const QString& separator = QStringLiteral("="));
 
-/// Renames a file to a name that is free. Both names need a folder. Refusals are shown to the user. False when nothing was
-/// renamed.
+/// Renames a file to a name that is free. Both names need a folder. Refusals are shown to the user. False when nothing
+/// was renamed.
 bool RenameWithChecks(const QString& oldName, const QString& newName);

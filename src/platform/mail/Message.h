@@ -14,10 +14,10 @@ namespace cdo
 /// A part of a message that is a file: an attachment, an inline image, an enclosed message.
 struct Attachment
 {
-    QString FileName;     ///< Decoded name as the sender gave it, empty when there is none. Never a safe path by itself.
-    QString ContentType;  ///< "image/png"; lower case.
-    QString ContentID;    ///< Without its angle brackets, empty when there is none.
-    qint64 Size = 0;      ///< Decoded octets.
+    QString FileName;    ///< Decoded name as the sender gave it, empty when there is none. Never a safe path by itself.
+    QString ContentType; ///< "image/png"; lower case.
+    QString ContentID;   ///< Without its angle brackets, empty when there is none.
+    qint64 Size = 0;     ///< Decoded octets.
     bool IsInline = false; ///< Disposition "inline", or referred to by content id from the HTML body.
 };
 

@@ -1,0 +1,9 @@
+#include "common/MachineHelper.h"
+
+#include <QSysInfo>
+
+QString MachineHelper::ComputerName()
+{
+    const QString name = QSysInfo::machineHostName();
+    return name.isEmpty() ? QStringLiteral("localhost") : name;
+}

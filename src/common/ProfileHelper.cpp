@@ -1,0 +1,83 @@
+#include "common/ProfileHelper.h"
+
+#include "common/FileHelper.h"
+#include "common/IniText.h"
+#include "common/Registry.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace
+{
+QVariant TruthOf(const QString& text, const QVariant& defaultValue)
+{
+    const QString word = text.toLower();
+    if (word == u"1" || word == u"true" || word == u"yes" || word == u"-1")
+        return true;
+    if (word == u"0" || word == u"false" || word == u"no")
+        return false;
+    return defaultValue;
+}
+
+QVariant WholeNumberOf(const QString& text, const QVariant& defaultValue)
+{
+    bool good = false;
+    const int number = text.toInt(&good);
+    return good ? QVariant(number) : defaultValue;
+}
+
+/// The file itself, or the one in its folder whose name differs in case alone: programs on other systems do not agree
+/// on the case of such names.
+QString ExistingFile(const QString& file)
+{
+    if (FileHelper::FileExists(file))
+        return file;
+    const QString folder = FileHelper::FolderOf(file);
+    const QString name = FileHelper::FileNameOf(file);
+    for (const QString& other : QDir(folder.isEmpty() ? QStringLiteral(".") : folder).entryList(QDir::Files)) {
+        if (other.compare(name, Qt::CaseInsensitive) == 0)
+            return FileHelper::Join(folder, other);
+    }
+    return file;
+}
+} // namespace
+
+QVariant ProfileHelper::ReadRegistryValue(const QString& root, const QString& key, const QString& value,
+                                          const QVariant& defaultValue)
+{
+    const std::optional<QString> text = Registry::Current().Read(root, key, value);
+    if (!text)
+        return defaultValue;
+    switch (defaultValue.typeId()) {
+    case QMetaType::Bool:
+        return TruthOf(text->trimmed(), defaultValue);
+    case QMetaType::Int:
+        return WholeNumberOf(text->trimmed(), defaultValue);
+    default:
+        return *text;
+    }
+}
+
+QString ProfileHelper::ReadIniString(const QString& section, const QString& key, const QString& defaultValue,
+                                     const QString& file)
+{
+    QFile profile(ExistingFile(file));
+    if (!profile.open(QIODevice::ReadOnly))
+        return defaultValue;
+    return IniText(profile.readAll()).Value(section, key).value_or(defaultValue);
+}
+
+bool ProfileHelper::WriteIniString(const QString& section, const QString& key, const QString& value,
+                                   const QString& file)
+{
+    const QString existing = ExistingFile(file);
+    QFile profile(existing);
+    const bool present = profile.exists();
+    if (present && !profile.open(QIODevice::ReadOnly))
+        return false;
+    IniText text(present ? profile.readAll() : QByteArray());
+    if (profile.error() != QFileDevice::NoError)
+        return false;
+    profile.close();
+    return text.SetValue(section, key, value) && FileHelper::ReplaceFile(existing, text.Bytes());
+}

@@ -1,0 +1,80 @@
+#include "common/UserInterface.h"
+
+#include "common/kvGeneral.h"
+
+namespace
+{
+class SilentProgress final : public ProgressDisplay
+{
+public:
+    bool Advance(qint64, qint64) override { return true; }
+};
+
+/// For a host that has installed nothing: no question is ever answered with yes.
+class SilentUserInterface final : public UserInterface
+{
+public:
+    MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override
+    {
+        return request.Buttons == MessageBoxButtons::YesNo ? MessageBoxAnswer::No : MessageBoxAnswer::OK;
+    }
+
+    int InputBox(const InputBoxRequest&, QString& result) override
+    {
+        result.clear();
+        return -1;
+    }
+
+    bool DatabaseSettings(cTolvaDatabase&) override { return false; }
+    void SetBusyPointer(bool) override {}
+    std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<SilentProgress>(); }
+    void Yield() override {}
+
+    void RunTimeError(int number, const QString& description) override
+    {
+        WriteDebugLog(QStringLiteral("Run-time error '%1': %2").arg(number).arg(description));
+    }
+};
+
+UserInterface* current = nullptr;
+int busyDepth = 0;
+
+void ChangeBusyDepth(int depth)
+{
+    const bool was = busyDepth > 0;
+    busyDepth = depth;
+    if (was != (depth > 0))
+        UserInterface::Current().SetBusyPointer(depth > 0);
+}
+} // namespace
+
+UserInterface& UserInterface::Current()
+{
+    static SilentUserInterface silent;
+    return current ? *current : silent;
+}
+
+void UserInterface::SetCurrent(UserInterface* userInterface)
+{
+    current = userInterface;
+}
+
+BusyPointer::BusyPointer()
+{
+    ChangeBusyDepth(busyDepth + 1);
+}
+
+BusyPointer::~BusyPointer()
+{
+    ChangeBusyDepth(busyDepth - 1);
+}
+
+DefaultPointer::DefaultPointer() : Depth_(busyDepth)
+{
+    ChangeBusyDepth(0);
+}
+
+DefaultPointer::~DefaultPointer()
+{
+    ChangeBusyDepth(Depth_ + busyDepth);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+class cTolvaDatabase;
+
+/// Geometry of a sheet of address labels: counts, and lengths in millimetres. Owned by the database object, whose settings keep
+/// it; the host prints by it.
+class cPageSetup
+{
+public:
+    qint32 TopMargin() const { return TopMargin_; }
+    void SetTopMargin(qint32 value) { TopMargin_ = value; }
+    qint32 BottomMargin() const { return BottomMargin_; }
+    void SetBottomMargin(qint32 value) { BottomMargin_ = value; }
+    qint32 LeftMargin() const { return LeftMargin_; }
+    void SetLeftMargin(qint32 value) { LeftMargin_ = value; }
+    qint32 RightMargin() const { return RightMargin_; }
+    void SetRightMargin(qint32 value) { RightMargin_ = value; }
+    qint32 NumberColumns() const { return NumberColumns_; }
+    void SetNumberColumns(qint32 value) { NumberColumns_ = value; }
+    qint32 NumberRows() const { return NumberRows_; }
+    void SetNumberRows(qint32 value) { NumberRows_ = value; }
+    qint32 ColumnWidth() const { return ColumnWidth_; }
+    void SetColumnWidth(qint32 value) { ColumnWidth_ = value; }
+    qint32 RowHeight() const { return RowHeight_; }
+    void SetRowHeight(qint32 value) { RowHeight_ = value; }
+
+private:
+    friend class cTolvaDatabase;
+
+    /// Reads or writes the settings prefix + "." + property. A setting that is absent keeps the present value.
+    void ReadSettings(const cTolvaDatabase& database, const QString& prefix);
+    void WriteSettings(cTolvaDatabase& database, const QString& prefix) const;
+
+    qint32 TopMargin_ = 10;
+    qint32 BottomMargin_ = 10;
+    qint32 LeftMargin_ = 10;
+    qint32 RightMargin_ = 10;
+    qint32 NumberColumns_ = 2;
+    qint32 NumberRows_ = 4;
+    qint32 ColumnWidth_ = 100;
+    qint32 RowHeight_ = 70;
+};

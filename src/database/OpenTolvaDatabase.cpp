@@ -1,0 +1,241 @@
+// Opening and closing a station: the steps of cTolvaDatabase in their order.
+
+#include "common/ClockHelper.h"
+#include "common/FileHelper.h"
+#include "common/PendingError.h"
+#include "common/ProfileHelper.h"
+#include "common/UserInterface.h"
+#include "common/kvGeneral.h"
+#include "database/DAO_DatabaseFunctions.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/records/DBEngine.h"
+
+namespace
+{
+constexpr float StructureVersion = 1.071F;
+constexpr qint32 TolvaDatabaseType = 31;
+enum AuditKind { auditOpened = 1, auditClosed = 2 };
+
+const QString OpenedTitle = QStringLiteral("Tolva Database Opened");
+const QString MachineKey = QStringLiteral("SOFTWARE\\Kelvarin");
+
+bool MachineFlag(const QString& key, const QString& value, bool defaultValue)
+{
+    return ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine), key, value, defaultValue)
+        .toBool();
+}
+
+std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString& name)
+{
+    return database.OpenRecordset(name, dao::dbOpenTable);
+}
+} // namespace
+
+qint32 cTolvaDatabase::FailOpen(const QString& text, qint32 result)
+{
+    LogDatabaseEvent(auditOpened, OpenedTitle, text, 0);
+    return result;
+}
+
+qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& location, const QString& connect)
+{
+    WriteDebugLog(QStringLiteral("Closing any previous Database"));
+    CloseTolvaDatabase();
+    if (location.isEmpty())
+        return FailOpen(QStringLiteral("No Database specified"), -1);
+    const QString fileName = FileHelper::Join(location, QStringLiteral("Tolva.mdb"));
+    if (!FileHelper::FolderExists(location))
+        return FailOpen(QStringLiteral("'%1' - Path not found").arg(location), -1);
+
+    WriteDebugLog(QStringLiteral("Validating Database (General)"));
+    QString title = QStringLiteral("Kelvarin Tolva Database");
+    if (const int code = DAO_DatabaseFunctions::ValidateDatabase(fileName, TolvaDatabaseType, true, title, connect)) {
+        const QString hexadecimal = QString::number(static_cast<quint16>(code), 16).toUpper();
+        return FailOpen(QStringLiteral("'%1' Failed validation (&H%2)").arg(fileName, hexadecimal), -code);
+    }
+
+    WriteDebugLog(QStringLiteral("Reading Database Information"));
+    if (const int code = DAO_DatabaseFunctions::GetDatabaseInformation(fileName, Information_, true, QString())) {
+        if (!connect.isEmpty())
+            return code;
+        if (const qint32 result = OfferBackupOfCorruptedDatabase(code))
+            return result;
+    }
+
+    if (MachineFlag(MachineKey, QStringLiteral("AlwaysValidateDatabases"), false)
+        || Information_.Version < StructureVersion) {
+        WriteDebugLog(QStringLiteral("Updating Database Structure"));
+        if (const int code = ValidateTolvaDatabase(fileName))
+            return FailOpen(QStringLiteral("'%1' - Couldn't validate the Database's Structure").arg(fileName), code);
+    }
+
+    WriteDebugLog(QStringLiteral("Opening Database"));
+    PendingError pending;
+    OpenWithLockingMode(fileName, pending);
+    if (Information_.Description.isEmpty())
+        AskForStationName(pending);
+
+    WriteDebugLog(QStringLiteral("Checking Settings Table"));
+    const auto settings = OpenTable(OpenedDatabase(), QStringLiteral("Settings"));
+    settings->SetIndex(QStringLiteral("Main"));
+    settings->Close();
+    if (Information_.Version < StructureVersion)
+        WriteStructureVersion();
+    RefreshHTMLTemplates();
+
+    WriteDebugLog(QStringLiteral("Reading Database Settings"));
+    const bool isReady = InsistOnStationDetails(ReadDatabaseSettings());
+    LogDatabaseEvent(auditOpened, OpenedTitle, QStringLiteral("%1 (%2)").arg(Description(), Information_.Path),
+                     isReady ? 1 : 0);
+    return isReady ? 0 : -1;
+}
+
+/// The first opener fixes the locking mode for all later ones, so a connection that asks for record locks stands
+/// while the database is opened. Its failure stops nothing: the file then opens in the mode it has.
+void cTolvaDatabase::OpenWithLockingMode(const QString& fileName, PendingError& pending)
+{
+    std::unique_ptr<ado::Connection> connection;
+    if (MachineFlag(MachineKey + QStringLiteral("\\Utils\\Databases"), QStringLiteral("UseRecordLevelLocking"), true)) {
+        WriteDebugLog(QStringLiteral("Opening ADO Connection to Database"));
+        connection = std::make_unique<ado::Connection>();
+        PendingError failure;
+        failure.Try([&] {
+            connection->SetProvider(QStringLiteral("Microsoft.JET.OLEDB.4.0"));
+            connection->SetProperty(QStringLiteral("Data Source"), fileName);
+            WriteDebugLog(QStringLiteral("Setting ADO Locking mode to Record Level"));
+            connection->SetProperty(QStringLiteral("Jet OLEDB:Database Locking Mode"), 1);
+            connection->SetCursorLocation(2);
+            WriteDebugLog(QStringLiteral("Opening database (ADO)"));
+            connection->Open();
+        });
+        if (failure.Number() != 0) {
+            WriteDebugLog(QStringLiteral("Failed - ") + failure.Description());
+            connection.reset();
+        }
+    }
+    WriteDebugLog(QStringLiteral("Opening database (DAO)"));
+    pending.Try([&] { Database_ = dao::DBEngine::OpenDatabase(fileName); });
+    if (connection) {
+        WriteDebugLog(QStringLiteral("Closing database (ADO)"));
+        PendingError ignored;
+        ignored.Try([&] { connection->Close(); });
+        // Whatever went wrong so far shows at the first table that is used.
+        pending.Clear();
+    }
+}
+
+/// A nameless database is named by its user. Cancelling leaves it nameless, and the question returns at the next open.
+void cTolvaDatabase::AskForStationName(PendingError& pending)
+{
+    if (pending.Number() != 0)
+        WriteDebugLog(QStringLiteral("Error opening database ") + pending.Description());
+    pending.Try([&] {
+        const auto recordset = OpenTable(OpenedDatabase(), QStringLiteral("Description"));
+        if (recordset->AtEOF())
+            return;
+        dao::Field& field = (*recordset)[QStringLiteral("Description")];
+        InputBoxRequest request;
+        request.Prompt = QStringLiteral("What is the name of your Station?\n\n"
+                                        "(Your database will be given this name as well)");
+        request.Title = QStringLiteral("Open Tolva Database");
+        request.Default = QStringLiteral("My Radio Station Name");
+        request.MaxLength = field.Size() == 0 ? 250 : field.Size();
+        QString name;
+        if (UserInterface::Current().InputBox(request, name) != 0)
+            return;
+        recordset->Edit();
+        field.SetValue(name);
+        recordset->Update();
+        Information_.Description = name;
+    });
+}
+
+void cTolvaDatabase::WriteStructureVersion()
+{
+    WriteDebugLog(QStringLiteral("Updating Database version number to 1.071"));
+    const auto recordset = OpenTable(OpenedDatabase(), QStringLiteral("Description"));
+    recordset->MoveFirst();
+    if (recordset->NoMatch())
+        recordset->AddNew();
+    else
+        recordset->Edit();
+    recordset->SetCollect(QStringLiteral("Version"), static_cast<double>(StructureVersion));
+    recordset->Update();
+}
+
+bool cTolvaDatabase::InsistOnStationDetails(bool settingsRead)
+{
+    if (!settingsRead || (!StationPhoneNumber().isEmpty() && !StationName().isEmpty()))
+        return settingsRead;
+    UserInterface::Current().MessageBox(
+        {QStringLiteral("You must enter a Name and Phone Number for your station before you can continue"), QString(),
+         MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK});
+    return DisplaySettings();
+}
+
+qint32 cTolvaDatabase::CloseTolvaDatabase()
+{
+    if (Information_.Path.isEmpty())
+        return 0;
+    {
+        const BusyPointer busy;
+        WriteDebugLog(QStringLiteral("Unloading Handler Form"), 5);
+        WriteLastAccess();
+        if (Database_) {
+            PendingError ignored;
+            ignored.Try([&] { Database_->Close(); });
+            Database_.reset();
+        }
+    }
+    LogDatabaseEvent(auditClosed, QStringLiteral("Tolva Database Closed"),
+                     QStringLiteral("%1 (%2)").arg(Description(), Information_.Path), 1);
+    Information_.EngineVersion = QStringLiteral("0");
+    Information_.Version = 0;
+    Information_.Type = 0;
+    Information_.Description.clear();
+    Information_.Path.clear();
+    Information_.FileName.clear();
+    Information_.Location.clear();
+    WriteDebugLog(QStringLiteral("Database Closed"));
+    return 0;
+}
+
+void cTolvaDatabase::WriteLastAccess()
+{
+    PendingError ignored;
+    ignored.Try([&] {
+        const auto recordset = OpenTable(OpenedDatabase(), QStringLiteral("Description"));
+        if (!recordset->AtEOF())
+            recordset->MoveFirst();
+        recordset->Edit();
+        recordset->SetCollect(QStringLiteral("LastAccessed"), ClockHelper::CurrentTime().GeneralDate());
+        recordset->SetCollect(QStringLiteral("LastAccessedSoftware"),
+                              QStringLiteral("Tolva - %1.%2.%3")
+                                  .arg(TOLVA_VERSION_MAJOR)
+                                  .arg(TOLVA_VERSION_MINOR)
+                                  .arg(TOLVA_VERSION_REVISION));
+        recordset->Update();
+    });
+}
+
+// The places of what is not there yet. Each answers as if the user had said no.
+
+/// The search for a backup that could replace the file; failure: what reading it gave. 0 when the file was replaced and reads
+/// again.
+qint32 cTolvaDatabase::OfferBackupOfCorruptedDatabase(qint32 failure)
+{
+    WriteDebugLog(QStringLiteral("No backup to replace the corrupted database"));
+    return failure;
+}
+
+void cTolvaDatabase::RefreshHTMLTemplates()
+{
+    WriteDebugLog(QStringLiteral("No HTML templates to refresh"), 5);
+}
+
+void cTolvaDatabase::UpdateBackupTimer()
+{
+    WriteDebugLog(EnableAutoBackup_ ? QStringLiteral("Automatic backups are on; no backup timer to start")
+                                    : QStringLiteral("Automatic backups are off"),
+                  5);
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+/// The text form in which a setting is stored: True and False, numbers with a point, texts as they stand.
+QString SettingText(const QVariant& value);
+
+/// A stored setting as a number or flag; whenUnreadable for text that is neither.
+qint32 SettingNumber(const QVariant& value, qint32 whenUnreadable);
+bool SettingFlag(const QVariant& value, bool whenUnreadable);

@@ -1,0 +1,135 @@
+// The settings of a station that cTolvaDatabase reads and writes.
+
+#include "common/kvGeneral.h"
+#include "database/DAO_DatabaseFunctions.h"
+#include "database/SettingText.h"
+#include "database/cTolvaDatabase.h"
+
+namespace
+{
+// Keys. A value equal to its default is not stored, so a reader and a writer must use the same default.
+const QString BackupIntervalKey = QStringLiteral("Backups.Interval");
+constexpr qint32 BackupIntervalDefault = 1440;
+const QString EnableAutoBackupKey = QStringLiteral("Backups.EnableAutoBackup");
+constexpr bool EnableAutoBackupDefault = true;
+const QString BackupExpiryDaysKey = QStringLiteral("Backups.ExpiryDays");
+constexpr qint32 BackupExpiryDaysDefault = 7;
+
+const QString HighlightColourKey = QStringLiteral("Messages.HighLightTextColour");
+constexpr qint32 HighlightColourDefault = 255;
+const QString HighlightBoldKey = QStringLiteral("Messages.HighLightBold");
+const QString HighlightItalicKey = QStringLiteral("Messages.HighLightItalic");
+const QString HighlightUnderlineKey = QStringLiteral("Messages.HighLightUnderLine");
+const QString HighlightStrikeKey = QStringLiteral("Messages.HighLightStrikeThru");
+const QString HighlightSizeKey = QStringLiteral("Messages.HighLightSize");
+constexpr qint32 HighlightSizeDefault = 3;
+const QString HighlightFontKey = QStringLiteral("Messages.HighlightFont");
+const QString HighlightFontDefault = QStringLiteral("Tahoma");
+const QString HighlightWordsKey = QStringLiteral("Messages.HighlightWords");
+
+const QString LabelsPrefix = QStringLiteral("AddressLabels");
+
+std::unique_ptr<dao::Recordset> OpenSettings(dao::Database& database)
+{
+    auto recordset = database.OpenRecordset(QStringLiteral("Settings"), dao::dbOpenTable);
+    recordset->SetIndex(QStringLiteral("Main"));
+    return recordset;
+}
+} // namespace
+
+QVariant cTolvaDatabase::DatabaseSetting(const QString& itemName, const QVariant& defaultValue) const
+{
+    try {
+        const auto recordset = OpenSettings(OpenedDatabase());
+        return DAO_DatabaseFunctions::ReadSettingValue(recordset.get(), itemName, defaultValue);
+    } catch (const dao::Error&) {
+        // Reading a setting never fails: its caller goes on with the default.
+        return defaultValue;
+    }
+}
+
+void cTolvaDatabase::SetDatabaseSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue)
+{
+    try {
+        const auto recordset = OpenSettings(OpenedDatabase());
+        DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, false);
+    } catch (const dao::Error& error) {
+        ReportProblem(QStringLiteral("locating the database setting : ") + itemName, error.Number(), false,
+                      error.Description());
+    }
+}
+
+bool cTolvaDatabase::ReadDatabaseSettings()
+{
+    BackupInterval_ = SettingNumber(DatabaseSetting(BackupIntervalKey, BackupIntervalDefault), BackupIntervalDefault);
+    EnableAutoBackup_ =
+        SettingFlag(DatabaseSetting(EnableAutoBackupKey, EnableAutoBackupDefault), EnableAutoBackupDefault);
+    ReadHighlightSettings();
+    AddressLabelsPageSetup_.ReadSettings(*this, LabelsPrefix);
+    UpdateCategoryTree();
+    SaveFixedCategories();
+    UpdateCategoryTree();
+    UpdateBackupTimer();
+    return true;
+}
+
+void cTolvaDatabase::ReadHighlightSettings()
+{
+    const auto number = [this](const QString& key, qint32 defaultValue) {
+        return SettingNumber(DatabaseSetting(key, defaultValue), defaultValue);
+    };
+    MessageHighlightFont_.Colour = number(HighlightColourKey, HighlightColourDefault);
+    MessageHighlightFont_.Bold = number(HighlightBoldKey, 1) != 0;
+    MessageHighlightFont_.Italic = number(HighlightItalicKey, 0) != 0;
+    MessageHighlightFont_.Underline = number(HighlightUnderlineKey, 0) != 0;
+    MessageHighlightFont_.Strikethrough = number(HighlightStrikeKey, 0) != 0;
+    MessageHighlightFont_.Size = number(HighlightSizeKey, HighlightSizeDefault);
+    MessageHighlightFont_.Name = DatabaseSetting(HighlightFontKey, HighlightFontDefault).toString();
+    HighlightWords_ = DatabaseSetting(HighlightWordsKey, QString()).toString();
+}
+
+bool cTolvaDatabase::WriteDatabaseSettings()
+{
+    SetDatabaseSetting(BackupIntervalKey, BackupInterval_, BackupIntervalDefault);
+    SetDatabaseSetting(EnableAutoBackupKey, EnableAutoBackup_, EnableAutoBackupDefault);
+    SetDatabaseSetting(HighlightColourKey, MessageHighlightFont_.Colour, HighlightColourDefault);
+    SetDatabaseSetting(HighlightBoldKey, MessageHighlightFont_.Bold ? 1 : 0, 1);
+    SetDatabaseSetting(HighlightItalicKey, MessageHighlightFont_.Italic ? 1 : 0, 0);
+    SetDatabaseSetting(HighlightUnderlineKey, MessageHighlightFont_.Underline ? 1 : 0, 0);
+    SetDatabaseSetting(HighlightStrikeKey, MessageHighlightFont_.Strikethrough ? 1 : 0, 0);
+    SetDatabaseSetting(HighlightSizeKey, MessageHighlightFont_.Size, HighlightSizeDefault);
+    SetDatabaseSetting(HighlightFontKey, MessageHighlightFont_.Name, HighlightFontDefault);
+    SetDatabaseSetting(HighlightWordsKey, HighlightWords_, QString());
+    AddressLabelsPageSetup_.WriteSettings(*this, LabelsPrefix);
+    return true;
+}
+
+void cTolvaDatabase::SetHighlightWords(const QString& words)
+{
+    HighlightWords_ = words;
+    SetDatabaseSetting(HighlightWordsKey, words, QString());
+}
+
+void cTolvaDatabase::SetEnableAutoBackup(bool enable)
+{
+    EnableAutoBackup_ = enable;
+    SetDatabaseSetting(EnableAutoBackupKey, enable, EnableAutoBackupDefault);
+}
+
+void cTolvaDatabase::SetBackupInterval(qint32 minutes)
+{
+    BackupInterval_ = minutes;
+    SetDatabaseSetting(BackupIntervalKey, minutes, BackupIntervalDefault);
+}
+
+qint16 cTolvaDatabase::BackupExpiryDays() const
+{
+    const qint32 days =
+        SettingNumber(DatabaseSetting(BackupExpiryDaysKey, BackupExpiryDaysDefault), BackupExpiryDaysDefault);
+    return static_cast<qint16>(days);
+}
+
+void cTolvaDatabase::SetBackupExpiryDays(qint16 days)
+{
+    SetDatabaseSetting(BackupExpiryDaysKey, days, BackupExpiryDaysDefault);
+}

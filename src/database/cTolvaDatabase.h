@@ -1,0 +1,223 @@
+#pragma once
+
+#include "common/Date.h"
+#include "common/Enumerations.h"
+#include "common/cPageSetup.h"
+#include "common/clsFont.h"
+#include "database/DatabaseInformation.h"
+#include "messages/cMessage.h"
+#include "messages/cMessages.h"
+#include "platform/directory/clsCategory.h"
+#include "platform/records/Database.h"
+
+#include <QObject>
+#include <QVariant>
+
+class clsKVDirectory;
+class clsKVUser;
+class PendingError;
+
+/// How the computers that share a file lock it.
+enum class LockingMode : qint32 { Unknown = -1, PageLevel = 0, RecordLevel = 1 };
+
+/// The one object through which a host and every control reach a station's database. The host owns it, sets
+/// DirectoryDatabase, opens it on a folder and keeps it while controls use it; destroying it closes the file. All on the user
+/// interface thread. Every change is on the disk when its operation returns, and nothing is cached between calls but the folder
+/// tree and the highlight settings.
+///
+/// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in messages/.
+class cTolvaDatabase : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Description READ Description)
+    Q_PROPERTY(QString Location READ Location)
+    Q_PROPERTY(bool SilentMode READ SilentMode WRITE SetSilentMode)
+    Q_PROPERTY(bool RaiseEvents READ RaiseEvents WRITE SetRaiseEvents)
+
+public:
+    cTolvaDatabase();
+    ~cTolvaDatabase() override;
+
+    /// Opens "Tolva.mdb" in the folder, making a missing file, and brings its structure up to date; closes what was open
+    /// before. connect: empty for a local file. 0 when open and configured, otherwise -1 or an error number (negated when the file
+    /// failed its validation). With -1 for incomplete settings the database stays open until it is closed. dao::Error when the file
+    /// cannot be used in a way that has no number of its own, such as a Settings table without its index.
+    qint32 OpenTolvaDatabase(const QString& location, const QString& connect = QString());
+    /// Always 0; does nothing on a closed object.
+    qint32 CloseTolvaDatabase();
+    /// Creates or completes all tables of a file. It opens the file by itself. 0 or an error number, which the user has been
+    /// told.
+    qint16 ValidateTolvaDatabase(const QString& fileName);
+    bool IsOpen() const { return Database_ != nullptr; }
+    /// The settings dialog, unless the user lacks the right. True when it was confirmed.
+    bool DisplaySettings();
+
+    /// Level of the diagnostics log of this process (GeneralHelper::DebugMode).
+    static int DebugMode();
+    static void SetDebugMode(int level);
+
+    const QString& Description() const { return Information_.Description; }
+    const QString& Location() const { return Information_.Location; }
+    const DatabaseInformation& Information() const { return Information_; }
+    /// The file's name without its extension.
+    QString DatabaseReference() const;
+    /// What is in force now; Unknown when nothing is open.
+    LockingMode DatabaseLockingMode() const;
+
+    /// Without message boxes for failures; the log is written all the same.
+    bool SilentMode() const { return SilentMode_; }
+    void SetSilentMode(bool silent) { SilentMode_ = silent; }
+    /// False stops the four events of this object. Starts true.
+    bool RaiseEvents() const { return RaiseEvents_; }
+    void SetRaiseEvents(bool raise) { RaiseEvents_ = raise; }
+
+    /// The host's directory, which the host owns; null for none.
+    clsKVDirectory* DirectoryDatabase() const { return DirectoryDatabase_; }
+    void SetDirectoryDatabase(clsKVDirectory* directory) { DirectoryDatabase_ = directory; }
+
+    /// Why the last operation that answered false did so: an error number of dao::ErrorNumber, and its words. 0 when no
+    /// error stood behind it.
+    int LastErrorNumber() const { return LastErrorNumber_; }
+    const QString& LastErrorDescription() const { return LastErrorDescription_; }
+
+    // Settings: named values that all computers share.
+
+    /// The stored text, or defaultValue when it is absent or cannot be read. Never fails.
+    QVariant DatabaseSetting(const QString& itemName, const QVariant& defaultValue) const;
+    /// Stores the value in its text form at once; a value equal to the default deletes the row. A failure is shown to the
+    /// user.
+    void SetDatabaseSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue);
+    /// Reads what this object keeps in memory, refreshes the fixed folders and the folder tree. Always true.
+    bool ReadDatabaseSettings();
+    /// Stores the backup options, the highlight font and words, and the label geometry. Always true.
+    bool WriteDatabaseSettings();
+
+    bool EnableAutoBackup() const { return EnableAutoBackup_; }
+    void SetEnableAutoBackup(bool enable);
+    /// Minutes: 60 or 1440.
+    qint32 BackupInterval() const { return BackupInterval_; }
+    void SetBackupInterval(qint32 minutes);
+    /// Days; 0 keeps every backup.
+    qint16 BackupExpiryDays() const;
+    void SetBackupExpiryDays(qint16 days);
+
+    QString StationName() const;
+    void SetStationName(const QString& name);
+    QString StationAddress() const;
+    void SetStationAddress(const QString& address);
+    QString StationPhoneNumber() const;
+    void SetStationPhoneNumber(const QString& number);
+    QString StationSMSPhoneNumber() const;
+    void SetStationSMSPhoneNumber(const QString& number);
+    QString StationCompanyNumber() const;
+    void SetStationCompanyNumber(const QString& number);
+    QString StationVATNumber() const;
+    void SetStationVATNumber(const QString& number);
+    /// The address on one line, its lines joined by the separator and a blank.
+    QString StationAddressString(const QString& separator = QStringLiteral(",")) const;
+    /// What is playing, from the ".oar" file beside the database, which other software writes too.
+    QString CurrentSongFullName() const;
+    void SetCurrentSongFullName(const QString& song);
+
+    clsFont& MessageHighlightFont() { return MessageHighlightFont_; }
+    cPageSetup& AddressLabelsPageSetup() { return AddressLabelsPageSetup_; }
+    /// What a station's label sheet measures until it is changed.
+    static void SetLabelDefaults(cPageSetup& pageSetup);
+
+    // Messages.
+
+    /// Null when there is no such message, for reference 0 and on a closed object.
+    cMessagePtr GetMessage(qint32 reference);
+    /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, and for more messages than a
+    /// collection holds (32,767).
+    std::unique_ptr<cMessages> GetMessages(const QString& sqlQuery);
+    /// Stores a new or changed message; it is on the disk when this returns true. dao::Error when the row cannot be
+    /// started at all (locked by another computer: 3260).
+    bool SaveMessage(const cMessagePtr& message);
+    /// These three need the right to edit messages; without it they answer false.
+    bool CopyMessage(qint32 reference, enTolvaMessageCategories newCategory);
+    bool MoveMessage(qint32 reference, enTolvaMessageCategories newCategory);
+    bool DeleteMessage(qint32 reference, bool deletePermanently);
+    /// Announce a change that the caller made itself, whatever RaiseEvents holds.
+    void RaiseSaveMessageEvent(const cMessagePtr& message, bool edited) { Q_EMIT MessageSaved(message, edited); }
+    void RaiseDeleteMessageEvent(const cMessagePtr& message) { Q_EMIT MessageDeleted(message); }
+    /// Universal time of the last save on any computer; none when there was no save.
+    Date LastMessageChanged() const;
+    void SetLastMessageChanged(Date changeDate);
+
+    // Folders.
+
+    /// Root of the tree as it was last loaded. Held nodes go stale at UpdateCategoryTree.
+    clsCategory& MessageCategories() { return *MessageCategories_; }
+    /// One folder with all below it, freshly from the table; null for a reference of 0 or less.
+    std::unique_ptr<clsCategory> GetMessageCategory(qint32 reference);
+    /// Adds (Reference below 1, filled afterwards) or changes a folder. updateSubCategories: the stored children are replaced by those
+    /// of the object. The tree is not refreshed. dao::Error on a failure.
+    bool SaveMessageCategory(clsCategory& category, bool updateSubCategories = true);
+    /// False for a folder with sub-folders or messages. An absent one counts as deleted.
+    bool DeleteMessageCategory(qint32 reference);
+    void UpdateCategoryTree();
+    /// The highest reference in use, 0 for none.
+    qint16 LastMessageCategoryReference() const;
+
+Q_SIGNALS:
+    void MessageSaved(const cMessagePtr& Message, bool Edited);
+    void MessageDeleted(const cMessagePtr& Message);
+
+private:
+    friend class cMessage;
+
+    // Steps of the open, in OpenTolvaDatabase.cpp.
+    qint32 FailOpen(const QString& text, qint32 result);
+    qint32 OfferBackupOfCorruptedDatabase(qint32 failure);
+    void OpenWithLockingMode(const QString& fileName, PendingError& pending);
+    void AskForStationName(PendingError& pending);
+    void WriteStructureVersion();
+    void RefreshHTMLTemplates();
+    bool InsistOnStationDetails(bool settingsRead);
+    void WriteLastAccess();
+
+    // Structure, in ValidateTolvaDatabase.cpp.
+    int CheckMessagesTable(dao::Database& database) const;
+    int CheckMessageCategoriesTable(dao::Database& database) const;
+    int CheckPrizesTable(dao::Database& database) const;
+    int CheckPrizeWinnersTable(dao::Database& database) const;
+
+    // Settings.
+    void ReadHighlightSettings();
+    void UpdateBackupTimer();
+    const QString& HighlightWords() const { return HighlightWords_; }
+    void SetHighlightWords(const QString& words);
+
+    // Messages and folders.
+    void SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
+                           qint32 backColour, const QString& iconReference);
+    void SaveFixedCategories();
+    void StoreCategory(clsCategory& category);
+    void StoreCategoryTree(clsCategory& category);
+    cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
+    bool MayEditMessage(const cMessage& message) const;
+    void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
+
+    /// The open database; dao::Error 3420 on a closed object.
+    dao::Database& OpenedDatabase() const;
+    clsKVUser* CurrentUser() const;
+    bool LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const;
+    void KeepLastError(const PendingError& pending);
+
+    std::unique_ptr<dao::Database> Database_;
+    DatabaseInformation Information_;
+    std::unique_ptr<clsCategory> MessageCategories_;
+    cPageSetup AddressLabelsPageSetup_;
+    QString MachineName_;
+    qint32 BackupInterval_ = 1440;
+    bool EnableAutoBackup_ = true;
+    clsFont MessageHighlightFont_;
+    QString HighlightWords_;
+    bool SilentMode_ = false;
+    bool RaiseEvents_ = true;
+    bool FixedCategoryBusy_ = false;
+    clsKVDirectory* DirectoryDatabase_ = nullptr;
+    int LastErrorNumber_ = 0;
+    QString LastErrorDescription_;
+};

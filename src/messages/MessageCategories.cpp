@@ -1,0 +1,200 @@
+// The folders of messages: the category operations of cTolvaDatabase.
+
+#include "common/PendingError.h"
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/records/DBEngine.h"
+
+#include <QScopedValueRollback>
+
+#include <limits>
+
+namespace
+{
+const QString CategoriesTable = QStringLiteral("MessageCategories");
+const QString CategoriesTitle = QStringLiteral("Categories");
+const QString MainIndex = QStringLiteral("Main");
+
+/// The system's window background.
+constexpr qint32 WindowColour = static_cast<qint32>(0x80000005U);
+constexpr qint32 True = -1;
+
+std::unique_ptr<dao::Recordset> OpenCategories(dao::Database& database)
+{
+    auto recordset = database.OpenRecordset(CategoriesTable, dao::dbOpenTable);
+    recordset->SetIndex(MainIndex);
+    return recordset;
+}
+
+qint16 ToReference(qint32 number)
+{
+    if (number > std::numeric_limits<qint16>::max())
+        throw dao::Error(dao::errOverflow, QStringLiteral("A folder's reference cannot be above 32767."));
+    return static_cast<qint16>(number);
+}
+
+/// All that the statements store, or nothing of it.
+template<typename Statements>
+void InTransaction(Statements&& statements)
+{
+    dao::DBEngine::BeginTrans();
+    try {
+        statements();
+        dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
+    } catch (...) {
+        dao::DBEngine::Rollback();
+        throw;
+    }
+}
+
+void WriteCategory(dao::Recordset& recordset, const clsCategory& category)
+{
+    const auto setColumn = [&recordset](const char16_t* name, const QVariant& value) {
+        recordset.SetCollect(QString::fromUtf16(name), value);
+    };
+    setColumn(u"Description", category.Description());
+    setColumn(u"SortKey", category.SortKey());
+    setColumn(u"ParentReference", category.ParentReference());
+    setColumn(u"EndHours", category.EndHours());
+    setColumn(u"KillHours", category.KillHours());
+    setColumn(u"BackColour", category.BackColour());
+    setColumn(u"ForeColour", category.ForeColour());
+    setColumn(u"UserLong", category.UserLong());
+    setColumn(u"UserString", category.UserString());
+    setColumn(u"IconReference", category.IconReference());
+}
+} // namespace
+
+void cTolvaDatabase::UpdateCategoryTree()
+{
+    if (!Database_)
+        return;
+    auto root = std::make_unique<clsCategory>();
+    root->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
+    MessageCategories_ = std::move(root);
+}
+
+std::unique_ptr<clsCategory> cTolvaDatabase::GetMessageCategory(qint32 reference)
+{
+    if (reference <= 0)
+        return nullptr;
+    auto category = std::make_unique<clsCategory>();
+    category->SetReference(ToReference(reference));
+    category->LoadCategories(OpenedDatabase(), CategoriesTitle, CategoriesTable);
+    return category;
+}
+
+qint16 cTolvaDatabase::LastMessageCategoryReference() const
+{
+    const auto recordset = OpenCategories(OpenedDatabase());
+    if (recordset->AtEOF())
+        return 0;
+    recordset->MoveLast();
+    return ToReference(recordset->Collect(QStringLiteral("Reference")).toInt());
+}
+
+bool cTolvaDatabase::SaveMessageCategory(clsCategory& category, bool updateSubCategories)
+{
+    if (updateSubCategories)
+        InTransaction([&] { StoreCategoryTree(category); });
+    else
+        StoreCategory(category);
+    return true;
+}
+
+void cTolvaDatabase::StoreCategory(clsCategory& category)
+{
+    const auto recordset = OpenCategories(OpenedDatabase());
+    if (category.Reference() < 1)
+        category.SetReference(ToReference(LastMessageCategoryReference() + 1));
+    recordset->Seek(dao::SeekComparison::Equal, {category.Reference()});
+    if (!recordset->NoMatch()) {
+        recordset->Edit();
+    } else {
+        recordset->AddNew();
+        recordset->SetCollect(QStringLiteral("Reference"), category.Reference());
+    }
+    WriteCategory(*recordset, category);
+    recordset->Update();
+}
+
+/// The stored children go and those of the object come: what was taken out in memory disappears, the others keep their
+/// references and so their messages.
+void cTolvaDatabase::StoreCategoryTree(clsCategory& category)
+{
+    StoreCategory(category);
+    const auto children = Database_->OpenRecordset(
+        QStringLiteral("SELECT * FROM [MessageCategories] WHERE ParentReference=%1 ORDER BY [Reference]")
+            .arg(category.Reference()),
+        dao::dbOpenDynaset);
+    for (; !children->AtEOF(); children->MoveNext())
+        children->Delete();
+    for (int i = 1; i <= category.SubCategoryCount(); ++i)
+        StoreCategoryTree(*category.SubCategory(i));
+}
+
+bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
+{
+    if (reference <= 0)
+        return false;
+    const auto category = GetMessageCategory(reference);
+    if (category->SubCategoryCount() >= 1)
+        return false;
+    const auto messages = Database_->OpenRecordset(
+        QStringLiteral("SELECT * FROM [Messages] WHERE [Category]=%1").arg(reference), dao::dbOpenSnapshot);
+    if (messages->RecordCount() != 0)
+        return false;
+    const auto recordset = OpenCategories(*Database_);
+    recordset->Seek(dao::SeekComparison::Equal, {reference});
+    if (!recordset->NoMatch()) {
+        PendingError pending;
+        const bool deleted = pending.Try([&] { recordset->Delete(); });
+        KeepLastError(pending);
+        if (!deleted)
+            return false;
+    }
+    recordset->Close();
+    UpdateCategoryTree();
+    return true;
+}
+
+void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description,
+                                       qint32 killHours, qint32 backColour, const QString& iconReference)
+{
+    clsCategory category;
+    category.SetReference(static_cast<qint16>(reference));
+    category.SetDescription(description);
+    category.SetBackColour(backColour);
+    category.SetEndHours(0);
+    category.SetKillHours(killHours);
+    category.SetIconReference(iconReference);
+    category.SetUserLong(True);
+    const QScopedValueRollback<bool> busy(FixedCategoryBusy_, true);
+    SaveMessageCategory(category, false);
+}
+
+/// Written anew at every start, in one transaction: a renamed fixed folder gets its title back, a deleted one returns.
+void cTolvaDatabase::SaveFixedCategories()
+{
+    struct FixedCategory
+    {
+        enTolvaMessageCategories Reference;
+        const char* Description;
+        const char* IconReference;
+    };
+    constexpr FixedCategory fixed[] = {
+        {tmcInbox, "Inbox", ""},
+        {tmcOutbox, "Outbox", "foldersending"},
+        {tmcSaved, "Saved", "foldersaved"},
+        {tmcSent, "Sent", "foldersent"},
+        {tmcDeleted, "Deleted Items", "trash"},
+        {tmcDrafts, "Draft Messages", "folderdrafts"},
+        {tmcAutomatic, "Auto-Messages", "foldersending"},
+    };
+    InTransaction([&] {
+        for (const FixedCategory& category : fixed) {
+            SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
+                              QLatin1String(category.IconReference));
+        }
+    });
+}

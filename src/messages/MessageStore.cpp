@@ -1,0 +1,235 @@
+// The message operations of cTolvaDatabase: fetching, saving, copying, moving, deleting, and the change stamp.
+
+#include "common/ClockHelper.h"
+#include "common/PendingError.h"
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/directory/clsKVDirectory.h"
+
+#include <cmath>
+
+namespace
+{
+const QString MessagesTable = QStringLiteral("Messages");
+const QString MainIndex = QStringLiteral("Main");
+const QString LastChangedSetting = QStringLiteral("Messages.LastChanged");
+
+/// Kinds of the user log.
+enum AuditKind { auditMessageAdded = 6, auditMessageEdited = 7, auditMessageDeleted = 8 };
+
+/// text, followed by the pending error's words where there is one.
+QString WithError(const QString& text, const PendingError& pending)
+{
+    return pending.Number() == 0 ? text : text + QStringLiteral(" - ") + pending.Description();
+}
+
+QString SubjectOf(const cMessagePtr& message)
+{
+    return message->CDOMessage()->Subject();
+}
+} // namespace
+
+cMessagePtr cTolvaDatabase::GetMessage(qint32 reference)
+{
+    if (reference == 0 || !Database_)
+        return nullptr;
+    const auto recordset = Database_->OpenRecordset(MessagesTable, dao::dbOpenTable);
+    auto message = std::make_shared<cMessage>();
+    return message->ReadFromRecordSet(reference, recordset.get()) ? message : nullptr;
+}
+
+std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
+{
+    if (!Database_)
+        return nullptr;
+    QString query = sqlQuery.trimmed();
+    if (!query.isEmpty() && query.left(5).toUpper() != QLatin1String("WHERE"))
+        query.prepend(QLatin1String("WHERE "));
+
+    PendingError pending;
+    std::unique_ptr<dao::Recordset> recordset;
+    pending.Try([&] {
+        recordset = Database_->OpenRecordset(QStringLiteral("SELECT * FROM [Messages] ") + query, dao::dbOpenSnapshot);
+    });
+    KeepLastError(pending);
+    if (!recordset)
+        return nullptr;
+
+    auto messages = std::make_unique<cMessages>();
+    for (; !recordset->AtEOF(); recordset->MoveNext()) {
+        auto message = std::make_shared<cMessage>();
+        if (!message->ReadFromRecordSet(0, recordset.get()))
+            return nullptr;
+        if (!messages->Add(message)) {
+            WriteDebugLog(QStringLiteral("GetMessages: %1 messages are more than a collection holds")
+                              .arg(recordset->RecordCount()));
+            return nullptr;
+        }
+    }
+    return messages;
+}
+
+bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
+{
+    KeepLastError(PendingError());
+    if (DebugMode() != 0) {
+        WriteDebugLog(message ? QStringLiteral("Started SaveMessage - Reference:%1 Message:%2")
+                                    .arg(QString::number(message->Reference()), SubjectOf(message))
+                              : QStringLiteral("Started SaveMessage - No Message Object"));
+    }
+    if (Location().isEmpty()) {
+        ReportProblem(QStringLiteral("saving a Message because no Tolva Database has been opened"), 0, SilentMode_);
+        WriteDebugLog(QStringLiteral("No Database File so exiting"));
+        return false;
+    }
+    if (!message) {
+        ReportProblem(QStringLiteral("saving a Message because no Message was supplied to save"), 0, SilentMode_);
+        return false;
+    }
+    const auto recordset = OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable);
+    // Both change with the write.
+    const bool wasEdited = message->Edited();
+    const bool isNew = message->Reference() == 0;
+    const int kind = isNew ? auditMessageAdded : auditMessageEdited;
+    const QString title = isNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited");
+
+    PendingError pending;
+    const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_, pending);
+    if (saved) {
+        WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
+        SetLastMessageChanged(ClockHelper::NowUTC());
+        LogDatabaseEvent(kind, title, SubjectOf(message), 1);
+        if (RaiseEvents_) {
+            WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
+            Q_EMIT MessageSaved(message, wasEdited);
+        }
+    } else {
+        WriteDebugLog(QStringLiteral("Couldn't save Message - ") + pending.Description());
+        LogDatabaseEvent(kind, title, WithError(SubjectOf(message), pending), 0);
+        KeepLastError(pending);
+    }
+    recordset->Close();
+    WriteDebugLog(QStringLiteral("Finished SaveMessage"));
+    return saved;
+}
+
+/// The checks that copying and moving share; null when one of them fails.
+cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCategories newCategory)
+{
+    KeepLastError(PendingError());
+    if (Location().isEmpty() || reference <= 0 || !MessageCategories_->FindCategory(newCategory))
+        return nullptr;
+    cMessagePtr message = GetMessage(reference);
+    return message && MayEditMessage(*message) ? message : nullptr;
+}
+
+bool cTolvaDatabase::CopyMessage(qint32 reference, enTolvaMessageCategories newCategory)
+{
+    const cMessagePtr message = MessageForChange(reference, newCategory);
+    if (!message)
+        return false;
+    const cMessagePtr copy = message->Copy();
+    copy->SetReference(0);
+    copy->SetCategory(newCategory);
+    return SaveMessage(copy);
+}
+
+bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newCategory)
+{
+    const cMessagePtr message = MessageForChange(reference, newCategory);
+    if (!message)
+        return false;
+    PendingError pending;
+    std::unique_ptr<dao::Recordset> recordset;
+    pending.Try([&] {
+        recordset = Database_->OpenRecordset(MessagesTable, dao::dbOpenTable);
+        recordset->SetIndex(MainIndex);
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+    });
+    KeepLastError(pending);
+    if (pending.Number() != 0 || recordset->NoMatch())
+        return false;
+    // One column alone: the keys, the highlights and the change stamp stay as they are.
+    pending.Try([&] {
+        recordset->Edit();
+        recordset->SetCollect(QStringLiteral("Category"), newCategory);
+        recordset->Update();
+    });
+    message->SetCategory(newCategory);
+    const clsCategory* category = MessageCategories_->FindCategory(newCategory);
+    const QString target = category ? QStringLiteral(" ") + category->Description()
+                                    : QStringLiteral(" (%1)").arg(static_cast<int>(newCategory));
+    FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"),
+                        SubjectOf(message) + QStringLiteral(" Moved to Category") + target, pending);
+    recordset->Close();
+    if (pending.Number() == 0 && RaiseEvents_)
+        Q_EMIT MessageSaved(message, true);
+    return pending.Number() == 0;
+}
+
+bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
+{
+    KeepLastError(PendingError());
+    if (Location().isEmpty() || reference <= 0)
+        return false;
+    const cMessagePtr message = GetMessage(reference);
+    if (!message || !MayEditMessage(*message))
+        return false;
+    PendingError pending;
+    std::unique_ptr<dao::Recordset> recordset;
+    pending.Try([&] {
+        recordset = Database_->OpenRecordset(MessagesTable, dao::dbOpenTable);
+        recordset->SetIndex(MainIndex);
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+    });
+    KeepLastError(pending);
+    if (pending.Number() != 0 || recordset->NoMatch())
+        return false;
+    pending.Try([&] {
+        if (deletePermanently) {
+            recordset->Delete();
+        } else {
+            recordset->Edit();
+            recordset->SetCollect(QStringLiteral("Category"), tmcDeleted);
+            recordset->Update();
+        }
+    });
+    // 0 tells a list that the message is gone, 5 that it went to the bin.
+    message->SetCategory(deletePermanently ? static_cast<enTolvaMessageCategories>(0) : tmcDeleted);
+    FinishMessageChange(auditMessageDeleted, QStringLiteral("Message Deleted"), SubjectOf(message), pending);
+    recordset->Close();
+    if (pending.Number() == 0 && RaiseEvents_)
+        Q_EMIT MessageDeleted(message);
+    return pending.Number() == 0;
+}
+
+void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const QString& text,
+                                         const PendingError& pending)
+{
+    LogDatabaseEvent(kind, title, WithError(text, pending), pending.Number() == 0 ? 1 : 0);
+    KeepLastError(pending);
+}
+
+/// Messages personal to the user go by one right, all others, those of other people too, by another.
+bool cTolvaDatabase::MayEditMessage(const cMessage& message) const
+{
+    if (FixedCategoryBusy_)
+        return true;
+    const clsKVUser* user = CurrentUser();
+    if (!user)
+        return false;
+    return message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages()
+                                                            : user->CanEditMessages();
+}
+
+Date cTolvaDatabase::LastMessageChanged() const
+{
+    const double day = DatabaseSetting(LastChangedSetting, QString()).toString().toDouble();
+    return day > 0 ? Date(day) : Date();
+}
+
+void cTolvaDatabase::SetLastMessageChanged(Date changeDate)
+{
+    const QString text = changeDate.IsNone() ? QString() : QString::number(changeDate.DayNumber(), 'f', 8);
+    SetDatabaseSetting(LastChangedSetting, text, QString());
+}

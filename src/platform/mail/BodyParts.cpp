@@ -1,0 +1,301 @@
+#include "platform/mail/BodyParts.h"
+
+#include <algorithm>
+
+namespace cdo
+{
+
+namespace
+{
+
+/// The line break in front of a boundary belongs to the boundary.
+qsizetype WithoutLineBreak(QByteArrayView octets, qsizetype begin, qsizetype end)
+{
+    if (end > begin && octets[end - 1] == '\n')
+        --end;
+    if (end > begin && octets[end - 1] == '\r')
+        --end;
+    return end;
+}
+
+QString WithoutBrackets(const char* contentID)
+{
+    QString id = QString::fromUtf8(contentID).trimmed();
+    if (id.startsWith(u'<'))
+        id.remove(0, 1);
+    if (id.endsWith(u'>'))
+        id.chop(1);
+    return id;
+}
+
+QByteArray TypeName(GMimeContentType* type)
+{
+    const TextPointer name(g_mime_content_type_get_mime_type(type));
+    return QByteArray(name.get()).toLower();
+}
+
+void TakeType(GMimeContentType* type, BodyPart* part)
+{
+    part->ContentType = TypeName(type);
+    part->CharacterSet = QByteArray(g_mime_content_type_get_parameter(type, "charset"));
+    if (part->FileName.isEmpty())
+        part->FileName = QString::fromUtf8(g_mime_content_type_get_parameter(type, "name"));
+}
+
+void TakeDisposition(GMimeContentDisposition* disposition, BodyPart* part)
+{
+    if (disposition == nullptr)
+        return;
+    if (g_mime_content_disposition_is_attachment(disposition))
+        part->PartDisposition = Disposition::Attachment;
+    else if (g_ascii_strcasecmp(g_mime_content_disposition_get_disposition(disposition), "inline") == 0)
+        part->PartDisposition = Disposition::Inline;
+    const QString name = QString::fromUtf8(g_mime_content_disposition_get_parameter(disposition, "filename"));
+    if (!name.isEmpty())
+        part->FileName = name;
+}
+
+/// Where the object's own header begins; negative when it has none.
+qsizetype FirstHeaderOffset(GMimeObject* object)
+{
+    GMimeHeaderList* headers = g_mime_object_get_header_list(object);
+    return g_mime_header_list_get_count(headers) == 0
+               ? -1
+               : static_cast<qsizetype>(g_mime_header_get_offset(g_mime_header_list_get_header_at(headers, 0)));
+}
+
+/// A part without any header begins with the empty line in front of its content.
+qsizetype BeginWithoutHeader(QByteArrayView octets, qsizetype contentBegin)
+{
+    return WithoutLineBreak(octets, 0, contentBegin);
+}
+
+bool IsBodyType(const QByteArray& type)
+{
+    return type == "text/plain" || type == "text/html" || type == "text/enriched" || type == "text/richtext";
+}
+
+ObjectPointer<GMimeFilter> DecodingFilter(GMimeContentEncoding encoding)
+{
+    return ObjectPointer<GMimeFilter>(g_mime_filter_basic_new(encoding, FALSE));
+}
+
+bool IsEncoded(GMimeContentEncoding encoding)
+{
+    return encoding == GMIME_CONTENT_ENCODING_BASE64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE ||
+           encoding == GMIME_CONTENT_ENCODING_UUENCODE;
+}
+
+QByteArrayView EncodedContent(QByteArrayView octets, const BodyPart& part)
+{
+    return octets.sliced(part.ContentBegin, part.ContentEnd - part.ContentBegin);
+}
+
+QByteArray CString(QByteArray value)
+{
+    return value.replace('\0', ' ');
+}
+
+} // namespace
+
+BodyParts::BodyParts(QByteArrayView octets, const HeaderBlock& block)
+{
+    const QByteArray contentType = CString(block.Value(octets, "Content-Type"));
+    if (!contentType.trimmed().toLower().startsWith("multipart/") || !AddMultiparts(octets, block))
+        AddMessageAsLeaf(octets, block, contentType);
+    Classify();
+}
+
+void BodyParts::AddMessageAsLeaf(QByteArrayView octets, const HeaderBlock& block, const QByteArray& contentType)
+{
+    BodyPart part;
+    const QByteArray encoding = CString(block.Value(octets, "Content-Transfer-Encoding")).trimmed();
+    part.Encoding = g_mime_content_encoding_from_string(encoding.constData());
+    const QByteArray disposition = CString(block.Value(octets, "Content-Disposition"));
+    if (!disposition.isEmpty()) {
+        const ObjectPointer<GMimeContentDisposition> parsed(
+            g_mime_content_disposition_parse(ParserOptions(), disposition.constData()));
+        TakeDisposition(parsed.get(), &part);
+    }
+    const ObjectPointer<GMimeContentType> type(
+        g_mime_content_type_parse(ParserOptions(), contentType.contains('/') ? contentType.constData() : "text/plain"));
+    TakeType(type.get(), &part);
+    // A multipart in which no part can be found is shown as the text that it is.
+    if (part.ContentType.startsWith("multipart/"))
+        part.ContentType = "text/plain";
+    part.ContentID = WithoutBrackets(CString(block.Value(octets, "Content-ID")).constData());
+    part.HeaderBegin = block.Begin();
+    part.ContentBegin = block.BodyBegin();
+    part.ContentEnd = octets.size();
+    Leaves_.append(part);
+}
+
+bool BodyParts::AddMultiparts(QByteArrayView octets, const HeaderBlock& block)
+{
+    if (!block.IsTerminated())
+        return false;
+    const QByteArray value = CString(block.Value(octets, "Content-Type"));
+    const ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), value.constData()));
+    const char* boundary = g_mime_content_type_get_parameter(type.get(), "boundary");
+    // GMime keeps a copy of what stands before the first boundary, which would be all of it.
+    if (boundary == nullptr || FindBoundaryLine(octets, block.BodyBegin(), {QByteArray(boundary)}) < 0)
+        return false;
+
+    const OctetStream stream(octets);
+    g_mime_stream_seek(stream.Stream(), block.Begin(), GMIME_STREAM_SEEK_SET);
+    const ObjectPointer<GMimeParser> parser(g_mime_parser_new_with_stream(stream.Stream()));
+    const ObjectPointer<GMimeObject> object(g_mime_parser_construct_part(parser.get(), ParserOptions()));
+    if (object == nullptr || !GMIME_IS_MULTIPART(object.get()))
+        return false;
+    AddObject(octets, object.get(), None);
+    return !Leaves_.isEmpty();
+}
+
+// NOLINTNEXTLINE(misc-no-recursion): GMime's parser bounds the depth.
+void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent)
+{
+    GMimeContentType* type = g_mime_object_get_content_type(object);
+    if (GMIME_IS_MULTIPART(object)) {
+        const int self = static_cast<int>(Multiparts_.size());
+        Multiparts_.append({TypeName(type), QByteArray(g_mime_content_type_get_parameter(type, "boundary")),
+                            FirstHeaderOffset(object), parent});
+        const int count = g_mime_multipart_get_count(GMIME_MULTIPART(object));
+        for (int i = 0; i < count; ++i)
+            AddObject(octets, g_mime_multipart_get_part(GMIME_MULTIPART(object), i), self);
+        return;
+    }
+
+    BodyPart part;
+    part.Parent = parent;
+    part.HeaderBegin = FirstHeaderOffset(object);
+    part.ContentID = WithoutBrackets(g_mime_object_get_content_id(object));
+    TakeDisposition(g_mime_object_get_content_disposition(object), &part);
+    TakeType(type, &part);
+    if (GMIME_IS_MESSAGE_PART(object)) {
+        AddEnclosedMessage(octets, GMIME_MESSAGE_PART(object), part);
+        return;
+    }
+    GMimeDataWrapper* content = GMIME_IS_PART(object) ? g_mime_part_get_content(GMIME_PART(object)) : nullptr;
+    if (content == nullptr)
+        return;
+    const GMimeStream* stream = g_mime_data_wrapper_get_stream(content);
+    part.Encoding = g_mime_data_wrapper_get_encoding(content);
+    part.ContentBegin = qBound<qsizetype>(0, static_cast<qsizetype>(stream->bound_start), octets.size());
+    part.ContentEnd = qBound(part.ContentBegin, static_cast<qsizetype>(stream->bound_end), octets.size());
+    if (part.HeaderBegin < 0)
+        part.HeaderBegin = BeginWithoutHeader(octets, part.ContentBegin);
+    Leaves_.append(part);
+}
+
+/// GMime has taken the enclosed message apart; its octets run from its first header to the next boundary.
+void BodyParts::AddEnclosedMessage(QByteArrayView octets, GMimeMessagePart* message, BodyPart part)
+{
+    if (part.HeaderBegin >= 0) {
+        part.ContentBegin = HeaderBlock(octets, part.HeaderBegin).BodyBegin();
+    } else {
+        GMimeMessage* enclosed = g_mime_message_part_get_message(message);
+        part.ContentBegin = enclosed == nullptr ? -1 : FirstHeaderOffset(GMIME_OBJECT(enclosed));
+        if (part.ContentBegin < 0)
+            return;
+        part.HeaderBegin = BeginWithoutHeader(octets, part.ContentBegin);
+    }
+    part.Encoding = GMIME_CONTENT_ENCODING_BINARY;
+    const qsizetype boundary = FindBoundaryLine(octets, part.ContentBegin, EnclosingBoundaries(part.Parent));
+    part.ContentEnd = boundary < 0 ? octets.size() : WithoutLineBreak(octets, part.ContentBegin, boundary);
+    Leaves_.append(part);
+}
+
+void BodyParts::Classify()
+{
+    // A body has no name, but where no other is to be had, one with a name serves.
+    for (const bool isNamed : {false, true}) {
+        for (int i = 0; i < Leaves_.size(); ++i) {
+            const BodyPart& part = Leaves_.at(i);
+            if (part.PartDisposition == Disposition::Attachment || part.FileName.isEmpty() == isNamed)
+                continue;
+            if (Text_ == None && part.ContentType == "text/plain")
+                Text_ = i;
+            if (Html_ == None && part.ContentType == "text/html")
+                Html_ = i;
+        }
+    }
+    for (int i = 0; i < Leaves_.size(); ++i) {
+        const BodyPart& part = Leaves_.at(i);
+        const bool isNamelessBody =
+            part.PartDisposition != Disposition::Attachment && part.FileName.isEmpty() && IsBodyType(part.ContentType);
+        if (i != Text_ && i != Html_ && !isNamelessBody)
+            Files_.append(i);
+    }
+}
+
+QList<QByteArray> BodyParts::EnclosingBoundaries(int multipart) const
+{
+    QList<QByteArray> boundaries;
+    for (int i = multipart; i != None; i = Multiparts_.at(i).Parent)
+        boundaries.append(Multiparts_.at(i).Boundary);
+    return boundaries;
+}
+
+int BodyParts::OutermostProtection(int multipart) const
+{
+    int outermost = None;
+    for (int i = multipart; i != None; i = Multiparts_.at(i).Parent) {
+        const QByteArray& type = Multiparts_.at(i).ContentType;
+        if (type == "multipart/signed" || type == "multipart/encrypted")
+            outermost = i;
+    }
+    return outermost;
+}
+
+qsizetype BodyParts::EndOf(QByteArrayView octets, int multipart) const
+{
+    const Multipart& part = Multiparts_.at(multipart);
+    if (part.Parent == None)
+        return octets.size();
+    const qsizetype boundary = FindBoundaryLine(octets, part.HeaderBegin, EnclosingBoundaries(part.Parent));
+    return boundary < 0 ? octets.size() : WithoutLineBreak(octets, part.HeaderBegin, boundary);
+}
+
+bool IsBoundaryLine(QByteArrayView line, const QList<QByteArray>& boundaries)
+{
+    if (!line.startsWith("--"))
+        return false;
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    return std::any_of(boundaries.begin(), boundaries.end(), [&](const QByteArray& boundary) {
+        QByteArrayView rest = line.sliced(2);
+        if (!rest.startsWith(boundary))
+            return false;
+        rest = rest.sliced(boundary.size());
+        if (rest.startsWith("--"))
+            rest = rest.sliced(2);
+        return std::all_of(rest.begin(), rest.end(), isBlank);
+    });
+}
+
+qsizetype FindBoundaryLine(QByteArrayView octets, qsizetype begin, const QList<QByteArray>& boundaries)
+{
+    while (begin < octets.size()) {
+        const qsizetype lineFeed = octets.indexOf('\n', begin);
+        const qsizetype end = lineFeed < 0 ? octets.size() : lineFeed + 1;
+        if (IsBoundaryLine(octets.sliced(begin, end - begin), boundaries))
+            return begin;
+        begin = end;
+    }
+    return -1;
+}
+
+QByteArray DecodedContent(QByteArrayView octets, const BodyPart& part)
+{
+    if (!IsEncoded(part.Encoding))
+        return EncodedContent(octets, part).toByteArray();
+    return Filtered(EncodedContent(octets, part), DecodingFilter(part.Encoding).get());
+}
+
+qint64 DecodedSize(QByteArrayView octets, const BodyPart& part)
+{
+    if (!IsEncoded(part.Encoding))
+        return part.ContentEnd - part.ContentBegin;
+    return FilteredSize(EncodedContent(octets, part), DecodingFilter(part.Encoding).get());
+}
+
+} // namespace cdo

@@ -1,0 +1,231 @@
+#include "platform/mail/CharacterSets.h"
+
+#include "platform/mail/GMimeSupport.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <utility>
+
+namespace cdo
+{
+
+namespace
+{
+
+constexpr auto Utf8 = "utf-8";
+constexpr auto Ascii = "us-ascii";
+constexpr auto Windows1252 = "windows-1252";
+constexpr auto NativeUtf16 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE";
+
+class Converter
+{
+public:
+    Converter(const char* to, const char* from) : Handle_(g_mime_iconv_open(to, from)) {}
+    ~Converter()
+    {
+        if (IsValid())
+            g_mime_iconv_close(Handle_);
+    }
+    Converter(const Converter&) = delete;
+    Converter& operator=(const Converter&) = delete;
+
+    // iconv_open's failure is the pointer value -1.
+    bool IsValid() const { return reinterpret_cast<qintptr>(Handle_) != -1; }
+
+    /// Converts until the input is used up (true) or something in it cannot be converted (false); input moves along.
+    bool Convert(QByteArrayView* input, QByteArray* output)
+    {
+        std::array<char, 16384> piece;
+        char* in = const_cast<char*>(input->data());
+        size_t inLeft = static_cast<size_t>(input->size());
+        bool isWhole = true;
+        for (bool isFlushing = inLeft == 0;;) {
+            char* out = piece.data();
+            size_t outLeft = piece.size();
+            const size_t result = isFlushing ? iconv(Handle_, nullptr, nullptr, &out, &outLeft)
+                                             : iconv(Handle_, &in, &inLeft, &out, &outLeft);
+            const int error = errno;
+            output->append(piece.data(), out - piece.data());
+            if (result != static_cast<size_t>(-1)) {
+                if (isFlushing)
+                    break;
+                isFlushing = true;
+            } else if (error != E2BIG) {
+                isWhole = false;
+                break;
+            }
+        }
+        *input = input->last(static_cast<qsizetype>(inLeft));
+        return isWhole;
+    }
+
+private:
+    iconv_t Handle_;
+};
+
+/// What a name stands for in mail as it is really sent: the makers' larger sets, not the standards they are named
+/// after.
+QByteArray ConverterName(const QByteArray& declared)
+{
+    static const QHash<QByteArray, QByteArray> names = {
+        {"shift_jis", "cp932"},
+        {"shift-jis", "cp932"},
+        {"x-sjis", "cp932"},
+        {"sjis", "cp932"},
+        {"ks_c_5601-1987", "cp949"},
+        {"ks_c_5601", "cp949"},
+        {"euc-kr", "cp949"},
+        {"ksc5601", "cp949"},
+        {"gb2312", "gb18030"},
+        {"gbk", "gb18030"},
+        {"utf8", Utf8},
+        {"ascii", Ascii},
+        {"latin1", "iso-8859-1"},
+        {"iso8859-1", "iso-8859-1"},
+        {"iso-8859-8-i", "iso-8859-8"},
+    };
+    const QByteArray name = declared.trimmed().toLower();
+    return names.value(name, name);
+}
+
+bool IsKnown(const QByteArray& name)
+{
+    // The converter's own syntax (options behind a slash, an empty name for the locale's) is not for senders.
+    return !name.isEmpty() && !name.contains('/') && !name.contains('\0') &&
+           Converter(NativeUtf16, name.constData()).IsValid();
+}
+
+bool IsAscii(QByteArrayView octets)
+{
+    return std::all_of(octets.begin(), octets.end(), [](char c) { return static_cast<uchar>(c) < 0x80; });
+}
+
+bool HasControlsAbove7F(QByteArrayView octets)
+{
+    return std::any_of(octets.begin(), octets.end(),
+                       [](char c) { return static_cast<uchar>(c) >= 0x80 && static_cast<uchar>(c) < 0xA0; });
+}
+
+/// Text cut off inside a character, or pasted together, is still UTF-8 for the most part.
+bool IsMostlyUtf8(QByteArrayView octets)
+{
+    const QString text = QString::fromUtf8(octets);
+    const auto isBad = [](QChar c) { return c == QChar::ReplacementCharacter; };
+    const auto isWide = [](QChar c) { return c.unicode() >= 0x80; };
+    const auto bad = std::count_if(text.begin(), text.end(), isBad);
+    return std::count_if(text.begin(), text.end(), isWide) - bad > bad;
+}
+
+QString Shown(QString text)
+{
+    text.replace(QChar(u'\0'), QChar(QChar::ReplacementCharacter));
+    return text;
+}
+
+/// Reads all of it, with U+FFFD for what cannot be read; isWhole says whether there was any such thing.
+QString Converted(QByteArrayView octets, const QByteArray& name, bool* isWhole)
+{
+    Converter converter(NativeUtf16, name.constData());
+    const QChar replacement(QChar::ReplacementCharacter);
+    QByteArray units;
+    *isWhole = true;
+    while (!converter.Convert(&octets, &units)) {
+        *isWhole = false;
+        units.append(reinterpret_cast<const char*>(&replacement), sizeof(replacement));
+        octets = octets.sliced(qMin<qsizetype>(1, octets.size()));
+    }
+    return QString(reinterpret_cast<const QChar*>(units.constData()), units.size() / qsizetype(sizeof(QChar)));
+}
+
+/// The set of octets whose sender said nothing to go by.
+QByteArray GuessedSet(QByteArrayView octets, const QByteArray& name)
+{
+    if (IsAscii(octets))
+        return name.isEmpty() ? QByteArray(Ascii) : name;
+    if (octets.isValidUtf8() || (name == Utf8 && IsMostlyUtf8(octets)))
+        return Utf8;
+    return name == "iso-8859-1" && !HasControlsAbove7F(octets) ? name : QByteArray(Windows1252);
+}
+
+} // namespace
+
+DecodedText Decode(QByteArrayView octets, const QByteArray& declared)
+{
+    QByteArray name = ConverterName(declared);
+    if (!IsKnown(name))
+        name.clear();
+    if (name.isEmpty() || name == Ascii || name == Utf8 || name == "iso-8859-1" || name == Windows1252) {
+        name = GuessedSet(octets, name);
+        if (name == Utf8)
+            return {Shown(QString::fromUtf8(octets)), name};
+    }
+    bool isWhole = false;
+    const QString text = Converted(octets, name, &isWhole);
+    if (!isWhole && octets.isValidUtf8())
+        return {Shown(QString::fromUtf8(octets)), Utf8};
+    return {Shown(text), name};
+}
+
+std::optional<QByteArray> Encode(const QString& text, const QByteArray& characterSet)
+{
+    if (characterSet == Utf8)
+        return text.toUtf8();
+    Converter converter(characterSet.constData(), NativeUtf16);
+    if (!converter.IsValid())
+        return std::nullopt;
+    QByteArrayView units(reinterpret_cast<const char*>(text.constData()), text.size() * qsizetype(sizeof(QChar)));
+    QByteArray result;
+    if (!converter.Convert(&units, &result))
+        return std::nullopt;
+    return result;
+}
+
+QString WithReferences(const QString& html, const QByteArray& characterSet)
+{
+    QHash<char32_t, bool> isHeld;
+    QString result;
+    result.reserve(html.size());
+    for (qsizetype i = 0; i < html.size(); ++i) {
+        const qsizetype length =
+            i + 1 < html.size() && html[i].isHighSurrogate() && html[i + 1].isLowSurrogate() ? 2 : 1;
+        const QString character = html.mid(i, length);
+        const char32_t code = length == 2 ? QChar::surrogateToUcs4(html[i], html[i + 1]) : html[i].unicode();
+        i += length - 1;
+        bool held = code < 0x80;
+        if (!held) {
+            if (!isHeld.contains(code))
+                isHeld.insert(code, Encode(character, characterSet).has_value());
+            held = isHeld.value(code);
+        }
+        if (held)
+            result.append(character);
+        else
+            result.append(QStringLiteral("&#%1;").arg(static_cast<uint>(code)));
+    }
+    return result;
+}
+
+QString WithPlainLineEnds(QString text)
+{
+    if (!text.contains(u'\r'))
+        return text;
+    QString result;
+    result.reserve(text.size());
+    qsizetype returns = 0;
+    for (const QChar c : std::as_const(text)) {
+        if (c == u'\r') {
+            ++returns;
+            continue;
+        }
+        if (c != u'\n')
+            result.append(QString(returns, u'\r'));
+        returns = 0;
+        result.append(c);
+    }
+    return result.append(QString(returns, u'\r'));
+}
+
+} // namespace cdo

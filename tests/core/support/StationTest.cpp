@@ -1,0 +1,63 @@
+#include "core/support/StationTest.h"
+
+#include "platform/records/DBEngine.h"
+
+StationTest::StationTest() : Station(std::make_unique<cTolvaDatabase>())
+{
+    Station->SetDirectoryDatabase(&Directory);
+}
+
+MessageBoxRequest StationDetailsBox()
+{
+    return {QStringLiteral("You must enter a Name and Phone Number for your station before you can continue"), QString(),
+            MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK};
+}
+
+void StationTest::OpenStation()
+{
+    if (!QFile::exists(FileName())) {
+        Ui.ExpectMessageBox(StationDetailsBox());
+        Ui.ExpectDatabaseSettings([](cTolvaDatabase& database) {
+            database.SetStationPhoneNumber(QStringLiteral("01632 960100"));
+            return true;
+        });
+    }
+    ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+    Directory.User.Log.clear();
+}
+
+QStringList StationTest::Audit() const
+{
+    QStringList lines;
+    for (const AuditEntry& entry : Directory.User.Log) {
+        EXPECT_EQ(entry.ClassNumber, 32);
+        EXPECT_EQ(entry.Reference, 0);
+        lines.append(QStringLiteral("%1 %2: %3 (%4)").arg(QString::number(entry.Kind), entry.Title, entry.Text,
+                                                           QString::number(entry.Code)));
+    }
+    return lines;
+}
+
+cMessagePtr StationTest::MakeMessage(const QString& subject, const QString& from)
+{
+    auto message = std::make_shared<cMessage>();
+    message->CDOMessage()->SetFrom(from);
+    message->CDOMessage()->SetTo(QStringLiteral("studio@example.org"));
+    message->CDOMessage()->SetSubject(subject);
+    message->CDOMessage()->SetTextBody(QStringLiteral("Please play it again."));
+    return message;
+}
+
+qint32 StationTest::SaveNew(const QString& subject, enTolvaMessageCategories category)
+{
+    const cMessagePtr message = MakeMessage(subject);
+    message->SetCategory(category);
+    EXPECT_TRUE(Station->SaveMessage(message));
+    return message->Reference();
+}
+
+std::unique_ptr<dao::Recordset> StationTest::OpenTable(const QString& name) const
+{
+    Second_ = dao::DBEngine::OpenDatabase(FileName());
+    return Second_->OpenRecordset(name, dao::dbOpenTable);
+}
