@@ -68,12 +68,17 @@ std::optional<QByteArray> ContentInPart(const QByteArray& octets, const BodyPart
     const QString lines =
         isBase64 ? QString(text).replace(QStringLiteral("\n"), QString::fromLatin1(LineBreakOf(old))) : text;
     const std::optional<CodedText> coded = InCharacterSet(lines, characterSet, kind, IsSevenBit(part) && IsAscii(old));
-    // The declaration must lead a reader back to the very same characters.
-    if (!coded || Decode(coded->Octets, part.CharacterSet).Text != coded->Text)
+    if (!coded)
         return std::nullopt;
 
     const QByteArray lineBreak = LineBreakOf(octets);
     QByteArray content = TransferEncoded(coded->Octets, part.Encoding, lineBreak);
+    // What the part declares must lead a reader back to the very same text.
+    BodyPart written = part;
+    written.ContentBegin = 0;
+    written.ContentEnd = content.size();
+    if (BodyText(content, written) != WithPlainLineEnds(coded->Text))
+        return std::nullopt;
     if (isBase64) {
         const bool endedTheLine = part.ContentEnd > part.ContentBegin && octets.at(part.ContentEnd - 1) == '\n';
         return endedTheLine ? content + lineBreak : content;

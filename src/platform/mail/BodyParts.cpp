@@ -1,5 +1,8 @@
 #include "platform/mail/BodyParts.h"
 
+#include "platform/mail/CharacterSets.h"
+#include "platform/mail/HeaderText.h"
+
 #include <algorithm>
 
 namespace cdo
@@ -34,25 +37,56 @@ QByteArray TypeName(GMimeContentType* type)
     return QByteArray(name.get()).toLower();
 }
 
+/// GMime leaves raw 8-bit text as it is.
+QString Parameter(const char* value)
+{
+    return Decode(QByteArrayView(value, qstrlen(value)), QByteArray()).Text;
+}
+
+/// Whether the value begins as "type/subtype".
+bool NamesAType(const QByteArray& value)
+{
+    const QByteArray name = value.split(';').constFirst().trimmed();
+    const qsizetype slash = name.indexOf('/');
+    return slash > 0 && slash < name.size() - 1;
+}
+
 void TakeType(GMimeContentType* type, BodyPart* part)
 {
     part->ContentType = TypeName(type);
     part->CharacterSet = QByteArray(g_mime_content_type_get_parameter(type, "charset"));
-    if (part->FileName.isEmpty())
-        part->FileName = QString::fromUtf8(g_mime_content_type_get_parameter(type, "name"));
+    part->FileName = Parameter(g_mime_content_type_get_parameter(type, "name"));
 }
 
-void TakeDisposition(GMimeContentDisposition* disposition, BodyPart* part)
+/// What is no type is text (RFC 2045, 5.2).
+void TakeType(const QByteArray& value, BodyPart* part)
 {
+    const QByteArray readable = NamesAType(value) ? WithJoinedBase64Words(value) : QByteArrayLiteral("text/plain");
+    const ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), readable.constData()));
+    TakeType(type.get(), part);
+}
+
+void TakeDisposition(const QByteArray& value, BodyPart* part)
+{
+    if (value.trimmed().isEmpty())
+        return;
+    const ObjectPointer<GMimeContentDisposition> disposition(
+        g_mime_content_disposition_parse(ParserOptions(), WithJoinedBase64Words(value).constData()));
     if (disposition == nullptr)
         return;
-    if (g_mime_content_disposition_is_attachment(disposition))
+    if (g_mime_content_disposition_is_attachment(disposition.get()))
         part->PartDisposition = Disposition::Attachment;
-    else if (g_ascii_strcasecmp(g_mime_content_disposition_get_disposition(disposition), "inline") == 0)
+    else if (g_ascii_strcasecmp(g_mime_content_disposition_get_disposition(disposition.get()), "inline") == 0)
         part->PartDisposition = Disposition::Inline;
-    const QString name = QString::fromUtf8(g_mime_content_disposition_get_parameter(disposition, "filename"));
+    const QString name = Parameter(g_mime_content_disposition_get_parameter(disposition.get(), "filename"));
     if (!name.isEmpty())
         part->FileName = name;
+}
+
+QByteArray RawHeader(GMimeObject* object, const char* name)
+{
+    GMimeHeader* header = g_mime_header_list_get_header(g_mime_object_get_header_list(object), name);
+    return header == nullptr ? QByteArray() : QByteArray(g_mime_header_get_raw_value(header));
 }
 
 /// Where the object's own header begins; negative when it has none.
@@ -80,10 +114,27 @@ ObjectPointer<GMimeFilter> DecodingFilter(GMimeContentEncoding encoding)
     return ObjectPointer<GMimeFilter>(g_mime_filter_basic_new(encoding, FALSE));
 }
 
-bool IsEncoded(GMimeContentEncoding encoding)
+/// Base64 is undone without GMime, which up to 3.2.13 stops at the first padding: some mailers encode a file in pieces
+/// and pad each one. Hands the pieces over.
+template <typename Take>
+void ForEachBase64Piece(QByteArrayView encoded, Take take)
 {
-    return encoding == GMIME_CONTENT_ENCODING_BASE64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE ||
-           encoding == GMIME_CONTENT_ENCODING_UUENCODE;
+    while (!encoded.isEmpty()) {
+        const qsizetype padding = encoded.indexOf('=');
+        const qsizetype length = padding < 0 ? encoded.size() : padding + 1;
+        take(encoded.first(length));
+        encoded = encoded.sliced(length);
+    }
+}
+
+bool IsBase64Digit(char c)
+{
+    return g_ascii_isalnum(c) || c == '+' || c == '/';
+}
+
+bool UsesFilter(GMimeContentEncoding encoding)
+{
+    return encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE || encoding == GMIME_CONTENT_ENCODING_UUENCODE;
 }
 
 QByteArrayView EncodedContent(QByteArrayView octets, const BodyPart& part)
@@ -111,15 +162,8 @@ void BodyParts::AddMessageAsLeaf(QByteArrayView octets, const HeaderBlock& block
     BodyPart part;
     const QByteArray encoding = CString(block.Value(octets, "Content-Transfer-Encoding")).trimmed();
     part.Encoding = g_mime_content_encoding_from_string(encoding.constData());
-    const QByteArray disposition = CString(block.Value(octets, "Content-Disposition"));
-    if (!disposition.isEmpty()) {
-        const ObjectPointer<GMimeContentDisposition> parsed(
-            g_mime_content_disposition_parse(ParserOptions(), disposition.constData()));
-        TakeDisposition(parsed.get(), &part);
-    }
-    const ObjectPointer<GMimeContentType> type(
-        g_mime_content_type_parse(ParserOptions(), contentType.contains('/') ? contentType.constData() : "text/plain"));
-    TakeType(type.get(), &part);
+    TakeType(contentType, &part);
+    TakeDisposition(CString(block.Value(octets, "Content-Disposition")), &part);
     // A multipart in which no part can be found is shown as the text that it is.
     if (part.ContentType.startsWith("multipart/"))
         part.ContentType = "text/plain";
@@ -169,8 +213,13 @@ void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent
     part.Parent = parent;
     part.HeaderBegin = FirstHeaderOffset(object);
     part.ContentID = WithoutBrackets(g_mime_object_get_content_id(object));
-    TakeDisposition(g_mime_object_get_content_disposition(object), &part);
-    TakeType(type, &part);
+    // A part of a digest is a message without saying so.
+    const QByteArray contentType = RawHeader(object, "Content-Type");
+    if (contentType.isEmpty())
+        TakeType(type, &part);
+    else
+        TakeType(contentType, &part);
+    TakeDisposition(RawHeader(object, "Content-Disposition"), &part);
     if (GMIME_IS_MESSAGE_PART(object)) {
         AddEnclosedMessage(octets, GMIME_MESSAGE_PART(object), part);
         return;
@@ -286,16 +335,30 @@ qsizetype FindBoundaryLine(QByteArrayView octets, qsizetype begin, const QList<Q
 
 QByteArray DecodedContent(QByteArrayView octets, const BodyPart& part)
 {
-    if (!IsEncoded(part.Encoding))
-        return EncodedContent(octets, part).toByteArray();
-    return Filtered(EncodedContent(octets, part), DecodingFilter(part.Encoding).get());
+    const QByteArrayView encoded = EncodedContent(octets, part);
+    if (UsesFilter(part.Encoding))
+        return Filtered(encoded, DecodingFilter(part.Encoding).get());
+    if (part.Encoding != GMIME_CONTENT_ENCODING_BASE64)
+        return encoded.toByteArray();
+    QByteArray content;
+    ForEachBase64Piece(encoded, [&content](QByteArrayView piece) {
+        content.append(QByteArray::fromBase64(QByteArray::fromRawData(piece.data(), piece.size())));
+    });
+    return content;
 }
 
 qint64 DecodedSize(QByteArrayView octets, const BodyPart& part)
 {
-    if (!IsEncoded(part.Encoding))
-        return part.ContentEnd - part.ContentBegin;
-    return FilteredSize(EncodedContent(octets, part), DecodingFilter(part.Encoding).get());
+    const QByteArrayView encoded = EncodedContent(octets, part);
+    if (UsesFilter(part.Encoding))
+        return FilteredSize(encoded, DecodingFilter(part.Encoding).get());
+    if (part.Encoding != GMIME_CONTENT_ENCODING_BASE64)
+        return encoded.size();
+    qint64 size = 0;
+    ForEachBase64Piece(encoded, [&size](QByteArrayView piece) {
+        size += std::count_if(piece.begin(), piece.end(), IsBase64Digit) * 6 / 8;
+    });
+    return size;
 }
 
 } // namespace cdo

@@ -70,7 +70,7 @@ bool IsToken(QByteArrayView text)
 /// octets are not.
 std::pair<QByteArray, QByteArray> TypeAndSubtype(const QByteArray& contentType)
 {
-    const QByteArray name = contentType.left(contentType.indexOf(';')).trimmed().toLower();
+    const QByteArray name = contentType.split(';').constFirst().trimmed().toLower();
     const qsizetype slash = name.indexOf('/');
     const QByteArray type = name.left(qMax<qsizetype>(slash, 0));
     const QByteArray subtype = name.mid(slash + 1);
@@ -88,8 +88,8 @@ QByteArray TransferEncoded(const QByteArray& content, GMimeContentEncoding encod
     if (isBase64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE) {
         const ObjectPointer<GMimeFilter> filter(g_mime_filter_basic_new(encoding, TRUE));
         result = Filtered(content, filter.get());
-        // The line end that closes the encoder's last line is no part of the content.
-        if (result.endsWith("=\n"))
+        // What closes the encoder's last line is no part of the content.
+        if (!isBase64 && result.endsWith("=\n"))
             result.chop(2);
         else if (result.endsWith('\n') && (isBase64 || !content.endsWith('\n')))
             result.chop(1);
@@ -160,7 +160,7 @@ QByteArray NewBoundary(const QByteArray& octets, const QByteArray& entity)
     digest.addData(entity);
     QByteArray boundary;
     do {
-        boundary = "=_" + digest.result().toHex().left(32);
+        boundary = "=_" + digest.result().toHex().left(24);
         digest.addData(boundary);
     } while (octets.contains(boundary) || entity.contains(boundary));
     return boundary;
