@@ -38,6 +38,18 @@ struct CodedText
     QByteArray Octets;
 };
 
+/// A mail that was cut off in the header of its last part has no empty line there to put content behind.
+QByteArray WithHeaderEnded(const QByteArray& octets, BodyPart* part)
+{
+    const bool isCutOff = part->ContentBegin == octets.size() && !HeaderBlock(octets, part->HeaderBegin).IsTerminated();
+    if (!isCutOff)
+        return octets;
+    const QByteArray lineBreak = LineBreakOf(octets);
+    const QByteArray ended = octets + (octets.endsWith('\n') ? lineBreak : lineBreak + lineBreak);
+    part->ContentBegin = part->ContentEnd = ended.size();
+    return ended;
+}
+
 /// The text in the set, with references for what it lacks where the kind of body allows them; nothing otherwise.
 std::optional<CodedText> InCharacterSet(const QString& text, const QByteArray& characterSet, BodyKind kind,
                                         bool mustBeAscii)
@@ -195,9 +207,10 @@ QString BodyText(QByteArrayView octets, const BodyPart& part)
     return WithPlainLineEnds(Decode(DecodedContent(octets, part), part.CharacterSet).Text);
 }
 
-QByteArray WithBodyReplaced(const QByteArray& octets, const BodyParts& parts, BodyKind kind, const QString& text)
+QByteArray WithBodyReplaced(const QByteArray& original, const BodyParts& parts, BodyKind kind, const QString& text)
 {
-    const BodyPart& part = parts.Leaves().at(BodyIndex(parts, kind));
+    BodyPart part = parts.Leaves().at(BodyIndex(parts, kind));
+    const QByteArray octets = WithHeaderEnded(original, &part);
     const QList<QByteArray> boundaries = parts.EnclosingBoundaries(part.Parent);
     if (const std::optional<QByteArray> content = ContentInPart(octets, part, boundaries, kind, text))
         return Spliced(octets, part.ContentBegin, part.ContentEnd, *content);

@@ -21,6 +21,19 @@ qsizetype WithoutLineBreak(QByteArrayView octets, qsizetype begin, qsizetype end
     return end;
 }
 
+/// GMime judges the length of the line break in front of a boundary by the one behind it, and so is one octet off where
+/// the two differ.
+qsizetype ContentEnd(QByteArrayView octets, qsizetype begin, qsizetype end)
+{
+    const auto isAt = [octets](qsizetype position, char c) {
+        return position < octets.size() && octets[position] == c;
+    };
+    const bool isShort = end < octets.size() && !isAt(end, '\r') && !isAt(end, '\n') && isAt(end + 1, '\n');
+    if (isShort)
+        ++end;
+    return isAt(end, '\n') && end > begin && octets[end - 1] == '\r' ? end - 1 : end;
+}
+
 QString WithoutBrackets(const char* contentID)
 {
     QString id = QString::fromUtf8(contentID).trimmed();
@@ -230,7 +243,8 @@ void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent
     const GMimeStream* stream = g_mime_data_wrapper_get_stream(content);
     part.Encoding = g_mime_data_wrapper_get_encoding(content);
     part.ContentBegin = qBound<qsizetype>(0, static_cast<qsizetype>(stream->bound_start), octets.size());
-    part.ContentEnd = qBound(part.ContentBegin, static_cast<qsizetype>(stream->bound_end), octets.size());
+    part.ContentEnd = ContentEnd(octets, part.ContentBegin,
+                                 qBound(part.ContentBegin, static_cast<qsizetype>(stream->bound_end), octets.size()));
     if (part.HeaderBegin < 0)
         part.HeaderBegin = BeginWithoutHeader(octets, part.ContentBegin);
     Leaves_.append(part);

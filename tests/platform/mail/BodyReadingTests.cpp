@@ -144,6 +144,15 @@ TEST(MailBodyReading, MissingLastBoundaryEndsThePartAtTheEnd)
     EXPECT_EQ(Plain(message.TextBody()), "text\nmore");
 }
 
+TEST(MailBodyReading, LineEndsOfBoundariesNeedNotBeThoseOfTheText)
+{
+    EXPECT_EQ(Plain(Message("Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\r\n--b--").TextBody()), "text");
+    EXPECT_EQ(Plain(Message("Content-Type: multipart/mixed; boundary=b\n\n--b\n\ntext\n--b--\r\n").TextBody()), "text");
+    EXPECT_EQ(Plain(Message("Content-Type: multipart/mixed; boundary=b\n\n--b\n\nt\n--b--\r\n").TextBody()), "t");
+    EXPECT_EQ(Plain(Message("Content-Type: multipart/mixed; boundary=b\n\n--b\n\n\n--b--\r\n").TextBody()), "");
+    EXPECT_EQ(Plain(Message("Content-Type: multipart/mixed; boundary=b\n\n--b\n\n--b--\r\n").TextBody()), "");
+}
+
 TEST(MailBodyReading, TypeThatIsNoneIsText)
 {
     for (const char* type : {"text", "nonsense", ";;;", "", "text/", "/plain"})
