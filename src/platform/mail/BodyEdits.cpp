@@ -12,6 +12,9 @@ namespace cdo
 namespace
 {
 
+/// Deeper than this no new body is put, since a reader may not look there.
+constexpr qsizetype DeepestPlace = 100;
+
 QByteArray Spliced(const QByteArray& octets, qsizetype begin, qsizetype end, const QByteArray& replacement)
 {
     QByteArray result;
@@ -19,6 +22,13 @@ QByteArray Spliced(const QByteArray& octets, qsizetype begin, qsizetype end, con
     result.append(octets.constData(), begin);
     result.append(replacement);
     return result.append(octets.constData() + end, octets.size() - end);
+}
+
+/// The same for what ends where a part ends. An empty part can be followed by a boundary without a line break between.
+QByteArray SplicedPart(const QByteArray& octets, qsizetype begin, qsizetype end, const QByteArray& replacement)
+{
+    const bool isAtBoundary = end < octets.size() && octets.at(end) != '\r' && octets.at(end) != '\n';
+    return Spliced(octets, begin, end, isAtBoundary ? replacement + LineBreakOf(octets) : replacement);
 }
 
 bool IsAscii(QByteArrayView octets)
@@ -109,7 +119,7 @@ QByteArray WithPartRewritten(const QByteArray& octets, const BodyPart& part, con
     const QByteArray lineBreak = LineBreakOf(octets);
     const QByteArray content = WithoutBoundaryLines(
         TransferEncoded(text.toUtf8(), GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, lineBreak), boundaries, "=2D");
-    QByteArray result = Spliced(octets, part.ContentBegin, part.ContentEnd, content);
+    QByteArray result = SplicedPart(octets, part.ContentBegin, part.ContentEnd, content);
 
     HeaderBlock block(result, part.HeaderBegin);
     const QByteArray type = block.Value(result, "Content-Type");
@@ -142,7 +152,7 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
     const int protection = parts.OutermostProtection(other.Parent);
     const int beside = protection == BodyParts::None ? other.Parent : parts.Multiparts().at(protection).Parent;
     const Placement placement = kind == BodyKind::Html ? Placement::Behind : Placement::Before;
-    if (beside == BodyParts::None)
+    if (beside == BodyParts::None || parts.EnclosingBoundaries(beside).size() > DeepestPlace)
         return WithMessageWrapped(octets, block, "alternative", placement, entity);
 
     const Entity around = EntityAround(octets, parts, other, protection);
@@ -150,12 +160,12 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
     if (parent.ContentType == "multipart/alternative") {
         const QByteArray delimiter = "--" + parent.Boundary + lineBreak;
         return placement == Placement::Behind
-                   ? Spliced(octets, around.End, around.End, lineBreak + delimiter + entity)
+                   ? SplicedPart(octets, around.End, around.End, lineBreak + delimiter + entity)
                    : Spliced(octets, around.Begin, around.Begin, entity + lineBreak + delimiter);
     }
     const QByteArray old = octets.sliced(around.Begin, around.End - around.Begin);
-    return Spliced(octets, around.Begin, around.End,
-                   Wrapped("alternative", old, placement, entity, NewBoundary(octets, entity), lineBreak));
+    return SplicedPart(octets, around.Begin, around.End,
+                       Wrapped("alternative", old, placement, entity, NewBoundary(octets, entity), lineBreak));
 }
 
 bool HasNoContent(const QByteArray& octets, const BodyParts& parts)
@@ -213,7 +223,7 @@ QByteArray WithBodyReplaced(const QByteArray& original, const BodyParts& parts, 
     const QByteArray octets = WithHeaderEnded(original, &part);
     const QList<QByteArray> boundaries = parts.EnclosingBoundaries(part.Parent);
     if (const std::optional<QByteArray> content = ContentInPart(octets, part, boundaries, kind, text))
-        return Spliced(octets, part.ContentBegin, part.ContentEnd, *content);
+        return SplicedPart(octets, part.ContentBegin, part.ContentEnd, *content);
     return WithPartRewritten(octets, part, boundaries, kind, text);
 }
 

@@ -102,6 +102,11 @@ QByteArray RawHeader(GMimeObject* object, const char* name)
     return header == nullptr ? QByteArray() : QByteArray(g_mime_header_get_raw_value(header));
 }
 
+GMimeContentEncoding EncodingNamed(const QByteArray& value)
+{
+    return g_mime_content_encoding_from_string(value.trimmed().constData());
+}
+
 /// Where the object's own header begins; negative when it has none.
 qsizetype FirstHeaderOffset(GMimeObject* object)
 {
@@ -173,8 +178,7 @@ BodyParts::BodyParts(QByteArrayView octets, const HeaderBlock& block)
 void BodyParts::AddMessageAsLeaf(QByteArrayView octets, const HeaderBlock& block, const QByteArray& contentType)
 {
     BodyPart part;
-    const QByteArray encoding = CString(block.Value(octets, "Content-Transfer-Encoding")).trimmed();
-    part.Encoding = g_mime_content_encoding_from_string(encoding.constData());
+    part.Encoding = EncodingNamed(CString(block.Value(octets, "Content-Transfer-Encoding")));
     TakeType(contentType, &part);
     TakeDisposition(CString(block.Value(octets, "Content-Disposition")), &part);
     // A multipart in which no part can be found is shown as the text that it is.
@@ -212,11 +216,11 @@ bool BodyParts::AddMultiparts(QByteArrayView octets, const HeaderBlock& block)
 void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent)
 {
     GMimeContentType* type = g_mime_object_get_content_type(object);
-    if (GMIME_IS_MULTIPART(object)) {
+    const int count = GMIME_IS_MULTIPART(object) ? g_mime_multipart_get_count(GMIME_MULTIPART(object)) : 0;
+    if (count > 0) {
         const int self = static_cast<int>(Multiparts_.size());
         Multiparts_.append({TypeName(type), QByteArray(g_mime_content_type_get_parameter(type, "boundary")),
                             FirstHeaderOffset(object), parent});
-        const int count = g_mime_multipart_get_count(GMIME_MULTIPART(object));
         for (int i = 0; i < count; ++i)
             AddObject(octets, g_mime_multipart_get_part(GMIME_MULTIPART(object), i), self);
         return;
@@ -228,15 +232,19 @@ void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent
     part.ContentID = WithoutBrackets(g_mime_object_get_content_id(object));
     // A part of a digest is a message without saying so.
     const QByteArray contentType = RawHeader(object, "Content-Type");
-    if (contentType.isEmpty())
+    if (contentType.isNull())
         TakeType(type, &part);
     else
         TakeType(contentType, &part);
     TakeDisposition(RawHeader(object, "Content-Disposition"), &part);
-    if (GMIME_IS_MESSAGE_PART(object)) {
-        AddEnclosedMessage(octets, GMIME_MESSAGE_PART(object), part);
-        return;
-    }
+    if (GMIME_IS_MULTIPART(object) || GMIME_IS_MESSAGE_PART(object))
+        AddUndivided(octets, object, part);
+    else
+        AddLeaf(octets, object, part);
+}
+
+void BodyParts::AddLeaf(QByteArrayView octets, GMimeObject* object, BodyPart part)
+{
     GMimeDataWrapper* content = GMIME_IS_PART(object) ? g_mime_part_get_content(GMIME_PART(object)) : nullptr;
     if (content == nullptr)
         return;
@@ -250,21 +258,28 @@ void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent
     Leaves_.append(part);
 }
 
-/// GMime has taken the enclosed message apart; its octets run from its first header to the next boundary.
-void BodyParts::AddEnclosedMessage(QByteArrayView octets, GMimeMessagePart* message, BodyPart part)
+/// GMime has taken an enclosed message apart, or found nothing in a multipart (which is then shown as the text that it
+/// is). Here either is one part, whose octets run to the next boundary around it.
+void BodyParts::AddUndivided(QByteArrayView octets, GMimeObject* object, BodyPart part)
 {
-    if (part.HeaderBegin >= 0) {
-        part.ContentBegin = HeaderBlock(octets, part.HeaderBegin).BodyBegin();
-    } else {
-        GMimeMessage* enclosed = g_mime_message_part_get_message(message);
+    const QList<QByteArray> boundaries = EnclosingBoundaries(part.Parent);
+    if (part.HeaderBegin < 0) {
+        GMimeMessage* enclosed =
+            GMIME_IS_MESSAGE_PART(object) ? g_mime_message_part_get_message(GMIME_MESSAGE_PART(object)) : nullptr;
         part.ContentBegin = enclosed == nullptr ? -1 : FirstHeaderOffset(GMIME_OBJECT(enclosed));
         if (part.ContentBegin < 0)
             return;
         part.HeaderBegin = BeginWithoutHeader(octets, part.ContentBegin);
     }
-    part.Encoding = GMIME_CONTENT_ENCODING_BINARY;
-    const qsizetype boundary = FindBoundaryLine(octets, part.ContentBegin, EnclosingBoundaries(part.Parent));
+    const qsizetype boundary = FindBoundaryLine(octets, part.HeaderBegin, boundaries);
+    const QByteArrayView upToBoundary = boundary < 0 ? octets : octets.first(boundary);
+    part.ContentBegin = HeaderBlock(upToBoundary, part.HeaderBegin).BodyBegin();
     part.ContentEnd = boundary < 0 ? octets.size() : WithoutLineBreak(octets, part.ContentBegin, boundary);
+    part.Encoding = GMIME_CONTENT_ENCODING_BINARY;
+    if (GMIME_IS_MULTIPART(object)) {
+        part.ContentType = "text/plain";
+        part.Encoding = EncodingNamed(RawHeader(object, "Content-Transfer-Encoding"));
+    }
     Leaves_.append(part);
 }
 

@@ -1,6 +1,7 @@
 #include "platform/mail/MimeWriter.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 
 #include <algorithm>
 
@@ -15,12 +16,17 @@ bool DescribesContent(QByteArrayView name)
     return name.size() > 8 && name.first(8).compare("Content-", Qt::CaseInsensitive) == 0;
 }
 
+/// The fields that go with the content. Of several of one name only the first counts, and readers of parts do not agree
+/// on that, so the others stay behind.
 QByteArray ContentFields(const QByteArray& octets, const HeaderBlock& block, const QByteArray& lineBreak)
 {
     QByteArray fields;
+    QSet<QByteArray> taken;
     for (const HeaderField& field : block.Fields()) {
-        if (!DescribesContent(HeaderBlock::Name(octets, field)))
+        const QByteArrayView name = HeaderBlock::Name(octets, field);
+        if (!DescribesContent(name) || taken.contains(name.toByteArray().toLower()))
             continue;
+        taken.insert(name.toByteArray().toLower());
         fields.append(octets.constData() + field.Begin, field.End - field.Begin);
         if (!fields.endsWith('\n'))
             fields.append(lineBreak);
