@@ -238,7 +238,13 @@ QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, con
         return WithAlternative(octets, block, parts, parts.Leaves().at(other), kind, text);
     if (const Multipart* mixed = OuterMixed(parts))
         return WithFirstPart(octets, block, *mixed, BodyEntity(kind, text, lineBreak, {mixed->Boundary}), lineBreak);
-    return WithMessageWrapped(octets, block, "mixed", Placement::Before, BodyEntity(kind, text, lineBreak, {}));
+    return WithBodyInFront(octets, block, kind, text);
+}
+
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text)
+{
+    const QByteArray entity = BodyEntity(kind, text, LineBreakOf(octets), {});
+    return WithMessageWrapped(octets, block, "mixed", Placement::Before, entity);
 }
 
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,

@@ -61,7 +61,8 @@ bool NamesAType(const QByteArray& value)
 {
     const QByteArray name = value.split(';').constFirst().trimmed();
     const qsizetype slash = name.indexOf('/');
-    return slash > 0 && slash < name.size() - 1;
+    const auto isPrintable = [](char c) { return c > 0x20 && c < 0x7F; };
+    return slash > 0 && slash < name.size() - 1 && std::all_of(name.begin(), name.end(), isPrintable);
 }
 
 void TakeType(GMimeContentType* type, BodyPart* part)
