@@ -28,7 +28,8 @@ enum StatementKind : quint64
     RowCount,
     RowInsert,
     RowDelete,
-    MemoById, ///< Plus the column's place.
+    MemoById,            ///< Plus the column's place.
+    MemoRange = 1 << 15, ///< Plus the column's place.
     FirstStretch = 1 << 16
 };
 
@@ -288,13 +289,46 @@ std::optional<QByteArray> TableAccess::ReadMemo(int column, qint64 id)
     use.Bind(1, id);
     if (!use.Step())
         return std::nullopt;
-    if (use.IsNull(0))
-        return QByteArray();
-    const std::string_view text = use.Text(0);
+    return TakeMemo(use, 0);
+}
+
+QByteArray TableAccess::TakeMemo(const StatementUse& use, int column)
+{
+    if (use.IsNull(column))
+        return {};
+    const std::string_view text = use.Text(column);
     // An empty text is not Null, and QByteArray tells the two apart by its pointer.
     if (text.empty())
         return QByteArrayLiteral("");
-    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
+std::vector<std::optional<QByteArray>> TableAccess::ReadMemoRange(int column, std::span<const qint64> ids,
+                                                                  qint64 octetBudget)
+{
+    const Statement& statement = Prepared(MemoRange + static_cast<quint64>(column), [&] {
+        return "SELECT " + QByteArray(RowIdName) + ", " +
+               QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name) + " FROM " + Name_ +
+               " NOT INDEXED WHERE " + RowIdName + " BETWEEN ? AND ? ORDER BY " + RowIdName;
+    });
+    std::vector<std::optional<QByteArray>> memos;
+    memos.reserve(ids.size());
+    StatementUse use(statement);
+    use.Bind(1, ids.front());
+    use.Bind(2, ids.back());
+    qint64 octets = 0;
+    while (octets <= octetBudget && use.Step()) {
+        const qint64 id = use.Integer(0);
+        while (memos.size() < ids.size() && ids[memos.size()] < id)
+            memos.emplace_back();
+        if (memos.size() == ids.size() || ids[memos.size()] != id)
+            continue;
+        memos.emplace_back(TakeMemo(use, 1));
+        octets += memos.back()->size();
+    }
+    if (octets <= octetBudget)
+        memos.resize(ids.size());
+    return memos;
 }
 
 qint64 TableAccess::CountRows()
