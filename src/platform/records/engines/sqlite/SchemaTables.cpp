@@ -63,14 +63,41 @@ QByteArray TableDefinition(const Table& table, const QByteArray& quotedName)
 
 void CreateIndex(Connection& connection, const Table& table, const IndexKey& index)
 {
-    if (IsRowIdOrder(table, index))
+    if (IsRowIdOrder(table, index)) {
+        // Nothing to create, but other connections have to see that the structure changed: SQLite counts that itself,
+        // for every table that comes or goes.
+        connection.Execute("CREATE TABLE \"~Passing\" (Mark)");
+        connection.Execute("DROP TABLE \"~Passing\"");
         return;
+    }
     QByteArray sql = index.Unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
     sql += IndexName(table, index) + " ON " + QuoteName(table.Name) + " (";
     for (std::size_t i = 0; i < index.Columns.size(); ++i) {
         if (i > 0)
             sql += ", ";
         sql += QuoteName(table.Columns[static_cast<std::size_t>(index.Columns[i])].Name);
+    }
+    connection.Execute(sql + ')');
+}
+
+QByteArray RowIdColumn(const Table& table)
+{
+    return table.CounterColumn() < 0 ? QByteArrayLiteral("\"~row\"")
+                                     : QuoteName(table.Columns[static_cast<std::size_t>(table.CounterColumn())].Name);
+}
+
+/// All columns but the memos once more, in order of the row ids, where a table has memos. A list of messages is then
+/// read from a few pages, instead of from all those that the bodies fill; SQLite finds that by itself.
+void CreateListIndex(Connection& connection, const Table& table)
+{
+    const QByteArray name = QuoteName(QStringLiteral("~%1").arg(table.Id));
+    connection.Execute("DROP INDEX IF EXISTS " + name);
+    if (!table.HasMemos())
+        return;
+    QByteArray sql = "CREATE INDEX " + name + " ON " + QuoteName(table.Name) + " (" + RowIdColumn(table);
+    for (const Column& column : table.Columns) {
+        if (!column.IsMemo() && !column.IsCounter())
+            sql += ", " + QuoteName(column.Name);
     }
     connection.Execute(sql + ')');
 }
@@ -103,9 +130,7 @@ void Rebuild(Connection& connection, const Table& before, const Table& after)
     QByteArray target = columns;
     if (before.CounterColumn() < 0) {
         columns += QByteArrayLiteral(", ") + RowIdName;
-        target += ", " + (after.CounterColumn() < 0
-                              ? QByteArrayLiteral("\"~row\"")
-                              : QuoteName(after.Columns[static_cast<std::size_t>(after.CounterColumn())].Name));
+        target += ", " + RowIdColumn(after);
     }
     connection.Execute("INSERT INTO " + temporary + " (" + target + ") SELECT " + columns + " FROM " + quoted +
                        " ORDER BY " + RowIdName);
@@ -261,6 +286,7 @@ void WriteTable(Connection& connection, Table table)
     }
     table.Id = sqlite3_last_insert_rowid(connection.Handle());
     connection.Execute(TableDefinition(table, QuoteName(table.Name)));
+    CreateListIndex(connection, table);
     for (std::size_t i = 0; i < table.Columns.size(); ++i)
         RecordColumn(connection, table.Id, static_cast<qint64>(i), table.Columns[i]);
     const std::vector<IndexKey> indexes = std::move(table.Indexes);
@@ -281,6 +307,7 @@ void WriteColumn(Connection& connection, const Table& table, const Column& colum
         Rebuild(connection, table, after);
     else
         connection.Execute("ALTER TABLE " + QuoteName(table.Name) + " ADD COLUMN " + ColumnDefinition(column));
+    CreateListIndex(connection, after);
     RecordColumn(connection, table.Id, static_cast<qint64>(table.Columns.size()), column);
     if (column.IsCounter()) {
         connection.Execute("UPDATE \"~Tables\" SET Counter = (SELECT coalesce(max(" + QByteArray(RowIdName) +

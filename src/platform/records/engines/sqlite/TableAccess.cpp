@@ -28,7 +28,8 @@ enum StatementKind : quint64
     RowCount,
     RowInsert,
     RowDelete,
-    MemoById, ///< Plus the column's place.
+    MemoById,            ///< Plus the column's place.
+    MemoRange = 1 << 15, ///< Plus the column's place.
     FirstStretch = 1 << 16
 };
 
@@ -166,13 +167,13 @@ bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direc
     quint64 nulls = 0;
     for (std::size_t i = 0; i < stretch.Equal; ++i)
         nulls |= static_cast<quint64>(IsNullValue(keys[i])) << i;
-    const quint64 key = FirstStretch + ((((((static_cast<quint64>(index + 1) << 16 | nulls) << 8 | stretch.Equal) << 4 |
-                                           static_cast<quint64>(stretch.Limit))
-                                              << 1 |
-                                          static_cast<quint64>(direction == Direction::Backward))
-                                         << 1) |
-                                        static_cast<quint64>(memos == MemoFetch::SmallOnes))
-                        << 17;
+    quint64 key = static_cast<quint64>(index + 1);
+    key = key << 16 | nulls;
+    key = key << 8 | stretch.Equal;
+    key = key << 4 | static_cast<quint64>(stretch.Limit);
+    key = key << 1 | static_cast<quint64>(direction == Direction::Backward);
+    key = key << 1 | static_cast<quint64>(memos == MemoFetch::SmallOnes);
+    key = FirstStretch + (key << 17);
     const Statement& statement = Prepared(key, [&] { return StretchText(index, stretch, direction, keys, memos); });
     StatementUse use(statement);
     for (std::size_t i = 0; i < stretch.Equal; ++i) {
@@ -288,13 +289,46 @@ std::optional<QByteArray> TableAccess::ReadMemo(int column, qint64 id)
     use.Bind(1, id);
     if (!use.Step())
         return std::nullopt;
-    if (use.IsNull(0))
-        return QByteArray();
-    const std::string_view text = use.Text(0);
+    return TakeMemo(use, 0);
+}
+
+QByteArray TableAccess::TakeMemo(const StatementUse& use, int column)
+{
+    if (use.IsNull(column))
+        return {};
+    const std::string_view text = use.Text(column);
     // An empty text is not Null, and QByteArray tells the two apart by its pointer.
     if (text.empty())
         return QByteArrayLiteral("");
-    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
+std::vector<std::optional<QByteArray>> TableAccess::ReadMemoRange(int column, std::span<const qint64> ids,
+                                                                  qint64 octetBudget)
+{
+    const Statement& statement = Prepared(MemoRange + static_cast<quint64>(column), [&] {
+        return "SELECT " + QByteArray(RowIdName) + ", " +
+               QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name) + " FROM " + Name_ +
+               " NOT INDEXED WHERE " + RowIdName + " BETWEEN ? AND ? ORDER BY " + RowIdName;
+    });
+    std::vector<std::optional<QByteArray>> memos;
+    memos.reserve(ids.size());
+    StatementUse use(statement);
+    use.Bind(1, ids.front());
+    use.Bind(2, ids.back());
+    qint64 octets = 0;
+    while (octets <= octetBudget && use.Step()) {
+        const qint64 id = use.Integer(0);
+        while (memos.size() < ids.size() && ids[memos.size()] < id)
+            memos.emplace_back();
+        if (memos.size() == ids.size() || ids[memos.size()] != id)
+            continue;
+        memos.emplace_back(TakeMemo(use, 1));
+        octets += memos.back()->size();
+    }
+    if (octets <= octetBudget)
+        memos.resize(ids.size());
+    return memos;
 }
 
 qint64 TableAccess::CountRows()

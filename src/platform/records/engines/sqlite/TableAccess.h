@@ -22,6 +22,9 @@ public:
     bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
     /// Nothing when there is no such row; a null array for Null.
     std::optional<QByteArray> ReadMemo(int column, qint64 id);
+    /// The same for rows whose ids rise, in one run from the first to the last. Stops early, after one row at least,
+    /// when octetBudget is used up.
+    std::vector<std::optional<QByteArray>> ReadMemoRange(int column, std::span<const qint64> ids, qint64 octetBudget);
     qint64 CountRows();
 
     qint64 Insert(std::span<const engine::Assignment> values);
@@ -57,6 +60,7 @@ private:
                            std::span<const StoredValue> keys, engine::MemoFetch memos) const;
     std::vector<StoredValue> KeysOf(int index, const Row& row) const;
 
+    static QByteArray TakeMemo(const StatementUse& use, int column);
     QByteArray ReadColumns(engine::MemoFetch memos) const;
     void Take(const StatementUse& use, engine::MemoFetch memos, Row& row) const;
     template <typename MakeText>
