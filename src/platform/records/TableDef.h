@@ -6,6 +6,9 @@
 namespace dao
 {
 
+class TableFields;
+class TableIndexes;
+
 /// An index of a table. Owned by the table's Indexes collection once appended.
 class Index
 {
@@ -39,25 +42,26 @@ class TableDef
 {
 public:
     explicit TableDef(const QString& name);
-    virtual ~TableDef();
+    ~TableDef();
+    TableDef(const TableDef&) = delete;
+    TableDef& operator=(const TableDef&) = delete;
 
     const QString& Name() const { return Name_; }
     std::unique_ptr<Field> CreateField(const QString& name, DataTypeEnum type, int size = 0) const;
     std::unique_ptr<Index> CreateIndex(const QString& name) const;
 
-    Collection<Field>& Fields() { return *Fields_; }
-    const Collection<Field>& Fields() const { return *Fields_; }
-    Collection<Index>& Indexes() { return *Indexes_; }
-    const Collection<Index>& Indexes() const { return *Indexes_; }
-
-protected:
-    TableDef(const QString& name, std::unique_ptr<Collection<Field>> fields,
-             std::unique_ptr<Collection<Index>> indexes);
+    /// Appending a name that stands already raises 3010.
+    Collection<Field>& Fields();
+    const Collection<Field>& Fields() const;
+    Collection<Index>& Indexes();
+    const Collection<Index>& Indexes() const;
 
 private:
+    friend class StoredTables;
+
     QString Name_;
-    std::unique_ptr<Collection<Field>> Fields_;
-    std::unique_ptr<Collection<Index>> Indexes_;
+    std::unique_ptr<TableFields> Fields_;
+    std::unique_ptr<TableIndexes> Indexes_;
 };
 
 } // namespace dao

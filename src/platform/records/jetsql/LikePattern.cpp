@@ -239,39 +239,75 @@ private:
 
 struct LikePattern::Program
 {
-    /// One more than there are runs of stars. The first is bound to the text's beginning, the last to its end.
-    std::vector<Segment> Segments;
-
-    /// Each segment between stars is taken where it first matches: what a later place could still reach, this one can.
-    /// So there is no going back.
-    template <typename Reader>
-    bool Matches(Reader reader) const
+    /// One pattern taken apart.
+    struct Alternative
     {
-        if (!MatchesHere(Segments.front(), reader))
-            return false;
-        if (Segments.size() == 1)
-            return reader.AtEnd();
-        for (std::size_t i = 1; i + 1 < Segments.size(); ++i) {
-            if (!FindFirst(Segments[i], reader))
-                return false;
+        explicit Alternative(QStringView pattern) : Segments(SegmentCompiler(pattern).Compile())
+        {
+            IsPlainSearch = Segments.size() == 3 && Segments.front().Elements.empty() && !Segments[1].Ascii.IsEmpty() &&
+                            Segments.back().Elements.empty();
         }
-        return MatchesEnd(Segments.back(), reader);
-    }
+
+        /// One more than there are runs of stars. The first is bound to the text's beginning, the last to its end.
+        std::vector<Segment> Segments;
+        /// ASCII text between two stars, the form that most searches have.
+        bool IsPlainSearch = false;
+
+        /// Each segment between stars is taken where it first matches: what a later place could still reach, this one
+        /// can. So there is no going back.
+        template <typename Reader>
+        bool Matches(Reader reader) const
+        {
+            if (!MatchesHere(Segments.front(), reader))
+                return false;
+            if (Segments.size() == 1)
+                return reader.AtEnd();
+            for (std::size_t i = 1; i + 1 < Segments.size(); ++i) {
+                if (!FindFirst(Segments[i], reader))
+                    return false;
+            }
+            return MatchesEnd(Segments.back(), reader);
+        }
+
+        bool MatchesUtf8(std::string_view text) const
+        {
+            if (!IsPlainSearch)
+                return Matches(Utf8Reader(text));
+            const AsciiSearch& search = Segments[1].Ascii;
+            if (search.Find(text) != std::string_view::npos)
+                return true;
+            return search.HasRelatives() && HasRelativesOfAscii(text) && Matches(Utf8Reader(text));
+        }
+    };
+    std::vector<Alternative> Alternatives;
 };
 
 LikePattern::LikePattern(QStringView pattern)
-    : Program_(std::make_shared<const Program>(Program{SegmentCompiler(pattern).Compile()}))
 {
+    Program program;
+    program.Alternatives.emplace_back(pattern);
+    Program_ = std::make_shared<const Program>(std::move(program));
+}
+
+LikePattern::LikePattern(const QStringList& patterns)
+{
+    Program program;
+    program.Alternatives.reserve(static_cast<std::size_t>(patterns.size()));
+    for (const QString& pattern : patterns)
+        program.Alternatives.emplace_back(pattern);
+    Program_ = std::make_shared<const Program>(std::move(program));
 }
 
 bool LikePattern::Matches(QStringView text) const
 {
-    return Program_->Matches(Utf16Reader(text));
+    return std::any_of(Program_->Alternatives.begin(), Program_->Alternatives.end(),
+                       [&](const Program::Alternative& pattern) { return pattern.Matches(Utf16Reader(text)); });
 }
 
 bool LikePattern::MatchesUtf8(std::string_view text) const
 {
-    return Program_->Matches(Utf8Reader(text));
+    return std::any_of(Program_->Alternatives.begin(), Program_->Alternatives.end(),
+                       [&](const Program::Alternative& pattern) { return pattern.MatchesUtf8(text); });
 }
 
 } // namespace dao::jetsql

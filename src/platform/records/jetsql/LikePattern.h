@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QStringView>
 
 #include <memory>
@@ -19,6 +20,8 @@ class LikePattern
 {
 public:
     explicit LikePattern(QStringView pattern);
+    /// Matches what any of the patterns matches; nothing when there are none.
+    explicit LikePattern(const QStringList& patterns);
 
     bool Matches(QStringView text) const;
     /// Octets that are no UTF-8 count as characters that only wildcards meet; surrogates in UTF-8 form as themselves.

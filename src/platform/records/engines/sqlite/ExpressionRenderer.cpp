@@ -95,6 +95,18 @@ Piece AsType(Piece piece, ValueType type)
     return piece;
 }
 
+/// The pattern of a LIKE with a constant text for one; null for anything else.
+const QString* PlainPattern(const Expression& expression)
+{
+    const Operation* operation = std::get_if<Operation>(&expression.Node);
+    if (operation == nullptr || operation->Kind != Operator::Like)
+        return nullptr;
+    const Literal* literal = AsLiteral(operation->Operands[1]);
+    if (literal == nullptr || literal->Value.typeId() != QMetaType::QString)
+        return nullptr;
+    return static_cast<const QString*>(literal->Value.constData());
+}
+
 const char* SymbolOf(Operator kind)
 {
     switch (kind) {
@@ -388,34 +400,57 @@ Piece ExpressionRenderer::RenderAnd(const Operands& operands)
 
 Piece ExpressionRenderer::RenderOr(const Operands& operands)
 {
-    // Texts held against the same pattern share one call: a search for an address in several columns is one.
-    struct Group
-    {
-        Piece Pattern;
-        std::vector<Piece> Texts;
-    };
     std::vector<Piece> pieces;
-    std::vector<Group> groups;
-    QHash<QByteArray, std::size_t> groupOf;
     for (const Expression& operand : operands) {
-        const Operation* operation = std::get_if<Operation>(&operand.Node);
-        if (operation == nullptr || operation->Kind != Operator::Like || AsLiteral(operation->Operands[1]) == nullptr) {
+        if (PlainPattern(operand) == nullptr)
             pieces.push_back(TruthOf(operand));
-            continue;
-        }
-        Piece text = TextToMatch(operation->Operands[0]);
-        const Piece pattern = PatternOf(operation->Operands[1]);
-        const auto known = groupOf.constFind(pattern.Text);
-        if (known != groupOf.constEnd() && groups[*known].Texts.size() < maximumLikeTexts) {
-            groups[*known].Texts.push_back(std::move(text));
-            continue;
-        }
-        groupOf.insert(pattern.Text, groups.size());
-        groups.push_back({pattern, {std::move(text)}});
     }
-    for (const Group& group : groups)
-        pieces.push_back(LikeCall(group.Pattern, group.Texts));
+    RenderPlainLikes(operands, pieces);
     return Chain(std::move(pieces), "OR");
+}
+
+/// The operands of an OR that hold a text against a constant pattern. A search for some addresses in some columns
+/// becomes one call with all of both, so that each row's texts are fetched once.
+void ExpressionRenderer::RenderPlainLikes(const Operands& operands, std::vector<Piece>& pieces)
+{
+    struct TextsOfPattern
+    {
+        QString Pattern;
+        std::vector<Piece> Texts;
+        QByteArray Key; ///< All the texts.
+    };
+    std::vector<TextsOfPattern> byPattern;
+    QHash<QString, std::size_t> placeOf;
+    for (const Expression& operand : operands) {
+        const QString* pattern = PlainPattern(operand);
+        if (pattern == nullptr)
+            continue;
+        Piece text = TextToMatch(std::get<Operation>(operand.Node).Operands[0]);
+        const auto known = placeOf.constFind(*pattern);
+        const bool isNew = known == placeOf.constEnd() || byPattern[*known].Texts.size() >= maximumLikeTexts;
+        const std::size_t place = isNew ? byPattern.size() : *known;
+        if (isNew) {
+            placeOf.insert(*pattern, place);
+            byPattern.push_back({*pattern, {}, {}});
+        }
+        byPattern[place].Key += text.Text + ',';
+        byPattern[place].Texts.push_back(std::move(text));
+    }
+    std::vector<QStringList> patternsOfTexts;
+    std::vector<const TextsOfPattern*> texts;
+    QHash<QByteArray, std::size_t> placeOfKey;
+    for (const TextsOfPattern& one : byPattern) {
+        const auto known = placeOfKey.constFind(one.Key);
+        if (known != placeOfKey.constEnd()) {
+            patternsOfTexts[*known].append(one.Pattern);
+            continue;
+        }
+        placeOfKey.insert(one.Key, texts.size());
+        texts.push_back(&one);
+        patternsOfTexts.push_back({one.Pattern});
+    }
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        pieces.push_back(LikeCall(BindPatterns(patternsOfTexts[i]), texts[i]->Texts));
 }
 
 Piece ExpressionRenderer::Chain(std::vector<Piece> pieces, const char* symbol) const
@@ -539,7 +574,7 @@ Piece ExpressionRenderer::PatternOf(const Expression& expression)
         RaiseTypeMismatch(expression.Position);
     if (type == ValueType::Unknown)
         return Bind(QVariant(), type);
-    return BindPattern(type == ValueType::Text ? literal->Value.toString() : NumberText(literal->Value));
+    return BindPatterns({type == ValueType::Text ? literal->Value.toString() : NumberText(literal->Value)});
 }
 
 Piece ExpressionRenderer::LikeCall(const Piece& pattern, const std::vector<Piece>& texts) const
@@ -649,13 +684,13 @@ Piece ExpressionRenderer::Bind(const QVariant& value, ValueType type)
     return piece;
 }
 
-Piece ExpressionRenderer::BindPattern(const QString& pattern)
+Piece ExpressionRenderer::BindPatterns(const QStringList& patterns)
 {
     Piece piece;
     piece.Type = ValueType::Text;
-    QByteArray& place = Patterns_[pattern];
+    QByteArray& place = Patterns_[patterns];
     if (place.isEmpty()) {
-        Result_.Bindings.emplace_back(std::make_shared<const jetsql::LikePattern>(pattern));
+        Result_.Bindings.emplace_back(std::make_shared<const jetsql::LikePattern>(patterns));
         place = '?' + QByteArray::number(static_cast<qlonglong>(Result_.Bindings.size()));
     }
     piece.Text = place;

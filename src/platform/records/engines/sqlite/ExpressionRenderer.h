@@ -77,6 +77,7 @@ private:
     Piece RenderNot(const jetsql::Expression& operand);
     Piece RenderAnd(const Operands& operands);
     Piece RenderOr(const Operands& operands);
+    void RenderPlainLikes(const Operands& operands, std::vector<Piece>& pieces);
     Piece RenderIsNull(const jetsql::Expression& operand, const char* test);
     Piece RenderComparison(const Operands& operands, const char* symbol);
     Piece RenderLike(const jetsql::Expression& text, const jetsql::Expression& pattern);
@@ -97,12 +98,12 @@ private:
     Piece Constant(const jetsql::Literal& literal, ValueType wanted, qsizetype position);
     Piece Chain(std::vector<Piece> pieces, const char* symbol) const;
     Piece Bind(const QVariant& value, ValueType type);
-    Piece BindPattern(const QString& pattern);
+    Piece BindPatterns(const QStringList& patterns);
     const Piece& Checked(const Piece& piece) const;
 
     RenderedSql& Result_;
     std::vector<ScopeTable> Tables_;
-    QHash<QString, QByteArray> Patterns_; ///< The numbered parameter of each pattern bound so far.
+    QHash<QStringList, QByteArray> Patterns_; ///< The numbered parameter of each set of patterns bound so far.
 };
 
 [[noreturn]] void RaiseTypeMismatch(qsizetype position);

@@ -1,0 +1,96 @@
+#include "platform/records/DBEngine.h"
+
+#include "platform/records/FileOpening.h"
+#include "platform/records/StoreDatabase.h"
+#include "platform/records/WorkspaceTransaction.h"
+#include "platform/records/engines/EngineRegistry.h"
+
+#include <QFileInfo>
+
+namespace dao
+{
+
+namespace
+{
+
+constexpr int PageLevel = 0;
+
+class EngineWorkspace final : public Workspace
+{
+public:
+    std::unique_ptr<Connection> OpenConnection(const QString& name, int options, bool readOnly,
+                                               const QString& connect) override
+    {
+        if (!IsOpen_)
+            throw Error(errObjectInvalid, QStringLiteral("Object invalid or no longer set: the workspace is closed."));
+        engine::Engine& engine = engine::EngineRegistry::Instance().ForConnect(connect);
+        return engine.OpenConnection(name, options, readOnly, connect);
+    }
+    void Close() override { IsOpen_ = false; }
+
+private:
+    bool IsOpen_ = true;
+};
+
+void RequireFreeTarget(const QString& target)
+{
+    RequireFolder(target);
+    const QFileInfo info(target);
+    if (info.isDir() || (info.exists() && info.size() > 0))
+        throw Error(errCannotOpen, QStringLiteral("Cannot write '%1': it exists already.").arg(target));
+}
+
+} // namespace
+
+std::unique_ptr<Database> DBEngine::OpenDatabase(const QString& name, int, bool readOnly, const QString& connect)
+{
+    if (connect.isEmpty()) {
+        SessionPtr session = OpenFile(name, readOnly, PageLevel);
+        return std::make_unique<StoreDatabase>(QFileInfo(name).absoluteFilePath(), connect, std::move(session));
+    }
+    auto session = std::make_shared<DatabaseSession>();
+    session->Store = engine::EngineRegistry::Instance().ForConnect(connect).Open(name, connect, readOnly);
+    return std::make_unique<StoreDatabase>(name, connect, std::move(session));
+}
+
+std::unique_ptr<Database> DBEngine::CreateDatabase(const QString& name, const QString&)
+{
+    if (name.isEmpty())
+        throw Error(errNotAValidPath, QStringLiteral("'' is not a valid path."));
+    RequireFolder(name);
+    if (QFileInfo::exists(name))
+        throw Error(errCannotOpen, QStringLiteral("Cannot create '%1': it exists already.").arg(name));
+    engine::EngineRegistry::Instance().Default().Create(QFileInfo(name).absoluteFilePath());
+    return OpenDatabase(name);
+}
+
+void DBEngine::CompactDatabase(const QString& source, const QString& target)
+{
+    engine::Engine& engine = EngineOfFile(source);
+    if (target.isEmpty())
+        throw Error(errNotAValidPath, QStringLiteral("'' is not a valid path."));
+    RequireFreeTarget(target);
+    engine.Compact(QFileInfo(source).absoluteFilePath(), QFileInfo(target).absoluteFilePath());
+}
+
+std::unique_ptr<Workspace> DBEngine::CreateWorkspace(const QString&, const QString&, const QString&, WorkspaceTypeEnum)
+{
+    return std::make_unique<EngineWorkspace>();
+}
+
+void DBEngine::BeginTrans()
+{
+    WorkspaceTransaction::Begin();
+}
+
+void DBEngine::CommitTrans(int)
+{
+    WorkspaceTransaction::Commit();
+}
+
+void DBEngine::Rollback()
+{
+    WorkspaceTransaction::Rollback();
+}
+
+} // namespace dao

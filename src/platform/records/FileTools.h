@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+namespace dao
+{
+
+/// A file that is being made under a name of its own beside its target, and takes the target's name once it is whole
+/// and on the disk. Removed, with its journal, unless it was moved.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const QString& target);
+    ~TemporaryFile();
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const QString& Name() const { return Name_; }
+    /// Flushes the file, gives it the name and flushes the folder. An empty file of that name is replaced; 3051 when
+    /// another one stands there, 3043 when the disk fails.
+    void MoveTo(const QString& target);
+
+private:
+    QString Name_;
+    bool IsMoved_ = false;
+};
+
+} // namespace dao

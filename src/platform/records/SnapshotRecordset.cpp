@@ -1,0 +1,103 @@
+#include "platform/records/SnapshotRecordset.h"
+
+#include "platform/records/TextCodec.h"
+#include "platform/records/Values.h"
+
+#include <algorithm>
+
+namespace dao
+{
+
+namespace
+{
+constexpr std::size_t ChunkSize = 256 * 1024;
+} // namespace
+
+SnapshotRecordset::SnapshotRecordset(SessionPtr session, BoundQuery query, engine::ResultShape shape,
+                                     RecordsetTypeEnum type)
+    : QueryRecordset(std::move(session), std::move(query), std::move(shape), type)
+{
+    Open().Select(Query().Select, Query().Parameters, engine::ResultPart::Values,
+                  [this](std::span<const qint64> keys, std::string_view cells) { Append(keys, cells); });
+    Rows_.shrink_to_fit();
+    Keys_.shrink_to_fit();
+    Memos_.resize(Shape().Columns.size());
+}
+
+void SnapshotRecordset::Append(std::span<const qint64> keys, std::string_view cells)
+{
+    if (cells.size() > ChunkLeft_) {
+        // A row larger than a chunk, which only a computed text can be, gets one of its own.
+        ChunkLeft_ = std::max(ChunkSize, cells.size());
+        Chunks_.emplace_back(new char[ChunkLeft_]);
+        ChunkEnd_ = Chunks_.back().get();
+    }
+    std::copy(cells.begin(), cells.end(), ChunkEnd_);
+    Rows_.push_back(ChunkEnd_);
+    ChunkEnd_ += cells.size();
+    ChunkLeft_ -= cells.size();
+    Keys_.insert(Keys_.end(), keys.begin(), keys.end());
+}
+
+bool SnapshotRecordset::Updatable() const
+{
+    Open();
+    return false;
+}
+
+void SnapshotRecordset::Delete()
+{
+    Open();
+    RaiseNotSupported();
+}
+
+const Row& SnapshotRecordset::RowForEdit()
+{
+    RaiseNotSupported();
+}
+
+std::span<const qint64> SnapshotRecordset::KeysAt(int row) const
+{
+    const std::size_t count = Shape().HasKeys ? Shape().Sources.size() : 0;
+    return std::span(Keys_).subspan(static_cast<std::size_t>(row) * count, count);
+}
+
+QVariant SnapshotRecordset::StoredValueAt(int ordinal) const
+{
+    const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(CurrentRow())], ordinal);
+    if (cell.CellKind != CellView::Kind::Deferred)
+        return FromCell(cell, ColumnAt(ordinal).Type);
+    const QByteArray memo = StoredMemoAt(ordinal);
+    return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
+}
+
+QByteArray SnapshotRecordset::StoredMemoAt(int ordinal) const
+{
+    const int row = CurrentRow();
+    const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(row)], ordinal);
+    if (cell.CellKind == CellView::Kind::Null)
+        return {};
+    if (cell.CellKind == CellView::Kind::Text)
+        return cell.Text.empty() ? QByteArrayLiteral("")
+                                 : QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
+    const engine::ResultColumn& column = ResultColumnAt(ordinal);
+    const auto source = static_cast<std::size_t>(column.Source);
+    if (KeysAt(row)[source] == engine::NoRow)
+        return {};
+    const auto memo =
+        Memos_[static_cast<std::size_t>(ordinal)].Read(Open(), Shape().Sources[source], column.SourceColumn, row,
+                                                       Rows(), [&](int other) { return KeysAt(other)[source]; });
+    if (!memo)
+        RaiseDeleted();
+    return *memo;
+}
+
+void SnapshotRecordset::Release()
+{
+    Rows_.clear();
+    Chunks_.clear();
+    Keys_.clear();
+    Memos_.clear();
+}
+
+} // namespace dao

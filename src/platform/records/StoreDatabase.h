@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/records/Database.h"
+#include "platform/records/QueryRecordset.h"
+#include "platform/records/StoredTables.h"
+
+namespace dao
+{
+
+/// A database over whichever engine opened it. Listed in the process' workspace, whose transactions it joins, until it
+/// is closed.
+class StoreDatabase final : public Database
+{
+public:
+    StoreDatabase(const QString& name, const QString& connect, SessionPtr session);
+    ~StoreDatabase() override;
+
+    QString Name() const override;
+    QString Version() const override;
+    QString Connect() const override;
+    bool Updatable() const override;
+    Collection<TableDef>& TableDefs() override;
+    std::unique_ptr<Recordset> OpenRecordset(const QString& source, RecordsetTypeEnum type) override;
+    std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) override;
+    int Execute(const QString& sql) override;
+    void Close() override;
+
+private:
+    QString Name_;
+    QString Connect_;
+    SessionPtr Session_;
+    StoredTables Tables_;
+};
+
+/// The recordset of a query. type: dynaset or snapshot; 3251 for a table.
+std::unique_ptr<Recordset> OpenQuery(const SessionPtr& session, BoundQuery query, RecordsetTypeEnum type);
+
+} // namespace dao

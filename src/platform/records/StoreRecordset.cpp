@@ -1,0 +1,225 @@
+#include "platform/records/StoreRecordset.h"
+
+#include "platform/records/TextCodec.h"
+#include "platform/records/Values.h"
+
+namespace dao
+{
+
+engine::Store& StoreRecordset::Open() const
+{
+    if (!IsOpen_)
+        throw Error(errObjectInvalid, QStringLiteral("Object invalid or no longer set: the recordset is closed."));
+    return Session_->Required();
+}
+
+void StoreRecordset::RaiseNoCurrentRecord()
+{
+    throw Error(errNoCurrentRecord, QStringLiteral("No current record."));
+}
+
+void StoreRecordset::RaiseDeleted()
+{
+    throw Error(errRecordDeleted, QStringLiteral("Record is deleted."));
+}
+
+void StoreRecordset::RaiseNotSupported()
+{
+    throw Error(errNotSupported, QStringLiteral("Operation is not supported for this type of object."));
+}
+
+void StoreRecordset::AddField(const engine::Column& column)
+{
+    auto field = std::make_unique<Field>(column.Name, column.Type, column.Size);
+    field->SetAttributes(column.Attributes);
+    field->SetAllowZeroLength(column.AllowZeroLength);
+    Bind(*field, Fields_.Count());
+    Fields_.Append(std::move(field));
+}
+
+void StoreRecordset::DropBuffer()
+{
+    Mode_ = EditMode::None;
+    Buffer_.clear();
+}
+
+bool StoreRecordset::NoMatch() const
+{
+    Open();
+    return NoMatch_;
+}
+
+QString StoreRecordset::Index() const
+{
+    Open();
+    RaiseNotSupported();
+}
+
+void StoreRecordset::SetIndex(const QString&)
+{
+    Open();
+    RaiseNotSupported();
+}
+
+void StoreRecordset::Seek(SeekComparison, std::initializer_list<QVariant>)
+{
+    Open();
+    RaiseNotSupported();
+}
+
+void StoreRecordset::FindFirst(const QString&)
+{
+    Open();
+    RaiseNotSupported();
+}
+
+void StoreRecordset::Close()
+{
+    if (!IsOpen_)
+        return;
+    DropBuffer();
+    Release();
+    IsOpen_ = false;
+    Session_.reset();
+}
+
+void StoreRecordset::RequireUpdatable() const
+{
+    const engine::Store& store = Open();
+    if (!EditedTable())
+        RaiseNotSupported();
+    if (!store.Updatable())
+        throw Error(errCannotOpen, QStringLiteral("Cannot update: the database is read only."));
+}
+
+void StoreRecordset::AddNew()
+{
+    RequireUpdatable();
+    const engine::TablePtr table = EditedTable();
+    std::vector<std::optional<StoredValue>> buffer(static_cast<std::size_t>(Fields_.Count()));
+    for (int ordinal = 0; ordinal < Fields_.Count(); ++ordinal) {
+        if (table->CounterColumn() >= 0 && EditedColumn(ordinal) == table->CounterColumn())
+            buffer[static_cast<std::size_t>(ordinal)] = StoredValue(Open().DrawCounter(table));
+    }
+    Buffer_ = std::move(buffer);
+    Mode_ = EditMode::Adding;
+}
+
+void StoreRecordset::Edit()
+{
+    RequireUpdatable();
+    const Row& row = RowForEdit();
+    EditedId_ = row.Id;
+    EditedVersion_ = row.Version;
+    Buffer_.assign(static_cast<std::size_t>(Fields_.Count()), std::nullopt);
+    Mode_ = EditMode::Editing;
+}
+
+void StoreRecordset::CancelUpdate()
+{
+    Open();
+    if (Mode_ == EditMode::None)
+        throw Error(errUpdateWithoutEdit, QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    DropBuffer();
+}
+
+void StoreRecordset::Update()
+{
+    engine::Store& store = Open();
+    if (Mode_ == EditMode::None)
+        throw Error(errUpdateWithoutEdit, QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    const engine::TablePtr table = EditedTable();
+    std::vector<engine::Assignment> values;
+    StoredValue counter;
+    bool hasCounter = table->CounterColumn() < 0;
+    for (int ordinal = 0; ordinal < Fields_.Count(); ++ordinal) {
+        const auto& value = Buffer_[static_cast<std::size_t>(ordinal)];
+        if (!value)
+            continue;
+        hasCounter = hasCounter || EditedColumn(ordinal) == table->CounterColumn();
+        values.push_back({EditedColumn(ordinal), &*value});
+    }
+    if (Mode_ == EditMode::Editing) {
+        store.Update(table, EditedId_, EditedVersion_, values);
+        DropBuffer();
+        RowWasChanged();
+        return;
+    }
+    // A query that does not show the counter still needs one.
+    if (!hasCounter) {
+        counter = store.DrawCounter(table);
+        values.push_back({table->CounterColumn(), &counter});
+    }
+    const qint64 id = store.Insert(table, values);
+    DropBuffer();
+    RowWasAdded(id);
+}
+
+const std::optional<StoredValue>* StoreRecordset::Buffered(int ordinal) const
+{
+    return Mode_ == EditMode::None ? nullptr : &Buffer_[static_cast<std::size_t>(ordinal)];
+}
+
+QVariant StoreRecordset::ValueOf(int ordinal) const
+{
+    Open();
+    if (const auto* buffered = Buffered(ordinal)) {
+        if (buffered->has_value())
+            return FromStoredValue(**buffered, ColumnAt(ordinal).Type);
+        if (Mode_ == EditMode::Adding)
+            return {};
+    }
+    return StoredValueAt(ordinal);
+}
+
+std::optional<StoredValue>& StoreRecordset::BufferFor(int ordinal)
+{
+    Open();
+    if (Mode_ == EditMode::None)
+        throw Error(errUpdateWithoutEdit, QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    if (ColumnAt(ordinal).IsCounter()) {
+        throw Error(errNotSupported,
+                    QStringLiteral("The automatic counter '%1' cannot be changed.").arg(ColumnAt(ordinal).Name));
+    }
+    return Buffer_[static_cast<std::size_t>(ordinal)];
+}
+
+void StoreRecordset::SetValueOf(int ordinal, const QVariant& value)
+{
+    auto& buffered = BufferFor(ordinal);
+    buffered = ToStoredValue(value, ColumnAt(ordinal));
+}
+
+QByteArray StoreRecordset::OctetsOf(int ordinal) const
+{
+    Open();
+    if (!ColumnAt(ordinal).IsMemo()) {
+        const QVariant value = ValueOf(ordinal);
+        return value.isValid() ? OctetsFromUtf8(TextToUtf8(value.toString())) : QByteArray();
+    }
+    if (const auto* buffered = Buffered(ordinal)) {
+        if (buffered->has_value()) {
+            const auto* text = std::get_if<QByteArray>(&**buffered);
+            return text != nullptr ? OctetsFromUtf8(*text) : QByteArray();
+        }
+        if (Mode_ == EditMode::Adding)
+            return {};
+    }
+    return OctetsFromUtf8(StoredMemoAt(ordinal));
+}
+
+void StoreRecordset::SetOctetsOf(int ordinal, const QByteArray& octets)
+{
+    auto& buffered = BufferFor(ordinal);
+    const engine::Column& column = ColumnAt(ordinal);
+    if (!column.IsMemo()) {
+        buffered = ToStoredValue(octets.isNull() ? QVariant() : QString::fromLatin1(octets), column);
+        return;
+    }
+    if (octets.isNull() || (octets.isEmpty() && !column.AllowZeroLength))
+        buffered = StoredValue();
+    else
+        buffered = StoredValue(OctetsToUtf8(octets));
+}
+
+} // namespace dao

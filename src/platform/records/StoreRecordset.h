@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/records/DatabaseSession.h"
+#include "platform/records/Recordset.h"
+
+#include <optional>
+
+namespace dao
+{
+
+/// What all recordsets have in common: fields, the edit buffer, and refusing everything after Close.
+class StoreRecordset : public Recordset
+{
+public:
+    QString Name() const override { return Name_; }
+    bool NoMatch() const override;
+
+    void AddNew() override;
+    void Edit() override;
+    void Update() override;
+    void CancelUpdate() override;
+
+    QString Index() const override;
+    void SetIndex(const QString& name) override;
+    void Seek(SeekComparison comparison, std::initializer_list<QVariant> keys) override;
+    void FindFirst(const QString& criteria) override;
+
+    void Close() override;
+
+protected:
+    StoreRecordset(SessionPtr session, const QString& name) : Session_(std::move(session)), Name_(name) {}
+
+    /// The open store; error 3420 after Close.
+    engine::Store& Open() const;
+    void AddField(const engine::Column& column);
+    void DropBuffer();
+
+    /// The table whose rows the recordset edits, or null.
+    virtual engine::TablePtr EditedTable() const = 0;
+    /// The place in that table of the recordset's column.
+    virtual int EditedColumn(int ordinal) const = 0;
+    virtual const engine::Column& ColumnAt(int ordinal) const = 0;
+    /// Reads the current row anew, for an edit. 3021 without one, 3167 when it is gone.
+    virtual const Row& RowForEdit() = 0;
+    virtual void RowWasChanged() = 0;
+    virtual void RowWasAdded(qint64 id) = 0;
+    /// The value in the current row.
+    virtual QVariant StoredValueAt(int ordinal) const = 0;
+    /// A memo of the current row in UTF-8, null for Null.
+    virtual QByteArray StoredMemoAt(int ordinal) const = 0;
+    virtual void Release() = 0;
+
+    bool NoMatch_ = false;
+
+    [[noreturn]] static void RaiseNoCurrentRecord();
+    [[noreturn]] static void RaiseDeleted();
+    [[noreturn]] static void RaiseNotSupported();
+
+private:
+    enum class EditMode
+    {
+        None,
+        Adding,
+        Editing
+    };
+
+    QVariant ValueOf(int ordinal) const override;
+    void SetValueOf(int ordinal, const QVariant& value) override;
+    QByteArray OctetsOf(int ordinal) const override;
+    void SetOctetsOf(int ordinal, const QByteArray& octets) override;
+
+    const std::optional<StoredValue>* Buffered(int ordinal) const;
+    std::optional<StoredValue>& BufferFor(int ordinal);
+    void RequireUpdatable() const;
+
+    SessionPtr Session_;
+    QString Name_;
+    bool IsOpen_ = true;
+    EditMode Mode_ = EditMode::None;
+    qint64 EditedId_ = 0;
+    qint64 EditedVersion_ = 0;
+    std::vector<std::optional<StoredValue>> Buffer_; ///< By ordinal; what is not set stays as it is in the row.
+};
+
+} // namespace dao

@@ -1,0 +1,174 @@
+#pragma once
+
+#include "platform/records/Recordset.h"
+#include "platform/records/RowFormat.h"
+#include "platform/records/engines/Schema.h"
+#include "platform/records/jetsql/SyntaxTree.h"
+
+#include <QStringList>
+
+#include <functional>
+#include <limits>
+#include <optional>
+#include <span>
+
+/// What an engine does for the objects of the record store. Nothing here names a file format, a dialect or a lock:
+/// an engine without SQL evaluates the syntax tree itself. All failures are dao::Error. One thread.
+namespace dao
+{
+class Connection;
+}
+
+namespace dao::engine
+{
+
+/// A column's new value in an insert or update.
+struct Assignment
+{
+    int Column;
+    const StoredValue* Value;
+};
+
+enum class Direction
+{
+    Forward,
+    Backward
+};
+
+/// Whether a row is read with its memos where they are small, or without any. Either way a memo that was not read
+/// stands in the row as a deferred cell.
+enum class MemoFetch
+{
+    Deferred,
+    SmallOnes
+};
+
+/// One column of a query's result.
+struct ResultColumn
+{
+    Column Definition;
+    int Source = -1;       ///< The table it comes from, in ResultShape::Sources; -1 for a computed value.
+    int SourceColumn = -1; ///< Its place there.
+};
+
+struct ResultShape
+{
+    std::vector<ResultColumn> Columns;
+    std::vector<TablePtr> Sources; ///< In order of FROM.
+    bool Updatable = false;        ///< Rows of the result are rows of the one table.
+    QStringList Parameters;        ///< Names that are no columns.
+    /// False for a query that sums rows up: its rows are rows of no table.
+    bool HasKeys = true;
+};
+
+enum class ResultPart
+{
+    Keys,  ///< Row ids only.
+    Values ///< Row ids and cells, memos of a table deferred.
+};
+
+/// keys: the row id in each source, NoRow where an outer join found none; empty without keys. cells: a packed row,
+/// empty when only keys were asked for; both are gone when the call returns.
+using RowSink = std::function<void(std::span<const qint64> keys, std::string_view cells)>;
+
+inline constexpr qint64 NoRow = std::numeric_limits<qint64>::min();
+
+struct ParameterValue
+{
+    QString Name;
+    QVariant Value;
+};
+/// Those of a query that are set. One that is missing is error 3061.
+using ParameterValues = std::vector<ParameterValue>;
+
+/// One open database. Between calls it holds no lock, unless a transaction is open.
+class Store
+{
+public:
+    Store() = default;
+    virtual ~Store() = default;
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    virtual QString Version() const = 0;
+    virtual bool Updatable() const = 0;
+
+    /// The structure now, other processes' additions included. A call costs little when nothing changed, and the
+    /// result is the same object then.
+    virtual SchemaPtr CurrentSchema() = 0;
+    /// Errors: 3010 the name is taken, 3251 the engine cannot hold such a table, column or index.
+    virtual void AddTable(const Table& table) = 0;
+    virtual void AddColumn(const QString& table, const Column& column) = 0;
+    virtual void AddIndex(const QString& table, const IndexKey& index) = 0;
+
+    /// From BeginTrans on all changes are one: they become durable together in CommitTrans, or are taken back.
+    virtual void BeginTrans() = 0;
+    virtual void CommitTrans() = 0;
+    virtual void Rollback() = 0;
+
+    /// Rows by index (its place in the table, -1 for order of entry). Each fills row and answers true, or answers
+    /// false and leaves it alone.
+    virtual bool ReadEnd(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row) = 0;
+    /// The row next to row, by the cells and the id that stand in it: it need not exist any more.
+    virtual bool ReadNext(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row) = 0;
+    /// keys: for the leading columns of the index.
+    virtual bool Seek(const TablePtr& table, int index, SeekComparison comparison, std::span<const StoredValue> keys,
+                      MemoFetch memos, Row& row) = 0;
+    /// The rows of these ids, in their order; a row that is gone has the id NoRow. Stops early, after one row at least,
+    /// when octetBudget is used up.
+    virtual std::vector<Row> ReadRows(const TablePtr& table, std::span<const qint64> ids, MemoFetch memos,
+                                      qint64 octetBudget) = 0;
+    /// A memo of each of these rows as UTF-8, a null array for Null, nothing for a row that is gone. Stops early, after
+    /// one row at least, when octetBudget is used up.
+    virtual std::vector<std::optional<QByteArray>> ReadMemos(const TablePtr& table, int column,
+                                                             std::span<const qint64> ids, qint64 octetBudget) = 0;
+    virtual int CountRows(const TablePtr& table) = 0;
+
+    /// The next number of the table's counter; never the same again.
+    virtual qint64 DrawCounter(const TablePtr& table) = 0;
+    /// The new row's id. 3022, 94 (Null in a primary index).
+    virtual qint64 Insert(const TablePtr& table, std::span<const Assignment> values) = 0;
+    /// Stores nothing unless the row still has this version: 3167 gone, 3197 changed; 3022, 94.
+    virtual void Update(const TablePtr& table, qint64 id, qint64 version, std::span<const Assignment> values) = 0;
+    /// 3167 when it is gone already.
+    virtual void Delete(const TablePtr& table, qint64 id) = 0;
+
+    /// Errors of the three: 3078 no such table, 3061 no such column, 13 types that do not compare.
+    virtual ResultShape Describe(const jetsql::SelectStatement& select) = 0;
+    virtual void Select(const jetsql::SelectStatement& select, const ParameterValues& parameters, ResultPart part,
+                        const RowSink& sink) = 0;
+    /// An UPDATE or DELETE, all or nothing; the number of rows changed.
+    virtual int Execute(const jetsql::Statement& statement, const ParameterValues& parameters) = 0;
+    virtual QStringList ParametersOf(const jetsql::Statement& statement) = 0;
+};
+
+/// One kind of database. Lives in the EngineRegistry for the life of the process.
+class Engine
+{
+public:
+    struct Capability
+    {
+        bool Creates = false;  ///< Makes and compacts files.
+        bool IsServer = false; ///< Serves connect strings.
+    };
+
+    virtual ~Engine() = default;
+
+    virtual QString Name() const = 0;
+    virtual Capability Capabilities() const = 0;
+    /// False, with the reason in words, when what the engine stands on is missing on this machine.
+    virtual bool IsAvailable(QString& reason) const = 0;
+
+    /// Whether a file that begins with these octets (up to 100 of them) is this engine's.
+    virtual bool RecognisesFile(const QByteArray& firstOctets) const = 0;
+    virtual bool RecognisesConnect(const QString& connect) const = 0;
+
+    /// connect: empty for a file.
+    virtual std::unique_ptr<Store> Open(const QString& name, const QString& connect, bool readOnly) = 0;
+    virtual void Create(const QString& fileName) = 0;
+    virtual void Compact(const QString& source, const QString& target) = 0;
+    virtual std::unique_ptr<Connection> OpenConnection(const QString& name, int options, bool readOnly,
+                                                       const QString& connect) = 0;
+};
+
+} // namespace dao::engine

@@ -1,0 +1,93 @@
+#include "platform/records/engines/EngineRegistry.h"
+
+#include "platform/records/engines/sqlite/SqliteEngine.h"
+
+#include <algorithm>
+
+namespace dao::engine
+{
+
+namespace
+{
+
+Engine& RequireAvailable(Engine& engine)
+{
+    QString reason;
+    if (!engine.IsAvailable(reason)) {
+        throw Error(errNotSupported,
+                    QStringLiteral("The database engine '%1' is not available: %2").arg(engine.Name(), reason));
+    }
+    return engine;
+}
+
+} // namespace
+
+EngineRegistry& EngineRegistry::Instance()
+{
+    static EngineRegistry registry;
+    return registry;
+}
+
+EngineRegistry::EngineRegistry()
+{
+    Register(sqlite::MakeSqliteEngine());
+}
+
+void EngineRegistry::Register(std::unique_ptr<Engine> engine)
+{
+    for (const auto& other : Engines_) {
+        if (other->Name() == engine->Name()) {
+            throw Error(errTableExists,
+                        QStringLiteral("An engine named '%1' is registered already.").arg(engine->Name()));
+        }
+    }
+    Engines_.push_back(std::move(engine));
+}
+
+void EngineRegistry::Unregister(const QString& name)
+{
+    const auto found = std::find_if(Engines_.begin(), Engines_.end(),
+                                    [&](const std::unique_ptr<Engine>& engine) { return engine->Name() == name; });
+    if (found == Engines_.end())
+        throw Error(errItemNotFound, QStringLiteral("No engine is named '%1'.").arg(name));
+    Engines_.erase(found);
+}
+
+Engine& EngineRegistry::Named(const QString& name) const
+{
+    for (const auto& engine : Engines_) {
+        if (engine->Name() == name)
+            return *engine;
+    }
+    throw Error(errItemNotFound, QStringLiteral("No engine is named '%1'.").arg(name));
+}
+
+Engine& EngineRegistry::Default() const
+{
+    for (const auto& engine : Engines_) {
+        if (engine->Capabilities().Creates)
+            return RequireAvailable(*engine);
+    }
+    throw Error(errNotSupported, QStringLiteral("No database engine makes new files."));
+}
+
+Engine& EngineRegistry::ForFile(const QByteArray& firstOctets) const
+{
+    for (const auto& engine : Engines_) {
+        if (engine->RecognisesFile(firstOctets))
+            return RequireAvailable(*engine);
+    }
+    throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format."));
+}
+
+Engine& EngineRegistry::ForConnect(const QString& connect) const
+{
+    for (const auto& engine : Engines_) {
+        if (engine->RecognisesConnect(connect))
+            return RequireAvailable(*engine);
+    }
+    // The connect string itself stays out of the text: it may hold a password.
+    throw Error(errNotSupported, QStringLiteral("No database engine serves this connection string."));
+}
+
+} // namespace dao::engine

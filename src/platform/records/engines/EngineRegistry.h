@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/records/engines/Engine.h"
+
+namespace dao::engine
+{
+
+/// The engines of this process, by name. Those that come with the store are registered when it is first used; a host or
+/// a test may add more. Which engine opens what is decided here and nowhere else, and never by guess.
+class EngineRegistry
+{
+public:
+    static EngineRegistry& Instance();
+
+    /// Takes an engine, behind those that are there. Error 3010 when its name is taken.
+    void Register(std::unique_ptr<Engine> engine);
+    /// Takes it out again; databases that it opened must be closed. Error 3265.
+    void Unregister(const QString& name);
+
+    const std::vector<std::unique_ptr<Engine>>& Engines() const { return Engines_; }
+    /// Error 3265.
+    Engine& Named(const QString& name) const;
+    /// The engine in whose format new files are made: the first that makes files.
+    Engine& Default() const;
+    /// Error 3343 when no engine recognises the file, 3251 when the one that does is not available.
+    Engine& ForFile(const QByteArray& firstOctets) const;
+    /// Error 3251 when no engine serves the connect string or the one that does is not available.
+    Engine& ForConnect(const QString& connect) const;
+
+private:
+    EngineRegistry();
+
+    std::vector<std::unique_ptr<Engine>> Engines_;
+};
+
+} // namespace dao::engine

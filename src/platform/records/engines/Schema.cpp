@@ -1,0 +1,50 @@
+#include "platform/records/engines/Schema.h"
+
+namespace dao::engine
+{
+
+int Table::FindColumn(const QString& name) const
+{
+    // Callers spell names as the table does, nearly always; folding allocates.
+    const auto exact = ColumnPlaces_.constFind(name);
+    if (exact != ColumnPlaces_.cend())
+        return *exact;
+    return ColumnPlaces_.value(name.toCaseFolded(), -1);
+}
+
+int Table::FindIndex(const QString& name) const
+{
+    for (std::size_t i = 0; i < Indexes.size(); ++i) {
+        if (Indexes[i].Name.compare(name, Qt::CaseInsensitive) == 0)
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
+void Table::Complete()
+{
+    ColumnPlaces_.clear();
+    CounterColumn_ = -1;
+    HasMemos_ = false;
+    for (std::size_t i = 0; i < Columns.size(); ++i) {
+        const int place = static_cast<int>(i);
+        ColumnPlaces_.insert(Columns[i].Name.toCaseFolded(), place);
+        if (Columns[i].IsCounter())
+            CounterColumn_ = place;
+        if (Columns[i].IsMemo())
+            HasMemos_ = true;
+    }
+    for (std::size_t i = 0; i < Columns.size(); ++i)
+        ColumnPlaces_.insert(Columns[i].Name, static_cast<int>(i));
+}
+
+TablePtr Schema::Find(const QString& name) const
+{
+    for (const TablePtr& table : Tables) {
+        if (table->Name.compare(name, Qt::CaseInsensitive) == 0)
+            return table;
+    }
+    return nullptr;
+}
+
+} // namespace dao::engine

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/records/engines/sqlite/SqliteConnection.h"
+
+#include <unordered_map>
+
+namespace dao::sqlite
+{
+
+/// The automatic counters of one connection. The file keeps for each table the highest number that was ever taken out
+/// of it; a connection takes numbers out in blocks that grow with use, so that a drawn number is this connection's
+/// alone before its row is stored, and a long run of inserts does not pay a commit for each. What is left of a block
+/// goes back at a clean close if nobody took more since; after a crash it is never used.
+class CounterBlocks
+{
+public:
+    explicit CounterBlocks(Connection& connection) : Connection_(connection) {}
+
+    bool HasNumber(qint64 table) const;
+    /// Takes a block out of the file; inside the caller's write transaction. 6 when the counter is at its end.
+    void Reserve(qint64 table);
+    /// A block whose reservation failed.
+    void Forget(qint64 table) { Blocks_.erase(table); }
+    /// HasNumber must hold.
+    qint64 Draw(qint64 table);
+
+    /// Whether Return would give anything back.
+    bool HasRest() const;
+    /// Gives back what is left, inside the caller's write transaction.
+    void Return();
+
+    /// A transaction that took blocks was taken back: the numbers that were drawn from them stay drawn.
+    bool NeedsRestore() const;
+    void TransactionEnded();
+    /// Puts the file's marks behind them again, inside a write transaction of its own.
+    void Restore();
+
+private:
+    struct Block
+    {
+        qint64 Next = 1;
+        qint64 End = 0; ///< The last number of the block.
+        qint64 Size = 0;
+        bool IsUncertain = false; ///< Reserved by a transaction that is still open.
+    };
+    qint64 Mark(qint64 table);
+    void SetMark(qint64 table, qint64 mark);
+
+    Connection& Connection_;
+    std::unordered_map<qint64, Block> Blocks_;
+    Statement ReadMark_;
+    Statement WriteMark_;
+};
+
+} // namespace dao::sqlite

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGlobal>
+
+/// The fixed points of our files; docs/record-store.md describes them.
+namespace dao::sqlite
+{
+
+/// "TLV1" at offset 68 of the file.
+inline constexpr quint32 ApplicationId = 0x544C5631;
+inline constexpr int FormatVersion = 1;
+inline constexpr char VersionText[] = "1.0";
+
+/// How the names of all that is ours begin. Tables and fields of the user may not.
+inline constexpr char16_t ReservedMark = u'~';
+/// SQLite's name for a table's row id, which no field may take.
+inline constexpr char RowIdName[] = "_rowid_";
+inline constexpr char VersionColumn[] = "\"~version\"";
+/// The size of all of a row's memos together, so that a row can be read with its memos only where they are small. Null
+/// when it is not known.
+inline constexpr char OctetsColumn[] = "\"~octets\"";
+/// Memos of up to this size are read along with a row that was looked up.
+inline constexpr int SmallMemoOctets = 65536;
+
+} // namespace dao::sqlite

@@ -1,0 +1,240 @@
+#include "platform/records/engines/sqlite/SqliteConnection.h"
+
+#include "platform/records/engines/sqlite/SqlFunctions.h"
+
+#include <QDir>
+#include <QThread>
+
+#include <algorithm>
+
+namespace dao::sqlite
+{
+
+namespace
+{
+
+constexpr qint64 MaximumWaitMilliseconds = 5000;
+constexpr int CacheKibibytes = 8192;
+
+} // namespace
+
+Error ErrorOf(int extendedCode, const QString& message, const QString& fileName)
+{
+    const QString words = QStringLiteral(" (%1)").arg(message);
+    switch (extendedCode & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return Error(errLocked, QStringLiteral("Could not update; currently locked by another user."));
+    case SQLITE_CONSTRAINT:
+        if (extendedCode == SQLITE_CONSTRAINT_NOTNULL)
+            return Error(errInvalidUseOfNull, QStringLiteral("Index or primary key cannot contain a Null value."));
+        return Error(errDuplicateValue, QStringLiteral("The change would create duplicate values in a unique index."));
+    case SQLITE_CORRUPT:
+        return Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(fileName) + words);
+    case SQLITE_NOTADB:
+        return Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
+    case SQLITE_FULL:
+        return Error(errDiskFull, QStringLiteral("Not enough space on disk for '%1': the disk is full.").arg(fileName));
+    case SQLITE_IOERR:
+        if (extendedCode == SQLITE_IOERR_NOMEM)
+            break;
+        if (extendedCode == SQLITE_IOERR_CORRUPTFS)
+            return Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(fileName) + words);
+        return Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(fileName) + words);
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+        return Error(errCannotOpen,
+                     QStringLiteral("Cannot change '%1': it is read only or in use.").arg(fileName) + words);
+    case SQLITE_CANTOPEN:
+        return Error(errCannotOpen,
+                     QStringLiteral("Cannot open '%1': it is in use, or permission is missing.").arg(fileName) + words);
+    case SQLITE_TOOBIG:
+        return Error(errFieldTooSmall, QStringLiteral("The value is too large for the field."));
+    case SQLITE_NOMEM:
+        break;
+    default:
+        // The structure that our own tables describe is not what the file holds.
+        return Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(fileName) + words);
+    }
+    return Error(errOutOfMemory, QStringLiteral("Not enough memory."));
+}
+
+Statement::Statement(Connection& connection, const QByteArray& text) : Connection_(&connection)
+{
+    sqlite3_stmt* handle = nullptr;
+    const int code = sqlite3_prepare_v3(connection.Handle(), text.constData(), static_cast<int>(text.size()) + 1,
+                                        SQLITE_PREPARE_PERSISTENT, &handle, nullptr);
+    if (code != SQLITE_OK)
+        connection.Raise(code);
+    Handle_.reset(handle);
+}
+
+StatementUse::~StatementUse()
+{
+    sqlite3_reset(Handle_);
+    sqlite3_clear_bindings(Handle_);
+}
+
+void StatementUse::Check(int code)
+{
+    if (code != SQLITE_OK)
+        Connection_.Raise(code);
+}
+
+void StatementUse::BindNull(int place)
+{
+    Check(sqlite3_bind_null(Handle_, place));
+}
+
+void StatementUse::Bind(int place, qint64 value)
+{
+    Check(sqlite3_bind_int64(Handle_, place, value));
+}
+
+void StatementUse::Bind(int place, double value)
+{
+    Check(sqlite3_bind_double(Handle_, place, value));
+}
+
+void StatementUse::Bind(int place, std::string_view utf8)
+{
+    // A null pointer would bind Null instead of the empty text.
+    const char* data = utf8.data() != nullptr ? utf8.data() : "";
+    Check(sqlite3_bind_text64(Handle_, place, data, utf8.size(), SQLITE_STATIC, SQLITE_UTF8));
+}
+
+void StatementUse::Bind(int place, const StoredValue& value)
+{
+    if (const auto* integer = std::get_if<qint64>(&value))
+        Bind(place, *integer);
+    else if (const auto* real = std::get_if<double>(&value))
+        Bind(place, *real);
+    else if (const auto* text = std::get_if<QByteArray>(&value))
+        Bind(place, std::string_view(text->constData(), static_cast<std::size_t>(text->size())));
+    else
+        BindNull(place);
+}
+
+bool StatementUse::Step()
+{
+    const int code = sqlite3_step(Handle_);
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE)
+        return false;
+    Connection_.Raise(code);
+}
+
+void StatementUse::Run()
+{
+    while (Step()) {
+    }
+}
+
+std::string_view StatementUse::Text(int column) const
+{
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(Handle_, column));
+    if (text == nullptr)
+        return {};
+    return {text, static_cast<std::size_t>(sqlite3_column_bytes(Handle_, column))};
+}
+
+void StatementUse::PackCell(int column, RowPacker& packer) const
+{
+    switch (sqlite3_column_type(Handle_, column)) {
+    case SQLITE_INTEGER:
+        packer.AddInteger(sqlite3_column_int64(Handle_, column));
+        break;
+    case SQLITE_FLOAT:
+        packer.AddReal(sqlite3_column_double(Handle_, column));
+        break;
+    case SQLITE_NULL:
+        packer.AddNull();
+        break;
+    default:
+        packer.AddText(Text(column));
+        break;
+    }
+}
+
+Connection::Connection(const QString& fileName, Mode mode) : FileName_(fileName)
+{
+    const int access = mode == Mode::ReadOnly ? SQLITE_OPEN_READONLY
+                       : mode == Mode::Create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
+                                              : SQLITE_OPEN_READWRITE;
+    StartWaiting();
+    const int code =
+        sqlite3_open_v2(QDir::toNativeSeparators(fileName).toUtf8().constData(), &Handle_,
+                        access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE, nullptr);
+    try {
+        if (code != SQLITE_OK)
+            Raise(code);
+        sqlite3_busy_handler(Handle_, &Connection::Busy, this);
+        // A file from elsewhere must not be able to run anything or reach outside itself.
+        sqlite3_db_config(Handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+        sqlite3_db_config(Handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+        sqlite3_db_config(Handle_, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+        sqlite3_db_config(Handle_, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+        sqlite3_db_config(Handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+        sqlite3_db_config(Handle_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+        RegisterSqlFunctions(Handle_);
+        // A rollback journal, because the file may lie on a network share, and one that is cut to nothing at the end
+        // of a commit rather than deleted: SQLite syncs the cut, so that a journal cannot come back after a power
+        // failure and undo what was acknowledged, and it saves the sync of the folder.
+        Execute("PRAGMA journal_mode=TRUNCATE");
+        Execute("PRAGMA synchronous=FULL");
+        Execute("PRAGMA cell_size_check=ON");
+        Execute(QByteArrayLiteral("PRAGMA cache_size=-") + QByteArray::number(CacheKibibytes));
+    } catch (...) {
+        sqlite3_close_v2(Handle_);
+        throw;
+    }
+}
+
+Connection::~Connection()
+{
+    sqlite3_close_v2(Handle_);
+}
+
+int Connection::Busy(void* self, int count)
+{
+    const auto* connection = static_cast<Connection*>(self);
+    const qint64 left = MaximumWaitMilliseconds - connection->Waiting_.elapsed();
+    if (left <= 0)
+        return 0;
+    QThread::msleep(static_cast<unsigned long>(std::min<qint64>({left, 1 + count, 20})));
+    return 1;
+}
+
+void Connection::Execute(const char* sql)
+{
+    const int code = sqlite3_exec(Handle_, sql, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        Raise(code);
+}
+
+qint64 Connection::Number(const char* sql)
+{
+    const Statement statement(*this, sql);
+    StatementUse use(statement);
+    return use.Step() ? use.Integer(0) : 0;
+}
+
+void Connection::Raise(int code)
+{
+    const QString message =
+        Handle_ != nullptr ? QString::fromUtf8(sqlite3_errmsg(Handle_)) : QString::fromUtf8(sqlite3_errstr(code));
+    const int extended = Handle_ != nullptr && (sqlite3_errcode(Handle_) & 0xFF) == (code & 0xFF)
+                             ? sqlite3_extended_errcode(Handle_)
+                             : code;
+    throw ErrorOf(extended, message, FileName_);
+}
+
+void Connection::Abandon() noexcept
+{
+    if (Handle_ != nullptr && IsInTransaction())
+        sqlite3_exec(Handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+} // namespace dao::sqlite

@@ -1,0 +1,127 @@
+#include "platform/records/engines/sqlite/SqliteEngine.h"
+
+#include "platform/records/DBEngine.h"
+#include "platform/records/FileTools.h"
+#include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/SchemaTables.h"
+#include "platform/records/engines/sqlite/SqlRenderer.h"
+#include "platform/records/engines/sqlite/SqliteStore.h"
+
+#include <QFile>
+#include <QtEndian>
+
+namespace dao::sqlite
+{
+
+namespace
+{
+
+constexpr char SqliteMark[] = "SQLite format 3"; // With the closing zero.
+constexpr int ApplicationIdOffset = 68;
+
+class SqliteEngine final : public engine::Engine
+{
+public:
+    QString Name() const override { return QStringLiteral("sqlite"); }
+    Capability Capabilities() const override { return {.Creates = true, .IsServer = false}; }
+    bool IsAvailable(QString&) const override { return true; }
+
+    bool RecognisesFile(const QByteArray& firstOctets) const override
+    {
+        return firstOctets.size() >= ApplicationIdOffset + 4 &&
+               firstOctets.startsWith(QByteArrayView(SqliteMark, sizeof(SqliteMark))) &&
+               qFromBigEndian<quint32>(firstOctets.constData() + ApplicationIdOffset) == ApplicationId;
+    }
+    bool RecognisesConnect(const QString&) const override { return false; }
+
+    std::unique_ptr<engine::Store> Open(const QString& name, const QString&, bool readOnly) override
+    {
+        try {
+            return std::make_unique<SqliteStore>(name, readOnly);
+        } catch (const Error& error) {
+            // Whoever keeps a file to himself for that long keeps it from being opened.
+            if (error.Number() == errLocked)
+                throw Error(errCannotOpen, QStringLiteral("Cannot open '%1': it is in use.").arg(name));
+            throw;
+        }
+    }
+
+    void Create(const QString& fileName) override;
+    void Compact(const QString& source, const QString& target) override;
+
+    std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine serves no connections."));
+    }
+};
+
+void SqliteEngine::Create(const QString& fileName)
+{
+    // Under another name until it is whole, so that no half-made database is ever found under the wanted one.
+    TemporaryFile file(fileName);
+    {
+        Connection connection(file.Name(), Connection::Mode::Create);
+        connection.Execute("BEGIN IMMEDIATE");
+        CreateStructure(connection);
+        connection.Execute("COMMIT");
+    }
+    file.MoveTo(fileName);
+}
+
+/// What integrity_check says of an index that does not match its table. A copy builds all indexes anew from the
+/// tables, so that such a fault loses nothing; every other fault may.
+bool ConcernsIndexOnly(const QString& fault)
+{
+    return fault.contains(QLatin1String("missing from index")) || fault.contains(QLatin1String("entries in index"));
+}
+
+void CheckIntegrity(Connection& connection, bool acceptsIndexFaults)
+{
+    const Statement statement(connection, "PRAGMA integrity_check(1000000)");
+    StatementUse use(statement);
+    while (use.Step()) {
+        const std::string_view text = use.Text(0);
+        const QString fault = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+        if (fault == QLatin1String("ok") || (acceptsIndexFaults && ConcernsIndexOnly(fault)))
+            continue;
+        throw Error(errFileDamaged,
+                    QStringLiteral("The database '%1' is damaged. (%2)").arg(connection.FileName(), fault));
+    }
+}
+
+void SqliteEngine::Compact(const QString& source, const QString& target)
+{
+    TemporaryFile file(target);
+    {
+        // Says what is wrong with a file that cannot even be opened, and takes back what a dead process left half done.
+        const SqliteStore probe(source, true);
+    }
+    try {
+        Connection connection(source, Connection::Mode::ReadWrite);
+        CheckIntegrity(connection, true);
+        const Statement statement(connection, "VACUUM INTO ?");
+        const QByteArray name = file.Name().toUtf8();
+        StatementUse use(statement);
+        use.Bind(1, std::string_view(name.constData(), static_cast<std::size_t>(name.size())));
+        use.Run();
+    } catch (const Error& error) {
+        // Rows that repeat a unique value can only be there because the index over them was broken.
+        if (error.Number() == errDuplicateValue)
+            throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(source));
+        throw;
+    }
+    {
+        Connection copy(file.Name(), Connection::Mode::ReadOnly);
+        CheckIntegrity(copy, false);
+    }
+    file.MoveTo(target);
+}
+
+} // namespace
+
+std::unique_ptr<engine::Engine> MakeSqliteEngine()
+{
+    return std::make_unique<SqliteEngine>();
+}
+
+} // namespace dao::sqlite

@@ -1,0 +1,349 @@
+#include "platform/records/engines/sqlite/SqliteStore.h"
+
+#include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/SchemaTables.h"
+#include "platform/records/engines/sqlite/StoreScopes.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+
+namespace dao::sqlite
+{
+
+using engine::Column;
+using engine::Direction;
+using engine::IndexKey;
+using engine::MemoFetch;
+using engine::SchemaPtr;
+using engine::Table;
+using engine::TablePtr;
+
+namespace
+{
+
+constexpr std::size_t LargestIndex = 10;
+constexpr int SchemaCookieOffset = 40;
+
+} // namespace
+
+SqliteStore::SqliteStore(const QString& fileName, bool readOnly)
+    // Opened for writing also by one who only reads: a transaction that another process left half done when it died
+    // has to be taken back before anything can be read.
+    : Connection_(fileName, Connection::Mode::ReadWrite),
+      IsReadOnly_(readOnly || Connection_.IsReadOnly()),
+      Counters_(Connection_),
+      Begin_(Connection_, "BEGIN"),
+      BeginImmediate_(Connection_, "BEGIN IMMEDIATE"),
+      Commit_(Connection_, "COMMIT")
+{
+    if (Connection_.Number("PRAGMA application_id") != ApplicationId)
+        throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
+    ReadSchemaUnderLock();
+}
+
+SqliteStore::~SqliteStore()
+{
+    Connection_.Abandon();
+    if (IsReadOnly_ || !Counters_.HasRest())
+        return;
+    // Without this a number is left out, nothing worse, so that a failure here is no one's concern.
+    try {
+        WriteScope scope(*this);
+        Counters_.Return();
+        scope.Commit();
+    } catch (const Error&) {
+        Connection_.Abandon();
+    }
+}
+
+QString SqliteStore::Version() const
+{
+    return QString::fromLatin1(VersionText);
+}
+
+qint64 SqliteStore::CookieInFile() const
+{
+    // A read past SQLite's locks: four octets that may be in the middle of a change. It serves only to see that
+    // nothing changed since, which it must not cost a lock to find out; a difference is looked at under the lock.
+    sqlite3_file* file = nullptr;
+    if (sqlite3_file_control(Connection_.Handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
+        file == nullptr || file->pMethods == nullptr)
+        return -1;
+    std::array<uchar, 4> octets{};
+    if (file->pMethods->xRead(file, octets.data(), static_cast<int>(octets.size()), SchemaCookieOffset) != SQLITE_OK)
+        return -1;
+    return qFromBigEndian<quint32>(octets.data());
+}
+
+SchemaPtr SqliteStore::CurrentSchema()
+{
+    // In a transaction of our own nobody else changes anything, and our own changes are read at once.
+    if (!Connection_.IsInTransaction() && CookieInFile() != Cookie_)
+        ReadSchemaUnderLock();
+    return Schema_;
+}
+
+SchemaPtr SqliteStore::ReadSchemaUnderLock()
+{
+    ReadScope scope(*this);
+    const qint64 cookie = Connection_.Number("PRAGMA schema_version");
+    if (Schema_ && cookie == Cookie_)
+        return Schema_;
+    SchemaPtr schema = ReadSchema(Connection_, Schema_);
+    std::erase_if(AccessedTables_, [&](const TablePtr& table) {
+        const bool isGone = schema->Find(table->Name) != table;
+        if (isGone)
+            Accesses_.erase(table.get());
+        return isGone;
+    });
+    Schema_ = std::move(schema);
+    Cookie_ = cookie;
+    return Schema_;
+}
+
+TablePtr SqliteStore::RequireTable(const QString& name)
+{
+    TablePtr table = CurrentSchema()->Find(name);
+    if (!table)
+        throw Error(errTableNotFound, QStringLiteral("The input table or query '%1' was not found.").arg(name));
+    return table;
+}
+
+TableAccess& SqliteStore::Access(const TablePtr& table)
+{
+    auto& access = Accesses_[table.get()];
+    if (!access) {
+        access = std::make_unique<TableAccess>(Connection_, table);
+        AccessedTables_.push_back(table);
+    }
+    return *access;
+}
+
+void SqliteStore::AddTable(const Table& table)
+{
+    CheckName(table.Name);
+    for (const Column& column : table.Columns)
+        CheckName(column.Name);
+    WriteScope scope(*this);
+    if (ReadSchemaUnderLock()->Find(table.Name))
+        throw Error(errTableExists, QStringLiteral("Table '%1' already exists.").arg(table.Name));
+    WriteTable(Connection_, table);
+    ReadSchemaUnderLock();
+    scope.Commit();
+}
+
+void SqliteStore::AddColumn(const QString& tableName, const Column& column)
+{
+    CheckName(column.Name);
+    WriteScope scope(*this);
+    ReadSchemaUnderLock();
+    const TablePtr table = RequireTable(tableName);
+    if (table->FindColumn(column.Name) >= 0) {
+        throw Error(errTableExists,
+                    QStringLiteral("Field '%1' already exists in table '%2'.").arg(column.Name, table->Name));
+    }
+    if (column.IsCounter() && table->CounterColumn() >= 0) {
+        throw Error(errNotSupported, QStringLiteral("Table '%1' has an automatic counter already.").arg(table->Name));
+    }
+    WriteColumn(Connection_, *table, column);
+    ReadSchemaUnderLock();
+    scope.Commit();
+}
+
+void SqliteStore::AddIndex(const QString& tableName, const IndexKey& index)
+{
+    WriteScope scope(*this);
+    ReadSchemaUnderLock();
+    const TablePtr table = RequireTable(tableName);
+    if (table->FindIndex(index.Name) >= 0) {
+        throw Error(errTableExists,
+                    QStringLiteral("Index '%1' already exists in table '%2'.").arg(index.Name, table->Name));
+    }
+    if (index.Name.isEmpty() || index.Name.contains(QChar(u'\0')) || index.Columns.size() > LargestIndex)
+        throw Error(errNotSupported, QStringLiteral("'%1' is not a valid index.").arg(index.Name));
+    for (const int place : index.Columns) {
+        const Column& column = table->Columns[static_cast<std::size_t>(place)];
+        if (column.IsMemo())
+            throw Error(errNotSupported, QStringLiteral("The memo '%1' cannot be indexed.").arg(column.Name));
+    }
+    WriteIndex(Connection_, *table, index);
+    ReadSchemaUnderLock();
+    scope.Commit();
+}
+
+void SqliteStore::BeginTrans()
+{
+    if (Transaction_ != Transaction::None)
+        throw Error(errNotSupported, QStringLiteral("A transaction is open already."));
+    Transaction_ = Transaction::Announced;
+}
+
+void SqliteStore::CommitTrans()
+{
+    const Transaction state = std::exchange(Transaction_, Transaction::None);
+    if (state == Transaction::Announced)
+        return;
+    if (state != Transaction::Started || !Connection_.IsInTransaction()) {
+        RestoreCounters();
+        throw Error(errDiskError, QStringLiteral("The transaction on '%1' was taken back because of an earlier error.")
+                                      .arg(Connection_.FileName()));
+    }
+    try {
+        Connection_.StartWaiting();
+        StatementUse(Commit_).Run();
+    } catch (...) {
+        Connection_.Abandon();
+        RestoreCounters();
+        throw;
+    }
+    Counters_.TransactionEnded();
+}
+
+void SqliteStore::Rollback()
+{
+    const Transaction state = std::exchange(Transaction_, Transaction::None);
+    if (state == Transaction::Announced)
+        return;
+    Connection_.Abandon();
+    RestoreCounters();
+    CurrentSchema();
+}
+
+void SqliteStore::RestoreCounters()
+{
+    if (!Counters_.NeedsRestore())
+        return;
+    WriteScope scope(*this);
+    Counters_.Restore();
+    scope.Commit();
+}
+
+bool SqliteStore::ReadEnd(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
+{
+    Connection_.StartWaiting();
+    return Access(table).ReadEnd(index, direction, memos, row);
+}
+
+bool SqliteStore::ReadNext(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
+{
+    Connection_.StartWaiting();
+    return Access(table).ReadNext(index, direction, memos, row);
+}
+
+bool SqliteStore::Seek(const TablePtr& table, int index, SeekComparison comparison, std::span<const StoredValue> keys,
+                       MemoFetch memos, Row& row)
+{
+    Connection_.StartWaiting();
+    return Access(table).Seek(index, comparison, keys, memos, row);
+}
+
+std::vector<Row> SqliteStore::ReadRows(const TablePtr& table, std::span<const qint64> ids, MemoFetch memos,
+                                       qint64 octetBudget)
+{
+    ReadScope scope(*this);
+    TableAccess& access = Access(table);
+    std::vector<Row> rows;
+    rows.reserve(ids.size());
+    qint64 octets = 0;
+    for (const qint64 id : ids) {
+        if (octets > octetBudget)
+            break;
+        Row& row = rows.emplace_back();
+        if (!access.ReadRow(id, memos, row))
+            row.Id = engine::NoRow;
+        octets += static_cast<qint64>(row.Cells.size());
+    }
+    return rows;
+}
+
+std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& table, int column,
+                                                              std::span<const qint64> ids, qint64 octetBudget)
+{
+    ReadScope scope(*this, ids.size() > 1);
+    TableAccess& access = Access(table);
+    std::vector<std::optional<QByteArray>> memos;
+    memos.reserve(ids.size());
+    qint64 octets = 0;
+    for (const qint64 id : ids) {
+        if (octets > octetBudget)
+            break;
+        memos.push_back(access.ReadMemo(column, id));
+        octets += memos.back() ? memos.back()->size() : 0;
+    }
+    return memos;
+}
+
+int SqliteStore::CountRows(const TablePtr& table)
+{
+    Connection_.StartWaiting();
+    return static_cast<int>(Access(table).CountRows());
+}
+
+qint64 SqliteStore::DrawCounter(const TablePtr& table)
+{
+    if (!Counters_.HasNumber(table->Id)) {
+        try {
+            WriteScope scope(*this);
+            Counters_.Reserve(table->Id);
+            scope.Commit();
+        } catch (...) {
+            Counters_.Forget(table->Id);
+            throw;
+        }
+    }
+    return Counters_.Draw(table->Id);
+}
+
+void SqliteStore::CheckPrimaryKey(const Table& table, std::span<const engine::Assignment> values, bool isNewRow) const
+{
+    for (const IndexKey& index : table.Indexes) {
+        if (!index.Primary)
+            continue;
+        for (const int column : index.Columns) {
+            const auto given = std::find_if(values.begin(), values.end(), [&](const engine::Assignment& assignment) {
+                return assignment.Column == column;
+            });
+            const bool isNull =
+                given == values.end() ? isNewRow : std::holds_alternative<std::monostate>(*given->Value);
+            if (isNull) {
+                throw Error(errInvalidUseOfNull,
+                            QStringLiteral("Invalid use of Null: index or primary key cannot contain a Null value."));
+            }
+        }
+    }
+}
+
+qint64 SqliteStore::Insert(const TablePtr& table, std::span<const engine::Assignment> values)
+{
+    CheckPrimaryKey(*table, values, true);
+    WriteScope scope(*this);
+    const qint64 id = Access(table).Insert(values);
+    scope.Commit();
+    return id;
+}
+
+void SqliteStore::Update(const TablePtr& table, qint64 id, qint64 version, std::span<const engine::Assignment> values)
+{
+    CheckPrimaryKey(*table, values, false);
+    WriteScope scope(*this);
+    TableAccess& access = Access(table);
+    if (!access.Update(id, version, values)) {
+        if (access.Exists(id))
+            throw Error(errChangedByAnother,
+                        QStringLiteral("The record was changed by another user since the edit began."));
+        throw Error(errRecordDeleted, QStringLiteral("Record is deleted."));
+    }
+    scope.Commit();
+}
+
+void SqliteStore::Delete(const TablePtr& table, qint64 id)
+{
+    WriteScope scope(*this);
+    if (!Access(table).Delete(id))
+        throw Error(errRecordDeleted, QStringLiteral("Record is deleted."));
+    scope.Commit();
+}
+
+} // namespace dao::sqlite

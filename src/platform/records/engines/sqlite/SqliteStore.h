@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/records/engines/Engine.h"
+#include "platform/records/engines/sqlite/CounterBlocks.h"
+#include "platform/records/engines/sqlite/TableAccess.h"
+
+#include <unordered_map>
+
+namespace dao::sqlite
+{
+
+/// One open file.
+class SqliteStore final : public engine::Store
+{
+public:
+    SqliteStore(const QString& fileName, bool readOnly);
+    ~SqliteStore() override;
+
+    QString Version() const override;
+    bool Updatable() const override { return !IsReadOnly_; }
+
+    engine::SchemaPtr CurrentSchema() override;
+    void AddTable(const engine::Table& table) override;
+    void AddColumn(const QString& table, const engine::Column& column) override;
+    void AddIndex(const QString& table, const engine::IndexKey& index) override;
+
+    void BeginTrans() override;
+    void CommitTrans() override;
+    void Rollback() override;
+
+    bool ReadEnd(const engine::TablePtr& table, int index, engine::Direction direction, engine::MemoFetch memos,
+                 Row& row) override;
+    bool ReadNext(const engine::TablePtr& table, int index, engine::Direction direction, engine::MemoFetch memos,
+                  Row& row) override;
+    bool Seek(const engine::TablePtr& table, int index, SeekComparison comparison, std::span<const StoredValue> keys,
+              engine::MemoFetch memos, Row& row) override;
+    std::vector<Row> ReadRows(const engine::TablePtr& table, std::span<const qint64> ids, engine::MemoFetch memos,
+                              qint64 octetBudget) override;
+    std::vector<std::optional<QByteArray>> ReadMemos(const engine::TablePtr& table, int column,
+                                                     std::span<const qint64> ids, qint64 octetBudget) override;
+    int CountRows(const engine::TablePtr& table) override;
+
+    qint64 DrawCounter(const engine::TablePtr& table) override;
+    qint64 Insert(const engine::TablePtr& table, std::span<const engine::Assignment> values) override;
+    void Update(const engine::TablePtr& table, qint64 id, qint64 version,
+                std::span<const engine::Assignment> values) override;
+    void Delete(const engine::TablePtr& table, qint64 id) override;
+
+    engine::ResultShape Describe(const jetsql::SelectStatement& select) override;
+    void Select(const jetsql::SelectStatement& select, const engine::ParameterValues& parameters,
+                engine::ResultPart part, const engine::RowSink& sink) override;
+    int Execute(const jetsql::Statement& statement, const engine::ParameterValues& parameters) override;
+    QStringList ParametersOf(const jetsql::Statement& statement) override;
+
+private:
+    class ReadScope;
+    class WriteScope;
+    enum class Transaction
+    {
+        None,
+        Announced, ///< Begun by the caller; the file is locked from its first change on.
+        Started,
+        Lost ///< SQLite took it back because of a failure of the disk.
+    };
+
+    engine::SchemaPtr ReadSchemaUnderLock();
+    qint64 CookieInFile() const;
+    engine::TablePtr RequireTable(const QString& name);
+    TableAccess& Access(const engine::TablePtr& table);
+    void CheckPrimaryKey(const engine::Table& table, std::span<const engine::Assignment> values, bool isNewRow) const;
+    void CheckNoNullInPrimaryKey(const engine::Table& table);
+    void RestoreCounters();
+
+    Connection Connection_;
+    bool IsReadOnly_;
+    Transaction Transaction_ = Transaction::None;
+    engine::SchemaPtr Schema_;
+    qint64 Cookie_ = -1;
+    std::unordered_map<const engine::Table*, std::unique_ptr<TableAccess>> Accesses_;
+    std::vector<engine::TablePtr> AccessedTables_; ///< Keeps the keys of Accesses_ alive.
+    CounterBlocks Counters_;
+    Statement Begin_;
+    Statement BeginImmediate_;
+    Statement Commit_;
+};
+
+} // namespace dao::sqlite

@@ -1,0 +1,402 @@
+#include "platform/records/engines/sqlite/TableAccess.h"
+
+#include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/SchemaTables.h"
+#include "platform/records/engines/sqlite/SqlRenderer.h"
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+namespace dao::sqlite
+{
+
+using engine::Column;
+using engine::Direction;
+using engine::IndexKey;
+using engine::MemoFetch;
+
+namespace
+{
+
+/// The kinds of statement that are kept under a number; StretchKey's numbers lie above.
+enum StatementKind : quint64
+{
+    RowById = 1,
+    RowByIdWithMemos,
+    RowExists,
+    RowCount,
+    RowInsert,
+    RowDelete,
+    MemoById, ///< Plus the column's place.
+    FirstStretch = 1 << 16
+};
+
+/// Columns before the table's own in what is read.
+constexpr int LeadingColumns = 3;
+
+bool IsNullValue(const StoredValue& value)
+{
+    return std::holds_alternative<std::monostate>(value);
+}
+
+StoredValue ToStored(const CellView& cell)
+{
+    switch (cell.CellKind) {
+    case CellView::Kind::Integer:
+        return cell.Integer;
+    case CellView::Kind::Real:
+        return cell.Real;
+    case CellView::Kind::Text:
+        return QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+TableAccess::TableAccess(Connection& connection, engine::TablePtr table)
+    : Connection_(connection), Table_(std::move(table)), Name_(QuoteName(Table_->Name))
+{
+}
+
+template <typename MakeText>
+const Statement& TableAccess::Prepared(quint64 key, const MakeText& makeText)
+{
+    const auto found = Statements_.find(key);
+    if (found != Statements_.end())
+        return found->second;
+    return Statements_.emplace(key, Statement(Connection_, makeText())).first->second;
+}
+
+const IndexKey* TableAccess::IndexAt(int index) const
+{
+    return index < 0 ? nullptr : &Table_->Indexes[static_cast<std::size_t>(index)];
+}
+
+QByteArray TableAccess::ReadColumns(MemoFetch memos) const
+{
+    QByteArray columns = QByteArray(RowIdName) + ", " + VersionColumn + ", " + OctetsColumn;
+    for (const Column& column : Table_->Columns) {
+        const QByteArray name = QuoteName(column.Name);
+        if (!column.IsMemo())
+            columns += ", " + name;
+        else if (memos == MemoFetch::SmallOnes)
+            columns += ", CASE WHEN " + QByteArray(OctetsColumn) + " <= " + QByteArray::number(SmallMemoOctets) +
+                       " THEN " + name + " END";
+    }
+    return columns;
+}
+
+void TableAccess::Take(const StatementUse& use, MemoFetch memos, Row& row) const
+{
+    row.Id = use.Integer(0);
+    row.Version = use.Integer(1);
+    row.Cells.clear();
+    RowPacker packer(row.Cells);
+    const bool hasMemos = memos == MemoFetch::SmallOnes && !use.IsNull(2) && use.Integer(2) <= SmallMemoOctets;
+    int place = LeadingColumns;
+    for (const Column& column : Table_->Columns) {
+        if (!column.IsMemo()) {
+            use.PackCell(place++, packer);
+            continue;
+        }
+        if (hasMemos)
+            use.PackCell(place, packer);
+        else
+            packer.AddDeferred();
+        if (memos == MemoFetch::SmallOnes)
+            ++place;
+    }
+}
+
+QByteArray TableAccess::StretchText(int index, const Stretch& stretch, Direction direction,
+                                    std::span<const StoredValue> keys, MemoFetch memos) const
+{
+    const IndexKey* key = IndexAt(index);
+    QByteArray sql = "SELECT " + ReadColumns(memos) + " FROM " + Name_;
+    std::vector<QByteArray> names;
+    if (key != nullptr) {
+        if (!IsRowIdOrder(*Table_, *key))
+            sql += " INDEXED BY " + IndexName(*Table_, *key);
+        for (const int column : key->Columns)
+            names.push_back(QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name));
+    }
+    QList<QByteArray> conditions;
+    for (std::size_t i = 0; i < stretch.Equal; ++i)
+        conditions += names[i] + (IsNullValue(keys[i]) ? QByteArrayLiteral(" IS NULL")
+                                                       : " = ?" + QByteArray::number(static_cast<int>(i) + 1));
+    const QByteArray parameter = '?' + QByteArray::number(static_cast<int>(stretch.Equal) + 1);
+    const QByteArray bounded = stretch.Equal < names.size() ? names[stretch.Equal] : QByteArray(RowIdName);
+    switch (stretch.Limit) {
+    case Bound::None:
+        break;
+    case Bound::Above:
+    case Bound::RowAbove:
+        conditions += bounded + " > " + parameter;
+        break;
+    case Bound::Below:
+    case Bound::RowBelow:
+        conditions += bounded + " < " + parameter;
+        break;
+    case Bound::IsNull:
+        conditions += bounded + " IS NULL";
+        break;
+    case Bound::IsNotNull: {
+        // Said as a comparison, which starts behind the Nulls instead of walking through them.
+        const int column = key->Columns[stretch.Equal];
+        const DataTypeEnum type = Table_->Columns[static_cast<std::size_t>(column)].Type;
+        conditions += bounded + (type == dbText || type == dbMemo ? " >= ''" : " >= -9e999");
+        break;
+    }
+    }
+    if (!conditions.isEmpty())
+        sql += " WHERE " + conditions.join(" AND ");
+    const QByteArray order = direction == Direction::Backward ? QByteArrayLiteral(" DESC") : QByteArray();
+    sql += " ORDER BY ";
+    for (std::size_t i = stretch.Equal; i < names.size(); ++i)
+        sql += names[i] + order + ", ";
+    return sql + RowIdName + order + " LIMIT 1";
+}
+
+bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direction, std::span<const StoredValue> keys,
+                              qint64 id, MemoFetch memos, Row& row)
+{
+    quint64 nulls = 0;
+    for (std::size_t i = 0; i < stretch.Equal; ++i)
+        nulls |= static_cast<quint64>(IsNullValue(keys[i])) << i;
+    const quint64 key = FirstStretch + ((((((static_cast<quint64>(index + 1) << 16 | nulls) << 8 | stretch.Equal) << 4 |
+                                           static_cast<quint64>(stretch.Limit))
+                                              << 1 |
+                                          static_cast<quint64>(direction == Direction::Backward))
+                                         << 1) |
+                                        static_cast<quint64>(memos == MemoFetch::SmallOnes))
+                        << 17;
+    const Statement& statement = Prepared(key, [&] { return StretchText(index, stretch, direction, keys, memos); });
+    StatementUse use(statement);
+    for (std::size_t i = 0; i < stretch.Equal; ++i) {
+        if (!IsNullValue(keys[i]))
+            use.Bind(static_cast<int>(i) + 1, keys[i]);
+    }
+    const int next = static_cast<int>(stretch.Equal) + 1;
+    switch (stretch.Limit) {
+    case Bound::Above:
+    case Bound::Below:
+        use.Bind(next, keys[stretch.Equal]);
+        break;
+    case Bound::RowAbove:
+    case Bound::RowBelow:
+        use.Bind(next, id);
+        break;
+    default:
+        break;
+    }
+    if (!use.Step())
+        return false;
+    Take(use, memos, row);
+    return true;
+}
+
+std::vector<StoredValue> TableAccess::KeysOf(int index, const Row& row) const
+{
+    std::vector<StoredValue> keys;
+    if (const IndexKey* key = IndexAt(index)) {
+        for (const int column : key->Columns)
+            keys.push_back(ToStored(RowReader::At(row.Cells.data(), column)));
+    }
+    return keys;
+}
+
+bool TableAccess::ReadEnd(int index, Direction direction, MemoFetch memos, Row& row)
+{
+    return ReadStretch(index, {0, Bound::None}, direction, {}, 0, memos, row);
+}
+
+bool TableAccess::ReadNext(int index, Direction direction, MemoFetch memos, Row& row)
+{
+    const std::vector<StoredValue> keys = KeysOf(index, row);
+    const IndexKey* key = IndexAt(index);
+    const bool isForward = direction == Direction::Forward;
+    const qint64 id = row.Id;
+    if (key != nullptr && IsRowIdOrder(*Table_, *key))
+        return ReadStretch(-1, {0, isForward ? Bound::RowAbove : Bound::RowBelow}, direction, {}, id, memos, row);
+    // A unique key without Nulls has no second row.
+    const bool mayRepeat = key == nullptr || !key->Unique || std::any_of(keys.begin(), keys.end(), IsNullValue);
+    const Bound rowBound = isForward ? Bound::RowAbove : Bound::RowBelow;
+    if (mayRepeat && ReadStretch(index, {keys.size(), rowBound}, direction, keys, id, memos, row))
+        return true;
+    for (std::size_t equal = keys.size(); equal-- > 0;) {
+        const bool isNull = IsNullValue(keys[equal]);
+        if (isForward) {
+            if (ReadStretch(index, {equal, isNull ? Bound::IsNotNull : Bound::Above}, direction, keys, id, memos, row))
+                return true;
+        } else if (!isNull) {
+            if (ReadStretch(index, {equal, Bound::Below}, direction, keys, id, memos, row) ||
+                ReadStretch(index, {equal, Bound::IsNull}, direction, keys, id, memos, row))
+                return true;
+        }
+    }
+    return false;
+}
+
+bool TableAccess::Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, MemoFetch memos,
+                       Row& row)
+{
+    const bool isForward = comparison == SeekComparison::Equal || comparison == SeekComparison::GreaterOrEqual ||
+                           comparison == SeekComparison::Greater;
+    const Direction direction = isForward ? Direction::Forward : Direction::Backward;
+    const bool meetsEqual = comparison != SeekComparison::Greater && comparison != SeekComparison::Less;
+    if (meetsEqual && ReadStretch(index, {keys.size(), Bound::None}, direction, keys, 0, memos, row))
+        return true;
+    if (comparison == SeekComparison::Equal)
+        return false;
+    for (std::size_t equal = keys.size(); equal-- > 0;) {
+        const bool isNull = IsNullValue(keys[equal]);
+        if (isForward) {
+            if (ReadStretch(index, {equal, isNull ? Bound::IsNotNull : Bound::Above}, direction, keys, 0, memos, row))
+                return true;
+        } else if (!isNull) {
+            if (ReadStretch(index, {equal, Bound::Below}, direction, keys, 0, memos, row) ||
+                ReadStretch(index, {equal, Bound::IsNull}, direction, keys, 0, memos, row))
+                return true;
+        }
+    }
+    return false;
+}
+
+bool TableAccess::ReadRow(qint64 id, MemoFetch memos, Row& row)
+{
+    const quint64 kind = memos == MemoFetch::SmallOnes ? RowByIdWithMemos : RowById;
+    const Statement& statement = Prepared(
+        kind, [&] { return "SELECT " + ReadColumns(memos) + " FROM " + Name_ + " WHERE " + RowIdName + " = ?"; });
+    StatementUse use(statement);
+    use.Bind(1, id);
+    if (!use.Step())
+        return false;
+    Take(use, memos, row);
+    return true;
+}
+
+std::optional<QByteArray> TableAccess::ReadMemo(int column, qint64 id)
+{
+    const Statement& statement = Prepared(MemoById + static_cast<quint64>(column), [&] {
+        return "SELECT " + QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name) + " FROM " + Name_ +
+               " WHERE " + RowIdName + " = ?";
+    });
+    StatementUse use(statement);
+    use.Bind(1, id);
+    if (!use.Step())
+        return std::nullopt;
+    if (use.IsNull(0))
+        return QByteArray();
+    const std::string_view text = use.Text(0);
+    // An empty text is not Null, and QByteArray tells the two apart by its pointer.
+    if (text.empty())
+        return QByteArrayLiteral("");
+    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+qint64 TableAccess::CountRows()
+{
+    StatementUse use(Prepared(RowCount, [&] { return "SELECT count(*) FROM " + Name_; }));
+    return use.Step() ? use.Integer(0) : 0;
+}
+
+bool TableAccess::Exists(qint64 id)
+{
+    StatementUse use(
+        Prepared(RowExists, [&] { return "SELECT 1 FROM " + Name_ + " WHERE " + QByteArray(RowIdName) + " = ?"; }));
+    use.Bind(1, id);
+    return use.Step();
+}
+
+qint64 TableAccess::Insert(std::span<const engine::Assignment> values)
+{
+    const std::size_t count = Table_->Columns.size();
+    const Statement& statement = Prepared(RowInsert, [&] {
+        QByteArray columns = QByteArray(VersionColumn) + ", " + OctetsColumn;
+        QByteArray places = "?, ?";
+        for (const Column& column : Table_->Columns) {
+            columns += ", " + QuoteName(column.Name);
+            places += ", ?";
+        }
+        return "INSERT INTO " + Name_ + " (" + columns + ") VALUES (" + places + ")";
+    });
+    std::vector<const StoredValue*> given(count, nullptr);
+    for (const engine::Assignment& assignment : values)
+        given[static_cast<std::size_t>(assignment.Column)] = assignment.Value;
+    StatementUse use(statement);
+    qint64 memoOctets = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (given[i] == nullptr)
+            continue;
+        use.Bind(LeadingColumns + static_cast<int>(i), *given[i]);
+        if (const auto* text = std::get_if<QByteArray>(given[i]); text != nullptr && Table_->Columns[i].IsMemo())
+            memoOctets += text->size();
+    }
+    // A row that later takes the id of a deleted one must not pass for it.
+    use.Bind(1, static_cast<qint64>(QRandomGenerator::global()->generate() >> 1));
+    use.Bind(2, memoOctets);
+    use.Run();
+    return sqlite3_last_insert_rowid(Connection_.Handle());
+}
+
+bool TableAccess::Update(qint64 id, qint64 version, std::span<const engine::Assignment> values)
+{
+    std::string key(Table_->Columns.size(), '-');
+    qint64 memoOctets = 0;
+    for (const engine::Assignment& assignment : values) {
+        const auto column = static_cast<std::size_t>(assignment.Column);
+        key[column] = '+';
+        if (const auto* text = std::get_if<QByteArray>(assignment.Value);
+            text != nullptr && Table_->Columns[column].IsMemo())
+            memoOctets += text->size();
+    }
+    std::size_t memos = 0;
+    std::size_t changedMemos = 0;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        memos += Table_->Columns[i].IsMemo();
+        changedMemos += Table_->Columns[i].IsMemo() && key[i] == '+';
+    }
+    auto found = Updates_.find(key);
+    if (found == Updates_.end()) {
+        QByteArray sql = "UPDATE " + Name_ + " SET " + VersionColumn + " = " + VersionColumn + " + 1";
+        if (changedMemos > 0)
+            sql += QByteArrayLiteral(", ") + OctetsColumn + " = ?3";
+        int place = 4;
+        for (std::size_t i = 0; i < key.size(); ++i) {
+            if (key[i] == '+')
+                sql += ", " + QuoteName(Table_->Columns[i].Name) + " = ?" + QByteArray::number(place++);
+        }
+        sql += QByteArrayLiteral(" WHERE ") + RowIdName + " = ?1 AND " + VersionColumn + " = ?2";
+        found = Updates_.emplace(key, Statement(Connection_, sql)).first;
+    }
+    StatementUse use(found->second);
+    use.Bind(1, id);
+    use.Bind(2, version);
+    // With some memos left as they are the sum is not known.
+    if (changedMemos > 0 && changedMemos == memos)
+        use.Bind(3, memoOctets);
+    std::vector<const StoredValue*> given(key.size(), nullptr);
+    for (const engine::Assignment& assignment : values)
+        given[static_cast<std::size_t>(assignment.Column)] = assignment.Value;
+    int place = 4;
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        if (given[i] != nullptr)
+            use.Bind(place++, *given[i]);
+    }
+    use.Run();
+    return Connection_.Changes() > 0;
+}
+
+bool TableAccess::Delete(qint64 id)
+{
+    StatementUse use(
+        Prepared(RowDelete, [&] { return "DELETE FROM " + Name_ + " WHERE " + QByteArray(RowIdName) + " = ?"; }));
+    use.Bind(1, id);
+    use.Run();
+    return Connection_.Changes() > 0;
+}
+
+} // namespace dao::sqlite

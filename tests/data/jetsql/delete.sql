@@ -1,0 +1,1 @@
+DELETE t.* FROM [t] AS t WHERE a & b + c - d MOD e * f / -g <> NULL

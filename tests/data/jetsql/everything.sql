@@ -1,0 +1,1 @@
+SELECT TOP 3 COUNT(*) AS N FROM a WHERE NOT b BETWEEN #11/21/2026 2:30 PM# AND 1.5E3 OR c IN ('x''y', -1) AND d NOT LIKE '*[!a-z]#?[[]*'

@@ -1,0 +1,1 @@
+SELECT Prizes.Reference, PrizeWinners.* FROM Prizes LEFT JOIN PrizeWinners ON Prizes.Reference = PrizeWinners.PrizeReference  WHERE ( [PrizeWinners.WinnerReference]=9)

@@ -1,0 +1,1 @@
+SELECT * FROM [Messages]  WHERE ([Subject] LIKE "*win*" ) AND ([Category]=5)  AND ([PersonalToContact]=0 or [PersonalToContact] is NULL)   ORDER BY [Sent] DESC, [Reference]

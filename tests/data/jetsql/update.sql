@@ -1,0 +1,1 @@
+UPDATE Description SET Description.LastBackup = [LastBackupDate];
