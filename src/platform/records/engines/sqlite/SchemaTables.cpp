@@ -63,8 +63,13 @@ QByteArray TableDefinition(const Table& table, const QByteArray& quotedName)
 
 void CreateIndex(Connection& connection, const Table& table, const IndexKey& index)
 {
-    if (IsRowIdOrder(table, index))
+    if (IsRowIdOrder(table, index)) {
+        // Nothing to create, but other connections have to see that the structure changed: SQLite counts that itself,
+        // for every table that comes or goes.
+        connection.Execute("CREATE TABLE \"~Passing\" (Mark)");
+        connection.Execute("DROP TABLE \"~Passing\"");
         return;
+    }
     QByteArray sql = index.Unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
     sql += IndexName(table, index) + " ON " + QuoteName(table.Name) + " (";
     for (std::size_t i = 0; i < index.Columns.size(); ++i) {

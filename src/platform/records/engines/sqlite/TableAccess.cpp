@@ -166,13 +166,13 @@ bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direc
     quint64 nulls = 0;
     for (std::size_t i = 0; i < stretch.Equal; ++i)
         nulls |= static_cast<quint64>(IsNullValue(keys[i])) << i;
-    const quint64 key = FirstStretch + ((((((static_cast<quint64>(index + 1) << 16 | nulls) << 8 | stretch.Equal) << 4 |
-                                           static_cast<quint64>(stretch.Limit))
-                                              << 1 |
-                                          static_cast<quint64>(direction == Direction::Backward))
-                                         << 1) |
-                                        static_cast<quint64>(memos == MemoFetch::SmallOnes))
-                        << 17;
+    quint64 key = static_cast<quint64>(index + 1);
+    key = key << 16 | nulls;
+    key = key << 8 | stretch.Equal;
+    key = key << 4 | static_cast<quint64>(stretch.Limit);
+    key = key << 1 | static_cast<quint64>(direction == Direction::Backward);
+    key = key << 1 | static_cast<quint64>(memos == MemoFetch::SmallOnes);
+    key = FirstStretch + (key << 17);
     const Statement& statement = Prepared(key, [&] { return StretchText(index, stretch, direction, keys, memos); });
     StatementUse use(statement);
     for (std::size_t i = 0; i < stretch.Equal; ++i) {
