@@ -16,6 +16,3 @@ set_target_properties(Tolva::PhoneNumber PROPERTIES
 if(TOLVA_TESTS)
     find_package(GTest REQUIRED)
 endif()
-if(TOLVA_BENCH)
-    find_package(benchmark REQUIRED)
-endif()

@@ -9,7 +9,6 @@ say() { printf '\033[1m%s\033[0m\n' "$*" >&2; }
 buildPackages=(cmake ninja-build g++ pkg-config ccache lld qt6-base-dev libsqlite3-dev libgmime-3.0-dev
                libphonenumber-dev libprotobuf-dev)
 testPackages=(libgtest-dev)
-benchPackages=(libbenchmark-dev)
 
 # installPackages NAME...: installs with the system's package manager what is not there yet.
 installPackages() {

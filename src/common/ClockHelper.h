@@ -22,7 +22,8 @@ Date CurrentTime();
 Date NowUTC();
 /// Seconds from a local time until now; very large for none.
 double SecondsSince(Date time);
-/// Between universal time and the time of this machine's zone at that date. None stays none.
+/// Between universal time and the time of this machine's zone at that date. None stays none. A local time that the
+/// clock shows twice in autumn is the first of the two; one that it skips in spring counts as if it had not moved on.
 Date UTCToLocal(Date utc);
 Date LocalToUTC(Date local);
 

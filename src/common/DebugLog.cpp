@@ -73,8 +73,10 @@ QString ProgramName()
 /// Figures are aligned at their last digit.
 QString MemoryFigures()
 {
+    if (GeneralHelper::DebugMode() < LevelWithMemory)
+        return {};
     const auto memory = ProcessMemory::Current();
-    if (GeneralHelper::DebugMode() < LevelWithMemory || !memory)
+    if (!memory)
         return {};
     return QStringLiteral(" %1 %2").arg(memory->WorkingSet, 10).arg(memory->PageFile, 10);
 }

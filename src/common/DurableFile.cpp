@@ -41,6 +41,7 @@ DurableFile::RenameResult DurableFile::RenameToFreeName(const QString& oldName, 
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -51,12 +52,26 @@ QByteArray FolderBytes(const QString& file)
     return QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder);
 }
 
+/// For file systems that can neither refuse to overwrite nor give a file two names. Another process could take the name
+/// in between; nothing better is to be had there.
+DurableFile::RenameResult LookAndRename(const QByteArray& oldName, const QByteArray& newName)
+{
+    struct stat status = {};
+    if (::lstat(newName.constData(), &status) == 0)
+        return DurableFile::RenameResult::TargetExists;
+    return ::rename(oldName.constData(), newName.constData()) == 0 ? DurableFile::RenameResult::Done
+                                                                   : DurableFile::RenameResult::Failed;
+}
+
 /// Not every file system can rename without overwriting; a second name for the same file, made only where it is free,
 /// comes to the same.
 DurableFile::RenameResult LinkToFreeName(const QByteArray& oldName, const QByteArray& newName)
 {
-    if (::link(oldName.constData(), newName.constData()) != 0)
+    if (::link(oldName.constData(), newName.constData()) != 0) {
+        if (errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS)
+            return LookAndRename(oldName, newName);
         return errno == EEXIST ? DurableFile::RenameResult::TargetExists : DurableFile::RenameResult::Failed;
+    }
     if (::unlink(oldName.constData()) == 0)
         return DurableFile::RenameResult::Done;
     ::unlink(newName.constData());

@@ -14,9 +14,11 @@ QString DebugPath();
 void SetDebugPath(const QString& folder);
 
 /// Adds or replaces one key in a key-value text (entries key=value, one blank between them). A value that holds blanks,
-/// or is empty, stands in double quotes.
+/// or is empty, stands in double quotes. The form cannot hold a double quote or a control character within a value:
+/// they become a single quote and a blank. GetKeyValue then gives that value for key, whatever else the text holds.
+/// key: letters, digits and dots.
 QString SetKeyValue(const QString& text, const QString& key, const QString& value);
-/// The same for a text of lines, one entry a line, the value always in double quotes.
+/// The same for a text of lines, one entry a line, the value always in double quotes; the key without regard to case.
 QString SetLineKeyValue(const QString& text, const QString& key, const QString& value);
 
 /// The text from position start (0 is the first character) up to the next delimiter, trimmed as asked. next: the

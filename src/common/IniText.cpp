@@ -2,6 +2,8 @@
 
 #include "common/FileHelper.h"
 
+#include <QStringConverter>
+
 #include <algorithm>
 
 namespace
@@ -72,22 +74,14 @@ QString Written(QString value)
 
 IniText::IniText(const QByteArray& bytes, SectionNames sectionNames) : SectionNames_(sectionNames)
 {
-    if (bytes.startsWith(ByteOrderMark))
+    if (QStringConverter::encodingForData(bytes))
         Encoding_ = Encoding::Utf8WithMark;
     else if (!bytes.isValidUtf8())
         Encoding_ = Encoding::Latin1;
     const QString text = FileHelper::DecodeText(bytes);
     if (text.contains(u"\r\n"))
-        LineEnd_ = QStringLiteral("\r\n");
-    if (text.isEmpty())
-        return;
+        Carriage_ = QStringLiteral("\r");
     Lines_ = text.split(u'\n');
-    for (QString& line : Lines_) {
-        if (line.endsWith(u'\r'))
-            line.chop(1);
-    }
-    if (Lines_.last().isEmpty())
-        Lines_.removeLast();
 }
 
 bool IniText::IsSection(QStringView line, const QString& section) const
@@ -144,24 +138,37 @@ bool IniText::SetValue(const QString& section, const QString& key, const QString
     qsizetype sectionEnd = 0;
     const qsizetype line = FindEntry(section, key, sectionEnd);
     if (line >= 0) {
-        Lines_[line] = entry;
-    } else if (sectionEnd >= 0) {
-        Lines_.insert(sectionEnd, entry);
-    } else {
-        if (!Lines_.isEmpty() && !Lines_.last().trimmed().isEmpty())
-            Lines_.append(QString());
-        Lines_ << u'[' + section + u']' << entry;
+        Lines_[line] = entry + (Lines_.at(line).endsWith(u'\r') ? QStringLiteral("\r") : QString());
+        return true;
     }
+    EndLastLine();
+    if (sectionEnd < 0) {
+        if (Lines_.size() > 1 && !Lines_.at(Lines_.size() - 2).trimmed().isEmpty())
+            Lines_.insert(Lines_.size() - 1, Carriage_);
+        Lines_.insert(Lines_.size() - 1, u'[' + section + u']' + Carriage_);
+        sectionEnd = Lines_.size() - 1;
+    }
+    Lines_.insert(sectionEnd, entry + Carriage_);
     return true;
+}
+
+/// What is added gets a line of its own.
+void IniText::EndLastLine()
+{
+    if (Lines_.last().isEmpty())
+        return;
+    Lines_.last() += Carriage_;
+    Lines_.append(QString());
 }
 
 QByteArray IniText::Bytes() const
 {
-    QString text;
-    for (const QString& line : Lines_)
-        text += line + LineEnd_;
+    const QString text = Lines_.join(u'\n');
     const auto fitsLatin1 = [](QChar character) { return character.unicode() <= 0xFF; };
-    if (Encoding_ == Encoding::Latin1 && std::all_of(text.begin(), text.end(), fitsLatin1))
-        return text.toLatin1();
+    if (Encoding_ == Encoding::Latin1 && std::all_of(text.begin(), text.end(), fitsLatin1)) {
+        const QByteArray bytes = text.toLatin1();
+        if (!bytes.isValidUtf8()) // else it would be read as UTF-8
+            return bytes;
+    }
     return (Encoding_ == Encoding::Utf8WithMark ? QByteArray(ByteOrderMark) : QByteArray()) + text.toUtf8();
 }

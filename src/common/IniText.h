@@ -31,7 +31,8 @@ public:
     /// blanks.
     bool SetValue(const QString& section, const QString& key, const QString& value);
 
-    /// In the encoding and with the line ends of the bytes it was made from.
+    /// In the encoding of the bytes it was made from, or in UTF-8 where that cannot hold a new value. Line ends stand
+    /// as they came; new lines end as the others do.
     QByteArray Bytes() const;
 
 private:
@@ -45,8 +46,11 @@ private:
     bool IsSection(QStringView line, const QString& section) const;
     qsizetype FindEntry(const QString& section, const QString& key, qsizetype& sectionEnd) const;
 
-    QStringList Lines_;
-    QString LineEnd_ = QStringLiteral("\n");
+    void EndLastLine();
+
+    QStringList Lines_ = {
+        QString()};    ///< The text parted at its line feeds; a last empty one means that it ends with one.
+    QString Carriage_; ///< What stands before a line feed.
     Encoding Encoding_ = Encoding::Utf8;
     SectionNames SectionNames_ = SectionNames::AsTheyStand;
 };

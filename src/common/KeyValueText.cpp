@@ -59,6 +59,8 @@ QStringList Entries(const QString& text)
             entry += character;
         }
     }
+    if (quoted) // a text that was cut: what is added behind it must not become part of the value
+        entry += u'"';
     entries.append(entry);
     entries.removeAll(QString());
     return entries;
@@ -98,7 +100,7 @@ QString GeneralHelper::SetKeyValue(const QString& text, const QString& key, cons
     QStringList entries = Entries(text);
     Replace(entries, key + u'=', entry, Qt::CaseSensitive);
     const QString result = entries.join(u' ');
-    // Another entry's value may hold what looks like this key, or lack its closing quote; in front nothing hides it.
+    // Another entry's value may hold what looks like this key; in front nothing hides it.
     if (GetKeyValue(result, key, QStringLiteral(" ")) == stored)
         return result;
     entries.removeOne(entry);

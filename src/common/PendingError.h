@@ -13,7 +13,7 @@
 ///     PendingError error;
 ///     error.Try([&] { rows->Edit(); });
 ///     if (error)
-///         ReportProblem(u"...", error.Number(), silent, error.Description());
+///         ReportProblem(QStringLiteral("editing the row"), error.Number(), silent, error.Description());
 class PendingError
 {
 public:

@@ -28,11 +28,9 @@ PhoneNumberUtil& Numbers()
     return *numbers;
 }
 
-bool IsSupported(const std::string& region)
+bool IsSupported(const QString& region)
 {
-    std::set<std::string> regions;
-    Numbers().GetSupportedRegions(&regions);
-    return regions.count(region) > 0;
+    return Numbers().GetCountryCodeForRegion(region.toStdString()) != 0;
 }
 
 /// The digits behind the country code and the national prefix; nothing for a text that is no full number. Letters make
@@ -78,5 +76,5 @@ QString GeneralHelper::PhoneRegion()
             .toString()
             .trimmed()
             .toUpper();
-    return country == DefaultRegion || IsSupported(country.toStdString()) ? country : DefaultRegion;
+    return country == DefaultRegion || IsSupported(country) ? country : DefaultRegion;
 }

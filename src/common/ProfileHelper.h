@@ -15,9 +15,12 @@ inline constexpr char LocalMachine[] = "HKEY_LOCAL_MACHINE";
 QVariant ReadRegistryValue(const QString& root, const QString& key, const QString& value, const QVariant& defaultValue);
 
 /// A value of a plain profile file: "[section]", "key=value"; sections and keys without regard to case, the value as it
-/// stands without the blanks around it and one pair of quotes. The default when file, section or key is absent.
+/// stands without the blanks around it and one pair of quotes. The default when file, section or key is absent. A file
+/// that is not there is looked for in its folder under the same name in any case.
 QString ReadIniString(const QString& section, const QString& key, const QString& defaultValue, const QString& file);
-/// Writes one value and leaves the rest of the file as it stands, comments included. False when that fails.
+/// Writes one value and leaves the rest of the file as it stands, comments included; finds the file in the same way.
+/// False when that fails, or when a profile file cannot hold such a section or key. Line ends in the value become
+/// blanks.
 bool WriteIniString(const QString& section, const QString& key, const QString& value, const QString& file);
 
 } // namespace ProfileHelper

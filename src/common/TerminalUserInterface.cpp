@@ -249,11 +249,12 @@ int TerminalUserInterface::InputBox(const InputBoxRequest& request, QString& res
     const bool secret = !request.PasswordChar.isEmpty();
     const bool hasDefault = !request.Default.isEmpty();
     for (;;) {
-        Write(hasDefault && !secret ? Harmless(u'[' + request.Default + QStringLiteral("] ")) : QStringLiteral("> "));
         QString line;
         bool ended = false;
         {
-            const HiddenTyping hidden(Input_, secret);
+            const HiddenTyping hidden(Input_, secret); // before the prompt: an answer typed at once is hidden too
+            Write(hasDefault && !secret ? Harmless(u'[' + request.Default + QStringLiteral("] "))
+                                        : QStringLiteral("> "));
             ended = !ReadLine(line);
         }
         if (secret)

@@ -1,5 +1,6 @@
 #include "common/cPageSetup.h"
 
+#include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 
 namespace
@@ -40,7 +41,10 @@ QString KeyOf(const QString& prefix, const char* name)
 void cPageSetup::ReadSettings(const cTolvaDatabase& database, const QString& prefix)
 {
     for (const StoredValue& value : StoredValues)
-        (this->*value.Set)(database.DatabaseSetting(KeyOf(prefix, value.Name), (this->*value.Get)()).toInt());
+        {
+        const qint32 present = (this->*value.Get)();
+        (this->*value.Set)(SettingNumber(database.DatabaseSetting(KeyOf(prefix, value.Name), present), present));
+    }
 }
 
 void cPageSetup::WriteSettings(cTolvaDatabase& database, const QString& prefix) const

@@ -18,6 +18,7 @@ constexpr int HighestSystemError = 0xFFFF;
 constexpr int HighestSystemError = 133;
 #endif
 constexpr int TemporaryNameTries = 100;
+constexpr auto ReadAndWriteForAll = QFileDevice::Permissions(0x6666); // less what the user's own mask takes away
 
 QString TrimBlanks(QStringView text)
 {
@@ -90,8 +91,7 @@ QString GetTempFile(const QString& folder, const QString& extension)
 {
     WriteDebugLog(QStringLiteral("Start GetTempFile"), 5);
     // Others on this computer share the temporary folder; in any other folder the folder's owner decides who reads.
-    const auto rights =
-        folder.isEmpty() ? QFileDevice::ReadOwner | QFileDevice::WriteOwner : QFileDevice::Permissions(0x6666);
+    const auto rights = folder.isEmpty() ? QFileDevice::ReadOwner | QFileDevice::WriteOwner : ReadAndWriteForAll;
     for (int i = 0; i < TemporaryNameTries; ++i) {
         WriteDebugLog(QStringLiteral("Assign a string"), -1);
         QString place = folder;

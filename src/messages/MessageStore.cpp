@@ -69,6 +69,17 @@ std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
     return messages;
 }
 
+std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessageRows(const QStringList& columns, const QString& condition,
+                                                                const QString& order) const
+{
+    QString query = QStringLiteral("SELECT [%1] FROM [Messages]").arg(columns.join(QStringLiteral("], [")));
+    if (!condition.isEmpty())
+        query += QStringLiteral(" WHERE ") + condition;
+    if (!order.isEmpty())
+        query += QStringLiteral(" ORDER BY ") + order;
+    return OpenedDatabase().OpenRecordset(query, dao::dbOpenSnapshot);
+}
+
 bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
 {
     KeepLastError(PendingError());

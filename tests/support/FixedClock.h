@@ -2,7 +2,7 @@
 
 #include "common/ClockHelper.h"
 
-#include <QTimeZone>
+#include <QDateTime>
 
 /// A clock that stands still until the test moves it. In force from its making to its destruction.
 class FixedClock final : public Clock

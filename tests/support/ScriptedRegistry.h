@@ -27,9 +27,9 @@ public:
     }
 
 private:
-    static QString Path(const QString& key, const QString& value)
+    static QString Path(QString key, const QString& value)
     {
-        return (key + u'\\' + value).replace(u'/', u'\\').toLower();
+        return (key.replace(u'/', u'\\') + u'\\' + value).toLower();
     }
 
     QMap<QString, QString> Values_;

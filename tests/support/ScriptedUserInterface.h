@@ -6,6 +6,8 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
+#include <utility>
 #include <variant>
 
 /// A user who answers what the test wrote down beforehand, in that order, and fails the test for any box, question or

@@ -7,6 +7,7 @@
 #include <QList>
 
 #include <functional>
+#include <memory>
 
 /// One user of the embedded directory as the technician edits it.
 struct DirectoryUser
@@ -39,28 +40,39 @@ public:
     EmbeddedDirectory();
     ~EmbeddedDirectory() override;
 
-    /// Opens the directory in the folder, making folder, file and tables as needed. Raises dao::Error.
+    /// Opens the directory in the folder, making folder, file and tables as needed; what stands already is kept. A
+    /// directory that was open is closed before. Raises dao::Error: 3044 when the folder cannot be made.
     void Open(const QString& folder);
+    /// Signs the user out and closes the file. Nothing happens when none is open.
     void Close();
     bool IsOpen() const;
 
     /// Signs the user of that name in (without regard to case). False when there is none; the user before stays signed
-    /// in then.
+    /// in then. Raises dao::Error, and so does all below: 3420 when no directory is open, otherwise as the store does.
     bool SignIn(const QString& name);
     void SignOut();
 
     clsKVUser* CurrentUser() const override;
     clsKVContactPtr GetContact(qint32 reference, int options = 0, int reserved = 0) const override;
 
+    /// By name.
     QList<DirectoryUser> Users() const;
-    /// Adds (Reference 0, filled afterwards) or changes a user. Raises dao::Error: 3022 when another user has the name.
+    /// Adds (Reference 0, filled afterwards) or changes a user. Raises 3022 when another user has the name, 94 when the
+    /// name is empty, 3167 when the user was deleted meanwhile.
     void SaveUser(DirectoryUser& user);
+    /// Deletes the user and its preferences; its entries in the log stay. No error when there is none. Where the user
+    /// is signed in, it stays so, without any right.
     void DeleteUser(qint32 reference);
 
+    /// By name.
     QList<clsKVContactPtr> Contacts() const;
-    /// Contacts one of whose addresses is this one, without regard to case, by name.
+    /// Contacts one of whose addresses is this one, without regard to case and each of its characters meaning itself,
+    /// by name. None for the empty address.
     QList<clsKVContactPtr> ContactsByAddress(const QString& address) const;
+    /// Adds (Reference 0, filled afterwards) or changes a contact. Raises 3167 when it was deleted meanwhile, 3163 for
+    /// a detail of more than 255 characters (Other takes any length).
     void SaveContact(clsKVContact& contact);
+    /// No error when there is none.
     void DeleteContact(qint32 reference);
 
     /// The newest entries first, at most limit.

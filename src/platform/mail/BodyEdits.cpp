@@ -12,6 +12,9 @@ namespace cdo
 namespace
 {
 
+/// Deeper than this no new body is put, since a reader may not look there.
+constexpr qsizetype DeepestPlace = 100;
+
 QByteArray Spliced(const QByteArray& octets, qsizetype begin, qsizetype end, const QByteArray& replacement)
 {
     QByteArray result;
@@ -19,6 +22,13 @@ QByteArray Spliced(const QByteArray& octets, qsizetype begin, qsizetype end, con
     result.append(octets.constData(), begin);
     result.append(replacement);
     return result.append(octets.constData() + end, octets.size() - end);
+}
+
+/// The same for what ends where a part ends. An empty part can be followed by a boundary without a line break between.
+QByteArray SplicedPart(const QByteArray& octets, qsizetype begin, qsizetype end, const QByteArray& replacement)
+{
+    const bool isAtBoundary = end < octets.size() && octets.at(end) != '\r' && octets.at(end) != '\n';
+    return Spliced(octets, begin, end, isAtBoundary ? replacement + LineBreakOf(octets) : replacement);
 }
 
 bool IsAscii(QByteArrayView octets)
@@ -37,6 +47,18 @@ struct CodedText
     QString Text;
     QByteArray Octets;
 };
+
+/// A mail that was cut off in the header of its last part has no empty line there to put content behind.
+QByteArray WithHeaderEnded(const QByteArray& octets, BodyPart* part)
+{
+    const bool isCutOff = part->ContentBegin == octets.size() && !HeaderBlock(octets, part->HeaderBegin).IsTerminated();
+    if (!isCutOff)
+        return octets;
+    const QByteArray lineBreak = LineBreakOf(octets);
+    const QByteArray ended = octets + (octets.endsWith('\n') ? lineBreak : lineBreak + lineBreak);
+    part->ContentBegin = part->ContentEnd = ended.size();
+    return ended;
+}
 
 /// The text in the set, with references for what it lacks where the kind of body allows them; nothing otherwise.
 std::optional<CodedText> InCharacterSet(const QString& text, const QByteArray& characterSet, BodyKind kind,
@@ -68,12 +90,17 @@ std::optional<QByteArray> ContentInPart(const QByteArray& octets, const BodyPart
     const QString lines =
         isBase64 ? QString(text).replace(QStringLiteral("\n"), QString::fromLatin1(LineBreakOf(old))) : text;
     const std::optional<CodedText> coded = InCharacterSet(lines, characterSet, kind, IsSevenBit(part) && IsAscii(old));
-    // The declaration must lead a reader back to the very same characters.
-    if (!coded || Decode(coded->Octets, part.CharacterSet).Text != coded->Text)
+    if (!coded)
         return std::nullopt;
 
     const QByteArray lineBreak = LineBreakOf(octets);
     QByteArray content = TransferEncoded(coded->Octets, part.Encoding, lineBreak);
+    // What the part declares must lead a reader back to the very same text.
+    BodyPart written = part;
+    written.ContentBegin = 0;
+    written.ContentEnd = content.size();
+    if (BodyText(content, written) != WithPlainLineEnds(coded->Text))
+        return std::nullopt;
     if (isBase64) {
         const bool endedTheLine = part.ContentEnd > part.ContentBegin && octets.at(part.ContentEnd - 1) == '\n';
         return endedTheLine ? content + lineBreak : content;
@@ -92,7 +119,7 @@ QByteArray WithPartRewritten(const QByteArray& octets, const BodyPart& part, con
     const QByteArray lineBreak = LineBreakOf(octets);
     const QByteArray content = WithoutBoundaryLines(
         TransferEncoded(text.toUtf8(), GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, lineBreak), boundaries, "=2D");
-    QByteArray result = Spliced(octets, part.ContentBegin, part.ContentEnd, content);
+    QByteArray result = SplicedPart(octets, part.ContentBegin, part.ContentEnd, content);
 
     HeaderBlock block(result, part.HeaderBegin);
     const QByteArray type = block.Value(result, "Content-Type");
@@ -125,7 +152,7 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
     const int protection = parts.OutermostProtection(other.Parent);
     const int beside = protection == BodyParts::None ? other.Parent : parts.Multiparts().at(protection).Parent;
     const Placement placement = kind == BodyKind::Html ? Placement::Behind : Placement::Before;
-    if (beside == BodyParts::None)
+    if (beside == BodyParts::None || parts.EnclosingBoundaries(beside).size() > DeepestPlace)
         return WithMessageWrapped(octets, block, "alternative", placement, entity);
 
     const Entity around = EntityAround(octets, parts, other, protection);
@@ -133,12 +160,12 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
     if (parent.ContentType == "multipart/alternative") {
         const QByteArray delimiter = "--" + parent.Boundary + lineBreak;
         return placement == Placement::Behind
-                   ? Spliced(octets, around.End, around.End, lineBreak + delimiter + entity)
+                   ? SplicedPart(octets, around.End, around.End, lineBreak + delimiter + entity)
                    : Spliced(octets, around.Begin, around.Begin, entity + lineBreak + delimiter);
     }
     const QByteArray old = octets.sliced(around.Begin, around.End - around.Begin);
-    return Spliced(octets, around.Begin, around.End,
-                   Wrapped("alternative", old, placement, entity, NewBoundary(octets, entity), lineBreak));
+    return SplicedPart(octets, around.Begin, around.End,
+                       Wrapped("alternative", old, placement, entity, NewBoundary(octets, entity), lineBreak));
 }
 
 bool HasNoContent(const QByteArray& octets, const BodyParts& parts)
@@ -190,12 +217,13 @@ QString BodyText(QByteArrayView octets, const BodyPart& part)
     return WithPlainLineEnds(Decode(DecodedContent(octets, part), part.CharacterSet).Text);
 }
 
-QByteArray WithBodyReplaced(const QByteArray& octets, const BodyParts& parts, BodyKind kind, const QString& text)
+QByteArray WithBodyReplaced(const QByteArray& original, const BodyParts& parts, BodyKind kind, const QString& text)
 {
-    const BodyPart& part = parts.Leaves().at(BodyIndex(parts, kind));
+    BodyPart part = parts.Leaves().at(BodyIndex(parts, kind));
+    const QByteArray octets = WithHeaderEnded(original, &part);
     const QList<QByteArray> boundaries = parts.EnclosingBoundaries(part.Parent);
     if (const std::optional<QByteArray> content = ContentInPart(octets, part, boundaries, kind, text))
-        return Spliced(octets, part.ContentBegin, part.ContentEnd, *content);
+        return SplicedPart(octets, part.ContentBegin, part.ContentEnd, *content);
     return WithPartRewritten(octets, part, boundaries, kind, text);
 }
 
@@ -210,7 +238,13 @@ QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, con
         return WithAlternative(octets, block, parts, parts.Leaves().at(other), kind, text);
     if (const Multipart* mixed = OuterMixed(parts))
         return WithFirstPart(octets, block, *mixed, BodyEntity(kind, text, lineBreak, {mixed->Boundary}), lineBreak);
-    return WithMessageWrapped(octets, block, "mixed", Placement::Before, BodyEntity(kind, text, lineBreak, {}));
+    return WithBodyInFront(octets, block, kind, text);
+}
+
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text)
+{
+    const QByteArray entity = BodyEntity(kind, text, LineBreakOf(octets), {});
+    return WithMessageWrapped(octets, block, "mixed", Placement::Before, entity);
 }
 
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,

@@ -32,6 +32,9 @@ QByteArray WithBodyReplaced(const QByteArray& octets, const BodyParts& parts, Bo
 QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
                          const QString& text);
 
+/// The message with a new body in front of all that it held, in a multipart/mixed.
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text);
+
 /// The message with one more file, behind those that it has.
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
                           const QString& fileName, const QByteArray& contentType, const QByteArray& content);

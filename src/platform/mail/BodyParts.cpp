@@ -1,5 +1,8 @@
 #include "platform/mail/BodyParts.h"
 
+#include "platform/mail/CharacterSets.h"
+#include "platform/mail/HeaderText.h"
+
 #include <algorithm>
 
 namespace cdo
@@ -18,6 +21,19 @@ qsizetype WithoutLineBreak(QByteArrayView octets, qsizetype begin, qsizetype end
     return end;
 }
 
+/// GMime judges the length of the line break in front of a boundary by the one behind it, and so is one octet off where
+/// the two differ.
+qsizetype ContentEnd(QByteArrayView octets, qsizetype begin, qsizetype end)
+{
+    const auto isAt = [octets](qsizetype position, char c) {
+        return position < octets.size() && octets[position] == c;
+    };
+    const bool isShort = end < octets.size() && !isAt(end, '\r') && !isAt(end, '\n') && isAt(end + 1, '\n');
+    if (isShort)
+        ++end;
+    return isAt(end, '\n') && end > begin && octets[end - 1] == '\r' ? end - 1 : end;
+}
+
 QString WithoutBrackets(const char* contentID)
 {
     QString id = QString::fromUtf8(contentID).trimmed();
@@ -34,25 +50,62 @@ QByteArray TypeName(GMimeContentType* type)
     return QByteArray(name.get()).toLower();
 }
 
+/// GMime leaves raw 8-bit text as it is.
+QString Parameter(const char* value)
+{
+    return Decode(QByteArrayView(value, qstrlen(value)), QByteArray()).Text;
+}
+
+/// Whether the value begins as "type/subtype".
+bool NamesAType(const QByteArray& value)
+{
+    const QByteArray name = value.split(';').constFirst().trimmed();
+    const qsizetype slash = name.indexOf('/');
+    const auto isPrintable = [](char c) { return c > 0x20 && c < 0x7F; };
+    return slash > 0 && slash < name.size() - 1 && std::all_of(name.begin(), name.end(), isPrintable);
+}
+
 void TakeType(GMimeContentType* type, BodyPart* part)
 {
     part->ContentType = TypeName(type);
     part->CharacterSet = QByteArray(g_mime_content_type_get_parameter(type, "charset"));
-    if (part->FileName.isEmpty())
-        part->FileName = QString::fromUtf8(g_mime_content_type_get_parameter(type, "name"));
+    part->FileName = Parameter(g_mime_content_type_get_parameter(type, "name"));
 }
 
-void TakeDisposition(GMimeContentDisposition* disposition, BodyPart* part)
+/// What is no type is text (RFC 2045, 5.2).
+void TakeType(const QByteArray& value, BodyPart* part)
 {
+    const QByteArray readable = NamesAType(value) ? WithJoinedBase64Words(value) : QByteArrayLiteral("text/plain");
+    const ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), readable.constData()));
+    TakeType(type.get(), part);
+}
+
+void TakeDisposition(const QByteArray& value, BodyPart* part)
+{
+    if (value.trimmed().isEmpty())
+        return;
+    const ObjectPointer<GMimeContentDisposition> disposition(
+        g_mime_content_disposition_parse(ParserOptions(), WithJoinedBase64Words(value).constData()));
     if (disposition == nullptr)
         return;
-    if (g_mime_content_disposition_is_attachment(disposition))
+    if (g_mime_content_disposition_is_attachment(disposition.get()))
         part->PartDisposition = Disposition::Attachment;
-    else if (g_ascii_strcasecmp(g_mime_content_disposition_get_disposition(disposition), "inline") == 0)
+    else if (g_ascii_strcasecmp(g_mime_content_disposition_get_disposition(disposition.get()), "inline") == 0)
         part->PartDisposition = Disposition::Inline;
-    const QString name = QString::fromUtf8(g_mime_content_disposition_get_parameter(disposition, "filename"));
+    const QString name = Parameter(g_mime_content_disposition_get_parameter(disposition.get(), "filename"));
     if (!name.isEmpty())
         part->FileName = name;
+}
+
+QByteArray RawHeader(GMimeObject* object, const char* name)
+{
+    GMimeHeader* header = g_mime_header_list_get_header(g_mime_object_get_header_list(object), name);
+    return header == nullptr ? QByteArray() : QByteArray(g_mime_header_get_raw_value(header));
+}
+
+GMimeContentEncoding EncodingNamed(const QByteArray& value)
+{
+    return g_mime_content_encoding_from_string(value.trimmed().constData());
 }
 
 /// Where the object's own header begins; negative when it has none.
@@ -80,10 +133,27 @@ ObjectPointer<GMimeFilter> DecodingFilter(GMimeContentEncoding encoding)
     return ObjectPointer<GMimeFilter>(g_mime_filter_basic_new(encoding, FALSE));
 }
 
-bool IsEncoded(GMimeContentEncoding encoding)
+/// Base64 is undone without GMime, which up to 3.2.13 stops at the first padding: some mailers encode a file in pieces
+/// and pad each one. Hands the pieces over.
+template <typename Take>
+void ForEachBase64Piece(QByteArrayView encoded, Take take)
 {
-    return encoding == GMIME_CONTENT_ENCODING_BASE64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE ||
-           encoding == GMIME_CONTENT_ENCODING_UUENCODE;
+    while (!encoded.isEmpty()) {
+        const qsizetype padding = encoded.indexOf('=');
+        const qsizetype length = padding < 0 ? encoded.size() : padding + 1;
+        take(encoded.first(length));
+        encoded = encoded.sliced(length);
+    }
+}
+
+bool IsBase64Digit(char c)
+{
+    return g_ascii_isalnum(c) || c == '+' || c == '/';
+}
+
+bool UsesFilter(GMimeContentEncoding encoding)
+{
+    return encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE || encoding == GMIME_CONTENT_ENCODING_UUENCODE;
 }
 
 QByteArrayView EncodedContent(QByteArrayView octets, const BodyPart& part)
@@ -109,17 +179,9 @@ BodyParts::BodyParts(QByteArrayView octets, const HeaderBlock& block)
 void BodyParts::AddMessageAsLeaf(QByteArrayView octets, const HeaderBlock& block, const QByteArray& contentType)
 {
     BodyPart part;
-    const QByteArray encoding = CString(block.Value(octets, "Content-Transfer-Encoding")).trimmed();
-    part.Encoding = g_mime_content_encoding_from_string(encoding.constData());
-    const QByteArray disposition = CString(block.Value(octets, "Content-Disposition"));
-    if (!disposition.isEmpty()) {
-        const ObjectPointer<GMimeContentDisposition> parsed(
-            g_mime_content_disposition_parse(ParserOptions(), disposition.constData()));
-        TakeDisposition(parsed.get(), &part);
-    }
-    const ObjectPointer<GMimeContentType> type(
-        g_mime_content_type_parse(ParserOptions(), contentType.contains('/') ? contentType.constData() : "text/plain"));
-    TakeType(type.get(), &part);
+    part.Encoding = EncodingNamed(CString(block.Value(octets, "Content-Transfer-Encoding")));
+    TakeType(contentType, &part);
+    TakeDisposition(CString(block.Value(octets, "Content-Disposition")), &part);
     // A multipart in which no part can be found is shown as the text that it is.
     if (part.ContentType.startsWith("multipart/"))
         part.ContentType = "text/plain";
@@ -155,11 +217,11 @@ bool BodyParts::AddMultiparts(QByteArrayView octets, const HeaderBlock& block)
 void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent)
 {
     GMimeContentType* type = g_mime_object_get_content_type(object);
-    if (GMIME_IS_MULTIPART(object)) {
+    const int count = GMIME_IS_MULTIPART(object) ? g_mime_multipart_get_count(GMIME_MULTIPART(object)) : 0;
+    if (count > 0) {
         const int self = static_cast<int>(Multiparts_.size());
         Multiparts_.append({TypeName(type), QByteArray(g_mime_content_type_get_parameter(type, "boundary")),
                             FirstHeaderOffset(object), parent});
-        const int count = g_mime_multipart_get_count(GMIME_MULTIPART(object));
         for (int i = 0; i < count; ++i)
             AddObject(octets, g_mime_multipart_get_part(GMIME_MULTIPART(object), i), self);
         return;
@@ -169,39 +231,56 @@ void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent
     part.Parent = parent;
     part.HeaderBegin = FirstHeaderOffset(object);
     part.ContentID = WithoutBrackets(g_mime_object_get_content_id(object));
-    TakeDisposition(g_mime_object_get_content_disposition(object), &part);
-    TakeType(type, &part);
-    if (GMIME_IS_MESSAGE_PART(object)) {
-        AddEnclosedMessage(octets, GMIME_MESSAGE_PART(object), part);
-        return;
-    }
+    // A part of a digest is a message without saying so.
+    const QByteArray contentType = RawHeader(object, "Content-Type");
+    if (contentType.isNull())
+        TakeType(type, &part);
+    else
+        TakeType(contentType, &part);
+    TakeDisposition(RawHeader(object, "Content-Disposition"), &part);
+    if (GMIME_IS_MULTIPART(object) || GMIME_IS_MESSAGE_PART(object))
+        AddUndivided(octets, object, part);
+    else
+        AddLeaf(octets, object, part);
+}
+
+void BodyParts::AddLeaf(QByteArrayView octets, GMimeObject* object, BodyPart part)
+{
     GMimeDataWrapper* content = GMIME_IS_PART(object) ? g_mime_part_get_content(GMIME_PART(object)) : nullptr;
     if (content == nullptr)
         return;
     const GMimeStream* stream = g_mime_data_wrapper_get_stream(content);
     part.Encoding = g_mime_data_wrapper_get_encoding(content);
     part.ContentBegin = qBound<qsizetype>(0, static_cast<qsizetype>(stream->bound_start), octets.size());
-    part.ContentEnd = qBound(part.ContentBegin, static_cast<qsizetype>(stream->bound_end), octets.size());
+    part.ContentEnd = ContentEnd(octets, part.ContentBegin,
+                                 qBound(part.ContentBegin, static_cast<qsizetype>(stream->bound_end), octets.size()));
     if (part.HeaderBegin < 0)
         part.HeaderBegin = BeginWithoutHeader(octets, part.ContentBegin);
     Leaves_.append(part);
 }
 
-/// GMime has taken the enclosed message apart; its octets run from its first header to the next boundary.
-void BodyParts::AddEnclosedMessage(QByteArrayView octets, GMimeMessagePart* message, BodyPart part)
+/// GMime has taken an enclosed message apart, or found nothing in a multipart (which is then shown as the text that it
+/// is). Here either is one part, whose octets run to the next boundary around it.
+void BodyParts::AddUndivided(QByteArrayView octets, GMimeObject* object, BodyPart part)
 {
-    if (part.HeaderBegin >= 0) {
-        part.ContentBegin = HeaderBlock(octets, part.HeaderBegin).BodyBegin();
-    } else {
-        GMimeMessage* enclosed = g_mime_message_part_get_message(message);
+    const QList<QByteArray> boundaries = EnclosingBoundaries(part.Parent);
+    if (part.HeaderBegin < 0) {
+        GMimeMessage* enclosed =
+            GMIME_IS_MESSAGE_PART(object) ? g_mime_message_part_get_message(GMIME_MESSAGE_PART(object)) : nullptr;
         part.ContentBegin = enclosed == nullptr ? -1 : FirstHeaderOffset(GMIME_OBJECT(enclosed));
         if (part.ContentBegin < 0)
             return;
         part.HeaderBegin = BeginWithoutHeader(octets, part.ContentBegin);
     }
-    part.Encoding = GMIME_CONTENT_ENCODING_BINARY;
-    const qsizetype boundary = FindBoundaryLine(octets, part.ContentBegin, EnclosingBoundaries(part.Parent));
+    const qsizetype boundary = FindBoundaryLine(octets, part.HeaderBegin, boundaries);
+    const QByteArrayView upToBoundary = boundary < 0 ? octets : octets.first(boundary);
+    part.ContentBegin = HeaderBlock(upToBoundary, part.HeaderBegin).BodyBegin();
     part.ContentEnd = boundary < 0 ? octets.size() : WithoutLineBreak(octets, part.ContentBegin, boundary);
+    part.Encoding = GMIME_CONTENT_ENCODING_BINARY;
+    if (GMIME_IS_MULTIPART(object)) {
+        part.ContentType = "text/plain";
+        part.Encoding = EncodingNamed(RawHeader(object, "Content-Transfer-Encoding"));
+    }
     Leaves_.append(part);
 }
 
@@ -286,16 +365,30 @@ qsizetype FindBoundaryLine(QByteArrayView octets, qsizetype begin, const QList<Q
 
 QByteArray DecodedContent(QByteArrayView octets, const BodyPart& part)
 {
-    if (!IsEncoded(part.Encoding))
-        return EncodedContent(octets, part).toByteArray();
-    return Filtered(EncodedContent(octets, part), DecodingFilter(part.Encoding).get());
+    const QByteArrayView encoded = EncodedContent(octets, part);
+    if (UsesFilter(part.Encoding))
+        return Filtered(encoded, DecodingFilter(part.Encoding).get());
+    if (part.Encoding != GMIME_CONTENT_ENCODING_BASE64)
+        return encoded.toByteArray();
+    QByteArray content;
+    ForEachBase64Piece(encoded, [&content](QByteArrayView piece) {
+        content.append(QByteArray::fromBase64(QByteArray::fromRawData(piece.data(), piece.size())));
+    });
+    return content;
 }
 
 qint64 DecodedSize(QByteArrayView octets, const BodyPart& part)
 {
-    if (!IsEncoded(part.Encoding))
-        return part.ContentEnd - part.ContentBegin;
-    return FilteredSize(EncodedContent(octets, part), DecodingFilter(part.Encoding).get());
+    const QByteArrayView encoded = EncodedContent(octets, part);
+    if (UsesFilter(part.Encoding))
+        return FilteredSize(encoded, DecodingFilter(part.Encoding).get());
+    if (part.Encoding != GMIME_CONTENT_ENCODING_BASE64)
+        return encoded.size();
+    qint64 size = 0;
+    ForEachBase64Piece(encoded, [&size](QByteArrayView piece) {
+        size += std::count_if(piece.begin(), piece.end(), IsBase64Digit) * 6 / 8;
+    });
+    return size;
 }
 
 } // namespace cdo

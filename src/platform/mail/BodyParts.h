@@ -39,8 +39,8 @@ struct Multipart
 };
 
 /// The parts of a message by their places in its octets, found by GMime's parser over the octets in place. A plain
-/// value; the octets stay with their owner. An enclosed message is one part, whatever it holds. Multiparts nested too
-/// deeply for GMime (1024) are not looked into.
+/// value; the octets stay with their owner. An enclosed message is one part, whatever it holds. A multipart in which no
+/// part is found, or that is nested too deeply for GMime (1024), is one part of plain text.
 class BodyParts
 {
 public:
@@ -67,7 +67,8 @@ private:
     void AddMessageAsLeaf(QByteArrayView octets, const HeaderBlock& block, const QByteArray& contentType);
     bool AddMultiparts(QByteArrayView octets, const HeaderBlock& block);
     void AddObject(QByteArrayView octets, GMimeObject* object, int parent);
-    void AddEnclosedMessage(QByteArrayView octets, GMimeMessagePart* message, BodyPart part);
+    void AddLeaf(QByteArrayView octets, GMimeObject* object, BodyPart part);
+    void AddUndivided(QByteArrayView octets, GMimeObject* object, BodyPart part);
     void Classify();
 
     QList<BodyPart> Leaves_;

@@ -86,6 +86,7 @@ QByteArray ConverterName(const QByteArray& declared)
         {"latin1", "iso-8859-1"},
         {"iso8859-1", "iso-8859-1"},
         {"iso-8859-8-i", "iso-8859-8"},
+        {"x-unknown", ""},
     };
     const QByteArray name = declared.trimmed().toLower();
     return names.value(name, name);

@@ -2,7 +2,7 @@
 
 #include "platform/mail/GMimeSupport.h"
 
-#include <QTimeZone>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
@@ -31,7 +31,7 @@ QString OnOneLine(QString text)
 /// GMime reads text up to a NUL; a blank in its place keeps what stands behind it.
 QByteArray Unfolded(QByteArray value)
 {
-    value.replace('\0', ' ');
+    value = WithJoinedBase64Words(value.replace('\0', ' '));
     const TextPointer unfolded(g_mime_utils_header_unfold(value.constData()));
     return unfolded == nullptr ? QByteArray() : QByteArray(unfolded.get());
 }
@@ -68,6 +68,28 @@ QByteArray Formatted(const QByteArray& name, const QByteArray& utf8)
     return header == nullptr ? QByteArray() : QByteArray(g_mime_header_get_raw_value(header));
 }
 
+/// The whole text in encoded words, whatever it is, split between characters to the length that RFC 2047 allows.
+QByteArray AsEncodedWords(const QByteArray& utf8)
+{
+    constexpr qsizetype MaximumOctets = 42;
+    QByteArray value;
+    for (qsizetype begin = 0, end = 0; begin < utf8.size(); begin = end) {
+        end = qMin(begin + MaximumOctets, utf8.size());
+        while (end < utf8.size() && end > begin + 1 && (static_cast<uchar>(utf8.at(end)) & 0xC0) == 0x80)
+            --end;
+        value.append("\n =?utf-8?B?" + utf8.mid(begin, end - begin).toBase64() + "?=");
+    }
+    return value.mid(1) + '\n';
+}
+
+/// GMime does not split a long word that it encodes.
+bool HasOverlongEncodedWord(const QByteArray& value)
+{
+    const QList<QByteArray> lines = value.split('\n');
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const QByteArray& line) { return line.size() > 77 && line.contains("=?"); });
+}
+
 /// A clock that was never set dates mail centuries away, where it would head every list for good; that is no date.
 bool IsPlausible(const QDateTime& date)
 {
@@ -79,11 +101,41 @@ QDateTime ToDateTime(const QByteArray& text)
     const DatePointer date(g_mime_utils_header_decode_date(text.constData()));
     if (date == nullptr)
         return QDateTime();
-    const QDateTime time = QDateTime::fromSecsSinceEpoch(g_date_time_to_unix(date.get()), QTimeZone::utc());
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(g_date_time_to_unix(date.get())).toUTC();
     return IsPlausible(time) ? time : QDateTime();
 }
 
 } // namespace
+
+QByteArray WithJoinedBase64Words(const QByteArray& value)
+{
+    if (!value.contains("=?="))
+        return value;
+    static const QRegularExpression word(QStringLiteral("=\\?([^?\\s]+)\\?[Bb]\\?([^?\\s]*)\\?="));
+    QByteArray result;
+    QByteArray characterSet;
+    QByteArray content;
+    qsizetype kept = 0;
+    const auto writeWord = [&] {
+        if (!characterSet.isEmpty())
+            result.append("=?" + characterSet + "?B?" + content.toBase64() + "?=");
+        content.clear();
+    };
+    // Latin-1 stands for the octets one to one here.
+    for (const QRegularExpressionMatch& match : word.globalMatch(QString::fromLatin1(value))) {
+        const QByteArray between = value.mid(kept, match.capturedStart() - kept);
+        const QByteArray name = match.captured(1).toLatin1();
+        if (!between.trimmed().isEmpty() || name.compare(characterSet, Qt::CaseInsensitive) != 0) {
+            writeWord();
+            result.append(between);
+            characterSet = name;
+        }
+        content.append(QByteArray::fromBase64(match.captured(2).toLatin1()));
+        kept = match.capturedEnd();
+    }
+    writeWord();
+    return result.append(value.mid(kept));
+}
 
 QString DecodeHeader(const QByteArray& value)
 {
@@ -124,9 +176,12 @@ QByteArray EncodeField(const QByteArray& name, const QString& text, const QByteA
     const QString line = OnOneLine(text);
     const QByteArray utf8 = line.toUtf8();
     QByteArray value = Formatted(name, utf8);
-    // What GMime makes of odd addresses (a bare name outside ASCII, say) must read back as it was set.
-    if (IsAddressField(name) && DecodeAddresses(value) != line)
-        value = Formatted(QByteArrayLiteral("X-Text"), utf8);
+    // What GMime makes of odd text (a bare name outside ASCII as an address, something like an encoded word) must still
+    // read back as it was set.
+    const bool isAddress = IsAddressField(name);
+    if ((isAddress ? DecodeAddresses(value) : DecodeHeader(value)) != line ||
+        (!isAddress && HasOverlongEncodedWord(value)))
+        value = AsEncodedWords(utf8);
     if (!value.startsWith(' ') && !value.startsWith('\n'))
         value.prepend(' ');
     if (!value.endsWith('\n'))

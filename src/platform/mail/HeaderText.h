@@ -8,6 +8,10 @@
 namespace cdo
 {
 
+/// The value with neighbouring base64 words of one character set made into one. GMime up to 3.2.13 reads such words as
+/// one stretch of base64 and stops at the first padding, which would lose the rest.
+QByteArray WithJoinedBase64Words(const QByteArray& value);
+
 /// The value as text on one line. Encoded words are decoded, raw 8-bit text is read as UTF-8 or else windows-1252.
 QString DecodeHeader(const QByteArray& value);
 

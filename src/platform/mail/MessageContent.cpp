@@ -79,8 +79,15 @@ void Message::Content::SetBody(BodyKind kind, const QString& text)
     if (storable == Body(kind))
         return;
     const bool isNew = BodyIndex(Parts(), kind) == BodyParts::None || Octets_.size() == Header().BodyBegin();
-    SetOctets(isNew ? WithBodyAdded(Octets_, Header(), Parts(), kind, storable)
-                    : WithBodyReplaced(Octets_, Parts(), kind, storable));
+    if (!isNew) {
+        SetOctets(WithBodyReplaced(Octets_, Parts(), kind, storable));
+        return;
+    }
+    const QByteArray before = Octets_;
+    SetOctets(WithBodyAdded(Octets_, Header(), Parts(), kind, storable));
+    // Parts broken badly enough swallow what stands behind them; nothing can do that to what stands in front.
+    if (Body(kind) != storable)
+        SetOctets(WithBodyInFront(before, HeaderBlock(before), kind, storable));
 }
 
 const BodyPart* Message::Content::File(int index)

@@ -1,6 +1,7 @@
 #include "platform/mail/MimeWriter.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 
 #include <algorithm>
 
@@ -15,12 +16,17 @@ bool DescribesContent(QByteArrayView name)
     return name.size() > 8 && name.first(8).compare("Content-", Qt::CaseInsensitive) == 0;
 }
 
+/// The fields that go with the content. Of several of one name only the first counts, and readers of parts do not agree
+/// on that, so the others stay behind.
 QByteArray ContentFields(const QByteArray& octets, const HeaderBlock& block, const QByteArray& lineBreak)
 {
     QByteArray fields;
+    QSet<QByteArray> taken;
     for (const HeaderField& field : block.Fields()) {
-        if (!DescribesContent(HeaderBlock::Name(octets, field)))
+        const QByteArrayView name = HeaderBlock::Name(octets, field);
+        if (!DescribesContent(name) || taken.contains(name.toByteArray().toLower()))
             continue;
+        taken.insert(name.toByteArray().toLower());
         fields.append(octets.constData() + field.Begin, field.End - field.Begin);
         if (!fields.endsWith('\n'))
             fields.append(lineBreak);
@@ -70,7 +76,7 @@ bool IsToken(QByteArrayView text)
 /// octets are not.
 std::pair<QByteArray, QByteArray> TypeAndSubtype(const QByteArray& contentType)
 {
-    const QByteArray name = contentType.left(contentType.indexOf(';')).trimmed().toLower();
+    const QByteArray name = contentType.split(';').constFirst().trimmed().toLower();
     const qsizetype slash = name.indexOf('/');
     const QByteArray type = name.left(qMax<qsizetype>(slash, 0));
     const QByteArray subtype = name.mid(slash + 1);
@@ -88,8 +94,8 @@ QByteArray TransferEncoded(const QByteArray& content, GMimeContentEncoding encod
     if (isBase64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE) {
         const ObjectPointer<GMimeFilter> filter(g_mime_filter_basic_new(encoding, TRUE));
         result = Filtered(content, filter.get());
-        // The line end that closes the encoder's last line is no part of the content.
-        if (result.endsWith("=\n"))
+        // What closes the encoder's last line is no part of the content.
+        if (!isBase64 && result.endsWith("=\n"))
             result.chop(2);
         else if (result.endsWith('\n') && (isBase64 || !content.endsWith('\n')))
             result.chop(1);
@@ -160,7 +166,7 @@ QByteArray NewBoundary(const QByteArray& octets, const QByteArray& entity)
     digest.addData(entity);
     QByteArray boundary;
     do {
-        boundary = "=_" + digest.result().toHex().left(32);
+        boundary = "=_" + digest.result().toHex().left(24);
         digest.addData(boundary);
     } while (octets.contains(boundary) || entity.contains(boundary));
     return boundary;

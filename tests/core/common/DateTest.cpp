@@ -135,8 +135,10 @@ TEST(DateTest, GeneralDateIsReadBackInEveryLocale)
                           Date(2005, 6, 7, 11, 59, 59),
                           Date(1931, 1, 2, 23, 59, 59),
                           Date(2044, 12, 11, 0, 30, 0)};
-    for (const QLocale& locale :
-         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory)) {
+    const QList<QLocale> locales =
+        QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory);
+    ASSERT_GT(locales.size(), 300);
+    for (const QLocale& locale : locales) {
         const LocaleScope scope(locale);
         for (const Date& date : dates) {
             const std::optional<Date> read = Date::Parse(date.GeneralDate());

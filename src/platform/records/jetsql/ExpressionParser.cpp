@@ -33,6 +33,10 @@ constexpr std::array comparisons = {
     Symbol{QLatin1String(">"), Operator::Greater, 0}, Symbol{QLatin1String(">="), Operator::GreaterOrEqual, 0},
 };
 
+// A sign or NOT in parentheses is two levels of the text and one of the tree, and a tree of the greatest depth must
+// still be readable from its printed form.
+constexpr int maximumNesting = 2 * MaximumDepth;
+
 constexpr int loosestArithmetic = 1;
 constexpr std::array arithmetic = {
     Symbol{QLatin1String("&"), Operator::Concatenate, 1}, Symbol{QLatin1String("+"), Operator::Add, 2},
@@ -135,7 +139,7 @@ class ExpressionParser::Level
 public:
     explicit Level(ExpressionParser& parser) : Parser_(parser)
     {
-        if (Parser_.Nesting_ >= MaximumDepth)
+        if (Parser_.Nesting_ >= maximumNesting)
             Parser_.Tokens_.Refuse(QStringLiteral("the expression is nested too deeply"));
         ++Parser_.Nesting_;
     }

@@ -5,8 +5,8 @@
 #include <QStringView>
 
 /// The parser of the query dialect. Pure functions; any thread. What is refused is dao::Error 3075, and its description
-/// gives the reason, the position counted from 1, and the text there. Nesting deeper than MaximumDepth is
-/// refused; length is not limited.
+/// gives the reason, the position counted from 1, and the text there. Trees deeper than MaximumDepth, and
+/// parentheses nested twice as deep, are refused; length is not limited.
 ///
 /// The dialect: keywords and names in any case; names in square brackets where they are no plain words; texts in single
 /// or double quotes, a quote inside written twice; #dates# with the month before the day unless the year

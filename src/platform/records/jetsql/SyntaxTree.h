@@ -93,7 +93,7 @@ struct Expression
     int Depth = 1;
 };
 
-/// Nesting that the parser accepts; more is error 3075.
+/// Levels of operations that a tree may have; more is error 3075.
 inline constexpr int MaximumDepth = 200;
 
 struct TableReference

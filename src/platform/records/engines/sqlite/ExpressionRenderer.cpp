@@ -22,90 +22,8 @@ namespace
 // expression trees deeper than 1000.
 constexpr int maximumParserStack = 80;
 constexpr int maximumTreeDepth = 900;
-// SQLite's functions take at most 127 arguments.
-constexpr std::size_t maximumLikeTexts = 100;
 // Operands joined in one go: wide enough for few parentheses, narrow enough for shallow trees.
 constexpr std::size_t chainWidth = 8;
-
-const Literal* AsLiteral(const Expression& expression)
-{
-    return std::get_if<Literal>(&expression.Node);
-}
-
-QString NumberText(const QVariant& number)
-{
-    return number.typeId() == QMetaType::Double ? QString::number(number.toDouble(), 'g', 15)
-                                                : QString::number(number.toLongLong());
-}
-
-ValueType TypeOfLiteral(const Literal& literal)
-{
-    if (!literal.Value.isValid())
-        return ValueType::Unknown;
-    if (literal.ValueKind == Literal::Kind::Date)
-        return ValueType::Date;
-    return literal.Value.typeId() == QMetaType::QString ? ValueType::Text : ValueType::Number;
-}
-
-bool IsNumeric(ValueType type)
-{
-    return type == ValueType::Number || type == ValueType::Date;
-}
-
-void Adopt(Piece& whole, const Piece& part, int stackBefore)
-{
-    whole.ParserStack = std::max(whole.ParserStack, part.ParserStack + stackBefore);
-    whole.TreeDepth = std::max(whole.TreeDepth, part.TreeDepth + 1);
-}
-
-Piece Infix(const Piece& left, const char* symbol, const Piece& right)
-{
-    Piece result;
-    result.Text = "(" + left.Text + ' ' + symbol + ' ' + right.Text + ')';
-    Adopt(result, left, 1);
-    Adopt(result, right, 3);
-    return result;
-}
-
-Piece Call(const char* function, std::initializer_list<Piece> arguments, const char* furtherArguments = "")
-{
-    Piece result;
-    result.Text = QByteArray(function) + '(';
-    for (const Piece& argument : arguments) {
-        if (!result.Text.endsWith('('))
-            result.Text += ", ";
-        result.Text += argument.Text;
-        Adopt(result, argument, 5);
-    }
-    result.Text += furtherArguments;
-    result.Text += ')';
-    return result;
-}
-
-Piece AsTruth(Piece piece)
-{
-    piece.Type = ValueType::Number;
-    piece.IsTruth = true;
-    return piece;
-}
-
-Piece AsType(Piece piece, ValueType type)
-{
-    piece.Type = type;
-    return piece;
-}
-
-/// The pattern of a LIKE with a constant text for one; null for anything else.
-const QString* PlainPattern(const Expression& expression)
-{
-    const Operation* operation = std::get_if<Operation>(&expression.Node);
-    if (operation == nullptr || operation->Kind != Operator::Like)
-        return nullptr;
-    const Literal* literal = AsLiteral(operation->Operands[1]);
-    if (literal == nullptr || literal->Value.typeId() != QMetaType::QString)
-        return nullptr;
-    return static_cast<const QString*>(literal->Value.constData());
-}
 
 const char* SymbolOf(Operator kind)
 {
@@ -233,7 +151,7 @@ Piece ExpressionRenderer::Value(const Expression& expression)
     return Checked(value);
 }
 
-QByteArray ExpressionRenderer::Comparable(const Piece& value) const
+QByteArray ExpressionRenderer::Comparable(const Piece& value)
 {
     return IsNumeric(value.Type) ? value.Text : value.Text + " COLLATE " + CollationName;
 }
@@ -262,7 +180,7 @@ Piece ExpressionRenderer::Render(const Expression& expression)
     return Checked(RenderAggregate(std::get<jetsql::Aggregate>(expression.Node)));
 }
 
-const Piece& ExpressionRenderer::Checked(const Piece& piece) const
+const Piece& ExpressionRenderer::Checked(const Piece& piece)
 {
     if (piece.ParserStack > maximumParserStack || piece.TreeDepth > maximumTreeDepth)
         throw Error(errSyntax, QStringLiteral("Syntax error in the query: an expression is too complex."));
@@ -409,51 +327,7 @@ Piece ExpressionRenderer::RenderOr(const Operands& operands)
     return Chain(std::move(pieces), "OR");
 }
 
-/// The operands of an OR that hold a text against a constant pattern. A search for some addresses in some columns
-/// becomes one call with all of both, so that each row's texts are fetched once.
-void ExpressionRenderer::RenderPlainLikes(const Operands& operands, std::vector<Piece>& pieces)
-{
-    struct TextsOfPattern
-    {
-        QString Pattern;
-        std::vector<Piece> Texts;
-        QByteArray Key; ///< All the texts.
-    };
-    std::vector<TextsOfPattern> byPattern;
-    QHash<QString, std::size_t> placeOf;
-    for (const Expression& operand : operands) {
-        const QString* pattern = PlainPattern(operand);
-        if (pattern == nullptr)
-            continue;
-        Piece text = TextToMatch(std::get<Operation>(operand.Node).Operands[0]);
-        const auto known = placeOf.constFind(*pattern);
-        const bool isNew = known == placeOf.constEnd() || byPattern[*known].Texts.size() >= maximumLikeTexts;
-        const std::size_t place = isNew ? byPattern.size() : *known;
-        if (isNew) {
-            placeOf.insert(*pattern, place);
-            byPattern.push_back({*pattern, {}, {}});
-        }
-        byPattern[place].Key += text.Text + ',';
-        byPattern[place].Texts.push_back(std::move(text));
-    }
-    std::vector<QStringList> patternsOfTexts;
-    std::vector<const TextsOfPattern*> texts;
-    QHash<QByteArray, std::size_t> placeOfKey;
-    for (const TextsOfPattern& one : byPattern) {
-        const auto known = placeOfKey.constFind(one.Key);
-        if (known != placeOfKey.constEnd()) {
-            patternsOfTexts[*known].append(one.Pattern);
-            continue;
-        }
-        placeOfKey.insert(one.Key, texts.size());
-        texts.push_back(&one);
-        patternsOfTexts.push_back({one.Pattern});
-    }
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        pieces.push_back(LikeCall(BindPatterns(patternsOfTexts[i]), texts[i]->Texts));
-}
-
-Piece ExpressionRenderer::Chain(std::vector<Piece> pieces, const char* symbol) const
+Piece ExpressionRenderer::Chain(std::vector<Piece> pieces, const char* symbol)
 {
     // The piece that needs most stack comes first, where it costs SQLite's parser least.
     const auto needsLess = [](const Piece& left, const Piece& right) { return left.ParserStack < right.ParserStack; };
@@ -549,47 +423,6 @@ Piece ExpressionRenderer::Constant(const Literal& literal, ValueType wanted, qsi
     return Bind(literal.Value, own);
 }
 
-Piece ExpressionRenderer::RenderLike(const Expression& text, const Expression& pattern)
-{
-    const Piece texts = TextToMatch(text);
-    return LikeCall(PatternOf(pattern), {texts});
-}
-
-Piece ExpressionRenderer::TextToMatch(const Expression& expression)
-{
-    Piece text = Value(expression);
-    // A date has no one text form to match.
-    if (text.Type == ValueType::Date)
-        RaiseTypeMismatch(expression.Position);
-    return text;
-}
-
-Piece ExpressionRenderer::PatternOf(const Expression& expression)
-{
-    const Literal* literal = AsLiteral(expression);
-    if (literal == nullptr)
-        return TextToMatch(expression);
-    const ValueType type = TypeOfLiteral(*literal);
-    if (type == ValueType::Date)
-        RaiseTypeMismatch(expression.Position);
-    if (type == ValueType::Unknown)
-        return Bind(QVariant(), type);
-    return BindPatterns({type == ValueType::Text ? literal->Value.toString() : NumberText(literal->Value)});
-}
-
-Piece ExpressionRenderer::LikeCall(const Piece& pattern, const std::vector<Piece>& texts) const
-{
-    Piece result;
-    result.Text = "jet_like(" + pattern.Text;
-    Adopt(result, pattern, 5);
-    for (const Piece& text : texts) {
-        result.Text += ", " + text.Text;
-        Adopt(result, text, 5);
-    }
-    result.Text += ')';
-    return AsTruth(result);
-}
-
 Piece ExpressionRenderer::RenderBetween(const Operands& operands, const char* word)
 {
     Piece value = Value(operands[0]);
@@ -681,19 +514,6 @@ Piece ExpressionRenderer::Bind(const QVariant& value, ValueType type)
     Piece piece;
     piece.Text = '?' + QByteArray::number(static_cast<qlonglong>(Result_.Bindings.size()));
     piece.Type = type;
-    return piece;
-}
-
-Piece ExpressionRenderer::BindPatterns(const QStringList& patterns)
-{
-    Piece piece;
-    piece.Type = ValueType::Text;
-    QByteArray& place = Patterns_[patterns];
-    if (place.isEmpty()) {
-        Result_.Bindings.emplace_back(std::make_shared<const jetsql::LikePattern>(patterns));
-        place = '?' + QByteArray::number(static_cast<qlonglong>(Result_.Bindings.size()));
-    }
-    piece.Text = place;
     return piece;
 }
 

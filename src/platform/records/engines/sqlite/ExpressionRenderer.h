@@ -1,12 +1,13 @@
 #pragma once
 
+#include "platform/records/engines/sqlite/Piece.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
 
 #include <QHash>
 
 #include <optional>
 
-/// The part of the renderer that turns conditions and values into SQLite text. Private to SqlRenderer.cpp.
+/// The part of the renderer that turns conditions and values into SQLite text. Private to the renderer.
 namespace dao::sqlite
 {
 
@@ -21,28 +22,6 @@ struct ColumnReference
 {
     int TableIndex;
     const ColumnInfo* Column;
-};
-
-enum class ValueType
-{
-    Unknown, ///< Null or a parameter.
-    Number,
-    Date,
-    Text
-};
-
-/// A piece of SQLite text: one word, a call, or something in parentheses, so that pieces combine without thought of
-/// precedence.
-struct Piece
-{
-    QByteArray Text;
-    ValueType Type = ValueType::Unknown;
-    /// Whether it is SQLite's truth (1, 0 or Null) rather than a stored value, where true is -1.
-    bool IsTruth = false;
-    bool IsParameter = false;
-    /// What SQLite's parser and its expression trees need for it; both are limited there.
-    int ParserStack = 1;
-    int TreeDepth = 1;
 };
 
 class ExpressionRenderer
@@ -63,7 +42,7 @@ public:
     Piece Value(const jetsql::Expression& expression);
     /// For ORDER BY and MAX: texts carry the collation.
     QByteArray Comparable(const jetsql::Expression& expression);
-    QByteArray Comparable(const Piece& value) const;
+    static QByteArray Comparable(const Piece& value);
     QByteArray Column(const ColumnReference& reference) const;
     static ValueType TypeOf(DataTypeEnum type);
 
@@ -92,14 +71,14 @@ private:
     Piece NumberOf(const jetsql::Expression& expression);
     Piece TextToMatch(const jetsql::Expression& expression);
     Piece PatternOf(const jetsql::Expression& expression);
-    Piece LikeCall(const Piece& pattern, const std::vector<Piece>& texts) const;
+    static Piece LikeCall(const Piece& pattern, const std::vector<Piece>& texts);
     /// An expression as it is compared with something of that type: constants converted, parameters at run time.
     Piece ComparedWith(ValueType type, const jetsql::Expression& expression);
     Piece Constant(const jetsql::Literal& literal, ValueType wanted, qsizetype position);
-    Piece Chain(std::vector<Piece> pieces, const char* symbol) const;
+    static Piece Chain(std::vector<Piece> pieces, const char* symbol);
     Piece Bind(const QVariant& value, ValueType type);
     Piece BindPatterns(const QStringList& patterns);
-    const Piece& Checked(const Piece& piece) const;
+    static const Piece& Checked(const Piece& piece);
 
     RenderedSql& Result_;
     std::vector<ScopeTable> Tables_;

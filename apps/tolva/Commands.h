@@ -1,0 +1,20 @@
+#pragma once
+
+#include "ArgumentParser.h"
+
+/// The commands of the program, each in a file of its own with the words of its help.
+CommandDefinition InitCommand();
+CommandDefinition FileCommand();
+CommandDefinition ListCommand();
+CommandDefinition ShowCommand();
+CommandDefinition ExportCommand();
+CommandDefinition MoveCommand();
+CommandDefinition CopyCommand();
+CommandDefinition DeleteCommand();
+CommandDefinition MarkCommand();
+CommandDefinition FoldersCommand();
+CommandDefinition SettingCommand();
+CommandDefinition CheckCommand();
+
+/// In the order of the help page.
+std::vector<CommandDefinition> AllCommands();

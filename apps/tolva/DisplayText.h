@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// Text that others wrote, made fit for a terminal: nothing in it can steer the terminal or change what stands around
+/// it. Control characters become U+FFFD; marks that change the direction of what follows go, those of single letters
+/// stay.
+
+/// On one line: line ends and tabs become blanks.
+QString OneLine(const QString& text);
+/// Line ends and tabs stay.
+QString ManyLines(const QString& text);
+
+/// Columns that one line of text takes: two for East Asian wide characters and emoji, none for combining marks.
+int DisplayWidth(QStringView text);
+
+/// The text on one line in exactly that many columns: cut with an ellipsis, or filled with blanks. Of a joined emoji
+/// the first picture is kept, because terminals disagree on the width of the whole. Text with right-to-left letters
+/// stands in an isolate, so that it does not reorder its neighbours.
+QString Cell(const QString& text, int width);

@@ -1,0 +1,64 @@
+#include "Failure.h"
+
+ExitCode ExitCodeOf(int errorNumber)
+{
+    switch (errorNumber) {
+    case dao::errLocked:
+    // Somebody else changed the same row a moment ago: the next attempt reads it anew.
+    case dao::errChangedByAnother:
+    case dao::errRecordDeleted:
+        return exitTemporary;
+    case dao::errFileDamaged:
+    case dao::errUnrecognisedFormat:
+    case dao::errOverflow:
+    case dao::errTypeMismatch:
+    case dao::errInvalidUseOfNull:
+    case dao::errFieldTooSmall:
+    case dao::errDataTypeConversion:
+    case dao::errTableNotFound:
+    case dao::errItemNotFound:
+    case dao::errNotAnIndex:
+        return exitData;
+    case dao::errFileNotFound:
+    case dao::errNotAValidPath:
+        return exitNoInput;
+    case dao::errCannotOpen:
+        return exitNoPermission;
+    case dao::errDiskFull:
+    case dao::errDiskError:
+        return exitInputOutput;
+    case dao::errNotSupported:
+        return exitUnavailable;
+    case dao::errOutOfMemory:
+    default:
+        return exitSoftware;
+    }
+}
+
+Failure FailureOf(const QString& subject, int errorNumber, const QString& description)
+{
+    const auto words = [&](const QString& text) { return Failure(ExitCodeOf(errorNumber), subject + u' ' + text); };
+    switch (errorNumber) {
+    case dao::errLocked:
+        return words(QStringLiteral("is locked by another computer or program. Try again in a moment."));
+    case dao::errChangedByAnother:
+    case dao::errRecordDeleted:
+        return words(QStringLiteral("was changed by somebody else at the same moment. Try again."));
+    case dao::errFileDamaged:
+        return words(QStringLiteral("is damaged. \"tolva check\" says what can still be read; put the newest backup in "
+                                    "its place. (%1)")
+                         .arg(description));
+    case dao::errUnrecognisedFormat:
+        return words(
+            QStringLiteral("is not a database of this program, or its file is damaged. (%1)").arg(description));
+    case dao::errCannotOpen:
+        return words(QStringLiteral("cannot be opened: it is in use, or this account may not read and write it. (%1)")
+                         .arg(description));
+    case dao::errDiskFull:
+        return words(QStringLiteral("cannot be written: the disk is full."));
+    case dao::errDiskError:
+        return words(QStringLiteral("cannot be read or written: the disk reports an error. (%1)").arg(description));
+    default:
+        return words(QStringLiteral("cannot be used: %1 (error %2)").arg(description).arg(errorNumber));
+    }
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+enum class IncomingKind
+{
+    Mail,
+    TextMessage ///< The file form of one SMS.
+};
+
+/// One message as a source delivers it, before it is a message of the station.
+struct IncomingMessage
+{
+    QString Name;      ///< What the user knows it by: the file, or the file and the number in it.
+    QByteArray Octets; ///< As they stand in the source.
+    QString Problem;   ///< Why it could not be read; then Octets count for nothing.
+    IncomingKind Kind = IncomingKind::Mail;
+    bool IsRead = false; ///< The source marks it as seen.
+};
+
+/// Why these octets are no mail message, empty when they are one. Broken mail is mail: a single header field among its
+/// first lines is enough.
+QString WhyNotMail(const QByteArray& octets);
+
+/// Takes away the "From " line that delivery agents put before a message; it is no part of it.
+void RemoveEnvelopeLine(QByteArray& octets);

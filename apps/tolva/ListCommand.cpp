@@ -1,0 +1,196 @@
+// tolva list: what messages there are.
+
+#include "Commands.h"
+#include "DisplayText.h"
+#include "FolderNames.h"
+#include "MessageRow.h"
+#include "Station.h"
+#include "Terminal.h"
+#include "common/ClockHelper.h"
+
+#include <QJsonDocument>
+
+namespace
+{
+const QString CategoryOption = QStringLiteral("category");
+const QString FindOption = QStringLiteral("find");
+const QString WhereOption = QStringLiteral("where");
+const QString SortOption = QStringLiteral("sort");
+const QString JsonOption = QStringLiteral("json");
+const QString MailColumn = QStringLiteral("Message");
+
+/// Up to this many messages the list opens each mail for its sender's name; a longer list shows addresses, so that it
+/// need not read gigabytes.
+constexpr int NamesShownFor = 500;
+
+constexpr int ReferenceWidth = 6;
+constexpr int DateWidth = 16;
+constexpr int FlagsWidth = 5;
+
+/// A pattern that any text holding what was typed meets, with every character standing for itself.
+QString PatternOf(const QString& typed)
+{
+    QString pattern;
+    for (const QChar character : typed) {
+        if (character == u'*' || character == u'?' || character == u'#' || character == u'[')
+            pattern += u'[' + QString(character) + u']';
+        else if (character == u'"')
+            pattern += QStringLiteral("\"\"");
+        else
+            pattern += character;
+    }
+    return QStringLiteral("\"*") + pattern + QStringLiteral("*\"");
+}
+
+QString FindCondition(const QString& typed)
+{
+    const QString pattern = PatternOf(typed);
+    QStringList conditions;
+    for (const char* column : {"Subject", "FromKey", "ToKey", "CcKey"})
+        conditions.append(QStringLiteral("[%1] LIKE %2").arg(QLatin1String(column), pattern));
+    return conditions.join(QStringLiteral(" OR "));
+}
+
+QString ConditionOf(const Arguments& arguments, Station& station)
+{
+    QStringList conditions;
+    if (arguments.Has(CategoryOption)) {
+        const qint32 category = FindFolder(station.Folders(), arguments.Value(CategoryOption));
+        conditions.append(QStringLiteral("[Category]=%1").arg(category));
+    }
+    if (!arguments.Value(FindOption).isEmpty())
+        conditions.append(u'(' + FindCondition(arguments.Value(FindOption)) + u')');
+    if (!arguments.Value(WhereOption).trimmed().isEmpty())
+        conditions.append(u'(' + arguments.Value(WhereOption) + u')');
+    return conditions.join(QStringLiteral(" AND "));
+}
+
+QString OrderOf(const Arguments& arguments)
+{
+    const QString sort = arguments.Value(SortOption, QStringLiteral("sent")).toLower();
+    if (sort == u"sent")
+        return QStringLiteral("[Sent] DESC, [Reference]");
+    if (sort == u"received")
+        return QStringLiteral("[Received] DESC, [Reference]");
+    throw Failure(exitUsage, QStringLiteral("--sort takes \"sent\" or \"received\"."));
+}
+
+std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& station)
+{
+    const QString condition = ConditionOf(arguments, station);
+    const QString order = OrderOf(arguments);
+    try {
+        return station.Database().OpenMessageRows(MessageRowColumns() << MailColumn, condition, order);
+    } catch (const dao::Error& error) {
+        const bool isOfCondition = error.Number() == dao::errSyntax || error.Number() == dao::errTooFewParameters ||
+                                   error.Number() == dao::errTypeMismatch || error.Number() == dao::errTableNotFound;
+        if (isOfCondition && arguments.Has(WhereOption))
+            throw Failure(exitUsage, QStringLiteral("--where: %1").arg(error.Description()));
+        throw station.FailureOfStation(error.Number(), error.Description());
+    }
+}
+
+/// The columns of the plain form, fitted to the terminal.
+class Table
+{
+public:
+    Table(bool showsFolder, bool sortsByReceived) : ShowsFolder_(showsFolder), SortsByReceived_(sortsByReceived)
+    {
+        const int rest = qMax(20, Terminal::Width() - ReferenceWidth - FlagsWidth - DateWidth - 4);
+        FromWidth_ = rest / 3;
+        FolderWidth_ = showsFolder ? rest / 4 : 0;
+        SubjectWidth_ = rest - FromWidth_ - (showsFolder ? FolderWidth_ + 1 : 0);
+    }
+
+    void Print(const MessageRow& row, const QString& from, const QString& folder) const
+    {
+        const Date date = ClockHelper::UTCToLocal(SortsByReceived_ ? row.Received : row.Sent);
+        QString line = QString::number(row.Reference).rightJustified(ReferenceWidth) + u' ' + FlagLetters(row) + u' ' +
+                       date.Format(QStringLiteral("yyyy-mm-dd hh:nn")).leftJustified(DateWidth) + u' ' +
+                       Cell(from, FromWidth_) + u' ' + Cell(row.Subject, SubjectWidth_);
+        if (ShowsFolder_)
+            line += u' ' + Cell(folder, FolderWidth_);
+        while (line.endsWith(u' '))
+            line.chop(1);
+        Terminal::PrintLine(line);
+    }
+
+private:
+    bool ShowsFolder_;
+    bool SortsByReceived_;
+    int FromWidth_;
+    int SubjectWidth_;
+    int FolderWidth_;
+};
+
+/// The sender as the mail names it: "Postcard Pete", or the address where there is no name.
+QString SenderOf(dao::Recordset& rows, const MessageRow& row)
+{
+    const cdo::Message mail(rows[MailColumn].Octets());
+    const QString from = mail.From().trimmed();
+    QString name = from.left(from.indexOf(u'<')).trimmed();
+    if (name.size() > 1 && name.startsWith(u'"') && name.endsWith(u'"'))
+        name = name.mid(1, name.size() - 2);
+    if (!name.isEmpty())
+        return name;
+    return row.From.isEmpty() ? from : row.From;
+}
+
+void PrintTable(dao::Recordset& rows, const Arguments& arguments, const QHash<qint32, QString>& folders)
+{
+    const Table table(!arguments.Has(CategoryOption), arguments.Value(SortOption).toLower() == u"received");
+    const bool showsNames = rows.RecordCount() <= NamesShownFor;
+    for (; !rows.AtEOF(); rows.MoveNext()) {
+        const MessageRow row = ReadMessageRow(rows);
+        table.Print(row, showsNames ? SenderOf(rows, row) : row.From, FolderPath(folders, row.Category));
+    }
+}
+
+void PrintJson(dao::Recordset& rows, const QHash<qint32, QString>& folders)
+{
+    for (; !rows.AtEOF(); rows.MoveNext()) {
+        const MessageRow row = ReadMessageRow(rows);
+        const QJsonObject object = ToJson(row, FolderPath(folders, row.Category));
+        Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    }
+}
+
+int Run(const Arguments& arguments)
+{
+    OrderOf(arguments); // a wrong one is told before anything is opened
+    Station station(arguments);
+    const auto rows = OpenRows(arguments, station);
+    const QHash<qint32, QString> folders = FolderPaths(station.Folders());
+    station.Try([&] {
+        if (arguments.Has(JsonOption))
+            PrintJson(*rows, folders);
+        else if (rows->AtEOF())
+            Terminal::Complain(QStringLiteral("No messages."));
+        else
+            PrintTable(*rows, arguments, folders);
+    });
+    return exitOK;
+}
+} // namespace
+
+CommandDefinition ListCommand()
+{
+    return {
+        QStringLiteral("list"),
+        QStringLiteral("Lists messages, the newest first."),
+        {QStringLiteral("list FOLDER [--category C] [--find TEXT] [--where SQL] [--sort sent|received] [--json]")},
+        QStringLiteral(
+            "A line shows the number, the flags (N unread, P personal, H highlighted, ! urgent, S text message), the\n"
+            "date, the sender, the subject and, when no folder is asked for, the folder."),
+        {{CategoryOption, QStringLiteral("C"), QStringLiteral("The messages of one folder.")},
+         {FindOption, QStringLiteral("TEXT"), QStringLiteral("Those with this text in subject or addresses.")},
+         {WhereOption, QStringLiteral("SQL"), QStringLiteral("Those that meet a condition, as after WHERE.")},
+         {SortOption, QStringLiteral("ORDER"), QStringLiteral("By the date \"sent\" (the default) or \"received\".")},
+         {JsonOption, QString(), QStringLiteral("One JSON object a line.")},
+         Station::UserOption()},
+        QStringLiteral("tolva list /srv/station --category Inbox --find \"ferry?\""),
+        1,
+        1,
+        Run,
+    };
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+/// A message file of a maildir.
+struct MaildirFile
+{
+    QString Path;
+    bool IsSeen = false; ///< The flag S.
+};
+
+/// Whether the folder is a maildir: it has the sub-folders cur and new.
+bool IsMaildir(const QString& folder);
+
+/// The messages in new and cur, oldest name first. What stands in tmp is being delivered still, and hidden files and
+/// sub-folders are no messages.
+QList<MaildirFile> MaildirFiles(const QString& folder);

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "messages/cMessage.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+namespace dao
+{
+class Recordset;
+}
+
+/// What a list shows of a message, from the columns of its row alone: the mail itself is not read.
+struct MessageRow
+{
+    qint32 Reference = 0;
+    qint32 Category = 0;
+    QString From; ///< Addresses, divided by ", ".
+    QString To;
+    QString Subject;
+    Date Sent; ///< Universal time.
+    Date Received;
+    qint32 Flags = 0;
+    qint32 Priority = 0;
+    bool IsSMS = false;
+    bool IsHighlighted = false;
+    bool IsPersonal = false;
+};
+
+/// The columns that ReadMessageRow needs.
+QStringList MessageRowColumns();
+/// The current row.
+MessageRow ReadMessageRow(const dao::Recordset& rows);
+
+/// Five letters or dashes: N unread, P personal, H highlighted, ! urgent, S text message.
+QString FlagLetters(const MessageRow& row);
+
+/// One line of "list --json". category: the folder's path.
+QJsonObject ToJson(const MessageRow& row, const QString& category);
+
+/// ISO 8601 in universal time, null for none.
+QJsonValue JsonDate(Date universal);
+/// The names of the flags that are set.
+QJsonArray JsonFlags(qint32 flags);
+QString TypeName(bool isSMS);

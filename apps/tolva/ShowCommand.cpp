@@ -1,0 +1,166 @@
+// tolva show: one message.
+
+#include "Commands.h"
+#include "DisplayText.h"
+#include "FolderNames.h"
+#include "HtmlText.h"
+#include "MessageRow.h"
+#include "Station.h"
+#include "Terminal.h"
+#include "common/ClockHelper.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLocale>
+
+namespace
+{
+const QString RawOption = QStringLiteral("raw");
+const QString JsonOption = QStringLiteral("json");
+const QString DateFormat = QStringLiteral("ddd dd mmm yyyy hh:nn:ss");
+
+void PrintField(const QString& name, const QString& value)
+{
+    if (!value.isEmpty())
+        Terminal::PrintLine(QStringLiteral("%1 %2").arg((name + u':').leftJustified(12), OneLine(value)));
+}
+
+QString FlagWords(const cMessage& message)
+{
+    QStringList words = {message.Flags() & mfRead ? QStringLiteral("read") : QStringLiteral("unread")};
+    if (message.Flags() & mfSendPending)
+        words.append(QStringLiteral("waiting to be sent"));
+    if (message.Flags() & mfAutomatic)
+        words.append(QStringLiteral("automatic"));
+    if (message.PersonalToContact() != 0)
+        words.append(QStringLiteral("personal"));
+    if (message.HasHighlightWords())
+        words.append(QStringLiteral("highlighted"));
+    if (message.Priority() > 0)
+        words.append(QStringLiteral("urgent"));
+    if (message.MessageType() == emtSMS)
+        words.append(QStringLiteral("text message"));
+    return words.join(QStringLiteral(", "));
+}
+
+QString AttachmentWords(const cdo::Attachment& attachment)
+{
+    const QString name = attachment.FileName.isEmpty() ? QStringLiteral("(no name)") : attachment.FileName;
+    return QStringLiteral("%1, %2, %3")
+        .arg(name, attachment.ContentType, QLocale::c().formattedDataSize(attachment.Size));
+}
+
+void PrintBody(const cdo::Message& mail, qint32 reference)
+{
+    QString body = mail.TextBody();
+    if (body.trimmed().isEmpty()) {
+        const QString html = mail.HTMLBody();
+        if (html.isEmpty())
+            return;
+        Terminal::PrintLine(
+            QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
+                           "export FOLDER %1 FILE]\n")
+                .arg(reference));
+        body = TextOfHtml(html);
+    }
+    body = ManyLines(body);
+    Terminal::Print(body.endsWith(u'\n') ? body : body + u'\n');
+}
+
+void PrintPlain(Station& station, const cMessage& message)
+{
+    const cdo::Message& mail = *message.CDOMessage();
+    PrintField(QStringLiteral("Message"), QString::number(message.Reference()));
+    PrintField(QStringLiteral("Folder"), FolderPath(FolderPaths(station.Folders()), message.Category()));
+    PrintField(QStringLiteral("Flags"), FlagWords(message));
+    PrintField(QStringLiteral("From"), mail.From());
+    PrintField(QStringLiteral("To"), mail.To());
+    PrintField(QStringLiteral("Cc"), mail.CC());
+    PrintField(QStringLiteral("Reply-To"), mail.ReplyTo());
+    PrintField(QStringLiteral("Subject"), mail.Subject());
+    PrintField(QStringLiteral("Sent"), message.Sent().Format(DateFormat));
+    PrintField(QStringLiteral("Received"), message.Received().Format(DateFormat));
+    const QList<cdo::Attachment> attachments = mail.Attachments();
+    for (const cdo::Attachment& attachment : attachments)
+        PrintField(QStringLiteral("Attachment"), AttachmentWords(attachment));
+    Terminal::PrintLine(QString());
+    PrintBody(mail, message.Reference());
+}
+
+QJsonArray JsonAttachments(const cdo::Message& mail)
+{
+    QJsonArray array;
+    const QList<cdo::Attachment> attachments = mail.Attachments();
+    for (const cdo::Attachment& attachment : attachments) {
+        array.append(QJsonObject{{QStringLiteral("name"), attachment.FileName},
+                                 {QStringLiteral("type"), attachment.ContentType},
+                                 {QStringLiteral("size"), attachment.Size},
+                                 {QStringLiteral("contentId"), attachment.ContentID},
+                                 {QStringLiteral("inline"), attachment.IsInline}});
+    }
+    return array;
+}
+
+void PrintJson(Station& station, const cMessage& message)
+{
+    const cdo::Message& mail = *message.CDOMessage();
+    const auto date = [](Date local) { return JsonDate(ClockHelper::LocalToUTC(local)); };
+    const QJsonObject object{
+        {QStringLiteral("reference"), message.Reference()},
+        {QStringLiteral("category"), FolderPath(FolderPaths(station.Folders()), message.Category())},
+        {QStringLiteral("from"), mail.From()},
+        {QStringLiteral("to"), mail.To()},
+        {QStringLiteral("cc"), mail.CC()},
+        {QStringLiteral("replyTo"), mail.ReplyTo()},
+        {QStringLiteral("subject"), mail.Subject()},
+        {QStringLiteral("messageId"), mail.MessageID()},
+        {QStringLiteral("sent"), date(message.Sent())},
+        {QStringLiteral("received"), date(message.Received())},
+        {QStringLiteral("sendAfter"), date(message.SendAfter())},
+        {QStringLiteral("flags"), JsonFlags(message.Flags())},
+        {QStringLiteral("type"), TypeName(message.MessageType() == emtSMS)},
+        {QStringLiteral("highlighted"), message.HasHighlightWords()},
+        {QStringLiteral("priority"), message.Priority()},
+        {QStringLiteral("personalToContact"), message.PersonalToContact()},
+        {QStringLiteral("text"), mail.TextBody()},
+        {QStringLiteral("html"), mail.HTMLBody()},
+        {QStringLiteral("attachments"), JsonAttachments(mail)},
+    };
+    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+}
+
+int Run(const Arguments& arguments)
+{
+    if (arguments.Has(RawOption) && arguments.Has(JsonOption))
+        throw Failure(exitUsage, QStringLiteral("--raw and --json exclude each other."));
+    ToReference(arguments.Words().at(1)); // a wrong one is told before anything is opened
+    Station station(arguments);
+    const cMessagePtr message = station.Message(arguments.Words().at(1));
+    if (arguments.Has(RawOption))
+        Terminal::PrintOctets(message->CDOMessage()->Octets());
+    else if (arguments.Has(JsonOption))
+        PrintJson(station, *message);
+    else
+        PrintPlain(station, *message);
+    return exitOK;
+}
+} // namespace
+
+CommandDefinition ShowCommand()
+{
+    return {
+        QStringLiteral("show"),
+        QStringLiteral("Shows one message."),
+        {QStringLiteral("show FOLDER REF [--raw|--json]")},
+        QStringLiteral(
+            "REF is the message's number in the list. The message stays unread. Of a message that is only a web page\n"
+            "the words are shown, as well as that goes without laying the page out."),
+        {{RawOption, QString(), QStringLiteral("The message as it arrived, octet by octet.")},
+         {JsonOption, QString(), QStringLiteral("All of it as one JSON object.")},
+         Station::UserOption()},
+        QStringLiteral("tolva show /srv/station 27"),
+        2,
+        2,
+        Run,
+    };
+}

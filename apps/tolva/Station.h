@@ -1,0 +1,65 @@
+#pragma once
+
+#include "ArgumentParser.h"
+#include "CommandLineUserInterface.h"
+#include "Failure.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/directory/EmbeddedDirectory.h"
+
+/// A station that stands already, open for one command, with the user of its directory signed in. Made on the stack by
+/// a command. Anything that fails in it, or in the record store behind it, becomes a Failure in words.
+class Station
+{
+public:
+    /// Opens the station in the folder of the arguments for the user of --user. Failure when there is no station
+    /// (66), no such user (67), for a locked file (75), a damaged one (65) and all else.
+    explicit Station(const Arguments& arguments);
+    Station(const Station&) = delete;
+    Station& operator=(const Station&) = delete;
+
+    const QString& Folder() const { return Folder_; }
+    cTolvaDatabase& Database() { return Database_; }
+    const clsCategory& Folders() { return Database_.MessageCategories(); }
+    CommandLineUserInterface& Terminal() { return Terminal_; }
+
+    /// The message; Failure (data) when there is none. words: its number as the user typed it.
+    cMessagePtr Message(const QString& words);
+    /// Failure (permission) unless the user has the right. words: "change folders".
+    void Require(DirectoryRight right, const QString& words);
+    /// Why an operation on that message answered false, in words.
+    Failure WhyNot(qint32 reference, const QString& words);
+    /// An error of the record store in words about this station.
+    Failure FailureOfStation(int errorNumber, const QString& description) const;
+    /// Runs a piece of work in which the record store may fail; its error becomes a Failure.
+    template <typename Work>
+    decltype(auto) Try(Work&& work) const
+    {
+        try {
+            return std::forward<Work>(work)();
+        } catch (const dao::Error& error) {
+            throw FailureOfStation(error.Number(), error.Description());
+        }
+    }
+
+    /// The file of the station in a folder.
+    static QString FileIn(const QString& folder);
+    /// The folder of the directory of a station.
+    static QString DirectoryIn(const QString& folder);
+    /// The user's name: --user, the environment variable TOLVA_USER, or "Technician".
+    static QString UserName(const Arguments& arguments);
+    static OptionDefinition UserOption();
+
+private:
+    void SignIn(const QString& name);
+    void OpenDatabase();
+    [[noreturn]] void FailOpen(int errorNumber);
+
+    QString Folder_;
+    CommandLineUserInterface Terminal_;
+    EmbeddedDirectory Directory_;
+    // After the directory, which its closing writes to.
+    cTolvaDatabase Database_;
+};
+
+/// A message's number. Failure (usage) for what is none.
+qint32 ToReference(const QString& words);

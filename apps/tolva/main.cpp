@@ -1,0 +1,80 @@
+#include "Commands.h"
+#include "Failure.h"
+#include "Terminal.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <new>
+
+namespace
+{
+const QString HelpOption = QStringLiteral("--help");
+
+int RunCommand(const CommandDefinition& command, const QStringList& arguments)
+{
+    const Arguments parsed = ParseArguments(command, arguments);
+    if (parsed.Has(QStringLiteral("help"))) {
+        Terminal::Print(HelpOf(command));
+        return exitOK;
+    }
+    return command.Run(parsed);
+}
+
+int RunProgram(const QStringList& arguments)
+{
+    const std::vector<CommandDefinition> commands = AllCommands();
+    if (arguments.isEmpty())
+        throw Failure(exitUsage, QStringLiteral("A command is missing. See: tolva --help"));
+    const QString& name = arguments.first();
+    if (name == HelpOption || name == u"-h" || name == u"help") {
+        Terminal::Print(ProgramHelp(commands));
+        return exitOK;
+    }
+    if (name == u"--version") {
+        Terminal::PrintLine(QStringLiteral("tolva %1").arg(QCoreApplication::applicationVersion()));
+        return exitOK;
+    }
+    const auto command = std::find_if(commands.begin(), commands.end(),
+                                      [&](const CommandDefinition& candidate) { return candidate.Name == name; });
+    if (command == commands.end())
+        throw Failure(exitUsage, QStringLiteral("There is no command \"%1\". See: tolva --help").arg(name));
+    return RunCommand(*command, arguments.mid(1));
+}
+
+int RunAndReport(const QStringList& arguments)
+{
+    try {
+        return RunProgram(arguments);
+    } catch (const Failure& failure) {
+        Terminal::Complain(failure.Words());
+        return failure.Code();
+    } catch (const dao::Error& error) {
+        const Failure failure = FailureOf(QStringLiteral("The station"), error.Number(), error.Description());
+        Terminal::Complain(failure.Words());
+        return failure.Code();
+    } catch (const std::bad_alloc&) {
+        Terminal::Complain(QStringLiteral("There is not enough memory."));
+        return exitTemporary;
+    }
+}
+} // namespace
+
+std::vector<CommandDefinition> AllCommands()
+{
+    return {InitCommand(), FileCommand(),   ListCommand(), ShowCommand(),    ExportCommand(),  MoveCommand(),
+            CopyCommand(), DeleteCommand(), MarkCommand(), FoldersCommand(), SettingCommand(), CheckCommand()};
+}
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("tolva"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TOLVA_VERSION));
+    const int code = RunAndReport(QCoreApplication::arguments().mid(1));
+    if (!Terminal::Flush() && code == exitOK) {
+        Terminal::Complain(QStringLiteral("The output could not be written."));
+        return exitInputOutput;
+    }
+    return code;
+}

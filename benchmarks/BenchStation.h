@@ -1,0 +1,17 @@
+#pragma once
+
+#include "database/cTolvaDatabase.h"
+
+#include <QByteArray>
+
+/// A mail of about 3 KB as listeners write them; number makes it one of its own.
+QByteArray SampleMail(int number);
+/// The sender of that mail.
+QString SampleSender(int number);
+
+/// A station of that many messages in the folder, which is made. The rows are stored in a few transactions, which is not what is
+/// measured.
+void MakeStation(const QString& folder, int messages);
+
+/// The station opened, or the run ends.
+std::unique_ptr<cTolvaDatabase> OpenStation(const QString& folder);

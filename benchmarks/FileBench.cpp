@@ -1,0 +1,47 @@
+#include "BenchStation.h"
+#include "Measure.h"
+#include "Subjects.h"
+
+#include <QFile>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+/// Peak resident memory of one run of the program, in MB.
+double PeakOf(const QByteArray& stationFolder, const QByteArray& mail)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        execl(TOLVA_PROGRAM, TOLVA_PROGRAM, "file", stationFolder.constData(), mail.constData(), nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    rusage usage{};
+    Require(wait4(child, &status, 0, &usage) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0,
+            "the program did not file the mail");
+    return static_cast<double>(usage.ru_maxrss) / 1024.0;
+}
+} // namespace
+
+void BenchFiling(const QString& folder, int megabytes)
+{
+    MakeStation(folder, 0);
+    const QString name = folder + QStringLiteral("/large.eml");
+    QFile file(name);
+    Require(file.open(QIODevice::WriteOnly), "the large mail cannot be written");
+    file.write("From: ann@example.com\r\nSubject: A film of the regatta\r\nMIME-Version: 1.0\r\n"
+               "Content-Type: multipart/mixed; boundary=\"=_b\"\r\n\r\n--=_b\r\nContent-Type: text/plain\r\n\r\nHere it is.\r\n"
+               "--=_b\r\nContent-Type: video/mp4; name=\"regatta.mp4\"\r\nContent-Transfer-Encoding: base64\r\n\r\n");
+    const QByteArray line = QByteArray(76, 'Q') + "\r\n";
+    const QByteArray block = line.repeated(1024 * 1024 / static_cast<int>(line.size()));
+    for (int i = 0; i < megabytes; ++i)
+        file.write(block);
+    file.write("\r\n--=_b--\r\n");
+    file.close();
+    const double size = static_cast<double>(file.size()) / (1024.0 * 1024.0);
+    Report("peak memory, filing a large mail", "the size of the mail", size,
+           PeakOf(QFile::encodeName(folder), QFile::encodeName(name)), 5.0, "MB");
+}

@@ -1,0 +1,39 @@
+// Measures Tolva against the bare libraries underneath it.
+
+#include "BenchStation.h"
+#include "Measure.h"
+#include "Subjects.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const bool quick = application.arguments().contains(QStringLiteral("--quick"));
+    const int large = quick ? 10000 : 100000;
+    const int megabytes = quick ? 10 : 50;
+
+    // Beside the program, so that the figures are those of a disk and not of memory.
+    const QTemporaryDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/stations-XXXXXX"));
+    Require(folder.isValid(), "no folder for the stations can be made");
+    PrintHeading();
+    // First, while this process is small: a child's peak counts from the fork on.
+    BenchFiling(folder.filePath(QStringLiteral("filing")), megabytes);
+    std::fprintf(stderr, "Making a station of %d messages\n", large);
+    const QString largeStation = folder.filePath(QStringLiteral("large"));
+    const QString smallStation = folder.filePath(QStringLiteral("small"));
+    MakeStation(largeStation, large);
+    MakeStation(smallStation, 100);
+
+    BenchSaving(folder.filePath(QStringLiteral("saving")), quick ? 3 : 9);
+    BenchReading(largeStation, large);
+    BenchSearching(largeStation);
+    BenchOpening(smallStation, largeStation);
+    const int failed = FailedComparisons();
+    if (failed > 0)
+        std::printf("%d above the limit\n", failed);
+    return failed > 0 ? 1 : 0;
+}

@@ -1,0 +1,2 @@
+tolva_add_fuzz_target(keyValueFuzz KeyValueFuzz.cpp)
+tolva_add_fuzz_target(iniFuzz IniFuzz.cpp)

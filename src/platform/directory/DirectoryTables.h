@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/records/Database.h"
+
+#include <QDateTime>
+
+/// The tables of "Directory.mdb"; docs/directory.md describes them for its readers.
+namespace DirectoryTables
+{
+
+/// Opens the directory's file, making it when it is not there. Several computers may do so at the same moment.
+std::unique_ptr<dao::Database> OpenFile(const QString& fileName);
+
+/// Adds the tables, fields and indexes that the file lacks. What stands already is kept as it is, also what is unknown
+/// here, so that programs of different age share one directory.
+void AddMissing(dao::Database& database);
+
+/// Opens the table with the index in force.
+std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString& table, const QString& index);
+
+/// The day number that a date field holds for this moment, in universal time, and the way back.
+double DayNumber(const QDateTime& moment);
+QDateTime Moment(double dayNumber);
+
+} // namespace DirectoryTables

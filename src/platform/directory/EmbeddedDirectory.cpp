@@ -1,0 +1,239 @@
+#include "platform/directory/EmbeddedDirectory.h"
+
+#include "platform/directory/DirectoryTables.h"
+#include "platform/directory/EmbeddedDirectoryUser.h"
+
+#include <QDir>
+
+#include <utility>
+
+namespace
+{
+const QString contactsTable = QStringLiteral("Contacts");
+const QString usersTable = QStringLiteral("Users");
+const QString mainIndex = QStringLiteral("Main");
+
+DirectoryUser ReadUser(const dao::Recordset& row)
+{
+    DirectoryUser user;
+    user.Reference = row.Collect(QStringLiteral("Reference")).toInt();
+    user.Name = row.Collect(QStringLiteral("Name")).toString();
+    user.Rights = row.Collect(QStringLiteral("Rights")).toInt();
+    return user;
+}
+
+clsKVContactPtr ReadContact(const dao::Recordset& row)
+{
+    auto contact = std::make_shared<clsKVContact>();
+    contact->Reference = row.Collect(QStringLiteral("Reference")).toInt();
+    contact->Name = row.Collect(QStringLiteral("Name")).toString();
+    contact->Mobile = row.Collect(QStringLiteral("Mobile")).toString();
+    contact->Telephone = row.Collect(QStringLiteral("Telephone")).toString();
+    contact->Email = row.Collect(QStringLiteral("Email")).toString();
+    contact->SecondEmail = row.Collect(QStringLiteral("SecondEmail")).toString();
+    contact->Other = row.Collect(QStringLiteral("Other")).toString();
+    return contact;
+}
+
+DirectoryLogEntry ReadLogEntry(const dao::Recordset& row)
+{
+    DirectoryLogEntry entry;
+    entry.Reference = row.Collect(QStringLiteral("Reference")).toInt();
+    entry.When = DirectoryTables::Moment(row.Collect(QStringLiteral("When")).toDouble());
+    entry.UserReference = row.Collect(QStringLiteral("UserReference")).toInt();
+    entry.ClassNumber = row.Collect(QStringLiteral("ClassNumber")).toInt();
+    entry.Kind = row.Collect(QStringLiteral("Kind")).toInt();
+    entry.Title = row.Collect(QStringLiteral("Title")).toString();
+    entry.Text = row.Collect(QStringLiteral("Text")).toString();
+    entry.Code = row.Collect(QStringLiteral("Code")).toInt();
+    entry.EventReference = row.Collect(QStringLiteral("EventReference")).toInt();
+    return entry;
+}
+
+QList<clsKVContactPtr> ReadContacts(dao::Recordset& rows)
+{
+    QList<clsKVContactPtr> contacts;
+    for (; !rows.AtEOF(); rows.MoveNext())
+        contacts.append(ReadContact(rows));
+    return contacts;
+}
+
+/// Begins the change of the row with this reference, or of a new row for 0; the row's reference.
+qint32 BeginSave(dao::Recordset& rows, qint32 reference, const QString& description)
+{
+    if (reference == 0) {
+        rows.AddNew();
+        return rows.Collect(QStringLiteral("Reference")).toInt();
+    }
+    rows.Seek(dao::SeekComparison::Equal, {reference});
+    if (rows.NoMatch())
+        throw dao::Error(dao::errRecordDeleted, description);
+    rows.Edit();
+    return reference;
+}
+
+void DeleteRow(dao::Database& database, const QString& table, qint32 reference)
+{
+    const auto rows = DirectoryTables::OpenTable(database, table, mainIndex);
+    rows->Seek(dao::SeekComparison::Equal, {reference});
+    if (rows->NoMatch())
+        return;
+    try {
+        rows->Delete();
+    } catch (const dao::Error& error) {
+        // Gone is gone, whoever did it.
+        if (error.Number() != dao::errRecordDeleted)
+            throw;
+    }
+}
+} // namespace
+
+EmbeddedDirectory::EmbeddedDirectory() : UtcNow_(&QDateTime::currentDateTimeUtc) {}
+
+EmbeddedDirectory::~EmbeddedDirectory() = default;
+
+void EmbeddedDirectory::Open(const QString& folder)
+{
+    Close();
+    if (folder.isEmpty() || !QDir().mkpath(folder))
+        throw dao::Error(dao::errNotAValidPath, QStringLiteral("'%1' is not a valid path.").arg(folder));
+    std::unique_ptr<dao::Database> database =
+        DirectoryTables::OpenFile(QDir(folder).filePath(QStringLiteral("Directory.mdb")));
+    DirectoryTables::AddMissing(*database);
+    Database_ = std::move(database);
+}
+
+void EmbeddedDirectory::Close()
+{
+    User_.reset();
+    // Closed for this object even when the store's own closing fails.
+    const std::unique_ptr<dao::Database> database = std::move(Database_);
+    if (database)
+        database->Close();
+}
+
+bool EmbeddedDirectory::IsOpen() const
+{
+    return Database_ != nullptr;
+}
+
+dao::Database& EmbeddedDirectory::Opened() const
+{
+    if (!Database_)
+        throw dao::Error(dao::errObjectInvalid, QStringLiteral("The directory is not open."));
+    return *Database_;
+}
+
+bool EmbeddedDirectory::SignIn(const QString& name)
+{
+    const auto rows = DirectoryTables::OpenTable(Opened(), usersTable, QStringLiteral("Name"));
+    rows->Seek(dao::SeekComparison::Equal, {name});
+    if (name.isEmpty() || rows->NoMatch())
+        return false;
+    const DirectoryUser user = ReadUser(*rows);
+    if (!User_ || User_->Reference() != user.Reference)
+        User_ = std::make_unique<User>(*this, user.Reference, user.Name);
+    return true;
+}
+
+void EmbeddedDirectory::SignOut()
+{
+    User_.reset();
+}
+
+clsKVUser* EmbeddedDirectory::CurrentUser() const
+{
+    return User_.get();
+}
+
+clsKVContactPtr EmbeddedDirectory::GetContact(qint32 reference, int, int) const
+{
+    const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
+    rows->Seek(dao::SeekComparison::Equal, {reference});
+    return rows->NoMatch() ? nullptr : ReadContact(*rows);
+}
+
+QList<DirectoryUser> EmbeddedDirectory::Users() const
+{
+    const auto rows = DirectoryTables::OpenTable(Opened(), usersTable, QStringLiteral("Name"));
+    QList<DirectoryUser> users;
+    for (; !rows->AtEOF(); rows->MoveNext())
+        users.append(ReadUser(*rows));
+    return users;
+}
+
+void EmbeddedDirectory::SaveUser(DirectoryUser& user)
+{
+    if (user.Name.isEmpty())
+        throw dao::Error(dao::errInvalidUseOfNull, QStringLiteral("A user needs a name."));
+    const auto rows = DirectoryTables::OpenTable(Opened(), usersTable, mainIndex);
+    const qint32 reference = BeginSave(*rows, user.Reference, QStringLiteral("The user has been deleted."));
+    rows->SetCollect(QStringLiteral("Name"), user.Name);
+    rows->SetCollect(QStringLiteral("Rights"), user.Rights);
+    rows->Update();
+    user.Reference = reference;
+}
+
+void EmbeddedDirectory::DeleteUser(qint32 reference)
+{
+    dao::Database& database = Opened();
+    // The user first: preferences without a user harm nobody, for references are not given twice.
+    DeleteRow(database, usersTable, reference);
+    database.Execute(QStringLiteral("DELETE FROM [Preferences] WHERE [UserReference]=%1").arg(reference));
+}
+
+QList<clsKVContactPtr> EmbeddedDirectory::Contacts() const
+{
+    const auto rows = Opened().OpenRecordset(QStringLiteral("SELECT * FROM [Contacts] ORDER BY [Name], [Reference]"),
+                                             dao::dbOpenSnapshot);
+    return ReadContacts(*rows);
+}
+
+QList<clsKVContactPtr> EmbeddedDirectory::ContactsByAddress(const QString& address) const
+{
+    dao::Database& database = Opened();
+    if (address.isEmpty())
+        return {};
+    const auto query = database.CreateQueryDef(
+        QString(), QStringLiteral("SELECT * FROM [Contacts] WHERE [Email]=[WantedAddress] OR "
+                                  "[SecondEmail]=[WantedAddress] ORDER BY [Name], [Reference]"));
+    query->Parameters().Item(QStringLiteral("WantedAddress")).SetValue(address);
+    const auto rows = query->OpenRecordset(dao::dbOpenSnapshot);
+    return ReadContacts(*rows);
+}
+
+void EmbeddedDirectory::SaveContact(clsKVContact& contact)
+{
+    const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
+    const qint32 reference = BeginSave(*rows, contact.Reference, QStringLiteral("The contact has been deleted."));
+    rows->SetCollect(QStringLiteral("Name"), contact.Name);
+    rows->SetCollect(QStringLiteral("Mobile"), contact.Mobile);
+    rows->SetCollect(QStringLiteral("Telephone"), contact.Telephone);
+    rows->SetCollect(QStringLiteral("Email"), contact.Email);
+    rows->SetCollect(QStringLiteral("SecondEmail"), contact.SecondEmail);
+    rows->SetCollect(QStringLiteral("Other"), contact.Other);
+    rows->Update();
+    contact.Reference = reference;
+}
+
+void EmbeddedDirectory::DeleteContact(qint32 reference)
+{
+    DeleteRow(Opened(), contactsTable, reference);
+}
+
+QList<DirectoryLogEntry> EmbeddedDirectory::LogEntries(int limit) const
+{
+    // By time: each computer draws its references from a range of its own, so these do not tell the order.
+    const auto rows = DirectoryTables::OpenTable(Opened(), QStringLiteral("UserLog"), QStringLiteral("When"));
+    QList<DirectoryLogEntry> entries;
+    if (rows->AtEOF())
+        return entries;
+    for (rows->MoveLast(); !rows->AtBOF() && entries.size() < limit; rows->MovePrevious())
+        entries.append(ReadLogEntry(*rows));
+    return entries;
+}
+
+void EmbeddedDirectory::SetClock(std::function<QDateTime()> utcNow)
+{
+    UtcNow_ = std::move(utcNow);
+}
