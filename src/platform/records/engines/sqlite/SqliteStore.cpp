@@ -49,7 +49,23 @@ SqliteStore::SqliteStore(const QString& fileName, bool readOnly)
 {
     if (Connection_.Number("PRAGMA application_id") != ApplicationId)
         throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
+    CheckLength();
     ReadSchemaUnderLock();
+}
+
+void SqliteStore::CheckLength()
+{
+    // SQLite itself sees a file that lost whole pages, but takes the missing end of the last one for zeros.
+    const ReadScope scope(*this);
+    const qint64 wanted = Connection_.Number("PRAGMA page_count") * Connection_.Number("PRAGMA page_size");
+    sqlite3_file* file = nullptr;
+    sqlite3_int64 size = 0;
+    sqlite3_file_control(Connection_.Handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    if (file == nullptr || file->pMethods == nullptr || file->pMethods->xFileSize(file, &size) != SQLITE_OK)
+        throw Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(Connection_.FileName()));
+    if (size < wanted)
+        throw Error(errFileDamaged,
+                    QStringLiteral("The database '%1' is damaged: its end is missing.").arg(Connection_.FileName()));
 }
 
 SqliteStore::~SqliteStore()

@@ -63,6 +63,8 @@ private:
         Lost ///< SQLite took it back because of a failure of the disk.
     };
 
+    /// 3049 when the file is shorter than it says.
+    void CheckLength();
     engine::SchemaPtr ReadSchemaUnderLock();
     qint64 CookieInFile() const;
     engine::TablePtr RequireTable(const QString& name);

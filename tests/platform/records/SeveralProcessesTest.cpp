@@ -1,0 +1,107 @@
+#include "platform/records/RecordsFixture.h"
+
+#include <QFile>
+#include <QProcess>
+
+#include <map>
+#include <random>
+
+using namespace dao;
+
+namespace
+{
+
+class SeveralProcesses : public RecordsFixture
+{
+protected:
+    SeveralProcesses()
+    {
+        std::vector<std::unique_ptr<Field>> fields;
+        fields.push_back(MakeField(QStringLiteral("Reference"), dbLong, 0, dbAutoIncrField));
+        fields.push_back(MakeField(QStringLiteral("Name"), dbText));
+        fields.push_back(MakeField(QStringLiteral("Memo"), dbMemo));
+        AddTable(Db(), QStringLiteral("T"), std::move(fields));
+        AddIndex(Db(), QStringLiteral("T"), QStringLiteral("Main"), {QStringLiteral("Reference")}, true, true);
+        AddIndex(Db(), QStringLiteral("T"), QStringLiteral("Names"), {QStringLiteral("Name")});
+    }
+
+    void Start(QProcess& process, const QString& name, int rows) const
+    {
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(QStringLiteral(TOLVA_STORE_WRITER), {FileName(), name, QString::number(rows)});
+        ASSERT_TRUE(process.waitForStarted());
+    }
+
+    /// Takes what a process acknowledged; a line that the kill cut off counts for nothing.
+    void Take(QProcess& process)
+    {
+        const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
+        for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+            const qsizetype blank = lines.at(i).indexOf(' ');
+            const int reference = lines.at(i).left(blank).toInt();
+            EXPECT_TRUE(Acknowledged_.emplace(reference, QString::fromLatin1(lines.at(i).mid(blank + 1))).second)
+                << "number " << reference << " was given twice";
+        }
+    }
+
+    void ExpectAllThere()
+    {
+        const auto rows = OpenTable(QStringLiteral("T"), QStringLiteral("Main"));
+        for (const auto& [reference, name] : Acknowledged_) {
+            rows->Seek(SeekComparison::Equal, {reference});
+            ASSERT_FALSE(rows->NoMatch()) << reference;
+            EXPECT_EQ(rows->Collect(QStringLiteral("Name")).toString(), name);
+        }
+        // A compaction looks at every page.
+        const QString target = Path(QStringLiteral("Checked.mdb"));
+        DBEngine::CompactDatabase(FileName(), target);
+        QFile::remove(target);
+    }
+
+    std::map<int, QString> Acknowledged_;
+};
+
+TEST_P(SeveralProcesses, AddRowsAtOnceWithoutSharingANumber)
+{
+    QProcess first;
+    QProcess second;
+    Start(first, QStringLiteral("first"), 60);
+    Start(second, QStringLiteral("second"), 60);
+    for (QProcess* process : {&first, &second}) {
+        ASSERT_TRUE(process->waitForFinished(60000));
+        EXPECT_EQ(process->exitCode(), 0);
+        Take(*process);
+    }
+    EXPECT_EQ(Acknowledged_.size(), 120U);
+    ExpectAllThere();
+    EXPECT_EQ(OpenTable(QStringLiteral("T"))->RecordCount(), 120);
+}
+
+TEST_P(SeveralProcesses, KilledAtAnyMomentLoseNothingThatWasAcknowledged)
+{
+    const QByteArray given = qgetenv("TOLVA_TEST_SEED");
+    const unsigned seed = given.isEmpty() ? std::random_device()() : given.toUInt();
+    SCOPED_TRACE(testing::Message() << "seed (TOLVA_TEST_SEED): " << seed);
+    std::mt19937 random(seed);
+    for (int round = 0; round < 12; ++round) {
+        QProcess victim;
+        QProcess survivor;
+        Start(victim, QStringLiteral("victim%1").arg(round), 0);
+        Start(survivor, QStringLiteral("survivor%1").arg(round), 10);
+        // The moment is counted from the victim's first row, and differs by some of its writes.
+        ASSERT_TRUE(victim.waitForReadyRead(30000));
+        victim.waitForFinished(static_cast<int>(random() % 40));
+        victim.kill();
+        ASSERT_TRUE(victim.waitForFinished(30000));
+        ASSERT_TRUE(survivor.waitForFinished(60000));
+        EXPECT_EQ(survivor.exitCode(), 0);
+        Take(victim);
+        Take(survivor);
+    }
+    EXPECT_GE(Acknowledged_.size(), 130U);
+    ExpectAllThere();
+}
+
+INSTANTIATE_FOR_ENGINES(SeveralProcesses);
+
+} // namespace
