@@ -209,6 +209,7 @@ private:
     void StoreCategory(clsCategory& category);
     void StoreCategoryTree(clsCategory& category);
     cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
+    std::unique_ptr<dao::Recordset> OpenMessagesForChange(PendingError& pending);
     bool MayEditMessage(const cMessage& message) const;
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
 

@@ -140,8 +140,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     const auto category = GetMessageCategory(reference);
     if (category->SubCategoryCount() >= 1)
         return false;
-    const auto messages = Database_->OpenRecordset(
-        QStringLiteral("SELECT * FROM [Messages] WHERE [Category]=%1").arg(reference), dao::dbOpenSnapshot);
+    const auto messages =
+        OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
     if (messages->RecordCount() != 0)
         return false;
     const auto recordset = OpenCategories(*Database_);
