@@ -80,9 +80,9 @@ void MailSources::AddFolder(const QString& folder)
             ++others;
     }
     if (others > 0) {
-        Skipped_.append(
-            QStringLiteral("%1: left out %2 that end neither in .eml nor in .sms")
-                .arg(folder, others == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(others)));
+        Skipped_.append(QStringLiteral("%1: left out %2 neither in .eml nor in .sms")
+                            .arg(folder, others == 1 ? QStringLiteral("1 file that ends")
+                                                     : QStringLiteral("%1 files that end").arg(others)));
     }
 }
 

@@ -24,9 +24,10 @@ TEST_F(FilingTest, EveryRealMailComesBackOctetByOctet)
     const Outcome filed = OnStation("file", {QStringLiteral("--verbose"), mails.path()});
     EXPECT_EQ(filed.Code, 0) << filed.Problems.constData();
     EXPECT_EQ(filed.LastLine(), "filed " + QByteArray::number(files.size()) + ", failed 0");
-    ASSERT_EQ(filed.Lines().size(), files.size() + 1);
+    const QList<QByteArray> lines = filed.Lines();
+    ASSERT_EQ(lines.size(), files.size() + 1);
     for (qsizetype i = 0; i < files.size(); ++i) {
-        const QByteArray& line = filed.Lines().at(i);
+        const QByteArray& line = lines.at(i);
         ASSERT_TRUE(line.startsWith("filed " + files.at(i).filePath().toUtf8() + " as ")) << line.constData();
         EXPECT_EQ(Raw(QString::fromLatin1(line.mid(line.lastIndexOf(' ') + 1))), Read(files.at(i).filePath()))
             << line.constData();

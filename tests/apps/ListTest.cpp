@@ -26,7 +26,7 @@ TEST_F(ListTest, ALineShowsNumberFlagsDateSenderAndSubject)
     FileMail(Mail("A card"));
     EXPECT_EQ(Expect("list", {QStringLiteral("--category"), QStringLiteral("Inbox")}),
               "     1 N---- 2026-11-20 08:00 Loveday Tregenza A card\n");
-    EXPECT_EQ(Expect("list"), "     1 N---- 2026-11-20 08:00 Loveday Tregen\xE2\x80\xA6 A card             Inbox\n");
+    EXPECT_EQ(Expect("list"), "     1 N---- 2026-11-20 08:00 Loveday Tregenza A card               Inbox\n");
 }
 
 TEST_F(ListTest, JsonHasAllItsMembersInEveryLine)
