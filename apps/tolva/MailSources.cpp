@@ -155,12 +155,12 @@ void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
         incoming.Name = QStringLiteral("standard input");
         if (!Terminal::ReadInput(incoming.Octets))
             incoming.Problem = QStringLiteral("cannot be read");
+        // Mail servers put it before what they hand over; of a file every octet is kept.
+        RemoveEnvelopeLine(incoming.Octets);
     } else {
         incoming.Name = source.Path;
         QFile file(source.Path);
         if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !ReadFile(file, incoming.Octets))
             incoming.Problem = QStringLiteral("cannot be read: %1").arg(file.errorString());
     }
-    if (incoming.Kind == IncomingKind::Mail)
-        RemoveEnvelopeLine(incoming.Octets);
 }
