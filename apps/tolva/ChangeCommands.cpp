@@ -51,8 +51,14 @@ int Delete(const Arguments& arguments)
     const qint32 reference = ToReference(arguments.Words().at(1));
     const bool isPermanent = arguments.Has(PermanentlyOption);
     Station station(arguments);
-    if (isPermanent && !arguments.Has(YesOption) && Terminal::CanAsk() &&
-        !IsConfirmed(station, *station.Message(arguments.Words().at(1)))) {
+    const cMessagePtr message = station.Message(arguments.Words().at(1));
+    if (!isPermanent && message->Category() == tmcDeleted) {
+        Terminal::Complain(QStringLiteral("Message %1 is in %2 already; --permanently erases it.")
+                               .arg(reference)
+                               .arg(FolderPath(FolderPaths(station.Folders()), tmcDeleted)));
+        return exitOK;
+    }
+    if (isPermanent && !arguments.Has(YesOption) && Terminal::CanAsk() && !IsConfirmed(station, *message)) {
         Terminal::Complain(QStringLiteral("Nothing was deleted."));
         return exitDeclined;
     }

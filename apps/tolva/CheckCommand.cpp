@@ -239,16 +239,16 @@ void CheckDirectory(const QString& file, Findings& findings)
 
 /// Runs a check of one file. A file that cannot be opened for its content is a finding as well.
 template <typename Check>
-void OfFile(const QString& subject, Findings& findings, Check&& check)
+void OfFile(const QString& file, Findings& findings, Check&& check)
 {
     try {
         check();
     } catch (const dao::Error& error) {
-        const Failure failure = FailureOf(subject, error.Number(), error.Description());
+        const Failure failure = FailureOf(file, file, error.Number(), error.Description());
         if (failure.Code() != exitData)
             throw failure;
         findings.Add(QStringLiteral("damaged files"),
-                     QStringLiteral("%1 is damaged, or no database at all: %2").arg(subject, error.Description()));
+                     QStringLiteral("%1 is damaged, or no database at all: %2").arg(file, error.Description()));
     }
 }
 
@@ -270,7 +270,7 @@ int Run(const Arguments& arguments)
         Terminal::Complain(QStringLiteral("Ended early by Ctrl-C; the rest was not checked."));
         return exitInterrupted;
     }
-    const QString directory = FileHelper::Join(Station::DirectoryIn(folder), QStringLiteral("Directory.mdb"));
+    const QString directory = Station::DirectoryFileIn(folder);
     OfFile(directory, findings, [&] { CheckDirectory(directory, findings); });
     if (findings.IsEmpty()) {
         Terminal::PrintLine(QStringLiteral("The station is sound."));

@@ -1,5 +1,18 @@
 #include "Failure.h"
 
+#include <QFileInfo>
+
+namespace
+{
+bool MayUse(const QString& file)
+{
+    const QFileInfo information(file);
+    // The journal is made beside the file.
+    return information.isFile() && information.isReadable() && information.isWritable() &&
+           QFileInfo(information.absolutePath()).isWritable();
+}
+} // namespace
+
 ExitCode ExitCodeOf(int errorNumber)
 {
     switch (errorNumber) {
@@ -35,8 +48,10 @@ ExitCode ExitCodeOf(int errorNumber)
     }
 }
 
-Failure FailureOf(const QString& subject, int errorNumber, const QString& description)
+Failure FailureOf(const QString& subject, const QString& file, int errorNumber, const QString& description)
 {
+    if (errorNumber == dao::errCannotOpen && MayUse(file))
+        return FailureOf(subject, file, dao::errLocked, description);
     const auto words = [&](const QString& text) { return Failure(ExitCodeOf(errorNumber), subject + u' ' + text); };
     switch (errorNumber) {
     case dao::errLocked:
@@ -52,8 +67,7 @@ Failure FailureOf(const QString& subject, int errorNumber, const QString& descri
         return words(
             QStringLiteral("is not a database of this program, or its file is damaged. (%1)").arg(description));
     case dao::errCannotOpen:
-        return words(QStringLiteral("cannot be opened: it is in use, or this account may not read and write it. (%1)")
-                         .arg(description));
+        return words(QStringLiteral("cannot be opened: this account may not read and write it. (%1)").arg(description));
     case dao::errDiskFull:
         return words(QStringLiteral("cannot be written: the disk is full."));
     case dao::errDiskError:

@@ -28,4 +28,6 @@ private:
 ExitCode ExitCodeOf(int errorNumber);
 
 /// An error of the record store as the user reads it: what is wrong and what to do. subject: "The station in /srv/fm".
-Failure FailureOf(const QString& subject, int errorNumber, const QString& description);
+/// file: the database file that it is about, where one is known. The store has one error for a file in use and for one
+/// without permission; a file that this account may read and write is in use.
+Failure FailureOf(const QString& subject, const QString& file, int errorNumber, const QString& description);

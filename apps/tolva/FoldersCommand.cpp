@@ -160,9 +160,10 @@ void Delete(Station& station, const Arguments& arguments)
         const auto rows = station.Database().OpenMessageRows({QStringLiteral("Reference")},
                                                              QStringLiteral("[Category]=%1").arg(reference));
         throw rows->RecordCount() > 0
-            ? Failure(exitData, QStringLiteral("\"%1\" holds %2 messages. Move or delete those first.")
-                                    .arg(name)
-                                    .arg(rows->RecordCount()))
+            ? Failure(exitData,
+                      QStringLiteral("\"%1\" is not empty: it holds %2. Move or delete that first.")
+                          .arg(name, rows->RecordCount() == 1 ? QStringLiteral("1 message")
+                                                              : QStringLiteral("%1 messages").arg(rows->RecordCount())))
             : Failure(exitTemporary, QStringLiteral("\"%1\" changed while it was being deleted. Try again.").arg(name));
     });
 }

@@ -95,7 +95,8 @@ int Run(const Arguments& arguments)
                 ? AlreadyThere(folder)
                 : Failure(exitInputOutput, QStringLiteral("The station could not be put into %1.").arg(folder));
     } catch (const dao::Error& error) {
-        throw FailureOf(QStringLiteral("The station in %1").arg(folder), error.Number(), error.Description());
+        throw FailureOf(QStringLiteral("The station in %1").arg(folder), QString(), error.Number(),
+                        error.Description());
     }
     Terminal::PrintLine(QStringLiteral("Made the station \"%1\" in %2; its first user is %3.")
                             .arg(arguments.Value(NameOption), folder, user));

@@ -80,9 +80,9 @@ void MailSources::AddFolder(const QString& folder)
             ++others;
     }
     if (others > 0) {
-        Skipped_.append(
-            QStringLiteral("%1: left out %2 that end neither in .eml nor in .sms")
-                .arg(folder, others == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(others)));
+        Skipped_.append(QStringLiteral("%1: left out %2 neither in .eml nor in .sms")
+                            .arg(folder, others == 1 ? QStringLiteral("1 file that ends")
+                                                     : QStringLiteral("%1 files that end").arg(others)));
     }
 }
 
@@ -155,12 +155,12 @@ void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
         incoming.Name = QStringLiteral("standard input");
         if (!Terminal::ReadInput(incoming.Octets))
             incoming.Problem = QStringLiteral("cannot be read");
+        // Mail servers put it before what they hand over; of a file every octet is kept.
+        RemoveEnvelopeLine(incoming.Octets);
     } else {
         incoming.Name = source.Path;
         QFile file(source.Path);
         if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !ReadFile(file, incoming.Octets))
             incoming.Problem = QStringLiteral("cannot be read: %1").arg(file.errorString());
     }
-    if (incoming.Kind == IncomingKind::Mail)
-        RemoveEnvelopeLine(incoming.Octets);
 }

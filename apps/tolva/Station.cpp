@@ -31,6 +31,11 @@ QString Station::UserName(const Arguments& arguments)
                            fromEnvironment.isEmpty() ? QStringLiteral("Technician") : fromEnvironment);
 }
 
+QString Station::DirectoryFileIn(const QString& folder)
+{
+    return FileHelper::Join(DirectoryIn(folder), QStringLiteral("Directory.mdb"));
+}
+
 OptionDefinition Station::UserOption()
 {
     return {QStringLiteral("user"), QStringLiteral("NAME"),
@@ -53,7 +58,8 @@ Station::Station(const Arguments& arguments) : Folder_(arguments.Folder())
 void Station::SignIn(const QString& name)
 {
     const QString folder = DirectoryIn(Folder_);
-    if (!FileHelper::FileExists(FileHelper::Join(folder, QStringLiteral("Directory.mdb")))) {
+    const QString file = DirectoryFileIn(Folder_);
+    if (!FileHelper::FileExists(file)) {
         throw Failure(exitNoUser, QStringLiteral("The station in %1 has no directory, so nobody is a user of it. "
                                                  "Its directory belongs into %2.")
                                       .arg(Folder_, folder));
@@ -63,7 +69,7 @@ void Station::SignIn(const QString& name)
         if (Directory_.SignIn(name))
             return;
     } catch (const dao::Error& error) {
-        throw FailureOf(QStringLiteral("The directory in %1").arg(folder), error.Number(), error.Description());
+        throw FailureOf(QStringLiteral("The directory in %1").arg(folder), file, error.Number(), error.Description());
     }
     throw Failure(exitNoUser,
                   QStringLiteral("\"%1\" is not a user of the directory in %2. Name a user with --user or in "
@@ -105,7 +111,7 @@ void Station::FailOpen(int errorNumber)
 
 Failure Station::FailureOfStation(int errorNumber, const QString& description) const
 {
-    return FailureOf(SubjectOf(Folder_), errorNumber, description);
+    return FailureOf(SubjectOf(Folder_), FileIn(Folder_), errorNumber, description);
 }
 
 cMessagePtr Station::Message(const QString& words)

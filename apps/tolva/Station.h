@@ -45,6 +45,8 @@ public:
     static QString FileIn(const QString& folder);
     /// The folder of the directory of a station.
     static QString DirectoryIn(const QString& folder);
+    /// The file in it.
+    static QString DirectoryFileIn(const QString& folder);
     /// The user's name: --user, the environment variable TOLVA_USER, or "Technician".
     static QString UserName(const Arguments& arguments);
     static OptionDefinition UserOption();

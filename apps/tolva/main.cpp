@@ -50,7 +50,8 @@ int RunAndReport(const QStringList& arguments)
         Terminal::Complain(failure.Words());
         return failure.Code();
     } catch (const dao::Error& error) {
-        const Failure failure = FailureOf(QStringLiteral("The station"), error.Number(), error.Description());
+        const Failure failure =
+            FailureOf(QStringLiteral("The station"), QString(), error.Number(), error.Description());
         Terminal::Complain(failure.Words());
         return failure.Code();
     } catch (const std::bad_alloc&) {
