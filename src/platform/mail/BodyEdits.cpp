@@ -235,7 +235,7 @@ int BodyIndex(const BodyParts& parts, BodyKind kind)
 
 QString BodyText(QByteArrayView octets, const BodyPart& part)
 {
-    return WithPlainLineEnds(Decode(DecodedContent(octets, part), part.CharacterSet).Text);
+    return WithPlainLineEnds(TextOf(octets, part).Text);
 }
 
 QByteArray WithBodyReplaced(const QByteArray& original, const BodyParts& parts, BodyKind kind, const QString& text)

@@ -1,7 +1,5 @@
 #include "platform/mail/MimeWriter.h"
 
-#include "platform/mail/CharacterSets.h"
-
 #include <QCryptographicHash>
 #include <QSet>
 
@@ -210,7 +208,7 @@ QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block
 QByteArray WithDeclaration(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
-    const QByteArray characterSet = Decode(DecodedContent(octets, part), part.CharacterSet).CharacterSet;
+    const QByteArray characterSet = TextOf(octets, part).CharacterSet;
     QByteArray fields = TypeField(QByteArray(), kind, characterSet, lineBreak);
     if (const char* encoding = g_mime_content_encoding_to_string(part.Encoding))
         fields.append("Content-Transfer-Encoding: ").append(encoding).append(lineBreak);
