@@ -304,3 +304,21 @@ TEST(MailBodyAdding, EmptyFileAndFieldsAboutNoContentAreNotPushedAside)
     EXPECT_TRUE(described.Octets().contains("Content-Description: nothing\r\n"));
     EXPECT_EQ(described.Attachments().size(), 1);
 }
+
+TEST(MailBodyAdding, MailWhosePartsWouldReadOtherwiseIsEnclosedWhole)
+{
+    // The part ends within its own header, so that whatever stands beside it becomes its text.
+    const QByteArray octets =
+        mailTest::ReadFile(mailTest::DataFolder() + QStringLiteral("finds/part-cut-off-in-its-header"));
+    Message message(octets);
+    const QString text = message.TextBody();
+    const QString subject = message.Subject();
+    message.SetHTMLBody(Html);
+    EXPECT_EQ(Plain(message.TextBody()), Plain(text));
+    EXPECT_EQ(Plain(message.HTMLBody()), Plain(Html));
+    EXPECT_EQ(Plain(message.Subject()), Plain(subject));
+    ASSERT_FALSE(message.Attachments().isEmpty());
+    const auto last = static_cast<int>(message.Attachments().size()) - 1;
+    EXPECT_EQ(Plain(message.Attachments().at(last).ContentType), "message/rfc822");
+    EXPECT_EQ(message.AttachmentContent(last), octets);
+}
