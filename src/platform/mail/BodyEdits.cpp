@@ -143,17 +143,6 @@ Entity EntityAround(const QByteArray& octets, const BodyParts& parts, const Body
     return {parts.Multiparts().at(protection).HeaderBegin, parts.EndOf(octets, protection)};
 }
 
-BodyKind OtherKind(BodyKind kind)
-{
-    return kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html;
-}
-
-/// A reader shows the last alternative that it can, so HTML stands behind the text.
-Placement PlacementOf(BodyKind kind)
-{
-    return kind == BodyKind::Html ? Placement::Behind : Placement::Before;
-}
-
 /// The message with a new body beside the other one.
 QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
                            const BodyPart& other, BodyKind kind, const QString& text)
@@ -162,7 +151,7 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
     const QByteArray entity = BodyEntity(kind, text, lineBreak, parts.EnclosingBoundaries(other.Parent));
     const int protection = parts.OutermostProtection(other.Parent);
     const int beside = protection == BodyParts::None ? other.Parent : parts.Multiparts().at(protection).Parent;
-    const Placement placement = PlacementOf(kind);
+    const Placement placement = kind == BodyKind::Html ? Placement::Behind : Placement::Before;
     if (beside == BodyParts::None || parts.EnclosingBoundaries(beside).size() > DeepestPlace)
         return WithMessageWrapped(octets, block, "alternative", placement, entity);
 
@@ -234,6 +223,11 @@ QByteArray WithLastPart(const QByteArray& octets, const HeaderBlock& block, cons
 
 } // namespace
 
+BodyKind Other(BodyKind kind)
+{
+    return kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html;
+}
+
 int BodyIndex(const BodyParts& parts, BodyKind kind)
 {
     return kind == BodyKind::Html ? parts.Html() : parts.Text();
@@ -241,7 +235,7 @@ int BodyIndex(const BodyParts& parts, BodyKind kind)
 
 QString BodyText(QByteArrayView octets, const BodyPart& part)
 {
-    return WithPlainLineEnds(Decode(DecodedContent(octets, part), part.CharacterSet).Text);
+    return WithPlainLineEnds(TextOf(octets, part).Text);
 }
 
 QByteArray WithBodyReplaced(const QByteArray& original, const BodyParts& parts, BodyKind kind, const QString& text)
@@ -260,49 +254,49 @@ QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, con
     const QByteArray lineBreak = LineBreakOf(octets);
     if (HasNoContent(octets, block, parts))
         return WithOnlyBody(octets, block, BodyEntity(kind, text, lineBreak, {}), lineBreak);
-    const int other = BodyIndex(parts, OtherKind(kind));
+    const int other = BodyIndex(parts, Other(kind));
     if (other != BodyParts::None)
         return WithAlternative(octets, block, parts, parts.Leaves().at(other), kind, text);
     if (const Multipart* mixed = OuterMixed(parts))
         return WithFirstPart(octets, block, *mixed, BodyEntity(kind, text, lineBreak, {mixed->Boundary}), lineBreak);
-    return WithBodyInFront(octets, block, parts, kind, text);
+    return WithBodyInFront(octets, block, kind, text);
 }
 
-QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, const BodyParts&, BodyKind kind,
-                           const QString& text)
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text)
 {
     const QByteArray entity = BodyEntity(kind, text, LineBreakOf(octets), {});
     return WithMessageWrapped(octets, block, "mixed", Placement::Before, entity);
 }
 
-QByteArray WithBodyBesideLeaf(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
-                              const QString& text)
+QByteArray WithTypeAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts)
 {
-    const int other = BodyIndex(parts, OtherKind(kind));
-    if (other == BodyParts::None || !parts.Multiparts().isEmpty())
+    if (!parts.Multiparts().isEmpty())
         return octets;
-    const QByteArray lineBreak = LineBreakOf(octets);
-    const QByteArray entity = BodyEntity(kind, text, lineBreak, {});
-    const QByteArray old = EntityAsRead(octets, block, parts.Leaves().at(other), OtherKind(kind), lineBreak);
-    const QByteArray bodies =
-        Wrapped("alternative", old, PlacementOf(kind), entity, NewBoundary(octets, entity), lineBreak) + lineBreak;
-    return WithOnlyBody(octets, block, bodies, lineBreak);
+    for (const BodyKind kind : {BodyKind::Text, BodyKind::Html}) {
+        const int index = BodyIndex(parts, kind);
+        if (index != BodyParts::None)
+            return WithDeclaration(octets, block, parts.Leaves().at(index), kind);
+    }
+    return octets;
 }
 
-QByteArray WithBodyBeforeWhole(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
-                               BodyKind kind, const QString& text)
+QByteArray WithWholeEnclosed(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
-    QByteArray bodies = BodyEntity(kind, text, lineBreak, {});
-    const int other = BodyIndex(parts, OtherKind(kind));
-    if (other != BodyParts::None) {
-        const QByteArray shown = BodyEntity(OtherKind(kind), BodyText(octets, parts.Leaves().at(other)), lineBreak, {});
-        bodies = Wrapped("alternative", shown, PlacementOf(kind), bodies, NewBoundary(shown, bodies), lineBreak);
+    QByteArray bodies;
+    for (const BodyKind kind : {BodyKind::Text, BodyKind::Html}) {
+        const int index = BodyIndex(parts, kind);
+        if (index == BodyParts::None)
+            continue;
+        const QByteArray shown = BodyEntity(kind, BodyText(octets, parts.Leaves().at(index)), lineBreak, {});
+        bodies = bodies.isEmpty()
+                     ? shown
+                     : Wrapped("alternative", bodies, Placement::Behind, shown, NewBoundary(bodies, shown), lineBreak);
     }
     const QByteArray whole = FileEntity(QStringLiteral("original.eml"), "message/rfc822", octets, lineBreak);
-    const QByteArray content =
-        Wrapped("mixed", whole, Placement::Before, bodies, NewBoundary(whole, bodies), lineBreak) + lineBreak;
-    return WithOnlyBody(octets, block, content, lineBreak);
+    const Placement placement = bodies.isEmpty() ? Placement::Alone : Placement::Behind;
+    const QByteArray content = Wrapped("mixed", bodies, placement, whole, NewBoundary(bodies, whole), lineBreak);
+    return WithOnlyBody(octets, block, content + lineBreak, lineBreak);
 }
 
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,

@@ -15,6 +15,8 @@ enum class BodyKind
     Html
 };
 
+BodyKind Other(BodyKind kind);
+
 /// The index of that body among the parts' leaves; BodyParts::None when there is none.
 int BodyIndex(const BodyParts& parts, BodyKind kind);
 
@@ -34,21 +36,19 @@ QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, con
 
 /// The message with a new body in front of all that it held, in a multipart/mixed. What is broken cannot swallow it
 /// there.
-QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
-                           const QString& text);
-
-/// The message with a new body beside the only one that it consists of, declared as it was read: content of a broken
-/// or contradictory type would be read otherwise inside a multipart. Unchanged when the message is no such thing.
-QByteArray WithBodyBesideLeaf(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
-                              const QString& text);
-
-/// The message with a new body, a copy of the other one as it was shown, and behind them the whole old message as a
-/// file: for what is so broken that its parts are others as soon as they stand anywhere else.
-QByteArray WithBodyBeforeWhole(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
-                               BodyKind kind, const QString& text);
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text);
 
 /// The message with one more file, behind those that it has.
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
                           const QString& fileName, const QByteArray& contentType, const QByteArray& content);
+
+/// The message, when it is one body and no more, with a type that says how that body was read. Of a broken or
+/// contradictory declaration other readers, and readers of parts, make something else; it stays as
+/// "X-Original-Content-Type". Any other message comes back as it was.
+QByteArray WithTypeAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts);
+
+/// The message made anew of its bodies as they were shown, with the whole of the old one as a file: for what is so
+/// broken that its parts are others as soon as anything is put beside them.
+QByteArray WithWholeEnclosed(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts);
 
 } // namespace cdo

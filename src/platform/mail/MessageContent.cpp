@@ -89,18 +89,42 @@ void Message::Content::SetBody(BodyKind kind, const QString& text)
 
 void Message::Content::AddBody(BodyKind kind, const QString& text)
 {
-    // Broken parts may swallow what is put beside them, or read otherwise once they stand inside others. So each way is
-    // tried out, the one that changes least first; the last one depends on nothing that is broken.
-    static constexpr std::array ways = {WithBodyAdded, WithBodyInFront, WithBodyBesideLeaf, WithBodyBeforeWhole};
-    const BodyKind otherKind = kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html;
+    const QString other = Body(Other(kind));
+    const qsizetype files = Parts().Files().size();
+    const auto beside = [&] { return WithBodyAdded(Octets_, Header(), Parts(), kind, text); };
+    const auto inFront = [&] { return WithBodyInFront(Octets_, Header(), kind, text); };
+    Add({beside, inFront},
+        [&] { return Body(kind) == text && Body(Other(kind)) == other && Parts().Files().size() == files; });
+}
+
+void Message::Content::AddFile(const QString& fileName, const QByteArray& contentType, const QByteArray& content)
+{
+    const QString text = Body(BodyKind::Text);
+    const QString html = Body(BodyKind::Html);
+    const qsizetype files = Parts().Files().size();
+    const auto behind = [&] { return WithAttachment(Octets_, Header(), Parts(), fileName, contentType, content); };
+    Add({behind}, [&] {
+        return Body(BodyKind::Text) == text && Body(BodyKind::Html) == html && Parts().Files().size() == files + 1 &&
+               DecodedContent(Octets_, *File(static_cast<int>(files))) == content;
+    });
+}
+
+void Message::Content::Add(std::initializer_list<Edit> edits, const std::function<bool()>& isRight)
+{
+    static constexpr auto asItIs = [](const QByteArray& octets, const HeaderBlock&, const BodyParts&) {
+        return octets;
+    };
+    static constexpr std::array<Mending, 3> mendings = {asItIs, WithTypeAsRead, WithWholeEnclosed};
     const QByteArray octets = Octets_;
-    const HeaderBlock header = Header();
-    const BodyParts parts = Parts();
-    const QString other = Body(otherKind);
-    for (const auto& way : ways) {
-        SetOctets(way(octets, header, parts, kind, text));
-        if (Body(kind) == text && Body(otherKind) == other && Parts().Files().size() == parts.Files().size())
-            return;
+    for (const Mending mended : mendings) {
+        SetOctets(octets);
+        const QByteArray start = mended(octets, Header(), Parts());
+        for (const Edit& edit : edits) {
+            SetOctets(start);
+            SetOctets(edit());
+            if (isRight())
+                return;
+        }
     }
 }
 

@@ -1,7 +1,5 @@
 #include "platform/mail/MimeWriter.h"
 
-#include "platform/mail/CharacterSets.h"
-
 #include <QCryptographicHash>
 #include <QSet>
 
@@ -150,17 +148,6 @@ QByteArray BodyEntity(BodyKind kind, const QString& text, const QByteArray& line
            lineBreak + WithoutBoundaryLines(content, boundaries, "=2D");
 }
 
-QByteArray EntityAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind,
-                        const QByteArray& lineBreak)
-{
-    const QByteArray characterSet = Decode(DecodedContent(octets, part), part.CharacterSet).CharacterSet;
-    QByteArray fields = TypeField(QByteArray(), kind, characterSet, lineBreak);
-    if (const char* encoding = g_mime_content_encoding_to_string(part.Encoding))
-        fields.append("Content-Transfer-Encoding: ").append(encoding).append(lineBreak);
-    return fields + ContentFields(octets, block, {"content-type", "content-transfer-encoding"}, lineBreak) + lineBreak +
-           octets.sliced(part.ContentBegin, part.ContentEnd - part.ContentBegin);
-}
-
 QByteArray FileEntity(const QString& fileName, const QByteArray& contentType, const QByteArray& content,
                       const QByteArray& lineBreak)
 {
@@ -216,6 +203,17 @@ QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block
     const QByteArray wrapped =
         Wrapped(subtype, old, placement, entity, NewBoundary(octets, entity), lineBreak) + lineBreak;
     return WithOnlyBody(octets, block, wrapped, lineBreak);
+}
+
+QByteArray WithDeclaration(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind)
+{
+    const QByteArray lineBreak = LineBreakOf(octets);
+    const QByteArray characterSet = TextOf(octets, part).CharacterSet;
+    QByteArray fields = TypeField(QByteArray(), kind, characterSet, lineBreak);
+    if (const char* encoding = g_mime_content_encoding_to_string(part.Encoding))
+        fields.append("Content-Transfer-Encoding: ").append(encoding).append(lineBreak);
+    fields.append(ContentFields(octets, block, {"content-type", "content-transfer-encoding"}, lineBreak));
+    return HeaderWith(octets, block, fields, lineBreak) + lineBreak + octets.sliced(block.BodyBegin());
 }
 
 QByteArray WithOnlyBody(const QByteArray& octets, const HeaderBlock& block, const QByteArray& entity,

@@ -32,11 +32,6 @@ QByteArray Utf8TypeField(const QByteArray& oldValue, BodyKind kind, const QByteA
 QByteArray BodyEntity(BodyKind kind, const QString& text, const QByteArray& lineBreak,
                       const QList<QByteArray>& boundaries);
 
-/// The one body that a message consists of as a part, its octets unchanged but declared as it was read, whatever its
-/// fields make of it elsewhere: they go along as "X-Original-Content-Type" and "X-Original-Content-Transfer-Encoding".
-QByteArray EntityAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind,
-                        const QByteArray& lineBreak);
-
 /// A file in base64; a message as it is, since a message must not be encoded.
 QByteArray FileEntity(const QString& fileName, const QByteArray& contentType, const QByteArray& content,
                       const QByteArray& lineBreak);
@@ -52,6 +47,10 @@ QByteArray Wrapped(const QByteArray& subtype, const QByteArray& old, Placement p
 /// go with it, repeated ones as "X-Original-Content-..."; all others stay.
 QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block, const QByteArray& subtype,
                               Placement placement, const QByteArray& entity);
+
+/// The message with the type and encoding by which its only body was read, in front of those that it declared, which
+/// stay as "X-Original-Content-...".
+QByteArray WithDeclaration(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind);
 
 /// The message with the entity as its whole content, in place of what described the old one.
 QByteArray WithOnlyBody(const QByteArray& octets, const HeaderBlock& block, const QByteArray& entity,
