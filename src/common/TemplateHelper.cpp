@@ -20,5 +20,6 @@ QString TemplateHelper::RemoveSection(const QString& text, const QString& openTa
         result += QStringView(text).mid(copied, open - copied);
         copied = close + closeTag.size();
     }
-    return result + QStringView(text).mid(copied);
+    result += QStringView(text).mid(copied);
+    return result;
 }
