@@ -1,7 +1,6 @@
 // A database as a file: making, reading and compacting it.
 
 #include "common/FileDialog.h"
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"

@@ -1,6 +1,5 @@
 // Opening and closing a station.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"

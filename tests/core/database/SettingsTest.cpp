@@ -1,6 +1,5 @@
 // Settings of a station, and its details.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/SettingText.h"

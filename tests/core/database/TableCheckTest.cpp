@@ -1,6 +1,5 @@
 // Creating and completing the tables of a station database.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/TableCheck.h"
@@ -154,9 +153,9 @@ TEST_F(TableCheckTest, AMissingFieldIsAddedEmptyAndAnExtraOneIsKept)
 
 TEST_F(TableCheckTest, AFieldOfAnotherTypeIsAcceptedAsItStands)
 {
-    MakeTable(QStringLiteral("Settings"), {{u"Item", dbMemo}});
+    MakeTable(QStringLiteral("Settings"), {{u"Item", dbText}, {u"Value", dbLong}});
     ASSERT_EQ(DAO_DatabaseFunctions::CheckSettingsTable(*File), 0);
-    EXPECT_EQ(Table(u"Settings").Fields().Item(QStringLiteral("Item")).Type(), dbMemo);
+    EXPECT_EQ(Table(u"Settings").Fields().Item(QStringLiteral("Value")).Type(), dbLong);
 }
 
 TEST_F(TableCheckTest, AnIndexOfTheNameIsAcceptedWhateverItCovers)

@@ -1,6 +1,5 @@
 // Highlight words as a message is saved.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 
 class HighlightSavingTest : public StationTest

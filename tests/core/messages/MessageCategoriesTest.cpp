@@ -1,6 +1,5 @@
 // The folders of a station.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "platform/records/DBEngine.h"
 

@@ -1,6 +1,5 @@
 // Fetching, saving, copying, moving and deleting messages of a station.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "platform/records/DBEngine.h"
 
