@@ -136,8 +136,11 @@ void StatementUse::Run()
 std::string_view StatementUse::Text(int column) const
 {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(Handle_, column));
-    if (text == nullptr)
+    if (text == nullptr) {
+        if (!IsNull(column))
+            Connection_.Raise(SQLITE_NOMEM);
         return {};
+    }
     return {text, static_cast<std::size_t>(sqlite3_column_bytes(Handle_, column))};
 }
 
