@@ -1,4 +1,4 @@
-// tolva move, copy, delete and mark: changes of one message.
+// tolva move, copy, delete and mark: changes of messages.
 
 #include "Commands.h"
 #include "DisplayText.h"
@@ -61,20 +61,28 @@ int Delete(const Arguments& arguments)
     return exitOK;
 }
 
-int Mark(const Arguments& arguments)
+void MarkOne(Station& station, qint32 reference, bool isRead)
 {
-    const qint32 reference = ToReference(arguments.Words().at(1));
-    const QString& state = arguments.Words().at(2);
-    if (state != u"read" && state != u"unread")
-        throw Failure(exitUsage, QStringLiteral("A message is marked \"read\" or \"unread\", not \"%1\".").arg(state));
-    Station station(arguments);
-    const cMessagePtr message = station.Message(arguments.Words().at(1));
-    const qint32 flags = state == u"read" ? message->Flags() | mfRead : message->Flags() & ~mfRead;
+    const cMessagePtr message = station.Message(QString::number(reference));
+    const qint32 flags = isRead ? message->Flags() | mfRead : message->Flags() & ~mfRead;
     if (flags == message->Flags())
-        return exitOK;
+        return;
     message->SetFlags(flags);
     if (!station.Try([&] { return station.Database().SaveMessage(message); }))
         throw station.WhyNot(reference, QStringLiteral("mark this message"));
+}
+
+int Mark(const Arguments& arguments)
+{
+    const QString& state = arguments.Words().last();
+    if (state != u"read" && state != u"unread")
+        throw Failure(exitUsage, QStringLiteral("A message is marked \"read\" or \"unread\", not \"%1\".").arg(state));
+    QList<qint32> references;
+    for (const QString& words : arguments.Words().mid(1, arguments.Words().size() - 2))
+        references.append(ToReference(words));
+    Station station(arguments);
+    for (const qint32 reference : references)
+        MarkOne(station, reference, state == u"read");
     return exitOK;
 }
 
@@ -129,13 +137,14 @@ CommandDefinition MarkCommand()
 {
     return {
         QStringLiteral("mark"),
-        QStringLiteral("Marks a message as read or unread."),
-        {QStringLiteral("mark FOLDER REF read|unread")},
-        QString(),
+        QStringLiteral("Marks messages as read or unread."),
+        {QStringLiteral("mark FOLDER REF... read|unread")},
+        QStringLiteral(
+            "REF is a message's number in the list. The first message that cannot be marked ends the command."),
         {Station::UserOption()},
-        QStringLiteral("tolva mark /srv/station 27 read"),
+        QStringLiteral("tolva mark /srv/station 27 28 read"),
         3,
-        3,
+        -1,
         Mark,
     };
 }

@@ -140,11 +140,7 @@ void FileTextMessage(Filing& filing, Station& station, const Arguments& argument
     text.From = arguments.Value(FromOption).trimmed();
     text.To = arguments.Value(ToOption, station.Database().StationSMSPhoneNumber()).trimmed();
     text.Text = DecodeTextMessage(InputForTextMessage());
-    const QString name = QStringLiteral("The text message from %1").arg(text.From);
-    if (text.Text.trimmed().isEmpty())
-        filing.Refuse(name, QStringLiteral("is empty"), exitData);
-    else
-        filing.Save(MakeMessage(text), name);
+    filing.Save(MakeMessage(text), QStringLiteral("The text message from %1").arg(text.From));
 }
 
 /// False when Ctrl-C ended it early.

@@ -61,8 +61,6 @@ TextMessage ReadTextMessageFile(const QByteArray& octets, QString& problem)
     message.Text = rest;
     if (message.From.isEmpty())
         problem = QStringLiteral("is not a text message: it has no From line");
-    else if (message.Text.trimmed().isEmpty())
-        problem = QStringLiteral("is empty");
     return message;
 }
 

@@ -34,7 +34,7 @@ qint16 ToReference(qint32 number)
 }
 
 /// All that the statements store, or nothing of it.
-template<typename Statements>
+template <typename Statements>
 void InTransaction(Statements&& statements)
 {
     dao::DBEngine::BeginTrans();
@@ -158,8 +158,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     return true;
 }
 
-void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description,
-                                       qint32 killHours, qint32 backColour, const QString& iconReference)
+void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
+                                       qint32 backColour, const QString& iconReference)
 {
     clsCategory category;
     category.SetReference(static_cast<qint16>(reference));

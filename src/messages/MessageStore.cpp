@@ -15,7 +15,12 @@ const QString MainIndex = QStringLiteral("Main");
 const QString LastChangedSetting = QStringLiteral("Messages.LastChanged");
 
 /// Kinds of the user log.
-enum AuditKind { auditMessageAdded = 6, auditMessageEdited = 7, auditMessageDeleted = 8 };
+enum AuditKind
+{
+    auditMessageAdded = 6,
+    auditMessageEdited = 7,
+    auditMessageDeleted = 8
+};
 
 /// text, followed by the pending error's words where there is one.
 QString WithError(const QString& text, const PendingError& pending)
@@ -229,8 +234,7 @@ bool cTolvaDatabase::MayEditMessage(const cMessage& message) const
     const clsKVUser* user = CurrentUser();
     if (!user)
         return false;
-    return message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages()
-                                                            : user->CanEditMessages();
+    return message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages() : user->CanEditMessages();
 }
 
 Date cTolvaDatabase::LastMessageChanged() const
