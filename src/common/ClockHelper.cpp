@@ -21,8 +21,8 @@ QDateTime Now()
     static const SystemClock systemClock;
     return (current ? *current : systemClock).CurrentDateTimeUtc();
 }
-constexpr double UnixEpochDay = 25569; // 1 January 1970
 constexpr double MillisecondsADay = 86400000;
+constexpr qint64 UnixEpoch = qint64(25569) * 86400000; // 1 January 1970, in milliseconds since day zero
 
 /// The offset of the machine's zone from universal time, in seconds, and the stretch of time over which it holds. A
 /// list converts three dates a message, and asking the zone each time would cost more than reading the message. Asked
@@ -93,9 +93,9 @@ Date ClockHelper::UTCToLocal(Date utc)
 {
     if (utc.IsNone())
         return utc;
-    const auto msecs = static_cast<qint64>(std::llround((utc.DayNumber() - UnixEpochDay) * MillisecondsADay));
-    const auto local = static_cast<double>(msecs + qint64(1000) * Zone().At(msecs));
-    return Date(local / MillisecondsADay + UnixEpochDay);
+    const qint64 msecs = std::llround(utc.DayNumber() * MillisecondsADay);
+    const qint64 local = msecs + qint64(1000) * Zone().At(msecs - UnixEpoch);
+    return Date(static_cast<double>(local) / MillisecondsADay);
 }
 
 Date ClockHelper::LocalToUTC(Date local)

@@ -143,6 +143,17 @@ Entity EntityAround(const QByteArray& octets, const BodyParts& parts, const Body
     return {parts.Multiparts().at(protection).HeaderBegin, parts.EndOf(octets, protection)};
 }
 
+BodyKind OtherKind(BodyKind kind)
+{
+    return kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html;
+}
+
+/// A reader shows the last alternative that it can, so HTML stands behind the text.
+Placement PlacementOf(BodyKind kind)
+{
+    return kind == BodyKind::Html ? Placement::Behind : Placement::Before;
+}
+
 /// The message with a new body beside the other one.
 QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
                            const BodyPart& other, BodyKind kind, const QString& text)
@@ -151,7 +162,7 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
     const QByteArray entity = BodyEntity(kind, text, lineBreak, parts.EnclosingBoundaries(other.Parent));
     const int protection = parts.OutermostProtection(other.Parent);
     const int beside = protection == BodyParts::None ? other.Parent : parts.Multiparts().at(protection).Parent;
-    const Placement placement = kind == BodyKind::Html ? Placement::Behind : Placement::Before;
+    const Placement placement = PlacementOf(kind);
     if (beside == BodyParts::None || parts.EnclosingBoundaries(beside).size() > DeepestPlace)
         return WithMessageWrapped(octets, block, "alternative", placement, entity);
 
@@ -168,10 +179,26 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
                        Wrapped("alternative", old, placement, entity, NewBoundary(octets, entity), lineBreak));
 }
 
-bool HasNoContent(const QByteArray& octets, const BodyParts& parts)
+/// Whether the header says more of the content than one type and one encoding.
+bool HasFurtherContentFields(const QByteArray& octets, const HeaderBlock& block)
+{
+    int types = 0;
+    int encodings = 0;
+    int all = 0;
+    for (const HeaderField& field : block.Fields()) {
+        const QByteArrayView name = HeaderBlock::Name(octets, field);
+        types += name.compare("Content-Type", Qt::CaseInsensitive) == 0 ? 1 : 0;
+        encodings += name.compare("Content-Transfer-Encoding", Qt::CaseInsensitive) == 0 ? 1 : 0;
+        all += DescribesContent(name) ? 1 : 0;
+    }
+    return types > 1 || encodings > 1 || all > types + encodings;
+}
+
+/// Whether there is nothing that a new body or file could push aside: no content, and no word about it.
+bool HasNoContent(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts)
 {
     const BodyPart& part = parts.Leaves().constFirst();
-    return parts.Multiparts().isEmpty() && part.ContentType.startsWith("text/") &&
+    return parts.Multiparts().isEmpty() && parts.Files().isEmpty() && !HasFurtherContentFields(octets, block) &&
            QByteArrayView(octets).sliced(part.ContentBegin, part.ContentEnd - part.ContentBegin).trimmed().isEmpty();
 }
 
@@ -231,20 +258,51 @@ QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, con
                          const QString& text)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
-    if (HasNoContent(octets, parts))
+    if (HasNoContent(octets, block, parts))
         return WithOnlyBody(octets, block, BodyEntity(kind, text, lineBreak, {}), lineBreak);
-    const int other = BodyIndex(parts, kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html);
+    const int other = BodyIndex(parts, OtherKind(kind));
     if (other != BodyParts::None)
         return WithAlternative(octets, block, parts, parts.Leaves().at(other), kind, text);
     if (const Multipart* mixed = OuterMixed(parts))
         return WithFirstPart(octets, block, *mixed, BodyEntity(kind, text, lineBreak, {mixed->Boundary}), lineBreak);
-    return WithBodyInFront(octets, block, kind, text);
+    return WithBodyInFront(octets, block, parts, kind, text);
 }
 
-QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text)
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, const BodyParts&, BodyKind kind,
+                           const QString& text)
 {
     const QByteArray entity = BodyEntity(kind, text, LineBreakOf(octets), {});
     return WithMessageWrapped(octets, block, "mixed", Placement::Before, entity);
+}
+
+QByteArray WithBodyBesideLeaf(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
+                              const QString& text)
+{
+    const int other = BodyIndex(parts, OtherKind(kind));
+    if (other == BodyParts::None || !parts.Multiparts().isEmpty())
+        return octets;
+    const QByteArray lineBreak = LineBreakOf(octets);
+    const QByteArray entity = BodyEntity(kind, text, lineBreak, {});
+    const QByteArray old = EntityAsRead(octets, block, parts.Leaves().at(other), OtherKind(kind), lineBreak);
+    const QByteArray bodies =
+        Wrapped("alternative", old, PlacementOf(kind), entity, NewBoundary(octets, entity), lineBreak) + lineBreak;
+    return WithOnlyBody(octets, block, bodies, lineBreak);
+}
+
+QByteArray WithBodyBeforeWhole(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
+                               BodyKind kind, const QString& text)
+{
+    const QByteArray lineBreak = LineBreakOf(octets);
+    QByteArray bodies = BodyEntity(kind, text, lineBreak, {});
+    const int other = BodyIndex(parts, OtherKind(kind));
+    if (other != BodyParts::None) {
+        const QByteArray shown = BodyEntity(OtherKind(kind), BodyText(octets, parts.Leaves().at(other)), lineBreak, {});
+        bodies = Wrapped("alternative", shown, PlacementOf(kind), bodies, NewBoundary(shown, bodies), lineBreak);
+    }
+    const QByteArray whole = FileEntity(QStringLiteral("original.eml"), "message/rfc822", octets, lineBreak);
+    const QByteArray content =
+        Wrapped("mixed", whole, Placement::Before, bodies, NewBoundary(whole, bodies), lineBreak) + lineBreak;
+    return WithOnlyBody(octets, block, content, lineBreak);
 }
 
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
@@ -252,7 +310,7 @@ QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, co
 {
     const QByteArray lineBreak = LineBreakOf(octets);
     const QByteArray entity = FileEntity(fileName, contentType, content, lineBreak);
-    if (HasNoContent(octets, parts))
+    if (HasNoContent(octets, block, parts))
         return WithMessageWrapped(octets, block, "mixed", Placement::Alone, entity);
     const Multipart* mixed = OuterMixed(parts);
     if (mixed != nullptr && FindBoundaryLine(entity, 0, {mixed->Boundary}) < 0)

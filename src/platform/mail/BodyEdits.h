@@ -32,8 +32,20 @@ QByteArray WithBodyReplaced(const QByteArray& octets, const BodyParts& parts, Bo
 QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
                          const QString& text);
 
-/// The message with a new body in front of all that it held, in a multipart/mixed.
-QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text);
+/// The message with a new body in front of all that it held, in a multipart/mixed. What is broken cannot swallow it
+/// there.
+QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
+                           const QString& text);
+
+/// The message with a new body beside the only one that it consists of, declared as it was read: content of a broken
+/// or contradictory type would be read otherwise inside a multipart. Unchanged when the message is no such thing.
+QByteArray WithBodyBesideLeaf(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
+                              const QString& text);
+
+/// The message with a new body, a copy of the other one as it was shown, and behind them the whole old message as a
+/// file: for what is so broken that its parts are others as soon as they stand anywhere else.
+QByteArray WithBodyBeforeWhole(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
+                               BodyKind kind, const QString& text);
 
 /// The message with one more file, behind those that it has.
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,

@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <array>
 
 namespace cdo
 {
@@ -83,11 +84,24 @@ void Message::Content::SetBody(BodyKind kind, const QString& text)
         SetOctets(WithBodyReplaced(Octets_, Parts(), kind, storable));
         return;
     }
-    const QByteArray before = Octets_;
-    SetOctets(WithBodyAdded(Octets_, Header(), Parts(), kind, storable));
-    // Parts broken badly enough swallow what stands behind them; nothing can do that to what stands in front.
-    if (Body(kind) != storable)
-        SetOctets(WithBodyInFront(before, HeaderBlock(before), kind, storable));
+    AddBody(kind, storable);
+}
+
+void Message::Content::AddBody(BodyKind kind, const QString& text)
+{
+    // Broken parts may swallow what is put beside them, or read otherwise once they stand inside others. So each way is
+    // tried out, the one that changes least first; the last one depends on nothing that is broken.
+    static constexpr std::array ways = {WithBodyAdded, WithBodyInFront, WithBodyBesideLeaf, WithBodyBeforeWhole};
+    const BodyKind otherKind = kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html;
+    const QByteArray octets = Octets_;
+    const HeaderBlock header = Header();
+    const BodyParts parts = Parts();
+    const QString other = Body(otherKind);
+    for (const auto& way : ways) {
+        SetOctets(way(octets, header, parts, kind, text));
+        if (Body(kind) == text && Body(otherKind) == other && Parts().Files().size() == parts.Files().size())
+            return;
+    }
 }
 
 const BodyPart* Message::Content::File(int index)

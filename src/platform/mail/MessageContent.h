@@ -38,6 +38,8 @@ public:
     QHash<QString, QVariant> Fields; ///< Values set by name, the names in lower case.
 
 private:
+    void AddBody(BodyKind kind, const QString& text);
+
     QByteArray Octets_;
     std::optional<HeaderBlock> Header_;
     std::optional<BodyParts> Parts_;

@@ -1,5 +1,7 @@
 #include "platform/mail/MimeWriter.h"
 
+#include "platform/mail/CharacterSets.h"
+
 #include <QCryptographicHash>
 #include <QSet>
 
@@ -11,22 +13,19 @@ namespace cdo
 namespace
 {
 
-bool DescribesContent(QByteArrayView name)
-{
-    return name.size() > 8 && name.first(8).compare("Content-", Qt::CaseInsensitive) == 0;
-}
-
 /// The fields that go with the content. Of several of one name only the first counts, and readers of parts do not agree
-/// on that, so the others stay behind.
-QByteArray ContentFields(const QByteArray& octets, const HeaderBlock& block, const QByteArray& lineBreak)
+/// on that, so the others go under a name that describes nothing. So do those whose names are taken already.
+QByteArray ContentFields(const QByteArray& octets, const HeaderBlock& block, QSet<QByteArray> taken,
+                         const QByteArray& lineBreak)
 {
     QByteArray fields;
-    QSet<QByteArray> taken;
     for (const HeaderField& field : block.Fields()) {
-        const QByteArrayView name = HeaderBlock::Name(octets, field);
-        if (!DescribesContent(name) || taken.contains(name.toByteArray().toLower()))
+        const QByteArray name = HeaderBlock::Name(octets, field).toByteArray().toLower();
+        if (!DescribesContent(name))
             continue;
-        taken.insert(name.toByteArray().toLower());
+        if (taken.contains(name))
+            fields.append("X-Original-");
+        taken.insert(name);
         fields.append(octets.constData() + field.Begin, field.End - field.Begin);
         if (!fields.endsWith('\n'))
             fields.append(lineBreak);
@@ -85,7 +84,27 @@ std::pair<QByteArray, QByteArray> TypeAndSubtype(const QByteArray& contentType)
     return {type, subtype};
 }
 
+/// A Content-Type field with the type and parameters of the old value, but for its character set.
+QByteArray TypeField(const QByteArray& oldValue, BodyKind kind, const QByteArray& characterSet,
+                     const QByteArray& lineBreak)
+{
+    const char* subtype = kind == BodyKind::Html ? "html" : "plain";
+    const QByteArray value = QByteArray(oldValue).replace('\0', ' ');
+    ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), value.constData()));
+    if (!g_mime_content_type_is_type(type.get(), "text", subtype))
+        type.reset(g_mime_content_type_new("text", subtype));
+    g_mime_content_type_set_parameter(type.get(), "charset", characterSet.constData());
+    const TextPointer encoded(g_mime_content_type_encode(type.get(), FormatOptions()));
+    QByteArray field = QByteArray("Content-Type: ") + QByteArray(encoded.get()).trimmed() + '\n';
+    return field.replace("\n", lineBreak);
+}
+
 } // namespace
+
+bool DescribesContent(QByteArrayView name)
+{
+    return name.size() > 8 && name.first(8).compare("Content-", Qt::CaseInsensitive) == 0;
+}
 
 QByteArray TransferEncoded(const QByteArray& content, GMimeContentEncoding encoding, const QByteArray& lineBreak)
 {
@@ -120,15 +139,7 @@ QByteArray WithoutBoundaryLines(const QByteArray& content, const QList<QByteArra
 
 QByteArray Utf8TypeField(const QByteArray& oldValue, BodyKind kind, const QByteArray& lineBreak)
 {
-    const char* subtype = kind == BodyKind::Html ? "html" : "plain";
-    const QByteArray value = QByteArray(oldValue).replace('\0', ' ');
-    ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), value.constData()));
-    if (!g_mime_content_type_is_type(type.get(), "text", subtype))
-        type.reset(g_mime_content_type_new("text", subtype));
-    g_mime_content_type_set_parameter(type.get(), "charset", "utf-8");
-    const TextPointer encoded(g_mime_content_type_encode(type.get(), FormatOptions()));
-    QByteArray field = QByteArray("Content-Type: ") + QByteArray(encoded.get()).trimmed() + '\n';
-    return field.replace("\n", lineBreak);
+    return TypeField(oldValue, kind, "utf-8", lineBreak);
 }
 
 QByteArray BodyEntity(BodyKind kind, const QString& text, const QByteArray& lineBreak,
@@ -137,6 +148,17 @@ QByteArray BodyEntity(BodyKind kind, const QString& text, const QByteArray& line
     const QByteArray content = TransferEncoded(text.toUtf8(), GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, lineBreak);
     return Utf8TypeField(QByteArray(), kind, lineBreak) + "Content-Transfer-Encoding: quoted-printable" + lineBreak +
            lineBreak + WithoutBoundaryLines(content, boundaries, "=2D");
+}
+
+QByteArray EntityAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind,
+                        const QByteArray& lineBreak)
+{
+    const QByteArray characterSet = Decode(DecodedContent(octets, part), part.CharacterSet).CharacterSet;
+    QByteArray fields = TypeField(QByteArray(), kind, characterSet, lineBreak);
+    if (const char* encoding = g_mime_content_encoding_to_string(part.Encoding))
+        fields.append("Content-Transfer-Encoding: ").append(encoding).append(lineBreak);
+    return fields + ContentFields(octets, block, {"content-type", "content-transfer-encoding"}, lineBreak) + lineBreak +
+           octets.sliced(part.ContentBegin, part.ContentEnd - part.ContentBegin);
 }
 
 QByteArray FileEntity(const QString& fileName, const QByteArray& contentType, const QByteArray& content,
@@ -190,7 +212,7 @@ QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block
                               Placement placement, const QByteArray& entity)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
-    const QByteArray old = ContentFields(octets, block, lineBreak) + lineBreak + octets.sliced(block.BodyBegin());
+    const QByteArray old = ContentFields(octets, block, {}, lineBreak) + lineBreak + octets.sliced(block.BodyBegin());
     const QByteArray wrapped =
         Wrapped(subtype, old, placement, entity, NewBoundary(octets, entity), lineBreak) + lineBreak;
     return WithOnlyBody(octets, block, wrapped, lineBreak);

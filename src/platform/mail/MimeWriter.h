@@ -14,6 +14,9 @@ enum class Placement
     Alone
 };
 
+/// Whether a field of this name says something about the content.
+bool DescribesContent(QByteArrayView name);
+
 /// Content in a transfer encoding, its line ends as given; base64 and quoted-printable do not end in one of their own.
 /// Content for all but base64 has "\n" as its line ends.
 QByteArray TransferEncoded(const QByteArray& content, GMimeContentEncoding encoding, const QByteArray& lineBreak);
@@ -29,6 +32,11 @@ QByteArray Utf8TypeField(const QByteArray& oldValue, BodyKind kind, const QByteA
 QByteArray BodyEntity(BodyKind kind, const QString& text, const QByteArray& lineBreak,
                       const QList<QByteArray>& boundaries);
 
+/// The one body that a message consists of as a part, its octets unchanged but declared as it was read, whatever its
+/// fields make of it elsewhere: they go along as "X-Original-Content-Type" and "X-Original-Content-Transfer-Encoding".
+QByteArray EntityAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind,
+                        const QByteArray& lineBreak);
+
 /// A file in base64; a message as it is, since a message must not be encoded.
 QByteArray FileEntity(const QString& fileName, const QByteArray& contentType, const QByteArray& content,
                       const QByteArray& lineBreak);
@@ -41,7 +49,7 @@ QByteArray Wrapped(const QByteArray& subtype, const QByteArray& old, Placement p
                    const QByteArray& boundary, const QByteArray& lineBreak);
 
 /// The message with its content put into a multipart together with a new entity. The fields that describe the content
-/// go with it; all others stay.
+/// go with it, repeated ones as "X-Original-Content-..."; all others stay.
 QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block, const QByteArray& subtype,
                               Placement placement, const QByteArray& entity);
 
