@@ -1,10 +1,12 @@
 #include "platform/records/RecordsFixture.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 
 #include <map>
 #include <random>
+#include <set>
 
 using namespace dao;
 
@@ -28,7 +30,8 @@ protected:
     void Start(QProcess& process, const QString& name, int rows) const
     {
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QStringLiteral(TOLVA_STORE_WRITER), {FileName(), name, QString::number(rows)});
+        process.start(QStringLiteral(TOLVA_STORE_WRITER),
+                      {QStringLiteral("add"), FileName(), name, QString::number(rows)});
         ASSERT_TRUE(process.waitForStarted());
     }
 
@@ -58,6 +61,12 @@ protected:
         QFile::remove(target);
     }
 
+    static unsigned Seed()
+    {
+        const QByteArray given = qgetenv("TOLVA_TEST_SEED");
+        return given.isEmpty() ? std::random_device()() : given.toUInt();
+    }
+
     std::map<int, QString> Acknowledged_;
 };
 
@@ -79,8 +88,7 @@ TEST_P(SeveralProcesses, AddRowsAtOnceWithoutSharingANumber)
 
 TEST_P(SeveralProcesses, KilledAtAnyMomentLoseNothingThatWasAcknowledged)
 {
-    const QByteArray given = qgetenv("TOLVA_TEST_SEED");
-    const unsigned seed = given.isEmpty() ? std::random_device()() : given.toUInt();
+    const unsigned seed = Seed();
     SCOPED_TRACE(testing::Message() << "seed (TOLVA_TEST_SEED): " << seed);
     std::mt19937 random(seed);
     for (int round = 0; round < 12; ++round) {
@@ -100,6 +108,68 @@ TEST_P(SeveralProcesses, KilledAtAnyMomentLoseNothingThatWasAcknowledged)
     }
     EXPECT_GE(Acknowledged_.size(), 130U);
     ExpectAllThere();
+}
+
+TEST_P(SeveralProcesses, KilledInNestedTransactionsLeaveThemWholeOrNotAtAll)
+{
+    TableDef& table = Db().TableDefs().Item(QStringLiteral("T"));
+    table.Fields().Append(MakeField(QStringLiteral("Number"), dbLong));
+    DBEngine::BeginTrans();
+    for (int i = 0; i < 9; ++i) {
+        const auto rows = OpenTable(QStringLiteral("T"));
+        rows->AddNew();
+        rows->SetCollect(QStringLiteral("Number"), 0);
+        rows->SetCollect(QStringLiteral("Memo"), QString(5000, QLatin1Char('m')));
+        rows->Update();
+    }
+    DBEngine::CommitTrans();
+    const unsigned seed = Seed();
+    SCOPED_TRACE(testing::Message() << "seed (TOLVA_TEST_SEED): " << seed);
+    std::mt19937 random(seed);
+    for (int round = 0; round < 12; ++round) {
+        QProcess mover;
+        mover.start(QStringLiteral(TOLVA_STORE_WRITER), {QStringLiteral("move"), FileName()});
+        ASSERT_TRUE(mover.waitForReadyRead(30000));
+        mover.waitForFinished(static_cast<int>(random() % 30));
+        mover.kill();
+        ASSERT_TRUE(mover.waitForFinished(30000));
+        const QList<QByteArray> lines = mover.readAllStandardOutput().split('\n');
+        const int said = lines.value(lines.size() - 2).toInt();
+        std::set<int> numbers;
+        const auto rows = OpenTable(QStringLiteral("T"));
+        for (; !rows->AtEOF(); rows->MoveNext())
+            numbers.insert(rows->Collect(QStringLiteral("Number")).toInt());
+        ASSERT_EQ(numbers.size(), 1U);
+        EXPECT_GE(*numbers.begin(), said);
+        EXPECT_LE(*numbers.begin(), said + 1);
+    }
+    ExpectAllThere();
+}
+
+TEST_P(SeveralProcesses, OfTwoThatCreateTheSameFileAtOnceOneIsRefused)
+{
+    for (int round = 0; round < 10; ++round) {
+        const QString name = Path(QStringLiteral("New%1.mdb").arg(round));
+        QProcess first;
+        QProcess second;
+        for (QProcess* process : {&first, &second}) {
+            process->start(QStringLiteral(TOLVA_STORE_WRITER), {QStringLiteral("create"), name});
+            ASSERT_TRUE(process->waitForStarted());
+        }
+        for (QProcess* process : {&first, &second})
+            process->write("\n");
+        int made = 0;
+        for (QProcess* process : {&first, &second}) {
+            ASSERT_TRUE(process->waitForFinished(30000));
+            made += process->exitCode() == 0;
+            if (process->exitCode() != 0) {
+                EXPECT_EQ(process->readAllStandardOutput().toInt(), errCannotOpen);
+            }
+        }
+        EXPECT_EQ(made, 1);
+        EXPECT_EQ(DBEngine::OpenDatabase(name)->TableDefs().Count(), 1);
+    }
+    EXPECT_EQ(QDir(Path(QString())).entryList({QStringLiteral("~*")}).size(), 0);
 }
 
 INSTANTIATE_FOR_ENGINES(SeveralProcesses);

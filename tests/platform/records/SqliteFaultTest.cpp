@@ -235,6 +235,63 @@ INSTANTIATE_TEST_SUITE_P(, SqliteFaults,
                                          FaultVfs::Operation::Truncate, FaultVfs::Operation::Delete),
                          OperationName);
 
+TEST(SqliteDurability, AFullDiskIsNamedAndNothingIsStored)
+{
+    QTemporaryDir folder;
+    FaultVfs disk;
+    const auto database = DBEngine::CreateDatabase(folder.filePath(QStringLiteral("Test.mdb")), QString());
+    std::vector<std::unique_ptr<Field>> fields;
+    fields.push_back(MakeField(QStringLiteral("Name"), dbText));
+    AddTable(*database, QStringLiteral("T"), std::move(fields));
+    const auto rows = database->OpenRecordset(QStringLiteral("T"), dbOpenTable);
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Name"), QStringLiteral("x"));
+    disk.FailAt(FaultVfs::Operation::Write, 1, SQLITE_FULL, true);
+    try {
+        rows->Update();
+        ADD_FAILURE() << "the row was stored";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), errDiskFull);
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("the disk is full")))
+            << qPrintable(error.Description());
+    }
+    EXPECT_EQ(rows->RecordCount(), 0);
+    // With room again the same row goes in.
+    disk.Heal();
+    rows->Update();
+    EXPECT_EQ(rows->RecordCount(), 1);
+}
+
+TEST(SqliteDurability, AFailureOfTheDiskInAnInnerTransactionIsToldByTheOuterOne)
+{
+    QTemporaryDir folder;
+    FaultVfs disk;
+    const QString name = folder.filePath(QStringLiteral("Test.mdb"));
+    auto database = DBEngine::CreateDatabase(name, QString());
+    std::vector<std::unique_ptr<Field>> fields;
+    fields.push_back(MakeField(QStringLiteral("Name"), dbMemo));
+    AddTable(*database, QStringLiteral("T"), std::move(fields));
+    const auto add = [&](qsizetype size) {
+        const auto rows = database->OpenRecordset(QStringLiteral("T"), dbOpenTable);
+        rows->AddNew();
+        rows->SetCollect(QStringLiteral("Name"), QString(size, QLatin1Char('x')));
+        rows->Update();
+    };
+    DBEngine::BeginTrans();
+    add(1);
+    DBEngine::BeginTrans();
+    disk.FailAt(FaultVfs::Operation::Write, 1, SQLITE_IOERR, true);
+    // More than the cache holds, so that the disk is met before the commit.
+    EXPECT_EQ(ErrorNumberOf([&] { add(30000000); }), errDiskError);
+    ErrorNumberOf([] { DBEngine::Rollback(); });
+    EXPECT_EQ(ErrorNumberOf([] { DBEngine::CommitTrans(); }), errDiskError);
+    disk.Heal();
+    add(2);
+    database.reset();
+    database = DBEngine::OpenDatabase(name);
+    EXPECT_EQ(database->OpenRecordset(QStringLiteral("T"), dbOpenTable)->RecordCount(), 1);
+}
+
 TEST(SqliteDurability, TheJournalIsSyncedAfterItIsCut)
 {
     // Cutting the journal is what commits; without a sync behind it a power failure could bring it back.

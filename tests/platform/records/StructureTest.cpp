@@ -210,6 +210,45 @@ TEST_P(Structure, AddedInARolledBackTransactionIsGone)
     EXPECT_EQ(ErrorNumberOf([&] { OpenTable(QStringLiteral("Goes")); }), errTableNotFound);
 }
 
+TEST_P(Structure, AMemoCanBeIndexedAndWalkedByThatIndex)
+{
+    std::vector<std::unique_ptr<Field>> fields;
+    fields.push_back(MakeField(QStringLiteral("Item"), dbMemo));
+    fields.push_back(MakeField(QStringLiteral("Other"), dbMemo));
+    AddTable(Db(), QStringLiteral("Options"), std::move(fields));
+    AddIndex(Db(), QStringLiteral("Options"), QStringLiteral("Items"), {QStringLiteral("Item")}, true);
+    auto rows = OpenTable(QStringLiteral("Options"));
+    const QString large(100000, QLatin1Char('x'));
+    for (const QString& item : {large + QLatin1Char('2'), QStringLiteral("b"), large + QLatin1Char('1'),
+                                QStringLiteral("A"), large + QLatin1Char('3')}) {
+        rows->AddNew();
+        rows->SetCollect(QStringLiteral("Item"), item);
+        rows->SetCollect(QStringLiteral("Other"), item);
+        rows->Update();
+    }
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Item"), large.toUpper() + QLatin1Char('1'));
+    EXPECT_EQ(ErrorNumberOf([&] { rows->Update(); }), errDuplicateValue);
+    rows->CancelUpdate();
+    for (int round = 0; round < 2; ++round) {
+        rows = OpenTable(QStringLiteral("Options"), QStringLiteral("Items"));
+        QString lasts;
+        for (; !rows->AtEOF(); rows->MoveNext()) {
+            const QString item = rows->Collect(QStringLiteral("Item")).toString();
+            EXPECT_EQ(rows->Collect(QStringLiteral("Other")).toString(), item);
+            lasts += item.back();
+        }
+        EXPECT_EQ(lasts, QStringLiteral("Ab123"));
+        for (rows->MoveLast(); !rows->AtBOF(); rows->MovePrevious())
+            lasts += rows->Collect(QStringLiteral("Item")).toString().back();
+        EXPECT_EQ(lasts, QStringLiteral("Ab123321bA"));
+        rows->Seek(SeekComparison::Equal, {large + QLatin1Char('2')});
+        EXPECT_FALSE(rows->NoMatch());
+        rows.reset();
+        Reopen();
+    }
+}
+
 INSTANTIATE_FOR_ENGINES(Structure);
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QThread>
 
 #include <algorithm>
@@ -203,7 +204,24 @@ Connection::Connection(const QString& fileName, Mode mode) : FileName_(fileName)
 
 Connection::~Connection()
 {
+    RemoveEmptyJournal();
     sqlite3_close_v2(Handle_);
+}
+
+void Connection::RemoveEmptyJournal() noexcept
+{
+    // A file that was renamed while it was open is not the one that its journal's name belongs to now.
+    int hasMoved = 0;
+    if (IsReadOnly() || sqlite3_file_control(Handle_, "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK ||
+        hasMoved != 0)
+        return;
+    const QFileInfo journal(QString::fromUtf8(sqlite3_filename_journal(sqlite3_db_filename(Handle_, "main"))));
+    if (!journal.isFile() || journal.size() > 0)
+        return;
+    // SQLite deletes it under the lock of a writer, so that nobody can be using it; whoever has that lock now keeps
+    // the journal, and removes it in turn. Nothing is lost with an empty journal that stays, so nobody is waited for.
+    sqlite3_busy_handler(Handle_, nullptr, nullptr);
+    sqlite3_exec(Handle_, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
 }
 
 int Connection::Busy(void* self, int count)
