@@ -5,6 +5,10 @@
 
 int main(int argc, char** argv)
 {
+    // The same on every machine, whoever starts the program and how.
+    qputenv("LC_ALL", "C.UTF-8");
+    qputenv("TZ", "Europe/London");
+    qputenv("QT_HASH_SEED", "0");
     testing::InitGoogleTest(&argc, argv);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
     const QCoreApplication application(argc, argv);

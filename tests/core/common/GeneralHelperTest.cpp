@@ -95,7 +95,7 @@ TEST(GeneralHelperTest, ANumericFieldTakesDigitsAndEditingKeys)
 {
     EXPECT_EQ(GeneralHelper::FilterNumericKey('7', 1), '7');
     EXPECT_EQ(GeneralHelper::FilterNumericKey(8, 1), 8); // backspace
-    for (const int key : {'a', ' ', '-', '.', 0, 0xE9})
+    for (const int key : std::initializer_list<int>{'a', ' ', '-', '.', 0, 0xE9})
         EXPECT_EQ(GeneralHelper::FilterNumericKey(key, 1), 0) << key;
     EXPECT_EQ(GeneralHelper::FilterNumericKey('-', 0), '-');
 }
