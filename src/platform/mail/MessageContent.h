@@ -46,7 +46,7 @@ private:
 
     /// Broken parts may swallow what is put into or beside them, or read otherwise once they stand inside others. So
     /// each edit is tried until the result is right: on the message as it is, and then on what is made of it, the
-    /// lesser change first. The last depends on nothing that is broken.
+    /// lesser change first. The last depends on nothing that is broken, and stands.
     void Change(std::initializer_list<Edit> edits, const std::function<bool()>& isRight);
 
     QByteArray Octets_;
