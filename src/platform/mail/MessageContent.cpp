@@ -22,6 +22,16 @@ QString Storable(const QString& text)
     return WithPlainLineEnds(result);
 }
 
+/// Whether two texts are one but for the characters that a replaced body may hold as references.
+bool IsSameButForReferences(const QString& left, const QString& right)
+{
+    const auto referenced = [](const QString& text) {
+        return WithReferences(text, QByteArrayLiteral("us-ascii"))
+            .replace(QStringLiteral("&#45;"), QStringLiteral("-"));
+    };
+    return left == right || referenced(left) == referenced(right);
+}
+
 bool IsFieldName(const QByteArray& name)
 {
     return !name.isEmpty() &&
@@ -80,21 +90,19 @@ void Message::Content::SetBody(BodyKind kind, const QString& text)
     if (storable == Body(kind))
         return;
     const bool isNew = BodyIndex(Parts(), kind) == BodyParts::None || Octets_.size() == Header().BodyBegin();
-    if (!isNew) {
-        SetOctets(WithBodyReplaced(Octets_, Parts(), kind, storable));
-        return;
-    }
-    AddBody(kind, storable);
-}
-
-void Message::Content::AddBody(BodyKind kind, const QString& text)
-{
     const QString other = Body(Other(kind));
     const qsizetype files = Parts().Files().size();
-    const auto beside = [&] { return WithBodyAdded(Octets_, Header(), Parts(), kind, text); };
-    const auto inFront = [&] { return WithBodyInFront(Octets_, Header(), kind, text); };
-    Add({beside, inFront},
-        [&] { return Body(kind) == text && Body(Other(kind)) == other && Parts().Files().size() == files; });
+    const auto isRight = [&] {
+        return IsSameButForReferences(Body(kind), storable) && Body(Other(kind)) == other &&
+               Parts().Files().size() == files;
+    };
+    const auto replaced = [&] { return WithBodyReplaced(Octets_, Parts(), kind, storable); };
+    const auto beside = [&] { return WithBodyAdded(Octets_, Header(), Parts(), kind, storable); };
+    const auto inFront = [&] { return WithBodyInFront(Octets_, Header(), kind, storable); };
+    if (isNew)
+        Change({beside, inFront}, isRight);
+    else
+        Change({replaced}, isRight);
 }
 
 void Message::Content::AddFile(const QString& fileName, const QByteArray& contentType, const QByteArray& content)
@@ -103,13 +111,13 @@ void Message::Content::AddFile(const QString& fileName, const QByteArray& conten
     const QString html = Body(BodyKind::Html);
     const qsizetype files = Parts().Files().size();
     const auto behind = [&] { return WithAttachment(Octets_, Header(), Parts(), fileName, contentType, content); };
-    Add({behind}, [&] {
+    Change({behind}, [&] {
         return Body(BodyKind::Text) == text && Body(BodyKind::Html) == html && Parts().Files().size() == files + 1 &&
                DecodedContent(Octets_, *File(static_cast<int>(files))) == content;
     });
 }
 
-void Message::Content::Add(std::initializer_list<Edit> edits, const std::function<bool()>& isRight)
+void Message::Content::Change(std::initializer_list<Edit> edits, const std::function<bool()>& isRight)
 {
     static constexpr auto asItIs = [](const QByteArray& octets, const HeaderBlock&, const BodyParts&) {
         return octets;

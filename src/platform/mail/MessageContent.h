@@ -44,11 +44,10 @@ private:
     using Edit = std::function<QByteArray()>;
     using Mending = QByteArray (*)(const QByteArray&, const HeaderBlock&, const BodyParts&);
 
-    void AddBody(BodyKind kind, const QString& text);
-    /// Broken parts may swallow what is put beside them, or read otherwise once they stand inside others. So each edit
-    /// is tried until the result is right: on the message as it is, and then on what is made of it, the lesser change
-    /// first. The last depends on nothing that is broken.
-    void Add(std::initializer_list<Edit> edits, const std::function<bool()>& isRight);
+    /// Broken parts may swallow what is put into or beside them, or read otherwise once they stand inside others. So
+    /// each edit is tried until the result is right: on the message as it is, and then on what is made of it, the
+    /// lesser change first. The last depends on nothing that is broken, and stands.
+    void Change(std::initializer_list<Edit> edits, const std::function<bool()>& isRight);
 
     QByteArray Octets_;
     std::optional<HeaderBlock> Header_;

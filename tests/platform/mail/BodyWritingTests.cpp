@@ -186,3 +186,14 @@ TEST(MailBodyWriting, NulInTextIsReplaced)
     message.SetTextBody(QStringLiteral("a") + QChar(u'\0') + QStringLiteral("b") + QChar(0xD800));
     EXPECT_EQ(Plain(message.TextBody()), "a\uFFFDb?");
 }
+
+TEST(MailBodyWriting, ReferencesForWhatTheSetLacksAreNoReasonToChangeMore)
+{
+    const QByteArray head = Sent("Content-Type: multipart/mixed; boundary=b\n\n--b\n"
+                                 "Content-Type: text/html; charset=iso-8859-1\n\n");
+    Message message(head + Sent("<p>Gr\xFC\xDF\n--b--\n"));
+    message.SetHTMLBody(QStringLiteral("<p>Grüß 5€\n--b\n"));
+    EXPECT_TRUE(message.Octets().startsWith(head));
+    EXPECT_TRUE(message.Octets().contains("Gr\xFC\xDF 5&#8364;\r\n&#45;-b"));
+    EXPECT_TRUE(message.Attachments().isEmpty());
+}

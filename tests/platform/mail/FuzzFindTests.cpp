@@ -24,5 +24,11 @@ TEST(MailFuzzFinds, AllReadAndTakeChanges)
         EXPECT_EQ(message.Attachments().size(), files + 1) << qPrintable(name);
         EXPECT_EQ(message.AttachmentContent(static_cast<int>(files)), octets) << qPrintable(name);
         EXPECT_EQ(message.TextBody().trimmed(), text) << qPrintable(name);
+
+        Message other(octets);
+        const QString html = other.HTMLBody();
+        other.SetTextBody(text + QStringLiteral("x"));
+        EXPECT_EQ(other.TextBody(), text + QStringLiteral("x")) << qPrintable(name);
+        EXPECT_EQ(other.HTMLBody(), html) << qPrintable(name);
     }
 }
