@@ -15,6 +15,7 @@ GMimeStream* MemoryStream(const char* octets, qsizetype size)
 
 GMimeMessage* Parse(const char* octets, qsizetype size)
 {
+    [[maybe_unused]] static const bool initialised = (g_mime_init(), true);
     GMimeStream* stream = MemoryStream(octets, size);
     GMimeParser* parser = g_mime_parser_new_with_stream(stream);
     g_object_unref(stream);

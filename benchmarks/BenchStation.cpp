@@ -34,8 +34,9 @@ private:
     };
 };
 
-const char Paragraph[] = "Hello Harbour FM, it is raining on the allotment again and the radio is the only thing in the shed that "
-                         "works. Could you play the one about the lighthouse for my neighbour, who has lent me a ladder?\r\n";
+const char Paragraph[] =
+    "Hello Harbour FM, it is raining on the allotment again and the radio is the only thing in the shed that "
+    "works. Could you play the one about the lighthouse for my neighbour, who has lent me a ladder?\r\n";
 
 void AddRow(dao::Recordset& rows, int number)
 {
@@ -71,11 +72,17 @@ QByteArray SampleMail(int number)
 {
     QByteArray mail = "Received: from mx.example.net (mx.example.net [192.0.2.7])\r\n"
                       "\tby mail.harbourfm.example.org with ESMTPS id 4Zx1aB0q; Sat, 21 Nov 2026 10:00:00 +0000\r\n"
-                      "From: " + SampleSender(number).toUtf8() + "\r\n"
+                      "From: " +
+                      SampleSender(number).toUtf8() +
+                      "\r\n"
                       "To: Harbour FM <studio@harbourfm.example.org>\r\n"
-                      "Subject: =?utf-8?q?Request_number_" + QByteArray::number(number) + "_from_the_allotment?=\r\n"
+                      "Subject: =?utf-8?q?Request_number_" +
+                      QByteArray::number(number) +
+                      "_from_the_allotment?=\r\n"
                       "Date: Sat, 21 Nov 2026 09:59:57 +0000\r\n"
-                      "Message-ID: <" + QByteArray::number(number) + "@example.com>\r\n"
+                      "Message-ID: <" +
+                      QByteArray::number(number) +
+                      "@example.com>\r\n"
                       "MIME-Version: 1.0\r\n"
                       "Content-Type: multipart/alternative; boundary=\"=_part\"\r\n"
                       "\r\n"

@@ -9,8 +9,8 @@ QByteArray SampleMail(int number);
 /// The sender of that mail.
 QString SampleSender(int number);
 
-/// A station of that many messages in the folder, which is made. The rows are stored in a few transactions, which is not what is
-/// measured.
+/// A station of that many messages in the folder, which is made. The rows are stored in a few transactions, which is
+/// not what is measured.
 void MakeStation(const QString& folder, int messages);
 
 /// The station opened, or the run ends.

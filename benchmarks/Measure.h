@@ -3,14 +3,14 @@
 #include <functional>
 #include <string>
 
-/// What is measured against what. Both run in turns in the same process, so that both meet the same machine; the figures
-/// are medians.
+/// What is measured against what. Both run in turns in the same process, so that both meet the same machine; the
+/// figures are medians.
 struct Comparison
 {
     std::string Name;
-    std::string Floor;   ///< What the floor does, in words.
-    double Limit = 0;    ///< The ratio that must not be exceeded.
-    int Rounds = 5;      ///< How often each side runs.
+    std::string Floor; ///< What the floor does, in words.
+    double Limit = 0;  ///< The ratio that must not be exceeded.
+    int Rounds = 5;    ///< How often each side runs.
     int OperationsARound = 1;
 };
 

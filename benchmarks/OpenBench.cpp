@@ -10,6 +10,7 @@ void BenchOpening(const QString& smallStation, const QString& largeStation)
             OpenStation(folder)->CloseTolvaDatabase();
     };
     // The same but for the noise of a dozen durable writes.
-    Compare({"opening the large station", "opening a station with 100 messages", 1.25, 7, Opens},
-            [&] { openAndClose(smallStation); }, [&] { openAndClose(largeStation); });
+    Compare(
+        {"opening the large station", "opening a station with 100 messages", 1.25, 7, Opens},
+        [&] { openAndClose(smallStation); }, [&] { openAndClose(largeStation); });
 }

@@ -10,9 +10,10 @@
 namespace
 {
 constexpr int Lookups = 2000;
-constexpr char AllColumns[] = "SELECT Reference, FromKey, ToKey, CcKey, Received, Sent, SendAfter, MessageType, Category, "
-                              "MessageStatus, HasHighlightWords, Priority, PersonalToContact, Flags, Subject, Message, "
-                              "MultiPartMessage, SourceIndex FROM Messages ";
+constexpr char AllColumns[] =
+    "SELECT Reference, FromKey, ToKey, CcKey, Received, Sent, SendAfter, MessageType, Category, "
+    "MessageStatus, HasHighlightWords, Priority, PersonalToContact, Flags, Subject, Message, "
+    "MultiPartMessage, SourceIndex FROM Messages ";
 constexpr int MessageColumn = 15;
 
 /// Takes every column of the current row as the C API hands it out, the mail as octets of its own.
@@ -52,36 +53,38 @@ void BenchReading(const QString& largeStation, int large)
         reference = random.bounded(1, large + 1);
 
     sqlite3_stmt* byReference = bare.Prepare((QByteArray(AllColumns) + "WHERE Reference=?1").constData());
-    Compare({"GetMessage by reference", "a prepared select of the row, and a GMime header parse", 2.0, 7, Lookups},
-            [&] {
-                for (const int reference : references) {
-                    sqlite3_bind_int(byReference, 1, reference);
-                    Require(sqlite3_step(byReference) == SQLITE_ROW, "a row is missing");
-                    const QByteArray mail = ReadRow(byReference);
-                    sqlite3_reset(byReference);
-                    Require(ParseHeaders(mail) > 0, "a header was not parsed");
-                }
-            },
-            [&] {
-                for (const int reference : references) {
-                    const cMessagePtr message = station->GetMessage(reference);
-                    Require(message && !message->CDOMessage()->Subject().isEmpty(), "a message is missing");
-                }
-            });
+    Compare(
+        {"GetMessage by reference", "a prepared select of the row, and a GMime header parse", 2.0, 7, Lookups},
+        [&] {
+            for (const int reference : references) {
+                sqlite3_bind_int(byReference, 1, reference);
+                Require(sqlite3_step(byReference) == SQLITE_ROW, "a row is missing");
+                const QByteArray mail = ReadRow(byReference);
+                sqlite3_reset(byReference);
+                Require(ParseHeaders(mail) > 0, "a header was not parsed");
+            }
+        },
+        [&] {
+            for (const int reference : references) {
+                const cMessagePtr message = station->GetMessage(reference);
+                Require(message && !message->CDOMessage()->Subject().isEmpty(), "a message is missing");
+            }
+        });
 
     const int few = std::min(large, 10000);
     sqlite3_stmt* scan = bare.Prepare((QByteArray(AllColumns) + "WHERE Reference<=?1").constData());
-    Compare({"GetMessages of " + std::to_string(few), "the bare scan of the same rows", 2.0, 7, 1},
-            [&] {
-                sqlite3_bind_int(scan, 1, few);
-                std::vector<QByteArray> mails;
-                while (sqlite3_step(scan) == SQLITE_ROW)
-                    mails.push_back(ReadRow(scan));
-                sqlite3_reset(scan);
-                Require(mails.size() == static_cast<std::size_t>(few), "rows are missing");
-            },
-            [&] {
-                const auto messages = station->GetMessages(QStringLiteral("[Reference]<=%1").arg(few));
-                Require(messages && messages->Count() == few, "messages are missing");
-            });
+    Compare(
+        {"GetMessages of " + std::to_string(few), "the bare scan of the same rows", 2.0, 7, 1},
+        [&] {
+            sqlite3_bind_int(scan, 1, few);
+            std::vector<QByteArray> mails;
+            while (sqlite3_step(scan) == SQLITE_ROW)
+                mails.push_back(ReadRow(scan));
+            sqlite3_reset(scan);
+            Require(mails.size() == static_cast<std::size_t>(few), "rows are missing");
+        },
+        [&] {
+            const auto messages = station->GetMessages(QStringLiteral("[Reference]<=%1").arg(few));
+            Require(messages && messages->Count() == few, "messages are missing");
+        });
 }

@@ -21,16 +21,18 @@ public:
             database->Execute("PRAGMA journal_mode=TRUNCATE");
             database->Execute("PRAGMA synchronous=FULL");
         }
-        Station_.Execute("CREATE TABLE Messages (Reference INTEGER PRIMARY KEY, FromKey TEXT, ToKey TEXT, CcKey TEXT, "
-                         "Received REAL, Sent REAL, SendAfter REAL, MessageType INTEGER, Category INTEGER, "
-                         "MessageStatus INTEGER, HasHighlightWords INTEGER, Priority INTEGER, PersonalToContact INTEGER, "
-                         "Flags INTEGER, Subject TEXT, MultiPartMessage INTEGER, SourceIndex INTEGER, Message TEXT)");
+        Station_.Execute(
+            "CREATE TABLE Messages (Reference INTEGER PRIMARY KEY, FromKey TEXT, ToKey TEXT, CcKey TEXT, "
+            "Received REAL, Sent REAL, SendAfter REAL, MessageType INTEGER, Category INTEGER, "
+            "MessageStatus INTEGER, HasHighlightWords INTEGER, Priority INTEGER, PersonalToContact INTEGER, "
+            "Flags INTEGER, Subject TEXT, MultiPartMessage INTEGER, SourceIndex INTEGER, Message TEXT)");
         Station_.Execute("CREATE TABLE Settings (Item TEXT PRIMARY KEY, Value TEXT)");
         Log_.Execute("CREATE TABLE UserLog (Reference INTEGER PRIMARY KEY, At REAL, UserReference INTEGER, "
                      "ClassNumber INTEGER, Kind INTEGER, Title TEXT, Text TEXT, Code INTEGER, EventReference INTEGER)");
-        Insert_ = Station_.Prepare("INSERT INTO Messages (FromKey, ToKey, CcKey, Received, Sent, MessageType, Category, "
-                                   "HasHighlightWords, Priority, PersonalToContact, Flags, Subject, MultiPartMessage, "
-                                   "SourceIndex, Message) VALUES (?1, ?2, '', 46000.5, 46000.5, 1, 1, 0, 0, 0, 0, ?3, 0, 0, ?4)");
+        Insert_ = Station_.Prepare(
+            "INSERT INTO Messages (FromKey, ToKey, CcKey, Received, Sent, MessageType, Category, "
+            "HasHighlightWords, Priority, PersonalToContact, Flags, Subject, MultiPartMessage, "
+            "SourceIndex, Message) VALUES (?1, ?2, '', 46000.5, 46000.5, 1, 1, 0, 0, 0, 0, ?3, 0, 0, ?4)");
         Stamp_ = Station_.Prepare("INSERT OR REPLACE INTO Settings VALUES ('Messages.LastChanged', ?1)");
         Audit_ = Log_.Prepare("INSERT INTO UserLog (At, UserReference, ClassNumber, Kind, Title, Text, Code, "
                               "EventReference) VALUES (46000.5, 1, 32, 6, 'Message Added', ?1, 1, 0)");
@@ -85,19 +87,20 @@ void BenchSaving(const QString& folder, int rounds)
 
     int floorNumber = 0;
     int number = 0;
-    Compare({"SaveMessage, durable, one by one", "bare SQLite: the same three durable writes, and a GMime parse", 1.5,
-             rounds, MessagesARound},
-            [&] {
-                for (int i = 0; i < MessagesARound; ++i, ++floorNumber)
-                    bare.Save(floorNumber, SampleMail(floorNumber));
-            },
-            [&] {
-                for (int i = 0; i < MessagesARound; ++i, ++number) {
-                    const auto message = std::make_shared<cMessage>();
-                    message->SetCDOMessage(std::make_shared<cdo::Message>(SampleMail(number)));
-                    message->SetCategory(tmcInbox);
-                    Require(station->SaveMessage(message), "a message was not saved");
-                }
-            });
+    Compare(
+        {"SaveMessage, durable, one by one", "bare SQLite: the same three durable writes, and a GMime parse", 1.5,
+         rounds, MessagesARound},
+        [&] {
+            for (int i = 0; i < MessagesARound; ++i, ++floorNumber)
+                bare.Save(floorNumber, SampleMail(floorNumber));
+        },
+        [&] {
+            for (int i = 0; i < MessagesARound; ++i, ++number) {
+                const auto message = std::make_shared<cMessage>();
+                message->SetCDOMessage(std::make_shared<cdo::Message>(SampleMail(number)));
+                message->SetCategory(tmcInbox);
+                Require(station->SaveMessage(message), "a message was not saved");
+            }
+        });
     station->CloseTolvaDatabase();
 }

@@ -24,6 +24,16 @@ void ReadEverything(const cdo::Message& message)
         Require(message.AttachmentContent(static_cast<int>(i - 1)).size() == message.Attachments().at(i - 1).Size);
 }
 
+void AddFile(cdo::Message* message, const QByteArray& octets)
+{
+    const QString text = message->TextBody();
+    const QString html = message->HTMLBody();
+    message->AddAttachment(QStringLiteral("é.bin"), "application/octet-stream", octets);
+    Require(!message->Attachments().isEmpty());
+    Require(message->AttachmentContent(static_cast<int>(message->Attachments().size()) - 1) == octets);
+    Require(message->TextBody() == text && message->HTMLBody() == html);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
@@ -42,11 +52,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     message.SetHTMLBody(html + QStringLiteral("<b>x</b>"));
     Require(message.HTMLBody().endsWith(QStringLiteral("<b>x</b>")));
     Require(message.TextBody().trimmed() == text);
+    AddFile(&message, octets);
 
-    const qsizetype files = message.Attachments().size();
-    message.AddAttachment(QStringLiteral("é.bin"), "application/octet-stream", octets);
-    Require(message.Attachments().size() == files + 1);
-    Require(message.AttachmentContent(static_cast<int>(files)) == octets);
-    Require(message.TextBody().trimmed() == text);
+    cdo::Message other(octets);
+    AddFile(&other, octets);
+    other.SetTextBody(text + QStringLiteral("x"));
+    Require(other.TextBody() == text + QStringLiteral("x"));
+    Require(other.HTMLBody().trimmed() == html.trimmed());
     return 0;
 }

@@ -68,6 +68,39 @@ int GeneralHelper::BlueOf(qint32 colour)
     return ColourByte(colour, 16);
 }
 
+int GeneralHelper::FilterNumericKey(int key, int mode)
+{
+    const bool isEditing = key > 0 && key < ' ';
+    const bool isDigit = key >= '0' && key <= '9';
+    const bool isSignOrPoint = mode != 1 && (key == '-' || key == '.');
+    return isEditing || isDigit || isSignOrPoint ? key : 0;
+}
+
+bool GeneralHelper::PointsAreClose(double x1, double y1, double x2, double y2, double distance)
+{
+    return qAbs(x1 - x2) <= distance && qAbs(y1 - y2) <= distance;
+}
+
+QString GeneralHelper::FitTextToWidth(const std::function<double(const QString&)>& measure, const QString& text,
+                                      double width)
+{
+    if (measure(text) <= width)
+        return text;
+    const QString ellipsis(QChar(0x2026));
+    const auto shortened = [&](qsizetype length) {
+        if (length > 0 && text.at(length - 1).isHighSurrogate())
+            --length;
+        return text.left(length) + ellipsis;
+    };
+    qsizetype fitting = -1;
+    qsizetype tooLong = text.size();
+    while (tooLong - fitting > 1) {
+        const qsizetype length = (fitting + tooLong) / 2;
+        (measure(shortened(length)) <= width ? fitting : tooLong) = length;
+    }
+    return fitting < 0 ? QString() : shortened(fitting);
+}
+
 qint64 GeneralHelper::Limit(qint64 value, qint64 lowest, qint64 highest)
 {
     return qMax(lowest, qMin(value, highest));

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 /// Text, number and phone number work that several subjects share.
 namespace GeneralHelper
 {
@@ -40,6 +42,15 @@ QString PhoneNumberKey(const QString& number);
 /// Two-letter region (ISO 3166) in whose form numbers without a country code are read; from this machine's setting
 /// "Country", default "GB".
 QString PhoneRegion();
+
+/// The key when a numeric field takes it, otherwise 0: digits, and editing keys such as backspace. mode 1: whole
+/// numbers. Other modes take a sign and the decimal point too.
+int FilterNumericKey(int key, int mode);
+/// Whether two points are no further than distance from each other, in each direction.
+bool PointsAreClose(double x1, double y1, double x2, double y2, double distance);
+/// The text, or its beginning with an ellipsis, so that it is never wider than width. measure gives a text's width on
+/// the surface it is drawn on. Empty when not even the ellipsis fits. Never ends inside a character.
+QString FitTextToWidth(const std::function<double(const QString&)>& measure, const QString& text, double width);
 
 qint64 Limit(qint64 value, qint64 lowest, qint64 highest);
 qint64 Maximum(qint64 a, qint64 b);

@@ -40,8 +40,7 @@ QString KeyOf(const QString& prefix, const char* name)
 
 void cPageSetup::ReadSettings(const cTolvaDatabase& database, const QString& prefix)
 {
-    for (const StoredValue& value : StoredValues)
-        {
+    for (const StoredValue& value : StoredValues) {
         const qint32 present = (this->*value.Get)();
         (this->*value.Set)(SettingNumber(database.DatabaseSetting(KeyOf(prefix, value.Name), present), present));
     }

@@ -4,8 +4,8 @@
 
 class cTolvaDatabase;
 
-/// Geometry of a sheet of address labels: counts, and lengths in millimetres. Owned by the database object, whose settings keep
-/// it; the host prints by it.
+/// Geometry of a sheet of address labels: counts, and lengths in millimetres. Owned by the database object, whose
+/// settings keep it; the host prints by it.
 class cPageSetup
 {
 public:

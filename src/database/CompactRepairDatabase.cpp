@@ -38,27 +38,27 @@ bool ConfirmCompacting(const QString& name)
     const QString text =
         QStringLiteral("Warning : The database must be closed on all computers before you can Compact/Repair it!\n"
                        "You should ensure that you have a backup of the database before proceeding\n\n"
-                       "Are you sure you want to continue compacting/repairing:\n\n\t")
-        + name;
+                       "Are you sure you want to continue compacting/repairing:\n\n\t") +
+        name;
     return UserInterface::Current().MessageBox({text, QStringLiteral("Compact/Repair Database"),
                                                 MessageBoxButtons::YesNo, MessageBoxIcon::Question,
-                                                MessageBoxAnswer::No})
-           == MessageBoxAnswer::Yes;
+                                                MessageBoxAnswer::No}) == MessageBoxAnswer::Yes;
 }
 
 /// The first name that no file has.
 QString FreeKeepName(const QString& name)
 {
     for (int count = 1;; ++count) {
-        const QString candidate = QStringLiteral("%1-%2.BAK").arg(FileHelper::WithoutExtension(name)).arg(
-            count, 4, 10, QLatin1Char('0'));
+        const QString candidate =
+            QStringLiteral("%1-%2.BAK").arg(FileHelper::WithoutExtension(name)).arg(count, 4, 10, QLatin1Char('0'));
         if (FileHelper::FileSize(candidate) < 0)
             return candidate;
     }
 }
 
-/// Puts the compacted file in the database's place. Where the file system has hard links there is a whole database under the
-/// name at every moment; elsewhere the old file stands under the keep name for the moment between two renames.
+/// Puts the compacted file in the database's place. Where the file system has hard links there is a whole database
+/// under the name at every moment; elsewhere the old file stands under the keep name for the moment between two
+/// renames.
 void Replace(const QString& name, const QString& compacted, const QString& keepName)
 {
     const std::filesystem::path database(name.toStdU16String());
@@ -78,8 +78,8 @@ void Replace(const QString& name, const QString& compacted, const QString& keepN
 }
 } // namespace
 
-bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialog* dialog,
-                                                  const QString& initialFolder, bool silent)
+bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialog* dialog, const QString& initialFolder,
+                                                  bool silent)
 {
     const QString database = name.isEmpty() ? ChooseDatabase(dialog, initialFolder) : name;
     if (database.isEmpty() || (!silent && !ConfirmCompacting(database)))
@@ -90,7 +90,8 @@ bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialo
         const BusyPointer busy;
         pending.Try([&] {
             if (compacted.isEmpty())
-                throw dao::Error(dao::errCannotOpen, QStringLiteral("No temporary file can be made beside the database."));
+                throw dao::Error(dao::errCannotOpen,
+                                 QStringLiteral("No temporary file can be made beside the database."));
             dao::DBEngine::CompactDatabase(database, compacted);
             Replace(database, compacted, FreeKeepName(database));
         });
@@ -103,8 +104,9 @@ bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialo
     }
     if (!silent) {
         UserInterface::Current().MessageBox(
-            {QStringLiteral("Your Database has been successfully Compacted/Repaired and the old version saved in a new file "
-                            "with a '.BAK' extension"),
+            {QStringLiteral(
+                 "Your Database has been successfully Compacted/Repaired and the old version saved in a new file "
+                 "with a '.BAK' extension"),
              QString(), MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK});
     }
     return true;

@@ -7,8 +7,8 @@
 
 class FileDialog;
 
-/// A database as a file, apart from any open connection, and the rows of its Settings table. Failures are told to the user
-/// through ReportProblem and returned as the engine's error number; nothing here throws.
+/// A database as a file, apart from any open connection, and the rows of its Settings table. Failures are told to the
+/// user through ReportProblem and returned as the engine's error number; nothing here throws.
 namespace DAO_DatabaseFunctions
 {
 
@@ -16,9 +16,9 @@ namespace DAO_DatabaseFunctions
 /// first unless silent). title and type serve a new row only. 0, -1 when the user declines, or an error number.
 qint16 ValidateDatabase(const QString& name, qint32 type, bool silent, QString& title, const QString& connect);
 
-/// Reads what the file says of itself. A file that the engine does not recognise is offered for compacting first. Without
-/// reportErrors nothing is shown or asked. 0, -1 when there is no such file, or an error number; on failure information is
-/// cleared or untouched.
+/// Reads what the file says of itself. A file that the engine does not recognise is offered for compacting first.
+/// Without reportErrors nothing is shown or asked. 0, -1 when there is no such file, or an error number; on failure
+/// information is cleared or untouched.
 qint16 GetDatabaseInformation(const QString& name, DatabaseInformation& information, bool reportErrors,
                               const QString& connect);
 
@@ -26,8 +26,8 @@ qint16 GetDatabaseInformation(const QString& name, DatabaseInformation& informat
 /// empty name the dialog, when there is one, asks for the file. False when nothing was changed.
 bool CompactRepairDatabase(const QString& name, FileDialog* dialog, const QString& initialFolder, bool silent);
 
-/// The value of a setting from a recordset with Item and Value fields; defaultValue when it is absent or on any error. The
-/// caller closes the recordset.
+/// The value of a setting from a recordset with Item and Value fields; defaultValue when it is absent or on any error.
+/// The caller closes the recordset.
 QVariant ReadSettingValue(dao::Recordset* recordset, const QString& itemName, const QVariant& defaultValue);
 
 /// Stores a setting in the text form of its type, or deletes its row when it equals the default. 0 or an error number.

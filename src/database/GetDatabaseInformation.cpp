@@ -22,9 +22,8 @@ bool ExistsOnServer(const QString& name, const QString& connect, bool silent)
 {
     PendingError pending;
     std::unique_ptr<dao::Workspace> workspace;
-    if (!pending.Try([&] {
-            workspace = dao::DBEngine::CreateWorkspace(QString(), QString(), QString(), dao::dbUseODBC);
-        })) {
+    if (!pending.Try(
+            [&] { workspace = dao::DBEngine::CreateWorkspace(QString(), QString(), QString(), dao::dbUseODBC); })) {
         Report(QStringLiteral("opening a DB Workspace"), pending, silent);
     }
     std::unique_ptr<dao::Connection> connection;

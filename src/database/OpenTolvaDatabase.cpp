@@ -14,7 +14,11 @@ namespace
 {
 constexpr float StructureVersion = 1.071F;
 constexpr qint32 TolvaDatabaseType = 31;
-enum AuditKind { auditOpened = 1, auditClosed = 2 };
+enum AuditKind
+{
+    auditOpened = 1,
+    auditClosed = 2
+};
 
 const QString OpenedTitle = QStringLiteral("Tolva Database Opened");
 const QString MachineKey = QStringLiteral("SOFTWARE\\Kelvarin");
@@ -62,8 +66,8 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& location, const QString&
             return result;
     }
 
-    if (MachineFlag(MachineKey, QStringLiteral("AlwaysValidateDatabases"), false)
-        || Information_.Version < StructureVersion) {
+    if (MachineFlag(MachineKey, QStringLiteral("AlwaysValidateDatabases"), false) ||
+        Information_.Version < StructureVersion) {
         WriteDebugLog(QStringLiteral("Updating Database Structure"));
         if (const int code = ValidateTolvaDatabase(fileName))
             return FailOpen(QStringLiteral("'%1' - Couldn't validate the Database's Structure").arg(fileName), code);
@@ -209,19 +213,18 @@ void cTolvaDatabase::WriteLastAccess()
             recordset->MoveFirst();
         recordset->Edit();
         recordset->SetCollect(QStringLiteral("LastAccessed"), ClockHelper::CurrentTime().GeneralDate());
-        recordset->SetCollect(QStringLiteral("LastAccessedSoftware"),
-                              QStringLiteral("Tolva - %1.%2.%3")
-                                  .arg(TOLVA_VERSION_MAJOR)
-                                  .arg(TOLVA_VERSION_MINOR)
-                                  .arg(TOLVA_VERSION_REVISION));
+        recordset->SetCollect(QStringLiteral("LastAccessedSoftware"), QStringLiteral("Tolva - %1.%2.%3")
+                                                                          .arg(TOLVA_VERSION_MAJOR)
+                                                                          .arg(TOLVA_VERSION_MINOR)
+                                                                          .arg(TOLVA_VERSION_REVISION));
         recordset->Update();
     });
 }
 
 // The places of what is not there yet. Each answers as if the user had said no.
 
-/// The search for a backup that could replace the file; failure: what reading it gave. 0 when the file was replaced and reads
-/// again.
+/// The search for a backup that could replace the file; failure: what reading it gave. 0 when the file was replaced and
+/// reads again.
 qint32 cTolvaDatabase::OfferBackupOfCorruptedDatabase(qint32 failure)
 {
     WriteDebugLog(QStringLiteral("No backup to replace the corrupted database"));

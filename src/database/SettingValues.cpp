@@ -45,7 +45,7 @@ class SettingWrite
 public:
     SettingWrite(const QString& name, bool silent) : Name_(name), Silent_(silent) {}
 
-    template<typename Statement>
+    template <typename Statement>
     bool Step(const QString& words, Statement&& statement)
     {
         if (Pending_.Try(statement))
@@ -66,13 +66,14 @@ bool StoreValue(dao::Recordset& recordset, const QString& name, const QString& t
     if (exists) {
         if (!write.Step(QStringLiteral("starting to edit an existing setting : "), [&] { recordset.Edit(); }))
             return false;
-    } else if (!write.Step(QStringLiteral("starting to add a new setting : "), [&] { recordset.AddNew(); })
-               || !write.Step(QStringLiteral("setting the item name for a new setting : "),
-                              [&] { recordset.SetCollect(Item, name); })) {
+    } else if (!write.Step(QStringLiteral("starting to add a new setting : "), [&] { recordset.AddNew(); }) ||
+               !write.Step(QStringLiteral("setting the item name for a new setting : "),
+                           [&] { recordset.SetCollect(Item, name); })) {
         return false;
     }
-    return write.Step(QStringLiteral("setting the value for a setting : "), [&] { recordset.SetCollect(Value, text); })
-           && write.Step(QStringLiteral("updating the database setting : "), [&] { recordset.Update(); });
+    return write.Step(QStringLiteral("setting the value for a setting : "), [&] {
+        recordset.SetCollect(Value, text);
+    }) && write.Step(QStringLiteral("updating the database setting : "), [&] { recordset.Update(); });
 }
 } // namespace
 

@@ -11,8 +11,8 @@ constexpr int errOutOfMemory = 7;
 
 bool MeansAbsent(const PendingError& pending, const TableCheckRules& rules)
 {
-    return pending.Number() == errItemNotFound
-           || (rules.AcceptsOutOfMemoryAsAbsent && pending.Number() == errOutOfMemory);
+    return pending.Number() == errItemNotFound ||
+           (rules.AcceptsOutOfMemoryAsAbsent && pending.Number() == errOutOfMemory);
 }
 
 int Report(const QString& text, const PendingError& pending, const TableCheckRules& rules)

@@ -5,7 +5,8 @@
 #include <QList>
 #include <QString>
 
-/// The shape of a table: what a check creates or adds. Nothing that stands in a file already is ever altered or dropped.
+/// The shape of a table: what a check creates or adds. Nothing that stands in a file already is ever altered or
+/// dropped.
 struct FieldShape
 {
     QString Name;
@@ -38,8 +39,8 @@ struct TableCheckRules
     bool Silent = false;
 };
 
-/// Creates the table if it is absent, then adds the fields and indexes that it lacks, comparing names only. 0, or the number of
-/// the error that stopped it; a failed index is reported and passed over.
+/// Creates the table if it is absent, then adds the fields and indexes that it lacks, comparing names only. 0, or the
+/// number of the error that stopped it; a failed index is reported and passed over.
 int CheckTable(dao::Database& database, const TableShape& shape, const TableCheckRules& rules);
 
 /// The tables of a station database, in docs/database-format.md table by table.

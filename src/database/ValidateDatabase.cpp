@@ -70,9 +70,8 @@ qint16 CreateLocalFile(const QString& fileName, bool silent)
         if (pending.Number() != 0)
             return Report(QStringLiteral("deleting the old file"), pending, false);
     }
-    pending.Try([&] {
-        dao::DBEngine::CreateDatabase(fileName, QStringLiteral(";LANGID=0x0409;CP=1252;COUNTRY=0"))->Close();
-    });
+    pending.Try(
+        [&] { dao::DBEngine::CreateDatabase(fileName, QStringLiteral(";LANGID=0x0409;CP=1252;COUNTRY=0"))->Close(); });
     return pending.Number() == 0 ? 0 : Report(QStringLiteral("creating the new database"), pending, false);
 }
 
@@ -122,11 +121,13 @@ void AddDescriptionRow(dao::Recordset& recordset, qint32 type, bool silent, QStr
 qint16 DAO_DatabaseFunctions::ValidateDatabase(const QString& name, qint32 type, bool silent, QString& title,
                                                const QString& connect)
 {
-    WriteDebugLog(QStringLiteral("Started Validate Database: DBName='%1' Type=%2, SilentMode=%3, Title='%4' Connect='%5'")
-                      .arg(name, QString::number(type), LogText(silent), title, connect),
-                  LogLevel);
+    WriteDebugLog(
+        QStringLiteral("Started Validate Database: DBName='%1' Type=%2, SilentMode=%3, Title='%4' Connect='%5'")
+            .arg(name, QString::number(type), LogText(silent), title, connect),
+        LogLevel);
     const QString target = TargetName(name, connect);
-    const qint16 created = connect.isEmpty() ? CreateLocalFile(target, silent) : CreateOnServer(target, connect, silent);
+    const qint16 created =
+        connect.isEmpty() ? CreateLocalFile(target, silent) : CreateOnServer(target, connect, silent);
     if (created != 0)
         return created;
 

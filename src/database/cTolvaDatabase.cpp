@@ -1,7 +1,7 @@
 #include "database/cTolvaDatabase.h"
 
-#include "common/GeneralHelper.h"
 #include "common/FileHelper.h"
+#include "common/GeneralHelper.h"
 #include "common/MachineHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"

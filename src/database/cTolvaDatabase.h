@@ -18,14 +18,20 @@ class clsKVUser;
 class PendingError;
 
 /// How the computers that share a file lock it.
-enum class LockingMode : qint32 { Unknown = -1, PageLevel = 0, RecordLevel = 1 };
+enum class LockingMode : qint32
+{
+    Unknown = -1,
+    PageLevel = 0,
+    RecordLevel = 1
+};
 
 /// The one object through which a host and every control reach a station's database. The host owns it, sets
-/// DirectoryDatabase, opens it on a folder and keeps it while controls use it; destroying it closes the file. All on the user
-/// interface thread. Every change is on the disk when its operation returns, and nothing is cached between calls but the folder
-/// tree and the highlight settings.
+/// DirectoryDatabase, opens it on a folder and keeps it while controls use it; destroying it closes the file. All on
+/// the user interface thread. Every change is on the disk when its operation returns, and nothing is cached between
+/// calls but the folder tree and the highlight settings.
 ///
-/// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in messages/.
+/// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in
+/// messages/.
 class cTolvaDatabase : public QObject
 {
     Q_OBJECT
@@ -38,15 +44,16 @@ public:
     cTolvaDatabase();
     ~cTolvaDatabase() override;
 
-    /// Opens "Tolva.mdb" in the folder, making a missing file, and brings its structure up to date; closes what was open
-    /// before. connect: empty for a local file. 0 when open and configured, otherwise -1 or an error number (negated when the file
-    /// failed its validation). With -1 for incomplete settings the database stays open until it is closed. dao::Error when the file
-    /// cannot be used in a way that has no number of its own, such as a Settings table without its index.
+    /// Opens "Tolva.mdb" in the folder, making a missing file, and brings its structure up to date; closes what was
+    /// open before. connect: empty for a local file. 0 when open and configured, otherwise -1 or an error number
+    /// (negated when the file failed its validation). With -1 for incomplete settings the database stays open until it
+    /// is closed. dao::Error when the file cannot be used in a way that has no number of its own, such as a Settings
+    /// table without its index.
     qint32 OpenTolvaDatabase(const QString& location, const QString& connect = QString());
     /// Always 0; does nothing on a closed object.
     qint32 CloseTolvaDatabase();
-    /// Creates or completes all tables of a file. It opens the file by itself. 0 or an error number, which the user has been
-    /// told.
+    /// Creates or completes all tables of a file. It opens the file by itself. 0 or an error number, which the user has
+    /// been told.
     qint16 ValidateTolvaDatabase(const QString& fileName);
     bool IsOpen() const { return Database_ != nullptr; }
     /// The settings dialog, unless the user lacks the right. True when it was confirmed.
@@ -84,8 +91,8 @@ public:
 
     /// The stored text, or defaultValue when it is absent or cannot be read. Never fails.
     QVariant DatabaseSetting(const QString& itemName, const QVariant& defaultValue) const;
-    /// Stores the value in its text form at once; a value equal to the default deletes the row. A failure is shown to the
-    /// user.
+    /// Stores the value in its text form at once; a value equal to the default deletes the row. A failure is shown to
+    /// the user.
     void SetDatabaseSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue);
     /// Reads what this object keeps in memory, refreshes the fixed folders and the folder tree. Always true.
     bool ReadDatabaseSettings();
@@ -128,12 +135,13 @@ public:
 
     /// Null when there is no such message, for reference 0 and on a closed object.
     cMessagePtr GetMessage(qint32 reference);
-    /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, and for more messages than a
-    /// collection holds (32,767).
+    /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, and for more
+    /// messages than a collection holds (32,767).
     std::unique_ptr<cMessages> GetMessages(const QString& sqlQuery);
-    /// A snapshot of these columns of the messages that meet a condition (as after WHERE; empty for all), in an order (as
-    /// after ORDER BY; empty for none). For lists and counts: however many messages there are, a mail's text is read only where
-    /// its value is asked for. dao::Error: 3075 and 3061 for what is no condition, 3420 on a closed object.
+    /// A snapshot of these columns of the messages that meet a condition (as after WHERE; empty for all), in an order
+    /// (as after ORDER BY; empty for none). For lists and counts: however many messages there are, a mail's text is
+    /// read only where its value is asked for. dao::Error: 3075 and 3061 for what is no condition, 3420 on a closed
+    /// object.
     std::unique_ptr<dao::Recordset> OpenMessageRows(const QStringList& columns, const QString& condition = QString(),
                                                     const QString& order = QString()) const;
     /// Stores a new or changed message; it is on the disk when this returns true. dao::Error when the row cannot be
@@ -156,8 +164,8 @@ public:
     clsCategory& MessageCategories() { return *MessageCategories_; }
     /// One folder with all below it, freshly from the table; null for a reference of 0 or less.
     std::unique_ptr<clsCategory> GetMessageCategory(qint32 reference);
-    /// Adds (Reference below 1, filled afterwards) or changes a folder. updateSubCategories: the stored children are replaced by those
-    /// of the object. The tree is not refreshed. dao::Error on a failure.
+    /// Adds (Reference below 1, filled afterwards) or changes a folder. updateSubCategories: the stored children are
+    /// replaced by those of the object. The tree is not refreshed. dao::Error on a failure.
     bool SaveMessageCategory(clsCategory& category, bool updateSubCategories = true);
     /// False for a folder with sub-folders or messages. An absent one counts as deleted.
     bool DeleteMessageCategory(qint32 reference);
@@ -201,6 +209,7 @@ private:
     void StoreCategory(clsCategory& category);
     void StoreCategoryTree(clsCategory& category);
     cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
+    std::unique_ptr<dao::Recordset> OpenMessagesForChange(PendingError& pending);
     bool MayEditMessage(const cMessage& message) const;
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
 

@@ -4,10 +4,10 @@
 
 #include <QString>
 
-/// The search key of an address list: the bare addresses, each between vertical bars, in their own case; empty for an empty
-/// list. Addresses are what stands between the commas; a name before "<" is dropped, an element that starts with "<" or has
-/// none stays as it stands. SMS numbers are normalised and lose their leading zeros, so that a number with its national zero
-/// meets the same number without.
+/// The search key of an address list: the bare addresses, each between vertical bars, in their own case; empty for an
+/// empty list. Addresses are what stands between the commas; a name before "<" is dropped, an element that starts with
+/// "<" or has none stays as it stands. SMS numbers are normalised and lose their leading zeros, so that a number with
+/// its national zero meets the same number without.
 QString MakeAddressKey(const QString& addresses, enMsgType type);
 
 /// The key cut after the last whole address that fits into size characters.

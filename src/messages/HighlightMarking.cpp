@@ -12,8 +12,7 @@ constexpr qsizetype LargestBody = qsizetype(64) * 1024 * 1024;
 QString ColourText(qint32 colour)
 {
     const auto hex = [](int value) { return QString::number(value, 16).toUpper(); };
-    return hex(GeneralHelper::RedOf(colour)) + hex(GeneralHelper::GreenOf(colour))
-           + hex(GeneralHelper::BlueOf(colour));
+    return hex(GeneralHelper::RedOf(colour)) + hex(GeneralHelper::GreenOf(colour)) + hex(GeneralHelper::BlueOf(colour));
 }
 
 /// The empty word is found at any place that has a character behind it.

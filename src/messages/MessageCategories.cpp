@@ -34,7 +34,7 @@ qint16 ToReference(qint32 number)
 }
 
 /// All that the statements store, or nothing of it.
-template<typename Statements>
+template <typename Statements>
 void InTransaction(Statements&& statements)
 {
     dao::DBEngine::BeginTrans();
@@ -140,8 +140,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     const auto category = GetMessageCategory(reference);
     if (category->SubCategoryCount() >= 1)
         return false;
-    const auto messages = Database_->OpenRecordset(
-        QStringLiteral("SELECT * FROM [Messages] WHERE [Category]=%1").arg(reference), dao::dbOpenSnapshot);
+    const auto messages =
+        OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
     if (messages->RecordCount() != 0)
         return false;
     const auto recordset = OpenCategories(*Database_);
@@ -158,8 +158,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     return true;
 }
 
-void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description,
-                                       qint32 killHours, qint32 backColour, const QString& iconReference)
+void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
+                                       qint32 backColour, const QString& iconReference)
 {
     clsCategory category;
     category.SetReference(static_cast<qint16>(reference));

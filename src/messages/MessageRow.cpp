@@ -14,6 +14,28 @@ namespace
 {
 const QString MainIndex = QStringLiteral("Main");
 
+/// The columns that are read and written, as texts that cost nothing to hand around: a list reads them for each row.
+namespace Column
+{
+const QString Reference = QStringLiteral("Reference");
+const QString FromKey = QStringLiteral("FromKey");
+const QString ToKey = QStringLiteral("ToKey");
+const QString CcKey = QStringLiteral("CcKey");
+const QString Received = QStringLiteral("Received");
+const QString Sent = QStringLiteral("Sent");
+const QString SendAfter = QStringLiteral("SendAfter");
+const QString MessageType = QStringLiteral("MessageType");
+const QString Category = QStringLiteral("Category");
+const QString HasHighlightWords = QStringLiteral("HasHighlightWords");
+const QString Priority = QStringLiteral("Priority");
+const QString PersonalToContact = QStringLiteral("PersonalToContact");
+const QString Flags = QStringLiteral("Flags");
+const QString Subject = QStringLiteral("Subject");
+const QString Message = QStringLiteral("Message");
+const QString MultiPartMessage = QStringLiteral("MultiPartMessage");
+const QString SourceIndex = QStringLiteral("SourceIndex");
+} // namespace Column
+
 qint32 NumberOr(const QVariant& value, qint32 whenNull)
 {
     return value.isValid() ? value.toInt() : whenNull;
@@ -73,20 +95,20 @@ bool cMessage::ReadFromRecordSet(qint32 reference, dao::Recordset* recordset)
         if (recordset->NoMatch())
             return false;
     }
-    const auto column = [recordset](const char16_t* name) { return recordset->Collect(QString::fromUtf16(name)); };
-    SetReference(NumberOr(column(u"Reference"), 0));
-    SetMessageType(static_cast<enMsgType>(NumberOr(column(u"MessageType"), emtEmail)));
-    SetCategory(static_cast<enTolvaMessageCategories>(NumberOr(column(u"Category"), tmcInbox)));
-    SetPriority(NumberOr(column(u"Priority"), 0));
-    SetReceived(LocalDate(column(u"Received")));
-    SetSent(LocalDate(column(u"Sent")));
-    SetSendAfter(LocalDate(column(u"SendAfter")));
-    SetFlags(NumberOr(column(u"Flags"), 0));
-    SetMultiPartMessage(static_cast<qint16>(NumberOr(column(u"MultiPartMessage"), 0)));
-    SetHasHighlightWords(NumberOr(column(u"HasHighlightWords"), 0) != 0);
-    SetPersonalToContact(NumberOr(column(u"PersonalToContact"), 0));
-    SetSourceIndex(static_cast<qint16>(NumberOr(column(u"SourceIndex"), 0)));
-    const QByteArray octets = MailOctets((*recordset)[QStringLiteral("Message")]);
+    const auto column = [recordset](const QString& name) { return recordset->Collect(name); };
+    SetReference(NumberOr(column(Column::Reference), 0));
+    SetMessageType(static_cast<enMsgType>(NumberOr(column(Column::MessageType), emtEmail)));
+    SetCategory(static_cast<enTolvaMessageCategories>(NumberOr(column(Column::Category), tmcInbox)));
+    SetPriority(NumberOr(column(Column::Priority), 0));
+    SetReceived(LocalDate(column(Column::Received)));
+    SetSent(LocalDate(column(Column::Sent)));
+    SetSendAfter(LocalDate(column(Column::SendAfter)));
+    SetFlags(NumberOr(column(Column::Flags), 0));
+    SetMultiPartMessage(static_cast<qint16>(NumberOr(column(Column::MultiPartMessage), 0)));
+    SetHasHighlightWords(NumberOr(column(Column::HasHighlightWords), 0) != 0);
+    SetPersonalToContact(NumberOr(column(Column::PersonalToContact), 0));
+    SetSourceIndex(static_cast<qint16>(NumberOr(column(Column::SourceIndex), 0)));
+    const QByteArray octets = MailOctets((*recordset)[Column::Message]);
     if (!octets.isNull())
         CDOMessage_->SetOctets(octets);
     SetEdited(false);
@@ -116,35 +138,35 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     if (reference <= 0) {
         WriteDebugLog(QStringLiteral("Create new Message record"));
         recordset->AddNew();
-        reference = recordset->Collect(QStringLiteral("Reference")).toInt();
+        reference = recordset->Collect(Column::Reference).toInt();
     }
     if (!highlightWords.isEmpty())
         MarkHighlightWords(highlightWords, highlightFont);
 
-    const auto setColumn = [recordset](const char16_t* name, const QVariant& value) {
-        recordset->SetCollect(QString::fromUtf16(name), value);
+    const auto setColumn = [recordset](const QString& name, const QVariant& value) {
+        recordset->SetCollect(name, value);
     };
-    setColumn(u"MessageType", MessageType_);
+    setColumn(Column::MessageType, MessageType_);
     WriteDebugLog(QStringLiteral("Setting Keys"));
     WriteAddressKeys(*recordset);
     WriteDebugLog(QStringLiteral("Setting Subject"));
-    dao::Field& subject = (*recordset)[QStringLiteral("Subject")];
+    dao::Field& subject = (*recordset)[Column::Subject];
     subject.SetValue(Cut(CDOMessage_->Subject(), subject.Size()));
     WriteDebugLog(QStringLiteral("Setting Category"));
-    setColumn(u"Category", Category_);
-    setColumn(u"MessageType", MessageType_);
-    setColumn(u"Priority", Priority_);
-    setColumn(u"Received", UniversalDay(Received_));
-    setColumn(u"Sent", UniversalDay(Sent_));
-    setColumn(u"SendAfter", UniversalDay(SendAfter_));
-    setColumn(u"Flags", Flags_);
-    setColumn(u"MultiPartMessage", MultiPartMessage_);
+    setColumn(Column::Category, Category_);
+    setColumn(Column::MessageType, MessageType_);
+    setColumn(Column::Priority, Priority_);
+    setColumn(Column::Received, UniversalDay(Received_));
+    setColumn(Column::Sent, UniversalDay(Sent_));
+    setColumn(Column::SendAfter, UniversalDay(SendAfter_));
+    setColumn(Column::Flags, Flags_);
+    setColumn(Column::MultiPartMessage, MultiPartMessage_);
     const QByteArray octets = Trimmed(CDOMessage_->Octets());
-    (*recordset)[QStringLiteral("Message")].SetOctets(octets.isEmpty() ? QByteArray() : octets);
+    (*recordset)[Column::Message].SetOctets(octets.isEmpty() ? QByteArray() : octets);
     WriteDebugLog(QStringLiteral("Setting HighlightWords"));
-    setColumn(u"HasHighlightWords", HasHighlightWords_ ? -1 : 0);
-    setColumn(u"PersonalToContact", PersonalToContact_);
-    setColumn(u"SourceIndex", SourceIndex_);
+    setColumn(Column::HasHighlightWords, HasHighlightWords_ ? -1 : 0);
+    setColumn(Column::PersonalToContact, PersonalToContact_);
+    setColumn(Column::SourceIndex, SourceIndex_);
 
     WriteDebugLog(QStringLiteral("Saving Message in database (Recordset.Update)"));
     const bool saved = pending.Try([recordset] { recordset->Update(); });
@@ -174,9 +196,9 @@ void cMessage::WriteAddressKeys(dao::Recordset& recordset) const
         }
         field.SetValue(fitting);
     };
-    write(QStringLiteral("FromKey"), CDOMessage_->From());
-    write(QStringLiteral("ToKey"), CDOMessage_->To());
-    write(QStringLiteral("CcKey"), CDOMessage_->CC());
+    write(Column::FromKey, CDOMessage_->From());
+    write(Column::ToKey, CDOMessage_->To());
+    write(Column::CcKey, CDOMessage_->CC());
 }
 
 void cMessage::MarkHighlightWords(const QString& highlightWords, const clsFont& highlightFont)

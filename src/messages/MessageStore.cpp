@@ -15,7 +15,12 @@ const QString MainIndex = QStringLiteral("Main");
 const QString LastChangedSetting = QStringLiteral("Messages.LastChanged");
 
 /// Kinds of the user log.
-enum AuditKind { auditMessageAdded = 6, auditMessageEdited = 7, auditMessageDeleted = 8 };
+enum AuditKind
+{
+    auditMessageAdded = 6,
+    auditMessageEdited = 7,
+    auditMessageDeleted = 8
+};
 
 /// text, followed by the pending error's words where there is one.
 QString WithError(const QString& text, const PendingError& pending)
@@ -134,6 +139,19 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
     return message && MayEditMessage(*message) ? message : nullptr;
 }
 
+/// The table as moving and deleting use it; null, with the error kept, when it cannot be opened. An error behind this
+/// point goes into the user log.
+std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessagesForChange(PendingError& pending)
+{
+    std::unique_ptr<dao::Recordset> recordset;
+    const bool opened = pending.Try([&] {
+        recordset = OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable);
+        recordset->SetIndex(MainIndex);
+    });
+    KeepLastError(pending);
+    return opened ? std::move(recordset) : nullptr;
+}
+
 bool cTolvaDatabase::CopyMessage(qint32 reference, enTolvaMessageCategories newCategory)
 {
     const cMessagePtr message = MessageForChange(reference, newCategory);
@@ -151,21 +169,22 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
     if (!message)
         return false;
     PendingError pending;
-    std::unique_ptr<dao::Recordset> recordset;
-    pending.Try([&] {
-        recordset = Database_->OpenRecordset(MessagesTable, dao::dbOpenTable);
-        recordset->SetIndex(MainIndex);
-        recordset->Seek(dao::SeekComparison::Equal, {reference});
-    });
-    KeepLastError(pending);
-    if (pending.Number() != 0 || recordset->NoMatch())
+    const auto recordset = OpenMessagesForChange(pending);
+    if (!recordset)
         return false;
-    // One column alone: the keys, the highlights and the change stamp stay as they are.
+    bool isThere = true;
     pending.Try([&] {
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        isThere = !recordset->NoMatch();
+        if (!isThere)
+            return;
+        // One column alone: the keys, the highlights and the change stamp stay as they are.
         recordset->Edit();
         recordset->SetCollect(QStringLiteral("Category"), newCategory);
         recordset->Update();
     });
+    if (!isThere)
+        return false;
     message->SetCategory(newCategory);
     const clsCategory* category = MessageCategories_->FindCategory(newCategory);
     const QString target = category ? QStringLiteral(" ") + category->Description()
@@ -187,16 +206,15 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     if (!message || !MayEditMessage(*message))
         return false;
     PendingError pending;
-    std::unique_ptr<dao::Recordset> recordset;
-    pending.Try([&] {
-        recordset = Database_->OpenRecordset(MessagesTable, dao::dbOpenTable);
-        recordset->SetIndex(MainIndex);
-        recordset->Seek(dao::SeekComparison::Equal, {reference});
-    });
-    KeepLastError(pending);
-    if (pending.Number() != 0 || recordset->NoMatch())
+    const auto recordset = OpenMessagesForChange(pending);
+    if (!recordset)
         return false;
+    bool isThere = true;
     pending.Try([&] {
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        isThere = !recordset->NoMatch();
+        if (!isThere)
+            return;
         if (deletePermanently) {
             recordset->Delete();
         } else {
@@ -205,6 +223,8 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
             recordset->Update();
         }
     });
+    if (!isThere)
+        return false;
     // 0 tells a list that the message is gone, 5 that it went to the bin.
     message->SetCategory(deletePermanently ? static_cast<enTolvaMessageCategories>(0) : tmcDeleted);
     FinishMessageChange(auditMessageDeleted, QStringLiteral("Message Deleted"), SubjectOf(message), pending);
@@ -229,8 +249,7 @@ bool cTolvaDatabase::MayEditMessage(const cMessage& message) const
     const clsKVUser* user = CurrentUser();
     if (!user)
         return false;
-    return message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages()
-                                                            : user->CanEditMessages();
+    return message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages() : user->CanEditMessages();
 }
 
 Date cTolvaDatabase::LastMessageChanged() const

@@ -143,8 +143,8 @@ Date cMessage::HeaderDate(const QDateTime& universal) const
 
 void cMessage::ReadHeaderFields()
 {
-    // No mail has a field of this name, which holds a word too many, so a mail's priority is taken only where a host gave it
-    // this field. Stations rely on the column being 0 for what comes in.
+    // No mail has a field of this name, which holds a word too many, so a mail's priority is taken only where a host
+    // gave it this field. Stations rely on the column being 0 for what comes in.
     const QVariant priority = CDOMessage_->Field(QStringLiteral("urn:schemas:httpmail:priority Field"));
     if (priority.isValid())
         SetPriority(priority.toInt());

@@ -20,8 +20,9 @@ class Recordset;
 /// Messages are shared by hosts, events and collections.
 using cMessagePtr = std::shared_ptr<cMessage>;
 
-/// One e-mail or SMS in memory: the flat properties that lists sort and filter on, and CDOMessage, the mail itself. Any host
-/// makes one and saves it through cTolvaDatabase. Dates are local time here and universal time in the table; none for "no date".
+/// One e-mail or SMS in memory: the flat properties that lists sort and filter on, and CDOMessage, the mail itself. Any
+/// host makes one and saves it through cTolvaDatabase. Dates are local time here and universal time in the table; none
+/// for "no date".
 ///
 /// Every setter but SetCDOMessage marks the object as edited. Changing the mail does not, so who changes it sets
 /// Edited.
@@ -94,8 +95,8 @@ private:
     /// Reads the row with this reference, or the current row for 0. False when it is not there; the object is then
     /// untouched.
     bool ReadFromRecordSet(qint32 reference, dao::Recordset* recordset);
-    /// Writes the row, adding one when there is none with this reference. False when the update failed, with the error in
-    /// pending; dao::Error for what fails before it.
+    /// Writes the row, adding one when there is none with this reference. False when the update failed, with the error
+    /// in pending; dao::Error for what fails before it.
     bool WriteToRecordSet(dao::Recordset* recordset, const QString& highlightWords, const clsFont& highlightFont,
                           PendingError& pending);
     void MarkHighlightWords(const QString& highlightWords, const clsFont& highlightFont);

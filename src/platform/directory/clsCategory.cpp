@@ -67,6 +67,10 @@ bool StandsBefore(const std::unique_ptr<clsCategory>& a, const std::unique_ptr<c
 {
     if (a->SortKey() != b->SortKey())
         return a->SortKey() < b->SortKey();
+    if (a->IsFixed() != b->IsFixed())
+        return a->IsFixed();
+    if (a->IsFixed())
+        return a->Reference() < b->Reference();
     const int order = a->Description().compare(b->Description(), Qt::CaseInsensitive);
     return order != 0 ? order < 0 : a->Reference() < b->Reference();
 }

@@ -8,7 +8,8 @@
 #include <vector>
 
 /// One node of a tree of categories (the message folders), with its sub-categories. A node owns the nodes below it.
-/// Siblings stand by SortKey, then by Description without regard to case, then by Reference.
+/// Siblings stand by SortKey; among equals the fixed ones come first by Reference (the Inbox leads), then the others by
+/// Description without regard to case, then by Reference.
 class clsCategory
 {
 public:
@@ -38,6 +39,7 @@ public:
     void SetKillHours(qint32 hours) { KillHours_ = hours; }
     /// True (-1) marks a fixed category.
     qint32 UserLong() const { return UserLong_; }
+    bool IsFixed() const { return UserLong_ == -1; }
     void SetUserLong(qint32 value) { UserLong_ = value; }
     const QString& UserString() const { return UserString_; }
     void SetUserString(const QString& text) { UserString_ = text; }

@@ -168,10 +168,26 @@ QByteArray WithAlternative(const QByteArray& octets, const HeaderBlock& block, c
                        Wrapped("alternative", old, placement, entity, NewBoundary(octets, entity), lineBreak));
 }
 
-bool HasNoContent(const QByteArray& octets, const BodyParts& parts)
+/// Whether the header says more of the content than one type and one encoding.
+bool HasFurtherContentFields(const QByteArray& octets, const HeaderBlock& block)
+{
+    int types = 0;
+    int encodings = 0;
+    int all = 0;
+    for (const HeaderField& field : block.Fields()) {
+        const QByteArrayView name = HeaderBlock::Name(octets, field);
+        types += name.compare("Content-Type", Qt::CaseInsensitive) == 0 ? 1 : 0;
+        encodings += name.compare("Content-Transfer-Encoding", Qt::CaseInsensitive) == 0 ? 1 : 0;
+        all += DescribesContent(name) ? 1 : 0;
+    }
+    return types > 1 || encodings > 1 || all > types + encodings;
+}
+
+/// Whether there is nothing that a new body or file could push aside: no content, and no word about it.
+bool HasNoContent(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts)
 {
     const BodyPart& part = parts.Leaves().constFirst();
-    return parts.Multiparts().isEmpty() && part.ContentType.startsWith("text/") &&
+    return parts.Multiparts().isEmpty() && parts.Files().isEmpty() && !HasFurtherContentFields(octets, block) &&
            QByteArrayView(octets).sliced(part.ContentBegin, part.ContentEnd - part.ContentBegin).trimmed().isEmpty();
 }
 
@@ -207,6 +223,11 @@ QByteArray WithLastPart(const QByteArray& octets, const HeaderBlock& block, cons
 
 } // namespace
 
+BodyKind Other(BodyKind kind)
+{
+    return kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html;
+}
+
 int BodyIndex(const BodyParts& parts, BodyKind kind)
 {
     return kind == BodyKind::Html ? parts.Html() : parts.Text();
@@ -214,7 +235,7 @@ int BodyIndex(const BodyParts& parts, BodyKind kind)
 
 QString BodyText(QByteArrayView octets, const BodyPart& part)
 {
-    return WithPlainLineEnds(Decode(DecodedContent(octets, part), part.CharacterSet).Text);
+    return WithPlainLineEnds(TextOf(octets, part).Text);
 }
 
 QByteArray WithBodyReplaced(const QByteArray& original, const BodyParts& parts, BodyKind kind, const QString& text)
@@ -231,9 +252,9 @@ QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, con
                          const QString& text)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
-    if (HasNoContent(octets, parts))
+    if (HasNoContent(octets, block, parts))
         return WithOnlyBody(octets, block, BodyEntity(kind, text, lineBreak, {}), lineBreak);
-    const int other = BodyIndex(parts, kind == BodyKind::Html ? BodyKind::Text : BodyKind::Html);
+    const int other = BodyIndex(parts, Other(kind));
     if (other != BodyParts::None)
         return WithAlternative(octets, block, parts, parts.Leaves().at(other), kind, text);
     if (const Multipart* mixed = OuterMixed(parts))
@@ -247,12 +268,43 @@ QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, B
     return WithMessageWrapped(octets, block, "mixed", Placement::Before, entity);
 }
 
+QByteArray WithTypeAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts)
+{
+    if (!parts.Multiparts().isEmpty())
+        return octets;
+    for (const BodyKind kind : {BodyKind::Text, BodyKind::Html}) {
+        const int index = BodyIndex(parts, kind);
+        if (index != BodyParts::None)
+            return WithDeclaration(octets, block, parts.Leaves().at(index), kind);
+    }
+    return octets;
+}
+
+QByteArray WithWholeEnclosed(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts)
+{
+    const QByteArray lineBreak = LineBreakOf(octets);
+    QByteArray bodies;
+    for (const BodyKind kind : {BodyKind::Text, BodyKind::Html}) {
+        const int index = BodyIndex(parts, kind);
+        if (index == BodyParts::None)
+            continue;
+        const QByteArray shown = BodyEntity(kind, BodyText(octets, parts.Leaves().at(index)), lineBreak, {});
+        bodies = bodies.isEmpty()
+                     ? shown
+                     : Wrapped("alternative", bodies, Placement::Behind, shown, NewBoundary(bodies, shown), lineBreak);
+    }
+    const QByteArray whole = FileEntity(QStringLiteral("original.eml"), "message/rfc822", octets, lineBreak);
+    const Placement placement = bodies.isEmpty() ? Placement::Alone : Placement::Behind;
+    const QByteArray content = Wrapped("mixed", bodies, placement, whole, NewBoundary(bodies, whole), lineBreak);
+    return WithOnlyBody(octets, block, content + lineBreak, lineBreak);
+}
+
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
                           const QString& fileName, const QByteArray& contentType, const QByteArray& content)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
     const QByteArray entity = FileEntity(fileName, contentType, content, lineBreak);
-    if (HasNoContent(octets, parts))
+    if (HasNoContent(octets, block, parts))
         return WithMessageWrapped(octets, block, "mixed", Placement::Alone, entity);
     const Multipart* mixed = OuterMixed(parts);
     if (mixed != nullptr && FindBoundaryLine(entity, 0, {mixed->Boundary}) < 0)

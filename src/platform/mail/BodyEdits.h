@@ -15,6 +15,8 @@ enum class BodyKind
     Html
 };
 
+BodyKind Other(BodyKind kind);
+
 /// The index of that body among the parts' leaves; BodyParts::None when there is none.
 int BodyIndex(const BodyParts& parts, BodyKind kind);
 
@@ -32,11 +34,21 @@ QByteArray WithBodyReplaced(const QByteArray& octets, const BodyParts& parts, Bo
 QByteArray WithBodyAdded(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts, BodyKind kind,
                          const QString& text);
 
-/// The message with a new body in front of all that it held, in a multipart/mixed.
+/// The message with a new body in front of all that it held, in a multipart/mixed. What is broken cannot swallow it
+/// there.
 QByteArray WithBodyInFront(const QByteArray& octets, const HeaderBlock& block, BodyKind kind, const QString& text);
 
 /// The message with one more file, behind those that it has.
 QByteArray WithAttachment(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts,
                           const QString& fileName, const QByteArray& contentType, const QByteArray& content);
+
+/// The message, when it is one body and no more, with a type that says how that body was read. Of a broken or
+/// contradictory declaration other readers, and readers of parts, make something else; it stays as
+/// "X-Original-Content-Type". Any other message comes back as it was.
+QByteArray WithTypeAsRead(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts);
+
+/// The message made anew of its bodies as they were shown, with the whole of the old one as a file: for what is so
+/// broken that its parts are others as soon as anything is put beside them.
+QByteArray WithWholeEnclosed(const QByteArray& octets, const HeaderBlock& block, const BodyParts& parts);
 
 } // namespace cdo

@@ -1,6 +1,5 @@
 #include "platform/mail/BodyParts.h"
 
-#include "platform/mail/CharacterSets.h"
 #include "platform/mail/HeaderText.h"
 
 #include <algorithm>
@@ -375,6 +374,14 @@ QByteArray DecodedContent(QByteArrayView octets, const BodyPart& part)
         content.append(QByteArray::fromBase64(QByteArray::fromRawData(piece.data(), piece.size())));
     });
     return content;
+}
+
+DecodedText TextOf(QByteArrayView octets, const BodyPart& part)
+{
+    // A large body that is not encoded needs no copy of its octets.
+    if (!UsesFilter(part.Encoding) && part.Encoding != GMIME_CONTENT_ENCODING_BASE64)
+        return Decode(EncodedContent(octets, part), part.CharacterSet);
+    return Decode(DecodedContent(octets, part), part.CharacterSet);
 }
 
 qint64 DecodedSize(QByteArrayView octets, const BodyPart& part)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/mail/CharacterSets.h"
 #include "platform/mail/GMimeSupport.h"
 #include "platform/mail/HeaderBlock.h"
 
@@ -86,6 +87,8 @@ qsizetype FindBoundaryLine(QByteArrayView octets, qsizetype begin, const QList<Q
 
 /// The part's content without its transfer encoding.
 QByteArray DecodedContent(QByteArrayView octets, const BodyPart& part);
+/// The same as text, with its line ends as they are.
+DecodedText TextOf(QByteArrayView octets, const BodyPart& part);
 qint64 DecodedSize(QByteArrayView octets, const BodyPart& part);
 
 } // namespace cdo

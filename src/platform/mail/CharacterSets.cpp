@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <utility>
 
 namespace cdo
 {
@@ -213,20 +212,28 @@ QString WithPlainLineEnds(QString text)
 {
     if (!text.contains(u'\r'))
         return text;
-    QString result;
-    result.reserve(text.size());
+    // In place, since the text can be large and only ever gets shorter.
+    QChar* const units = text.data();
+    qsizetype kept = 0;
     qsizetype returns = 0;
-    for (const QChar c : std::as_const(text)) {
+    const auto keepReturns = [&] {
+        std::fill_n(units + kept, returns, QChar(u'\r'));
+        kept += returns;
+    };
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = units[i];
         if (c == u'\r') {
             ++returns;
             continue;
         }
         if (c != u'\n')
-            result.append(QString(returns, u'\r'));
+            keepReturns();
         returns = 0;
-        result.append(c);
+        units[kept++] = c;
     }
-    return result.append(QString(returns, u'\r'));
+    keepReturns();
+    text.truncate(kept);
+    return text;
 }
 
 } // namespace cdo

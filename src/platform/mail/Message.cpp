@@ -183,8 +183,7 @@ QByteArray Message::AttachmentContent(int index) const
 
 void Message::AddAttachment(const QString& fileName, const QByteArray& contentType, const QByteArray& content)
 {
-    Content_->SetOctets(
-        WithAttachment(Content_->Octets(), Content_->Header(), Content_->Parts(), fileName, contentType, content));
+    Content_->AddFile(fileName, contentType, content);
 }
 
 QByteArray Message::ContentByID(const QString& contentID, QString* contentType) const

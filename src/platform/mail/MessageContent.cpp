@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <array>
 
 namespace cdo
 {
@@ -83,11 +84,48 @@ void Message::Content::SetBody(BodyKind kind, const QString& text)
         SetOctets(WithBodyReplaced(Octets_, Parts(), kind, storable));
         return;
     }
-    const QByteArray before = Octets_;
-    SetOctets(WithBodyAdded(Octets_, Header(), Parts(), kind, storable));
-    // Parts broken badly enough swallow what stands behind them; nothing can do that to what stands in front.
-    if (Body(kind) != storable)
-        SetOctets(WithBodyInFront(before, HeaderBlock(before), kind, storable));
+    AddBody(kind, storable);
+}
+
+void Message::Content::AddBody(BodyKind kind, const QString& text)
+{
+    const QString other = Body(Other(kind));
+    const qsizetype files = Parts().Files().size();
+    const auto beside = [&] { return WithBodyAdded(Octets_, Header(), Parts(), kind, text); };
+    const auto inFront = [&] { return WithBodyInFront(Octets_, Header(), kind, text); };
+    Add({beside, inFront},
+        [&] { return Body(kind) == text && Body(Other(kind)) == other && Parts().Files().size() == files; });
+}
+
+void Message::Content::AddFile(const QString& fileName, const QByteArray& contentType, const QByteArray& content)
+{
+    const QString text = Body(BodyKind::Text);
+    const QString html = Body(BodyKind::Html);
+    const qsizetype files = Parts().Files().size();
+    const auto behind = [&] { return WithAttachment(Octets_, Header(), Parts(), fileName, contentType, content); };
+    Add({behind}, [&] {
+        return Body(BodyKind::Text) == text && Body(BodyKind::Html) == html && Parts().Files().size() == files + 1 &&
+               DecodedContent(Octets_, *File(static_cast<int>(files))) == content;
+    });
+}
+
+void Message::Content::Add(std::initializer_list<Edit> edits, const std::function<bool()>& isRight)
+{
+    static constexpr auto asItIs = [](const QByteArray& octets, const HeaderBlock&, const BodyParts&) {
+        return octets;
+    };
+    static constexpr std::array<Mending, 3> mendings = {asItIs, WithTypeAsRead, WithWholeEnclosed};
+    const QByteArray octets = Octets_;
+    for (const Mending mended : mendings) {
+        SetOctets(octets);
+        const QByteArray start = mended(octets, Header(), Parts());
+        for (const Edit& edit : edits) {
+            SetOctets(start);
+            SetOctets(edit());
+            if (isRight())
+                return;
+        }
+    }
 }
 
 const BodyPart* Message::Content::File(int index)

@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+#include <functional>
+#include <initializer_list>
 #include <optional>
 
 namespace cdo
@@ -26,6 +28,7 @@ public:
 
     QString Body(BodyKind kind);
     void SetBody(BodyKind kind, const QString& text);
+    void AddFile(const QString& fileName, const QByteArray& contentType, const QByteArray& content);
 
     /// The leaf of one attachment; null when there is no such index.
     const BodyPart* File(int index);
@@ -38,6 +41,15 @@ public:
     QHash<QString, QVariant> Fields; ///< Values set by name, the names in lower case.
 
 private:
+    using Edit = std::function<QByteArray()>;
+    using Mending = QByteArray (*)(const QByteArray&, const HeaderBlock&, const BodyParts&);
+
+    void AddBody(BodyKind kind, const QString& text);
+    /// Broken parts may swallow what is put beside them, or read otherwise once they stand inside others. So each edit
+    /// is tried until the result is right: on the message as it is, and then on what is made of it, the lesser change
+    /// first. The last depends on nothing that is broken.
+    void Add(std::initializer_list<Edit> edits, const std::function<bool()>& isRight);
+
     QByteArray Octets_;
     std::optional<HeaderBlock> Header_;
     std::optional<BodyParts> Parts_;

@@ -11,22 +11,19 @@ namespace cdo
 namespace
 {
 
-bool DescribesContent(QByteArrayView name)
-{
-    return name.size() > 8 && name.first(8).compare("Content-", Qt::CaseInsensitive) == 0;
-}
-
 /// The fields that go with the content. Of several of one name only the first counts, and readers of parts do not agree
-/// on that, so the others stay behind.
-QByteArray ContentFields(const QByteArray& octets, const HeaderBlock& block, const QByteArray& lineBreak)
+/// on that, so the others go under a name that describes nothing. So do those whose names are taken already.
+QByteArray ContentFields(const QByteArray& octets, const HeaderBlock& block, QSet<QByteArray> taken,
+                         const QByteArray& lineBreak)
 {
     QByteArray fields;
-    QSet<QByteArray> taken;
     for (const HeaderField& field : block.Fields()) {
-        const QByteArrayView name = HeaderBlock::Name(octets, field);
-        if (!DescribesContent(name) || taken.contains(name.toByteArray().toLower()))
+        const QByteArray name = HeaderBlock::Name(octets, field).toByteArray().toLower();
+        if (!DescribesContent(name))
             continue;
-        taken.insert(name.toByteArray().toLower());
+        if (taken.contains(name))
+            fields.append("X-Original-");
+        taken.insert(name);
         fields.append(octets.constData() + field.Begin, field.End - field.Begin);
         if (!fields.endsWith('\n'))
             fields.append(lineBreak);
@@ -85,7 +82,27 @@ std::pair<QByteArray, QByteArray> TypeAndSubtype(const QByteArray& contentType)
     return {type, subtype};
 }
 
+/// A Content-Type field with the type and parameters of the old value, but for its character set.
+QByteArray TypeField(const QByteArray& oldValue, BodyKind kind, const QByteArray& characterSet,
+                     const QByteArray& lineBreak)
+{
+    const char* subtype = kind == BodyKind::Html ? "html" : "plain";
+    const QByteArray value = QByteArray(oldValue).replace('\0', ' ');
+    ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), value.constData()));
+    if (!g_mime_content_type_is_type(type.get(), "text", subtype))
+        type.reset(g_mime_content_type_new("text", subtype));
+    g_mime_content_type_set_parameter(type.get(), "charset", characterSet.constData());
+    const TextPointer encoded(g_mime_content_type_encode(type.get(), FormatOptions()));
+    QByteArray field = QByteArray("Content-Type: ") + QByteArray(encoded.get()).trimmed() + '\n';
+    return field.replace("\n", lineBreak);
+}
+
 } // namespace
+
+bool DescribesContent(QByteArrayView name)
+{
+    return name.size() > 8 && name.first(8).compare("Content-", Qt::CaseInsensitive) == 0;
+}
 
 QByteArray TransferEncoded(const QByteArray& content, GMimeContentEncoding encoding, const QByteArray& lineBreak)
 {
@@ -120,15 +137,7 @@ QByteArray WithoutBoundaryLines(const QByteArray& content, const QList<QByteArra
 
 QByteArray Utf8TypeField(const QByteArray& oldValue, BodyKind kind, const QByteArray& lineBreak)
 {
-    const char* subtype = kind == BodyKind::Html ? "html" : "plain";
-    const QByteArray value = QByteArray(oldValue).replace('\0', ' ');
-    ObjectPointer<GMimeContentType> type(g_mime_content_type_parse(ParserOptions(), value.constData()));
-    if (!g_mime_content_type_is_type(type.get(), "text", subtype))
-        type.reset(g_mime_content_type_new("text", subtype));
-    g_mime_content_type_set_parameter(type.get(), "charset", "utf-8");
-    const TextPointer encoded(g_mime_content_type_encode(type.get(), FormatOptions()));
-    QByteArray field = QByteArray("Content-Type: ") + QByteArray(encoded.get()).trimmed() + '\n';
-    return field.replace("\n", lineBreak);
+    return TypeField(oldValue, kind, "utf-8", lineBreak);
 }
 
 QByteArray BodyEntity(BodyKind kind, const QString& text, const QByteArray& lineBreak,
@@ -190,10 +199,21 @@ QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block
                               Placement placement, const QByteArray& entity)
 {
     const QByteArray lineBreak = LineBreakOf(octets);
-    const QByteArray old = ContentFields(octets, block, lineBreak) + lineBreak + octets.sliced(block.BodyBegin());
+    const QByteArray old = ContentFields(octets, block, {}, lineBreak) + lineBreak + octets.sliced(block.BodyBegin());
     const QByteArray wrapped =
         Wrapped(subtype, old, placement, entity, NewBoundary(octets, entity), lineBreak) + lineBreak;
     return WithOnlyBody(octets, block, wrapped, lineBreak);
+}
+
+QByteArray WithDeclaration(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind)
+{
+    const QByteArray lineBreak = LineBreakOf(octets);
+    const QByteArray characterSet = TextOf(octets, part).CharacterSet;
+    QByteArray fields = TypeField(QByteArray(), kind, characterSet, lineBreak);
+    if (const char* encoding = g_mime_content_encoding_to_string(part.Encoding))
+        fields.append("Content-Transfer-Encoding: ").append(encoding).append(lineBreak);
+    fields.append(ContentFields(octets, block, {"content-type", "content-transfer-encoding"}, lineBreak));
+    return HeaderWith(octets, block, fields, lineBreak) + lineBreak + octets.sliced(block.BodyBegin());
 }
 
 QByteArray WithOnlyBody(const QByteArray& octets, const HeaderBlock& block, const QByteArray& entity,

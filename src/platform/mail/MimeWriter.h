@@ -14,6 +14,9 @@ enum class Placement
     Alone
 };
 
+/// Whether a field of this name says something about the content.
+bool DescribesContent(QByteArrayView name);
+
 /// Content in a transfer encoding, its line ends as given; base64 and quoted-printable do not end in one of their own.
 /// Content for all but base64 has "\n" as its line ends.
 QByteArray TransferEncoded(const QByteArray& content, GMimeContentEncoding encoding, const QByteArray& lineBreak);
@@ -41,9 +44,13 @@ QByteArray Wrapped(const QByteArray& subtype, const QByteArray& old, Placement p
                    const QByteArray& boundary, const QByteArray& lineBreak);
 
 /// The message with its content put into a multipart together with a new entity. The fields that describe the content
-/// go with it; all others stay.
+/// go with it, repeated ones as "X-Original-Content-..."; all others stay.
 QByteArray WithMessageWrapped(const QByteArray& octets, const HeaderBlock& block, const QByteArray& subtype,
                               Placement placement, const QByteArray& entity);
+
+/// The message with the type and encoding by which its only body was read, in front of those that it declared, which
+/// stay as "X-Original-Content-...".
+QByteArray WithDeclaration(const QByteArray& octets, const HeaderBlock& block, const BodyPart& part, BodyKind kind);
 
 /// The message with the entity as its whole content, in place of what described the old one.
 QByteArray WithOnlyBody(const QByteArray& octets, const HeaderBlock& block, const QByteArray& entity,

@@ -46,8 +46,10 @@ public:
     static std::unique_ptr<Workspace> CreateWorkspace(const QString& name, const QString& user, const QString& password,
                                                       WorkspaceTypeEnum type);
 
-    /// A transaction over all databases that are open now. Changes of other calls join it until CommitTrans or
-    /// Rollback. CommitTrans and Rollback without BeginTrans raise 3251.
+    /// A transaction over all databases that are open now; one that is opened later joins the next BeginTrans. Changes
+    /// of other calls join it until CommitTrans or Rollback, which raise 3251 without BeginTrans. Transactions nest, up
+    /// to five (3251 for the sixth): an inner Rollback takes back what came since its own BeginTrans, an inner
+    /// CommitTrans makes nothing durable yet, and the outermost of either decides over all.
     static void BeginTrans();
     static void CommitTrans(int options = dbCommitDefault);
     static void Rollback();

@@ -8,7 +8,7 @@
 namespace dao
 {
 
-/// Error numbers of the record store; docs/database.md lists what raises which.
+/// Error numbers of the record store; docs/record-store.md lists what raises which.
 enum ErrorNumber : int
 {
     errOverflow = 6,

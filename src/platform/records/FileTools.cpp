@@ -47,12 +47,26 @@ TemporaryFile::~TemporaryFile()
     QFile::remove(Name_ + QLatin1String("-journal"));
 }
 
+void TemporaryFile::ReplaceEmpty(const QString& target) const
+{
+    const QFileInfo info(target);
+    if (!info.isFile() || info.size() > 0)
+        return;
+    // Between a look at its size and its removal it could have become another process's finished file. Under a name of
+    // our own nobody else touches it, and it can still be put back.
+    const QString aside = Name_ + QLatin1String("-empty");
+    if (!QFile::rename(target, aside))
+        return;
+    if (QFileInfo(aside).size() == 0)
+        QFile::remove(aside);
+    else
+        QFile::rename(aside, target);
+}
+
 void TemporaryFile::MoveTo(const QString& target)
 {
     Flush(Name_);
-    const QFileInfo info(target);
-    if (info.isFile() && info.size() == 0)
-        QFile::remove(target);
+    ReplaceEmpty(target);
     // A rename that does not replace: somebody else's file of that name, made meanwhile, stays.
     if (!QFile::rename(Name_, target)) {
         throw Error(
@@ -61,7 +75,7 @@ void TemporaryFile::MoveTo(const QString& target)
     }
     IsMoved_ = true;
     try {
-        Flush(info.absolutePath());
+        Flush(QFileInfo(target).absolutePath());
     } catch (...) {
         QFile::remove(target);
         throw;

@@ -21,6 +21,9 @@ public:
     void MoveTo(const QString& target);
 
 private:
+    /// Makes way for the rename.
+    void ReplaceEmpty(const QString& target) const;
+
     QString Name_;
     bool IsMoved_ = false;
 };

@@ -54,6 +54,7 @@ StoreDatabase::StoreDatabase(const QString& name, const QString& connect, Sessio
 StoreDatabase::~StoreDatabase()
 {
     Session_->Store.reset();
+    Session_->Lease.Release();
 }
 
 QString StoreDatabase::Name() const

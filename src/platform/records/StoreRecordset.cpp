@@ -99,7 +99,7 @@ void StoreRecordset::AddNew()
     std::vector<std::optional<StoredValue>> buffer(static_cast<std::size_t>(Fields_.Count()));
     for (int ordinal = 0; ordinal < Fields_.Count(); ++ordinal) {
         if (table->CounterColumn() >= 0 && EditedColumn(ordinal) == table->CounterColumn())
-            buffer[static_cast<std::size_t>(ordinal)] = StoredValue(Open().DrawCounter(table));
+            buffer[static_cast<std::size_t>(ordinal)].emplace(Open().DrawCounter(table));
     }
     Buffer_ = std::move(buffer);
     Mode_ = EditMode::Adding;
@@ -217,9 +217,9 @@ void StoreRecordset::SetOctetsOf(int ordinal, const QByteArray& octets)
         return;
     }
     if (octets.isNull() || (octets.isEmpty() && !column.AllowZeroLength))
-        buffered = StoredValue();
+        buffered.emplace();
     else
-        buffered = StoredValue(OctetsToUtf8(octets));
+        buffered.emplace(OctetsToUtf8(octets));
 }
 
 } // namespace dao

@@ -97,13 +97,17 @@ QString TextFromUtf8(std::string_view utf8)
 
 bool IsAscii(std::string_view octets)
 {
+    // Blocks large enough for the compiler to make vector operations of them.
+    constexpr std::size_t Words = 16;
+    constexpr std::size_t Block = Words * sizeof(quint64);
     const char* at = octets.data();
     std::size_t left = octets.size();
-    quint64 seen = 0;
-    for (; left >= sizeof(quint64) * 4; left -= sizeof(quint64) * 4, at += sizeof(quint64) * 4) {
-        quint64 words[4];
-        std::memcpy(words, at, sizeof(words));
-        seen = words[0] | words[1] | words[2] | words[3];
+    for (; left >= Block; left -= Block, at += Block) {
+        quint64 words[Words];
+        std::memcpy(words, at, Block);
+        quint64 seen = 0;
+        for (const quint64 word : words)
+            seen |= word;
         if ((seen & Q_UINT64_C(0x8080808080808080)) != 0)
             return false;
     }

@@ -8,11 +8,14 @@ namespace dao
 namespace
 {
 
+using Databases = std::vector<std::weak_ptr<DatabaseSession>>;
+
+constexpr std::size_t LargestDepth = 5;
+
 struct State
 {
-    std::vector<std::weak_ptr<DatabaseSession>> Databases;
-    std::vector<std::weak_ptr<DatabaseSession>> Members; ///< Of the open transaction.
-    bool IsOpen = false;
+    Databases Open;
+    std::vector<Databases> Transactions; ///< The members of each, the outermost first.
 };
 
 State& Workspace()
@@ -21,11 +24,49 @@ State& Workspace()
     return state;
 }
 
+std::vector<SessionPtr> OpenOnesOf(const Databases& databases)
+{
+    std::vector<SessionPtr> sessions;
+    for (const auto& database : databases) {
+        SessionPtr session = database.lock();
+        if (session && session->Store)
+            sessions.push_back(std::move(session));
+    }
+    return sessions;
+}
+
+/// Does the same to all, whatever comes of each, and raises the first failure.
+void ForAll(const std::vector<SessionPtr>& sessions, void (engine::Store::*operation)())
+{
+    std::exception_ptr failure;
+    for (const SessionPtr& session : sessions) {
+        try {
+            (*session->Store.*operation)();
+        } catch (...) {
+            if (!failure)
+                failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+/// Ends the innermost transaction.
+std::vector<SessionPtr> Take()
+{
+    auto& transactions = Workspace().Transactions;
+    if (transactions.empty())
+        throw Error(errNotSupported, QStringLiteral("CommitTrans or Rollback without BeginTrans."));
+    std::vector<SessionPtr> sessions = OpenOnesOf(transactions.back());
+    transactions.pop_back();
+    return sessions;
+}
+
 } // namespace
 
 void WorkspaceTransaction::Join(const SessionPtr& session)
 {
-    auto& databases = Workspace().Databases;
+    auto& databases = Workspace().Open;
     std::erase_if(databases, [](const std::weak_ptr<DatabaseSession>& other) { return other.expired(); });
     databases.push_back(session);
 }
@@ -33,61 +74,29 @@ void WorkspaceTransaction::Join(const SessionPtr& session)
 void WorkspaceTransaction::Begin()
 {
     State& state = Workspace();
-    if (state.IsOpen)
-        throw Error(errNotSupported, QStringLiteral("A transaction is open already."));
-    for (const auto& database : state.Databases) {
-        const SessionPtr session = database.lock();
-        if (!session || !session->Store)
-            continue;
-        session->Store->BeginTrans();
-        state.Members.push_back(session);
+    if (state.Transactions.size() == LargestDepth)
+        throw Error(errNotSupported, QStringLiteral("Too many transactions are open in each other."));
+    std::vector<SessionPtr> begun;
+    try {
+        for (const SessionPtr& session : OpenOnesOf(state.Open)) {
+            session->Store->BeginTrans();
+            begun.push_back(session);
+        }
+    } catch (...) {
+        ForAll(begun, &engine::Store::Rollback);
+        throw;
     }
-    state.IsOpen = true;
-}
-
-std::vector<SessionPtr> WorkspaceTransaction::Take()
-{
-    State& state = Workspace();
-    if (!state.IsOpen)
-        throw Error(errNotSupported, QStringLiteral("CommitTrans or Rollback without BeginTrans."));
-    state.IsOpen = false;
-    std::vector<SessionPtr> sessions;
-    for (const auto& member : std::exchange(state.Members, {})) {
-        const SessionPtr session = member.lock();
-        if (session && session->Store)
-            sessions.push_back(session);
-    }
-    return sessions;
+    state.Transactions.emplace_back(begun.begin(), begun.end());
 }
 
 void WorkspaceTransaction::Commit()
 {
-    std::exception_ptr failure;
-    for (const SessionPtr& session : Take()) {
-        try {
-            session->Store->CommitTrans();
-        } catch (...) {
-            if (!failure)
-                failure = std::current_exception();
-        }
-    }
-    if (failure)
-        std::rethrow_exception(failure);
+    ForAll(Take(), &engine::Store::CommitTrans);
 }
 
 void WorkspaceTransaction::Rollback()
 {
-    std::exception_ptr failure;
-    for (const SessionPtr& session : Take()) {
-        try {
-            session->Store->Rollback();
-        } catch (...) {
-            if (!failure)
-                failure = std::current_exception();
-        }
-    }
-    if (failure)
-        std::rethrow_exception(failure);
+    ForAll(Take(), &engine::Store::Rollback);
 }
 
 } // namespace dao

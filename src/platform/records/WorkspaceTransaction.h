@@ -5,22 +5,20 @@
 namespace dao
 {
 
-/// The databases of this process, and the one transaction that may span them. One thread.
+/// The databases of this process, and the transactions over all of them, one in the other. One thread.
 class WorkspaceTransaction
 {
 public:
     /// Lists a database; it leaves by being closed.
     static void Join(const SessionPtr& session);
 
-    /// 3251 when a transaction is open already.
+    /// Over the databases that are open now. 3251 when five are open already.
     static void Begin();
-    /// 3251 without Begin. Every database is committed; the first error is thrown after all have been. A commit
-    /// over several files is not one: when one of them fails, those before it stay committed.
+    /// Commit and Rollback end the innermost transaction; 3251 without Begin. Every database is committed; the first
+    /// error is thrown after all have been. A commit over several files is not one: when one of them fails, those
+    /// before it stay committed.
     static void Commit();
     static void Rollback();
-
-private:
-    static std::vector<SessionPtr> Take();
 };
 
 } // namespace dao

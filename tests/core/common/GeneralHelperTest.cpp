@@ -90,3 +90,29 @@ TEST(GeneralHelperTest, TheDebugPathHasItsClosingSeparator)
     GeneralHelper::SetDebugPath(QString());
     EXPECT_EQ(GeneralHelper::DebugPath(), QString());
 }
+
+TEST(GeneralHelperTest, ANumericFieldTakesDigitsAndEditingKeys)
+{
+    EXPECT_EQ(GeneralHelper::FilterNumericKey('7', 1), '7');
+    EXPECT_EQ(GeneralHelper::FilterNumericKey(8, 1), 8); // backspace
+    for (const int key : {'a', ' ', '-', '.', 0, 0xE9})
+        EXPECT_EQ(GeneralHelper::FilterNumericKey(key, 1), 0) << key;
+    EXPECT_EQ(GeneralHelper::FilterNumericKey('-', 0), '-');
+}
+
+TEST(GeneralHelperTest, PointsAreCloseUpToTheDistance)
+{
+    EXPECT_TRUE(GeneralHelper::PointsAreClose(10, 10, 15, 5, 5));
+    EXPECT_FALSE(GeneralHelper::PointsAreClose(10, 10, 15.5, 10, 5));
+    EXPECT_FALSE(GeneralHelper::PointsAreClose(10, 10, 10, 4, 5));
+}
+
+TEST(GeneralHelperTest, AFittedTextIsNeverWiderThanItsPlace)
+{
+    const auto width = [](const QString& text) { return 10.0 * static_cast<double>(text.size()); };
+    EXPECT_EQ(GeneralHelper::FitTextToWidth(width, QStringLiteral("request"), 70), QStringLiteral("request"));
+    EXPECT_EQ(GeneralHelper::FitTextToWidth(width, QStringLiteral("request"), 69), QStringLiteral("reque\u2026"));
+    EXPECT_EQ(GeneralHelper::FitTextToWidth(width, QStringLiteral("request"), 10), QStringLiteral("\u2026"));
+    EXPECT_EQ(GeneralHelper::FitTextToWidth(width, QStringLiteral("request"), 9), QString());
+    EXPECT_EQ(GeneralHelper::FitTextToWidth(width, QStringLiteral("ab\U0001F389cd"), 40), QStringLiteral("ab\u2026"));
+}

@@ -1,7 +1,6 @@
 // A database as a file: making, reading and compacting it.
 
 #include "common/FileDialog.h"
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"
@@ -20,8 +19,8 @@ public:
     explicit ScriptedFileDialog(const QString& choice) : Choice_(choice) {}
     void ShowOpen() override
     {
-        Asked = QStringLiteral("%1|%2|%3|%4|%5|%6").arg(Filter, QString::number(FilterIndex), DialogTitle,
-                                                        QString::number(Flags), InitDir, Filename);
+        Asked = QStringLiteral("%1|%2|%3|%4|%5|%6")
+                    .arg(Filter, QString::number(FilterIndex), DialogTitle, QString::number(Flags), InitDir, Filename);
         if (Choice_.isEmpty())
             throw dao::Error(dao::errCancelled, QStringLiteral("Cancel was selected."));
         Filename = Choice_;
@@ -105,8 +104,9 @@ TEST_F(DatabaseUtilitiesTest, UnlessSilentATitleIsAskedFor)
 {
     InputBoxRequest request;
     request.Prompt = QStringLiteral("Please enter a suitable description for this database");
-    Ui.ExpectConfirmation(QStringLiteral("The database %1 does not exist. Would you like to create it?").arg(FileName()),
-                          MessageBoxAnswer::Yes);
+    Ui.ExpectConfirmation(
+        QStringLiteral("The database %1 does not exist. Would you like to create it?").arg(FileName()),
+        MessageBoxAnswer::Yes);
     Ui.ExpectInputBox(request, QStringLiteral("  Harbour FM "));
     QString title;
     EXPECT_EQ(ValidateDatabase(FileName(), 31, false, title, QString()), 0);
@@ -210,15 +210,16 @@ TEST_F(DatabaseUtilitiesTest, CompactingKeepsTheRowsAndTheOldFileUnderTheNextFre
     OpenStation();
     const qint32 reference = SaveNew(QStringLiteral("Request"));
     Station->CloseTolvaDatabase();
-    const QString done = QStringLiteral("Your Database has been successfully Compacted/Repaired and the old version saved "
-                                        "in a new file with a '.BAK' extension");
+    const QString done =
+        QStringLiteral("Your Database has been successfully Compacted/Repaired and the old version saved "
+                       "in a new file with a '.BAK' extension");
     Ui.ExpectConfirmation(Question(FileName()), MessageBoxAnswer::Yes, CompactTitle);
     Ui.ExpectMessageBox({done, QString(), MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK});
     EXPECT_TRUE(CompactRepairDatabase(FileName(), nullptr, QString(), false));
     EXPECT_TRUE(CompactRepairDatabase(FileName(), nullptr, QString(), true));
-    EXPECT_EQ(Files().filter(QStringLiteral("Tolva")),
-              (QStringList{QStringLiteral("Tolva-0001.BAK"), QStringLiteral("Tolva-0002.BAK"),
-                           QStringLiteral("Tolva.mdb")}));
+    EXPECT_EQ(
+        Files().filter(QStringLiteral("Tolva")),
+        (QStringList{QStringLiteral("Tolva-0001.BAK"), QStringLiteral("Tolva-0002.BAK"), QStringLiteral("Tolva.mdb")}));
     OpenStation();
     EXPECT_EQ(Station->GetMessage(reference)->CDOMessage()->Subject(), QStringLiteral("Request"));
     EXPECT_GT(SaveNew(QStringLiteral("next")), reference);

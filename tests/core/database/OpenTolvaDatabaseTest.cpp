@@ -1,6 +1,5 @@
 // Opening and closing a station.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"
@@ -85,8 +84,7 @@ TEST_F(OpenTolvaDatabaseTest, AMissingFolderIsNotMade)
     const QString folder = Folder.filePath(QStringLiteral("nowhere"));
     EXPECT_EQ(Station->OpenTolvaDatabase(folder), -1);
     EXPECT_FALSE(QDir(folder).exists());
-    EXPECT_EQ(Audit(),
-              QStringList{QStringLiteral("1 Tolva Database Opened: '%1' - Path not found (0)").arg(folder)});
+    EXPECT_EQ(Audit(), QStringList{QStringLiteral("1 Tolva Database Opened: '%1' - Path not found (0)").arg(folder)});
 }
 
 TEST_F(OpenTolvaDatabaseTest, WithoutADirectoryTheLogEntriesVanish)
@@ -111,8 +109,8 @@ TEST_F(OpenTolvaDatabaseTest, AnEmptyFolderGetsADatabaseThatLacksOnlyItsPhoneNum
     EXPECT_EQ(Station->Information().Type, 31);
     EXPECT_EQ(Station->Information().FileName, QStringLiteral("Tolva.mdb"));
     EXPECT_FALSE(Station->Information().IsServerDatabase);
-    EXPECT_EQ(Audit(), QStringList{QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (1)")
-                                       .arg(FileName())});
+    EXPECT_EQ(Audit(),
+              QStringList{QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (1)").arg(FileName())});
     EXPECT_EQ(DescriptionField(u"Type").toInt(), 31);
     EXPECT_FLOAT_EQ(DescriptionField(u"Version").toFloat(), 1.071F);
 }
@@ -123,8 +121,8 @@ TEST_F(OpenTolvaDatabaseTest, CancelledSettingsFailTheOpenAndLeaveTheDatabaseOpe
     Ui.ExpectDatabaseSettings([](cTolvaDatabase&) { return false; });
     EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), -1);
     EXPECT_TRUE(Station->IsOpen());
-    EXPECT_EQ(Audit(), QStringList{QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (0)")
-                                       .arg(FileName())});
+    EXPECT_EQ(Audit(),
+              QStringList{QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (0)").arg(FileName())});
 }
 
 TEST_F(OpenTolvaDatabaseTest, AUserWithoutTheRightNeverSeesTheSettings)
@@ -205,11 +203,12 @@ TEST_F(OpenTolvaDatabaseTest, AFileThatIsNoDatabaseFailsWithItsNumberNegatedAndS
 {
     Write("This is no database, but somebody's shopping list.");
     const QString description = DescriptionOf(FileName());
-    Ui.ExpectWarning(Problem(QStringLiteral("opening the database ") + FileName(), description,
-                             dao::errUnrecognisedFormat));
+    Ui.ExpectWarning(
+        Problem(QStringLiteral("opening the database ") + FileName(), description, dao::errUnrecognisedFormat));
     EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), -dao::errUnrecognisedFormat);
-    EXPECT_EQ(Audit(), QStringList{QStringLiteral("1 Tolva Database Opened: '%1' Failed validation (&HD0F) (0)")
-                                       .arg(FileName())});
+    EXPECT_EQ(
+        Audit(),
+        QStringList{QStringLiteral("1 Tolva Database Opened: '%1' Failed validation (&HD0F) (0)").arg(FileName())});
     QFile file(FileName());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), QByteArray("This is no database, but somebody's shopping list."));
@@ -258,10 +257,10 @@ TEST_F(OpenTolvaDatabaseTest, OpeningWhileOpenClosesFirst)
 {
     OpenStation();
     ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
-    EXPECT_EQ(Audit(), (QStringList{QStringLiteral("2 Tolva Database Closed: Kelvarin Tolva Database (%1) (1)")
-                                        .arg(FileName()),
-                                    QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (1)")
-                                        .arg(FileName())}));
+    EXPECT_EQ(
+        Audit(),
+        (QStringList{QStringLiteral("2 Tolva Database Closed: Kelvarin Tolva Database (%1) (1)").arg(FileName()),
+                     QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (1)").arg(FileName())}));
 }
 
 TEST_F(OpenTolvaDatabaseTest, ClosingWritesWhenAndByWhatTheFileWasUsed)

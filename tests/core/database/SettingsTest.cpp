@@ -1,6 +1,5 @@
 // Settings of a station, and its details.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/SettingText.h"
@@ -154,8 +153,8 @@ TEST_F(SettingsTest, TheStationsDetailsGoToTheirKeys)
     EXPECT_EQ(Stored(u"Station.SMSPhoneNumber").toString(), QStringLiteral("c"));
     EXPECT_EQ(Stored(u"Station.CompanyNumber").toString(), QStringLiteral("d"));
     EXPECT_EQ(Stored(u"Station.VATNumber").toString(), QStringLiteral("e"));
-    EXPECT_EQ(Station->StationAddress() + Station->StationPhoneNumber() + Station->StationSMSPhoneNumber()
-                  + Station->StationCompanyNumber() + Station->StationVATNumber(),
+    EXPECT_EQ(Station->StationAddress() + Station->StationPhoneNumber() + Station->StationSMSPhoneNumber() +
+                  Station->StationCompanyNumber() + Station->StationVATNumber(),
               QStringLiteral("abcde"));
 }
 

@@ -1,9 +1,9 @@
 // Creating and completing the tables of a station database.
 
-#include "core/support/Print.h"
+#include "database/TableCheck.h"
+
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
-#include "database/TableCheck.h"
 #include "platform/records/DBEngine.h"
 
 namespace
@@ -112,14 +112,13 @@ TEST_F(TableCheckTest, PrizesHaveAnHourMaskForEachDayOfTheWeek)
     EXPECT_EQ(fields.mid(0, 4),
               (QStringList{QStringLiteral("Reference 4 0 16 0"), QStringLiteral("AddedByReference 4 0 0 0"),
                            QStringLiteral("AddedDate 8 0 0 0"), QStringLiteral("HourRestrictions1 10 24 0 1")}));
-    EXPECT_EQ(fields.mid(9), (QStringList{QStringLiteral("HourRestrictions7 10 24 0 1"),
-                                          QStringLiteral("StartDate 8 0 0 0"), QStringLiteral("EndDate 8 0 0 0"),
-                                          QStringLiteral("LastWonDate 8 0 0 0"), QStringLiteral("Title 10 255 0 1"),
-                                          QStringLiteral("SupplierReference 4 0 0 0"),
-                                          QStringLiteral("NumberSupplied 4 0 0 0"),
-                                          QStringLiteral("NumberWinners 4 0 0 0"), QStringLiteral("Script 12 0 0 1"),
-                                          QStringLiteral("Notes 12 0 0 1"),
-                                          QStringLiteral("NotesToSupplier 12 0 0 1")}));
+    EXPECT_EQ(fields.mid(9),
+              (QStringList{QStringLiteral("HourRestrictions7 10 24 0 1"), QStringLiteral("StartDate 8 0 0 0"),
+                           QStringLiteral("EndDate 8 0 0 0"), QStringLiteral("LastWonDate 8 0 0 0"),
+                           QStringLiteral("Title 10 255 0 1"), QStringLiteral("SupplierReference 4 0 0 0"),
+                           QStringLiteral("NumberSupplied 4 0 0 0"), QStringLiteral("NumberWinners 4 0 0 0"),
+                           QStringLiteral("Script 12 0 0 1"), QStringLiteral("Notes 12 0 0 1"),
+                           QStringLiteral("NotesToSupplier 12 0 0 1")}));
     EXPECT_EQ(IndexesOf(Table(u"Prizes")), QStringList{QStringLiteral("Main 1 1: Reference")});
 }
 
@@ -154,9 +153,9 @@ TEST_F(TableCheckTest, AMissingFieldIsAddedEmptyAndAnExtraOneIsKept)
 
 TEST_F(TableCheckTest, AFieldOfAnotherTypeIsAcceptedAsItStands)
 {
-    MakeTable(QStringLiteral("Settings"), {{u"Item", dbMemo}});
+    MakeTable(QStringLiteral("Settings"), {{u"Item", dbText}, {u"Value", dbLong}});
     ASSERT_EQ(DAO_DatabaseFunctions::CheckSettingsTable(*File), 0);
-    EXPECT_EQ(Table(u"Settings").Fields().Item(QStringLiteral("Item")).Type(), dbMemo);
+    EXPECT_EQ(Table(u"Settings").Fields().Item(QStringLiteral("Value")).Type(), dbLong);
 }
 
 TEST_F(TableCheckTest, AnIndexOfTheNameIsAcceptedWhateverItCovers)

@@ -1,4 +1,5 @@
 #include "messages/AddressKey.h"
+
 #include "support/ScriptedRegistry.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
-#include "common/clsFont.h"
 #include "messages/HighlightMarking.h"
+
+#include "common/clsFont.h"
 
 #include <gtest/gtest.h>
 
@@ -71,8 +72,7 @@ TEST(HighlightMarkingTest, TheHitKeepsItsCase)
 
 TEST(HighlightMarkingTest, AWordIsMarkedInsideALongerOneAndInsideMarkup)
 {
-    EXPECT_EQ(Marked(u"<a href=\"win\">winner</a>", u"win"),
-              QStringLiteral("<a href=\"<*win*>\"><*win*>ner</a>"));
+    EXPECT_EQ(Marked(u"<a href=\"win\">winner</a>", u"win"), QStringLiteral("<a href=\"<*win*>\"><*win*>ner</a>"));
 }
 
 TEST(HighlightMarkingTest, AHitDirectlyBehindAHitIsPassedOver)

@@ -1,6 +1,5 @@
 // Highlight words as a message is saved.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 
 class HighlightSavingTest : public StationTest
@@ -29,9 +28,9 @@ TEST_F(HighlightSavingTest, TheMarksAreStoredInTheMessage)
     SetWords(QStringLiteral("prize|song"));
     const cMessagePtr message = SaveHTML(QStringLiteral("<p>A Prize for a song</p>"));
     EXPECT_TRUE(message->HasHighlightWords());
-    EXPECT_EQ(message->CDOMessage()->HTMLBody(),
-              QStringLiteral("<p>A ") + Start + QStringLiteral("Prize") + End + QStringLiteral(" for a ") + Start
-                  + QStringLiteral("song") + End + QStringLiteral("</p>"));
+    EXPECT_EQ(message->CDOMessage()->HTMLBody(), QStringLiteral("<p>A ") + Start + QStringLiteral("Prize") + End +
+                                                     QStringLiteral(" for a ") + Start + QStringLiteral("song") + End +
+                                                     QStringLiteral("</p>"));
 }
 
 TEST_F(HighlightSavingTest, AMessageSavedAgainIsMarkedAgain)

@@ -1,6 +1,5 @@
 // The folders of a station.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "platform/records/DBEngine.h"
 
@@ -22,9 +21,10 @@ protected:
         const auto recordset = OpenTable(QStringLiteral("MessageCategories"));
         recordset->SetIndex(QStringLiteral("Main"));
         for (; !recordset->AtEOF(); recordset->MoveNext()) {
-            rows.append(QStringLiteral("%1 %2 %3").arg(recordset->Collect(QStringLiteral("Reference")).toString(),
-                                                       recordset->Collect(QStringLiteral("ParentReference")).toString(),
-                                                       recordset->Collect(QStringLiteral("Description")).toString()));
+            rows.append(QStringLiteral("%1 %2 %3")
+                            .arg(recordset->Collect(QStringLiteral("Reference")).toString(),
+                                 recordset->Collect(QStringLiteral("ParentReference")).toString(),
+                                 recordset->Collect(QStringLiteral("Description")).toString()));
         }
         return rows;
     }

@@ -1,6 +1,5 @@
 // Fetching, saving, copying, moving and deleting messages of a station.
 
-#include "core/support/Print.h"
 #include "core/support/StationTest.h"
 #include "platform/records/DBEngine.h"
 
@@ -13,7 +12,8 @@ public:
     explicit EventSpy(const cTolvaDatabase& station)
     {
         QObject::connect(&station, &cTolvaDatabase::MessageSaved, [this](const cMessagePtr& message, bool edited) {
-            Events.append(QStringLiteral("saved %1 %2 %3").arg(message->Reference()).arg(message->Category()).arg(edited));
+            Events.append(
+                QStringLiteral("saved %1 %2 %3").arg(message->Reference()).arg(message->Category()).arg(edited));
         });
         QObject::connect(&station, &cTolvaDatabase::MessageDeleted, [this](const cMessagePtr& message) {
             Events.append(QStringLiteral("deleted %1 %2").arg(message->Reference()).arg(message->Category()));
@@ -49,7 +49,8 @@ protected:
 TEST_F(MessageStoreTest, ASavedMessageReadsBack)
 {
     auto message = std::make_shared<cMessage>();
-    const QByteArray octets = "From: Ann <ann@example.com>\r\nSubject: =?utf-8?q?H=C3=A9llo?=\r\n\r\nbody \x80\x00 end\r\n";
+    const QByteArray octets =
+        "From: Ann <ann@example.com>\r\nSubject: =?utf-8?q?H=C3=A9llo?=\r\n\r\nbody \x80\x00 end\r\n";
     message->SetCDOMessage(std::make_shared<cdo::Message>(octets));
     message->SetCategory(tmcInbox);
     message->SetFlags(mfRead);
@@ -371,7 +372,8 @@ TEST_F(MessageStoreTest, ADeletedMessagesNumberIsNotGivenAgain)
 TEST_F(MessageStoreTest, WithoutAUserNothingIsChanged)
 {
     const qint32 reference = SaveNew(QStringLiteral("Request"));
-    for (clsKVDirectory* directory : {static_cast<clsKVDirectory*>(nullptr), static_cast<clsKVDirectory*>(&Directory)}) {
+    for (clsKVDirectory* directory :
+         {static_cast<clsKVDirectory*>(nullptr), static_cast<clsKVDirectory*>(&Directory)}) {
         Station->SetDirectoryDatabase(directory);
         Directory.SignedIn = nullptr;
         EXPECT_FALSE(Station->MoveMessage(reference, tmcSaved));

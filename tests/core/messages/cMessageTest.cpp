@@ -1,4 +1,5 @@
 #include "messages/cMessage.h"
+
 #include "support/FixedClock.h"
 
 #include <gtest/gtest.h>

@@ -9,8 +9,8 @@ StationTest::StationTest() : Station(std::make_unique<cTolvaDatabase>())
 
 MessageBoxRequest StationDetailsBox()
 {
-    return {QStringLiteral("You must enter a Name and Phone Number for your station before you can continue"), QString(),
-            MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK};
+    return {QStringLiteral("You must enter a Name and Phone Number for your station before you can continue"),
+            QString(), MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK};
 }
 
 void StationTest::OpenStation()
@@ -32,8 +32,8 @@ QStringList StationTest::Audit() const
     for (const AuditEntry& entry : Directory.User.Log) {
         EXPECT_EQ(entry.ClassNumber, 32);
         EXPECT_EQ(entry.Reference, 0);
-        lines.append(QStringLiteral("%1 %2: %3 (%4)").arg(QString::number(entry.Kind), entry.Title, entry.Text,
-                                                           QString::number(entry.Code)));
+        lines.append(QStringLiteral("%1 %2: %3 (%4)")
+                         .arg(QString::number(entry.Kind), entry.Title, entry.Text, QString::number(entry.Code)));
     }
     return lines;
 }

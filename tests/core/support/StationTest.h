@@ -66,7 +66,8 @@ protected:
     /// The texts of the user log, "KIND TITLE: TEXT (CODE)".
     QStringList Audit() const;
     /// A new e-mail with these headers, not saved.
-    static cMessagePtr MakeMessage(const QString& subject, const QString& from = QStringLiteral("Ann <ann@example.com>"));
+    static cMessagePtr MakeMessage(const QString& subject,
+                                   const QString& from = QStringLiteral("Ann <ann@example.com>"));
     /// The reference of a message saved into a folder.
     qint32 SaveNew(const QString& subject, enTolvaMessageCategories category = tmcInbox);
     std::unique_ptr<dao::Recordset> OpenTable(const QString& name) const;

@@ -51,13 +51,15 @@ protected:
         Rows = Database->OpenRecordset(tableName, dao::dbOpenTable);
     }
 
-    void Add(qint32 reference, qint32 parent, const QString& description = QString(), qint32 sortKey = 0)
+    void Add(qint32 reference, qint32 parent, const QString& description = QString(), qint32 sortKey = 0,
+             qint32 userLong = 0)
     {
         Rows->AddNew();
         Rows->SetCollect(QStringLiteral("Reference"), reference);
         Rows->SetCollect(QStringLiteral("ParentReference"), parent);
         Rows->SetCollect(QStringLiteral("Description"), description);
         Rows->SetCollect(QStringLiteral("SortKey"), sortKey);
+        Rows->SetCollect(QStringLiteral("UserLong"), userLong);
         Rows->Update();
     }
 
@@ -100,6 +102,16 @@ TEST_F(clsCategoryLoadTest, SiblingsStandBySortKeyThenDescriptionWithoutCaseThen
     Add(5, 0, QStringLiteral("éclair"));
     Add(6, 0, QStringLiteral("Aardvark"), 7);
     EXPECT_EQ(LoadedOutline(), QStringLiteral("zebra alpha Beta ÉCLAIR éclair Aardvark"));
+}
+
+TEST_F(clsCategoryLoadTest, FixedCategoriesLeadTheirSiblingsInTheOrderOfTheirNumbers)
+{
+    constexpr qint32 fixed = -1;
+    Add(7, 0, QStringLiteral("Auto-Messages"), 0, fixed);
+    Add(1, 0, QStringLiteral("Inbox"), 0, fixed);
+    Add(8, 0, QStringLiteral("Competitions"));
+    Add(9, 0, QStringLiteral("Pinned"), -1);
+    EXPECT_EQ(LoadedOutline(), QStringLiteral("Pinned Inbox Auto-Messages Competitions"));
 }
 
 TEST_F(clsCategoryLoadTest, TheRootKeepsItsOwnFields)

@@ -253,3 +253,72 @@ TEST(MailBodyAdding, TextWithoutAnyHeaderBecomesAPart)
     EXPECT_EQ(Plain(message.TextBody()), "just text");
     EXPECT_EQ(Plain(message.HTMLBody()), Plain(Html));
 }
+
+TEST(MailBodyAdding, RepeatedContentFieldsStayUnderAnotherName)
+{
+    Message message(Sent("Content-Type: text/plain; charset=utf-8\nContent-Language: de\n"
+                         "Content-Type: text/html\nContent-Language: fr\n\ntext\n"));
+    message.SetHTMLBody(Html);
+    EXPECT_EQ(Outline(message), "alternative[plain html]");
+    EXPECT_EQ(Plain(message.TextBody()), "text\n");
+    EXPECT_TRUE(message.Octets().contains("\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Language: de\r\n"
+                                          "X-Original-Content-Type: text/html\r\n"
+                                          "X-Original-Content-Language: fr\r\n\r\ntext\r\n"))
+        << message.Octets().constData();
+}
+
+TEST(MailBodyAdding, BrokenMultipartStaysTheTextThatItWasShownAs)
+{
+    const QByteArray content = Sent("broken\n--c\nContent-Type: text/html\n\nGr\xFC\xDF"
+                                    "e\n--c--\n");
+    Message message(Sent("Content-Type: multipart/mixed\nContent-Type: multipart/mixed; boundary=c\n\n") + content);
+    const QString text = message.TextBody();
+    EXPECT_TRUE(text.startsWith(QStringLiteral("broken\n--c\n")) && text.contains(QStringLiteral("Grüße")));
+    message.SetHTMLBody(Html);
+    EXPECT_EQ(Plain(message.TextBody()), Plain(text));
+    EXPECT_EQ(Plain(message.HTMLBody()), Plain(Html));
+    EXPECT_TRUE(message.Attachments().isEmpty());
+    EXPECT_TRUE(message.Octets().contains(content));
+    EXPECT_TRUE(message.Octets().contains("boundary=c\r\n"));
+}
+
+TEST(MailBodyAdding, TypeThatIsReadOtherwiseInsideAMultipartIsDeclaredAsItWasRead)
+{
+    const QByteArray declared = QByteArrayLiteral("Content-Type: text/plain; charset=iso-2022-j\0p\r\n");
+    Message message(declared + "\r\n\x1B$B$9\x1B(B\r\n");
+    const QString text = message.TextBody();
+    message.SetHTMLBody(Html);
+    EXPECT_EQ(Plain(message.TextBody()), Plain(text));
+    EXPECT_EQ(Plain(message.HTMLBody()), Plain(Html));
+    EXPECT_TRUE(message.Octets().contains("\r\n\r\n\x1B$B$9\x1B(B\r\n"));
+}
+
+TEST(MailBodyAdding, EmptyFileAndFieldsAboutNoContentAreNotPushedAside)
+{
+    Message file(Sent("Content-Type: text/plain\nContent-Disposition: attachment; filename=empty.txt\n\n"));
+    file.SetHTMLBody(Html);
+    ASSERT_EQ(file.Attachments().size(), 1);
+    EXPECT_EQ(Plain(file.Attachments().at(0).FileName), "empty.txt");
+    Message described(Sent("Content-Type: text/plain\nContent-Description: nothing\n\n"));
+    described.AddAttachment(QStringLiteral("a.txt"), "text/plain", "one");
+    EXPECT_TRUE(described.Octets().contains("Content-Description: nothing\r\n"));
+    EXPECT_EQ(described.Attachments().size(), 1);
+}
+
+TEST(MailBodyAdding, MailWhosePartsWouldReadOtherwiseIsEnclosedWhole)
+{
+    // The part ends within its own header, so that whatever stands beside it becomes its text.
+    const QByteArray octets =
+        mailTest::ReadFile(mailTest::DataFolder() + QStringLiteral("finds/part-cut-off-in-its-header"));
+    Message message(octets);
+    const QString text = message.TextBody();
+    const QString subject = message.Subject();
+    message.SetHTMLBody(Html);
+    EXPECT_EQ(Plain(message.TextBody()), Plain(text));
+    EXPECT_EQ(Plain(message.HTMLBody()), Plain(Html));
+    EXPECT_EQ(Plain(message.Subject()), Plain(subject));
+    ASSERT_FALSE(message.Attachments().isEmpty());
+    const auto last = static_cast<int>(message.Attachments().size()) - 1;
+    EXPECT_EQ(Plain(message.Attachments().at(last).ContentType), "message/rfc822");
+    EXPECT_EQ(message.AttachmentContent(last), octets);
+}

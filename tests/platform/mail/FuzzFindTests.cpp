@@ -18,6 +18,7 @@ TEST(MailFuzzFinds, AllReadAndTakeChanges)
         EXPECT_EQ(message.Subject(), QStringLiteral("Grüße")) << qPrintable(name);
         message.SetHTMLBody(message.HTMLBody() + QStringLiteral("<b>x</b>"));
         EXPECT_TRUE(message.HTMLBody().endsWith(QStringLiteral("<b>x</b>"))) << qPrintable(name);
+        EXPECT_EQ(message.TextBody().trimmed(), text) << qPrintable(name);
         const qsizetype files = message.Attachments().size();
         message.AddAttachment(QStringLiteral("é.bin"), "application/octet-stream", octets);
         EXPECT_EQ(message.Attachments().size(), files + 1) << qPrintable(name);

@@ -182,6 +182,20 @@ TEST_P(Query, ParametersOfAQueryDef)
     EXPECT_EQ(ErrorNumberOf([&] { rows->Execute(); }), errNotSupported);
 }
 
+TEST_P(Query, ParametersTakeAnyTextAndDates)
+{
+    const QString half = QStringLiteral("x") + QChar(0xD83D);
+    AddMessage(half);
+    Db().Execute(QStringLiteral("UPDATE [Messages] SET [Sent]=45000.5 WHERE [Reference]=7"));
+    const auto query =
+        Db().CreateQueryDef(QString(), QStringLiteral("SELECT * FROM Messages WHERE Subject=[S] AND Sent=[D]"));
+    query->Parameters().Item(QStringLiteral("S")).SetValue(half);
+    query->Parameters().Item(QStringLiteral("D")).SetValue(QDateTime(QDate(2023, 3, 15), QTime(12, 0), Qt::UTC));
+    EXPECT_EQ(References(*query->OpenRecordset()), QStringLiteral("7"));
+    query->Parameters().Item(QStringLiteral("S")).SetValue(QVariantList{1});
+    EXPECT_EQ(ErrorNumberOf([&] { query->OpenRecordset(); }), errDataTypeConversion);
+}
+
 TEST_P(Query, AnUpdateQueryIsSeenByAnEditThatBeganBefore)
 {
     const auto messages = OpenMessages();

@@ -4,11 +4,6 @@
 
 #include <iostream>
 
-void PrintTo(const QString& text, std::ostream* stream)
-{
-    *stream << '"' << text.toStdString() << '"';
-}
-
 RecordsFixture::RecordsFixture()
 {
     dao::engine::EngineRegistry::Instance().Named(GetParam()).Create(FileName());

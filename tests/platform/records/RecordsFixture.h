@@ -8,9 +8,6 @@
 
 #include <functional>
 
-/// For GoogleTest.
-void PrintTo(const QString& text, std::ostream* stream);
-
 /// A folder with a database in it, made anew for each test by the engine whose name is the test's parameter: one body
 /// of tests for all engines.
 class RecordsFixture : public testing::TestWithParam<QString>

@@ -101,7 +101,9 @@ public:
     virtual void AddColumn(const QString& table, const Column& column) = 0;
     virtual void AddIndex(const QString& table, const IndexKey& index) = 0;
 
-    /// From BeginTrans on all changes are one: they become durable together in CommitTrans, or are taken back.
+    /// From BeginTrans on all changes are one: they become durable together in CommitTrans, or are taken back. Nests:
+    /// an inner CommitTrans hands its changes to the outer transaction, an inner Rollback takes back what came since
+    /// its own BeginTrans.
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
     virtual void Rollback() = 0;

@@ -26,7 +26,7 @@ struct Literal
 };
 
 /// Field or Table.Field, as it was spelt and without brackets. "[Table.Field]" in one pair of brackets has an empty
-/// Table and the whole text in Field; ResolveDotted in the engine's resolver splits it if no column has that name.
+/// Table and the whole text in Field; whoever knows the schema splits it at the dot where no column has that name.
 struct Name
 {
     QString Table;

@@ -20,10 +20,11 @@ bool CounterBlocks::HasNumber(qint64 table) const
 
 void CounterBlocks::Reserve(qint64 table)
 {
-    const qint64 mark = Mark(table);
+    Block block = Blocks_[table];
+    // The mark can lie below what was drawn here, where a disk that failed kept it from being restored.
+    const qint64 mark = std::max(Mark(table), block.Next - 1);
     if (mark >= HighestNumber)
         throw Error(errOverflow, QStringLiteral("Overflow: the automatic counter has reached its end."));
-    Block block = Blocks_[table];
     // One number at first: a program that files a single message then leaves nothing to give back.
     block.Size = std::clamp<qint64>(block.Size * 2, 1, LargestBlock);
     block.Next = mark + 1;
@@ -31,6 +32,13 @@ void CounterBlocks::Reserve(qint64 table)
     block.IsUncertain = true;
     SetMark(table, block.End);
     Blocks_[table] = block;
+}
+
+void CounterBlocks::GiveUp(qint64 table)
+{
+    const auto found = Blocks_.find(table);
+    if (found != Blocks_.end())
+        found->second.End = found->second.Next - 1;
 }
 
 qint64 CounterBlocks::Draw(qint64 table)
@@ -53,28 +61,29 @@ void CounterBlocks::Return()
     Blocks_.clear();
 }
 
-bool CounterBlocks::NeedsRestore() const
-{
-    return std::any_of(Blocks_.begin(), Blocks_.end(), [](const auto& entry) { return entry.second.IsUncertain; });
-}
-
 void CounterBlocks::TransactionEnded()
 {
     for (auto& [table, block] : Blocks_)
         block.IsUncertain = false;
 }
 
-void CounterBlocks::Restore()
+bool CounterBlocks::TakenBack()
 {
+    bool isAny = false;
     for (auto& [table, block] : Blocks_) {
         if (!block.IsUncertain)
             continue;
-        // Another process may have taken the rest of the block by now.
-        const qint64 drawn = block.Next - 1;
-        if (Mark(table) < drawn)
-            SetMark(table, drawn);
-        block.End = drawn;
-        block.IsUncertain = false;
+        block.End = block.Next - 1;
+        isAny = true;
+    }
+    return isAny;
+}
+
+void CounterBlocks::Restore()
+{
+    for (const auto& [table, block] : Blocks_) {
+        if (block.IsUncertain && Mark(table) < block.End)
+            SetMark(table, block.End);
     }
 }
 

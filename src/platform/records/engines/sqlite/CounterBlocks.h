@@ -19,8 +19,8 @@ public:
     bool HasNumber(qint64 table) const;
     /// Takes a block out of the file; inside the caller's write transaction. 6 when the counter is at its end.
     void Reserve(qint64 table);
-    /// A block whose reservation failed.
-    void Forget(qint64 table) { Blocks_.erase(table); }
+    /// Draws nothing more from a block, as its reservation failed.
+    void GiveUp(qint64 table);
     /// HasNumber must hold.
     qint64 Draw(qint64 table);
 
@@ -29,10 +29,13 @@ public:
     /// Gives back what is left, inside the caller's write transaction.
     void Return();
 
-    /// A transaction that took blocks was taken back: the numbers that were drawn from them stay drawn.
-    bool NeedsRestore() const;
+    /// The transaction that blocks were taken out in is durable.
     void TransactionEnded();
-    /// Puts the file's marks behind them again, inside a write transaction of its own.
+    /// The transaction was taken back, and the marks of its blocks with it. The numbers that were drawn from them stay
+    /// drawn, the others may be another process's by now. True when there are such blocks and Restore is due.
+    bool TakenBack();
+    /// Puts the file's marks behind all blocks of this connection again, inside the caller's write transaction. When
+    /// only a part of a transaction was taken back, they are ours to the end, as nobody else could write.
     void Restore();
 
 private:

@@ -13,8 +13,9 @@
 #include <vector>
 
 /// Renders syntax trees as SQLite text with bound values. Pure functions; any thread. The text needs the functions and
-/// the collation of SqlFunctions.h on its connection. Nothing of a query's own text but numbers ever stands in the
-/// rendered text: names are the schema's spelling in double quotes, constants are bound.
+/// the collation of SqlFunctions.h on its connection. Nothing of a query's own text stands in the
+/// rendered text but the number behind TOP and aliases of tables in double quotes: other names are the schema's
+/// spelling, constants are bound.
 ///
 /// Types: a constant is converted to the type of the column it is compared with (Category = "5" is a comparison of
 /// numbers, Title = 5 one of texts); what cannot be converted, such as Category = "five" or a date against a text

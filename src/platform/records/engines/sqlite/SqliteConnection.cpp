@@ -3,6 +3,7 @@
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QThread>
 
 #include <algorithm>
@@ -135,26 +136,35 @@ void StatementUse::Run()
 std::string_view StatementUse::Text(int column) const
 {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(Handle_, column));
-    if (text == nullptr)
+    if (text == nullptr) {
+        if (!IsNull(column))
+            Connection_.Raise(SQLITE_NOMEM);
         return {};
+    }
     return {text, static_cast<std::size_t>(sqlite3_column_bytes(Handle_, column))};
 }
 
 void StatementUse::PackCell(int column, RowPacker& packer) const
 {
-    switch (sqlite3_column_type(Handle_, column)) {
+    // One look-up of the value, instead of one for each question about it: lists ask a million times.
+    sqlite3_value* value = sqlite3_column_value(Handle_, column);
+    switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
-        packer.AddInteger(sqlite3_column_int64(Handle_, column));
+        packer.AddInteger(sqlite3_value_int64(value));
         break;
     case SQLITE_FLOAT:
-        packer.AddReal(sqlite3_column_double(Handle_, column));
+        packer.AddReal(sqlite3_value_double(value));
         break;
     case SQLITE_NULL:
         packer.AddNull();
         break;
-    default:
-        packer.AddText(Text(column));
+    default: {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        if (text == nullptr)
+            Connection_.Raise(SQLITE_NOMEM);
+        packer.AddText({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
         break;
+    }
     }
 }
 
@@ -194,7 +204,24 @@ Connection::Connection(const QString& fileName, Mode mode) : FileName_(fileName)
 
 Connection::~Connection()
 {
+    RemoveEmptyJournal();
     sqlite3_close_v2(Handle_);
+}
+
+void Connection::RemoveEmptyJournal() noexcept
+{
+    // A file that was renamed while it was open is not the one that its journal's name belongs to now.
+    int hasMoved = 0;
+    if (IsReadOnly() || sqlite3_file_control(Handle_, "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK ||
+        hasMoved != 0)
+        return;
+    const QFileInfo journal(QString::fromUtf8(sqlite3_filename_journal(sqlite3_db_filename(Handle_, "main"))));
+    if (!journal.isFile() || journal.size() > 0)
+        return;
+    // SQLite deletes it under the lock of a writer, so that nobody can be using it; whoever has that lock now keeps
+    // the journal, and removes it in turn. Nothing is lost with an empty journal that stays, so nobody is waited for.
+    sqlite3_busy_handler(Handle_, nullptr, nullptr);
+    sqlite3_exec(Handle_, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
 }
 
 int Connection::Busy(void* self, int count)

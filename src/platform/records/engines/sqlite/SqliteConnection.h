@@ -108,6 +108,7 @@ public:
 
 private:
     static int Busy(void* self, int count);
+    void RemoveEmptyJournal() noexcept;
 
     sqlite3* Handle_ = nullptr;
     QString FileName_;

@@ -49,21 +49,39 @@ SqliteStore::SqliteStore(const QString& fileName, bool readOnly)
 {
     if (Connection_.Number("PRAGMA application_id") != ApplicationId)
         throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
+    CheckLength();
     ReadSchemaUnderLock();
+}
+
+void SqliteStore::CheckLength()
+{
+    // SQLite itself sees a file that lost whole pages, but takes the missing end of the last one for zeros.
+    const ReadScope scope(*this);
+    const qint64 wanted = Connection_.Number("PRAGMA page_count") * Connection_.Number("PRAGMA page_size");
+    sqlite3_file* file = nullptr;
+    sqlite3_int64 size = 0;
+    sqlite3_file_control(Connection_.Handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    if (file == nullptr || file->pMethods == nullptr || file->pMethods->xFileSize(file, &size) != SQLITE_OK)
+        throw Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(Connection_.FileName()));
+    if (size < wanted)
+        throw Error(errFileDamaged,
+                    QStringLiteral("The database '%1' is damaged: its end is missing.").arg(Connection_.FileName()));
 }
 
 SqliteStore::~SqliteStore()
 {
     Connection_.Abandon();
-    if (IsReadOnly_ || !Counters_.HasRest())
+    Transaction_ = Transaction::None;
+    const bool isRestoreDue = Counters_.TakenBack();
+    if (IsReadOnly_ || (!isRestoreDue && !Counters_.HasRest()))
         return;
-    // Without this a number is left out, nothing worse, so that a failure here is no one's concern.
     try {
         WriteScope scope(*this);
+        Counters_.Restore();
         Counters_.Return();
         scope.Commit();
     } catch (const Error&) {
-        Connection_.Abandon();
+        // Numbers are left out, or those of rows that were taken back are drawn once more; no row is concerned.
     }
 }
 
@@ -172,60 +190,8 @@ void SqliteStore::AddIndex(const QString& tableName, const IndexKey& index)
     }
     if (index.Name.isEmpty() || index.Name.contains(QChar(u'\0')) || index.Columns.size() > LargestIndex)
         throw Error(errNotSupported, QStringLiteral("'%1' is not a valid index.").arg(index.Name));
-    for (const int place : index.Columns) {
-        const Column& column = table->Columns[static_cast<std::size_t>(place)];
-        if (column.IsMemo())
-            throw Error(errNotSupported, QStringLiteral("The memo '%1' cannot be indexed.").arg(column.Name));
-    }
     WriteIndex(Connection_, *table, index);
     ReadSchemaUnderLock();
-    scope.Commit();
-}
-
-void SqliteStore::BeginTrans()
-{
-    if (Transaction_ != Transaction::None)
-        throw Error(errNotSupported, QStringLiteral("A transaction is open already."));
-    Transaction_ = Transaction::Announced;
-}
-
-void SqliteStore::CommitTrans()
-{
-    const Transaction state = std::exchange(Transaction_, Transaction::None);
-    if (state == Transaction::Announced)
-        return;
-    if (state != Transaction::Started || !Connection_.IsInTransaction()) {
-        RestoreCounters();
-        throw Error(errDiskError, QStringLiteral("The transaction on '%1' was taken back because of an earlier error.")
-                                      .arg(Connection_.FileName()));
-    }
-    try {
-        Connection_.StartWaiting();
-        StatementUse(Commit_).Run();
-    } catch (...) {
-        Connection_.Abandon();
-        RestoreCounters();
-        throw;
-    }
-    Counters_.TransactionEnded();
-}
-
-void SqliteStore::Rollback()
-{
-    const Transaction state = std::exchange(Transaction_, Transaction::None);
-    if (state == Transaction::Announced)
-        return;
-    Connection_.Abandon();
-    RestoreCounters();
-    CurrentSchema();
-}
-
-void SqliteStore::RestoreCounters()
-{
-    if (!Counters_.NeedsRestore())
-        return;
-    WriteScope scope(*this);
-    Counters_.Restore();
     scope.Commit();
 }
 
@@ -301,7 +267,7 @@ qint64 SqliteStore::DrawCounter(const TablePtr& table)
             Counters_.Reserve(table->Id);
             scope.Commit();
         } catch (...) {
-            Counters_.Forget(table->Id);
+            Counters_.GiveUp(table->Id);
             throw;
         }
     }

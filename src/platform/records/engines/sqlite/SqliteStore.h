@@ -63,17 +63,28 @@ private:
         Lost ///< SQLite took it back because of a failure of the disk.
     };
 
+    /// 3049 when the file is shorter than it says.
+    void CheckLength();
     engine::SchemaPtr ReadSchemaUnderLock();
     qint64 CookieInFile() const;
     engine::TablePtr RequireTable(const QString& name);
     TableAccess& Access(const engine::TablePtr& table);
     void CheckPrimaryKey(const engine::Table& table, std::span<const engine::Assignment> values, bool isNewRow) const;
     void CheckNoNullInPrimaryKey(const engine::Table& table);
+    /// The lock of a writer for an announced transaction.
+    void Start();
+    /// Sees whether a failure of the disk took the open transaction back.
+    void NoteLoss();
+    [[noreturn]] void RaiseLost() const;
+    /// From the savepoint of an inner transaction on.
+    void TakeBackTo(int depth);
+    /// After a transaction was taken back.
     void RestoreCounters();
 
     Connection Connection_;
     bool IsReadOnly_;
     Transaction Transaction_ = Transaction::None;
+    int Depth_ = 0; ///< Of the caller's transactions in each other; each inner one is a savepoint.
     engine::SchemaPtr Schema_;
     qint64 Cookie_ = -1;
     std::unordered_map<const engine::Table*, std::unique_ptr<TableAccess>> Accesses_;

@@ -1,3 +1,5 @@
+#include "platform/records/TextCodec.h"
+#include "platform/records/Values.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
@@ -50,9 +52,14 @@ private:
     mutable std::vector<std::unique_ptr<TableInfo>> Known_;
 };
 
+/// A constant or a parameter's value, bound as what it is.
 StoredValue ToStored(const QVariant& value)
 {
+    engine::Column column;
+    column.Name = QStringLiteral("of the query");
     switch (value.typeId()) {
+    case QMetaType::UnknownType:
+        return {};
     case QMetaType::Bool:
         return value.toBool() ? qint64{-1} : qint64{0};
     case QMetaType::Int:
@@ -61,13 +68,16 @@ StoredValue ToStored(const QVariant& value)
     case QMetaType::Short:
     case QMetaType::UShort:
         return static_cast<qint64>(value.toLongLong());
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return value.toDouble();
     case QMetaType::QString:
-        return value.toString().toUtf8();
+        return TextToUtf8(value.toString());
+    case QMetaType::QDateTime:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+        column.Type = dbDate;
+        return ToStoredValue(value, column);
     default:
-        return {};
+        column.Type = dbDouble;
+        return ToStoredValue(value, column);
     }
 }
 

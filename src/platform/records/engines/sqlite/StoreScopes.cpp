@@ -27,21 +27,18 @@ SqliteStore::WriteScope::WriteScope(SqliteStore& store) : Store_(store)
         throw Error(errCannotOpen,
                     QStringLiteral("Cannot change '%1': it is read only or in use.").arg(connection.FileName()));
     }
-    if (Store_.Transaction_ == Transaction::Started && !connection.IsInTransaction())
-        Store_.Transaction_ = Transaction::Lost;
-    if (Store_.Transaction_ == Transaction::Lost) {
-        throw Error(errDiskError, QStringLiteral("The transaction on '%1' was taken back because of an earlier error.")
-                                      .arg(connection.FileName()));
-    }
+    Store_.NoteLoss();
+    if (Store_.Transaction_ == Transaction::Lost)
+        Store_.RaiseLost();
     connection.StartWaiting();
-    if (!connection.IsInTransaction()) {
+    if (Store_.Transaction_ == Transaction::None) {
         StatementUse(Store_.BeginImmediate_).Run();
-        IsOwn_ = Store_.Transaction_ == Transaction::None;
-        if (!IsOwn_)
-            Store_.Transaction_ = Transaction::Started;
+        IsOwn_ = true;
+        return;
     }
-    if (!IsOwn_)
-        connection.Execute("SAVEPOINT change");
+    if (Store_.Transaction_ == Transaction::Announced)
+        Store_.Start();
+    connection.Execute("SAVEPOINT change");
 }
 
 void SqliteStore::WriteScope::Commit()

@@ -60,6 +60,12 @@ StoredValue ToStored(const CellView& cell)
 TableAccess::TableAccess(Connection& connection, engine::TablePtr table)
     : Connection_(connection), Table_(std::move(table)), Name_(QuoteName(Table_->Name))
 {
+    for (const Column& column : Table_->Columns)
+        IsReadApart_.push_back(column.IsMemo());
+    for (const IndexKey& index : Table_->Indexes) {
+        for (const int column : index.Columns)
+            IsReadApart_[static_cast<std::size_t>(column)] = false;
+    }
 }
 
 template <typename MakeText>
@@ -79,9 +85,9 @@ const IndexKey* TableAccess::IndexAt(int index) const
 QByteArray TableAccess::ReadColumns(MemoFetch memos) const
 {
     QByteArray columns = QByteArray(RowIdName) + ", " + VersionColumn + ", " + OctetsColumn;
-    for (const Column& column : Table_->Columns) {
-        const QByteArray name = QuoteName(column.Name);
-        if (!column.IsMemo())
+    for (std::size_t i = 0; i < Table_->Columns.size(); ++i) {
+        const QByteArray name = QuoteName(Table_->Columns[i].Name);
+        if (!IsReadApart_[i])
             columns += ", " + name;
         else if (memos == MemoFetch::SmallOnes)
             columns += ", CASE WHEN " + QByteArray(OctetsColumn) + " <= " + QByteArray::number(SmallMemoOctets) +
@@ -98,8 +104,8 @@ void TableAccess::Take(const StatementUse& use, MemoFetch memos, Row& row) const
     RowPacker packer(row.Cells);
     const bool hasMemos = memos == MemoFetch::SmallOnes && !use.IsNull(2) && use.Integer(2) <= SmallMemoOctets;
     int place = LeadingColumns;
-    for (const Column& column : Table_->Columns) {
-        if (!column.IsMemo()) {
+    for (std::size_t i = 0; i < IsReadApart_.size(); ++i) {
+        if (!IsReadApart_[i]) {
             use.PackCell(place++, packer);
             continue;
         }

@@ -69,6 +69,9 @@ private:
     Connection& Connection_;
     engine::TablePtr Table_;
     QByteArray Name_; ///< Quoted.
+    /// By column. A memo is read with its row only where it is small; but one that an index orders by is read always,
+    /// because the row's place in that index is told by it.
+    std::vector<bool> IsReadApart_;
     std::unordered_map<quint64, Statement> Statements_;
     std::unordered_map<std::string, Statement> Updates_; ///< By the set of columns, a character each.
 };

@@ -1,0 +1,108 @@
+#include "platform/records/engines/EngineRegistry.h"
+
+#include "platform/records/DBEngine.h"
+#include "platform/records/RecordsFixture.h"
+
+using namespace dao;
+
+namespace
+{
+
+/// Serves connect strings that begin with "TEST;" and remembers what it was told.
+class ServerEngine final : public engine::Engine
+{
+public:
+    explicit ServerEngine(QStringList& statements, bool isAvailable)
+        : Statements_(statements), IsAvailable_(isAvailable)
+    {
+    }
+
+    QString Name() const override { return QStringLiteral("test server"); }
+    Capability Capabilities() const override { return {.Creates = false, .IsServer = true}; }
+    bool IsAvailable(QString& reason) const override
+    {
+        reason = QStringLiteral("switched off");
+        return IsAvailable_;
+    }
+    bool RecognisesFile(const QByteArray&) const override { return false; }
+    bool RecognisesConnect(const QString& connect) const override { return connect.startsWith(QLatin1String("TEST;")); }
+    std::unique_ptr<engine::Store> Open(const QString&, const QString&, bool) override { return nullptr; }
+    void Create(const QString&) override {}
+    void Compact(const QString&, const QString&) override {}
+    std::unique_ptr<Connection> OpenConnection(const QString&, int, bool, const QString&) override
+    {
+        return std::make_unique<ServerConnection>(Statements_);
+    }
+
+private:
+    class ServerConnection final : public Connection
+    {
+    public:
+        explicit ServerConnection(QStringList& statements) : Statements_(statements) {}
+        void Execute(const QString& statement) override { Statements_ += statement; }
+        std::unique_ptr<Recordset> OpenRecordset(const QString&) override { return nullptr; }
+        void Close() override {}
+
+    private:
+        QStringList& Statements_;
+    };
+
+    QStringList& Statements_;
+    bool IsAvailable_;
+};
+
+/// An engine in the registry for the length of a test.
+class Registered
+{
+public:
+    explicit Registered(std::unique_ptr<engine::Engine> engine) : Name_(engine->Name())
+    {
+        engine::EngineRegistry::Instance().Register(std::move(engine));
+    }
+    ~Registered() { engine::EngineRegistry::Instance().Unregister(Name_); }
+    Registered(const Registered&) = delete;
+    Registered& operator=(const Registered&) = delete;
+
+private:
+    QString Name_;
+};
+
+TEST(EngineRegistry, ARegisteredEngineServesItsConnectStrings)
+{
+    QStringList statements;
+    const Registered server(std::make_unique<ServerEngine>(statements, true));
+    const auto workspace = DBEngine::CreateWorkspace(QString(), QString(), QString(), dbUseODBC);
+    const auto connection = workspace->OpenConnection(QString(), dbDriverNoPrompt, false, QStringLiteral("TEST;x"));
+    connection->Execute(QStringLiteral("CREATE DATABASE \"a\""));
+    EXPECT_EQ(statements, QStringList{QStringLiteral("CREATE DATABASE \"a\"")});
+    EXPECT_EQ(ErrorNumberOf([&] { workspace->OpenConnection(QString(), 1, false, QStringLiteral("OTHER;x")); }),
+              errNotSupported);
+}
+
+TEST(EngineRegistry, AMissingEngineIsAnErrorWithItsReason)
+{
+    QStringList statements;
+    const Registered server(std::make_unique<ServerEngine>(statements, false));
+    const auto workspace = DBEngine::CreateWorkspace(QString(), QString(), QString(), dbUseODBC);
+    try {
+        workspace->OpenConnection(QString(), 1, false, QStringLiteral("TEST;x"));
+        FAIL() << "nothing was thrown";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), errNotSupported);
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("switched off")));
+    }
+}
+
+TEST(EngineRegistry, NamesAreTakenOnce)
+{
+    QStringList statements;
+    const Registered server(std::make_unique<ServerEngine>(statements, true));
+    auto& registry = engine::EngineRegistry::Instance();
+    EXPECT_EQ(ErrorNumberOf([&] { registry.Register(std::make_unique<ServerEngine>(statements, true)); }),
+              errTableExists);
+    EXPECT_EQ(ErrorNumberOf([&] { registry.Named(QStringLiteral("absent")); }), errItemNotFound);
+    EXPECT_EQ(ErrorNumberOf([&] { registry.Unregister(QStringLiteral("absent")); }), errItemNotFound);
+    EXPECT_EQ(registry.Default().Name(), QStringLiteral("sqlite"));
+}
+
+} // namespace
