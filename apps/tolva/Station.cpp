@@ -8,6 +8,15 @@ namespace
 {
 constexpr char UserVariable[] = "TOLVA_USER";
 
+constexpr int OpenAttempts = 5;
+
+/// Every open writes the fixed folders anew, so two at the same moment may meet there; one of them goes through.
+bool IsCollision(int errorNumber)
+{
+    return errorNumber == dao::errChangedByAnother || errorNumber == dao::errRecordDeleted ||
+           errorNumber == dao::errDuplicateValue;
+}
+
 QString SubjectOf(const QString& folder)
 {
     return QStringLiteral("The station in %1").arg(folder);
@@ -80,16 +89,25 @@ void Station::SignIn(const QString& name)
 void Station::OpenDatabase()
 {
     Database_.SetDirectoryDatabase(&Directory_);
-    int result = 0;
-    try {
-        result = Database_.OpenTolvaDatabase(Folder_);
-    } catch (const dao::Error& error) {
-        result = error.Number();
-    }
-    // Incomplete station details keep no message out: -1 with an open database counts as opened.
-    if (result != 0 && !(result == -1 && Database_.IsOpen()))
-        FailOpen(qAbs(result));
+    int result = TryOpen();
+    for (int attempt = 1; attempt < OpenAttempts && IsCollision(result); ++attempt)
+        result = TryOpen();
+    if (result != 0)
+        FailOpen(result);
     Terminal_.TakeProblems();
+}
+
+/// 0, or the number of the error that stopped it, 1 for none in particular.
+int Station::TryOpen()
+{
+    Terminal_.TakeProblems();
+    try {
+        const int result = Database_.OpenTolvaDatabase(Folder_);
+        // Incomplete station details keep no message out: -1 with an open database counts as opened.
+        return result == -1 && Database_.IsOpen() ? 0 : qAbs(result);
+    } catch (const dao::Error& error) {
+        return error.Number();
+    }
 }
 
 /// The open itself does not always say which error stopped it; opening the file once more does.

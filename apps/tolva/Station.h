@@ -54,6 +54,7 @@ public:
 private:
     void SignIn(const QString& name);
     void OpenDatabase();
+    int TryOpen();
     [[noreturn]] void FailOpen(int errorNumber);
 
     QString Folder_;
