@@ -4,6 +4,9 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# Objects of one checkout serve another.
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
+
 say() { printf '\033[1m%s\033[0m\n' "$*" >&2; }
 
 buildPackages=(cmake ninja-build g++ pkg-config ccache lld qt6-base-dev libsqlite3-dev libgmime-3.0-dev
