@@ -13,6 +13,8 @@
 #include <QObject>
 #include <QVariant>
 
+#include <functional>
+
 class clsKVDirectory;
 class clsKVUser;
 class PendingError;
@@ -209,7 +211,7 @@ private:
     void StoreCategory(clsCategory& category);
     void StoreCategoryTree(clsCategory& category);
     cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
-    std::unique_ptr<dao::Recordset> OpenMessagesForChange(PendingError& pending);
+    bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, PendingError& pending);
     bool MayEditMessage(const cMessage& message) const;
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
 

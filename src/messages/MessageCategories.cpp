@@ -8,6 +8,7 @@
 #include <QScopedValueRollback>
 
 #include <limits>
+#include <tuple>
 
 namespace
 {
@@ -62,6 +63,15 @@ void WriteCategory(dao::Recordset& recordset, const clsCategory& category)
     setColumn(u"UserLong", category.UserLong());
     setColumn(u"UserString", category.UserString());
     setColumn(u"IconReference", category.IconReference());
+}
+bool HoldsTheSame(const clsCategory& a, const clsCategory& b)
+{
+    const auto fields = [](const clsCategory& category) {
+        return std::tuple(category.ParentReference(), category.Description(), category.SortKey(), category.ForeColour(),
+                          category.BackColour(), category.EndHours(), category.KillHours(), category.UserLong(),
+                          category.UserString(), category.IconReference());
+    };
+    return fields(a) == fields(b);
 }
 } // namespace
 
@@ -158,6 +168,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     return true;
 }
 
+/// Makes sure that the row of a fixed folder is as it should be. One that is already so is not written: every computer
+/// that opens the station comes by here, and must not wait for the others or change a row under their hands.
 void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
                                        qint32 backColour, const QString& iconReference)
 {
@@ -169,11 +181,15 @@ void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const
     category.SetKillHours(killHours);
     category.SetIconReference(iconReference);
     category.SetUserLong(True);
+    const clsCategory* stored = MessageCategories_->FindCategory(reference);
+    if (stored && HoldsTheSame(*stored, category))
+        return;
     const QScopedValueRollback<bool> busy(FixedCategoryBusy_, true);
     SaveMessageCategory(category, false);
 }
 
-/// Written anew at every start, in one transaction: a renamed fixed folder gets its title back, a deleted one returns.
+/// Put right at every start, in one transaction, from a tree that has just been read: a renamed fixed folder gets its
+/// title back, a deleted one returns.
 void cTolvaDatabase::SaveFixedCategories()
 {
     struct FixedCategory

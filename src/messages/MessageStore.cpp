@@ -139,9 +139,10 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
     return message && MayEditMessage(*message) ? message : nullptr;
 }
 
-/// The table as moving and deleting use it; null, with the error kept, when it cannot be opened. An error behind this
-/// point goes into the user log.
-std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessagesForChange(PendingError& pending)
+/// Runs a change on a message's row. False when the table cannot be opened or the row is gone; otherwise what went
+/// wrong, if anything did, is in pending and belongs into the user log.
+bool cTolvaDatabase::ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change,
+                                      PendingError& pending)
 {
     std::unique_ptr<dao::Recordset> recordset;
     const bool opened = pending.Try([&] {
@@ -149,7 +150,16 @@ std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessagesForChange(PendingErr
         recordset->SetIndex(MainIndex);
     });
     KeepLastError(pending);
-    return opened ? std::move(recordset) : nullptr;
+    if (!opened)
+        return false;
+    bool isThere = true;
+    pending.Try([&] {
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        isThere = !recordset->NoMatch();
+        if (isThere)
+            change(*recordset);
+    });
+    return isThere;
 }
 
 bool cTolvaDatabase::CopyMessage(qint32 reference, enTolvaMessageCategories newCategory)
@@ -168,22 +178,14 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
     const cMessagePtr message = MessageForChange(reference, newCategory);
     if (!message)
         return false;
+    // One column alone: the keys, the highlights and the change stamp stay as they are.
+    const auto move = [newCategory](dao::Recordset& row) {
+        row.Edit();
+        row.SetCollect(QStringLiteral("Category"), newCategory);
+        row.Update();
+    };
     PendingError pending;
-    const auto recordset = OpenMessagesForChange(pending);
-    if (!recordset)
-        return false;
-    bool isThere = true;
-    pending.Try([&] {
-        recordset->Seek(dao::SeekComparison::Equal, {reference});
-        isThere = !recordset->NoMatch();
-        if (!isThere)
-            return;
-        // One column alone: the keys, the highlights and the change stamp stay as they are.
-        recordset->Edit();
-        recordset->SetCollect(QStringLiteral("Category"), newCategory);
-        recordset->Update();
-    });
-    if (!isThere)
+    if (!ChangeMessageRow(reference, move, pending))
         return false;
     message->SetCategory(newCategory);
     const clsCategory* category = MessageCategories_->FindCategory(newCategory);
@@ -191,7 +193,6 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
                                     : QStringLiteral(" (%1)").arg(static_cast<int>(newCategory));
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"),
                         SubjectOf(message) + QStringLiteral(" Moved to Category") + target, pending);
-    recordset->Close();
     if (pending.Number() == 0 && RaiseEvents_)
         Q_EMIT MessageSaved(message, true);
     return pending.Number() == 0;
@@ -205,30 +206,21 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     const cMessagePtr message = GetMessage(reference);
     if (!message || !MayEditMessage(*message))
         return false;
-    PendingError pending;
-    const auto recordset = OpenMessagesForChange(pending);
-    if (!recordset)
-        return false;
-    bool isThere = true;
-    pending.Try([&] {
-        recordset->Seek(dao::SeekComparison::Equal, {reference});
-        isThere = !recordset->NoMatch();
-        if (!isThere)
-            return;
+    const auto remove = [deletePermanently](dao::Recordset& row) {
         if (deletePermanently) {
-            recordset->Delete();
-        } else {
-            recordset->Edit();
-            recordset->SetCollect(QStringLiteral("Category"), tmcDeleted);
-            recordset->Update();
+            row.Delete();
+            return;
         }
-    });
-    if (!isThere)
+        row.Edit();
+        row.SetCollect(QStringLiteral("Category"), tmcDeleted);
+        row.Update();
+    };
+    PendingError pending;
+    if (!ChangeMessageRow(reference, remove, pending))
         return false;
     // 0 tells a list that the message is gone, 5 that it went to the bin.
     message->SetCategory(deletePermanently ? static_cast<enTolvaMessageCategories>(0) : tmcDeleted);
     FinishMessageChange(auditMessageDeleted, QStringLiteral("Message Deleted"), SubjectOf(message), pending);
-    recordset->Close();
     if (pending.Number() == 0 && RaiseEvents_)
         Q_EMIT MessageDeleted(message);
     return pending.Number() == 0;

@@ -70,6 +70,19 @@ TEST_F(MessageCategoriesTest, ARenamedFixedFolderGetsItsTitleBackAndADeletedOneR
     EXPECT_NE(Station->MessageCategories().FindCategory(tmcAutomatic), nullptr);
 }
 
+TEST_F(MessageCategoriesTest, AFixedFolderThatIsAsItShouldBeIsNotWrittenAgain)
+{
+    const auto rows = OpenTable(QStringLiteral("MessageCategories"));
+    rows->SetIndex(QStringLiteral("Main"));
+    rows->Seek(dao::SeekComparison::Equal, {tmcInbox});
+    rows->Edit();
+    Station->ReadDatabaseSettings();
+    rows->SetCollect(QStringLiteral("Description"), QStringLiteral("Post"));
+    EXPECT_NO_THROW(rows->Update()); // 3197 if somebody had written the row since the Edit
+    Station->ReadDatabaseSettings();
+    EXPECT_EQ(Station->MessageCategories().FindCategory(tmcInbox)->Description(), QStringLiteral("Inbox"));
+}
+
 TEST_F(MessageCategoriesTest, ANewFolderGetsTheNextNumberAndShowsAfterTheTreeIsRead)
 {
     EXPECT_EQ(Station->LastMessageCategoryReference(), 7);
