@@ -6,6 +6,9 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <cerrno>
+#include <cstdio>
+
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <unistd.h>
@@ -27,9 +30,38 @@ void Flush(const QString& path)
     if (!isFlushed)
         throw Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(path));
 }
+
+/// Renames a file to a name that must be free, in one step: of two processes that want the name one gets it, and the
+/// file that stands there is not touched. (QFile::rename looks first and renames then; where the name was taken in
+/// between, it writes over the file that took it.)
+bool MoveToFreeName(const QString& from, const QString& to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+#ifdef RENAME_NOREPLACE
+    if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno == EEXIST)
+        return false;
+#endif
+    // Network shares and older systems do not know it. A second name for the file fails as well where the name is
+    // taken.
+    if (link(source.constData(), target.constData()) == 0) {
+        unlink(source.constData());
+        return true;
+    }
+    // Without either there is a moment between the look and the step.
+    return errno != EEXIST && access(target.constData(), F_OK) != 0 &&
+           std::rename(source.constData(), target.constData()) == 0;
+}
 #else
 /// Elsewhere the engine's own syncing has to do.
 void Flush(const QString&) {}
+
+bool MoveToFreeName(const QString& from, const QString& to)
+{
+    return QFile::rename(from, to);
+}
 #endif
 
 } // namespace
@@ -55,12 +87,12 @@ void TemporaryFile::ReplaceEmpty(const QString& target) const
     // Between a look at its size and its removal it could have become another process's finished file. Under a name of
     // our own nobody else touches it, and it can still be put back.
     const QString aside = Name_ + QLatin1String("-empty");
-    if (!QFile::rename(target, aside))
+    if (!MoveToFreeName(target, aside))
         return;
     if (QFileInfo(aside).size() == 0)
         QFile::remove(aside);
     else
-        QFile::rename(aside, target);
+        MoveToFreeName(aside, target);
 }
 
 void TemporaryFile::MoveTo(const QString& target)
@@ -68,7 +100,7 @@ void TemporaryFile::MoveTo(const QString& target)
     Flush(Name_);
     ReplaceEmpty(target);
     // A rename that does not replace: somebody else's file of that name, made meanwhile, stays.
-    if (!QFile::rename(Name_, target)) {
+    if (!MoveToFreeName(Name_, target)) {
         throw Error(
             errCannotOpen,
             QStringLiteral("Cannot write '%1': a file of that name exists, or permission is missing.").arg(target));
