@@ -7,11 +7,13 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # Objects of one checkout serve another.
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
-say() { printf '\033[1m%s\033[0m\n' "$*" >&2; }
+say() {
+    if [ -t 2 ]; then printf '\033[1m%s\033[0m\n' "$*" >&2; else printf '%s\n' "$*" >&2; fi
+}
 
 buildPackages=(cmake ninja-build g++ pkg-config ccache lld qt6-base-dev libsqlite3-dev libgmime-3.0-dev
                libphonenumber-dev libprotobuf-dev)
-testPackages=(libgtest-dev)
+testPackages=(libgtest-dev tzdata)
 
 # installPackages NAME...: installs with the system's package manager what is not there yet.
 installPackages() {

@@ -3,13 +3,23 @@
 #include <QFlags>
 
 /// How a message came or goes.
-enum enMsgType : qint32 { emtEmail = 1, emtSMS = 2 };
+enum enMsgType : qint32
+{
+    emtEmail = 1,
+    emtSMS = 2
+};
 
 /// State of a message; a set of bits that is stored as it stands.
-enum enMsgFlags : qint32 { mfRead = 1, mfSendPending = 2, mfAutomatic = 4 };
+enum enMsgFlags : qint32
+{
+    mfRead = 1,
+    mfSendPending = 2,
+    mfAutomatic = 4
+};
 
 /// The fixed folders. User folders have higher numbers, so a variable of this type may hold others.
-enum enTolvaMessageCategories : qint32 {
+enum enTolvaMessageCategories : qint32
+{
     tmcInbox = 1,
     tmcOutbox = 2,
     tmcSaved = 3,
