@@ -10,7 +10,8 @@ constexpr char UserVariable[] = "TOLVA_USER";
 
 constexpr int OpenAttempts = 5;
 
-/// Every open writes the fixed folders anew, so two at the same moment may meet there; one of them goes through.
+/// An open that finds a fixed folder missing or changed puts it right, so two at the same moment may meet there; one of
+/// them goes through, and the other finds it right when it opens again.
 bool IsCollision(int errorNumber)
 {
     return errorNumber == dao::errChangedByAnother || errorNumber == dao::errRecordDeleted ||
