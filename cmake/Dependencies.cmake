@@ -1,9 +1,11 @@
 # The libraries that the tree stands on. docs/dependencies.md gives the reason for each.
 
 find_package(PkgConfig REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET "sqlite3>=3.35")
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET "gmime-3.0>=3.2")
+
+pkg_check_modules(GUMBO REQUIRED IMPORTED_TARGET gumbo)
 
 # libphonenumber ships no usable package description on Debian.
 find_path(PHONENUMBER_INCLUDE_DIR phonenumbers/phonenumberutil.h REQUIRED)
@@ -15,4 +17,5 @@ set_target_properties(Tolva::PhoneNumber PROPERTIES
 
 if(TOLVA_TESTS)
     find_package(GTest REQUIRED)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 endif()

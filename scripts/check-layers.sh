@@ -7,17 +7,26 @@ failed=0
 refuse() { # refuse WORDS PATTERN PATH...
     local words=$1 pattern=$2
     shift 2
-    if grep -rnE "$pattern" --include='*.h' --include='*.cpp' "$@"; then
+    if grep -nE "$pattern" "$@"; then
         echo "^ $words" >&2
         failed=1
     fi
 }
-refuse "platform must not include core" '#include "(common|database|messages|prizes|messageslist)/' src/platform
+sourcesIn() { find "$@" -name '*.h' -o -name '*.cpp'; }
+mapfile -t platform < <(sourcesIn src/platform/{records,mail,directory,html})
+# A folder's controls/ and dialogs/ belong to the upper layer.
+mapfile -t core < <(sourcesIn src/common src/database src/messages | grep -vE '/(controls|dialogs)/')
+mapfile -t widgets < <(sourcesIn src/platform/widgets)
+mapfile -t outsideEngines < <(sourcesIn src | grep -v '^src/platform/records/engines/')
+refuse "platform must not include core" '#include "(common|database|messages|prizes|messageslist)/' "${platform[@]}"
+refuse "platform must not include the widgets" '#include "platform/widgets/' "${platform[@]}"
+refuse "widgets must not include what stands on them" '#include "([a-z]+/(controls|dialogs)|messageslist|database|messages|prizes)/' \
+    "${widgets[@]}"
 refuse "core must not include controls" '#include "(messageslist/|platform/widgets/|[a-z]+/(controls|dialogs)/)' \
-    src/common src/database src/messages
+    "${core[@]}"
 refuse "platform and core must not include Gui or Widgets" \
     '#include <(QtGui|QtWidgets|QWidget|QApplication|QGuiApplication|QDialog|QMessageBox|QFont|QColor|QImage|QPixmap)' \
-    src/common src/database src/messages src/platform/records src/platform/mail src/platform/directory
+    "${core[@]}" "${platform[@]}"
 refuse "nothing outside an engine's folder includes it, but the registry" '#include "platform/records/engines/[a-z]+/' \
-    $(find src -name '*.h' -o -name '*.cpp' | grep -v 'src/platform/records/engines/')
+    "${outsideEngines[@]}"
 exit $failed

@@ -50,9 +50,9 @@ void CommandLineUserInterface::Yield()
     Terminal_.Yield();
 }
 
-void CommandLineUserInterface::RunTimeError(int number, const QString& description)
+void CommandLineUserInterface::RunTimeError(const dao::Error& error)
 {
-    Problems_.append(QStringLiteral("%1 (%2)").arg(description.simplified()).arg(number));
+    Problems_.append(QStringLiteral("%1 (%2)").arg(error.Description().simplified()).arg(error.Number()));
 }
 
 int ErrorNumberIn(const QString& problem)

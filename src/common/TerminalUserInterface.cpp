@@ -284,7 +284,7 @@ std::unique_ptr<ProgressDisplay> TerminalUserInterface::Progress(const QString& 
 
 void TerminalUserInterface::Yield() {}
 
-void TerminalUserInterface::RunTimeError(int number, const QString& description)
+void TerminalUserInterface::RunTimeError(const dao::Error& error)
 {
-    ShowText(QString(), QStringLiteral("Run-time error '%1': %2").arg(number).arg(description));
+    ShowText(QString(), QStringLiteral("Run-time error '%1': %2").arg(error.Number()).arg(error.Description()));
 }

@@ -26,7 +26,7 @@ public:
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
-    void RunTimeError(int number, const QString& description) override;
+    void RunTimeError(const dao::Error& error) override;
 
 private:
     friend class TerminalProgress;

@@ -30,9 +30,9 @@ public:
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<SilentProgress>(); }
     void Yield() override {}
 
-    void RunTimeError(int number, const QString& description) override
+    void RunTimeError(const dao::Error& error) override
     {
-        WriteDebugLog(QStringLiteral("Run-time error '%1': %2").arg(number).arg(description));
+        WriteDebugLog(QStringLiteral("Run-time error '%1': %2").arg(error.Number()).arg(error.Description()));
     }
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/records/Error.h"
+
 #include <QString>
 
 #include <memory>
@@ -82,8 +84,8 @@ public:
     virtual std::unique_ptr<ProgressDisplay> Progress(const QString& caption) = 0;
     /// Lets pending window events run during long work.
     virtual void Yield() = 0;
-    /// An error that has nowhere else to go, such as one that an event handler met.
-    virtual void RunTimeError(int number, const QString& description) = 0;
+    /// An error that has nowhere else to go, such as one that an event handler met. Its source names what raised it.
+    virtual void RunTimeError(const dao::Error& error) = 0;
 };
 
 /// The busy pointer for the life of a scope; scopes nest.

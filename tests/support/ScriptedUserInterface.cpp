@@ -166,9 +166,10 @@ std::unique_ptr<ProgressDisplay> ScriptedUserInterface::Progress(const QString& 
     return std::make_unique<ScriptedProgress>(*this, std::exchange(CancelAt_, 0));
 }
 
-void ScriptedUserInterface::RunTimeError(int number, const QString& description)
+void ScriptedUserInterface::RunTimeError(const dao::Error& error)
 {
-    RunTimeErrors_.append({number, description});
-    if (const auto expected = Take<ExpectedError>(Describe(number, description)))
-        ExpectSame(Describe(expected->Number, expected->Description), Describe(number, description));
+    RunTimeErrors_.append({error.Number(), error.Description()});
+    const QString described = Describe(error.Number(), error.Description());
+    if (const auto expected = Take<ExpectedError>(described))
+        ExpectSame(Describe(expected->Number, expected->Description), described);
 }

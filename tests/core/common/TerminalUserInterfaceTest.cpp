@@ -101,7 +101,7 @@ TEST(TerminalUserInterfaceTest, ABoxIsTextOnTheErrorStream)
     EXPECT_EQ(output.Written(), "K\xC3\xA4se\n\nagain\n");
     EXPECT_EQ(user.MessageBox({QStringLiteral("Text"), QStringLiteral("Title")}), MessageBoxAnswer::OK);
     EXPECT_EQ(output.Written(), "Title\nText\n");
-    user.RunTimeError(3021, QStringLiteral("No current record"));
+    user.RunTimeError(dao::Error(3021, QStringLiteral("No current record")));
     EXPECT_EQ(output.Written(), "Run-time error '3021': No current record\n");
 }
 

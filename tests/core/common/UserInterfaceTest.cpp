@@ -47,7 +47,7 @@ void LeaveThePointerBusy()
 void MeetAnError()
 {
     ScriptedUserInterface user;
-    user.RunTimeError(5, QStringLiteral("broken"));
+    user.RunTimeError(dao::Error(5, QStringLiteral("broken")));
 }
 
 void ShowABoxInPlaceOfAnInput()
@@ -84,7 +84,7 @@ TEST(UserInterfaceTest, TheSilentOneLogsRunTimeErrors)
     DebugLog::SetCurrent(&log);
     GeneralHelper::SetDebugPath(folder.path());
     GeneralHelper::SetDebugMode(1);
-    UserInterface::Current().RunTimeError(3021, QStringLiteral("No current record"));
+    UserInterface::Current().RunTimeError(dao::Error(3021, QStringLiteral("No current record")));
     GeneralHelper::SetDebugMode(0);
     GeneralHelper::SetDebugPath(QString());
     DebugLog::SetCurrent(nullptr);
@@ -140,7 +140,7 @@ TEST(ScriptedUserInterfaceTest, AnswersInOrderAndRecords)
     EXPECT_EQ(result, u"answer");
     EXPECT_EQ(user.InputBox(Input, result), -1);
     EXPECT_EQ(result, QString());
-    user.RunTimeError(5, QStringLiteral("broken"));
+    user.RunTimeError(dao::Error(5, QStringLiteral("broken")));
     user.Yield();
     EXPECT_EQ(user.MessageBoxes().size(), 1);
     EXPECT_EQ(user.InputBoxes().size(), 2);
