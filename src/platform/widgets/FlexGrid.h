@@ -96,8 +96,11 @@ Q_SIGNALS:
     /// Before the grid handles the key, with the event not accepted. Accepting it keeps the key from the grid and its
     /// parents. The grid itself takes the keys that move the row: arrows, Page Up and Down, Home and End.
     void KeyDown(QKeyEvent* event);
+    /// The menu key was pressed.
+    void PopupKey();
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;

@@ -81,6 +81,14 @@ void FlexGrid::EndMouseTracking()
 
 // ---- Keyboard
 
+/// A right click tells by its MouseUp.
+void FlexGrid::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        Q_EMIT PopupKey();
+    event->accept();
+}
+
 void FlexGrid::keyPressEvent(QKeyEvent* event)
 {
     event->ignore();
