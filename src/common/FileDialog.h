@@ -2,11 +2,22 @@
 
 #include <QString>
 
-/// The user's choice of a file name. The host brings the real dialog, tests a scripted one.
+#include <functional>
+#include <memory>
+
+/// The user's choice of a file name. The logic asks Create for one, sets what it needs and shows it; the program
+/// installs the real dialog at start, tests a scripted one.
 class FileDialog
 {
 public:
+    using Factory = std::function<std::unique_ptr<FileDialog>()>;
+
     virtual ~FileDialog() = default;
+
+    /// A fresh dialog, never null. Before SetFactory it is one that every user cancels.
+    static std::unique_ptr<FileDialog> Create();
+    /// What Create calls from now on; an empty one goes back to the cancelled dialog. Returns the one before.
+    static Factory SetFactory(Factory factory);
 
     QString Filter;      ///< "Databases|*.MDB", pairs of words and pattern.
     int FilterIndex = 1; ///< From 1.
@@ -14,10 +25,12 @@ public:
     int Flags = 0; ///< 4: hide read only, 4096: the file must exist, 2: ask before overwriting, 8: keep the folder.
     bool CancelError = false;
     QString InitDir;
-    QString Filename;
-    QString DefaultExt;
+    QString Filename;   ///< The proposed name, and the chosen one with its whole path afterwards.
+    QString DefaultExt; ///< Without the dot; what a typed name without an extension gets.
 
-    /// Asks for a file to open; Filename holds it afterwards. dao::Error 32755 when the user cancels and CancelError is
-    /// set.
+    /// Asks for a file to open; Filename and FilterIndex hold the choice afterwards. When the user cancels both stay as
+    /// they were, and dao::Error 32755 is thrown when CancelError is set.
     virtual void ShowOpen() = 0;
+    /// The same for a file to save to. The file is not made.
+    virtual void ShowSave() = 0;
 };

@@ -1,9 +1,9 @@
 // A database as a file: making, reading and compacting it.
 
-#include "common/FileDialog.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"
+#include "support/ScriptedFileDialog.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,25 +12,6 @@ using namespace DAO_DatabaseFunctions;
 
 namespace
 {
-/// A user who chooses this file, or cancels where it is empty.
-class ScriptedFileDialog : public FileDialog
-{
-public:
-    explicit ScriptedFileDialog(const QString& choice) : Choice_(choice) {}
-    void ShowOpen() override
-    {
-        Asked = QStringLiteral("%1|%2|%3|%4|%5|%6")
-                    .arg(Filter, QString::number(FilterIndex), DialogTitle, QString::number(Flags), InitDir, Filename);
-        if (Choice_.isEmpty())
-            throw dao::Error(dao::errCancelled, QStringLiteral("Cancel was selected."));
-        Filename = Choice_;
-    }
-    QString Asked;
-
-private:
-    QString Choice_;
-};
-
 QString Question(const QString& name)
 {
     return QStringLiteral("Warning : The database must be closed on all computers before you can Compact/Repair it!\n"
@@ -232,16 +213,35 @@ TEST_F(DatabaseUtilitiesTest, AFailedCompactionLeavesEverythingAsItWas)
     EXPECT_EQ(Files(), QStringList{QStringLiteral("Tolva.mdb")});
 }
 
+TEST_F(DatabaseUtilitiesTest, WithoutAHostsDialogNobodyChoosesAFile)
+{
+    const auto dialog = FileDialog::Create();
+    dialog->Filename = QStringLiteral("kept.mdb");
+    dialog->ShowOpen();
+    dialog->ShowSave();
+    EXPECT_EQ(dialog->Filename, QStringLiteral("kept.mdb"));
+    dialog->CancelError = true;
+    EXPECT_THROW(dialog->ShowOpen(), dao::Error);
+    EXPECT_THROW(dialog->ShowSave(), dao::Error);
+}
+
 TEST_F(DatabaseUtilitiesTest, WithoutANameTheDialogAsks)
 {
     EXPECT_FALSE(CompactRepairDatabase(QString(), nullptr, Folder.path(), true));
-    ScriptedFileDialog cancelled((QString()));
-    EXPECT_FALSE(CompactRepairDatabase(QString(), &cancelled, Folder.path(), true));
-    EXPECT_EQ(cancelled.Asked,
-              QStringLiteral("Databases|*.MDB|1|Select Database to Compact|4100|%1/|*.MDB").arg(Folder.path()));
-    ScriptedFileDialog absent(Folder.filePath(QStringLiteral("none.mdb")));
-    EXPECT_FALSE(CompactRepairDatabase(QString(), &absent, Folder.path(), true));
+    ScriptedFileDialog user;
+    user.ExpectOpenCancelled();
+    EXPECT_FALSE(CompactRepairDatabase(QString(), FileDialog::Create().get(), Folder.path(), true));
+    const ScriptedFileDialog::Request& asked = user.Requests().first();
+    EXPECT_EQ(asked.Filter, QStringLiteral("Databases|*.MDB"));
+    EXPECT_EQ(asked.FilterIndex, 1);
+    EXPECT_EQ(asked.DialogTitle, QStringLiteral("Select Database to Compact"));
+    EXPECT_EQ(asked.Flags, 4100);
+    EXPECT_TRUE(asked.CancelError);
+    EXPECT_EQ(asked.InitDir, Folder.path() + QDir::separator());
+    EXPECT_EQ(asked.Filename, QStringLiteral("*.MDB"));
+    user.ExpectOpen(Folder.filePath(QStringLiteral("none.mdb")));
+    EXPECT_FALSE(CompactRepairDatabase(QString(), FileDialog::Create().get(), Folder.path(), true));
     ASSERT_EQ(Validate(FileName()), 0);
-    ScriptedFileDialog chosen(FileName());
-    EXPECT_TRUE(CompactRepairDatabase(QString(), &chosen, Folder.path(), true));
+    user.ExpectOpen(FileName());
+    EXPECT_TRUE(CompactRepairDatabase(QString(), FileDialog::Create().get(), Folder.path(), true));
 }
