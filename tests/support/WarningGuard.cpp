@@ -11,10 +11,15 @@ namespace
 QMutex mutex;
 QStringList warnings;
 QStringList expected;
+QStringList ignored;
 
 void Take(const QString& text)
 {
     const QMutexLocker lock(&mutex);
+    for (const QString& beginning : std::as_const(ignored)) {
+        if (text.startsWith(beginning))
+            return;
+    }
     for (qsizetype i = 0; i < expected.size(); ++i) {
         if (text.contains(expected.at(i))) {
             expected.removeAt(i);
@@ -54,6 +59,12 @@ void WarningGuard::Expect(const QString& text)
 {
     const QMutexLocker lock(&mutex);
     expected.append(text);
+}
+
+void WarningGuard::Ignore(const QString& beginning)
+{
+    const QMutexLocker lock(&mutex);
+    ignored.append(beginning);
 }
 
 void WarningGuard::OnTestStart(const testing::TestInfo&)

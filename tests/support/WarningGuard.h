@@ -14,6 +14,8 @@ public:
 
     /// The next warning that contains this text is the test's own doing and does not fail it.
     static void Expect(const QString& text);
+    /// Warnings that begin with this text say nothing about the program, in any test of this process.
+    static void Ignore(const QString& beginning);
 
     void OnTestStart(const testing::TestInfo& test) override;
     void OnTestEnd(const testing::TestInfo& test) override;
