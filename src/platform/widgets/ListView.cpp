@@ -93,7 +93,6 @@ ListView::ListView(QWidget* parent) : QTreeWidget(parent)
     setSortingEnabled(true);
     sortByColumn(-1, Qt::AscendingOrder);
     header()->setMinimumSectionSize(0);
-    header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     connect(header(), &QHeaderView::sectionClicked, this, &ListView::ColumnClick);
     connect(this, &QTreeWidget::itemSelectionChanged, this, &ListView::TellSelection);

@@ -18,7 +18,8 @@ public:
 
     /// Takes the entries away; columns stay.
     void Clear();
-    /// To the right of those there are; twips 0 hides it. Returns its number, from 0.
+    /// To the right of those there are; twips 0 hides it. The last one fills what the others leave. Returns its number,
+    /// from 0.
     int AddColumn(const QString& text, double twips, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter);
     int ColumnCount() const { return Columns_; }
 

@@ -367,6 +367,27 @@ TEST_F(FlexGridInputTest, WithoutAHorizontalBarNothingScrollsSideways)
     EXPECT_EQ(Grid.horizontalScrollBar()->value(), 0);
 }
 
+TEST_F(FlexGridInputTest, TheGridsToolTipShowsOverItsRows)
+{
+    class Watcher : public QObject
+    {
+    public:
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            Asked += event->type() == QEvent::ToolTip ? 1 : 0;
+            return event->type() == QEvent::ToolTip;
+        }
+        int Asked = 0;
+    };
+    Fill(3);
+    Show();
+    Watcher watcher;
+    Grid.installEventFilter(&watcher);
+    QHelpEvent event(QEvent::ToolTip, Centre(2, 2), Grid.viewport()->mapToGlobal(Centre(2, 2)));
+    QApplication::sendEvent(Grid.viewport(), &event);
+    EXPECT_EQ(watcher.Asked, 1) << "the rows have no tip of their own that would keep it from the grid";
+}
+
 TEST_F(FlexGridInputTest, HeadingsDoNotSortMoveOrResize)
 {
     Fill(3);

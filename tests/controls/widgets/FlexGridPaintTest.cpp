@@ -3,6 +3,7 @@
 #include "platform/widgets/SystemColour.h"
 #include "widgets/FlexGridFixture.h"
 
+#include <QApplication>
 #include <QIcon>
 #include <QPainter>
 
@@ -224,6 +225,34 @@ TEST_F(FlexGridPaintTest, APictureStandsBeforeTheTextOfItsCell)
     EXPECT_EQ(image.pixelColor(10, 10), QColor(0, 128, 0));
     EXPECT_EQ(image.pixelColor(22, 2), QColor(255, 255, 255));
     EXPECT_GT(InkedPixels(1, 2), 16 * 16 + 50);
+}
+
+TEST_F(FlexGridPaintTest, NothingIsDrawnWhileRedrawIsOff)
+{
+    Fill(3);
+    ShowWith(LightPalette());
+    int paints = 0;
+    class Counter : public QObject
+    {
+    public:
+        explicit Counter(int& count) : Count(count) {}
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            Count += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int& Count;
+    };
+    Counter counter(paints);
+    Grid.viewport()->installEventFilter(&counter);
+    Grid.SetRedraw(false);
+    Grid.SetTextMatrix(1, 2, QStringLiteral("new"));
+    Grid.SetRow(3);
+    Grid.SetRows(10);
+    QApplication::processEvents();
+    EXPECT_EQ(paints, 0);
+    Grid.SetRedraw(true);
+    EXPECT_TRUE(QTest::qWaitFor([&paints] { return paints > 0; }));
 }
 
 TEST_F(FlexGridPaintTest, TextIsNeverWiderThanItsCell)

@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QElapsedTimer>
 
+#include <algorithm>
+#include <limits>
 #include <malloc.h>
 #include <vector>
 
@@ -161,21 +163,26 @@ TEST_F(FlexGridSizeTest, ScrollingAndSelectingTakeAsLongInAHundredThousandRowsAs
     const auto timeOf = [this](int rows) {
         FillInBlocks(Grid, rows);
         DrawAll();
-        QElapsedTimer timer;
-        timer.start();
-        for (int step = 0; step < 200; ++step) {
-            Grid.SetTopRow(rows / 2 + step);
-            Key(Qt::Key_Down);
-            QTest::mouseClick(Grid.viewport(), Qt::LeftButton, {}, {100, 50});
-            Grid.viewport()->repaint();
+        // The best of some rounds: the machine may be busy with something else in one of them.
+        qint64 best = std::numeric_limits<qint64>::max();
+        for (int round = 0; round < 5; ++round) {
+            QElapsedTimer timer;
+            timer.start();
+            for (int step = 0; step < 50; ++step) {
+                Grid.SetTopRow(rows / 2 + step);
+                Key(Qt::Key_Down);
+                QTest::mouseClick(Grid.viewport(), Qt::LeftButton, {}, {100, 50});
+                Grid.viewport()->repaint();
+            }
+            best = std::min(best, timer.elapsed());
         }
-        return timer.elapsed();
+        return best;
     };
     const qint64 few = timeOf(1000);
     const qint64 many = timeOf(ManyRows);
-    std::printf("200 times scroll, key, click and draw: %lld ms in 1,000 rows, %lld ms in 100,000\n",
+    std::printf("50 times scroll, key, click and draw: %lld ms in 1,000 rows, %lld ms in 100,000\n",
                 static_cast<long long>(few), static_cast<long long>(many));
-    EXPECT_LT(many, 3 * few + 200);
+    EXPECT_LT(many, 2 * few + 100);
 }
 
 TEST_F(FlexGridSizeTest, PicturesAndStylesAreKeptOnceHoweverManyCellsHaveThem)
