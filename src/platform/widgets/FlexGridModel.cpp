@@ -258,7 +258,7 @@ void FlexGridModel::SetRowHeight(int row, float height)
 void FlexGridModel::ClearRowHeights()
 {
     std::fill(Heights_.begin() + 1, Heights_.end(), -1.0F);
-    ChangedHeights_.Add(1, Rows_ - 1);
+    MarkRowHeights();
 }
 
 RowRange FlexGridModel::TakeChangedHeights()
