@@ -145,7 +145,8 @@ void PageView::ShowPage(const QString& html, const QFont& font, const QPalette& 
 void PageView::ShowPlain(const QString& text, const QFont& font, const QPalette& palette)
 {
     Begin(font, palette);
-    const QString clean = CleanText(text);
+    qsizetype wordLength = 0;
+    const QString clean = BreakLongWords(CleanText(text), &wordLength);
     setPlainText(clean);
     QTextCursor cursor(Document_);
     cursor.beginEditBlock();

@@ -43,7 +43,7 @@ void Panel3::paintEvent(QPaintEvent* event)
     QPainter painter(this);
     painter.fillRect(rect(), background);
     if (!Caption_.isEmpty()) {
-        painter.setPen(Contrast::Readable(palette().color(QPalette::WindowText), background));
+        painter.setPen(Contrast::BlackOrWhite(background));
         const QRect place = contentsRect();
         painter.drawText(place, Qt::AlignCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(Caption_, Qt::ElideRight, place.width()));

@@ -20,7 +20,7 @@
 namespace
 {
 /// Laying out so much takes about a quarter of a second.
-constexpr qsizetype FirstPart = 400'000;
+constexpr qsizetype FirstPart = 200'000;
 constexpr double HtmlPoints = 10.5;
 constexpr int MostZoomSteps = 8;
 
