@@ -12,8 +12,8 @@ constexpr size_t Alignment = alignof(std::max_align_t);
 constexpr size_t BlockSize = 1024 * 1024;
 constexpr size_t MemoryLimit = size_t{768} * 1024 * 1024;
 constexpr int BaseMilliseconds = 1000;
-/// An ordinary page takes about a tenth of this.
-constexpr int MillisecondsPerMegabyte = 1000;
+/// An ordinary page takes about a third of this.
+constexpr int MillisecondsPerMegabyte = 250;
 constexpr int CallsBetweenClocks = 64;
 } // namespace
 

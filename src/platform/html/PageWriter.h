@@ -3,9 +3,11 @@
 #include "platform/html/SafeHtml.h"
 #include "platform/html/StyleReader.h"
 
+#include <QHash>
 #include <QVector>
 
 struct GumboInternalNode;
+class PageTag;
 
 /// Writes a safe page from a parsed one. Works through the tree with a stack of its own, so that no depth of nesting
 /// is too deep. For one page each.
@@ -33,33 +35,40 @@ private:
         bool IsRow = false;
         bool IsBlock = false;
         bool KeepsBlanks = false;
-        bool IsInLink = false;
         bool HasUnknownGround = false; ///< A picture that was withheld lay beneath.
     };
-    class Tag;
 
+    void WeighTables(const GumboInternalNode* document);
+    bool Affords(const GumboInternalNode* table, int tablesAround);
     void WriteChild(const GumboInternalNode* node);
     void WriteText(const char* text);
     void WriteElement(const GumboInternalNode* node);
+    void GoThrough(const GumboInternalNode* node, const QString& name);
+    void OpenCaption(const GumboInternalNode* node);
+    Frame InheritedFrame(const GumboInternalNode* node) const;
+    PageStyle CountedStyle(const GumboInternalNode* node, const QString& name);
     void OpenElement(const GumboInternalNode* node, const QString& name);
-    void OpenLink(const GumboInternalNode* node, Frame* frame, Tag* tag);
-    void OpenTable(const GumboInternalNode* node, Frame* frame, Tag* tag);
-    bool OpenCell(const GumboInternalNode* node, const QString& name, Frame* frame, Tag* tag);
+    void OpenLink(const GumboInternalNode* node, Frame* frame, PageTag* tag);
+    void OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag);
+    bool OpenCell(const GumboInternalNode* node, PageTag* tag);
+    void OpenIndented(const GumboInternalNode* node, const QString& name, PageStyle* style, Frame* frame, PageTag* tag);
     void WriteImage(const GumboInternalNode* node);
     void WriteMissingImage(const GumboInternalNode* node, const QString& source);
     QString EmbeddedPicture(const QString& source);
     bool IsWithheld(const GumboInternalNode* node, const QString& name);
     void CountAttributes(const GumboInternalNode* node);
-    PageStyle StyleOf(const GumboInternalNode* node, const QString& name) const;
-    void ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, Tag* tag);
-    void ApplyFontSize(const PageStyle& style, Frame* frame, Tag* tag);
-    void ApplyColours(const PageStyle& style, Frame* frame, Tag* tag);
-    void Push(Frame frame, const Tag& tag);
+    void ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, PageTag* tag);
+    void ApplyFontSize(const PageStyle& style, Frame* frame, PageTag* tag);
+    void ApplyColours(const PageStyle& style, Frame* frame, PageTag* tag);
+    void Push(Frame frame, const PageTag& tag);
     void Pop();
     bool IsFull() const;
 
     const SafeHtmlOptions& Options_;
     SafePage* Page_;
     QVector<Frame> Stack_;
+    QHash<const GumboInternalNode*, qsizetype> TableWeights_;
+    qsizetype LayoutCost_ = 0;
+    qsizetype WordLength_ = 0;
     qsizetype EmbeddedOctets_ = 0;
 };

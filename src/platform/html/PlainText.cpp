@@ -5,6 +5,8 @@
 namespace
 {
 constexpr qsizetype LongestAddress = 2048;
+/// Longer than any address, so that none is broken.
+constexpr qsizetype LongestWord = 3000;
 constexpr qsizetype LongestMailbox = 64;
 
 /// Controls but tab and line ends, and the places of objects and frames in a rich text.
@@ -179,4 +181,24 @@ QString HtmlOfPlainText(const QString& text)
         end = link.Position + link.Length;
     }
     return html + EscapedText(clean.mid(end)) + QStringLiteral("</div>");
+}
+
+QString BreakLongWords(const QString& text, qsizetype* wordLength)
+{
+    QString broken;
+    qsizetype copied = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i).isSpace()) {
+            *wordLength = 0;
+        } else if (++*wordLength > LongestWord && !text.at(i).isLowSurrogate()) {
+            broken += QStringView(text).mid(copied, i - copied);
+            broken += QChar(0x200B);
+            copied = i;
+            *wordLength = 1;
+        }
+    }
+    if (broken.isEmpty())
+        return text;
+    broken += QStringView(text).mid(copied);
+    return broken;
 }

@@ -25,3 +25,7 @@ QString HtmlOfPlainText(const QString& text);
 
 /// The text without the characters that EscapedText leaves out, with "\n" as line ends.
 QString CleanText(const QString& text);
+
+/// The text with an invisible place to break the line in words that are longer than any: a pane takes time with the
+/// square of a word's length. wordLength is how long the word before the text is, and then the last one in it.
+QString BreakLongWords(const QString& text, qsizetype* wordLength);
