@@ -137,6 +137,9 @@ public:
 
     /// Null when there is no such message, for reference 0 and on a closed object.
     cMessagePtr GetMessage(qint32 reference);
+    /// The message of the current row of a snapshot of all columns; null when it was deleted since the snapshot. For
+    /// lists: one statement serves all rows.
+    cMessagePtr GetMessage(dao::Recordset& row);
     /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, and for more
     /// messages than a collection holds (32,767).
     std::unique_ptr<cMessages> GetMessages(const QString& sqlQuery);
@@ -146,6 +149,8 @@ public:
     /// object.
     std::unique_ptr<dao::Recordset> OpenMessageRows(const QStringList& columns, const QString& condition = QString(),
                                                     const QString& order = QString()) const;
+    /// A snapshot of any SELECT. dao::Error as above.
+    std::unique_ptr<dao::Recordset> OpenSnapshot(const QString& sql) const;
     /// Stores a new or changed message; it is on the disk when this returns true. dao::Error when the row cannot be
     /// started at all (locked by another computer: 3260).
     bool SaveMessage(const cMessagePtr& message);
@@ -153,6 +158,9 @@ public:
     bool CopyMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool MoveMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool DeleteMessage(qint32 reference, bool deletePermanently);
+    /// Erases all messages of a folder, all or none of them. Raises no event, writes no audit entry and leaves the change
+    /// stamp alone; rights are the caller's concern. False when it failed.
+    bool DeleteMessagesOfCategory(enTolvaMessageCategories category);
     /// Announce a change that the caller made itself, whatever RaiseEvents holds.
     void RaiseSaveMessageEvent(const cMessagePtr& message, bool edited) { Q_EMIT MessageSaved(message, edited); }
     void RaiseDeleteMessageEvent(const cMessagePtr& message) { Q_EMIT MessageDeleted(message); }

@@ -43,6 +43,18 @@ cMessagePtr cTolvaDatabase::GetMessage(qint32 reference)
     return message->ReadFromRecordSet(reference, recordset.get()) ? message : nullptr;
 }
 
+cMessagePtr cTolvaDatabase::GetMessage(dao::Recordset& row)
+{
+    auto message = std::make_shared<cMessage>();
+    try {
+        return message->ReadFromRecordSet(0, &row) ? message : nullptr;
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errRecordDeleted)
+            return nullptr;
+        throw;
+    }
+}
+
 std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
 {
     if (!Database_)
@@ -82,7 +94,12 @@ std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessageRows(const QStringLis
         query += QStringLiteral(" WHERE ") + condition;
     if (!order.isEmpty())
         query += QStringLiteral(" ORDER BY ") + order;
-    return OpenedDatabase().OpenRecordset(query, dao::dbOpenSnapshot);
+    return OpenSnapshot(query);
+}
+
+std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenSnapshot(const QString& sql) const
+{
+    return OpenedDatabase().OpenRecordset(sql, dao::dbOpenSnapshot);
 }
 
 bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
@@ -224,6 +241,17 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     if (pending.Number() == 0 && RaiseEvents_)
         Q_EMIT MessageDeleted(message);
     return pending.Number() == 0;
+}
+
+bool cTolvaDatabase::DeleteMessagesOfCategory(enTolvaMessageCategories category)
+{
+    PendingError pending;
+    const bool deleted = pending.Try([&] {
+        OpenedDatabase().Execute(
+            QStringLiteral("DELETE FROM [Messages] WHERE [Category]=%1").arg(static_cast<int>(category)));
+    });
+    KeepLastError(pending);
+    return deleted;
 }
 
 void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const QString& text,

@@ -4,8 +4,8 @@
 
 class QPalette;
 
-/// Colours as the records and controls hold them: 32 bits with red in the low byte (255 is pure red), and a value of the
-/// form 0x8000.... for a colour of the desktop, which follows its theme.
+/// Colours as the records and controls hold them: 32 bits with red in the low byte (255 is pure red), and a value of
+/// the form 0x8000.... for a colour of the desktop, which follows its theme.
 namespace SystemColour
 {
 constexpr qint32 WindowBackground = static_cast<qint32>(0x80000005U);

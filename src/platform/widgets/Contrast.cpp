@@ -1,0 +1,57 @@
+#include "platform/widgets/Contrast.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr double LowestRatio = 3;
+constexpr double GoodRatio = 4.5;
+constexpr int Steps = 10;
+
+double Linear(double part)
+{
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+}
+
+double Luminance(const QColor& colour)
+{
+    return 0.2126 * Linear(colour.redF()) + 0.7152 * Linear(colour.greenF()) + 0.0722 * Linear(colour.blueF());
+}
+
+int Mixed(int a, int b, double share)
+{
+    return static_cast<int>(std::lround(a + (b - a) * share));
+}
+} // namespace
+
+double Contrast::Ratio(const QColor& a, const QColor& b)
+{
+    const auto [darker, lighter] = std::minmax({Luminance(a), Luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor Contrast::BlackOrWhite(const QColor& background)
+{
+    const QColor black(0, 0, 0);
+    const QColor white(255, 255, 255);
+    return Ratio(black, background) >= Ratio(white, background) ? black : white;
+}
+
+QColor Contrast::Readable(const QColor& text, const QColor& background)
+{
+    if (Ratio(text, background) >= LowestRatio)
+        return text;
+    const QColor end = BlackOrWhite(background);
+    for (int step = 1; step < Steps; ++step) {
+        const QColor shade = Blend(text, end, static_cast<double>(step) / Steps);
+        if (Ratio(shade, background) >= GoodRatio)
+            return shade;
+    }
+    return end;
+}
+
+QColor Contrast::Blend(const QColor& a, const QColor& b, double share)
+{
+    return {Mixed(a.red(), b.red(), share), Mixed(a.green(), b.green(), share), Mixed(a.blue(), b.blue(), share)};
+}

@@ -1,0 +1,153 @@
+#pragma once
+
+#include <QTableView>
+
+#include <vector>
+
+class FlexGridModel;
+
+/// A table that is filled cell by cell, with whole rows selected one at a time. Row 0 is the header: its texts are the
+/// headings above the columns, and Rows() counts it. Rows and columns outside the table read as empty (0, false) and
+/// ignore being set. Lengths and positions are in twips, positions from the top left corner of the viewport().
+///
+/// The cells are not edited, sorted, moved or searched by typing: the key of a row may stand in a column that is
+/// hidden. It holds its own model (for setAccessibleName() and the like treat it as any widget; do not set another
+/// model). One thread; made after the application object.
+///
+/// With the redraw switch off, what is on the screen stays as it was, what the rows hold changes behind it, and clicks
+/// and arrow keys select nothing, since they would not meet what the user sees. Switching on shows all at once. So a
+/// fill of any length costs one update of the view.
+class FlexGrid : public QTableView
+{
+    Q_OBJECT
+
+public:
+    explicit FlexGrid(QWidget* parent = nullptr);
+
+    /// At least 1. More rows are empty ones at the end, fewer drop the last ones. The scroll position stays where there
+    /// are rows for it. A current row that is dropped gives way to the last one left.
+    int Rows() const;
+    void SetRows(int rows);
+    int Cols() const;
+    void SetCols(int cols);
+    /// A carriage return or line feed begins a second line where setWordWrap is on, and is a blank where it is off.
+    QString TextMatrix(int row, int col) const;
+    void SetTextMatrix(int row, int col, const QString& text);
+
+    /// The current row, shown as selected whole; 0 when there is none. Setting never scrolls.
+    int Row() const { return Row_; }
+    void SetRow(int row);
+    int Col() const { return Col_; }
+    void SetCol(int col);
+    /// The first row in view, even in part; 1 when there are none. Setting scrolls, as far down as there are rows; with
+    /// redraw off it does so when it goes on.
+    int TopRow() const;
+    void SetTopRow(int row);
+    bool Redraw() const;
+    void SetRedraw(bool redraw);
+
+    /// Row 0 is the header. A height of 0 hides the row; a negative one takes its own height away.
+    double RowHeight(int row) const;
+    void SetRowHeight(int row, double twips);
+    /// The height of every row but the header, now and later; takes the heights away that rows have of their own.
+    /// Before it is first set, rows are as high as a line of the font needs.
+    void SetDefaultRowHeight(double twips);
+    /// 0 hides the column.
+    double ColWidth(int col) const;
+    void SetColWidth(int col, double twips);
+    /// Of the column's cells and its heading.
+    void SetColAlignment(int col, Qt::Alignment alignment);
+
+    /// The look of the cells firstCol to lastCol of a row other than the header. Colours as SystemColour has them; they
+    /// follow the theme when drawn. The text colour is shaded where it could not be read on its background.
+    void SetCellBackColour(int row, int firstCol, int lastCol, qint32 colour);
+    qint32 CellBackColour(int row, int col) const;
+    void SetCellForeColour(int row, int firstCol, int lastCol, qint32 colour);
+    qint32 CellForeColour(int row, int col) const;
+    void SetCellFontBold(int row, int firstCol, int lastCol, bool bold);
+    bool CellFontBold(int row, int col) const;
+    /// Drawn in the middle of a cell without text, before the text of another. Use one icon again and again: it is then
+    /// kept once. A null icon takes the picture away.
+    void SetCellPicture(int row, int col, const QIcon& picture);
+    bool HasCellPicture(int row, int col) const;
+    /// What a screen reader says of each cell of the row before the cell's own text, such as "unread, urgent".
+    void SetRowAccessibleText(int row, const QString& text);
+    QString RowAccessibleText(int row) const;
+
+    /// The row under a vertical position; 0 where there is none, and while redraw is off.
+    int RowAt(double yTwips) const;
+    int RowAtPixel(int y) const;
+    /// Ends what a press of the left button began, as its release would, without MouseUp: from then on the pointer
+    /// selects nothing until the next press. For a drag of data that starts under a held button.
+    void EndMouseTracking();
+
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+
+Q_SIGNALS:
+    /// The current cell is another one now, by the user's doing or by code, also while redraw is off.
+    void EnterCell();
+    /// After the grid has done its part: a press of the left button has made the row under it current; other buttons do
+    /// not change the row. Moves are told while a button is down.
+    void MouseDown(Qt::MouseButton button, const QPointF& twips);
+    void MouseMove(Qt::MouseButtons buttons, const QPointF& twips);
+    void MouseUp(Qt::MouseButton button, const QPointF& twips);
+    /// Of the left button on a row. A MouseUp follows it, no second MouseDown comes before it.
+    void DblClick();
+    /// Before the grid handles the key, with the event not accepted. Accepting it keeps the key from the grid and its
+    /// parents. The grid itself takes the keys that move the row: arrows, Page Up and Down, Home and End.
+    void KeyDown(QKeyEvent* event);
+    /// The menu key was pressed.
+    void PopupKey();
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyboardSearch(const QString& search) override;
+    void changeEvent(QEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event = nullptr) const override;
+    void updateGeometries() override;
+
+private:
+    void PrepareHeaders();
+    void MakeCurrent(int row, int col);
+    void ShowCurrent();
+    /// The column that stands for the current one in the view, which cannot have a hidden one as its current.
+    int ViewColumn() const;
+    /// Brings the view's sections in line with the rows' heights that changed.
+    void ShowHeights();
+    void ShowDefaultHeight();
+    void ShowHeaderHeight();
+    int PixelHeight(int row) const;
+    double DefaultRowHeight() const;
+    QPointF InTwips(const QMouseEvent& event) const;
+    /// false: not one of the keys that move the current cell.
+    bool Navigate(int key);
+    void GoToRow(int row);
+    void GoToColumn(int step);
+    /// The next row in direction step that has a height, or row itself.
+    int NextRow(int row, int step) const;
+    int RowAPageFrom(int row, int step) const;
+
+    FlexGridModel* Model_ = nullptr;
+    int Row_ = 0;
+    int Col_ = 0;
+    int PendingTopRow_ = 0;
+    double DefaultRowHeight_ = -1;
+    std::vector<double> ColWidths_;
+    QPoint PressedAt_;
+    bool Tracking_ = false;
+    bool Following_ = false;
+    bool Synchronising_ = false;
+};
+
+/// Makes the row under a vertical position current; nothing happens where there is none. extend asks for the rows from
+/// the current one on, where a grid can select several: this one selects a single row either way.
+void SelectGridRowAt(FlexGrid& grid, double yTwips, bool extend);

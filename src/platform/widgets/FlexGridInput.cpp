@@ -1,0 +1,184 @@
+#include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/Twips.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QMouseEvent>
+
+#include <algorithm>
+
+int FlexGrid::RowAt(double yTwips) const
+{
+    return RowAtPixel(Twips::ToPixels(*this, yTwips));
+}
+
+int FlexGrid::RowAtPixel(int y) const
+{
+    if (!Redraw() || y < 0 || y >= viewport()->height())
+        return 0;
+    return rowAt(y) + 1;
+}
+
+void SelectGridRowAt(FlexGrid& grid, double yTwips, bool /*extend*/)
+{
+    const int row = grid.RowAt(yTwips);
+    if (row > 0)
+        grid.SetRow(row);
+}
+
+// ---- Mouse
+
+QPointF FlexGrid::InTwips(const QMouseEvent& event) const
+{
+    return {Twips::FromPixels(*this, event.position().x()), Twips::FromPixels(*this, event.position().y())};
+}
+
+void FlexGrid::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        PressedAt_ = event->position().toPoint();
+        Tracking_ = true;
+        Following_ = false;
+        const int row = RowAtPixel(PressedAt_.y());
+        const int col = columnAt(PressedAt_.x());
+        if (row > 0)
+            MakeCurrent(row, col < 0 ? Col_ : col);
+    }
+    Q_EMIT MouseDown(event->button(), InTwips(*event));
+}
+
+void FlexGrid::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPoint position = event->position().toPoint();
+    // A hand that trembles on the edge of a row means the row it pressed.
+    if ((position - PressedAt_).manhattanLength() >= QApplication::startDragDistance())
+        Following_ = true;
+    if (Tracking_ && Following_ && event->buttons().testFlag(Qt::LeftButton)) {
+        const int row = RowAtPixel(position.y());
+        if (row > 0)
+            MakeCurrent(row, Col_);
+    }
+    Q_EMIT MouseMove(event->buttons(), InTwips(*event));
+}
+
+void FlexGrid::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        EndMouseTracking();
+    Q_EMIT MouseUp(event->button(), InTwips(*event));
+}
+
+void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton && RowAtPixel(event->position().toPoint().y()) > 0)
+        Q_EMIT DblClick();
+}
+
+void FlexGrid::EndMouseTracking()
+{
+    Tracking_ = false;
+}
+
+// ---- Keyboard
+
+/// A right click tells by its MouseUp.
+void FlexGrid::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        Q_EMIT PopupKey();
+    event->accept();
+}
+
+void FlexGrid::keyPressEvent(QKeyEvent* event)
+{
+    event->ignore();
+    Q_EMIT KeyDown(event);
+    if (!event->isAccepted() && Navigate(event->key()))
+        event->accept();
+}
+
+void FlexGrid::keyboardSearch(const QString&)
+{
+    // The rows are found by the controls around the grid; the first column may be a key that nobody sees.
+}
+
+QModelIndex FlexGrid::moveCursor(CursorAction, Qt::KeyboardModifiers)
+{
+    // The view asks for this when it gets the focus with no row current, and then none is to become so.
+    return {};
+}
+
+bool FlexGrid::Navigate(int key)
+{
+    switch (key) {
+    case Qt::Key_Up:
+        GoToRow(NextRow(Row_, -1));
+        return true;
+    case Qt::Key_Down:
+        GoToRow(NextRow(Row_, 1));
+        return true;
+    case Qt::Key_PageUp:
+        GoToRow(RowAPageFrom(Row_, -1));
+        return true;
+    case Qt::Key_PageDown:
+        GoToRow(RowAPageFrom(Row_, 1));
+        return true;
+    case Qt::Key_Home:
+        GoToRow(NextRow(0, 1));
+        return true;
+    case Qt::Key_End:
+        GoToRow(NextRow(Rows(), -1));
+        return true;
+    case Qt::Key_Left:
+        GoToColumn(isRightToLeft() ? 1 : -1);
+        return true;
+    case Qt::Key_Right:
+        GoToColumn(isRightToLeft() ? -1 : 1);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void FlexGrid::GoToRow(int row)
+{
+    if (!Redraw() || row < 1 || row >= Rows())
+        return;
+    MakeCurrent(row, Col_);
+    scrollTo(currentIndex());
+}
+
+void FlexGrid::GoToColumn(int step)
+{
+    if (!Redraw() || Row_ == 0)
+        return;
+    int col = ViewColumn() + step;
+    while (col >= 0 && col < Cols() && isColumnHidden(col))
+        col += step;
+    if (col < 0 || col >= Cols())
+        return;
+    MakeCurrent(Row_, col);
+    scrollTo(currentIndex());
+}
+
+int FlexGrid::NextRow(int row, int step) const
+{
+    for (int next = row + step; next >= 1 && next < Rows(); next += step) {
+        if (PixelHeight(next) > 0)
+            return next;
+    }
+    return row > 0 || step > 0 ? row : NextRow(0, 1);
+}
+
+int FlexGrid::RowAPageFrom(int row, int step) const
+{
+    if (!Redraw() || row < 1)
+        return NextRow(0, 1);
+    const QHeaderView* sections = verticalHeader();
+    const int page = std::max(viewport()->height() - sections->sectionSize(row - 1), sections->sectionSize(row - 1));
+    const int position = sections->sectionPosition(row - 1) + step * page;
+    if (position < 0)
+        return NextRow(0, 1);
+    const int section = sections->logicalIndexAt(position - sections->offset());
+    return section < 0 ? NextRow(Rows(), -1) : section + 1;
+}

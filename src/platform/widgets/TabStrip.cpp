@@ -1,0 +1,77 @@
+#include "platform/widgets/TabStrip.h"
+
+#include "platform/widgets/SystemColour.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QTabBar>
+
+TabStrip::TabStrip(QWidget* parent)
+    : QFrame(parent), Tabs_(new QTabBar(this)), Page_(new QWidget(this)), BackColour_(SystemColour::ButtonFace)
+{
+    Tabs_->setDocumentMode(true);
+    Tabs_->setDrawBase(false);
+    Tabs_->setExpanding(false);
+    Tabs_->addTab(QStringLiteral(" "));
+    setAutoFillBackground(true);
+    connect(Tabs_, &QTabBar::currentChanged, this, &TabStrip::TabClick);
+    // Tabs come and go with whoever adds them, and the bar grows with its captions.
+    Tabs_->installEventFilter(this);
+    LayOut();
+}
+
+int TabStrip::Tab() const
+{
+    return Tabs_->currentIndex();
+}
+
+void TabStrip::SetTab(int index)
+{
+    Tabs_->setCurrentIndex(index);
+}
+
+void TabStrip::SetBackColour(qint32 colour)
+{
+    BackColour_ = colour;
+    ApplyColour();
+}
+
+void TabStrip::ApplyColour()
+{
+    QPalette own = palette();
+    own.setColor(QPalette::Window, SystemColour::ToColour(BackColour_, QApplication::palette()));
+    if (own != palette())
+        setPalette(own);
+}
+
+void TabStrip::resizeEvent(QResizeEvent*)
+{
+    LayOut();
+}
+
+void TabStrip::changeEvent(QEvent* event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        ApplyColour();
+}
+
+bool TabStrip::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == Tabs_ && event->type() == QEvent::LayoutRequest)
+        LayOut();
+    return QFrame::eventFilter(watched, event);
+}
+
+void TabStrip::LayOut()
+{
+    const bool shown = Tabs_->count() > 1;
+    Tabs_->setVisible(shown);
+    const int height = shown ? Tabs_->sizeHint().height() : 0;
+    Tabs_->setGeometry(0, 0, width(), height);
+    const QRect page(0, height, width(), qMax(0, this->height() - height));
+    if (Page_->geometry() == page)
+        return;
+    Page_->setGeometry(page);
+    Q_EMIT PageResized();
+}
