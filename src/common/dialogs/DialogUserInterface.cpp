@@ -12,8 +12,8 @@
 
 namespace
 {
-constexpr qsizetype LongestText = 2000;
-constexpr qsizetype MostLines = 40;
+constexpr qsizetype LongestText = 1500;
+constexpr qsizetype MostLines = 30;
 constexpr int LongestDetail = 250;
 
 QWidget* ActiveWindow()
