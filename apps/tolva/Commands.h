@@ -12,6 +12,7 @@ CommandDefinition MoveCommand();
 CommandDefinition CopyCommand();
 CommandDefinition DeleteCommand();
 CommandDefinition MarkCommand();
+CommandDefinition PendingCommand();
 CommandDefinition FoldersCommand();
 CommandDefinition SettingCommand();
 CommandDefinition CheckCommand();

@@ -175,6 +175,7 @@ void uMessagesList::SetDoubleHeightRows(bool twoLines)
 {
     DoubleHeightRows_ = twoLines;
     grdMessages_->setWordWrap(twoLines);
+    SetGridRowHeights();
     SetGridColumnWidths();
     UpdateDisplay();
     TellContainer(Key::DoubleHeightRows);
