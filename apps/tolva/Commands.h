@@ -15,6 +15,7 @@ CommandDefinition MarkCommand();
 CommandDefinition PendingCommand();
 CommandDefinition FoldersCommand();
 CommandDefinition SettingCommand();
+CommandDefinition UsersCommand();
 CommandDefinition CheckCommand();
 
 /// In the order of the help page.

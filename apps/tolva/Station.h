@@ -20,6 +20,7 @@ public:
 
     const QString& Folder() const { return Folder_; }
     cTolvaDatabase& Database() { return Database_; }
+    EmbeddedDirectory& Directory() { return Directory_; }
     const clsCategory& Folders() { return Database_.MessageCategories(); }
     CollectingUserInterface& Terminal() { return UserInterface_; }
 

@@ -65,7 +65,7 @@ std::vector<CommandDefinition> AllCommands()
 {
     return {InitCommand(),    FileCommand(),    ListCommand(),   ShowCommand(), ExportCommand(),
             MoveCommand(),    CopyCommand(),    DeleteCommand(), MarkCommand(), PendingCommand(),
-            FoldersCommand(), SettingCommand(), CheckCommand()};
+            FoldersCommand(), SettingCommand(), UsersCommand(),  CheckCommand()};
 }
 
 int main(int argc, char** argv)

@@ -22,6 +22,11 @@ qint32 FilledListTest::Save(const QString& subject, const std::function<void(cMe
     return message->Reference();
 }
 
+qint32 FilledListTest::SaveIn(const QString& subject, enTolvaMessageCategories category)
+{
+    return Save(subject, [category](cMessage& message) { message.SetCategory(category); });
+}
+
 QList<qint32> FilledListTest::SaveMany(int count)
 {
     if (!Station->IsOpen())

@@ -16,6 +16,7 @@ protected:
     /// The reference of a mail saved into the Inbox, after change altered it. It has no date of its own, so that mails
     /// stand in the order in which they were saved.
     qint32 Save(const QString& subject, const std::function<void(cMessage&)>& change = {});
+    qint32 SaveIn(const QString& subject, enTolvaMessageCategories category);
     /// "Message 1" and so on, saved in one go; their references.
     QList<qint32> SaveMany(int count);
     /// Another program's connection to the same file, made on the first call.

@@ -197,7 +197,7 @@ TEST_F(MessagesListPollingTest, AMessageOfAnotherFolderIsIgnored)
 {
     Save(QStringLiteral("One"));
     Attach();
-    SaveNew(QStringLiteral("Kept"), tmcSaved);
+    SaveIn(QStringLiteral("Kept"), tmcSaved);
     EXPECT_EQ(TakeFills(), 0);
 }
 
@@ -207,7 +207,7 @@ TEST_F(MessagesListPollingTest, WithNoFolderChosenEveryMessageCounts)
     Attach();
     List->UpdateDisplay();
     TakeFills();
-    SaveNew(QStringLiteral("Kept"), tmcSaved);
+    SaveIn(QStringLiteral("Kept"), tmcSaved);
     EXPECT_EQ(TakeFills(), 1);
     EXPECT_EQ(List->NumberItems(), 1);
 }

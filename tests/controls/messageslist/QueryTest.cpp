@@ -39,7 +39,7 @@ protected:
 TEST_F(MessagesListQueryTest, ShowsTheInboxOfTheSignedInUserWhenItIsAttached)
 {
     Save(QStringLiteral("First"));
-    SaveNew(QStringLiteral("Elsewhere"), tmcSaved);
+    SaveIn(QStringLiteral("Elsewhere"), tmcSaved);
     Attach();
     EXPECT_EQ(List->Category(), tmcInbox);
     EXPECT_EQ(Subjects(), QStringList{QStringLiteral("First")});
@@ -49,7 +49,7 @@ TEST_F(MessagesListQueryTest, ShowsTheInboxOfTheSignedInUserWhenItIsAttached)
 TEST_F(MessagesListQueryTest, ShowsTheFolderThatTheUserLeftLast)
 {
     Directory.User.Preferences.insert(QStringLiteral("SelectedMessageCategory"), 3);
-    SaveNew(QStringLiteral("Kept"), tmcSaved);
+    SaveIn(QStringLiteral("Kept"), tmcSaved);
     Attach();
     EXPECT_EQ(List->Category(), tmcSaved);
     EXPECT_EQ(Tree->SelectedKey(), QStringLiteral("c3"));
@@ -60,7 +60,7 @@ TEST_F(MessagesListQueryTest, WithoutUserFolderAndFindTextTheConditionIsEmpty)
 {
     Directory.SignedIn = nullptr;
     Save(QStringLiteral("First"));
-    SaveNew(QStringLiteral("Elsewhere"), tmcSaved);
+    SaveIn(QStringLiteral("Elsewhere"), tmcSaved);
     Attach();
     EXPECT_EQ(TakeFills(), 0);
     EXPECT_EQ(List->NumberItems(), 0);
@@ -227,6 +227,7 @@ TEST_F(MessagesListQueryTest, AUserWithoutContactHasNoPersonalMessages)
     EXPECT_EQ(LastQuery(), Inbox + QStringLiteral(" AND [PersonalToContact]=-1  ") + SentOrder);
     EXPECT_EQ(List->NumberItems(), 0);
     List->SetTolvaDatabase(nullptr);
+    Directory.SignedIn = nullptr;
 }
 
 TEST_F(MessagesListQueryTest, WithoutUserTheTabsMakeNoCondition)
@@ -286,7 +287,7 @@ TEST_F(MessagesListQueryTest, TheBinsPictureIsAtTheSentMessagesAndTellsWhetherTh
     Attach();
     List->UpdateDisplay();
     EXPECT_EQ(picture(), icon("trash"));
-    SaveNew(QStringLiteral("Sent"), tmcSent);
+    SaveIn(QStringLiteral("Sent"), tmcSent);
     List->UpdateDisplay();
     EXPECT_EQ(picture(), icon("trashfull"));
     // Also while the node is the selected one.
