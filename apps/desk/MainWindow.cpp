@@ -150,6 +150,7 @@ void MainWindow::AddTabs()
 {
     auto* strip = List_->findChild<TabStrip*>(QStringLiteral("tbsMessages"));
     QTabBar& tabs = strip->Tabs();
+    tabs.setAccessibleName(strip->accessibleName());
     const QStringList captions = {tr("General"), tr("Personal"), tr("All")};
     for (int i = 0; i < captions.size(); ++i) {
         if (i < tabs.count())

@@ -14,6 +14,7 @@
 #include "StationPlace.h"
 #include "UnusualMessages.h"
 #include "common/UserInterface.h"
+#include "common/dialogs/frmDirectoryUsers.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 
@@ -247,6 +248,7 @@ private:
                 QStringLiteral("Hello,\n\nthank you for writing! We will play it on Sunday after the news."));
         Save(*windows.at(1), "compose-reply");
         Appearance::Apply(QStringLiteral("dark"));
+        Settle();
         Save(*windows.at(0), "compose-forward-dark");
         Appearance::Apply(QStringLiteral("light"));
         for (ComposeWindow* window : windows)
@@ -269,6 +271,8 @@ private:
         SignInDialog signIn({QStringLiteral("Petra"), QStringLiteral("Ravi"), QStringLiteral("Technician")},
                             QStringLiteral("Ravi"));
         show(signIn, "sign-in");
+        frmDirectoryUsers users(Window().Station().Directory(), &Window());
+        show(users, "users");
         ShortcutsDialog shortcuts(&Window());
         show(shortcuts, "shortcuts");
     }
