@@ -78,10 +78,16 @@ TEST_F(DeskProgramTest, TwoDesksAndTheCommandLineWorkOnOneStation)
 {
     FileMail(Mail("Lighthouse"));
     QProcess desks[2];
-    for (QProcess& desk : desks) {
-        Prepare(desk, {Folder()});
-        desk.start();
-        ASSERT_TRUE(desk.waitForStarted());
+    for (int i = 0; i < 2; ++i) {
+        Prepare(desks[i], {Folder()});
+        const QString settings = Path(QStringLiteral("desk %1.ini").arg(i));
+        QProcessEnvironment environment = desks[i].processEnvironment();
+        environment.insert(QStringLiteral("TOLVA_DESK_SETTINGS"), settings);
+        desks[i].setProcessEnvironment(environment);
+        desks[i].start();
+        ASSERT_TRUE(desks[i].waitForStarted());
+        // It remembers the station when it is open.
+        ASSERT_TRUE(WaitUntil([&] { return QFile::exists(settings) && Read(settings).contains("Recent"); }, Patience));
     }
     for (int i = 0; i < 5; ++i) {
         const qint32 reference = FileMail(Mail("More"));

@@ -165,8 +165,14 @@ TEST_F(DeskStartTest, ADamagedStationIsToldInWords)
 {
     Station.Close();
     Write(QStringLiteral("station/Tolva.mdb"), QByteArray(5000, 'x'));
-    Ui.ExpectWarning(QString());
+    const QString file = StationPlace::FileIn(Folder());
+    Ui.ExpectWarning(
+        QStringLiteral("The station in %1 is not a database of this program, or its file is damaged. Put the "
+                       "newest backup in its place. (There was a problem opening the database %2 and the "
+                       "error's description was reported as : \"Unrecognised database format. (3343)\")")
+            .arg(Folder(), file));
     EXPECT_FALSE(TheDesk->Start(Options(Folder())));
+    EXPECT_EQ(Read(file), QByteArray(5000, 'x'));
 }
 
 TEST_F(DeskStartTest, AStationWithoutADirectoryIsToldInWords)
