@@ -34,6 +34,7 @@ namespace
 constexpr int FileMustExist = 4096;
 constexpr int HideReadOnly = 4;
 constexpr int FileRowsShown = 3;
+constexpr int IconSide = 16;
 constexpr int ShortestSubjectBox = 320;
 
 QLineEdit* MakeBox(QWidget* parent, const QString& name, const QString& accessibleName)
@@ -91,12 +92,15 @@ QWidget* ComposeWindow::MakeForm()
     FileList_->setWrapping(true);
     FileList_->setResizeMode(QListView::Adjust);
     FileList_->setSpacing(2);
+    FileList_->setIconSize(QSize(IconSide, IconSide));
+    FileList_->setFrameShape(QFrame::NoFrame);
     FileList_->setTextElideMode(Qt::ElideMiddle);
     Note_->setObjectName(QStringLiteral("note"));
 
     auto* head = new QGridLayout;
     head->setContentsMargins(8, 8, 8, 8);
     head->setVerticalSpacing(4);
+    head->setHorizontalSpacing(8);
     head->setColumnStretch(1, 1);
     const auto addRow = [&](int row, const QString& text, QLineEdit* box) {
         auto* label = new QLabel(text, this);
@@ -123,6 +127,7 @@ QWidget* ComposeWindow::MakeForm()
     QWidget::setTabOrder(BCC_, Subject_);
     QWidget::setTabOrder(Subject_, Body_);
     QWidget::setTabOrder(Body_, FileList_);
+    statusBar()->setSizeGripEnabled(false);
     statusBar()->addWidget(Note_, 1);
     return form;
 }
@@ -134,7 +139,7 @@ void ComposeWindow::MakeActions()
     bar->setObjectName(QStringLiteral("composeBar"));
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    bar->setIconSize(QSize(16, 16));
+    bar->setIconSize(QSize(IconSide, IconSide));
     const auto add = [&](const char* name, const QString& icon, const QString& text, const QString& hint,
                          const QList<QKeySequence>& keys) {
         auto* action = new QAction(Icons::Get(icon), text, this);

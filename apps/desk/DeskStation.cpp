@@ -6,6 +6,7 @@
 #include "common/FileHelper.h"
 
 #include <QDir>
+#include <QScopeGuard>
 
 namespace
 {
@@ -81,6 +82,18 @@ void DeskStation::Open(const QString& folder, const QString& user)
         throw;
     }
     Folder_ = folder;
+    User_ = user;
+}
+
+void DeskStation::Reopen()
+{
+    const QString folder = Folder_;
+    const QString user = User_;
+    const auto keep = qScopeGuard([&] {
+        Folder_ = folder;
+        User_ = user;
+    });
+    Open(folder, user);
 }
 
 void DeskStation::Close()

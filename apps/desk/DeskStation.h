@@ -22,6 +22,9 @@ public:
 
     /// Opens the station for the user. Failure in words when that does not work; nothing is open then.
     void Open(const QString& folder, const QString& user);
+    /// Closes and opens again, after the file was out of reach. Failure as Open; then it is closed, and stays the
+    /// station of that folder.
+    void Reopen();
     void Close();
 
     const QString& Folder() const { return Folder_; }
@@ -38,6 +41,7 @@ public:
 
 private:
     QString Folder_;
+    QString User_;
     EmbeddedDirectory Directory_;
     // After the directory, which its closing writes to.
     cTolvaDatabase Database_;
