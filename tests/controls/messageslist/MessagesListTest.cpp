@@ -24,7 +24,7 @@ MessagesListTest::~MessagesListTest()
 
 void MessagesListTest::Attach()
 {
-    if (!Station)
+    if (!Station->IsOpen())
         OpenStation();
     List->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(List.get()));
