@@ -31,7 +31,14 @@ void uMessagesList::UpdateDisplay()
     if (!Initialised_ || !HasDatabase() || DisplayBusy_)
         return;
     const QPointer<uMessagesList> self(this);
+    const QPointer<cTolvaDatabase> shownDatabase = clsTolvaDatabase_;
     const enTolvaMessageCategories shownCategory = CurrentCategory_;
+    const auto isAbandoned = [&] { return CurrentCategory_ != shownCategory || clsTolvaDatabase_ != shownDatabase; };
+    // Not before the host knows the row: what it does then may take its time.
+    const auto restartTimer = qScopeGuard([self] {
+        if (self && !self->DisplayBusy_)
+            self->ApplyTimer();
+    });
     {
         // Whatever ends this: an error, the end of the database or of the control itself.
         const bool treeHadFocus = treeCategories_->hasFocus();
@@ -51,7 +58,6 @@ void uMessagesList::UpdateDisplay()
                 self->treeCategories_->setFocus();
             self->DisplayBusy_ = false;
             self->unsetCursor();
-            self->ApplyTimer();
         });
 
         int rowToRestore = grdMessages_->Row();
@@ -62,6 +68,8 @@ void uMessagesList::UpdateDisplay()
         const Query query = MakeQuery();
         CurrentQuery_ = query.Condition + QLatin1Char(' ') + query.Order;
         Q_EMIT UpdateDisplay(CurrentQuery_);
+        if (!self || !HasDatabase())
+            return;
         if (DisplayMessageList_)
             Fill(query, rowToRestore, referenceToRestore);
         if (!self || !HasDatabase())
@@ -69,13 +77,15 @@ void uMessagesList::UpdateDisplay()
         LastChangedStamp_ = stampBefore;
         SelectRow(rowToRestore);
     }
-    TakeCellChange();
-    SelectControlText(*comboFind_);
-    if (CurrentCategory_ != shownCategory) {
-        // Another folder was chosen meanwhile, and this fill abandoned for it.
+    if (isAbandoned()) {
+        // Another folder or station was chosen meanwhile, so nobody wants to hear of these rows.
         UpdateDisplay();
         return;
     }
+    TakeCellChange();
+    if (!self)
+        return;
+    SelectControlText(*comboFind_);
     Q_EMIT DisplayUpdated();
 }
 
@@ -103,6 +113,7 @@ void uMessagesList::Fill(const Query& query, int& rowToRestore, qint32 reference
     repaint();
     grdMessages_->SetRedraw(false);
     Filling_ = true;
+    timerUpdateList_->stop(); // a host that heard of the query may have started it
     CurrentSelectedReference_ = 0;
     RowOfReference_.clear();
     int filled = 0;
@@ -110,6 +121,9 @@ void uMessagesList::Fill(const Query& query, int& rowToRestore, qint32 reference
         if (!self)
             return;
         Filling_ = false;
+        // Rows of a station that went away meanwhile are nobody's.
+        if (!HasDatabase())
+            filled = 0;
         grdMessages_->SetRows(filled + 1);
         grdMessages_->SetRedraw(true);
         picLoading_->hide();
@@ -128,6 +142,7 @@ void uMessagesList::Fill(const Query& query, int& rowToRestore, qint32 reference
 void uMessagesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore)
 {
     const QPointer<uMessagesList> self(this);
+    const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
     const enTolvaMessageCategories category = CurrentCategory_;
     const int total = rows.RecordCount();
     for (; !rows.AtEOF(); rows.MoveNext()) {
@@ -136,7 +151,7 @@ void uMessagesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestor
                 QStringLiteral("%1 of %2").arg(QLocale().toString(filled), QLocale().toString(total)));
             Q_EMIT FillProgress(filled, total);
             UserInterface::Current().Yield();
-            if (!self || !HasDatabase() || CurrentCategory_ != category)
+            if (!self || !HasDatabase() || clsTolvaDatabase_ != database || CurrentCategory_ != category)
                 return;
         }
         const cMessagePtr message = clsTolvaDatabase_->GetMessage(rows);

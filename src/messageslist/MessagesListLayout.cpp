@@ -105,6 +105,7 @@ void uMessagesList::ConnectControls()
             [this] { Handle("cmdNewMessage_Click", [this] { NewMessageCommand(); }); });
     connect(tbsMessages_, &TabStrip::TabClick, this,
             [this] { Handle("tbsMessages_Click", [this] { UpdateDisplay(); }); });
+    connect(tbsCategories_, &TabStrip::PageResized, this, &uMessagesList::LayOutTree);
     connect(tbsMessages_, &TabStrip::PageResized, this, &uMessagesList::LayOutMessages);
     connect(timerUpdateList_, &QTimer::timeout, this, [this] { Handle("timerUpdateList", [this] { Tick(); }); });
     ConnectGrid();
@@ -161,8 +162,10 @@ void uMessagesList::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::ApplicationPaletteChange)
         ApplyBackColour();
-    else if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
         LayOut();
+        SetGridRowHeights();
+    }
 }
 
 void uMessagesList::LayOut()
@@ -186,9 +189,8 @@ void uMessagesList::LayOut()
 
     const int paneHeight = high - band;
     const int treeWidth = DisplayMessageList_ ? wide / 3 : wide;
-    const int margin = pixels(PageMargin);
     tbsCategories_->setGeometry(0, band, treeWidth, paneHeight);
-    treeCategories_->setGeometry(tbsCategories_->Page().rect().adjusted(margin, margin, -margin, -margin));
+    LayOutTree();
     if (!DisplayMessageList_)
         return;
     const int left = treeWidth + pixels(PaneGap);
@@ -212,6 +214,12 @@ void uMessagesList::LayOutFindBar()
     // The button for a new message lies over the right end of the bar.
     const int right = DisplayNewMessage_ ? cmdNewMessage_->x() - picFind_->mapTo(this, QPoint()).x() : place.width();
     comboFind_->setGeometry(left, (place.height() - boxHeight) / 2, qMax(0, right - left - gap), boxHeight);
+}
+
+void uMessagesList::LayOutTree()
+{
+    const int margin = Twips::ToPixels(*this, PageMargin);
+    treeCategories_->setGeometry(tbsCategories_->Page().rect().adjusted(margin, margin, -margin, -margin));
 }
 
 /// The grid fills its page; the overlays lie over it below its header.

@@ -29,6 +29,7 @@ constexpr double HeadWidth = 300;
 constexpr double GridMargin = 90;
 constexpr double SubjectWidthBesideFrom = 2050;
 constexpr double SubjectMargin = 120;
+constexpr double RowMargin = 90;
 constexpr double DateWidth = 1500;
 constexpr double DateSerialWidth = 1900;
 constexpr int UrgentPriority = 1;
@@ -88,6 +89,16 @@ void uMessagesList::SetGridColumnWidths()
     grdMessages_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 }
 
+/// The header sets the measure for rows of two lines.
+void uMessagesList::SetGridRowHeights()
+{
+    const int lines = DoubleHeightRows_ ? 2 : 1;
+    const double height =
+        Twips::FromPixels(*grdMessages_, lines * grdMessages_->fontMetrics().lineSpacing()) + RowMargin;
+    grdMessages_->SetRowHeight(0, height);
+    grdMessages_->SetDefaultRowHeight(height);
+}
+
 qint32 uMessagesList::ReferenceOfRow(int row) const
 {
     return grdMessages_->TextMatrix(row, colReference).toInt();
@@ -122,13 +133,16 @@ void uMessagesList::FillMessageRow(int row, const cMessagePtr& message)
 /// that it showed before.
 void uMessagesList::DrawSubject(int row, const cMessage& message, bool& isRead)
 {
-    const QFontMetricsF metrics(picMessages_->font());
+    const Date stamp = SortOrder_ != mlsoReceived ? message.Sent() : message.Received();
+    isRead = isRead || stamp.IsNone();
+    // A bold text is wider than the surface's own.
+    QFont font = picMessages_->font();
+    font.setBold(!isRead);
+    const QFontMetricsF metrics(font);
     const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
     QString text = GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
                                                  message.CDOMessage()->Subject().trimmed(), width);
-    const Date stamp = SortOrder_ != mlsoReceived ? message.Sent() : message.Received();
     if (stamp.IsNone()) {
-        isRead = true;
         if (DoubleHeightRows_)
             text += QLatin1Char('\r');
     } else {

@@ -25,6 +25,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -142,11 +143,11 @@ void uMessagesList::TakePreferencesChange(int flags, const QString& name)
 
 void uMessagesList::ResetDisplay()
 {
-    DisplayBusy_ = true;
+    const bool wasBusy = std::exchange(DisplayBusy_, true); // a fill may be under way
     if (comboFind_->count() > 0)
         comboFind_->setCurrentIndex(0);
     tbsMessages_->SetTab(0);
-    DisplayBusy_ = false;
+    DisplayBusy_ = wasBusy;
     const bool wasInbox = CurrentCategory_ == tmcInbox;
     SetCategory(tmcInbox);
     // Choosing the folder that is on show does nothing, and the find text may have changed.
@@ -174,6 +175,7 @@ void uMessagesList::SetDoubleHeightRows(bool twoLines)
 {
     DoubleHeightRows_ = twoLines;
     grdMessages_->setWordWrap(twoLines);
+    SetGridRowHeights();
     SetGridColumnWidths();
     UpdateDisplay();
     TellContainer(Key::DoubleHeightRows);

@@ -183,6 +183,7 @@ private:
     // Rows; MessagesListRows.cpp.
     void MakeGridHeader();
     void SetGridColumnWidths();
+    void SetGridRowHeights();
     void FillMessageRow(int row, const cMessagePtr& message);
     void DrawSubject(int row, const cMessage& message, bool& isRead);
     void UpdateRowBold(const cMessagePtr& message);
@@ -254,6 +255,7 @@ private:
     void ConnectTree();
     void LayOut();
     void LayOutFindBar();
+    void LayOutTree();
     void LayOutMessages();
 
     bool Initialised_ = false;

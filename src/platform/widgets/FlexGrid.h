@@ -127,6 +127,8 @@ private:
     void ShowHeaderHeight();
     int PixelHeight(int row) const;
     double DefaultRowHeight() const;
+    /// Makes the cell under a position of the viewport current; returns its row, 0 when there is none.
+    int EnterCellAt(const QPoint& position);
     QPointF InTwips(const QMouseEvent& event) const;
     /// false: not one of the keys that move the current cell.
     bool Navigate(int key);

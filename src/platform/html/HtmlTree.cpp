@@ -1,0 +1,89 @@
+#include "platform/html/HtmlTree.h"
+
+#include <QDeadlineTimer>
+
+#include <csetjmp>
+#include <cstdlib>
+#include <gumbo.h>
+
+namespace
+{
+constexpr size_t Alignment = alignof(std::max_align_t);
+constexpr size_t BlockSize = 1024 * 1024;
+constexpr size_t MemoryLimit = size_t{768} * 1024 * 1024;
+constexpr int BaseMilliseconds = 1000;
+/// An ordinary page takes about a third of this.
+constexpr int MillisecondsPerMegabyte = 250;
+constexpr int CallsBetweenClocks = 64;
+} // namespace
+
+/// All memory of one parse, given back in one go, which also makes it possible to leave the parser in the middle. It
+/// is C without state of its own, so a jump out of it skips no clean-up but that of its memory.
+class HtmlTree::Arena
+{
+public:
+    explicit Arena(qsizetype size) : Deadline_(BaseMilliseconds + MillisecondsPerMegabyte * (size / (1024 * 1024))) {}
+    ~Arena()
+    {
+        while (Blocks_ != nullptr)
+            std::free(std::exchange(Blocks_, Blocks_->Next));
+    }
+    Arena(const Arena&) = delete;
+    Arena& operator=(const Arena&) = delete;
+
+    const GumboNode* Parse(const QByteArray& page)
+    {
+        GumboOptions options = kGumboDefaultOptions;
+        options.allocator = [](void* arena, size_t size) { return static_cast<Arena*>(arena)->Allocate(size); };
+        options.deallocator = [](void*, void*) {};
+        options.userdata = this;
+        options.max_errors = 0;
+        if (setjmp(GiveUp_) != 0) // NOLINT(cert-err52-cpp): no frame between here and Allocate is C++
+            return nullptr;
+        return gumbo_parse_with_options(&options, page.constData(), static_cast<size_t>(page.size()))->document;
+    }
+
+private:
+    struct alignas(Alignment) Block
+    {
+        Block* Next;
+    };
+
+    void* Allocate(size_t size)
+    {
+        size = (size + Alignment - 1) / Alignment * Alignment;
+        if (++Calls_ % CallsBetweenClocks == 0 && Deadline_.hasExpired())
+            std::longjmp(GiveUp_, 1); // NOLINT(cert-err52-cpp)
+        if (size > Left_)
+            AddBlock(std::max(size, BlockSize));
+        void* memory = Next_;
+        Next_ += size;
+        Left_ -= size;
+        return memory;
+    }
+    void AddBlock(size_t size)
+    {
+        Total_ += size;
+        void* memory = Total_ > MemoryLimit ? nullptr : std::malloc(sizeof(Block) + size);
+        if (memory == nullptr)
+            std::longjmp(GiveUp_, 1); // NOLINT(cert-err52-cpp)
+        Blocks_ = new (memory) Block{Blocks_};
+        Next_ = reinterpret_cast<char*>(Blocks_ + 1);
+        Left_ = size;
+    }
+
+    std::jmp_buf GiveUp_;
+    QDeadlineTimer Deadline_;
+    Block* Blocks_ = nullptr;
+    char* Next_ = nullptr;
+    size_t Left_ = 0;
+    size_t Total_ = 0;
+    unsigned Calls_ = 0;
+};
+
+HtmlTree::HtmlTree(const QByteArray& page)
+    : Page_(page), Arena_(std::make_unique<Arena>(page.size())), Root_(Arena_->Parse(Page_))
+{
+}
+
+HtmlTree::~HtmlTree() = default;

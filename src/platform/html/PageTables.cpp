@@ -1,0 +1,121 @@
+#include "platform/html/Colours.h"
+#include "platform/html/PageElements.h"
+#include "platform/html/PageTag.h"
+#include "platform/html/PageWriter.h"
+
+#include <cstring>
+#include <gumbo.h>
+
+using namespace PageElements;
+
+namespace
+{
+constexpr int MostColumns = 100;
+constexpr int WidestSpan = 50;
+/// The pane lays the content of a table out twice for each table around it. What all tables of a page may cost, in
+/// characters laid out; those on the outside are always shown.
+constexpr qsizetype LayoutBudget = 2'000'000;
+constexpr int DeepestTable = 12;
+constexpr int TablesAlwaysShown = 2;
+constexpr qsizetype WeightOfElement = 30;
+} // namespace
+
+/// How much each table has to lay out.
+void PageWriter::WeighTables(const GumboInternalNode* document)
+{
+    struct Place
+    {
+        const GumboNode* Node;
+        unsigned NextChild = 0;
+        qsizetype Weight = WeightOfElement;
+    };
+    QVector<Place> places{{document}};
+    while (!places.isEmpty()) {
+        Place& top = places.last();
+        const bool isDocument = top.Node->type == GUMBO_NODE_DOCUMENT;
+        const GumboVector& children = isDocument ? top.Node->v.document.children : top.Node->v.element.children;
+        if (top.NextChild < children.length) {
+            const auto* child = static_cast<const GumboNode*>(children.data[top.NextChild++]);
+            if (child->type == GUMBO_NODE_ELEMENT)
+                places.append({child});
+            else if (child->type == GUMBO_NODE_TEXT)
+                top.Weight += static_cast<qsizetype>(std::strlen(child->v.text.text));
+            continue;
+        }
+        const Place done = places.takeLast();
+        if (!isDocument && done.Node->v.element.tag == GUMBO_TAG_TABLE)
+            TableWeights_.insert(done.Node, done.Weight);
+        if (!places.isEmpty())
+            places.last().Weight += done.Weight;
+    }
+}
+
+/// Whether a table within so many others can be laid out in good time; it is then charged for.
+bool PageWriter::Affords(const GumboInternalNode* table, int tablesAround)
+{
+    if (tablesAround >= DeepestTable)
+        return false;
+    qsizetype weight = TableWeights_.value(table);
+    if (Options_.MaxCharacters > 0)
+        weight = std::min(weight, Options_.MaxCharacters);
+    const qsizetype cost = weight << tablesAround;
+    if (tablesAround >= TablesAlwaysShown && LayoutCost_ + cost > LayoutBudget)
+        return false;
+    LayoutCost_ += cost;
+    return true;
+}
+
+void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag)
+{
+    const PageStyle style = ReadStyle(Attribute(node, "style"));
+    const int border = style.BorderWidth.value_or(WholeNumber(Attribute(node, "border"), 0, 8, 0));
+    frame->IsTable = true;
+    ++frame->Tables;
+    const QString width = style.Width.isEmpty() ? ReadWidth(Attribute(node, "width")) : style.Width;
+    if (!width.isEmpty())
+        tag->Add("width", width);
+    const QString align = Attribute(node, "align").trimmed().toLower();
+    if (align == QLatin1String("center"))
+        tag->Add("align", align);
+    tag->Add("cellspacing", QString::number(WholeNumber(Attribute(node, "cellspacing"), 0, 20, border > 0 ? 0 : 1)));
+    tag->Add("cellpadding", QString::number(WholeNumber(Attribute(node, "cellpadding"), 0, 30, border > 0 ? 3 : 1)));
+    tag->Add("border", QString::number(border));
+    if (border > 0) {
+        const quint32 grey = 0xB8BCC4;
+        tag->AddStyle("border-collapse", QStringLiteral("collapse"));
+        tag->AddStyle("border-style", QStringLiteral("solid"));
+        tag->AddStyle("border-color", Colours::Text(Options_.KeepsColours ? style.BorderColour.value_or(grey) : grey));
+    }
+}
+
+/// False when the row has no room for the cell.
+bool PageWriter::OpenCell(const GumboInternalNode* node, PageTag* tag)
+{
+    Frame& row = Stack_.last();
+    const int span = WholeNumber(Attribute(node, "colspan"), 1, WidestSpan, 1);
+    if (row.Columns + span > MostColumns) {
+        Page_->IsCutShort = true;
+        return false;
+    }
+    row.Columns += span;
+    if (span > 1)
+        tag->Add("colspan", QString::number(span));
+    if (const int rows = WholeNumber(Attribute(node, "rowspan"), 1, WidestSpan, 1); rows > 1)
+        tag->Add("rowspan", QString::number(rows));
+    const PageStyle style = ReadStyle(Attribute(node, "style"));
+    const QString width = style.Width.isEmpty() ? ReadWidth(Attribute(node, "width")) : style.Width;
+    if (!width.isEmpty())
+        tag->Add("width", width);
+    const QString above = style.VerticalAlign.isEmpty() ? Attribute(node, "valign").toLower() : style.VerticalAlign;
+    if (above == QLatin1String("top") || above == QLatin1String("middle") || above == QLatin1String("bottom"))
+        tag->Add("valign", above);
+    constexpr const char* sides[] = {"padding-top", "padding-right", "padding-bottom", "padding-left"};
+    for (size_t side = 0; side < style.Padding.size(); ++side) {
+        if (style.Padding[side])
+            tag->AddStyle(sides[side], QStringLiteral("%1px").arg(*style.Padding[side]));
+    }
+    if (style.BorderWidth.value_or(0) > 0 && style.BorderColour && Options_.KeepsColours)
+        tag->AddStyle("border",
+                      QStringLiteral("%1px solid %2").arg(*style.BorderWidth).arg(Colours::Text(*style.BorderColour)));
+    return true;
+}

@@ -1,0 +1,128 @@
+#include "platform/html/TagScanner.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <functional>
+
+namespace
+{
+struct Tag
+{
+    QString Name; ///< In lower case; empty for a comment and the like.
+    bool IsEnd = false;
+    qsizetype Begin = 0;
+    qsizetype End = 0; ///< Behind its ">".
+};
+
+/// Where a tag that begins at this "<" ends; quotes hide a ">". Without an end of its own, a tag ends with the page.
+qsizetype EndOfTag(const QString& html, qsizetype begin)
+{
+    QChar quote;
+    for (qsizetype i = begin + 1; i < html.size(); ++i) {
+        const QChar character = html.at(i);
+        if (!quote.isNull())
+            quote = character == quote ? QChar() : quote;
+        else if ((character == u'"' || character == u'\'') && html.at(i - 1) == u'=')
+            quote = character;
+        else if (character == u'>')
+            return i + 1;
+    }
+    return html.size();
+}
+
+bool IsRawText(const QString& name)
+{
+    static const QSet<QString> names{QStringLiteral("script"), QStringLiteral("style"), QStringLiteral("title")};
+    return names.contains(name);
+}
+
+void ForEachTag(const QString& html, const std::function<void(const Tag&)>& visit)
+{
+    qsizetype position = 0;
+    while ((position = html.indexOf(u'<', position)) >= 0 && position + 1 < html.size()) {
+        Tag tag;
+        tag.Begin = position;
+        const QChar next = html.at(position + 1);
+        tag.IsEnd = next == u'/';
+        if (html.mid(position, 4) == QLatin1String("<!--")) {
+            const qsizetype end = html.indexOf(QLatin1String("-->"), position + 4);
+            tag.End = end < 0 ? html.size() : end + 3;
+        } else if (next.isLetter() || tag.IsEnd || next == u'!' || next == u'?') {
+            constexpr qsizetype LongestName = 32;
+            for (qsizetype i = position + (tag.IsEnd ? 2 : 1);
+                 i < html.size() && html.at(i).isLetterOrNumber() && tag.Name.size() < LongestName; ++i)
+                tag.Name += html.at(i).toLower();
+            tag.End = EndOfTag(html, position);
+        } else {
+            ++position;
+            continue;
+        }
+        position = tag.End;
+        if (!tag.IsEnd && IsRawText(tag.Name)) {
+            const qsizetype end = html.indexOf(QStringLiteral("</") + tag.Name, position, Qt::CaseInsensitive);
+            position = end < 0 ? html.size() : end;
+            tag.End = position;
+        }
+        visit(tag);
+    }
+}
+
+/// Elements that HTML ends by itself, or that have no content.
+bool EndsByItself(const QString& name)
+{
+    static const QSet<QString> names = [] {
+        QSet<QString> set;
+        for (const char* word :
+             {"",       "p",      "li",       "dd",   "dt",       "tr",     "td",      "th",     "tbody", "thead",
+              "tfoot",  "option", "optgroup", "rp",   "rt",       "br",     "hr",      "img",    "input", "wbr",
+              "meta",   "link",   "base",     "col",  "colgroup", "area",   "rb",      "rtc",    "embed", "param",
+              "source", "track",  "html",     "head", "body",     "keygen", "caption", "bgsound"})
+            set.insert(QLatin1String(word));
+        return set;
+    }();
+    return names.contains(name);
+}
+
+bool BeginsLine(const QString& name)
+{
+    static const QSet<QString> names = [] {
+        QSet<QString> set;
+        for (const char* word : {"p",  "div", "br", "tr", "li",         "table", "ul", "ol", "h1", "h2",
+                                 "h3", "h4",  "h5", "h6", "blockquote", "pre",   "hr", "dt", "dd", "center"})
+            set.insert(QLatin1String(word));
+        return set;
+    }();
+    return names.contains(name);
+}
+} // namespace
+
+qsizetype TagScanner::Depth(const QString& html)
+{
+    QHash<QString, qsizetype> open;
+    qsizetype depth = 0;
+    qsizetype deepest = 0;
+    ForEachTag(html, [&](const Tag& tag) {
+        if (EndsByItself(tag.Name))
+            return;
+        qsizetype& count = open[tag.Name];
+        const qsizetype change = tag.IsEnd ? (count > 0 ? -1 : 0) : 1;
+        count += change;
+        depth += change;
+        deepest = std::max(deepest, depth);
+    });
+    return deepest;
+}
+
+QString TagScanner::TextOf(const QString& html)
+{
+    QString text;
+    qsizetype end = 0;
+    ForEachTag(html, [&](const Tag& tag) {
+        text += QStringView(html).mid(end, tag.Begin - end);
+        // Never nothing, so that no two pieces of text make a new tag.
+        text += BeginsLine(tag.Name) ? u'\n' : u' ';
+        end = tag.End;
+    });
+    return text + html.mid(end);
+}

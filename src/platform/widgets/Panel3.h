@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QFrame>
+
+/// A coloured panel with an optional caption in its middle. The caption is drawn in a colour that can be read on the
+/// background.
+class Panel3 : public QFrame
+{
+    Q_OBJECT
+    Q_PROPERTY(qint32 BackColour READ BackColour WRITE SetBackColour)
+    Q_PROPERTY(QString Caption READ Caption WRITE SetCaption)
+    Q_PROPERTY(BorderStyles BorderStyle READ BorderStyle WRITE SetBorderStyle)
+    Q_PROPERTY(bool Visible READ Visible WRITE SetVisible)
+
+public:
+    enum BorderStyles
+    {
+        None,
+        FixedSingle
+    };
+    Q_ENUM(BorderStyles)
+
+    explicit Panel3(QWidget* parent = nullptr);
+
+    /// As SystemColour has them; ButtonFace at first.
+    qint32 BackColour() const { return BackColour_; }
+    void SetBackColour(qint32 colour);
+    /// Plain text; what does not fit is shown as "...".
+    const QString& Caption() const { return Caption_; }
+    void SetCaption(const QString& caption);
+    BorderStyles BorderStyle() const;
+    void SetBorderStyle(BorderStyles style);
+    /// Whether it is to be seen when its window is.
+    bool Visible() const { return !isHidden(); }
+    void SetVisible(bool visible) { setVisible(visible); }
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    qint32 BackColour_;
+    QString Caption_;
+};
