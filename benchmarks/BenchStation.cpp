@@ -5,6 +5,7 @@
 #include "messages/AddressKey.h"
 #include "platform/records/DBEngine.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <algorithm>
@@ -24,8 +25,8 @@ public:
     }
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<NoProgress>(); }
-    void Yield() override {}
-    void RunTimeError(int, const QString& description) override { Require(false, qPrintable(description)); }
+    void Yield() override { QCoreApplication::processEvents(); }
+    void RunTimeError(const dao::Error& error) override { Require(false, error.what()); }
 
 private:
     class NoProgress : public ProgressDisplay

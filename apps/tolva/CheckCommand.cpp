@@ -1,10 +1,11 @@
 // tolva check: reads a whole station and says what is wrong with it.
 
-#include "CommandLineUserInterface.h"
+#include "CollectingUserInterface.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "FolderNames.h"
 #include "Station.h"
+#include "StationPlace.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
 #include "database/TableCheck.h"
@@ -255,14 +256,15 @@ void OfFile(const QString& file, Findings& findings, Check&& check)
 int Run(const Arguments& arguments)
 {
     const QString& folder = arguments.Folder();
-    const QString file = Station::FileIn(folder);
+    const QString file = StationPlace::FileIn(folder);
     if (!QFileInfo::exists(file)) {
         throw Failure(
             exitNoInput,
             QStringLiteral("There is no station in %1. Make one with: tolva init %1 --name NAME --phone NUMBER")
                 .arg(folder));
     }
-    CommandLineUserInterface terminal;
+    TerminalUserInterface under;
+    CollectingUserInterface terminal(under);
     Findings findings;
     bool isWhole = true;
     OfFile(file, findings, [&] { isWhole = CheckStation(file, terminal, findings); });
@@ -270,7 +272,7 @@ int Run(const Arguments& arguments)
         Terminal::Complain(QStringLiteral("Ended early by Ctrl-C; the rest was not checked."));
         return exitInterrupted;
     }
-    const QString directory = Station::DirectoryFileIn(folder);
+    const QString directory = StationPlace::DirectoryFileIn(folder);
     OfFile(directory, findings, [&] { CheckDirectory(directory, findings); });
     if (findings.IsEmpty()) {
         Terminal::PrintLine(QStringLiteral("The station is sound."));

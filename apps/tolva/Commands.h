@@ -12,8 +12,10 @@ CommandDefinition MoveCommand();
 CommandDefinition CopyCommand();
 CommandDefinition DeleteCommand();
 CommandDefinition MarkCommand();
+CommandDefinition PendingCommand();
 CommandDefinition FoldersCommand();
 CommandDefinition SettingCommand();
+CommandDefinition UsersCommand();
 CommandDefinition CheckCommand();
 
 /// In the order of the help page.

@@ -1,12 +1,10 @@
 // tolva list: what messages there are.
 
 #include "Commands.h"
-#include "DisplayText.h"
 #include "FolderNames.h"
-#include "MessageRow.h"
+#include "MessageTable.h"
 #include "Station.h"
 #include "Terminal.h"
-#include "common/ClockHelper.h"
 
 #include <QJsonDocument>
 
@@ -22,10 +20,6 @@ const QString MailColumn = QStringLiteral("Message");
 /// Up to this many messages the list opens each mail for its sender's name; a longer list shows addresses, so that it
 /// need not read gigabytes.
 constexpr int NamesShownFor = 500;
-
-constexpr int ReferenceWidth = 6;
-constexpr int DateWidth = 16;
-constexpr int FlagsWidth = 5;
 
 /// A pattern that any text holding what was typed meets, with every character standing for itself.
 QString PatternOf(const QString& typed)
@@ -90,39 +84,6 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
     }
 }
 
-/// The columns of the plain form, fitted to the terminal.
-class Table
-{
-public:
-    Table(bool showsFolder, bool sortsByReceived) : ShowsFolder_(showsFolder), SortsByReceived_(sortsByReceived)
-    {
-        const int rest = qMax(20, Terminal::Width() - ReferenceWidth - FlagsWidth - DateWidth - 4);
-        FromWidth_ = rest / 3;
-        FolderWidth_ = showsFolder ? rest / 4 : 0;
-        SubjectWidth_ = rest - FromWidth_ - (showsFolder ? FolderWidth_ + 1 : 0);
-    }
-
-    void Print(const MessageRow& row, const QString& from, const QString& folder) const
-    {
-        const Date date = ClockHelper::UTCToLocal(SortsByReceived_ ? row.Received : row.Sent);
-        QString line = QString::number(row.Reference).rightJustified(ReferenceWidth) + u' ' + FlagLetters(row) + u' ' +
-                       date.Format(QStringLiteral("yyyy-mm-dd hh:nn")).leftJustified(DateWidth) + u' ' +
-                       Cell(from, FromWidth_) + u' ' + Cell(row.Subject, SubjectWidth_);
-        if (ShowsFolder_)
-            line += u' ' + Cell(folder, FolderWidth_);
-        while (line.endsWith(u' '))
-            line.chop(1);
-        Terminal::PrintLine(line);
-    }
-
-private:
-    bool ShowsFolder_;
-    bool SortsByReceived_;
-    int FromWidth_;
-    int SubjectWidth_;
-    int FolderWidth_;
-};
-
 /// The sender as the mail names it: "Postcard Pete", or the address where there is no name.
 QString SenderOf(dao::Recordset& rows, const MessageRow& row)
 {
@@ -138,11 +99,13 @@ QString SenderOf(dao::Recordset& rows, const MessageRow& row)
 
 void PrintTable(dao::Recordset& rows, const Arguments& arguments, const QHash<qint32, QString>& folders)
 {
-    const Table table(!arguments.Has(CategoryOption), arguments.Value(SortOption).toLower() == u"received");
+    const MessageTable table(!arguments.Has(CategoryOption));
+    const bool sortsByReceived = arguments.Value(SortOption).toLower() == u"received";
     const bool showsNames = rows.RecordCount() <= NamesShownFor;
     for (; !rows.AtEOF(); rows.MoveNext()) {
         const MessageRow row = ReadMessageRow(rows);
-        table.Print(row, showsNames ? SenderOf(rows, row) : row.From, FolderPath(folders, row.Category));
+        table.Print(row, sortsByReceived ? row.Received : row.Sent, showsNames ? SenderOf(rows, row) : row.From,
+                    FolderPath(folders, row.Category));
     }
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "ArgumentParser.h"
-#include "CommandLineUserInterface.h"
+#include "CollectingUserInterface.h"
 #include "Failure.h"
+#include "common/TerminalUserInterface.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/EmbeddedDirectory.h"
 
@@ -19,8 +20,9 @@ public:
 
     const QString& Folder() const { return Folder_; }
     cTolvaDatabase& Database() { return Database_; }
+    EmbeddedDirectory& Directory() { return Directory_; }
     const clsCategory& Folders() { return Database_.MessageCategories(); }
-    CommandLineUserInterface& Terminal() { return Terminal_; }
+    CollectingUserInterface& Terminal() { return UserInterface_; }
 
     /// The message; Failure (data) when there is none. words: its number as the user typed it.
     cMessagePtr Message(const QString& words);
@@ -41,24 +43,16 @@ public:
         }
     }
 
-    /// The file of the station in a folder.
-    static QString FileIn(const QString& folder);
-    /// The folder of the directory of a station.
-    static QString DirectoryIn(const QString& folder);
-    /// The file in it.
-    static QString DirectoryFileIn(const QString& folder);
     /// The user's name: --user, the environment variable TOLVA_USER, or "Technician".
     static QString UserName(const Arguments& arguments);
     static OptionDefinition UserOption();
 
 private:
     void SignIn(const QString& name);
-    void OpenDatabase();
-    int TryOpen();
-    [[noreturn]] void FailOpen(int errorNumber);
 
     QString Folder_;
-    CommandLineUserInterface Terminal_;
+    TerminalUserInterface Terminal_;
+    CollectingUserInterface UserInterface_{Terminal_};
     EmbeddedDirectory Directory_;
     // After the directory, which its closing writes to.
     cTolvaDatabase Database_;

@@ -63,8 +63,9 @@ int RunAndReport(const QStringList& arguments)
 
 std::vector<CommandDefinition> AllCommands()
 {
-    return {InitCommand(), FileCommand(),   ListCommand(), ShowCommand(),    ExportCommand(),  MoveCommand(),
-            CopyCommand(), DeleteCommand(), MarkCommand(), FoldersCommand(), SettingCommand(), CheckCommand()};
+    return {InitCommand(),    FileCommand(),    ListCommand(),   ShowCommand(), ExportCommand(),
+            MoveCommand(),    CopyCommand(),    DeleteCommand(), MarkCommand(), PendingCommand(),
+            FoldersCommand(), SettingCommand(), UsersCommand(),  CheckCommand()};
 }
 
 int main(int argc, char** argv)

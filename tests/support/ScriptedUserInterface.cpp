@@ -166,6 +166,13 @@ std::unique_ptr<ProgressDisplay> ScriptedUserInterface::Progress(const QString& 
     return std::make_unique<ScriptedProgress>(*this, std::exchange(CancelAt_, 0));
 }
 
+void ScriptedUserInterface::Yield()
+{
+    ++Yields_;
+    if (AtYields_)
+        AtYields_();
+}
+
 void ScriptedUserInterface::RunTimeError(const dao::Error& error)
 {
     RunTimeErrors_.append({error.Number(), error.Description()});

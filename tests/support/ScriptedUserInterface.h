@@ -35,6 +35,8 @@ public:
     void ExpectRunTimeError(int number, const QString& description);
     /// The user stops the next piece of work on display at this call of Advance, 1 for the first.
     void CancelProgressAt(int call) { CancelAt_ = call; }
+    /// What happens while long work yields to the event loop.
+    void DoAtYields(std::function<void()> action) { AtYields_ = std::move(action); }
 
     /// What came, in order, whether it was expected or not.
     const QList<MessageBoxRequest>& MessageBoxes() const { return MessageBoxes_; }
@@ -56,7 +58,7 @@ public:
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
-    void Yield() override { ++Yields_; }
+    void Yield() override;
     void RunTimeError(const dao::Error& error) override;
 
 private:
@@ -97,6 +99,7 @@ private:
     int Advances_ = 0;
     int CancelAt_ = 0;
     int Yields_ = 0;
+    std::function<void()> AtYields_;
     int BusyDepth_ = 0;
     int BusyCount_ = 0;
 };

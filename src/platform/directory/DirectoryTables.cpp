@@ -177,6 +177,34 @@ std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString
     return rows;
 }
 
+qint32 BeginSave(dao::Recordset& rows, qint32 reference, const QString& description)
+{
+    if (reference == 0) {
+        rows.AddNew();
+        return rows.Collect(QStringLiteral("Reference")).toInt();
+    }
+    rows.Seek(dao::SeekComparison::Equal, {reference});
+    if (rows.NoMatch())
+        throw dao::Error(dao::errRecordDeleted, description);
+    rows.Edit();
+    return reference;
+}
+
+void DeleteRow(dao::Database& database, const QString& table, qint32 reference)
+{
+    const auto rows = OpenTable(database, table, QStringLiteral("Main"));
+    rows->Seek(dao::SeekComparison::Equal, {reference});
+    if (rows->NoMatch())
+        return;
+    try {
+        rows->Delete();
+    } catch (const dao::Error& error) {
+        // Gone is gone, whoever did it.
+        if (error.Number() != dao::errRecordDeleted)
+            throw;
+    }
+}
+
 namespace
 {
 constexpr double millisecondsADay = 86'400'000.0;

@@ -18,6 +18,13 @@ void AddMissing(dao::Database& database);
 /// Opens the table with the index in force.
 std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString& table, const QString& index);
 
+/// Begins the change of the row with this reference, or of a new row for 0, in rows of index Main; the row's reference.
+/// 3167 with the description when the row is gone.
+qint32 BeginSave(dao::Recordset& rows, qint32 reference, const QString& description);
+
+/// No error when there is no such row.
+void DeleteRow(dao::Database& database, const QString& table, qint32 reference);
+
 /// The day number that a date field holds for this moment, in universal time, and the way back.
 double DayNumber(const QDateTime& moment);
 QDateTime Moment(double dayNumber);

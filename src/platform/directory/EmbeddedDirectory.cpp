@@ -10,17 +10,7 @@
 namespace
 {
 const QString contactsTable = QStringLiteral("Contacts");
-const QString usersTable = QStringLiteral("Users");
 const QString mainIndex = QStringLiteral("Main");
-
-DirectoryUser ReadUser(const dao::Recordset& row)
-{
-    DirectoryUser user;
-    user.Reference = row.Collect(QStringLiteral("Reference")).toInt();
-    user.Name = row.Collect(QStringLiteral("Name")).toString();
-    user.Rights = row.Collect(QStringLiteral("Rights")).toInt();
-    return user;
-}
 
 clsKVContactPtr ReadContact(const dao::Recordset& row)
 {
@@ -58,34 +48,6 @@ QList<clsKVContactPtr> ReadContacts(dao::Recordset& rows)
     return contacts;
 }
 
-/// Begins the change of the row with this reference, or of a new row for 0; the row's reference.
-qint32 BeginSave(dao::Recordset& rows, qint32 reference, const QString& description)
-{
-    if (reference == 0) {
-        rows.AddNew();
-        return rows.Collect(QStringLiteral("Reference")).toInt();
-    }
-    rows.Seek(dao::SeekComparison::Equal, {reference});
-    if (rows.NoMatch())
-        throw dao::Error(dao::errRecordDeleted, description);
-    rows.Edit();
-    return reference;
-}
-
-void DeleteRow(dao::Database& database, const QString& table, qint32 reference)
-{
-    const auto rows = DirectoryTables::OpenTable(database, table, mainIndex);
-    rows->Seek(dao::SeekComparison::Equal, {reference});
-    if (rows->NoMatch())
-        return;
-    try {
-        rows->Delete();
-    } catch (const dao::Error& error) {
-        // Gone is gone, whoever did it.
-        if (error.Number() != dao::errRecordDeleted)
-            throw;
-    }
-}
 } // namespace
 
 EmbeddedDirectory::EmbeddedDirectory() : UtcNow_(&QDateTime::currentDateTimeUtc) {}
@@ -124,18 +86,6 @@ dao::Database& EmbeddedDirectory::Opened() const
     return *Database_;
 }
 
-bool EmbeddedDirectory::SignIn(const QString& name)
-{
-    const auto rows = DirectoryTables::OpenTable(Opened(), usersTable, QStringLiteral("Name"));
-    rows->Seek(dao::SeekComparison::Equal, {name});
-    if (name.isEmpty() || rows->NoMatch())
-        return false;
-    const DirectoryUser user = ReadUser(*rows);
-    if (!User_ || User_->Reference() != user.Reference)
-        User_ = std::make_unique<User>(*this, user.Reference, user.Name);
-    return true;
-}
-
 void EmbeddedDirectory::SignOut()
 {
     User_.reset();
@@ -151,35 +101,6 @@ clsKVContactPtr EmbeddedDirectory::GetContact(qint32 reference, int, int) const
     const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
     rows->Seek(dao::SeekComparison::Equal, {reference});
     return rows->NoMatch() ? nullptr : ReadContact(*rows);
-}
-
-QList<DirectoryUser> EmbeddedDirectory::Users() const
-{
-    const auto rows = DirectoryTables::OpenTable(Opened(), usersTable, QStringLiteral("Name"));
-    QList<DirectoryUser> users;
-    for (; !rows->AtEOF(); rows->MoveNext())
-        users.append(ReadUser(*rows));
-    return users;
-}
-
-void EmbeddedDirectory::SaveUser(DirectoryUser& user)
-{
-    if (user.Name.isEmpty())
-        throw dao::Error(dao::errInvalidUseOfNull, QStringLiteral("A user needs a name."));
-    const auto rows = DirectoryTables::OpenTable(Opened(), usersTable, mainIndex);
-    const qint32 reference = BeginSave(*rows, user.Reference, QStringLiteral("The user has been deleted."));
-    rows->SetCollect(QStringLiteral("Name"), user.Name);
-    rows->SetCollect(QStringLiteral("Rights"), user.Rights);
-    rows->Update();
-    user.Reference = reference;
-}
-
-void EmbeddedDirectory::DeleteUser(qint32 reference)
-{
-    dao::Database& database = Opened();
-    // The user first: preferences without a user harm nobody, for references are not given twice.
-    DeleteRow(database, usersTable, reference);
-    database.Execute(QStringLiteral("DELETE FROM [Preferences] WHERE [UserReference]=%1").arg(reference));
 }
 
 QList<clsKVContactPtr> EmbeddedDirectory::Contacts() const
@@ -205,7 +126,8 @@ QList<clsKVContactPtr> EmbeddedDirectory::ContactsByAddress(const QString& addre
 void EmbeddedDirectory::SaveContact(clsKVContact& contact)
 {
     const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
-    const qint32 reference = BeginSave(*rows, contact.Reference, QStringLiteral("The contact has been deleted."));
+    const qint32 reference =
+        DirectoryTables::BeginSave(*rows, contact.Reference, QStringLiteral("The contact has been deleted."));
     rows->SetCollect(QStringLiteral("Name"), contact.Name);
     rows->SetCollect(QStringLiteral("Mobile"), contact.Mobile);
     rows->SetCollect(QStringLiteral("Telephone"), contact.Telephone);
@@ -218,7 +140,7 @@ void EmbeddedDirectory::SaveContact(clsKVContact& contact)
 
 void EmbeddedDirectory::DeleteContact(qint32 reference)
 {
-    DeleteRow(Opened(), contactsTable, reference);
+    DirectoryTables::DeleteRow(Opened(), contactsTable, reference);
 }
 
 QList<DirectoryLogEntry> EmbeddedDirectory::LogEntries(int limit) const

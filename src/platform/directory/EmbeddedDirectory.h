@@ -57,11 +57,22 @@ public:
 
     /// By name.
     QList<DirectoryUser> Users() const;
-    /// Adds (Reference 0, filled afterwards) or changes a user. Raises 3022 when another user has the name, 94 when the
-    /// name is empty, 3167 when the user was deleted meanwhile.
+    /// Adds (Reference 0, filled afterwards) or changes a user, with nothing asked of its name or rights. For programs
+    /// that set a directory up; the four below are for its technician. Raises 3022 when another user has the name, 94
+    /// when the name is empty, 3167 when the user was deleted meanwhile.
     void SaveUser(DirectoryUser& user);
-    /// Deletes the user and its preferences; its entries in the log stay. No error when there is none. Where the user
-    /// is signed in, it stays so, without any right.
+
+    // What the technician changes, durable when the call returns. Blanks around a name go. The descriptions of the
+    // errors are fit for a user: 94 for an empty name, 3163 for one of more than 255 characters, 3022 when another user
+    // has it (in whatever case), 3167 when the user was deleted meanwhile, 3251 for what would leave nobody who may
+    // change settings, though somebody could before, or would delete the user who is signed in here.
+
+    /// rights: DirectoryRight values added up. The new user's reference.
+    qint32 AddUser(const QString& name, int rights);
+    void RenameUser(qint32 reference, const QString& name);
+    void SetRights(qint32 reference, int rights);
+    /// Deletes the user and its preferences; its entries in the log stay. No error when there is none. A user who is
+    /// signed in at another computer stays so there, without any right.
     void DeleteUser(qint32 reference);
 
     /// By name.

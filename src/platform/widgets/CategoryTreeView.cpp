@@ -121,6 +121,11 @@ void CategoryTreeView::ShowSelectedIcon(const QString& key, bool selected)
         item->setIcon(0, item->data(0, selected ? SelectedIconRole : IconRole).value<QIcon>());
 }
 
+QString CategoryTreeView::KeyOfItem(const QTreeWidgetItem& item) const
+{
+    return KeyOf(&item);
+}
+
 QString CategoryTreeView::ParentKey(const QString& key) const
 {
     const QTreeWidgetItem* item = Nodes_.value(key);

@@ -24,6 +24,7 @@ public:
     /// These do nothing, and give nothing, for a key that is not there.
     QString NodeText(const QString& key) const;
     void SetNodeIcons(const QString& key, const QIcon& icon, const QIcon& selectedIcon);
+    QString KeyOfItem(const QTreeWidgetItem& item) const;
     /// Empty at the top.
     QString ParentKey(const QString& key) const;
     void Expand(const QString& key);

@@ -275,7 +275,9 @@ void FlexGrid::SetDefaultRowHeight(double twips)
 
 void FlexGrid::ShowDefaultHeight()
 {
+    // This makes all sections alike, those of rows with a height of their own too.
     verticalHeader()->setDefaultSectionSize(Twips::ToPixels(*this, DefaultRowHeight()));
+    Model_->MarkRowHeights();
     if (Redraw())
         ShowHeights();
 }

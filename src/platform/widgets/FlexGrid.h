@@ -96,8 +96,11 @@ Q_SIGNALS:
     /// Before the grid handles the key, with the event not accepted. Accepting it keeps the key from the grid and its
     /// parents. The grid itself takes the keys that move the row: arrows, Page Up and Down, Home and End.
     void KeyDown(QKeyEvent* event);
+    /// The menu key was pressed.
+    void PopupKey();
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -124,6 +127,8 @@ private:
     void ShowHeaderHeight();
     int PixelHeight(int row) const;
     double DefaultRowHeight() const;
+    /// Makes the cell under a position of the viewport current; returns its row, 0 when there is none.
+    int EnterCellAt(const QPoint& position);
     QPointF InTwips(const QMouseEvent& event) const;
     /// false: not one of the keys that move the current cell.
     bool Navigate(int key);

@@ -33,16 +33,22 @@ QPointF FlexGrid::InTwips(const QMouseEvent& event) const
     return {Twips::FromPixels(*this, event.position().x()), Twips::FromPixels(*this, event.position().y())};
 }
 
+int FlexGrid::EnterCellAt(const QPoint& position)
+{
+    const int row = RowAtPixel(position.y());
+    const int col = columnAt(position.x());
+    if (row > 0)
+        MakeCurrent(row, col < 0 ? Col_ : col);
+    return row;
+}
+
 void FlexGrid::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton) {
         PressedAt_ = event->position().toPoint();
         Tracking_ = true;
         Following_ = false;
-        const int row = RowAtPixel(PressedAt_.y());
-        const int col = columnAt(PressedAt_.x());
-        if (row > 0)
-            MakeCurrent(row, col < 0 ? Col_ : col);
+        EnterCellAt(PressedAt_);
     }
     Q_EMIT MouseDown(event->button(), InTwips(*event));
 }
@@ -70,7 +76,7 @@ void FlexGrid::mouseReleaseEvent(QMouseEvent* event)
 
 void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && RowAtPixel(event->position().toPoint().y()) > 0)
+    if (event->button() == Qt::LeftButton && EnterCellAt(event->position().toPoint()) > 0)
         Q_EMIT DblClick();
 }
 
@@ -80,6 +86,14 @@ void FlexGrid::EndMouseTracking()
 }
 
 // ---- Keyboard
+
+/// A right click tells by its MouseUp.
+void FlexGrid::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        Q_EMIT PopupKey();
+    event->accept();
+}
 
 void FlexGrid::keyPressEvent(QKeyEvent* event)
 {
@@ -172,5 +186,9 @@ int FlexGrid::RowAPageFrom(int row, int step) const
     if (position < 0)
         return NextRow(0, 1);
     const int section = sections->logicalIndexAt(position - sections->offset());
-    return section < 0 ? NextRow(Rows(), -1) : section + 1;
+    if (section < 0)
+        return NextRow(Rows(), -1);
+    // Up to the first row that is whole when the present one is the last, so that a page up undoes a page down.
+    const bool cut = step < 0 && sections->sectionPosition(section) < position;
+    return cut ? std::min(section + 2, NextRow(row, -1)) : section + 1;
 }

@@ -2,6 +2,16 @@
 
 #include <algorithm>
 
+namespace
+{
+/// A text that was put together may hold much more room than it fills, which a long list cannot afford.
+QString WithoutReserve(const QString& text)
+{
+    constexpr qsizetype Spare = 8;
+    return text.capacity() > text.size() + Spare ? QString(text.constData(), text.size()) : text;
+}
+} // namespace
+
 void RowRange::Add(int first, int last)
 {
     if (last < first)
@@ -157,7 +167,7 @@ void FlexGridModel::SetText(int row, int col, const QString& text)
     QString& present = Texts_[CellAt(row, col)];
     if (present == text)
         return;
-    present = text;
+    present = WithoutReserve(text);
     Changed(row, col, col);
 }
 
@@ -258,7 +268,7 @@ void FlexGridModel::SetRowHeight(int row, float height)
 void FlexGridModel::ClearRowHeights()
 {
     std::fill(Heights_.begin() + 1, Heights_.end(), -1.0F);
-    ChangedHeights_.Add(1, Rows_ - 1);
+    MarkRowHeights();
 }
 
 RowRange FlexGridModel::TakeChangedHeights()

@@ -82,6 +82,8 @@ public:
     Qt::Alignment Alignment(int col) const;
     void SetAlignment(int col, Qt::Alignment alignment);
 
+    /// All heights count as changed, as when the default is another one.
+    void MarkRowHeights() { ChangedHeights_.Add(1, Rows_ - 1); }
     /// The rows whose height may have changed since the last call, which starts anew.
     RowRange TakeChangedHeights();
 

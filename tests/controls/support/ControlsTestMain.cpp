@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QStandardPaths>
 #include <QStyleFactory>
+#include <QTemporaryDir>
 #include <QWidget>
 
 namespace
@@ -29,8 +30,9 @@ int main(int argc, char** argv)
     qputenv("LC_ALL", "C.UTF-8");
     qputenv("TZ", "Europe/London");
     qputenv("QT_HASH_SEED", "0");
+    const QTemporaryDir runtimeFolder;
     if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
-        qputenv("XDG_RUNTIME_DIR", "/tmp");
+        qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
     testing::InitGoogleTest(&argc, argv);
     // The list is asked for while building, where there may be no screen.
     if (GTEST_FLAG_GET(list_tests))

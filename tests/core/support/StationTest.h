@@ -30,8 +30,18 @@ public:
     qint32 Reference() const override { return 7; }
     QString Name() const override { return QStringLiteral("Petra"); }
     bool HasRight(DirectoryRight right) const override { return (Rights & static_cast<int>(right)) != 0; }
-    QVariant Preference(const QString&, const QVariant& defaultValue) const override { return defaultValue; }
-    bool SetPreference(const QString&, const QVariant&) override { return false; }
+    QVariant Preference(const QString& name, const QVariant& defaultValue) const override
+    {
+        return Preferences.value(name, defaultValue);
+    }
+    bool SetPreference(const QString& name, const QVariant& value) override
+    {
+        if (Preferences.value(name) != value) {
+            Preferences.insert(name, value);
+            Q_EMIT PreferencesChanged(32, name);
+        }
+        return true;
+    }
     bool LogEvent(int classNumber, int kind, const QString& title, const QString& text, int code,
                   int reference) override
     {
@@ -41,6 +51,7 @@ public:
 
     int Rights = 31;
     QList<AuditEntry> Log;
+    QVariantMap Preferences;
 };
 
 class FakeDirectory : public clsKVDirectory

@@ -58,7 +58,10 @@ TEST_F(EmbeddedDirectoryUserTest, RightsAndNameChangedAtAnotherComputerHoldAtOnc
 TEST_F(EmbeddedDirectoryUserTest, AUserDeletedWhileSignedInStaysWithoutRights)
 {
     clsKVUser& user = SignedIn(QStringLiteral("Megan"), 31);
-    Directory.DeleteUser(user.Reference());
+    EmbeddedDirectory other;
+    other.Open(FolderName());
+    SavedUser(other, QStringLiteral("Technician"), 31);
+    other.DeleteUser(user.Reference());
     EXPECT_EQ(Directory.CurrentUser(), &user);
     EXPECT_FALSE(user.CanEditMessages());
     EXPECT_EQ(user.Name(), QStringLiteral("Megan"));

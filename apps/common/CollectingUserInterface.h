@@ -1,21 +1,23 @@
 #pragma once
 
-#include "common/TerminalUserInterface.h"
+#include "common/UserInterface.h"
 
 #include <QStringList>
 
 #include <functional>
 
-/// The terminal as this program uses it: boxes that only tell something are collected, so that a command decides
-/// whether they matter, and the dialog of the station's settings is answered by the command line.
-class CommandLineUserInterface final : public UserInterface
+/// Stands in front of another user interface: boxes that only tell something are collected, so that the program
+/// decides whether they matter and says it in its own words; questions go through. The dialog of the station's settings
+/// is answered by the program.
+class CollectingUserInterface final : public UserInterface
 {
 public:
-    /// Puts itself in force for its life.
-    CommandLineUserInterface();
-    ~CommandLineUserInterface() override;
-    CommandLineUserInterface(const CommandLineUserInterface&) = delete;
-    CommandLineUserInterface& operator=(const CommandLineUserInterface&) = delete;
+    /// Puts itself in force for its life; what was in force is back afterwards. under: asked the questions, outlives
+    /// this object.
+    explicit CollectingUserInterface(UserInterface& under);
+    ~CollectingUserInterface() override;
+    CollectingUserInterface(const CollectingUserInterface&) = delete;
+    CollectingUserInterface& operator=(const CollectingUserInterface&) = delete;
 
     /// What stands in for the settings dialog; without it the dialog counts as cancelled.
     void SetSettingsDialog(std::function<bool(cTolvaDatabase&)> dialog) { SettingsDialog_ = std::move(dialog); }
@@ -31,7 +33,8 @@ public:
     void RunTimeError(const dao::Error& error) override;
 
 private:
-    TerminalUserInterface Terminal_;
+    UserInterface& Before_;
+    UserInterface& Under_;
     std::function<bool(cTolvaDatabase&)> SettingsDialog_;
     QStringList Problems_;
 };

@@ -1,0 +1,63 @@
+#include "CollectingUserInterface.h"
+
+#include <QRegularExpression>
+
+CollectingUserInterface::CollectingUserInterface(UserInterface& under)
+    : Before_(UserInterface::Current()), Under_(under)
+{
+    UserInterface::SetCurrent(this);
+}
+
+CollectingUserInterface::~CollectingUserInterface()
+{
+    UserInterface::SetCurrent(&Before_);
+}
+
+QStringList CollectingUserInterface::TakeProblems()
+{
+    return std::exchange(Problems_, {});
+}
+
+MessageBoxAnswer CollectingUserInterface::MessageBox(const MessageBoxRequest& request)
+{
+    if (request.Buttons != MessageBoxButtons::OK)
+        return Under_.MessageBox(request);
+    Problems_.append(request.Text.simplified());
+    return MessageBoxAnswer::OK;
+}
+
+int CollectingUserInterface::InputBox(const InputBoxRequest& request, QString& result)
+{
+    return Under_.InputBox(request, result);
+}
+
+bool CollectingUserInterface::DatabaseSettings(cTolvaDatabase& database)
+{
+    return SettingsDialog_ && SettingsDialog_(database);
+}
+
+void CollectingUserInterface::SetBusyPointer(bool busy)
+{
+    Under_.SetBusyPointer(busy);
+}
+
+std::unique_ptr<ProgressDisplay> CollectingUserInterface::Progress(const QString& caption)
+{
+    return Under_.Progress(caption);
+}
+
+void CollectingUserInterface::Yield()
+{
+    Under_.Yield();
+}
+
+void CollectingUserInterface::RunTimeError(const dao::Error& error)
+{
+    Problems_.append(QStringLiteral("%1 (%2)").arg(error.Description().simplified()).arg(error.Number()));
+}
+
+int ErrorNumberIn(const QString& problem)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\((\\d+)\\)\"?$"));
+    return pattern.match(problem).captured(1).toInt();
+}

@@ -1,0 +1,92 @@
+#include "StationMaking.h"
+
+#include "CollectingUserInterface.h"
+#include "Failure.h"
+#include "StationPlace.h"
+#include "common/FileHelper.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/directory/EmbeddedDirectory.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace
+{
+Failure AlreadyThere(const QString& folder)
+{
+    return Failure(
+        exitCannotCreate,
+        QStringLiteral("There is a station in %1 already; nothing was changed. Its name and telephone number "
+                       "are changed with: tolva setting %1 Station.Name NAME and tolva setting %1 "
+                       "Station.PhoneNumber NUMBER")
+            .arg(folder));
+}
+
+/// A new directory gets its first user, with all rights. In one that stands already nobody is added: who may do what
+/// there is its technician's affair.
+void MakeDirectory(const QString& folder, const QString& user)
+{
+    EmbeddedDirectory directory;
+    directory.Open(StationPlace::DirectoryIn(folder));
+    if (directory.Users().isEmpty()) {
+        DirectoryUser first;
+        first.Name = user;
+        first.Rights = StationPlace::AllRights;
+        directory.SaveUser(first);
+    } else if (!directory.SignIn(user)) {
+        throw Failure(exitNoUser,
+                      QStringLiteral("There is a directory in %1 already, and \"%2\" is not a user of it. No "
+                                     "station was made.")
+                          .arg(StationPlace::DirectoryIn(folder), user));
+    }
+}
+
+/// Makes the station's file whole in a folder where nobody looks for one.
+void MakeFile(const QString& folder, const QString& name, const QString& phoneNumber, UserInterface& under)
+{
+    CollectingUserInterface userInterface(under);
+    bool isStored = false;
+    userInterface.SetSettingsDialog([&](cTolvaDatabase& database) {
+        database.SetStationName(name);
+        database.SetStationPhoneNumber(phoneNumber);
+        isStored = database.StationName() == name && database.StationPhoneNumber() == phoneNumber;
+        return isStored;
+    });
+    cTolvaDatabase database;
+    const qint32 result = database.OpenTolvaDatabase(folder);
+    const QStringList problems = userInterface.TakeProblems();
+    database.CloseTolvaDatabase();
+    if (result != 0 || !isStored) {
+        const int number = problems.isEmpty() ? 0 : ErrorNumberIn(problems.last());
+        const ExitCode code = number == 0 ? exitCannotCreate : ExitCodeOf(number);
+        throw Failure(code, QStringLiteral("The station could not be made: %1").arg(problems.join(u' ')));
+    }
+}
+
+} // namespace
+
+void StationMaking::Make(const QString& folder, const QString& name, const QString& phoneNumber, const QString& user,
+                         UserInterface& under)
+{
+    if (QFileInfo::exists(StationPlace::FileIn(folder)))
+        throw AlreadyThere(folder);
+    if (!FileHelper::CreateFolder(folder))
+        throw Failure(exitCannotCreate, QStringLiteral("The folder %1 cannot be made.").arg(folder));
+    try {
+        MakeDirectory(folder, user);
+        // The file gets its name when it is whole, so that an interruption leaves no half station behind.
+        const QTemporaryDir unfinished(FileHelper::Join(folder, QStringLiteral(".unfinished-XXXXXX")));
+        if (!unfinished.isValid())
+            throw Failure(exitCannotCreate,
+                          QStringLiteral("Nothing can be written into %1: %2").arg(folder, unfinished.errorString()));
+        MakeFile(unfinished.path(), name, phoneNumber, under);
+        if (!FileHelper::RenameWithProgress(StationPlace::FileIn(unfinished.path()), StationPlace::FileIn(folder),
+                                            QString()))
+            throw QFileInfo::exists(StationPlace::FileIn(folder))
+                ? AlreadyThere(folder)
+                : Failure(exitInputOutput, QStringLiteral("The station could not be put into %1.").arg(folder));
+    } catch (const dao::Error& error) {
+        throw FailureOf(QStringLiteral("The station in %1").arg(folder), QString(), error.Number(),
+                        error.Description());
+    }
+}

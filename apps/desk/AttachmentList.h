@@ -1,0 +1,49 @@
+#pragma once
+
+#include "messages/cMessage.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+
+class QLabel;
+class QPushButton;
+class QTreeWidget;
+
+/// The files of one message: name, size and kind, to be saved and never opened. Hidden while the message has none. The
+/// names are the senders', cleaned. Owned by its parent.
+class AttachmentList : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit AttachmentList(QWidget* parent = nullptr);
+
+    /// Null for no message.
+    void SetMessage(const cMessagePtr& message);
+
+    /// Where a folder is asked for: a start folder in, the choice out, empty when cancelled. Tests answer here.
+    using FolderChooser = std::function<QString(QWidget* parent, const QString& start)>;
+    static void SetFolderChooser(FolderChooser chooser);
+
+public Q_SLOTS:
+    /// Asks where to, and saves the selected file.
+    void SaveSelected();
+    /// Asks for a folder, and saves every file under a name that is free there.
+    void SaveAll();
+
+Q_SIGNALS:
+    /// What was saved, in words for a status bar.
+    void Saved(const QString& words);
+
+private:
+    std::optional<int> SelectedIndex() const;
+    void UpdateButtons();
+
+    cMessagePtr Message_;
+    QLabel* Caption_;
+    QTreeWidget* List_;
+    QPushButton* SaveAs_;
+    QPushButton* SaveAll_;
+};

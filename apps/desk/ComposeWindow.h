@@ -1,0 +1,85 @@
+#pragma once
+
+#include "DraftStore.h"
+
+#include <QMainWindow>
+
+class BodyEdit;
+class QAction;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+
+/// The window in which one message is written. Sending files it in the Outbox for the mailer; nothing is sent from
+/// here. It closes itself when the message is filed, and never while what was typed is neither stored nor given up by
+/// the writer. Deletes itself on closing. The station outlives it.
+class ComposeWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// draft: the stored draft that the composition continues; null for a new message.
+    ComposeWindow(DeskStation& station, const Composition& composition, const cMessagePtr& draft = nullptr,
+                  QWidget* parent = nullptr);
+
+    /// What stands in the window now.
+    Composition Current() const;
+    /// Whether something was written since it was opened or last stored.
+    bool IsChanged() const { return !(Current() == Stored_); }
+    /// 0 for what was never stored.
+    qint32 Reference() const { return Store_.Reference(); }
+
+    /// Adds files by their paths; what cannot go with the message is told in one box. True when all were added.
+    bool AddFiles(const QStringList& paths);
+    /// The largest file, and the most that all files may have together, in octets.
+    static constexpr qint64 LargestFile = 25LL * 1024 * 1024;
+
+public Q_SLOTS:
+    /// Both answer false, with the text still in the window, when nothing was stored.
+    bool Send();
+    bool SaveDraft();
+    void ChooseFiles();
+    void RemoveSelectedFiles();
+
+Q_SIGNALS:
+    /// It is stored: as a draft, or in the Outbox.
+    void Filed(const QString& words);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    enum class ClosingChoice
+    {
+        SaveDraft,
+        Discard,
+        Cancel
+    };
+
+    void MakeActions();
+    QWidget* MakeForm();
+    void Show(const Composition& composition);
+    void ShowFiles();
+    void UpdateTitle();
+    bool File(Composing::Filing filing);
+    DraftStore::Conflict AskAboutConflict(DraftStore::Outcome outcome);
+    ClosingChoice AskBeforeClosing();
+    QString WhyNotAdded(const QString& path, qint64 together, ComposedFile& file) const;
+
+    DeskStation& Station_;
+    DraftStore Store_;
+    Composition Base_;   ///< What has no box of its own: type and thread.
+    Composition Stored_; ///< What is not worth asking about when the window closes.
+    QList<ComposedFile> Files_;
+
+    QLineEdit* To_;
+    QLineEdit* CC_;
+    QLineEdit* BCC_;
+    QLineEdit* Subject_;
+    BodyEdit* Body_;
+    QListWidget* FileList_;
+    QLabel* Note_;
+    QAction* Remove_ = nullptr;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class QSettings;
+
+/// What this desk remembers on this machine for this account: stations, users, sizes, looks. One INI file,
+/// "Kelvarin/tolva-desk.ini" in the account's configuration folder or the file that the environment variable
+/// TOLVA_DESK_SETTINGS names. Nothing in it belongs to a station. A file that cannot be written is no error: then
+/// nothing is remembered.
+class DeskSettings
+{
+public:
+    DeskSettings();
+    /// In a file of its own, for tests and pictures.
+    explicit DeskSettings(const QString& file);
+    ~DeskSettings();
+    DeskSettings(const DeskSettings&) = delete;
+    DeskSettings& operator=(const DeskSettings&) = delete;
+
+    /// The folders opened last, newest first, at most ten.
+    QStringList RecentStations() const;
+    void RememberStation(const QString& folder);
+    void ForgetStation(const QString& folder);
+
+    /// Who signed in last at the station in the folder; empty for nobody.
+    QString LastUser(const QString& folder) const;
+    void RememberUser(const QString& folder, const QString& user);
+
+    /// A window's or splitter's saved state; empty when there is none.
+    QByteArray State(const QString& name) const;
+    void SetState(const QString& name, const QByteArray& state);
+
+    /// "light", "dark", or empty for the system's colours.
+    QString Appearance() const;
+    void SetAppearance(const QString& appearance);
+
+private:
+    std::unique_ptr<QSettings> Settings_;
+};

@@ -1,0 +1,135 @@
+#include "DeskStation.h"
+
+#include "CollectingUserInterface.h"
+#include "StationOpening.h"
+#include "StationPlace.h"
+#include "common/FileHelper.h"
+
+#include <QDir>
+#include <QScopeGuard>
+
+namespace
+{
+void RequireStation(const QString& folder)
+{
+    if (!FileHelper::FolderExists(folder)) {
+        throw Failure(exitNoInput,
+                      QStringLiteral("There is no folder %1. If it lies on another computer, check that the "
+                                     "computer is on and the network is connected.")
+                          .arg(folder));
+    }
+    if (!StationPlace::HoldsStation(folder))
+        throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
+}
+
+void OpenDirectory(EmbeddedDirectory& directory, const QString& folder)
+{
+    const QString file = StationPlace::DirectoryFileIn(folder);
+    if (!FileHelper::FileExists(file)) {
+        throw Failure(exitNoUser, QStringLiteral("The station in %1 has no directory, so nobody is a user of it. Its "
+                                                 "directory belongs into %2.")
+                                      .arg(folder, StationPlace::DirectoryIn(folder)));
+    }
+    try {
+        directory.Open(StationPlace::DirectoryIn(folder));
+    } catch (const dao::Error& error) {
+        throw FailureOf(QStringLiteral("The directory in %1").arg(StationPlace::DirectoryIn(folder)), file,
+                        error.Number(), error.Description());
+    }
+}
+} // namespace
+
+DeskStation::~DeskStation()
+{
+    Close();
+}
+
+QStringList DeskStation::UsersIn(const QString& folder)
+{
+    RequireStation(folder);
+    EmbeddedDirectory directory;
+    OpenDirectory(directory, folder);
+    QStringList names;
+    try {
+        for (const DirectoryUser& user : directory.Users())
+            names.append(user.Name);
+    } catch (const dao::Error& error) {
+        throw FailureOf(QStringLiteral("The directory in %1").arg(StationPlace::DirectoryIn(folder)),
+                        StationPlace::DirectoryFileIn(folder), error.Number(), error.Description());
+    }
+    return names;
+}
+
+void DeskStation::Open(const QString& folder, const QString& user)
+{
+    Close();
+    RequireStation(folder);
+    try {
+        OpenDirectory(Directory_, folder);
+        if (!Directory_.SignIn(user)) {
+            throw Failure(exitNoUser,
+                          QStringLiteral("\u201C%1\u201D is not a user of this station. Its technician can add users.")
+                              .arg(user));
+        }
+        Database_.SetDirectoryDatabase(&Directory_);
+        CollectingUserInterface collecting(UserInterface::Current());
+        StationOpening::Open(Database_, folder, collecting);
+    } catch (const dao::Error& error) {
+        Close();
+        throw StationOpening::FailureOf(folder, error.Number(), error.Description());
+    } catch (...) {
+        Close();
+        throw;
+    }
+    Folder_ = folder;
+    User_ = user;
+}
+
+void DeskStation::Reopen()
+{
+    const QString folder = Folder_;
+    const QString user = User_;
+    const auto keep = qScopeGuard([&] {
+        Folder_ = folder;
+        User_ = user;
+    });
+    Open(folder, user);
+}
+
+void DeskStation::Close()
+{
+    Database_.CloseTolvaDatabase();
+    Database_.SetDirectoryDatabase(nullptr);
+    Directory_.Close();
+    Folder_.clear();
+}
+
+QString DeskStation::Name() const
+{
+    const QString name = Database_.StationName().trimmed();
+    return name.isEmpty() ? QDir(Folder_).dirName() : name;
+}
+
+QString DeskStation::MarkAsRead(qint32 reference)
+{
+    try {
+        const cMessagePtr message = Database_.GetMessage(reference);
+        const clsKVUser* user = Directory_.CurrentUser();
+        if (!message || !user || (message->Flags() & mfRead) != 0)
+            return QString();
+        const bool isOwn = message->PersonalToContact() == user->Reference();
+        if (!(isOwn ? user->CanEditPersonalMessages() : user->CanEditMessages()))
+            return QString();
+        message->SetFlags(message->Flags() | mfRead);
+        if (Database_.SaveMessage(message))
+            return QString();
+        return Words(Database_.LastErrorNumber(), Database_.LastErrorDescription());
+    } catch (const dao::Error& error) {
+        return Words(error.Number(), error.Description());
+    }
+}
+
+QString DeskStation::Words(int errorNumber, const QString& description) const
+{
+    return StationOpening::FailureOf(Folder_, errorNumber, description).Words();
+}

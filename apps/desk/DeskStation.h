@@ -1,0 +1,48 @@
+#pragma once
+
+#include "database/cTolvaDatabase.h"
+#include "platform/directory/EmbeddedDirectory.h"
+
+#include <QObject>
+#include <QStringList>
+
+/// A station that is open on this desk, with the user of its directory who is signed in. Owned by the program; windows
+/// that work on it are closed before it.
+class DeskStation : public QObject
+{
+    Q_OBJECT
+
+public:
+    DeskStation() = default;
+    ~DeskStation() override;
+
+    /// The users of the station in the folder, by name. Failure in words when there is no station or directory or it
+    /// cannot be read.
+    static QStringList UsersIn(const QString& folder);
+
+    /// Opens the station for the user. Failure in words when that does not work; nothing is open then.
+    void Open(const QString& folder, const QString& user);
+    /// Closes and opens again, after the file was out of reach. Failure as Open; then it is closed, and stays the
+    /// station of that folder.
+    void Reopen();
+    void Close();
+
+    const QString& Folder() const { return Folder_; }
+    cTolvaDatabase& Database() { return Database_; }
+    EmbeddedDirectory& Directory() { return Directory_; }
+    /// "Harbour FM"; the folder's name for a station that has none.
+    QString Name() const;
+
+    /// Marks a message that is on show as read, if it is not and the user may change it: in its row as it is at this
+    /// moment, so that nobody's change is lost. An empty text, or why it could not be done.
+    QString MarkAsRead(qint32 reference);
+    /// What a record store's error means for this station, in words.
+    QString Words(int errorNumber, const QString& description) const;
+
+private:
+    QString Folder_;
+    QString User_;
+    EmbeddedDirectory Directory_;
+    // After the directory, which its closing writes to.
+    cTolvaDatabase Database_;
+};

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "Composition.h"
+#include "DeskStation.h"
+#include "Failure.h"
+#include "Words.h"
+
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+class ComposeWindow;
+class DeskSettings;
+class MessageWindow;
+class NoticeBar;
+class PreviewPane;
+class QLabel;
+class QMenu;
+class QSplitter;
+class QToolBar;
+class uMessagesList;
+
+/// The desk: folders, messages and the message that is selected, over one open station. It owns the station and the
+/// windows that work on it, and closes only when they do. The settings outlive it.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& settings);
+    ~MainWindow() override;
+
+    DeskStation& Station() { return *Station_; }
+    uMessagesList& List() { return *List_; }
+    PreviewPane& Preview() { return *Preview_; }
+
+    /// A run-time error of a control; true when this window has met it: the list's reply, which ends in one, and a
+    /// station that cannot be reached for a while.
+    bool TakeRunTimeError(const dao::Error& error);
+
+    /// The windows in which something is written, and those that show one message.
+    QList<ComposeWindow*> ComposeWindows() const;
+    QList<MessageWindow*> MessageWindows() const;
+    ComposeWindow* Compose(const Composition& composition, const cMessagePtr& draft = nullptr);
+    MessageWindow* OpenInWindow(const cMessagePtr& message);
+
+    /// How often it looks whether the station is still there.
+    static constexpr int WatchMilliseconds = 3000;
+
+public Q_SLOTS:
+    void Reply();
+    void ReplyToAll();
+    void Forward();
+    void NewMessage();
+    void RefreshAll();
+    void FocusNextPane(bool backwards = false);
+    /// Looks whether the station can be reached, and says so when that has changed.
+    void WatchStation();
+
+Q_SIGNALS:
+    /// An empty folder: the user wants to choose.
+    void StationWanted(const QString& folder);
+    void Closed();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    /// Runs a command; its error becomes words, for no exception may reach the event loop.
+    template <typename Work>
+    void Run(Work&& work);
+
+    void MakeParts();
+    void ConnectList();
+    void AddTabs();
+    void MakeFileMenu();
+    void MakeMessageMenu();
+    void MakeViewMenu();
+    void MakeHelpMenu();
+    QWidget* MakeMessageSide();
+    void FitSubjects();
+    QAction* AddAction(QMenu* menu, const char* name, const QString& icon, const QString& text,
+                       const QKeySequence& key = {});
+    QAction* Action(const char* name) const;
+    void FillRecentStations(QMenu& menu);
+    void RestoreSizes();
+    void SaveSizes();
+
+    cMessagePtr SelectedMessage();
+    void TakeSelection(const cMessagePtr& message);
+    void TakeNewMessage(const cMessagePtr& message);
+    void TakeOpenMessage(const cMessagePtr& message);
+    void TakeUpdate();
+    void CheckSelectedIsThere();
+    void MarkAsRead(qint32 reference);
+    void ShowCounts();
+    void ShowConnectionProblem(const QString& words);
+    void ReopenStation();
+    void EditUsers();
+    void ShowShortcuts();
+    void ShowAbout();
+
+    std::unique_ptr<DeskStation> Station_;
+    DeskSettings& Settings_;
+    QSplitter* Splitter_ = nullptr;
+    uMessagesList* List_ = nullptr;
+    PreviewPane* Preview_ = nullptr;
+    QToolBar* MessageBar_ = nullptr;
+    NoticeBar* Connection_ = nullptr;
+    NoticeBar* Filter_ = nullptr;
+    QLabel* Counts_ = nullptr;
+    QLabel* Updated_ = nullptr;
+    QLabel* User_ = nullptr;
+    QTimer CountTimer_;
+    QTimer WatchTimer_;
+    QTimer FitTimer_;
+    int FittedWidth_ = 0;
+    bool MustReopen_ = false;
+    QList<QPointer<QMainWindow>> Windows_;
+};
+
+template <typename Work>
+void MainWindow::Run(Work&& work)
+{
+    try {
+        std::forward<Work>(work)();
+    } catch (const dao::Error& error) {
+        Words::Warn(Station_->Words(error.Number(), error.Description()));
+    } catch (const Failure& failure) {
+        Words::Warn(failure.Words());
+    }
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "messages/cMessage.h"
+
+#include <QMainWindow>
+
+class DeskStation;
+class NoticeBar;
+class PreviewPane;
+
+/// One message in a window of its own. It shows what was opened, and says so when another computer deletes or moves it
+/// meanwhile. Deletes itself on closing. The station outlives it.
+class MessageWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent = nullptr);
+
+    qint32 Reference() const { return Message_->Reference(); }
+
+public Q_SLOTS:
+    /// Looks whether the message is still where it was.
+    void CheckStored();
+
+Q_SIGNALS:
+    void ReplyWanted(const cMessagePtr& message);
+    void ReplyToAllWanted(const cMessagePtr& message);
+    void ForwardWanted(const cMessagePtr& message);
+    void WasRead(qint32 reference);
+
+private:
+    void MakeActions();
+
+    DeskStation& Station_;
+    cMessagePtr Message_;
+    NoticeBar* Notice_;
+    PreviewPane* View_;
+};

@@ -1,0 +1,80 @@
+#include "NoticeBar.h"
+
+#include "platform/widgets/Icons.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+namespace
+{
+constexpr int IconSide = 16;
+/// How much of the accent is mixed into the window's own colour.
+constexpr double Strength = 0.16;
+const QColor Accent(0xE3, 0xAB, 0x3F);
+
+QColor Mixed(const QColor& ground, const QColor& accent)
+{
+    const auto mix = [](int a, int b) { return qRound(a + (b - a) * Strength); };
+    return {mix(ground.red(), accent.red()), mix(ground.green(), accent.green()), mix(ground.blue(), accent.blue())};
+}
+} // namespace
+
+NoticeBar::NoticeBar(const QString& icon, const QString& button, QWidget* parent)
+    : QFrame(parent),
+      Icon_(icon),
+      Picture_(new QLabel(this)),
+      Text_(new QLabel(this)),
+      Button_(new QPushButton(button, this))
+{
+    setAutoFillBackground(true);
+    Text_->setObjectName(QStringLiteral("noticeText"));
+    // It may quote what a listener wrote.
+    Text_->setTextFormat(Qt::PlainText);
+    Text_->setWordWrap(true);
+    Button_->setObjectName(QStringLiteral("noticeButton"));
+    Button_->setAccessibleName(button);
+    Button_->setVisible(!button.isEmpty());
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(8, 3, 8, 3);
+    layout->addWidget(Picture_);
+    layout->addWidget(Text_, 1);
+    layout->addWidget(Button_);
+    connect(Button_, &QPushButton::clicked, this, &NoticeBar::ButtonClicked);
+    ApplyColours();
+    hide();
+}
+
+void NoticeBar::Show(const QString& text)
+{
+    Text_->setText(text);
+    Text_->setAccessibleName(text);
+    setVisible(!text.isEmpty());
+}
+
+QString NoticeBar::Text() const
+{
+    return isHidden() ? QString() : Text_->text();
+}
+
+void NoticeBar::changeEvent(QEvent* event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
+        ApplyColours();
+}
+
+void NoticeBar::ApplyColours()
+{
+    if (IsApplying_)
+        return;
+    IsApplying_ = true;
+    QPalette own = QApplication::palette();
+    own.setColor(QPalette::Window, Mixed(own.color(QPalette::Window), Accent));
+    if (own != palette())
+        setPalette(own);
+    Picture_->setPixmap(Icons::Get(Icon_).pixmap(QSize(IconSide, IconSide), devicePixelRatioF()));
+    IsApplying_ = false;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+class QPushButton;
+
+/// One line across a window that says something the user should not miss, with at most one button. Hidden while there
+/// is nothing to say.
+class NoticeBar : public QFrame
+{
+    Q_OBJECT
+
+public:
+    /// icon: a key of Icons. button: empty for none.
+    NoticeBar(const QString& icon, const QString& button, QWidget* parent = nullptr);
+
+    /// An empty text hides the bar.
+    void Show(const QString& text);
+    QString Text() const;
+
+Q_SIGNALS:
+    void ButtonClicked();
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void ApplyColours();
+
+    QString Icon_;
+    QLabel* Picture_;
+    QLabel* Text_;
+    QPushButton* Button_;
+    bool IsApplying_ = false;
+};

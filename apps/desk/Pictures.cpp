@@ -1,0 +1,325 @@
+#include "Pictures.h"
+
+#include "Appearance.h"
+#include "ComposeWindow.h"
+#include "Desk.h"
+#include "ExitCode.h"
+#include "Failure.h"
+#include "MainWindow.h"
+#include "MessageWindow.h"
+#include "PreviewPane.h"
+#include "ShortcutsDialog.h"
+#include "SignInDialog.h"
+#include "StartDialog.h"
+#include "StationPlace.h"
+#include "UnusualMessages.h"
+#include "common/UserInterface.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/widgets/FlexGrid.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <functional>
+
+namespace
+{
+constexpr int Patience = 120000;
+constexpr int ManyMessages = 100000;
+constexpr QSize WindowSize(1240, 740);
+
+/// Events run until the condition holds; false when it never does.
+bool Wait(const std::function<bool()>& condition)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition() && timer.elapsed() < Patience)
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+    return condition();
+}
+
+/// What the errors and boxes of the tour say; a tour answers no to every question.
+class TourUserInterface final : public UserInterface
+{
+public:
+    TourUserInterface() { SetCurrent(this); }
+    ~TourUserInterface() override { SetCurrent(nullptr); }
+    MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override
+    {
+        std::fprintf(stderr, "%s\n", qPrintable(request.Text));
+        return request.Buttons == MessageBoxButtons::YesNo ? MessageBoxAnswer::No : MessageBoxAnswer::OK;
+    }
+    int InputBox(const InputBoxRequest&, QString&) override { return -1; }
+    bool DatabaseSettings(cTolvaDatabase&) override { return false; }
+    void SetBusyPointer(bool) override {}
+    std::unique_ptr<ProgressDisplay> Progress(const QString&) override
+    {
+        class Nothing : public ProgressDisplay
+        {
+            bool Advance(qint64, qint64) override { return true; }
+        };
+        return std::make_unique<Nothing>();
+    }
+    void Yield() override { QApplication::processEvents(); }
+    void RunTimeError(const dao::Error& error) override
+    {
+        std::fprintf(stderr, "%s (%d)\n", qPrintable(error.Description()), error.Number());
+    }
+};
+
+bool CopyFolder(const QString& from, const QString& to)
+{
+    const QDir source(from);
+    QDirIterator entries(from, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (entries.hasNext()) {
+        const QString file = entries.next();
+        const QString target = QDir(to).filePath(source.relativeFilePath(file));
+        if (!QDir().mkpath(QFileInfo(target).path()) || !QFile::copy(file, target))
+            return false;
+    }
+    return true;
+}
+
+class Tour
+{
+public:
+    Tour(const QString& station, const QString& pictures)
+        : Pictures_(pictures),
+          Settings_(QDir(pictures).filePath(QStringLiteral(".settings.ini"))),
+          Desk_(Settings_, nullptr),
+          Folder_(station)
+    {
+    }
+    ~Tour() { QFile::remove(QDir(Pictures_).filePath(QStringLiteral(".settings.ini"))); }
+
+    bool Go(bool withLarge)
+    {
+        Appearance::Apply(QStringLiteral("light"));
+        if (!Desk_.OpenStation(Folder_, StationPlace::DefaultUserName()))
+            return false;
+        Window().resize(WindowSize);
+        const int unusual = UnusualMessages::FileInto(Window().Station().Database());
+        Window().List().UpdateCategories();
+        Inbox();
+        Colours();
+        Folders(unusual);
+        Find();
+        Writing();
+        Dialogs();
+        if (withLarge)
+            Large();
+        Window().close();
+        return !HasFailed_;
+    }
+
+private:
+    MainWindow& Window() { return *Desk_.Window(); }
+    FlexGrid& Grid() { return *Window().List().findChild<FlexGrid*>(QStringLiteral("grdMessages")); }
+
+    void Settle()
+    {
+        Wait([this] { return !Window().List().IsFilling() && Window().Preview().IsLoaded(); });
+        // The counts come a moment later.
+        QElapsedTimer timer;
+        timer.start();
+        Wait([&timer] { return timer.elapsed() > 300; });
+    }
+
+    void Save(QWidget& widget, const char* name, int ratio = 1)
+    {
+        QPixmap picture(widget.size() * ratio);
+        picture.setDevicePixelRatio(ratio);
+        picture.fill(widget.palette().color(QPalette::Window));
+        widget.render(&picture);
+        const QString file = QDir(Pictures_).filePath(QLatin1String(name) + QStringLiteral(".png"));
+        if (picture.save(file)) {
+            std::printf("%s\n", qPrintable(file));
+        } else {
+            std::fprintf(stderr, "%s could not be saved.\n", qPrintable(file));
+            HasFailed_ = true;
+        }
+    }
+
+    void Go(int category)
+    {
+        Window().List().SetCategory(static_cast<enTolvaMessageCategories>(category));
+        Settle();
+    }
+
+    void Select(int row)
+    {
+        Grid().SetRow(row);
+        Grid().SetCol(0);
+        Grid().setFocus();
+        Settle();
+    }
+
+    /// The first message with a file, so that the list of attachments is seen.
+    void SelectOneWithFiles()
+    {
+        for (int row = 1; row < Grid().Rows() && row < 60; ++row) {
+            const cMessagePtr message = Window().Station().Database().GetMessage(Grid().TextMatrix(row, 0).toInt());
+            if (message && !message->CDOMessage()->Attachments().isEmpty()) {
+                Select(row);
+                return;
+            }
+        }
+        Select(1);
+    }
+
+    void Inbox()
+    {
+        Go(tmcInbox);
+        SelectOneWithFiles();
+        Save(Window(), "desk-light");
+    }
+
+    void Colours()
+    {
+        Save(Window(), "desk-light-200", 2);
+        Appearance::Apply(QStringLiteral("dark"));
+        Settle();
+        Save(Window(), "desk-dark");
+        Save(Window(), "desk-dark-200", 2);
+        Appearance::Apply(QStringLiteral("light"));
+    }
+
+    void Folders(int unusual)
+    {
+        Go(tmcDrafts);
+        Save(Window(), "desk-empty-folder");
+        Go(unusual);
+        for (int row = 1; row <= 4 && row < Grid().Rows(); ++row) {
+            Select(row);
+            if (row == 1)
+                Save(Window(), "desk-long-names");
+            if (row == 2)
+                Save(Window(), "desk-right-to-left");
+            if (row == 4)
+                Save(Window(), "desk-emoji");
+        }
+        Appearance::Apply(QStringLiteral("dark"));
+        Settle();
+        Save(Window(), "desk-emoji-dark");
+        Appearance::Apply(QStringLiteral("light"));
+    }
+
+    void Find()
+    {
+        Go(tmcInbox);
+        auto* box = Window().List().findChild<QComboBox*>(QStringLiteral("comboFind"));
+        box->setEditText(QStringLiteral("the"));
+        Window().List().UpdateDisplay();
+        Settle();
+        Save(Window(), "desk-filter");
+        Window().List().ClearFind();
+        Settle();
+        Window().TakeRunTimeError(
+            dao::Error(dao::errDiskError, QString(), QStringLiteral("uMessagesList.timerUpdateList")));
+        Settle();
+        Save(Window(), "desk-no-connection");
+        Window().WatchStation();
+        Settle();
+    }
+
+    void Writing()
+    {
+        SelectOneWithFiles();
+        Window().OpenInWindow(Window().Preview().Message());
+        MessageWindow* message = Window().MessageWindows().first();
+        Wait([message] { return message->findChild<PreviewPane*>()->IsLoaded(); });
+        Save(*message, "message");
+        message->close();
+        Window().Forward();
+        Window().Reply();
+        const QList<ComposeWindow*> windows = Window().ComposeWindows();
+        Save(*windows.at(0), "compose-forward");
+        windows.at(1)
+            ->findChild<QPlainTextEdit*>(QStringLiteral("body"))
+            ->insertPlainText(
+                QStringLiteral("Hello,\n\nthank you for writing! We will play it on Sunday after the news."));
+        Save(*windows.at(1), "compose-reply");
+        Appearance::Apply(QStringLiteral("dark"));
+        Save(*windows.at(0), "compose-forward-dark");
+        Appearance::Apply(QStringLiteral("light"));
+        for (ComposeWindow* window : windows)
+            delete window;
+    }
+
+    void Dialogs()
+    {
+        const auto show = [this](QDialog& dialog, const char* name) {
+            dialog.show();
+            QApplication::processEvents();
+            Save(dialog, name);
+            dialog.close();
+        };
+        DeskSettings settings(QDir(Folder_).filePath(QStringLiteral("pictures.ini")));
+        settings.RememberStation(QStringLiteral("/srv/harbour-fm"));
+        settings.RememberStation(QStringLiteral("/media/studio2/stations/evening service"));
+        StartDialog start(settings);
+        show(start, "start");
+        SignInDialog signIn({QStringLiteral("Petra"), QStringLiteral("Ravi"), QStringLiteral("Technician")},
+                            QStringLiteral("Ravi"));
+        show(signIn, "sign-in");
+        ShortcutsDialog shortcuts(&Window());
+        show(shortcuts, "shortcuts");
+    }
+
+    void Large()
+    {
+        std::fprintf(stderr, "Making %d messages...\n", ManyMessages);
+        UnusualMessages::FileMany(Window().Station().Database(), ManyMessages);
+        QElapsedTimer timer;
+        timer.start();
+        Go(tmcSaved);
+        timer.restart();
+        Go(tmcInbox);
+        std::fprintf(stderr, "Shown after %.1f seconds.\n", static_cast<double>(timer.elapsed()) / 1000);
+        Select(Grid().Rows() / 2);
+        Save(Window(), "desk-100000");
+    }
+
+    QString Pictures_;
+    DeskSettings Settings_;
+    Desk Desk_;
+    QString Folder_;
+    bool HasFailed_ = false;
+};
+} // namespace
+
+int Pictures::Take(const DeskOptions& options)
+{
+    const QString pictures = QDir(options.Pictures).absolutePath();
+    if (options.Folder.isEmpty() || !StationPlace::HoldsStation(options.Folder)) {
+        std::fprintf(stderr, "tolva-desk: --pictures needs the folder of a station.\n");
+        return exitNoInput;
+    }
+    const QTemporaryDir copy;
+    const QString station = copy.filePath(QStringLiteral("station"));
+    if (!QDir().mkpath(pictures) || !CopyFolder(options.Folder, station)) {
+        std::fprintf(stderr, "tolva-desk: the pictures cannot be saved in %s.\n", qPrintable(pictures));
+        return exitCannotCreate;
+    }
+    TourUserInterface userInterface;
+    try {
+        Tour tour(station, pictures);
+        if (!tour.Go(options.IsLarge))
+            return exitSoftware;
+    } catch (const Failure& failure) {
+        std::fprintf(stderr, "%s\n", qPrintable(failure.Words()));
+        return failure.Code();
+    } catch (const dao::Error& error) {
+        std::fprintf(stderr, "%s (%d)\n", qPrintable(error.Description()), error.Number());
+        return exitSoftware;
+    }
+    std::fprintf(stderr, "The pictures lie in %s\n", qPrintable(pictures));
+    return exitOK;
+}

@@ -1,0 +1,84 @@
+#include "PreviewPane.h"
+
+#include "AttachmentList.h"
+#include "messages/controls/uMessageBasic.h"
+#include "platform/widgets/SystemColour.h"
+
+#include <QLabel>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+PreviewPane::PreviewPane(QWidget* parent)
+    : QWidget(parent),
+      Stack_(new QStackedLayout(this)),
+      Empty_(new QLabel(tr("Select a message to read it here."), this)),
+      Page_(new QWidget(this)),
+      View_(new uMessageBasic(Page_)),
+      Attachments_(new AttachmentList(Page_))
+{
+    setObjectName(QStringLiteral("preview"));
+    setAccessibleName(tr("Message"));
+    View_->setObjectName(QStringLiteral("viewer"));
+    View_->SetBackColour(SystemColour::ButtonFace);
+    View_->SetForeColour(SystemColour::WindowText);
+    Empty_->setObjectName(QStringLiteral("previewEmpty"));
+    Empty_->setAlignment(Qt::AlignCenter);
+    Empty_->setForegroundRole(QPalette::PlaceholderText);
+    auto* layout = new QVBoxLayout(Page_);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(View_, 1);
+    layout->addWidget(Attachments_);
+    Stack_->setContentsMargins(0, 0, 0, 0);
+    Stack_->addWidget(Empty_);
+    Stack_->addWidget(Page_);
+
+    RestTimer_.setSingleShot(true);
+    RestTimer_.setInterval(RestMilliseconds);
+    ReadTimer_.setSingleShot(true);
+    ReadTimer_.setInterval(ReadMilliseconds);
+    connect(&RestTimer_, &QTimer::timeout, this, &PreviewPane::Load);
+    connect(&ReadTimer_, &QTimer::timeout, this, &PreviewPane::TakeReadTime);
+}
+
+void PreviewPane::Select(const cMessagePtr& message)
+{
+    const bool isSame = message && Selected_ && message->Reference() == Selected_->Reference();
+    if (isSame && Shown_ == Selected_ && message->CDOMessage()->Octets() == Selected_->CDOMessage()->Octets()) {
+        // Only its row changed, such as being read.
+        Shown_ = Selected_ = message;
+        return;
+    }
+    Selected_ = message;
+    if (!isSame)
+        ReadTimer_.stop();
+    RestTimer_.start();
+}
+
+void PreviewPane::Load()
+{
+    const bool isOther = !Shown_ || !Selected_ || Shown_->Reference() != Selected_->Reference();
+    Shown_ = Selected_;
+    View_->SetMessage(Shown_);
+    Attachments_->SetMessage(Shown_);
+    Stack_->setCurrentWidget(Shown_ ? Page_ : Empty_);
+    if (Shown_ && isOther)
+        ReadTimer_.start();
+}
+
+void PreviewPane::TakeReadTime()
+{
+    if (!Shown_ || Shown_ != Selected_)
+        return;
+    // Nobody reads in a window that is behind another: it counts again from when it is looked at.
+    if (window()->isActiveWindow())
+        Q_EMIT WasRead(Shown_->Reference());
+    else
+        ReadTimer_.start();
+}
+
+QWidget* PreviewPane::FocusTarget() const
+{
+    auto* body = View_->findChild<QWidget*>(QStringLiteral("wbBody"));
+    return body ? body : View_;
+}

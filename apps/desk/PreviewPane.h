@@ -1,0 +1,53 @@
+#pragma once
+
+#include "messages/cMessage.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class AttachmentList;
+class QLabel;
+class QStackedLayout;
+class uMessageBasic;
+
+/// The viewer beside the list: the selected message with its attachments. A message is loaded when the selection has
+/// rested a moment, so that a held arrow key runs through the list, and is reported as read when it was on show for a
+/// while in the active window. Owned by its window.
+class PreviewPane : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PreviewPane(QWidget* parent = nullptr);
+
+    /// Null for none. The same message in a new state is taken in without a flicker, and is not read anew.
+    void Select(const cMessagePtr& message);
+    /// The message on show, or about to be; null for none.
+    const cMessagePtr& Message() const { return Selected_; }
+    /// Whether what is selected is on show.
+    bool IsLoaded() const { return Shown_ == Selected_; }
+    AttachmentList& Attachments() const { return *Attachments_; }
+    /// Where the keyboard goes.
+    QWidget* FocusTarget() const;
+
+    static constexpr int RestMilliseconds = 120;
+    static constexpr int ReadMilliseconds = 1500;
+
+Q_SIGNALS:
+    /// It was on show long enough to count as read.
+    void WasRead(qint32 reference);
+
+private:
+    void Load();
+    void TakeReadTime();
+
+    cMessagePtr Selected_;
+    cMessagePtr Shown_;
+    QStackedLayout* Stack_;
+    QLabel* Empty_;
+    QWidget* Page_;
+    uMessageBasic* View_;
+    AttachmentList* Attachments_;
+    QTimer RestTimer_;
+    QTimer ReadTimer_;
+};

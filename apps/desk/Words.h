@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+/// What this program tells its user in boxes.
+namespace Words
+{
+/// An OK box with the exclamation icon, through the user interface in force.
+void Warn(const QString& text);
+} // namespace Words

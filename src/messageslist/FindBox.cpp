@@ -1,0 +1,56 @@
+#include "messageslist/FindBox.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+
+FindBox::FindBox(QWidget* parent) : QComboBox(parent)
+{
+    setEditable(true);
+    setInsertPolicy(QComboBox::NoInsert);
+    setCompleter(nullptr);
+    setMaxVisibleItems(20);
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(4);
+    connect(this, &QComboBox::activated, this, &FindBox::Click);
+}
+
+void FindBox::SetEntries(const QStringList& entries)
+{
+    const QString typed = Text();
+    clear();
+    addItems(entries);
+    SetText(typed);
+}
+
+void FindBox::showPopup()
+{
+    Q_EMIT DropDown();
+    QComboBox::showPopup();
+}
+
+void FindBox::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->text() == QLatin1String("+")) {
+        event->accept();
+        Q_EMIT Click();
+        return;
+    }
+    QComboBox::keyPressEvent(event);
+}
+
+void FindBox::focusInEvent(QFocusEvent* event)
+{
+    QComboBox::focusInEvent(event);
+    SelectControlText(*this);
+}
+
+void FindBox::focusOutEvent(QFocusEvent* event)
+{
+    QComboBox::focusOutEvent(event);
+    Q_EMIT LostFocus();
+}
+
+void SelectControlText(FindBox& box)
+{
+    box.lineEdit()->selectAll();
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QComboBox>
+
+/// The box of the find bar. Enter, and "+" as well, ask for the search; its user fills the list when it drops down.
+class FindBox : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    explicit FindBox(QWidget* parent = nullptr);
+
+    QString Text() const { return currentText(); }
+    void SetText(const QString& text) { setEditText(text); }
+    /// As it is about to drop down: the list's entries, while the typed text stays.
+    void SetEntries(const QStringList& entries);
+    void showPopup() override;
+
+Q_SIGNALS:
+    void DropDown();
+    /// An entry was chosen, or the search was asked for.
+    void Click();
+    void LostFocus();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+};
+
+/// Selects the whole text of a box.
+void SelectControlText(FindBox& box);

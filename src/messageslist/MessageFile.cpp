@@ -1,0 +1,50 @@
+#include "messageslist/MessageFile.h"
+
+#include "common/FileHelper.h"
+#include "platform/records/Error.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace
+{
+constexpr qsizetype Looked = 4096;
+
+/// Whether octets may be a mail: they begin with a header line (RFC 5322, 2.2), or at least with text. A picture or a
+/// program does neither.
+bool MayBeMail(const QByteArray& octets)
+{
+    const QByteArrayView begin(octets.constData(), std::min(Looked, octets.size()));
+    const qsizetype colon = begin.indexOf(':');
+    const auto isNameCharacter = [](char c) { return c > ' ' && c <= '~'; };
+    if (colon > 0 && std::all_of(begin.begin(), begin.begin() + colon, isNameCharacter))
+        return true;
+    return !begin.contains('\0');
+}
+} // namespace
+
+void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
+{
+    if (!message || fileName.isEmpty() || !FileHelper::FolderExists(FileHelper::FolderOf(fileName)))
+        return;
+    if (!FileHelper::ReplaceFile(fileName, message->CDOMessage()->Octets()))
+        throw dao::Error(dao::errCannotOpen, QStringLiteral("The file %1 could not be written.").arg(fileName));
+}
+
+cMessagePtr LoadMessageFromEml(const QString& fileName)
+{
+    if (fileName.isEmpty() || FileHelper::FileSize(fileName) <= 0)
+        return nullptr;
+    QFile file(fileName);
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+        return nullptr;
+    const QByteArray octets = file.readAll();
+    if (octets.isEmpty() || file.error() != QFileDevice::NoError || !MayBeMail(octets))
+        return nullptr;
+    const auto mail = std::make_shared<cdo::Message>(octets);
+    auto message = std::make_shared<cMessage>();
+    message->SetCDOMessage(mail);
+    return message;
+}

@@ -1,0 +1,219 @@
+// The commands of the messages list. What needs a window is handed to the host in an event.
+
+#include "common/FileDialog.h"
+#include "database/cTolvaDatabase.h"
+#include "messageslist/MessageFile.h"
+#include "messageslist/MessagesListHandler.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/widgets/FlexGrid.h"
+
+#include <QScopeGuard>
+
+#include <any>
+
+namespace
+{
+enum Column
+{
+    colReference,
+    colHead,
+    colSubject
+};
+
+/// Hide read only, ask before overwriting, keep the current folder.
+constexpr int ExportFlags = 2054;
+
+/// A message record out of any object; error 13 for what is none.
+cMessagePtr ToMessageRecord(const std::any& object)
+{
+    if (const auto* message = std::any_cast<cMessagePtr>(&object))
+        return *message;
+    throw dao::Error(dao::errTypeMismatch, QStringLiteral("Type mismatch"));
+}
+
+void SetRead(cMessage& message, bool read)
+{
+    message.SetFlags(read ? message.Flags() | mfRead : message.Flags() & ~mfRead);
+}
+
+QString ProposedFileName(QString subject)
+{
+    subject.removeIf([](QChar character) { return QStringLiteral(":*?\\/").contains(character); });
+    return subject + QStringLiteral(".eml");
+}
+} // namespace
+
+cMessagePtr uMessagesList::SelectedMessage() const
+{
+    return clsTolvaDatabase_ ? clsTolvaDatabase_->GetMessage(CurrentSelectedReference_) : nullptr;
+}
+
+void uMessagesList::NewMessageCommand()
+{
+    if (!clsTolvaDatabase_)
+        return;
+    Q_EMIT NewMessage(std::make_shared<cMessage>());
+    UpdateDisplay();
+}
+
+void uMessagesList::OpenCommand()
+{
+    if (const cMessagePtr message = SelectedMessage())
+        Q_EMIT OpenMessage(message);
+}
+
+void uMessagesList::PrintCommand()
+{
+    if (const cMessagePtr message = SelectedMessage())
+        Q_EMIT PrintMessage(message);
+}
+
+/// The new record is made as a bare mail, which is no message record: the command ends in the error of that assignment,
+/// and hosts that offer a reply meet it with their own.
+void uMessagesList::ReplyCommand()
+{
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    const cMessagePtr reply = ToMessageRecord(std::make_shared<cdo::Message>());
+    reply->CDOMessage()->SetTo(message->CDOMessage()->From());
+    reply->CDOMessage()->SetSubject(QStringLiteral("RE: ") + message->CDOMessage()->Subject());
+    Q_EMIT NewMessage(reply);
+}
+
+void uMessagesList::ForwardCommand()
+{
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    const auto forward = std::make_shared<cMessage>();
+    forward->CDOMessage()->SetTo(QString());
+    forward->CDOMessage()->SetSubject(QStringLiteral("FW: ") + message->CDOMessage()->Subject());
+    Q_EMIT NewMessage(forward);
+}
+
+void uMessagesList::CopyCommand()
+{
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    message->SetReference(0);
+    message->CDOMessage()->SetSubject(QStringLiteral("Copy of ") + message->CDOMessage()->Subject());
+    Q_EMIT NewMessage(message);
+}
+
+void uMessagesList::ExportCommand()
+{
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    const auto dialog = FileDialog::Create();
+    dialog->CancelError = true;
+    dialog->DialogTitle = QStringLiteral("Export Email Message as...");
+    dialog->Filter = QStringLiteral("E-mail File (*.eml)|*.eml|All Files (*.*)|*.*");
+    dialog->FilterIndex = 1;
+    dialog->DefaultExt = QStringLiteral("eml");
+    dialog->InitDir = QString();
+    dialog->Flags = ExportFlags;
+    dialog->Filename = ProposedFileName(message->CDOMessage()->Subject());
+    try {
+        dialog->ShowSave();
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errCancelled)
+            return;
+        throw;
+    }
+    SaveMessageAsEml(message, dialog->Filename);
+}
+
+void uMessagesList::DeleteCommand()
+{
+    if (CurrentSelectedReference_ <= 0)
+        return;
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    const bool permanently = message->Category() == tmcDeleted;
+    if (permanently) {
+        const MessageBoxRequest question{
+            QStringLiteral("Are you sure you want to permanently delete '%1'?").arg(message->CDOMessage()->Subject()),
+            QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
+        if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
+            return;
+    }
+    if (clsTolvaDatabase_->DeleteMessage(message->Reference(), permanently))
+        UpdateDisplay();
+}
+
+void uMessagesList::MarkCommand(bool read)
+{
+    if (!clsTolvaDatabase_)
+        return;
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    SetRead(*message, read);
+    if (clsTolvaDatabase_->SaveMessage(message))
+        UpdateRowBold(message);
+}
+
+void uMessagesList::MarkAllCommand(bool read)
+{
+    if (!clsTolvaDatabase_)
+        return;
+    const BusyPointer busy;
+    if (DisplayMessageList_)
+        MarkAllRows(read);
+    else
+        MarkAllOfQuery(read);
+}
+
+/// Rows are judged by their looks: one that is not bold because it has no date counts as read.
+void uMessagesList::MarkAllRows(bool read)
+{
+    if (DisplayBusy_)
+        return;
+    const int current = grdMessages_->Row();
+    DisplayBusy_ = true;
+    grdMessages_->SetRedraw(false);
+    const auto restore = qScopeGuard([&] {
+        if (current > 0)
+            SelectRow(current);
+        DisplayBusy_ = false;
+        grdMessages_->SetRedraw(true);
+    });
+    const auto progress = UserInterface::Current().Progress(tr("Marking messages"));
+    const int rows = grdMessages_->Rows();
+    for (int row = 1; row < rows; ++row) {
+        if (grdMessages_->CellFontBold(row, colHead) != read)
+            continue;
+        if (!progress->Advance(row, rows) || !HasDatabase())
+            return;
+        const cMessagePtr message = clsTolvaDatabase_->GetMessage(ReferenceOfRow(row));
+        if (!message)
+            continue;
+        SetRead(*message, read);
+        clsTolvaDatabase_->SaveMessage(message);
+        grdMessages_->SetCellFontBold(row, colHead, colSubject, !read);
+    }
+}
+
+void uMessagesList::MarkAllOfQuery(bool read)
+{
+    const bool raised = clsTolvaDatabase_->RaiseEvents();
+    clsTolvaDatabase_->SetRaiseEvents(false);
+    const QPointer<cTolvaDatabase> database(clsTolvaDatabase_);
+    const auto restore = qScopeGuard([&] {
+        if (database)
+            database->SetRaiseEvents(raised);
+    });
+    const auto messages = database->GetMessages(CurrentQuery_);
+    if (!messages)
+        return;
+    for (qint16 i = 1; i <= messages->Count(); ++i) {
+        const cMessagePtr message = messages->Message(i);
+        SetRead(*message, read);
+        database->SaveMessage(message);
+    }
+    Q_EMIT UpdateDisplay(CurrentQuery_);
+}

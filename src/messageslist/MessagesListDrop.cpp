@@ -1,0 +1,140 @@
+// What is dragged onto the tree of folders: messages of this program, its folders, and mail files from outside.
+
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+#include "messageslist/CategoryTreeFill.h"
+#include "messageslist/MessageFile.h"
+#include "messageslist/MessagesListHandler.h"
+#include "messageslist/MessagesListTexts.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/DragData.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace
+{
+const QString OwnMark = QStringLiteral("!KV");
+
+QString TextOf(const QMimeData& data)
+{
+    return data.hasText() && data.formats().contains(QStringLiteral("text/plain")) ? data.text() : QString();
+}
+
+QString FirstWord(const QString& text)
+{
+    return text.section(QLatin1Char(' '), 0, 0);
+}
+
+bool IsOwn(const QString& text)
+{
+    return text.left(OwnMark.size()).toUpper() == OwnMark;
+}
+
+bool IsMailFile(const QString& path)
+{
+    return QFileInfo(path).suffix().toLower() == QLatin1String("eml");
+}
+
+qint32 ReferenceIn(const QString& text)
+{
+    return GetKeyValue(text, MessagesListTexts::ReferenceKey, QStringLiteral(" ")).toInt();
+}
+} // namespace
+
+void uMessagesList::TakeDragOver(const QMimeData& dragged, const QPointF& twips, Qt::DropAction& effect)
+{
+    const QString node = treeCategories_->HitTest(twips);
+    effect = EffectOver(node, dragged, effect);
+    treeCategories_->SetDropHighlight(effect == Qt::IgnoreAction ? QString() : node);
+}
+
+/// What a drop on a node would do. proposed stays for what this tree knows nothing of.
+Qt::DropAction uMessagesList::EffectOver(const QString& node, const QMimeData& dragged, Qt::DropAction proposed) const
+{
+    if (node.isEmpty() || !clsTolvaDatabase_ || !CurrentUser())
+        return Qt::IgnoreAction;
+    const QString text = TextOf(dragged);
+    if (DragData::HasFiles(dragged) && !IsOwn(text)) {
+        if (!MayEditMessages())
+            return Qt::IgnoreAction;
+        const QStringList files = DragData::Files(dragged);
+        if (std::none_of(files.begin(), files.end(), IsMailFile))
+            return proposed;
+        return CategoryOfKey(node) > 0 ? Qt::CopyAction : Qt::IgnoreAction;
+    }
+    const QString word = FirstWord(text);
+    if (word == MessagesListTexts::MessageWord)
+        return MayEditMessages() && !node.mid(1).trimmed().isEmpty() ? Qt::MoveAction : Qt::IgnoreAction;
+    if (word == MessagesListTexts::CategoryWord)
+        return MayEditCategories() ? Qt::MoveAction : Qt::IgnoreAction;
+    return Qt::IgnoreAction;
+}
+
+void uMessagesList::TakeDrop(const QMimeData& dragged, Qt::DropAction& effect)
+{
+    effect = Qt::IgnoreAction;
+    const QString node = treeCategories_->DropHighlight();
+    if (!node.isEmpty() && HasDatabase() && CurrentUser()) {
+        const QString text = TextOf(dragged);
+        const QString word = FirstWord(text);
+        if (word == MessagesListTexts::MessageWord)
+            DropMessage(text, node, effect);
+        else if (word == MessagesListTexts::CategoryWord)
+            DropCategory(text, node, effect);
+        else if (DragData::HasFiles(dragged) && MayEditMessages())
+            DropFiles(DragData::Files(dragged), node, effect);
+    }
+    treeCategories_->SetDropHighlight(QString());
+}
+
+void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::DropAction& effect)
+{
+    if (!MayEditMessages())
+        return;
+    const cMessagePtr message = clsTolvaDatabase_->GetMessage(ReferenceIn(text));
+    if (!message)
+        return;
+    message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
+    clsTolvaDatabase_->SaveMessage(message);
+    treeCategories_->SelectNode(node);
+    TakeNodeClick(node);
+    effect = Qt::MoveAction;
+}
+
+void uMessagesList::DropCategory(const QString& text, const QString& node, Qt::DropAction& effect)
+{
+    if (!MayEditCategories())
+        return;
+    const auto category = StoredCategory(ReferenceIn(text));
+    if (!category)
+        return;
+    const qint32 parent = CategoryOfKey(node);
+    if (category->Reference() != parent) {
+        category->SetParentReference(parent);
+        clsTolvaDatabase_->SaveMessageCategory(*category, true);
+        clsTolvaDatabase_->UpdateCategoryTree();
+    }
+    UpdateCategories();
+    effect = Qt::MoveAction;
+}
+
+/// Files the first mail file; one at a time.
+void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt::DropAction& effect)
+{
+    const auto file = std::find_if(files.begin(), files.end(), IsMailFile);
+    if (file == files.end() || CategoryOfKey(node) <= 0)
+        return;
+    effect = Qt::CopyAction;
+    if (const cMessagePtr message = LoadMessageFromEml(*file)) {
+        message->SetReference(0);
+        message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
+        clsTolvaDatabase_->SaveMessage(message);
+    } else {
+        Q_EMIT ImportRefused(*file);
+    }
+    treeCategories_->SelectNode(node);
+    TakeNodeClick(node);
+}

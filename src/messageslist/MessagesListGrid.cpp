@@ -1,0 +1,130 @@
+// The grid's keys and mouse in the messages list, and the drag of a message out of it.
+
+#include "common/FileHelper.h"
+#include "common/GeneralHelper.h"
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+#include "messageslist/MessageFile.h"
+#include "messageslist/MessagesListHandler.h"
+#include "messageslist/MessagesListTexts.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/widgets/DragData.h"
+#include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/Twips.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QFile>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QScopeGuard>
+
+namespace
+{
+/// Pixels that the mouse moves with its button down before it drags.
+constexpr double DragThreshold = 5;
+} // namespace
+
+void uMessagesList::TakeGridKey(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_F2:
+        event->accept();
+        break;
+    case Qt::Key_F5:
+        event->accept();
+        Handle("grdMessages_KeyDown", [this] { UpdateDisplay(); });
+        break;
+    case Qt::Key_Delete:
+        event->accept();
+        if (Entry("mnuDelete")->isEnabled())
+            Handle("grdMessages_KeyDown", [this] { DeleteCommand(); });
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        event->accept();
+        Handle("grdMessages_KeyDown", [this] { OpenCommand(); });
+        break;
+    default:
+        break;
+    }
+}
+
+void uMessagesList::TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips)
+{
+    if (button == Qt::LeftButton) {
+        GridDragStart_ = twips;
+    } else if (button == Qt::RightButton) {
+        grdMessages_->setFocus();
+        SelectGridRowAt(*grdMessages_, twips.y(), false);
+        Handle("grdMessages_MouseDown", [this] { TakeCellChange(); });
+    }
+}
+
+void uMessagesList::TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips)
+{
+    if ((buttons & Qt::LeftButton) == 0 || !(GridDragStart_.x() > 0))
+        return;
+    const double threshold = DragThreshold * Twips::PerPixel(*grdMessages_);
+    if (GeneralHelper::PointsAreClose(GridDragStart_.x(), GridDragStart_.y(), twips.x(), twips.y(), threshold))
+        return;
+    SelectGridRowAt(*grdMessages_, GridDragStart_.y(), false);
+    grdMessages_->EndMouseTracking();
+    GridDragStart_ = QPointF();
+    if (GridDragging_ || CurrentSelectedReference_ <= 0)
+        return;
+    GridDragging_ = true;
+    Handle("grdMessages_OLEStartDrag", [this] { StartGridDrag(); });
+}
+
+void uMessagesList::TakeGridMouseUp(Qt::MouseButton button)
+{
+    if (button == Qt::LeftButton)
+        GridDragStart_ = QPointF();
+    else if (button == Qt::RightButton)
+        PopUpMessageMenu(QCursor::pos());
+}
+
+void uMessagesList::StartGridDrag()
+{
+    const QPointer<uMessagesList> self(this);
+    const auto finish = qScopeGuard([self] {
+        if (self)
+            self->GridDragging_ = false;
+    });
+    const cMessagePtr message = SelectedMessage();
+    if (!message)
+        return;
+    auto* dragged = new DragData; // the drag destroys it
+    dragged->SetText(
+        QStringLiteral("%1 Reference=\"%2\"").arg(MessagesListTexts::MessageWord).arg(message->Reference()));
+    dragged->PromiseFiles([self] { return self ? self->WritePromisedFile() : QStringList(); });
+    DragRunner::Run(*grdMessages_, dragged, Qt::CopyAction | Qt::MoveAction);
+}
+
+/// Writes the selected message into the folder of temporary files when a target asks for the promised file. The file is
+/// named by the subject as it stands; a subject that leads out of that folder gives no file.
+QStringList uMessagesList::WritePromisedFile()
+{
+    QStringList files;
+    Handle("grdMessages_OLESetData", [&] {
+        const cMessagePtr message = SelectedMessage();
+        const QString temporary = GetTempFile(QString(), QStringLiteral("TMP"));
+        if (!message || temporary.isEmpty())
+            return;
+        QFile::remove(temporary);
+        const QString folder = FileHelper::FolderOf(temporary);
+        const QString subject = message->CDOMessage()->Subject();
+        const QString path = FileHelper::Join(folder, subject + QStringLiteral(".eml"));
+        if (QFileInfo(path).absolutePath() != QFileInfo(temporary).absolutePath() || subject.contains(u'\0')) {
+            throw dao::Error(
+                dao::errNotAValidPath,
+                QStringLiteral("\"%1\" cannot be the name of a file. Please export the message.").arg(subject));
+        }
+        SaveMessageAsEml(message, path);
+        if (!PromisedFiles_.contains(path))
+            PromisedFiles_.append(path);
+        files.append(path);
+    });
+    return files;
+}

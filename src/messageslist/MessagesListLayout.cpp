@@ -1,0 +1,237 @@
+// The controls of the messages list and where they lie.
+
+#include "messageslist/FindBox.h"
+#include "messageslist/MessagesListHandler.h"
+#include "messageslist/MessagesListTexts.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/Icons.h"
+#include "platform/widgets/OverlayPanel.h"
+#include "platform/widgets/TabStrip.h"
+#include "platform/widgets/ToolBar.h"
+#include "platform/widgets/Twips.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QTimer>
+
+namespace
+{
+constexpr double LeastWidth = 2500;
+constexpr double LeastHeight = 1920;
+constexpr double ToolBarOverhang = 15;
+constexpr double FindMargin = 30;
+constexpr double PageMargin = 60;
+constexpr double PaneGap = 30;
+constexpr double OverlayOffset = 45;
+constexpr double OverlayExcess = 15;
+constexpr double ControlGap = 60;
+const QString FindHolder = QStringLiteral("findholder");
+const QString Search = QStringLiteral("search");
+const QString Stop = QStringLiteral("stop");
+
+template <typename Control>
+Control* Named(Control* control, const char* name)
+{
+    control->setObjectName(QLatin1String(name));
+    return control;
+}
+} // namespace
+
+void uMessagesList::MakeControls()
+{
+    setMinimumSize(Twips::ToPixels(*this, LeastWidth), Twips::ToPixels(*this, LeastHeight));
+    setAutoFillBackground(true);
+
+    toolSearch_ = Named(new ToolBar(this), "toolSearch");
+    toolSearch_->AddButton(Search, Icons::Get(Search), tr("Find"));
+    toolSearch_->AddButton(Stop, Icons::Get(Stop), tr("Stop"));
+    // Nothing can be stopped by it, so it does not offer itself.
+    toolSearch_->SetButtonVisible(Stop, false);
+    toolSearch_->AddPlaceholder(FindHolder);
+    picFind_ = Named(new QWidget(toolSearch_), "picFind");
+    lblFind_ = Named(new QLabel(QStringLiteral("F&ind:"), picFind_), "lblFind");
+    comboFind_ = Named(new FindBox(picFind_), "comboFind");
+    comboFind_->setAccessibleName(tr("Find in subjects"));
+    lblFind_->setBuddy(comboFind_);
+    cmdNewMessage_ =
+        Named(new QPushButton(Icons::Get(QStringLiteral("new")), QStringLiteral("New Message"), this), "cmdNewMessage");
+    cmdNewMessage_->setAutoDefault(false);
+
+    tbsCategories_ = Named(new TabStrip(this), "tbsCategories");
+    treeCategories_ = Named(new CategoryTreeView(&tbsCategories_->Page()), "treeCategories");
+    treeCategories_->setAccessibleName(tr("Folders"));
+    treeCategories_->setFrameShape(QFrame::StyledPanel);
+    picMessages_ = Named(new QWidget(this), "picMessages");
+    tbsMessages_ = Named(new TabStrip(picMessages_), "tbsMessages");
+    tbsMessages_->setAccessibleName(tr("Which messages"));
+    grdMessages_ = Named(new FlexGrid(&tbsMessages_->Page()), "grdMessages");
+    grdMessages_->setAccessibleName(tr("Messages"));
+    picLoading_ = Named(new OverlayPanel(QStringLiteral("Loading Messages..."), &tbsMessages_->Page()), "picLoading");
+    picNoMessages_ =
+        Named(new OverlayPanel(QStringLiteral("There are no matching messages to display."), &tbsMessages_->Page()),
+              "picNoMessages");
+    picLoading_->hide();
+    picNoMessages_->hide();
+    timerUpdateList_ = Named(new QTimer(this), "timerUpdateList");
+    setTabOrder(comboFind_, cmdNewMessage_);
+    setTabOrder(cmdNewMessage_, treeCategories_);
+    setTabOrder(treeCategories_, grdMessages_);
+    ConnectControls();
+}
+
+void uMessagesList::ConnectControls()
+{
+    connect(comboFind_, &FindBox::Click, this, [this] {
+        SelectControlText(*comboFind_);
+        Handle("comboFind_Click", [this] { UpdateDisplay(); });
+    });
+    connect(comboFind_, &FindBox::DropDown, this,
+            [this] { comboFind_->SetEntries(QStringList(MessagesListTexts::AllMessages) + FindHistory_.mid(1)); });
+    connect(comboFind_, &FindBox::LostFocus, this, [this] {
+        if (comboFind_->Text().trimmed().isEmpty())
+            comboFind_->SetText(MessagesListTexts::AllMessages);
+    });
+    connect(toolSearch_, &ToolBar::ButtonClick, this, [this](const QString& key) {
+        if (key.compare(Search, Qt::CaseInsensitive) == 0)
+            Handle("toolSearch_ButtonClick", [this] { UpdateDisplay(); });
+    });
+    connect(cmdNewMessage_, &QPushButton::clicked, this,
+            [this] { Handle("cmdNewMessage_Click", [this] { NewMessageCommand(); }); });
+    connect(tbsMessages_, &TabStrip::TabClick, this,
+            [this] { Handle("tbsMessages_Click", [this] { UpdateDisplay(); }); });
+    connect(tbsCategories_, &TabStrip::PageResized, this, &uMessagesList::LayOutTree);
+    connect(tbsMessages_, &TabStrip::PageResized, this, &uMessagesList::LayOutMessages);
+    connect(timerUpdateList_, &QTimer::timeout, this, [this] { Handle("timerUpdateList", [this] { Tick(); }); });
+    ConnectGrid();
+    ConnectTree();
+}
+
+void uMessagesList::ConnectGrid()
+{
+    connect(grdMessages_, &FlexGrid::EnterCell, this,
+            [this] { Handle("grdMessages_EnterCell", [this] { TakeCellChange(); }); });
+    connect(grdMessages_, &FlexGrid::KeyDown, this, &uMessagesList::TakeGridKey);
+    connect(grdMessages_, &FlexGrid::MouseDown, this, &uMessagesList::TakeGridMouseDown);
+    connect(grdMessages_, &FlexGrid::MouseMove, this, &uMessagesList::TakeGridMouseMove);
+    connect(grdMessages_, &FlexGrid::MouseUp, this, &uMessagesList::TakeGridMouseUp);
+    connect(picNoMessages_, &OverlayPanel::MouseUp, this, &uMessagesList::TakeGridMouseUp);
+    connect(grdMessages_, &FlexGrid::DblClick, this,
+            [this] { Handle("grdMessages_DblClick", [this] { OpenCommand(); }); });
+    connect(grdMessages_, &FlexGrid::PopupKey, this, [this] {
+        const QRect row = grdMessages_->visualRect(grdMessages_->currentIndex());
+        PopUpMessageMenu(grdMessages_->viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint()));
+    });
+}
+
+void uMessagesList::ConnectTree()
+{
+    connect(treeCategories_, &CategoryTreeView::NodeClick, this,
+            [this](const QString& key) { Handle("treeCategories_NodeClick", [&] { TakeNodeClick(key); }); });
+    connect(treeCategories_, &CategoryTreeView::KeyDown, this, &uMessagesList::TakeTreeKey);
+    connect(treeCategories_, &CategoryTreeView::MouseDown, this, &uMessagesList::TakeTreeMouseDown);
+    connect(treeCategories_, &CategoryTreeView::MouseMove, this, &uMessagesList::TakeTreeMouseMove);
+    connect(treeCategories_, &CategoryTreeView::MouseUp, this, &uMessagesList::TakeTreeMouseUp);
+    connect(treeCategories_, &CategoryTreeView::BeforeLabelEdit, this, &uMessagesList::BeforeRename);
+    connect(treeCategories_, &CategoryTreeView::AfterLabelEdit, this, &uMessagesList::Rename);
+    connect(treeCategories_, &CategoryTreeView::DragOver, this, &uMessagesList::TakeDragOver);
+    connect(treeCategories_, &CategoryTreeView::DragLeft, this,
+            [this] { treeCategories_->SetDropHighlight(QString()); });
+    connect(treeCategories_, &CategoryTreeView::Dropped, this,
+            [this](const QMimeData& dragged, const QPointF&, Qt::DropAction& effect) {
+                Handle("treeCategories_OLEDragDrop", [&] { TakeDrop(dragged, effect); });
+            });
+    connect(treeCategories_, &CategoryTreeView::PopupKey, this, [this] {
+        const QRect node = treeCategories_->visualRect(treeCategories_->currentIndex());
+        PopUpCategoryMenu(treeCategories_->viewport()->mapToGlobal(node.bottomLeft()));
+    });
+}
+
+void uMessagesList::resizeEvent(QResizeEvent*)
+{
+    LayOut();
+}
+
+void uMessagesList::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        ApplyBackColour();
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        LayOut();
+        SetGridRowHeights();
+    }
+}
+
+void uMessagesList::LayOut()
+{
+    if (!timerUpdateList_)
+        return; // still being made
+    const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
+    const int wide = qMax(width(), pixels(LeastWidth));
+    const int high = qMax(height(), pixels(LeastHeight));
+    if (wide != width() || high != height()) {
+        resize(wide, high);
+        return;
+    }
+    const int overhang = pixels(ToolBarOverhang);
+    const int band = qMax(toolSearch_->sizeHint().height(), cmdNewMessage_->sizeHint().height()) + 2 * overhang;
+    toolSearch_->setGeometry(-overhang, -overhang, wide + 2 * overhang, band + overhang);
+    const QSize button = cmdNewMessage_->sizeHint();
+    cmdNewMessage_->setGeometry(wide - button.width(), (band - button.height()) / 2, button.width(), button.height());
+    cmdNewMessage_->raise();
+    LayOutFindBar();
+
+    const int paneHeight = high - band;
+    const int treeWidth = DisplayMessageList_ ? wide / 3 : wide;
+    tbsCategories_->setGeometry(0, band, treeWidth, paneHeight);
+    LayOutTree();
+    if (!DisplayMessageList_)
+        return;
+    const int left = treeWidth + pixels(PaneGap);
+    picMessages_->setGeometry(left, band, wide - left, paneHeight);
+    tbsMessages_->setGeometry(picMessages_->rect());
+    LayOutMessages();
+}
+
+void uMessagesList::LayOutFindBar()
+{
+    const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
+    toolSearch_->SetButtonWidth(FindHolder,
+                                toolSearch_->width() - toolSearch_->WidthOfOthers(FindHolder) - pixels(FindMargin));
+    const QRect place = toolSearch_->ButtonRect(FindHolder);
+    picFind_->setGeometry(place);
+    const int gap = pixels(ControlGap);
+    const QSize caption = lblFind_->sizeHint();
+    const int boxHeight = comboFind_->sizeHint().height();
+    lblFind_->setGeometry(gap, 0, caption.width(), place.height());
+    const int left = gap + caption.width() + gap;
+    // The button for a new message lies over the right end of the bar.
+    const int right = DisplayNewMessage_ ? cmdNewMessage_->x() - picFind_->mapTo(this, QPoint()).x() : place.width();
+    comboFind_->setGeometry(left, (place.height() - boxHeight) / 2, qMax(0, right - left - gap), boxHeight);
+}
+
+void uMessagesList::LayOutTree()
+{
+    const int margin = Twips::ToPixels(*this, PageMargin);
+    treeCategories_->setGeometry(tbsCategories_->Page().rect().adjusted(margin, margin, -margin, -margin));
+}
+
+/// The grid fills its page; the overlays lie over it below its header.
+void uMessagesList::LayOutMessages()
+{
+    const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
+    const int margin = pixels(PageMargin);
+    grdMessages_->setGeometry(tbsMessages_->Page().rect().adjusted(margin, margin, -margin, -margin));
+    SetGridColumnWidths();
+    const int offset = pixels(grdMessages_->RowHeight(0) + OverlayOffset);
+    const QRect grid = grdMessages_->geometry();
+    const QRect place(grid.left(), grid.top() + offset, grid.width(), grid.height() - offset + pixels(OverlayExcess));
+    picLoading_->setGeometry(place);
+    picNoMessages_->setGeometry(place);
+}

@@ -1,0 +1,108 @@
+// The query of the messages list: what UpdateDisplay asks the database for.
+
+#include "database/cTolvaDatabase.h"
+#include "messageslist/CategoryTreeFill.h"
+#include "messageslist/FindBox.h"
+#include "messageslist/MessagesListTexts.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/directory/clsKVUser.h"
+#include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/TabStrip.h"
+
+namespace
+{
+const QString SortOrderPreference = QStringLiteral("MessagesListSortOrder");
+
+/// Tabs that a host may add.
+enum Tab
+{
+    tabGeneral = 0,
+    tabPersonal = 1
+};
+
+bool IsAllMessages(const QString& text)
+{
+    return text.compare(MessagesListTexts::AllMessages, Qt::CaseInsensitive) == 0;
+}
+
+void Join(QString& condition, const QString& further)
+{
+    if (!condition.isEmpty())
+        condition += QStringLiteral(" AND ");
+    condition += further;
+}
+} // namespace
+
+void uMessagesList::ReadSortOrder()
+{
+    SortOrder_ = mlsoSent;
+    if (CurrentUser())
+        SortOrder_ = CurrentUser()->Preference(SortOrderPreference, mlsoSent).toInt();
+}
+
+uMessagesList::Query uMessagesList::MakeQuery()
+{
+    Query query;
+    ReadSortOrder();
+    if (SortOrder_ == mlsoSent)
+        query.Order = QStringLiteral(" ORDER BY [Sent] DESC, [Reference]");
+    else if (SortOrder_ == mlsoReceived)
+        query.Order = QStringLiteral(" ORDER BY [Received] DESC, [Reference]");
+
+    // The text goes in as it was typed: wildcards are the user's, and a double quote ends the pattern.
+    const QString find = TakeFindText();
+    if (!find.isEmpty())
+        Join(query.Condition, QStringLiteral("([Subject] LIKE \"*") + find + QStringLiteral("*\" )"));
+    const QString selected = treeCategories_->SelectedKey();
+    if (CurrentCategory_ > 0 && !selected.isEmpty())
+        Join(query.Condition, QStringLiteral("([Category]=%1) ").arg(CategoryOfKey(selected)));
+    const QString personal = PersonalCondition();
+    if (!personal.isEmpty())
+        Join(query.Condition, personal);
+    return query;
+}
+
+QString uMessagesList::PersonalCondition() const
+{
+    if (!CurrentUser())
+        return {};
+    const qint32 user = CurrentUser()->Reference();
+    switch (tbsMessages_->Tab()) {
+    case tabGeneral:
+        return QStringLiteral("([PersonalToContact]=0 or [PersonalToContact] is NULL or [PersonalToContact]=%1) ")
+            .arg(user);
+    case tabPersonal:
+        return QStringLiteral("[PersonalToContact]=%1 ").arg(user >= 1 ? user : -1);
+    default:
+        return {};
+    }
+}
+
+/// Puts the find text in order in its box and gives it; empty for all messages.
+QString uMessagesList::TakeFindText()
+{
+    comboFind_->SetText(comboFind_->Text().trimmed());
+    FindText_ = IsAllMessages(comboFind_->Text()) ? QString() : comboFind_->Text();
+    if (FindText_.isEmpty())
+        comboFind_->SetText(MessagesListTexts::AllMessages);
+    else
+        RememberFindText(FindText_);
+    return FindText_;
+}
+
+/// Each text once, as it was typed the first time.
+void uMessagesList::RememberFindText(const QString& text)
+{
+    const QString lower = text.toLower();
+    for (qsizetype i = 1; i < FindHistory_.size(); ++i) {
+        if (FindHistory_.at(i).toLower() == lower)
+            return;
+    }
+    FindHistory_.append(text);
+}
+
+void uMessagesList::ClearFind()
+{
+    comboFind_->SetText(MessagesListTexts::AllMessages);
+    UpdateDisplay();
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+/// Words and names that several sources of the messages list share.
+namespace MessagesListTexts
+{
+inline const QString AllMessages = QStringLiteral("<All Messages>");
+inline const QString CategoryPreference = QStringLiteral("SelectedMessageCategory");
+inline const QString MessageWord = QStringLiteral("!KVMessage");
+inline const QString CategoryWord = QStringLiteral("!KVMessageCategory");
+inline const QString ReferenceKey = QStringLiteral("Reference");
+} // namespace MessagesListTexts

@@ -1,0 +1,235 @@
+// The tree of folders in the messages list: choosing, renaming, making, deleting and emptying folders.
+
+#include "common/GeneralHelper.h"
+#include "database/cTolvaDatabase.h"
+#include "messageslist/CategoryTreeFill.h"
+#include "messageslist/MessagesListHandler.h"
+#include "messageslist/MessagesListTexts.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/directory/clsKVUser.h"
+#include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/DragData.h"
+#include "platform/widgets/Icons.h"
+#include "platform/widgets/Twips.h"
+
+#include <QCursor>
+#include <QKeyEvent>
+
+namespace
+{
+constexpr double DragThreshold = 5;
+
+bool Confirm(const QString& question)
+{
+    const MessageBoxRequest request{question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
+                                    MessageBoxAnswer::No};
+    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
+}
+
+void Warn(const QString& text)
+{
+    UserInterface::Current().MessageBox(
+        {text, QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
+}
+} // namespace
+
+void uMessagesList::UpdateCategories()
+{
+    if (!Initialised_ || !HasDatabase())
+        return;
+    FillTree(clsTolvaDatabase_->MessageCategories(), *treeCategories_, QStringLiteral("c"));
+    if (treeCategories_->SelectedKey().isEmpty())
+        SetCategory(CurrentCategory_);
+}
+
+void uMessagesList::TakeNodeClick(const QString& key)
+{
+    const auto category = static_cast<enTolvaMessageCategories>(CategoryOfKey(key));
+    if (category == CurrentCategory_)
+        return;
+    CurrentCategory_ = category;
+    if (CurrentUser())
+        CurrentUser()->SetPreference(MessagesListTexts::CategoryPreference, static_cast<qint32>(category));
+    const QPointer<uMessagesList> self(this);
+    const bool treeHadFocus = treeCategories_->hasFocus();
+    UpdateDisplay();
+    if (self && treeHadFocus && treeCategories_->isEnabled() && treeCategories_->SelectedKey() == key)
+        treeCategories_->setFocus();
+}
+
+void uMessagesList::TakeTreeKey(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_F5) {
+        event->accept();
+        Handle("treeCategories_KeyDown", [this] {
+            if (HasDatabase())
+                clsTolvaDatabase_->UpdateCategoryTree();
+            UpdateCategories();
+        });
+    } else if (event->key() == Qt::Key_F2) {
+        event->accept();
+        if (MayEditCategories())
+            treeCategories_->StartLabelEdit();
+    }
+}
+
+void uMessagesList::BeforeRename(bool& cancel)
+{
+    const QString key = treeCategories_->SelectedKey();
+    cancel = key.isEmpty() || treeCategories_->ParentKey(key).isEmpty();
+}
+
+void uMessagesList::Rename(bool& cancel, const QString& newText)
+{
+    if (newText.isEmpty()) {
+        cancel = true;
+        return;
+    }
+    cancel = true; // until it is stored
+    Handle("treeCategories_AfterLabelEdit", [&] {
+        const auto category = StoredCategory(CategoryOfKey(treeCategories_->SelectedKey()));
+        if (!category)
+            return;
+        category->SetDescription(newText);
+        if (clsTolvaDatabase_->SaveMessageCategory(*category, true)) {
+            clsTolvaDatabase_->UpdateCategoryTree();
+            cancel = false;
+        }
+    });
+}
+
+/// The folder as it is stored now, null when it is not there, on whatever computer it was deleted.
+std::unique_ptr<clsCategory> uMessagesList::StoredCategory(qint32 reference)
+{
+    if (!HasDatabase())
+        return nullptr;
+    clsTolvaDatabase_->UpdateCategoryTree();
+    if (!clsTolvaDatabase_->MessageCategories().FindCategory(reference))
+        return nullptr;
+    return clsTolvaDatabase_->GetMessageCategory(reference);
+}
+
+bool uMessagesList::MayEditCategories() const
+{
+    return clsTolvaDatabase_ && CurrentUser() && CurrentUser()->CanEditCategories();
+}
+
+bool uMessagesList::MayEditMessages() const
+{
+    return clsTolvaDatabase_ && CurrentUser() && CurrentUser()->CanEditMessages();
+}
+
+void uMessagesList::TakeTreeMouseDown(Qt::MouseButton button, const QPointF& twips)
+{
+    if (button == Qt::LeftButton)
+        TreeDragStart_ = twips;
+    else if (button == Qt::RightButton)
+        treeCategories_->SelectNode(treeCategories_->HitTest(twips));
+}
+
+void uMessagesList::TakeTreeMouseMove(Qt::MouseButtons buttons, const QPointF& twips)
+{
+    if ((buttons & Qt::LeftButton) == 0 || !(TreeDragStart_.x() > 0))
+        return;
+    const double threshold = DragThreshold * Twips::PerPixel(*treeCategories_);
+    if (GeneralHelper::PointsAreClose(TreeDragStart_.x(), TreeDragStart_.y(), twips.x(), twips.y(), threshold))
+        return;
+    const QString key = treeCategories_->HitTest(TreeDragStart_);
+    if (key.isEmpty())
+        return;
+    treeCategories_->SelectNode(key);
+    CurrentCategory_ = static_cast<enTolvaMessageCategories>(CategoryOfKey(key));
+    TreeDragStart_ = QPointF();
+    treeCategories_->EndMouseTracking();
+    if (MayEditCategories() && !treeCategories_->ParentKey(key).isEmpty() && CurrentCategory_ > 0)
+        StartTreeDrag();
+}
+
+void uMessagesList::TakeTreeMouseUp(Qt::MouseButton button)
+{
+    if (button == Qt::LeftButton)
+        TreeDragStart_ = QPointF();
+    else if (button == Qt::RightButton)
+        PopUpCategoryMenu(QCursor::pos());
+}
+
+void uMessagesList::StartTreeDrag()
+{
+    auto* dragged = new DragData; // the drag destroys it
+    dragged->SetText(QStringLiteral("%1 Reference=\"%2\"")
+                         .arg(MessagesListTexts::CategoryWord, treeCategories_->SelectedKey().mid(1)));
+    DragRunner::Run(*treeCategories_, dragged, Qt::CopyAction | Qt::MoveAction);
+}
+
+void uMessagesList::NewFolder()
+{
+    const QString selected = treeCategories_->SelectedKey();
+    if (selected.isEmpty() || !HasDatabase())
+        return;
+    auto added = std::make_unique<clsCategory>();
+    added->SetReference(static_cast<qint16>(clsTolvaDatabase_->LastMessageCategoryReference() + 1));
+    added->SetDescription(QStringLiteral("New Category"));
+    clsCategory& root = clsTolvaDatabase_->MessageCategories();
+    clsCategory* parent = CurrentCategory_ != 0 ? root.FindCategory(CurrentCategory_) : &root;
+    if (!parent)
+        return;
+    clsCategory& category = parent->AddSubCategory(std::move(added));
+    category.SetParentReference(CurrentCategory_);
+    if (!clsTolvaDatabase_->SaveMessageCategory(category, true))
+        return;
+    treeCategories_->Expand(selected);
+    const QString key = CategoryKey(category.Reference());
+    treeCategories_->AddNode(selected, key, category.Description(), Icons::Get(QStringLiteral("smallclosedfolder")),
+                             Icons::Get(QStringLiteral("smallopenfolder")));
+    treeCategories_->SortChildren(key);
+    treeCategories_->EnsureVisible(key);
+    treeCategories_->SelectNode(key);
+    TakeNodeClick(key);
+    treeCategories_->StartLabelEdit();
+}
+
+void uMessagesList::DeleteFolder()
+{
+    const QString selected = treeCategories_->SelectedKey();
+    if (selected.isEmpty())
+        return;
+    const QString parentKey = treeCategories_->ParentKey(selected);
+    const auto category = StoredCategory(CurrentCategory_);
+    if (!category)
+        return;
+    if (clsTolvaDatabase_->MessageCategories().SubCategoryCount() < 2 && category->ParentReference() == 0) {
+        Warn(QStringLiteral("You cannot delete this Category because there has to be at least one in the Database"));
+        return;
+    }
+    if (category->SubCategoryCount() >= 1) {
+        Warn(QStringLiteral("You cannot delete a Category unless it has no Sub-Categories"));
+        return;
+    }
+    const auto messages = clsTolvaDatabase_->OpenMessageRows(
+        {QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(static_cast<int>(CurrentCategory_)));
+    if (messages->RecordCount() != 0) {
+        Warn(QStringLiteral("You cannot delete a Category unless it is empty (i.e. no Messages)"));
+        return;
+    }
+    if (!Confirm(QStringLiteral("Are you sure you want to delete the Message's Category '%1'?")
+                     .arg(category->Description())))
+        return;
+    if (!clsTolvaDatabase_->DeleteMessageCategory(CurrentCategory_))
+        return;
+    if (CategoryOfKey(parentKey) > 0)
+        CurrentCategory_ = static_cast<enTolvaMessageCategories>(CategoryOfKey(parentKey));
+    UpdateCategories();
+    UpdateDisplay();
+}
+
+void uMessagesList::EmptyFolder()
+{
+    if (treeCategories_->SelectedKey().isEmpty())
+        return;
+    const auto category = StoredCategory(CurrentCategory_);
+    if (!category || !Confirm(QStringLiteral("Are you sure you want to delete all the Messages in the '%1' Category?")
+                                  .arg(category->Description())))
+        return;
+    clsTolvaDatabase_->DeleteMessagesOfCategory(CurrentCategory_);
+    UpdateDisplay();
+}

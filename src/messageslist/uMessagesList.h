@@ -1,0 +1,302 @@
+#pragma once
+
+#include "database/cTolvaDatabase.h"
+#include "platform/directory/clsKVDirectory.h"
+
+#include <QHash>
+#include <QIcon>
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
+#include <memory>
+
+class CategoryTreeView;
+class FindBox;
+class FlexGrid;
+class OverlayPanel;
+class PropertyBag;
+class QAction;
+class QLabel;
+class QMenu;
+class QMimeData;
+class QPushButton;
+class QTimer;
+class TabStrip;
+class ToolBar;
+
+/// Which date a list sorts by and shows; a user's preference.
+enum enMessagesListSortOrder : qint32
+{
+    mlsoSent = 0,
+    mlsoReceived = 1
+};
+
+/// The contact desk's messages: a tree of folders, a find bar and a grid of messages. A host places it on a form, sets
+/// TolvaDatabase and takes the events; it opens no editor by itself. It holds no message: a row shows one that was
+/// fetched, and every command fetches it anew. All on the user interface thread.
+///
+/// What other computers change shows within AutoUpdateInterval. While a long fill runs the window answers: the tree and
+/// the tabs wait, setting another Category abandons the fill.
+///
+/// Events meet their errors by handing them to UserInterface::RunTimeError with the handler's name ("uMessagesList.…")
+/// as their source; operations that a host calls throw them (dao::Error).
+class uMessagesList : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(bool PrintVisible READ PrintVisible WRITE SetPrintVisible)
+    Q_PROPERTY(qint32 BackColour READ BackColour WRITE SetBackColour)
+    Q_PROPERTY(bool DoubleHeightRows READ DoubleHeightRows WRITE SetDoubleHeightRows)
+    Q_PROPERTY(bool DisplayNewMessage READ DisplayNewMessage WRITE SetDisplayNewMessage)
+    Q_PROPERTY(bool DisplayMessageList READ DisplayMessageList WRITE SetDisplayMessageList)
+    Q_PROPERTY(bool AutoUpdate READ AutoUpdate WRITE SetAutoUpdate)
+    Q_PROPERTY(float AutoUpdateInterval READ AutoUpdateInterval WRITE SetAutoUpdateInterval)
+    Q_PROPERTY(QFont Font READ Font WRITE SetFont)
+
+public:
+    /// Ready for use, with the defaults of all properties.
+    explicit uMessagesList(QWidget* parent = nullptr);
+    ~uMessagesList() override;
+
+    cTolvaDatabase* TolvaDatabase() const { return clsTolvaDatabase_; }
+    /// The host owns the database and keeps it while it is set; null clears the list.
+    void SetTolvaDatabase(cTolvaDatabase* database);
+
+    /// Reads the list again. Does nothing without an open database and while it is busy.
+    void UpdateDisplay();
+    /// Draws the row of one message again, or all rows for 0, without a new query. False when there is no such row.
+    bool RefreshDisplay(qint32 messageReference = 0);
+    /// Fills the tree of folders again.
+    void UpdateCategories();
+    /// Back to the start view: the first find text, the first tab, the Inbox.
+    void ResetDisplay();
+    void ScrollToTop();
+    void ScrollToBottom();
+
+    /// The folder on show.
+    enTolvaMessageCategories Category() const { return CurrentCategory_; }
+    /// Shows another folder; one that is not in the tree is ignored.
+    void SetCategory(enTolvaMessageCategories category);
+    /// Of the selected message, 0 for none.
+    qint32 SelectedReference() const { return CurrentSelectedReference_; }
+    bool DoubleHeightRows() const { return DoubleHeightRows_; }
+    void SetDoubleHeightRows(bool twoLines);
+    bool DisplayNewMessage() const { return DisplayNewMessage_; }
+    void SetDisplayNewMessage(bool shown);
+    /// False leaves only the tree; the control then drives the host through its events alone.
+    bool DisplayMessageList() const { return DisplayMessageList_; }
+    void SetDisplayMessageList(bool shown);
+    bool PrintVisible() const { return PrintVisible_; }
+    void SetPrintVisible(bool shown);
+    bool AutoUpdate() const { return AutoUpdate_; }
+    void SetAutoUpdate(bool on);
+    /// Seconds, 0 to 60; others are limited. 0 stops the polling.
+    float AutoUpdateInterval() const;
+    void SetAutoUpdateInterval(float seconds);
+    /// Message rows.
+    qint32 NumberItems() const;
+    /// 32-bit colour.
+    qint32 BackColour() const { return BackColour_; }
+    void SetBackColour(qint32 colour);
+    /// Of the tree and the grid.
+    QFont Font() const { return font(); }
+    void SetFont(const QFont& font);
+
+    /// The defaults of a new instance on a form.
+    void InitProperties();
+    void ReadProperties(const PropertyBag& bag);
+    void WriteProperties(PropertyBag& bag) const;
+
+    /// The two popups, for a host that shows them in its menu bar too. Their entries bear their names (mnuOpen, …) and
+    /// are enabled afresh whenever the menu is about to show.
+    QMenu* MessageMenu() const { return mnuPopupMessage_; }
+    QMenu* CategoryMenu() const { return mnuPopupCategory_; }
+    /// The words that the subjects on show must hold; empty for all messages.
+    const QString& FindText() const { return FindText_; }
+    bool IsFiltered() const { return !FindText_.isEmpty(); }
+    /// Shows all messages again.
+    void ClearFind();
+    /// A fill is under way, and yields.
+    bool IsFilling() const { return Filling_; }
+
+Q_SIGNALS:
+    void NewMessage(const cMessagePtr& Message);
+    void OpenMessage(const cMessagePtr& Message);
+    /// Null when no message is selected.
+    void MessageSelected(const cMessagePtr& Message);
+    void PrintMessage(const cMessagePtr& Message);
+    /// The query's condition and order changed. What the host writes there is what marking all takes while the list is
+    /// hidden.
+    void UpdateDisplay(QString& SQLQuery);
+    /// A property changed by its setter; for the form that stores it.
+    void PropertyChanged(const QString& Key);
+    /// Rows filled so far, of all that the query found.
+    void FillProgress(int done, int total);
+    /// A dropped file holds no mail that could be filed.
+    void ImportRefused(const QString& FileName);
+    /// The rows on show are those of the database, as of now.
+    void DisplayUpdated();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    /// What UpdateDisplay makes its query of.
+    struct Query
+    {
+        QString Condition;
+        QString Order;
+    };
+
+    // Making and wiring; uMessagesList.cpp.
+    void ConnectDatabase();
+    void SetCurrentUser(clsKVUser* user);
+    clsKVUser* CurrentUser() const { return clsCurrentUser_; }
+    bool HasDatabase() const;
+    void TakeDatabaseEvent(const cMessagePtr& message);
+    void TakePreferencesChange(int flags, const QString& name);
+    template <typename Work>
+    void Handle(const char* handler, Work&& work);
+
+    // Properties.
+    void TellContainer(const QString& key);
+    void ApplyBackColour();
+    void ApplyNewMessageVisible();
+    void ApplyPrintVisible();
+    void ApplyTimer();
+
+    // The query; MessagesListQuery.cpp.
+    Query MakeQuery();
+    QString TakeFindText();
+    void RememberFindText(const QString& text);
+    QString PersonalCondition() const;
+    void ReadSortOrder();
+
+    // Filling; MessagesListFill.cpp.
+    void Fill(const Query& query, int& rowToRestore, qint32 referenceToRestore);
+    void FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore);
+    void RefreshAllRows();
+    void UpdateTrashImage();
+    void Tick();
+
+    // Rows; MessagesListRows.cpp.
+    void MakeGridHeader();
+    void SetGridColumnWidths();
+    void SetGridRowHeights();
+    void FillMessageRow(int row, const cMessagePtr& message);
+    void DrawSubject(int row, const cMessage& message, bool& isRead);
+    void UpdateRowBold(const cMessagePtr& message);
+    qint32 ReferenceOfRow(int row) const;
+    void SelectRow(int row);
+    void TakeCellChange();
+
+    // The grid's keys, mouse and drag; MessagesListGrid.cpp.
+    void TakeGridKey(QKeyEvent* event);
+    void TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips);
+    void TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips);
+    void TakeGridMouseUp(Qt::MouseButton button);
+    void StartGridDrag();
+    QStringList WritePromisedFile();
+
+    // The tree; MessagesListTree.cpp.
+    void TakeNodeClick(const QString& key);
+    void TakeTreeKey(QKeyEvent* event);
+    void TakeTreeMouseDown(Qt::MouseButton button, const QPointF& twips);
+    void TakeTreeMouseMove(Qt::MouseButtons buttons, const QPointF& twips);
+    void TakeTreeMouseUp(Qt::MouseButton button);
+    void StartTreeDrag();
+    void BeforeRename(bool& cancel);
+    void Rename(bool& cancel, const QString& newText);
+    void NewFolder();
+    void DeleteFolder();
+    void EmptyFolder();
+    std::unique_ptr<clsCategory> StoredCategory(qint32 reference);
+    bool MayEditCategories() const;
+    bool MayEditMessages() const;
+
+    // What is dragged to the tree; MessagesListDrop.cpp.
+    void TakeDragOver(const QMimeData& dragged, const QPointF& twips, Qt::DropAction& effect);
+    Qt::DropAction EffectOver(const QString& node, const QMimeData& dragged, Qt::DropAction proposed) const;
+    void TakeDrop(const QMimeData& dragged, Qt::DropAction& effect);
+    void DropMessage(const QString& text, const QString& node, Qt::DropAction& effect);
+    void DropCategory(const QString& text, const QString& node, Qt::DropAction& effect);
+    void DropFiles(const QStringList& files, const QString& node, Qt::DropAction& effect);
+
+    // Menus; MessagesListMenus.cpp.
+    void MakeMenus();
+    void MakeMessageMenu();
+    void MakeCategoryMenu();
+    void EnableMessageMenu();
+    void EnableCategoryMenu();
+    void PopUpMessageMenu(const QPoint& global);
+    void PopUpCategoryMenu(const QPoint& global);
+    QAction* Entry(const char* name) const;
+
+    // Commands; MessagesListCommands.cpp.
+    cMessagePtr SelectedMessage() const;
+    void NewMessageCommand();
+    void OpenCommand();
+    void PrintCommand();
+    void ReplyCommand();
+    void ForwardCommand();
+    void CopyCommand();
+    void ExportCommand();
+    void DeleteCommand();
+    void MarkCommand(bool read);
+    void MarkAllCommand(bool read);
+    void MarkAllRows(bool read);
+    void MarkAllOfQuery(bool read);
+
+    // The controls and their layout; MessagesListLayout.cpp.
+    void MakeControls();
+    void ConnectControls();
+    void ConnectGrid();
+    void ConnectTree();
+    void LayOut();
+    void LayOutFindBar();
+    void LayOutTree();
+    void LayOutMessages();
+
+    bool Initialised_ = false;
+    bool DisplayBusy_ = false;
+    bool Filling_ = false;
+    Date LastChangedStamp_;
+    QPointF GridDragStart_; ///< Twips; none for x 0.
+    QPointF TreeDragStart_;
+    bool DoubleHeightRows_ = true;
+    qint32 BackColour_ = 0;
+    bool DisplayNewMessage_ = true;
+    bool DisplayMessageList_ = true;
+    bool PrintVisible_ = true;
+    qint32 SortOrder_ = mlsoSent;
+    enTolvaMessageCategories CurrentCategory_ = static_cast<enTolvaMessageCategories>(0);
+    qint32 CurrentSelectedReference_ = 0;
+    bool GridDragging_ = false;
+    bool AutoUpdate_ = true;
+    QString CurrentQuery_;
+    QString FindText_;        ///< Of the query on show.
+    QStringList FindHistory_; ///< From index 1; element 0 is empty.
+    QHash<qint32, int> RowOfReference_;
+    QPointer<cTolvaDatabase> clsTolvaDatabase_;
+    QPointer<clsKVUser> clsCurrentUser_;
+    QStringList PromisedFiles_; ///< Written for drags; removed with the control.
+
+    QIcon HeadPicture_;
+
+    ToolBar* toolSearch_;
+    QWidget* picFind_;
+    QLabel* lblFind_;
+    FindBox* comboFind_;
+    QPushButton* cmdNewMessage_;
+    TabStrip* tbsCategories_;
+    CategoryTreeView* treeCategories_;
+    QWidget* picMessages_;
+    TabStrip* tbsMessages_;
+    FlexGrid* grdMessages_;
+    OverlayPanel* picLoading_;
+    OverlayPanel* picNoMessages_;
+    QTimer* timerUpdateList_ = nullptr; ///< The last of the controls.
+    QMenu* mnuPopupMessage_;
+    QMenu* mnuPopupCategory_;
+};

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "DeskStation.h"
+#include "support/ScriptedRegistry.h"
+#include "support/ScriptedUserInterface.h"
+
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+/// Runs the event loop until the condition holds; false after five seconds.
+bool WaitUntil(const std::function<bool()>& condition, int milliseconds = 5000);
+
+/// Presses a button of the next modal box, by its text without the mnemonic. Fails the test when no such box comes up
+/// while this object lives.
+class BoxAnswer
+{
+public:
+    explicit BoxAnswer(const QString& button);
+    ~BoxAnswer();
+    BoxAnswer(const BoxAnswer&) = delete;
+    BoxAnswer& operator=(const BoxAnswer&) = delete;
+
+    bool HasCome() const { return HasCome_; }
+    /// What the box said.
+    const QString& Text() const { return Text_; }
+    const QString& Details() const { return Details_; }
+
+private:
+    void Look();
+
+    QString Button_;
+    QString Text_;
+    QString Details_;
+    bool HasCome_ = false;
+    QTimer Timer_;
+};
+
+/// A station of its own in a folder of its own, open for its technician, and the program tolva as the other computer.
+class DeskTest : public testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    QString Folder() const { return Path(QStringLiteral("station")); }
+    QString Path(const QString& name) const { return Temporary_.filePath(name); }
+    /// Writes a file into the temporary folder; its path.
+    QString Write(const QString& name, const QByteArray& octets) const;
+    static QByteArray Read(const QString& path);
+    static QByteArray Sample(const char* name);
+
+    /// Files a mail on this computer.
+    qint32 FileMail(const QByteArray& octets, enTolvaMessageCategories category = tmcInbox, qint32 flags = 0);
+    static QByteArray Mail(const QByteArray& subject, const QByteArray& body = "Hello.\r\n",
+                           const QByteArray& from = "Loveday Tregenza <loveday@example.org>");
+    /// Runs "tolva COMMAND STATION WORDS..." as the other computer; it must succeed. Its output.
+    QByteArray OtherComputer(const char* command, const QStringList& words = {}) const;
+    /// Adds a user with these rights to the directory.
+    void AddUser(const QString& name, int rights);
+    /// References of the messages in a folder, oldest first.
+    QList<qint32> MessagesIn(enTolvaMessageCategories category);
+
+    QTemporaryDir Temporary_{QFileInfo(QStringLiteral("/dev/shm")).isWritable()
+                                 ? QStringLiteral("/dev/shm/tolva-desk-XXXXXX")
+                                 : QDir::tempPath() + QStringLiteral("/tolva-desk-XXXXXX")};
+    ScriptedUserInterface Ui;
+    ScriptedRegistry Machine;
+    DeskStation Station;
+};
