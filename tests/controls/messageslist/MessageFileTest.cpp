@@ -91,12 +91,11 @@ TEST_F(MessageFileTest, TheHeaderFieldsOfTheMailAreTaken)
 {
     const cMessagePtr read = LoadMessageFromEml(
         Write(QStringLiteral("a.eml"), "From: Ann <ann@example.com>\nSubject: =?utf-8?Q?Gr=C3=BC=C3=9Fe?=\n"
-                                       "Date: Sat, 21 Nov 2026 10:00:00 +0000\nX-Priority: 1\n\nHello\n"));
+                                       "Date: Sat, 21 Nov 2026 10:00:00 +0000\n\nHello\n"));
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(read->CDOMessage()->Subject(), QStringLiteral("Grüße"));
     EXPECT_EQ(read->CDOMessage()->From(), QStringLiteral("Ann <ann@example.com>"));
     EXPECT_EQ(read->SentString(), QStringLiteral("21/11/2026 10:00:00"));
-    EXPECT_EQ(read->Priority(), 1);
 }
 
 TEST_F(MessageFileTest, WhatIsNoFileOrNoMailGivesNothing)
