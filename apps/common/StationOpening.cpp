@@ -1,5 +1,6 @@
 #include "StationOpening.h"
 
+#include "ChangeAnnouncement.h"
 #include "CollectingUserInterface.h"
 #include "StationPlace.h"
 #include "platform/records/DBEngine.h"
@@ -54,6 +55,7 @@ void StationOpening::Open(cTolvaDatabase& database, const QString& folder, Colle
     const QStringList problems = userInterface.TakeProblems();
     if (result != 0)
         Fail(folder, result, problems);
+    AnnounceDeletions(database);
 }
 
 Failure StationOpening::FailureOf(const QString& folder, int errorNumber, const QString& description)

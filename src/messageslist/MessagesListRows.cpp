@@ -64,8 +64,6 @@ void uMessagesList::MakeGridHeader()
         grdMessages_->SetTextMatrix(0, column, QLatin1String(captions[column]));
         grdMessages_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
     }
-    grdMessages_->SetColWidth(colDate, DateWidth);
-    grdMessages_->SetColWidth(colDateSerial, DateSerialWidth);
     HeadPicture_ = Icons::Get(QStringLiteral("head"));
     grdMessages_->setToolTip(QStringLiteral("Messages with a Head icon are personal"));
     grdMessages_->SetRedraw(true);
@@ -85,7 +83,9 @@ void uMessagesList::SetGridColumnWidths()
         grdMessages_->SetColWidth(colSubject, SubjectWidthBesideFrom);
         grdMessages_->SetColWidth(colFrom, std::max(0.0, width - GridMargin - HeadWidth - SubjectWidthBesideFrom));
     }
-    // Two lines show the date under the subject, so nothing is left to scroll to.
+    // Two lines show the date under the subject: nothing is left to scroll to, and no sliver of a column to show.
+    grdMessages_->SetColWidth(colDate, DoubleHeightRows_ ? 0 : DateWidth);
+    grdMessages_->SetColWidth(colDateSerial, DoubleHeightRows_ ? 0 : DateSerialWidth);
     grdMessages_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 }
 

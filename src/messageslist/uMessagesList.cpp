@@ -176,7 +176,7 @@ void uMessagesList::SetDoubleHeightRows(bool twoLines)
     DoubleHeightRows_ = twoLines;
     grdMessages_->setWordWrap(twoLines);
     SetGridRowHeights();
-    SetGridColumnWidths();
+    LayOutMessages();
     UpdateDisplay();
     TellContainer(Key::DoubleHeightRows);
 }
@@ -285,6 +285,8 @@ void uMessagesList::SetFont(const QFont& font)
     setFont(font);
     treeCategories_->setFont(font);
     grdMessages_->setFont(font);
+    SetGridRowHeights();
+    LayOut();
     TellContainer(Key::Font);
 }
 

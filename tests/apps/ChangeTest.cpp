@@ -41,6 +41,21 @@ TEST_F(ChangeTest, ACopyIsASecondMessageWithTheSameMail)
     EXPECT_EQ(Expect("show", {copy, QStringLiteral("--raw")}), Mail("A card"));
 }
 
+TEST_F(ChangeTest, OtherComputersLearnOfMovesAndDeletions)
+{
+    const QString reference = FileMail(Mail("A card"));
+    const auto stamp = [this] { return Expect("setting", {QStringLiteral("Messages.LastChanged")}); };
+    const QByteArray filed = stamp();
+    Expect("move", {reference, QStringLiteral("Saved")});
+    const QByteArray moved = stamp();
+    EXPECT_NE(moved, filed);
+    Expect("delete", {reference});
+    const QByteArray deleted = stamp();
+    EXPECT_NE(deleted, moved);
+    Expect("delete", {reference, QStringLiteral("--permanently")});
+    EXPECT_NE(stamp(), deleted);
+}
+
 TEST_F(ChangeTest, DeletingMovesToDeletedItemsWhereTheMessageStays)
 {
     const QString reference = FileMail(Mail("A card"));

@@ -97,7 +97,8 @@ std::optional<quint32> ReadComponents(QStringView text)
         if (i == 3 && number <= 0)
             return std::nullopt;
         if (i < 3)
-            colour = colour << 8 | static_cast<quint32>(std::clamp(isPercentage ? number * 2.55 : number, 0.0, 255.0));
+            colour = colour << 8 |
+                     static_cast<quint32>(qRound(std::clamp(isPercentage ? number * 2.55 : number, 0.0, 255.0)));
     }
     return colour;
 }

@@ -103,7 +103,7 @@ void PageWriter::CountAttributes(const GumboInternalNode* node)
         const QByteArrayView name(attribute->name);
         if (name.startsWith("on") || name == "formaction" || name == "srcdoc")
             ++Page_->ActiveContent;
-        else if (name == "background" || name == "poster" || name == "dynsrc" || name == "lowsrc")
+        else if (name == "background" || name == "poster" || name == "dynsrc" || name == "lowsrc" || name == "srcset")
             ++Page_->RemoteContent;
     }
 }

@@ -86,7 +86,8 @@ TextLink MailAddressAt(const QString& text, qsizetype at, qsizetype first)
     return link.Kind == LinkKind::Safe ? TextLink{begin, end - begin, link.Address} : TextLink{};
 }
 
-TextLink WebAddressAt(const QString& text, qsizetype begin)
+/// scanned: as far as there is no use in looking again.
+TextLink WebAddressAt(const QString& text, qsizetype begin, qsizetype* scanned)
 {
     const bool isBare = StartsAt(text, begin, QLatin1String("www."));
     const bool isWeb =
@@ -94,6 +95,7 @@ TextLink WebAddressAt(const QString& text, qsizetype begin)
     if (!isWeb && !StartsAt(text, begin, QLatin1String("mailto:")))
         return {};
     const qsizetype end = EndOfAddress(text, begin);
+    *scanned = end;
     const QString address = text.mid(begin, end - begin);
     if (isBare && address.count(u'.') < 2)
         return {};
@@ -108,6 +110,7 @@ QList<TextLink> FindLinks(const QString& text)
 {
     QList<TextLink> links;
     qsizetype done = 0;
+    qsizetype scanned = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t character = text.at(i).unicode();
         TextLink link;
@@ -115,8 +118,8 @@ QList<TextLink> FindLinks(const QString& text)
             link = MailAddressAt(text, i, done);
         } else if (character == u'h' || character == u'H' || character == u'm' || character == u'M' ||
                    character == u'w' || character == u'W') {
-            if (i == 0 || !text.at(i - 1).isLetterOrNumber())
-                link = WebAddressAt(text, i);
+            if (i >= scanned && (i == 0 || !text.at(i - 1).isLetterOrNumber()))
+                link = WebAddressAt(text, i, &scanned);
         }
         if (link.Length == 0)
             continue;
