@@ -102,6 +102,10 @@ public:
 
     bool Go(bool withLarge)
     {
+        // A manual is read on other screens than the one it was made on.
+        QFont font = QApplication::font();
+        font.setStyleStrategy(QFont::NoSubpixelAntialias);
+        QApplication::setFont(font);
         Appearance::Apply(QStringLiteral("light"));
         if (!Desk_.OpenStation(Folder_, StationPlace::DefaultUserName()))
             return false;
@@ -140,7 +144,7 @@ private:
         picture.fill(widget.palette().color(QPalette::Window));
         widget.render(&picture);
         const QString file = QDir(Pictures_).filePath(QLatin1String(name) + QStringLiteral(".png"));
-        if (picture.save(file)) {
+        if (picture.toImage().convertToFormat(QImage::Format_RGB32).save(file)) {
             std::printf("%s\n", qPrintable(file));
         } else {
             std::fprintf(stderr, "%s could not be saved.\n", qPrintable(file));
@@ -288,6 +292,7 @@ private:
         Go(tmcInbox);
         std::fprintf(stderr, "Shown after %.1f seconds.\n", static_cast<double>(timer.elapsed()) / 1000);
         Select(Grid().Rows() / 2);
+        Grid().SetTopRow(Grid().Rows() / 2 - 3);
         Save(Window(), "desk-100000");
     }
 
