@@ -110,6 +110,7 @@ public:
         if (!Desk_.OpenStation(Folder_, StationPlace::DefaultUserName()))
             return false;
         Window().resize(WindowSize);
+        Wait([this] { return Window().List().TolvaDatabase() && !Window().List().IsFilling(); });
         const int unusual = UnusualMessages::FileInto(Window().Station().Database());
         Window().List().UpdateCategories();
         Inbox();
