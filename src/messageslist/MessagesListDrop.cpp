@@ -57,7 +57,7 @@ Qt::DropAction uMessagesList::EffectOver(const QString& node, const QMimeData& d
     if (node.isEmpty() || !clsTolvaDatabase_ || !CurrentUser())
         return Qt::IgnoreAction;
     const QString text = TextOf(dragged);
-    if (DragData::HasFiles(dragged) && !IsOwn(text)) {
+    if (!IsOwn(text) && DragData::HasFiles(dragged)) {
         if (!MayEditMessages())
             return Qt::IgnoreAction;
         const QStringList files = DragData::Files(dragged);
