@@ -11,6 +11,7 @@
 #include "platform/widgets/DragData.h"
 
 #include <QFileInfo>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -76,18 +77,23 @@ Qt::DropAction uMessagesList::EffectOver(const QString& node, const QMimeData& d
 void uMessagesList::TakeDrop(const QMimeData& dragged, Qt::DropAction& effect)
 {
     effect = Qt::IgnoreAction;
+    // After an error too.
+    const QPointer<CategoryTreeView> tree(treeCategories_);
+    const auto finish = qScopeGuard([tree] {
+        if (tree)
+            tree->SetDropHighlight(QString());
+    });
     const QString node = treeCategories_->DropHighlight();
-    if (!node.isEmpty() && HasDatabase() && CurrentUser()) {
-        const QString text = TextOf(dragged);
-        const QString word = FirstWord(text);
-        if (word == MessagesListTexts::MessageWord)
-            DropMessage(text, node, effect);
-        else if (word == MessagesListTexts::CategoryWord)
-            DropCategory(text, node, effect);
-        else if (DragData::HasFiles(dragged) && MayEditMessages())
-            DropFiles(DragData::Files(dragged), node, effect);
-    }
-    treeCategories_->SetDropHighlight(QString());
+    if (node.isEmpty() || !HasDatabase() || !CurrentUser())
+        return;
+    const QString text = TextOf(dragged);
+    const QString word = FirstWord(text);
+    if (word == MessagesListTexts::MessageWord)
+        DropMessage(text, node, effect);
+    else if (word == MessagesListTexts::CategoryWord)
+        DropCategory(text, node, effect);
+    else if (DragData::HasFiles(dragged) && MayEditMessages())
+        DropFiles(DragData::Files(dragged), node, effect);
 }
 
 void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::DropAction& effect)
@@ -130,7 +136,6 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     const auto file = std::find_if(files.begin(), files.end(), IsMailFile);
     if (file == files.end() || CategoryOfKey(node) <= 0)
         return;
-    effect = Qt::CopyAction;
     if (const cMessagePtr message = LoadMessageFromEml(*file)) {
         message->SetReference(0);
         message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
@@ -138,6 +143,7 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     } else {
         Q_EMIT ImportRefused(*file);
     }
+    effect = Qt::CopyAction;
     treeCategories_->SelectNode(node);
     TakeNodeClick(node);
 }
