@@ -31,11 +31,12 @@ public:
     void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override
     {
         const QString text = qobject_cast<QLineEdit*>(editor)->text();
+        // What is told may rebuild the tree, and the node with it.
+        const QPersistentModelIndex node(index);
         bool cancel = false;
         Q_EMIT Tree_.AfterLabelEdit(cancel, text);
-        // What was told may have rebuilt the tree, and the node with it.
-        if (!cancel && index.isValid())
-            model->setData(index, text, Qt::EditRole);
+        if (!cancel && node.isValid())
+            model->setData(node, text, Qt::EditRole);
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
