@@ -205,15 +205,19 @@ void CategoryTreeView::EndMouseTracking()
 
 void CategoryTreeView::keyPressEvent(QKeyEvent* event)
 {
+    // What the editor of a label leaves over, such as its Enter, comes here as its parent.
+    if (IsEditingLabel())
+        return;
     event->ignore();
     Q_EMIT KeyDown(event);
     if (event->isAccepted())
         return;
     const QString before = SelectedKey();
     QTreeWidget::keyPressEvent(event);
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space)
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space) {
+        event->accept(); // or a dialog around the tree takes it for its default button
         ChooseSelected();
-    else if (SelectedKey() != before)
+    } else if (SelectedKey() != before)
         KeyRest_.start();
 }
 
