@@ -119,8 +119,8 @@ void uMessagesList::DropCategory(const QString& text, const QString& node, Qt::D
         return;
     const qint32 parent = CategoryOfKey(node);
     if (category->Reference() != parent) {
-        // Below a folder of its own the tree becomes a ring, which loading cuts. Storing the folders below with it would
-        // erase it there, as one that its new parent does not know.
+        // Below a folder of its own the tree becomes a ring, which loading cuts. Storing the folders below with it
+        // would erase it there, as one that its new parent does not know.
         const bool isRing = category->FindCategory(parent) != nullptr;
         category->SetParentReference(parent);
         clsTolvaDatabase_->SaveMessageCategory(*category, !isRing);

@@ -87,7 +87,7 @@ void uMessagesList::Rename(bool& cancel, const QString& newText)
     }
     cancel = true; // until it is stored
     Handle("treeCategories_AfterLabelEdit", [&] {
-        const auto category = StoredCategory(CategoryOfKey(treeCategories_->SelectedKey()));
+        const auto category = StoredCategory(CategoryOfKey(treeCategories_->EditedKey()));
         if (!category)
             return;
         category->SetDescription(newText);

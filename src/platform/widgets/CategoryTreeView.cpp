@@ -33,6 +33,7 @@ public:
         const QString text = qobject_cast<QLineEdit*>(editor)->text();
         // What is told may rebuild the tree, and the node with it.
         const QPersistentModelIndex node(index);
+        Tree_.EditedKey_ = index.data(KeyRole).toString();
         bool cancel = false;
         Q_EMIT Tree_.AfterLabelEdit(cancel, text);
         if (!cancel && node.isValid())
