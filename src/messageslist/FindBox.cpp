@@ -11,6 +11,9 @@ FindBox::FindBox(QWidget* parent) : QComboBox(parent)
     setMaxVisibleItems(20);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(4);
+    // Leaving the box with the text of an entry in it is no choice of that entry.
+    disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
+    disconnect(lineEdit(), &QLineEdit::returnPressed, this, nullptr);
     connect(this, &QComboBox::activated, this, &FindBox::Click);
 }
 

@@ -44,7 +44,9 @@ void uMessagesList::UpdateDisplay()
         const bool treeHadFocus = treeCategories_->hasFocus();
         setCursor(Qt::WaitCursor);
         DisplayBusy_ = true;
-        treeCategories_->setEnabled(false);
+        // A disabled tree would end the typing of a folder's name in the middle, and store the half of it.
+        if (!treeCategories_->IsEditingLabel())
+            treeCategories_->setEnabled(false);
         tbsMessages_->setEnabled(false);
         timerUpdateList_->stop();
         // A disabled tree loses the focus to a neighbour.

@@ -197,7 +197,7 @@ private:
     void TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips);
     void TakeGridMouseUp(Qt::MouseButton button);
     void StartGridDrag();
-    QStringList WritePromisedFile();
+    QStringList WritePromisedFile(qint32 reference);
 
     // The tree; MessagesListTree.cpp.
     void TakeNodeClick(const QString& key);
