@@ -20,6 +20,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <sqlite3.h>
+
 namespace
 {
 /// Does something with the next modal dialog of that name. Fails the test when none comes up while it lives.
@@ -179,6 +181,20 @@ TEST_F(DeskStartTest, ADamagedStationIsToldInWords)
             .arg(Folder(), file));
     EXPECT_FALSE(TheDesk->Start(Options(Folder())));
     EXPECT_EQ(Read(file), QByteArray(5000, 'x'));
+}
+
+TEST_F(DeskStartTest, ALockedStationIsToldInWordsAndOpensWhenItIsFree)
+{
+    Station.Close();
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(StationPlace::FileIn(Folder()).toUtf8().constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    Ui.ExpectWarning(
+        QStringLiteral("The station in %1 is locked by another computer or program. Try again in a moment.")
+            .arg(Folder()));
+    EXPECT_FALSE(TheDesk->Start(Options(Folder())));
+    sqlite3_close(other);
+    EXPECT_TRUE(TheDesk->Start(Options(Folder())));
 }
 
 TEST_F(DeskStartTest, AStationWithoutADirectoryIsToldInWords)

@@ -180,6 +180,26 @@ TEST_F(MainWindowTest, AMessageOnShowIsMarkedReadAndKeepsWhatElseChanged)
     EXPECT_TRUE(WaitUntil([this] { return Label("counts") == u"1 message, 0 unread"; }));
 }
 
+TEST_F(MainWindowTest, BeingMarkedAsReadDoesNotLoadTheMessageAgain)
+{
+    Station.Database().SetDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("lighthouse"),
+                                          QString());
+    Station.Database().ReadDatabaseSettings();
+    const qint32 reference = FileMail("From: a@b.org\r\nSubject: x\r\nDate: Fri, 20 Nov 2026 08:00:00 +0000\r\n"
+                                      "Content-Type: text/html\r\n\r\n<p>The lighthouse</p>");
+    OpenWindow();
+    Select(reference);
+    ASSERT_TRUE(WaitUntil([this] { return Window->Preview().IsLoaded(); }));
+    const auto* view = Window->findChild<uMessageBasic*>(QStringLiteral("viewer"));
+    const cMessagePtr shown = view->Message();
+    ASSERT_TRUE(WaitUntil([&] { return FlagsOf(reference) == mfRead; }));
+    ASSERT_NE(Station.Database().GetMessage(reference)->CDOMessage()->Octets(), shown->CDOMessage()->Octets());
+    List().UpdateDisplay();
+    EXPECT_NE(Window->Preview().Message()->Flags() & mfRead, 0);
+    EXPECT_TRUE(Window->Preview().IsLoaded());
+    EXPECT_EQ(view->Message(), shown);
+}
+
 TEST_F(MainWindowTest, AMessageThatIsPassedOverStaysUnread)
 {
     const qint32 first = FileMail(Mail("One"));
