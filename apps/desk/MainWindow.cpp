@@ -44,20 +44,6 @@ QString TimeNow()
 {
     return ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
 }
-
-/// What keeps the desk from its station, as somebody reads it who can only wait or call.
-QString ConnectionWords(int errorNumber)
-{
-    switch (errorNumber) {
-    case dao::errLocked:
-        return MainWindow::tr("The station is busy on another computer; trying again.");
-    case dao::errFileDamaged:
-    case dao::errUnrecognisedFormat:
-        return MainWindow::tr("The station's file is damaged. Please tell your technician; nothing is written to it.");
-    default:
-        return MainWindow::tr("The station's folder cannot be reached; trying again.");
-    }
-}
 } // namespace
 
 MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& settings)
@@ -194,14 +180,21 @@ void MainWindow::SaveSizes()
     Settings_.SetState(SplitterState, Splitter_->saveState());
 }
 
-/// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size.
+/// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size; and
+/// from the event loop, so that a long fill can be left by closing the window.
 void MainWindow::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);
-    if (List_->TolvaDatabase() || !Station_->Database().IsOpen())
+    if (!List_->TolvaDatabase())
+        QTimer::singleShot(0, this, &MainWindow::FillList);
+}
+
+void MainWindow::FillList()
+{
+    if (List_->TolvaDatabase() || !isVisible() || !Station_->Database().IsOpen())
         return;
-    Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
     FittedWidth_ = List_->width();
+    Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
@@ -237,6 +230,9 @@ void MainWindow::closeEvent(QCloseEvent* event)
         }
     }
     SaveSizes();
+    // Ends a fill that is under way.
+    WatchTimer_.stop();
+    Station_->Database().CloseTolvaDatabase();
     event->accept();
     Q_EMIT Closed();
 }
@@ -422,7 +418,7 @@ void MainWindow::ShowCounts()
         User_->setText(user ? user->Name() : QString());
         setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name()));
     } catch (const dao::Error& error) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
+        ShowConnectionProblem(error.Number());
     }
 }
 
@@ -439,67 +435,6 @@ void MainWindow::RefreshAll()
         List_->UpdateCategories();
         List_->UpdateDisplay();
     });
-}
-
-bool MainWindow::TakeRunTimeError(const dao::Error& error)
-{
-    const bool isOfList = error.Source().startsWith(QStringLiteral("uMessagesList."));
-    if (isOfList && error.Number() == dao::errTypeMismatch && error.Source().contains(QStringLiteral("Reply"))) {
-        Reply();
-        return true;
-    }
-    if (isOfList && error.Source().contains(QStringLiteral("timerUpdateList"))) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
-        return true;
-    }
-    return false;
-}
-
-void MainWindow::ShowConnectionProblem(const QString& words)
-{
-    Connection_->Show(words);
-}
-
-void MainWindow::WatchStation()
-{
-    // A file that was taken away is not seen through one that is open already.
-    if (!StationPlace::HoldsStation(Station_->Folder())) {
-        MustReopen_ = true;
-        ShowConnectionProblem(ConnectionWords(dao::errFileNotFound));
-        return;
-    }
-    if (MustReopen_) {
-        ReopenStation();
-        return;
-    }
-    if (Connection_->isHidden())
-        return;
-    try {
-        Station_->Database().OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
-        ShowConnectionProblem(QString());
-        List_->UpdateDisplay();
-    } catch (const dao::Error& error) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
-    }
-}
-
-/// The folder is back, and what lies in it now may be another file than the one that was open.
-void MainWindow::ReopenStation()
-{
-    const enTolvaMessageCategories category = List_->Category();
-    List_->SetTolvaDatabase(nullptr);
-    try {
-        Station_->Reopen();
-        MustReopen_ = false;
-        ShowConnectionProblem(QString());
-        List_->SetTolvaDatabase(&Station_->Database());
-        List_->SetCategory(category);
-        List_->UpdateDisplay();
-    } catch (const Failure& failure) {
-        ShowConnectionProblem(failure.Words());
-    } catch (const dao::Error& error) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
-    }
 }
 
 void MainWindow::FocusNextPane(bool backwards)

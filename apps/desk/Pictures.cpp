@@ -88,6 +88,13 @@ bool CopyFolder(const QString& from, const QString& to)
     return true;
 }
 
+/// The platform without a screen says of each window what it cannot do; nobody needs to read that.
+void ShowMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (!text.startsWith(QStringLiteral("This plugin does not support")))
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+}
+
 class Tour
 {
 public:
@@ -110,6 +117,7 @@ public:
         if (!Desk_.OpenStation(Folder_, StationPlace::DefaultUserName()))
             return false;
         Window().resize(WindowSize);
+        Wait([this] { return Window().List().TolvaDatabase() && !Window().List().IsFilling(); });
         const int unusual = UnusualMessages::FileInto(Window().Station().Database());
         Window().List().UpdateCategories();
         Inbox();
@@ -317,6 +325,7 @@ int Pictures::Take(const DeskOptions& options)
         std::fprintf(stderr, "tolva-desk: the pictures cannot be saved in %s.\n", qPrintable(pictures));
         return exitCannotCreate;
     }
+    qInstallMessageHandler(ShowMessage);
     TourUserInterface userInterface;
     try {
         Tour tour(station, pictures);

@@ -1,17 +1,23 @@
+#include "ComposeWindow.h"
 #include "Desk.h"
 #include "DeskTest.h"
+#include "DeskUserInterface.h"
 #include "MainWindow.h"
 #include "SignInDialog.h"
 #include "StartDialog.h"
 #include "StationMaking.h"
 #include "StationPlace.h"
+#include "UnusualMessages.h"
 #include "messageslist/uMessagesList.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QtTest>
 
 namespace
@@ -231,6 +237,39 @@ TEST_F(DeskStartTest, AnotherStationReplacesTheWindowAndAFailedOneDoesNot)
     EXPECT_NE(TheDesk->Window(), first);
     EXPECT_EQ(TheDesk->Window()->windowTitle(), QStringLiteral("Quay FM – Tolva"));
     EXPECT_EQ(Settings->RecentStations(), (QStringList{other, Folder()}));
+}
+
+TEST_F(DeskStartTest, ReplyInTheListsMenuOpensTheDesksReplyAndNoErrorBox)
+{
+    FileMail(Mail("Lighthouse"));
+    DeskUserInterface userInterface;
+    Desk desk(*Settings, &userInterface);
+    ASSERT_TRUE(desk.Start(Options(Folder())));
+    uMessagesList& list = desk.Window()->List();
+    ASSERT_TRUE(WaitUntil([&] { return list.SelectedReference() != 0; }));
+    Q_EMIT list.MessageMenu()->aboutToShow();
+    list.findChild<QAction*>(QStringLiteral("mnuReplyMessage"))->trigger();
+    ASSERT_EQ(desk.Window()->ComposeWindows().size(), 1);
+    EXPECT_EQ(desk.Window()->ComposeWindows().first()->Current().Subject, QStringLiteral("RE: Lighthouse"));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_TRUE(desk.Window()->close());
+}
+
+TEST_F(DeskStartTest, TheWindowCanBeClosedWhileALongListFills)
+{
+    UnusualMessages::FileMany(Station.Database(), 3000);
+    DeskUserInterface userInterface;
+    Desk desk(*Settings, &userInterface);
+    QSignalSpy finished(&desk, &Desk::Finished);
+    ASSERT_TRUE(desk.Start(Options(Folder())));
+    int filled = 0;
+    QObject::connect(&desk.Window()->List(), &uMessagesList::FillProgress, &desk, [&](int done, int) {
+        filled = done;
+        if (done > 100)
+            desk.Window()->close();
+    });
+    ASSERT_TRUE(WaitUntil([&] { return finished.size() == 1; }));
+    EXPECT_LT(filled, 3000);
 }
 
 TEST(DeskOptionsTest, TheCommandLineIsUnderstood)

@@ -54,7 +54,7 @@ protected:
         Window->show();
         Window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
-        ASSERT_TRUE(WaitUntil([this] { return !Window->List().IsFilling(); }));
+        ASSERT_TRUE(WaitUntil([this] { return Window->List().TolvaDatabase() && !Window->List().IsFilling(); }));
     }
     void CloseWindow()
     {
