@@ -3,6 +3,11 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+namespace
+{
+constexpr int TypingRestMilliseconds = 5000;
+}
+
 FindBox::FindBox(QWidget* parent) : QComboBox(parent)
 {
     setEditable(true);
@@ -15,6 +20,12 @@ FindBox::FindBox(QWidget* parent) : QComboBox(parent)
     disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     disconnect(lineEdit(), &QLineEdit::returnPressed, this, nullptr);
     connect(this, &QComboBox::activated, this, &FindBox::Click);
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { SinceTyped_.start(); });
+}
+
+bool FindBox::IsBeingTyped() const
+{
+    return hasFocus() && SinceTyped_.isValid() && SinceTyped_.elapsed() < TypingRestMilliseconds;
 }
 
 void FindBox::SetEntries(const QStringList& entries)
@@ -35,6 +46,7 @@ void FindBox::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->text() == QLatin1String("+")) {
         event->accept();
+        SinceTyped_.invalidate();
         Q_EMIT Click();
         return;
     }

@@ -200,8 +200,9 @@ void uMessagesList::RefreshAllRows()
 
 void uMessagesList::Tick()
 {
-    // A fill would end the typing of a folder's name in the middle.
-    if (!HasDatabase() || treeCategories_->IsEditingLabel())
+    // A fill would end the typing of a folder's name in the middle, take half a find text and select it under the
+    // typing hand. It comes with the tick behind.
+    if (!HasDatabase() || treeCategories_->IsEditingLabel() || comboFind_->IsBeingTyped())
         return;
     const Date stamp = clsTolvaDatabase_->LastMessageChanged();
     if (stamp.IsNone()) {
