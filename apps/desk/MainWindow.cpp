@@ -3,6 +3,7 @@
 #include "MainWindow.h"
 
 #include "AttachmentList.h"
+#include "ChangeAnnouncement.h"
 #include "ComposeWindow.h"
 #include "DeskSettings.h"
 #include "Failure.h"
@@ -23,6 +24,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabBar>
@@ -43,6 +45,12 @@ const QString SplitterState = QStringLiteral("MainWindow/Splitter");
 QString TimeNow()
 {
     return ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
+}
+
+/// A query of the list without its order.
+QString ConditionOf(const QString& query)
+{
+    return query.left(query.lastIndexOf(QStringLiteral(" ORDER BY "))).trimmed();
 }
 } // namespace
 
@@ -148,6 +156,16 @@ void MainWindow::AddTabs()
 
 void MainWindow::ConnectList()
 {
+    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this,
+            [this](const QString& query) { ListCondition_ = ConditionOf(query); });
+    // Emptying a folder works on the table alone; other desks are to see it.
+    connect(List_->CategoryMenu()->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
+            [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
+    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this,
+            [this](const QString& query) { ListCondition_ = ConditionOf(query); });
+    // Emptying a folder works on the table alone; other desks are to see it.
+    connect(List_->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
+            [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
     connect(List_, &uMessagesList::MessageSelected, this, &MainWindow::TakeSelection);
     connect(List_, &uMessagesList::NewMessage, this,
             [this](const cMessagePtr& message) { Run([&] { TakeNewMessage(message); }); });
@@ -405,9 +423,10 @@ void MainWindow::ShowCounts()
         return;
     try {
         // Odd numbers are read: the lowest bit of the flags says so.
-        const auto unread = Station_->Database().OpenMessageRows(
-            {QStringLiteral("Reference")},
-            QStringLiteral("[Category]=%1 AND [Flags] IN (0,2,4,6)").arg(List_->Category()));
+        QString condition = ListCondition_;
+        condition += condition.isEmpty() ? QString() : QStringLiteral(" AND ");
+        const auto unread = Station_->Database().OpenMessageRows({QStringLiteral("Reference")},
+                                                                 condition + QStringLiteral("[Flags] IN (0,2,4,6)"));
         const QLocale locale;
         const int all = List_->NumberItems();
         const QString messages = all == 1 ? tr("1 message") : tr("%1 messages").arg(locale.toString(all));

@@ -122,6 +122,7 @@ private:
     QTimer WatchTimer_;
     QTimer FitTimer_;
     int FittedWidth_ = 0;
+    QString ListCondition_; ///< Of the rows on show.
     bool MustReopen_ = false;
     QList<QPointer<QMainWindow>> Windows_;
 };

@@ -72,7 +72,7 @@ void uMessagesList::UpdateDisplay()
         Q_EMIT UpdateDisplay(CurrentQuery_);
         if (!self || !HasDatabase())
             return;
-        if (DisplayMessageList_)
+        if (DisplayMessageList_ && !RowsFollow_)
             Fill(query, rowToRestore, referenceToRestore);
         if (!self || !HasDatabase())
             return;

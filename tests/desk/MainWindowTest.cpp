@@ -125,6 +125,44 @@ TEST_F(MainWindowTest, TheStatusBarCountsTheFolder)
     EXPECT_TRUE(WaitUntil([this] { return Label("counts") == u"0 messages, 0 unread"; }));
 }
 
+TEST_F(MainWindowTest, TheCountsLeaveOutWhatIsPersonalToOthers)
+{
+    FileMail(Mail("For all"));
+    const qint32 reference = FileMail(Mail("For somebody else"));
+    const cMessagePtr personal = Station.Database().GetMessage(reference);
+    personal->SetPersonalToContact(4711);
+    ASSERT_TRUE(Station.Database().SaveMessage(personal));
+    OpenWindow();
+    EXPECT_TRUE(WaitUntil([this] { return Label("counts") == u"1 message, 1 unread"; }))
+        << Label("counts").toStdString();
+}
+
+TEST_F(MainWindowTest, OtherDesksHearOfAnEmptiedFolder)
+{
+    FileMail(Mail("Old"), tmcDeleted);
+    OpenWindow();
+    Key(Qt::Key_5, Qt::ControlModifier);
+    ASSERT_EQ(List().Category(), tmcDeleted);
+    const Date stamp = Station.Database().LastMessageChanged();
+    Ui.ExpectConfirmation(QStringLiteral("Are you sure you want to delete all the Messages in the 'Deleted Items' "
+                                         "Category?"),
+                          MessageBoxAnswer::Yes);
+    List().findChild<QAction*>(QStringLiteral("mnuEmpty"))->trigger();
+    EXPECT_TRUE(MessagesIn(tmcDeleted).isEmpty());
+    EXPECT_NE(Station.Database().LastMessageChanged(), stamp);
+}
+
+TEST_F(MainWindowTest, OtherDesksHearOfADeletedMessage)
+{
+    const qint32 reference = FileMail(Mail("One"));
+    OpenWindow();
+    Select(reference);
+    const Date stamp = Station.Database().LastMessageChanged();
+    QTest::keyClick(&Grid(), Qt::Key_Delete);
+    EXPECT_EQ(MessagesIn(tmcDeleted), QList<qint32>{reference});
+    EXPECT_NE(Station.Database().LastMessageChanged(), stamp);
+}
+
 TEST_F(MainWindowTest, AMailFiledByTheOtherComputerShowsWithinSeconds)
 {
     OpenWindow();
@@ -180,7 +218,7 @@ TEST_F(MainWindowTest, AMessageOnShowIsMarkedReadAndKeepsWhatElseChanged)
     EXPECT_TRUE(WaitUntil([this] { return Label("counts") == u"1 message, 0 unread"; }));
 }
 
-TEST_F(MainWindowTest, BeingMarkedAsReadDoesNotLoadTheMessageAgain)
+TEST_F(MainWindowTest, BeingMarkedAsReadNeitherChangesTheMailNorLoadsItAgain)
 {
     Station.Database().SetDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("lighthouse"),
                                           QString());
@@ -193,7 +231,8 @@ TEST_F(MainWindowTest, BeingMarkedAsReadDoesNotLoadTheMessageAgain)
     const auto* view = Window->findChild<uMessageBasic*>(QStringLiteral("viewer"));
     const cMessagePtr shown = view->Message();
     ASSERT_TRUE(WaitUntil([&] { return FlagsOf(reference) == mfRead; }));
-    ASSERT_NE(Station.Database().GetMessage(reference)->CDOMessage()->Octets(), shown->CDOMessage()->Octets());
+    EXPECT_EQ(Station.Database().GetMessage(reference)->CDOMessage()->Octets(), shown->CDOMessage()->Octets())
+        << "reading is no change of the mail";
     List().UpdateDisplay();
     EXPECT_NE(Window->Preview().Message()->Flags() & mfRead, 0);
     EXPECT_TRUE(Window->Preview().IsLoaded());
