@@ -31,7 +31,8 @@ Failure WhyNoBackup(Station& station)
     const int number = station.Database().LastErrorNumber();
     if (number == dao::errCancelled)
         return Failure(exitInterrupted, QStringLiteral("Ended early by Ctrl-C; no backup was made."));
-    if (number != 0)
+    // The path is that of the backup's folder, which could not be made.
+    if (number != 0 && number != dao::errNotAValidPath)
         return station.FailureOfStation(number, station.Database().LastErrorDescription());
     return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.")
                                         .arg(BackupFolders::RootOf(StationPlace::FileIn(station.Folder()))));
