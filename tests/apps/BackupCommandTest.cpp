@@ -199,7 +199,8 @@ TEST_F(BackupCommandTest, BackupsUnderLoadOpenAndAreSound)
     }
     EXPECT_GT(last, 40) << "nobody wrote meanwhile";
     for (QProcess& writer : writers) {
-        EXPECT_FALSE(writer.waitForFinished(0)) << writer.exitCode() << writer.readAllStandardError().constData() << writer.readAllStandardOutput().constData();
+        EXPECT_FALSE(writer.waitForFinished(0)) << writer.exitCode() << writer.readAllStandardError().constData()
+                                                << writer.readAllStandardOutput().constData();
         ::kill(static_cast<pid_t>(writer.processId()), SIGINT);
         EXPECT_TRUE(writer.waitForFinished());
     }
@@ -304,7 +305,7 @@ protected:
             const int code = RunFaulty(command, number, calls);
             if (code != -1 && calls < number) {
                 EXPECT_EQ(code, 0);
-                EXPECT_GT(failures, 15);
+                EXPECT_GT(failures, 5); // those of a restore, which has the fewest
                 return;
             }
             ++failures;
