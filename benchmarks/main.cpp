@@ -4,17 +4,14 @@
 #include "Measure.h"
 #include "Subjects.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include <cstdio>
 
 int main(int argc, char** argv)
 {
-    // The list is drawn, but nobody needs to look.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     const qsizetype writer = application.arguments().indexOf(QStringLiteral("--writer"));
     if (writer > 0)
         return WriteUntilTold(application.arguments().value(writer + 1));
@@ -41,7 +38,6 @@ int main(int argc, char** argv)
     BenchSaving(folder.filePath(QStringLiteral("saving")), quick ? 3 : 9);
     BenchReading(largeStation, large);
     BenchSearching(largeStation);
-    BenchListing(folder.filePath(QStringLiteral("list")), largeStation, large);
     BenchOpening(smallStation, largeStation);
     BenchBackup(folder.filePath(QStringLiteral("backup")), quick ? 100 : 1024);
     const int failed = FailedComparisons();

@@ -160,11 +160,13 @@ void uMessagesList::resizeEvent(QResizeEvent*)
 void uMessagesList::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
+    if (!timerUpdateList_)
+        return; // still being made
     if (event->type() == QEvent::ApplicationPaletteChange)
         ApplyBackColour();
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-        LayOut();
         SetGridRowHeights();
+        LayOut();
     }
 }
 
@@ -222,7 +224,7 @@ void uMessagesList::LayOutTree()
     treeCategories_->setGeometry(tbsCategories_->Page().rect().adjusted(margin, margin, -margin, -margin));
 }
 
-/// The grid fills its page; the overlays lie over it below its header.
+/// The grid fills its page; the overlays lie over it below its header, whose height they follow.
 void uMessagesList::LayOutMessages()
 {
     const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };

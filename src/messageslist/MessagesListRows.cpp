@@ -2,6 +2,7 @@
 
 #include "common/GeneralHelper.h"
 #include "database/cTolvaDatabase.h"
+#include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
@@ -14,17 +15,6 @@
 
 namespace
 {
-enum Column
-{
-    colReference,
-    colHead,
-    colSubject,
-    colFrom,
-    colDate,
-    colDateSerial,
-    columns
-};
-
 constexpr double HeadWidth = 300;
 constexpr double GridMargin = 90;
 constexpr double SubjectWidthBesideFrom = 2050;
@@ -56,16 +46,14 @@ QString SpokenState(const cMessage& message, bool isRead)
 
 void uMessagesList::MakeGridHeader()
 {
-    const char* const captions[columns] = {"Reference", "", "Subject", "From", "Date", "DateSerial"};
+    const char* const captions[columnCount] = {"Reference", "", "Subject", "From", "Date", "DateSerial"};
     grdMessages_->SetRedraw(false);
     grdMessages_->SetRows(1);
-    grdMessages_->SetCols(columns);
-    for (int column = 0; column < columns; ++column) {
+    grdMessages_->SetCols(columnCount);
+    for (int column = 0; column < columnCount; ++column) {
         grdMessages_->SetTextMatrix(0, column, QLatin1String(captions[column]));
         grdMessages_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
     }
-    grdMessages_->SetColWidth(colDate, DateWidth);
-    grdMessages_->SetColWidth(colDateSerial, DateSerialWidth);
     HeadPicture_ = Icons::Get(QStringLiteral("head"));
     grdMessages_->setToolTip(QStringLiteral("Messages with a Head icon are personal"));
     grdMessages_->SetRedraw(true);
@@ -85,7 +73,9 @@ void uMessagesList::SetGridColumnWidths()
         grdMessages_->SetColWidth(colSubject, SubjectWidthBesideFrom);
         grdMessages_->SetColWidth(colFrom, std::max(0.0, width - GridMargin - HeadWidth - SubjectWidthBesideFrom));
     }
-    // Two lines show the date under the subject, so nothing is left to scroll to.
+    // Two lines show the date under the subject: nothing is left to scroll to, and no sliver of a column to show.
+    grdMessages_->SetColWidth(colDate, DoubleHeightRows_ ? 0 : DateWidth);
+    grdMessages_->SetColWidth(colDateSerial, DoubleHeightRows_ ? 0 : DateSerialWidth);
     grdMessages_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 }
 

@@ -28,7 +28,7 @@ const QHash<QString, Element>& Elements()
         add(Role::Block, {"ul", "ol", "li", "blockquote"});
         add(Role::Inline, {"b", "i", "u", "s", "sub", "sup", "a"});
         add(Role::Inline, {"strong"}, "b");
-        add(Role::Inline, {"em", "cite", "dfn", "var", "address"}, "i");
+        add(Role::Inline, {"em", "cite", "dfn", "var"}, "i");
         add(Role::Inline, {"ins"}, "u");
         add(Role::Inline, {"del", "strike"}, "s");
         add(Role::Inline, {"span",    "font", "big", "small", "code",  "kbd",  "samp", "tt",   "mark",   "abbr",
@@ -38,14 +38,11 @@ const QHash<QString, Element>& Elements()
         add(Role::Row, {"tr"});
         add(Role::Cell, {"td", "th"});
         add(Role::Withheld,
-            {"script",   "style",    "template", "title",    "head",    "iframe",  "frame",    "frameset",
-             "noframes", "noembed",  "object",   "embed",    "applet",  "param",   "audio",    "video",
-             "source",   "track",    "canvas",   "svg",      "math",    "link",    "meta",     "base",
-             "bgsound",  "input",    "select",   "textarea", "isindex", "keygen",  "datalist", "map",
-             "area",     "colgroup", "col",      "portal",   "dialog",  "marquee", "picture"});
-        hash[QStringLiteral("marquee")] = {Role::Through, nullptr};
-        hash[QStringLiteral("picture")] = {Role::Through, nullptr};
-        hash[QStringLiteral("address")] = {Role::Block, "div"};
+            {"script",   "style",    "template", "title",    "head",    "iframe", "frame",    "frameset",
+             "noframes", "noembed",  "object",   "embed",    "applet",  "param",  "audio",    "video",
+             "source",   "track",    "canvas",   "svg",      "math",    "link",   "meta",     "base",
+             "bgsound",  "input",    "select",   "textarea", "isindex", "keygen", "datalist", "map",
+             "area",     "colgroup", "col",      "portal",   "dialog"});
         return hash;
     }();
     return elements;
@@ -72,10 +69,9 @@ bool PageElements::IsActiveElement(const QString& name)
 {
     static const QSet<QString> names = [] {
         QSet<QString> set;
-        for (const char* word :
-             {"script",  "iframe", "frame",    "frameset", "object", "embed",      "applet", "canvas",
-              "svg",     "math",   "base",     "input",    "select", "textarea",   "form",   "button",
-              "isindex", "keygen", "template", "portal",   "dialog", "link-import"})
+        for (const char* word : {"script", "iframe", "frame",   "frameset", "object",   "embed",  "applet",
+                                 "canvas", "svg",    "math",    "base",     "input",    "select", "textarea",
+                                 "form",   "button", "isindex", "keygen",   "template", "portal", "dialog"})
             set.insert(QLatin1String(word));
         return set;
     }();

@@ -120,8 +120,12 @@ QString TagScanner::TextOf(const QString& html)
     qsizetype end = 0;
     ForEachTag(html, [&](const Tag& tag) {
         text += QStringView(html).mid(end, tag.Begin - end);
-        // Never nothing, so that no two pieces of text make a new tag.
-        text += BeginsLine(tag.Name) ? u'\n' : u' ';
+        // Never nothing, so that no two pieces of text make a new tag; but not hundreds of empty lines either.
+        const bool isBegin = text.isEmpty() || text.endsWith(QStringLiteral("\n\n"));
+        if (BeginsLine(tag.Name) && !isBegin)
+            text += u'\n';
+        else if (!isBegin && !text.back().isSpace())
+            text += u' ';
         end = tag.End;
     });
     return text + html.mid(end);

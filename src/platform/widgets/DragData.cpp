@@ -1,5 +1,8 @@
 #include "platform/widgets/DragData.h"
 
+#include "common/GeneralHelper.h"
+#include "platform/widgets/Twips.h"
+
 #include <QDrag>
 #include <QUrl>
 #include <QWidget>
@@ -69,7 +72,16 @@ QStringList DragData::Files(const QMimeData& data)
 
 bool DragData::HasFiles(const QMimeData& data)
 {
-    return data.hasFormat(UriList);
+    // A promise is not asked for; a link to a page is no file.
+    if (const auto* own = qobject_cast<const DragData*>(&data); own && own->ProvideFiles_)
+        return true;
+    return !Files(data).isEmpty();
+}
+
+bool DragRunner::IsDrag(const QWidget& source, const QPointF& from, const QPointF& to)
+{
+    constexpr double Pixels = 5;
+    return !GeneralHelper::PointsAreClose(from.x(), from.y(), to.x(), to.y(), Pixels * Twips::PerPixel(source));
 }
 
 Qt::DropAction DragRunner::Run(QWidget& source, DragData* data, Qt::DropActions allowed)

@@ -10,6 +10,7 @@
 #include <QSvgRenderer>
 
 #include <algorithm>
+#include <cmath>
 
 /// The linker drops the resource of a static library unless somebody asks for it.
 static void LoadResource()
@@ -56,7 +57,9 @@ public:
 
     void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State state) override
     {
-        const double ratio = painter->device() ? painter->device()->devicePixelRatioF() : 1;
+        // Also where the painter draws for another device than its own, as into a picture of a window.
+        const QTransform toDevice = painter->deviceTransform();
+        const double ratio = std::hypot(toDevice.m11(), toDevice.m12());
         const int side = qMin(area.width(), area.height());
         const QRect square(area.x() + (area.width() - side) / 2, area.y() + (area.height() - side) / 2, side, side);
         painter->drawPixmap(square, scaledPixmap(square.size() * ratio, mode, state, ratio));

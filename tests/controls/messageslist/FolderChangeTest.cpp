@@ -132,6 +132,9 @@ TEST_F(FolderChangeTest, AFolderThatCannotBeStoredDoesNotShow)
     Ui.ExpectRunTimeError(dao::errOverflow, QStringLiteral("A folder's reference cannot be above 32767."));
     ChooseAt(8, "mnuNewFolder");
     List->UpdateCategories();
+    EXPECT_EQ(Tree->NodeCount(), 8);
+    EXPECT_FALSE(Tree->IsEditingLabel());
+    QTest::keyClick(Tree, Qt::Key_F5);
     EXPECT_EQ(Tree->NodeCount(), 9); // with the one of the other computer
     EXPECT_EQ(Tree->NodeText(Key(32767)), QStringLiteral("Last"));
     EXPECT_EQ(StoredFolders().size(), 2);

@@ -107,7 +107,10 @@ void FolderTest::TypeName(const QString& name, int key)
     editor->selectAll();
     if (name.isEmpty())
         QTest::keyClick(editor, Qt::Key_Delete);
-    QTest::keyClicks(editor, name);
+    // As an input method does: the test keyboard has ASCII keys only.
+    QInputMethodEvent typed;
+    typed.setCommitString(name);
+    QApplication::sendEvent(editor, &typed);
     QTest::keyClick(editor, static_cast<Qt::Key>(key));
     EXPECT_TRUE(QTest::qWaitFor([this] { return !Tree->IsEditingLabel(); }));
 }

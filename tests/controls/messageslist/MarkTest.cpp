@@ -36,7 +36,7 @@ TEST_F(MarkTest, OneMessageIsMarkedAndItsRowFollows)
     ChooseForRow(2, "mnuMarkasUnread");
     EXPECT_EQ(Bold(), (QList<bool>{true, true, true}));
     EXPECT_EQ(FlagsOf(1), 0);
-    EXPECT_EQ(TakeFills(), 0 + 0);
+    EXPECT_EQ(TakeFills(), 0);
 }
 
 TEST_F(MarkTest, TheOtherFlagsStay)

@@ -1,5 +1,6 @@
 // Renaming folders in the tree.
 
+#include "messageslist/ErrorCatcher.h"
 #include "messageslist/FolderTest.h"
 
 class RenameTest : public FolderTest
@@ -153,10 +154,35 @@ TEST_F(RenameTest, AMessageThatComesInDoesNotEndTheTyping)
     EXPECT_EQ(StoredName(), QStringLiteral("Wishes"));
 }
 
-TEST_F(RenameTest, AStationThatCannotStoreTheNameSaysSoAndTheOldOneStays)
+TEST_F(RenameTest, AHostThatChoosesAnotherFolderMeanwhileDoesNotGetItRenamed)
+{
+    QTest::keyClick(Tree, Qt::Key_F2);
+    ASSERT_NE(Editor(), nullptr);
+    Editor()->selectAll();
+    QTest::keyClicks(Editor(), QStringLiteral("Wishes"));
+    ASSERT_EQ(Editor()->text(), QStringLiteral("Wishes"));
+    List->SetCategory(tmcInbox);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !Tree->IsEditingLabel(); }));
+    EXPECT_EQ(Tree->NodeText(Key(tmcInbox)), QStringLiteral("Inbox"));
+    EXPECT_EQ(OtherComputer().MessageCategories().FindCategory(tmcInbox)->Description(), QStringLiteral("Inbox"));
+    EXPECT_EQ(StoredName(), QStringLiteral("Requests")); // the typing was not finished
+    EXPECT_EQ(List->Category(), tmcInbox);
+}
+
+TEST_F(RenameTest, AStationThatWasClosedMeanwhileKeepsTheOldName)
 {
     QTest::keyClick(Tree, Qt::Key_F2);
     Station->CloseTolvaDatabase();
     TypeName(QStringLiteral("Wishes"));
+    EXPECT_EQ(Tree->NodeText(Key(Inner)), QStringLiteral("Requests"));
+}
+
+TEST_F(RenameTest, AStationThatCannotStoreTheNameSaysSoAndTheOldOneStays)
+{
+    const ErrorCatcher errors;
+    QTest::keyClick(Tree, Qt::Key_F2);
+    DamageStation();
+    TypeName(QStringLiteral("Wishes"));
+    EXPECT_EQ(errors.Sources(), QStringList{QStringLiteral("uMessagesList.treeCategories_AfterLabelEdit")});
     EXPECT_EQ(Tree->NodeText(Key(Inner)), QStringLiteral("Requests"));
 }

@@ -1,5 +1,6 @@
 // The popup menu of the folders: its entries, and which of them are offered when.
 
+#include "common/ClockHelper.h"
 #include "messageslist/FolderTest.h"
 
 #include <QContextMenuEvent>
@@ -118,8 +119,7 @@ TEST_F(TreeMenuTest, WhatIsOfferedFollowsTheRightsTheCurrentFolderAndTheParent)
         const char* Offered;
     } cases[] = {
         {CanEditCategories | CanEditMessages, tmcInbox, tmcInbox, "New NewFolder NewMessage"},
-        {CanEditCategories | CanEditMessages, tmcInbox, inner,
-         "New NewFolder NewMessage DeleteFolder RenameFolder"},
+        {CanEditCategories | CanEditMessages, tmcInbox, inner, "New NewFolder NewMessage DeleteFolder RenameFolder"},
         {CanEditCategories | CanEditMessages, inner, inner, "New NewFolder NewMessage DeleteFolder RenameFolder"},
         {CanEditCategories | CanEditMessages, inner, tmcSaved, "New NewFolder NewMessage"},
         {CanEditCategories | CanEditMessages, tmcDeleted, tmcDeleted, "New NewFolder NewMessage Empty"},
@@ -217,8 +217,15 @@ TEST_F(TreeMenuTest, ANewMessageIsHandedToTheHostAndTheListIsReadAgain)
 TEST_F(TreeMenuTest, AllOfTheListIsMarkedFromTheFoldersMenu)
 {
     OpenStation();
-    const qint32 first = SaveNew(QStringLiteral("First"));
-    const qint32 second = SaveNew(QStringLiteral("Second"));
+    qint32 references[2] = {};
+    for (qint32& reference : references) {
+        const cMessagePtr message = MakeMessage(QStringLiteral("Dated"));
+        message->SetCategory(tmcInbox);
+        message->SetSent(ClockHelper::CurrentTime());
+        ASSERT_TRUE(Station->SaveMessage(message));
+        reference = message->Reference();
+    }
+    const auto [first, second] = references;
     Attach();
     ChooseAt(tmcInbox, "mnuCategoryAllRead");
     EXPECT_EQ(Station->GetMessage(first)->Flags(), mfRead);
