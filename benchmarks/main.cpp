@@ -25,10 +25,6 @@ int main(int argc, char** argv)
     PrintHeading();
     // First, while this process is small: a child's peak counts from the fork on.
     BenchFiling(folder.filePath(QStringLiteral("filing")), megabytes);
-    if (application.arguments().contains(QStringLiteral("--backup-only"))) {
-        BenchBackup(folder.filePath(QStringLiteral("backup")), quick ? 100 : 1024);
-        return FailedComparisons() > 0 ? 1 : 0;
-    }
     std::fprintf(stderr, "Making a station of %d messages\n", large);
     const QString largeStation = folder.filePath(QStringLiteral("large"));
     const QString smallStation = folder.filePath(QStringLiteral("small"));
