@@ -24,6 +24,7 @@ public:
         return true;
     }
     void SetBusyPointer(bool) override {}
+    void SetBackupNotice(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<NoProgress>(); }
     void Yield() override { QCoreApplication::processEvents(); }
     void RunTimeError(const dao::Error& error) override { Require(false, error.what()); }
@@ -117,6 +118,7 @@ void MakeStation(const QString& folder, int messages)
 std::unique_ptr<cTolvaDatabase> OpenStation(const QString& folder)
 {
     auto station = std::make_unique<cTolvaDatabase>();
+    station->SetMakesAutomaticBackups(false);
     Require(station->OpenTolvaDatabase(folder) == 0, "the station does not open");
     return station;
 }

@@ -41,6 +41,11 @@ void CollectingUserInterface::SetBusyPointer(bool busy)
     Under_.SetBusyPointer(busy);
 }
 
+void CollectingUserInterface::SetBackupNotice(bool shown)
+{
+    Under_.SetBackupNotice(shown);
+}
+
 std::unique_ptr<ProgressDisplay> CollectingUserInterface::Progress(const QString& caption)
 {
     return Under_.Progress(caption);

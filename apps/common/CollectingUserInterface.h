@@ -28,6 +28,7 @@ public:
     int InputBox(const InputBoxRequest& request, QString& result) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBusyPointer(bool busy) override;
+    void SetBackupNotice(bool shown) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;

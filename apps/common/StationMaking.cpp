@@ -53,6 +53,7 @@ void MakeFile(const QString& folder, const QString& name, const QString& phoneNu
         return isStored;
     });
     cTolvaDatabase database;
+    database.SetMakesAutomaticBackups(false); // it would stand in the folder that goes
     const qint32 result = database.OpenTolvaDatabase(folder);
     const QStringList problems = userInterface.TakeProblems();
     database.CloseTolvaDatabase();

@@ -60,6 +60,7 @@ public:
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
     void SetBusyPointer(bool) override {}
+    void SetBackupNotice(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override
     {
         class Nothing : public ProgressDisplay

@@ -17,6 +17,10 @@ CommandDefinition FoldersCommand();
 CommandDefinition SettingCommand();
 CommandDefinition UsersCommand();
 CommandDefinition CheckCommand();
+CommandDefinition BackupCommand();
+CommandDefinition BackupsCommand();
+CommandDefinition RestoreCommand();
+CommandDefinition CompactCommand();
 
 /// In the order of the help page.
 std::vector<CommandDefinition> AllCommands();

@@ -16,7 +16,7 @@ OptionDefinition Station::UserOption()
             QStringLiteral("Acts as this user of the directory (else $TOLVA_USER, else Technician).")};
 }
 
-Station::Station(const Arguments& arguments) : Folder_(arguments.Folder())
+Station::Station(const Arguments& arguments, AutomaticBackups automatic) : Folder_(arguments.Folder())
 {
     // Opening makes what is missing, which is for init alone.
     if (!StationPlace::HoldsStation(Folder_)) {
@@ -27,6 +27,7 @@ Station::Station(const Arguments& arguments) : Folder_(arguments.Folder())
     }
     Try([&] { SignIn(UserName(arguments)); });
     Database_.SetDirectoryDatabase(&Directory_);
+    Database_.SetMakesAutomaticBackups(automatic == AutomaticBackups::On);
     Try([&] { StationOpening::Open(Database_, Folder_, UserInterface_); });
 }
 

@@ -12,9 +12,15 @@
 class Station
 {
 public:
+    /// Whether opening makes the backup that may be due. Off for the command that makes one itself.
+    enum class AutomaticBackups
+    {
+        On,
+        Off
+    };
     /// Opens the station in the folder of the arguments for the user of --user. Failure when there is no station
     /// (66), no such user (67), for a locked file (75), a damaged one (65) and all else.
-    explicit Station(const Arguments& arguments);
+    explicit Station(const Arguments& arguments, AutomaticBackups automatic = AutomaticBackups::On);
     Station(const Station&) = delete;
     Station& operator=(const Station&) = delete;
 

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+class PendingError;
+
 /// Files and folders by name. Nothing here throws; a false or negative result is the failure.
 namespace FileHelper
 {
@@ -26,7 +28,10 @@ QString Join(const QString& folder, const QString& name);
 
 /// Copies a file into a folder, or onto a file name when target is no folder. The copy appears under its name only when
 /// it is whole and on the disk; a failure or a cancelled display leaves what was there before.
-bool CopyWithProgress(const QString& source, const QString& target, const QString& caption);
+/// A database is copied by the record store, as it stands at one moment however many computers write to it, and its
+/// copy has been opened and read whole. failure: what stopped it, where the record store says.
+bool CopyWithProgress(const QString& source, const QString& target, const QString& caption,
+                      PendingError* failure = nullptr);
 /// Deletes a file, or a folder with all it holds. True when it is gone.
 /// A symbolic link goes, not what it points to. A cancelled display leaves what was not yet deleted.
 bool DeleteWithProgress(const QString& target, const QString& caption);

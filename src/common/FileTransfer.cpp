@@ -1,6 +1,9 @@
 #include "common/DurableFile.h"
 #include "common/FileHelper.h"
+#include "common/PendingError.h"
 #include "common/UserInterface.h"
+#include "common/kvGeneral.h"
+#include "platform/records/DBEngine.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -39,6 +42,8 @@ public:
     }
     QFile& File() { return File_; }
     QString Name() const { return File_.fileName(); }
+    /// Somebody else has made it.
+    void Adopt() { Made_ = true; }
     /// It bears its lasting name now.
     void Keep() { Made_ = false; }
 
@@ -79,6 +84,33 @@ bool MakeCopy(const QString& sourceName, TemporaryFile& copy, const QString& cap
     const bool whole = DurableFile::Sync(copy.File());
     copy.File().close();
     return whole;
+}
+
+bool IsDatabase(const QString& file)
+{
+    return FileHelper::FileExists(file) && dao::DBEngine::IsDatabase(file);
+}
+
+/// The same of a database, through the record store alone: to open and close its file here would take away the locks
+/// that this process holds on it.
+bool MakeDatabaseCopy(const QString& sourceName, TemporaryFile& copy, const QString& caption, PendingError* failure)
+{
+    const auto display = UserInterface::Current().Progress(caption);
+    PendingError pending;
+    const bool isWhole = pending.Try([&] {
+        dao::DBEngine::CopyDatabase(sourceName, copy.Name(),
+                                    [&](qint64 done, qint64 total) { return display->Advance(done, total); });
+    });
+    if (!isWhole) {
+        WriteDebugLog(QStringLiteral("Copying '%1' failed: %2 (%3)")
+                          .arg(sourceName, pending.Description(), QString::number(pending.Number())));
+        if (failure)
+            *failure = pending;
+        return false;
+    }
+    copy.Adopt();
+    QFile::setPermissions(copy.Name(), QFile::permissions(sourceName));
+    return true;
 }
 
 /// A link as the target means the file that it points to.
@@ -128,7 +160,8 @@ std::vector<std::filesystem::path> Contents(const std::filesystem::path& target,
 }
 } // namespace
 
-bool FileHelper::CopyWithProgress(const QString& source, const QString& target, const QString& caption)
+bool FileHelper::CopyWithProgress(const QString& source, const QString& target, const QString& caption,
+                                  PendingError* failure)
 {
     if (source.isEmpty() || target.isEmpty())
         return false;
@@ -136,7 +169,9 @@ bool FileHelper::CopyWithProgress(const QString& source, const QString& target, 
     if (FolderExists(file) || Resolved(source) == file)
         return false;
     TemporaryFile copy(FolderOf(file));
-    if (!MakeCopy(source, copy, caption) || !DurableFile::RenameOver(copy.Name(), file))
+    const bool isMade =
+        IsDatabase(source) ? MakeDatabaseCopy(source, copy, caption, failure) : MakeCopy(source, copy, caption);
+    if (!isMade || !DurableFile::RenameOver(copy.Name(), file))
         return false;
     copy.Keep();
     return true;

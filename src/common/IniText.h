@@ -34,6 +34,8 @@ public:
     /// In the encoding of the bytes it was made from, or in UTF-8 where that cannot hold a new value. Line ends stand
     /// as they came; new lines end as the others do.
     QByteArray Bytes() const;
+    /// In Latin-1, with a question mark for what that does not hold.
+    QByteArray AnsiBytes() const { return Lines_.join(u'\n').toLatin1(); }
 
 private:
     enum class Encoding

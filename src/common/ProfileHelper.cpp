@@ -26,19 +26,20 @@ QVariant WholeNumberOf(const QString& text, const QVariant& defaultValue)
     return good ? QVariant(number) : defaultValue;
 }
 
-/// The file itself, or the one in its folder whose name differs in case alone: programs on other systems do not agree
-/// on the case of such names.
-QString ExistingFile(const QString& file)
+using Encode = QByteArray (IniText::*)() const;
+
+bool Write(const QString& section, const QString& key, const QString& value, const QString& file, Encode encode)
 {
-    if (FileHelper::FileExists(file))
-        return file;
-    const QString folder = FileHelper::FolderOf(file);
-    const QString name = FileHelper::FileNameOf(file);
-    for (const QString& other : QDir(folder.isEmpty() ? QStringLiteral(".") : folder).entryList(QDir::Files)) {
-        if (other.compare(name, Qt::CaseInsensitive) == 0)
-            return FileHelper::Join(folder, other);
-    }
-    return file;
+    const QString existing = ProfileHelper::ExistingFile(file);
+    QFile profile(existing);
+    const bool present = profile.exists();
+    if (present && !profile.open(QIODevice::ReadOnly))
+        return false;
+    IniText text(present ? profile.readAll() : QByteArray());
+    if (profile.error() != QFileDevice::NoError)
+        return false;
+    profile.close();
+    return text.SetValue(section, key, value) && FileHelper::ReplaceFile(existing, (text.*encode)());
 }
 } // namespace
 
@@ -70,14 +71,25 @@ QString ProfileHelper::ReadIniString(const QString& section, const QString& key,
 bool ProfileHelper::WriteIniString(const QString& section, const QString& key, const QString& value,
                                    const QString& file)
 {
-    const QString existing = ExistingFile(file);
-    QFile profile(existing);
-    const bool present = profile.exists();
-    if (present && !profile.open(QIODevice::ReadOnly))
-        return false;
-    IniText text(present ? profile.readAll() : QByteArray());
-    if (profile.error() != QFileDevice::NoError)
-        return false;
-    profile.close();
-    return text.SetValue(section, key, value) && FileHelper::ReplaceFile(existing, text.Bytes());
+    return Write(section, key, value, file, &IniText::Bytes);
+}
+
+bool ProfileHelper::WriteIniStringA(const QString& section, const QString& key, const QString& value,
+                                    const QString& file)
+{
+    return Write(section, key, value, file, &IniText::AnsiBytes);
+}
+
+/// Programs on other systems do not agree on the case of such names.
+QString ProfileHelper::ExistingFile(const QString& file)
+{
+    if (FileHelper::FileExists(file))
+        return file;
+    const QString folder = FileHelper::FolderOf(file);
+    const QString name = FileHelper::FileNameOf(file);
+    for (const QString& other : QDir(folder.isEmpty() ? QStringLiteral(".") : folder).entryList(QDir::Files)) {
+        if (other.compare(name, Qt::CaseInsensitive) == 0)
+            return FileHelper::Join(folder, other);
+    }
+    return file;
 }

@@ -22,5 +22,12 @@ QString ReadIniString(const QString& section, const QString& key, const QString&
 /// False when that fails, or when a profile file cannot hold such a section or key. Line ends in the value become
 /// blanks.
 bool WriteIniString(const QString& section, const QString& key, const QString& value, const QString& file);
+/// The same for programs that read a profile file in the machine's ANSI code page: the file stays Latin-1, and what
+/// that does not hold is a question mark.
+bool WriteIniStringA(const QString& section, const QString& key, const QString& value, const QString& file);
+
+/// The file itself, or the one in its folder whose name differs in case alone; the name as it stands when there is
+/// neither.
+QString ExistingFile(const QString& file);
 
 } // namespace ProfileHelper

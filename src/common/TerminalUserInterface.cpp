@@ -277,6 +277,8 @@ bool TerminalUserInterface::DatabaseSettings(cTolvaDatabase&)
 
 void TerminalUserInterface::SetBusyPointer(bool) {}
 
+void TerminalUserInterface::SetBackupNotice(bool) {}
+
 std::unique_ptr<ProgressDisplay> TerminalUserInterface::Progress(const QString& caption)
 {
     return std::make_unique<TerminalProgress>(*this, caption);

@@ -24,6 +24,8 @@ public:
     /// Always false: settings are given by commands, not by a dialog.
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBusyPointer(bool busy) override;
+    /// Nothing: the line of the progress says it.
+    void SetBackupNotice(bool shown) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;

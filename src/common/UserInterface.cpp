@@ -27,6 +27,7 @@ public:
 
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
     void SetBusyPointer(bool) override {}
+    void SetBackupNotice(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<SilentProgress>(); }
     void Yield() override {}
 

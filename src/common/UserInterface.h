@@ -80,6 +80,8 @@ public:
 
     /// Called by BusyPointer and DefaultPointer alone, true and false in turn.
     virtual void SetBusyPointer(bool busy) = 0;
+    /// Shows or hides the window that says that a backup is being made by itself. A failure stops nothing.
+    virtual void SetBackupNotice(bool shown) = 0;
     /// Never null.
     virtual std::unique_ptr<ProgressDisplay> Progress(const QString& caption) = 0;
     /// Lets pending window events run during long work.

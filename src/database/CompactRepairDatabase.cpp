@@ -45,17 +45,6 @@ bool ConfirmCompacting(const QString& name)
                                                 MessageBoxAnswer::No}) == MessageBoxAnswer::Yes;
 }
 
-/// The first name that no file has.
-QString FreeKeepName(const QString& name)
-{
-    for (int count = 1;; ++count) {
-        const QString candidate =
-            QStringLiteral("%1-%2.BAK").arg(FileHelper::WithoutExtension(name)).arg(count, 4, 10, QLatin1Char('0'));
-        if (FileHelper::FileSize(candidate) < 0)
-            return candidate;
-    }
-}
-
 /// Puts the compacted file in the database's place. Where the file system has hard links there is a whole database
 /// under the name at every moment; elsewhere the old file stands under the keep name for the moment between two
 /// renames.
@@ -77,6 +66,16 @@ void Replace(const QString& name, const QString& compacted, const QString& keepN
     }
 }
 } // namespace
+
+QString DAO_DatabaseFunctions::FreeKeepName(const QString& name)
+{
+    for (int count = 1;; ++count) {
+        const QString candidate =
+            QStringLiteral("%1-%2.BAK").arg(FileHelper::WithoutExtension(name)).arg(count, 4, 10, QLatin1Char('0'));
+        if (FileHelper::FileSize(candidate) < 0)
+            return candidate;
+    }
+}
 
 bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialog* dialog, const QString& initialFolder,
                                                   bool silent)

@@ -26,6 +26,13 @@ qint16 GetDatabaseInformation(const QString& name, DatabaseInformation& informat
 /// empty name the dialog, when there is one, asks for the file. False when nothing was changed.
 bool CompactRepairDatabase(const QString& name, FileDialog* dialog, const QString& initialFolder, bool silent);
 
+/// The first free name of "NAME-0001.BAK" and so on.
+QString FreeKeepName(const QString& name);
+
+/// Notes a backup in the Description table and gives the text that tells of it: Run, By and Name. Empty when it cannot
+/// be noted, and for no database.
+QString RecordLastBackup(dao::Database* database, Date when, const QString& folderName);
+
 /// The value of a setting from a recordset with Item and Value fields; defaultValue when it is absent or on any error.
 /// The caller closes the recordset.
 QVariant ReadSettingValue(dao::Recordset* recordset, const QString& itemName, const QVariant& defaultValue);

@@ -13,7 +13,6 @@
 namespace
 {
 constexpr float StructureVersion = 1.071F;
-constexpr qint32 TolvaDatabaseType = 31;
 enum AuditKind
 {
     auditOpened = 1,
@@ -62,7 +61,7 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& location, const QString&
     if (const int code = DAO_DatabaseFunctions::GetDatabaseInformation(fileName, Information_, true, QString())) {
         if (!connect.isEmpty())
             return code;
-        if (const qint32 result = OfferBackupOfCorruptedDatabase(code))
+        if (const qint32 result = OfferBackupOfCorruptedDatabase(fileName, connect, code))
             return result;
     }
 
@@ -184,6 +183,7 @@ qint32 cTolvaDatabase::CloseTolvaDatabase()
     {
         const BusyPointer busy;
         WriteDebugLog(QStringLiteral("Unloading Handler Form"), 5);
+        UnloadBackupTimer();
         WriteLastAccess();
         if (Database_) {
             PendingError ignored;
@@ -221,24 +221,8 @@ void cTolvaDatabase::WriteLastAccess()
     });
 }
 
-// The places of what is not there yet. Each answers as if the user had said no.
-
-/// The search for a backup that could replace the file; failure: what reading it gave. 0 when the file was replaced and
-/// reads again.
-qint32 cTolvaDatabase::OfferBackupOfCorruptedDatabase(qint32 failure)
-{
-    WriteDebugLog(QStringLiteral("No backup to replace the corrupted database"));
-    return failure;
-}
-
+/// There are none yet.
 void cTolvaDatabase::RefreshHTMLTemplates()
 {
     WriteDebugLog(QStringLiteral("No HTML templates to refresh"), 5);
-}
-
-void cTolvaDatabase::UpdateBackupTimer()
-{
-    WriteDebugLog(EnableAutoBackup_ ? QStringLiteral("Automatic backups are on; no backup timer to start")
-                                    : QStringLiteral("Automatic backups are off"),
-                  5);
 }

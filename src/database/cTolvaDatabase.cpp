@@ -26,6 +26,7 @@ cTolvaDatabase::~cTolvaDatabase()
 {
     if (Database_)
         CloseTolvaDatabase();
+    UnloadBackupTimer();
 }
 
 void cTolvaDatabase::SetLabelDefaults(cPageSetup& pageSetup)

@@ -15,6 +15,7 @@
 
 #include <functional>
 
+class BackupTimer;
 class clsKVDirectory;
 class clsKVUser;
 class PendingError;
@@ -110,6 +111,17 @@ public:
     qint16 BackupExpiryDays() const;
     void SetBackupExpiryDays(qint16 days);
 
+    /// Copies the database into a dated folder beside it. forceBackup: on the user's request, who is told of a failure;
+    /// otherwise only when its time has come and no other computer is at it, and a failure is silent (LastErrorNumber
+    /// tells it). True when the backup was made and recorded. An object makes one backup in its life, whatever comes of
+    /// it; from then on, and on a closed object, the answer is false. dao::Error for a failure outside the copy. The
+    /// object must outlive the call, which shows progress and may run window events.
+    bool BackupDatabase(bool forceBackup);
+    /// False: this object makes no backup by itself, whatever the station's setting says. For stations in the making
+    /// and for tools that open one for a moment. Counts from the next reading of the settings. Starts true.
+    bool MakesAutomaticBackups() const { return MakesAutomaticBackups_; }
+    void SetMakesAutomaticBackups(bool makes) { MakesAutomaticBackups_ = makes; }
+
     QString StationName() const;
     void SetStationName(const QString& name);
     QString StationAddress() const;
@@ -193,15 +205,25 @@ Q_SIGNALS:
 private:
     friend class cMessage;
 
+    static constexpr qint32 TolvaDatabaseType = 31;
+
     // Steps of the open, in OpenTolvaDatabase.cpp.
     qint32 FailOpen(const QString& text, qint32 result);
-    qint32 OfferBackupOfCorruptedDatabase(qint32 failure);
     void OpenWithLockingMode(const QString& fileName, PendingError& pending);
     void AskForStationName(PendingError& pending);
     void WriteStructureVersion();
     void RefreshHTMLTemplates();
     bool InsistOnStationDetails(bool settingsRead);
     void WriteLastAccess();
+
+    qint32 OfferBackupOfCorruptedDatabase(const QString& fileName, const QString& connect, qint32 failure);
+
+    // Backups, in Backup.cpp.
+    bool IsBackupAnnounced(Date now) const;
+    bool IsBackupRecent(Date now) const;
+    bool MakeBackup(Date now, bool forceBackup);
+    void UpdateBackupTimer();
+    void UnloadBackupTimer();
 
     // Structure, in ValidateTolvaDatabase.cpp.
     int CheckMessagesTable(dao::Database& database) const;
@@ -211,7 +233,6 @@ private:
 
     // Settings.
     void ReadHighlightSettings();
-    void UpdateBackupTimer();
     const QString& HighlightWords() const { return HighlightWords_; }
     void SetHighlightWords(const QString& words);
 
@@ -239,6 +260,9 @@ private:
     QString MachineName_;
     qint32 BackupInterval_ = 1440;
     bool EnableAutoBackup_ = true;
+    bool BackupInProgress_ = false;
+    bool MakesAutomaticBackups_ = true;
+    std::shared_ptr<BackupTimer> BackupTimer_;
     clsFont MessageHighlightFont_;
     QString HighlightWords_;
     bool SilentMode_ = false;

@@ -44,6 +44,8 @@ public:
     const QStringList& ProgressCaptions() const { return ProgressCaptions_; }
     /// Calls of Advance on all displays together.
     int Advances() const { return Advances_; }
+    /// True for each time the notice of a backup was shown, false for each time it was hidden.
+    const QList<bool>& BackupNotices() const { return BackupNotices_; }
     const QList<std::pair<int, QString>>& RunTimeErrors() const { return RunTimeErrors_; }
     int Yields() const { return Yields_; }
     bool IsBusy() const { return BusyDepth_ > 0; }
@@ -57,6 +59,7 @@ public:
     int InputBox(const InputBoxRequest& request, QString& result) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBusyPointer(bool busy) override;
+    void SetBackupNotice(bool shown) override { BackupNotices_.append(shown); }
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;
@@ -95,6 +98,7 @@ private:
     QList<bool> BusyAtMessageBox_;
     QList<InputBoxRequest> InputBoxes_;
     QStringList ProgressCaptions_;
+    QList<bool> BackupNotices_;
     QList<std::pair<int, QString>> RunTimeErrors_;
     int Advances_ = 0;
     int CancelAt_ = 0;

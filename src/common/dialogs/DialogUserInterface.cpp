@@ -125,6 +125,9 @@ void DialogUserInterface::SetBusyPointer(bool busy)
         QApplication::restoreOverrideCursor();
 }
 
+/// The progress display says what is being done.
+void DialogUserInterface::SetBackupNotice(bool) {}
+
 std::unique_ptr<ProgressDisplay> DialogUserInterface::Progress(const QString& caption)
 {
     return std::make_unique<DialogProgress>(caption);

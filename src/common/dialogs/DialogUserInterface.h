@@ -18,6 +18,7 @@ public:
     /// unless both are given.
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBusyPointer(bool busy) override;
+    void SetBackupNotice(bool shown) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     /// Shows the error in words and logs it. While the box for an error is up, further ones with its number are logged

@@ -73,6 +73,34 @@ void DBEngine::CompactDatabase(const QString& source, const QString& target)
     engine.Compact(QFileInfo(source).absoluteFilePath(), QFileInfo(target).absoluteFilePath());
 }
 
+bool DBEngine::IsDatabase(const QString& file)
+{
+    try {
+        EngineOfFile(file);
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+void DBEngine::CopyDatabase(const QString& source, const QString& target,
+                            const std::function<bool(qint64 done, qint64 total)>& advance)
+{
+    engine::Engine& engine = EngineOfFile(source);
+    RequireFolder(target);
+    engine.Copy(QFileInfo(source).absoluteFilePath(), QFileInfo(target).absoluteFilePath(), advance);
+}
+
+void DBEngine::CheckDatabase(const QString& file)
+{
+    EngineOfFile(file).Check(QFileInfo(file).absoluteFilePath());
+}
+
+QStringList DBEngine::CompanionsOf(const QString& file)
+{
+    return engine::EngineRegistry::Instance().CompanionsOf(QFileInfo(file).absoluteFilePath());
+}
+
 std::unique_ptr<Workspace> DBEngine::CreateWorkspace(const QString&, const QString&, const QString&, WorkspaceTypeEnum)
 {
     return std::make_unique<EngineWorkspace>();

@@ -2,6 +2,10 @@
 
 #include "platform/records/Database.h"
 
+#include <QStringList>
+
+#include <functional>
+
 namespace dao
 {
 
@@ -42,6 +46,21 @@ public:
     /// Writes a compacted, checked copy of source under target, which must not exist (or be empty). Source is left
     /// alone. Raises 3049 when a table cannot be read; then no target is left behind.
     static void CompactDatabase(const QString& source, const QString& target);
+
+    /// Whether a file is there that an engine recognises. Nothing is raised.
+    static bool IsDatabase(const QString& file);
+    /// Writes a copy of source, as it stands at one moment, under target, which must not exist. Others may have the
+    /// source open and go on writing to it, this process as well (outside a transaction); none of them waits for longer
+    /// than a moment. The copy was opened and read whole before this returns, and is on the disk. advance is told how
+    /// much is done of the total, and stops the copy by answering false (32755). Errors: those of OpenDatabase, 3026
+    /// and 3043 for the disk, 3260, and 3049 for a source that is damaged anywhere. They leave no target behind.
+    static void CopyDatabase(const QString& source, const QString& target,
+                             const std::function<bool(qint64 done, qint64 total)>& advance);
+    /// Reads a database to its last page. 3049 when it is damaged anywhere, else the errors of OpenDatabase.
+    static void CheckDatabase(const QString& file);
+    /// The names of all files, there or not, that an engine may have put beside a database file. They are the file's
+    /// own: another file that takes its name must not meet them.
+    static QStringList CompanionsOf(const QString& file);
 
     static std::unique_ptr<Workspace> CreateWorkspace(const QString& name, const QString& user, const QString& password,
                                                       WorkspaceTypeEnum type);

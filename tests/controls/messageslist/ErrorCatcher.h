@@ -23,6 +23,7 @@ public:
     int InputBox(const InputBoxRequest& request, QString& result) override { return Before_.InputBox(request, result); }
     bool DatabaseSettings(cTolvaDatabase& database) override { return Before_.DatabaseSettings(database); }
     void SetBusyPointer(bool busy) override { Before_.SetBusyPointer(busy); }
+    void SetBackupNotice(bool shown) override { Before_.SetBackupNotice(shown); }
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override { return Before_.Progress(caption); }
     void Yield() override { Before_.Yield(); }
     void RunTimeError(const dao::Error& error) override

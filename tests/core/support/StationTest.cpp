@@ -5,6 +5,7 @@
 StationTest::StationTest() : Station(std::make_unique<cTolvaDatabase>())
 {
     Station->SetDirectoryDatabase(&Directory);
+    Station->SetMakesAutomaticBackups(false);
 }
 
 MessageBoxRequest StationDetailsBox()

@@ -29,6 +29,9 @@ public:
     std::unique_ptr<engine::Store> Open(const QString&, const QString&, bool) override { return nullptr; }
     void Create(const QString&) override {}
     void Compact(const QString&, const QString&) override {}
+    void Copy(const QString&, const QString&, const engine::CopyProgress&) override {}
+    void Check(const QString&) override {}
+    QStringList CompanionsOf(const QString&) const override { return {}; }
     std::unique_ptr<Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {
         return std::make_unique<ServerConnection>(Statements_);

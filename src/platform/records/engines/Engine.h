@@ -73,6 +73,9 @@ using RowSink = std::function<void(std::span<const qint64> keys, std::string_vie
 
 inline constexpr qint64 NoRow = std::numeric_limits<qint64>::min();
 
+/// Told how many of how many octets are copied; answers false to stop.
+using CopyProgress = std::function<bool(qint64 done, qint64 total)>;
+
 struct ParameterValue
 {
     QString Name;
@@ -169,6 +172,15 @@ public:
     virtual std::unique_ptr<Store> Open(const QString& name, const QString& connect, bool readOnly) = 0;
     virtual void Create(const QString& fileName) = 0;
     virtual void Compact(const QString& source, const QString& target) = 0;
+    /// A whole copy of a file as it stands at one moment, under a name that is free, however many others write to it
+    /// meanwhile; none of them waits for longer than a moment. Checked to its last page, and on the disk. A failure
+    /// leaves no target.
+    virtual void Copy(const QString& source, const QString& target, const CopyProgress& progress) = 0;
+    /// Reads a file to its last page; 3049 when it is damaged.
+    virtual void Check(const QString& fileName) = 0;
+    /// The names of the files that belong to a database file while it is in use or after a crash, whether they are
+    /// there or not. A file that takes its name must not meet them.
+    virtual QStringList CompanionsOf(const QString& fileName) const = 0;
     virtual std::unique_ptr<Connection> OpenConnection(const QString& name, int options, bool readOnly,
                                                        const QString& connect) = 0;
 };

@@ -90,4 +90,12 @@ Engine& EngineRegistry::ForConnect(const QString& connect) const
     throw Error(errNotSupported, QStringLiteral("No database engine serves this connection string."));
 }
 
+QStringList EngineRegistry::CompanionsOf(const QString& fileName) const
+{
+    QStringList names;
+    for (const auto& engine : Engines_)
+        names += engine->CompanionsOf(fileName);
+    return names;
+}
+
 } // namespace dao::engine

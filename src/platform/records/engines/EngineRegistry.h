@@ -26,6 +26,8 @@ public:
     Engine& ForFile(const QByteArray& firstOctets) const;
     /// Error 3251 when no engine serves the connect string or the one that does is not available.
     Engine& ForConnect(const QString& connect) const;
+    /// Those of all engines: a damaged file does not tell whose it is.
+    QStringList CompanionsOf(const QString& fileName) const;
 
 private:
     EngineRegistry();

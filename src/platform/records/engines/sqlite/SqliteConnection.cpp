@@ -1,5 +1,6 @@
 #include "platform/records/engines/sqlite/SqliteConnection.h"
 
+#include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
 #include <QDir>
@@ -54,6 +55,8 @@ Error ErrorOf(int extendedCode, const QString& message, const QString& fileName)
         return Error(errFieldTooSmall, QStringLiteral("The value is too large for the field."));
     case SQLITE_NOMEM:
         break;
+    case SQLITE_INTERRUPT:
+        return Error(errCancelled, QStringLiteral("The operation was cancelled."));
     default:
         // The structure that our own tables describe is not what the file holds.
         return Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(fileName) + words);
@@ -174,9 +177,9 @@ Connection::Connection(const QString& fileName, Mode mode) : FileName_(fileName)
                        : mode == Mode::Create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                                               : SQLITE_OPEN_READWRITE;
     StartWaiting();
-    const int code =
-        sqlite3_open_v2(QDir::toNativeSeparators(fileName).toUtf8().constData(), &Handle_,
-                        access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE, nullptr);
+    const int code = sqlite3_open_v2(QDir::toNativeSeparators(fileName).toUtf8().constData(), &Handle_,
+                                     access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE,
+                                     LoggingVfsName());
     try {
         if (code != SQLITE_OK)
             Raise(code);

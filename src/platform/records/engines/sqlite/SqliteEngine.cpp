@@ -2,6 +2,8 @@
 
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
+#include "platform/records/engines/sqlite/ChangeLog.h"
+#include "platform/records/engines/sqlite/FileCopy.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
@@ -18,6 +20,7 @@ namespace
 
 constexpr char SqliteMark[] = "SQLite format 3"; // With the closing zero.
 constexpr int ApplicationIdOffset = 68;
+constexpr char FullCheck[] = "PRAGMA integrity_check(1000000)";
 
 class SqliteEngine final : public engine::Engine
 {
@@ -48,6 +51,12 @@ public:
 
     void Create(const QString& fileName) override;
     void Compact(const QString& source, const QString& target) override;
+    void Copy(const QString& source, const QString& target, const engine::CopyProgress& progress) override;
+    void Check(const QString& fileName) override;
+    QStringList CompanionsOf(const QString& fileName) const override
+    {
+        return {fileName + QStringLiteral("-journal"), ChangeLog::NameFor(fileName)};
+    }
 
     std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {
@@ -75,9 +84,9 @@ bool ConcernsIndexOnly(const QString& fault)
     return fault.contains(QLatin1String("missing from index")) || fault.contains(QLatin1String("entries in index"));
 }
 
-void CheckIntegrity(Connection& connection, bool acceptsIndexFaults)
+void RequireSound(Connection& connection, const char* check, bool acceptsIndexFaults)
 {
-    const Statement statement(connection, "PRAGMA integrity_check(1000000)");
+    const Statement statement(connection, check);
     StatementUse use(statement);
     while (use.Step()) {
         const std::string_view text = use.Text(0);
@@ -98,7 +107,7 @@ void SqliteEngine::Compact(const QString& source, const QString& target)
     }
     try {
         Connection connection(source, Connection::Mode::ReadWrite);
-        CheckIntegrity(connection, true);
+        RequireSound(connection, FullCheck, true);
         const Statement statement(connection, "VACUUM INTO ?");
         const QByteArray name = file.Name().toUtf8();
         StatementUse use(statement);
@@ -112,9 +121,45 @@ void SqliteEngine::Compact(const QString& source, const QString& target)
     }
     {
         Connection copy(file.Name(), Connection::Mode::ReadOnly);
-        CheckIntegrity(copy, false);
+        RequireSound(copy, FullCheck, false);
     }
     file.MoveTo(target);
+}
+
+/// Reads all of a file. Indexes are not compared with their tables: such a fault loses nothing, and a station must be
+/// backed up all the same.
+void CheckWhole(const QString& file, const engine::CopyProgress& progress)
+{
+    {
+        // As a station is opened: what it is, how long, and its structure.
+        const SqliteStore probe(file, true);
+    }
+    Connection connection(file, Connection::Mode::ReadOnly);
+    const auto keepAlive = [](void* advance) {
+        return (*static_cast<const engine::CopyProgress*>(advance))(1, 1) ? 0 : 1;
+    };
+    if (progress) {
+        constexpr int StepsBetweenCalls = 100000;
+        sqlite3_progress_handler(connection.Handle(), StepsBetweenCalls, keepAlive,
+                                 const_cast<engine::CopyProgress*>(&progress));
+    }
+    RequireSound(connection, "PRAGMA quick_check(1)", false);
+}
+
+void SqliteEngine::Check(const QString& fileName)
+{
+    CheckWhole(fileName, {});
+}
+
+void SqliteEngine::Copy(const QString& source, const QString& target, const engine::CopyProgress& progress)
+{
+    try {
+        CopyFile(source, target, progress);
+        CheckWhole(target, progress);
+    } catch (...) {
+        QFile::remove(target);
+        throw;
+    }
 }
 
 } // namespace

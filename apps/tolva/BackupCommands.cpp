@@ -1,0 +1,196 @@
+// tolva backup and tolva backups: making backups, and listing them.
+
+#include "Commands.h"
+#include "Station.h"
+#include "StationCounts.h"
+#include "StationPlace.h"
+#include "Terminal.h"
+#include "common/FileHelper.h"
+#include "common/ProfileHelper.h"
+#include "common/kvGeneral.h"
+#include "database/BackupFolders.h"
+#include "platform/records/DBEngine.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace
+{
+const QString JsonOption = QStringLiteral("json");
+const QString CheckOption = QStringLiteral("check");
+
+void PrintJson(const QJsonObject& object)
+{
+    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+}
+
+/// Why there is no backup.
+Failure WhyNoBackup(Station& station)
+{
+    const int number = station.Database().LastErrorNumber();
+    if (number == dao::errCancelled)
+        return Failure(exitInterrupted, QStringLiteral("Ended early by Ctrl-C; no backup was made."));
+    if (number != 0)
+        return station.FailureOfStation(number, station.Database().LastErrorDescription());
+    return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.")
+                                        .arg(BackupFolders::RootOf(StationPlace::FileIn(station.Folder()))));
+}
+
+/// The folder that the station's last backup went to.
+QString LastBackupName(Station& station)
+{
+    const QString last =
+        station.Database().DatabaseSetting(QStringLiteral("Backups.LastBackup"), QStringLiteral("")).toString();
+    return GetKeyValue(last, QStringLiteral("Name"), QStringLiteral(" "));
+}
+
+int Backup(const Arguments& arguments)
+{
+    Station station(arguments, Station::AutomaticBackups::Off);
+    const QString file = StationPlace::FileIn(station.Folder());
+    const StationCounts before = station.Try([&] { return StationCounts::Of(file); });
+    if (!station.Try([&] { return station.Database().BackupDatabase(true); }))
+        throw WhyNoBackup(station);
+    const QString name = LastBackupName(station);
+    const QString folder = FileHelper::Join(BackupFolders::RootOf(file), name);
+    const QString copy = FileHelper::Join(folder, FileHelper::FileNameOf(file));
+    const StationCounts counts = station.Try([&] { return StationCounts::Of(copy); });
+    const StationCounts after = station.Try([&] { return StationCounts::Of(file); });
+    // While somebody files, the copy may hold more than before and less than after.
+    if (before == after && counts != before)
+        throw Failure(
+            exitData,
+            QStringLiteral("The backup in %1 holds %2, the station %3.").arg(folder, counts.Words(), before.Words()));
+    if (arguments.Has(JsonOption)) {
+        PrintJson({{QStringLiteral("name"), name},
+                   {QStringLiteral("folder"), folder},
+                   {QStringLiteral("size"), FileHelper::FileSize(copy)},
+                   {QStringLiteral("before"), before.Json()},
+                   {QStringLiteral("backup"), counts.Json()},
+                   {QStringLiteral("after"), after.Json()}});
+    } else {
+        Terminal::PrintLine(folder);
+        Terminal::PrintLine(counts.Words());
+    }
+    return exitOK;
+}
+
+/// A line of the list.
+struct Entry
+{
+    QString Name;
+    QString Created;
+    QString By;
+    qint64 Size = -1;
+    QString State; ///< "complete", "sound", "damaged" or "unfinished".
+};
+
+Entry EntryOf(const BackupFolders::Backup& backup, const QString& fileName, bool isChecked)
+{
+    const QString copy = FileHelper::Join(backup.Folder, fileName);
+    Entry entry{
+        backup.Name, backup.Created,
+        ProfileHelper::ReadIniString(QStringLiteral("Details"), QStringLiteral("By"), QString(), backup.Details),
+        FileHelper::FileSize(copy), QStringLiteral("complete")};
+    if (isChecked)
+        entry.State = BackupFolders::IsSound(copy) ? QStringLiteral("sound") : QStringLiteral("damaged");
+    else if (entry.Size <= 0)
+        entry.State = QStringLiteral("damaged");
+    return entry;
+}
+
+QList<Entry> EntriesOf(const QString& file, bool isChecked)
+{
+    const QString root = BackupFolders::RootOf(file);
+    QList<Entry> entries;
+    for (const BackupFolders::Backup& backup : BackupFolders::List(root))
+        entries.append(EntryOf(backup, FileHelper::FileNameOf(file), isChecked));
+    for (const QString& name : BackupFolders::Unfinished(root)) {
+        const QString copy = FileHelper::Join(FileHelper::Join(root, name), FileHelper::FileNameOf(file));
+        entries.append({name, QString(), QString(), FileHelper::FileSize(copy), QStringLiteral("unfinished")});
+    }
+    std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.Name < b.Name; });
+    return entries;
+}
+
+void Print(const Entry& entry, bool asJson)
+{
+    if (!asJson) {
+        Terminal::PrintLine(QStringLiteral("%1  %2  %3  %4")
+                                .arg(entry.Name, -16)
+                                .arg(entry.State, -10)
+                                .arg(qMax<qint64>(0, entry.Size), 12)
+                                .arg(entry.By)
+                                .trimmed());
+        return;
+    }
+    PrintJson({{QStringLiteral("name"), entry.Name},
+               {QStringLiteral("state"), entry.State},
+               {QStringLiteral("created"), entry.Created},
+               {QStringLiteral("by"), entry.By},
+               {QStringLiteral("size"), entry.Size}});
+}
+
+int Backups(const Arguments& arguments)
+{
+    const QString file = StationPlace::FileIn(arguments.Folder());
+    // A station whose file is lost is what backups are for.
+    if (!FileHelper::FileExists(file) && !FileHelper::FolderExists(BackupFolders::RootOf(file))) {
+        throw Failure(exitNoInput,
+                      QStringLiteral("There is no station in %1, and no backup of one.").arg(arguments.Folder()));
+    }
+    bool isAllSound = true;
+    for (const Entry& entry : EntriesOf(file, arguments.Has(CheckOption))) {
+        Print(entry, arguments.Has(JsonOption));
+        isAllSound = isAllSound && entry.State != u"damaged";
+    }
+    if (isAllSound)
+        return exitOK;
+    Terminal::Complain(QStringLiteral("A backup is damaged."));
+    return exitData;
+}
+} // namespace
+
+CommandDefinition BackupCommand()
+{
+    return {
+        QStringLiteral("backup"),
+        QStringLiteral("Makes a backup of a station now."),
+        {QStringLiteral("backup FOLDER [--json]")},
+        QStringLiteral(
+            "The copy goes into a folder of its own, FOLDER/Backups/Tolva/YYYY-MM-DD HH.MM. Others may go on working "
+            "meanwhile.\n"
+            "It is read whole before it counts; only then go the backups that are older than the setting\n"
+            "Backups.ExpiryDays says. Its folder and what it holds are printed. Nothing is asked, so that a timer can "
+            "run it."),
+        {{JsonOption, QString(), QStringLiteral("Prints one JSON object.")}, Station::UserOption()},
+        QStringLiteral("tolva backup /srv/station"),
+        1,
+        1,
+        Backup,
+    };
+}
+
+CommandDefinition BackupsCommand()
+{
+    return {
+        QStringLiteral("backups"),
+        QStringLiteral("Lists the backups of a station, oldest first."),
+        {QStringLiteral("backups FOLDER [--check] [--json]")},
+        QStringLiteral("A line is the backup's name, its state, the octets of its database and the computer that made "
+                       "it. \"unfinished\"\n"
+                       "is what a backup leaves that failed or was ended; it is never restored and never expires. The "
+                       "exit code is\n"
+                       "65 when a backup is damaged, which --check finds out by reading them whole. --user is taken "
+                       "for the sake of\n"
+                       "scripts and not used."),
+        {{CheckOption, QString(), QStringLiteral("Reads every backup to its end.")},
+         {JsonOption, QString(), QStringLiteral("Prints one JSON object a line.")},
+         Station::UserOption()},
+        QStringLiteral("tolva backups /srv/station --check"),
+        1,
+        1,
+        Backups,
+    };
+}

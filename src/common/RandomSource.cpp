@@ -1,0 +1,25 @@
+#include "common/RandomSource.h"
+
+#include <QRandomGenerator>
+
+namespace
+{
+class SystemRandom final : public RandomSource
+{
+public:
+    double NextBelowOne() const override { return QRandomGenerator::system()->generateDouble(); }
+};
+
+const RandomSource* current = nullptr;
+} // namespace
+
+const RandomSource& RandomSource::Current()
+{
+    static const SystemRandom system;
+    return current ? *current : system;
+}
+
+void RandomSource::SetCurrent(const RandomSource* source)
+{
+    current = source;
+}

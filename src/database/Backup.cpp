@@ -1,0 +1,172 @@
+// Backing up an open station.
+
+#include "common/ClockHelper.h"
+#include "common/FileHelper.h"
+#include "common/GeneralHelper.h"
+#include "common/PendingError.h"
+#include "common/UserInterface.h"
+#include "common/kvGeneral.h"
+#include "database/BackupFolders.h"
+#include "database/BackupTimer.h"
+#include "database/DAO_DatabaseFunctions.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/records/DBEngine.h"
+
+namespace
+{
+const QString BackupRunningKey = QStringLiteral("Backups.BackupRunning");
+const QString LastBackupKey = QStringLiteral("Backups.LastBackup");
+const QString None = QStringLiteral("");
+const QString Blank = QStringLiteral(" ");
+constexpr qint64 MillisecondsAMinute = 60000;
+constexpr qint64 MillisecondsADay = 86400000;
+constexpr qint64 StaleMinutes = 5;
+
+/// The notice that a backup is being made, for the life of a scope. Without it the backup is made all the same.
+class NoticeScope
+{
+public:
+    NoticeScope() { Show(true); }
+    ~NoticeScope() { Show(false); }
+    NoticeScope(const NoticeScope&) = delete;
+    NoticeScope& operator=(const NoticeScope&) = delete;
+
+private:
+    static void Show(bool shown)
+    {
+        PendingError ignored;
+        ignored.Try([shown] { UserInterface::Current().SetBackupNotice(shown); });
+    }
+};
+
+/// Whole ones, towards the past.
+qint64 WholeBetween(Date from, Date to, qint64 milliseconds)
+{
+    const qint64 between = from.ToDateTime(Qt::UTC).msecsTo(to.ToDateTime(Qt::UTC));
+    return between >= 0 ? between / milliseconds : -((-between + milliseconds - 1) / milliseconds);
+}
+
+/// Folders that may go once a newer backup stands, and the date that the displays of their deletion tell: the last one
+/// that was read.
+struct Expired
+{
+    QStringList Folders;
+    QString Date;
+};
+
+Expired FindExpired(const QString& root, Date now, int expiryDays)
+{
+    Expired expired;
+    for (const BackupFolders::Backup& backup : BackupFolders::List(root)) {
+        expired.Date = backup.CreatedDate.IsNone() ? backup.Created : backup.CreatedDate.GeneralDate();
+        if (!backup.CreatedDate.IsNone() && WholeBetween(backup.CreatedDate, now, MillisecondsADay) > expiryDays)
+            expired.Folders.append(backup.Folder);
+    }
+    return expired;
+}
+} // namespace
+
+bool cTolvaDatabase::BackupDatabase(bool forceBackup)
+{
+    if (Information_.Path.isEmpty() || !Database_ || BackupInProgress_)
+        return false;
+    BackupInProgress_ = true;
+    const Date now = ClockHelper::CurrentTime();
+    if (!forceBackup && (IsBackupAnnounced(now) || IsBackupRecent(now))) {
+        BackupInProgress_ = false;
+        return false;
+    }
+    // From here on it stays set: an object makes one backup in its life.
+    if (forceBackup)
+        return MakeBackup(now, true);
+    const NoticeScope notice;
+    return MakeBackup(now, false);
+}
+
+/// By another computer, a short while ago. What this one announced itself is left from a crash.
+bool cTolvaDatabase::IsBackupAnnounced(Date now) const
+{
+    const QString running = DatabaseSetting(BackupRunningKey, None).toString();
+    if (running.isEmpty() || GetKeyValue(running, QStringLiteral("By"), Blank).trimmed() == MachineName_.trimmed())
+        return false;
+    const auto started = Date::Parse(GetKeyValue(running, QStringLiteral("Started"), Blank));
+    return started && WholeBetween(*started, now, MillisecondsAMinute) < StaleMinutes;
+}
+
+/// Whether the day, or the hour, has its backup.
+bool cTolvaDatabase::IsBackupRecent(Date now) const
+{
+    const QString last = DatabaseSetting(LastBackupKey, None).toString();
+    const auto run = Date::Parse(GetKeyValue(last, QStringLiteral("Run"), Blank));
+    if (!run)
+        return false;
+    const QDateTime then = run->ToDateTime(Qt::UTC);
+    const QDateTime present = now.ToDateTime(Qt::UTC);
+    const bool isToday = then.date() == present.date();
+    switch (BackupInterval_) {
+    case 1440:
+        return isToday;
+    case 60:
+        return isToday && then.time().hour() == present.time().hour();
+    default:
+        return false;
+    }
+}
+
+/// The backup itself, announced while it runs.
+bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
+{
+    const QString root = BackupFolders::RootOf(Location(), DatabaseReference());
+    const int expiryDays = BackupExpiryDays();
+    const Expired expired = expiryDays > 0 ? FindExpired(root, now, expiryDays) : Expired();
+
+    QString running = GeneralHelper::SetKeyValue(QString(), QStringLiteral("Started"), now.GeneralDate());
+    running = GeneralHelper::SetKeyValue(running, QStringLiteral("By"), MachineName_);
+    SetDatabaseSetting(BackupRunningKey, running, None);
+
+    const QString name = BackupFolders::NameFor(now);
+    const QString folder = FileHelper::Join(root, name);
+    FileHelper::CreateFolder(folder);
+    dao::DBEngine::BeginTrans();
+    dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
+    PendingError failure;
+    const bool isMade =
+        FileHelper::CopyWithProgress(Information_.Path, folder, QStringLiteral("Backing up the Database"), &failure) &&
+        BackupFolders::WriteDetails(folder, now, MachineName_);
+    KeepLastError(failure);
+    if (!Database_) // closed by the host while the copy showed its progress
+        return isMade;
+    if (isMade) {
+        SetDatabaseSetting(LastBackupKey, DAO_DatabaseFunctions::RecordLastBackup(Database_.get(), now, name), None);
+        // Only now: what was there before goes when its successor has been read whole and can be found again.
+        for (const QString& old : expired.Folders) {
+            if (old != folder)
+                FileHelper::DeleteWithProgress(old, QStringLiteral("Deleting Backup from ") + expired.Date);
+        }
+    } else if (forceBackup) {
+        UserInterface::Current().MessageBox({QStringLiteral("A backup of the Directory database could not be be made"),
+                                             QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation,
+                                             MessageBoxAnswer::OK});
+    }
+    SetDatabaseSetting(BackupRunningKey, None, None);
+    return isMade;
+}
+
+void cTolvaDatabase::UpdateBackupTimer()
+{
+    if (!EnableAutoBackup_ || !MakesAutomaticBackups_) {
+        UnloadBackupTimer();
+        return;
+    }
+    if (!BackupTimer_)
+        BackupTimer_ = std::make_shared<BackupTimer>(*this);
+    BackupTimer_->Start(BackupInterval_);
+}
+
+void cTolvaDatabase::UnloadBackupTimer()
+{
+    if (!BackupTimer_)
+        return;
+    BackupTimer_->Stop();
+    BackupTimer_.reset();
+}

@@ -1,0 +1,98 @@
+#include "database/BackupFolders.h"
+
+#include "common/FileHelper.h"
+#include "common/ProfileHelper.h"
+#include "database/DAO_DatabaseFunctions.h"
+#include "platform/records/DBEngine.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace
+{
+const QString Section = QStringLiteral("Details");
+constexpr auto AllFolders = QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot;
+
+QString DetailsIn(const QString& folder)
+{
+    return ProfileHelper::ExistingFile(FileHelper::Join(folder, QStringLiteral("Backup.inf")));
+}
+} // namespace
+
+QString BackupFolders::RootOf(const QString& location, const QString& reference)
+{
+    return FileHelper::Join(FileHelper::Join(location, QStringLiteral("Backups")), reference);
+}
+
+QString BackupFolders::RootOf(const QString& databaseFile)
+{
+    return RootOf(FileHelper::FolderOf(databaseFile), FileHelper::BaseNameOf(databaseFile));
+}
+
+QString BackupFolders::NameFor(Date started)
+{
+    return started.Format(QStringLiteral("yyyy-mm-dd hh.nn"));
+}
+
+QList<BackupFolders::Backup> BackupFolders::List(const QString& root)
+{
+    QList<Backup> backups;
+    for (const QString& name : QDir(root).entryList(AllFolders, QDir::Name)) {
+        const QString folder = FileHelper::Join(root, name);
+        const QString details = DetailsIn(folder);
+        if (FileHelper::FileSize(details) <= 0)
+            continue;
+        const QString created = ProfileHelper::ReadIniString(Section, QStringLiteral("Created"), QString(), details);
+        backups.append({name, folder, details, created, Date::Parse(created).value_or(Date())});
+    }
+    return backups;
+}
+
+QStringList BackupFolders::Unfinished(const QString& root)
+{
+    QStringList names;
+    for (const QString& name : QDir(root).entryList(AllFolders, QDir::Name)) {
+        if (FileHelper::FileSize(DetailsIn(FileHelper::Join(root, name))) <= 0)
+            names.append(name);
+    }
+    return names;
+}
+
+bool BackupFolders::WriteDetails(const QString& folder, Date started, const QString& machineName)
+{
+    const QString file = FileHelper::Join(folder, QStringLiteral("Backup.inf"));
+    const auto write = [&](const char16_t* key, const QString& value) {
+        return ProfileHelper::WriteIniStringA(Section, QString::fromUtf16(key), value, file);
+    };
+    const QString version =
+        QStringLiteral("v%1.%2.%3").arg(TOLVA_VERSION_MAJOR).arg(TOLVA_VERSION_MINOR).arg(TOLVA_VERSION_REVISION);
+    return write(u"Created", started.GeneralDate()) && write(u"By", machineName) &&
+           write(u"Software", QStringLiteral("Kelvarin Directory")) && write(u"DirectoryEngineVersion", version);
+}
+
+BackupFolders::Backup BackupFolders::NewestSound(const QString& root, const QString& fileName)
+{
+    QList<Backup> backups = List(root);
+    // The newest first, so that no older one needs to be read; of two of the same time the first in the listing.
+    std::stable_sort(backups.begin(), backups.end(),
+                     [](const Backup& a, const Backup& b) { return a.CreatedDate > b.CreatedDate; });
+    for (const Backup& backup : std::as_const(backups)) {
+        if (!backup.CreatedDate.IsNone() && IsSound(FileHelper::Join(backup.Folder, fileName)))
+            return backup;
+    }
+    return {};
+}
+
+bool BackupFolders::IsSound(const QString& databaseFile)
+{
+    DatabaseInformation scratch;
+    if (DAO_DatabaseFunctions::GetDatabaseInformation(databaseFile, scratch, false, QString()) != 0)
+        return false;
+    try {
+        dao::DBEngine::CheckDatabase(databaseFile);
+        return true;
+    } catch (const dao::Error&) {
+        return false;
+    }
+}

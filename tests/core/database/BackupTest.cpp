@@ -1,0 +1,321 @@
+// Backing up an open station.
+
+#include "core/support/StationTest.h"
+#include "database/BackupFolders.h"
+#include "database/DAO_DatabaseFunctions.h"
+#include "platform/records/DBEngine.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace
+{
+const QString CopyCaption = QStringLiteral("Backing up the Database");
+const QString RunningKey = QStringLiteral("Backups.BackupRunning");
+const QString LastKey = QStringLiteral("Backups.LastBackup");
+const QString FailureText = QStringLiteral("A backup of the Directory database could not be be made");
+
+QByteArray Read(const QString& name)
+{
+    QFile file(name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return file.readAll();
+}
+} // namespace
+
+class BackupTest : public StationTest
+{
+protected:
+    void SetUp() override
+    {
+        OpenStation();
+        SaveNew(QStringLiteral("kept"));
+    }
+
+    QString Root() const { return BackupFolders::RootOf(FileName()); }
+    QString In(const QString& name, const char16_t* file) const
+    {
+        return Root() + u'/' + name + u'/' + QString::fromUtf16(file);
+    }
+    QStringList Names() const { return QDir(Root()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name); }
+    QString Setting(const QString& key) const { return Station->DatabaseSetting(key, QString()).toString(); }
+    void Announce(const QString& started, const QString& by)
+    {
+        Station->SetDatabaseSetting(RunningKey, QStringLiteral("Started=\"%1\" By=\"%2\"").arg(started, by), QString());
+    }
+    /// A new object makes its own backup, as the next run of a program does.
+    void Reopen()
+    {
+        Station = std::make_unique<cTolvaDatabase>();
+        Station->SetDirectoryDatabase(&Directory);
+        Station->SetMakesAutomaticBackups(false);
+        OpenStation();
+    }
+    void MakeOld(const QString& name, const QByteArray& details, const char16_t* file = u"Backup.inf") const
+    {
+        ASSERT_TRUE(QDir().mkpath(Root() + u'/' + name));
+        QFile details_(In(name, file));
+        ASSERT_TRUE(details_.open(QIODevice::WriteOnly));
+        details_.write(details);
+    }
+    static QByteArray CreatedOn(const char* date) { return QByteArray("[Details]\r\nCreated=") + date + "\r\n"; }
+};
+
+TEST_F(BackupTest, ABackupIsADatedFolderWithTheDatabaseAndItsDetails)
+{
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    const QString name = QStringLiteral("2026-11-21 14.05");
+    EXPECT_EQ(Names(), QStringList{name});
+    EXPECT_EQ(QDir(Root() + u'/' + name).entryList(QDir::Files | QDir::Hidden, QDir::Name),
+              (QStringList{QStringLiteral("Backup.inf"), QStringLiteral("Tolva.mdb")}));
+    const QByteArray computer = QSysInfo::machineHostName().toLatin1();
+    EXPECT_EQ(Read(In(name, u"Backup.inf")), "[Details]\nCreated=21/11/2026 14:05:09\nBy=" + computer +
+                                                 "\nSoftware=Kelvarin Directory\nDirectoryEngineVersion=v0.1.0\n");
+    cTolvaDatabase copy;
+    copy.SetMakesAutomaticBackups(false);
+    ASSERT_EQ(copy.OpenTolvaDatabase(Root() + u'/' + name), 0);
+    EXPECT_EQ(copy.GetMessages(QString())->Count(), 1);
+}
+
+TEST_F(BackupTest, TheBackupIsRecordedInTheStation)
+{
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    const QString text =
+        QStringLiteral("Run=\"21/11/2026 14:05:09\" By=%1 Name=\"2026-11-21 14.05\"").arg(QSysInfo::machineHostName());
+    EXPECT_EQ(Setting(LastKey), text);
+    EXPECT_EQ(Setting(RunningKey), QString());
+    EXPECT_EQ(OpenTable(QStringLiteral("Description"))->Collect(QStringLiteral("LastBackup")).toString(), text);
+}
+
+TEST_F(BackupTest, TheBackupIsAnnouncedWhileItIsCopied)
+{
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    const auto copy = dao::DBEngine::OpenDatabase(In(QStringLiteral("2026-11-21 14.05"), u"Tolva.mdb"));
+    const auto settings = copy->OpenRecordset(QStringLiteral("Settings"), dao::dbOpenTable);
+    EXPECT_EQ(DAO_DatabaseFunctions::ReadSettingValue(settings.get(), RunningKey, QString()).toString(),
+              QStringLiteral("Started=\"21/11/2026 14:05:09\" By=%1").arg(QSysInfo::machineHostName()));
+}
+
+TEST_F(BackupTest, AnObjectMakesOneBackupInItsLife)
+{
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    Now.Advance(3600);
+    EXPECT_FALSE(Station->BackupDatabase(true));
+    EXPECT_FALSE(Station->BackupDatabase(false));
+    EXPECT_EQ(Names().size(), 1);
+    Reopen();
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    EXPECT_EQ(Names().size(), 2);
+}
+
+TEST_F(BackupTest, AClosedObjectMakesNoneAndTouchesNothing)
+{
+    Station->CloseTolvaDatabase();
+    EXPECT_FALSE(Station->BackupDatabase(true));
+    EXPECT_FALSE(QDir(Root()).exists());
+}
+
+TEST_F(BackupTest, OnlyAnAutomaticBackupShowsTheNotice)
+{
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    EXPECT_TRUE(Ui.BackupNotices().isEmpty());
+    Reopen();
+    Now.Advance(24 * 3600);
+    EXPECT_TRUE(Station->BackupDatabase(false));
+    EXPECT_EQ(Ui.BackupNotices(), (QList<bool>{true, false}));
+    EXPECT_EQ(Ui.ProgressCaptions().count(CopyCaption), 2);
+}
+
+TEST_F(BackupTest, AnotherComputersFreshAnnouncementIsRespected)
+{
+    Announce(QStringLiteral("21/11/2026 14:00:10"), QStringLiteral("STUDIO 2"));
+    EXPECT_FALSE(Station->BackupDatabase(false)); // 4 minutes and 59 seconds
+    EXPECT_TRUE(Ui.BackupNotices().isEmpty());
+    EXPECT_FALSE(Setting(RunningKey).isEmpty());
+    Now.Advance(1);
+    EXPECT_TRUE(Station->BackupDatabase(false)); // 5 minutes: stale
+}
+
+TEST_F(BackupTest, AnAnnouncementOfThisComputerOrWithoutADateIsIgnored)
+{
+    Announce(QStringLiteral("21/11/2026 14:05:00"), QSysInfo::machineHostName() + u' ');
+    EXPECT_TRUE(Station->BackupDatabase(false));
+    Reopen();
+    Now.Advance(24 * 3600);
+    Announce(QStringLiteral("a while ago"), QStringLiteral("STUDIO 2"));
+    EXPECT_TRUE(Station->BackupDatabase(false));
+}
+
+TEST_F(BackupTest, AForcedBackupMindsNoAnnouncementAndNoEarlierBackup)
+{
+    Announce(QStringLiteral("21/11/2026 14:05:00"), QStringLiteral("STUDIO 2"));
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 14:00:00\""), QString());
+    EXPECT_TRUE(Station->BackupDatabase(true));
+}
+
+TEST_F(BackupTest, TheDayHasOneDailyBackup)
+{
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 00:00:01\""), QString());
+    EXPECT_FALSE(Station->BackupDatabase(false));
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"20/11/2026 23:59:59\""), QString());
+    EXPECT_TRUE(Station->BackupDatabase(false));
+}
+
+TEST_F(BackupTest, TheHourHasOneHourlyBackup)
+{
+    Station->SetBackupInterval(60);
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 14:00:00\""), QString());
+    EXPECT_FALSE(Station->BackupDatabase(false));
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"20/11/2026 14:04:00\""), QString());
+    EXPECT_TRUE(Station->BackupDatabase(false));
+    Reopen();
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 13:59:59\""), QString());
+    Now.Advance(60);
+    EXPECT_TRUE(Station->BackupDatabase(false));
+}
+
+TEST_F(BackupTest, AnyOtherIntervalKnowsNoLastBackup)
+{
+    Station->SetBackupInterval(30);
+    Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 14:05:00\""), QString());
+    EXPECT_TRUE(Station->BackupDatabase(false));
+}
+
+TEST_F(BackupTest, ABackupOfExactlyTheExpiryDaysStaysAndAnOlderOneGoes)
+{
+    MakeOld(QStringLiteral("a"), CreatedOn("14/11/2026 14:05:09"));
+    MakeOld(QStringLiteral("b"), CreatedOn("13/11/2026 14:05:09"));
+    MakeOld(QStringLiteral("c"), CreatedOn("13/11/2026 14:05:10"));
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    EXPECT_EQ(Names(), (QStringList{QStringLiteral("2026-11-21 14.05"), QStringLiteral("a"), QStringLiteral("c")}));
+}
+
+TEST_F(BackupTest, EveryDeletionTellsTheDateThatWasReadLast)
+{
+    MakeOld(QStringLiteral("a"), CreatedOn("01/11/2026 10:00:00"));
+    MakeOld(QStringLiteral("b"), CreatedOn("02/11/2026 10:00:00"));
+    MakeOld(QStringLiteral("c"), CreatedOn("20/11/2026 10:00:00"));
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    const QString caption = QStringLiteral("Deleting Backup from 20/11/2026 10:00:00");
+    // Nothing goes before the new backup stands.
+    EXPECT_EQ(Ui.ProgressCaptions(), (QStringList{CopyCaption, caption, caption}));
+}
+
+TEST_F(BackupTest, WhatHasNoReadableDetailsNeverExpires)
+{
+    MakeOld(QStringLiteral("a"), QByteArray());
+    MakeOld(QStringLiteral("b"), CreatedOn("long ago"));
+    MakeOld(QStringLiteral("c"), CreatedOn("01/01/2020 10:00:00"), u"other.inf");
+    MakeOld(QStringLiteral("d"), CreatedOn("01/01/2020 10:00:00"), u"BACKUP.INF");
+    QFile loose(Root() + QStringLiteral("/loose.txt"));
+    ASSERT_TRUE(loose.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    EXPECT_EQ(Names(), (QStringList{QStringLiteral("2026-11-21 14.05"), QStringLiteral("a"), QStringLiteral("b"),
+                                    QStringLiteral("c")}));
+    EXPECT_TRUE(loose.exists());
+}
+
+TEST_F(BackupTest, ExpiryDays0DeletesNothing)
+{
+    MakeOld(QStringLiteral("a"), CreatedOn("01/01/2020 10:00:00"));
+    Station->SetBackupExpiryDays(0);
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    EXPECT_EQ(Names().size(), 2);
+}
+
+TEST_F(BackupTest, AFailedForcedBackupIsToldAndLeavesOldOnesAlone)
+{
+    MakeOld(QStringLiteral("a"), CreatedOn("01/01/2020 10:00:00"));
+    Ui.CancelProgressAt(1);
+    Ui.ExpectWarning(FailureText);
+    EXPECT_FALSE(Station->BackupDatabase(true));
+    EXPECT_EQ(Station->LastErrorNumber(), dao::errCancelled);
+    // The new folder stays, without details and without a file.
+    EXPECT_EQ(Names(), (QStringList{QStringLiteral("2026-11-21 14.05"), QStringLiteral("a")}));
+    EXPECT_TRUE(QDir(Root() + QStringLiteral("/2026-11-21 14.05"))
+                    .isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    EXPECT_EQ(Setting(RunningKey), QString());
+    EXPECT_EQ(Setting(LastKey), QString());
+}
+
+TEST_F(BackupTest, AFailedAutomaticBackupIsSilent)
+{
+    Ui.CancelProgressAt(1);
+    EXPECT_FALSE(Station->BackupDatabase(false));
+    EXPECT_EQ(Ui.BackupNotices(), (QList<bool>{true, false}));
+    EXPECT_EQ(Setting(RunningKey), QString());
+}
+
+TEST_F(BackupTest, AFileInTheWayOfTheFoldersFailsTheBackup)
+{
+    QFile inTheWay(Folder.filePath(QStringLiteral("Backups")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    Ui.ExpectWarning(FailureText);
+    EXPECT_FALSE(Station->BackupDatabase(true));
+}
+
+TEST_F(BackupTest, ADamagedStationDrivesOutNoOlderBackup)
+{
+    for (int i = 0; i < 50; ++i)
+        SaveNew(QStringLiteral("message %1").arg(i));
+    MakeOld(QStringLiteral("a"), CreatedOn("01/01/2020 10:00:00"));
+    QFile file(FileName());
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.seek(file.size() - 3 * 4096));
+    file.write(QByteArray(2 * 4096, '\x5A'));
+    file.close();
+    Ui.ExpectWarning(FailureText);
+    EXPECT_FALSE(Station->BackupDatabase(true));
+    EXPECT_EQ(Station->LastErrorNumber(), dao::errFileDamaged);
+    EXPECT_TRUE(Names().contains(QStringLiteral("a")));
+    EXPECT_FALSE(QFile::exists(In(QStringLiteral("2026-11-21 14.05"), u"Tolva.mdb")));
+}
+
+TEST_F(BackupTest, ASecondBackupInTheSameMinuteTakesThePlaceOfTheFirst)
+{
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    Reopen();
+    SaveNew(QStringLiteral("later"));
+    Now.Advance(10);
+    EXPECT_TRUE(Station->BackupDatabase(true));
+    EXPECT_EQ(Names().size(), 1);
+    EXPECT_TRUE(Read(In(Names().first(), u"Backup.inf")).contains("Created=21/11/2026 14:05:19\n"));
+    const auto copy = dao::DBEngine::OpenDatabase(In(Names().first(), u"Tolva.mdb"));
+    EXPECT_EQ(copy->OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable)->RecordCount(), 2);
+}
+
+TEST_F(BackupTest, RecordingOnNoDatabaseGivesNothing)
+{
+    EXPECT_EQ(DAO_DatabaseFunctions::RecordLastBackup(nullptr, Date(2026, 11, 21), QStringLiteral("x")), QString());
+}
+
+TEST_F(BackupTest, ARecordThatCannotBeStoredIsEmpty)
+{
+    const auto database = dao::DBEngine::OpenDatabase(FileName());
+    EXPECT_EQ(DAO_DatabaseFunctions::RecordLastBackup(database.get(), Date(2026, 11, 21), QString(300, u'n')),
+              QString());
+    EXPECT_EQ(DAO_DatabaseFunctions::RecordLastBackup(database.get(), Date(2026, 11, 21, 9, 5, 1), QStringLiteral("n")),
+              QStringLiteral("Run=\"21/11/2026 09:05:01\" By=%1 Name=n").arg(QSysInfo::machineHostName()));
+}
+
+TEST_F(BackupTest, ThroughAYearEachDayHasItsBackupAndTheLastEightStay)
+{
+    Station->CloseTolvaDatabase();
+    Now.SetUtc(QDateTime(QDate(2026, 1, 1), QTime(9, 0), Qt::UTC));
+    QStringList expected;
+    for (int day = 0; day < 365; ++day, Now.Advance(24 * 3600)) {
+        Station = std::make_unique<cTolvaDatabase>();
+        Station->SetDirectoryDatabase(&Directory);
+        ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+        expected.append(BackupFolders::NameFor(ClockHelper::CurrentTime()));
+        while (expected.size() > 8) // seven days old is not too old
+            expected.removeFirst();
+        ASSERT_EQ(Names(), expected) << day;
+        // A second program on the same day makes none.
+        cTolvaDatabase second;
+        ASSERT_EQ(second.OpenTolvaDatabase(Folder.path()), 0);
+        ASSERT_EQ(Names(), expected) << day;
+    }
+    for (const QString& name : expected)
+        EXPECT_TRUE(BackupFolders::IsSound(In(name, u"Tolva.mdb"))) << name.toStdString();
+}
