@@ -23,6 +23,8 @@ public:
         database.SetStationPhoneNumber(QStringLiteral("01632 960100"));
         return true;
     }
+    void SetBackupNotice(bool) override {}
+    void PageSetupLabels(cPageSetup&) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<NoProgress>(); }
     void Yield() override { QCoreApplication::processEvents(); }

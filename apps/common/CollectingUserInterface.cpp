@@ -36,6 +36,16 @@ bool CollectingUserInterface::DatabaseSettings(cTolvaDatabase& database)
     return SettingsDialog_ && SettingsDialog_(database);
 }
 
+void CollectingUserInterface::SetBackupNotice(bool shown)
+{
+    Under_.SetBackupNotice(shown);
+}
+
+void CollectingUserInterface::PageSetupLabels(cPageSetup& pageSetup)
+{
+    Under_.PageSetupLabels(pageSetup);
+}
+
 void CollectingUserInterface::SetBusyPointer(bool busy)
 {
     Under_.SetBusyPointer(busy);

@@ -27,6 +27,8 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
+    void SetBackupNotice(bool shown) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;

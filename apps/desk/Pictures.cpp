@@ -58,6 +58,8 @@ public:
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
+    void SetBackupNotice(bool) override {}
+    void PageSetupLabels(cPageSetup&) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override
     {

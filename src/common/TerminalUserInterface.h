@@ -23,6 +23,8 @@ public:
     int InputBox(const InputBoxRequest& request, QString& result) override;
     /// Always false: settings are given by commands, not by a dialog.
     bool DatabaseSettings(cTolvaDatabase& database) override;
+    void SetBackupNotice(bool) override {}
+    void PageSetupLabels(cPageSetup&) override {}
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;

@@ -26,6 +26,8 @@ public:
     }
 
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
+    void SetBackupNotice(bool) override {}
+    void PageSetupLabels(cPageSetup&) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<SilentProgress>(); }
     void Yield() override {}

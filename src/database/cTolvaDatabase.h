@@ -158,8 +158,8 @@ public:
     bool CopyMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool MoveMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool DeleteMessage(qint32 reference, bool deletePermanently);
-    /// Erases all messages of a folder, all or none of them. Raises no event, writes no audit entry and leaves the change
-    /// stamp alone; rights are the caller's concern. False when it failed.
+    /// Erases all messages of a folder, all or none of them. Raises no event, writes no audit entry and leaves the
+    /// change stamp alone; rights are the caller's concern. False when it failed.
     bool DeleteMessagesOfCategory(enTolvaMessageCategories category);
     /// Announce a change that the caller made itself, whatever RaiseEvents holds.
     void RaiseSaveMessageEvent(const cMessagePtr& message, bool edited) { Q_EMIT MessageSaved(message, edited); }
@@ -189,6 +189,7 @@ Q_SIGNALS:
 
 private:
     friend class cMessage;
+    friend class frmHighlightSettings;
 
     // Steps of the open, in OpenTolvaDatabase.cpp.
     qint32 FailOpen(const QString& text, qint32 result);
@@ -207,7 +208,11 @@ private:
     int CheckPrizeWinnersTable(dao::Database& database) const;
 
     // Settings.
+    /// 0 or an error number, which the user has been told.
+    int StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue);
     void ReadHighlightSettings();
+    /// Stores the highlight font and words and takes them over; false at the first that could not be stored.
+    bool StoreHighlightSettings(const clsFont& font, const QString& words);
     void UpdateBackupTimer();
     const QString& HighlightWords() const { return HighlightWords_; }
     void SetHighlightWords(const QString& words);
