@@ -26,9 +26,9 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBackupNotice(bool shown) override;
-    void PageSetupLabels(cPageSetup& pageSetup) override;
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;

@@ -57,9 +57,9 @@ public:
         return request.Buttons == MessageBoxButtons::YesNo ? MessageBoxAnswer::No : MessageBoxAnswer::OK;
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
+    void PageSetupLabels(cPageSetup&) override {}
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
     void SetBackupNotice(bool) override {}
-    void PageSetupLabels(cPageSetup&) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override
     {

@@ -275,6 +275,8 @@ bool TerminalUserInterface::DatabaseSettings(cTolvaDatabase&)
     return false;
 }
 
+void TerminalUserInterface::SetBackupNotice(bool) {}
+
 void TerminalUserInterface::SetBusyPointer(bool) {}
 
 std::unique_ptr<ProgressDisplay> TerminalUserInterface::Progress(const QString& caption)

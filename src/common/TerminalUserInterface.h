@@ -21,10 +21,11 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup&) override {}
     /// Always false: settings are given by commands, not by a dialog.
     bool DatabaseSettings(cTolvaDatabase& database) override;
-    void SetBackupNotice(bool) override {}
-    void PageSetupLabels(cPageSetup&) override {}
+    /// Nothing: the line of the progress says it.
+    void SetBackupNotice(bool shown) override;
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;

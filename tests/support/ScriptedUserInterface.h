@@ -43,7 +43,7 @@ public:
     /// What came, in order, whether it was expected or not.
     const QList<MessageBoxRequest>& MessageBoxes() const { return MessageBoxes_; }
     const QList<InputBoxRequest>& InputBoxes() const { return InputBoxes_; }
-    /// What the notice of a backup was told, in order.
+    /// True for each time the notice of a backup was shown, false for each time it was hidden.
     const QList<bool>& BackupNotices() const { return BackupNotices_; }
     const QStringList& ProgressCaptions() const { return ProgressCaptions_; }
     /// Calls of Advance on all displays together.
@@ -59,9 +59,9 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBackupNotice(bool shown) override { BackupNotices_.append(shown); }
-    void PageSetupLabels(cPageSetup& pageSetup) override;
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;

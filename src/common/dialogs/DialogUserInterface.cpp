@@ -112,12 +112,13 @@ bool DialogUserInterface::DatabaseSettings(cTolvaDatabase& database)
 
 void DialogUserInterface::SetBackupNotice(bool shown)
 {
-    if (!Notice_)
-        Notice_ = std::make_unique<frmHandler>();
-    if (shown)
+    if (shown) {
+        if (!Notice_)
+            Notice_ = std::make_unique<frmHandler>();
         Notice_->ShowNotice();
-    else
+    } else if (Notice_) {
         Notice_->hide();
+    }
 }
 
 void DialogUserInterface::PageSetupLabels(cPageSetup& pageSetup)

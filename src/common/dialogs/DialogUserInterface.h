@@ -20,10 +20,10 @@ public:
     ~DialogUserInterface() override;
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     /// Returns when the notice is to be seen, so that the work behind it may begin.
     void SetBackupNotice(bool shown) override;
-    void PageSetupLabels(cPageSetup& pageSetup) override;
     void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
