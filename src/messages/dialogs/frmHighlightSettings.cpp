@@ -83,6 +83,8 @@ void frmHighlightSettings::MakeControls()
     comboFont_->setEditable(true);
     comboFont_->setInsertPolicy(QComboBox::NoInsert);
     comboFont_->addItems(QFontDatabase::families());
+    // Completing would put another font in place of one that is not on this computer, at Enter.
+    comboFont_->setCompleter(nullptr);
     comboFont_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     comboFont_->setMinimumContentsLength(16);
     // The name stands within quotes in the messages' HTML.

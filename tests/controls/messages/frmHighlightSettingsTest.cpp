@@ -219,7 +219,7 @@ TEST_F(frmHighlightSettingsTest, TabGoesThroughTheControlsAndEachHasAName)
         EXPECT_EQ(QApplication::focusWidget()->objectName(), QLatin1String(name));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    for (const std::pair<Qt::Key, const char*> key :
+    for (const std::pair<Qt::Key, const char*>& key :
          {std::pair{Qt::Key_F, "comboFont"}, {Qt::Key_S, "spinSize"}, {Qt::Key_W, "txtWords"}}) {
         QTest::keyClick(Form.get(), key.first, Qt::AltModifier);
         EXPECT_EQ(QApplication::focusWidget()->objectName(), QLatin1String(key.second));
