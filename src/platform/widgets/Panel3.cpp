@@ -68,7 +68,7 @@ void Panel3::DrawBevel(QPainter& painter, const QColor& background) const
         return;
     const QColor light = Contrast::Blend(background, Qt::white, 0.5);
     const QColor dark = Contrast::Blend(background, Qt::black, 0.45);
-    const QRect edge = rect().adjusted(0, 0, -1, -1);
+    const QRect edge = rect();
     painter.setPen(Bevel_ == RaisedBevel ? light : dark);
     painter.drawLine(edge.topLeft(), edge.topRight());
     painter.drawLine(edge.topLeft(), edge.bottomLeft());

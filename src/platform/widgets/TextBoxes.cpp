@@ -104,8 +104,6 @@ TextArea::TextArea(QWidget* parent) : QPlainTextEdit(parent)
 {
     setTabChangesFocus(true);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    connect(document(), &QTextDocument::contentsChange, this,
-            [this](int position, int, int added) { InsertionEnd_ = position + added; });
     connect(this, &QPlainTextEdit::textChanged, this, &TextArea::CutInsertion);
 }
 
@@ -129,13 +127,12 @@ void TextArea::SetLimitedText(const QString& text, int characters)
     Limit_ = qMax(characters, Length());
 }
 
-/// What was put in last goes again as far as there is no room for it.
+/// What was put in last, which the caret stands behind, goes again as far as there is no room for it.
 void TextArea::CutInsertion()
 {
     if (Limit_ == 0)
         return;
-    QTextCursor cursor(document());
-    cursor.setPosition(qMin(InsertionEnd_, document()->characterCount() - 1));
+    QTextCursor cursor = textCursor();
     while (Length() > Limit_ && !cursor.atStart()) {
         const QSignalBlocker quiet(this);
         cursor.joinPreviousEditBlock();

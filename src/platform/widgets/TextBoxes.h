@@ -74,5 +74,4 @@ private:
     void CutInsertion();
 
     int Limit_ = 0; ///< 0 for none.
-    int InsertionEnd_ = 0;
 };
