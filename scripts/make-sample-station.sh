@@ -80,6 +80,7 @@ isRead() {
 makeStation() {
     "$tolva" init "$station" --name "${value[Station.Name]}" --phone "${value[Station.Phone]}" >/dev/null
     "$tolva" setting "$station" Station.SMSPhoneNumber "${value[Station.SMSNumber]}"
+    "$tolva" setting "$station" Station.EmailAddress "${value[Station.Email]}"
     "$tolva" setting "$station" Station.Address "${value[Station.Address]}"
     "$tolva" setting "$station" Messages.HighlightWords "${value[Highlight.Words]}"
 }

@@ -64,8 +64,9 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
                                     "its place. (%1)")
                          .arg(description));
     case dao::errUnrecognisedFormat:
-        return words(
-            QStringLiteral("is not a database of this program, or its file is damaged. (%1)").arg(description));
+        return words(QStringLiteral("is not a database of this program, or its file is damaged. Put the newest backup "
+                                    "in its place. (%1)")
+                         .arg(description));
     case dao::errCannotOpen:
         return words(QStringLiteral("cannot be opened: this account may not read and write it. (%1)").arg(description));
     case dao::errDiskFull:

@@ -332,7 +332,8 @@ bool ComposeWindow::Send()
     }
     if (!File(Composing::Filing::Outgoing))
         return false;
-    Q_EMIT Filed(tr("In the Outbox: %1").arg(windowTitle()));
+    const QString subject = Subject_->text().simplified();
+    Q_EMIT Filed(subject.isEmpty() ? tr("The message is in the Outbox.") : tr("In the Outbox: %1").arg(subject));
     close();
     return true;
 }

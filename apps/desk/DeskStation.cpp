@@ -120,8 +120,7 @@ QString DeskStation::MarkAsRead(qint32 reference)
         const bool isOwn = message->PersonalToContact() == user->Reference();
         if (!(isOwn ? user->CanEditPersonalMessages() : user->CanEditMessages()))
             return QString();
-        message->SetFlags(message->Flags() | mfRead);
-        if (Database_.SaveMessage(message))
+        if (Database_.ChangeMessageFlags(reference, mfRead, 0) || Database_.LastErrorNumber() == 0)
             return QString();
         return Words(Database_.LastErrorNumber(), Database_.LastErrorDescription());
     } catch (const dao::Error& error) {

@@ -2,14 +2,14 @@
 
 #include "common/dialogs/QtFileDialog.h"
 
-DeskUserInterface::DeskUserInterface()
+DeskUserInterface::DeskUserInterface() : Before_(UserInterface::Current())
 {
     SetCurrent(this);
-    FileDialog::SetFactory([] { return std::make_unique<QtFileDialog>(); });
+    FactoryBefore_ = FileDialog::SetFactory([] { return std::make_unique<QtFileDialog>(); });
 }
 
 DeskUserInterface::~DeskUserInterface()
 {
-    FileDialog::SetFactory({});
-    SetCurrent(nullptr);
+    FileDialog::SetFactory(FactoryBefore_);
+    SetCurrent(&Before_);
 }

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "common/FileDialog.h"
 #include "common/dialogs/DialogUserInterface.h"
 
 #include <functional>
 
 /// The user at this desk: real dialogs, and run-time errors first to the window that can say more about them. In force
-/// from its making to its destruction.
+/// from its making to its destruction; what was in force before is back afterwards.
 class DeskUserInterface final : public DialogUserInterface
 {
 public:
@@ -19,5 +20,7 @@ protected:
     bool HandleRunTimeError(const dao::Error& error) override { return Handler_ && Handler_(error); }
 
 private:
+    UserInterface& Before_;
+    FileDialog::Factory FactoryBefore_;
     std::function<bool(const dao::Error&)> Handler_;
 };

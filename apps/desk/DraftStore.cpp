@@ -39,6 +39,9 @@ DraftStore::Outcome DraftStore::SaveInTransaction(const Composition& composition
                                                   Conflict conflict, cMessagePtr& written)
 {
     cTolvaDatabase& database = Station_.Database();
+    // A file that cannot be read now says so here. The settings would give their defaults instead, and once this has
+    // been read, nobody changes the file until the transaction ends.
+    database.OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
     const cMessagePtr stored = Reference() == 0 ? nullptr : database.GetMessage(Reference());
     if (conflict == Conflict::Stop) {
         if (const std::optional<Outcome> difference = Compare(stored)) {

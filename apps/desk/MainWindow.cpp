@@ -3,6 +3,7 @@
 #include "MainWindow.h"
 
 #include "AttachmentList.h"
+#include "ChangeAnnouncement.h"
 #include "ComposeWindow.h"
 #include "DeskSettings.h"
 #include "Failure.h"
@@ -23,6 +24,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTabBar>
@@ -45,18 +47,10 @@ QString TimeNow()
     return ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
 }
 
-/// What keeps the desk from its station, as somebody reads it who can only wait or call.
-QString ConnectionWords(int errorNumber)
+/// A query of the list without its order.
+QString ConditionOf(const QString& query)
 {
-    switch (errorNumber) {
-    case dao::errLocked:
-        return MainWindow::tr("The station is busy on another computer; trying again.");
-    case dao::errFileDamaged:
-    case dao::errUnrecognisedFormat:
-        return MainWindow::tr("The station's file is damaged. Please tell your technician; nothing is written to it.");
-    default:
-        return MainWindow::tr("The station's folder cannot be reached; trying again.");
-    }
+    return query.left(query.lastIndexOf(QStringLiteral(" ORDER BY "))).trimmed();
 }
 } // namespace
 
@@ -150,6 +144,7 @@ void MainWindow::AddTabs()
 {
     auto* strip = List_->findChild<TabStrip*>(QStringLiteral("tbsMessages"));
     QTabBar& tabs = strip->Tabs();
+    tabs.setAccessibleName(strip->accessibleName());
     const QStringList captions = {tr("General"), tr("Personal"), tr("All")};
     for (int i = 0; i < captions.size(); ++i) {
         if (i < tabs.count())
@@ -161,6 +156,16 @@ void MainWindow::AddTabs()
 
 void MainWindow::ConnectList()
 {
+    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this,
+            [this](const QString& query) { ListCondition_ = ConditionOf(query); });
+    // Emptying a folder works on the table alone; other desks are to see it.
+    connect(List_->CategoryMenu()->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
+            [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
+    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this,
+            [this](const QString& query) { ListCondition_ = ConditionOf(query); });
+    // Emptying a folder works on the table alone; other desks are to see it.
+    connect(List_->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
+            [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
     connect(List_, &uMessagesList::MessageSelected, this, &MainWindow::TakeSelection);
     connect(List_, &uMessagesList::NewMessage, this,
             [this](const cMessagePtr& message) { Run([&] { TakeNewMessage(message); }); });
@@ -193,14 +198,21 @@ void MainWindow::SaveSizes()
     Settings_.SetState(SplitterState, Splitter_->saveState());
 }
 
-/// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size.
+/// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size; and
+/// from the event loop, so that a long fill can be left by closing the window.
 void MainWindow::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);
-    if (List_->TolvaDatabase() || !Station_->Database().IsOpen())
+    if (!List_->TolvaDatabase())
+        QTimer::singleShot(0, this, &MainWindow::FillList);
+}
+
+void MainWindow::FillList()
+{
+    if (List_->TolvaDatabase() || !isVisible() || !Station_->Database().IsOpen())
         return;
-    Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
     FittedWidth_ = List_->width();
+    Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
@@ -236,6 +248,9 @@ void MainWindow::closeEvent(QCloseEvent* event)
         }
     }
     SaveSizes();
+    // Ends a fill that is under way.
+    WatchTimer_.stop();
+    Station_->Database().CloseTolvaDatabase();
     event->accept();
     Q_EMIT Closed();
 }
@@ -408,9 +423,10 @@ void MainWindow::ShowCounts()
         return;
     try {
         // Odd numbers are read: the lowest bit of the flags says so.
-        const auto unread = Station_->Database().OpenMessageRows(
-            {QStringLiteral("Reference")},
-            QStringLiteral("[Category]=%1 AND [Flags] IN (0,2,4,6)").arg(List_->Category()));
+        QString condition = ListCondition_;
+        condition += condition.isEmpty() ? QString() : QStringLiteral(" AND ");
+        const auto unread = Station_->Database().OpenMessageRows({QStringLiteral("Reference")},
+                                                                 condition + QStringLiteral("[Flags] IN (0,2,4,6)"));
         const QLocale locale;
         const int all = List_->NumberItems();
         const QString messages = all == 1 ? tr("1 message") : tr("%1 messages").arg(locale.toString(all));
@@ -421,7 +437,7 @@ void MainWindow::ShowCounts()
         User_->setText(user ? user->Name() : QString());
         setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name()));
     } catch (const dao::Error& error) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
+        ShowConnectionProblem(error.Number());
     }
 }
 
@@ -438,67 +454,6 @@ void MainWindow::RefreshAll()
         List_->UpdateCategories();
         List_->UpdateDisplay();
     });
-}
-
-bool MainWindow::TakeRunTimeError(const dao::Error& error)
-{
-    const bool isOfList = error.Source().startsWith(QStringLiteral("uMessagesList."));
-    if (isOfList && error.Number() == dao::errTypeMismatch && error.Source().contains(QStringLiteral("Reply"))) {
-        Reply();
-        return true;
-    }
-    if (isOfList && error.Source().contains(QStringLiteral("timerUpdateList"))) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
-        return true;
-    }
-    return false;
-}
-
-void MainWindow::ShowConnectionProblem(const QString& words)
-{
-    Connection_->Show(words);
-}
-
-void MainWindow::WatchStation()
-{
-    // A file that was taken away is not seen through one that is open already.
-    if (!StationPlace::HoldsStation(Station_->Folder())) {
-        MustReopen_ = true;
-        ShowConnectionProblem(ConnectionWords(dao::errFileNotFound));
-        return;
-    }
-    if (MustReopen_) {
-        ReopenStation();
-        return;
-    }
-    if (Connection_->isHidden())
-        return;
-    try {
-        Station_->Database().OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
-        ShowConnectionProblem(QString());
-        List_->UpdateDisplay();
-    } catch (const dao::Error& error) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
-    }
-}
-
-/// The folder is back, and what lies in it now may be another file than the one that was open.
-void MainWindow::ReopenStation()
-{
-    const enTolvaMessageCategories category = List_->Category();
-    List_->SetTolvaDatabase(nullptr);
-    try {
-        Station_->Reopen();
-        MustReopen_ = false;
-        ShowConnectionProblem(QString());
-        List_->SetTolvaDatabase(&Station_->Database());
-        List_->SetCategory(category);
-        List_->UpdateDisplay();
-    } catch (const Failure& failure) {
-        ShowConnectionProblem(failure.Words());
-    } catch (const dao::Error& error) {
-        ShowConnectionProblem(ConnectionWords(error.Number()));
-    }
 }
 
 void MainWindow::FocusNextPane(bool backwards)

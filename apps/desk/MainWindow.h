@@ -84,6 +84,7 @@ private:
     void MakeViewMenu();
     void MakeHelpMenu();
     QWidget* MakeMessageSide();
+    void FillList();
     void FitSubjects();
     QAction* AddAction(QMenu* menu, const char* name, const QString& icon, const QString& text,
                        const QKeySequence& key = {});
@@ -100,7 +101,7 @@ private:
     void CheckSelectedIsThere();
     void MarkAsRead(qint32 reference);
     void ShowCounts();
-    void ShowConnectionProblem(const QString& words);
+    void ShowConnectionProblem(int errorNumber);
     void ReopenStation();
     void EditUsers();
     void ShowShortcuts();
@@ -121,6 +122,7 @@ private:
     QTimer WatchTimer_;
     QTimer FitTimer_;
     int FittedWidth_ = 0;
+    QString ListCondition_; ///< Of the rows on show.
     bool MustReopen_ = false;
     QList<QPointer<QMainWindow>> Windows_;
 };

@@ -5,6 +5,7 @@
 #include "MainWindow.h"
 #include "PreviewPane.h"
 #include "ShortcutsDialog.h"
+#include "common/dialogs/frmDirectoryUsers.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/Icons.h"
 
@@ -224,4 +225,11 @@ void MainWindow::ShowAbout()
     box.exec();
 }
 
-void MainWindow::EditUsers() {}
+void MainWindow::EditUsers()
+{
+    Run([this] {
+        frmDirectoryUsers dialog(Station_->Directory(), this);
+        dialog.exec();
+    });
+    CountTimer_.start();
+}

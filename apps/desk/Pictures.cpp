@@ -14,6 +14,7 @@
 #include "StationPlace.h"
 #include "UnusualMessages.h"
 #include "common/UserInterface.h"
+#include "common/dialogs/frmDirectoryUsers.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 
@@ -89,6 +90,13 @@ bool CopyFolder(const QString& from, const QString& to)
     return true;
 }
 
+/// The platform without a screen says of each window what it cannot do; nobody needs to read that.
+void ShowMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (!text.startsWith(QStringLiteral("This plugin does not support")))
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+}
+
 class Tour
 {
 public:
@@ -103,10 +111,15 @@ public:
 
     bool Go(bool withLarge)
     {
+        // A manual is read on other screens than the one it was made on.
+        QFont font = QApplication::font();
+        font.setStyleStrategy(QFont::NoSubpixelAntialias);
+        QApplication::setFont(font);
         Appearance::Apply(QStringLiteral("light"));
         if (!Desk_.OpenStation(Folder_, StationPlace::DefaultUserName()))
             return false;
         Window().resize(WindowSize);
+        Wait([this] { return Window().List().TolvaDatabase() && !Window().List().IsFilling(); });
         const int unusual = UnusualMessages::FileInto(Window().Station().Database());
         Window().List().UpdateCategories();
         Inbox();
@@ -141,7 +154,7 @@ private:
         picture.fill(widget.palette().color(QPalette::Window));
         widget.render(&picture);
         const QString file = QDir(Pictures_).filePath(QLatin1String(name) + QStringLiteral(".png"));
-        if (picture.save(file)) {
+        if (picture.toImage().convertToFormat(QImage::Format_RGB32).save(file)) {
             std::printf("%s\n", qPrintable(file));
         } else {
             std::fprintf(stderr, "%s could not be saved.\n", qPrintable(file));
@@ -249,6 +262,7 @@ private:
                 QStringLiteral("Hello,\n\nthank you for writing! We will play it on Sunday after the news."));
         Save(*windows.at(1), "compose-reply");
         Appearance::Apply(QStringLiteral("dark"));
+        Settle();
         Save(*windows.at(0), "compose-forward-dark");
         Appearance::Apply(QStringLiteral("light"));
         for (ComposeWindow* window : windows)
@@ -271,6 +285,8 @@ private:
         SignInDialog signIn({QStringLiteral("Petra"), QStringLiteral("Ravi"), QStringLiteral("Technician")},
                             QStringLiteral("Ravi"));
         show(signIn, "sign-in");
+        frmDirectoryUsers users(Window().Station().Directory(), &Window());
+        show(users, "users");
         ShortcutsDialog shortcuts(&Window());
         show(shortcuts, "shortcuts");
     }
@@ -286,6 +302,7 @@ private:
         Go(tmcInbox);
         std::fprintf(stderr, "Shown after %.1f seconds.\n", static_cast<double>(timer.elapsed()) / 1000);
         Select(Grid().Rows() / 2);
+        Grid().SetTopRow(Grid().Rows() / 2 - 3);
         Save(Window(), "desk-100000");
     }
 
@@ -310,6 +327,7 @@ int Pictures::Take(const DeskOptions& options)
         std::fprintf(stderr, "tolva-desk: the pictures cannot be saved in %s.\n", qPrintable(pictures));
         return exitCannotCreate;
     }
+    qInstallMessageHandler(ShowMessage);
     TourUserInterface userInterface;
     try {
         Tour tour(station, pictures);

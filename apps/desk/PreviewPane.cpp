@@ -44,8 +44,11 @@ PreviewPane::PreviewPane(QWidget* parent)
 void PreviewPane::Select(const cMessagePtr& message)
 {
     const bool isSame = message && Selected_ && message->Reference() == Selected_->Reference();
-    if (isSame && Shown_ == Selected_ && message->CDOMessage()->Octets() == Selected_->CDOMessage()->Octets()) {
-        // Only its row changed, such as being read.
+    // The list's own marking saves the message, and each save marks its highlight words anew: that is nothing to jump
+    // to the top of the page for.
+    const bool isOnlyRead = isSame && (message->Flags() ^ Selected_->Flags()) == mfRead;
+    if (isSame && Shown_ == Selected_ &&
+        (isOnlyRead || message->CDOMessage()->Octets() == Selected_->CDOMessage()->Octets())) {
         Shown_ = Selected_ = message;
         return;
     }

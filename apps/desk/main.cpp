@@ -62,7 +62,8 @@ int main(int argc, char** argv)
     QApplication::setQuitOnLastWindowClosed(false);
     Desk desk(settings, &userInterface);
     QObject::connect(&desk, &Desk::Finished, &application, &QApplication::quit);
+    // Choosing no station is no failure; a named one that does not open is.
     if (!desk.Start(options))
-        return exitNoInput;
+        return options.Folder.isEmpty() ? exitOK : exitNoInput;
     return QApplication::exec();
 }

@@ -44,6 +44,7 @@ const QList<KnownSetting>& KnownSettings()
         {QStringLiteral("Station.Address"), none},
         {QStringLiteral("Station.PhoneNumber"), none},
         {QStringLiteral("Station.SMSPhoneNumber"), none},
+        {QStringLiteral("Station.EmailAddress"), none},
         {QStringLiteral("Station.CompanyNumber"), none},
         {QStringLiteral("Station.VATNumber"), none},
         {QStringLiteral("SMS.CurrentSong"), QStringLiteral("SONG")},

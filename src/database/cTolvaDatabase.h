@@ -158,6 +158,9 @@ public:
     bool CopyMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool MoveMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool DeleteMessage(qint32 reference, bool deletePermanently);
+    /// Sets and clears bits of enMsgFlags in the stored row and leaves the rest of the row, the mail included, as it is
+    /// at that moment on whatever computer. Moves the change stamp, like a save. Needs the right to edit the message.
+    bool ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear);
     /// Erases all messages of a folder, all or none of them. Raises no event, writes no audit entry and leaves the
     /// change stamp alone; rights are the caller's concern. False when it failed.
     bool DeleteMessagesOfCategory(enTolvaMessageCategories category);

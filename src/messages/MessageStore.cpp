@@ -12,6 +12,7 @@ namespace
 {
 const QString MessagesTable = QStringLiteral("Messages");
 const QString MainIndex = QStringLiteral("Main");
+const QString FlagsColumn = QStringLiteral("Flags");
 const QString LastChangedSetting = QStringLiteral("Messages.LastChanged");
 
 /// Kinds of the user log.
@@ -241,6 +242,33 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     if (pending.Number() == 0 && RaiseEvents_)
         Q_EMIT MessageDeleted(message);
     return pending.Number() == 0;
+}
+
+bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear)
+{
+    KeepLastError(PendingError());
+    if (Location().isEmpty() || reference <= 0)
+        return false;
+    const cMessagePtr message = GetMessage(reference);
+    if (!message || !MayEditMessage(*message))
+        return false;
+    const auto change = [&](dao::Recordset& row) {
+        row.Edit();
+        const qint32 flags = (row.Collect(FlagsColumn).toInt() | set) & ~clear;
+        row.SetCollect(FlagsColumn, flags);
+        row.Update();
+        message->SetFlags(flags);
+    };
+    PendingError pending;
+    if (!ChangeMessageRow(reference, change, pending))
+        return false;
+    const bool changed = pending.Number() == 0;
+    if (changed)
+        SetLastMessageChanged(ClockHelper::NowUTC());
+    FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
+    if (changed && RaiseEvents_)
+        Q_EMIT MessageSaved(message, true);
+    return changed;
 }
 
 bool cTolvaDatabase::DeleteMessagesOfCategory(enTolvaMessageCategories category)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QElapsedTimer>
 
 /// The box of the find bar. Enter, and "+" as well, ask for the search; its user fills the list when it drops down.
 class FindBox : public QComboBox
@@ -15,6 +16,8 @@ public:
     /// As it is about to drop down: the list's entries, while the typed text stays.
     void SetEntries(const QStringList& entries);
     void showPopup() override;
+    /// Somebody typed a moment ago and may go on.
+    bool IsBeingTyped() const;
 
 Q_SIGNALS:
     void DropDown();
@@ -26,6 +29,9 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    QElapsedTimer SinceTyped_;
 };
 
 /// Selects the whole text of a box.

@@ -11,6 +11,8 @@
 namespace
 {
 constexpr qsizetype Looked = 4096;
+/// Octets. Nobody's mail is as large, and the memory would have to hold it several times.
+constexpr qint64 LargestMail = 256LL << 20;
 
 /// Whether octets may be a mail: they begin with a header line (RFC 5322, 2.2), or at least with text. A picture or a
 /// program does neither.
@@ -35,7 +37,8 @@ void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
 
 cMessagePtr LoadMessageFromEml(const QString& fileName)
 {
-    if (fileName.isEmpty() || FileHelper::FileSize(fileName) <= 0)
+    const qint64 size = fileName.isEmpty() ? 0 : FileHelper::FileSize(fileName);
+    if (size <= 0 || size > LargestMail)
         return nullptr;
     QFile file(fileName);
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))

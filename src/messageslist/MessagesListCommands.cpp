@@ -200,18 +200,17 @@ void uMessagesList::MarkAllRows(bool read)
 
 void uMessagesList::MarkAllOfQuery(bool read)
 {
-    const bool raised = clsTolvaDatabase_->RaiseEvents();
     clsTolvaDatabase_->SetRaiseEvents(false);
     const QPointer<cTolvaDatabase> database(clsTolvaDatabase_);
     const auto restore = qScopeGuard([&] {
         if (database)
-            database->SetRaiseEvents(raised);
+            database->SetRaiseEvents(true);
     });
     const auto messages = database->GetMessages(CurrentQuery_);
     if (!messages)
         return;
-    for (qint16 i = 1; i <= messages->Count(); ++i) {
-        const cMessagePtr message = messages->Message(i);
+    for (int i = 1; i <= messages->Count(); ++i) { // an index of 16 bits would not end after 32,767
+        const cMessagePtr message = messages->Message(static_cast<qint16>(i));
         SetRead(*message, read);
         database->SaveMessage(message);
     }

@@ -11,6 +11,7 @@
 #include "platform/widgets/DragData.h"
 
 #include <QFileInfo>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -57,7 +58,7 @@ Qt::DropAction uMessagesList::EffectOver(const QString& node, const QMimeData& d
     if (node.isEmpty() || !clsTolvaDatabase_ || !CurrentUser())
         return Qt::IgnoreAction;
     const QString text = TextOf(dragged);
-    if (DragData::HasFiles(dragged) && !IsOwn(text)) {
+    if (!IsOwn(text) && DragData::HasFiles(dragged)) {
         if (!MayEditMessages())
             return Qt::IgnoreAction;
         const QStringList files = DragData::Files(dragged);
@@ -76,18 +77,23 @@ Qt::DropAction uMessagesList::EffectOver(const QString& node, const QMimeData& d
 void uMessagesList::TakeDrop(const QMimeData& dragged, Qt::DropAction& effect)
 {
     effect = Qt::IgnoreAction;
+    // After an error too.
+    const QPointer<CategoryTreeView> tree(treeCategories_);
+    const auto finish = qScopeGuard([tree] {
+        if (tree)
+            tree->SetDropHighlight(QString());
+    });
     const QString node = treeCategories_->DropHighlight();
-    if (!node.isEmpty() && HasDatabase() && CurrentUser()) {
-        const QString text = TextOf(dragged);
-        const QString word = FirstWord(text);
-        if (word == MessagesListTexts::MessageWord)
-            DropMessage(text, node, effect);
-        else if (word == MessagesListTexts::CategoryWord)
-            DropCategory(text, node, effect);
-        else if (DragData::HasFiles(dragged) && MayEditMessages())
-            DropFiles(DragData::Files(dragged), node, effect);
-    }
-    treeCategories_->SetDropHighlight(QString());
+    if (node.isEmpty() || !HasDatabase() || !CurrentUser())
+        return;
+    const QString text = TextOf(dragged);
+    const QString word = FirstWord(text);
+    if (word == MessagesListTexts::MessageWord)
+        DropMessage(text, node, effect);
+    else if (word == MessagesListTexts::CategoryWord)
+        DropCategory(text, node, effect);
+    else if (DragData::HasFiles(dragged) && MayEditMessages())
+        DropFiles(DragData::Files(dragged), node, effect);
 }
 
 void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::DropAction& effect)
@@ -113,8 +119,11 @@ void uMessagesList::DropCategory(const QString& text, const QString& node, Qt::D
         return;
     const qint32 parent = CategoryOfKey(node);
     if (category->Reference() != parent) {
+        // Below a folder of its own the tree becomes a ring, which loading cuts. Storing the folders below with it
+        // would erase it there, as one that its new parent does not know.
+        const bool isRing = category->FindCategory(parent) != nullptr;
         category->SetParentReference(parent);
-        clsTolvaDatabase_->SaveMessageCategory(*category, true);
+        clsTolvaDatabase_->SaveMessageCategory(*category, !isRing);
         clsTolvaDatabase_->UpdateCategoryTree();
     }
     UpdateCategories();
@@ -127,7 +136,6 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     const auto file = std::find_if(files.begin(), files.end(), IsMailFile);
     if (file == files.end() || CategoryOfKey(node) <= 0)
         return;
-    effect = Qt::CopyAction;
     if (const cMessagePtr message = LoadMessageFromEml(*file)) {
         message->SetReference(0);
         message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
@@ -135,6 +143,7 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     } else {
         Q_EMIT ImportRefused(*file);
     }
+    effect = Qt::CopyAction;
     treeCategories_->SelectNode(node);
     TakeNodeClick(node);
 }

@@ -44,7 +44,9 @@ void uMessagesList::UpdateDisplay()
         const bool treeHadFocus = treeCategories_->hasFocus();
         setCursor(Qt::WaitCursor);
         DisplayBusy_ = true;
-        treeCategories_->setEnabled(false);
+        // A disabled tree would end the typing of a folder's name in the middle, and store the half of it.
+        if (!treeCategories_->IsEditingLabel())
+            treeCategories_->setEnabled(false);
         tbsMessages_->setEnabled(false);
         timerUpdateList_->stop();
         // A disabled tree loses the focus to a neighbour.
@@ -70,7 +72,7 @@ void uMessagesList::UpdateDisplay()
         Q_EMIT UpdateDisplay(CurrentQuery_);
         if (!self || !HasDatabase())
             return;
-        if (DisplayMessageList_)
+        if (DisplayMessageList_ && !RowsFollow_)
             Fill(query, rowToRestore, referenceToRestore);
         if (!self || !HasDatabase())
             return;
@@ -198,8 +200,9 @@ void uMessagesList::RefreshAllRows()
 
 void uMessagesList::Tick()
 {
-    // A fill would end the typing of a folder's name in the middle.
-    if (!HasDatabase() || treeCategories_->IsEditingLabel())
+    // A fill would end the typing of a folder's name in the middle, take half a find text and select it under the
+    // typing hand. It comes with the tick behind.
+    if (!HasDatabase() || treeCategories_->IsEditingLabel() || comboFind_->IsBeingTyped())
         return;
     const Date stamp = clsTolvaDatabase_->LastMessageChanged();
     if (stamp.IsNone()) {

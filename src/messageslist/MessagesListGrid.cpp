@@ -98,17 +98,19 @@ void uMessagesList::StartGridDrag()
     auto* dragged = new DragData; // the drag destroys it
     dragged->SetText(
         QStringLiteral("%1 Reference=\"%2\"").arg(MessagesListTexts::MessageWord).arg(message->Reference()));
-    dragged->PromiseFiles([self] { return self ? self->WritePromisedFile() : QStringList(); });
+    dragged->PromiseFiles(
+        [self, reference = message->Reference()] { return self ? self->WritePromisedFile(reference) : QStringList(); });
     DragRunner::Run(*grdMessages_, dragged, Qt::CopyAction | Qt::MoveAction);
 }
 
-/// Writes the selected message into the folder of temporary files when a target asks for the promised file. The file is
-/// named by the subject as it stands; a subject that leads out of that folder gives no file.
-QStringList uMessagesList::WritePromisedFile()
+/// Writes the dragged message, whatever is selected by now, into the folder of temporary files when a target asks for
+/// the promised file. The file is named by the subject as it stands; a subject that leads out of that folder gives no
+/// file.
+QStringList uMessagesList::WritePromisedFile(qint32 reference)
 {
     QStringList files;
     Handle("grdMessages_OLESetData", [&] {
-        const cMessagePtr message = SelectedMessage();
+        const cMessagePtr message = clsTolvaDatabase_ ? clsTolvaDatabase_->GetMessage(reference) : nullptr;
         const QString temporary = GetTempFile(QString(), QStringLiteral("TMP"));
         if (!message || temporary.isEmpty())
             return;

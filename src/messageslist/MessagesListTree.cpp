@@ -51,9 +51,8 @@ void uMessagesList::TakeNodeClick(const QString& key)
     if (CurrentUser())
         CurrentUser()->SetPreference(MessagesListTexts::CategoryPreference, static_cast<qint32>(category));
     const QPointer<uMessagesList> self(this);
-    const bool treeHadFocus = treeCategories_->hasFocus();
     UpdateDisplay();
-    if (self && treeHadFocus && treeCategories_->isEnabled() && treeCategories_->SelectedKey() == key)
+    if (self && treeCategories_->isEnabled() && treeCategories_->SelectedKey() == key)
         treeCategories_->setFocus();
 }
 
@@ -62,6 +61,7 @@ void uMessagesList::TakeTreeKey(QKeyEvent* event)
     if (event->key() == Qt::Key_F5) {
         event->accept();
         Handle("treeCategories_KeyDown", [this] {
+            // What other computers did to the folders shows here first.
             if (HasDatabase())
                 clsTolvaDatabase_->UpdateCategoryTree();
             UpdateCategories();
@@ -87,7 +87,7 @@ void uMessagesList::Rename(bool& cancel, const QString& newText)
     }
     cancel = true; // until it is stored
     Handle("treeCategories_AfterLabelEdit", [&] {
-        const auto category = StoredCategory(CategoryOfKey(treeCategories_->SelectedKey()));
+        const auto category = StoredCategory(CategoryOfKey(treeCategories_->EditedKey()));
         if (!category)
             return;
         category->SetDescription(newText);
@@ -166,20 +166,28 @@ void uMessagesList::NewFolder()
     const QString selected = treeCategories_->SelectedKey();
     if (selected.isEmpty() || !HasDatabase())
         return;
-    auto added = std::make_unique<clsCategory>();
-    added->SetReference(static_cast<qint16>(clsTolvaDatabase_->LastMessageCategoryReference() + 1));
-    added->SetDescription(QStringLiteral("New Category"));
     clsCategory& root = clsTolvaDatabase_->MessageCategories();
     clsCategory* parent = CurrentCategory_ != 0 ? root.FindCategory(CurrentCategory_) : &root;
     if (!parent)
         return;
-    clsCategory& category = parent->AddSubCategory(std::move(added));
-    category.SetParentReference(CurrentCategory_);
-    if (!clsTolvaDatabase_->SaveMessageCategory(category, true))
+    auto added = std::make_unique<clsCategory>();
+    added->SetParentReference(CurrentCategory_);
+    added->SetReference(static_cast<qint16>(clsTolvaDatabase_->LastMessageCategoryReference() + 1));
+    added->SetDescription(QStringLiteral("New Category"));
+    // The tree in memory takes it only when it is stored: whatever fails leaves no folder there that is none.
+    if (!clsTolvaDatabase_->SaveMessageCategory(*added, true))
         return;
+    const QString key = CategoryKey(added->Reference());
+    const QString name = added->Description();
+    if (treeCategories_->HasNode(key)) {
+        // Another computer deleted the folder that had this number, and the tree shows it still.
+        clsTolvaDatabase_->UpdateCategoryTree();
+        UpdateCategories();
+    } else {
+        parent->AddSubCategory(std::move(added));
+    }
     treeCategories_->Expand(selected);
-    const QString key = CategoryKey(category.Reference());
-    treeCategories_->AddNode(selected, key, category.Description(), Icons::Get(QStringLiteral("smallclosedfolder")),
+    treeCategories_->AddNode(selected, key, name, Icons::Get(QStringLiteral("smallclosedfolder")),
                              Icons::Get(QStringLiteral("smallopenfolder")));
     treeCategories_->SortChildren(key);
     treeCategories_->EnsureVisible(key);

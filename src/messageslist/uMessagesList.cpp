@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <algorithm>
@@ -80,13 +81,35 @@ void uMessagesList::SetTolvaDatabase(cTolvaDatabase* database)
     Entry("mnuReadSep")->setVisible(false);
     const clsKVDirectory* directory = database->DirectoryDatabase();
     SetCurrentUser(directory ? directory->CurrentUser() : nullptr);
-    if (clsCurrentUser_) {
-        TakePreferencesChange(PreferencesFlag, QString());
-        SetCategory(static_cast<enTolvaMessageCategories>(
-            clsCurrentUser_->Preference(MessagesListTexts::CategoryPreference, tmcInbox).toInt()));
-        Entry("mnuReadSep")->setVisible(true);
-    }
+    if (clsCurrentUser_ && !ShowFolderOfUser())
+        return;
     UpdateCategories();
+}
+
+/// Shows the folder that the user left last. False when the host took this station, or the list, away meanwhile.
+bool uMessagesList::ShowFolderOfUser()
+{
+    const QPointer<uMessagesList> self(this);
+    const QPointer<cTolvaDatabase> attached = clsTolvaDatabase_;
+    const auto folder = static_cast<enTolvaMessageCategories>(
+        clsCurrentUser_->Preference(MessagesListTexts::CategoryPreference, tmcInbox).toInt());
+    {
+        // The rows of all folders would be read only to be replaced by those of one.
+        RowsFollow_ = folder != CurrentCategory_ && attached->MessageCategories().FindCategory(folder) != nullptr;
+        const auto reset = qScopeGuard([self] {
+            if (self)
+                self->RowsFollow_ = false;
+        });
+        TakePreferencesChange(PreferencesFlag, QString());
+    }
+    const auto isAttached = [&] { return self && attached && clsTolvaDatabase_ == attached; };
+    if (!isAttached())
+        return false;
+    SetCategory(folder);
+    if (!isAttached())
+        return false;
+    Entry("mnuReadSep")->setVisible(true);
+    return true;
 }
 
 void uMessagesList::ConnectDatabase()

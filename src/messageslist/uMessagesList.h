@@ -151,6 +151,7 @@ private:
 
     // Making and wiring; uMessagesList.cpp.
     void ConnectDatabase();
+    bool ShowFolderOfUser();
     void SetCurrentUser(clsKVUser* user);
     clsKVUser* CurrentUser() const { return clsCurrentUser_; }
     bool HasDatabase() const;
@@ -197,7 +198,7 @@ private:
     void TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips);
     void TakeGridMouseUp(Qt::MouseButton button);
     void StartGridDrag();
-    QStringList WritePromisedFile();
+    QStringList WritePromisedFile(qint32 reference);
 
     // The tree; MessagesListTree.cpp.
     void TakeNodeClick(const QString& key);
@@ -261,6 +262,7 @@ private:
     bool Initialised_ = false;
     bool DisplayBusy_ = false;
     bool Filling_ = false;
+    bool RowsFollow_ = false; ///< A fill of another folder comes at once, so that this one need not be read.
     Date LastChangedStamp_;
     QPointF GridDragStart_; ///< Twips; none for x 0.
     QPointF TreeDragStart_;

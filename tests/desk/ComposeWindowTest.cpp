@@ -2,6 +2,7 @@
 
 #include "BodyEdit.h"
 #include "DeskTest.h"
+#include "StationPlace.h"
 #include "support/ScriptedFileDialog.h"
 
 #include <QAction>
@@ -16,6 +17,8 @@
 #include <QToolButton>
 #include <QUrl>
 #include <QtTest>
+
+#include <sqlite3.h>
 
 namespace
 {
@@ -219,6 +222,24 @@ TEST_F(ComposeWindowTest, AFailedSaveKeepsTheWindowAndTheText)
     }
     EXPECT_TRUE(Window->isVisible());
     EXPECT_EQ(Body()->toPlainText(), QStringLiteral("Text"));
+}
+
+TEST_F(ComposeWindowTest, AStationThatAnotherProgramLocksKeepsTheTextAndSaysSo)
+{
+    Open();
+    FillIn();
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(StationPlace::FileIn(Folder()).toUtf8().constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    Ui.ExpectWarning(
+        QStringLiteral("The message was not saved. The station in %1 is locked by another computer or program. "
+                       "Try again in a moment.\n\nNothing that you wrote is lost: this window stays open.")
+            .arg(Folder()));
+    EXPECT_FALSE(Window->Send());
+    sqlite3_close(other);
+    EXPECT_EQ(Body()->toPlainText(), QStringLiteral("Text"));
+    EXPECT_TRUE(Window->Send());
+    EXPECT_EQ(MessagesIn(tmcOutbox).size(), 1);
 }
 
 TEST_F(ComposeWindowTest, ADraftThatAnotherComputerChangedIsNotOverwritten)

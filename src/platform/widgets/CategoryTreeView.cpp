@@ -31,11 +31,13 @@ public:
     void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override
     {
         const QString text = qobject_cast<QLineEdit*>(editor)->text();
+        // What is told may rebuild the tree, and the node with it.
+        const QPersistentModelIndex node(index);
+        Tree_.EditedKey_ = index.data(KeyRole).toString();
         bool cancel = false;
         Q_EMIT Tree_.AfterLabelEdit(cancel, text);
-        // What was told may have rebuilt the tree, and the node with it.
-        if (!cancel && index.isValid())
-            model->setData(index, text, Qt::EditRole);
+        if (!cancel && node.isValid())
+            model->setData(node, text, Qt::EditRole);
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
@@ -204,15 +206,19 @@ void CategoryTreeView::EndMouseTracking()
 
 void CategoryTreeView::keyPressEvent(QKeyEvent* event)
 {
+    // What the editor of a label leaves over, such as its Enter, comes here as its parent.
+    if (IsEditingLabel())
+        return;
     event->ignore();
     Q_EMIT KeyDown(event);
     if (event->isAccepted())
         return;
     const QString before = SelectedKey();
     QTreeWidget::keyPressEvent(event);
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space)
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space) {
+        event->accept(); // or a dialog around the tree takes it for its default button
         ChooseSelected();
-    else if (SelectedKey() != before)
+    } else if (SelectedKey() != before)
         KeyRest_.start();
 }
 

@@ -44,6 +44,8 @@ public:
     /// Lets the user type another text for the selected node, after BeforeLabelEdit allowed it.
     void StartLabelEdit();
     bool IsEditingLabel() const { return state() == QAbstractItemView::EditingState; }
+    /// Whose text was typed, at AfterLabelEdit: by then another node may be selected.
+    const QString& EditedKey() const { return EditedKey_; }
     /// Ends a left-button gesture as a button-up would, so that a drag can start.
     void EndMouseTracking();
 
@@ -85,6 +87,7 @@ private:
     QString ShownSelected_; ///< Bears the icon of a selected node.
     QString DropHighlight_;
     QString PressedKey_;
+    QString EditedKey_;
     QTimer KeyRest_;
     bool Tracking_ = false;
 };

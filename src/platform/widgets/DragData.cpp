@@ -69,7 +69,10 @@ QStringList DragData::Files(const QMimeData& data)
 
 bool DragData::HasFiles(const QMimeData& data)
 {
-    return data.hasFormat(UriList);
+    // A promise is not asked for; a link to a page is no file.
+    if (const auto* own = qobject_cast<const DragData*>(&data); own && own->ProvideFiles_)
+        return true;
+    return !Files(data).isEmpty();
 }
 
 Qt::DropAction DragRunner::Run(QWidget& source, DragData* data, Qt::DropActions allowed)

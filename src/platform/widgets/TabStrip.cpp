@@ -6,8 +6,31 @@
 #include <QEvent>
 #include <QTabBar>
 
+#include <functional>
+#include <utility>
+
+namespace
+{
+/// A hidden bar asks nobody for room when it gets a tab, so it tells its strip.
+class Bar : public QTabBar
+{
+public:
+    Bar(QWidget* parent, std::function<void()> changed) : QTabBar(parent), Changed_(std::move(changed)) {}
+
+protected:
+    void tabInserted(int) override { Changed_(); }
+    void tabRemoved(int) override { Changed_(); }
+
+private:
+    std::function<void()> Changed_;
+};
+} // namespace
+
 TabStrip::TabStrip(QWidget* parent)
-    : QFrame(parent), Tabs_(new QTabBar(this)), Page_(new QWidget(this)), BackColour_(SystemColour::ButtonFace)
+    : QFrame(parent),
+      Tabs_(new Bar(this, [this] { LayOut(); })),
+      Page_(new QWidget(this)),
+      BackColour_(SystemColour::ButtonFace)
 {
     Tabs_->setDocumentMode(true);
     Tabs_->setDrawBase(false);
@@ -15,9 +38,6 @@ TabStrip::TabStrip(QWidget* parent)
     Tabs_->addTab(QStringLiteral(" "));
     setAutoFillBackground(true);
     connect(Tabs_, &QTabBar::currentChanged, this, &TabStrip::TabClick);
-    // Tabs come and go with whoever adds them, and the bar grows with its captions.
-    Tabs_->installEventFilter(this);
-    LayOut();
 }
 
 int TabStrip::Tab() const
@@ -56,11 +76,12 @@ void TabStrip::changeEvent(QEvent* event)
         ApplyColour();
 }
 
-bool TabStrip::eventFilter(QObject* watched, QEvent* event)
+/// The bar grows with its captions.
+bool TabStrip::event(QEvent* event)
 {
-    if (watched == Tabs_ && event->type() == QEvent::LayoutRequest)
+    if (event->type() == QEvent::LayoutRequest)
         LayOut();
-    return QFrame::eventFilter(watched, event);
+    return QFrame::event(event);
 }
 
 void TabStrip::LayOut()

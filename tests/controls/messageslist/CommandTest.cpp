@@ -182,9 +182,9 @@ TEST_F(CommandTest, AMessageThatAnotherComputerDeletedGivesNothingToAnyCommand)
     QTest::mouseClick(Grid->viewport(), Qt::RightButton, {}, RowPosition(1));
     List->MessageMenu()->close();
     ASSERT_TRUE(OtherComputer().DeleteMessage(Reference, true));
-    for (const char* name : {"mnuOpen", "mnuPrint", "mnuReplyMessage", "mnuForwardMessage", "mnuCopy",
-                             "mnuExportMessage", "mnuDelete", "mnuMarkAsRead", "mnuMarkasUnread", "mnuMarkAllRead1",
-                             "mnuMarkAllRead2"}) {
+    for (const char* name :
+         {"mnuOpen", "mnuPrint", "mnuReplyMessage", "mnuForwardMessage", "mnuCopy", "mnuExportMessage", "mnuDelete",
+          "mnuMarkAsRead", "mnuMarkasUnread", "mnuMarkAllRead1", "mnuMarkAllRead2"}) {
         Entry(name).setEnabled(true);
         Entry(name).setVisible(true);
         Entry(name).trigger();
@@ -201,9 +201,9 @@ TEST_F(CommandTest, WithoutAMessageThereIsNothingToDo)
 {
     ClickNode(tmcSaved);
     ASSERT_EQ(List->SelectedReference(), 0);
-    for (const char* name : {"mnuOpen", "mnuPrint", "mnuReplyMessage", "mnuForwardMessage", "mnuCopy",
-                             "mnuExportMessage", "mnuDelete", "mnuMarkAsRead", "mnuMarkasUnread", "mnuMarkAllRead1",
-                             "mnuMarkAllRead2"}) {
+    for (const char* name :
+         {"mnuOpen", "mnuPrint", "mnuReplyMessage", "mnuForwardMessage", "mnuCopy", "mnuExportMessage", "mnuDelete",
+          "mnuMarkAsRead", "mnuMarkasUnread", "mnuMarkAllRead1", "mnuMarkAllRead2"}) {
         Entry(name).setVisible(true);
         Entry(name).setEnabled(true);
         Entry(name).trigger();
@@ -217,10 +217,10 @@ TEST_F(CommandTest, WithoutAMessageThereIsNothingToDo)
 TEST_F(CommandTest, CommandsWithoutAStationDoNothing)
 {
     List->SetTolvaDatabase(nullptr);
-    for (const char* name : {"mnuOpen", "mnuPrint", "mnuReplyMessage", "mnuForwardMessage", "mnuCopy",
-                             "mnuExportMessage", "mnuDelete", "mnuMarkAsRead", "mnuMarkasUnread", "mnuMarkAllRead1",
-                             "mnuMarkAllRead2", "mnuNewFolder", "mnuDeleteFolder", "mnuEmpty", "mnuRenameFolder",
-                             "mnuCategoryAllRead", "mnuCategoryAllUnRead", "mnuNewMessage"}) {
+    for (const char* name :
+         {"mnuOpen", "mnuPrint", "mnuReplyMessage", "mnuForwardMessage", "mnuCopy", "mnuExportMessage", "mnuDelete",
+          "mnuMarkAsRead", "mnuMarkasUnread", "mnuMarkAllRead1", "mnuMarkAllRead2", "mnuNewFolder", "mnuDeleteFolder",
+          "mnuEmpty", "mnuRenameFolder", "mnuCategoryAllRead", "mnuCategoryAllUnRead", "mnuNewMessage"}) {
         Entry(name).setVisible(true);
         Entry(name).setEnabled(true);
         Entry(name).trigger();

@@ -122,9 +122,9 @@ TEST_F(FileDropTest, WhatIsNoMailIsRefusedAloudAndNothingIsStored)
     ASSERT_TRUE(QDir(Outside.path()).mkdir(QStringLiteral("folder.eml")));
     QByteArray picture("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\1", 20);
     picture += QByteArray(500, '\0');
-    const QStringList paths = {Outside.filePath(QStringLiteral("folder.eml")), MakeFile(QStringLiteral("empty.eml"), {}),
-                               MakeFile(QStringLiteral("picture.eml"), picture),
-                               Outside.filePath(QStringLiteral("vanished.eml"))};
+    const QStringList paths = {
+        Outside.filePath(QStringLiteral("folder.eml")), MakeFile(QStringLiteral("empty.eml"), {}),
+        MakeFile(QStringLiteral("picture.eml"), picture), Outside.filePath(QStringLiteral("vanished.eml"))};
     QStringList expected;
     for (const QString& path : paths) {
         List->SetCategory(tmcInbox);

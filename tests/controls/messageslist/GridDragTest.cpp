@@ -214,7 +214,6 @@ TEST_F(MessagesListDragTest, WithoutADropOfFilesNoneIsWritten)
 TEST_F(MessagesListDragTest, TheFileGoesWithTheList)
 {
     SaveMany(1);
-    uMessagesList other;
     Attach();
     Target = [](const DragData& data) {
         DragData::Files(data);
@@ -241,6 +240,35 @@ TEST_F(MessagesListDragTest, AMessageDeletedBeforeTheDropGivesNoFile)
     };
     DragRow(1);
     EXPECT_EQ(dropped, QStringList{});
+}
+
+TEST_F(MessagesListDragTest, TheFileIsTheDraggedMessagesAlsoWhenAnotherIsSelectedMeanwhile)
+{
+    const QList<qint32> references = SaveMany(3);
+    Attach();
+    QStringList dropped;
+    Target = [&](const DragData& data) {
+        Grid->SetRow(3);
+        EXPECT_EQ(List->SelectedReference(), references.at(2));
+        dropped = DragData::Files(data);
+        return Qt::CopyAction;
+    };
+    DragRow(1);
+    EXPECT_EQ(dropped, QStringList{TemporaryFolder() + QStringLiteral("/Message 1.eml")});
+}
+
+TEST_F(MessagesListDragTest, AMailWithoutSubjectIsAFileAsWell)
+{
+    Save(QString());
+    Attach();
+    QStringList dropped;
+    Target = [&](const DragData& data) {
+        dropped = DragData::Files(data);
+        return Qt::CopyAction;
+    };
+    DragRow(1);
+    EXPECT_EQ(dropped, QStringList{TemporaryFolder() + QStringLiteral("/.eml")});
+    EXPECT_TRUE(QFile::exists(dropped.value(0)));
 }
 
 TEST_F(MessagesListDragTest, ASubjectThatLeadsOutOfTheFolderGivesNoFileAndAnError)

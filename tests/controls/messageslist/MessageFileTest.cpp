@@ -116,8 +116,9 @@ TEST_F(MessageFileTest, WhatIsNoFileOrNoMailGivesNothing)
 TEST_F(MessageFileTest, DamagedMailIsReadAsFarAsItGoes)
 {
     for (const QByteArray& octets :
-         {QByteArray("x"), QByteArray("\r\n"), QByteArray("Subject"), QByteArray("Subject:"), QByteArray("\xFF\xFE\xFD"),
-          QByteArray("Content-Type: multipart/mixed; boundary=\"b\"\n\n--b\n--b\n--b"), QByteArray(100'000, ':')}) {
+         {QByteArray("x"), QByteArray("\r\n"), QByteArray("Subject"), QByteArray("Subject:"),
+          QByteArray("\xFF\xFE\xFD"), QByteArray("Content-Type: multipart/mixed; boundary=\"b\"\n\n--b\n--b\n--b"),
+          QByteArray(100'000, ':')}) {
         const cMessagePtr read = LoadMessageFromEml(Write(QStringLiteral("a.eml"), octets));
         ASSERT_NE(read, nullptr) << octets.left(40).constData();
         EXPECT_EQ(read->CDOMessage()->Octets(), octets);

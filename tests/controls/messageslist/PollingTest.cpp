@@ -45,6 +45,25 @@ TEST_F(MessagesListPollingTest, AChangeOfAnotherComputerShowsAtTheNextTickAndLea
     EXPECT_EQ(TakeFills(), 0);
 }
 
+TEST_F(MessagesListPollingTest, AFindTextIsTypedToItsEndBeforeTheListIsReadAgain)
+{
+    Save(QStringLiteral("The lighthouse"));
+    Attach();
+    Box->setFocus();
+    QTest::keyClicks(Box, QStringLiteral("light"));
+    SaveElsewhere(QStringLiteral("From afar"));
+    Tick();
+    EXPECT_EQ(TakeFills(), 0);
+    QTest::keyClicks(Box, QStringLiteral("house"));
+    EXPECT_EQ(Box->Text(), QStringLiteral("lighthouse"));
+    QTest::keyClick(Box, Qt::Key_Return);
+    EXPECT_EQ(Subjects(), QStringList{QStringLiteral("The lighthouse")});
+    SaveElsewhere(QStringLiteral("Another lighthouse"));
+    TakeFills();
+    Tick();
+    EXPECT_EQ(TakeFills(), 1) << "the typing is over";
+}
+
 TEST_F(MessagesListPollingTest, AStampThatWentBackIsAChangeToo)
 {
     Save(QStringLiteral("One"));

@@ -154,6 +154,21 @@ TEST_F(RenameTest, AMessageThatComesInDoesNotEndTheTyping)
     EXPECT_EQ(StoredName(), QStringLiteral("Wishes"));
 }
 
+TEST_F(RenameTest, AHostThatChoosesAnotherFolderMeanwhileDoesNotGetItRenamed)
+{
+    QTest::keyClick(Tree, Qt::Key_F2);
+    ASSERT_NE(Editor(), nullptr);
+    Editor()->selectAll();
+    QTest::keyClicks(Editor(), QStringLiteral("Wishes"));
+    ASSERT_EQ(Editor()->text(), QStringLiteral("Wishes"));
+    List->SetCategory(tmcInbox);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !Tree->IsEditingLabel(); }));
+    EXPECT_EQ(Tree->NodeText(Key(tmcInbox)), QStringLiteral("Inbox"));
+    EXPECT_EQ(OtherComputer().MessageCategories().FindCategory(tmcInbox)->Description(), QStringLiteral("Inbox"));
+    EXPECT_EQ(StoredName(), QStringLiteral("Requests")); // the typing was not finished
+    EXPECT_EQ(List->Category(), tmcInbox);
+}
+
 TEST_F(RenameTest, AStationThatWasClosedMeanwhileKeepsTheOldName)
 {
     QTest::keyClick(Tree, Qt::Key_F2);

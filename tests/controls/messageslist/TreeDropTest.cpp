@@ -80,8 +80,9 @@ TEST_F(TreeDropTest, WithoutAUserOrAStationNothingIsTaken)
 
 TEST_F(TreeDropTest, OtherTextsAreNotTaken)
 {
-    for (const char* text : {"", "Please play it again", "!KV", "!KVContact Reference=\"1\"", "!kvmessage Reference=\"1\"",
-                             "!KVMessageCategoryX Reference=\"1\"", " !KVMessage Reference=\"1\"", "http://example.com/"}) {
+    for (const char* text :
+         {"", "Please play it again", "!KV", "!KVContact Reference=\"1\"", "!kvmessage Reference=\"1\"",
+          "!KVMessageCategoryX Reference=\"1\"", " !KVMessage Reference=\"1\"", "http://example.com/"}) {
         EXPECT_EQ(DragOver(*Text(QLatin1String(text)), tmcSaved), Qt::IgnoreAction) << text;
         EXPECT_EQ(Tree->DropHighlight(), QString());
         EXPECT_EQ(Drop(*Text(QLatin1String(text)), tmcSaved), Qt::IgnoreAction) << text;

@@ -119,8 +119,7 @@ TEST_F(TreeMenuTest, WhatIsOfferedFollowsTheRightsTheCurrentFolderAndTheParent)
         const char* Offered;
     } cases[] = {
         {CanEditCategories | CanEditMessages, tmcInbox, tmcInbox, "New NewFolder NewMessage"},
-        {CanEditCategories | CanEditMessages, tmcInbox, inner,
-         "New NewFolder NewMessage DeleteFolder RenameFolder"},
+        {CanEditCategories | CanEditMessages, tmcInbox, inner, "New NewFolder NewMessage DeleteFolder RenameFolder"},
         {CanEditCategories | CanEditMessages, inner, inner, "New NewFolder NewMessage DeleteFolder RenameFolder"},
         {CanEditCategories | CanEditMessages, inner, tmcSaved, "New NewFolder NewMessage"},
         {CanEditCategories | CanEditMessages, tmcDeleted, tmcDeleted, "New NewFolder NewMessage Empty"},

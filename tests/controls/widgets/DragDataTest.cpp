@@ -41,8 +41,7 @@ TEST(DragDataTest, PromisedFilesAreAnnouncedAndWrittenOnlyWhenTheyAreAskedFor)
     EXPECT_EQ(DragData::Files(data), paths);
     EXPECT_EQ(asked, 1);
     // Asked anew each time: another target may come.
-    EXPECT_EQ(data.data(UriList),
-              QByteArray("file:///tmp/a%20b.eml\r\nfile:///tmp/Gr%C3%BC%C3%9Fe%20%231.eml\r\n"));
+    EXPECT_EQ(data.data(UriList), QByteArray("file:///tmp/a%20b.eml\r\nfile:///tmp/Gr%C3%BC%C3%9Fe%20%231.eml\r\n"));
     EXPECT_EQ(asked, 2);
 }
 
@@ -83,8 +82,8 @@ TEST(DragDataTest, ClearingDropsTextAndPromise)
 TEST(DragDataTest, OfSomebodysDataTheLocalFilesAreTaken)
 {
     QMimeData data;
-    data.setUrls({QUrl(QStringLiteral("https://example.com/a.eml")), QUrl::fromLocalFile(QStringLiteral("/tmp/ä b.eml")),
-                  QUrl(QStringLiteral("mailto:ann@example.com"))});
+    data.setUrls({QUrl(QStringLiteral("https://example.com/a.eml")),
+                  QUrl::fromLocalFile(QStringLiteral("/tmp/ä b.eml")), QUrl(QStringLiteral("mailto:ann@example.com"))});
     EXPECT_TRUE(DragData::HasFiles(data));
     EXPECT_EQ(DragData::Files(data), QStringList{QStringLiteral("/tmp/ä b.eml")});
 }

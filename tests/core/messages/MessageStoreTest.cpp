@@ -425,3 +425,44 @@ TEST_F(MessageStoreTest, AnotherComputersChangeSinceTheReadIsOverwrittenByASaveB
     ASSERT_TRUE(other.MoveMessage(reference, tmcSaved));
     EXPECT_EQ(Station->GetMessage(reference)->Category(), tmcSaved);
 }
+
+TEST_F(MessageStoreTest, FlagsChangeAloneAndOnTopOfWhatOthersChanged)
+{
+    OpenStation();
+    Station->SetDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("rain"), QString());
+    Station->ReadDatabaseSettings();
+    const cMessagePtr message = MakeMessage(QStringLiteral("A card"));
+    message->CDOMessage()->SetHTMLBody(QStringLiteral("<p>It may rain.</p>"));
+    ASSERT_TRUE(Station->SaveMessage(message));
+    const QByteArray octets = Station->GetMessage(message->Reference())->CDOMessage()->Octets();
+    // Another computer moves it and marks it while this one still holds the old record.
+    ASSERT_TRUE(Station->MoveMessage(message->Reference(), tmcSaved));
+    const Date stamp = Station->LastMessageChanged();
+    Now.Advance(60);
+    Directory.User.Log.clear();
+    cMessagePtr told;
+    QObject::connect(Station.get(), &cTolvaDatabase::MessageSaved, Station.get(),
+                     [&](const cMessagePtr& saved, bool) { told = saved; });
+
+    ASSERT_TRUE(Station->ChangeMessageFlags(message->Reference(), mfRead | mfAutomatic, 0));
+    ASSERT_TRUE(Station->ChangeMessageFlags(message->Reference(), mfSendPending, mfAutomatic));
+    const cMessagePtr stored = Station->GetMessage(message->Reference());
+    EXPECT_EQ(stored->Flags(), mfRead | mfSendPending);
+    EXPECT_EQ(stored->Category(), tmcSaved);
+    EXPECT_EQ(stored->CDOMessage()->Octets(), octets) << "no second marks";
+    EXPECT_NE(Station->LastMessageChanged(), stamp);
+    EXPECT_EQ(Audit(), QStringList(2, QStringLiteral("7 Message Edited: A card (1)")));
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->Flags(), mfRead | mfSendPending);
+}
+
+TEST_F(MessageStoreTest, FlagsChangeOnlyWithTheRightAndOnMessagesThatAreThere)
+{
+    OpenStation();
+    const qint32 reference = SaveNew(QStringLiteral("A card"));
+    EXPECT_FALSE(Station->ChangeMessageFlags(reference + 1, mfRead, 0));
+    EXPECT_FALSE(Station->ChangeMessageFlags(0, mfRead, 0));
+    Directory.User.Rights = 0;
+    EXPECT_FALSE(Station->ChangeMessageFlags(reference, mfRead, 0));
+    EXPECT_EQ(Station->GetMessage(reference)->Flags() & mfRead, 0);
+}
