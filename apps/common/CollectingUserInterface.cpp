@@ -31,6 +31,11 @@ int CollectingUserInterface::InputBox(const InputBoxRequest& request, QString& r
     return Under_.InputBox(request, result);
 }
 
+void CollectingUserInterface::PageSetupLabels(cPageSetup& pageSetup)
+{
+    Under_.PageSetupLabels(pageSetup);
+}
+
 bool CollectingUserInterface::DatabaseSettings(cTolvaDatabase& database)
 {
     return SettingsDialog_ && SettingsDialog_(database);

@@ -26,9 +26,10 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
-    void SetBusyPointer(bool busy) override;
     void SetBackupNotice(bool shown) override;
+    void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;

@@ -58,9 +58,10 @@ public:
         return request.Buttons == MessageBoxButtons::YesNo ? MessageBoxAnswer::No : MessageBoxAnswer::OK;
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
+    void PageSetupLabels(cPageSetup&) override {}
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
-    void SetBusyPointer(bool) override {}
     void SetBackupNotice(bool) override {}
+    void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override
     {
         class Nothing : public ProgressDisplay
