@@ -18,13 +18,14 @@ class BenchUserInterface : public UserInterface
 public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest&) override { return MessageBoxAnswer::OK; }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
+    void PageSetupLabels(cPageSetup&) override {}
     bool DatabaseSettings(cTolvaDatabase& database) override
     {
         database.SetStationPhoneNumber(QStringLiteral("01632 960100"));
         return true;
     }
-    void SetBusyPointer(bool) override {}
     void SetBackupNotice(bool) override {}
+    void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<NoProgress>(); }
     void Yield() override { QCoreApplication::processEvents(); }
     void RunTimeError(const dao::Error& error) override { Require(false, error.what()); }

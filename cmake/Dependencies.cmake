@@ -1,7 +1,7 @@
 # The libraries that the tree stands on. docs/dependencies.md gives the reason for each.
 
 find_package(PkgConfig REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET "sqlite3>=3.35")
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET "gmime-3.0>=3.2")
 

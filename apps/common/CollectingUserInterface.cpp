@@ -20,8 +20,12 @@ QStringList CollectingUserInterface::TakeProblems()
 
 MessageBoxAnswer CollectingUserInterface::MessageBox(const MessageBoxRequest& request)
 {
-    if (request.Buttons != MessageBoxButtons::OK)
-        return Under_.MessageBox(request);
+    if (request.Buttons != MessageBoxButtons::OK) {
+        const MessageBoxAnswer answer = Under_.MessageBox(request);
+        if (answer == MessageBoxAnswer::Yes)
+            Confirmed_.append(request.Text);
+        return answer;
+    }
     Problems_.append(request.Text.simplified());
     return MessageBoxAnswer::OK;
 }
@@ -29,6 +33,11 @@ MessageBoxAnswer CollectingUserInterface::MessageBox(const MessageBoxRequest& re
 int CollectingUserInterface::InputBox(const InputBoxRequest& request, QString& result)
 {
     return Under_.InputBox(request, result);
+}
+
+void CollectingUserInterface::PageSetupLabels(cPageSetup& pageSetup)
+{
+    Under_.PageSetupLabels(pageSetup);
 }
 
 bool CollectingUserInterface::DatabaseSettings(cTolvaDatabase& database)

@@ -23,12 +23,15 @@ public:
     void SetSettingsDialog(std::function<bool(cTolvaDatabase&)> dialog) { SettingsDialog_ = std::move(dialog); }
     /// The texts shown since the last call, oldest first.
     QStringList TakeProblems();
+    /// The questions that were answered with Yes, oldest first.
+    const QStringList& Confirmed() const { return Confirmed_; }
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
-    void SetBusyPointer(bool busy) override;
     void SetBackupNotice(bool shown) override;
+    void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;
@@ -38,6 +41,7 @@ private:
     UserInterface& Under_;
     std::function<bool(cTolvaDatabase&)> SettingsDialog_;
     QStringList Problems_;
+    QStringList Confirmed_;
 };
 
 /// The error number of the record store that a reported problem ends with, 0 when it names none.

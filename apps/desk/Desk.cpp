@@ -126,7 +126,10 @@ bool Desk::OpenStation(const QString& folder, const QString& user)
         station->Open(path, chosen);
         Settings_.RememberStation(path);
         Settings_.RememberUser(path, chosen);
+        const QString restored = station->TakeRestoredWords();
         Show(std::make_unique<MainWindow>(std::move(station), Settings_));
+        if (!restored.isEmpty())
+            Words::Tell(restored);
         return true;
     } catch (const Failure& failure) {
         Words::Warn(failure.Words());

@@ -3,7 +3,9 @@
 #include "CollectingUserInterface.h"
 #include "StationOpening.h"
 #include "StationPlace.h"
+#include "StationReplacing.h"
 #include "common/FileHelper.h"
+#include "database/RestoreBackup.h"
 
 #include <QDir>
 #include <QScopeGuard>
@@ -36,6 +38,23 @@ void OpenDirectory(EmbeddedDirectory& directory, const QString& folder)
         throw FailureOf(QStringLiteral("The directory in %1").arg(StationPlace::DirectoryIn(folder)), file,
                         error.Number(), error.Description());
     }
+}
+/// What is to be said when the user has agreed that a backup takes the place of a damaged file, and the station opened
+/// after that.
+QString RestoredWords(const QStringList& confirmed, const QString& folder)
+{
+    const QString offer = QStringLiteral("A valid backup has been found that was created: ");
+    for (const QString& question : confirmed) {
+        if (!question.startsWith(offer))
+            continue;
+        const QString made = question.mid(offer.size()).section(u'\n', 0, 0);
+        const QString file = StationPlace::FileIn(folder);
+        const std::optional<StationCounts> counts = StationReplacing::CountsOf(file);
+        return QStringLiteral("The station was restored from the backup of %1: %2.\n\nThe damaged file is kept as %3.")
+            .arg(made, counts ? counts->Words() : QStringLiteral("its content could not be counted"),
+                 RestoreBackup::KeepNameOf(file));
+    }
+    return QString();
 }
 } // namespace
 
@@ -74,6 +93,7 @@ void DeskStation::Open(const QString& folder, const QString& user)
         Database_.SetDirectoryDatabase(&Directory_);
         CollectingUserInterface collecting(UserInterface::Current());
         StationOpening::Open(Database_, folder, collecting);
+        RestoredWords_ = RestoredWords(collecting.Confirmed(), folder);
     } catch (const dao::Error& error) {
         Close();
         throw StationOpening::FailureOf(folder, error.Number(), error.Description());
@@ -102,6 +122,22 @@ void DeskStation::Close()
     Database_.SetDirectoryDatabase(nullptr);
     Directory_.Close();
     Folder_.clear();
+}
+
+void DeskStation::Suspend()
+{
+    Database_.CloseTolvaDatabase();
+}
+
+/// An object makes one backup in its life, so another one makes this.
+StationBackup::Result DeskStation::BackUp()
+{
+    CollectingUserInterface collecting(UserInterface::Current());
+    cTolvaDatabase database;
+    database.SetDirectoryDatabase(&Directory_);
+    database.SetMakesAutomaticBackups(false);
+    StationOpening::Open(database, Folder_, collecting);
+    return StationBackup::Make(database, Folder_);
 }
 
 QString DeskStation::Name() const

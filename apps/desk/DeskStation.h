@@ -1,5 +1,6 @@
 #pragma once
 
+#include "StationBackup.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/EmbeddedDirectory.h"
 
@@ -26,6 +27,14 @@ public:
     /// station of that folder.
     void Reopen();
     void Close();
+    /// Closes the file alone, for work that replaces it. Reopen is next.
+    void Suspend();
+    /// Makes a backup now, whatever backups this object has made by itself. Failure in words, code exitInterrupted when
+    /// the user cancelled.
+    StationBackup::Result BackUp();
+    /// Opening may have put a backup in the place of a damaged file, when the user wanted that: what was restored, in
+    /// words, once. Empty when nothing was.
+    QString TakeRestoredWords() { return std::exchange(RestoredWords_, {}); }
 
     const QString& Folder() const { return Folder_; }
     cTolvaDatabase& Database() { return Database_; }
@@ -42,6 +51,7 @@ public:
 private:
     QString Folder_;
     QString User_;
+    QString RestoredWords_;
     EmbeddedDirectory Directory_;
     // After the directory, which its closing writes to.
     cTolvaDatabase Database_;

@@ -64,6 +64,7 @@ MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& setti
     MakeFileMenu();
     MakeMessageMenu();
     MakeViewMenu();
+    MakeStationMenu();
     MakeHelpMenu();
     RestoreSizes();
 
@@ -101,7 +102,7 @@ void MainWindow::MakeParts()
     List_ = new uMessagesList(this);
     List_->setObjectName(QStringLiteral("list"));
     List_->SetAutoUpdateInterval(ListInterval);
-    // There is no printing yet; an entry that does nothing helps nobody.
+    // There is no printing of messages yet; an entry that does nothing helps nobody.
     List_->SetPrintVisible(false);
     AddTabs();
     Preview_ = new PreviewPane(this);
@@ -160,11 +161,6 @@ void MainWindow::ConnectList()
             [this](const QString& query) { ListCondition_ = ConditionOf(query); });
     // Emptying a folder works on the table alone; other desks are to see it.
     connect(List_->CategoryMenu()->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
-            [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
-    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this,
-            [this](const QString& query) { ListCondition_ = ConditionOf(query); });
-    // Emptying a folder works on the table alone; other desks are to see it.
-    connect(List_->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
             [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
     connect(List_, &uMessagesList::MessageSelected, this, &MainWindow::TakeSelection);
     connect(List_, &uMessagesList::NewMessage, this,

@@ -3,6 +3,7 @@
 #include "Composition.h"
 #include "DeskStation.h"
 #include "Failure.h"
+#include "StationReplacing.h"
 #include "Words.h"
 
 #include <QList>
@@ -10,7 +11,9 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 class ComposeWindow;
 class DeskSettings;
@@ -82,6 +85,7 @@ private:
     void MakeFileMenu();
     void MakeMessageMenu();
     void MakeViewMenu();
+    void MakeStationMenu();
     void MakeHelpMenu();
     QWidget* MakeMessageSide();
     void FillList();
@@ -103,7 +107,22 @@ private:
     void ShowCounts();
     void ShowConnectionProblem(int errorNumber);
     void ReopenStation();
+    bool OpenAgain(enTolvaMessageCategories category);
     void EditUsers();
+
+    bool MayChangeSettings() const;
+    void ChangeSettings();
+    void ChangeHighlightWords();
+    void ChangeLabels();
+    void BackUpNow();
+    void ShowBackups();
+    void Restore(const BackupFolders::Backup& backup);
+    void CheckFile();
+    void CompactFile();
+    void PrintLabels();
+    /// Closes every window and the file, lets the work replace it, and opens it again. Nothing when something that is
+    /// being written wants to stay, or the work failed, which is said.
+    std::optional<StationReplacing::Result> ReplaceFile(const std::function<StationReplacing::Result()>& work);
     void ShowShortcuts();
     void ShowAbout();
 

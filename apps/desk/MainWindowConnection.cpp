@@ -69,16 +69,29 @@ void MainWindow::ReopenStation()
 {
     const enTolvaMessageCategories category = List_->Category();
     List_->SetTolvaDatabase(nullptr);
+    OpenAgain(category);
+}
+
+/// Failing leaves the words on show, and the watch tries again.
+bool MainWindow::OpenAgain(enTolvaMessageCategories category)
+{
+    MustReopen_ = true;
     try {
         Station_->Reopen();
         MustReopen_ = false;
         Connection_->Show(QString());
         List_->SetTolvaDatabase(&Station_->Database());
-        List_->SetCategory(category);
+        // Another file may lack the folder.
+        const bool isThere = Station_->Database().MessageCategories().FindCategory(category) != nullptr;
+        List_->SetCategory(isThere ? category : tmcInbox);
         List_->UpdateDisplay();
+        if (const QString restored = Station_->TakeRestoredWords(); !restored.isEmpty())
+            Words::Tell(restored);
+        return true;
     } catch (const Failure& failure) {
         Connection_->Show(failure.Words());
     } catch (const dao::Error& error) {
         ShowConnectionProblem(error.Number());
     }
+    return false;
 }

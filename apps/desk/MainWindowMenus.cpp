@@ -66,7 +66,6 @@ void MainWindow::MakeFileMenu()
     recent->setObjectName(QStringLiteral("recentStations"));
     menu->addSeparator();
     QAction* users = AddAction(menu, "users", QStringLiteral("users"), tr("&Users..."));
-    QAction* settings = AddAction(menu, "settings", QString(), tr("Station &settings..."));
     menu->addSeparator();
     QAction* quit = AddAction(menu, "quit", QString(), tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
 
@@ -74,16 +73,7 @@ void MainWindow::MakeFileMenu()
     connect(open, &QAction::triggered, this, [this] { Q_EMIT StationWanted(QString()); });
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentStations(*recent); });
     connect(users, &QAction::triggered, this, &MainWindow::EditUsers);
-    connect(settings, &QAction::triggered, this, [this] {
-        Station_->Database().DisplaySettings();
-        CountTimer_.start();
-    });
-    connect(menu, &QMenu::aboutToShow, this, [this, users, settings] {
-        const clsKVUser* user = Station_->Directory().CurrentUser();
-        const bool isTechnician = user && user->ChangeSettings();
-        users->setEnabled(isTechnician);
-        settings->setEnabled(isTechnician);
-    });
+    connect(menu, &QMenu::aboutToShow, this, [this, users] { users->setEnabled(MayChangeSettings()); });
     connect(quit, &QAction::triggered, this, &QWidget::close);
 }
 

@@ -1,13 +1,16 @@
 #include "Pictures.h"
 
 #include "Appearance.h"
+#include "BackupsDialog.h"
 #include "ComposeWindow.h"
 #include "Desk.h"
 #include "ExitCode.h"
 #include "Failure.h"
+#include "LabelsDialog.h"
 #include "MainWindow.h"
 #include "MessageWindow.h"
 #include "PreviewPane.h"
+#include "ReportDialog.h"
 #include "ShortcutsDialog.h"
 #include "SignInDialog.h"
 #include "StartDialog.h"
@@ -25,6 +28,7 @@
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -58,9 +62,10 @@ public:
         return request.Buttons == MessageBoxButtons::YesNo ? MessageBoxAnswer::No : MessageBoxAnswer::OK;
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
+    void PageSetupLabels(cPageSetup&) override {}
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
-    void SetBusyPointer(bool) override {}
     void SetBackupNotice(bool) override {}
+    void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override
     {
         class Nothing : public ProgressDisplay
@@ -288,6 +293,57 @@ private:
         show(users, "users");
         ShortcutsDialog shortcuts(&Window());
         show(shortcuts, "shortcuts");
+        Keeping();
+    }
+
+    /// What the technician does with the station's file, and labels; light, dark and large.
+    void Keeping()
+    {
+        DeskStation& station = Window().Station();
+        station.BackUp();
+        FillDirectory();
+        const auto counts = StationCounts::Of(StationPlace::FileIn(Folder_));
+        const auto show = [this](QDialog& dialog, const char* name, int ratio) {
+            dialog.show();
+            QElapsedTimer timer;
+            timer.start();
+            Wait([&timer] { return timer.elapsed() > 3 * BackupsDialog::RestMilliseconds; });
+            Save(dialog, name, ratio);
+            dialog.close();
+        };
+        const auto showAll = [&](const char* backups, const char* report, const char* labels, int ratio) {
+            BackupsDialog list(StationPlace::FileIn(Folder_), true, &Window());
+            show(list, backups, ratio);
+            ReportDialog outcome(QStringLiteral("Check the file"),
+                                 QStringLiteral("The station is sound: %1.").arg(counts.Words()),
+                                 QStringLiteral("Messages in all: %1").arg(counts.Messages), &Window());
+            show(outcome, report, ratio);
+            LabelsDialog sheet(station, &Window());
+            sheet.findChild<QPushButton*>(QStringLiteral("checkAll"))->click();
+            show(sheet, labels, ratio);
+        };
+        showAll("backups", "check", "labels", 1);
+        showAll("backups-200", "check-200", "labels-200", 2);
+        Appearance::Apply(QStringLiteral("dark"));
+        showAll("backups-dark", "check-dark", "labels-dark", 1);
+        Appearance::Apply(QStringLiteral("light"));
+    }
+
+    void FillDirectory()
+    {
+        const QList<std::pair<QString, QString>> people = {
+            {QStringLiteral("Loveday Tregenza"), QStringLiteral("14 Harbour Row\nPorthmellin\nXX1 2AB")},
+            {QStringLiteral("Gwenno Polglaze"), QStringLiteral("The Old Chapel\nChapel Lane\nTrevean\nXX3 4CD")},
+            {QStringLiteral("The Porthmellin Amateur Players' Society (Costume Department)"),
+             QStringLiteral("c/o The Village Hall\nUpper Market Street\nPorthmellin\nXX1 9ZZ")},
+            {QStringLiteral("Ravi Menon"), QString()},
+        };
+        for (const auto& [name, address] : people) {
+            clsKVContact contact;
+            contact.Name = name;
+            contact.Other = address;
+            Window().Station().Directory().SaveContact(contact);
+        }
     }
 
     void Large()

@@ -2,10 +2,23 @@
 
 #include "common/UserInterface.h"
 
-void Words::Warn(const QString& text)
+namespace
+{
+void Show(const QString& text, MessageBoxIcon icon)
 {
     MessageBoxRequest request;
     request.Text = text;
-    request.Icon = MessageBoxIcon::Exclamation;
+    request.Icon = icon;
     UserInterface::Current().MessageBox(request);
+}
+} // namespace
+
+void Words::Warn(const QString& text)
+{
+    Show(text, MessageBoxIcon::Exclamation);
+}
+
+void Words::Tell(const QString& text)
+{
+    Show(text, MessageBoxIcon::Information);
 }

@@ -7,4 +7,6 @@ namespace Words
 {
 /// An OK box with the exclamation icon, through the user interface in force.
 void Warn(const QString& text);
+/// The same with the information icon: something was done.
+void Tell(const QString& text);
 } // namespace Words

@@ -2,14 +2,12 @@
 
 #include "Commands.h"
 #include "Station.h"
-#include "StationCounts.h"
+#include "StationBackup.h"
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
 #include "common/ProfileHelper.h"
-#include "common/kvGeneral.h"
 #include "database/BackupFolders.h"
-#include "platform/records/DBEngine.h"
 
 #include <QJsonDocument>
 
@@ -25,54 +23,28 @@ void PrintJson(const QJsonObject& object)
     Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
 }
 
-/// Why there is no backup.
-Failure WhyNoBackup(Station& station)
-{
-    const int number = station.Database().LastErrorNumber();
-    if (number == dao::errCancelled)
-        return Failure(exitInterrupted, QStringLiteral("Ended early by Ctrl-C; no backup was made."));
-    // The path is that of the backup's folder, which could not be made.
-    if (number != 0 && number != dao::errNotAValidPath)
-        return station.FailureOfStation(number, station.Database().LastErrorDescription());
-    return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.")
-                                        .arg(BackupFolders::RootOf(StationPlace::FileIn(station.Folder()))));
-}
-
-/// The folder that the station's last backup went to.
-QString LastBackupName(Station& station)
-{
-    const QString last =
-        station.Database().DatabaseSetting(QStringLiteral("Backups.LastBackup"), QStringLiteral("")).toString();
-    return GetKeyValue(last, QStringLiteral("Name"), QStringLiteral(" "));
-}
-
 int Backup(const Arguments& arguments)
 {
     Station station(arguments, Station::AutomaticBackups::Off);
-    const QString file = StationPlace::FileIn(station.Folder());
-    const StationCounts before = station.Try([&] { return StationCounts::Of(file); });
-    if (!station.Try([&] { return station.Database().BackupDatabase(true); }))
-        throw WhyNoBackup(station);
-    const QString name = LastBackupName(station);
-    const QString folder = FileHelper::Join(BackupFolders::RootOf(file), name);
-    const QString copy = FileHelper::Join(folder, FileHelper::FileNameOf(file));
-    const StationCounts counts = station.Try([&] { return StationCounts::Of(copy); });
-    const StationCounts after = station.Try([&] { return StationCounts::Of(file); });
-    // While somebody files, the copy may hold more than before and less than after.
-    if (before == after && counts != before)
-        throw Failure(
-            exitData,
-            QStringLiteral("The backup in %1 holds %2, the station %3.").arg(folder, counts.Words(), before.Words()));
+    const StationBackup::Result made = [&] {
+        try {
+            return StationBackup::Make(station.Database(), station.Folder());
+        } catch (const Failure& failure) {
+            if (failure.Code() != exitInterrupted)
+                throw;
+            throw Failure(exitInterrupted, QStringLiteral("Ended early by Ctrl-C; no backup was made."));
+        }
+    }();
     if (arguments.Has(JsonOption)) {
-        PrintJson({{QStringLiteral("name"), name},
-                   {QStringLiteral("folder"), folder},
-                   {QStringLiteral("size"), FileHelper::FileSize(copy)},
-                   {QStringLiteral("before"), before.Json()},
-                   {QStringLiteral("backup"), counts.Json()},
-                   {QStringLiteral("after"), after.Json()}});
+        PrintJson({{QStringLiteral("name"), made.Name},
+                   {QStringLiteral("folder"), made.Folder},
+                   {QStringLiteral("size"), made.Size},
+                   {QStringLiteral("before"), made.Before.Json()},
+                   {QStringLiteral("backup"), made.Copy.Json()},
+                   {QStringLiteral("after"), made.After.Json()}});
     } else {
-        Terminal::PrintLine(folder);
-        Terminal::PrintLine(counts.Words());
+        Terminal::PrintLine(made.Folder);
+        Terminal::PrintLine(made.Copy.Words());
     }
     return exitOK;
 }

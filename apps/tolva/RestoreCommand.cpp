@@ -4,16 +4,11 @@
 #include "Commands.h"
 #include "Failure.h"
 #include "Station.h"
-#include "StationCounts.h"
-#include "StationOpening.h"
 #include "StationPlace.h"
+#include "StationReplacing.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
-#include "common/PendingError.h"
 #include "database/BackupFolders.h"
-#include "database/DAO_DatabaseFunctions.h"
-#include "database/RestoreBackup.h"
-#include "platform/records/DBEngine.h"
 
 #include <QJsonDocument>
 
@@ -21,15 +16,6 @@ namespace
 {
 const QString JsonOption = QStringLiteral("json");
 const QString YesOption = QStringLiteral("yes");
-
-std::optional<StationCounts> CountsOf(const QString& file)
-{
-    try {
-        return StationCounts::Of(file);
-    } catch (const dao::Error&) {
-        return std::nullopt;
-    }
-}
 
 bool IsConfirmed(const Arguments& arguments, const QString& question)
 {
@@ -69,36 +55,34 @@ BackupFolders::Backup ChooseBackup(const Arguments& arguments, const QString& fi
     return named;
 }
 
-void PutInPlace(const QString& file, const QString& copy, const QString& keepName)
+/// Does the work; an end by the user is one by Ctrl-C here.
+template <typename Work>
+StationReplacing::Result Replace(Work&& work)
 {
-    PendingError failure;
-    const RestoreBackup::Outcome outcome = RestoreBackup::Replace(file, copy, keepName, failure);
-    if (outcome == RestoreBackup::Outcome::Done)
-        return;
-    if (failure.Number() == dao::errCancelled)
+    try {
+        return work();
+    } catch (const Failure& failure) {
+        if (failure.Code() != exitInterrupted)
+            throw;
         throw Failure(exitInterrupted, QStringLiteral("Ended early by Ctrl-C; nothing was changed."));
-    if (failure)
-        throw FailureOf(QStringLiteral("The backup"), copy, failure.Number(), failure.Description());
-    throw Failure(
-        exitInputOutput,
-        QStringLiteral("The backup could not be put into %1; nothing was changed.").arg(FileHelper::FolderOf(file)));
+    }
 }
 
-void PrintResult(const Arguments& arguments, QJsonObject result, const std::optional<StationCounts>& before,
-                 const StationCounts& after, const QString& keepName)
+void PrintResult(const Arguments& arguments, QJsonObject result, const StationReplacing::Result& done)
 {
-    const bool isKept = FileHelper::FileExists(keepName);
+    const bool isKept = !done.KeepName.isEmpty();
     if (arguments.Has(JsonOption)) {
-        result.insert(QStringLiteral("before"), before ? QJsonValue(before->Json()) : QJsonValue());
-        result.insert(QStringLiteral("after"), after.Json());
-        result.insert(QStringLiteral("kept"), isKept ? QJsonValue(keepName) : QJsonValue());
+        result.insert(QStringLiteral("before"), done.Before ? QJsonValue(done.Before->Json()) : QJsonValue());
+        result.insert(QStringLiteral("after"), done.After.Json());
+        result.insert(QStringLiteral("kept"), isKept ? QJsonValue(done.KeepName) : QJsonValue());
         Terminal::PrintOctets(QJsonDocument(result).toJson(QJsonDocument::Compact) + '\n');
         return;
     }
-    Terminal::PrintLine(QStringLiteral("before: %1").arg(before ? before->Words() : QStringLiteral("not readable")));
-    Terminal::PrintLine(QStringLiteral("after: %1").arg(after.Words()));
+    Terminal::PrintLine(
+        QStringLiteral("before: %1").arg(done.Before ? done.Before->Words() : QStringLiteral("not readable")));
+    Terminal::PrintLine(QStringLiteral("after: %1").arg(done.After.Words()));
     if (isKept)
-        Terminal::PrintLine(QStringLiteral("The old file is kept as %1").arg(keepName));
+        Terminal::PrintLine(QStringLiteral("The old file is kept as %1").arg(done.KeepName));
 }
 
 int Restore(const Arguments& arguments)
@@ -115,31 +99,9 @@ int Restore(const Arguments& arguments)
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
     }
-    const std::optional<StationCounts> before = CountsOf(file);
-    const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
-    PutInPlace(file, copy, keepName);
-    const std::optional<StationCounts> after = CountsOf(file);
-    if (after != counts)
-        throw Failure(exitData, QStringLiteral("The restored station does not hold what the backup \"%1\" holds. The "
-                                               "old file is kept as %2.")
-                                    .arg(backup.Name, keepName));
-    PrintResult(arguments, {{QStringLiteral("name"), backup.Name}}, before, *after, keepName);
+    PrintResult(arguments, {{QStringLiteral("name"), backup.Name}},
+                Replace([&] { return StationReplacing::Restore(arguments.Folder(), backup); }));
     return exitOK;
-}
-
-/// Says why the record store cannot write another file of it.
-Failure WhyNotCompacted(const QString& folder, const QString& file)
-{
-    try {
-        dao::DBEngine::CheckDatabase(file);
-    } catch (const dao::Error& error) {
-        return StationOpening::FailureOf(folder, error.Number(), error.Description());
-    }
-    return Failure(
-        exitInputOutput,
-        QStringLiteral("The station in %1 could not be compacted; nothing was changed. Its folder needs room "
-                       "for a second copy of the file.")
-            .arg(folder));
 }
 
 int Compact(const Arguments& arguments)
@@ -147,7 +109,6 @@ int Compact(const Arguments& arguments)
     TerminalUserInterface under;
     CollectingUserInterface terminal(under);
     const QString& folder = arguments.Folder();
-    const QString file = StationPlace::FileIn(folder);
     if (!StationPlace::HoldsStation(folder))
         throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
     if (!IsConfirmed(arguments, QStringLiteral("Compact the station in %1? All programs on all computers must have "
@@ -156,19 +117,9 @@ int Compact(const Arguments& arguments)
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
     }
-    const std::optional<StationCounts> before = CountsOf(file);
-    const qint64 size = FileHelper::FileSize(file);
-    const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
-    if (!DAO_DatabaseFunctions::CompactRepairDatabase(file, nullptr, QString(), true))
-        throw WhyNotCompacted(folder, file);
-    const std::optional<StationCounts> after = CountsOf(file);
-    if (!after || (before && after != before))
-        throw Failure(exitData, QStringLiteral("The compacted station does not hold what it held before. The old file "
-                                               "is kept as %1.")
-                                    .arg(keepName));
+    const StationReplacing::Result done = Replace([&] { return StationReplacing::Compact(folder); });
     PrintResult(arguments,
-                {{QStringLiteral("sizeBefore"), size}, {QStringLiteral("sizeAfter"), FileHelper::FileSize(file)}},
-                before, *after, keepName);
+                {{QStringLiteral("sizeBefore"), done.SizeBefore}, {QStringLiteral("sizeAfter"), done.SizeAfter}}, done);
     return exitOK;
 }
 

@@ -275,9 +275,9 @@ bool TerminalUserInterface::DatabaseSettings(cTolvaDatabase&)
     return false;
 }
 
-void TerminalUserInterface::SetBusyPointer(bool) {}
-
 void TerminalUserInterface::SetBackupNotice(bool) {}
+
+void TerminalUserInterface::SetBusyPointer(bool) {}
 
 std::unique_ptr<ProgressDisplay> TerminalUserInterface::Progress(const QString& caption)
 {

@@ -21,8 +21,10 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup&) override {}
     /// Always false: settings are given by commands, not by a dialog.
     bool DatabaseSettings(cTolvaDatabase& database) override;
+    /// Nothing: the line of the progress says it.
     void SetBusyPointer(bool busy) override;
     /// Nothing: the line of the progress says it.
     void SetBackupNotice(bool shown) override;

@@ -25,9 +25,10 @@ public:
         return -1;
     }
 
+    void PageSetupLabels(cPageSetup&) override {}
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
-    void SetBusyPointer(bool) override {}
     void SetBackupNotice(bool) override {}
+    void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<SilentProgress>(); }
     void Yield() override {}
 

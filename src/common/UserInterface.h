@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class cPageSetup;
 class cTolvaDatabase;
 
 enum class MessageBoxButtons
@@ -75,13 +76,16 @@ public:
     virtual MessageBoxAnswer MessageBox(const MessageBoxRequest& request) = 0;
     /// 0 with the text in result, or -1 with result empty when cancelled.
     virtual int InputBox(const InputBoxRequest& request, QString& result) = 0;
-    /// The dialog of the station's settings. True when the user confirmed it and the settings are complete.
+    /// The dialog of a sheet of labels, which changes it when the user confirms.
+    virtual void PageSetupLabels(cPageSetup& pageSetup) = 0;
+    /// The dialog of the station's settings. False when the user cancelled it. Closing its window counts as confirmed,
+    /// though it stores nothing.
     virtual bool DatabaseSettings(cTolvaDatabase& database) = 0;
+    /// Shows or hides the window that says that a backup is being made by itself. A failure stops nothing.
+    virtual void SetBackupNotice(bool shown) = 0;
 
     /// Called by BusyPointer and DefaultPointer alone, true and false in turn.
     virtual void SetBusyPointer(bool busy) = 0;
-    /// Shows or hides the window that says that a backup is being made by itself. A failure stops nothing.
-    virtual void SetBackupNotice(bool shown) = 0;
     /// Never null.
     virtual std::unique_ptr<ProgressDisplay> Progress(const QString& caption) = 0;
     /// Lets pending window events run during long work.

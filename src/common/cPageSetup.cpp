@@ -1,5 +1,6 @@
 #include "common/cPageSetup.h"
 
+#include "common/UserInterface.h"
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 
@@ -38,17 +39,28 @@ QString KeyOf(const QString& prefix, const char* name)
 }
 } // namespace
 
-void cPageSetup::ReadSettings(const cTolvaDatabase& database, const QString& prefix)
+void cPageSetup::DisplayPageSetupLabels()
 {
-    for (const StoredValue& value : StoredValues) {
-        const qint32 present = (this->*value.Get)();
-        (this->*value.Set)(SettingNumber(database.DatabaseSetting(KeyOf(prefix, value.Name), present), present));
-    }
+    UserInterface::Current().PageSetupLabels(*this);
 }
 
-void cPageSetup::WriteSettings(cTolvaDatabase& database, const QString& prefix) const
+void cPageSetup::ReadSettings(const cTolvaDatabase* database, const QString& prefix, bool& success)
 {
+    if (!database)
+        return;
+    for (const StoredValue& value : StoredValues) {
+        const qint32 present = (this->*value.Get)();
+        (this->*value.Set)(SettingNumber(database->DatabaseSetting(KeyOf(prefix, value.Name), present), present));
+    }
+    success = true;
+}
+
+void cPageSetup::WriteSettings(cTolvaDatabase* database, const QString& prefix, bool& success) const
+{
+    if (!database)
+        return;
     const cPageSetup defaults = StationDefaults();
     for (const StoredValue& value : StoredValues)
-        database.SetDatabaseSetting(KeyOf(prefix, value.Name), (this->*value.Get)(), (defaults.*value.Get)());
+        database->SetDatabaseSetting(KeyOf(prefix, value.Name), (this->*value.Get)(), (defaults.*value.Get)());
+    success = true;
 }

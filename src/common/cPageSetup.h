@@ -5,7 +5,7 @@
 class cTolvaDatabase;
 
 /// Geometry of a sheet of address labels: counts, and lengths in millimetres. Owned by the database object, whose
-/// settings keep it; the host prints by it.
+/// settings keep it; LabelSheet prints by it.
 class cPageSetup
 {
 public:
@@ -26,12 +26,17 @@ public:
     qint32 RowHeight() const { return RowHeight_; }
     void SetRowHeight(qint32 value) { RowHeight_ = value; }
 
+    /// Shows the dialog of these values and waits for it. What the user confirmed is stored by the next
+    /// cTolvaDatabase::WriteDatabaseSettings, not here.
+    void DisplayPageSetupLabels();
+
 private:
     friend class cTolvaDatabase;
 
-    /// Reads or writes the settings prefix + "." + property. A setting that is absent keeps the present value.
-    void ReadSettings(const cTolvaDatabase& database, const QString& prefix);
-    void WriteSettings(cTolvaDatabase& database, const QString& prefix) const;
+    /// Reads or writes the settings prefix + "." + property, and sets success then; nothing happens without a database.
+    /// A setting that is absent keeps the present value.
+    void ReadSettings(const cTolvaDatabase* database, const QString& prefix, bool& success);
+    void WriteSettings(cTolvaDatabase* database, const QString& prefix, bool& success) const;
 
     qint32 TopMargin_ = 10;
     qint32 BottomMargin_ = 10;

@@ -27,6 +27,26 @@ const QString HighlightFontKey = QStringLiteral("Messages.HighlightFont");
 const QString HighlightFontDefault = QStringLiteral("Tahoma");
 const QString HighlightWordsKey = QStringLiteral("Messages.HighlightWords");
 
+struct NamedSetting
+{
+    QString Key;
+    QVariant Value;
+    QVariant Default;
+};
+
+/// In the order in which they are stored.
+QList<NamedSetting> HighlightSettings(const clsFont& font, const QString& words)
+{
+    return {{HighlightColourKey, font.Colour, HighlightColourDefault},
+            {HighlightBoldKey, font.Bold ? 1 : 0, 1},
+            {HighlightItalicKey, font.Italic ? 1 : 0, 0},
+            {HighlightUnderlineKey, font.Underline ? 1 : 0, 0},
+            {HighlightStrikeKey, font.Strikethrough ? 1 : 0, 0},
+            {HighlightSizeKey, font.Size, HighlightSizeDefault},
+            {HighlightFontKey, font.Name, HighlightFontDefault},
+            {HighlightWordsKey, words, QString()}};
+}
+
 const QString LabelsPrefix = QStringLiteral("AddressLabels");
 
 std::unique_ptr<dao::Recordset> OpenSettings(dao::Database& database)
@@ -50,12 +70,18 @@ QVariant cTolvaDatabase::DatabaseSetting(const QString& itemName, const QVariant
 
 void cTolvaDatabase::SetDatabaseSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue)
 {
+    StoreSetting(itemName, value, defaultValue);
+}
+
+int cTolvaDatabase::StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue)
+{
     try {
         const auto recordset = OpenSettings(OpenedDatabase());
-        DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, false);
+        return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, false);
     } catch (const dao::Error& error) {
         ReportProblem(QStringLiteral("locating the database setting : ") + itemName, error.Number(), false,
                       error.Description());
+        return error.Number();
     }
 }
 
@@ -65,7 +91,8 @@ bool cTolvaDatabase::ReadDatabaseSettings()
     EnableAutoBackup_ =
         SettingFlag(DatabaseSetting(EnableAutoBackupKey, EnableAutoBackupDefault), EnableAutoBackupDefault);
     ReadHighlightSettings();
-    AddressLabelsPageSetup_.ReadSettings(*this, LabelsPrefix);
+    bool areLabelsRead = false;
+    AddressLabelsPageSetup_.ReadSettings(this, LabelsPrefix, areLabelsRead);
     UpdateCategoryTree();
     SaveFixedCategories();
     UpdateCategoryTree();
@@ -92,15 +119,21 @@ bool cTolvaDatabase::WriteDatabaseSettings()
 {
     SetDatabaseSetting(BackupIntervalKey, BackupInterval_, BackupIntervalDefault);
     SetDatabaseSetting(EnableAutoBackupKey, EnableAutoBackup_, EnableAutoBackupDefault);
-    SetDatabaseSetting(HighlightColourKey, MessageHighlightFont_.Colour, HighlightColourDefault);
-    SetDatabaseSetting(HighlightBoldKey, MessageHighlightFont_.Bold ? 1 : 0, 1);
-    SetDatabaseSetting(HighlightItalicKey, MessageHighlightFont_.Italic ? 1 : 0, 0);
-    SetDatabaseSetting(HighlightUnderlineKey, MessageHighlightFont_.Underline ? 1 : 0, 0);
-    SetDatabaseSetting(HighlightStrikeKey, MessageHighlightFont_.Strikethrough ? 1 : 0, 0);
-    SetDatabaseSetting(HighlightSizeKey, MessageHighlightFont_.Size, HighlightSizeDefault);
-    SetDatabaseSetting(HighlightFontKey, MessageHighlightFont_.Name, HighlightFontDefault);
-    SetDatabaseSetting(HighlightWordsKey, HighlightWords_, QString());
-    AddressLabelsPageSetup_.WriteSettings(*this, LabelsPrefix);
+    for (const NamedSetting& setting : HighlightSettings(MessageHighlightFont_, HighlightWords_))
+        SetDatabaseSetting(setting.Key, setting.Value, setting.Default);
+    bool areLabelsWritten = false;
+    AddressLabelsPageSetup_.WriteSettings(this, LabelsPrefix, areLabelsWritten);
+    return true;
+}
+
+bool cTolvaDatabase::StoreHighlightSettings(const clsFont& font, const QString& words)
+{
+    for (const NamedSetting& setting : HighlightSettings(font, words)) {
+        if (StoreSetting(setting.Key, setting.Value, setting.Default) != 0)
+            return false;
+    }
+    MessageHighlightFont_ = font;
+    HighlightWords_ = words;
     return true;
 }
 

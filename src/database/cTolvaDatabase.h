@@ -204,6 +204,7 @@ Q_SIGNALS:
 
 private:
     friend class cMessage;
+    friend class frmHighlightSettings;
 
     static constexpr qint32 TolvaDatabaseType = 31;
 
@@ -232,7 +233,11 @@ private:
     int CheckPrizeWinnersTable(dao::Database& database) const;
 
     // Settings.
+    /// 0 or an error number, which the user has been told.
+    int StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue);
     void ReadHighlightSettings();
+    /// Stores the highlight font and words and takes them over; false at the first that could not be stored.
+    bool StoreHighlightSettings(const clsFont& font, const QString& words);
     const QString& HighlightWords() const { return HighlightWords_; }
     void SetHighlightWords(const QString& words);
 

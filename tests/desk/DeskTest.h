@@ -4,6 +4,8 @@
 #include "support/ScriptedRegistry.h"
 #include "support/ScriptedUserInterface.h"
 
+#include <QApplication>
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QMessageBox>
 #include <QTemporaryDir>
@@ -37,6 +39,34 @@ private:
     QString Button_;
     QString Text_;
     QString Details_;
+    bool HasCome_ = false;
+    QTimer Timer_;
+};
+
+/// Does something with the next modal dialog of that name. Fails the test when none comes up while it lives.
+class DialogVisitor
+{
+public:
+    DialogVisitor(const char* name, std::function<void(QDialog&)> visit)
+        : Name_(QLatin1String(name)), Visit_(std::move(visit))
+    {
+        QObject::connect(&Timer_, &QTimer::timeout, &Timer_, [this] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!dialog || dialog->objectName() != Name_)
+                return;
+            Timer_.stop();
+            HasCome_ = true;
+            Visit_(*dialog);
+        });
+        Timer_.start(5);
+    }
+    ~DialogVisitor() { EXPECT_TRUE(HasCome_) << "no dialog " << Name_.toStdString(); }
+    DialogVisitor(const DialogVisitor&) = delete;
+    DialogVisitor& operator=(const DialogVisitor&) = delete;
+
+private:
+    QString Name_;
+    std::function<void(QDialog&)> Visit_;
     bool HasCome_ = false;
     QTimer Timer_;
 };

@@ -71,6 +71,8 @@ ScriptedUserInterface::~ScriptedUserInterface()
             text = Describe(input->Request);
         else if (const auto* error = std::get_if<ExpectedError>(&expectation))
             text = Describe(error->Number, error->Description);
+        else if (std::holds_alternative<ExpectedPageSetup>(expectation))
+            text = QStringLiteral("the dialog of a sheet of labels");
         ADD_FAILURE() << "did not come: " << qPrintable(text);
     }
 }
@@ -116,6 +118,11 @@ void ScriptedUserInterface::ExpectDatabaseSettings(std::function<bool(cTolvaData
     Expected_.append(ExpectedSettings{std::move(dialog)});
 }
 
+void ScriptedUserInterface::ExpectPageSetupLabels(std::function<void(cPageSetup&)> dialog)
+{
+    Expected_.append(ExpectedPageSetup{std::move(dialog)});
+}
+
 void ScriptedUserInterface::ExpectRunTimeError(int number, const QString& description)
 {
     Expected_.append(ExpectedError{number, description});
@@ -150,6 +157,12 @@ bool ScriptedUserInterface::DatabaseSettings(cTolvaDatabase& database)
 {
     const auto expected = Take<ExpectedSettings>(QStringLiteral("the settings dialog"));
     return expected && expected->Dialog(database);
+}
+
+void ScriptedUserInterface::PageSetupLabels(cPageSetup& pageSetup)
+{
+    if (const auto expected = Take<ExpectedPageSetup>(QStringLiteral("the dialog of a sheet of labels")))
+        expected->Dialog(pageSetup);
 }
 
 void ScriptedUserInterface::SetBusyPointer(bool busy)

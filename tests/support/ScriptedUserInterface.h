@@ -32,6 +32,8 @@ public:
     void ExpectInputBoxCancelled(const InputBoxRequest& request);
     /// What the user does in the dialog, and whether the settings are complete then.
     void ExpectDatabaseSettings(std::function<bool(cTolvaDatabase&)> dialog);
+    /// What the user does in the dialog of a sheet of labels.
+    void ExpectPageSetupLabels(std::function<void(cPageSetup&)> dialog);
     void ExpectRunTimeError(int number, const QString& description);
     /// The user stops the next piece of work on display at this call of Advance, 1 for the first.
     void CancelProgressAt(int call) { CancelAt_ = call; }
@@ -41,11 +43,11 @@ public:
     /// What came, in order, whether it was expected or not.
     const QList<MessageBoxRequest>& MessageBoxes() const { return MessageBoxes_; }
     const QList<InputBoxRequest>& InputBoxes() const { return InputBoxes_; }
+    /// True for each time the notice of a backup was shown, false for each time it was hidden.
+    const QList<bool>& BackupNotices() const { return BackupNotices_; }
     const QStringList& ProgressCaptions() const { return ProgressCaptions_; }
     /// Calls of Advance on all displays together.
     int Advances() const { return Advances_; }
-    /// True for each time the notice of a backup was shown, false for each time it was hidden.
-    const QList<bool>& BackupNotices() const { return BackupNotices_; }
     const QList<std::pair<int, QString>>& RunTimeErrors() const { return RunTimeErrors_; }
     int Yields() const { return Yields_; }
     bool IsBusy() const { return BusyDepth_ > 0; }
@@ -57,9 +59,10 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
-    void SetBusyPointer(bool busy) override;
     void SetBackupNotice(bool shown) override { BackupNotices_.append(shown); }
+    void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;
@@ -82,12 +85,16 @@ private:
     {
         std::function<bool(cTolvaDatabase&)> Dialog;
     };
+    struct ExpectedPageSetup
+    {
+        std::function<void(cPageSetup&)> Dialog;
+    };
     struct ExpectedError
     {
         int Number;
         QString Description;
     };
-    using Expectation = std::variant<ExpectedMessageBox, ExpectedInputBox, ExpectedSettings, ExpectedError>;
+    using Expectation = std::variant<ExpectedMessageBox, ExpectedInputBox, ExpectedSettings, ExpectedPageSetup, ExpectedError>;
 
     template <class T>
     std::optional<T> Take(const QString& what);
@@ -97,8 +104,8 @@ private:
     QList<MessageBoxRequest> MessageBoxes_;
     QList<bool> BusyAtMessageBox_;
     QList<InputBoxRequest> InputBoxes_;
-    QStringList ProgressCaptions_;
     QList<bool> BackupNotices_;
+    QStringList ProgressCaptions_;
     QList<std::pair<int, QString>> RunTimeErrors_;
     int Advances_ = 0;
     int CancelAt_ = 0;

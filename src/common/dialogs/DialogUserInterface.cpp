@@ -2,9 +2,11 @@
 
 #include "common/dialogs/ProgressDialog.h"
 #include "common/dialogs/RunTimeErrorText.h"
+#include "common/dialogs/frmPageSetupLabels.h"
 #include "common/dialogs/modGoodInputBox.h"
 #include "common/kvGeneral.h"
-#include "database/cTolvaDatabase.h"
+#include "database/dialogs/frmDatabaseSettings.h"
+#include "database/dialogs/frmHandler.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -14,7 +16,6 @@ namespace
 {
 constexpr qsizetype LongestText = 1500;
 constexpr qsizetype MostLines = 30;
-constexpr int LongestDetail = 250;
 
 QWidget* ActiveWindow()
 {
@@ -65,6 +66,9 @@ QMessageBox::Icon IconOf(MessageBoxIcon icon)
 }
 } // namespace
 
+DialogUserInterface::DialogUserInterface() = default;
+DialogUserInterface::~DialogUserInterface() = default;
+
 MessageBoxAnswer DialogUserInterface::MessageBox(const MessageBoxRequest& request)
 {
     const DefaultPointer pointer;
@@ -97,21 +101,32 @@ int DialogUserInterface::InputBox(const InputBoxRequest& request, QString& resul
 
 bool DialogUserInterface::DatabaseSettings(cTolvaDatabase& database)
 {
-    const QString title = QStringLiteral("Station Settings");
-    const auto ask = [&](const QString& prompt, const QString& before, QString& answer) {
-        const bool isGiven = InputBox({prompt, title, before, LongestDetail, QString()}, answer) == 0;
-        answer = answer.trimmed();
-        return isGiven && !answer.isEmpty();
-    };
-    QString name;
-    QString number;
-    if (!ask(QStringLiteral("What is the name of your station?"), database.StationName(), name) ||
-        !ask(QStringLiteral("What is your station's telephone number?"), database.StationPhoneNumber(), number))
-        return false;
-    database.SetStationName(name);
-    database.SetStationPhoneNumber(number);
-    // A failure to store was shown by the station itself.
-    return database.StationName() == name && database.StationPhoneNumber() == number;
+    // The window below may go while the dialog waits, and takes it along, which confirms nothing.
+    const QPointer<frmDatabaseSettings> form(new frmDatabaseSettings(ActiveWindow()));
+    form->SetTolvaDatabase(&database);
+    form->exec();
+    const bool isConfirmed = form && !form->Cancelled();
+    delete form;
+    return isConfirmed;
+}
+
+void DialogUserInterface::SetBackupNotice(bool shown)
+{
+    if (shown) {
+        if (!Notice_)
+            Notice_ = std::make_unique<frmHandler>();
+        Notice_->ShowNotice();
+    } else if (Notice_) {
+        Notice_->hide();
+    }
+}
+
+void DialogUserInterface::PageSetupLabels(cPageSetup& pageSetup)
+{
+    const QPointer<frmPageSetupLabels> form(new frmPageSetupLabels(ActiveWindow()));
+    form->SetPageSetup(&pageSetup);
+    form->exec();
+    delete form;
 }
 
 void DialogUserInterface::SetBusyPointer(bool busy)
@@ -126,8 +141,6 @@ void DialogUserInterface::SetBusyPointer(bool busy)
 }
 
 /// The progress display says what is being done.
-void DialogUserInterface::SetBackupNotice(bool) {}
-
 std::unique_ptr<ProgressDisplay> DialogUserInterface::Progress(const QString& caption)
 {
     return std::make_unique<DialogProgress>(caption);

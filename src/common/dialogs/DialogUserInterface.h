@@ -4,6 +4,10 @@
 
 #include <QSet>
 
+#include <memory>
+
+class frmHandler;
+
 /// The user at a window: every request becomes a real dialog over the active window. Texts are shown as plain text,
 /// for they may quote what a listener wrote; one that is too long for any screen is cut with an ellipsis.
 ///
@@ -12,13 +16,15 @@
 class DialogUserInterface : public UserInterface
 {
 public:
+    DialogUserInterface();
+    ~DialogUserInterface() override;
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
-    /// Asks for the two details without which no station is used: its name and its telephone number. Nothing is stored
-    /// unless both are given.
+    void PageSetupLabels(cPageSetup& pageSetup) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
-    void SetBusyPointer(bool busy) override;
+    /// Returns when the notice is to be seen, so that the work behind it may begin.
     void SetBackupNotice(bool shown) override;
+    void SetBusyPointer(bool busy) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     /// Shows the error in words and logs it. While the box for an error is up, further ones with its number are logged
@@ -30,6 +36,7 @@ protected:
     virtual bool HandleRunTimeError(const dao::Error& error);
 
 private:
+    std::unique_ptr<frmHandler> Notice_;
     QSet<int> ErrorsOnDisplay_;
     bool IsBusy_ = false;
 };

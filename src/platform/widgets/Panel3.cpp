@@ -2,7 +2,9 @@
 
 #include "platform/widgets/Contrast.h"
 #include "platform/widgets/SystemColour.h"
+#include "platform/widgets/Twips.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 
 Panel3::Panel3(QWidget* parent) : QFrame(parent), BackColour_(SystemColour::ButtonFace) {}
@@ -31,6 +33,12 @@ void Panel3::SetBorderStyle(BorderStyles style)
     setFrameStyle(style == None ? QFrame::NoFrame : QFrame::Box | QFrame::Plain);
 }
 
+void Panel3::SetBevel(Bevels bevel)
+{
+    Bevel_ = bevel;
+    update();
+}
+
 QSize Panel3::sizeHint() const
 {
     const int margin = fontMetrics().height();
@@ -44,10 +52,39 @@ void Panel3::paintEvent(QPaintEvent* event)
     painter.fillRect(rect(), background);
     if (!Caption_.isEmpty()) {
         painter.setPen(Contrast::BlackOrWhite(background));
-        const QRect place = contentsRect();
+        // A pressed button's caption goes in with it.
+        const QRect place = contentsRect().translated(Bevel_ == InsetBevel ? QPoint(1, 1) : QPoint());
         painter.drawText(place, Qt::AlignCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(Caption_, Qt::ElideRight, place.width()));
     }
+    DrawBevel(painter, background);
     painter.end();
     QFrame::paintEvent(event);
+}
+
+void Panel3::DrawBevel(QPainter& painter, const QColor& background) const
+{
+    if (Bevel_ == NoBevel)
+        return;
+    const QColor light = Contrast::Blend(background, Qt::white, 0.5);
+    const QColor dark = Contrast::Blend(background, Qt::black, 0.45);
+    const QRect edge = rect();
+    painter.setPen(Bevel_ == RaisedBevel ? light : dark);
+    painter.drawLine(edge.topLeft(), edge.topRight());
+    painter.drawLine(edge.topLeft(), edge.bottomLeft());
+    painter.setPen(Bevel_ == RaisedBevel ? dark : light);
+    painter.drawLine(edge.bottomLeft(), edge.bottomRight());
+    painter.drawLine(edge.topRight(), edge.bottomRight());
+}
+
+void Panel3::mousePressEvent(QMouseEvent* event)
+{
+    QFrame::mousePressEvent(event);
+    Q_EMIT MouseDown(event->button(), event->position() * Twips::PerPixel(*this));
+}
+
+void Panel3::mouseReleaseEvent(QMouseEvent* event)
+{
+    QFrame::mouseReleaseEvent(event);
+    Q_EMIT MouseUp(event->button(), event->position() * Twips::PerPixel(*this));
 }

@@ -4,7 +4,6 @@
 
 #include "common/dialogs/frmGoodInputBox.h"
 #include "controls/support/WhenShown.h"
-#include "core/support/StationTest.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -12,6 +11,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+
+#include <gtest/gtest.h>
 
 namespace
 {
@@ -214,61 +215,4 @@ TEST_F(DialogUserInterfaceTest, YieldRunsWhatIsPending)
     QTimer::singleShot(0, qApp, [&] { hasRun = true; });
     Ui.Yield();
     EXPECT_TRUE(hasRun);
-}
-
-/// A station whose settings are asked for in real dialogs.
-class StationSettingsDialogTest : public StationTest
-{
-protected:
-    void SetUp() override { OpenStation(); }
-
-    bool Ask(std::function<void(frmGoodInputBox&)> first, std::function<void(frmGoodInputBox&)> second)
-    {
-        DialogUserInterface dialogs;
-        UserInterface::SetCurrent(&dialogs);
-        std::optional<WhenShown<frmGoodInputBox>> next;
-        const WhenShown<frmGoodInputBox> shown([&](frmGoodInputBox& form) {
-            first(form);
-            if (second)
-                next.emplace(second);
-        });
-        const bool answer = dialogs.DatabaseSettings(*Station);
-        UserInterface::SetCurrent(&Ui);
-        return answer;
-    }
-};
-
-TEST_F(StationSettingsDialogTest, NameAndTelephoneNumberAreAskedForAndStored)
-{
-    EXPECT_TRUE(Ask(
-        [](frmGoodInputBox& form) {
-            EXPECT_EQ(form.windowTitle(), QStringLiteral("Station Settings"));
-            EXPECT_EQ(form.findChild<QLabel*>(QStringLiteral("lblCaption"))->text(),
-                      QStringLiteral("What is the name of your station?"));
-            Answer(form, QStringLiteral(" Pier FM "));
-        },
-        [](frmGoodInputBox& form) {
-            EXPECT_EQ(form.findChild<QLabel*>(QStringLiteral("lblCaption"))->text(),
-                      QStringLiteral("What is your station's telephone number?"));
-            Answer(form, QStringLiteral("01632 960999"));
-        }));
-    EXPECT_EQ(Station->StationName(), QStringLiteral("Pier FM"));
-    EXPECT_EQ(Station->StationPhoneNumber(), QStringLiteral("01632 960999"));
-}
-
-TEST_F(StationSettingsDialogTest, NothingIsStoredUnlessBothAreGiven)
-{
-    const QString name = Station->StationName();
-    const QString number = Station->StationPhoneNumber();
-    const auto cancel = [](frmGoodInputBox& form) { QTest::keyClick(&form, Qt::Key_Escape); };
-    const auto close = [](frmGoodInputBox& form) { form.close(); };
-    const auto empty = [](frmGoodInputBox& form) { Answer(form, QStringLiteral("  ")); };
-    const auto other = [](frmGoodInputBox& form) { Answer(form, QStringLiteral("Other")); };
-    EXPECT_FALSE(Ask(cancel, nullptr));
-    EXPECT_FALSE(Ask(close, nullptr));
-    EXPECT_FALSE(Ask(empty, nullptr));
-    EXPECT_FALSE(Ask(other, cancel));
-    EXPECT_FALSE(Ask(other, empty));
-    EXPECT_EQ(Station->StationName(), name);
-    EXPECT_EQ(Station->StationPhoneNumber(), number);
 }

@@ -21,9 +21,10 @@ public:
 
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override { return Before_.MessageBox(request); }
     int InputBox(const InputBoxRequest& request, QString& result) override { return Before_.InputBox(request, result); }
+    void PageSetupLabels(cPageSetup& pageSetup) override { Before_.PageSetupLabels(pageSetup); }
     bool DatabaseSettings(cTolvaDatabase& database) override { return Before_.DatabaseSettings(database); }
-    void SetBusyPointer(bool busy) override { Before_.SetBusyPointer(busy); }
     void SetBackupNotice(bool shown) override { Before_.SetBackupNotice(shown); }
+    void SetBusyPointer(bool busy) override { Before_.SetBusyPointer(busy); }
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override { return Before_.Progress(caption); }
     void Yield() override { Before_.Yield(); }
     void RunTimeError(const dao::Error& error) override

@@ -55,3 +55,19 @@ TEST(Panel3Test, TheBorderAndVisibilityAreProperties)
     EXPECT_TRUE(child->setProperty("Visible", false));
     EXPECT_TRUE(child->isHidden());
 }
+
+TEST(Panel3Test, TheBevelIsLightAboveWhenRaisedAndBelowWhenInset)
+{
+    Panel3 panel;
+    panel.resize(60, 20);
+    panel.SetBackColour(0x808080);
+    const auto edge = [&panel](int y) { return panel.grab().toImage().pixelColor(30, y).lightness(); };
+    EXPECT_EQ(panel.Bevel(), Panel3::NoBevel);
+    EXPECT_EQ(edge(0), edge(19));
+    EXPECT_TRUE(panel.setProperty("Bevel", Panel3::RaisedBevel));
+    EXPECT_GT(edge(0), edge(10));
+    EXPECT_LT(edge(19), edge(10));
+    panel.SetBevel(Panel3::InsetBevel);
+    EXPECT_LT(edge(0), edge(10));
+    EXPECT_GT(edge(19), edge(10));
+}

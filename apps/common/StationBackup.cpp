@@ -1,0 +1,56 @@
+#include "StationBackup.h"
+
+#include "Failure.h"
+#include "StationOpening.h"
+#include "StationPlace.h"
+#include "common/FileHelper.h"
+#include "common/kvGeneral.h"
+#include "database/BackupFolders.h"
+
+namespace
+{
+/// Why there is no backup.
+Failure WhyNone(const cTolvaDatabase& database, const QString& folder)
+{
+    const int number = database.LastErrorNumber();
+    if (number == dao::errCancelled)
+        return Failure(exitInterrupted, QStringLiteral("Ended early; no backup was made."));
+    // The path is that of the backup's folder, which could not be made.
+    if (number != 0 && number != dao::errNotAValidPath)
+        return StationOpening::FailureOf(folder, number, database.LastErrorDescription());
+    return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.")
+                                        .arg(BackupFolders::RootOf(StationPlace::FileIn(folder))));
+}
+
+/// The folder that the station's last backup went to.
+QString LastBackupName(const cTolvaDatabase& database)
+{
+    const QString last = database.DatabaseSetting(QStringLiteral("Backups.LastBackup"), QStringLiteral("")).toString();
+    return GetKeyValue(last, QStringLiteral("Name"), QStringLiteral(" "));
+}
+} // namespace
+
+StationBackup::Result StationBackup::Make(cTolvaDatabase& database, const QString& folder)
+{
+    const QString file = StationPlace::FileIn(folder);
+    try {
+        Result result;
+        result.Before = StationCounts::Of(file);
+        if (!database.BackupDatabase(true))
+            throw WhyNone(database, folder);
+        result.Name = LastBackupName(database);
+        result.Folder = FileHelper::Join(BackupFolders::RootOf(file), result.Name);
+        const QString copy = FileHelper::Join(result.Folder, FileHelper::FileNameOf(file));
+        result.Size = FileHelper::FileSize(copy);
+        result.Copy = StationCounts::Of(copy);
+        result.After = StationCounts::Of(file);
+        // While somebody files, the copy may hold more than before and less than after.
+        if (result.Before == result.After && result.Copy != result.Before) {
+            throw Failure(exitData, QStringLiteral("The backup in %1 holds %2, the station %3.")
+                                        .arg(result.Folder, result.Copy.Words(), result.Before.Words()));
+        }
+        return result;
+    } catch (const dao::Error& error) {
+        throw StationOpening::FailureOf(folder, error.Number(), error.Description());
+    }
+}

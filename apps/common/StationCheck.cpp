@@ -1,0 +1,274 @@
+#include "StationCheck.h"
+
+#include "Failure.h"
+#include "FolderNames.h"
+#include "StationPlace.h"
+#include "common/FileHelper.h"
+#include "common/UserInterface.h"
+#include "database/TableCheck.h"
+#include "platform/directory/clsCategory.h"
+#include "platform/records/DBEngine.h"
+
+#include <QMap>
+
+namespace
+{
+const QString MessagesName = QStringLiteral("Messages");
+constexpr int ProblemsShown = 20; // of one kind
+
+/// What a check has found so far. Problems of one kind are counted, and the first ones are told singly.
+class Findings
+{
+public:
+    explicit Findings(const std::function<void(const QString&)>& tell) : Tell_(tell) {}
+
+    void Add(const QString& kind, const QString& words)
+    {
+        const int count = ++Counts_[kind];
+        if (count <= ProblemsShown)
+            Tell_(words);
+        else if (count == ProblemsShown + 1)
+            Tell_(QStringLiteral("... and more of the same kind (%1)").arg(kind));
+    }
+    QString Summary() const
+    {
+        QStringList words;
+        for (auto it = Counts_.cbegin(); it != Counts_.cend(); ++it)
+            words.append(QStringLiteral("%1: %2").arg(it.key()).arg(it.value()));
+        return words.join(QStringLiteral("; "));
+    }
+
+private:
+    const std::function<void(const QString&)>& Tell_;
+    QMap<QString, int> Counts_;
+};
+
+/// A locked or unreadable file ends the check; what else the record store complains of is damage to tell.
+bool EndsCheck(const dao::Error& error)
+{
+    const ExitCode code = ExitCodeOf(error.Number());
+    return code == exitTemporary || code == exitNoPermission || code == exitInputOutput;
+}
+
+/// The tables, fields and indexes that the station needs, compared by name as opening does.
+void CheckShape(dao::Database& database, const TableShape& shape, Findings& findings)
+{
+    const QString kind = QStringLiteral("missing parts");
+    const auto item = [&](const auto& collection, const QString& name, const QString& words) {
+        for (int i = 0; i < collection.Count(); ++i) {
+            if (collection.Item(i).Name().compare(name, Qt::CaseInsensitive) == 0)
+                return true;
+        }
+        findings.Add(kind, words);
+        return false;
+    };
+    if (!item(database.TableDefs(), shape.Name, QStringLiteral("The table %1 is missing.").arg(shape.Name)))
+        return;
+    const dao::TableDef& table = database.TableDefs().Item(shape.Name);
+    for (const FieldShape& field : shape.Fields)
+        item(table.Fields(), field.Name,
+             QStringLiteral("The field %1 of the table %2 is missing.").arg(field.Name, shape.Name));
+    for (const IndexShape& index : shape.Indexes)
+        item(table.Indexes(), index.Name,
+             QStringLiteral("The index %1 of the table %2 is missing.").arg(index.Name, shape.Name));
+}
+
+const QString MailColumn = QStringLiteral("Message");
+
+/// Reads every value of the current row but the mail, whose octets are read apart.
+void ReadValues(const dao::Recordset& rows, const QString& table, Findings& findings)
+{
+    const dao::Collection<dao::Field>& fields = rows.Fields();
+    for (int i = 0; i < fields.Count(); ++i) {
+        if (fields.Item(i).Name() == MailColumn)
+            continue;
+        try {
+            static_cast<void>(fields.Item(i).Value());
+        } catch (const dao::Error& error) {
+            if (EndsCheck(error))
+                throw;
+            findings.Add(QStringLiteral("unreadable values"),
+                         QStringLiteral("A value of the field %1 in the table %2 cannot be read: %3")
+                             .arg(fields.Item(i).Name(), table, error.Description()));
+        }
+    }
+}
+
+/// Reads all rows of a table but the messages; the number of rows.
+int CheckTable(dao::Database& database, const QString& name, Findings& findings)
+{
+    int count = 0;
+    try {
+        const auto rows = database.OpenRecordset(name, dao::dbOpenTable);
+        for (; !rows->AtEOF(); rows->MoveNext(), ++count)
+            ReadValues(*rows, name, findings);
+    } catch (const dao::Error& error) {
+        if (EndsCheck(error))
+            throw;
+        findings.Add(QStringLiteral("unreadable tables"),
+                     QStringLiteral("The table %1 cannot be read to its end: %2").arg(name, error.Description()));
+    }
+    return count;
+}
+
+/// The messages of the station as the check meets them.
+class MessageCheck
+{
+public:
+    MessageCheck(const clsCategory& root, Findings& findings) : Root_(root), Findings_(findings) {}
+
+    void Check(const dao::Recordset& rows)
+    {
+        const qint32 reference = rows.Collect(QStringLiteral("Reference")).toInt();
+        const qint32 category = rows.Collect(QStringLiteral("Category")).toInt();
+        ++InFolder_[category];
+        if (!Root_.FindCategory(category)) {
+            Findings_.Add(
+                QStringLiteral("messages in no folder"),
+                QStringLiteral("Message %1 stands in folder %2, which does not exist. \"tolva move\" takes it to "
+                               "one that does.")
+                    .arg(reference)
+                    .arg(category));
+        }
+        CheckMail(rows, reference);
+    }
+    const QMap<qint32, int>& InFolder() const { return InFolder_; }
+
+private:
+    void CheckMail(const dao::Recordset& rows, qint32 reference)
+    {
+        const QString kind = QStringLiteral("unreadable messages");
+        try {
+            if (rows[MailColumn].Octets().isEmpty())
+                Findings_.Add(QStringLiteral("messages without a text"),
+                              QStringLiteral("Message %1 holds no mail.").arg(reference));
+        } catch (const dao::Error& error) {
+            // Text of other software in place of octets reads all the same.
+            if (error.Number() == dao::errTypeMismatch)
+                return;
+            if (EndsCheck(error))
+                throw;
+            Findings_.Add(kind,
+                          QStringLiteral("Message %1 cannot be read: %2").arg(reference).arg(error.Description()));
+        }
+    }
+
+    const clsCategory& Root_;
+    Findings& Findings_;
+    QMap<qint32, int> InFolder_;
+};
+
+/// False when the user ended it.
+bool CheckMessages(dao::Database& database, MessageCheck& check, Findings& findings)
+{
+    const auto progress = UserInterface::Current().Progress(QStringLiteral("Checking"));
+    try {
+        const auto rows = database.OpenRecordset(MessagesName, dao::dbOpenTable);
+        const int total = rows->RecordCount();
+        for (int done = 1; !rows->AtEOF(); rows->MoveNext(), ++done) {
+            ReadValues(*rows, MessagesName, findings);
+            check.Check(*rows);
+            if (!progress->Advance(done, total))
+                return false;
+        }
+    } catch (const dao::Error& error) {
+        if (EndsCheck(error))
+            throw;
+        findings.Add(QStringLiteral("unreadable tables"),
+                     QStringLiteral("The table Messages cannot be read to its end: %1").arg(error.Description()));
+    }
+    return true;
+}
+
+void LoadFolders(dao::Database& database, clsCategory& root, Findings& findings)
+{
+    try {
+        root.LoadCategories(database, QStringLiteral("Categories"), QStringLiteral("MessageCategories"));
+    } catch (const dao::Error& error) {
+        if (EndsCheck(error))
+            throw;
+        findings.Add(QStringLiteral("unreadable tables"),
+                     QStringLiteral("The folders cannot be read: %1").arg(error.Description()));
+    }
+}
+
+QList<StationCheck::FolderCount> FolderCounts(const MessageCheck& check, const clsCategory& root)
+{
+    const QHash<qint32, QString> paths = FolderPaths(root);
+    QList<StationCheck::FolderCount> counts;
+    for (auto it = check.InFolder().cbegin(); it != check.InFolder().cend(); ++it)
+        counts.append({FolderPath(paths, it.key()), it.value()});
+    return counts;
+}
+
+/// False when the user ended it.
+bool CheckStationFile(const QString& file, Findings& findings, StationCheck::Report& report)
+{
+    const auto database = dao::DBEngine::OpenDatabase(file, 0, true);
+    for (const TableShape& shape : {DescriptionTableShape(), SettingsTableShape(), MessagesTableShape(),
+                                    MessageCategoriesTableShape(), PrizesTableShape(), PrizeWinnersTableShape()}) {
+        CheckShape(*database, shape, findings);
+        if (shape.Name != MessagesName)
+            CheckTable(*database, shape.Name, findings);
+    }
+    clsCategory root;
+    LoadFolders(*database, root, findings);
+    MessageCheck check(root, findings);
+    if (!CheckMessages(*database, check, findings))
+        return false;
+    report.Folders = FolderCounts(check, root);
+    report.IsRead = true;
+    return true;
+}
+
+void CheckDirectory(const QString& file, Findings& findings)
+{
+    if (!FileHelper::FileExists(file)) {
+        findings.Add(QStringLiteral("missing parts"), QStringLiteral("There is no directory in %1.").arg(file));
+        return;
+    }
+    const auto database = dao::DBEngine::OpenDatabase(file, 0, true);
+    QStringList names;
+    for (int i = 0; i < database->TableDefs().Count(); ++i)
+        names.append(database->TableDefs().Item(i).Name());
+    for (const QString& name : names)
+        CheckTable(*database, name, findings);
+}
+
+/// Runs a check of one file. A file that cannot be opened for its content is a finding as well.
+template <typename Check>
+void OfFile(const QString& file, Findings& findings, Check&& check)
+{
+    try {
+        check();
+    } catch (const dao::Error& error) {
+        const Failure failure = FailureOf(file, file, error.Number(), error.Description());
+        if (failure.Code() != exitData)
+            throw failure;
+        findings.Add(QStringLiteral("damaged files"),
+                     QStringLiteral("%1 is damaged, or no database at all: %2").arg(file, error.Description()));
+    }
+}
+} // namespace
+
+int StationCheck::Report::Messages() const
+{
+    int total = 0;
+    for (const FolderCount& folder : Folders)
+        total += folder.Messages;
+    return total;
+}
+
+StationCheck::Report StationCheck::Run(const QString& folder, const std::function<void(const QString&)>& tell)
+{
+    Report report;
+    Findings findings(tell);
+    const QString file = StationPlace::FileIn(folder);
+    OfFile(file, findings, [&] { report.IsWhole = CheckStationFile(file, findings, report); });
+    if (!report.IsWhole)
+        return report;
+    const QString directory = StationPlace::DirectoryFileIn(folder);
+    OfFile(directory, findings, [&] { CheckDirectory(directory, findings); });
+    report.Summary = findings.Summary();
+    return report;
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "StationCounts.h"
+#include "database/BackupFolders.h"
+
+#include <optional>
+
+/// Putting another file in the place of a station's: a backup, or a compacted copy. Every program must have closed the
+/// station, this one too. The old file is kept beside the new one.
+namespace StationReplacing
+{
+struct Result
+{
+    std::optional<StationCounts> Before; ///< Nothing when the old file could not be read.
+    StationCounts After;
+    qint64 SizeBefore = 0;
+    qint64 SizeAfter = 0;
+    QString KeepName; ///< The old file's whole name now; empty when there was none.
+};
+
+/// What a file holds; nothing when it cannot be read.
+std::optional<StationCounts> CountsOf(const QString& file);
+
+/// Puts the backup in the place of the station in the folder and makes sure that the station holds then what the backup
+/// holds. Failure in words: code exitInterrupted when the user cancelled; nothing is changed unless it says so.
+Result Restore(const QString& folder, const BackupFolders::Backup& backup);
+/// Writes the station's file anew and makes sure that it holds what it held. Failure as above.
+Result Compact(const QString& folder);
+} // namespace StationReplacing

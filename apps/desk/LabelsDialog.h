@@ -1,0 +1,75 @@
+#pragma once
+
+#include "LabelTexts.h"
+
+#include <QDialog>
+#include <QSizeF>
+
+#include <functional>
+#include <memory>
+
+class DeskStation;
+class LabelPreview;
+class LabelSheet;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPagedPaintDevice;
+class QPushButton;
+class QRadioButton;
+class QSpinBox;
+
+/// Prints address labels of contacts, or of the winners of a prize: who, on which paper, from which label on. The
+/// geometry is that of the station. The station is open and outlives the dialog.
+class LabelsDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit LabelsDialog(DeskStation& station, QWidget* parent = nullptr);
+
+    /// What asks for a printer; null from it when the user cancels. An empty one goes back to the system's dialog.
+    using PrinterChooser = std::function<std::unique_ptr<QPagedPaintDevice>(QWidget* parent)>;
+    static void SetPrinterChooser(PrinterChooser chooser);
+
+    /// The labels that are checked, in the order of the list.
+    QStringList Texts() const;
+
+private:
+    QWidget* MakeChoice();
+    QWidget* MakeSheet();
+    QWidget* MakeButtons();
+    /// Runs a piece of work; its error becomes words.
+    template <typename Work>
+    void Run(Work&& work);
+
+    void FillPrizes();
+    void Fill();
+    void Show(const QList<LabelTexts::Entry>& entries);
+    void ApplyFind();
+    void CheckShown(bool checked);
+    void Update();
+    QSizeF Paper() const;
+    int StartAt() const;
+    void Print(const LabelSheet& sheet);
+    void SavePdf();
+
+    DeskStation& Station_;
+    QList<LabelTexts::Entry> Entries_;
+    QRadioButton* FromContacts_ = nullptr;
+    QRadioButton* FromWinners_ = nullptr;
+    QComboBox* Prize_ = nullptr;
+    QLineEdit* Find_ = nullptr;
+    QListWidget* List_ = nullptr;
+    QLabel* Note_ = nullptr;
+    QComboBox* Paper_ = nullptr;
+    QSpinBox* StartAt_ = nullptr;
+    LabelPreview* Preview_ = nullptr;
+    QLabel* Count_ = nullptr;
+    QLabel* Problem_ = nullptr;
+    QPushButton* Test_ = nullptr;
+    QPushButton* Print_ = nullptr;
+    QPushButton* Save_ = nullptr;
+    bool IsFilling_ = false;
+};
