@@ -101,11 +101,12 @@ int DialogUserInterface::InputBox(const InputBoxRequest& request, QString& resul
 
 bool DialogUserInterface::DatabaseSettings(cTolvaDatabase& database)
 {
-    // The window below may go while the dialog waits, and takes it along, which confirms nothing.
+    // The window below may go while the dialog waits, and takes it along, or the program may end, which leaves it up:
+    // neither confirms anything.
     const QPointer<frmDatabaseSettings> form(new frmDatabaseSettings(ActiveWindow()));
     form->SetTolvaDatabase(&database);
     form->exec();
-    const bool isConfirmed = form && !form->Cancelled();
+    const bool isConfirmed = form && !form->isVisible() && !form->Cancelled();
     delete form;
     return isConfirmed;
 }

@@ -3,6 +3,7 @@
 #include "common/GeneralHelper.h"
 #include "common/cPageSetup.h"
 #include "platform/widgets/Contrast.h"
+#include "platform/widgets/DialogSize.h"
 #include "platform/widgets/TextBoxes.h"
 #include "platform/widgets/Twips.h"
 
@@ -87,6 +88,7 @@ frmPageSetupLabels::frmPageSetupLabels(QWidget* owner) : QDialog(owner)
     setWindowTitle(QStringLiteral("Page Setup - Labels"));
     MakeControls();
     LayOut();
+    DialogSize::FitContents(*this);
 }
 
 NumberBox* frmPageSetupLabels::MakeField(const char* name, const QString& words)

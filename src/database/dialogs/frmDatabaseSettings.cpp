@@ -1,6 +1,7 @@
 #include "database/dialogs/frmDatabaseSettings.h"
 
 #include "database/cTolvaDatabase.h"
+#include "platform/widgets/DialogSize.h"
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/TextBoxes.h"
 #include "platform/widgets/Twips.h"
@@ -122,7 +123,7 @@ void frmDatabaseSettings::MakeControls()
     auto* column = new QVBoxLayout(this);
     column->addWidget(tbsSettings_, 1);
     column->addLayout(buttons);
-    setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
+    tbsSettings_->setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
     // The first box of the page rather than the row of tabs.
     txtStationName_->setFocus();
 }
@@ -265,6 +266,7 @@ void frmDatabaseSettings::Fill(const cTolvaDatabase& database)
     optBackupDaily_->setChecked(database.BackupInterval() == Daily);
     txtBackupExpiry_->SetLimitedText(QString::number(database.BackupExpiryDays()), LongestExpiry);
     SelectControlText(*txtStationName_);
+    DialogSize::FitContents(*this);
 }
 
 void frmDatabaseSettings::EnableBackupOptions()

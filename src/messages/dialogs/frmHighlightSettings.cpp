@@ -5,6 +5,7 @@
 #include "messages/HighlightMarking.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/html/SafeHtml.h"
+#include "platform/widgets/DialogSize.h"
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/Twips.h"
 
@@ -61,6 +62,7 @@ frmHighlightSettings::frmHighlightSettings(cTolvaDatabase& database, QWidget* ow
     database.ReadHighlightSettings();
     Fill(database.HighlightWords(), database.MessageHighlightFont());
     txtWords_->setFocus();
+    DialogSize::FitContents(*this);
 }
 
 void frmHighlightSettings::MakeControls()
@@ -172,7 +174,7 @@ void frmHighlightSettings::LayOut()
     column->addWidget(lblNote_);
     column->addWidget(font);
     column->addLayout(buttons);
-    setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
+    txtWords_->setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
     QWidget* before = txtWords_;
     for (QWidget* next : std::initializer_list<QWidget*>{comboFont_, spinSize_, cmdColour_, chkBold_, chkItalic_,
                                                          chkUnderline_, chkStrikethrough_, cmdOK_, cmdCancel_}) {

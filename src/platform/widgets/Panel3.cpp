@@ -68,13 +68,13 @@ void Panel3::DrawBevel(QPainter& painter, const QColor& background) const
         return;
     const QColor light = Contrast::Blend(background, Qt::white, 0.5);
     const QColor dark = Contrast::Blend(background, Qt::black, 0.45);
-    const QRect edge = rect();
-    painter.setPen(Bevel_ == RaisedBevel ? light : dark);
-    painter.drawLine(edge.topLeft(), edge.topRight());
-    painter.drawLine(edge.topLeft(), edge.bottomLeft());
-    painter.setPen(Bevel_ == RaisedBevel ? dark : light);
-    painter.drawLine(edge.bottomLeft(), edge.bottomRight());
-    painter.drawLine(edge.topRight(), edge.bottomRight());
+    const QColor above = Bevel_ == RaisedBevel ? light : dark;
+    const QColor below = Bevel_ == RaisedBevel ? dark : light;
+    // Filled rather than drawn as lines, which lie half outside on an enlarged screen.
+    painter.fillRect(0, 0, width(), 1, above);
+    painter.fillRect(0, 0, 1, height(), above);
+    painter.fillRect(0, height() - 1, width(), 1, below);
+    painter.fillRect(width() - 1, 0, 1, height(), below);
 }
 
 void Panel3::mousePressEvent(QMouseEvent* event)

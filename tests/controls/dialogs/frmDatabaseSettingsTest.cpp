@@ -429,6 +429,29 @@ TEST_F(frmDatabaseSettingsTest, ALongSongAndMarkupNeitherWidenTheDialogNorBecome
     EXPECT_LE(Form->minimumSizeHint().width(), width);
 }
 
+TEST_F(frmDatabaseSettingsTest, NothingIsSqueezedHoweverSmallTheScreenIs)
+{
+    Station->SetCurrentSongFullName(QStringLiteral("A song with a long name ").repeated(8));
+    Show();
+    for (int page = 0; page < 3; ++page) {
+        Pages().setCurrentIndex(page);
+        QCoreApplication::processEvents();
+        for (const QWidget* control : Pages().widget(page)->findChildren<QWidget*>()) {
+            if (qobject_cast<const QLineEdit*>(control)) {
+                EXPECT_GE(control->height(), control->sizeHint().height()) << qPrintable(control->objectName());
+            } else if (qobject_cast<const QAbstractButton*>(control)) {
+                EXPECT_GE(control->width(), control->sizeHint().width()) << qPrintable(control->objectName());
+            } else if (const auto* const label = qobject_cast<const QLabel*>(control)) {
+                EXPECT_GE(label->height(),
+                          label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height())
+                    << qPrintable(label->objectName());
+                EXPECT_TRUE(label->wordWrap() || label->width() >= label->sizeHint().width())
+                    << qPrintable(label->objectName());
+            }
+        }
+    }
+}
+
 TEST_F(frmDatabaseSettingsTest, AFailureToStoreIsToldAndTheDialogClosesAllTheSame)
 {
     Show();

@@ -61,13 +61,17 @@ TEST(Panel3Test, TheBevelIsLightAboveWhenRaisedAndBelowWhenInset)
     Panel3 panel;
     panel.resize(60, 20);
     panel.SetBackColour(0x808080);
-    const auto edge = [&panel](int y) { return panel.grab().toImage().pixelColor(30, y).lightness(); };
+    // A share of the height, whatever the screen's scale is.
+    const auto edge = [&panel](double share) {
+        const QImage image = panel.grab().toImage();
+        return image.pixelColor(image.width() / 2, qRound(share * (image.height() - 1))).lightness();
+    };
     EXPECT_EQ(panel.Bevel(), Panel3::NoBevel);
-    EXPECT_EQ(edge(0), edge(19));
+    EXPECT_EQ(edge(0), edge(1));
     EXPECT_TRUE(panel.setProperty("Bevel", Panel3::RaisedBevel));
-    EXPECT_GT(edge(0), edge(10));
-    EXPECT_LT(edge(19), edge(10));
+    EXPECT_GT(edge(0), edge(0.5));
+    EXPECT_LT(edge(1), edge(0.5));
     panel.SetBevel(Panel3::InsetBevel);
-    EXPECT_LT(edge(0), edge(10));
-    EXPECT_GT(edge(19), edge(10));
+    EXPECT_LT(edge(0), edge(0.5));
+    EXPECT_GT(edge(1), edge(0.5));
 }
