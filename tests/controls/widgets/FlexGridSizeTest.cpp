@@ -89,6 +89,8 @@ protected:
 
 TEST_F(FlexGridSizeTest, ARowTakesLessThanAKilobyte)
 {
+    if (AllocatedBytes() == 0)
+        GTEST_SKIP() << "the sanitizer's allocator does not count for the C library";
     Show();
     const qint64 before = AllocatedBytes();
     FillInBlocks(Grid, ManyRows);
