@@ -147,7 +147,9 @@ void BackupsDialog::ShowEntry(int index)
     const Date made = entry.Backup.CreatedDate;
     item->setText(columnMade, made.IsNone() ? entry.Backup.Name : made.Format(QStringLiteral("dddddd hh:nn")));
     item->setText(columnBy, entry.By.trimmed());
-    item->setText(columnSize, entry.Size < 0 ? QString() : QLocale().formattedDataSize(entry.Size));
+    item->setText(columnSize, entry.Size < 0
+                                  ? QString()
+                                  : QLocale().formattedDataSize(entry.Size, 1, QLocale::DataSizeTraditionalFormat));
     item->setText(columnState, StateOf(entry));
 }
 

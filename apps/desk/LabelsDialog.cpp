@@ -325,9 +325,11 @@ void LabelsDialog::Update()
                                              "corrects it.")
                                               .arg(problem));
     Problem_->setHidden(problem.isEmpty());
-    Test_->setEnabled(problem.isEmpty());
-    Print_->setEnabled(problem.isEmpty() && labels > 0);
-    Save_->setEnabled(problem.isEmpty() && labels > 0);
+    // A sheet that reaches beyond the paper can still be tried; one without labels cannot.
+    const bool hasLabels = LabelLayout::LabelsPerSheet(pageSetup) > 0;
+    Test_->setEnabled(hasLabels);
+    Print_->setEnabled(sheets > 0);
+    Save_->setEnabled(sheets > 0);
 }
 
 void LabelsDialog::Print(const LabelSheet& sheet)

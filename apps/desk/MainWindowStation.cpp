@@ -29,7 +29,7 @@ bool IsSame(const cPageSetup& a, const cPageSetup& b)
 
 QString SizeWords(qint64 octets)
 {
-    return QLocale().formattedDataSize(octets);
+    return QLocale().formattedDataSize(octets, 1, QLocale::DataSizeTraditionalFormat);
 }
 
 /// What the old file is called now, when there was one.

@@ -302,6 +302,9 @@ private:
         DeskStation& station = Window().Station();
         station.BackUp();
         FillDirectory();
+        cPageSetup& labels = station.Database().AddressLabelsPageSetup();
+        labels.SetLeftMargin(5);
+        labels.SetColumnWidth(100);
         const auto counts = StationCounts::Of(StationPlace::FileIn(Folder_));
         const auto show = [this](QDialog& dialog, const char* name, int ratio) {
             dialog.show();
@@ -311,7 +314,7 @@ private:
             Save(dialog, name, ratio);
             dialog.close();
         };
-        const auto showAll = [&](const char* backups, const char* report, const char* labels, int ratio) {
+        const auto showAll = [&](const char* backups, const char* report, const char* sheets, int ratio) {
             BackupsDialog list(StationPlace::FileIn(Folder_), true, &Window());
             show(list, backups, ratio);
             ReportDialog outcome(QStringLiteral("Check the file"),
@@ -320,7 +323,7 @@ private:
             show(outcome, report, ratio);
             LabelsDialog sheet(station, &Window());
             sheet.findChild<QPushButton*>(QStringLiteral("checkAll"))->click();
-            show(sheet, labels, ratio);
+            show(sheet, sheets, ratio);
         };
         showAll("backups", "check", "labels", 1);
         showAll("backups-200", "check-200", "labels-200", 2);

@@ -14,6 +14,11 @@ namespace
 class BackupsDialogTest : public DeskTest
 {
 protected:
+    void SetUp() override
+    {
+        DeskTest::SetUp();
+        WithoutAutomaticBackups();
+    }
     void TearDown() override
     {
         Dialog.reset();

@@ -62,6 +62,13 @@ void DeskTest::SetUp()
                                           QStringLiteral("studio@harbourfm.example.org"), QString());
 }
 
+void DeskTest::WithoutAutomaticBackups()
+{
+    Station.Database().SetEnableAutoBackup(false);
+    Station.Database().WriteDatabaseSettings();
+    EXPECT_TRUE(QDir(Folder() + QStringLiteral("/Backups")).removeRecursively());
+}
+
 void DeskTest::TearDown()
 {
     Station.Close();

@@ -85,6 +85,8 @@ protected:
     static QByteArray Read(const QString& path);
     static QByteArray Sample(const char* name);
 
+    /// The station makes no backup by itself, and has none.
+    void WithoutAutomaticBackups();
     /// Files a mail on this computer.
     qint32 FileMail(const QByteArray& octets, enTolvaMessageCategories category = tmcInbox, qint32 flags = 0);
     static QByteArray Mail(const QByteArray& subject, const QByteArray& body = "Hello.\r\n",

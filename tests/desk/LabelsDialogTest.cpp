@@ -239,7 +239,7 @@ TEST_F(LabelsDialogTest, WithoutContactsItSaysSo)
     EXPECT_FALSE(Part<QPushButton>("print").isEnabled());
 }
 
-TEST_F(LabelsDialogTest, MeasuresThatDoNotFitThePaperAreSaidAndNothingIsPrinted)
+TEST_F(LabelsDialogTest, MeasuresThatDoNotFitThePaperAreSaid)
 {
     AddThree();
     // 10 + 4 * 70 mm fit A4 and not Letter.
@@ -253,6 +253,20 @@ TEST_F(LabelsDialogTest, MeasuresThatDoNotFitThePaperAreSaidAndNothingIsPrinted)
     EXPECT_EQ(Part<QComboBox>("paper").currentText(), QStringLiteral("Letter"));
     EXPECT_TRUE(Words("problem").endsWith(QStringLiteral("“Label sheet set-up...” in the menu “Station” corrects it.")))
         << Words("problem").toStdString();
+    EXPECT_TRUE(Part<QLabel>("problem").isVisible());
+    QTest::keyClick(&Part<QComboBox>("paper"), Qt::Key_Up);
+    EXPECT_FALSE(Part<QLabel>("problem").isVisible());
+}
+
+TEST_F(LabelsDialogTest, ASheetWithoutLabelsPrintsNothingAndSaysWhy)
+{
+    AddThree();
+    Station.Database().AddressLabelsPageSetup().SetNumberRows(0);
+    Open();
+    Toggle(0);
+    EXPECT_EQ(Words("problem"),
+              QStringLiteral("There are no labels on the sheet: the number of rows or columns is 0. “Label sheet "
+                             "set-up...” in the menu “Station” corrects it."));
     for (const char* button : {"print", "savePdf", "testPrint"})
         EXPECT_FALSE(Part<QPushButton>(button).isEnabled()) << button;
 }

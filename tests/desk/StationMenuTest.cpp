@@ -6,6 +6,7 @@
 #include "MainWindow.h"
 #include "StationPlace.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/records/DBEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
 
 #include <QAction>
@@ -30,6 +31,7 @@ protected:
     void SetUp() override
     {
         DeskTest::SetUp();
+        WithoutAutomaticBackups();
         Settings = std::make_unique<DeskSettings>(Path(QStringLiteral("desk.ini")));
     }
     void TearDown() override
