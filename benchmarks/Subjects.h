@@ -10,3 +10,7 @@ void BenchSearching(const QString& largeStation);
 void BenchListing(const QString& folder, const QString& largeStation, int large);
 void BenchOpening(const QString& smallStation, const QString& largeStation);
 void BenchFiling(const QString& folder, int megabytes);
+/// folder: of a station of that size, which is made.
+void BenchBackup(const QString& folder, int megabytes);
+/// The other process of BenchBackup: stores messages until its input ends and prints the longest wait.
+int WriteUntilTold(const QString& file);

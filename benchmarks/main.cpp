@@ -12,6 +12,9 @@
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
+    const qsizetype writer = application.arguments().indexOf(QStringLiteral("--writer"));
+    if (writer > 0)
+        return WriteUntilTold(application.arguments().value(writer + 1));
     const bool quick = application.arguments().contains(QStringLiteral("--quick"));
     const int large = quick ? 10000 : 100000;
     const int megabytes = quick ? 10 : 50;
@@ -32,6 +35,7 @@ int main(int argc, char** argv)
     BenchReading(largeStation, large);
     BenchSearching(largeStation);
     BenchOpening(smallStation, largeStation);
+    BenchBackup(folder.filePath(QStringLiteral("backup")), quick ? 100 : 1024);
     const int failed = FailedComparisons();
     if (failed > 0)
         std::printf("%d above the limit\n", failed);

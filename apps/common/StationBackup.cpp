@@ -15,7 +15,8 @@ Failure WhyNone(const cTolvaDatabase& database, const QString& folder)
     const int number = database.LastErrorNumber();
     if (number == dao::errCancelled)
         return Failure(exitInterrupted, QStringLiteral("Ended early; no backup was made."));
-    if (number != 0)
+    // The path is that of the backup's folder, which could not be made.
+    if (number != 0 && number != dao::errNotAValidPath)
         return StationOpening::FailureOf(folder, number, database.LastErrorDescription());
     return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.")
                                         .arg(BackupFolders::RootOf(StationPlace::FileIn(folder))));

@@ -66,8 +66,10 @@ RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const
     // Back to where it was.
     QFile::remove(restored);
     if (hasOld) {
-        DurableFile::RenameOver(keepName, databaseFile);
-        QFile::remove(keepName); // two names of one file are not renamed onto each other
+        if (!FileHelper::FileExists(databaseFile))
+            DurableFile::RenameOver(keepName, databaseFile);
+        else
+            QFile::remove(keepName); // a second name of the old file
         MoveCompanions(keepName, databaseFile);
     }
     return Outcome::CopyFailed;

@@ -3,6 +3,7 @@
 #include "common/FileDialog.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageFile.h"
+#include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
@@ -13,13 +14,6 @@
 
 namespace
 {
-enum Column
-{
-    colReference,
-    colHead,
-    colSubject
-};
-
 /// Hide read only, ask before overwriting, keep the current folder.
 constexpr int ExportFlags = 2054;
 

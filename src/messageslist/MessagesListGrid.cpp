@@ -1,7 +1,6 @@
 // The grid's keys and mouse in the messages list, and the drag of a message out of it.
 
 #include "common/FileHelper.h"
-#include "common/GeneralHelper.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageFile.h"
@@ -10,7 +9,6 @@
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/DragData.h"
 #include "platform/widgets/FlexGrid.h"
-#include "platform/widgets/Twips.h"
 
 #include <QAction>
 #include <QCursor>
@@ -18,12 +16,6 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QScopeGuard>
-
-namespace
-{
-/// Pixels that the mouse moves with its button down before it drags.
-constexpr double DragThreshold = 5;
-} // namespace
 
 void uMessagesList::TakeGridKey(QKeyEvent* event)
 {
@@ -65,8 +57,7 @@ void uMessagesList::TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& t
 {
     if ((buttons & Qt::LeftButton) == 0 || !(GridDragStart_.x() > 0))
         return;
-    const double threshold = DragThreshold * Twips::PerPixel(*grdMessages_);
-    if (GeneralHelper::PointsAreClose(GridDragStart_.x(), GridDragStart_.y(), twips.x(), twips.y(), threshold))
+    if (!DragRunner::IsDrag(*grdMessages_, GridDragStart_, twips))
         return;
     SelectGridRowAt(*grdMessages_, GridDragStart_.y(), false);
     grdMessages_->EndMouseTracking();

@@ -2,6 +2,7 @@
 
 #include "common/GeneralHelper.h"
 #include "database/cTolvaDatabase.h"
+#include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
@@ -14,17 +15,6 @@
 
 namespace
 {
-enum Column
-{
-    colReference,
-    colHead,
-    colSubject,
-    colFrom,
-    colDate,
-    colDateSerial,
-    columns
-};
-
 constexpr double HeadWidth = 300;
 constexpr double GridMargin = 90;
 constexpr double SubjectWidthBesideFrom = 2050;
@@ -56,11 +46,11 @@ QString SpokenState(const cMessage& message, bool isRead)
 
 void uMessagesList::MakeGridHeader()
 {
-    const char* const captions[columns] = {"Reference", "", "Subject", "From", "Date", "DateSerial"};
+    const char* const captions[columnCount] = {"Reference", "", "Subject", "From", "Date", "DateSerial"};
     grdMessages_->SetRedraw(false);
     grdMessages_->SetRows(1);
-    grdMessages_->SetCols(columns);
-    for (int column = 0; column < columns; ++column) {
+    grdMessages_->SetCols(columnCount);
+    for (int column = 0; column < columnCount; ++column) {
         grdMessages_->SetTextMatrix(0, column, QLatin1String(captions[column]));
         grdMessages_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
     }

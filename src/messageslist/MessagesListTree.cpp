@@ -1,6 +1,5 @@
 // The tree of folders in the messages list: choosing, renaming, making, deleting and emptying folders.
 
-#include "common/GeneralHelper.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessagesListHandler.h"
@@ -10,15 +9,12 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/DragData.h"
 #include "platform/widgets/Icons.h"
-#include "platform/widgets/Twips.h"
 
 #include <QCursor>
 #include <QKeyEvent>
 
 namespace
 {
-constexpr double DragThreshold = 5;
-
 bool Confirm(const QString& question)
 {
     const MessageBoxRequest request{question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
@@ -131,8 +127,7 @@ void uMessagesList::TakeTreeMouseMove(Qt::MouseButtons buttons, const QPointF& t
 {
     if ((buttons & Qt::LeftButton) == 0 || !(TreeDragStart_.x() > 0))
         return;
-    const double threshold = DragThreshold * Twips::PerPixel(*treeCategories_);
-    if (GeneralHelper::PointsAreClose(TreeDragStart_.x(), TreeDragStart_.y(), twips.x(), twips.y(), threshold))
+    if (!DragRunner::IsDrag(*treeCategories_, TreeDragStart_, twips))
         return;
     const QString key = treeCategories_->HitTest(TreeDragStart_);
     if (key.isEmpty())

@@ -103,6 +103,21 @@ std::optional<quint32> ReadComponents(QStringView text)
     return colour;
 }
 
+bool IsHexadecimal(QChar character)
+{
+    return (character >= u'0' && character <= u'9') || (character >= u'a' && character <= u'f') ||
+           (character >= u'A' && character <= u'F');
+}
+
+std::optional<quint32> ReadName(const QString& lower)
+{
+    const QByteArray name = lower.toLatin1();
+    const auto* found =
+        std::lower_bound(std::begin(Named), std::end(Named), name,
+                         [](const NamedColour& one, const QByteArray& other) { return one.Name < other; });
+    return found != std::end(Named) && name == found->Name ? std::optional(found->Value) : std::nullopt;
+}
+
 double Luminance(quint32 colour)
 {
     const auto linear = [](quint32 component) {
@@ -126,13 +141,42 @@ std::optional<quint32> Colours::Read(QStringView text)
         const qsizetype open = lower.indexOf(u'(');
         return ReadComponents(QStringView(lower).mid(open + 1, lower.size() - open - 2));
     }
-    const QByteArray name = lower.toLatin1();
-    const auto* found =
-        std::lower_bound(std::begin(Named), std::end(Named), name,
-                         [](const NamedColour& one, const QByteArray& other) { return one.Name < other; });
-    if (found != std::end(Named) && name == found->Name)
-        return found->Value;
+    if (const std::optional<quint32> named = ReadName(lower))
+        return named;
     return text.size() == 6 ? ReadHexadecimal(text) : std::nullopt;
+}
+
+std::optional<quint32> Colours::ReadAttribute(QStringView text)
+{
+    text = text.trimmed();
+    const QString lower = text.left(128).toString().toLower();
+    if (lower.isEmpty() || lower == QLatin1String("transparent"))
+        return std::nullopt;
+    if (const std::optional<quint32> named = ReadName(lower))
+        return named;
+    const bool isShort =
+        lower.size() == 4 && lower.startsWith(u'#') && std::all_of(lower.begin() + 1, lower.end(), IsHexadecimal);
+    if (isShort)
+        return ReadHexadecimal(QStringView(lower).mid(1));
+
+    QString digits = lower.mid(lower.startsWith(u'#') ? 1 : 0);
+    for (QChar& character : digits)
+        character = IsHexadecimal(character) ? character : QChar(u'0');
+    while (digits.isEmpty() || digits.size() % 3 != 0)
+        digits += u'0';
+    const qsizetype length = digits.size() / 3;
+    // Zeros that all three parts begin with do not count while more than two digits are left.
+    constexpr qsizetype Longest = 8;
+    qsizetype skipped = std::max(length - Longest, qsizetype{0});
+    const auto digit = [&](int part, qsizetype place) { return digits.at(part * length + place); };
+    while (length - skipped > 2 && digit(0, skipped) == u'0' && digit(1, skipped) == u'0' && digit(2, skipped) == u'0')
+        ++skipped;
+    quint32 colour = 0;
+    for (int part = 0; part < 3; ++part) {
+        const QStringView rest = QStringView(digits).mid(part * length + skipped, length - skipped);
+        colour = colour << 8 | rest.left(2).toUInt(nullptr, 16);
+    }
+    return colour;
 }
 
 QString Colours::Text(quint32 colour)

@@ -7,9 +7,13 @@
 /// Colours of pages as 0xRRGGBB.
 namespace Colours
 {
-/// A colour as style sheets and attributes write it: a name, "#rgb", "#rrggbb" (an alpha value behind is ignored),
+/// A colour as style sheets write it: a name, "#rgb", "#rrggbb" (an alpha value behind is ignored),
 /// "rgb(r, g, b)" or six digits without their sign. Nothing for what is no colour or cannot be seen at all.
 std::optional<quint32> Read(QStringView text);
+/// A colour as the attributes "color", "bgcolor" and "text" hold it, read in the way of all browsers (HTML standard,
+/// "rules for parsing a legacy color value"): what is no digit counts as 0, and digits that are missing are added at
+/// the end, so that "#FF00" is red. Nothing for an empty value and "transparent".
+std::optional<quint32> ReadAttribute(QStringView text);
 /// "#rrggbb".
 QString Text(quint32 colour);
 /// The contrast of two colours, 1 (the same) to 21 (black on white), as the accessibility guidelines compute it.

@@ -103,9 +103,9 @@ PageStyle PageElements::StyleOf(const GumboInternalNode* node, const QString& na
 {
     PageStyle style = ReadStyle(Attribute(node, "style"));
     if (!style.Background)
-        style.Background = Colours::Read(Attribute(node, "bgcolor"));
+        style.Background = Colours::ReadAttribute(Attribute(node, "bgcolor"));
     if (!style.Colour)
-        style.Colour = Colours::Read(Attribute(node, name == QLatin1String("body") ? "text" : "color"));
+        style.Colour = Colours::ReadAttribute(Attribute(node, name == QLatin1String("body") ? "text" : "color"));
     if (style.Align.isEmpty()) {
         const QString align = Attribute(node, "align").trimmed().toLower();
         if (align == QLatin1String("right") || align == QLatin1String("center") || align == QLatin1String("justify"))

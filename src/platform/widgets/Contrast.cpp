@@ -1,6 +1,7 @@
 #include "platform/widgets/Contrast.h"
 
-#include <algorithm>
+#include "platform/html/Colours.h"
+
 #include <cmath>
 
 namespace
@@ -9,14 +10,10 @@ constexpr double LowestRatio = 3;
 constexpr double GoodRatio = 4.5;
 constexpr int Steps = 10;
 
-double Linear(double part)
+/// Without the opacity.
+quint32 Solid(const QColor& colour)
 {
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-}
-
-double Luminance(const QColor& colour)
-{
-    return 0.2126 * Linear(colour.redF()) + 0.7152 * Linear(colour.greenF()) + 0.0722 * Linear(colour.blueF());
+    return colour.rgb() & 0xFFFFFFU;
 }
 
 int Mixed(int a, int b, double share)
@@ -27,8 +24,7 @@ int Mixed(int a, int b, double share)
 
 double Contrast::Ratio(const QColor& a, const QColor& b)
 {
-    const auto [darker, lighter] = std::minmax({Luminance(a), Luminance(b)});
-    return (lighter + 0.05) / (darker + 0.05);
+    return Colours::Contrast(Solid(a), Solid(b));
 }
 
 QColor Contrast::BlackOrWhite(const QColor& background)

@@ -1,5 +1,8 @@
 #include "platform/widgets/DragData.h"
 
+#include "common/GeneralHelper.h"
+#include "platform/widgets/Twips.h"
+
 #include <QDrag>
 #include <QUrl>
 #include <QWidget>
@@ -73,6 +76,12 @@ bool DragData::HasFiles(const QMimeData& data)
     if (const auto* own = qobject_cast<const DragData*>(&data); own && own->ProvideFiles_)
         return true;
     return !Files(data).isEmpty();
+}
+
+bool DragRunner::IsDrag(const QWidget& source, const QPointF& from, const QPointF& to)
+{
+    constexpr double Pixels = 5;
+    return !GeneralHelper::PointsAreClose(from.x(), from.y(), to.x(), to.y(), Pixels * Twips::PerPixel(source));
 }
 
 Qt::DropAction DragRunner::Run(QWidget& source, DragData* data, Qt::DropActions allowed)

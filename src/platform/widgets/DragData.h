@@ -41,6 +41,8 @@ namespace DragRunner
 {
 using Runner = std::function<Qt::DropAction(QWidget& source, DragData* data, Qt::DropActions allowed)>;
 
+/// Whether a pressed mouse moved far enough to mean a drag: more than 5 pixels. Positions in twips.
+bool IsDrag(const QWidget& source, const QPointF& from, const QPointF& to);
 /// Takes ownership of data.
 Qt::DropAction Run(QWidget& source, DragData* data, Qt::DropActions allowed);
 /// Empty: back to the desktop's own.

@@ -26,3 +26,20 @@ TEST(ColoursTest, ContrastGoesFromOneToTwentyOne)
     EXPECT_NEAR(Colours::Contrast(0, 0xFFFFFF), 21, 0.001);
     EXPECT_EQ(Colours::Text(0x00FF0A), QStringLiteral("#00ff0a"));
 }
+
+TEST(ColoursTest, OldAttributesAreReadInTheWayOfBrowsers)
+{
+    const std::pair<const char16_t*, quint32> colours[] = {
+        {u"#FF00", 0xFF0000},       {u"#FF0000", 0xFF0000},
+        {u"ff0000", 0xFF0000},      {u" Red ", 0xFF0000},
+        {u"#f80", 0xFF8800},        {u"f80", 0x0F0800},
+        {u"chucknorris", 0xC00000}, {u"#", 0},
+        {u"#00FF", 0x00FF00},       {u"#0000FF", 0x0000FF},
+        {u"#FF", 0x0F0F00},         {u"0000FF00000000FF0000000000", 0xFF0F00},
+    };
+    for (const auto& [text, colour] : colours)
+        EXPECT_EQ(Colours::ReadAttribute(text).value_or(1), colour) << qPrintable(QString::fromUtf16(text));
+    EXPECT_FALSE(Colours::ReadAttribute(u""));
+    EXPECT_FALSE(Colours::ReadAttribute(u"transparent"));
+    EXPECT_TRUE(Colours::ReadAttribute(QString(100'000, u'f')));
+}

@@ -18,7 +18,7 @@ namespace dao::sqlite
 namespace
 {
 
-constexpr qint64 SliceSize = 4 * 1024 * 1024;
+constexpr qint64 SliceSize = 8 * 1024 * 1024;
 /// Files up to this size, and changes up to that one, are read under one lock.
 constexpr qint64 OneLockSize = 16 * 1024 * 1024;
 constexpr qint64 LastChangesSize = 4 * 1024 * 1024;
@@ -99,10 +99,19 @@ public:
     Copier(const QString& source, const QString& target, const engine::CopyProgress& progress)
         : Connection_(source, Connection::Mode::ReadWrite), Target_(target), Progress_(progress)
     {
+        Connection_.WaitEagerly();
         PageSize_ = Connection_.Number("PRAGMA page_size");
         if (!Target_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
             throw Error(errCannotOpen, QStringLiteral("Cannot write '%1': %2").arg(target, Target_.errorString()));
     }
+
+    ~Copier()
+    {
+        if (!IsDone_)
+            Target_.remove();
+    }
+    Copier(const Copier&) = delete;
+    Copier& operator=(const Copier&) = delete;
 
     void Run()
     {
@@ -269,7 +278,7 @@ private:
         Unsynced_ = 1;
         Sync();
         Target_.close();
-        Advance(Total_, Total_);
+        IsDone_ = true;
     }
     [[noreturn]] void RaiseUnwritable() const
     {
@@ -292,6 +301,7 @@ private:
     qint64 PageSize_ = 0;
     qint64 Total_ = 0;
     qint64 Unsynced_ = 0;
+    bool IsDone_ = false;
 };
 
 } // namespace

@@ -16,6 +16,7 @@ namespace
 {
 
 constexpr qint64 MaximumWaitMilliseconds = 5000;
+constexpr unsigned long EagerPauseMicroseconds = 100;
 constexpr int CacheKibibytes = 8192;
 
 } // namespace
@@ -233,7 +234,10 @@ int Connection::Busy(void* self, int count)
     const qint64 left = MaximumWaitMilliseconds - connection->Waiting_.elapsed();
     if (left <= 0)
         return 0;
-    QThread::msleep(static_cast<unsigned long>(std::min<qint64>({left, 1 + count, 20})));
+    if (connection->IsEager_)
+        QThread::usleep(EagerPauseMicroseconds);
+    else
+        QThread::msleep(static_cast<unsigned long>(std::min<qint64>({left, 1 + count, 20})));
     return 1;
 }
 

@@ -97,6 +97,9 @@ public:
 
     /// The time that all waiting for other processes in one operation may take together starts now.
     void StartWaiting() { Waiting_.start(); }
+    /// From now on looks for a free lock so often that it finds the moment between two commits of programs that write
+    /// without a pause.
+    void WaitEagerly() { IsEager_ = true; }
     void Execute(const char* sql);
     void Execute(const QByteArray& sql) { Execute(sql.constData()); }
     qint64 Number(const char* sql);
@@ -113,6 +116,7 @@ private:
     sqlite3* Handle_ = nullptr;
     QString FileName_;
     QElapsedTimer Waiting_;
+    bool IsEager_ = false;
 };
 
 /// What a result code of SQLite is in the numbers of the record store. message: SQLite's own words.

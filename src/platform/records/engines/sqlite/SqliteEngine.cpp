@@ -153,8 +153,8 @@ void SqliteEngine::Check(const QString& fileName)
 
 void SqliteEngine::Copy(const QString& source, const QString& target, const engine::CopyProgress& progress)
 {
+    CopyFile(source, target, progress);
     try {
-        CopyFile(source, target, progress);
         CheckWhole(target, progress);
     } catch (...) {
         QFile::remove(target);

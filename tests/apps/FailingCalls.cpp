@@ -1,0 +1,126 @@
+// Loaded in front of the C library, this lets the n-th call that changes a file fail, or end the process there:
+// FAIL_AT=n the n-th call answers with "no space left"; FAIL_FROM=n that one and all later ones; KILL_AT=n the process
+// is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends.
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace
+{
+long NumberOf(const char* name)
+{
+    const char* text = std::getenv(name);
+    return text ? std::atol(text) : 0;
+}
+
+struct Plan
+{
+    long FailAt = NumberOf("FAIL_AT");
+    long FailFrom = NumberOf("FAIL_FROM");
+    long KillAt = NumberOf("KILL_AT");
+    long Calls = 0;
+
+    ~Plan()
+    {
+        const char* name = std::getenv("FAIL_LOG");
+        std::FILE* log = name ? std::fopen(name, "w") : nullptr;
+        if (log) {
+            std::fprintf(log, "%ld\n", Calls);
+            std::fclose(log);
+        }
+    }
+};
+
+Plan plan;
+
+bool IsDue()
+{
+    const long call = ++plan.Calls;
+    if (call == plan.KillAt)
+        ::raise(SIGKILL);
+    if (call != plan.FailAt && (plan.FailFrom == 0 || call < plan.FailFrom))
+        return false;
+    errno = ENOSPC;
+    return true;
+}
+
+template <typename Function>
+Function Real(const char* name)
+{
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+} // namespace
+
+extern "C" {
+ssize_t write(int file, const void* data, size_t size)
+{
+    static const auto real = Real<ssize_t (*)(int, const void*, size_t)>("write");
+    return file > 2 && IsDue() ? -1 : real(file, data, size);
+}
+ssize_t pwrite(int file, const void* data, size_t size, off_t offset)
+{
+    static const auto real = Real<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
+    return IsDue() ? -1 : real(file, data, size, offset);
+}
+ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset)
+{
+    static const auto real = Real<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
+    return IsDue() ? -1 : real(file, data, size, offset);
+}
+int fsync(int file)
+{
+    static const auto real = Real<int (*)(int)>("fsync");
+    return IsDue() ? -1 : real(file);
+}
+int fdatasync(int file)
+{
+    static const auto real = Real<int (*)(int)>("fdatasync");
+    return IsDue() ? -1 : real(file);
+}
+int ftruncate(int file, off_t size)
+{
+    static const auto real = Real<int (*)(int, off_t)>("ftruncate");
+    return IsDue() ? -1 : real(file, size);
+}
+int ftruncate64(int file, off64_t size)
+{
+    static const auto real = Real<int (*)(int, off64_t)>("ftruncate64");
+    return IsDue() ? -1 : real(file, size);
+}
+int rename(const char* from, const char* to)
+{
+    static const auto real = Real<int (*)(const char*, const char*)>("rename");
+    return IsDue() ? -1 : real(from, to);
+}
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned int flags)
+{
+    static const auto real = Real<int (*)(int, const char*, int, const char*, unsigned int)>("renameat2");
+    return IsDue() ? -1 : real(fromFolder, from, toFolder, to, flags);
+}
+int link(const char* from, const char* to)
+{
+    static const auto real = Real<int (*)(const char*, const char*)>("link");
+    return IsDue() ? -1 : real(from, to);
+}
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags)
+{
+    static const auto real = Real<int (*)(int, const char*, int, const char*, int)>("linkat");
+    return IsDue() ? -1 : real(fromFolder, from, toFolder, to, flags);
+}
+int unlink(const char* name)
+{
+    static const auto real = Real<int (*)(const char*)>("unlink");
+    return IsDue() ? -1 : real(name);
+}
+int mkdir(const char* name, mode_t mode)
+{
+    static const auto real = Real<int (*)(const char*, mode_t)>("mkdir");
+    return IsDue() ? -1 : real(name, mode);
+}
+}
