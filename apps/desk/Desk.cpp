@@ -1,5 +1,6 @@
 #include "Desk.h"
 
+#include "DamagedStation.h"
 #include "DeskStation.h"
 #include "DeskUserInterface.h"
 #include "Failure.h"
@@ -132,6 +133,8 @@ bool Desk::OpenStation(const QString& folder, const QString& user)
             Words::Tell(restored);
         return true;
     } catch (const Failure& failure) {
+        if (failure.Code() == exitData)
+            return OpenRestored(path, user, DamagedStation::OfferBackup(path, failure.Words()));
         Words::Warn(failure.Words());
     } catch (const dao::Error& error) {
         Words::Warn(FailureOf(tr("The station in %1").arg(path), StationPlace::FileIn(path), error.Number(),
@@ -139,6 +142,15 @@ bool Desk::OpenStation(const QString& folder, const QString& user)
                         .Words());
     }
     return false;
+}
+
+/// Opens a station that a backup took the place of, and says so. words: of the restore; empty when there was none.
+bool Desk::OpenRestored(const QString& folder, const QString& user, const QString& words)
+{
+    if (words.isEmpty() || !OpenStation(folder, user))
+        return false;
+    Words::Tell(words);
+    return true;
 }
 
 /// A station is made where the user says so, and not by looking into a wrong folder.

@@ -49,6 +49,7 @@ Q_SIGNALS:
     void Finished();
 
 private:
+    bool OpenRestored(const QString& folder, const QString& user, const QString& words);
     QString AskForFolder();
     bool OfferNewStation(const QString& folder, const QString& user);
     QString ChooseUser(const QString& folder, const QString& wanted);

@@ -8,6 +8,7 @@
 #include "StationMaking.h"
 #include "StationPlace.h"
 #include "UnusualMessages.h"
+#include "common/dialogs/DialogUserInterface.h"
 #include "messageslist/uMessagesList.h"
 
 #include <QAction>
@@ -16,8 +17,10 @@
 #include <QDir>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QtTest>
 
 #include <sqlite3.h>
@@ -141,9 +144,10 @@ TEST_F(DeskStartTest, ANewStationIsMadeWithItsNameAndNumber)
     EXPECT_EQ(TheDesk->Window()->Station().Database().StationPhoneNumber(), QStringLiteral("01632 960200"));
 }
 
-TEST_F(DeskStartTest, ADamagedStationIsToldInWords)
+TEST_F(DeskStartTest, ADamagedStationWithoutABackupIsToldInWords)
 {
     Station.Close();
+    ASSERT_TRUE(QDir(Folder() + QStringLiteral("/Backups")).removeRecursively());
     Write(QStringLiteral("station/Tolva.mdb"), QByteArray(5000, 'x'));
     const QString file = StationPlace::FileIn(Folder());
     Ui.ExpectWarning(
@@ -154,6 +158,78 @@ TEST_F(DeskStartTest, ADamagedStationIsToldInWords)
     EXPECT_FALSE(TheDesk->Start(Options(Folder())));
     EXPECT_EQ(Read(file), QByteArray(5000, 'x'));
 }
+
+/// Every kind of damage to a station that has a backup with one message: what stands in the file then.
+class DamagedStationTest : public DeskStartTest, public testing::WithParamInterface<const char*>
+{
+protected:
+    void SetUp() override
+    {
+        DeskStartTest::SetUp();
+        FileMail(Mail("Before the backup"));
+        ASSERT_FALSE(Station.BackUp().Name.isEmpty());
+        FileMail(Mail("After the backup"));
+        Station.Close();
+        const QByteArray kind(GetParam());
+        QByteArray octets = Read(StationPlace::FileIn(Folder()));
+        if (kind == "text")
+            octets = "This is a letter and no database.";
+        else if (kind == "truncated")
+            octets.truncate(octets.size() / 2);
+        else
+            octets.replace(4096, octets.size() - 4096, QByteArray(octets.size() - 4096, '\0'));
+        Write(QStringLiteral("station/Tolva.mdb"), octets);
+        Damaged = octets;
+    }
+    /// Answers the offer, whatever words the kind of damage has.
+    void Answer(const QString& button)
+    {
+        UserInterface::SetCurrent(&Dialogs);
+        const BoxAnswer answer(button);
+        if (button == QStringLiteral("Yes")) {
+            QTimer told;
+            QString text;
+            QObject::connect(&told, &QTimer::timeout, &told, [&] {
+                auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                if (!box || !box->text().startsWith(QStringLiteral("The station was restored")))
+                    return;
+                text = box->text();
+                box->accept();
+            });
+            told.start(10);
+            EXPECT_TRUE(TheDesk->Start(Options(Folder())));
+            EXPECT_TRUE(text.contains(QStringLiteral(": 1 message, "))) << text.toStdString();
+        } else {
+            EXPECT_FALSE(TheDesk->Start(Options(Folder())));
+        }
+        EXPECT_TRUE(answer.HasCome());
+        EXPECT_TRUE(answer.Text().contains(QStringLiteral("The newest backup that can be read was made on ")))
+            << answer.Text().toStdString();
+        UserInterface::SetCurrent(&Ui);
+    }
+
+    DialogUserInterface Dialogs;
+    QByteArray Damaged;
+};
+
+TEST_P(DamagedStationTest, ComesBackFromItsNewestBackupWhenTheUserAgrees)
+{
+    Answer(QStringLiteral("Yes"));
+    ASSERT_TRUE(TheDesk->Window());
+    EXPECT_EQ(TheDesk->Window()->List().NumberItems(), 1);
+    QStringList kept = QDir(Folder()).entryList({QStringLiteral("*.BAK")});
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(Read(Folder() + QLatin1Char('/') + kept.first()), Damaged);
+}
+
+TEST_P(DamagedStationTest, StaysAsItIsWhenTheUserDeclines)
+{
+    Answer(QStringLiteral("No"));
+    EXPECT_EQ(Read(StationPlace::FileIn(Folder())), Damaged);
+}
+
+INSTANTIATE_TEST_SUITE_P(Damages, DamagedStationTest, testing::Values("text", "truncated", "zeroed"),
+                         [](const auto& instance) { return std::string(instance.param); });
 
 TEST_F(DeskStartTest, ALockedStationIsToldInWordsAndOpensWhenItIsFree)
 {
