@@ -5,6 +5,7 @@
 #include "StationPlace.h"
 #include "StationReplacing.h"
 #include "common/FileHelper.h"
+#include "common/kvGeneral.h"
 #include "database/RestoreBackup.h"
 
 #include <QDir>
@@ -130,14 +131,36 @@ void DeskStation::Suspend()
 }
 
 /// An object makes one backup in its life, so another one makes this.
+void DeskStation::OpenForBackup(cTolvaDatabase& database, CollectingUserInterface& collecting)
+{
+    database.SetDirectoryDatabase(&Directory_);
+    database.SetMakesAutomaticBackups(false);
+    StationOpening::Open(database, Folder_, collecting);
+}
+
 StationBackup::Result DeskStation::BackUp()
 {
     CollectingUserInterface collecting(UserInterface::Current());
     cTolvaDatabase database;
-    database.SetDirectoryDatabase(&Directory_);
-    database.SetMakesAutomaticBackups(false);
-    StationOpening::Open(database, Folder_, collecting);
+    OpenForBackup(database, collecting);
     return StationBackup::Make(database, Folder_);
+}
+
+bool DeskStation::BackUpWhenDue()
+{
+    if (!Database_.IsOpen() || !Database_.EnableAutoBackup())
+        return false;
+    try {
+        CollectingUserInterface collecting(UserInterface::Current());
+        cTolvaDatabase database;
+        OpenForBackup(database, collecting);
+        return database.BackupDatabase(false);
+    } catch (const dao::Error& error) {
+        WriteDebugLog(QStringLiteral("No automatic backup: ") + error.Description());
+    } catch (const Failure& failure) {
+        WriteDebugLog(QStringLiteral("No automatic backup: ") + failure.Words());
+    }
+    return false;
 }
 
 QString DeskStation::Name() const

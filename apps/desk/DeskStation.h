@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QStringList>
 
+class CollectingUserInterface;
+
 /// A station that is open on this desk, with the user of its directory who is signed in. Owned by the program; windows
 /// that work on it are closed before it.
 class DeskStation : public QObject
@@ -32,6 +34,9 @@ public:
     /// Makes a backup now, whatever backups this object has made by itself. Failure in words, code exitInterrupted when
     /// the user cancelled.
     StationBackup::Result BackUp();
+    /// For a desk that runs for days: the automatic backup of the hour or day, when the station wants one and no
+    /// computer has made it yet. True when one was made; a failure is silent, as that of every automatic backup.
+    bool BackUpWhenDue();
     /// Opening may have put a backup in the place of a damaged file, when the user wanted that: what was restored, in
     /// words, once. Empty when nothing was.
     QString TakeRestoredWords() { return std::exchange(RestoredWords_, {}); }
@@ -49,6 +54,8 @@ public:
     QString Words(int errorNumber, const QString& description) const;
 
 private:
+    void OpenForBackup(cTolvaDatabase& database, CollectingUserInterface& collecting);
+
     QString Folder_;
     QString User_;
     QString RestoredWords_;

@@ -74,6 +74,13 @@ MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& setti
     WatchTimer_.setInterval(WatchMilliseconds);
     connect(&WatchTimer_, &QTimer::timeout, this, &MainWindow::WatchStation);
     WatchTimer_.start();
+    BackupTimer_.setInterval(BackupMilliseconds);
+    connect(&BackupTimer_, &QTimer::timeout, this, [this] {
+        // Not in the middle of a fill, which yields to timers.
+        if (!List_->IsFilling() && !MustReopen_)
+            Station_->BackUpWhenDue();
+    });
+    BackupTimer_.start();
     connect(&Station_->Database(), &cTolvaDatabase::MessageSaved, this, [this] { CountTimer_.start(); });
     connect(&Station_->Database(), &cTolvaDatabase::MessageDeleted, this, [this] { CountTimer_.start(); });
 

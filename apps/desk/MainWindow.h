@@ -52,6 +52,8 @@ public:
 
     /// How often it looks whether the station is still there.
     static constexpr int WatchMilliseconds = 3000;
+    /// How often it looks whether the automatic backup of the day or hour is due.
+    static constexpr int BackupMilliseconds = 15 * 60 * 1000;
 
 public Q_SLOTS:
     void Reply();
@@ -139,6 +141,7 @@ private:
     QLabel* User_ = nullptr;
     QTimer CountTimer_;
     QTimer WatchTimer_;
+    QTimer BackupTimer_;
     QTimer FitTimer_;
     int FittedWidth_ = 0;
     QString ListCondition_; ///< Of the rows on show.

@@ -8,6 +8,7 @@
 #include "messageslist/uMessagesList.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
+#include "support/FixedClock.h"
 
 #include <QAction>
 #include <QDir>
@@ -147,6 +148,23 @@ private:
     int Opens_ = 0;
 };
 } // namespace
+
+TEST_F(StationMenuTest, ADeskThatRunsForDaysMakesTheBackupOfEachDay)
+{
+    Station.Database().SetEnableAutoBackup(true);
+    Station.BackUp();
+    EXPECT_FALSE(Station.BackUpWhenDue()) << "today has its backup";
+    FixedClock clock(QDateTime::currentDateTimeUtc().addDays(1));
+    EXPECT_TRUE(Station.BackUpWhenDue());
+    EXPECT_FALSE(Station.BackUpWhenDue());
+    clock.Advance(24 * 60 * 60);
+    Station.Database().SetEnableAutoBackup(false);
+    EXPECT_FALSE(Station.BackUpWhenDue()) << "the station wants none";
+    Station.Database().SetEnableAutoBackup(true);
+    EXPECT_TRUE(Station.BackUpWhenDue());
+    Station.Close();
+    EXPECT_FALSE(Station.BackUpWhenDue());
+}
 
 TEST_F(StationMenuTest, WhatChangesTheStationNeedsTheRightAndSaysSo)
 {
