@@ -1,14 +1,19 @@
 #include "platform/records/engines/Schema.h"
 
+#include <algorithm>
+
 namespace dao::engine
 {
 
 int Table::FindColumn(const QString& name) const
 {
-    // Callers spell names as the table does, nearly always; folding allocates.
-    const auto exact = ColumnPlaces_.constFind(name);
-    if (exact != ColumnPlaces_.cend())
-        return *exact;
+    // Callers spell names as the table does, nearly always; folding allocates. A table has a handful of columns, most
+    // of them with names of different lengths, so that looking at each is quicker than hashing.
+    for (std::size_t i = 0; i < Columns.size(); ++i) {
+        const QString& own = Columns[i].Name;
+        if (own.size() == name.size() && std::equal(own.cbegin(), own.cend(), name.cbegin()))
+            return static_cast<int>(i);
+    }
     return ColumnPlaces_.value(name.toCaseFolded(), -1);
 }
 
@@ -34,8 +39,6 @@ void Table::Complete()
         if (Columns[i].IsMemo())
             HasMemos_ = true;
     }
-    for (std::size_t i = 0; i < Columns.size(); ++i)
-        ColumnPlaces_.insert(Columns[i].Name, static_cast<int>(i));
 }
 
 TablePtr Schema::Find(const QString& name) const

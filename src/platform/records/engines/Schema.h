@@ -58,7 +58,7 @@ public:
     }
 
 private:
-    QHash<QString, int> ColumnPlaces_; ///< By name as it is spelt and by folded name.
+    QHash<QString, int> ColumnPlaces_; ///< By folded name.
     int CounterColumn_ = -1;
     bool HasMemos_ = false;
 };
