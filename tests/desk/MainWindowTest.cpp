@@ -8,6 +8,7 @@
 #include "NoticeBar.h"
 #include "PreviewPane.h"
 #include "StationPlace.h"
+#include "WindowTest.h"
 #include "messages/controls/uMessageBasic.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/CategoryTreeView.h"
@@ -32,37 +33,9 @@
 
 namespace
 {
-class MainWindowTest : public DeskTest
+class MainWindowTest : public WindowTest
 {
 protected:
-    void SetUp() override
-    {
-        DeskTest::SetUp();
-        Settings = std::make_unique<DeskSettings>(Path(QStringLiteral("desk.ini")));
-    }
-    void TearDown() override
-    {
-        CloseWindow();
-        DeskTest::TearDown();
-    }
-    /// The desk on the station of the fixture, which the fixture closes first: it is another computer then.
-    void OpenWindow(const QString& user = QStringLiteral("Technician"))
-    {
-        auto station = std::make_unique<DeskStation>();
-        station->Open(Folder(), user);
-        Window = std::make_unique<MainWindow>(std::move(station), *Settings);
-        Window->show();
-        Window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
-        ASSERT_TRUE(WaitUntil([this] { return Window->List().TolvaDatabase() && !Window->List().IsFilling(); }));
-    }
-    void CloseWindow()
-    {
-        if (Window) {
-            EXPECT_TRUE(Window->close());
-            Window.reset();
-        }
-    }
     cTolvaDatabase& Database() { return Window->Station().Database(); }
     uMessagesList& List() { return Window->List(); }
     FlexGrid& Grid() { return *List().findChild<FlexGrid*>(QStringLiteral("grdMessages")); }
@@ -90,9 +63,6 @@ protected:
         return Window->ComposeWindows().value(0);
     }
     qint32 FlagsOf(qint32 reference) { return Station.Database().GetMessage(reference)->Flags(); }
-
-    std::unique_ptr<DeskSettings> Settings;
-    std::unique_ptr<MainWindow> Window;
 };
 } // namespace
 

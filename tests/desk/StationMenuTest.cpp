@@ -5,6 +5,7 @@
 #include "DeskTest.h"
 #include "MainWindow.h"
 #include "StationPlace.h"
+#include "WindowTest.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
@@ -26,36 +27,13 @@ namespace engine = dao::engine;
 
 namespace
 {
-class StationMenuTest : public DeskTest
+class StationMenuTest : public WindowTest
 {
 protected:
     void SetUp() override
     {
-        DeskTest::SetUp();
+        WindowTest::SetUp();
         WithoutAutomaticBackups();
-        Settings = std::make_unique<DeskSettings>(Path(QStringLiteral("desk.ini")));
-    }
-    void TearDown() override
-    {
-        CloseWindow();
-        DeskTest::TearDown();
-    }
-    void OpenWindow(const QString& user = QStringLiteral("Technician"))
-    {
-        auto station = std::make_unique<DeskStation>();
-        station->Open(Folder(), user);
-        Window = std::make_unique<MainWindow>(std::move(station), *Settings);
-        Window->show();
-        Window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
-        ASSERT_TRUE(WaitUntil([this] { return Window->List().TolvaDatabase() && !Window->List().IsFilling(); }));
-    }
-    void CloseWindow()
-    {
-        if (Window) {
-            EXPECT_TRUE(Window->close());
-            Window.reset();
-        }
     }
     QAction& Entry(const char* name) { return *Window->findChild<QAction*>(QLatin1String(name)); }
     /// By the keyboard: Alt with the menu's letter, then the entry's.
@@ -107,8 +85,6 @@ protected:
         ASSERT_EQ(Window->List().NumberItems(), 2);
     }
 
-    std::unique_ptr<DeskSettings> Settings;
-    std::unique_ptr<MainWindow> Window;
     QString Made;
     std::function<void()> AfterConfirmation = [] {};
 };
