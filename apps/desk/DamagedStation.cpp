@@ -47,10 +47,15 @@ QString DamagedStation::OfferBackup(const QString& folder, const QString& proble
         return QString();
     try {
         const StationReplacing::Result result = StationReplacing::Restore(folder, newest);
-        return QObject::tr("The station was restored from the backup of %1: %2.\n\nThe damaged file is kept as %3.")
-            .arg(made, result.After.Words(), result.KeepName);
+        return RestoredWords(made, result.After.Words(), result.KeepName);
     } catch (const Failure& failure) {
         Words::Warn(failure.Words());
         return QString();
     }
+}
+
+QString DamagedStation::RestoredWords(const QString& made, const QString& content, const QString& keepName)
+{
+    return QObject::tr("The station was restored from the backup of %1: %2.\n\nThe damaged file is kept as %3.")
+        .arg(made, content, keepName);
 }

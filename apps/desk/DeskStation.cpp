@@ -1,6 +1,7 @@
 #include "DeskStation.h"
 
 #include "CollectingUserInterface.h"
+#include "DamagedStation.h"
 #include "StationOpening.h"
 #include "StationPlace.h"
 #include "StationReplacing.h"
@@ -51,9 +52,9 @@ QString RestoredWords(const QStringList& confirmed, const QString& folder)
         const QString made = question.mid(offer.size()).section(u'\n', 0, 0);
         const QString file = StationPlace::FileIn(folder);
         const std::optional<StationCounts> counts = StationReplacing::CountsOf(file);
-        return QStringLiteral("The station was restored from the backup of %1: %2.\n\nThe damaged file is kept as %3.")
-            .arg(made, counts ? counts->Words() : QStringLiteral("its content could not be counted"),
-                 RestoreBackup::KeepNameOf(file));
+        return DamagedStation::RestoredWords(
+            made, counts ? counts->Words() : QStringLiteral("its content could not be counted"),
+            RestoreBackup::KeepNameOf(file));
     }
     return QString();
 }
