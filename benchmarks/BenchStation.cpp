@@ -19,6 +19,7 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest&) override { return MessageBoxAnswer::OK; }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     void PageSetupLabels(cPageSetup&) override {}
+    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
     bool DatabaseSettings(cTolvaDatabase& database) override
     {
         database.SetStationPhoneNumber(QStringLiteral("01632 960100"));

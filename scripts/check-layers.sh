@@ -15,7 +15,7 @@ refuse() { # refuse WORDS PATTERN PATH...
 sourcesIn() { find "$@" -name '*.h' -o -name '*.cpp'; }
 mapfile -t platform < <(sourcesIn src/platform/{records,mail,directory,html})
 # A folder's controls/ and dialogs/ belong to the upper layer.
-mapfile -t core < <(sourcesIn src/common src/database src/messages | grep -vE '/(controls|dialogs)/')
+mapfile -t core < <(sourcesIn src/common src/database src/messages src/prizes | grep -vE '/(controls|dialogs)/')
 mapfile -t widgets < <(sourcesIn src/platform/widgets)
 mapfile -t outsideEngines < <(sourcesIn src | grep -v '^src/platform/records/engines/')
 refuse "platform must not include core" '#include "(common|database|messages|prizes|messageslist)/' "${platform[@]}"

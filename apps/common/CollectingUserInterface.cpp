@@ -40,6 +40,12 @@ void CollectingUserInterface::PageSetupLabels(cPageSetup& pageSetup)
     Under_.PageSetupLabels(pageSetup);
 }
 
+QString CollectingUserInterface::GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode,
+                                            QObject* parentForm)
+{
+    return Under_.GetHotlist(hotListType, settings, saveMode, parentForm);
+}
+
 bool CollectingUserInterface::DatabaseSettings(cTolvaDatabase& database)
 {
     return SettingsDialog_ && SettingsDialog_(database);

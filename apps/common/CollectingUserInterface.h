@@ -29,6 +29,7 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
     void PageSetupLabels(cPageSetup& pageSetup) override;
+    QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBackupNotice(bool shown) override;
     void SetBusyPointer(bool busy) override;

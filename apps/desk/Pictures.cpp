@@ -63,6 +63,7 @@ public:
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     void PageSetupLabels(cPageSetup&) override {}
+    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
     void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}

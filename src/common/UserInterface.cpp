@@ -26,6 +26,7 @@ public:
     }
 
     void PageSetupLabels(cPageSetup&) override {}
+    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
     bool DatabaseSettings(cTolvaDatabase&) override { return false; }
     void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}

@@ -8,6 +8,12 @@
 
 class cPageSetup;
 class cTolvaDatabase;
+class QObject;
+
+namespace dao
+{
+class Recordset;
+}
 
 enum class MessageBoxButtons
 {
@@ -81,6 +87,9 @@ public:
     /// The dialog of the station's settings. False when the user cancelled it. Closing its window counts as confirmed,
     /// though it stores nothing.
     virtual bool DatabaseSettings(cTolvaDatabase& database) = 0;
+    /// The dialog that chooses a hotlist to load, or names one to save. hotListType: 0, the hours of prizes (prefix
+    /// "HR."). settings: the table Settings, on its index Main. The whole Item, or empty when the user chose none.
+    virtual QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) = 0;
     /// Shows or hides the window that says that a backup is being made by itself. A failure stops nothing.
     virtual void SetBackupNotice(bool shown) = 0;
 

@@ -9,6 +9,7 @@
 #include "messages/cMessages.h"
 #include "platform/directory/clsCategory.h"
 #include "platform/records/Database.h"
+#include "prizes/cPrize.h"
 
 #include <QObject>
 #include <QVariant>
@@ -16,6 +17,7 @@
 #include <functional>
 
 class BackupTimer;
+class ListViewObject;
 class clsKVDirectory;
 class clsKVUser;
 class PendingError;
@@ -198,9 +200,59 @@ public:
     /// The highest reference in use, 0 for none.
     qint16 LastMessageCategoryReference() const;
 
+    /// Fills the host's list with every message to or from a contact, the newest sent first. emailAddresses and
+    /// phoneNumbers: "|" between the entries. The columns' keys are fields of Messages, or FOLDER, or SENT. The list
+    /// stays as it is when no database is open, it has no columns, or it is no list view.
+    void FillMessagesListView(ListViewObject* lvwMessages, const QString& emailAddresses, const QString& phoneNumbers);
+
+    // Prizes.
+
+    /// Universal time of the last save of a prize on any computer; none when there was no save.
+    Date LastPrizeChanged() const;
+    void SetLastPrizeChanged(Date changeDate);
+    /// Null when there is no such prize, for reference 0 and on a closed object. getWinners: fills its slots too.
+    cPrizePtr GetPrize(qint32 prizeReference, bool getWinners);
+    cPrizeWinnerPtr GetPrizeWinner(qint32 reference);
+    /// Fills the prize's slots, the earliest winner first, and takes its count from the row. False when it has no row.
+    bool GetPrizeWinners(const cPrizePtr& prize);
+    /// Stores a new or changed prize; it is on the disk when this returns true.
+    bool SavePrize(const cPrizePtr& prize);
+    /// Removes a prize and its winners. Needs the right to manage prizes; without it false.
+    bool DeletePrize(qint32 reference);
+    /// A blank winner of a prize with stock left, otherwise null. Nothing is stored.
+    cPrizeWinnerPtr GetNewPrizeWinner(const cPrizePtr& prize);
+    /// Stores a winner; a new one takes a unit of its prize, which must have one left.
+    bool SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner);
+    /// Gives the unit back. An absent winner counts as deleted.
+    bool DeletePrizeWinner(qint32 reference);
+    /// Fills the host's list with every prize that a contact won, awarded or supplied (all prizes for 0). The columns'
+    /// keys are fields of the query (Prizes.Reference, Title, PrizeWinners.*, SupplierReference), or FOLDER for the
+    /// contact's role. Items have the keys "w" + a winner's reference, or "p" + a prize's.
+    void FillPrizesListView(ListViewObject* lvwPrizes, qint32 contactReference);
+    /// -1 for no contact and on a closed object.
+    qint32 GetNumberWinsForContact(qint32 contactReference);
+
+    /// The hours that the user chose from the hotlists, in the form in which they were saved; empty when none was
+    /// chosen. parentForm: the window that the dialog belongs to, or null.
+    QString LoadAvailableHoursHotlist(QObject* parentForm);
+    /// Saves hours under a name that the user gives. False when he gave none, and when they could not be stored.
+    bool SaveAvailableHoursHotlist(const QString& availableHours, QObject* parentForm);
+
+    // Page templates: files beside the database that all computers share.
+
+    /// The folder; empty on a closed object.
+    QString HTMLTemplatesLocation() const;
+    /// The references of the templates of a prefix (all of them for an empty one), in listing order. Empty for none.
+    QStringList GetHTMLTemplateReferences(const QString& prefix) const;
+    /// The file's whole name, whether there is such a file or not; empty on a closed object.
+    QString GetHTMLTemplateFileName(const QString& prefix, const QString& reference) const;
+
 Q_SIGNALS:
     void MessageSaved(const cMessagePtr& Message, bool Edited);
     void MessageDeleted(const cMessagePtr& Message);
+    /// Edited: what the prize said before it was written.
+    void PrizeSaved(const cPrizePtr& Prize, bool Edited);
+    void PrizeDeleted(const cPrizePtr& Prize);
 
 private:
     friend class cMessage;

@@ -123,6 +123,11 @@ void ScriptedUserInterface::ExpectPageSetupLabels(std::function<void(cPageSetup&
     Expected_.append(ExpectedPageSetup{std::move(dialog)});
 }
 
+void ScriptedUserInterface::ExpectHotlist(std::function<QString(dao::Recordset& settings, bool saveMode)> dialog)
+{
+    Expected_.append(ExpectedHotlist{std::move(dialog)});
+}
+
 void ScriptedUserInterface::ExpectRunTimeError(int number, const QString& description)
 {
     Expected_.append(ExpectedError{number, description});
@@ -163,6 +168,13 @@ void ScriptedUserInterface::PageSetupLabels(cPageSetup& pageSetup)
 {
     if (const auto expected = Take<ExpectedPageSetup>(QStringLiteral("the dialog of a sheet of labels")))
         expected->Dialog(pageSetup);
+}
+
+QString ScriptedUserInterface::GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject*)
+{
+    EXPECT_EQ(hotListType, 0);
+    const auto expected = Take<ExpectedHotlist>(QStringLiteral("the dialog of the hotlists"));
+    return expected ? expected->Dialog(settings, saveMode) : QString();
 }
 
 void ScriptedUserInterface::SetBusyPointer(bool busy)

@@ -34,6 +34,8 @@ public:
     void ExpectDatabaseSettings(std::function<bool(cTolvaDatabase&)> dialog);
     /// What the user does in the dialog of a sheet of labels.
     void ExpectPageSetupLabels(std::function<void(cPageSetup&)> dialog);
+    /// What the user does in the dialog of the hotlists; it gives the whole Item, or empty.
+    void ExpectHotlist(std::function<QString(dao::Recordset& settings, bool saveMode)> dialog);
     void ExpectRunTimeError(int number, const QString& description);
     /// The user stops the next piece of work on display at this call of Advance, 1 for the first.
     void CancelProgressAt(int call) { CancelAt_ = call; }
@@ -60,6 +62,7 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
     void PageSetupLabels(cPageSetup& pageSetup) override;
+    QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     void SetBackupNotice(bool shown) override { BackupNotices_.append(shown); }
     void SetBusyPointer(bool busy) override;
@@ -89,12 +92,17 @@ private:
     {
         std::function<void(cPageSetup&)> Dialog;
     };
+    struct ExpectedHotlist
+    {
+        std::function<QString(dao::Recordset&, bool)> Dialog;
+    };
     struct ExpectedError
     {
         int Number;
         QString Description;
     };
-    using Expectation = std::variant<ExpectedMessageBox, ExpectedInputBox, ExpectedSettings, ExpectedPageSetup, ExpectedError>;
+    using Expectation = std::variant<ExpectedMessageBox, ExpectedInputBox, ExpectedSettings, ExpectedPageSetup,
+                                     ExpectedHotlist, ExpectedError>;
 
     template <class T>
     std::optional<T> Take(const QString& what);

@@ -130,6 +130,11 @@ void DialogUserInterface::PageSetupLabels(cPageSetup& pageSetup)
     delete form;
 }
 
+QString DialogUserInterface::GetHotlist(qint32, dao::Recordset&, bool, QObject*)
+{
+    return {};
+}
+
 void DialogUserInterface::SetBusyPointer(bool busy)
 {
     if (busy == IsBusy_)

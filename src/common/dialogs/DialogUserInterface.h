@@ -21,6 +21,7 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
     void PageSetupLabels(cPageSetup& pageSetup) override;
+    QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) override;
     bool DatabaseSettings(cTolvaDatabase& database) override;
     /// Returns when the notice is to be seen, so that the work behind it may begin.
     void SetBackupNotice(bool shown) override;

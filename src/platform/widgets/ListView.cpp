@@ -110,17 +110,32 @@ void ListView::Clear()
     TellSelection();
 }
 
-int ListView::AddColumn(const QString& text, double twips, Qt::Alignment alignment)
+int ListView::AddColumn(const QString& text, double twips, Qt::Alignment alignment, const QString& key)
 {
-    const int column = Columns_++;
-    setColumnCount(Columns_);
+    const int column = ColumnCount();
+    ColumnKeys_.append(key);
+    setColumnCount(ColumnCount());
     headerItem()->setText(column, text);
     headerItem()->setTextAlignment(column, alignment);
+    SetColumnTwips(column, twips);
+    return column;
+}
+
+int ListView::ColumnNamed(const QString& key) const
+{
+    for (int column = 0; column < ColumnCount(); ++column) {
+        if (ColumnKey(column).compare(key, Qt::CaseInsensitive) == 0)
+            return column;
+    }
+    return -1;
+}
+
+void ListView::SetColumnTwips(int column, double twips)
+{
     const int pixels = Twips::ToPixels(*this, twips);
     setColumnHidden(column, pixels <= 0);
     if (pixels > 0)
         setColumnWidth(column, pixels);
-    return column;
 }
 
 bool ListView::AddItem(const QString& key, const QStringList& texts, const QIcon& icon)
@@ -131,6 +146,17 @@ bool ListView::AddItem(const QString& key, const QStringList& texts, const QIcon
     item->setIcon(0, icon);
     Items_.insert(key, item);
     addTopLevelItem(item);
+    return true;
+}
+
+bool ListView::AddListItem(const QString& key, const QStringList& texts, const QVariantList& sortValues)
+{
+    if (!AddItem(key, texts))
+        return false;
+    for (int column = 0; column < static_cast<int>(sortValues.size()); ++column) {
+        if (sortValues.at(column).isValid())
+            SetSortValue(key, column, sortValues.at(column));
+    }
     return true;
 }
 
@@ -159,14 +185,14 @@ QString ListView::SubItem(const QString& key, int column) const
 void ListView::SetSubItem(const QString& key, int column, const QString& text)
 {
     QTreeWidgetItem* item = Items_.value(key);
-    if (item != nullptr && column >= 0 && column < Columns_)
+    if (item != nullptr && column >= 0 && column < ColumnCount())
         item->setText(column, text);
 }
 
 void ListView::SetSortValue(const QString& key, int column, const QVariant& value)
 {
     QTreeWidgetItem* item = Items_.value(key);
-    if (item != nullptr && column >= 0 && column < Columns_)
+    if (item != nullptr && column >= 0 && column < ColumnCount())
         item->setData(column, SortRole, value);
 }
 

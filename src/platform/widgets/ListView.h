@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ListViewObject.h"
+
 #include <QHash>
 #include <QTreeWidget>
 
@@ -9,7 +11,7 @@
 /// A click on a heading sorts by that column, a second one the other way round; texts in their natural order ("Track 9"
 /// before "Track 10"), cells with a sort value before those and by that value. Until a heading is clicked, and after
 /// Clear(), entries stand in the order they were added in.
-class ListView : public QTreeWidget
+class ListView : public QTreeWidget, public ListViewObject
 {
     Q_OBJECT
 
@@ -19,12 +21,19 @@ public:
     /// Takes the entries away; columns stay.
     void Clear();
     /// To the right of those there are; twips 0 hides it. The last one fills what the others leave. Returns its number,
-    /// from 0.
-    int AddColumn(const QString& text, double twips, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter);
-    int ColumnCount() const { return Columns_; }
+    /// from 0. key: the column's own, for who looks columns up.
+    int AddColumn(const QString& text, double twips, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter,
+                  const QString& key = QString());
+    int ColumnCount() const override { return static_cast<int>(ColumnKeys_.size()); }
+    QString ColumnKey(int column) const override { return ColumnKeys_.value(column); }
+    /// The column with this key (without regard to case), -1 for none.
+    int ColumnNamed(const QString& key) const;
+    void SetColumnTwips(int column, double twips);
 
     /// texts: one for each column from 0 on. false, and nothing changes, when the key is empty or already there.
     bool AddItem(const QString& key, const QStringList& texts, const QIcon& icon = {});
+    bool AddListItem(const QString& key, const QStringList& texts, const QVariantList& sortValues = {}) override;
+    void ClearItems() override { Clear(); }
     bool RemoveItem(const QString& key);
     bool HasItem(const QString& key) const { return Items_.contains(key); }
     int ItemCount() const { return static_cast<int>(Items_.size()); }
@@ -63,7 +72,7 @@ protected:
 private:
     void TellSelection();
 
-    int Columns_ = 0;
+    QStringList ColumnKeys_;
     QString ToldKey_;
     QHash<QString, QTreeWidgetItem*> Items_;
 };

@@ -22,6 +22,10 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override { return Before_.MessageBox(request); }
     int InputBox(const InputBoxRequest& request, QString& result) override { return Before_.InputBox(request, result); }
     void PageSetupLabels(cPageSetup& pageSetup) override { Before_.PageSetupLabels(pageSetup); }
+    QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) override
+    {
+        return Before_.GetHotlist(hotListType, settings, saveMode, parentForm);
+    }
     bool DatabaseSettings(cTolvaDatabase& database) override { return Before_.DatabaseSettings(database); }
     void SetBackupNotice(bool shown) override { Before_.SetBackupNotice(shown); }
     void SetBusyPointer(bool busy) override { Before_.SetBusyPointer(busy); }
