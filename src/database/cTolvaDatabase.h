@@ -228,6 +228,12 @@ public:
     bool SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner);
     /// Gives the unit back. An absent winner counts as deleted.
     bool DeletePrizeWinner(qint32 reference);
+    /// The winners that are stored for a prize, which its NumberWinners should count. -1 when they cannot be counted
+    /// (LastErrorNumber).
+    qint32 StoredWinners(qint32 prizeReference);
+    /// Raises a prize's count to the winners that are stored, where two computers awarded at the same moment and one of
+    /// the two was not counted. Never lowers it. False when it could not be raised, or the prize is gone.
+    bool CountStoredWinners(qint32 prizeReference);
     /// Fills the host's list with every prize that a contact won, awarded or supplied (all prizes for 0). The columns'
     /// keys are fields of the query (Prizes.Reference, Title, PrizeWinners.*, SupplierReference), or FOLDER for the
     /// contact's role. Items have the keys "w" + a winner's reference, or "p" + a prize's.

@@ -207,6 +207,34 @@ bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
     return true;
 }
 
+qint32 cTolvaDatabase::StoredWinners(qint32 prizeReference)
+{
+    qint32 number = -1;
+    PendingError pending;
+    pending.Try([&] {
+        const auto rows =
+            OpenSnapshot(QStringLiteral("SELECT COUNT(*) AS [Number] FROM [PrizeWinners] WHERE [PrizeReference]=%1")
+                             .arg(prizeReference));
+        number = rows->Collect(QStringLiteral("Number")).toInt();
+    });
+    KeepLastError(pending);
+    return number;
+}
+
+bool cTolvaDatabase::CountStoredWinners(qint32 prizeReference)
+{
+    const qint32 stored = StoredWinners(prizeReference);
+    if (stored < 0)
+        return false;
+    const cPrizePtr prize = GetPrize(prizeReference, true);
+    if (!prize)
+        return false;
+    if (prize->NumberWinners() >= stored)
+        return true;
+    prize->SetNumberWinners(stored);
+    return SavePrize(prize);
+}
+
 /// "'Carla Count' from 'Two tickets'", as far as the directory and the prize are known.
 QString cTolvaDatabase::WinnerLogText(qint32 winnerReference, const cPrize* prize) const
 {
