@@ -56,3 +56,16 @@ ContactDuplicates::Match ContactDuplicates::Find(const clsKVContact& contact) co
     }
     return {};
 }
+
+ContactDuplicates::Match ContactDuplicates::FindIn(const EmbeddedDirectory& directory, const clsKVContact& contact)
+{
+    for (const QString& text : Details(contact).Texts) {
+        const QList<clsKVContactPtr> known =
+            text.contains(u'@') ? directory.ContactsByAddress(text) : SenderContact::AllByNumber(directory, text);
+        for (const clsKVContactPtr& candidate : known) {
+            if (contact.Reference == 0 || candidate->Reference != contact.Reference)
+                return {candidate, text};
+        }
+    }
+    return {};
+}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/directory/clsKVContact.h"
+#include "platform/directory/EmbeddedDirectory.h"
 
 #include <QHash>
 #include <QList>
@@ -21,6 +21,8 @@ public:
     /// The contact that shares an address or, where no address is shared, a number; the first of several. A contact
     /// never matches itself.
     Match Find(const clsKVContact& contact) const;
+    /// The same for one contact alone, asked of the directory itself.
+    static Match FindIn(const EmbeddedDirectory& directory, const clsKVContact& contact);
     /// Takes in a contact that was saved meanwhile.
     void Add(const clsKVContactPtr& contact);
 

@@ -1,19 +1,12 @@
 #include "ContactSearch.h"
 
 #include "common/GeneralHelper.h"
+#include "common/SearchFold.h"
 
 #include <algorithm>
 
 namespace
 {
-/// Case and accents go, so that "Zoë" is found by "zoe".
-QString Folded(const QString& text)
-{
-    QString folded = text.normalized(QString::NormalizationForm_KD);
-    folded.removeIf([](QChar character) { return character.category() == QChar::Mark_NonSpacing; });
-    return folded.toCaseFolded();
-}
-
 QString Digits(const QString& text)
 {
     QString digits;
@@ -27,8 +20,9 @@ QString Digits(const QString& text)
 /// A word of digits and of what stands between them in a number.
 bool IsPartOfNumber(const QString& word)
 {
-    return std::all_of(word.begin(), word.end(),
-                       [](QChar character) { return character.isDigit() || QStringLiteral("+-()./").contains(character); });
+    return std::all_of(word.begin(), word.end(), [](QChar character) {
+        return character.isDigit() || QStringLiteral("+-()./").contains(character);
+    });
 }
 
 /// Digits that were typed with blanks between them are one number. A whole one counts without its country code, so that
@@ -61,14 +55,15 @@ ContactSearch::ContactSearch(const QList<clsKVContactPtr>& contacts) : Contacts_
     for (const clsKVContactPtr& contact : contacts) {
         const QStringList details{contact->Name,  contact->Mobile,      contact->Telephone,
                                   contact->Email, contact->SecondEmail, contact->Other};
-        Entries_.append({Folded(contact->Name), Folded(details.join(u'\n')),
-                         Digits(contact->Mobile) + u'\n' + Digits(contact->Telephone) + u'\n' + Digits(contact->Other)});
+        Entries_.append(
+            {SearchFold::Folded(contact->Name), SearchFold::Folded(details.join(u'\n')),
+             Digits(contact->Mobile) + u'\n' + Digits(contact->Telephone) + u'\n' + Digits(contact->Other)});
     }
 }
 
 QList<clsKVContactPtr> ContactSearch::Find(const QString& text, int limit) const
 {
-    const QStringList words = Folded(text).simplified().split(u' ', Qt::SkipEmptyParts);
+    const QStringList words = SearchFold::Folded(text).simplified().split(u' ', Qt::SkipEmptyParts);
     const QString number = NumberTyped(words);
     QList<clsKVContactPtr> first;
     QList<clsKVContactPtr> others;

@@ -40,7 +40,7 @@ bool ContactSaving::SaveNew(EmbeddedDirectory& directory, ContactForm& form, cls
     clsKVContact contact = form.Contact();
     contact.Reference = 0;
     try {
-        const ContactDuplicates::Match match = ContactDuplicates(directory.Contacts()).Find(contact);
+        const ContactDuplicates::Match match = ContactDuplicates::FindIn(directory, contact);
         if (match.Contact && !WantsToSaveAllTheSame(*match.Contact, match.Detail))
             return false;
         directory.SaveContact(contact);
