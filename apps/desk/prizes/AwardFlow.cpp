@@ -125,7 +125,7 @@ bool AwardFlow::OfferTakingBack(qint32 prize, qint32 winner, const QString& name
     box.setTextFormat(Qt::PlainText);
     box.setWindowTitle(tr("Awarded too often"));
     box.setText(PrizeAwards::OverAwardWords(*found));
-    box.setInformativeText(tr("Another computer awarded it in the same moment. This is what is stored:\n\n%1")
+    box.setInformativeText(tr("Another computer was at it in the same moment. This is what is stored now:\n\n%1")
                                .arg(PrizeAwards::WinnersInWords(Station_, found->Winners, winner)));
     const QPushButton* back =
         box.addButton(tr("&Take it back from %1").arg(OnButton(name)), QMessageBox::DestructiveRole);

@@ -1,5 +1,6 @@
 #include "PrizeAwards.h"
 
+#include "AwardCheck.h"
 #include "DeskStation.h"
 #include "PrizeTransaction.h"
 #include "common/ClockHelper.h"
@@ -48,15 +49,6 @@ QString UsedUpWords(DeskStation& station, const cPrize& prize)
                                  PrizeRows::MomentWords(winners.last().WonDate));
     }
     return words + u' ' + Translated("Nothing was saved.");
-}
-
-QString UserName(DeskStation& station, qint32 user)
-{
-    for (const DirectoryUser& known : station.Directory().Users()) {
-        if (known.Reference == user)
-            return known.Name;
-    }
-    return Translated("a user who is not in the directory any more");
 }
 
 int DaysBetween(Date earlier, Date later)
@@ -179,15 +171,16 @@ PrizeAwards::Result PrizeAwards::Award(DeskStation& station, qint32 prize, qint3
 
 std::optional<PrizeAwards::OverAward> PrizeAwards::FindOverAward(DeskStation& station, qint32 prize)
 {
-    const cPrizePtr stored = station.Database().GetPrize(prize, false);
-    if (!stored)
+    const AwardStanding standing = AwardCheck::Settle(station.Database(), prize);
+    if (standing.Stored == 0 || !standing.IsOverdrawn())
         return std::nullopt;
-    OverAward found{stored->Title(), stored->NumberSupplied(), PrizeRows::WinnersOf(station, prize)};
-    return found.Winners.size() > found.NumberSupplied ? std::optional(found) : std::nullopt;
+    return OverAward{standing.Title, standing.Units, standing.IsPrizeThere, PrizeRows::WinnersOf(station, prize)};
 }
 
 QString PrizeAwards::OverAwardWords(const OverAward& overAward)
 {
+    if (!overAward.IsPrizeThere)
+        return Translated("The prize was deleted on another computer in the same moment, but the award is stored.");
     const QLocale locale;
     const QString awarded = locale.toString(overAward.Winners.size());
     return overAward.NumberSupplied == 1
@@ -201,9 +194,10 @@ QString PrizeAwards::WinnersInWords(DeskStation& station, const QList<PrizeRows:
 {
     QStringList lines;
     for (const PrizeRows::Winner& winner : winners) {
-        const QString by = winner.Reference == own ? Translated("awarded by you just now")
-                                                   : Translated("awarded by %1")
-                                                         .arg(UserName(station, winner.AwardedByReference));
+        const QString by =
+            winner.Reference == own
+                ? Translated("awarded by you just now")
+                : Translated("awarded by %1").arg(PrizeRows::UserName(station, winner.AwardedByReference));
         lines.append(QStringLiteral("%1, %2, %3")
                          .arg(PrizeRows::NameOf(station, winner.WinnerReference),
                               winner.WonDate.Format(QStringLiteral("d mmmm yyyy, hh:nn:ss")), by));
@@ -219,15 +213,13 @@ bool PrizeAwards::TakeBack(DeskStation& station, qint32 winner, QString& words)
         const bool isDone = PrizeTransaction::Run(station, [&] {
             const cPrizeWinnerPtr stored = database.GetPrizeWinner(winner);
             if (!stored)
-                return true;
+                return database.LastErrorNumber() == 0;
             prize = stored->PrizeReference();
-            const cPrizePtr before = database.GetPrize(prize, false);
-            const qsizetype rows = PrizeRows::WinnersOf(station, prize).size();
             if (!database.DeletePrizeWinner(winner))
                 return false;
-            // Two computers that took the last one in the same moment counted one winner, and stored two.
-            const bool wasCounted = !before || before->NumberWinners() >= rows;
-            return wasCounted || database.SavePrize(before);
+            // The row may never have been counted, and took a unit off the prize all the same.
+            AwardCheck::Settle(database, prize);
+            return true;
         });
         if (!isDone) {
             words = station.Words(database.LastErrorNumber(), database.LastErrorDescription());

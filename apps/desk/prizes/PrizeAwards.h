@@ -40,8 +40,10 @@ struct OverAward
 {
     QString Title;
     qint32 NumberSupplied = 0;
+    bool IsPrizeThere = true;         ///< False when it was deleted in that moment.
     QList<PrizeRows::Winner> Winners; ///< All, the earliest first.
 };
+/// Looks after an award; a winner whom the prize does not count is counted then.
 std::optional<OverAward> FindOverAward(DeskStation& station, qint32 prize);
 /// "... has been awarded 2 times, but only 1 was supplied."
 QString OverAwardWords(const OverAward& overAward);

@@ -140,7 +140,8 @@ void PrizeChooser::Fill()
         const bool isEmpty = List_->count() == 0;
         Empty_->setVisible(isEmpty);
         if (isEmpty && !find.isEmpty())
-            Empty_->setText(tr("No prize has \u201C%1\u201D in its title. Clear the search to see the others.").arg(find));
+            Empty_->setText(
+                tr("No prize has \u201C%1\u201D in its title. Clear the search to see the others.").arg(find));
         else if (isEmpty && !All_->isChecked())
             Empty_->setText(tr("No prize may go out this hour. Tick the box below to see all available prizes."));
         else if (isEmpty)

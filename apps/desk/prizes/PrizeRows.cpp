@@ -2,6 +2,7 @@
 
 #include "DeskStation.h"
 #include "common/ClockHelper.h"
+#include "common/PendingError.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -77,6 +78,19 @@ QString PrizeRows::NameOf(DeskStation& station, qint32 contact)
         return contact > 0 ? Translated("a contact who is not in the directory any more") : Translated("nobody");
     const QString name = found->Name.simplified();
     return name.isEmpty() ? Translated("a contact without a name") : name;
+}
+
+QString PrizeRows::UserName(DeskStation& station, qint32 user)
+{
+    PendingError pending; // a directory that cannot be read leaves the name out
+    QString name = Translated("a user who is not in the directory any more");
+    pending.Try([&] {
+        for (const DirectoryUser& known : station.Directory().Users()) {
+            if (known.Reference == user)
+                name = known.Name;
+        }
+    });
+    return name;
 }
 
 QString PrizeRows::DetailOf(const clsKVContact& contact)

@@ -35,6 +35,8 @@ std::optional<Winner> LastWinOf(DeskStation& station, qint32 contact);
 
 /// "Loveday Tregenza"; words for a contact who is not in the directory, or has no name.
 QString NameOf(DeskStation& station, qint32 contact);
+/// Who is signed in under that reference; words for a user who is gone.
+QString UserName(DeskStation& station, qint32 user);
 /// The first of a contact's details that is filled in.
 QString DetailOf(const clsKVContact& contact);
 /// Quotation marks around a title; words for an empty one.

@@ -165,7 +165,8 @@ PrizeWindow::ConflictChoice PrizeWindow::AskAboutConflict(PrizeSaving::Outcome o
     } else {
         const QStringList theirs = Saving_.Stored().NamesOfChanges(Saving_.Base());
         const QStringList mine = Current().NamesOfChanges(Saving_.Base());
-        const bool meet = std::any_of(mine.begin(), mine.end(), [&](const QString& name) { return theirs.contains(name); });
+        const bool meet =
+            std::any_of(mine.begin(), mine.end(), [&](const QString& name) { return theirs.contains(name); });
         box.setText(tr("This prize was changed on another computer while it was open here."));
         QStringList lines;
         if (!who.isEmpty())
@@ -175,9 +176,9 @@ PrizeWindow::ConflictChoice PrizeWindow::AskAboutConflict(PrizeSaving::Outcome o
         lines.append(meet ? tr("Saving your changes loses what the other computer wrote in the same places.")
                           : tr("Saving your changes keeps both."));
         box.setInformativeText(lines.join(u'\n'));
-        box.setDetailedText(tr("Stored now:\n%1\n\nIn this window:\n%2")
-                                .arg(Saving_.Stored().DifferencesInWords(Current()),
-                                     Current().DifferencesInWords(Saving_.Stored())));
+        box.setDetailedText(
+            tr("Stored now:\n%1\n\nIn this window:\n%2")
+                .arg(Saving_.Stored().DifferencesInWords(Current()), Current().DifferencesInWords(Saving_.Stored())));
     }
     const QPushButton* merge = isDeleted ? nullptr : box.addButton(tr("&Save my changes"), QMessageBox::AcceptRole);
     const QPushButton* theirs =
@@ -204,12 +205,14 @@ void PrizeWindow::CheckStored()
             Notice_->Show(IsReadOnly_ ? tr("This prize was deleted meanwhile. What you see is how it was.")
                                       : tr("This prize was deleted meanwhile. Saving it makes a new prize."));
         } else if (!PrizeFields::Of(*stored).NamesOfChanges(Saving_.Base()).isEmpty()) {
-            Notice_->Show(IsReadOnly_ ? tr("This prize was changed meanwhile. Open it again to see how it is now.")
-                                      : tr("This prize was changed on another computer meanwhile. You are asked about it "
-                                           "when you save."));
+            Notice_->Show(IsReadOnly_
+                              ? tr("This prize was changed meanwhile. Open it again to see how it is now.")
+                              : tr("This prize was changed on another computer meanwhile. You are asked about it "
+                                   "when you save."));
         } else {
-            Notice_->Show(IsReadOnly_ ? tr("You can read this prize only: changing it needs the right to manage prizes.")
-                                      : QString());
+            Notice_->Show(IsReadOnly_
+                              ? tr("You can read this prize only: changing it needs the right to manage prizes.")
+                              : QString());
         }
         Winners_->Show(stored ? Reference() : 0);
         Winners_->setProperty("numberWinners", stored ? stored->NumberWinners() : 0);
@@ -261,8 +264,9 @@ void PrizeWindow::LoadHotlist()
         if (const auto hours = PrizeHotlist::Read(text))
             Hours_->SetHours(*hours);
         else
-            Words::Warn(tr("That hotlist does not hold the hours of a week, so nothing was changed. Save the hours that "
-                           "you want under its name, or delete it."));
+            Words::Warn(
+                tr("That hotlist does not hold the hours of a week, so nothing was changed. Save the hours that "
+                   "you want under its name, or delete it."));
     } catch (const dao::Error& error) {
         Words::Warn(Station_.Words(error.Number(), error.Description()));
     }

@@ -134,7 +134,8 @@ void PrizeWindow::MakeActions()
         auto* action = new QAction(Icons::Get(icon), text, this);
         action->setObjectName(QLatin1String(name));
         action->setShortcut(key);
-        const QString keyText = key.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(key.toString(QKeySequence::NativeText));
+        const QString keyText =
+            key.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(key.toString(QKeySequence::NativeText));
         action->setToolTip(hint + keyText);
         action->setStatusTip(hint);
         menu->addAction(action);
@@ -145,8 +146,8 @@ void PrizeWindow::MakeActions()
     QAction* award = add("award", QString(), tr("&Award..."), tr("Chooses who wins the prize"),
                          QKeySequence(Qt::CTRL | Qt::Key_Return));
     menu->addSeparator();
-    QAction* close = add("closePrize", QString(), tr("&Close"), tr("Closes this window"),
-                         QKeySequence(Qt::CTRL | Qt::Key_W));
+    QAction* close =
+        add("closePrize", QString(), tr("&Close"), tr("Closes this window"), QKeySequence(Qt::CTRL | Qt::Key_W));
     bar->addAction(save);
     bar->addAction(award);
     connect(save, &QAction::triggered, this, &PrizeWindow::Save);
@@ -213,7 +214,8 @@ QWidget* PrizeWindow::MakeTimes()
     HoursInWords_->setTextFormat(Qt::PlainText);
     HoursInWords_->setWordWrap(true);
     layout->addWidget(HoursInWords_);
-    QPushButton* load = MakeButton("loadHours", tr("&Load hours..."), tr("Takes hours that were saved under a name"), page);
+    QPushButton* load =
+        MakeButton("loadHours", tr("&Load hours..."), tr("Takes hours that were saved under a name"), page);
     QPushButton* save = MakeButton("saveHours", tr("Sa&ve hours..."), tr("Saves these hours under a name"), page);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(load);

@@ -61,7 +61,8 @@ void WinnersView::Refresh()
 void WinnersView::Fill()
 {
     const bool hasPrize = Prize_ > 0 && Station_.Database().IsOpen();
-    const QList<PrizeRows::Winner> winners = hasPrize ? PrizeRows::WinnersOf(Station_, Prize_) : QList<PrizeRows::Winner>();
+    const QList<PrizeRows::Winner> winners =
+        hasPrize ? PrizeRows::WinnersOf(Station_, Prize_) : QList<PrizeRows::Winner>();
     while (topLevelItemCount() > winners.size())
         delete takeTopLevelItem(topLevelItemCount() - 1);
     const qint32 selected = Selected();
