@@ -54,7 +54,7 @@ void Scale(QWidget& widget, double factor, bool bold)
 QStringList WhenLines(const cPrize& prize)
 {
     PrizeFields fields = PrizeFields::Of(prize);
-    QStringList lines = {PrizeRows::DatesWords(prize), HoursText::Of(fields.Hours), PrizeRows::ClockWords()};
+    QStringList lines = {PrizeRows::DatesWords(prize), HoursText::InWords(fields.Hours), PrizeRows::ClockWords()};
     lines.removeAll(QString());
     return lines;
 }

@@ -114,7 +114,7 @@ PrizeWindow::PrizeWindow(DeskStation& station, const cPrize& prize, QWidget* par
     CheckStored();
     connect(Title_, &QLineEdit::textChanged, this, &PrizeWindow::UpdateTitle);
     connect(Number_, &QSpinBox::valueChanged, this, &PrizeWindow::ShowStock);
-    connect(Hours_, &WeekHours::Changed, this, &PrizeWindow::ShowHoursInWords);
+    connect(Hours_, &WeekHours::HoursChanged, this, &PrizeWindow::ShowHoursInWords);
     connect(Start_, &DateBox::Changed, this, &PrizeWindow::ShowHoursInWords);
     connect(Winners_, &WinnersView::OpenWinner, this, &PrizeWindow::WinnerWanted);
     Title_->setFocus();
@@ -278,7 +278,7 @@ void PrizeWindow::Show(const PrizeFields& fields)
 
 void PrizeWindow::ShowHoursInWords()
 {
-    QStringList lines = {HoursText::Of(Hours_->Hours()), PrizeRows::ClockWords()};
+    QStringList lines = {HoursText::InWords(Hours_->Hours()), PrizeRows::ClockWords()};
     const Date start = Start_->Value().value_or(Date());
     // The lists compare the start with the day alone.
     if (!start.IsNone() && start.DayNumber() != std::floor(start.DayNumber()))
