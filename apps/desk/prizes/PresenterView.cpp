@@ -3,6 +3,7 @@
 #include "DeskSettings.h"
 #include "DeskStation.h"
 #include "prizes/HoursText.h"
+#include "prizes/PrizeFields.h"
 #include "prizes/PrizeRows.h"
 #include "prizes/WinnersView.h"
 
@@ -53,7 +54,7 @@ void Scale(QWidget& widget, double factor, bool bold)
 
 QStringList WhenLines(const cPrize& prize)
 {
-    PrizeFields fields = PrizeFields::Of(prize);
+    const PrizeFields fields = PrizeFields::Of(prize);
     QStringList lines = {PrizeRows::DatesWords(prize), HoursText::InWords(fields.Hours), PrizeRows::ClockWords()};
     lines.removeAll(QString());
     return lines;
@@ -149,7 +150,9 @@ void PresenterView::MakeParts()
     layout->addLayout(facts);
     layout->addWidget(Hours_);
     layout->addWidget(splitter, 1);
-    QWidget::setTabOrder({Award_, Open_, Smaller_, Larger_, Script_, Notes_, Winners_});
+    const QList<QWidget*> order = {Award_, Open_, Smaller_, Larger_, Script_, Notes_, Winners_};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        QWidget::setTabOrder(order.at(i - 1), order.at(i));
 }
 
 void PresenterView::Show(const cPrizePtr& prize)

@@ -4,7 +4,6 @@
 #include "DeskStation.h"
 #include "PrizeTransaction.h"
 #include "common/ClockHelper.h"
-#include "common/UserInterface.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -155,7 +154,6 @@ PrizeAwards::Result PrizeAwards::Award(DeskStation& station, qint32 prize, qint3
     const bool silent = database.SilentMode();
     database.SetSilentMode(true);
     const auto restore = qScopeGuard([&] { database.SetSilentMode(silent); });
-    const BusyPointer busy;
     if (database.SavePrizeWinner(winner)) {
         result.Winner = winner->Reference();
         return result;
