@@ -1,5 +1,6 @@
 #include "prizes/HoursText.h"
 
+#include "prizes/PrizeHour.h"
 #include "prizes/cPrize.h"
 
 #include <QStringList>
@@ -8,8 +9,8 @@
 
 namespace
 {
-constexpr int DaysAWeek = 7;
-constexpr int HoursADay = 24;
+constexpr int DaysAWeek = PrizeHour::DaysAWeek;
+constexpr int HoursADay = PrizeHour::HoursADay;
 using DayHours = std::bitset<HoursADay>;
 
 /// As the prize reads them, whatever stands in the texts.

@@ -148,8 +148,7 @@ void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore,
             if (!self || !HasDatabase() || clsTolvaDatabase_ != database || CurrentCategory_ != category)
                 return;
         }
-        const cPrizePtr prize =
-            clsTolvaDatabase_->GetPrize(rows.Collect(QStringLiteral("Reference")).toInt(), false);
+        const cPrizePtr prize = clsTolvaDatabase_->GetPrize(rows.Collect(QStringLiteral("Reference")).toInt(), false);
         if (!prize)
             continue;
         ++filled;

@@ -48,8 +48,9 @@ void uPrizesList::MakeControls()
     grdPrizes_->setAccessibleName(tr("Prizes"));
     grdPrizes_->setToolTip(QStringLiteral("Click and Drag to move this Prize"));
     picLoading_ = Named(new OverlayPanel(QStringLiteral("Loading Prizes..."), &tbsPrizes_->Page()), "picLoading");
-    picNoPrizes_ = Named(
-        new OverlayPanel(QStringLiteral("There are no matching prizes to display."), &tbsPrizes_->Page()), "picNoPrizes");
+    picNoPrizes_ =
+        Named(new OverlayPanel(QStringLiteral("There are no matching prizes to display."), &tbsPrizes_->Page()),
+              "picNoPrizes");
     picLoading_->hide();
     picNoPrizes_->hide();
     timerUpdateList_ = Named(new QTimer(this), "timerUpdateList");
@@ -113,8 +114,7 @@ void uPrizesList::ConnectGrid()
     connect(grdPrizes_, &FlexGrid::MouseMove, this, &uPrizesList::TakeGridMouseMove);
     connect(grdPrizes_, &FlexGrid::MouseUp, this, &uPrizesList::TakeGridMouseUp);
     connect(picNoPrizes_, &OverlayPanel::MouseUp, this, &uPrizesList::TakeGridMouseUp);
-    connect(grdPrizes_, &FlexGrid::DblClick, this,
-            [this] { Handle("grdPrizes_DblClick", [this] { OpenCommand(); }); });
+    connect(grdPrizes_, &FlexGrid::DblClick, this, [this] { Handle("grdPrizes_DblClick", [this] { OpenCommand(); }); });
     connect(grdPrizes_, &FlexGrid::PopupKey, this, [this] {
         const QRect row = grdPrizes_->visualRect(grdPrizes_->currentIndex());
         PopUpMenu(grdPrizes_->viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint()));
@@ -164,6 +164,7 @@ void uPrizesList::LayOutList()
 
 ListPanes uPrizesList::Panes()
 {
-    return {this,       toolSearch_, picFind_,   lblFindDesc_, comboFind_, cmdNewPrize_, tbsCategories_,
-            treeCategories_, picPrizes_,  tbsPrizes_, grdPrizes_,   picLoading_, picNoPrizes_};
+    return {this,         toolSearch_,    picFind_,        lblFindDesc_, comboFind_,
+            cmdNewPrize_, tbsCategories_, treeCategories_, picPrizes_,   tbsPrizes_,
+            grdPrizes_,   picLoading_,    picNoPrizes_};
 }

@@ -170,9 +170,10 @@ void uPrizeBasic::LayOut()
     txtScript_->setMinimumHeight(3 * lines);
     lvwWinners_->setMinimumHeight(4 * lines);
     setMinimumSize(page.minimumSizeHint());
-    for (const auto& [first, second] :
-         {std::pair<QWidget*, QWidget*>{txtTitle_, txtScript_}, {txtScript_, cmdAddWinner_}, {cmdAddWinner_, cmdShowWinner_},
-          {cmdShowWinner_, lvwWinners_}})
+    for (const auto& [first, second] : {std::pair<QWidget*, QWidget*>{txtTitle_, txtScript_},
+                                        {txtScript_, cmdAddWinner_},
+                                        {cmdAddWinner_, cmdShowWinner_},
+                                        {cmdShowWinner_, lvwWinners_}})
         setTabOrder(first, second);
 }
 
@@ -186,9 +187,8 @@ void uPrizeBasic::ConnectControls()
     connect(lvwWinners_, &ListView::ItemActivated, this, &uPrizeBasic::TakeShowWinner);
     connect(cmdAddWinner_, &QPushButton::clicked, this, &uPrizeBasic::TakeAddWinner);
     connect(cmdShowWinner_, &QPushButton::clicked, this, &uPrizeBasic::TakeShowWinner);
-    connect(tmrRefresh_, &QTimer::timeout, this, [this] {
-        RunEventHandler(QStringLiteral("uPrizeBasic.tmrRefresh"), [this] { UpdateWinners(); });
-    });
+    connect(tmrRefresh_, &QTimer::timeout, this,
+            [this] { RunEventHandler(QStringLiteral("uPrizeBasic.tmrRefresh"), [this] { UpdateWinners(); }); });
 }
 
 void uPrizeBasic::SetPrize(const cPrizePtr& prize)
@@ -244,7 +244,8 @@ QString uPrizeBasic::StatusLine() const
     const qint64 supplied = Prize_->NumberSupplied();
     const qint64 left = supplied - Prize_->NumberWinners();
     if (left > 0)
-        return QStringLiteral("%1 Prize%2 Left").arg(QString::number(left), left == 1 ? QString() : QStringLiteral("s"));
+        return QStringLiteral("%1 Prize%2 Left")
+            .arg(QString::number(left), left == 1 ? QString() : QStringLiteral("s"));
     if (supplied == 1)
         return QStringLiteral("The Prize has been won");
     return QStringLiteral("All %1 Prizes have been won").arg(supplied);
