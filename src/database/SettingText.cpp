@@ -25,3 +25,14 @@ bool SettingFlag(const QVariant& value, bool whenUnreadable)
         return false;
     return SettingNumber(value, whenUnreadable ? 1 : 0) != 0;
 }
+
+QString StampText(Date date)
+{
+    return date.IsNone() ? QString() : QString::number(date.DayNumber(), 'f', 8);
+}
+
+Date StampDate(const QVariant& value)
+{
+    const double day = value.toString().toDouble();
+    return day > 0 ? Date(day) : Date();
+}

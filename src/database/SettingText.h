@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/Date.h"
+
 #include <QString>
 #include <QVariant>
 
@@ -9,3 +11,9 @@ QString SettingText(const QVariant& value);
 /// A stored setting as a number or flag; whenUnreadable for text that is neither.
 qint32 SettingNumber(const QVariant& value, qint32 whenUnreadable);
 bool SettingFlag(const QVariant& value, bool whenUnreadable);
+
+/// The stamp of a last change, which lists on other computers compare: the day number with eight decimal places, empty
+/// for none.
+QString StampText(Date date);
+/// None for what is no stamp.
+Date StampDate(const QVariant& value);

@@ -36,7 +36,7 @@ enum class LockingMode : qint32
 /// calls but the folder tree and the highlight settings.
 ///
 /// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in
-/// messages/.
+/// messages/, prizes in prizes/.
 class cTolvaDatabase : public QObject
 {
     Q_OBJECT
@@ -219,19 +219,28 @@ public:
     bool GetPrizeWinners(const cPrizePtr& prize);
     /// Stores a new or changed prize; it is on the disk when this returns true.
     bool SavePrize(const cPrizePtr& prize);
-    /// Removes a prize and its winners. Needs the right to manage prizes; without it false.
+    /// Removes a prize, then its winners. Needs the right to manage prizes; without it false. An error that stands
+    /// after true (LastErrorNumber) is that of a winner who stayed.
     bool DeletePrize(qint32 reference);
     /// A blank winner of a prize with stock left, otherwise null. Nothing is stored.
     cPrizeWinnerPtr GetNewPrizeWinner(const cPrizePtr& prize);
-    /// Stores a winner; a new one takes a unit of its prize, which must have one left.
+    /// Stores a winner; a new one takes a unit of its prize, which must have one left. True: the winner is on the disk,
+    /// and so is the prize's count unless an error stands (LastErrorNumber) or another computer took the last unit at
+    /// the same moment. The prize's event tells of it.
     bool SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner);
     /// Gives the unit back. An absent winner counts as deleted.
     bool DeletePrizeWinner(qint32 reference);
+    /// The winners that are stored for a prize, which its NumberWinners should count. -1 when they cannot be counted
+    /// (LastErrorNumber).
+    qint32 StoredWinners(qint32 prizeReference);
+    /// Raises a prize's count to the winners that are stored, where two computers awarded at the same moment and one of
+    /// the two was not counted. Never lowers it. False when it could not be raised, or the prize is gone.
+    bool CountStoredWinners(qint32 prizeReference);
     /// Fills the host's list with every prize that a contact won, awarded or supplied (all prizes for 0). The columns'
     /// keys are fields of the query (Prizes.Reference, Title, PrizeWinners.*, SupplierReference), or FOLDER for the
     /// contact's role. Items have the keys "w" + a winner's reference, or "p" + a prize's.
     void FillPrizesListView(ListViewObject* lvwPrizes, qint32 contactReference);
-    /// -1 for no contact and on a closed object.
+    /// -1 for no contact, on a closed object, and when they cannot be counted (LastErrorNumber).
     qint32 GetNumberWinsForContact(qint32 contactReference);
 
     /// The hours that the user chose from the hotlists, in the form in which they were saved; empty when none was
@@ -306,9 +315,18 @@ private:
     bool MayEditMessage(const cMessage& message) const;
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
 
+    // Prizes.
+    std::unique_ptr<dao::Recordset> OpenForPrizeSave(const QString& table, PendingError& pending);
+    void DeleteWinnersOf(qint32 prizeReference);
+    void CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead);
+    void TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize);
+    QString WinnerLogText(qint32 winnerReference, const cPrize* prize) const;
+
     /// The open database; dao::Error 3420 on a closed object.
     dao::Database& OpenedDatabase() const;
     clsKVUser* CurrentUser() const;
+    /// 0 for nobody.
+    qint32 CurrentUserReference() const;
     bool LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const;
     void KeepLastError(const PendingError& pending);
 

@@ -5,10 +5,14 @@
 #include "common/UserInterface.h"
 #include "common/clsFont.h"
 #include "common/kvGeneral.h"
+#include "database/RowValues.h"
 #include "messages/AddressKey.h"
 #include "messages/HighlightMarking.h"
 #include "messages/cMessage.h"
 #include "platform/records/Recordset.h"
+
+using RowValues::LocalDate;
+using RowValues::NumberOr;
 
 namespace
 {
@@ -35,16 +39,6 @@ const QString Message = QStringLiteral("Message");
 const QString MultiPartMessage = QStringLiteral("MultiPartMessage");
 const QString SourceIndex = QStringLiteral("SourceIndex");
 } // namespace Column
-
-qint32 NumberOr(const QVariant& value, qint32 whenNull)
-{
-    return value.isValid() ? value.toInt() : whenNull;
-}
-
-Date LocalDate(const QVariant& value)
-{
-    return ClockHelper::UTCToLocal(Date(value.isValid() ? value.toDouble() : 0.0));
-}
 
 QVariant UniversalDay(Date local)
 {

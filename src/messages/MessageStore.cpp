@@ -3,10 +3,9 @@
 #include "common/ClockHelper.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
+#include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
-
-#include <cmath>
 
 namespace
 {
@@ -302,12 +301,10 @@ bool cTolvaDatabase::MayEditMessage(const cMessage& message) const
 
 Date cTolvaDatabase::LastMessageChanged() const
 {
-    const double day = DatabaseSetting(LastChangedSetting, QString()).toString().toDouble();
-    return day > 0 ? Date(day) : Date();
+    return StampDate(DatabaseSetting(LastChangedSetting, QString()));
 }
 
 void cTolvaDatabase::SetLastMessageChanged(Date changeDate)
 {
-    const QString text = changeDate.IsNone() ? QString() : QString::number(changeDate.DayNumber(), 'f', 8);
-    SetDatabaseSetting(LastChangedSetting, text, QString());
+    SetDatabaseSetting(LastChangedSetting, StampText(changeDate), QString());
 }

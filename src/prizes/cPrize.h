@@ -101,7 +101,11 @@ private:
     void SetReference(qint32 reference);
     void SetNumberWinners(qint32 number);
     void SetWinnersRead(bool read);
+    /// Counts a winner and puts it into the last slot. False, and nothing is counted, without one and for a prize with
+    /// no unit left.
     bool AddPrizeWinner(const cPrizeWinnerPtr& winner);
+    void PutIntoSlot(qint32 index, const cPrizeWinnerPtr& winner);
+    QString& HoursOfDay(qint16 weekDay);
     bool ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset);
     /// pending: takes the error of a write that failed.
     bool WriteToRecordSet(dao::Recordset* recordset, PendingError& pending);
@@ -122,6 +126,7 @@ private:
     qint32 SupplierReference_ = 0;
     qint32 AddedByReference_ = 0;
     bool WinnersRead_ = false;
+    /// Grows as slots are filled, never above the count, which other software may have stored as any number.
     std::vector<cPrizeWinnerPtr> PrizeWinners_;
     bool RaiseEvents_ = true;
 };

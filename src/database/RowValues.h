@@ -1,0 +1,22 @@
+#pragma once
+
+#include "common/ClockHelper.h"
+
+#include <QVariant>
+
+/// Values of a row as the records hold them: Null stands for a number's default and for no date. Pure functions.
+namespace RowValues
+{
+
+inline qint32 NumberOr(const QVariant& value, qint32 whenNull)
+{
+    return value.isValid() ? value.toInt() : whenNull;
+}
+
+/// The local time of a stored universal one.
+inline Date LocalDate(const QVariant& value)
+{
+    return ClockHelper::UTCToLocal(Date(value.isValid() ? value.toDouble() : 0.0));
+}
+
+} // namespace RowValues

@@ -1,0 +1,147 @@
+// What prizes have to do with one contact: cTolvaDatabase fills the host's list of them and counts the wins.
+
+#include "common/ListViewObject.h"
+#include "common/PendingError.h"
+#include "database/RowValues.h"
+#include "database/cTolvaDatabase.h"
+
+namespace
+{
+const QString ListViewType = QStringLiteral("ListView");
+const QString RoleColumn = QStringLiteral("FOLDER");
+// Both tables have a field of this name, so that the query's bear their table's.
+const QString PrizeKey = QStringLiteral("Prizes.Reference");
+const QString WinnerKey = QStringLiteral("PrizeWinners.Reference");
+
+QString HistoryQuery(qint32 contact)
+{
+    QString query =
+        QStringLiteral("SELECT Prizes.Reference, Prizes.Title, PrizeWinners.*, Prizes.SupplierReference FROM Prizes "
+                       "LEFT JOIN PrizeWinners ON Prizes.Reference = PrizeWinners.PrizeReference ");
+    if (contact > 0) {
+        query += QStringLiteral(" WHERE ( [PrizeWinners.WinnerReference]=%1 OR [PrizeWinners.AwardedByReference]=%1"
+                                " OR [Prizes.SupplierReference]=%1)")
+                     .arg(contact);
+    }
+    return query;
+}
+
+/// The fields of a row that tell what the contact has to do with it.
+struct HistoryRow
+{
+    explicit HistoryRow(const dao::Recordset& rows)
+        : Prize(rows.Collect(PrizeKey).toInt()),
+          Winner(rows.Collect(WinnerKey).toInt()),
+          WinnerContact(rows.Collect(QStringLiteral("WinnerReference")).toInt()),
+          Awarder(rows.Collect(QStringLiteral("AwardedByReference")).toInt()),
+          Supplier(rows.Collect(QStringLiteral("SupplierReference")).toInt())
+    {
+    }
+
+    /// Empty where the row has none.
+    QString ItemKey(qint32 contact) const
+    {
+        const bool isOfWinner = contact > 0 ? WinnerContact == contact || Awarder == contact : Winner > 0;
+        if (isOfWinner)
+            return u'w' + QString::number(Winner);
+        return contact > 0 || Prize > 0 ? u'p' + QString::number(Prize) : QString();
+    }
+
+    QString Role(qint32 contact) const
+    {
+        if (WinnerContact == contact)
+            return QStringLiteral("Winner");
+        if (Awarder == contact)
+            return QStringLiteral("Awarder");
+        return Supplier == contact ? QStringLiteral("Supplier") : QString();
+    }
+
+    qint32 Prize;
+    qint32 Winner;
+    qint32 WinnerContact;
+    qint32 Awarder;
+    qint32 Supplier;
+};
+
+/// One column of the host's list, bound to its field in the query once for all rows.
+class HistoryColumn
+{
+public:
+    HistoryColumn(const QString& key, bool isFirst, const dao::Recordset& rows)
+        // The first column's key always names a field.
+        : IsRole_(!isFirst && key.toUpper() == RoleColumn)
+    {
+        if (!IsRole_ && !key.isEmpty())
+            NoField_.Try([&] { Field_ = &rows[key]; });
+    }
+
+    /// A column that is no field of the query stays empty.
+    QString Text(const HistoryRow& row, qint32 contact) const
+    {
+        if (IsRole_)
+            return row.Role(contact);
+        if (!Field_)
+            return {};
+        return IsDate() ? LocalDate().GeneralDate() : Field_->Value().toString();
+    }
+
+    QVariant SortValue() const
+    {
+        if (!Field_)
+            return {};
+        if (IsDate())
+            return LocalDate().DayNumber();
+        const QVariant value = Field_->Value();
+        return value.typeId() == QMetaType::QString ? QVariant() : value;
+    }
+
+private:
+    bool IsDate() const { return Field_->Type() == dao::dbDate; }
+    Date LocalDate() const { return RowValues::LocalDate(Field_->Value()); }
+
+    bool IsRole_;
+    dao::Field* Field_ = nullptr;
+    PendingError NoField_;
+};
+} // namespace
+
+void cTolvaDatabase::FillPrizesListView(ListViewObject* lvwPrizes, qint32 contactReference)
+{
+    if (!Database_ || !lvwPrizes || lvwPrizes->TypeName() != ListViewType || lvwPrizes->ColumnCount() == 0)
+        return;
+    lvwPrizes->ClearItems();
+    PendingError pending;
+    pending.Try([&] {
+        const auto rows = OpenSnapshot(HistoryQuery(contactReference));
+        std::vector<HistoryColumn> columns;
+        for (int i = 0; i < lvwPrizes->ColumnCount(); ++i)
+            columns.emplace_back(lvwPrizes->ColumnKey(i), i == 0, *rows);
+        for (; !rows->AtEOF(); rows->MoveNext()) {
+            const HistoryRow row(*rows);
+            QStringList texts;
+            QVariantList sortValues;
+            for (const HistoryColumn& column : columns) {
+                texts.append(column.Text(row, contactReference));
+                sortValues.append(column.SortValue());
+            }
+            // A prize that its supplier sees once for each of its winners has one item.
+            lvwPrizes->AddListItem(row.ItemKey(contactReference), texts, sortValues);
+        }
+    });
+    KeepLastError(pending);
+}
+
+qint32 cTolvaDatabase::GetNumberWinsForContact(qint32 contactReference)
+{
+    if (!Database_ || contactReference <= 0)
+        return -1;
+    qint32 count = -1;
+    PendingError pending;
+    pending.Try([&] {
+        const auto wins = OpenSnapshot(
+            QStringLiteral("SELECT * FROM [PrizeWinners] WHERE [WinnerReference]=%1").arg(contactReference));
+        count = wins->RecordCount();
+    });
+    KeepLastError(pending);
+    return count;
+}

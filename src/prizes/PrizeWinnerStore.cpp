@@ -1,0 +1,252 @@
+// The winner operations of cTolvaDatabase: who won which prize, and the rule that no prize has more winners than units.
+
+#include "common/PendingError.h"
+#include "common/UserInterface.h"
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/directory/clsKVDirectory.h"
+
+#include <optional>
+
+namespace
+{
+const QString PrizesTable = QStringLiteral("Prizes");
+const QString WinnersTable = QStringLiteral("PrizeWinners");
+const QString MainIndex = QStringLiteral("Main");
+constexpr int DetailLevel = 5;
+constexpr int auditPrizeWinnerDeleted = 28; // kind of the user log
+} // namespace
+
+cPrizeWinnerPtr cTolvaDatabase::GetPrizeWinner(qint32 reference)
+{
+    if (reference == 0 || !Database_)
+        return nullptr;
+    const cPrizeWinnerPtr winner(new cPrizeWinner);
+    bool isRead = false;
+    PendingError pending;
+    pending.Try([&] {
+        const auto recordset =
+            OpenSnapshot(QStringLiteral("SELECT * FROM [PrizeWinners] WHERE [Reference]=%1").arg(reference));
+        isRead = recordset->RecordCount() > 0 && winner->ReadFromRecordSet(recordset.get());
+    });
+    KeepLastError(pending);
+    return isRead ? winner : nullptr;
+}
+
+bool cTolvaDatabase::GetPrizeWinners(const cPrizePtr& prize)
+{
+    if (!prize || !Database_)
+        return false;
+    const bool wasEdited = prize->Edited();
+    bool isThere = false;
+    PendingError pending;
+    const bool isRead = pending.Try([&] {
+        const auto prizes = Database_->OpenRecordset(PrizesTable, dao::dbOpenTable);
+        prizes->SetIndex(MainIndex);
+        prizes->Seek(dao::SeekComparison::Equal, {prize->Reference()});
+        isThere = !prizes->NoMatch();
+        if (!isThere)
+            return;
+        prize->SetRaiseEvents(false);
+        prize->SetNumberWinners(0); // empties the slots
+        prize->SetNumberWinners(prizes->Collect(QStringLiteral("NumberWinners")).toInt());
+        prizes->Close();
+        const auto winners =
+            OpenSnapshot(QStringLiteral("SELECT * FROM [PrizeWinners] WHERE [PrizeReference]=%1 ORDER BY [WonDate]")
+                             .arg(prize->Reference()));
+        for (qint32 slot = 1; !winners->AtEOF() && slot <= prize->NumberWinners(); ++slot, winners->MoveNext()) {
+            const cPrizeWinnerPtr winner(new cPrizeWinner);
+            winner->ReadFromRecordSet(winners.get());
+            prize->PutIntoSlot(slot, winner);
+        }
+        prize->SetWinnersRead(true);
+    });
+    KeepLastError(pending);
+    if (isThere) {
+        prize->SetEdited(wasEdited);
+        prize->SetRaiseEvents(true);
+    }
+    return isThere && isRead;
+}
+
+cPrizeWinnerPtr cTolvaDatabase::GetNewPrizeWinner(const cPrizePtr& prize)
+{
+    if (!prize || prize->NumberWinners() >= prize->NumberSupplied())
+        return nullptr;
+    cPrizeWinnerPtr winner(new cPrizeWinner);
+    winner->SetPrizeReference(prize->Reference());
+    winner->SetAwardedByReference(CurrentUserReference());
+    return winner;
+}
+
+bool cTolvaDatabase::SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner)
+{
+    KeepLastError(PendingError());
+    if (DebugMode() != 0) {
+        WriteDebugLog(prizeWinner ? QStringLiteral("Started SavePrizeWinner Reference: %1 WinnerRef:%2")
+                                        .arg(prizeWinner->Reference())
+                                        .arg(prizeWinner->WinnerReference())
+                                  : QStringLiteral("Started SavePrizeWinner Reference: No PrizeWinner Object"),
+                      DetailLevel);
+    }
+    const auto refuse = [this](const QString& problem, const QString& logLine) {
+        ReportProblem(problem, 0, SilentMode_);
+        WriteDebugLog(logLine, DetailLevel);
+        return false;
+    };
+    if (Location().isEmpty()) {
+        return refuse(QStringLiteral("saving a Prize because no Tolva Database has been opened"),
+                      QStringLiteral("No Database File so exiting"));
+    }
+    if (!prizeWinner) {
+        return refuse(QStringLiteral("saving a Prize Winner because no Prize Winner details were supplied to save"),
+                      QStringLiteral("Exiting as no PrizeWinner Object"));
+    }
+    if (prizeWinner->PrizeReference() < 1)
+        return false;
+    WriteDebugLog(QStringLiteral("Find Prize %1").arg(prizeWinner->PrizeReference()), -1);
+    const cPrizePtr prize = GetPrize(prizeWinner->PrizeReference(), true);
+    if (!prize) {
+        return refuse(QStringLiteral("saving a Prize Winner because the Prize cannot be found"),
+                      QStringLiteral("Exit as prize cannot be found"));
+    }
+    // An edit takes no new unit.
+    if (prizeWinner->Reference() == 0 && prize->NumberWinners() >= prize->NumberSupplied()) {
+        return refuse(QStringLiteral("saving a Prize Winner because the Prize has already been fully allocated"),
+                      QStringLiteral("Exit as prize fully allocated"));
+    }
+    const bool isNew = prizeWinner->Reference() < 1;
+    std::optional<BusyPointer> busy(std::in_place);
+    PendingError pending;
+    const auto recordset = OpenForPrizeSave(WinnersTable, pending);
+    if (!recordset)
+        return false;
+    const bool saved = prizeWinner->WriteToRecordSet(recordset.get(), pending);
+    busy.reset();
+    if (!saved) {
+        WriteDebugLog(QStringLiteral("Couldn't save Prize Winner - ") + pending.Description(), -1);
+        KeepLastError(pending);
+    } else if (isNew) {
+        CountWinner(prizeWinner, *prize);
+    } else {
+        TakeWonDate(*prizeWinner, prize);
+    }
+    recordset->Close();
+    WriteDebugLog(QStringLiteral("Finished SavePrizeWinner"), DetailLevel);
+    return saved;
+}
+
+/// Counts a winner whose row was stored just now. The count is taken from the prize's row as it is by now, not as it
+/// was before the winner was stored: another computer may have counted a winner of its own in between, and that one
+/// must not be lost. A prize that is gone is not stored again.
+void cTolvaDatabase::CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead)
+{
+    const cPrizePtr prize = GetPrize(winner->PrizeReference(), false);
+    if (!prize)
+        return;
+    prize->SetRaiseEvents(false);
+    for (qint32 slot = 1; slot <= static_cast<qint32>(asRead.PrizeWinners_.size()); ++slot)
+        prize->PutIntoSlot(slot, asRead.PrizeWinners_[static_cast<std::size_t>(slot - 1)]);
+    prize->SetWinnersRead(asRead.WinnersRead());
+    prize->SetRaiseEvents(true);
+    if (prize->AddPrizeWinner(winner))
+        SavePrize(prize);
+}
+
+/// A changed winner's date becomes the prize's last one. Where another winner's is later, the object that was saved,
+/// and neither row, takes that one: hosts show it.
+void cTolvaDatabase::TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize)
+{
+    prize->SetLastWonDate(winner.WonDate());
+    for (const cPrizeWinnerPtr& other : prize->PrizeWinners_) {
+        if (other && other->Reference() != winner.Reference() && other->WonDate() > winner.WonDate())
+            winner.SetWonDate(other->WonDate());
+    }
+    SavePrize(prize);
+}
+
+bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
+{
+    KeepLastError(PendingError());
+    if (Location().isEmpty() || reference <= 0)
+        return false;
+    PendingError pending;
+    std::unique_ptr<dao::Recordset> recordset;
+    bool isThere = false;
+    qint32 winnerReference = 0;
+    qint32 prizeReference = 0;
+    pending.Try([&] {
+        recordset = OpenedDatabase().OpenRecordset(WinnersTable, dao::dbOpenTable);
+        recordset->SetIndex(MainIndex);
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        isThere = !recordset->NoMatch();
+        if (isThere) {
+            winnerReference = recordset->Collect(QStringLiteral("WinnerReference")).toInt();
+            prizeReference = recordset->Collect(QStringLiteral("PrizeReference")).toInt();
+        }
+    });
+    KeepLastError(pending);
+    if (pending)
+        return false;
+    if (!isThere)
+        return true;
+    const cPrizePtr prize = prizeReference > 0 ? GetPrize(prizeReference, false) : nullptr;
+    const QString text = WinnerLogText(winnerReference, prize.get());
+    const QString title = QStringLiteral("Prize Winner Deleted");
+    if (!pending.Try([&] { recordset->Delete(); })) {
+        KeepLastError(pending);
+        LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, 0);
+        return false;
+    }
+    recordset->Close();
+    if (prize) {
+        prize->SetNumberWinners(prize->NumberWinners() - 1);
+        SavePrize(prize);
+    }
+    LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, 1);
+    return true;
+}
+
+qint32 cTolvaDatabase::StoredWinners(qint32 prizeReference)
+{
+    qint32 number = -1;
+    PendingError pending;
+    pending.Try([&] {
+        const auto rows =
+            OpenSnapshot(QStringLiteral("SELECT COUNT(*) AS [Number] FROM [PrizeWinners] WHERE [PrizeReference]=%1")
+                             .arg(prizeReference));
+        number = rows->Collect(QStringLiteral("Number")).toInt();
+    });
+    KeepLastError(pending);
+    return number;
+}
+
+bool cTolvaDatabase::CountStoredWinners(qint32 prizeReference)
+{
+    const qint32 stored = StoredWinners(prizeReference);
+    if (stored < 0)
+        return false;
+    const cPrizePtr prize = GetPrize(prizeReference, true);
+    if (!prize)
+        return false;
+    if (prize->NumberWinners() >= stored)
+        return true;
+    prize->SetNumberWinners(stored);
+    return SavePrize(prize);
+}
+
+/// "'Carla Count' from 'Two tickets'", as far as the directory and the prize are known.
+QString cTolvaDatabase::WinnerLogText(qint32 winnerReference, const cPrize* prize) const
+{
+    QString text;
+    PendingError pending; // a directory that cannot be read leaves the name out
+    pending.Try([&] {
+        const clsKVContactPtr contact =
+            DirectoryDatabase_ && winnerReference > 0 ? DirectoryDatabase_->GetContact(winnerReference, 0, 0) : nullptr;
+        if (contact)
+            text = u'\'' + contact->Name + u'\'';
+    });
+    if (prize)
+        text += QStringLiteral(" from '") + prize->Title() + u'\'';
+    return text;
+}

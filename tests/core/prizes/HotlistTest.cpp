@@ -1,0 +1,67 @@
+// Hotlists of available hours: the settings rows behind the dialog.
+
+#include "core/prizes/PrizeTest.h"
+
+class HotlistTest : public PrizeTest
+{
+protected:
+    void ExpectChoice(const QString& item, bool isSaving)
+    {
+        Ui.ExpectHotlist([item, isSaving](dao::Recordset& settings, bool saveMode) {
+            EXPECT_EQ(saveMode, isSaving);
+            EXPECT_EQ(settings.Name(), QStringLiteral("Settings"));
+            EXPECT_EQ(settings.Index(), QStringLiteral("Main"));
+            settings.MoveLast(); // as a dialog leaves it
+            return item;
+        });
+    }
+};
+
+TEST_F(HotlistTest, SavedHoursAreLoadedAgain)
+{
+    ExpectChoice(QStringLiteral("HR.Breakfast"), true);
+    EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QStringLiteral("ABC|DEF"), nullptr));
+    EXPECT_EQ(Station->DatabaseSetting(QStringLiteral("HR.Breakfast"), QString()).toString(),
+              QStringLiteral("ABC|DEF"));
+    ExpectChoice(QStringLiteral("HR.Breakfast"), false);
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QStringLiteral("ABC|DEF"));
+}
+
+TEST_F(HotlistTest, SavingUnderTheSameNameReplacesTheHours)
+{
+    ExpectChoice(QStringLiteral("HR.Late"), true);
+    EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QStringLiteral("1"), nullptr));
+    const int rows = OpenTable(QStringLiteral("Settings"))->RecordCount();
+    ExpectChoice(QStringLiteral("HR.Late"), true);
+    EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QStringLiteral("2"), nullptr));
+    EXPECT_EQ(OpenTable(QStringLiteral("Settings"))->RecordCount(), rows);
+    ExpectChoice(QStringLiteral("HR.Late"), false);
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QStringLiteral("2"));
+}
+
+TEST_F(HotlistTest, WithoutAChoiceNothingIsLoadedOrSaved)
+{
+    const int rows = OpenTable(QStringLiteral("Settings"))->RecordCount();
+    ExpectChoice(QString(), false);
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
+    ExpectChoice(QString(), true);
+    EXPECT_FALSE(Station->SaveAvailableHoursHotlist(QStringLiteral("1"), nullptr));
+    EXPECT_EQ(OpenTable(QStringLiteral("Settings"))->RecordCount(), rows);
+}
+
+TEST_F(HotlistTest, AnAbsentListLoadsLikeAnEmptyOne)
+{
+    ExpectChoice(QStringLiteral("HR.Gone"), false);
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
+    ExpectChoice(QStringLiteral("HR.Empty"), true);
+    EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QString(), nullptr));
+    ExpectChoice(QStringLiteral("HR.Empty"), false);
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
+}
+
+TEST_F(HotlistTest, OnAClosedStationNobodyIsAsked)
+{
+    Station->CloseTolvaDatabase();
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
+    EXPECT_FALSE(Station->SaveAvailableHoursHotlist(QStringLiteral("1"), nullptr));
+}
