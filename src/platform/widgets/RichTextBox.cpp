@@ -92,7 +92,7 @@ QString RichTextBox::DocumentText() const
 void RichTextBox::TakeText()
 {
     const QString text = DocumentText();
-    if (text == Text_)
+    if (IsTaken_ || Holds_ > 0 || text == Text_)
         return;
     Text_ = text;
     Q_EMIT Change();
@@ -121,16 +121,20 @@ RichTextBox::Hold::Hold(RichTextBox& box) : Box_(box)
 
 RichTextBox::Hold::~Hold()
 {
-    // The document tells of its changes at the end of the outermost block, and whoever hears of them asks the box.
     const QTextCursor cursor = Box_.Held_;
     --Box_.Holds_;
+    const bool isLast = Box_.Holds_ == 0;
+    // Whoever hears of the change asks the box, which must have its selection by then.
+    Box_.IsTaken_ = isLast;
     QTextCursor(Box_.document()).endEditBlock();
-    if (Box_.Holds_ > 0)
+    Box_.IsTaken_ = false;
+    if (!isLast)
         return;
     const QTextCursor own = Box_.textCursor();
     if (own.position() != cursor.position() || own.anchor() != cursor.anchor() ||
         own.charFormat() != cursor.charFormat())
         Box_.setTextCursor(cursor);
+    Box_.TakeText();
 }
 
 void RichTextBox::Replace(const QList<RichTextFormat::Piece>& pieces)
@@ -291,6 +295,11 @@ void RichTextBox::SetSelProtected(bool isProtected)
             return;
         cursor.setCharFormat(form);
         return SetCursor(cursor);
+    }
+    // Text that is about to be replaced needs none, and undo could not tell the caret's place after both.
+    if (IsReplacing_) {
+        StateWanted_ = isProtected;
+        return;
     }
     // Text that is so already needs no step for undo.
     if (SelProtected() == isProtected)

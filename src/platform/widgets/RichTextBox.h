@@ -73,6 +73,8 @@ public:
     /// Without a selection it holds for what is put in next at the caret.
     void SetSelProtected(bool isProtected);
 
+    /// The character behind that position. False behind the last one.
+    bool IsProtectedAt(int position) const;
     /// The run that a position lies in, between two protected characters: its first position and the one behind it.
     /// Nothing for a position at a run's end or outside.
     std::optional<std::pair<int, int>> RunAround(int position) const;
@@ -150,7 +152,6 @@ private:
     QTextCursor Cursor() const;
     void SetCursor(const QTextCursor& cursor);
     int Bounded(int position) const;
-    bool IsProtectedAt(int position) const;
     QTextCharFormat FormatAt(int position) const;
     void Replace(const QList<RichTextFormat::Piece>& pieces);
     void TakeText();
@@ -167,5 +168,8 @@ private:
     std::function<QString(const QString&)> PasteFilter_;
     Painter* Painter_;
     int Holds_ = 0;
-    QTextCursor Held_; ///< The selection while a Hold lives; the box's own follows at its end.
+    bool IsTaken_ = false; ///< The end of a Hold tells of the change itself.
+    bool IsReplacing_ = false;
+    std::optional<bool> StateWanted_; ///< Of the selection that is about to be replaced.
+    QTextCursor Held_;                ///< The selection while a Hold lives; the box's own follows at its end.
 };

@@ -85,9 +85,17 @@ void RichTextBox::PutInPlaceOfSelection(QKeyEvent& event)
     // Whoever sets the selection's protection before a character takes its place must not part a run.
     WidenSelection();
     int key = event.key();
+    IsReplacing_ = true;
+    StateWanted_.reset();
     Q_EMIT KeyDown(key, event.modifiers());
+    IsReplacing_ = false;
     event.accept();
-    if (key == 0 || !PrepareForInput())
+    if (key == 0) {
+        if (StateWanted_)
+            SetSelProtected(*StateWanted_);
+        return;
+    }
+    if (!PrepareForInput())
         return;
     const bool isLineEnd =
         event.matches(QKeySequence::InsertParagraphSeparator) || event.matches(QKeySequence::InsertLineSeparator);
