@@ -34,6 +34,7 @@ int main(int argc, char** argv)
     BenchSaving(folder.filePath(QStringLiteral("saving")), quick ? 3 : 9);
     BenchReading(largeStation, large);
     BenchSearching(largeStation);
+    BenchHistory(largeStation);
     BenchOpening(smallStation, largeStation);
     BenchBackup(folder.filePath(QStringLiteral("backup")), quick ? 100 : 1024);
     const int failed = FailedComparisons();

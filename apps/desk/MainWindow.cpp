@@ -17,6 +17,8 @@
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/TabStrip.h"
+#include "prizes/PrizeDesk.h"
+#include "prizes/PrizesPage.h"
 
 #include <QAction>
 #include <QApplication>
@@ -90,13 +92,15 @@ MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& setti
     connect(Splitter_, &QSplitter::splitterMoved, this, [this] { FitTimer_.start(); });
     Run([this] { setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name())); });
     TakeSelection(nullptr);
+    TakePage(Prizes_->IsOnShow());
 }
 
 MainWindow::~MainWindow()
 {
     for (const QPointer<QMainWindow>& window : std::as_const(Windows_))
         delete window;
-    // The list goes before the station.
+    // The lists go before the station.
+    delete Prizes_;
     List_->SetTolvaDatabase(nullptr);
 }
 
@@ -121,13 +125,26 @@ void MainWindow::MakeParts()
     Splitter_->setStretchFactor(0, 3);
     Splitter_->setStretchFactor(1, 2);
 
+    auto* messages = new QWidget(this);
+    auto* messagesLayout = new QVBoxLayout(messages);
+    messagesLayout->setContentsMargins(0, 0, 0, 0);
+    messagesLayout->setSpacing(0);
+    messagesLayout->addWidget(Filter_);
+    messagesLayout->addWidget(Splitter_, 1);
+    Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
+    connect(Prizes_, &PrizeDesk::WindowOpened, this, [this](QMainWindow* window) { Windows_.append(window); });
+    connect(Prizes_, &PrizeDesk::PageChanged, this, &MainWindow::TakePage);
+    connect(Prizes_, &PrizeDesk::AwardToSenderWanted, this,
+            [this] { Run([this] { Prizes_->AwardToSender(SelectedMessage()); }); });
+    connect(Prizes_, &PrizeDesk::Told, this,
+            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(Connection_);
-    layout->addWidget(Filter_);
-    layout->addWidget(Splitter_, 1);
+    layout->addWidget(&Prizes_->Notice());
+    layout->addWidget(Prizes_->MakePages(messages), 1);
     setCentralWidget(page);
 
     const auto addLabel = [this](const char* name) {
@@ -199,6 +216,7 @@ void MainWindow::SaveSizes()
 {
     Settings_.SetState(GeometryState, saveGeometry());
     Settings_.SetState(SplitterState, Splitter_->saveState());
+    Prizes_->SaveSizes();
 }
 
 /// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size; and
@@ -216,6 +234,8 @@ void MainWindow::FillList()
         return;
     FittedWidth_ = List_->width();
     Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
+    if (Prizes_->IsOnShow())
+        Prizes_->Connect();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
@@ -321,6 +341,8 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
     });
     connect(window, &MessageWindow::ForwardWanted, this,
             [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Forward(*original)); }); });
+    connect(window, &MessageWindow::AwardToSenderWanted, this,
+            [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
     connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
     window->show();
     window->activateWindow();
@@ -404,8 +426,18 @@ void MainWindow::TakeOpenMessage(const cMessagePtr& message)
 void MainWindow::TakeSelection(const cMessagePtr& message)
 {
     Preview_->Select(message);
-    for (const char* name : {"reply", "replyAll", "forward"})
-        Action(name)->setEnabled(message != nullptr);
+    for (const char* name : {"reply", "replyAll", "forward", "awardToSender"})
+        Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
+}
+
+/// What works on the selected message works only while it is seen.
+void MainWindow::TakePage(bool prizes)
+{
+    List_->MessageMenu()->menuAction()->setEnabled(!prizes);
+    List_->CategoryMenu()->menuAction()->setEnabled(!prizes);
+    Counts_->setVisible(!prizes);
+    TakeSelection(Preview_->Message());
+    FitTimer_.start();
 }
 
 void MainWindow::TakeUpdate()
@@ -454,6 +486,10 @@ void MainWindow::MarkAsRead(qint32 reference)
 void MainWindow::RefreshAll()
 {
     Run([this] {
+        if (Prizes_->IsOnShow()) {
+            Prizes_->Page().Refresh();
+            return;
+        }
         List_->UpdateCategories();
         List_->UpdateDisplay();
     });
@@ -461,6 +497,10 @@ void MainWindow::RefreshAll()
 
 void MainWindow::FocusNextPane(bool backwards)
 {
+    if (Prizes_->IsOnShow()) {
+        Prizes_->Page().FocusNextPane(backwards);
+        return;
+    }
     const QList<QWidget*> panes = {List_->findChild<QWidget*>(QStringLiteral("treeCategories")),
                                    List_->findChild<QWidget*>(QStringLiteral("grdMessages")), Preview_->FocusTarget()};
     qsizetype current = -1;

@@ -20,6 +20,7 @@ class DeskSettings;
 class MessageWindow;
 class NoticeBar;
 class PreviewPane;
+class PrizeDesk;
 class QLabel;
 class QMenu;
 class QSplitter;
@@ -39,6 +40,7 @@ public:
     DeskStation& Station() { return *Station_; }
     uMessagesList& List() { return *List_; }
     PreviewPane& Preview() { return *Preview_; }
+    PrizeDesk& Prizes() { return *Prizes_; }
 
     /// A run-time error of a control; true when this window has met it: the list's reply, which ends in one, and a
     /// station that cannot be reached for a while.
@@ -104,6 +106,7 @@ private:
     void TakeNewMessage(const cMessagePtr& message);
     void TakeOpenMessage(const cMessagePtr& message);
     void TakeUpdate();
+    void TakePage(bool prizes);
     void CheckSelectedIsThere();
     void MarkAsRead(qint32 reference);
     void ShowCounts();
@@ -133,6 +136,7 @@ private:
     QSplitter* Splitter_ = nullptr;
     uMessagesList* List_ = nullptr;
     PreviewPane* Preview_ = nullptr;
+    PrizeDesk* Prizes_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* Filter_ = nullptr;

@@ -4,6 +4,7 @@
 #include "NoticeBar.h"
 #include "StationPlace.h"
 #include "messageslist/uMessagesList.h"
+#include "prizes/PrizeDesk.h"
 
 namespace
 {
@@ -24,7 +25,8 @@ QString ConnectionWords(int errorNumber)
 
 bool MainWindow::TakeRunTimeError(const dao::Error& error)
 {
-    const bool isOfList = error.Source().startsWith(QStringLiteral("uMessagesList."));
+    const bool isOfList = error.Source().startsWith(QStringLiteral("uMessagesList.")) ||
+                          error.Source().startsWith(QStringLiteral("uPrizesList."));
     if (isOfList && error.Number() == dao::errTypeMismatch && error.Source().contains(QStringLiteral("Reply"))) {
         Reply();
         return true;
@@ -69,6 +71,7 @@ void MainWindow::ReopenStation()
 {
     const enTolvaMessageCategories category = List_->Category();
     List_->SetTolvaDatabase(nullptr);
+    Prizes_->Disconnect();
     OpenAgain(category);
 }
 
@@ -85,6 +88,8 @@ bool MainWindow::OpenAgain(enTolvaMessageCategories category)
         const bool isThere = Station_->Database().MessageCategories().FindCategory(category) != nullptr;
         List_->SetCategory(isThere ? category : tmcInbox);
         List_->UpdateDisplay();
+        if (Prizes_->IsOnShow())
+            Prizes_->Connect();
         if (const QString restored = Station_->TakeRestoredWords(); !restored.isEmpty())
             Words::Tell(restored);
         return true;

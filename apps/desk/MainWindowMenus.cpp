@@ -8,6 +8,8 @@
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/Icons.h"
+#include "prizes/PrizeDesk.h"
+#include "prizes/PrizesPage.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -116,6 +118,8 @@ void MainWindow::MakeMessageMenu()
         if (entry->objectName() == u"mnuOpen")
             connect(entry, &QAction::triggered, this, &MainWindow::CheckSelectedIsThere);
     }
+    menu->addSeparator();
+    menu->addAction(Prizes_->MakeAwardToSenderAction());
     ShowKey(*menu, "mnuReplyMessage", replyKey);
     ShowKey(*menu, "mnuForwardMessage", forwardKey);
     ShowKey(*menu, "mnuMessageNewMessage", QKeySequence(Qt::CTRL | Qt::Key_N));
@@ -123,6 +127,7 @@ void MainWindow::MakeMessageMenu()
 
 void MainWindow::MakeViewMenu()
 {
+    Prizes_->MakePrizeMenu(*menuBar());
     auto* menu = menuBar()->addMenu(tr("&View"));
     QAction* refresh = AddAction(menu, "refresh", QStringLiteral("refresh"), tr("&Refresh"), QKeySequence(Qt::Key_F5));
     QAction* find =
@@ -133,6 +138,7 @@ void MainWindow::MakeViewMenu()
     QAction* next = AddAction(menu, "nextPane", QString(), tr("&Next part of the window"), QKeySequence(Qt::Key_F6));
     QAction* previous = AddAction(menu, "previousPane", QString(), tr("&Previous part of the window"),
                                   QKeySequence(Qt::SHIFT | Qt::Key_F6));
+    Prizes_->AddToViewMenu(*menu);
     menu->addSeparator();
     auto* go = menu->addMenu(tr("&Go to"));
     const QStringList names = {tr("Inbox"),         tr("Outbox"),         tr("Saved"),        tr("Sent"),
@@ -141,7 +147,10 @@ void MainWindow::MakeViewMenu()
         const auto category = static_cast<enTolvaMessageCategories>(i + 1);
         QAction* folder = AddAction(go, "goTo", QString(), names.at(i), QKeySequence(Qt::CTRL | (Qt::Key_1 + i)));
         folder->setObjectName(QStringLiteral("goTo%1").arg(i + 1));
-        connect(folder, &QAction::triggered, this, [this, category] { Run([&] { List_->SetCategory(category); }); });
+        connect(folder, &QAction::triggered, this, [this, category] {
+            Prizes_->ShowPage(false);
+            Run([&] { List_->SetCategory(category); });
+        });
     }
     auto* looks = menu->addMenu(tr("Colour&s"));
     auto* group = new QActionGroup(this);
@@ -160,10 +169,19 @@ void MainWindow::MakeViewMenu()
         });
     }
     connect(refresh, &QAction::triggered, this, &MainWindow::RefreshAll);
-    connect(all, &QAction::triggered, this, [this] { Run([this] { List_->ClearFind(); }); });
+    connect(all, &QAction::triggered, this, [this] {
+        if (Prizes_->IsOnShow())
+            Prizes_->Page().ShowAll();
+        else
+            Run([this] { List_->ClearFind(); });
+    });
     connect(next, &QAction::triggered, this, [this] { FocusNextPane(); });
     connect(previous, &QAction::triggered, this, [this] { FocusNextPane(true); });
     connect(find, &QAction::triggered, this, [this] {
+        if (Prizes_->IsOnShow()) {
+            Prizes_->Page().Find();
+            return;
+        }
         auto* box = List_->findChild<QComboBox*>(QStringLiteral("comboFind"));
         box->setFocus(Qt::ShortcutFocusReason);
         if (box->lineEdit())

@@ -10,6 +10,7 @@
 #include "common/UserInterface.h"
 #include "messages/dialogs/frmHighlightSettings.h"
 #include "messageslist/uMessagesList.h"
+#include "prizes/PrizeDesk.h"
 
 #include <QAction>
 #include <QLocale>
@@ -71,6 +72,8 @@ void MainWindow::MakeStationMenu()
         &MainWindow::ChangeSettings);
     add("highlightWords", tr("&Highlight words..."), tr("The words that are marked in messages"), true,
         &MainWindow::ChangeHighlightWords);
+    ofTechnician.append(Prizes_->MakeSettingsAction());
+    menu->addAction(ofTechnician.last());
     menu->addSeparator();
     add("backUpNow", tr("&Back up now"), tr("Copies the station into a folder of its own"), false,
         &MainWindow::BackUpNow);
@@ -219,6 +222,7 @@ std::optional<StationReplacing::Result> MainWindow::ReplaceFile(const std::funct
     WatchTimer_.stop();
     TakeSelection(nullptr);
     List_->SetTolvaDatabase(nullptr);
+    Prizes_->Disconnect();
     Station_->Suspend();
     std::optional<StationReplacing::Result> result;
     QString problem;

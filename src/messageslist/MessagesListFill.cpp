@@ -2,11 +2,11 @@
 
 #include "common/ClockHelper.h"
 #include "database/cTolvaDatabase.h"
-#include "messageslist/FindBox.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/OverlayPanel.h"

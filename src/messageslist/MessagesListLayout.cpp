@@ -1,16 +1,16 @@
 // The controls of the messages list and where they lie.
 
-#include "messageslist/FindBox.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
+#include "platform/widgets/ListPanes.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
 #include "platform/widgets/ToolBar.h"
-#include "platform/widgets/Twips.h"
 
 #include <QAction>
 #include <QEvent>
@@ -22,15 +22,6 @@
 
 namespace
 {
-constexpr double LeastWidth = 2500;
-constexpr double LeastHeight = 1920;
-constexpr double ToolBarOverhang = 15;
-constexpr double FindMargin = 30;
-constexpr double PageMargin = 60;
-constexpr double PaneGap = 30;
-constexpr double OverlayOffset = 45;
-constexpr double OverlayExcess = 15;
-constexpr double ControlGap = 60;
 const QString FindHolder = QStringLiteral("findholder");
 const QString Search = QStringLiteral("search");
 const QString Stop = QStringLiteral("stop");
@@ -45,7 +36,7 @@ Control* Named(Control* control, const char* name)
 
 void uMessagesList::MakeControls()
 {
-    setMinimumSize(Twips::ToPixels(*this, LeastWidth), Twips::ToPixels(*this, LeastHeight));
+    ListPanes{this}.SetLeastSize();
     setAutoFillBackground(true);
 
     toolSearch_ = Named(new ToolBar(this), "toolSearch");
@@ -56,7 +47,7 @@ void uMessagesList::MakeControls()
     toolSearch_->AddPlaceholder(FindHolder);
     picFind_ = Named(new QWidget(toolSearch_), "picFind");
     lblFind_ = Named(new QLabel(QStringLiteral("F&ind:"), picFind_), "lblFind");
-    comboFind_ = Named(new FindBox(picFind_), "comboFind");
+    comboFind_ = Named(new FindBox(MessagesListTexts::AllMessages, picFind_), "comboFind");
     comboFind_->setAccessibleName(tr("Find in subjects"));
     lblFind_->setBuddy(comboFind_);
     cmdNewMessage_ =
@@ -92,11 +83,7 @@ void uMessagesList::ConnectControls()
         Handle("comboFind_Click", [this] { UpdateDisplay(); });
     });
     connect(comboFind_, &FindBox::DropDown, this,
-            [this] { comboFind_->SetEntries(QStringList(MessagesListTexts::AllMessages) + FindHistory_.mid(1)); });
-    connect(comboFind_, &FindBox::LostFocus, this, [this] {
-        if (comboFind_->Text().trimmed().isEmpty())
-            comboFind_->SetText(MessagesListTexts::AllMessages);
-    });
+            [this] { comboFind_->SetEntries(QStringList(MessagesListTexts::AllMessages) + comboFind_->History()); });
     connect(toolSearch_, &ToolBar::ButtonClick, this, [this](const QString& key) {
         if (key.compare(Search, Qt::CaseInsensitive) == 0)
             Handle("toolSearch_ButtonClick", [this] { UpdateDisplay(); });
@@ -164,7 +151,8 @@ void uMessagesList::changeEvent(QEvent* event)
         return; // still being made
     if (event->type() == QEvent::ApplicationPaletteChange)
         ApplyBackColour();
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange ||
+        event->type() == QEvent::LayoutDirectionChange) {
         SetGridRowHeights();
         LayOut();
     }
@@ -174,66 +162,24 @@ void uMessagesList::LayOut()
 {
     if (!timerUpdateList_)
         return; // still being made
-    const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
-    const int wide = qMax(width(), pixels(LeastWidth));
-    const int high = qMax(height(), pixels(LeastHeight));
-    if (wide != width() || high != height()) {
-        resize(wide, high);
-        return;
-    }
-    const int overhang = pixels(ToolBarOverhang);
-    const int band = qMax(toolSearch_->sizeHint().height(), cmdNewMessage_->sizeHint().height()) + 2 * overhang;
-    toolSearch_->setGeometry(-overhang, -overhang, wide + 2 * overhang, band + overhang);
-    const QSize button = cmdNewMessage_->sizeHint();
-    cmdNewMessage_->setGeometry(wide - button.width(), (band - button.height()) / 2, button.width(), button.height());
-    cmdNewMessage_->raise();
-    LayOutFindBar();
-
-    const int paneHeight = high - band;
-    const int treeWidth = DisplayMessageList_ ? wide / 3 : wide;
-    tbsCategories_->setGeometry(0, band, treeWidth, paneHeight);
-    LayOutTree();
-    if (!DisplayMessageList_)
-        return;
-    const int left = treeWidth + pixels(PaneGap);
-    picMessages_->setGeometry(left, band, wide - left, paneHeight);
-    tbsMessages_->setGeometry(picMessages_->rect());
-    LayOutMessages();
-}
-
-void uMessagesList::LayOutFindBar()
-{
-    const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
-    toolSearch_->SetButtonWidth(FindHolder,
-                                toolSearch_->width() - toolSearch_->WidthOfOthers(FindHolder) - pixels(FindMargin));
-    const QRect place = toolSearch_->ButtonRect(FindHolder);
-    picFind_->setGeometry(place);
-    const int gap = pixels(ControlGap);
-    const QSize caption = lblFind_->sizeHint();
-    const int boxHeight = comboFind_->sizeHint().height();
-    lblFind_->setGeometry(gap, 0, caption.width(), place.height());
-    const int left = gap + caption.width() + gap;
-    // The button for a new message lies over the right end of the bar.
-    const int right = DisplayNewMessage_ ? cmdNewMessage_->x() - picFind_->mapTo(this, QPoint()).x() : place.width();
-    comboFind_->setGeometry(left, (place.height() - boxHeight) / 2, qMax(0, right - left - gap), boxHeight);
+    Panes().LayOut();
+    SetGridColumnWidths();
 }
 
 void uMessagesList::LayOutTree()
 {
-    const int margin = Twips::ToPixels(*this, PageMargin);
-    treeCategories_->setGeometry(tbsCategories_->Page().rect().adjusted(margin, margin, -margin, -margin));
+    Panes().LayOutTree();
 }
 
-/// The grid fills its page; the overlays lie over it below its header, whose height they follow.
 void uMessagesList::LayOutMessages()
 {
-    const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
-    const int margin = pixels(PageMargin);
-    grdMessages_->setGeometry(tbsMessages_->Page().rect().adjusted(margin, margin, -margin, -margin));
+    Panes().LayOutList();
     SetGridColumnWidths();
-    const int offset = pixels(grdMessages_->RowHeight(0) + OverlayOffset);
-    const QRect grid = grdMessages_->geometry();
-    const QRect place(grid.left(), grid.top() + offset, grid.width(), grid.height() - offset + pixels(OverlayExcess));
-    picLoading_->setGeometry(place);
-    picNoMessages_->setGeometry(place);
+}
+
+ListPanes uMessagesList::Panes()
+{
+    return {this,           toolSearch_,    picFind_,        lblFind_,     comboFind_,
+            cmdNewMessage_, tbsCategories_, treeCategories_, picMessages_, tbsMessages_,
+            grdMessages_,   picLoading_,    picNoMessages_};
 }

@@ -2,11 +2,11 @@
 
 #include "database/cTolvaDatabase.h"
 #include "messageslist/CategoryTreeFill.h"
-#include "messageslist/FindBox.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
 #include "platform/widgets/TabStrip.h"
 
 namespace
@@ -19,11 +19,6 @@ enum Tab
     tabGeneral = 0,
     tabPersonal = 1
 };
-
-bool IsAllMessages(const QString& text)
-{
-    return text.compare(MessagesListTexts::AllMessages, Qt::CaseInsensitive) == 0;
-}
 
 void Join(QString& condition, const QString& further)
 {
@@ -50,9 +45,9 @@ uMessagesList::Query uMessagesList::MakeQuery()
         query.Order = QStringLiteral(" ORDER BY [Received] DESC, [Reference]");
 
     // The text goes in as it was typed: wildcards are the user's, and a double quote ends the pattern.
-    const QString find = TakeFindText();
-    if (!find.isEmpty())
-        Join(query.Condition, QStringLiteral("([Subject] LIKE \"*") + find + QStringLiteral("*\" )"));
+    FindText_ = comboFind_->TakeText();
+    if (IsFiltered())
+        Join(query.Condition, QStringLiteral("([Subject] LIKE \"*") + FindText_ + QStringLiteral("*\" )"));
     const QString selected = treeCategories_->SelectedKey();
     if (CurrentCategory_ > 0 && !selected.isEmpty())
         Join(query.Condition, QStringLiteral("([Category]=%1) ").arg(CategoryOfKey(selected)));
@@ -78,31 +73,8 @@ QString uMessagesList::PersonalCondition() const
     }
 }
 
-/// Puts the find text in order in its box and gives it; empty for all messages.
-QString uMessagesList::TakeFindText()
-{
-    comboFind_->SetText(comboFind_->Text().trimmed());
-    FindText_ = IsAllMessages(comboFind_->Text()) ? QString() : comboFind_->Text();
-    if (FindText_.isEmpty())
-        comboFind_->SetText(MessagesListTexts::AllMessages);
-    else
-        RememberFindText(FindText_);
-    return FindText_;
-}
-
-/// Each text once, as it was typed the first time.
-void uMessagesList::RememberFindText(const QString& text)
-{
-    const QString lower = text.toLower();
-    for (qsizetype i = 1; i < FindHistory_.size(); ++i) {
-        if (FindHistory_.at(i).toLower() == lower)
-            return;
-    }
-    FindHistory_.append(text);
-}
-
 void uMessagesList::ClearFind()
 {
-    comboFind_->SetText(MessagesListTexts::AllMessages);
+    comboFind_->ShowEverything();
     UpdateDisplay();
 }

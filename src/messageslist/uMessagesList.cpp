@@ -4,11 +4,11 @@
 
 #include "database/cTolvaDatabase.h"
 #include "messageslist/CategoryTreeFill.h"
-#include "messageslist/FindBox.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/PropertyBag.h"
@@ -49,11 +49,10 @@ const QString AutoUpdateInterval = QStringLiteral("AutoUpdateInterval");
 } // namespace Key
 } // namespace
 
-uMessagesList::uMessagesList(QWidget* parent) : QWidget(parent), FindHistory_{QString()}
+uMessagesList::uMessagesList(QWidget* parent) : QWidget(parent)
 {
     MakeControls();
     MakeMenus();
-    comboFind_->SetText(MessagesListTexts::AllMessages);
     MakeGridHeader();
     InitProperties();
 }

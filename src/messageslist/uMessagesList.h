@@ -14,6 +14,7 @@
 class CategoryTreeView;
 class FindBox;
 class FlexGrid;
+struct ListPanes;
 class OverlayPanel;
 class PropertyBag;
 class QAction;
@@ -169,8 +170,6 @@ private:
 
     // The query; MessagesListQuery.cpp.
     Query MakeQuery();
-    QString TakeFindText();
-    void RememberFindText(const QString& text);
     QString PersonalCondition() const;
     void ReadSortOrder();
 
@@ -255,9 +254,9 @@ private:
     void ConnectGrid();
     void ConnectTree();
     void LayOut();
-    void LayOutFindBar();
     void LayOutTree();
     void LayOutMessages();
+    ListPanes Panes();
 
     bool Initialised_ = false;
     bool DisplayBusy_ = false;
@@ -277,8 +276,7 @@ private:
     bool GridDragging_ = false;
     bool AutoUpdate_ = true;
     QString CurrentQuery_;
-    QString FindText_;        ///< Of the query on show.
-    QStringList FindHistory_; ///< From index 1; element 0 is empty.
+    QString FindText_; ///< Of the query on show.
     QHash<qint32, int> RowOfReference_;
     QPointer<cTolvaDatabase> clsTolvaDatabase_;
     QPointer<clsKVUser> clsCurrentUser_;

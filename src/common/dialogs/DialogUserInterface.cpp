@@ -7,10 +7,12 @@
 #include "common/kvGeneral.h"
 #include "database/dialogs/frmDatabaseSettings.h"
 #include "database/dialogs/frmHandler.h"
+#include "prizes/dialogs/frmHotlist.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QPointer>
+#include <QScopeGuard>
 
 namespace
 {
@@ -130,9 +132,14 @@ void DialogUserInterface::PageSetupLabels(cPageSetup& pageSetup)
     delete form;
 }
 
-QString DialogUserInterface::GetHotlist(qint32, dao::Recordset&, bool, QObject*)
+QString DialogUserInterface::GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode,
+                                        QObject* parentForm)
 {
-    return {};
+    // A parent that is no window gives the dialog no owner.
+    auto* const parent = qobject_cast<QWidget*>(parentForm);
+    const QPointer<frmHotlist> form(new frmHotlist(parent ? parent->window() : nullptr));
+    const auto unload = qScopeGuard([form] { delete form; });
+    return form->GetHotlist(hotListType, &settings, saveMode);
 }
 
 void DialogUserInterface::SetBusyPointer(bool busy)

@@ -14,6 +14,8 @@ struct clsKVContact
     QString Email;
     QString SecondEmail;
     QString Other;
+
+    friend bool operator==(const clsKVContact&, const clsKVContact&) = default;
 };
 
 using clsKVContactPtr = std::shared_ptr<clsKVContact>;

@@ -216,6 +216,12 @@ void ListView::SetTag(const QString& key, qint32 tag)
         AsListItem(item)->Tag = tag;
 }
 
+QString ListView::HitTest(const QPoint& position) const
+{
+    QTreeWidgetItem* item = itemAt(position);
+    return item == nullptr ? QString() : AsListItem(item)->Key;
+}
+
 QString ListView::SelectedKey() const
 {
     const QList<QTreeWidgetItem*> selected = selectedItems();

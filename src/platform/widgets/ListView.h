@@ -49,6 +49,8 @@ public:
     qint32 Tag(const QString& key) const;
     void SetTag(const QString& key, qint32 tag);
 
+    /// The entry at a position of the viewport, in pixels; empty for none.
+    QString HitTest(const QPoint& position) const;
     /// Empty when none is selected.
     QString SelectedKey() const;
     /// Selects and scrolls to it; an empty key selects none. false when the key is not there.

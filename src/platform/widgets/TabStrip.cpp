@@ -38,6 +38,19 @@ TabStrip::TabStrip(QWidget* parent)
     Tabs_->addTab(QStringLiteral(" "));
     setAutoFillBackground(true);
     connect(Tabs_, &QTabBar::currentChanged, this, &TabStrip::TabClick);
+    connect(Tabs_, &QTabBar::tabBarClicked, this, [this](int index) {
+        if (SingleTabShown_ && index >= 0 && Tabs_->count() == 1)
+            Q_EMIT TabClick(index);
+    });
+}
+
+void TabStrip::ShowSingleTab(const QString& caption)
+{
+    SingleTabShown_ = true;
+    Tabs_->setTabText(0, caption);
+    // There is nothing to choose by the keys.
+    Tabs_->setFocusPolicy(Qt::NoFocus);
+    LayOut();
 }
 
 int TabStrip::Tab() const
@@ -86,7 +99,7 @@ bool TabStrip::event(QEvent* event)
 
 void TabStrip::LayOut()
 {
-    const bool shown = Tabs_->count() > 1;
+    const bool shown = SingleTabShown_ || Tabs_->count() > 1;
     Tabs_->setVisible(shown);
     const int height = shown ? Tabs_->sizeHint().height() : 0;
     Tabs_->setGeometry(0, 0, width(), height);

@@ -5,7 +5,7 @@
 class QTabBar;
 
 /// A strip of tabs with a framed page below, whose content its user lays out in Page(). Only one page: a tab is a
-/// choice, not a place. A strip with a single tab shows no tabs.
+/// choice, not a place. A strip with a single tab shows no tabs, unless it is told to.
 class TabStrip : public QFrame
 {
     Q_OBJECT
@@ -18,6 +18,8 @@ public:
     int Tab() const;
     /// As a click on the tab does; nothing for a tab that is not there.
     void SetTab(int index);
+    /// Shows the tab of a strip that has a single one, with this caption. A click on it is told too.
+    void ShowSingleTab(const QString& caption);
     /// The parent of the content; PageResized says when to lay it out again.
     QWidget& Page() const { return *Page_; }
     /// 32-bit colour (SystemColour).
@@ -40,4 +42,5 @@ private:
     QTabBar* Tabs_;
     QWidget* Page_;
     qint32 BackColour_;
+    bool SingleTabShown_ = false;
 };

@@ -1,5 +1,6 @@
 #include "platform/widgets/ToolBar.h"
 
+#include <QStyle>
 #include <QToolButton>
 
 ToolBar::ToolBar(QWidget* parent) : QWidget(parent) {}
@@ -108,7 +109,8 @@ void ToolBar::LayOut()
 {
     int left = 0;
     for (Button& button : Buttons_) {
-        button.Place = button.Visible ? QRect(left, 0, button.Width, height()) : QRect();
+        const QRect place(left, 0, button.Width, height());
+        button.Place = button.Visible ? QStyle::visualRect(layoutDirection(), rect(), place) : QRect();
         left += button.Visible ? button.Width : 0;
         if (button.Widget) {
             button.Widget->setVisible(button.Visible);

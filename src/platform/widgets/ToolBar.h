@@ -5,8 +5,8 @@
 
 class QToolButton;
 
-/// A row of buttons with keys, laid out from the left without gaps. A place-holder is a button that shows nothing and
-/// keeps room for another control.
+/// A row of buttons with keys, laid out from where reading begins without gaps. A place-holder is a button that shows
+/// nothing and keeps room for another control.
 class ToolBar : public QWidget
 {
     Q_OBJECT

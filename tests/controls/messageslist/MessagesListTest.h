@@ -1,6 +1,6 @@
 #pragma once
 
-#include "messageslist/FindBox.h"
+#include "platform/widgets/FindBox.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FlexGrid.h"

@@ -1,6 +1,6 @@
 // The tab strip, the tool bar, the overlay panel and the find box by themselves.
 
-#include "messageslist/FindBox.h"
+#include "platform/widgets/FindBox.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
 #include "platform/widgets/ToolBar.h"

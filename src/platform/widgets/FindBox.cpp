@@ -1,4 +1,4 @@
-#include "messageslist/FindBox.h"
+#include "platform/widgets/FindBox.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -8,7 +8,9 @@ namespace
 constexpr int TypingRestMilliseconds = 5000;
 }
 
-FindBox::FindBox(QWidget* parent) : QComboBox(parent)
+FindBox::FindBox(QWidget* parent) : FindBox(QString(), parent) {}
+
+FindBox::FindBox(const QString& everything, QWidget* parent) : QComboBox(parent), Everything_(everything)
 {
     setEditable(true);
     setInsertPolicy(QComboBox::NoInsert);
@@ -20,7 +22,42 @@ FindBox::FindBox(QWidget* parent) : QComboBox(parent)
     disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     disconnect(lineEdit(), &QLineEdit::returnPressed, this, nullptr);
     connect(this, &QComboBox::activated, this, &FindBox::Click);
-    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { SinceTyped_.start(); });
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] {
+        SinceTyped_.start();
+        Swallow();
+    });
+    ShowEverything();
+}
+
+/// What a paste brought in.
+void FindBox::Swallow()
+{
+    const auto isSwallowed = [this](QChar character) { return Swallowed_.contains(character); };
+    QString before = Text().left(lineEdit()->cursorPosition());
+    QString behind = Text().mid(lineEdit()->cursorPosition());
+    before.removeIf(isSwallowed);
+    behind.removeIf(isSwallowed);
+    if (before.size() + behind.size() == Text().size())
+        return;
+    SetText(before + behind);
+    lineEdit()->setCursorPosition(static_cast<int>(before.size()));
+}
+
+QString FindBox::FindText() const
+{
+    const QString text = Text().trimmed();
+    return text.compare(Everything_, Qt::CaseInsensitive) == 0 ? QString() : text;
+}
+
+QString FindBox::TakeText()
+{
+    SetText(Text().trimmed());
+    const QString text = FindText();
+    if (text.isEmpty())
+        ShowEverything();
+    else if (!History_.contains(text, Qt::CaseInsensitive))
+        History_.append(text);
+    return text;
 }
 
 bool FindBox::IsBeingTyped() const
@@ -50,6 +87,10 @@ void FindBox::keyPressEvent(QKeyEvent* event)
         Q_EMIT Click();
         return;
     }
+    if (!event->text().isEmpty() && Swallowed_.contains(event->text())) {
+        event->accept();
+        return;
+    }
     QComboBox::keyPressEvent(event);
 }
 
@@ -62,6 +103,8 @@ void FindBox::focusInEvent(QFocusEvent* event)
 void FindBox::focusOutEvent(QFocusEvent* event)
 {
     QComboBox::focusOutEvent(event);
+    if (Text().trimmed().isEmpty())
+        ShowEverything();
     Q_EMIT LostFocus();
 }
 

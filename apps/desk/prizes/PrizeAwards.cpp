@@ -1,0 +1,234 @@
+#include "PrizeAwards.h"
+
+#include "AwardCheck.h"
+#include "DeskStation.h"
+#include "PrizeTransaction.h"
+#include "common/ClockHelper.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QScopeGuard>
+
+namespace
+{
+const QString DaysSetting = QStringLiteral("Prizes.EligibleDays");
+const QString RightSetting = QStringLiteral("Prizes.AwardNeedsRight");
+
+QString Translated(const char* text)
+{
+    return QCoreApplication::translate("PrizeAwards", text);
+}
+
+QString GoneWords()
+{
+    return Translated("The prize is not there any more: it was deleted on another computer. Nothing was saved.");
+}
+
+QString ClosedWords()
+{
+    return Translated("The station is not open at this moment. Nothing was saved; please try again.");
+}
+
+/// Who has the last one, so that the presenter can tell the listener.
+QString UsedUpWords(DeskStation& station, const cPrize& prize)
+{
+    if (prize.NumberSupplied() <= 0) {
+        return Translated("%1 cannot be awarded, because none was supplied. Enter the number supplied in the prize's "
+                          "window first.")
+            .arg(PrizeRows::Quoted(prize.Title()));
+    }
+    const QList<PrizeRows::Winner> winners = PrizeRows::WinnersOf(station, prize.Reference());
+    QString words = prize.NumberSupplied() == 1
+                        ? Translated("%1 has been won already.").arg(PrizeRows::Quoted(prize.Title()))
+                        : Translated("%1 cannot be awarded again: all %2 have been won.")
+                              .arg(PrizeRows::Quoted(prize.Title()), QLocale().toString(prize.NumberSupplied()));
+    if (!winners.isEmpty()) {
+        words += u' ' + Translated("The last one went to %1 (%2).")
+                            .arg(PrizeRows::NameOf(station, winners.last().WinnerReference),
+                                 PrizeRows::MomentWords(winners.last().WonDate));
+    }
+    return words + u' ' + Translated("Nothing was saved.");
+}
+
+int DaysBetween(Date earlier, Date later)
+{
+    return static_cast<int>(earlier.ToDateTime(Qt::UTC).date().daysTo(later.ToDateTime(Qt::UTC).date()));
+}
+
+QString DaysAgo(int days)
+{
+    if (days <= 0)
+        return Translated("today");
+    return days == 1 ? Translated("yesterday") : Translated("%1 days ago").arg(days);
+}
+} // namespace
+
+int PrizeAwards::EligibleDays(DeskStation& station)
+{
+    bool isNumber = false;
+    const int days = station.Database().DatabaseSetting(DaysSetting, DefaultEligibleDays).toString().toInt(&isNumber);
+    return isNumber && days >= 0 ? qMin(days, MostEligibleDays) : DefaultEligibleDays;
+}
+
+void PrizeAwards::SetEligibleDays(DeskStation& station, int days)
+{
+    station.Database().SetDatabaseSetting(DaysSetting, days, DefaultEligibleDays);
+}
+
+bool PrizeAwards::NeedsRight(DeskStation& station)
+{
+    return station.Database().DatabaseSetting(RightSetting, 0).toString().toInt() != 0;
+}
+
+void PrizeAwards::SetNeedsRight(DeskStation& station, bool needsRight)
+{
+    station.Database().SetDatabaseSetting(RightSetting, needsRight ? 1 : 0, 0);
+}
+
+QString PrizeAwards::WhyNotAwardable(DeskStation& station, qint32 prize)
+{
+    if (!station.Database().IsOpen())
+        return ClosedWords();
+    const clsKVUser* user = station.Directory().CurrentUser();
+    if (!user)
+        return Translated("Nobody is signed in, so nothing can be awarded. Open the station again.");
+    if (NeedsRight(station) && !user->ManagePrizes()) {
+        return Translated("At this station only users who may manage prizes award them. Your technician can give you "
+                          "that right.");
+    }
+    const cPrizePtr stored = station.Database().GetPrize(prize, false);
+    if (!stored)
+        return GoneWords();
+    return stored->NumberWinners() < stored->NumberSupplied() ? QString() : UsedUpWords(station, *stored);
+}
+
+QString PrizeAwards::WhyCannotWin(DeskStation& station, qint32 contact)
+{
+    if (contact <= 0 || !station.Directory().GetContact(contact)) {
+        return Translated("That contact is not in the directory any more. Nothing was saved; choose another contact.");
+    }
+    if (contact <= HighestWinnerReference)
+        return QString();
+    const QLocale locale;
+    return Translated("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
+                      "numbers up to %3. Nothing was saved. Choose another contact, or ask your technician.")
+        .arg(PrizeRows::NameOf(station, contact), locale.toString(contact), locale.toString(HighestWinnerReference));
+}
+
+QString PrizeAwards::RecentWinQuestion(DeskStation& station, qint32 contact)
+{
+    const int days = EligibleDays(station);
+    if (days == 0)
+        return QString();
+    const std::optional<PrizeRows::Winner> win = PrizeRows::LastWinOf(station, contact);
+    if (!win || win->WonDate.IsNone())
+        return QString();
+    const int age = DaysBetween(win->WonDate, ClockHelper::CurrentTime());
+    if (age >= days)
+        return QString();
+    const cPrizePtr prize = station.Database().GetPrize(win->PrizeReference, false);
+    const QString title = prize ? PrizeRows::Quoted(prize->Title()) : Translated("a prize that is not there any more");
+    const QString wait = days == 1 ? Translated("At this station winners wait 1 day.")
+                                   : Translated("At this station winners wait %1 days.").arg(days);
+    return Translated("%1 won %2 on %3 (%4). %5\n\nDo you want to make the award all the same?")
+        .arg(PrizeRows::NameOf(station, contact), title, PrizeRows::DayWords(win->WonDate), DaysAgo(age), wait);
+}
+
+PrizeAwards::Result PrizeAwards::Award(DeskStation& station, qint32 prize, qint32 contact)
+{
+    cTolvaDatabase& database = station.Database();
+    Result result;
+    result.Words = WhyNotAwardable(station, prize);
+    if (result.Words.isEmpty())
+        result.Words = WhyCannotWin(station, contact);
+    if (!result.Words.isEmpty())
+        return result;
+    const cPrizePtr stored = database.GetPrize(prize, true);
+    const cPrizeWinnerPtr winner = stored ? database.GetNewPrizeWinner(stored) : nullptr;
+    if (!winner) {
+        result.Words = stored ? UsedUpWords(station, *stored) : GoneWords();
+        return result;
+    }
+    winner->SetWinnerReference(contact);
+    // The desk says more about a refusal than the store's own boxes.
+    const bool silent = database.SilentMode();
+    database.SetSilentMode(true);
+    const auto restore = qScopeGuard([&] { database.SetSilentMode(silent); });
+    if (database.SavePrizeWinner(winner)) {
+        result.Winner = winner->Reference();
+        return result;
+    }
+    const int number = database.LastErrorNumber();
+    const QString description = database.LastErrorDescription();
+    const QString refusal = WhyNotAwardable(station, prize);
+    result.Words = !refusal.isEmpty()
+                       ? refusal
+                       : Translated("The award was not saved. %1").arg(station.Words(number, description));
+    return result;
+}
+
+std::optional<PrizeAwards::OverAward> PrizeAwards::FindOverAward(DeskStation& station, qint32 prize)
+{
+    const AwardStanding standing = AwardCheck::Settle(station.Database(), prize);
+    if (standing.Stored == 0 || !standing.IsOverdrawn())
+        return std::nullopt;
+    return OverAward{standing.Title, standing.Units, standing.IsPrizeThere, PrizeRows::WinnersOf(station, prize)};
+}
+
+QString PrizeAwards::OverAwardWords(const OverAward& overAward)
+{
+    if (!overAward.IsPrizeThere)
+        return Translated("The prize was deleted on another computer in the same moment, but the award is stored.");
+    const QLocale locale;
+    const QString awarded = locale.toString(overAward.Winners.size());
+    return overAward.NumberSupplied == 1
+               ? Translated("%1 has been awarded %2 times, but only 1 was supplied.")
+                     .arg(PrizeRows::Quoted(overAward.Title), awarded)
+               : Translated("%1 has been awarded %2 times, but only %3 were supplied.")
+                     .arg(PrizeRows::Quoted(overAward.Title), awarded, locale.toString(overAward.NumberSupplied));
+}
+
+QString PrizeAwards::WinnersInWords(DeskStation& station, const QList<PrizeRows::Winner>& winners, qint32 own)
+{
+    QStringList lines;
+    for (const PrizeRows::Winner& winner : winners) {
+        const QString by =
+            winner.Reference == own
+                ? Translated("awarded by you just now")
+                : Translated("awarded by %1").arg(PrizeRows::UserName(station, winner.AwardedByReference));
+        lines.append(QStringLiteral("%1, %2, %3")
+                         .arg(PrizeRows::NameOf(station, winner.WinnerReference),
+                              winner.WonDate.Format(QStringLiteral("d mmmm yyyy, hh:nn:ss")), by));
+    }
+    return lines.join(u'\n');
+}
+
+bool PrizeAwards::TakeBack(DeskStation& station, qint32 winner, QString& words)
+{
+    cTolvaDatabase& database = station.Database();
+    qint32 prize = 0;
+    try {
+        const bool isDone = PrizeTransaction::Run(station, [&] {
+            const cPrizeWinnerPtr stored = database.GetPrizeWinner(winner);
+            if (!stored)
+                return database.LastErrorNumber() == 0;
+            prize = stored->PrizeReference();
+            if (!database.DeletePrizeWinner(winner))
+                return false;
+            // The row may never have been counted, and took a unit off the prize all the same.
+            AwardCheck::Settle(database, prize);
+            return true;
+        });
+        if (!isDone) {
+            words = station.Words(database.LastErrorNumber(), database.LastErrorDescription());
+            return false;
+        }
+    } catch (const dao::Error& error) {
+        words = station.Words(error.Number(), error.Description());
+        return false;
+    }
+    const cPrizePtr after = database.GetPrize(prize, false);
+    if (after && database.RaiseEvents())
+        Q_EMIT database.PrizeSaved(after, true);
+    return true;
+}

@@ -1,0 +1,88 @@
+#include "BareLibraries.h"
+#include "BenchStation.h"
+#include "Measure.h"
+#include "Subjects.h"
+#include "common/ListViewObject.h"
+
+namespace
+{
+/// A list that keeps what it is given, as cheaply as a list can.
+class KeepingList : public ListViewObject
+{
+public:
+    int ColumnCount() const override { return static_cast<int>(Keys_.size()); }
+    QString ColumnKey(int column) const override { return Keys_.at(column); }
+    void ClearItems() override { Items_.clear(); }
+    bool AddListItem(const QString& key, const QStringList& texts, const QVariantList& sortValues) override
+    {
+        Items_.append({key, texts, sortValues});
+        return true;
+    }
+    qsizetype Count() const { return Items_.size(); }
+
+private:
+    struct Item
+    {
+        QString Key;
+        QStringList Texts;
+        QVariantList SortValues;
+    };
+    const QStringList Keys_{QStringLiteral("Subject"), QStringLiteral("FromKey"), QStringLiteral("FOLDER"),
+                            QStringLiteral("SENT")};
+    QList<Item> Items_;
+};
+
+/// Steps through the rows and touches each column.
+int Scan(sqlite3_stmt* statement)
+{
+    int rows = 0;
+    qint64 octets = 0;
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+        for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+            if (sqlite3_column_text(statement, column))
+                octets += sqlite3_column_bytes(statement, column);
+        }
+        ++rows;
+    }
+    sqlite3_reset(statement);
+    Require(octets > 0, "nothing was scanned");
+    return rows;
+}
+
+QByteArray Condition(const QByteArrayList& addresses)
+{
+    QByteArrayList conditions;
+    for (const QByteArray& address : addresses) {
+        for (const char* column : {"FromKey", "ToKey", "CcKey"})
+            conditions.append(QByteArray(column) + " LIKE '%|" + address + "|%'");
+    }
+    return conditions.join(" OR ");
+}
+
+void BenchContact(const std::string& name, BareDatabase& bare, cTolvaDatabase& station, const QByteArrayList& addresses,
+                  const QString& emails, const QString& phones)
+{
+    const QByteArray sql = "SELECT Reference, Subject, FromKey, Category, Sent FROM Messages WHERE " +
+                           Condition(addresses) + " ORDER BY Sent DESC";
+    sqlite3_stmt* scan = bare.Prepare(sql.constData());
+    KeepingList list;
+    int rows = 0;
+    Compare(
+        {name, "the bare scan of the same columns with LIKE", 1.5, 7, 1}, [&] { rows = Scan(scan); },
+        [&] {
+            station.FillMessagesListView(&list, emails, phones);
+            Require(list.Count() == rows && rows > 0, "the history is not the same messages");
+        });
+}
+} // namespace
+
+void BenchHistory(const QString& largeStation)
+{
+    const auto station = OpenStation(largeStation);
+    BareDatabase bare(largeStation + QStringLiteral("/Tolva.mdb"));
+    BenchContact("history of one address", bare, *station, {"listener77@example.com"},
+                 QStringLiteral("listener77@example.com"), QString());
+    BenchContact("history of two addresses, two numbers", bare, *station,
+                 {"listener77@example.com", "lt@example.org", "7700900123", "1632960123"},
+                 QStringLiteral("listener77@example.com|lt@example.org"), QStringLiteral("07700 900123|01632 960123"));
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+#include <array>
+
+/// The hours of a week in which a prize may go out, Monday first, each day in the form of cPrize::AvailableHours.
+using WeekOfHours = std::array<QString, 7>;
+
+/// A prize's hours in the words that a presenter would use.
+namespace HoursText
+{
+
+/// "at any time", "never", or days with equal hours together: "Monday to Friday 09:00 to 17:00; Saturday 06:00 to 09:00
+/// and 18:00 to midnight". Days without hours are left out; a whole day is "all day", seven equal ones are "every day".
+QString InWords(const WeekOfHours& hours);
+
+/// weekDay: 1 Monday to 7 Sunday; empty outside.
+QString DayName(int weekDay);
+/// "09:00" for 9.
+QString HourName(int hour);
+
+} // namespace HoursText

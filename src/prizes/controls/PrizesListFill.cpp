@@ -1,0 +1,219 @@
+// The query of the prizes list, its filling, and keeping it in step with what other computers change.
+
+#include "common/ClockHelper.h"
+#include "common/kvGeneral.h"
+#include "platform/records/Recordset.h"
+#include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
+#include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/OverlayPanel.h"
+#include "platform/widgets/TabStrip.h"
+#include "prizes/PrizeQuery.h"
+#include "prizes/controls/PrizesListHandler.h"
+
+#include <QApplication>
+#include <QLocale>
+#include <QScopeGuard>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace
+{
+constexpr int RowsBetweenYields = 25;
+constexpr int RowsOfABlock = 500;
+const QString AllOfTable = QStringLiteral("SELECT * FROM [Prizes] ");
+const QString NoneOfTable = QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE ([Reference]=0) ");
+} // namespace
+
+void uPrizesList::UpdateDisplay()
+{
+    if (!Ready_ || !HasDatabase() || Refreshing_)
+        return;
+    const QPointer<uPrizesList> self(this);
+    const QPointer<cTolvaDatabase> shownDatabase = clsTolvaDatabase_;
+    const enPrizeListCategory shownCategory = CurrentCategory_;
+    const auto isAbandoned = [&] { return CurrentCategory_ != shownCategory || clsTolvaDatabase_ != shownDatabase; };
+    // Not before the host knows the row: what it does then may take its time.
+    const auto restartTimer = qScopeGuard([self] {
+        if (self && !self->Refreshing_)
+            self->ApplyTimer();
+    });
+    bool isRead = false;
+    {
+        // Whatever ends this: an error, the end of the database or of the control itself.
+        const bool treeHadFocus = treeCategories_->hasFocus();
+        setCursor(Qt::WaitCursor);
+        Refreshing_ = true;
+        treeCategories_->setEnabled(false);
+        tbsPrizes_->setEnabled(false);
+        timerUpdateList_->stop();
+        // A disabled tree loses the focus to a neighbour.
+        const QPointer<QWidget> neighbour = QApplication::focusWidget();
+        const auto restore = qScopeGuard([self, treeHadFocus, neighbour] {
+            if (!self)
+                return;
+            self->tbsPrizes_->setEnabled(true);
+            self->treeCategories_->setEnabled(true);
+            if (treeHadFocus && QApplication::focusWidget() == neighbour)
+                self->treeCategories_->setFocus();
+            self->Refreshing_ = false;
+            self->unsetCursor();
+        });
+
+        int rowToRestore = grdPrizes_->Row();
+        const qint32 referenceToRestore = rowToRestore >= 1 ? SelectedReference_ : 0;
+        SelectedReference_ = 0;
+        FindText_ = comboFind_->TakeText();
+        if (!RowsFollow_) {
+            // What is stored while the rows are read may be missing in them: the stamp of before says so at the next
+            // tick.
+            const Date stampBefore = clsTolvaDatabase_->LastPrizeChanged();
+            if (const auto rows = OpenQuery()) {
+                Fill(*rows, rowToRestore, referenceToRestore);
+                isRead = true;
+            } else if (self) {
+                ShowRows(rowToRestore);
+            }
+            if (!self || !HasDatabase())
+                return;
+            LastPrizeStamp_ = stampBefore;
+        }
+        SelectRow(rowToRestore);
+    }
+    if (isAbandoned()) {
+        // Another kind or station was chosen meanwhile, so nobody wants to hear of these rows.
+        UpdateDisplay();
+        return;
+    }
+    TakeSelectionChange();
+    if (!self)
+        return;
+    SelectControlText(*comboFind_);
+    if (isRead)
+        Q_EMIT DisplayUpdated();
+}
+
+/// Null when the query cannot be opened.
+std::unique_ptr<dao::Recordset> uPrizesList::OpenQuery()
+{
+    const QString condition = PrizeQuery::Condition(CurrentCategory_, FindText_, ClockHelper::NowUTC());
+    try {
+        return clsTolvaDatabase_->OpenSnapshot(AllOfTable + condition);
+    } catch (const dao::Error& error) {
+        WriteDebugLog(QStringLiteral("uPrizesList: the list cannot be read - ") + error.Description());
+        Q_EMIT DisplayFailed(error.Number(), error.Description());
+        return nullptr;
+    }
+}
+
+void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore)
+{
+    const QPointer<uPrizesList> self(this);
+    picLoading_->SetDetail(QString());
+    picLoading_->raise();
+    picLoading_->show();
+    repaint();
+    grdPrizes_->SetRedraw(false);
+    Filling_ = true;
+    RowOfReference_.clear();
+    int filled = 0;
+    const auto finish = qScopeGuard([&] {
+        if (!self)
+            return;
+        Filling_ = false;
+        // Rows of a station that went away meanwhile are nobody's.
+        if (!HasDatabase())
+            filled = 0;
+        grdPrizes_->SetRows(filled + 1);
+        grdPrizes_->SetRedraw(true);
+        picLoading_->hide();
+        ShowRows(rowToRestore);
+    });
+    FillRows(rows, filled, rowToRestore, referenceToRestore);
+}
+
+void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore)
+{
+    const QPointer<uPrizesList> self(this);
+    const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
+    const enPrizeListCategory category = CurrentCategory_;
+    const int total = rows.RecordCount();
+    for (; !rows.AtEOF(); rows.MoveNext()) {
+        if (filled % RowsBetweenYields == 1) {
+            picLoading_->SetDetail(
+                QStringLiteral("%1 of %2").arg(QLocale().toString(filled), QLocale().toString(total)));
+            Q_EMIT FillProgress(filled, total);
+            UserInterface::Current().Yield();
+            if (!self || !HasDatabase() || clsTolvaDatabase_ != database || CurrentCategory_ != category)
+                return;
+        }
+        const cPrizePtr prize = clsTolvaDatabase_->GetPrize(rows.Collect(QStringLiteral("Reference")).toInt(), false);
+        if (!prize)
+            continue;
+        ++filled;
+        if (filled + 1 > grdPrizes_->Rows())
+            grdPrizes_->SetRows(grdPrizes_->Rows() + RowsOfABlock);
+        DisplayPrize(filled, prize);
+        if (referenceToRestore >= 1 && prize->Reference() == referenceToRestore)
+            rowToRestore = filled;
+    }
+}
+
+/// Brings the grid, or the words that there is nothing in it, to the front, and keeps the row to restore within it.
+void uPrizesList::ShowRows(int& rowToRestore)
+{
+    grdPrizes_->raise();
+    const bool isEmpty = grdPrizes_->Rows() < 2;
+    picNoPrizes_->setVisible(isEmpty);
+    if (isEmpty)
+        picNoPrizes_->raise();
+    if (rowToRestore < 2)
+        rowToRestore = 1;
+    if (rowToRestore >= grdPrizes_->Rows())
+        rowToRestore = grdPrizes_->Rows() - 1;
+}
+
+bool uPrizesList::RefreshDisplay(qint32 prizeReference)
+{
+    if (!clsTolvaDatabase_)
+        return false;
+    int first = 1;
+    int last = grdPrizes_->Rows() - 1;
+    if (prizeReference >= 1) {
+        first = last = RowOfReference_.value(prizeReference);
+        if (first < 1 || first >= grdPrizes_->Rows())
+            return false;
+    }
+    {
+        // A row that is drawn again becomes no other selection.
+        const bool wasRefreshing = std::exchange(Refreshing_, true);
+        const int row = grdPrizes_->Row();
+        const bool redraw = grdPrizes_->Redraw();
+        grdPrizes_->SetRedraw(false);
+        const auto restore = qScopeGuard([&] {
+            SelectRow(row);
+            grdPrizes_->SetRedraw(redraw);
+            Refreshing_ = wasRefreshing;
+        });
+        for (int i = first; i <= last; ++i)
+            DisplayPrize(i, clsTolvaDatabase_->GetPrize(ReferenceOfRow(i), false));
+    }
+    LastPrizeStamp_ = clsTolvaDatabase_->LastPrizeChanged();
+    return true;
+}
+
+void uPrizesList::Tick()
+{
+    // A fill would take half a find text and select it under the typing hand. It comes with the tick behind.
+    if (!HasDatabase() || comboFind_->IsBeingTyped())
+        return;
+    const Date stamp = clsTolvaDatabase_->LastPrizeChanged();
+    if (stamp.IsNone()) {
+        // No stamp, or no answer: a station that cannot be reached must say so rather than be written to.
+        clsTolvaDatabase_->OpenSnapshot(NoneOfTable);
+        clsTolvaDatabase_->SetLastPrizeChanged(ClockHelper::CurrentTime());
+    }
+    if (stamp.IsNone() || stamp != LastPrizeStamp_)
+        UpdateDisplay();
+}

@@ -1,0 +1,104 @@
+// The rows of the prizes list: what a prize looks like in the grid.
+
+#include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/SystemColour.h"
+#include "platform/widgets/Twips.h"
+#include "prizes/RelativeTime.h"
+#include "prizes/controls/PrizesListNames.h"
+#include "prizes/controls/uPrizesList.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr double GridMargin = 90;
+constexpr double RowMargin = 90;
+} // namespace
+
+void uPrizesList::MakeGridHeader()
+{
+    grdPrizes_->SetRedraw(false);
+    grdPrizes_->SetRows(1);
+    grdPrizes_->SetCols(columnCount);
+    grdPrizes_->SetTextMatrix(0, colReference, QStringLiteral("Reference"));
+    grdPrizes_->SetTextMatrix(0, colTitle, QStringLiteral("Title"));
+    for (int column = 0; column < columnCount; ++column)
+        grdPrizes_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
+    grdPrizes_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    grdPrizes_->SetRedraw(true);
+}
+
+void uPrizesList::SizeColumns()
+{
+    if (grdPrizes_->Cols() < columnCount)
+        return;
+    const double width = Twips::FromPixels(*grdPrizes_, grdPrizes_->width());
+    grdPrizes_->SetColWidth(colReference, 0);
+    grdPrizes_->SetColWidth(colTitle, std::max(0.0, width - GridMargin));
+}
+
+/// One line for the heading, one or two such lines for each prize.
+void uPrizesList::SetGridRowHeights()
+{
+    const double line = Twips::FromPixels(*grdPrizes_, grdPrizes_->fontMetrics().lineSpacing()) + RowMargin;
+    grdPrizes_->SetRowHeight(0, line);
+    grdPrizes_->SetDefaultRowHeight(DoubleHeightRows_ ? 2 * grdPrizes_->RowHeight(0) : grdPrizes_->RowHeight(0));
+}
+
+qint32 uPrizesList::ReferenceOfRow(int row) const
+{
+    return grdPrizes_->TextMatrix(row, colReference).toInt();
+}
+
+void uPrizesList::DisplayPrize(int row, const cPrizePtr& prize)
+{
+    if (row < 1 || row > grdPrizes_->Rows() - 1 || !prize)
+        return;
+    grdPrizes_->SetRow(row);
+    grdPrizes_->SetTextMatrix(row, colReference, QString::number(prize->Reference()));
+    RowOfReference_.insert(prize->Reference(), row);
+    QString text = prize->Title().trimmed();
+    if (DoubleHeightRows_)
+        text += QLatin1Char('\r') + SecondLine(*prize);
+    grdPrizes_->SetTextMatrix(row, colTitle, text);
+    grdPrizes_->SetCellBackColour(row, colTitle, colTitle, SystemColour::WindowBackground);
+    grdPrizes_->SetCellForeColour(row, colTitle, colTitle, SystemColour::WindowText);
+}
+
+QString uPrizesList::SecondLine(const cPrize& prize) const
+{
+    const qint64 supplied = prize.NumberSupplied();
+    const qint64 won = prize.NumberWinners();
+    switch (CurrentCategory_) {
+    case plcAvailable:
+    case plcAllAvailable:
+        return won < supplied ? QStringLiteral("(%1 Available)").arg(supplied - won) : QString();
+    case plcRecentlyWonPrizes:
+        return TolvaControlsFN::RelativeTimeText(prize.LastWonDate());
+    default:
+        return won >= supplied ? QStringLiteral("(All Prizes - %1 - Won)").arg(supplied)
+                               : QStringLiteral("(%1 of %2 Won)").arg(won).arg(supplied);
+    }
+}
+
+/// Makes a row current; the selection-change handler tells the host unless the list is being refreshed.
+void uPrizesList::SelectRow(int row)
+{
+    grdPrizes_->SetRow(row);
+    grdPrizes_->SetCol(colTitle);
+}
+
+void uPrizesList::TakeSelectionChange()
+{
+    if (Refreshing_)
+        return;
+    const int row = grdPrizes_->Row();
+    if (row < 1) {
+        SelectedReference_ = 0;
+        Q_EMIT PrizeSelected(nullptr);
+        return;
+    }
+    SelectedReference_ = ReferenceOfRow(row);
+    if (const cPrizePtr prize = SelectedPrize(true))
+        Q_EMIT PrizeSelected(prize);
+}
