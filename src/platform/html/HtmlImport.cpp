@@ -25,6 +25,11 @@ const GumboVector* ChildrenOf(const GumboNode* node)
     return node->type == GUMBO_NODE_DOCUMENT ? &node->v.document.children : nullptr;
 }
 
+bool IsText(const GumboNode* node)
+{
+    return node->type == GUMBO_NODE_TEXT || node->type == GUMBO_NODE_WHITESPACE || node->type == GUMBO_NODE_CDATA;
+}
+
 /// The name as the page gives it, for elements that the parser has no number for.
 QString WrittenName(const GumboStringPiece& tag)
 {
@@ -98,6 +103,8 @@ bool HtmlImport::Walk(const GumboInternalNode* source, HtmlNode* target)
             continue;
         }
         const auto* child = static_cast<const GumboNode*>(frame.Children->data[frame.Next++]);
+        if (JoinsText(child, frame.Target->Last))
+            continue;
         HtmlNode* node = Node(child);
         HtmlNodes::Put(node, frame.Target, nullptr);
         if (Left_ < 0)
@@ -106,6 +113,17 @@ bool HtmlImport::Walk(const GumboInternalNode* source, HtmlNode* target)
         if (children != nullptr && children->length > 0)
             stack.push_back({children, 0, node});
     }
+    return true;
+}
+
+/// Two texts side by side are one; the parser keeps those apart that it moved out of a table.
+bool HtmlImport::JoinsText(const GumboInternalNode* source, HtmlNode* previous)
+{
+    if (previous == nullptr || previous->Kind != HtmlNodeKind::Text || !IsText(source))
+        return false;
+    const QString text = QString::fromUtf8(source->v.text.text);
+    previous->Text += text;
+    Left_ -= text.size();
     return true;
 }
 

@@ -17,6 +17,7 @@ public:
 
 private:
     bool Walk(const GumboInternalNode* source, HtmlNode* target);
+    bool JoinsText(const GumboInternalNode* source, HtmlNode* previous);
     HtmlNode* Node(const GumboInternalNode* source);
     void SetElement(const GumboInternalNode* source, HtmlNode* node);
     void SetDocumentType(const GumboInternalNode* source, HtmlNode* document);
