@@ -60,12 +60,15 @@ void MessageWindow::MakeActions()
                        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
     QAction* forward = add("forward", QStringLiteral("forward"), tr("&Forward"), QKeySequence(Qt::CTRL | Qt::Key_L));
     menu->addSeparator();
+    QAction* print = add("printMessage", QStringLiteral("print"), tr("&Print..."), QKeySequence(Qt::CTRL | Qt::Key_P));
+    menu->addSeparator();
     QAction* close = add("closeMessage", QString(), tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W));
     close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)});
     bar->addActions({reply, all, forward});
     connect(reply, &QAction::triggered, this, [this] { Q_EMIT ReplyWanted(Message_); });
     connect(all, &QAction::triggered, this, [this] { Q_EMIT ReplyToAllWanted(Message_); });
     connect(forward, &QAction::triggered, this, [this] { Q_EMIT ForwardWanted(Message_); });
+    connect(print, &QAction::triggered, this, [this] { Q_EMIT PrintWanted(Message_); });
     connect(close, &QAction::triggered, this, &QWidget::close);
 }
 

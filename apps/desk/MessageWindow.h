@@ -27,6 +27,7 @@ Q_SIGNALS:
     void ReplyWanted(const cMessagePtr& message);
     void ReplyToAllWanted(const cMessagePtr& message);
     void ForwardWanted(const cMessagePtr& message);
+    void PrintWanted(const cMessagePtr& message);
     void WasRead(qint32 reference);
 
 private:

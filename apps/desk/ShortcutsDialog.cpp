@@ -25,6 +25,8 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         {QStringLiteral("Ctrl+S"), tr("While writing: save the draft")},
         {QStringLiteral("Ctrl+Shift+A"), tr("While writing: attach a file")},
         {QStringLiteral("Ctrl+W"), tr("Close a message's window")},
+        {QStringLiteral("Ctrl+P"), tr("Print the selected message")},
+        {QStringLiteral("Ctrl+Shift+P"), tr("Print all messages on show")},
         {QStringLiteral("Ctrl+O"), tr("Open another station")},
         {QStringLiteral("Ctrl+Q"), tr("Quit")},
     };
