@@ -53,7 +53,7 @@ bool IsSelector(const QString& text)
     return pattern.match(text).hasMatch();
 }
 
-/// Behind the bracket that closes the one at the position.
+/// Behind the bracket that closes the one at the position; -1 when none does.
 qsizetype BehindBlock(const QString& sheet, qsizetype open)
 {
     int depth = 0;
@@ -62,7 +62,7 @@ qsizetype BehindBlock(const QString& sheet, qsizetype open)
         if (depth == 0)
             return i + 1;
     }
-    return sheet.size();
+    return -1;
 }
 
 QString Rules(const QString& sheet, int depth)
@@ -84,7 +84,9 @@ QString Rules(const QString& sheet, int depth)
             continue;
         }
         position = BehindBlock(sheet, open);
-        const QString block = sheet.sliced(open + 1, qMax<qsizetype>(position - open - 2, 0));
+        if (position < 0)
+            return result;
+        const QString block = sheet.sliced(open + 1, position - open - 2);
         if (media.match(prelude).hasMatch() && depth < DeepestMedia)
             result += prelude + QStringLiteral(" {\n") + Rules(block, depth + 1) + QStringLiteral("}\n");
         else if (!block.contains(u'{') && (page.match(prelude).hasMatch() || IsSelector(prelude)))
