@@ -43,12 +43,12 @@ Table MakeTable()
         {"audio", "canvas", "embed", "iframe", "img", "input", "textarea", "video", "progress", "meter", "applet"});
     Add(&table, HtmlTrait::Box, {"button", "marquee"});
     Add(&table, HtmlTrait::Block,
-        {"address",    "article", "aside",   "blockquote", "body",  "caption",  "center",   "dd",
-         "details",    "dialog",  "dir",     "div",        "dl",    "dt",       "fieldset", "figure",
-         "figcaption", "footer",  "form",    "frameset",   "h1",    "h2",       "h3",       "h4",
-         "h5",         "h6",      "header",  "hgroup",     "hr",    "html",     "legend",   "li",
-         "listing",    "main",    "menu",    "nav",        "ol",    "optgroup", "option",   "p",
-         "plaintext",  "pre",     "section", "summary",    "table", "ul",       "xmp"});
+        {"address", "article", "aside",    "blockquote", "body",     "caption",  "center", "dd",
+         "details", "dir",     "div",      "dl",         "dt",       "fieldset", "figure", "figcaption",
+         "footer",  "form",    "frameset", "h1",         "h2",       "h3",       "h4",     "h5",
+         "h6",      "header",  "hgroup",   "hr",         "html",     "legend",   "li",     "listing",
+         "main",    "menu",    "nav",      "ol",         "optgroup", "option",   "p",      "plaintext",
+         "pre",     "section", "summary",  "table",      "ul",       "xmp"});
     Add(&table, HtmlTrait::Paragraph, {"p"});
     Add(&table, HtmlTrait::Table, {"table"});
     Add(&table, HtmlTrait::RowGroup, {"tbody", "thead", "tfoot"});
@@ -59,7 +59,6 @@ Table MakeTable()
     Add(&table, HtmlTrait::ChoiceGroup, {"optgroup"});
     Add(&table, HtmlTrait::Option, {"option"});
     Add(&table, HtmlTrait::Template, {"template"});
-    Add(&table, HtmlTrait::NeedsOpen, {"dialog"});
     return table;
 }
 
@@ -78,6 +77,13 @@ const QString& HtmlElements::NameOf(GumboTag tag)
 HtmlTraits HtmlElements::TraitsOf(GumboTag tag)
 {
     return Elements()[static_cast<std::size_t>(tag)].Traits;
+}
+
+HtmlTraits HtmlElements::TraitsOf(const QString& name)
+{
+    if (name == QLatin1String("dialog"))
+        return HtmlTrait::Block | HtmlTrait::NeedsOpen;
+    return name == QLatin1String("search") ? HtmlTraits(HtmlTrait::Block) : HtmlTraits();
 }
 
 HtmlTraits HtmlElements::ForeignTraitsOf(const QString& name)

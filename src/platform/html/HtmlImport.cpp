@@ -148,8 +148,9 @@ void HtmlImport::SetElement(const GumboInternalNode* source, HtmlNode* node)
     if (written.data != nullptr && written.length > 0)
         gumbo_tag_from_original_text(&written);
     if (element.tag_namespace == GUMBO_NAMESPACE_HTML) {
-        node->Traits = element.tag == GUMBO_TAG_UNKNOWN ? HtmlTraits() : HtmlElements::TraitsOf(element.tag);
-        node->Name = element.tag == GUMBO_TAG_UNKNOWN ? WrittenName(written) : HtmlElements::NameOf(element.tag);
+        const bool isKnown = element.tag != GUMBO_TAG_UNKNOWN;
+        node->Name = isKnown ? HtmlElements::NameOf(element.tag) : WrittenName(written);
+        node->Traits = isKnown ? HtmlElements::TraitsOf(element.tag) : HtmlElements::TraitsOf(node->Name);
     } else {
         node->Namespace = element.tag_namespace == GUMBO_NAMESPACE_SVG ? HtmlNamespace::Svg : HtmlNamespace::MathML;
         const char* name = node->Namespace == HtmlNamespace::Svg ? gumbo_normalize_svg_tagname(&written) : nullptr;
