@@ -19,6 +19,7 @@
 #include "platform/widgets/TabStrip.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
+#include "printing/PrintDialog.h"
 
 #include <QAction>
 #include <QApplication>
@@ -49,10 +50,18 @@ QString TimeNow()
     return ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
 }
 
-/// A query of the list without its order.
+const QString OrderClause = QStringLiteral(" ORDER BY ");
+
+/// A query of the list without its order, and its order alone.
 QString ConditionOf(const QString& query)
 {
-    return query.left(query.lastIndexOf(QStringLiteral(" ORDER BY "))).trimmed();
+    return query.left(query.lastIndexOf(OrderClause)).trimmed();
+}
+
+QString OrderOf(const QString& query)
+{
+    const qsizetype order = query.lastIndexOf(OrderClause);
+    return order < 0 ? QString() : query.mid(order + OrderClause.size()).trimmed();
 }
 } // namespace
 
@@ -113,8 +122,6 @@ void MainWindow::MakeParts()
     List_ = new uMessagesList(this);
     List_->setObjectName(QStringLiteral("list"));
     List_->SetAutoUpdateInterval(ListInterval);
-    // There is no printing of messages yet; an entry that does nothing helps nobody.
-    List_->SetPrintVisible(false);
     AddTabs();
     Preview_ = new PreviewPane(this);
     Splitter_ = new QSplitter(Qt::Horizontal, this);
@@ -181,8 +188,10 @@ void MainWindow::AddTabs()
 
 void MainWindow::ConnectList()
 {
-    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this,
-            [this](const QString& query) { ListCondition_ = ConditionOf(query); });
+    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this, [this](const QString& query) {
+        ListCondition_ = ConditionOf(query);
+        ListOrder_ = OrderOf(query);
+    });
     // Emptying a folder works on the table alone; other desks are to see it.
     connect(List_->CategoryMenu()->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
             [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
@@ -191,6 +200,9 @@ void MainWindow::ConnectList()
             [this](const cMessagePtr& message) { Run([&] { TakeNewMessage(message); }); });
     connect(List_, &uMessagesList::OpenMessage, this,
             [this](const cMessagePtr& message) { Run([&] { TakeOpenMessage(message); }); });
+    connect(List_, &uMessagesList::PrintMessage, this, [this](const cMessagePtr& message) {
+        PrintMessages({{message->Reference()}, nullptr});
+    });
     connect(List_, &uMessagesList::DisplayUpdated, this, &MainWindow::TakeUpdate);
     connect(List_, &uMessagesList::ImportRefused, this, [this](const QString& file) {
         statusBar()->showMessage(tr("%1 holds no mail that could be filed.").arg(file), MessageMilliseconds);
@@ -338,6 +350,9 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
             [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Reply(*original, writer())); }); });
     connect(window, &MessageWindow::ReplyToAllWanted, this, [=, this](const cMessagePtr& original) {
         Run([&] { Compose(Composing::ReplyToAll(*original, writer())); });
+    });
+    connect(window, &MessageWindow::PrintWanted, this, [this, window](const cMessagePtr& original) {
+        PrintMessages({{}, original}, window);
     });
     connect(window, &MessageWindow::ForwardWanted, this,
             [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Forward(*original)); }); });

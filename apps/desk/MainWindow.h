@@ -26,6 +26,7 @@ class QMenu;
 class QSplitter;
 class QToolBar;
 class uMessagesList;
+struct PrintJob;
 
 /// The desk: folders, messages and the message that is selected, over one open station. It owns the station and the
 /// windows that work on it, and closes only when they do. The settings outlive it.
@@ -125,6 +126,11 @@ private:
     void CheckFile();
     void CompactFile();
     void PrintLabels();
+    // Printing messages, in printing/MainWindowPrinting.cpp.
+    void MakePrintActions(QMenu* menu);
+    void PrintMessages(PrintJob job, QWidget* over = nullptr);
+    void PrintSelected();
+    void PrintList();
     /// Closes every window and the file, lets the work replace it, and opens it again. Nothing when something that is
     /// being written wants to stay, or the work failed, which is said.
     std::optional<StationReplacing::Result> ReplaceFile(const std::function<StationReplacing::Result()>& work);
@@ -149,6 +155,7 @@ private:
     QTimer FitTimer_;
     int FittedWidth_ = 0;
     QString ListCondition_; ///< Of the rows on show.
+    QString ListOrder_;
     bool MustReopen_ = false;
     QList<QPointer<QMainWindow>> Windows_;
 };

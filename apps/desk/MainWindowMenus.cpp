@@ -67,6 +67,8 @@ void MainWindow::MakeFileMenu()
     auto* recent = menu->addMenu(tr("&Recent stations"));
     recent->setObjectName(QStringLiteral("recentStations"));
     menu->addSeparator();
+    MakePrintActions(menu);
+    menu->addSeparator();
     QAction* users = AddAction(menu, "users", QStringLiteral("users"), tr("&Users..."));
     menu->addSeparator();
     QAction* quit = AddAction(menu, "quit", QString(), tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -122,6 +124,7 @@ void MainWindow::MakeMessageMenu()
     menu->addAction(Prizes_->MakeAwardToSenderAction());
     ShowKey(*menu, "mnuReplyMessage", replyKey);
     ShowKey(*menu, "mnuForwardMessage", forwardKey);
+    ShowKey(*menu, "mnuPrint", QKeySequence(Qt::CTRL | Qt::Key_P));
     ShowKey(*menu, "mnuMessageNewMessage", QKeySequence(Qt::CTRL | Qt::Key_N));
 }
 

@@ -20,6 +20,7 @@
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
+#include "printing/PrintDialog.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -295,6 +296,7 @@ private:
         ShortcutsDialog shortcuts(&Window());
         show(shortcuts, "shortcuts");
         Keeping();
+        Printing();
     }
 
     /// What the technician does with the station's file, and labels; light, dark and large.
@@ -330,6 +332,36 @@ private:
         showAll("backups-200", "check-200", "labels-200", 2);
         Appearance::Apply(QStringLiteral("dark"));
         showAll("backups-dark", "check-dark", "labels-dark", 1);
+        Appearance::Apply(QStringLiteral("light"));
+    }
+
+    /// The print window, of one message and of all on show; light, dark and large.
+    void Printing()
+    {
+        const auto show = [this](const PrintJob& job, const QString& pageTemplate, const char* name, int ratio) {
+            PrintDialog dialog(Window().Station(), Settings_, job, &Window());
+            dialog.show();
+            auto& templates = *dialog.findChild<QComboBox*>(QStringLiteral("template"));
+            templates.setCurrentIndex(templates.findText(pageTemplate));
+            Wait([&dialog] { return dialog.IsLaidOut(); });
+            Save(dialog, name, ratio);
+            dialog.close();
+        };
+        PrintJob all;
+        const auto rows = Window().Station().Database().OpenMessageRows({QStringLiteral("Reference")},
+                                                                        QStringLiteral("[Category]=%1").arg(tmcInbox),
+                                                                        QStringLiteral("[Sent] DESC"));
+        for (; !rows->AtEOF(); rows->MoveNext())
+            all.References.append(rows->Collect(QStringLiteral("Reference")).toInt());
+        if (all.References.isEmpty())
+            return;
+        const PrintJob one{{all.References.first()}, nullptr};
+        const QString single = QStringLiteral("Single message");
+        show(one, single, "print", 1);
+        show(all, QStringLiteral("List"), "print-list", 1);
+        show(all, QStringLiteral("Studio list"), "print-200", 2);
+        Appearance::Apply(QStringLiteral("dark"));
+        show(one, single, "print-dark", 1);
         Appearance::Apply(QStringLiteral("light"));
     }
 

@@ -29,6 +29,8 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         {QStringLiteral("Ctrl+S"), tr("While writing: save the draft; in a prize's or winner's window: save")},
         {QStringLiteral("Ctrl+Shift+A"), tr("While writing: attach a file")},
         {QStringLiteral("Ctrl+W"), tr("Close the window of a message, prize or winner")},
+        {QStringLiteral("Ctrl+P"), tr("Print the selected message")},
+        {QStringLiteral("Ctrl+Alt+P"), tr("Print all messages on show")},
         {QStringLiteral("Ctrl+O"), tr("Open another station")},
         {QStringLiteral("Ctrl+Q"), tr("Quit")},
     };

@@ -10,7 +10,10 @@ constexpr int OptionColumn = 24;
 
 QCommandLineOption ToOption(const OptionDefinition& definition)
 {
-    return QCommandLineOption(definition.Name, definition.Description, definition.ValueName);
+    QStringList names(definition.Name);
+    if (!definition.ShortName.isEmpty())
+        names.append(definition.ShortName);
+    return QCommandLineOption(names, definition.Description, definition.ValueName);
 }
 
 Failure UsageFailure(const CommandDefinition& command, const QString& words)

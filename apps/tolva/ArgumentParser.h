@@ -12,6 +12,7 @@ struct OptionDefinition
     QString Name;
     QString ValueName;
     QString Description;
+    QString ShortName = {}; ///< Another name of one letter.
 };
 
 /// The words and options that a command was started with.

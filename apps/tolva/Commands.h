@@ -8,6 +8,7 @@ CommandDefinition FileCommand();
 CommandDefinition ListCommand();
 CommandDefinition ShowCommand();
 CommandDefinition ExportCommand();
+CommandDefinition PrintCommand();
 CommandDefinition MoveCommand();
 CommandDefinition CopyCommand();
 CommandDefinition DeleteCommand();

@@ -17,6 +17,14 @@ enum enMsgFlags : qint32
     mfAutomatic = 4
 };
 
+/// How ProcessHTMLTags fills a page; a set of bits.
+enum eMsgProcessHTMLTags : qint32
+{
+    mphUnreadBodyBold = 1,
+    mphSendPendingBodyItalic = 2,
+    mphPrintMessagePerPage = 4096 ///< cMessages alone: a page break between messages.
+};
+
 /// The fixed folders. User folders have higher numbers, so a variable of this type may hold others.
 enum enTolvaMessageCategories : qint32
 {

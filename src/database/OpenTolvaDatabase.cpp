@@ -84,7 +84,7 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& location, const QString&
     settings->Close();
     if (Information_.Version < StructureVersion)
         WriteStructureVersion();
-    RefreshHTMLTemplates();
+    RefreshHTMLTemplates(location);
 
     WriteDebugLog(QStringLiteral("Reading Database Settings"));
     const bool isReady = InsistOnStationDetails(ReadDatabaseSettings());
@@ -219,10 +219,4 @@ void cTolvaDatabase::WriteLastAccess()
                                                                           .arg(TOLVA_VERSION_REVISION));
         recordset->Update();
     });
-}
-
-/// There are none yet.
-void cTolvaDatabase::RefreshHTMLTemplates()
-{
-    WriteDebugLog(QStringLiteral("No HTML templates to refresh"), 5);
 }

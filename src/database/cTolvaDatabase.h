@@ -253,9 +253,11 @@ public:
 
     /// The folder; empty on a closed object.
     QString HTMLTemplatesLocation() const;
-    /// The references of the templates of a prefix (all of them for an empty one), in listing order. Empty for none.
+    /// The references of the templates of a prefix (all of them, prefixes included, for an empty one), by name. Empty
+    /// for none. Like the file's name below without regard to case.
     QStringList GetHTMLTemplateReferences(const QString& prefix) const;
-    /// The file's whole name, whether there is such a file or not; empty on a closed object.
+    /// The file's whole name, whether there is such a file or not. Empty on a closed object, and for what cannot be the
+    /// name of a file in that folder: one with a path separator, a colon or a control character.
     QString GetHTMLTemplateFileName(const QString& prefix, const QString& reference) const;
 
 Q_SIGNALS:
@@ -276,7 +278,7 @@ private:
     void OpenWithLockingMode(const QString& fileName, PendingError& pending);
     void AskForStationName(PendingError& pending);
     void WriteStructureVersion();
-    void RefreshHTMLTemplates();
+    void RefreshHTMLTemplates(const QString& location); // in HTMLTemplates.cpp
     bool InsistOnStationDetails(bool settingsRead);
     void WriteLastAccess();
 

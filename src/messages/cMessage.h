@@ -83,6 +83,10 @@ public:
     enMsgType MessageType() const { return MessageType_; }
     void SetMessageType(enMsgType type);
 
+    /// The template filled from this message: every tag of docs/templates.md replaced by its value. flags:
+    /// eMsgProcessHTMLTags, added up.
+    QString ProcessHTMLTags(const QString& strTemplate, qint32 flags = 0) const;
+
     /// A new unsaved message with the same properties and the same mail.
     cMessagePtr Copy() const;
 

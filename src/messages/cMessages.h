@@ -20,6 +20,14 @@ public:
     bool Remove(qint16 index);
     void Clear() { Messages_.clear(); }
 
+    /// The template filled from all messages: what stands between the repeat tags once for each, or, without such tags,
+    /// one page that holds a filled copy for each. flags: eMsgProcessHTMLTags, added up. Shows the busy pointer.
+    QString ProcessHTMLTags(const QString& strTemplate, qint32 flags = 0) const;
+
 private:
+    QString ExpandRepeats(const QString& strTemplate, qint32 flags) const;
+    QString RepeatedBlock(const QString& block, qint32 flags) const;
+    QString JoinedPages(const QString& strTemplate, qint32 flags) const;
+
     std::vector<cMessagePtr> Messages_;
 };

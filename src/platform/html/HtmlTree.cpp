@@ -15,6 +15,18 @@ constexpr int BaseMilliseconds = 1000;
 /// An ordinary page takes about a third of this.
 constexpr int MillisecondsPerMegabyte = 250;
 constexpr int CallsBetweenClocks = 64;
+
+GumboNamespaceEnum GumboNamespace(HtmlNamespace space)
+{
+    switch (space) {
+    case HtmlNamespace::Svg:
+        return GUMBO_NAMESPACE_SVG;
+    case HtmlNamespace::MathML:
+        return GUMBO_NAMESPACE_MATHML;
+    default:
+        return GUMBO_NAMESPACE_HTML;
+    }
+}
 } // namespace
 
 /// All memory of one parse, given back in one go, which also makes it possible to leave the parser in the middle. It
@@ -31,9 +43,11 @@ public:
     Arena(const Arena&) = delete;
     Arena& operator=(const Arena&) = delete;
 
-    const GumboNode* Parse(const QByteArray& page)
+    const GumboNode* Parse(const QByteArray& page, GumboTag context, GumboNamespaceEnum contextNamespace)
     {
         GumboOptions options = kGumboDefaultOptions;
+        options.fragment_context = context;
+        options.fragment_namespace = contextNamespace;
         options.allocator = [](void* arena, size_t size) { return static_cast<Arena*>(arena)->Allocate(size); };
         options.deallocator = [](void*, void*) {};
         options.userdata = this;
@@ -82,8 +96,30 @@ private:
 };
 
 HtmlTree::HtmlTree(const QByteArray& page)
-    : Page_(page), Arena_(std::make_unique<Arena>(page.size())), Root_(Arena_->Parse(Page_))
+    : Page_(page),
+      Arena_(std::make_unique<Arena>(page.size())),
+      Root_(Arena_->Parse(Page_, GUMBO_TAG_LAST, GUMBO_NAMESPACE_HTML))
 {
+}
+
+HtmlTree::HtmlTree(const QByteArray& fragment, const QByteArray& contextName, HtmlNamespace contextNamespace)
+    : Page_(fragment),
+      Arena_(std::make_unique<Arena>(fragment.size())),
+      Root_(Arena_->Parse(Page_, gumbo_tag_enum(contextName.constData()), GumboNamespace(contextNamespace)))
+{
+}
+
+const GumboInternalNode* HtmlTree::HtmlElementNode() const
+{
+    if (Root_ == nullptr)
+        return nullptr;
+    const GumboVector& children = Root_->v.document.children;
+    for (unsigned i = 0; i < children.length; ++i) {
+        const auto* child = static_cast<const GumboNode*>(children.data[i]);
+        if (child->type == GUMBO_NODE_ELEMENT)
+            return child;
+    }
+    return nullptr;
 }
 
 HtmlTree::~HtmlTree() = default;

@@ -1,11 +1,18 @@
 #include "core/support/StationTest.h"
 
+#include "common/LibraryFolder.h"
 #include "platform/records/DBEngine.h"
 
 StationTest::StationTest() : Station(std::make_unique<cTolvaDatabase>())
 {
     Station->SetDirectoryDatabase(&Directory);
     Station->SetMakesAutomaticBackups(false);
+    LibraryFolder::SetCurrent(Folder.path());
+}
+
+StationTest::~StationTest()
+{
+    LibraryFolder::SetCurrent(QString());
 }
 
 MessageBoxRequest StationDetailsBox()

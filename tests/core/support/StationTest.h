@@ -64,12 +64,13 @@ public:
     clsKVUser* SignedIn = &User;
 };
 
-/// A station in a folder of its own, with a scripted user, a clock that stands still, an empty registry and a directory
-/// whose user may do everything.
+/// A station in a folder of its own, with a scripted user, a clock that stands still, an empty registry, no installed
+/// page templates and a directory whose user may do everything.
 class StationTest : public testing::Test
 {
 protected:
     StationTest();
+    ~StationTest() override;
 
     QString FileName() const { return Folder.filePath(QStringLiteral("Tolva.mdb")); }
     /// Opens the station, made on the first call, with everything filled in. The user log is empty afterwards.

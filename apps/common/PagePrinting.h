@@ -1,0 +1,60 @@
+#pragma once
+
+#include "messages/cMessages.h"
+#include "platform/html/SafeDocument.h"
+
+#include <QStringList>
+
+class cTolvaDatabase;
+
+/// Messages on pages: a template of the station filled from them, made safe for a browser and a printer.
+namespace PagePrinting
+{
+
+/// One template of the station. Its name is that of its file without ".htm": "Message-Single message".
+struct PageTemplate
+{
+    QString Name;
+    QString Title; ///< As people read it: "Single message".
+    QString Text;
+};
+
+/// The names of the station's templates for messages: those of one message, then those of lists.
+QStringList TemplateNames(const cTolvaDatabase& database);
+QString TitleOf(const QString& name);
+/// The template of that name or title in any case, or in the file of that path. Failure that names those there are
+/// (data), and for one that cannot be read (no input).
+PageTemplate FindTemplate(const cTolvaDatabase& database, const QString& nameOrPath);
+
+struct PageOptions
+{
+    bool UnreadIsBold = false;
+    bool PendingIsItalic = false;
+    /// Each message begins a page; of no effect on a template with a list of its own, which says itself where pages
+    /// begin.
+    bool PageEach = false;
+};
+
+/// Messages in their order, each as it may be printed. Preparing one reads and rewrites its mail, so that a caller with
+/// many shows its progress between them.
+class PreparedMessages
+{
+public:
+    /// False when there are more than a page can take (32,767). The message itself is left as it is.
+    bool Add(const cMessagePtr& message);
+    int Count() const { return Messages_.Count(); }
+    /// How many of them have pictures or the like elsewhere, which were left out.
+    int CountWithheld() const { return CountWithheld_; }
+
+    /// The page of a template. The messages may be used again.
+    SafeDocument Fill(const PageTemplate& pageTemplate, const PageOptions& options);
+
+private:
+    cMessages Messages_;
+    int CountWithheld_ = 0;
+};
+
+/// "Pictures of 2 messages would have been fetched from elsewhere and were left out."; empty for none.
+QString WithheldWords(int messages);
+
+} // namespace PagePrinting

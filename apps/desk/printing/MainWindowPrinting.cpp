@@ -1,0 +1,70 @@
+// Printing messages from the desk's main window.
+
+#include "DeskSettings.h"
+#include "MainWindow.h"
+#include "common/UserInterface.h"
+#include "messageslist/uMessagesList.h"
+#include "printing/PrintDialog.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QStatusBar>
+
+namespace
+{
+constexpr int MessageMilliseconds = 8000;
+} // namespace
+
+void MainWindow::MakePrintActions(QMenu* menu)
+{
+    QAction* message = AddAction(menu, "printMessage", QStringLiteral("print"), tr("&Print message..."),
+                                 QKeySequence(Qt::CTRL | Qt::Key_P));
+    QAction* list = AddAction(menu, "printList", QString(), tr("Print all messages on &show..."),
+                              QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_P));
+    connect(message, &QAction::triggered, this, &MainWindow::PrintSelected);
+    connect(list, &QAction::triggered, this, &MainWindow::PrintList);
+    connect(menu, &QMenu::aboutToShow, this, [this, message, list] {
+        message->setEnabled(List_->SelectedReference() != 0);
+        list->setEnabled(List_->NumberItems() > 0);
+    });
+    // The keys work whatever the menu said when it was open last.
+    connect(menu, &QMenu::aboutToHide, this, [message, list] {
+        message->setEnabled(true);
+        list->setEnabled(true);
+    });
+}
+
+void MainWindow::PrintMessages(PrintJob job, QWidget* over)
+{
+    Run([&] {
+        PrintDialog dialog(*Station_, Settings_, std::move(job), over ? over : this);
+        dialog.exec();
+    });
+}
+
+void MainWindow::PrintSelected()
+{
+    if (List_->SelectedReference() == 0) {
+        statusBar()->showMessage(tr("Select the message to print first."), MessageMilliseconds);
+        return;
+    }
+    PrintMessages({{List_->SelectedReference()}, nullptr});
+}
+
+/// Those that the list's query finds now, in the list's order.
+void MainWindow::PrintList()
+{
+    PrintJob job;
+    Run([&] {
+        const BusyPointer busy;
+        const auto rows =
+            Station_->Database().OpenMessageRows({QStringLiteral("Reference")}, ListCondition_, ListOrder_);
+        for (; !rows->AtEOF(); rows->MoveNext())
+            job.References.append(rows->Collect(QStringLiteral("Reference")).toInt());
+    });
+    if (job.References.isEmpty()) {
+        statusBar()->showMessage(tr("There is no message on show to print."), MessageMilliseconds);
+        return;
+    }
+    PrintMessages(std::move(job));
+}

@@ -1,0 +1,329 @@
+#include "printing/PrintDialog.h"
+
+#include "DeskSettings.h"
+#include "DeskStation.h"
+#include "Failure.h"
+#include "FileChoice.h"
+#include "FileNames.h"
+#include "Words.h"
+#include "common/FileDialog.h"
+#include "common/UserInterface.h"
+#include "printing/PageSheet.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QPointer>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QThread>
+#include <QThreadPool>
+#include <QTimer>
+
+namespace
+{
+constexpr int AskBeforeOverwriting = 2;
+constexpr int HideReadOnly = 4;
+
+PrintDialog::PrinterChooser& Chooser()
+{
+    static PrintDialog::PrinterChooser chooser;
+    return chooser;
+}
+
+std::unique_ptr<QPagedPaintDevice> ChoosePrinter(QWidget* parent, int pageCount)
+{
+    if (Chooser())
+        return Chooser()(parent, pageCount);
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    QPrintDialog dialog(printer.get(), parent);
+    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
+                      QAbstractPrintDialog::PrintShowPageSize);
+    dialog.setMinMax(1, pageCount);
+    if (dialog.exec() != QDialog::Accepted)
+        return nullptr;
+    return printer;
+}
+} // namespace
+
+void PrintDialog::SetPrinterChooser(PrinterChooser chooser)
+{
+    Chooser() = std::move(chooser);
+}
+
+PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent)
+    : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job))
+{
+    setObjectName(QStringLiteral("printDialog"));
+    setWindowTitle(IsOfMany() ? tr("Print messages") : tr("Print message"));
+    auto* layout = new QGridLayout(this);
+    layout->addWidget(MakeChoice(), 0, 0);
+    layout->addWidget(MakePreview(), 0, 1);
+    layout->addWidget(MakeButtons(), 1, 0, 1, 2);
+    layout->setColumnStretch(1, 1);
+    layout->setRowStretch(0, 1);
+    resize(900, 680);
+    FillTemplates();
+    UpdateParts();
+}
+
+template <typename Work>
+bool PrintDialog::Run(Work&& work)
+{
+    try {
+        std::forward<Work>(work)();
+        return true;
+    } catch (const dao::Error& error) {
+        Words::Warn(Station_.Words(error.Number(), error.Description()));
+    } catch (const Failure& failure) {
+        Words::Warn(failure.Words());
+    }
+    return false;
+}
+
+bool PrintDialog::IsOfMany() const
+{
+    return !Job_.Message && Job_.References.size() != 1;
+}
+
+QString PrintDialog::TemplateState() const
+{
+    return IsOfMany() ? QStringLiteral("PrintDialog/TemplateOfMany") : QStringLiteral("PrintDialog/TemplateOfOne");
+}
+
+void PrintDialog::Remember()
+{
+    Settings_.SetState(TemplateState(), Template_->currentData().toString().toUtf8());
+    Settings_.SetState(QStringLiteral("PrintDialog/Paper"), Paper_->currentIndex() == 1 ? "Letter" : "A4");
+    for (const QCheckBox* check : {Bold_, Italic_, PageEach_})
+        Settings_.SetState(QStringLiteral("PrintDialog/") + check->objectName(), check->isChecked() ? "1" : "0");
+}
+
+void PrintDialog::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (!std::exchange(HasStarted_, true))
+        QTimer::singleShot(0, this, &PrintDialog::Start);
+}
+
+void PrintDialog::Start()
+{
+    if (Prepare())
+        Fill();
+    else
+        reject();
+}
+
+/// Reads the messages. False when that failed, which was said, or the user stopped it.
+bool PrintDialog::Prepare()
+{
+    bool isWhole = false;
+    const bool hasWorked = Run([&] {
+        if (Job_.Message) {
+            Subject_ = Job_.Message->CDOMessage()->Subject();
+            isWhole = Messages_.Add(Job_.Message);
+            return;
+        }
+        const BusyPointer busy;
+        const auto progress = IsOfMany() ? UserInterface::Current().Progress(tr("Reading messages")) : nullptr;
+        qint64 done = 0;
+        for (const qint32 reference : std::as_const(Job_.References)) {
+            if (progress && !progress->Advance(done++, Job_.References.size()))
+                return;
+            const cMessagePtr message = Station_.Database().GetMessage(reference);
+            if (!message)
+                continue; // deleted meanwhile
+            if (!Messages_.Add(message))
+                throw Failure(exitData, tr("These are more messages than can be printed at once (32,767). Choose a "
+                                           "folder with fewer, or find some of them."));
+            Subject_ = message->CDOMessage()->Subject();
+        }
+        if (Messages_.Count() == 0)
+            throw Failure(exitData, tr("There is no message to print."));
+        isWhole = true;
+    });
+    return hasWorked && isWhole;
+}
+
+void PrintDialog::Fill()
+{
+    if (Messages_.Count() == 0)
+        return;
+    Document_.reset();
+    Pages_.reset();
+    Sheet_->SetPages(nullptr);
+    Run([this] {
+        const BusyPointer busy;
+        const auto pageTemplate = PagePrinting::FindTemplate(Station_.Database(), Template_->currentData().toString());
+        // A template with a list of its own says itself where pages begin.
+        PageEach_->setEnabled(!pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_REPEAT>")));
+        PagePrinting::PageOptions options;
+        options.UnreadIsBold = Bold_->isChecked();
+        options.PendingIsItalic = Italic_->isChecked();
+        options.PageEach = PageEach_->isChecked();
+        Document_ = std::make_shared<SafeDocument>(Messages_.Fill(pageTemplate, options));
+    });
+    UpdateParts();
+    LayOut();
+}
+
+PaperSetup PrintDialog::Paper() const
+{
+    PaperSetup setup;
+    setup.Paper = Paper_->currentData().toSizeF();
+    return setup;
+}
+
+/// One layout at a time; what was chosen meanwhile is laid out behind it.
+void PrintDialog::LayOut()
+{
+    if (!Document_)
+        return;
+    MustLayOutAgain_ = IsLayingOut_;
+    if (IsLayingOut_)
+        return;
+    IsLayingOut_ = true;
+    UpdateParts();
+    QThreadPool::globalInstance()->start(
+        [document = Document_, setup = Paper(), dialog = QPointer<PrintDialog>(this), home = thread()] {
+            auto pages = std::make_shared<PrintedPages>(*document, setup);
+            pages->MoveTo(home);
+            QMetaObject::invokeMethod(QCoreApplication::instance(), [dialog, pages = std::move(pages)] {
+                if (dialog)
+                    dialog->TakePages(pages);
+            });
+        });
+}
+
+void PrintDialog::TakePages(const std::shared_ptr<PrintedPages>& pages)
+{
+    IsLayingOut_ = false;
+    if (std::exchange(MustLayOutAgain_, false))
+        return LayOut();
+    if (!Document_)
+        return UpdateParts();
+    Pages_ = pages;
+    Sheet_->SetPages(Pages_);
+    UpdateParts();
+}
+
+void PrintDialog::UpdateParts()
+{
+    const int pages = Sheet_->PageCount();
+    const QSignalBlocker quiet(Page_);
+    Page_->setRange(qMin(1, pages), pages);
+    Page_->setValue(Sheet_->Page() + 1);
+    Page_->setSuffix(tr(" of %1").arg(pages));
+    Page_->setEnabled(pages > 1);
+    Previous_->setEnabled(Sheet_->Page() > 0);
+    Next_->setEnabled(Sheet_->Page() + 1 < pages);
+    Print_->setEnabled(IsLaidOut());
+    Save_->setEnabled(IsLaidOut());
+    const QLocale locale;
+    const QString messages =
+        Messages_.Count() == 1 ? tr("1 message") : tr("%1 messages").arg(locale.toString(Messages_.Count()));
+    const QString pageWords = pages == 1 ? tr("1 page") : tr("%1 pages").arg(locale.toString(pages));
+    if (pages > 0)
+        Count_->setText(tr("%1 on %2").arg(messages, pageWords));
+    else
+        Count_->setText(Document_ || Messages_.Count() == 0 ? tr("The pages are being laid out...") : QString());
+    QString note = PagePrinting::WithheldWords(Messages_.CountWithheld());
+    if (Document_ && Document_->IsTextOnly)
+        note = tr("These messages are too large to be laid out together; the pages hold their text alone.");
+    Note_->setText(note);
+    Note_->setHidden(note.isEmpty());
+}
+
+bool PrintDialog::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == View_->viewport() && event->type() == QEvent::Resize)
+        Sheet_->SetView(View_->viewport()->size());
+    // A page that is larger than the view is scrolled to its end before the next one comes.
+    if (object == View_ && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        const QScrollBar& bar = *View_->verticalScrollBar();
+        if ((key == Qt::Key_PageDown && bar.value() == bar.maximum()) ||
+            (key == Qt::Key_PageUp && bar.value() == bar.minimum())) {
+            keyPressEvent(static_cast<QKeyEvent*>(event));
+            return true;
+        }
+    }
+    return QDialog::eventFilter(object, event);
+}
+
+/// The pages turn by the keys that turn pages, wherever the focus is.
+void PrintDialog::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_PageDown)
+        Sheet_->SetPage(Sheet_->Page() + 1);
+    else if (event->key() == Qt::Key_PageUp)
+        Sheet_->SetPage(Sheet_->Page() - 1);
+    else
+        QDialog::keyPressEvent(event);
+}
+
+void PrintDialog::Print()
+{
+    if (!IsLaidOut())
+        return;
+    const std::unique_ptr<QPagedPaintDevice> device = ChoosePrinter(this, Pages_->PageCount());
+    if (!device)
+        return;
+    int first = 0;
+    int last = -1;
+    if (const auto* printer = dynamic_cast<QPrinter*>(device.get()); printer && printer->fromPage() > 0) {
+        first = printer->fromPage() - 1;
+        last = printer->toPage() - 1;
+    }
+    Remember();
+    bool isStopped = false;
+    const BusyPointer busy;
+    const auto progress = UserInterface::Current().Progress(tr("Printing"));
+    const bool isPrinted = Pages_->Print(
+        *device,
+        [&](int page, int count) {
+            isStopped = !progress->Advance(page, count);
+            return !isStopped;
+        },
+        first, last);
+    if (!isPrinted && !isStopped)
+        Words::Warn(tr("The printer took no pages. Check that it is switched on and has this paper."));
+}
+
+QString PrintDialog::FileName() const
+{
+    const QString name = Messages_.Count() == 1 && !Subject_.trimmed().isEmpty() ? Subject_ : Template_->currentText();
+    return FileNames::Cleaned(name + QStringLiteral(".pdf"));
+}
+
+void PrintDialog::SavePdf()
+{
+    if (!IsLaidOut())
+        return;
+    const auto dialog = FileDialog::Create();
+    dialog->DialogTitle = tr("Save pages");
+    dialog->Filter = tr("PDF files") + QStringLiteral("|*.pdf");
+    dialog->DefaultExt = QStringLiteral("pdf");
+    dialog->Filename = FileName();
+    dialog->Flags = AskBeforeOverwriting | HideReadOnly;
+    const std::optional<QString> file = FileChoice::ToSave(*dialog);
+    if (!file)
+        return;
+    Remember();
+    QString problem;
+    {
+        const BusyPointer busy;
+        const auto progress = UserInterface::Current().Progress(tr("Writing pages"));
+        Pages_->WritePdf(*file, problem, [&](int page, int count) { return progress->Advance(page, count); });
+    }
+    if (!problem.isEmpty())
+        Words::Warn(problem);
+}

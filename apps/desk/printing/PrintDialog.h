@@ -1,0 +1,102 @@
+#pragma once
+
+#include "PagePrinting.h"
+#include "platform/widgets/PrintedPages.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <memory>
+
+class DeskSettings;
+class DeskStation;
+class PageSheet;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QPrinter;
+class QPushButton;
+class QScrollArea;
+class QSpinBox;
+
+/// What is to be printed: messages of the station by their numbers, or one that a window shows as it is there.
+struct PrintJob
+{
+    QList<qint32> References;
+    cMessagePtr Message;
+};
+
+/// Prints messages: by which of the station's templates, how, on which paper, with the pages as they will be printed.
+/// It begins to read the messages when it is shown; the pages are laid out beside the window, which answers meanwhile.
+/// The template and the paper are remembered. The station is open and outlives the dialog.
+class PrintDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent = nullptr);
+
+    /// What asks for a printer; null from it when the user cancels. An empty one goes back to the system's dialog.
+    using PrinterChooser = std::function<std::unique_ptr<QPagedPaintDevice>(QWidget* parent, int pageCount)>;
+    static void SetPrinterChooser(PrinterChooser chooser);
+
+    /// The pages on show are those of what is chosen.
+    bool IsLaidOut() const { return Pages_ && !IsLayingOut_; }
+    /// Null before the first were laid out.
+    const PrintedPages* Pages() const { return Pages_.get(); }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private:
+    // Making; PrintDialogParts.cpp.
+    QWidget* MakeChoice();
+    QWidget* MakePreview();
+    QWidget* MakeButtons();
+    void FillTemplates();
+
+    /// Runs a piece of work; its error becomes words. False when it failed.
+    template <typename Work>
+    bool Run(Work&& work);
+    bool IsOfMany() const;
+    QString TemplateState() const;
+    void Remember();
+    void Start();
+    bool Prepare();
+    void Fill();
+    void LayOut();
+    void TakePages(const std::shared_ptr<PrintedPages>& pages);
+    PaperSetup Paper() const;
+    void UpdateParts();
+    void Print();
+    void SavePdf();
+    QString FileName() const;
+
+    DeskStation& Station_;
+    DeskSettings& Settings_;
+    PrintJob Job_;
+    PagePrinting::PreparedMessages Messages_;
+    QString Subject_; ///< Of a single message.
+    std::shared_ptr<const SafeDocument> Document_;
+    std::shared_ptr<const PrintedPages> Pages_;
+    bool HasStarted_ = false;
+    bool IsLayingOut_ = false;
+    bool MustLayOutAgain_ = false;
+    QComboBox* Template_ = nullptr;
+    QCheckBox* Bold_ = nullptr;
+    QCheckBox* Italic_ = nullptr;
+    QCheckBox* PageEach_ = nullptr;
+    QComboBox* Paper_ = nullptr;
+    QLabel* Count_ = nullptr;
+    QLabel* Note_ = nullptr;
+    QScrollArea* View_ = nullptr;
+    PageSheet* Sheet_ = nullptr;
+    QPushButton* Previous_ = nullptr;
+    QPushButton* Next_ = nullptr;
+    QSpinBox* Page_ = nullptr;
+    QComboBox* Zoom_ = nullptr;
+    QPushButton* Print_ = nullptr;
+    QPushButton* Save_ = nullptr;
+};

@@ -1,0 +1,108 @@
+// The page templates beside a database: brought up to date from the installed set at each open, and found by name.
+
+#include "common/FileHelper.h"
+#include "common/LibraryFolder.h"
+#include "common/ProfileHelper.h"
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace
+{
+const QString TemplateFolder = QStringLiteral("HTMLDocs");
+const QString Extension = QStringLiteral(".htm");
+const QString CopyCaption = QStringLiteral("Copying HTML Template...");
+
+QString TemplatesBeside(const QString& location)
+{
+    return LibraryFolder::ExistingSubfolder(location, TemplateFolder);
+}
+
+/// As file systems keep it that keep the least: an unchanged copy must not look older than what it was copied from.
+qint64 FileDate(const QString& file)
+{
+    return QFileInfo(file).lastModified().toSecsSinceEpoch();
+}
+
+void RefreshTemplate(const QString& source, const QString& folder)
+{
+    const QString target = ProfileHelper::ExistingFile(FileHelper::Join(folder, FileHelper::FileNameOf(source)));
+    // Whoever may write to a shared folder must not thereby choose what gets overwritten elsewhere.
+    if (QFileInfo(target).isSymLink()) {
+        WriteDebugLog(QStringLiteral("HTML template '%1' is a link and stays as it is").arg(target), 5);
+        return;
+    }
+    if (FileHelper::FileExists(target) && FileDate(source) <= FileDate(target))
+        return;
+    if (!FileHelper::CopyWithProgress(source, FileHelper::FileExists(target) ? target : folder, CopyCaption)) {
+        WriteDebugLog(QStringLiteral("HTML template '%1' could not be copied").arg(target), 5);
+        return;
+    }
+    // The installed set may be read-only; the station's own is there to be edited.
+    const QFileDevice::Permissions permissions = QFile::permissions(target);
+    if ((permissions & QFileDevice::WriteOwner) == 0)
+        QFile::setPermissions(target, permissions | QFileDevice::WriteOwner);
+}
+
+/// Whether a name can be anything but that of a file in the folder it is put behind.
+bool IsPlainName(const QString& name)
+{
+    return std::none_of(name.begin(), name.end(), [](QChar character) {
+        return character < u' ' || character == u'/' || character == u'\\' || character == u':';
+    });
+}
+
+QString PrefixPart(const QString& prefix)
+{
+    return prefix.isEmpty() ? QString() : prefix + u'-';
+}
+} // namespace
+
+void cTolvaDatabase::RefreshHTMLTemplates(const QString& location)
+{
+    const QString folder = TemplatesBeside(location);
+    if (!FileHelper::CreateFolder(folder))
+        return;
+    const QString library = LibraryFolder::Current();
+    if (QDir::cleanPath(library).toUpper() == QDir::cleanPath(location).toUpper())
+        return;
+    const QString installed = TemplatesBeside(library);
+    if (!FileHelper::FolderExists(installed))
+        return;
+    for (const QString& name : QDir(installed).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase))
+        RefreshTemplate(FileHelper::Join(installed, name), folder);
+}
+
+QString cTolvaDatabase::HTMLTemplatesLocation() const
+{
+    return Information_.Location.isEmpty() ? QString() : TemplatesBeside(Information_.Location);
+}
+
+QStringList cTolvaDatabase::GetHTMLTemplateReferences(const QString& prefix) const
+{
+    if (!Database_ || Information_.Location.isEmpty())
+        return {};
+    const QString start = PrefixPart(prefix);
+    QStringList references;
+    for (const QString& name : QDir(HTMLTemplatesLocation()).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase)) {
+        if (name.startsWith(start, Qt::CaseInsensitive) && name.endsWith(Extension, Qt::CaseInsensitive) &&
+            name.size() >= start.size() + Extension.size())
+            references.append(name.sliced(start.size()).chopped(Extension.size()));
+    }
+    return references;
+}
+
+QString cTolvaDatabase::GetHTMLTemplateFileName(const QString& prefix, const QString& reference) const
+{
+    if (!Database_ || Information_.Location.isEmpty())
+        return {};
+    const QString name = PrefixPart(prefix) + reference + Extension;
+    if (!IsPlainName(name))
+        return {};
+    return ProfileHelper::ExistingFile(FileHelper::Join(HTMLTemplatesLocation(), name));
+}

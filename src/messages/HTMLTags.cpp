@@ -1,0 +1,248 @@
+#include "messages/HTMLTags.h"
+
+#include "common/GeneralHelper.h"
+#include "common/ProfileHelper.h"
+#include "common/TemplateHelper.h"
+#include "messages/HTMLTagsPreview.h"
+#include "messages/cMessage.h"
+
+#include <array>
+
+namespace
+{
+/// In the order in which they are filled.
+enum Step
+{
+    Reference,
+    Subject,
+    SubjectShort,
+    FromWhole,
+    FromNameOnly,
+    FromEmailOnly,
+    To,
+    Sent,
+    Received,
+    SendAfter,
+    PersonalReference,
+    SourceIndex,
+    Body,
+    HTMLBodyOnly,
+    TextBodyOnly,
+    BodyShort,
+    TextBodyShort,
+    HTMLBodyShort,
+    StepCount
+};
+
+const std::array<QString, StepCount> Tags = {QStringLiteral("<ZRT_MESSAGE_REFERENCE>"),
+                                             QStringLiteral("<ZRT_MESSAGE_SUBJECT>"),
+                                             QStringLiteral("<ZRT_MESSAGE_SUBJECTSHORT>"),
+                                             QStringLiteral("<ZRT_MESSAGE_FROM>"),
+                                             QStringLiteral("<ZRT_MESSAGE_FROMNAME>"),
+                                             QStringLiteral("<ZRT_MESSAGE_FROMEMAIL>"),
+                                             QStringLiteral("<ZRT_MESSAGE_TO>"),
+                                             QStringLiteral("<ZRT_MESSAGE_SENT>"),
+                                             QStringLiteral("<ZRT_MESSAGE_RECEIVED>"),
+                                             QStringLiteral("<ZRT_MESSAGE_SENDAFTER>"),
+                                             QStringLiteral("<ZRT_MESSAGE_PERSONALREFERENCE>"),
+                                             QStringLiteral("<ZRT_MESSAGE_SOURCEINDEX>"),
+                                             QStringLiteral("<ZRT_MESSAGE_BODY>"),
+                                             QStringLiteral("<ZRT_MESSAGE_HTMLBODY>"),
+                                             QStringLiteral("<ZRT_MESSAGE_TEXTBODY>"),
+                                             QStringLiteral("<ZRT_MESSAGE_BODYSHORT>"),
+                                             QStringLiteral("<ZRT_MESSAGE_TEXTBODYSHORT>"),
+                                             QStringLiteral("<ZRT_MESSAGE_HTMLBODYSHORT>")};
+const QString TagBegin = QStringLiteral("<ZRT_MESSAGE_");
+const QString SectionTag = QStringLiteral("<ZRT_MESSAGE_PERSONALSECTION>");
+const QString SectionEndTag = QStringLiteral("</ZRT_MESSAGE_PERSONALSECTION>");
+
+constexpr qsizetype ShortSubject = 65;
+constexpr qsizetype MostGrowth = 1'000'000;
+
+/// Every message is masked here, e-mails too: a page leaves the building.
+QString Masked(const QString& address)
+{
+    const bool masks =
+        ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
+                                         QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), 0)
+            .toInt() != 0;
+    return masks ? QStringLiteral("0XXX-XXXXXX") : address;
+}
+
+QString Shortened(const QString& subject)
+{
+    if (subject.size() <= ShortSubject)
+        return subject;
+    const qsizetype length = subject.at(ShortSubject - 1).isHighSurrogate() ? ShortSubject - 1 : ShortSubject;
+    return subject.first(length) + QStringLiteral("...");
+}
+
+/// The tag of a later step that stands at this place; -1 for none.
+int LaterTagAt(const QString& text, qsizetype position, int step)
+{
+    for (int later = step + 1; later < StepCount; ++later) {
+        if (QStringView(text).sliced(position).startsWith(Tags[static_cast<std::size_t>(later)]))
+            return later;
+    }
+    return -1;
+}
+
+bool IsBodyStep(int step)
+{
+    return step == Body || step == HTMLBodyOnly || step == TextBodyOnly || step == TextBodyShort;
+}
+
+/// A body keeps its double quotes, which mean nothing between tags.
+QString Escaped(QStringView text, int step)
+{
+    QString escaped = text.toString();
+    if (!IsBodyStep(step))
+        return escaped.toHtmlEscaped();
+    return escaped.replace(u'&', QLatin1String("&amp;"))
+        .replace(u'<', QLatin1String("&lt;"))
+        .replace(u'>', QLatin1String("&gt;"));
+}
+} // namespace
+
+HTMLTags::HTMLTags(const cMessage& message, qint32 flags) : Message_(message), Flags_(flags) {}
+
+QString HTMLTags::Fill(const QString& strTemplate)
+{
+    if (!FillWith(strTemplate, ValueTags::Filled))
+        FillWith(strTemplate, ValueTags::Shown);
+    return Text_;
+}
+
+/// False when tags within values let the page grow too much.
+bool HTMLTags::FillWith(const QString& strTemplate, ValueTags valueTags)
+{
+    ValueTags_ = valueTags;
+    Text_ = strTemplate;
+    qsizetype growth = 0;
+    for (int step = 0; step < StepCount; ++step) {
+        if (step == SourceIndex && Message_.PersonalToContact() == 0)
+            Text_ = TemplateHelper::RemoveSection(Text_, SectionTag, SectionEndTag);
+        const QString& tag = Tags[static_cast<std::size_t>(step)];
+        // What no tag asks for is not worked out; a preview of HTML is a parse.
+        if (!Text_.contains(tag))
+            continue;
+        const QString value = ValueOf(step);
+        const qsizetype within = Text_.count(tag) - strTemplate.count(tag);
+        if (valueTags == ValueTags::Filled && within > 0) {
+            growth += within * value.size();
+            if (growth > MostGrowth)
+                return false;
+        }
+        Text_ = TemplateHelper::ReplaceTag(Text_, tag, value, TemplateHelper::TagValue::AsItStands);
+    }
+    return true;
+}
+
+/// As it goes into the page.
+QString HTMLTags::ValueOf(int step)
+{
+    const auto& mail = Message_.CDOMessage();
+    switch (step) {
+    case Reference:
+        return QString::number(Message_.Reference());
+    case Subject:
+        return Encoded(step, mail->Subject());
+    case SubjectShort:
+        return Encoded(step, Shortened(mail->Subject()));
+    case FromWhole:
+        return Encoded(step, From());
+    case FromNameOnly:
+        return Encoded(step, FromName());
+    case FromEmailOnly:
+        return Encoded(step, FromEmail());
+    case To:
+        return Encoded(step, Masked(mail->To()));
+    case Sent:
+        return Encoded(step, Message_.SentString());
+    case Received:
+        return Encoded(step, Message_.ReceivedString());
+    case SendAfter:
+        return Encoded(step, Message_.SendAfterString());
+    case PersonalReference:
+        return QString::number(Message_.PersonalToContact());
+    case SourceIndex:
+        return QString::number(Message_.SourceIndex());
+    case Body:
+        return BodyValue(step, mail->HTMLBody(), mail->TextBody());
+    case HTMLBodyOnly:
+        return BodyValue(step, mail->HTMLBody(), QString());
+    case TextBodyOnly:
+        return BodyValue(step, QString(), mail->TextBody());
+    default:
+        return PreviewValue(step);
+    }
+}
+
+/// A mail without the body has no preview of it; an empty preview of one that is there is wrapped like any other.
+QString HTMLTags::PreviewValue(int step) const
+{
+    const QString textBody = Message_.CDOMessage()->TextBody();
+    const QString textPreview = step == HTMLBodyShort ? QString() : HTMLTagsPreview::OfText(textBody);
+    if (!textPreview.isEmpty() || step == TextBodyShort)
+        return textBody.isEmpty() ? QString() : Wrapped(Encoded(step, textPreview));
+    const QString htmlBody = Message_.CDOMessage()->HTMLBody();
+    return htmlBody.isEmpty() ? QString() : Wrapped(Encoded(step, HTMLTagsPreview::OfHTML(htmlBody)));
+}
+
+QString HTMLTags::BodyValue(int step, const QString& html, const QString& text) const
+{
+    if (html.isEmpty())
+        return Wrapped(Encoded(step, text));
+    if (ValueTags_ == ValueTags::Filled)
+        return Wrapped(html);
+    return Wrapped(QString(html).replace(TagBegin, QLatin1String("&lt;ZRT_MESSAGE_")));
+}
+
+/// Text as markup that shows it, with the tags of later steps as they stand.
+QString HTMLTags::Encoded(int step, const QString& value) const
+{
+    QString encoded;
+    qsizetype copied = 0;
+    qsizetype position = ValueTags_ == ValueTags::Filled ? value.indexOf(TagBegin) : -1;
+    while (position >= 0) {
+        const int later = LaterTagAt(value, position, step);
+        const qsizetype end = position + (later < 0 ? 1 : Tags[static_cast<std::size_t>(later)].size());
+        if (later >= 0) {
+            encoded += Escaped(QStringView(value).sliced(copied, position - copied), step);
+            encoded += Tags[static_cast<std::size_t>(later)];
+            copied = end;
+        }
+        position = value.indexOf(TagBegin, end);
+    }
+    return encoded + Escaped(QStringView(value).sliced(copied), step);
+}
+
+QString HTMLTags::Wrapped(const QString& text) const
+{
+    QString wrapped = text;
+    if ((Flags_ & mphUnreadBodyBold) != 0 && (Message_.Flags() & mfRead) == 0)
+        wrapped = QStringLiteral("<b>") + wrapped + QStringLiteral("</b>");
+    if ((Flags_ & mphSendPendingBodyItalic) != 0 && (Message_.Flags() & mfSendPending) != 0)
+        wrapped = QStringLiteral("<i>") + wrapped + QStringLiteral("</i>");
+    return wrapped;
+}
+
+const QString& HTMLTags::From()
+{
+    if (!From_)
+        From_ = Masked(Message_.CDOMessage()->From());
+    return *From_;
+}
+
+QString HTMLTags::FromName()
+{
+    qsizetype next = -1;
+    const QString name = GeneralHelper::NextToken(From(), 0, QStringLiteral("<"), next, true, true).remove(u'"');
+    return name.isEmpty() ? FromEmail() : name;
+}
+
+QString HTMLTags::FromEmail()
+{
+    const qsizetype bracket = From().indexOf(u'<');
+    return bracket < 0 ? QString() : From().sliced(bracket + 1).remove(u'"').remove(u'<').remove(u'>');
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class cMessage;
+
+/// Fills a page template from one message. Made for one message and one set of flags, and used for one template.
+class HTMLTags
+{
+public:
+    /// flags: eMsgProcessHTMLTags, added up. The message outlives the object.
+    HTMLTags(const cMessage& message, qint32 flags);
+
+    /// A value that holds a tag gets that tag filled when its turn comes later. Where that would make the page larger
+    /// by a million characters, no tag within a value is filled: a mail could otherwise fill the memory with its tags.
+    QString Fill(const QString& strTemplate);
+
+private:
+    enum class ValueTags
+    {
+        Filled,
+        Shown ///< As text.
+    };
+
+    bool FillWith(const QString& strTemplate, ValueTags valueTags);
+    QString ValueOf(int step);
+    QString Encoded(int step, const QString& value) const;
+    QString BodyValue(int step, const QString& html, const QString& text) const;
+    QString PreviewValue(int step) const;
+    QString Wrapped(const QString& text) const;
+
+    const QString& From();
+    QString FromName();
+    QString FromEmail();
+
+    const cMessage& Message_;
+    qint32 Flags_;
+    ValueTags ValueTags_ = ValueTags::Filled;
+    QString Text_;
+    std::optional<QString> From_;
+};

@@ -1,0 +1,96 @@
+#include "common/TemplateHelper.h"
+#include "common/UserInterface.h"
+#include "common/kvGeneral.h"
+#include "messages/cMessages.h"
+#include "platform/html/HtmlDocument.h"
+
+namespace
+{
+const QString CountTag = QStringLiteral("<ZRT_MESSAGES_COUNT>");
+const QString RepeatTag = QStringLiteral("<ZRT_MESSAGES_REPEAT>");
+const QString RepeatEndTag = QStringLiteral("</ZRT_MESSAGES_REPEAT>");
+/// Of a block that holds another one's opening tag, which each expansion multiplies.
+constexpr qsizetype MostNestedCharacters = 20'000'000;
+
+/// A repeat tag that a mail brought along is none of the template's. A browser sees no difference.
+void BlindRepeatTags(bool blindsOpening, QString* filled)
+{
+    filled->replace(RepeatEndTag, QStringLiteral("</ZRT_MESSAGES_REPEAT >"));
+    if (blindsOpening)
+        filled->replace(RepeatTag, QStringLiteral("<ZRT_MESSAGES_REPEAT >"));
+}
+} // namespace
+
+QString cMessages::ProcessHTMLTags(const QString& strTemplate, qint32 flags) const
+{
+    const BusyPointer busy;
+    const QString counted = TemplateHelper::ReplaceTag(strTemplate, CountTag, QString::number(Count()),
+                                                       TemplateHelper::TagValue::EncodedForHTML);
+    return counted.contains(RepeatTag) ? ExpandRepeats(counted, flags) : JoinedPages(counted, flags);
+}
+
+QString cMessages::ExpandRepeats(const QString& strTemplate, qint32 flags) const
+{
+    QString page = strTemplate;
+    qsizetype from = 0;
+    for (;;) {
+        const qsizetype start = page.indexOf(RepeatTag, from);
+        const qsizetype end = start < 0 ? -1 : page.indexOf(RepeatEndTag, start);
+        if (end < 0)
+            return page;
+        const qsizetype blockStart = start + RepeatTag.size();
+        const QString block = page.sliced(blockStart, end - blockStart);
+        if (block.contains(RepeatTag) && block.size() * Count() > MostNestedCharacters) {
+            WriteDebugLog(QStringLiteral("ProcessHTMLTags: repeat blocks within repeat blocks are left as they stand; "
+                                         "the page would be too large"));
+            return page;
+        }
+        const QString result = RepeatedBlock(block, flags);
+        page.replace(start, end + RepeatEndTag.size() - start, result);
+        // A block that stands right behind one of no messages is found as well.
+        from = result.isEmpty() ? start : start + 1;
+    }
+}
+
+QString cMessages::RepeatedBlock(const QString& block, qint32 flags) const
+{
+    const bool isNested = block.contains(RepeatTag);
+    QString result;
+    for (const cMessagePtr& message : Messages_) {
+        if (!message)
+            continue;
+        QString filled = message->ProcessHTMLTags(block, flags);
+        BlindRepeatTags(!isNested, &filled);
+        result += filled;
+    }
+    return result;
+}
+
+QString cMessages::JoinedPages(const QString& strTemplate, qint32 flags) const
+{
+    const bool breaksPages = (flags & mphPrintMessagePerPage) != 0;
+    const QString beforeEnd = QStringLiteral("beforeEnd");
+    HtmlDocument main;
+    if (breaksPages) {
+        main.Write(QStringLiteral("<STYLE TYPE=\"text/css\">\r\n"));
+        main.Write(QStringLiteral("   P.breakhere {page-break-before: always}\r\n"));
+        main.Write(QStringLiteral("</STYLE>\r\n"));
+    }
+    bool isFirst = true;
+    for (const cMessagePtr& message : Messages_) {
+        if (!message)
+            continue;
+        HtmlDocument one;
+        one.Write(message->ProcessHTMLTags(strTemplate, flags));
+        if (isFirst) {
+            main.Write(one.DocumentElement().InnerHTML());
+        } else {
+            if (breaksPages)
+                main.Body().InsertAdjacentHTML(beforeEnd, QStringLiteral("<P CLASS=\"breakhere\"></p>"));
+            main.Body().InsertAdjacentHTML(beforeEnd, one.Body().InnerHTML());
+        }
+        isFirst = false;
+    }
+    main.SetTitle(QStringLiteral("Message List"));
+    return QStringLiteral("<html>") + main.DocumentElement().InnerHTML() + QStringLiteral("</html>");
+}

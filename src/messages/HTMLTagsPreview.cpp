@@ -1,0 +1,62 @@
+#include "messages/HTMLTagsPreview.h"
+
+#include "common/GeneralHelper.h"
+#include "platform/html/HtmlDocument.h"
+
+namespace
+{
+constexpr int LinesOfPreview = 2;
+const QString LineEnd = QStringLiteral("\n");
+
+/// Puts one more line beneath the others.
+void AddLine(const QString& line, QString* preview)
+{
+    if (!preview->isEmpty())
+        *preview += LineEnd;
+    *preview += line;
+}
+
+bool BeginsPreviewLine(const HtmlElement& element)
+{
+    const QString name = element.TagName().toUpper();
+    return name == QLatin1String("P") || name == QLatin1String("UL") || name == QLatin1String("OL") ||
+           name == QLatin1String("FONT");
+}
+} // namespace
+
+QString HTMLTagsPreview::OfText(const QString& textBody)
+{
+    QString text = textBody;
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\r")).replace(u'\r', u'\n');
+    QString preview;
+    qsizetype next = 0;
+    for (int count = 0; count < LinesOfPreview && next >= 0; ++count) {
+        const QString line = GeneralHelper::NextToken(text, next, LineEnd, next, true, true);
+        if (line.isEmpty())
+            break;
+        AddLine(line, &preview);
+    }
+    return preview;
+}
+
+QString HTMLTagsPreview::OfHTML(const QString& htmlBody)
+{
+    if (htmlBody.isEmpty())
+        return {};
+    HtmlDocument document;
+    document.Body().SetInnerHTML(htmlBody);
+    QString preview;
+    int count = 0;
+    for (const HtmlElement& element : document.Body().All()) {
+        if (!BeginsPreviewLine(element))
+            continue;
+        qsizetype next = 0;
+        const QString line = GeneralHelper::NextToken(element.FirstLine(), 0, LineEnd, next, true, true);
+        if (line.isEmpty())
+            continue;
+        AddLine(line, &preview);
+        if (++count == LinesOfPreview)
+            break;
+    }
+    return preview;
+}

@@ -1,0 +1,148 @@
+#include "platform/html/HtmlDocument.h"
+
+#include "platform/html/HtmlMarkup.h"
+#include "platform/html/HtmlNodes.h"
+#include "platform/html/HtmlText.h"
+
+QString HtmlElement::TagName() const
+{
+    if (IsNull())
+        return {};
+    return Node_->Namespace == HtmlNamespace::Html ? Node_->Name.toUpper() : Node_->Name;
+}
+
+QString HtmlElement::InnerHTML() const
+{
+    return IsNull() ? QString() : HtmlMarkup::Within(Node_);
+}
+
+void HtmlElement::SetInnerHTML(const QString& html)
+{
+    if (IsNull())
+        return;
+    HtmlNodes::RemoveChildren(Node_);
+    Insert(html, Node_, Node_, nullptr);
+}
+
+QString HtmlElement::InnerText() const
+{
+    return IsNull() ? QString() : HtmlText::Of(Node_, HtmlText::Extent::Whole);
+}
+
+QString HtmlElement::FirstLine() const
+{
+    return IsNull() ? QString() : HtmlText::Of(Node_, HtmlText::Extent::FirstLine);
+}
+
+std::vector<HtmlElement> HtmlElement::All() const
+{
+    std::vector<HtmlElement> elements;
+    if (IsNull())
+        return elements;
+    for (const HtmlNode* node = NextNode(Node_, Node_, !Node_->Has(HtmlTrait::Template)); node != nullptr;
+         node = NextNode(node, Node_, !node->Has(HtmlTrait::Template))) {
+        if (node->IsElement())
+            elements.push_back(HtmlElement(Document_, const_cast<HtmlNode*>(node)));
+    }
+    return elements;
+}
+
+void HtmlElement::InsertAdjacentHTML(const QString& position, const QString& html)
+{
+    if (IsNull())
+        return;
+    const auto is = [&position](QLatin1String word) { return position.compare(word, Qt::CaseInsensitive) == 0; };
+    const bool isWithin = is(QLatin1String("afterBegin")) || is(QLatin1String("beforeEnd"));
+    const bool isBeside = is(QLatin1String("beforeBegin")) || is(QLatin1String("afterEnd"));
+    HtmlNode* parent = isWithin ? Node_ : Node_->Parent;
+    if ((!isWithin && !isBeside) || parent == nullptr || !parent->IsElement())
+        return;
+    // As content of the html element itself, the fragment would bring a second head and body.
+    HtmlNode* body = parent->Is(QLatin1String("html")) ? Document_->Nodes_->Body() : nullptr;
+    HtmlNode* before = is(QLatin1String("afterBegin"))    ? Node_->First
+                       : is(QLatin1String("beforeBegin")) ? Node_
+                       : is(QLatin1String("afterEnd"))    ? Node_->Next
+                                                          : nullptr;
+    Insert(html, body != nullptr ? body : parent, parent, before);
+}
+
+void HtmlElement::Insert(const QString& html, HtmlNode* context, HtmlNode* parent, HtmlNode* before)
+{
+    Document_->IsChanged_ = true;
+    if (!Document_->Nodes_->ParseFragment(html, context, parent, before))
+        Document_->IsTextOnly_ = true;
+}
+
+HtmlDocument::HtmlDocument() : Nodes_(std::make_unique<HtmlNodes>()) {}
+
+HtmlDocument::~HtmlDocument() = default;
+
+HtmlNodes& HtmlDocument::Nodes()
+{
+    if (!IsParsed_) {
+        IsParsed_ = true;
+        IsTextOnly_ = !Nodes_->ParsePage(Written_);
+    }
+    return *Nodes_;
+}
+
+HtmlElement HtmlDocument::Body()
+{
+    return HtmlElement(this, Nodes().Body());
+}
+
+HtmlElement HtmlDocument::DocumentElement()
+{
+    return HtmlElement(this, Nodes().Html());
+}
+
+HtmlNode* HtmlDocument::TitleNode()
+{
+    HtmlNode* document = Nodes().Document();
+    for (const HtmlNode* node = document; node != nullptr;
+         node = NextNode(node, document, !node->Has(HtmlTrait::Template))) {
+        if (node->Is(QLatin1String("title")))
+            return const_cast<HtmlNode*>(node);
+    }
+    return nullptr;
+}
+
+QString HtmlDocument::Title()
+{
+    const HtmlNode* title = TitleNode();
+    return title == nullptr ? QString() : HtmlText::Of(title, HtmlText::Extent::Whole).simplified();
+}
+
+void HtmlDocument::SetTitle(const QString& title)
+{
+    HtmlNode* node = TitleNode();
+    if (node == nullptr && Nodes().Head() != nullptr)
+        node = Nodes().MakeElement("title", Nodes().Head());
+    if (node == nullptr)
+        return;
+    HtmlNodes::RemoveChildren(node);
+    if (!title.isEmpty())
+        Nodes().MakeText(title, node);
+    IsChanged_ = true;
+}
+
+void HtmlDocument::Write(const QString& html)
+{
+    if (IsChanged_) {
+        Body().InsertAdjacentHTML(QStringLiteral("beforeEnd"), html);
+        return;
+    }
+    Written_ += html;
+    IsParsed_ = false;
+}
+
+QString HtmlDocument::Html()
+{
+    return HtmlMarkup::Within(Nodes().Document());
+}
+
+bool HtmlDocument::IsTextOnly()
+{
+    Nodes();
+    return IsTextOnly_;
+}

@@ -1,0 +1,120 @@
+#include "platform/html/HtmlMarkup.h"
+
+namespace
+{
+enum class Place
+{
+    Text,
+    Attribute
+};
+
+QLatin1String Escape(char16_t character, Place place)
+{
+    switch (character) {
+    case u'&':
+        return QLatin1String("&amp;");
+    case u'<':
+        return QLatin1String("&lt;");
+    case u'>':
+        return QLatin1String("&gt;");
+    case 0xA0:
+        return QLatin1String("&nbsp;");
+    case u'"':
+        return place == Place::Attribute ? QLatin1String("&quot;") : QLatin1String();
+    default:
+        return {};
+    }
+}
+
+void AppendEscaped(QStringView text, Place place, QString* markup)
+{
+    qsizetype copied = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QLatin1String escape = Escape(text[i].unicode(), place);
+        if (escape.isEmpty())
+            continue;
+        *markup += text.sliced(copied, i - copied);
+        *markup += escape;
+        copied = i + 1;
+    }
+    *markup += text.sliced(copied);
+}
+
+void AppendStartTag(const HtmlNode* node, QString* markup)
+{
+    *markup += u'<';
+    *markup += node->Name;
+    for (const HtmlAttribute& attribute : node->Attributes) {
+        *markup += u' ';
+        *markup += attribute.Name;
+        *markup += QLatin1String("=\"");
+        AppendEscaped(attribute.Value, Place::Attribute, markup);
+        *markup += u'"';
+    }
+    *markup += u'>';
+    const HtmlNode* first = node->First;
+    // Otherwise the first line end would be lost when this is parsed.
+    if (node->Has(HtmlTrait::DropsFirstLine) && first != nullptr && first->Kind == HtmlNodeKind::Text &&
+        first->Text.startsWith(u'\n'))
+        *markup += u'\n';
+}
+
+void AppendStart(const HtmlNode* node, QString* markup)
+{
+    switch (node->Kind) {
+    case HtmlNodeKind::Element:
+        AppendStartTag(node, markup);
+        break;
+    case HtmlNodeKind::Text:
+        if (node->Parent != nullptr && node->Parent->Has(HtmlTrait::RawText))
+            *markup += node->Text;
+        else
+            AppendEscaped(node->Text, Place::Text, markup);
+        break;
+    case HtmlNodeKind::Comment:
+        *markup += QLatin1String("<!--");
+        *markup += node->Text;
+        *markup += QLatin1String("-->");
+        break;
+    case HtmlNodeKind::DocumentType:
+        *markup += QLatin1String("<!DOCTYPE ");
+        *markup += node->Name;
+        *markup += node->Text;
+        *markup += u'>';
+        break;
+    case HtmlNodeKind::Document:
+        break;
+    }
+}
+
+void AppendEnd(const HtmlNode* node, QString* markup)
+{
+    if (!node->IsElement() || node->Has(HtmlTrait::Void))
+        return;
+    *markup += QLatin1String("</");
+    *markup += node->Name;
+    *markup += u'>';
+}
+} // namespace
+
+QString HtmlMarkup::Within(const HtmlNode* node)
+{
+    QString markup;
+    if (node->Has(HtmlTrait::Void))
+        return markup;
+    const HtmlNode* at = node->First;
+    while (at != nullptr) {
+        AppendStart(at, &markup);
+        if (at->First != nullptr && !at->Has(HtmlTrait::Void)) {
+            at = at->First;
+            continue;
+        }
+        AppendEnd(at, &markup);
+        while (at->Next == nullptr && at->Parent != node) {
+            at = at->Parent;
+            AppendEnd(at, &markup);
+        }
+        at = at->Next;
+    }
+    return markup;
+}

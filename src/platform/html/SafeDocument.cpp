@@ -1,0 +1,310 @@
+#include "platform/html/SafeDocument.h"
+
+#include "platform/html/HtmlTree.h"
+#include "platform/html/PageElements.h"
+#include "platform/html/PlainText.h"
+#include "platform/html/SafeLink.h"
+#include "platform/html/StyleFilter.h"
+#include "platform/html/StyleReader.h"
+#include "platform/html/TagScanner.h"
+
+#include <QSet>
+#include <QVector>
+
+#include <gumbo.h>
+
+using namespace PageElements;
+
+namespace
+{
+/// As deep as mail is taken apart (SafeHtml).
+constexpr qsizetype DeepestPage = 1000;
+
+const QString Policy =
+    QStringLiteral("default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'");
+const QString DataAddress = QStringLiteral("data:image/");
+const QString Encoding = QStringLiteral(";base64,");
+
+QSet<QString> Names(std::initializer_list<const char*> names)
+{
+    QSet<QString> set;
+    for (const char* name : names)
+        set.insert(QLatin1String(name));
+    return set;
+}
+
+bool IsWritten(const QString& element)
+{
+    static const QSet<QString> written = Names(
+        {"p",   "div",  "center",   "address",    "article",   "aside", "section", "header", "footer", "main", "nav",
+         "h1",  "h2",   "h3",       "h4",         "h5",        "h6",    "pre",     "dl",     "dt",     "dd",   "figure",
+         "ul",  "ol",   "li",       "table",      "caption",   "thead", "tbody",   "tfoot",  "tr",     "td",   "th",
+         "b",   "i",    "u",        "s",          "sub",       "sup",   "a",       "strong", "em",     "cite", "dfn",
+         "var", "ins",  "del",      "strike",     "span",      "font",  "big",     "small",  "code",   "kbd",  "samp",
+         "tt",  "mark", "abbr",     "bdi",        "bdo",       "q",     "time",    "nobr",   "img",    "br",   "hr",
+         "wbr", "col",  "colgroup", "blockquote", "figcaption"});
+    return written.contains(element);
+}
+
+bool IsEmptyElement(const QString& element)
+{
+    static const QSet<QString> empty = Names({"img", "br", "hr", "wbr", "col"});
+    return empty.contains(element);
+}
+
+/// Attributes whose values are words and numbers that reach nowhere.
+bool IsPlainAttribute(const QString& name)
+{
+    static const QSet<QString> plain =
+        Names({"class",   "id",      "title",       "lang",        "dir",     "align",   "valign", "width", "height",
+               "colspan", "rowspan", "cellpadding", "cellspacing", "bgcolor", "color",   "face",   "size",  "border",
+               "start",   "type",    "alt",         "span",        "nowrap",  "summary", "text"});
+    return plain.contains(name);
+}
+
+bool FetchesByAttribute(const QString& name)
+{
+    static const QSet<QString> names =
+        Names({"background", "poster", "dynsrc", "lowsrc", "srcset", "longdesc", "ping"});
+    return names.contains(name);
+}
+
+bool IsGoneWithContent(const QString& name)
+{
+    return ElementOf(name).ElementRole == Role::Withheld;
+}
+
+QString TextIn(const GumboNode* node)
+{
+    QString text;
+    const GumboVector& children = node->v.element.children;
+    for (unsigned i = 0; i < children.length; ++i) {
+        const auto* child = static_cast<const GumboNode*>(children.data[i]);
+        if (child->type == GUMBO_NODE_TEXT || child->type == GUMBO_NODE_WHITESPACE || child->type == GUMBO_NODE_CDATA)
+            text += QString::fromUtf8(child->v.text.text);
+    }
+    return text;
+}
+
+/// Writes one page. Works through the tree with a stack of its own, so that no depth of nesting is too deep.
+class DocumentWriter
+{
+public:
+    explicit DocumentWriter(SafeDocument* document) : Document_(document) {}
+
+    void Write(const GumboNode* root)
+    {
+        Stack_.append({root, 0, QString()});
+        while (!Stack_.isEmpty()) {
+            Frame& top = Stack_.last();
+            const GumboVector& children =
+                top.Node->type == GUMBO_NODE_DOCUMENT ? top.Node->v.document.children : top.Node->v.element.children;
+            if (top.NextChild == children.length) {
+                Body_ += top.EndTag;
+                Stack_.removeLast();
+                continue;
+            }
+            WriteChild(static_cast<const GumboNode*>(children.data[top.NextChild++]));
+        }
+    }
+    QString Page() const
+    {
+        return QStringLiteral("<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n"
+                              "<meta http-equiv=\"Content-Security-Policy\" content=\"%1\">\n"
+                              "<meta http-equiv=\"x-dns-prefetch-control\" content=\"off\">\n"
+                              "<meta name=\"referrer\" content=\"no-referrer\">\n"
+                              "<title>")
+                   .arg(Policy) +
+               EscapedText(Title_) + QStringLiteral("</title>\n") +
+               (Sheet_.isEmpty() ? QString() : QStringLiteral("<style>\n") + Sheet_ + QStringLiteral("</style>\n")) +
+               QStringLiteral("</head>\n<body") + BodyAttributes_ + u'>' + Body_ + QStringLiteral("</body>\n</html>\n");
+    }
+
+private:
+    struct Frame
+    {
+        const GumboNode* Node;
+        unsigned NextChild;
+        QString EndTag;
+    };
+
+    void WriteChild(const GumboNode* node)
+    {
+        switch (node->type) {
+        case GUMBO_NODE_ELEMENT:
+            return WriteElement(node);
+        case GUMBO_NODE_TEMPLATE:
+            ++Document_->ActiveContent;
+            return;
+        case GUMBO_NODE_TEXT:
+        case GUMBO_NODE_WHITESPACE:
+        case GUMBO_NODE_CDATA:
+            if (!IsInHead())
+                Body_ += EscapedText(QString::fromUtf8(node->v.text.text));
+            return;
+        default:
+            return;
+        }
+    }
+    bool IsInHead() const
+    {
+        return Stack_.last().Node->type == GUMBO_NODE_DOCUMENT || NameOf(Stack_.last().Node) == u"head" ||
+               NameOf(Stack_.last().Node) == u"html";
+    }
+    void WriteElement(const GumboNode* node)
+    {
+        const QString name = NameOf(node);
+        if (name == u"html" || name == u"head")
+            return GoThrough(node);
+        if (name == u"body") {
+            BodyAttributes_ = Attributes(node, name);
+            return GoThrough(node);
+        }
+        if (name == u"title" && IsInHead()) {
+            Title_ = TextIn(node).simplified();
+            return;
+        }
+        if (name == u"style")
+            return TakeStyle(node);
+        Count(node, name);
+        if (name == u"img" && !IsPictureWithin(Attribute(node, "src").trimmed())) {
+            Body_ += EscapedText(Attribute(node, "alt"));
+            return;
+        }
+        if (IsWritten(name)) {
+            Body_ += u'<' + name + Attributes(node, name) + u'>';
+            if (!IsEmptyElement(name))
+                Stack_.append({node, 0, QStringLiteral("</%1>").arg(name)});
+            return;
+        }
+        if (!IsGoneWithContent(name))
+            GoThrough(node);
+    }
+    void GoThrough(const GumboNode* node) { Stack_.append({node, 0, QString()}); }
+    void TakeStyle(const GumboNode* node)
+    {
+        const QString sheet = TextIn(node);
+        Document_->RemoteContent += NamesRemoteContent(sheet) ? 1 : 0;
+        if (IsInHead())
+            Sheet_ += StyleFilter::Sheet(sheet);
+    }
+    void Count(const GumboNode* node, const QString& name)
+    {
+        Document_->ActiveContent += IsActiveElement(name) ? 1 : 0;
+        if (name == u"meta" && !Attribute(node, "http-equiv").compare(u"refresh", Qt::CaseInsensitive))
+            ++Document_->ActiveContent;
+        const bool fetches = name == u"audio" || name == u"video" || name == u"bgsound" ||
+                             (name == u"link" && !Attribute(node, "href").isEmpty());
+        const bool isPictureElsewhere =
+            name == u"img" && !Attribute(node, "src").isEmpty() && !IsPictureWithin(Attribute(node, "src").trimmed());
+        Document_->RemoteContent += fetches || isPictureElsewhere ? 1 : 0;
+    }
+    QString Attributes(const GumboNode* node, const QString& element)
+    {
+        QString text;
+        const auto add = [&text](const QString& name, const QString& value) {
+            text += QStringLiteral(" ") + name + QStringLiteral("=\"") + EscapedText(value) + u'"';
+        };
+        const GumboVector& attributes = node->v.element.attributes;
+        for (unsigned i = 0; i < attributes.length; ++i) {
+            const auto* attribute = static_cast<const GumboAttribute*>(attributes.data[i]);
+            const QString name = QString::fromUtf8(attribute->name).toLower();
+            const QString value = QString::fromUtf8(attribute->value);
+            if (name == u"style") {
+                Document_->RemoteContent += NamesRemoteContent(value) ? 1 : 0;
+                if (const QString style = StyleFilter::Declarations(value); !style.isEmpty())
+                    add(name, style);
+            } else if (name == u"href" && element == u"a") {
+                AddLink(value, add);
+            } else if (name == u"src" && element == u"img") {
+                add(name, value.trimmed());
+            } else if (IsPlainAttribute(name)) {
+                add(name, value);
+            } else {
+                Document_->ActiveContent +=
+                    name.startsWith(u"on") || name == u"formaction" || name == u"srcdoc" ? 1 : 0;
+                Document_->RemoteContent += FetchesByAttribute(name) ? 1 : 0;
+            }
+        }
+        return text;
+    }
+    template <typename Add>
+    void AddLink(const QString& address, Add&& add)
+    {
+        const SafeLink link = ReadLink(address);
+        Document_->ActiveContent += link.Kind == LinkKind::Active ? 1 : 0;
+        if (link.Kind == LinkKind::Safe)
+            add(QStringLiteral("href"), link.Address);
+        else if (link.Kind == LinkKind::Place)
+            add(QStringLiteral("href"), address.trimmed());
+    }
+
+    SafeDocument* Document_;
+    QVector<Frame> Stack_;
+    QString Title_;
+    QString Sheet_;
+    QString BodyAttributes_;
+    QString Body_;
+};
+
+bool WriteTree(const QString& html, SafeDocument* document)
+{
+    const HtmlTree tree(html.toUtf8());
+    if (tree.Root() == nullptr)
+        return false;
+    DocumentWriter writer(document);
+    writer.Write(tree.Root());
+    document->Html = writer.Page();
+    return true;
+}
+
+} // namespace
+
+SafeDocument MakeDocumentSafe(const QString& html)
+{
+    SafeDocument document;
+    if (TagScanner::Depth(html) <= DeepestPage && WriteTree(html, &document))
+        return document;
+    SafeDocument textOnly;
+    textOnly.IsTextOnly = true;
+    // The text has no tags left, so that parsing it resolves its entities and no more.
+    WriteTree(QStringLiteral("<div style=\"white-space: pre-wrap\">") + TagScanner::TextOf(html), &textOnly);
+    return textOnly;
+}
+
+QString AddressOfPicture(const QByteArray& octets)
+{
+    QString kind;
+    if (octets.startsWith("\x89PNG"))
+        kind = QStringLiteral("png");
+    else if (octets.startsWith("\xFF\xD8\xFF"))
+        kind = QStringLiteral("jpeg");
+    else if (octets.startsWith("GIF8"))
+        kind = QStringLiteral("gif");
+    else
+        return {};
+    return DataAddress + kind + Encoding + QString::fromLatin1(octets.toBase64());
+}
+
+bool IsPictureWithin(const QString& address)
+{
+    return !PictureWithin(address).isEmpty();
+}
+
+QByteArray PictureWithin(const QString& address)
+{
+    if (!address.startsWith(DataAddress, Qt::CaseInsensitive))
+        return {};
+    const qsizetype encoding = address.indexOf(Encoding, DataAddress.size(), Qt::CaseInsensitive);
+    if (encoding < 0)
+        return {};
+    const auto kind = QStringView(address).sliced(DataAddress.size(), encoding - DataAddress.size());
+    bool isRead = false;
+    for (const char* known : {"png", "jpeg", "jpg", "gif"})
+        isRead = isRead || kind.compare(QLatin1String(known), Qt::CaseInsensitive) == 0;
+    if (!isRead)
+        return {};
+    const QByteArray octets = QByteArray::fromBase64(address.sliced(encoding + Encoding.size()).toLatin1());
+    // What it says it is need not be what it is.
+    return AddressOfPicture(octets).isEmpty() ? QByteArray() : octets;
+}

@@ -1,0 +1,258 @@
+#include "platform/widgets/PrintedPages.h"
+
+#include "platform/widgets/PictureReader.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QBuffer>
+#include <QHash>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSaveFile>
+#include <QTextFrame>
+#include <QTextObjectInterface>
+#include <QTextTable>
+#include <QThread>
+#include <QUrl>
+
+#include <numeric>
+
+namespace
+{
+constexpr double MillimetresPerInch = 25.4;
+constexpr double DotsPerInch = 96;
+constexpr double DotsPerMillimetre = DotsPerInch / MillimetresPerInch;
+constexpr double BasePoints = 11;
+constexpr double NumberPoints = 8;
+constexpr double PointsPerInch = 72;
+/// The smallest that a page too wide for its paper gets; the rest would not be read.
+constexpr double LargestShrink = 2.5;
+constexpr qint64 MostPixelsOnPage = 8 * PictureReader::MostPixels;
+
+QSizeF Printable(const PaperSetup& setup)
+{
+    const QSizeF size(setup.Paper.width() - setup.Margins.left() - setup.Margins.right(),
+                      setup.Paper.height() - setup.Margins.top() - setup.Margins.bottom());
+    return size.expandedTo(QSizeF(20, 20)) * DotsPerMillimetre;
+}
+} // namespace
+
+/// A document whose resources are the pictures within the page alone: the base class would read files by itself. It is
+/// the drawer of its pictures as well, no larger than the paper.
+class PrintedPages::Document : public QTextDocument, public QTextObjectInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(QTextObjectInterface)
+
+public:
+    Document()
+    {
+        setUndoRedoEnabled(false);
+        setDocumentMargin(0);
+        setUseDesignMetrics(true);
+        documentLayout()->registerHandler(QTextFormat::ImageObject, this);
+    }
+
+    QSizeF intrinsicSize(QTextDocument*, int, const QTextFormat& format) override
+    {
+        const QTextImageFormat picture = format.toImageFormat();
+        QSizeF size = Picture(picture.name()).size();
+        if (size.isEmpty())
+            return {0, 0};
+        if (picture.width() > 0 && picture.height() > 0)
+            size = {picture.width(), picture.height()};
+        else if (picture.width() > 0)
+            size *= picture.width() / size.width();
+        else if (picture.height() > 0)
+            size *= picture.height() / size.height();
+        const QSizeF room = pageSize() * 0.96;
+        const double shrink = std::min({1.0, room.width() / size.width(), room.height() / size.height()});
+        return size * shrink;
+    }
+    void drawObject(QPainter* painter, const QRectF& place, QTextDocument*, int, const QTextFormat& format) override
+    {
+        const QImage picture = Picture(format.toImageFormat().name());
+        if (picture.isNull())
+            return;
+        painter->save();
+        painter->setRenderHint(QPainter::SmoothPixmapTransform);
+        painter->drawImage(place, picture);
+        painter->restore();
+    }
+
+protected:
+    QVariant loadResource(int, const QUrl&) override { return {}; }
+
+private:
+    QImage Picture(const QString& address)
+    {
+        const auto known = Pictures_.constFind(address);
+        if (known != Pictures_.constEnd())
+            return *known;
+        QImage picture;
+        const QByteArray octets = PictureWithin(address);
+        const qint64 pixels = PictureReader::Pixels(octets);
+        if (pixels > 0 && Pixels_ + pixels <= MostPixelsOnPage) {
+            Pixels_ += pixels;
+            picture = PictureReader::Read(octets);
+        }
+        Pictures_.insert(address, picture);
+        return picture;
+    }
+
+    QHash<QString, QImage> Pictures_;
+    qint64 Pixels_ = 0;
+};
+
+namespace
+{
+/// Tables of fixed widths that are too wide share the width that there is.
+void FitTables(QTextDocument& document)
+{
+    const double available = document.pageSize().width();
+    QList<QTextFrame*> frames{document.rootFrame()};
+    while (!frames.isEmpty()) {
+        QTextFrame* frame = frames.takeLast();
+        frames += frame->childFrames();
+        auto* table = qobject_cast<QTextTable*>(frame);
+        if (table == nullptr)
+            continue;
+        QTextTableFormat format = table->format();
+        if (format.width().type() == QTextLength::FixedLength && format.width().rawValue() > available)
+            format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
+        auto widths = format.columnWidthConstraints();
+        const double sum = std::accumulate(widths.begin(), widths.end(), 0.0, [](double total, const QTextLength& one) {
+            return total + (one.type() == QTextLength::FixedLength ? one.rawValue() : 0);
+        });
+        if (sum > available) {
+            for (QTextLength& width : widths) {
+                if (width.type() == QTextLength::FixedLength)
+                    width = QTextLength(QTextLength::PercentageLength, 100 * width.rawValue() / sum);
+            }
+            format.setColumnWidthConstraints(widths);
+        }
+        if (format != table->format())
+            table->setFormat(format);
+    }
+}
+} // namespace
+
+PrintedPages::PrintedPages(const SafeDocument& page, const PaperSetup& setup)
+    : Setup_(setup), Device_(1, 1, QImage::Format_RGB32), Document_(std::make_unique<Document>())
+{
+    Device_.setDotsPerMeterX(qRound(DotsPerMillimetre * 1000));
+    Device_.setDotsPerMeterY(qRound(DotsPerMillimetre * 1000));
+    Document_->documentLayout()->setPaintDevice(&Device_);
+    QFont font(QStringList{QStringLiteral("Liberation Sans"), QStringLiteral("Arial"), QStringLiteral("Helvetica")});
+    font.setStyleHint(QFont::SansSerif);
+    font.setPointSizeF(BasePoints);
+    Document_->setDefaultFont(font);
+    QTextOption option = Document_->defaultTextOption();
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    Document_->setDefaultTextOption(option);
+    Document_->setDefaultStyleSheet(QStringLiteral("a { color: #000000; text-decoration: underline; }"));
+    Document_->setPageSize(Printable(setup));
+    Document_->setHtml(page.Html);
+    LayOut();
+}
+
+PrintedPages::~PrintedPages() = default;
+
+void PrintedPages::LayOut()
+{
+    FitTables(*Document_);
+    const double width = Document_->documentLayout()->documentSize().width();
+    Shrink_ = std::clamp(width / Document_->pageSize().width(), 1.0, LargestShrink);
+    if (Shrink_ > 1)
+        Document_->setPageSize(Printable(Setup_) * Shrink_);
+    PageCount_ = std::max(Document_->pageCount(), 1);
+}
+
+void PrintedPages::MoveTo(QThread* thread)
+{
+    Document_->moveToThread(thread);
+}
+
+QString PrintedPages::Title() const
+{
+    return Document_->metaInformation(QTextDocument::DocumentTitle);
+}
+
+void PrintedPages::PaintPage(QPainter& painter, int page, double dotsPerMillimetre) const
+{
+    if (page < 0 || page >= PageCount_)
+        return;
+    const QSizeF size = Document_->pageSize();
+    painter.save();
+    painter.translate(Setup_.Margins.left() * dotsPerMillimetre, Setup_.Margins.top() * dotsPerMillimetre);
+    const double scale = dotsPerMillimetre / DotsPerMillimetre / Shrink_;
+    painter.scale(scale, scale);
+    painter.translate(0, -page * size.height());
+    QAbstractTextDocumentLayout::PaintContext context;
+    context.clip = QRectF(QPointF(0, page * size.height()), size);
+    context.palette = QPalette(Qt::black, Qt::white, Qt::white, Qt::black, Qt::gray, Qt::black, Qt::white);
+    painter.setClipRect(context.clip, Qt::IntersectClip);
+    Document_->documentLayout()->draw(&painter, context);
+    painter.restore();
+
+    if (!Setup_.NumbersPages || PageCount_ == 1)
+        return;
+    painter.save();
+    QFont font = Document_->defaultFont();
+    font.setPixelSize(qMax(1, qRound(NumberPoints / PointsPerInch * MillimetresPerInch * dotsPerMillimetre)));
+    painter.setFont(font);
+    painter.setPen(Qt::black);
+    const QSizeF paper = Setup_.Paper * dotsPerMillimetre;
+    const double margin = Setup_.Margins.bottom() * dotsPerMillimetre;
+    painter.drawText(QRectF(0, paper.height() - margin, paper.width(), margin), Qt::AlignCenter,
+                     QStringLiteral("Page %1 of %2").arg(page + 1).arg(PageCount_));
+    painter.restore();
+}
+
+bool PrintedPages::Print(QPagedPaintDevice& device, const PageStep& step, int first, int last) const
+{
+    QPageLayout layout(QPageSize(Setup_.Paper, QPageSize::Millimeter), QPageLayout::Portrait, QMarginsF(),
+                       QPageLayout::Millimeter);
+    // The margins are measured from the paper's edge, not from what the printer can reach.
+    layout.setMode(QPageLayout::FullPageMode);
+    QPainter painter;
+    if (!device.setPageLayout(layout) || !painter.begin(&device))
+        return false;
+    if (last < 0 || last >= PageCount_)
+        last = PageCount_ - 1;
+    const double dotsAcross = device.logicalDpiX() / MillimetresPerInch;
+    painter.scale(1, double(device.logicalDpiY()) / device.logicalDpiX());
+    for (int page = first; page <= last; ++page) {
+        if ((step && !step(page, PageCount_)) || (page > first && !device.newPage()))
+            return false;
+        PaintPage(painter, page, dotsAcross);
+    }
+    return painter.end();
+}
+
+bool PrintedPages::WritePdf(const QString& fileName, QString& problem, const PageStep& step) const
+{
+    problem.clear();
+    bool isStopped = false;
+    QBuffer pages;
+    pages.open(QIODevice::WriteOnly);
+    {
+        QPdfWriter writer(&pages);
+        writer.setTitle(Title());
+        writer.setCreator(QStringLiteral("Tolva"));
+        const bool isPrinted = Print(writer, [&](int page, int count) {
+            isStopped = step && !step(page, count);
+            return !isStopped;
+        });
+        if (!isPrinted) {
+            problem = isStopped ? QString() : QStringLiteral("The pages could not be drawn.");
+            return false;
+        }
+    }
+    QSaveFile file(fileName);
+    if (file.open(QIODevice::WriteOnly) && file.write(pages.data()) == pages.size() && file.commit())
+        return true;
+    problem = QStringLiteral("The file \"%1\" could not be written: %2").arg(fileName, file.errorString());
+    return false;
+}
+
+#include "PrintedPages.moc"

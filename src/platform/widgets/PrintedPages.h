@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/html/SafeDocument.h"
+
+#include <QImage>
+#include <QMarginsF>
+#include <QSizeF>
+#include <QTextDocument>
+
+#include <functional>
+#include <memory>
+
+class QPagedPaintDevice;
+class QPainter;
+class QThread;
+
+/// The paper that pages are laid out for, in millimetres.
+struct PaperSetup
+{
+    static constexpr QSizeF A4{210, 297};
+    static constexpr QSizeF Letter{215.9, 279.4};
+
+    QSizeF Paper = A4;
+    QMarginsF Margins{15, 15, 15, 15};
+    /// "Page 2 of 3" in the bottom margin; a single page has none.
+    bool NumbersPages = true;
+
+    bool operator==(const PaperSetup&) const = default;
+};
+
+/// A page laid out on paper: the same pages on a screen, in a PDF file and on a printer. It loads nothing; pictures are
+/// those within the page. What is wider than the paper is made narrower. Black on white, whatever the desktop's theme
+/// is.
+///
+/// Laying out takes its time with the length of the page; it may be made in a thread of its own and then be moved to
+/// the one that shows it.
+class PrintedPages
+{
+public:
+    PrintedPages(const SafeDocument& page, const PaperSetup& setup);
+    ~PrintedPages();
+    PrintedPages(const PrintedPages&) = delete;
+    PrintedPages& operator=(const PrintedPages&) = delete;
+
+    /// Called in the thread that it was made in; used in the other one from then on.
+    void MoveTo(QThread* thread);
+
+    const PaperSetup& Setup() const { return Setup_; }
+    QString Title() const;
+    /// At least 1.
+    int PageCount() const { return PageCount_; }
+    /// Draws one page, 0 for the first, with the paper's corner at the painter's origin. Paints no ground.
+    void PaintPage(QPainter& painter, int page, double dotsPerMillimetre) const;
+
+    /// Told before each page; false from it ends the printing.
+    using PageStep = std::function<bool(int page, int pageCount)>;
+    /// Pages from first to last (0 for the first page; -1 for the last one there is) without margins of the device's
+    /// own. False when the device refused, or step said so.
+    bool Print(QPagedPaintDevice& device, const PageStep& step = {}, int first = 0, int last = -1) const;
+    /// Writes the file whole or not at all. False when that failed, with the reason in words, or step said so, without.
+    bool WritePdf(const QString& fileName, QString& problem, const PageStep& step = {}) const;
+
+private:
+    class Document;
+
+    void LayOut();
+
+    PaperSetup Setup_;
+    /// Gives the layout a resolution of its own.
+    QImage Device_;
+    std::unique_ptr<Document> Document_;
+    double Shrink_ = 1;
+    int PageCount_ = 1;
+};
