@@ -204,9 +204,9 @@ bool AddressBox::TakeCommand(const QKeyEvent& event)
     else if (event.matches(QKeySequence::SelectAll))
         Box_->selectAll();
     else if (event.matches(QKeySequence::Undo))
-        Box_->undo();
+        Box_->Undo();
     else if (event.matches(QKeySequence::Redo))
-        Box_->redo();
+        Box_->Redo();
     else
         return false;
     return true;

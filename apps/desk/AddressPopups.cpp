@@ -20,9 +20,7 @@ void MakePassive(QWidget& widget)
 void PlaceAt(QWidget& widget, const QRect& line)
 {
     const QRect screen = widget.screen()->availableGeometry();
-    const bool isRightToLeft = widget.layoutDirection() == Qt::RightToLeft;
-    QPoint place = isRightToLeft ? QPoint(line.right() - widget.width(), line.bottom() + 2)
-                                 : QPoint(line.left(), line.bottom() + 2);
+    QPoint place(line.left(), line.bottom() + 2);
     if (place.y() + widget.height() > screen.bottom())
         place.setY(line.top() - widget.height() - 2);
     place.setX(qBound(screen.left(), place.x(), qMax(screen.left(), screen.right() - widget.width())));
@@ -35,6 +33,8 @@ SuggestionList::SuggestionList(QWidget* parent) : QListWidget(parent)
 {
     MakePassive(*this);
     setObjectName(QStringLiteral("suggestions"));
+    // As the box itself: entries read from the left, whatever script a name is in.
+    setLayoutDirection(Qt::LeftToRight);
     setAccessibleName(tr("Contacts"));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -163,8 +163,11 @@ void uMessageAddress::KeyDown(int& key)
     case Qt::Key_End:
         return;
     default:
-        if (!Locked())
-            rtfAddresses_->SetSelProtected(false);
+        if (Locked())
+            return;
+        // A run loses its protection whole or not at all.
+        rtfAddresses_->WidenSelection();
+        rtfAddresses_->SetSelProtected(false);
     }
 }
 

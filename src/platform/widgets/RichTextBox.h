@@ -120,6 +120,8 @@ public Q_SLOTS:
     /// The user's commands; each keeps the rules for runs.
     void Cut();
     void Delete();
+    void Undo();
+    void Redo();
 
 Q_SIGNALS:
     /// The text is another; not for a change of forms alone.
@@ -159,6 +161,7 @@ private:
     bool PrepareForInput();
     void PutInPlaceOfSelection(QKeyEvent& event);
     bool ObeyCommand(QKeyEvent& event);
+    void StepInHistory(void (QTextDocument::*step)());
     void RemoveTo(QTextCursor::MoveOperation operation);
 
     QString Text_;

@@ -111,6 +111,13 @@ bool RichTextBox::ObeyCommand(QKeyEvent& event)
     }
     if (isReadOnly())
         return false;
+    if (event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo)) {
+        if (event.matches(QKeySequence::Undo))
+            Undo();
+        else
+            Redo();
+        return true;
+    }
     const bool takesBack = event.key() == Qt::Key_Backspace;
     const bool isRemoval = takesBack || event.key() == Qt::Key_Delete;
     if (isRemoval && SelLength() > 0)
@@ -142,6 +149,35 @@ void RichTextBox::RemoveTo(QTextCursor::MoveOperation operation)
     const Hold hold(*this);
     SetCursor(cursor);
     RemoveSelection();
+}
+
+void RichTextBox::Undo()
+{
+    StepInHistory(&QTextDocument::undo);
+}
+
+void RichTextBox::Redo()
+{
+    StepInHistory(&QTextDocument::redo);
+}
+
+/// The document cannot always tell the caret's place behind a step that changed text and forms, so it is taken from
+/// what the step changed.
+void RichTextBox::StepInHistory(void (QTextDocument::*step)())
+{
+    if (isReadOnly())
+        return;
+    int place = -1;
+    const QMetaObject::Connection connection =
+        connect(document(), &QTextDocument::contentsChange, this,
+                [&place](int position, int, int added) { place = position + added; });
+    IsTaken_ = true;
+    (document()->*step)();
+    IsTaken_ = false;
+    disconnect(connection);
+    if (place >= 0)
+        SetSelStart(place);
+    TakeText();
 }
 
 void RichTextBox::Cut()
@@ -201,9 +237,9 @@ void RichTextBox::contextMenuEvent(QContextMenuEvent* event)
         return action;
     };
     connect(add(tr("&Undo"), QKeySequence::Undo, !Locked() && document()->isUndoAvailable()), &QAction::triggered, this,
-            &QTextEdit::undo);
+            &RichTextBox::Undo);
     connect(add(tr("&Redo"), QKeySequence::Redo, !Locked() && document()->isRedoAvailable()), &QAction::triggered, this,
-            &QTextEdit::redo);
+            &RichTextBox::Redo);
     menu->addSeparator();
     connect(add(tr("Cu&t"), QKeySequence::Cut, !Locked() && isSelected), &QAction::triggered, this, &RichTextBox::Cut);
     connect(add(tr("&Copy"), QKeySequence::Copy, isSelected), &QAction::triggered, this, &QTextEdit::copy);

@@ -322,10 +322,10 @@ TEST_F(RichTextBoxTest, WhatOneHoldDidIsOneStepToUndo)
         EXPECT_EQ(Box.Text(), QStringLiteral("abRUNcdNEW; "));
     }
     EXPECT_EQ(States(), QStringLiteral("..PPP..PPP.."));
-    Box.undo();
+    Box.Undo();
     EXPECT_EQ(Box.Text(), QStringLiteral("abRUNcd"));
     EXPECT_EQ(States(), QStringLiteral("..PPP.."));
-    Box.redo();
+    Box.Redo();
     EXPECT_EQ(States(), QStringLiteral("..PPP..PPP.."));
 }
 
@@ -333,7 +333,7 @@ TEST_F(RichTextBoxTest, TypedTextIsUndoneTogether)
 {
     Box.SetSelStart(7);
     QTest::keyClicks(&Box, QStringLiteral("hello"));
-    Box.undo();
+    Box.Undo();
     EXPECT_EQ(Box.Text(), QStringLiteral("abRUNcd"));
 }
 
@@ -390,7 +390,7 @@ TEST_F(RichTextBoxTest, ClearingCanBeUndone)
 {
     Box.SetTextRTF(QString());
     EXPECT_EQ(Box.Text(), QString());
-    Box.undo();
+    Box.Undo();
     EXPECT_EQ(Box.Text(), QStringLiteral("abRUNcd"));
     EXPECT_EQ(States(), QStringLiteral("..PPP.."));
 }
