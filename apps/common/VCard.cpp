@@ -79,6 +79,7 @@ public:
 
     clsKVContact Make()
     {
+        const QString address = TakePostalAddresses();
         TakeNumbers();
         TakeAddresses();
         TakeName();
@@ -86,12 +87,15 @@ public:
         AddStructured(u"ORG", Tr("Organisation"), {0, 1, 2, 3});
         AddLines(u"TITLE", Tr("Title"));
         AddLines(u"ROLE", Tr("Role"));
-        AddPostalAddresses();
         AddLines(u"URL", Tr("Web page"));
         AddLines(u"BDAY", Tr("Birthday"));
         AddLines(u"CATEGORIES", Tr("Categories"));
         AddNotes();
-        Contact_.Other = Other_.join(u'\n');
+        // Labels are made of the lines above the first two empty ones.
+        Contact_.Other = address;
+        if (!address.isEmpty() && !Other_.isEmpty())
+            Contact_.Other += QStringLiteral("\n\n\n");
+        Contact_.Other += Other_.join(u'\n');
         return Contact_;
     }
 
@@ -120,15 +124,22 @@ private:
         for (const Property* property : Named(Card_, name))
             AddLine(kind, Joined(*property, order, QStringLiteral(", ")));
     }
-    void AddPostalAddresses()
+    /// The first address in lines as they stand on a label; further ones become lines of other.
+    QString TakePostalAddresses()
     {
+        QString label;
         for (const Property* property : Named(Card_, u"ADR")) {
+            if (label.isEmpty()) {
+                label = Joined(*property, {0, 1, 2, 3, 4, 5, 6}, QStringLiteral("\n"));
+                continue;
+            }
             const QString kind = property->Types.contains(u"WORK")   ? Tr("Work address")
                                  : property->Types.contains(u"HOME") ? Tr("Home address")
                                                                      : Tr("Address");
             // Post office box, extension, street, town, region, post code, country.
             AddLine(kind, Joined(*property, {0, 1, 2, 3, 4, 5, 6}, QStringLiteral(", ")));
         }
+        return label;
     }
     void AddNotes()
     {

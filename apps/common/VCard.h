@@ -25,9 +25,9 @@ struct Reading
 
 /// Reads a file of any of the three versions, several cards mixed. The name is the formatted one, or made of the parts
 /// of the structured one; mobile is the first number of a mobile telephone, telephone the first other one, the e-mail
-/// addresses are the first two, each in the order of preference. What else is worth keeping stands in other, a line for
-/// each, after its kind ("Home: 01736 555 019"): further numbers and addresses, organisation, title, postal addresses,
-/// web pages, birthday; notes stand there as they are. Pictures, sounds, keys and private properties are left out. A
+/// addresses are the first two, each in the order of preference. What else is worth keeping stands in other: the postal
+/// address as its lines on a label, and below two empty lines, a line for each after its kind ("Home: 01736 555 019"),
+/// further numbers and addresses, organisation, title, web pages, birthday; notes stand there as they are. Pictures, sounds, keys and private properties are left out. A
 /// detail that is too long for the directory stands in other, too. Never fails: what is cut off or empty is a problem.
 Reading Read(const QByteArray& octets);
 

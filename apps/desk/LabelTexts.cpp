@@ -21,8 +21,13 @@ LabelTexts::Entry LabelTexts::EntryOf(const clsKVContact& contact)
     QStringList lines;
     QString address = contact.Other;
     address.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    int emptyLines = 0;
     for (const QString& line : address.split(u'\n')) {
-        if (!line.trimmed().isEmpty())
+        // What stands below two empty lines is about the contact and no address.
+        emptyLines = line.trimmed().isEmpty() ? emptyLines + 1 : 0;
+        if (emptyLines == 2 && !lines.isEmpty())
+            break;
+        if (emptyLines == 0)
             lines.append(line.trimmed());
     }
     Entry entry;

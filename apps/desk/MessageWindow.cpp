@@ -63,6 +63,8 @@ void MessageWindow::MakeActions()
     QAction* award = add("awardToSender", QString(), tr("A&ward a prize to the sender..."),
                          QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
     QAction* print = add("printMessage", QStringLiteral("print"), tr("&Print..."), QKeySequence(Qt::CTRL | Qt::Key_P));
+    QAction* contact =
+        add("senderContact", QString(), tr("Sender's c&ontact..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
     menu->addSeparator();
     QAction* close = add("closeMessage", QString(), tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W));
     close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)});
@@ -72,6 +74,7 @@ void MessageWindow::MakeActions()
     connect(forward, &QAction::triggered, this, [this] { Q_EMIT ForwardWanted(Message_); });
     connect(award, &QAction::triggered, this, [this] { Q_EMIT AwardToSenderWanted(Message_); });
     connect(print, &QAction::triggered, this, [this] { Q_EMIT PrintWanted(Message_); });
+    connect(contact, &QAction::triggered, this, [this] { Q_EMIT SenderContactWanted(Message_); });
     connect(close, &QAction::triggered, this, &QWidget::close);
 }
 

@@ -29,6 +29,7 @@ Q_SIGNALS:
     void ForwardWanted(const cMessagePtr& message);
     void AwardToSenderWanted(const cMessagePtr& message);
     void PrintWanted(const cMessagePtr& message);
+    void SenderContactWanted(const cMessagePtr& message);
     void WasRead(qint32 reference);
 
 private:

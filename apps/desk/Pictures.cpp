@@ -18,6 +18,7 @@
 #include "UnusualMessages.h"
 #include "common/UserInterface.h"
 #include "common/dialogs/frmDirectoryUsers.h"
+#include "contacts/ContactPictures.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 #include "printing/PrintDialog.h"
@@ -134,6 +135,8 @@ public:
         Find();
         Writing();
         Dialogs();
+        ContactPictures::Take(Window().Station(),
+                              [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); });
         if (withLarge)
             Large();
         Window().close();

@@ -119,6 +119,14 @@ TEST_F(LabelsDialogTest, ALabelIsTheNameAndTheLinesOfTheOtherDetail)
     EXPECT_EQ(Words("count"), QStringLiteral("1 label on 1 sheet"));
 }
 
+TEST_F(LabelsDialogTest, WhatStandsBelowTwoEmptyLinesIsNotPrinted)
+{
+    AddContact(QStringLiteral("Ann Tregenza"), QStringLiteral("1 Hill Road\nPorthmellin\n\n\nBirthday: 3 May"));
+    Open();
+    Toggle(0);
+    EXPECT_EQ(Dialog->Texts(), QStringList{Ann});
+}
+
 TEST_F(LabelsDialogTest, FindHidesTheOthersAndCheckAllTakesWhatIsShown)
 {
     AddThree();

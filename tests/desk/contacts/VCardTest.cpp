@@ -37,9 +37,9 @@ TEST(VCardTest, AnOldCardIsReadWithItsCharactersSoftBreaksAndAgents)
     EXPECT_EQ(contact.Telephone, QStringLiteral("01736 555 019"));
     EXPECT_EQ(contact.Email, QStringLiteral("zoe@example.org"));
     EXPECT_TRUE(contact.SecondEmail.isEmpty());
-    EXPECT_EQ(contact.Other, QStringLiteral("Work fax: 01632 960456\n"
-                                            "Home address: 1 Quay; upper floor, St Ives, Cornwall, TR26 1XX\n"
-                                            "Sings in the choir.\nCalls after the news, never before."));
+    EXPECT_EQ(contact.Other,
+              QStringLiteral("1 Quay; upper floor\nSt Ives\nCornwall\nTR26 1XX\n\n\nWork fax: 01632 960456\n"
+                             "Sings in the choir.\nCalls after the news, never before."));
 }
 
 TEST(VCardTest, ACardOfTodayIsReadWithGroupsFoldsAndEscapes)
@@ -83,8 +83,8 @@ TEST(VCardTest, CardsThatAreCutOffAreNamedAndTheWholeOnesRead)
     EXPECT_EQ(reading.Contacts.at(0).Name, QStringLiteral("Whole One"));
     EXPECT_EQ(reading.Contacts.at(1).Name, QStringLiteral("Whole Two"));
     EXPECT_EQ(reading.Problems, QStringList({QStringLiteral("Card 2, line 6, \"Lost Middle\": is cut off."),
-                                             QStringLiteral("Card 4, line 13: has no name, number or address."),
-                                             QStringLiteral("Card 5, line 17, \"Lost End\": is cut off.")}));
+                                             QStringLiteral("Card 4, line 14: has no name, number or address."),
+                                             QStringLiteral("Card 5, line 18, \"Lost End\": is cut off.")}));
 }
 
 TEST(VCardTest, ACardCutAtAnyPlaceIsNeverReadByHalf)
@@ -136,6 +136,15 @@ TEST(VCardTest, WhatIsTooLongForADetailStandsInOther)
     EXPECT_EQ(contact.Mobile, QStringLiteral("07700 900123"));
     EXPECT_EQ(contact.Other,
               QStringLiteral("Mobile: %1\nName: %2").arg(QString::fromLatin1(number), QString::fromLatin1(name)));
+}
+
+TEST(VCardTest, TheFirstPostalAddressIsThatOfALabelAndOthersAreLines)
+{
+    const clsKVContact contact =
+        ReadLines("FN:Wella\r\nADR;TYPE=WORK,PREF:PO Box 1;;;St Ives;;;\r\nADR;TYPE=HOME:;;2 Quay;St Ives;;;UK");
+    EXPECT_EQ(contact.Other, QStringLiteral("PO Box 1\nSt Ives\n\n\nHome address: 2 Quay, St Ives, UK"));
+    EXPECT_EQ(ReadLines("FN:Wella\r\nADR:;;2 Quay;St Ives;;;").Other, QStringLiteral("2 Quay\nSt Ives"));
+    EXPECT_EQ(ReadLines("FN:Wella\r\nADR:;;;;;;\r\nROLE:Baker").Other, QStringLiteral("Role: Baker"));
 }
 
 TEST(VCardTest, TheSameNumberOrAddressTwiceIsTakenOnce)
