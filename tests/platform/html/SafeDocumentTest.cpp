@@ -4,6 +4,8 @@
 
 #include "platform/html/StyleFilter.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 namespace
