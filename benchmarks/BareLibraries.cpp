@@ -29,6 +29,27 @@ qsizetype SubjectLength(GMimeMessage* message)
     const char* subject = g_mime_message_get_subject(message);
     return subject ? static_cast<qsizetype>(qstrlen(subject)) : 0;
 }
+
+QString AddressText(InternetAddressList* addresses)
+{
+    char* text = addresses ? internet_address_list_to_string(addresses, nullptr, FALSE) : nullptr;
+    const QString result = QString::fromUtf8(text);
+    g_free(text);
+    return result;
+}
+
+void TakeText(GMimeObject*, GMimeObject* part, gpointer mail)
+{
+    if (!GMIME_IS_TEXT_PART(part))
+        return;
+    char* text = g_mime_text_part_get_text(GMIME_TEXT_PART(part));
+    GMimeContentType* type = g_mime_object_get_content_type(part);
+    const bool isHtml = qstricmp(g_mime_content_type_get_media_subtype(type), "html") == 0;
+    QString& body = isHtml ? static_cast<BareMail*>(mail)->HTML : static_cast<BareMail*>(mail)->Text;
+    if (body.isEmpty())
+        body = QString::fromUtf8(text);
+    g_free(text);
+}
 } // namespace
 
 BareDatabase::BareDatabase(const QString& fileName)
@@ -77,4 +98,16 @@ qsizetype ParseHeaders(const QByteArray& mail)
     const qsizetype length = SubjectLength(message);
     g_object_unref(message);
     return length;
+}
+
+BareMail ReadMail(const QByteArray& mail)
+{
+    GMimeMessage* message = Parse(mail.constData(), mail.size());
+    BareMail result;
+    result.From = AddressText(g_mime_message_get_from(message));
+    result.To = AddressText(g_mime_message_get_to(message));
+    result.Subject = QString::fromUtf8(g_mime_message_get_subject(message));
+    g_mime_message_foreach(message, TakeText, &result);
+    g_object_unref(message);
+    return result;
 }

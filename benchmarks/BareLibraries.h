@@ -29,3 +29,16 @@ private:
 qsizetype ParseMail(const QByteArray& mail);
 /// Parses the header block alone and decodes the subject.
 qsizetype ParseHeaders(const QByteArray& mail);
+
+/// What a page needs of a mail, as GMime hands it out.
+struct BareMail
+{
+    QString From;
+    QString To;
+    QString Subject;
+    QString Text;
+    QString HTML;
+};
+
+/// Parses the whole mail and decodes its first text and its first HTML.
+BareMail ReadMail(const QByteArray& mail);

@@ -7,6 +7,8 @@ void BenchSaving(const QString& folder, int messages);
 void BenchReading(const QString& largeStation, int large);
 void BenchSearching(const QString& largeStation);
 void BenchHistory(const QString& largeStation);
+/// large: messages of the largest collection.
+void BenchTemplates(int large);
 /// folder: of a small station, which is made.
 void BenchListing(const QString& folder, const QString& largeStation, int large);
 void BenchOpening(const QString& smallStation, const QString& largeStation);

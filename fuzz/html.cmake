@@ -1,2 +1,4 @@
 # The safe page of a mail; seeds and finds are in tests/data/html.
 tolva_add_fuzz_target(safeHtmlFuzz SafeHtmlFuzz.cpp)
+# The page in memory; seeds are in tests/data/html too, finds in tests/data/htmldocument/finds.
+tolva_add_fuzz_target(htmlDocumentFuzz HtmlDocumentFuzz.cpp)

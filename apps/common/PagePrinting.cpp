@@ -84,8 +84,7 @@ PagePrinting::PageTemplate Read(const QString& name, const QString& path)
 
 bool IsPath(const QString& text)
 {
-    return (text.contains(u'/') || text.contains(u'\\') || text.endsWith(u".htm", Qt::CaseInsensitive) ||
-            text.endsWith(u".html", Qt::CaseInsensitive)) &&
+    return (text.endsWith(u".htm", Qt::CaseInsensitive) || text.endsWith(u".html", Qt::CaseInsensitive)) &&
            FileHelper::FileExists(text);
 }
 } // namespace

@@ -22,7 +22,7 @@ struct PageTemplate
 /// The names of the station's templates for messages: those of one message, then those of lists.
 QStringList TemplateNames(const cTolvaDatabase& database);
 QString TitleOf(const QString& name);
-/// The template of that name or title in any case, or in the file of that path. Failure that names those there are
+/// The template of that name or title in any case, or in the .htm file of that path. Failure that names those there are
 /// (data), and for one that cannot be read (no input).
 PageTemplate FindTemplate(const cTolvaDatabase& database, const QString& nameOrPath);
 

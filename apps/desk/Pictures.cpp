@@ -356,9 +356,9 @@ private:
                                                                         QStringLiteral("[Sent] DESC"));
         for (; !rows->AtEOF(); rows->MoveNext())
             all.References.append(rows->Collect(QStringLiteral("Reference")).toInt());
-        if (all.References.isEmpty())
+        if (all.References.size() < 2)
             return;
-        const PrintJob one{{all.References.first()}, nullptr};
+        const PrintJob one{{all.References.at(1)}, nullptr};
         const QString single = QStringLiteral("Single message");
         show(one, single, "print", 1);
         show(all, QStringLiteral("List"), "print-list", 1);

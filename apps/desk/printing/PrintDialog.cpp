@@ -164,7 +164,7 @@ void PrintDialog::Fill()
         const BusyPointer busy;
         const auto pageTemplate = PagePrinting::FindTemplate(Station_.Database(), Template_->currentData().toString());
         // A template with a list of its own says itself where pages begin.
-        PageEach_->setEnabled(!pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_REPEAT>")));
+        PageEach_->setEnabled(IsOfMany() && !pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_REPEAT>")));
         PagePrinting::PageOptions options;
         options.UnreadIsBold = Bold_->isChecked();
         options.PendingIsItalic = Italic_->isChecked();

@@ -86,6 +86,14 @@ QString TextIn(const GumboNode* node)
     return text;
 }
 
+/// Without the blanks that a page has behind its last element, which the parser would count into the body again.
+QString WithoutEnd(QString text)
+{
+    while (!text.isEmpty() && text.back().isSpace() && text.back() != QChar::Nbsp)
+        text.chop(1);
+    return text;
+}
+
 /// Writes one page. Works through the tree with a stack of its own, so that no depth of nesting is too deep.
 class DocumentWriter
 {
@@ -117,7 +125,8 @@ public:
                    .arg(Policy) +
                EscapedText(Title_) + QStringLiteral("</title>\n") +
                (Sheet_.isEmpty() ? QString() : QStringLiteral("<style>\n") + Sheet_ + QStringLiteral("</style>\n")) +
-               QStringLiteral("</head>\n<body") + BodyAttributes_ + u'>' + Body_ + QStringLiteral("</body>\n</html>\n");
+               QStringLiteral("</head>\n<body") + BodyAttributes_ + u'>' + WithoutEnd(Body_) +
+               QStringLiteral("</body>\n</html>\n");
     }
 
 private:
