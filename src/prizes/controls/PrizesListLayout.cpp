@@ -72,8 +72,8 @@ void uPrizesList::MakeFindBar()
     comboFind_->SetSwallowed(QStringLiteral("'\""));
     comboFind_->setAccessibleName(tr("Find in titles and notes"));
     lblFindDesc_->setBuddy(comboFind_);
-    cmdNewPrize_ =
-        Named(new QPushButton(Icons::Get(QStringLiteral("new")), QStringLiteral("New Prize"), this), "cmdNewPrize");
+    cmdNewPrize_ = Named(new QPushButton(Icons::Get(QStringLiteral("newprize")), QStringLiteral("New Prize"), this),
+                         "cmdNewPrize");
     cmdNewPrize_->setAutoDefault(false);
 }
 

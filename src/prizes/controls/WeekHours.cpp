@@ -7,7 +7,6 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScrollBar>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -18,6 +17,7 @@ namespace
 constexpr int CellMargin = 6;
 constexpr int BlockMargin = 3;
 constexpr int FocusWidth = 2;
+constexpr double LineShare = 0.25;
 
 /// An hour that is available is a block, one that is not is empty: told apart without colours.
 class HourDelegate : public QStyledItemDelegate
@@ -31,7 +31,12 @@ public:
         const auto group = isEnabled ? QPalette::Active : QPalette::Disabled;
         const QColor ground = option.palette.color(group, QPalette::Base);
         painter->save();
+        const QColor text = option.palette.color(group, QPalette::Text);
         painter->fillRect(option.rect, ground);
+        // Lines that can be seen on a dark ground too.
+        painter->setPen(Contrast::Blend(ground, text, LineShare));
+        painter->drawLine(option.rect.topRight(), option.rect.bottomRight());
+        painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
         if (index.data(WeekHoursModel::AvailableRole).toBool()) {
             const QColor ink = option.palette.color(group, isEnabled ? QPalette::Highlight : QPalette::Text);
             painter->fillRect(option.rect.adjusted(BlockMargin, BlockMargin, -BlockMargin, -BlockMargin),
@@ -40,7 +45,7 @@ public:
         const bool isCurrent = option.state.testFlag(QStyle::State_HasFocus);
         if (isCurrent || option.state.testFlag(QStyle::State_Selected)) {
             const int width = isCurrent ? FocusWidth : 1;
-            QPen pen(option.palette.color(group, QPalette::Text), width);
+            QPen pen(text, width);
             pen.setJoinStyle(Qt::MiterJoin);
             painter->setPen(pen);
             const int inset = width / 2;
@@ -61,6 +66,10 @@ WeekHours::WeekHours(QWidget* parent) : QTableView(parent), Model_(new WeekHours
     setTabKeyNavigation(false);
     setCornerButtonEnabled(false);
     setWordWrap(false);
+    setShowGrid(false);
+    // The week fits at the least size; bars would come and go while the sections stretch.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(tr("Hours of the week"));
     setAccessibleDescription(Words());
     for (QHeaderView* header : {horizontalHeader(), verticalHeader()}) {

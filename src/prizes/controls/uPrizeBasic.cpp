@@ -130,7 +130,8 @@ void uPrizeBasic::MakeWinners()
         made->setAutoDefault(false);
         return made;
     };
-    cmdAddWinner_ = button("cmdAddWinner", QStringLiteral("new"), tr("&Add Winner"), QStringLiteral("Add a winner"));
+    cmdAddWinner_ =
+        button("cmdAddWinner", QStringLiteral("newwinner"), tr("&Add Winner"), QStringLiteral("Add a winner"));
     cmdShowWinner_ = button("cmdShowWinner", QStringLiteral("open"), tr("Show &Winner"),
                             QStringLiteral("Display the details of the selected winner"));
     tmrRefresh_ = Named(new QTimer(this), "tmrRefresh");
@@ -386,8 +387,11 @@ void uPrizeBasic::SizeColumns()
 
 bool uPrizeBasic::eventFilter(QObject* watched, QEvent* event)
 {
+    if (!tmrRefresh_)
+        return false; // still being made
     if (watched == picWinners_ && (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
-        picWinners_->layout()->activate();
+        if (QLayout* layout = picWinners_->layout())
+            layout->activate();
         SizeColumns();
     } else if (watched == lvwWinners_->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const auto* release = static_cast<QMouseEvent*>(event);

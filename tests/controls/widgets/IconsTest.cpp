@@ -25,6 +25,8 @@ const QStringList WantedKeys = {
     QStringLiteral("folderinbox"),
     QStringLiteral("folderautomatic"),
     QStringLiteral("new"),
+    QStringLiteral("newprize"),
+    QStringLiteral("newwinner"),
     QStringLiteral("reply"),
     QStringLiteral("replyall"),
     QStringLiteral("forward"),

@@ -1,0 +1,473 @@
+#include "prizes/controls/uPrizeBasic.h"
+
+#include "messageslist/ErrorCatcher.h"
+#include "platform/widgets/ListView.h"
+#include "platform/widgets/PropertyBag.h"
+#include "platform/widgets/SystemColour.h"
+#include "platform/widgets/TabStrip.h"
+#include "platform/widgets/TextBoxes.h"
+#include "platform/widgets/Twips.h"
+#include "support/StationTest.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHash>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+
+namespace
+{
+/// A directory that counts who asks it, and fails when it is told to.
+class Contacts : public FakeDirectory
+{
+public:
+    clsKVContactPtr GetContact(qint32 reference, int, int) const override
+    {
+        ++Asked;
+        if (Fails)
+            throw dao::Error(dao::errLocked, QStringLiteral("The directory is locked."));
+        const auto found = Entries.constFind(reference);
+        return found == Entries.constEnd() ? nullptr : std::make_shared<clsKVContact>(*found);
+    }
+    void Add(qint32 reference, const clsKVContact& contact) { Entries.insert(reference, contact); }
+
+    QHash<qint32, clsKVContact> Entries;
+    mutable int Asked = 0;
+    bool Fails = false;
+};
+} // namespace
+
+class uPrizeBasicTest : public StationTest
+{
+protected:
+    uPrizeBasicTest() : View(std::make_unique<uPrizeBasic>())
+    {
+        OpenStation();
+        View->resize(700, 600);
+        View->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(View.get()));
+        View->SetDirectoryDatabase(&People);
+        clsKVContact ann;
+        ann.Name = QStringLiteral("Ann");
+        ann.Mobile = QStringLiteral("07700 900001");
+        People.Add(11, ann);
+        clsKVContact bob;
+        bob.Name = QStringLiteral("Bob");
+        bob.Email = QStringLiteral("bob@example.com");
+        People.Add(12, bob);
+    }
+    ~uPrizeBasicTest() override { View->close(); }
+
+    /// A stored prize with these contacts as winners, one minute apart, the last of them now; read with its winners.
+    cPrizePtr MakePrize(int supplied, const QList<qint32>& contacts)
+    {
+        const auto prize = std::make_shared<cPrize>();
+        prize->SetTitle(QStringLiteral("Mug"));
+        prize->SetScript(QStringLiteral("Win a mug!"));
+        prize->SetNumberSupplied(supplied);
+        EXPECT_TRUE(Station->SavePrize(prize));
+        for (const qint32 contact : contacts) {
+            Now.Advance(60);
+            const cPrizeWinnerPtr winner = Station->GetNewPrizeWinner(Station->GetPrize(prize->Reference(), false));
+            winner->SetWinnerReference(contact);
+            EXPECT_TRUE(Station->SavePrizeWinner(winner));
+        }
+        return Read(prize->Reference());
+    }
+    cPrizePtr Read(qint32 reference)
+    {
+        const cPrizePtr prize = Station->GetPrize(reference, false);
+        EXPECT_TRUE(Station->GetPrizeWinners(prize));
+        return prize;
+    }
+    template <typename Control>
+    Control& Child(const char* name) const
+    {
+        auto* control = View->findChild<Control*>(QLatin1String(name));
+        if (!control)
+            throw std::runtime_error(std::string("no control ") + name);
+        return *control;
+    }
+    ListView& Winners() const { return Child<ListView>("lvwWinners"); }
+    QString Status() const { return Child<QLabel>("lblWinners").text(); }
+    QPushButton& Add() const { return Child<QPushButton>("cmdAddWinner"); }
+    QPushButton& Show() const { return Child<QPushButton>("cmdShowWinner"); }
+    TextBox& Title() const { return Child<TextBox>("txtTitle"); }
+    TextArea& Script() const { return Child<TextArea>("txtScript"); }
+    QTimer& Timer() const { return Child<QTimer>("tmrRefresh"); }
+    QStringList Column(const char* key) const
+    {
+        QStringList texts;
+        for (const QString& item : Winners().Keys())
+            texts.append(Winners().SubItem(item, Winners().ColumnNamed(QLatin1String(key))));
+        return texts;
+    }
+    QPoint ItemPosition(int row) const { return Winners().visualItemRect(Winners().topLevelItem(row)).center(); }
+    void ClickItem(int row) { QTest::mouseClick(Winners().viewport(), Qt::LeftButton, {}, ItemPosition(row)); }
+    void ClickBesideItems()
+    {
+        QTest::mouseClick(Winners().viewport(), Qt::LeftButton, {},
+                          Winners().viewport()->rect().bottomRight() - QPoint(5, 5));
+    }
+
+    Contacts People;
+    std::unique_ptr<uPrizeBasic> View;
+};
+
+TEST_F(uPrizeBasicTest, HasItsPartsAndColumns)
+{
+    EXPECT_EQ(Child<TabStrip>("tbsDetails").Tabs().count(), 1);
+    EXPECT_EQ(Child<TabStrip>("tbsDetails").Tabs().tabText(0), QStringLiteral(" "));
+    QStringList headings;
+    QStringList keys;
+    for (int i = 0; i < Winners().ColumnCount(); ++i) {
+        headings.append(Winners().headerItem()->text(i));
+        keys.append(Winners().ColumnKey(i));
+    }
+    EXPECT_EQ(headings, QStringList({QStringLiteral("#"), QStringLiteral("Name"), QStringLiteral("Contact"),
+                                     QStringLiteral("Won")}));
+    EXPECT_EQ(keys, QStringList({QStringLiteral("REFERENCE"), QStringLiteral("NAME"), QStringLiteral("CONTACT"),
+                                 QStringLiteral("WONDATE")}));
+    EXPECT_TRUE(Winners().isColumnHidden(0));
+    EXPECT_EQ(Add().toolTip(), QStringLiteral("Add a winner"));
+    EXPECT_EQ(Show().toolTip(), QStringLiteral("Display the details of the selected winner"));
+    EXPECT_EQ(Timer().interval(), 20000);
+    EXPECT_EQ(View->Prize(), nullptr);
+    EXPECT_FALSE(Add().isEnabled());
+    EXPECT_FALSE(Show().isEnabled());
+    EXPECT_EQ(View->BackColour(), SystemColour::ButtonFace);
+}
+
+TEST_F(uPrizeBasicTest, ShowsThePrizeAndItsWinners)
+{
+    const cPrizePtr prize = MakePrize(5, {11, 12});
+    prize->SetEdited(false);
+    View->SetPrize(prize);
+    EXPECT_EQ(View->Prize(), prize);
+    EXPECT_EQ(Title().text(), QStringLiteral("Mug"));
+    EXPECT_EQ(Script().toPlainText(), QStringLiteral("Win a mug!"));
+    EXPECT_EQ(Column("REFERENCE"), QStringList({QStringLiteral("1"), QStringLiteral("2")}));
+    EXPECT_EQ(Column("NAME"), QStringList({QStringLiteral("Ann"), QStringLiteral("Bob")}));
+    EXPECT_EQ(Column("CONTACT"), QStringList({QStringLiteral("07700 900001"), QStringLiteral("bob@example.com")}));
+    EXPECT_EQ(Column("WONDATE"), QStringList({QStringLiteral("(Won just now)"), QStringLiteral("(Won just now)")}));
+    EXPECT_EQ(Winners().Keys().first(), QStringLiteral("w%1").arg(prize->PrizeWinner(1)->Reference()));
+    EXPECT_TRUE(Timer().isActive());
+    EXPECT_FALSE(prize->Edited());
+    EXPECT_TRUE(Add().isEnabled());
+    EXPECT_FALSE(Show().isEnabled());
+
+    View->SetPrize(nullptr);
+    EXPECT_EQ(Title().text(), QString());
+    EXPECT_EQ(Script().toPlainText(), QString());
+    EXPECT_EQ(Status(), QString());
+    EXPECT_EQ(Winners().ItemCount(), 0);
+    EXPECT_FALSE(Timer().isActive());
+    EXPECT_FALSE(Add().isEnabled());
+}
+
+TEST_F(uPrizeBasicTest, TheStatusLineSaysHowManyAreLeft)
+{
+    const auto status = [this](int supplied, int winners) {
+        View->SetPrize(MakePrize(supplied, QList<qint32>(winners, 11)));
+        return Status();
+    };
+    EXPECT_EQ(status(3, 2), QStringLiteral("1 Prize Left"));
+    EXPECT_EQ(status(3, 1), QStringLiteral("2 Prizes Left"));
+    EXPECT_EQ(status(1, 1), QStringLiteral("The Prize has been won"));
+    EXPECT_EQ(status(4, 4), QStringLiteral("All 4 Prizes have been won"));
+    EXPECT_EQ(status(0, 0), QStringLiteral("All 0 Prizes have been won"));
+}
+
+TEST_F(uPrizeBasicTest, APrizeWithoutItsWinnersReadShowsNoneAndDoesNotRefresh)
+{
+    const cPrizePtr prize = MakePrize(5, {11});
+    View->SetPrize(prize);
+    View->SetPrize(Station->GetPrize(prize->Reference(), false));
+    EXPECT_EQ(Title().text(), QStringLiteral("Mug"));
+    EXPECT_EQ(Winners().ItemCount(), 0);
+    EXPECT_EQ(Status(), QString());
+    EXPECT_FALSE(Timer().isActive());
+    EXPECT_TRUE(Add().isEnabled());
+}
+
+TEST_F(uPrizeBasicTest, ANewPrizeTakesNoWinnersYet)
+{
+    View->SetPrize(std::make_shared<cPrize>());
+    EXPECT_FALSE(Add().isEnabled());
+    EXPECT_FALSE(Show().isEnabled());
+}
+
+TEST_F(uPrizeBasicTest, TheFirstFilledDetailIsTheContact)
+{
+    const QStringList details = {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4"),
+                                 QStringLiteral("5")};
+    clsKVContact contact;
+    contact.Name = QStringLiteral("Cas");
+    contact.Other = details.at(4);
+    const cPrizePtr prize = MakePrize(5, {20});
+    const auto shown = [&] {
+        People.Add(20, contact);
+        View->UpdateWinners();
+        return Column("CONTACT").value(0);
+    };
+    People.Add(20, contact);
+    View->SetPrize(prize);
+    EXPECT_EQ(shown(), QStringLiteral("5"));
+    contact.SecondEmail = details.at(3);
+    EXPECT_EQ(shown(), QStringLiteral("4"));
+    contact.Email = details.at(2);
+    EXPECT_EQ(shown(), QStringLiteral("3"));
+    contact.Telephone = details.at(1);
+    EXPECT_EQ(shown(), QStringLiteral("2"));
+    contact.Mobile = details.at(0);
+    EXPECT_EQ(shown(), QStringLiteral("1"));
+    contact = {};
+    contact.Name = QStringLiteral("Cas");
+    EXPECT_EQ(shown(), QStringLiteral("1")); // none is filled: what it had
+}
+
+TEST_F(uPrizeBasicTest, MissingContactsAndNoDirectorySayMissingContact)
+{
+    const cPrizePtr prize = MakePrize(5, {99, 11});
+    View->SetPrize(prize);
+    EXPECT_EQ(Column("NAME"), QStringList({QStringLiteral("<Missing Contact>"), QStringLiteral("Ann")}));
+    View->SetDirectoryDatabase(nullptr);
+    EXPECT_EQ(Column("NAME").last(), QStringLiteral("Ann"));
+    View->UpdateWinners();
+    EXPECT_EQ(Column("NAME"), QStringList({QStringLiteral("<Missing Contact>"), QStringLiteral("<Missing Contact>")}));
+}
+
+TEST_F(uPrizeBasicTest, EmptySlotsAreSkipped)
+{
+    const cPrizePtr prize = MakePrize(5, {11, 12});
+    prize->SetPrizeWinner(1, nullptr);
+    View->SetPrize(prize);
+    EXPECT_EQ(Column("REFERENCE"), QStringList{QStringLiteral("2")});
+}
+
+TEST_F(uPrizeBasicTest, AnUpdateChangesTheListInPlace)
+{
+    const cPrizePtr prize = MakePrize(40, QList<qint32>(30, 11));
+    View->SetPrize(prize);
+    QCoreApplication::processEvents(); // the rows are laid out
+    Winners().verticalScrollBar()->setValue(Winners().verticalScrollBar()->maximum());
+    const int scrolled = Winners().verticalScrollBar()->value();
+    ASSERT_GT(scrolled, 0);
+    ClickItem(27);
+    const QString selected = Winners().SelectedKey();
+    const QTreeWidgetItem* const item = Winners().topLevelItem(27);
+    Now.Advance(3600);
+    View->UpdateWinners();
+    EXPECT_EQ(Winners().SelectedKey(), selected);
+    EXPECT_EQ(Winners().topLevelItem(27), item);
+    EXPECT_EQ(Winners().verticalScrollBar()->value(), scrolled);
+    EXPECT_TRUE(Show().isEnabled());
+    EXPECT_NE(Column("WONDATE").last(), QStringLiteral("(Won just now)"));
+}
+
+TEST_F(uPrizeBasicTest, AWinnerDeletedElsewhereDisappearsAndTheOthersKeepTheirSelection)
+{
+    const cPrizePtr prize = MakePrize(5, {11, 12, 11});
+    View->SetPrize(prize);
+    ClickItem(1);
+    const QString selected = Winners().SelectedKey();
+    EXPECT_TRUE(Station->DeletePrizeWinner(prize->PrizeWinner(1)->Reference()));
+    EXPECT_TRUE(Station->GetPrizeWinners(prize));
+    View->UpdateWinners();
+    EXPECT_EQ(Winners().ItemCount(), 2);
+    EXPECT_EQ(Winners().SelectedKey(), selected);
+    EXPECT_EQ(Status(), QStringLiteral("3 Prizes Left"));
+    // The winner that is shown is still the one that is selected.
+    cPrizeWinnerPtr shown;
+    QObject::connect(View.get(), &uPrizeBasic::DisplayWinner, View.get(), [&](const cPrizeWinnerPtr& w) { shown = w; });
+    Show().click();
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(QStringLiteral("w%1").arg(shown->Reference()), selected);
+}
+
+TEST_F(uPrizeBasicTest, AnotherPrizeTakesTheWinnersOfTheFirstAway)
+{
+    View->SetPrize(MakePrize(5, {11, 12}));
+    View->SetPrize(MakePrize(5, {12}));
+    EXPECT_EQ(Column("NAME"), QStringList{QStringLiteral("Bob")});
+}
+
+TEST_F(uPrizeBasicTest, TheTimerKeepsTheRelativeTimesRightAndAsksOnlyTheDirectory)
+{
+    View->SetPrize(MakePrize(5, {11}));
+    EXPECT_EQ(Column("WONDATE"), QStringList{QStringLiteral("(Won just now)")});
+    Now.Advance(12 * 60);
+    Station->CloseTolvaDatabase();
+    const int asked = People.Asked;
+    QSignalSpy ticks(&Timer(), &QTimer::timeout);
+    Timer().setInterval(1);
+    ASSERT_TRUE(ticks.wait(10'000));
+    Timer().setInterval(20000);
+    EXPECT_EQ(Column("WONDATE"), QStringList{QStringLiteral("12 minutes ago")});
+    EXPECT_GT(People.Asked, asked);
+    EXPECT_TRUE(Timer().isActive());
+}
+
+TEST_F(uPrizeBasicTest, ADirectoryThatDoesNotAnswerIsToldByTheTimerAndAskedAgain)
+{
+    View->SetPrize(MakePrize(5, {11}));
+    People.Fails = true;
+    const ErrorCatcher errors;
+    QSignalSpy ticks(&Timer(), &QTimer::timeout);
+    Timer().setInterval(1);
+    ASSERT_TRUE(ticks.wait(10'000));
+    Timer().setInterval(20000);
+    ASSERT_FALSE(errors.Sources().isEmpty());
+    EXPECT_EQ(errors.Sources().first(), QStringLiteral("uPrizeBasic.tmrRefresh"));
+    EXPECT_TRUE(Timer().isActive());
+    EXPECT_EQ(Column("NAME"), QStringList{QStringLiteral("Ann")});
+    EXPECT_THROW(View->UpdateWinners(), dao::Error);
+    People.Fails = false;
+}
+
+TEST_F(uPrizeBasicTest, ClicksEnableTheButtonThatShowsTheWinner)
+{
+    const cPrizePtr prize = MakePrize(5, {11, 12});
+    View->SetPrize(prize);
+    QList<qint32> shown;
+    QObject::connect(View.get(), &uPrizeBasic::DisplayWinner, View.get(),
+                     [&](const cPrizeWinnerPtr& winner) { shown.append(winner->Reference()); });
+    ClickItem(1);
+    EXPECT_TRUE(Show().isEnabled());
+    QTest::mouseClick(&Show(), Qt::LeftButton);
+    ClickBesideItems();
+    EXPECT_FALSE(Show().isEnabled());
+    EXPECT_TRUE(Add().isEnabled());
+    QTest::mouseDClick(Winners().viewport(), Qt::LeftButton, {}, ItemPosition(0));
+    ClickItem(0);
+    QTest::mouseDClick(Winners().viewport(), Qt::LeftButton, {}, ItemPosition(0));
+    ASSERT_GE(shown.size(), 2);
+    EXPECT_EQ(shown.first(), prize->PrizeWinner(2)->Reference());
+    EXPECT_EQ(shown.last(), prize->PrizeWinner(1)->Reference());
+}
+
+TEST_F(uPrizeBasicTest, AWinnerIsAddedOnlyToAPrizeWithStockLeft)
+{
+    QSignalSpy added(View.get(), &uPrizeBasic::AddWinner);
+    View->SetPrize(MakePrize(0, {}));
+    Ui.ExpectWarning(
+        QStringLiteral("You cannot add any Winners to this Prize because no Prize Items have been supplied "
+                       "('Number Supplied' is zero)!"));
+    QTest::mouseClick(&Add(), Qt::LeftButton);
+    View->SetPrize(MakePrize(1, {11}));
+    Ui.ExpectWarning(
+        QStringLiteral("You cannot add any more Winners to this Prize because it has been fully allocated!"));
+    QTest::mouseClick(&Add(), Qt::LeftButton);
+    EXPECT_EQ(added.count(), 0);
+    View->SetPrize(MakePrize(2, {11}));
+    QTest::mouseClick(&Add(), Qt::LeftButton);
+    EXPECT_EQ(added.count(), 1);
+}
+
+TEST_F(uPrizeBasicTest, TypingInTheScriptMarksThePrizeAndInTheTitleDoesNot)
+{
+    const cPrizePtr prize = MakePrize(5, {});
+    View->SetPrize(prize);
+    prize->SetEdited(false);
+    Title().setFocus();
+    QTest::keyClicks(&Title(), QStringLiteral("x"));
+    EXPECT_FALSE(prize->Edited());
+    Script().setFocus();
+    QTest::keyClicks(&Script(), QStringLiteral("x"));
+    EXPECT_TRUE(prize->Edited());
+    // Neither is copied into the prize.
+    EXPECT_EQ(prize->Title(), QStringLiteral("Mug"));
+    EXPECT_EQ(prize->Script(), QStringLiteral("Win a mug!"));
+    View->SetPrize(nullptr);
+    QTest::keyClicks(&Script(), QStringLiteral("x"));
+}
+
+TEST_F(uPrizeBasicTest, TheTitleSelectsItsTextWhenItGetsTheFocus)
+{
+    View->SetPrize(MakePrize(5, {}));
+    Script().setFocus();
+    Title().setFocus();
+    EXPECT_EQ(Title().selectedText(), QStringLiteral("Mug"));
+}
+
+TEST_F(uPrizeBasicTest, TextCommandsActOnTheActiveTextBox)
+{
+    QClipboard& clipboard = *QGuiApplication::clipboard();
+    View->SetPrize(MakePrize(5, {}));
+    Title().setFocus();
+    Title().setSelection(0, 2);
+    View->Copy();
+    EXPECT_EQ(clipboard.text(), QStringLiteral("Mu"));
+    View->Cut();
+    EXPECT_EQ(Title().text(), QStringLiteral("g"));
+    EXPECT_EQ(clipboard.text(), QStringLiteral("Mu"));
+    Title().end(false);
+    View->Paste();
+    EXPECT_EQ(Title().text(), QStringLiteral("gMu"));
+    Title().selectAll();
+    View->DELETE();
+    EXPECT_EQ(Title().text(), QString());
+
+    Script().setFocus();
+    Script().setPlainText(QStringLiteral("one\ntwo"));
+    Script().selectAll();
+    View->Cut();
+    EXPECT_EQ(clipboard.text(), QStringLiteral("one\ntwo"));
+    EXPECT_EQ(Script().toPlainText(), QString());
+    View->Paste();
+    EXPECT_EQ(Script().toPlainText(), QStringLiteral("one\ntwo"));
+}
+
+TEST_F(uPrizeBasicTest, TextCommandsDoNothingWhileTheFocusIsOnTheList)
+{
+    QClipboard& clipboard = *QGuiApplication::clipboard();
+    clipboard.setText(QStringLiteral("before"));
+    View->SetPrize(MakePrize(5, {11}));
+    Title().selectAll();
+    Winners().setFocus();
+    View->Cut();
+    View->Copy();
+    View->DELETE();
+    View->Paste();
+    EXPECT_EQ(clipboard.text(), QStringLiteral("before"));
+    EXPECT_EQ(Title().text(), QStringLiteral("Mug"));
+}
+
+TEST_F(uPrizeBasicTest, TheColumnsShareTheListsWidth)
+{
+    const double list = Twips::FromPixels(*View, Winners().width());
+    const double date =
+        Twips::FromPixels(*View, View->fontMetrics().horizontalAdvance(ClockHelper::CurrentTime().GeneralDate())) + 600;
+    const int half = Twips::ToPixels(*View, (list - 90 - 225 - date) / 2);
+    EXPECT_EQ(Winners().columnWidth(1), half);
+    EXPECT_EQ(Winners().columnWidth(2), half);
+    EXPECT_GE(Winners().columnWidth(3), Twips::ToPixels(*View, date));
+    const int before = Winners().columnWidth(1);
+    View->resize(1000, 600);
+    QCoreApplication::processEvents();
+    EXPECT_GT(Winners().columnWidth(1), before);
+}
+
+TEST_F(uPrizeBasicTest, AHostsBagGivesItsPropertiesBack)
+{
+    PropertyBag bag;
+    View->WriteProperties(bag);
+    EXPECT_TRUE(bag.Values().isEmpty());
+    QFont font = View->Font();
+    font.setPointSize(font.pointSize() + 5);
+    View->SetFont(font);
+    View->SetBackColour(255);
+    View->WriteProperties(bag);
+    uPrizeBasic other;
+    other.ReadProperties(bag);
+    EXPECT_EQ(other.Font(), font);
+    EXPECT_EQ(other.BackColour(), 255);
+    EXPECT_EQ(other.findChild<TextArea*>(QStringLiteral("txtScript"))->font().pointSize(), font.pointSize());
+    EXPECT_EQ(other.findChild<TabStrip*>(QStringLiteral("tbsDetails"))->palette().color(QPalette::Window),
+              QColor(255, 0, 0));
+}
