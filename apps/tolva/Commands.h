@@ -15,6 +15,8 @@ CommandDefinition DeleteCommand();
 CommandDefinition MarkCommand();
 CommandDefinition PendingCommand();
 CommandDefinition FoldersCommand();
+CommandDefinition PrizesCommand();
+CommandDefinition PrizeCommand();
 CommandDefinition SettingCommand();
 CommandDefinition UsersCommand();
 CommandDefinition ContactsCommand();

@@ -63,9 +63,9 @@ int RunAndReport(const QStringList& arguments)
 
 std::vector<CommandDefinition> AllCommands()
 {
-    return {InitCommand(),    FileCommand(),    ListCommand(),    ShowCommand(),     ExportCommand(),
-            PrintCommand(),   MoveCommand(),    CopyCommand(),    DeleteCommand(),   MarkCommand(),
-            PendingCommand(), FoldersCommand(), SettingCommand(), UsersCommand(),    ContactsCommand(), CheckCommand(),
+    return {InitCommand(),    FileCommand(),    ListCommand(),    ShowCommand(),    ExportCommand(),   PrintCommand(),
+            MoveCommand(),    CopyCommand(),    DeleteCommand(),  MarkCommand(),    PendingCommand(),  FoldersCommand(),
+            PrizesCommand(),  PrizeCommand(),   SettingCommand(), UsersCommand(),   ContactsCommand(), CheckCommand(),
             BackupCommand(),  BackupsCommand(), RestoreCommand(), CompactCommand()};
 }
 
