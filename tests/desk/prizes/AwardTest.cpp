@@ -169,14 +169,20 @@ TEST_F(AwardTest, APrizeDeletedElsewhereIsRefused)
 
 TEST_F(AwardTest, AContactWithAHighReferenceIsRefusedAndNothingIsHalfSaved)
 {
-    AddContact(QStringLiteral("Zacky High"));
+    // As in a directory through which many contacts have gone.
     sqlite3* directory = nullptr;
     ASSERT_EQ(sqlite3_open(StationPlace::DirectoryFileIn(Folder()).toUtf8().constData(), &directory), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(directory, "UPDATE Contacts SET Reference=40000 WHERE Name='Zacky High'", nullptr, nullptr,
+    ASSERT_EQ(sqlite3_exec(directory, "UPDATE \"~Tables\" SET Counter=39999 WHERE Name='Contacts'", nullptr, nullptr,
                            nullptr),
               SQLITE_OK);
     sqlite3_close(directory);
-    ASSERT_TRUE(Station.Directory().GetContact(40000));
+    EmbeddedDirectory elsewhere; // which has taken no numbers beforehand
+    elsewhere.Open(StationPlace::DirectoryIn(Folder()));
+    clsKVContact high;
+    high.Name = QStringLiteral("Zacky High");
+    elsewhere.SaveContact(high);
+    elsewhere.Close();
+    ASSERT_EQ(high.Reference, 40000);
     const Date stamp = Station.Database().LastPrizeChanged();
     OpenPrizes();
     Select(Prize);

@@ -26,10 +26,14 @@ protected:
         winners.setCurrentItem(winners.topLevelItem(0));
         QTest::keyClick(&winners, Qt::Key_Return);
         WinnerWindow* window = OnlyWinnerWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        Activate(*window);
         return *window;
     }
-    static void Save(WinnerWindow& window) { QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier); }
+    static void Save(WinnerWindow& window)
+    {
+        Activate(window);
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+    }
     cPrizeWinnerPtr Row() { return Station.Database().GetPrizeWinner(Winner); }
 
     qint32 Ann = 0;
