@@ -11,9 +11,175 @@ constexpr qsizetype LongestAddress = 254;
 constexpr int FewestDigits = 3;
 constexpr int MostDigits = 15;
 
-bool IsSeparator(QChar character)
+/// Where a quotation or comment that begins at from ends: the position of its last character. -1 when it does not.
+qsizetype EndOf(const QString& text, qsizetype from)
 {
-    return character == u',' || character == u';';
+    const bool isComment = text.at(from) == u'(';
+    int depth = 1;
+    for (qsizetype i = from + 1; i < text.size(); ++i) {
+        const QChar character = text.at(i);
+        if (character == u'\\')
+            ++i;
+        else if (isComment && character == u'(')
+            ++depth;
+        else if (character == (isComment ? u')' : u'"') && --depth == 0)
+            return i;
+    }
+    return -1;
+}
+
+/// The same for an address in angle brackets; another one before its end says that it has none.
+qsizetype EndOfBracket(const QString& text, qsizetype from)
+{
+    for (qsizetype i = from + 1; i < text.size(); ++i) {
+        if (text.at(i) == u'"') {
+            const qsizetype end = EndOf(text, i);
+            if (end > 0)
+                i = end;
+        } else if (text.at(i) == u'>') {
+            return i;
+        } else if (text.at(i) == u'<') {
+            return -1;
+        }
+    }
+    return -1;
+}
+
+bool IsScheme(const QString& word)
+{
+    static const QStringList schemes = {QStringLiteral("mailto"), QStringLiteral("tel"), QStringLiteral("sms")};
+    return schemes.contains(word.trimmed(), Qt::CaseInsensitive);
+}
+
+/// One pass over a list of recipients. What is opened and never closed is a character like any other, but for a
+/// quotation at a word's beginning, which goes to the end: nothing is guessed within it, and nothing is lost.
+class Splitter
+{
+public:
+    explicit Splitter(const QString& text) : Text_(text), HasGroups_(text.contains(u';')) {}
+
+    QStringList Run()
+    {
+        for (Position_ = 0; Position_ < Text_.size(); ++Position_)
+            Take(Text_.at(Position_));
+        Finish();
+        return Elements_;
+    }
+
+private:
+    void Take(QChar character)
+    {
+        if (character == u',' || character == u';') {
+            IsInGroup_ = IsInGroup_ && character == u',';
+            return Finish();
+        }
+        if (character == u'(' && HasComments_) {
+            const qsizetype end = EndOf(Text_, Position_);
+            HasComments_ = end > 0;
+            return TakeTo(end > 0 ? end : Position_);
+        }
+        // Behind an address in brackets the next recipient begins, though somebody forgot the comma.
+        if (HasAddress_ && !character.isSpace())
+            Finish();
+        if (character == u'"')
+            return TakeTo(EndOfQuotation());
+        if (character == u'<') {
+            const qsizetype end = EndOfBracket(Text_, Position_);
+            TakeTo(end > 0 ? end : Position_);
+            HasAddress_ = end > 0;
+            return;
+        }
+        if (character == u':' && BeginsList())
+            return Element_.clear();
+        Element_ += character;
+    }
+
+    void TakeTo(qsizetype end)
+    {
+        Element_ += Text_.mid(Position_, end - Position_ + 1);
+        Position_ = end;
+    }
+
+    qsizetype EndOfQuotation()
+    {
+        const qsizetype end = HasQuotations_ ? EndOf(Text_, Position_) : -1;
+        HasQuotations_ = end > 0;
+        if (end > 0)
+            return end;
+        const bool isWithinWord = !Element_.isEmpty() && !Element_.back().isSpace();
+        return isWithinWord ? Position_ : Text_.size() - 1;
+    }
+
+    /// A group's name, or what a link has in front of its address.
+    bool BeginsList()
+    {
+        if (IsScheme(Element_))
+            return true;
+        if (IsInGroup_ || !HasGroups_ || Element_.trimmed().isEmpty() || Element_.contains(u'@') ||
+            Element_.contains(u'[') || Text_.indexOf(u';', Position_) < 0)
+            return false;
+        IsInGroup_ = true;
+        return true;
+    }
+
+    void Finish()
+    {
+        Element_ = Element_.simplified();
+        if (!Element_.isEmpty())
+            Elements_.append(Element_);
+        Element_.clear();
+        HasAddress_ = false;
+    }
+
+    const QString& Text_;
+    const bool HasGroups_;
+    qsizetype Position_ = 0;
+    QString Element_;
+    QStringList Elements_;
+    bool IsInGroup_ = false;
+    bool HasAddress_ = false;
+    bool HasComments_ = true;
+    bool HasQuotations_ = true;
+};
+
+/// One element in its parts, without the marks around them.
+struct Parts
+{
+    QString Phrase;
+    QString Address; ///< Of the brackets; empty when there are none.
+    QString Comment;
+};
+
+QString Unescaped(const QString& text)
+{
+    static const QRegularExpression escape(QStringLiteral("\\\\(.)"));
+    return QString(text).replace(escape, QStringLiteral("\\1"));
+}
+
+Parts PartsOf(const QString& element)
+{
+    Parts parts;
+    for (qsizetype i = 0; i < element.size(); ++i) {
+        const QChar character = element.at(i);
+        const qsizetype end = character == u'"' || character == u'(' ? EndOf(element, i)
+                              : character == u'<'                    ? EndOfBracket(element, i)
+                                                                     : -1;
+        if (end < 0) {
+            parts.Phrase += character;
+            continue;
+        }
+        const QString inner = element.mid(i + 1, end - i - 1);
+        if (character == u'<')
+            parts.Address = inner.trimmed();
+        else if (character == u'(')
+            parts.Comment = Unescaped(inner).simplified();
+        else
+            // The part of an address before its @ keeps its quotation.
+            parts.Phrase += element.mid(end + 1).startsWith(u'@') ? element.mid(i, end - i + 1) : Unescaped(inner);
+        i = end;
+    }
+    parts.Phrase = parts.Phrase.simplified();
+    return parts;
 }
 
 QStringList Addressed(const QStringList& elements)
@@ -27,58 +193,47 @@ QStringList Addressed(const QStringList& elements)
 
 QStringList Addresses::Split(const QString& recipients)
 {
-    QStringList elements;
-    QString element;
-    bool isQuoted = false;
-    bool isBracketed = false;
-    const auto finish = [&] {
-        element = element.simplified();
-        if (!element.isEmpty())
-            elements.append(element);
-        element.clear();
-    };
-    for (qsizetype i = 0; i < recipients.size(); ++i) {
-        const QChar character = recipients.at(i);
-        if (isQuoted && character == u'\\' && i + 1 < recipients.size()) {
-            element += character;
-            element += recipients.at(++i);
-            continue;
-        }
-        if (!isQuoted && !isBracketed && IsSeparator(character)) {
-            finish();
-            continue;
-        }
-        if (character == u'"' && !isBracketed)
-            isQuoted = !isQuoted;
-        else if (!isQuoted && character == u'<')
-            isBracketed = true;
-        else if (!isQuoted && character == u'>')
-            isBracketed = false;
-        element += character;
-    }
-    finish();
-    return elements;
+    return Splitter(recipients).Run();
 }
 
 QString Addresses::Bare(const QString& element)
 {
-    const qsizetype open = element.lastIndexOf(u'<');
-    const qsizetype close = element.indexOf(u'>', open);
-    const bool isBracketed = open >= 0 && close > open;
-    QString address = (isBracketed ? element.mid(open + 1, close - open - 1) : element).trimmed();
+    const Parts parts = PartsOf(element);
+    QString address = parts.Address.isEmpty() ? parts.Phrase : parts.Address;
+    // A route in front of the address, which nobody has used for decades but which may stand there.
+    if (address.startsWith(u'@') && address.contains(u':'))
+        address = address.mid(address.lastIndexOf(u':') + 1).trimmed();
+    const qsizetype colon = address.indexOf(u':');
+    if (colon > 0 && IsScheme(address.left(colon)))
+        address = address.mid(colon + 1).trimmed();
+    if (address.isEmpty())
+        address = element.trimmed();
     const qsizetype at = address.lastIndexOf(u'@');
     return at < 0 ? address : address.left(at) + address.mid(at).toLower();
 }
 
 QString Addresses::DisplayName(const QString& element)
 {
-    const qsizetype open = element.lastIndexOf(u'<');
-    QString name = open > 0 ? element.left(open).trimmed() : QString();
-    if (name.size() >= 2 && name.startsWith(u'"') && name.endsWith(u'"')) {
-        static const QRegularExpression escape(QStringLiteral("\\\\(.)"));
-        name = name.mid(1, name.size() - 2).replace(escape, QStringLiteral("\\1"));
+    const Parts parts = PartsOf(element);
+    if (!parts.Address.isEmpty() && !parts.Phrase.isEmpty())
+        return parts.Phrase;
+    return parts.Comment.isEmpty() || parts.Phrase.isEmpty() == parts.Address.isEmpty() ? Bare(element) : parts.Comment;
+}
+
+QString Addresses::Normalised(const QString& recipients, enMsgType type)
+{
+    QStringList elements = Split(recipients);
+    for (QString& element : elements) {
+        const QString address = Bare(element);
+        if (type == emtSMS) {
+            if (IsPlausibleNumber(address))
+                element = address;
+        } else if (IsPlausible(address)) {
+            const QString name = DisplayName(element);
+            element = Mailbox(name.compare(address, Qt::CaseInsensitive) == 0 ? QString() : name, address);
+        }
     }
-    return name.trimmed().isEmpty() ? Bare(element) : name.trimmed();
+    return elements.join(QStringLiteral(", "));
 }
 
 QString Addresses::Mailbox(const QString& name, const QString& address)

@@ -1,5 +1,8 @@
 #include "ComposeWindow.h"
 
+#include "AddressBook.h"
+#include "AddressBox.h"
+#include "Addresses.h"
 #include "BodyEdit.h"
 #include "DeskStation.h"
 #include "FileChoice.h"
@@ -7,6 +10,7 @@
 #include "Words.h"
 #include "common/ClockHelper.h"
 #include "common/FileDialog.h"
+#include "platform/records/Error.h"
 #include "platform/widgets/Icons.h"
 
 #include <QAction>
@@ -37,15 +41,6 @@ constexpr int FileRowsShown = 3;
 constexpr int IconSide = 16;
 constexpr int ShortestSubjectBox = 320;
 
-QLineEdit* MakeBox(QWidget* parent, const QString& name, const QString& accessibleName)
-{
-    auto* box = new QLineEdit(parent);
-    box->setObjectName(name);
-    box->setAccessibleName(accessibleName);
-    box->setMinimumWidth(ShortestSubjectBox);
-    return box;
-}
-
 QPushButton* AddButton(QMessageBox& box, const QString& text, QMessageBox::ButtonRole role)
 {
     return box.addButton(text, role);
@@ -57,10 +52,10 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
     : QMainWindow(parent, Qt::Window),
       Station_(station),
       Store_(station, draft),
-      To_(MakeBox(this, QStringLiteral("to"), tr("To"))),
-      CC_(MakeBox(this, QStringLiteral("cc"), tr("Copy to"))),
-      BCC_(MakeBox(this, QStringLiteral("bcc"), tr("Blind copy to"))),
-      Subject_(MakeBox(this, QStringLiteral("subject"), tr("Subject"))),
+      To_(new AddressBox(QStringLiteral("to"), tr("To"), this)),
+      CC_(new AddressBox(QStringLiteral("cc"), tr("Copy to"), this)),
+      BCC_(new AddressBox(QStringLiteral("bcc"), tr("Blind copy to"), this)),
+      Subject_(new QLineEdit(this)),
       Body_(new BodyEdit(this)),
       FileList_(new QListWidget(this)),
       Note_(new QLabel(this))
@@ -74,12 +69,19 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
     Stored_ = Current();
     UpdateTitle();
     connect(Subject_, &QLineEdit::textChanged, this, &ComposeWindow::UpdateTitle);
+    for (AddressBox* box : {To_, CC_, BCC_}) {
+        connect(box, &AddressBox::Done, this, [this, box] { FocusAfter(box); });
+        connect(box, &AddressBox::ContactWanted, this, &ComposeWindow::ContactWanted);
+    }
     connect(Body_, &BodyEdit::FilesOffered, this, &ComposeWindow::AddFiles);
     resize(720, 560);
 }
 
 QWidget* ComposeWindow::MakeForm()
 {
+    Subject_->setObjectName(QStringLiteral("subject"));
+    Subject_->setAccessibleName(tr("Subject"));
+    Subject_->setMinimumWidth(ShortestSubjectBox);
     Body_->setObjectName(QStringLiteral("body"));
     Body_->setAccessibleName(tr("Text"));
     Body_->setTabChangesFocus(true);
@@ -102,12 +104,15 @@ QWidget* ComposeWindow::MakeForm()
     head->setVerticalSpacing(4);
     head->setHorizontalSpacing(8);
     head->setColumnStretch(1, 1);
-    const auto addRow = [&](int row, const QString& text, QLineEdit* box) {
+    const int lineHeight = To_->height();
+    const auto addRow = [&](int row, const QString& text, QWidget* box) {
         auto* label = new QLabel(text, this);
         label->setObjectName(box->objectName() + QStringLiteral("Label"));
-        label->setBuddy(box);
+        label->setBuddy(box->focusProxy() ? box->focusProxy() : box);
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        head->addWidget(label, row, 0);
+        // Beside the first line of a box that has grown.
+        label->setFixedHeight(qMax(lineHeight, label->sizeHint().height()));
+        head->addWidget(label, row, 0, Qt::AlignTop);
         head->addWidget(box, row, 1);
     };
     addRow(0, tr("&To"), To_);
@@ -193,13 +198,14 @@ void ComposeWindow::Show(const Composition& composition)
     Base_ = composition;
     Files_ = composition.Files;
     const bool isText = composition.Type == emtSMS;
-    To_->setText(composition.To);
-    CC_->setText(composition.CC);
-    BCC_->setText(composition.BCC);
+    ReadContacts();
+    To_->SetRecipients(composition.To, composition.Type);
+    CC_->SetRecipients(composition.CC, composition.Type);
+    BCC_->SetRecipients(composition.BCC, composition.Type);
     Subject_->setText(composition.Subject);
     Body_->setPlainText(composition.Body);
-    To_->setPlaceholderText(isText ? tr("Telephone number") : tr("Addresses, divided by commas"));
-    const auto setShown = [this](QLineEdit* box, bool isShown) {
+    To_->SetPlaceholderText(isText ? tr("Telephone number") : tr("Names or addresses, divided by commas"));
+    const auto setShown = [this](QWidget* box, bool isShown) {
         box->setVisible(isShown);
         findChild<QLabel*>(box->objectName() + QStringLiteral("Label"))->setVisible(isShown);
     };
@@ -207,10 +213,48 @@ void ComposeWindow::Show(const Composition& composition)
     setShown(BCC_, !isText && !composition.BCC.isEmpty());
     setShown(Subject_, !isText);
     findChild<QAction*>(QStringLiteral("attach"))->setEnabled(!isText);
-    for (QLineEdit* box : {To_, CC_, BCC_, Subject_})
-        box->setCursorPosition(0);
+    Subject_->setCursorPosition(0);
     ShowFiles();
-    if (To_->text().isEmpty())
+    if (To_->IsEmpty())
+        To_->setFocus();
+    else
+        Body_->setFocus();
+}
+
+/// Once for the window: what is typed is matched in memory.
+void ComposeWindow::ReadContacts()
+{
+    std::shared_ptr<const AddressBook> book;
+    try {
+        book = std::make_shared<const AddressBook>(Station_.Directory().Contacts(), Base_.Type);
+    } catch (const dao::Error& error) {
+        // Addresses can be typed all the same.
+        Note_->setText(tr("The contacts cannot be read: %1").arg(Station_.Words(error.Number(), error.Description())));
+    }
+    for (AddressBox* box : {To_, CC_, BCC_})
+        box->SetBook(book);
+}
+
+void ComposeWindow::FocusAfter(const QWidget* box)
+{
+    bool isBehind = false;
+    for (QWidget* next : std::initializer_list<QWidget*>{To_, CC_, BCC_, Subject_, Body_}) {
+        if (isBehind && next->isVisibleTo(this))
+            return next->setFocus(Qt::TabFocusReason);
+        isBehind = isBehind || next == box;
+    }
+}
+
+/// The first box with a recipient that cannot be read; otherwise where one is missing.
+void ComposeWindow::FocusProblem()
+{
+    for (AddressBox* box : {To_, CC_, BCC_}) {
+        const bool isWrong = !box->IsEmpty() &&
+                             !Addresses::WhyNotSendable(box->Recipients(), QString(), QString(), Base_.Type).isEmpty();
+        if (isWrong && box->isVisibleTo(this))
+            return box->setFocus();
+    }
+    if (To_->IsEmpty() || Base_.Type != emtSMS)
         To_->setFocus();
     else
         Body_->setFocus();
@@ -234,9 +278,9 @@ void ComposeWindow::ShowFiles()
 Composition ComposeWindow::Current() const
 {
     Composition composition = Base_;
-    composition.To = To_->text();
-    composition.CC = CC_->text();
-    composition.BCC = BCC_->text();
+    composition.To = To_->Recipients();
+    composition.CC = CC_->Recipients();
+    composition.BCC = BCC_->Recipients();
     composition.Subject = Subject_->text();
     composition.Body = Body_->toPlainText();
     composition.Files = Files_;
@@ -327,7 +371,7 @@ bool ComposeWindow::Send()
     const QString problem = Composing::WhyNotSendable(Current());
     if (!problem.isEmpty()) {
         Words::Warn(problem);
-        To_->setFocus();
+        FocusProblem();
         return false;
     }
     if (!File(Composing::Filing::Outgoing))

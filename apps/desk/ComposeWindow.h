@@ -4,6 +4,7 @@
 
 #include <QMainWindow>
 
+class AddressBox;
 class BodyEdit;
 class QAction;
 class QLabel;
@@ -44,6 +45,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// It is stored: as a draft, or in the Outbox.
     void Filed(const QString& words);
+    /// The writer asks for the directory's entry of a recipient; the name may be empty.
+    void ContactWanted(const QString& name, const QString& address);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -61,6 +64,9 @@ private:
     void MakeActions();
     QWidget* MakeForm();
     void Show(const Composition& composition);
+    void ReadContacts();
+    void FocusAfter(const QWidget* box);
+    void FocusProblem();
     void ShowFiles();
     void UpdateTitle();
     bool File(Composing::Filing filing);
@@ -74,9 +80,9 @@ private:
     Composition Stored_; ///< What is not worth asking about when the window closes.
     QList<ComposedFile> Files_;
 
-    QLineEdit* To_;
-    QLineEdit* CC_;
-    QLineEdit* BCC_;
+    AddressBox* To_;
+    AddressBox* CC_;
+    AddressBox* BCC_;
     QLineEdit* Subject_;
     BodyEdit* Body_;
     QListWidget* FileList_;

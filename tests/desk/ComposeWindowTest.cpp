@@ -1,5 +1,6 @@
 #include "ComposeWindow.h"
 
+#include "AddressBox.h"
 #include "BodyEdit.h"
 #include "DeskTest.h"
 #include "StationPlace.h"
@@ -43,13 +44,20 @@ protected:
         const cMessagePtr draft = Station.Database().GetMessage(reference);
         Open(Composing::Continue(*draft), draft);
     }
-    QLineEdit* Box(const char* name) const { return Window->findChild<QLineEdit*>(QString::fromLatin1(name)); }
+    AddressBox* Recipients(const char* name) const { return Window->findChild<AddressBox*>(QString::fromLatin1(name)); }
+    /// The widget that takes the keys of a field.
+    QWidget* Box(const char* name) const
+    {
+        auto* box = Window->findChild<QWidget*>(QString::fromLatin1(name));
+        return box->focusProxy() ? box->focusProxy() : box;
+    }
     BodyEdit* Body() const { return Window->findChild<BodyEdit*>(QStringLiteral("body")); }
     QListWidget* Files() const { return Window->findChild<QListWidget*>(QStringLiteral("files")); }
     void Type(const char* box, const QString& text) const
     {
         Box(box)->setFocus();
-        Box(box)->clear();
+        QTest::keyClick(Box(box), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(Box(box), Qt::Key_Delete);
         QTest::keyClicks(Box(box), text);
     }
     void FillIn() const

@@ -3,7 +3,6 @@
 #include "platform/directory/DirectoryTables.h"
 #include "platform/directory/EmbeddedDirectory.h"
 #include "platform/directory/EmbeddedDirectoryUser.h"
-#include "platform/records/DBEngine.h"
 
 #include <algorithm>
 
@@ -57,21 +56,6 @@ void UpdateNamed(dao::Recordset& row, const QString& name)
             throw dao::Error(error.Number(), QStringLiteral("There is a user \"%1\" already.").arg(name));
         throw;
     }
-}
-
-/// All of it is stored or nothing. The first write in it takes the file's lock, so that what is read after that one
-/// stands until the end, whatever other computers do.
-template <typename Change>
-void InOneStep(Change change)
-{
-    dao::DBEngine::BeginTrans();
-    try {
-        change();
-    } catch (...) {
-        dao::DBEngine::Rollback();
-        throw;
-    }
-    dao::DBEngine::CommitTrans();
 }
 
 /// For a change that took the right to change settings from a user, after its write: somebody must still have it.

@@ -2,6 +2,7 @@
 
 #include "platform/directory/DirectoryTables.h"
 #include "platform/directory/EmbeddedDirectoryUser.h"
+#include "platform/records/DBEngine.h"
 
 #include <QDir>
 
@@ -23,6 +24,16 @@ clsKVContactPtr ReadContact(const dao::Recordset& row)
     contact->SecondEmail = row.Collect(QStringLiteral("SecondEmail")).toString();
     contact->Other = row.Collect(QStringLiteral("Other")).toString();
     return contact;
+}
+
+void WriteContact(dao::Recordset& row, const clsKVContact& contact)
+{
+    row.SetCollect(QStringLiteral("Name"), contact.Name);
+    row.SetCollect(QStringLiteral("Mobile"), contact.Mobile);
+    row.SetCollect(QStringLiteral("Telephone"), contact.Telephone);
+    row.SetCollect(QStringLiteral("Email"), contact.Email);
+    row.SetCollect(QStringLiteral("SecondEmail"), contact.SecondEmail);
+    row.SetCollect(QStringLiteral("Other"), contact.Other);
 }
 
 DirectoryLogEntry ReadLogEntry(const dao::Recordset& row)
@@ -128,14 +139,42 @@ void EmbeddedDirectory::SaveContact(clsKVContact& contact)
     const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
     const qint32 reference =
         DirectoryTables::BeginSave(*rows, contact.Reference, QStringLiteral("The contact has been deleted."));
-    rows->SetCollect(QStringLiteral("Name"), contact.Name);
-    rows->SetCollect(QStringLiteral("Mobile"), contact.Mobile);
-    rows->SetCollect(QStringLiteral("Telephone"), contact.Telephone);
-    rows->SetCollect(QStringLiteral("Email"), contact.Email);
-    rows->SetCollect(QStringLiteral("SecondEmail"), contact.SecondEmail);
-    rows->SetCollect(QStringLiteral("Other"), contact.Other);
+    WriteContact(*rows, contact);
     rows->Update();
     contact.Reference = reference;
+}
+
+void EmbeddedDirectory::ChangeContact(const clsKVContact& before, const clsKVContact& after)
+{
+    const QString changedWords = QStringLiteral("Somebody else has changed the contact meanwhile.");
+    const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
+    rows->Seek(dao::SeekComparison::Equal, {before.Reference});
+    if (rows->NoMatch())
+        throw dao::Error(dao::errRecordDeleted, QStringLiteral("The contact has been deleted."));
+    rows->Edit();
+    if (*ReadContact(*rows) != before)
+        throw dao::Error(dao::errChangedByAnother, changedWords);
+    WriteContact(*rows, after);
+    try {
+        rows->Update();
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errChangedByAnother)
+            throw dao::Error(error.Number(), changedWords);
+        throw;
+    }
+}
+
+void EmbeddedDirectory::InOneStep(const std::function<void()>& work)
+{
+    Opened();
+    dao::DBEngine::BeginTrans();
+    try {
+        work();
+    } catch (...) {
+        dao::DBEngine::Rollback();
+        throw;
+    }
+    dao::DBEngine::CommitTrans();
 }
 
 void EmbeddedDirectory::DeleteContact(qint32 reference)

@@ -80,11 +80,17 @@ public:
     /// Contacts one of whose addresses is this one, without regard to case and each of its characters meaning itself,
     /// by name. None for the empty address.
     QList<clsKVContactPtr> ContactsByAddress(const QString& address) const;
-    /// Adds (Reference 0, filled afterwards) or changes a contact. Raises 3167 when it was deleted meanwhile, 3163 for
-    /// a detail of more than 255 characters (Other takes any length).
+    /// Adds (Reference 0, filled afterwards) or changes a contact, whatever it held. Raises 3167 when it was deleted
+    /// meanwhile, 3163 for a detail of more than 255 characters (Other takes any length).
     void SaveContact(clsKVContact& contact);
+    /// Changes a contact that is still what before says. Raises 3197 when somebody changed it meanwhile, and nothing is
+    /// stored then; otherwise as SaveContact.
+    void ChangeContact(const clsKVContact& before, const clsKVContact& after);
     /// No error when there is none.
     void DeleteContact(qint32 reference);
+    /// Runs work that changes the directory; all of it is stored, durable when the call returns, or, when something is
+    /// thrown out of it, nothing. The first change in it takes the file's lock.
+    void InOneStep(const std::function<void()>& work);
 
     /// The newest entries first, at most limit.
     QList<DirectoryLogEntry> LogEntries(int limit) const;

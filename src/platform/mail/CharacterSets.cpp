@@ -22,7 +22,11 @@ constexpr auto NativeUtf16 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF
 class Converter
 {
 public:
-    Converter(const char* to, const char* from) : Handle_(g_mime_iconv_open(to, from)) {}
+    Converter(const char* to, const char* from)
+    {
+        ParserOptions(); // Text may be read before the first mail is.
+        Handle_ = g_mime_iconv_open(to, from);
+    }
     ~Converter()
     {
         if (IsValid())

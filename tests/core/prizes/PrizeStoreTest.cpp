@@ -327,6 +327,7 @@ TEST_F(PrizeStoreTest, APrizeThatVanishesWhileItIsDeletedIsDeletedWithoutAWord)
     EXPECT_TRUE(user.Log.isEmpty());
     EXPECT_TRUE(Events.isEmpty());
     EXPECT_EQ(WinnerRows(), 1);
+    Directory.SignedIn = nullptr;
 }
 
 TEST_F(PrizeStoreTest, AnotherObjectOnTheFileSeesSavesAndStamps)

@@ -75,6 +75,8 @@ protected:
         Station->SetDirectoryDatabase(&Contacts);
         Listen(*Station);
     }
+    /// Closing writes to the directory, which the station must not outlive.
+    void TearDown() override { Station.reset(); }
     void Listen(const cTolvaDatabase& station)
     {
         QObject::connect(&station, &cTolvaDatabase::PrizeSaved, [this](const cPrizePtr& prize, bool edited) {

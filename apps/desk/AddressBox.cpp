@@ -1,0 +1,366 @@
+#include "AddressBox.h"
+
+#include "AddressPopups.h"
+#include "Addresses.h"
+#include "platform/widgets/SystemColour.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QRegularExpression>
+#include <QScrollBar>
+
+namespace
+{
+constexpr int TextMargin = 3;
+
+/// Lines that are pasted are recipients of their own, and a box of recipients has no lines.
+QString OnOneLine(const QString& text)
+{
+    static const QRegularExpression lineEnd(QStringLiteral("[\\r\\n\\x{2028}\\x{2029}\\x{0b}\\x{0c}]+"));
+    QStringList lines = text.split(lineEnd, Qt::SkipEmptyParts);
+    lines.removeIf([](const QString& line) { return line.trimmed().isEmpty(); });
+    QString joined;
+    for (const QString& line : lines) {
+        const QString words = line.simplified();
+        if (!joined.isEmpty())
+            joined += joined.endsWith(u',') || joined.endsWith(u';') ? QStringLiteral(" ") : QStringLiteral("; ");
+        joined += words;
+    }
+    // Blanks around a single word may be meant.
+    return lines.size() == 1 ? QString(lines.first()).replace(u'\t', u' ') : joined;
+}
+} // namespace
+
+AddressBox::AddressBox(const QString& name, const QString& accessibleName, QWidget* parent)
+    : QWidget(parent),
+      Address_(new uMessageAddress(this)),
+      Box_(Address_->findChild<RichTextBox*>(QStringLiteral("rtfAddresses"))),
+      List_(new SuggestionList(this)),
+      Actions_(new AddressActions(this))
+{
+    setObjectName(name);
+    setAccessibleName(accessibleName);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setFocusProxy(Box_);
+    Address_->setObjectName(name + QStringLiteral("Addresses"));
+    Address_->Settext(QString());
+    Address_->SetBackColour(SystemColour::WindowBackground);
+    Box_->setAccessibleName(accessibleName);
+    Box_->SetShowsRuns(true);
+    Box_->SetPasteFilter(OnOneLine);
+    Box_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    Box_->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    Box_->document()->setDocumentMargin(TextMargin);
+    Box_->installEventFilter(this);
+
+    connect(Address_, &uMessageAddress::Change, this, [this] {
+        Actions_->hide();
+        Suggest();
+        Q_EMIT Changed();
+    });
+    connect(Address_, &uMessageAddress::AddressClicked, this, &AddressBox::ShowActions);
+    connect(Box_, &QTextEdit::cursorPositionChanged, this, [this] {
+        // The list belongs to the place where it was typed.
+        if (SuggestedFor_ != Address_->text().size() || Box_->SelLength() > 0)
+            List_->hide();
+    });
+    connect(Box_->document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
+            &AddressBox::FitHeight);
+    connect(Box_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+        List_->hide();
+        Actions_->hide();
+    });
+    connect(List_, &SuggestionList::RowClicked, this, &AddressBox::Accept);
+    connect(Actions_, &AddressActions::CopyWanted, this, [this] {
+        QGuiApplication::clipboard()->setText(Actions_->Address());
+        Actions_->hide();
+    });
+    connect(Actions_, &AddressActions::RemoveWanted, this, &AddressBox::RemoveRun);
+    connect(Actions_, &AddressActions::ContactWanted, this, [this] {
+        Actions_->hide();
+        Q_EMIT ContactWanted(Actions_->Name(), Actions_->Address());
+    });
+    connect(Box_, &RichTextBox::MenuWanted, this, [this](QMenu* menu) {
+        if (!Box_->RunAround(Box_->SelStart() + 1))
+            return;
+        const QString run = Box_->SelText().trimmed();
+        const QString person = Addresses::DisplayName(run);
+        const QString address = Addresses::Bare(run);
+        menu->addSeparator();
+        connect(menu->addAction(tr("Copy &address")), &QAction::triggered, this,
+                [address] { QGuiApplication::clipboard()->setText(address); });
+        connect(menu->addAction(tr("Re&move recipient")), &QAction::triggered, this, &AddressBox::RemoveRun);
+        connect(menu->addAction(tr("C&ontact...")), &QAction::triggered, this,
+                [=, this] { Q_EMIT ContactWanted(person == address ? QString() : person, address); });
+    });
+    FitHeight();
+}
+
+AddressBox::~AddressBox() = default;
+
+QString AddressBox::Recipients() const
+{
+    return Addresses::Normalised(Address_->text(), Type_);
+}
+
+void AddressBox::SetRecipients(const QString& recipients, enMsgType type)
+{
+    Type_ = type;
+    {
+        const RichTextBox::Hold hold(*Box_);
+        Address_->Settext(QString());
+        for (const QString& element : Addresses::Split(recipients)) {
+            const QString address = Addresses::Bare(element);
+            const bool isRead =
+                type == emtSMS ? Addresses::IsPlausibleNumber(address) : Addresses::IsPlausible(address);
+            QString name = Addresses::DisplayName(element);
+            if (name == address)
+                name.clear();
+            // What the control would drop from a name, or a reader take for something else, stays as it was written.
+            if (isRead && !name.contains(u'"') && !name.contains(u'\\'))
+                Address_->AddAddress(name, address);
+            else
+                Box_->SetSelText(element + QStringLiteral("; "));
+        }
+    }
+    Box_->document()->clearUndoRedoStacks();
+    List_->hide();
+}
+
+bool AddressBox::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == Box_) {
+        if (event->type() == QEvent::KeyPress && TakeKey(static_cast<QKeyEvent&>(*event)))
+            return true;
+        // Escape and Tab would be taken by the window.
+        if (event->type() == QEvent::ShortcutOverride && List_->isVisible() &&
+            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+            event->accept();
+            return true;
+        }
+        if (event->type() == QEvent::FocusOut || event->type() == QEvent::Hide) {
+            List_->hide();
+            Actions_->hide();
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+bool AddressBox::TakeKey(QKeyEvent& event)
+{
+    if (TakeListKey(event))
+        return true;
+    Actions_->hide();
+    const bool isEnter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (isEnter) {
+        if (event.modifiers() & Qt::ControlModifier)
+            return false;
+        List_->hide();
+        Q_EMIT Done();
+        return true;
+    }
+    return TakeCommand(event) || TakeEditKey(event) || MoveCaret(event);
+}
+
+bool AddressBox::TakeListKey(const QKeyEvent& event)
+{
+    if (!List_->isVisible())
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Down:
+        List_->Step(1);
+        return true;
+    case Qt::Key_Up:
+        List_->Step(-1);
+        return true;
+    case Qt::Key_Escape:
+        List_->hide();
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Tab:
+        if (List_->Chosen() < 0 || event.modifiers() & Qt::ControlModifier)
+            return false;
+        Accept(List_->Chosen());
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Commands of the clipboard and of undo: a recipient that is selected stays a unit.
+bool AddressBox::TakeCommand(const QKeyEvent& event)
+{
+    if (event.matches(QKeySequence::Copy))
+        Box_->copy();
+    else if (event.matches(QKeySequence::Cut))
+        Box_->Cut();
+    else if (event.matches(QKeySequence::Paste))
+        Box_->paste();
+    else if (event.matches(QKeySequence::SelectAll))
+        Box_->selectAll();
+    else if (event.matches(QKeySequence::Undo))
+        Box_->undo();
+    else if (event.matches(QKeySequence::Redo))
+        Box_->redo();
+    else
+        return false;
+    return true;
+}
+
+/// Backspace and Delete where there is a selection or no recipient: as in any other box.
+bool AddressBox::TakeEditKey(const QKeyEvent& event)
+{
+    const bool isDelete = event.key() == Qt::Key_Delete;
+    if (!isDelete && event.key() != Qt::Key_Backspace)
+        return false;
+    if (Box_->SelLength() > 0) {
+        Box_->Delete();
+        return true;
+    }
+    QTextCursor cursor = Box_->textCursor();
+    const bool isWord = event.modifiers() & Qt::ControlModifier;
+    if (!isDelete || (!isWord && Box_->IsProtectedAt(cursor.position())))
+        return false;
+    cursor.movePosition(isWord ? QTextCursor::NextWord : QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
+    Box_->setTextCursor(cursor);
+    Box_->Delete();
+    return true;
+}
+
+/// Moves that the units leave aside: from and with a selection, by words and lines. The caret never stays within a
+/// recipient.
+bool AddressBox::MoveCaret(const QKeyEvent& event)
+{
+    using Move = QTextCursor::MoveOperation;
+    const bool isSelecting = event.modifiers() & Qt::ShiftModifier;
+    const bool isWide = event.modifiers() & Qt::ControlModifier;
+    QTextCursor cursor = Box_->textCursor();
+    Move move = QTextCursor::NoMove;
+    bool isBack = false;
+    switch (event.key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right: {
+        isBack = event.key() == Qt::Key_Left;
+        const bool isStuck = !isBack && cursor.atStart() && !Box_->IsProtectedAt(0);
+        if (!isSelecting && !isWide && !cursor.hasSelection() && !isStuck)
+            return false;
+        if (!isSelecting && cursor.hasSelection()) {
+            cursor.setPosition(isBack ? cursor.selectionStart() : cursor.selectionEnd());
+            Box_->setTextCursor(cursor);
+            return true;
+        }
+        move = isBack ? (isWide ? Move::PreviousWord : Move::PreviousCharacter)
+                      : (isWide ? Move::NextWord : Move::NextCharacter);
+        break;
+    }
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        isBack = event.key() == Qt::Key_Up;
+        move = isBack ? Move::Up : Move::Down;
+        break;
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        isBack = event.key() == Qt::Key_Home;
+        move = isBack ? (isWide ? Move::Start : Move::StartOfLine) : (isWide ? Move::End : Move::EndOfLine);
+        break;
+    default:
+        // Keys that put nothing in do nothing to a selected recipient; the window may know them.
+        return Box_->SelLength() > 0 && event.text().isEmpty();
+    }
+    cursor.movePosition(move, isSelecting ? QTextCursor::KeepAnchor : QTextCursor::MoveAnchor);
+    if (const auto run = Box_->RunAround(cursor.position()))
+        cursor.setPosition(isBack ? run->first : run->second,
+                           isSelecting ? QTextCursor::KeepAnchor : QTextCursor::MoveAnchor);
+    Box_->setTextCursor(cursor);
+    return true;
+}
+
+/// Where what is being typed at the caret begins: behind the last separator or recipient.
+int AddressBox::FragmentStart() const
+{
+    const QString text = Address_->text();
+    int start = Box_->SelStart();
+    while (start > 0 && text.at(start - 1) != u';' && text.at(start - 1) != u',' && !Box_->IsProtectedAt(start - 1))
+        --start;
+    while (start < Box_->SelStart() && text.at(start).isSpace())
+        ++start;
+    return start;
+}
+
+void AddressBox::Suggest()
+{
+    const int caret = Box_->SelStart();
+    const QString text = Address_->text();
+    const QString behind = text.mid(caret).trimmed();
+    const bool isAtEnd = behind.isEmpty() || behind.startsWith(u';') || behind.startsWith(u',');
+    if (!Book_ || !Box_->hasFocus() || Box_->SelLength() > 0 || !isAtEnd)
+        return List_->hide();
+    const int start = FragmentStart();
+    SuggestedFor_ = static_cast<int>(text.size());
+    QRect line = Box_->cursorRect();
+    line.moveTopLeft(Box_->viewport()->mapToGlobal(line.topLeft()));
+    List_->Show(Book_->Matching(text.mid(start, caret - start), MostSuggestions), line);
+}
+
+void AddressBox::Accept(int row)
+{
+    const AddressBook::Entry entry = List_->At(row);
+    List_->hide();
+    const int caret = Box_->SelStart();
+    int start = FragmentStart();
+    const QString text = Address_->text();
+    const RichTextBox::Hold hold(*Box_);
+    // The comma goes with it: the control divides with a semicolon of its own.
+    const qsizetype before = text.left(start).trimmed().size();
+    if (before > 0 && text.at(before - 1) == u',')
+        start = static_cast<int>(before) - 1;
+    Box_->SetSelStart(start);
+    Box_->SetSelLength(caret - start);
+    Box_->SetSelText(QString());
+    Address_->AddAddress(entry.Name, entry.Address);
+}
+
+void AddressBox::ShowActions(const QString& name, const QString& address)
+{
+    QTextCursor front = Box_->textCursor();
+    front.setPosition(Box_->SelStart());
+    QRect line = Box_->cursorRect(front);
+    line.moveTopLeft(Box_->viewport()->mapToGlobal(line.topLeft()));
+    Actions_->Show(name, address, !Address_->Locked(), line);
+}
+
+/// The recipient that is selected, with its separator.
+void AddressBox::RemoveRun()
+{
+    Actions_->hide();
+    const RichTextBox::Hold hold(*Box_);
+    Box_->WidenSelection();
+    const QString behind = Address_->text().mid(Box_->SelStart() + Box_->SelLength());
+    Box_->SetSelLength(Box_->SelLength() + (behind.startsWith(QStringLiteral("; ")) ? 2 : 0));
+    Box_->RemoveSelection();
+}
+
+void AddressBox::FitHeight()
+{
+    const int line = Box_->fontMetrics().lineSpacing();
+    const int frame = 2 * Box_->frameWidth() + 2 * TextMargin;
+    const int text = static_cast<int>(Box_->document()->size().height()) - 2 * TextMargin;
+    const int most = MostLines * line;
+    const int height = qBound(line, text, most) + frame;
+    Box_->setVerticalScrollBarPolicy(text > most ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    if (height != this->height() || height != minimumHeight())
+        setFixedHeight(height);
+}
+
+void AddressBox::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    Address_->setGeometry(rect());
+    List_->hide();
+    Actions_->hide();
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "AddressBook.h"
+#include "messages/controls/uMessageAddress.h"
+
+#include <QWidget>
+
+#include <memory>
+
+class AddressActions;
+class SuggestionList;
+class QKeyEvent;
+
+/// A box for recipients in the compose window: addresses of the directory and of the mail that is answered stand as
+/// units, anything can be typed between them, and what is typed is completed from the contacts. It grows with its text
+/// to a few lines and scrolls then. Keys that the units leave aside act as in any other box.
+class AddressBox : public QWidget
+{
+    Q_OBJECT
+
+public:
+    AddressBox(const QString& name, const QString& accessibleName, QWidget* parent);
+    ~AddressBox() override;
+
+    /// The recipients as they go out.
+    QString Recipients() const;
+    /// Shows these recipients in place of what stands here. What cannot be read as one stands as typed text.
+    void SetRecipients(const QString& recipients, enMsgType type);
+    /// Empty until it is set; what is typed is not completed then.
+    void SetBook(std::shared_ptr<const AddressBook> book) { Book_ = std::move(book); }
+    void SetPlaceholderText(const QString& text) { Box().setPlaceholderText(text); }
+    bool IsEmpty() const { return Address_->text().trimmed().isEmpty(); }
+
+    RichTextBox& Box() const { return *Box_; }
+    uMessageAddress& Address() const { return *Address_; }
+
+    static constexpr int MostLines = 4;
+    static constexpr int MostSuggestions = 8;
+
+Q_SIGNALS:
+    void Changed();
+    /// Enter was pressed.
+    void Done();
+    /// The user asks for the directory's entry of a recipient.
+    void ContactWanted(const QString& name, const QString& address);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    bool TakeKey(QKeyEvent& event);
+    bool TakeListKey(const QKeyEvent& event);
+    bool TakeEditKey(const QKeyEvent& event);
+    bool TakeCommand(const QKeyEvent& event);
+    bool MoveCaret(const QKeyEvent& event);
+    int FragmentStart() const;
+    void Suggest();
+    void Accept(int row);
+    void ShowActions(const QString& name, const QString& address);
+    void RemoveRun();
+    void FitHeight();
+
+    enMsgType Type_ = emtEmail;
+    std::shared_ptr<const AddressBook> Book_;
+    uMessageAddress* Address_;
+    RichTextBox* Box_;
+    SuggestionList* List_;
+    AddressActions* Actions_;
+    int SuggestedFor_ = -1; ///< The length of the text for which the list is on show.
+};
