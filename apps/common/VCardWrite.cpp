@@ -61,7 +61,7 @@ QByteArray QuotedPrintable(const QByteArray& octets, qsizetype column)
     for (const char octet : octets) {
         const auto code = static_cast<unsigned char>(octet);
         const bool isPlain = code > 0x20 && code < 0x7F && octet != '=';
-        if (column + 3 > LongestLine) {
+        if (column + 4 > LongestLine) {
             text += "=\r\n";
             column = 0;
         }

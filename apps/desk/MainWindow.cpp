@@ -13,6 +13,7 @@
 #include "StationPlace.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
+#include "contacts/ContactDesk.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
@@ -132,6 +133,8 @@ void MainWindow::MakeParts()
     messagesLayout->addWidget(Filter_);
     messagesLayout->addWidget(Splitter_, 1);
     Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
+    Contacts_ = new ContactDesk(*Station_, *this);
+    ConnectContacts();
     connect(Prizes_, &PrizeDesk::WindowOpened, this, [this](QMainWindow* window) { Windows_.append(window); });
     connect(Prizes_, &PrizeDesk::PageChanged, this, &MainWindow::TakePage);
     connect(Prizes_, &PrizeDesk::AwardToSenderWanted, this,
@@ -315,6 +318,7 @@ ComposeWindow* MainWindow::Compose(const Composition& composition, const cMessag
         statusBar()->showMessage(words, MessageMilliseconds);
         CountTimer_.start();
     });
+    connect(window, &ComposeWindow::ContactWanted, Contacts_, &ContactDesk::ShowAddress);
     window->show();
     window->activateWindow();
     return window;
@@ -343,6 +347,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
             [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Forward(*original)); }); });
     connect(window, &MessageWindow::AwardToSenderWanted, this,
             [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
+    connect(window, &MessageWindow::SenderContactWanted, Contacts_, &ContactDesk::ShowSender);
     connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
     window->show();
     window->activateWindow();
@@ -426,8 +431,28 @@ void MainWindow::TakeOpenMessage(const cMessagePtr& message)
 void MainWindow::TakeSelection(const cMessagePtr& message)
 {
     Preview_->Select(message);
-    for (const char* name : {"reply", "replyAll", "forward", "awardToSender"})
+    for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})
         Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
+}
+
+void MainWindow::ConnectContacts()
+{
+    connect(Contacts_, &ContactDesk::WindowOpened, this, [this](QMainWindow* window) {
+        Windows_.removeAll(nullptr);
+        Windows_.append(window);
+    });
+    connect(Contacts_, &ContactDesk::SenderWanted, this,
+            [this] { Run([this] { Contacts_->ShowSender(SelectedMessage()); }); });
+    connect(Contacts_, &ContactDesk::MessageWanted, this, [this](qint32 reference) {
+        Run([&] {
+            if (const cMessagePtr message = Station_->Database().GetMessage(reference))
+                TakeOpenMessage(message);
+            else
+                Words::Tell(tr("That message is not there any more: it was deleted on another computer."));
+        });
+    });
+    connect(Contacts_, &ContactDesk::PrizeWanted, Prizes_, &PrizeDesk::OpenPrize);
+    connect(Contacts_, &ContactDesk::WinnerWanted, Prizes_, &PrizeDesk::OpenWinner);
 }
 
 /// What works on the selected message works only while it is seen.

@@ -16,6 +16,7 @@
 #include <optional>
 
 class ComposeWindow;
+class ContactDesk;
 class DeskSettings;
 class MessageWindow;
 class NoticeBar;
@@ -41,6 +42,7 @@ public:
     uMessagesList& List() { return *List_; }
     PreviewPane& Preview() { return *Preview_; }
     PrizeDesk& Prizes() { return *Prizes_; }
+    ContactDesk& Contacts() { return *Contacts_; }
 
     /// A run-time error of a control; true when this window has met it: the list's reply, which ends in one, and a
     /// station that cannot be reached for a while.
@@ -105,6 +107,7 @@ private:
     void TakeSelection(const cMessagePtr& message);
     void TakeNewMessage(const cMessagePtr& message);
     void TakeOpenMessage(const cMessagePtr& message);
+    void ConnectContacts();
     void TakeUpdate();
     void TakePage(bool prizes);
     void CheckSelectedIsThere();
@@ -137,6 +140,7 @@ private:
     uMessagesList* List_ = nullptr;
     PreviewPane* Preview_ = nullptr;
     PrizeDesk* Prizes_ = nullptr;
+    ContactDesk* Contacts_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* Filter_ = nullptr;

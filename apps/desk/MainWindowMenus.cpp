@@ -6,6 +6,7 @@
 #include "PreviewPane.h"
 #include "ShortcutsDialog.h"
 #include "common/dialogs/frmDirectoryUsers.h"
+#include "contacts/ContactDesk.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/Icons.h"
 #include "prizes/PrizeDesk.h"
@@ -67,6 +68,7 @@ void MainWindow::MakeFileMenu()
     auto* recent = menu->addMenu(tr("&Recent stations"));
     recent->setObjectName(QStringLiteral("recentStations"));
     menu->addSeparator();
+    menu->addAction(Contacts_->MakeContactsAction());
     QAction* users = AddAction(menu, "users", QStringLiteral("users"), tr("&Users..."));
     menu->addSeparator();
     QAction* quit = AddAction(menu, "quit", QString(), tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -120,6 +122,7 @@ void MainWindow::MakeMessageMenu()
     }
     menu->addSeparator();
     menu->addAction(Prizes_->MakeAwardToSenderAction());
+    menu->addAction(Contacts_->MakeSenderAction());
     ShowKey(*menu, "mnuReplyMessage", replyKey);
     ShowKey(*menu, "mnuForwardMessage", forwardKey);
     ShowKey(*menu, "mnuMessageNewMessage", QKeySequence(Qt::CTRL | Qt::Key_N));

@@ -62,6 +62,8 @@ void MessageWindow::MakeActions()
     menu->addSeparator();
     QAction* award = add("awardToSender", QString(), tr("A&ward a prize to the sender..."),
                          QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+    QAction* contact =
+        add("senderContact", QString(), tr("Sender's c&ontact..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
     menu->addSeparator();
     QAction* close = add("closeMessage", QString(), tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W));
     close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)});
@@ -70,6 +72,7 @@ void MessageWindow::MakeActions()
     connect(all, &QAction::triggered, this, [this] { Q_EMIT ReplyToAllWanted(Message_); });
     connect(forward, &QAction::triggered, this, [this] { Q_EMIT ForwardWanted(Message_); });
     connect(award, &QAction::triggered, this, [this] { Q_EMIT AwardToSenderWanted(Message_); });
+    connect(contact, &QAction::triggered, this, [this] { Q_EMIT SenderContactWanted(Message_); });
     connect(close, &QAction::triggered, this, &QWidget::close);
 }
 

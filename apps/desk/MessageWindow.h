@@ -28,6 +28,7 @@ Q_SIGNALS:
     void ReplyToAllWanted(const cMessagePtr& message);
     void ForwardWanted(const cMessagePtr& message);
     void AwardToSenderWanted(const cMessagePtr& message);
+    void SenderContactWanted(const cMessagePtr& message);
     void WasRead(qint32 reference);
 
 private:

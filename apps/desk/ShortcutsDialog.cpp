@@ -21,6 +21,8 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         {QStringLiteral("Ctrl+1 to Ctrl+7"), tr("Inbox, Outbox, Saved, Sent, Deleted Items, Drafts, Auto-Messages")},
         {QStringLiteral("Alt+1, Alt+2"), tr("Messages, prizes")},
         {QStringLiteral("Ctrl+Shift+P"), tr("Award a prize to the sender of the selected message")},
+        {QStringLiteral("Ctrl+Shift+C"), tr("Contacts")},
+        {QStringLiteral("Ctrl+Shift+K"), tr("The contact who sent the selected message")},
         {QStringLiteral("Ctrl+Enter"), tr("On the page of prizes: award the selected prize")},
         {QStringLiteral("Ctrl++, Ctrl+-"), tr("On the page of prizes: larger or smaller script")},
         {QStringLiteral("F5"), tr("Refresh")},

@@ -16,6 +16,7 @@ CommandDefinition PendingCommand();
 CommandDefinition FoldersCommand();
 CommandDefinition SettingCommand();
 CommandDefinition UsersCommand();
+CommandDefinition ContactsCommand();
 CommandDefinition CheckCommand();
 CommandDefinition BackupCommand();
 CommandDefinition BackupsCommand();

@@ -63,9 +63,10 @@ int RunAndReport(const QStringList& arguments)
 
 std::vector<CommandDefinition> AllCommands()
 {
-    return {InitCommand(),  FileCommand(),   ListCommand(),   ShowCommand(),    ExportCommand(),  MoveCommand(),
-            CopyCommand(),  DeleteCommand(), MarkCommand(),   PendingCommand(), FoldersCommand(), SettingCommand(),
-            UsersCommand(), CheckCommand(),  BackupCommand(), BackupsCommand(), RestoreCommand(), CompactCommand()};
+    return {InitCommand(),    FileCommand(),    ListCommand(),    ShowCommand(),     ExportCommand(),
+            MoveCommand(),    CopyCommand(),    DeleteCommand(),  MarkCommand(),     PendingCommand(),
+            FoldersCommand(), SettingCommand(), UsersCommand(),   ContactsCommand(), CheckCommand(),
+            BackupCommand(),  BackupsCommand(), RestoreCommand(), CompactCommand()};
 }
 
 int main(int argc, char** argv)

@@ -1,5 +1,7 @@
 #include "ContactForm.h"
 
+#include "ContactConflict.h"
+
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -80,6 +82,11 @@ clsKVContact ContactForm::Contact() const
     contact.SecondEmail = SecondEmail_->text().trimmed();
     contact.Other = Other_->toPlainText().trimmed();
     return contact;
+}
+
+clsKVContact ContactForm::Edited() const
+{
+    return ContactConflict::Combined(Boxed_, Contact(), Shown_);
 }
 
 bool ContactForm::IsChanged() const

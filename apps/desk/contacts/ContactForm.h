@@ -24,6 +24,8 @@ public:
     clsKVContact Contact() const;
     /// As it was shown.
     const clsKVContact& Shown() const { return Shown_; }
+    /// The contact on show with what was typed; what was not touched is to the letter what it was.
+    clsKVContact Edited() const;
     bool IsChanged() const;
 
     /// What keeps it from being saved as it stands, as a sentence; empty for nothing. The box that it is about then has

@@ -11,6 +11,18 @@ namespace ContactSaving
 /// already. False, after words, when it was not saved.
 bool SaveNew(EmbeddedDirectory& directory, ContactForm& form, clsKVContact& saved);
 
+/// What became of a change.
+enum class Outcome
+{
+    Saved,
+    TheirsTaken, ///< Somebody else had changed it, and the user wants that and not the own change.
+    NotSaved     ///< After words or by the user's choice; everything is still in the form.
+};
+
+/// Saves what was changed in the form of a contact. Where somebody else changed or deleted it meanwhile, the user sees
+/// both and chooses. contact: what is stored then, for the two good outcomes.
+Outcome SaveChanges(EmbeddedDirectory& directory, ContactForm& form, clsKVContact& contact);
+
 /// Why the directory could not do something, as the user reads it.
 QString WordsOf(const dao::Error& error);
 } // namespace ContactSaving

@@ -83,8 +83,8 @@ TEST(VCardTest, CardsThatAreCutOffAreNamedAndTheWholeOnesRead)
     EXPECT_EQ(reading.Contacts.at(0).Name, QStringLiteral("Whole One"));
     EXPECT_EQ(reading.Contacts.at(1).Name, QStringLiteral("Whole Two"));
     EXPECT_EQ(reading.Problems, QStringList({QStringLiteral("Card 2, line 6, \"Lost Middle\": is cut off."),
-                                             QStringLiteral("Card 4, line 13: has no name, number or address."),
-                                             QStringLiteral("Card 5, line 17, \"Lost End\": is cut off.")}));
+                                             QStringLiteral("Card 4, line 14: has no name, number or address."),
+                                             QStringLiteral("Card 5, line 18, \"Lost End\": is cut off.")}));
 }
 
 TEST(VCardTest, ACardCutAtAnyPlaceIsNeverReadByHalf)

@@ -1,0 +1,116 @@
+#include "ContactFiles.h"
+
+#include "ContactImportDialog.h"
+#include "ContactSaving.h"
+#include "FileChoice.h"
+#include "Words.h"
+#include "common/FileDialog.h"
+#include "common/FileHelper.h"
+#include "common/UserInterface.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <optional>
+
+namespace
+{
+// Of the file dialog.
+constexpr int HideReadOnly = 4;
+constexpr int MustExist = 4096;
+constexpr int AskBeforeOverwriting = 2;
+constexpr int KeepFolder = 8;
+
+QString Tr(const char* text)
+{
+    return QCoreApplication::translate("ContactFiles", text);
+}
+
+QString Cards()
+{
+    return Tr("Business cards (vCard)") + QStringLiteral(" (*.vcf)|*.vcf|") + Tr("All Files") +
+           QStringLiteral(" (*.*)|*.*");
+}
+
+/// Nothing, after words, when the file cannot be read.
+std::optional<QByteArray> OctetsOf(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        Words::Warn(Tr("%1 cannot be read: %2").arg(path, file.errorString()));
+        return std::nullopt;
+    }
+    if (file.size() > ContactFiles::LargestFile) {
+        Words::Warn(Tr("%1 is too large to be a file of business cards.").arg(path));
+        return std::nullopt;
+    }
+    QByteArray octets = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        Words::Warn(Tr("%1 could not be read: %2").arg(path, file.errorString()));
+        return std::nullopt;
+    }
+    return octets;
+}
+
+QString DoneWords(const ContactImport::Result& result)
+{
+    const QLocale locale;
+    return Tr("Imported: %1 new, %2 filled in, %3 left as they are.")
+        .arg(locale.toString(result.Added), locale.toString(result.Updated), locale.toString(result.Skipped));
+}
+} // namespace
+
+QString ContactFiles::Import(EmbeddedDirectory& directory, QWidget* parent)
+{
+    const auto dialog = FileDialog::Create();
+    dialog->DialogTitle = Tr("Import contacts");
+    dialog->Filter = Cards();
+    dialog->Flags = MustExist | HideReadOnly | KeepFolder;
+    const std::optional<QString> path = FileChoice::ToOpen(*dialog);
+    const std::optional<QByteArray> octets = path ? OctetsOf(*path) : std::nullopt;
+    if (!octets)
+        return QString();
+    try {
+        VCard::Reading reading;
+        QList<ContactImport::Entry> plan;
+        {
+            const BusyPointer busy;
+            reading = VCard::Read(*octets);
+            plan = ContactImport::Plan(directory, reading.Contacts);
+        }
+        if (plan.isEmpty()) {
+            Words::Warn(Tr("No contact can be taken over from %1.").arg(QFileInfo(*path).fileName()) + u'\n' +
+                        reading.Problems.mid(0, 5).join(u'\n'));
+            return QString();
+        }
+        ContactImportDialog choice(plan, reading.Problems, parent);
+        if (choice.exec() != QDialog::Accepted)
+            return QString();
+        const BusyPointer busy;
+        return DoneWords(ContactImport::Run(directory, plan, choice.Duplicates()));
+    } catch (const dao::Error& error) {
+        Words::Warn(Tr("Nothing was imported.") + u' ' + ContactSaving::WordsOf(error));
+        return QString();
+    }
+}
+
+QString ContactFiles::Export(const QList<clsKVContact>& contacts, const QString& proposed)
+{
+    const auto dialog = FileDialog::Create();
+    dialog->DialogTitle = Tr("Export contacts");
+    dialog->Filter = Cards();
+    dialog->Flags = AskBeforeOverwriting | HideReadOnly | KeepFolder;
+    dialog->DefaultExt = QStringLiteral("vcf");
+    dialog->Filename = proposed;
+    const std::optional<QString> path = FileChoice::ToSave(*dialog);
+    if (!path)
+        return QString();
+    if (!FileHelper::ReplaceFile(*path, VCard::Write(contacts))) {
+        Words::Warn(Tr("The contacts could not be saved as %1. Is there space, and may you write there?").arg(*path));
+        return QString();
+    }
+    return contacts.size() == 1 ? Tr("Saved %1").arg(*path)
+                                : Tr("Saved %1 contacts as %2").arg(QLocale().toString(contacts.size()), *path);
+}

@@ -1,0 +1,179 @@
+#include "ContactHistory.h"
+
+#include "DeskStation.h"
+#include "SenderContact.h"
+#include "common/GeneralHelper.h"
+#include "common/UserInterface.h"
+#include "platform/widgets/ListView.h"
+#include "prizes/PrizeRows.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace
+{
+enum Tab
+{
+    tabMessages = 0,
+    tabPrizes = 1
+};
+
+constexpr int FromColumn = 1;
+constexpr double WideTwips = 3600;
+constexpr double MiddleTwips = 2400;
+constexpr double NarrowTwips = 1700;
+
+/// "|ann@example.org|bob@example.org|" as people write it.
+QString WithoutBars(const QString& key)
+{
+    return key.split(u'|', Qt::SkipEmptyParts).join(QStringLiteral(", "));
+}
+
+/// The addresses of a contact as the search takes them: only those that can match, since with none it finds everything.
+QString AddressesOf(const clsKVContact& contact)
+{
+    QStringList addresses{contact.Email.trimmed(), contact.SecondEmail.trimmed()};
+    addresses.removeAll(QString());
+    return addresses.join(u'|');
+}
+
+QString NumbersOf(const clsKVContact& contact)
+{
+    QStringList numbers = SenderContact::NumbersOf(contact);
+    numbers.removeIf([](const QString& number) { return GeneralHelper::PhoneNumberKey(number).isEmpty(); });
+    return numbers.join(u'|');
+}
+} // namespace
+
+ContactHistory::ContactHistory(DeskStation& station, QWidget* parent)
+    : QTabWidget(parent),
+      Station_(station),
+      Messages_(new ListView(this)),
+      MessagesNote_(new QLabel(this)),
+      Prizes_(new ListView(this)),
+      PrizesNote_(new QLabel(this))
+{
+    setObjectName(QStringLiteral("contactTabs"));
+    Messages_->setObjectName(QStringLiteral("contactMessages"));
+    Messages_->setAccessibleName(tr("Messages to and from the contact"));
+    Messages_->AddColumn(tr("Subject"), WideTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Subject"));
+    Messages_->AddColumn(tr("From"), MiddleTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("FromKey"));
+    Messages_->AddColumn(tr("Folder"), NarrowTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("FOLDER"));
+    Messages_->AddColumn(tr("Sent"), NarrowTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("SENT"));
+    MessagesNote_->setObjectName(QStringLiteral("contactMessagesNote"));
+    Prizes_->setObjectName(QStringLiteral("contactPrizes"));
+    Prizes_->setAccessibleName(tr("Prizes of the contact"));
+    Prizes_->AddColumn(tr("Prize"), WideTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Title"));
+    Prizes_->AddColumn(tr("Role"), NarrowTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("FOLDER"));
+    Prizes_->AddColumn(tr("Won"), MiddleTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("WonDate"));
+    Prizes_->AddColumn(tr("Sent"), MiddleTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("SentDate"));
+    PrizesNote_->setObjectName(QStringLiteral("contactPrizesNote"));
+    addTab(MakePage(Messages_, MessagesNote_), tr("Me&ssages"));
+    addTab(MakePage(Prizes_, PrizesNote_), tr("&Prizes"));
+    Timer_.setSingleShot(true);
+    Timer_.setInterval(WaitMilliseconds);
+    connect(&Timer_, &QTimer::timeout, this, &ContactHistory::Fill);
+    connect(this, &QTabWidget::currentChanged, this, &ContactHistory::Wait);
+    connect(Messages_, &ListView::ItemActivated, this,
+            [this](const QString& key) { Q_EMIT MessageWanted(key.mid(1).toInt()); });
+    connect(Prizes_, &ListView::ItemActivated, this, [this](const QString& key) {
+        const qint32 reference = key.mid(1).toInt();
+        if (key.startsWith(u'w'))
+            Q_EMIT WinnerWanted(reference);
+        else
+            Q_EMIT PrizeWanted(reference);
+    });
+}
+
+QWidget* ContactHistory::MakePage(ListView* list, QLabel* note)
+{
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    note->setWordWrap(true);
+    list->header()->setStretchLastSection(true);
+    layout->addWidget(note);
+    layout->addWidget(list, 1);
+    return page;
+}
+
+void ContactHistory::ShowContact(const clsKVContactPtr& contact)
+{
+    Contact_ = contact;
+    Refresh();
+}
+
+void ContactHistory::Refresh()
+{
+    Messages_->Clear();
+    Prizes_->Clear();
+    MessagesNote_->clear();
+    PrizesNote_->clear();
+    IsFilled_[tabMessages] = IsFilled_[tabPrizes] = false;
+    Wait();
+}
+
+void ContactHistory::Wait()
+{
+    if (Contact_ && !IsFilled_[currentIndex()])
+        Timer_.start();
+    else
+        Timer_.stop();
+}
+
+void ContactHistory::Fill()
+{
+    const int tab = currentIndex();
+    QLabel* note = tab == tabMessages ? MessagesNote_ : PrizesNote_;
+    IsFilled_[tab] = true;
+    const BusyPointer busy;
+    try {
+        note->setText(tab == tabMessages ? FillMessages() : FillPrizes());
+    } catch (const dao::Error& error) {
+        note->setText(Station_.Words(error.Number(), error.Description()));
+    }
+}
+
+QString ContactHistory::FillMessages()
+{
+    const QString addresses = AddressesOf(*Contact_);
+    const QString numbers = NumbersOf(*Contact_);
+    if (addresses.isEmpty() && numbers.isEmpty())
+        return tr("There is no address and no number to look for.");
+    Messages_->setUpdatesEnabled(false);
+    Station_.Database().FillMessagesListView(Messages_, addresses, numbers);
+    for (const QString& key : Messages_->Keys())
+        Messages_->SetSubItem(key, FromColumn, WithoutBars(Messages_->SubItem(key, FromColumn)));
+    Messages_->setUpdatesEnabled(true);
+    const int count = Messages_->ItemCount();
+    if (count == 0)
+        return tr("No messages to or from this contact.");
+    return count == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(count));
+}
+
+QString ContactHistory::FillPrizes()
+{
+    // Nobody's number means everybody to the search.
+    if (Contact_->Reference == 0)
+        return tr("The contact is not saved yet.");
+    Station_.Database().FillPrizesListView(Prizes_, Contact_->Reference);
+    return WinsInWords();
+}
+
+QString ContactHistory::WinsInWords() const
+{
+    const qint32 wins = Station_.Database().GetNumberWinsForContact(Contact_->Reference);
+    if (wins < 0)
+        return tr("The prizes cannot be read at the moment.");
+    const std::optional<PrizeRows::Winner> last = PrizeRows::LastWinOf(Station_, Contact_->Reference);
+    if (wins == 0 || !last)
+        return Prizes_->ItemCount() == 0 ? tr("No prizes yet.") : tr("Has not won a prize yet.");
+    const cPrizePtr prize = Station_.Database().GetPrize(last->PrizeReference, false);
+    const QString what = prize ? PrizeRows::Quoted(prize->Title()) : tr("a prize that was deleted since");
+    const QString when = PrizeRows::DayWords(last->WonDate);
+    return wins == 1 ? tr("Has won once: %1 on %2.").arg(what, when)
+                     : tr("Has won %1 times, the last time %2 on %3.").arg(QLocale().toString(wins), what, when);
+}
