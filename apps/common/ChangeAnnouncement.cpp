@@ -6,6 +6,8 @@
 void AnnounceDeletions(cTolvaDatabase& database)
 {
     QObject::connect(&database, &cTolvaDatabase::MessageDeleted, &database, [&database] { AnnounceChange(database); });
+    QObject::connect(&database, &cTolvaDatabase::PrizeDeleted, &database,
+                     [&database] { database.SetLastPrizeChanged(ClockHelper::NowUTC()); });
 }
 
 void AnnounceChange(cTolvaDatabase& database)

@@ -14,6 +14,8 @@ CommandDefinition DeleteCommand();
 CommandDefinition MarkCommand();
 CommandDefinition PendingCommand();
 CommandDefinition FoldersCommand();
+CommandDefinition PrizesCommand();
+CommandDefinition PrizeCommand();
 CommandDefinition SettingCommand();
 CommandDefinition UsersCommand();
 CommandDefinition ContactsCommand();

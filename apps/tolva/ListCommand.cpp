@@ -1,6 +1,7 @@
 // tolva list: what messages there are.
 
 #include "Commands.h"
+#include "FindText.h"
 #include "FolderNames.h"
 #include "MessageTable.h"
 #include "Station.h"
@@ -21,24 +22,9 @@ const QString MailColumn = QStringLiteral("Message");
 /// need not read gigabytes.
 constexpr int NamesShownFor = 500;
 
-/// A pattern that any text holding what was typed meets, with every character standing for itself.
-QString PatternOf(const QString& typed)
-{
-    QString pattern;
-    for (const QChar character : typed) {
-        if (character == u'*' || character == u'?' || character == u'#' || character == u'[')
-            pattern += u'[' + QString(character) + u']';
-        else if (character == u'"')
-            pattern += QStringLiteral("\"\"");
-        else
-            pattern += character;
-    }
-    return QStringLiteral("\"*") + pattern + QStringLiteral("*\"");
-}
-
 QString FindCondition(const QString& typed)
 {
-    const QString pattern = PatternOf(typed);
+    const QString pattern = QStringLiteral("\"*") + LiteralPattern(typed) + QStringLiteral("*\"");
     QStringList conditions;
     for (const char* column : {"Subject", "FromKey", "ToKey", "CcKey"})
         conditions.append(QStringLiteral("[%1] LIKE %2").arg(QLatin1String(column), pattern));

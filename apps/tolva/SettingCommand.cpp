@@ -39,6 +39,8 @@ const QList<KnownSetting>& KnownSettings()
         {QStringLiteral("Messages.HighlightFont"), QStringLiteral("Tahoma")},
         {QStringLiteral("Messages.HighlightWords"), none},
         {QStringLiteral("Messages.LastChanged"), none},
+        {QStringLiteral("Prizes.AwardNeedsRight"), 0},
+        {QStringLiteral("Prizes.EligibleDays"), 30},
         {QStringLiteral("Prizes.LastChanged"), none},
         {QStringLiteral("Station.Name"), QStringLiteral("Radio Station")},
         {QStringLiteral("Station.Address"), none},

@@ -98,11 +98,11 @@ Failure Station::WhyNot(qint32 reference, const QString& words)
         QStringLiteral("Message %1 changed or went while it was being worked on. Try again.").arg(reference));
 }
 
-qint32 ToReference(const QString& words)
+qint32 ToReference(const QString& words, const QString& kind)
 {
     bool isNumber = false;
     const int reference = words.toInt(&isNumber);
     if (!isNumber || reference <= 0)
-        throw Failure(exitUsage, QStringLiteral("\"%1\" is not a message's number.").arg(words));
+        throw Failure(exitUsage, QStringLiteral("\"%1\" is not a %2's number.").arg(words, kind));
     return reference;
 }

@@ -64,5 +64,5 @@ private:
     cTolvaDatabase Database_;
 };
 
-/// A message's number. Failure (usage) for what is none.
-qint32 ToReference(const QString& words);
+/// The number of a message, or of what kind names. Failure (usage) for what is none.
+qint32 ToReference(const QString& words, const QString& kind = QStringLiteral("message"));

@@ -1,0 +1,222 @@
+// tolva prize show, add, edit and delete.
+
+#include "DisplayText.h"
+#include "PrizeForms.h"
+#include "PrizeText.h"
+#include "Terminal.h"
+#include "common/ClockHelper.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+using namespace PrizeOptions;
+
+const QString DateFormat = QStringLiteral("ddd dd mmm yyyy hh:nn:ss");
+const QString ManageWords = QStringLiteral("manage prizes");
+constexpr int LongestTitle = 255;
+
+void PrintField(const QString& name, const QString& value)
+{
+    if (!value.isEmpty())
+        Terminal::PrintLine(QStringLiteral("%1 %2").arg((name + u':').leftJustified(12), OneLine(value)));
+}
+
+void PrintBlock(const QString& name, const QString& text)
+{
+    if (!text.trimmed().isEmpty())
+        Terminal::PrintLine(QStringLiteral("\n%1:\n%2").arg(name, ManyLines(text.trimmed())));
+}
+
+QString PersonAndDate(const QString& person, Date date)
+{
+    const QString day = date.Format(DateFormat);
+    if (person.isEmpty() || day.isEmpty())
+        return person + day;
+    return day + QStringLiteral(", ") + person;
+}
+
+/// A number of 0 or more. Failure (usage) for anything else.
+qint32 ToNumber(const QString& option, const QString& typed)
+{
+    bool isNumber = false;
+    const int number = typed.toInt(&isNumber);
+    if (!isNumber || number < 0)
+        throw Failure(exitUsage, QStringLiteral("--%1 takes a number, not \"%2\".").arg(option, typed));
+    return number;
+}
+
+QString TextOfFile(const QString& path)
+{
+    QByteArray octets;
+    if (path == u"-") {
+        if (!Terminal::ReadInput(octets))
+            throw Failure(exitInputOutput, QStringLiteral("Standard input cannot be read."));
+    } else {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            throw Failure(exitNoInput, QStringLiteral("%1 cannot be read: %2").arg(path, file.errorString()));
+        octets = file.readAll();
+        if (file.error() != QFileDevice::NoError)
+            throw Failure(exitInputOutput, QStringLiteral("%1 cannot be read: %2").arg(path, file.errorString()));
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text = decoder(octets);
+    if (decoder.hasError())
+        throw Failure(exitData, QStringLiteral("%1 is not text in UTF-8.").arg(path));
+    return text;
+}
+
+/// What the options say goes into the prize; the rest of it stays.
+void TakeFields(cPrize& prize, const Arguments& arguments)
+{
+    if (arguments.Has(Title))
+        prize.SetTitle(arguments.Value(Title).simplified());
+    if (arguments.Has(Script))
+        prize.SetScript(arguments.Value(Script));
+    if (arguments.Has(ScriptFile))
+        prize.SetScript(TextOfFile(arguments.Value(ScriptFile)));
+    if (arguments.Has(Notes))
+        prize.SetNotes(arguments.Value(Notes));
+    if (arguments.Has(SupplierNotes))
+        prize.SetNotesToSupplier(arguments.Value(SupplierNotes));
+    if (arguments.Has(Supplier))
+        prize.SetSupplierReference(ToNumber(Supplier, arguments.Value(Supplier)));
+    if (arguments.Has(Supplied))
+        prize.SetNumberSupplied(ToNumber(Supplied, arguments.Value(Supplied)));
+    if (arguments.Has(Start))
+        prize.SetStartDate(ParseStart(arguments.Value(Start)));
+    if (arguments.Has(End))
+        prize.SetEndDate(ParseEnd(arguments.Value(End)));
+    for (qint16 day = 1; arguments.Has(PrizeOptions::Hours) && day <= 7; ++day)
+        prize.SetAvailableHours(day, ParseHours(arguments.Value(PrizeOptions::Hours)));
+}
+
+/// Failure (usage) for a prize that could never go out.
+void RefuseReversedDates(const cPrize& prize)
+{
+    if (!prize.StartDate().IsNone() && !prize.EndDate().IsNone() && prize.EndDate() < prize.StartDate())
+        throw Failure(exitUsage, QStringLiteral("The prize would end before it starts."));
+}
+
+void Save(Station& station, const cPrizePtr& prize)
+{
+    RefuseReversedDates(*prize);
+    if (prize->SupplierReference() != 0 &&
+        !station.Try([&] { return station.Directory().GetContact(prize->SupplierReference()); }))
+        Terminal::Complain(
+            QStringLiteral("Contact %1, the supplier, is not in the directory.").arg(prize->SupplierReference()));
+    if (!station.Try([&] { return station.Database().SavePrize(prize); }))
+        throw WhyNotStored(station, station.Database());
+}
+
+MessageBoxRequest Question(const QString& text)
+{
+    return {text, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
+}
+
+bool IsConfirmed(Station& station, const cPrize& prize)
+{
+    QString question = QStringLiteral("Are you sure you want to delete the prize '%1'?").arg(OneLine(prize.Title()));
+    if (prize.NumberWinners() > 0) {
+        question += prize.NumberWinners() == 1
+                        ? QStringLiteral(" It has a winner, who is deleted with it.")
+                        : QStringLiteral(" It has %1 winners, who are deleted with it.").arg(prize.NumberWinners());
+    }
+    return station.Terminal().MessageBox(Question(question)) == MessageBoxAnswer::Yes;
+}
+} // namespace
+
+void PrizeForms::CheckFields(const Arguments& arguments)
+{
+    const bool isNew = arguments.Words().at(1) == u"add";
+    const QString title = arguments.Value(Title).simplified();
+    if ((isNew || arguments.Has(Title)) && (title.isEmpty() || title.size() > LongestTitle))
+        throw Failure(exitUsage, QStringLiteral("A prize needs a --title of 1 to %1 characters.").arg(LongestTitle));
+    if (arguments.Has(Script) && arguments.Has(ScriptFile))
+        throw Failure(exitUsage, QStringLiteral("--script and --script-file exclude each other."));
+    static const std::array fields = {Title,    Script,   ScriptFile, Notes, SupplierNotes,
+                                      Supplier, Supplied, Start,      End,   PrizeOptions::Hours};
+    if (std::none_of(fields.begin(), fields.end(), [&](const QString& field) { return arguments.Has(field); }))
+        throw Failure(exitUsage,
+                      QStringLiteral("Say what is to change, such as --supplied 3. See: tolva prize --help"));
+    if (arguments.Value(ScriptFile) == u"-")
+        return; // standard input is there to be read once
+    cPrize prize;
+    TakeFields(prize, arguments);
+    RefuseReversedDates(prize);
+}
+
+int PrizeForms::Show(Station& station, const Arguments& arguments)
+{
+    const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
+    if (arguments.Has(Json)) {
+        Terminal::PrintOctets(QJsonDocument(ToJson(*prize)).toJson(QJsonDocument::Compact) + '\n');
+        return exitOK;
+    }
+    PrintField(QStringLiteral("Prize"), QString::number(prize->Reference()));
+    PrintField(QStringLiteral("Title"), prize->Title());
+    PrintField(QStringLiteral("Stock"), StockWords(*prize));
+    PrintField(QStringLiteral("From"), prize->StartDate().Format(DateFormat));
+    PrintField(QStringLiteral("Until"), prize->EndDate().Format(DateFormat));
+    PrintField(QStringLiteral("Hours"), HoursText::InWords(HoursOf(*prize)));
+    PrintField(QStringLiteral("Last won"), prize->LastWonDate().Format(DateFormat));
+    PrintField(QStringLiteral("Supplier"), ContactName(station, prize->SupplierReference()));
+    PrintField(QStringLiteral("Added"),
+               PersonAndDate(UserNameOf(station, prize->AddedByReference()), prize->AddedDate()));
+    PrintBlock(QStringLiteral("Script"), prize->Script());
+    PrintBlock(QStringLiteral("Notes"), prize->Notes());
+    PrintBlock(QStringLiteral("Notes to the supplier"), prize->NotesToSupplier());
+    return exitOK;
+}
+
+int PrizeForms::Add(Station& station, const Arguments& arguments)
+{
+    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    const auto prize = std::make_shared<cPrize>();
+    prize->SetNumberSupplied(1);
+    TakeFields(*prize, arguments);
+    Save(station, prize);
+    Terminal::PrintLine(QString::number(prize->Reference()));
+    return exitOK;
+}
+
+int PrizeForms::Edit(Station& station, const Arguments& arguments)
+{
+    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    // A script on standard input may take its time: the prize is read when all is there.
+    cPrize typed;
+    const bool isPiped = arguments.Value(ScriptFile) == u"-";
+    if (isPiped)
+        TakeFields(typed, arguments);
+    const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
+    if (isPiped)
+        prize->SetScript(typed.Script());
+    else
+        TakeFields(*prize, arguments);
+    Save(station, prize);
+    return exitOK;
+}
+
+int PrizeForms::Delete(Station& station, const Arguments& arguments)
+{
+    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
+    if (!arguments.Has(Yes) && Terminal::CanAsk() && !IsConfirmed(station, *prize)) {
+        Terminal::Complain(QStringLiteral("Nothing was deleted."));
+        return exitDeclined;
+    }
+    if (!station.Try([&] { return station.Database().DeletePrize(prize->Reference()); }))
+        throw WhyNotStored(station, station.Database());
+    if (station.Database().LastErrorNumber() != 0) {
+        const Failure reason = WhyNotStored(station, station.Database());
+        throw Failure(reason.Code(),
+                      QStringLiteral("The prize is deleted, but not all of its winners. ") + reason.Words());
+    }
+    return exitOK;
+}

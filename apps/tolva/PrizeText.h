@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Station.h"
+#include "prizes/HoursText.h"
+
+#include <QJsonObject>
+
+/// Prizes, their hours and the people around them in words, for the commands that work on prizes.
+
+/// The prize; Failure (data) when there is none. words: its number as the user typed it.
+cPrizePtr PrizeOf(Station& station, const QString& words);
+/// Failure for an operation that answered false though nothing is known against it: the store's last error, or that
+/// somebody else was quicker.
+Failure WhyNotStored(const Station& station, const cTolvaDatabase& database);
+
+/// A contact of the directory, and a user, by name; "contact 12", and "user 12", for one that is gone. Empty for 0.
+QString ContactName(Station& station, qint32 reference);
+QString UserNameOf(Station& station, qint32 reference);
+
+WeekOfHours HoursOf(const cPrize& prize);
+/// "9-17", "6-9,18-24", "9", "all" or "none" as the hours of one day. Failure (usage) for anything else.
+QString ParseHours(const QString& typed);
+
+/// A date as the user types it, empty for none. Failure (usage) for what is no date.
+Date ParseStart(const QString& typed);
+/// The same; a day alone counts to its end.
+Date ParseEnd(const QString& typed);
+
+/// "2 of 5 left".
+QString StockWords(const cPrize& prize);
+QJsonObject ToJson(const cPrize& prize);
