@@ -111,7 +111,8 @@ QString PrizeAwards::WhyCannotWin(DeskStation& station, qint32 contact)
     const QLocale locale;
     return Translated("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
                       "numbers up to %3. Nothing was saved. Choose another contact, or ask your technician.")
-        .arg(PrizeRows::NameOf(station, contact), locale.toString(contact), locale.toString(AwardRules::HighestWinnerReference));
+        .arg(PrizeRows::NameOf(station, contact), locale.toString(contact),
+             locale.toString(AwardRules::HighestWinnerReference));
 }
 
 QString PrizeAwards::RecentWinQuestion(DeskStation& station, qint32 contact)

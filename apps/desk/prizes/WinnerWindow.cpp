@@ -367,8 +367,9 @@ void WinnerWindow::TakeBack()
 {
     const cPrizeWinnerPtr stored = Station_.Database().GetPrizeWinner(Reference_);
     if (stored && !PrizeAwards::MayTakeBack(Station_, *stored)) {
-        Words::Warn(tr("Another user made this award. Taking it back needs the right to manage prizes; %1 can do it too.")
-                        .arg(PrizeRows::UserName(Station_, stored->AwardedByReference())));
+        Words::Warn(
+            tr("Another user made this award. Taking it back needs the right to manage prizes; %1 can do it too.")
+                .arg(PrizeRows::UserName(Station_, stored->AwardedByReference())));
         return;
     }
     MessageBoxRequest question;

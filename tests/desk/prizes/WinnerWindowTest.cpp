@@ -100,6 +100,20 @@ TEST_F(WinnerWindowTest, TakingBackAsksAndGivesTheUnitBack)
     EXPECT_TRUE(WaitUntil([this] { return Prizes().WinnerWindows().isEmpty(); }));
 }
 
+TEST_F(WinnerWindowTest, WhoMayNotManagePrizesTakesOnlyOwnAwardsBack)
+{
+    CloseWindow();
+    AddUser(QStringLiteral("Petra"), static_cast<int>(DirectoryRight::CanEditMessages));
+    OpenPrizes(QStringLiteral("Petra"));
+    Select(Prize);
+    WinnerWindow& window = Open();
+    Ui.ExpectWarning(QStringLiteral("Another user made this award. Taking it back needs the right to manage prizes; "
+                                    "Technician can do it too."));
+    window.findChild<QAction*>(QStringLiteral("takeBack"))->trigger();
+    EXPECT_EQ(WinnersOf(Prize).size(), 1);
+    window.close();
+}
+
 TEST_F(WinnerWindowTest, AWinnerTakenBackElsewhereIsNotStoredAgain)
 {
     WinnerWindow& window = Open();
