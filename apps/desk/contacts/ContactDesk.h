@@ -1,6 +1,7 @@
 #pragma once
 
 #include "messages/cMessage.h"
+#include "platform/directory/clsKVContact.h"
 
 #include <QObject>
 #include <QPointer>

@@ -348,3 +348,54 @@ TEST_F(EmbeddedDirectoryTest, TwoComputersSeeEachOthersContactsAndUsers)
     Directory.DeleteContact(contact.Reference);
     EXPECT_EQ(other.GetContact(contact.Reference), nullptr);
 }
+
+TEST_F(EmbeddedDirectoryTest, AChangeIsStoredWhileTheContactIsWhatItWas)
+{
+    const clsKVContact before = SavedContact(QStringLiteral("Wella"));
+    clsKVContact after = before;
+    after.Mobile = QStringLiteral("07700 900123");
+    after.Other = QString(100'000, u'x');
+    Directory.ChangeContact(before, after);
+    EXPECT_EQ(*Directory.GetContact(before.Reference), after);
+}
+
+TEST_F(EmbeddedDirectoryTest, AChangeOfWhatSomebodyElseChangedIsRefusedInWords)
+{
+    const clsKVContact before = SavedContact(QStringLiteral("Wella"));
+    EmbeddedDirectory other;
+    other.Open(FolderName());
+    clsKVContact theirs = before;
+    theirs.Name = QStringLiteral("Wella Rowe");
+    other.SaveContact(theirs);
+    clsKVContact mine = before;
+    mine.Mobile = QStringLiteral("07700 900123");
+    try {
+        Directory.ChangeContact(before, mine);
+        ADD_FAILURE() << "their change was overwritten";
+    } catch (const dao::Error& error) {
+        EXPECT_EQ(error.Number(), dao::errChangedByAnother);
+        EXPECT_EQ(error.Description(), QStringLiteral("Somebody else has changed the contact meanwhile."));
+    }
+    EXPECT_EQ(*Directory.GetContact(before.Reference), theirs);
+    other.DeleteContact(before.Reference);
+    EXPECT_EQ(ErrorNumber([&] { Directory.ChangeContact(theirs, mine); }), dao::errRecordDeleted);
+}
+
+TEST_F(EmbeddedDirectoryTest, AStepStoresAllOfItOrNothing)
+{
+    Directory.InOneStep([&] {
+        SavedContact(QStringLiteral("Wella"));
+        SavedContact(QStringLiteral("Jory"));
+    });
+    EXPECT_EQ(Directory.Contacts().size(), 2);
+    EXPECT_EQ(ErrorNumber([&] {
+                  Directory.InOneStep([&] {
+                      SavedContact(QStringLiteral("Demelza"));
+                      SavedContact(QString(300, u'x'));
+                  });
+              }),
+              dao::errFieldTooSmall);
+    EXPECT_EQ(Directory.Contacts().size(), 2);
+    Directory.Close();
+    EXPECT_EQ(ErrorNumber([&] { Directory.InOneStep([] {}); }), dao::errObjectInvalid);
+}
