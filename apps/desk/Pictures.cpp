@@ -20,6 +20,7 @@
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
+#include "prizes/PrizePictures.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -133,6 +134,9 @@ public:
         Find();
         Writing();
         Dialogs();
+        PrizePictures::Take(
+            Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
+            [this] { Settle(); });
         if (withLarge)
             Large();
         Window().close();
