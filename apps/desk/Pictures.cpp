@@ -22,6 +22,7 @@
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 #include "printing/PrintDialog.h"
+#include "prizes/PrizePictures.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -137,6 +138,9 @@ public:
         Dialogs();
         ContactPictures::Take(Window().Station(),
                               [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); });
+        PrizePictures::Take(
+            Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
+            [this] { Settle(); });
         if (withLarge)
             Large();
         Window().close();

@@ -1,6 +1,7 @@
 #include "PrizeAwards.h"
 
 #include "AwardCheck.h"
+#include "AwardRules.h"
 #include "DeskStation.h"
 #include "PrizeTransaction.h"
 #include "common/ClockHelper.h"
@@ -65,9 +66,7 @@ QString DaysAgo(int days)
 
 int PrizeAwards::EligibleDays(DeskStation& station)
 {
-    bool isNumber = false;
-    const int days = station.Database().DatabaseSetting(DaysSetting, DefaultEligibleDays).toString().toInt(&isNumber);
-    return isNumber && days >= 0 ? qMin(days, MostEligibleDays) : DefaultEligibleDays;
+    return AwardRules::EligibleDays(station.Database());
 }
 
 void PrizeAwards::SetEligibleDays(DeskStation& station, int days)
@@ -77,7 +76,7 @@ void PrizeAwards::SetEligibleDays(DeskStation& station, int days)
 
 bool PrizeAwards::NeedsRight(DeskStation& station)
 {
-    return station.Database().DatabaseSetting(RightSetting, 0).toString().toInt() != 0;
+    return AwardRules::NeedsRight(station.Database());
 }
 
 void PrizeAwards::SetNeedsRight(DeskStation& station, bool needsRight)
@@ -107,25 +106,22 @@ QString PrizeAwards::WhyCannotWin(DeskStation& station, qint32 contact)
     if (contact <= 0 || !station.Directory().GetContact(contact)) {
         return Translated("That contact is not in the directory any more. Nothing was saved; choose another contact.");
     }
-    if (contact <= HighestWinnerReference)
+    if (contact <= AwardRules::HighestWinnerReference)
         return QString();
     const QLocale locale;
     return Translated("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
                       "numbers up to %3. Nothing was saved. Choose another contact, or ask your technician.")
-        .arg(PrizeRows::NameOf(station, contact), locale.toString(contact), locale.toString(HighestWinnerReference));
+        .arg(PrizeRows::NameOf(station, contact), locale.toString(contact),
+             locale.toString(AwardRules::HighestWinnerReference));
 }
 
 QString PrizeAwards::RecentWinQuestion(DeskStation& station, qint32 contact)
 {
     const int days = EligibleDays(station);
-    if (days == 0)
-        return QString();
-    const std::optional<PrizeRows::Winner> win = PrizeRows::LastWinOf(station, contact);
-    if (!win || win->WonDate.IsNone())
+    const auto win = AwardRules::RecentWin(station.Database(), contact);
+    if (!win)
         return QString();
     const int age = DaysBetween(win->WonDate, ClockHelper::CurrentTime());
-    if (age >= days)
-        return QString();
     const cPrizePtr prize = station.Database().GetPrize(win->PrizeReference, false);
     const QString title = prize ? PrizeRows::Quoted(prize->Title()) : Translated("a prize that is not there any more");
     const QString wait = days == 1 ? Translated("At this station winners wait 1 day.")
@@ -201,6 +197,12 @@ QString PrizeAwards::WinnersInWords(DeskStation& station, const QList<PrizeRows:
                               winner.WonDate.Format(QStringLiteral("d mmmm yyyy, hh:nn:ss")), by));
     }
     return lines.join(u'\n');
+}
+
+bool PrizeAwards::MayTakeBack(DeskStation& station, const cPrizeWinner& winner)
+{
+    const clsKVUser* user = station.Directory().CurrentUser();
+    return user && (user->ManagePrizes() || user->Reference() == winner.AwardedByReference());
 }
 
 bool PrizeAwards::TakeBack(DeskStation& station, qint32 winner, QString& words)

@@ -17,9 +17,6 @@ void SetEligibleDays(DeskStation& station, int days);
 bool NeedsRight(DeskStation& station);
 void SetNeedsRight(DeskStation& station, bool needsRight);
 
-/// A winner's field has 16 bits.
-inline constexpr qint32 HighestWinnerReference = 32767;
-
 /// Why nobody can be given this prize now: the user's right, a prize that is gone or used up. A sentence, or empty.
 QString WhyNotAwardable(DeskStation& station, qint32 prize);
 /// Why this contact cannot win; empty when nothing stands against it.
@@ -50,6 +47,8 @@ QString OverAwardWords(const OverAward& overAward);
 /// One line a winner: who won, when, and who awarded it. own: the winner of this desk's own award.
 QString WinnersInWords(DeskStation& station, const QList<PrizeRows::Winner>& winners, qint32 own);
 
+/// Who awarded a prize may put that right; taking back what others awarded needs the right to manage prizes.
+bool MayTakeBack(DeskStation& station, const cPrizeWinner& winner);
 /// Deletes the winner and leaves the prize with the right count: a row that was never counted takes nothing off it. An
 /// absent winner counts as taken back. False, with words, when it could not be done; everything is as before then.
 bool TakeBack(DeskStation& station, qint32 winner, QString& words);

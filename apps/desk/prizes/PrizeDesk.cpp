@@ -57,6 +57,8 @@ PrizeDesk::PrizeDesk(DeskStation& station, DeskSettings& settings, QMainWindow& 
 
 PrizeDesk::~PrizeDesk()
 {
+    if (Pages_)
+        Pages_->disconnect(this);
     for (const QPointer<QMainWindow>& window : std::as_const(Windows_))
         delete window;
     // The page belongs to the window, and its list must not outlive the station's file.

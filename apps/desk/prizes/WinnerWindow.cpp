@@ -365,6 +365,13 @@ bool WinnerWindow::Save()
 
 void WinnerWindow::TakeBack()
 {
+    const cPrizeWinnerPtr stored = Station_.Database().GetPrizeWinner(Reference_);
+    if (stored && !PrizeAwards::MayTakeBack(Station_, *stored)) {
+        Words::Warn(
+            tr("Another user made this award. Taking it back needs the right to manage prizes; %1 can do it too.")
+                .arg(PrizeRows::UserName(Station_, stored->AwardedByReference())));
+        return;
+    }
     MessageBoxRequest question;
     question.Text = tr("Do you want to take \u201C%1\u201D back from %2? The prize can be awarded again then.")
                         .arg(PrizeTitle_, PrizeRows::NameOf(Station_, Base_.WinnerReference));

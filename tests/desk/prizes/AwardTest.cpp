@@ -57,14 +57,15 @@ protected:
     }
     /// The other computer awards the prize to Ben while this desk stores its own award to Ann; the press of a button
     /// answers the box.
-    QString AwardInTheSameMoment(const QString& button)
+    QString AwardInTheSameMoment(const QString& button, std::function<void()> elsewhere = {})
     {
+        if (!elsewhere)
+            elsewhere = [this] { AwardElsewhere(Prize, Ben); };
         OpenPrizes();
         Select(Prize);
         DialogVisitor chooser("contactChooser", Choosing(QStringLiteral("Ann")));
         BoxAnswer box(button);
-        QString details;
-        BusyHook hook([&] { AwardElsewhere(Prize, Ben); });
+        BusyHook hook(elsewhere);
         ClickAward();
         return box.Text();
     }
@@ -169,14 +170,20 @@ TEST_F(AwardTest, APrizeDeletedElsewhereIsRefused)
 
 TEST_F(AwardTest, AContactWithAHighReferenceIsRefusedAndNothingIsHalfSaved)
 {
-    AddContact(QStringLiteral("Zacky High"));
+    // As in a directory through which many contacts have gone.
     sqlite3* directory = nullptr;
     ASSERT_EQ(sqlite3_open(StationPlace::DirectoryFileIn(Folder()).toUtf8().constData(), &directory), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(directory, "UPDATE Contacts SET Reference=40000 WHERE Name='Zacky High'", nullptr, nullptr,
+    ASSERT_EQ(sqlite3_exec(directory, "UPDATE \"~Tables\" SET Counter=39999 WHERE Name='Contacts'", nullptr, nullptr,
                            nullptr),
               SQLITE_OK);
     sqlite3_close(directory);
-    ASSERT_TRUE(Station.Directory().GetContact(40000));
+    EmbeddedDirectory elsewhere; // which has taken no numbers beforehand
+    elsewhere.Open(StationPlace::DirectoryIn(Folder()));
+    clsKVContact high;
+    high.Name = QStringLiteral("Zacky High");
+    elsewhere.SaveContact(high);
+    elsewhere.Close();
+    ASSERT_EQ(high.Reference, 40000);
     const Date stamp = Station.Database().LastPrizeChanged();
     OpenPrizes();
     Select(Prize);
@@ -265,6 +272,27 @@ TEST_F(AwardTest, TheSecondOfTwoInTheSameMomentIsToldWhatStandsAndTakesItsWinner
     EXPECT_EQ(WinnersOf(Prize).first().WinnerReference, Ben);
     EXPECT_EQ(Stored(Prize)->NumberWinners(), 1);
     EXPECT_EQ(AwardNotice().Text(), QString());
+}
+
+TEST_F(AwardTest, AnotherProcessAndThisDeskAwardTheLastOneInTheSameMoment)
+{
+    const QString said = AwardInTheSameMoment(QStringLiteral("Take it back from Ann Angove"), [this] {
+        OtherComputer("prize", {QStringLiteral("award"), QString::number(Prize), QStringLiteral("--name"),
+                                QStringLiteral("Ben Bosanko")});
+    });
+    EXPECT_EQ(said, QStringLiteral("“Two tickets” has been awarded 2 times, but only 1 was supplied."));
+    const QByteArray winners = OtherComputer("prize", {QStringLiteral("winners"), QString::number(Prize)});
+    EXPECT_TRUE(winners.contains("Ben Bosanko")) << winners.constData();
+    EXPECT_FALSE(winners.contains("Ann Angove")) << winners.constData();
+    EXPECT_EQ(Stored(Prize)->NumberWinners(), 1);
+}
+
+TEST_F(AwardTest, APrizeDeletedInTheMomentOfItsAwardIsSaidAndTheAwardTakenBack)
+{
+    EXPECT_EQ(AwardInTheSameMoment(QStringLiteral("Take it back from Ann Angove"),
+                                   [this] { EXPECT_TRUE(Station.Database().DeletePrize(Prize)); }),
+              QStringLiteral("The prize was deleted on another computer in the same moment, but the award is stored."));
+    EXPECT_TRUE(WinnersOf(Prize).isEmpty());
 }
 
 TEST_F(AwardTest, TheSecondOfTwoInTheSameMomentMayLeaveIt)

@@ -24,6 +24,21 @@
 class PrizeDeskTest : public WindowTest
 {
 protected:
+    void TearDown() override
+    {
+        // A test that failed may leave changes that the windows ask about.
+        QTimer discard;
+        QObject::connect(&discard, &QTimer::timeout, &discard, [] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>()) {
+                if (button->text() == u"&Discard")
+                    button->click();
+            }
+        });
+        if (HasFailure())
+            discard.start(5);
+        WindowTest::TearDown();
+    }
     qint32 AddPrize(const QString& title, qint32 supplied = 1, const std::function<void(cPrize&)>& change = {})
     {
         const auto prize = std::make_shared<cPrize>();
@@ -90,6 +105,12 @@ protected:
         ASSERT_EQ(List().SelectedReference(), prize);
     }
     void ClickAward() { QTest::mouseClick(&Get<QPushButton>(*Window, "presenterAward"), Qt::LeftButton); }
+    /// The platform of the tests does not give a window its focus back after a dialog.
+    static void Activate(QWidget& window)
+    {
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
     /// Chooses a contact in the dialog by typing the name.
     static std::function<void(QDialog&)> Choosing(const QString& name)
     {

@@ -20,17 +20,21 @@ protected:
     {
         Prizes().OpenPrize(prize);
         PrizeWindow* window = OnlyPrizeWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        Activate(*window);
         return *window;
     }
     PrizeWindow& OpenNew()
     {
         QTest::mouseClick(&Get<QPushButton>(List(), "cmdNewPrize"), Qt::LeftButton);
         PrizeWindow* window = OnlyPrizeWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        Activate(*window);
         return *window;
     }
-    static void Save(PrizeWindow& window) { QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier); }
+    static void Save(PrizeWindow& window)
+    {
+        Activate(window);
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+    }
     QLineEdit& Title(PrizeWindow& window) { return Get<QLineEdit>(window, "title"); }
     QPlainTextEdit& Script(PrizeWindow& window) { return Get<QPlainTextEdit>(window, "script"); }
     QString Notice(PrizeWindow& window) { return Get<NoticeBar>(window, "storedNotice").Text(); }

@@ -26,10 +26,14 @@ protected:
         winners.setCurrentItem(winners.topLevelItem(0));
         QTest::keyClick(&winners, Qt::Key_Return);
         WinnerWindow* window = OnlyWinnerWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        Activate(*window);
         return *window;
     }
-    static void Save(WinnerWindow& window) { QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier); }
+    static void Save(WinnerWindow& window)
+    {
+        Activate(window);
+        QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+    }
     cPrizeWinnerPtr Row() { return Station.Database().GetPrizeWinner(Winner); }
 
     qint32 Ann = 0;
@@ -94,6 +98,20 @@ TEST_F(WinnerWindowTest, TakingBackAsksAndGivesTheUnitBack)
     EXPECT_TRUE(WinnersOf(Prize).isEmpty());
     EXPECT_EQ(Stored(Prize)->NumberWinners(), 0);
     EXPECT_TRUE(WaitUntil([this] { return Prizes().WinnerWindows().isEmpty(); }));
+}
+
+TEST_F(WinnerWindowTest, WhoMayNotManagePrizesTakesOnlyOwnAwardsBack)
+{
+    CloseWindow();
+    AddUser(QStringLiteral("Petra"), static_cast<int>(DirectoryRight::CanEditMessages));
+    OpenPrizes(QStringLiteral("Petra"));
+    Select(Prize);
+    WinnerWindow& window = Open();
+    Ui.ExpectWarning(QStringLiteral("Another user made this award. Taking it back needs the right to manage prizes; "
+                                    "Technician can do it too."));
+    window.findChild<QAction*>(QStringLiteral("takeBack"))->trigger();
+    EXPECT_EQ(WinnersOf(Prize).size(), 1);
+    window.close();
 }
 
 TEST_F(WinnerWindowTest, AWinnerTakenBackElsewhereIsNotStoredAgain)
