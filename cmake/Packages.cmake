@@ -23,6 +23,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 
@@ -32,8 +33,8 @@ set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
 
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
 set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS tolva)
-# Loaded by Qt when it starts, so nothing that is linked names it.
-set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "libqt6svg6, qt6-qpa-plugins")
+# The plugin that draws on a screen: Qt loads it by name, so nothing that is linked needs it.
+set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "qt6-qpa-plugins")
 set(CPACK_COMPONENT_DESK_DESCRIPTION
     "Window of a radio station's contact desk\n Listeners' e-mails and text messages, folders, prizes and contacts, shared by several computers.")
 

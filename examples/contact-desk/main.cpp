@@ -1,17 +1,16 @@
 // The messages of a station beside the one that is selected: contact-desk FOLDER USER
 
-#include <common/dialogs/DialogUserInterface.h>
-#include <common/dialogs/QtFileDialog.h>
-#include <database/cTolvaDatabase.h>
-#include <messages/controls/uMessageBasic.h>
-#include <messageslist/uMessagesList.h>
-#include <platform/directory/EmbeddedDirectory.h>
-
 #include <QApplication>
 #include <QDir>
 #include <QSplitter>
 
+#include <common/dialogs/DialogUserInterface.h>
+#include <common/dialogs/QtFileDialog.h>
 #include <cstdio>
+#include <database/cTolvaDatabase.h>
+#include <messages/controls/uMessageBasic.h>
+#include <messageslist/uMessagesList.h>
+#include <platform/directory/EmbeddedDirectory.h>
 
 int main(int argc, char** argv)
 try {

@@ -1,7 +1,6 @@
 #include "ControlCollection.h"
 
 #include "ControlPlugin.h"
-
 #include "messages/controls/uMessageBasic.h"
 #include "messageslist/uMessagesList.h"
 
