@@ -1,9 +1,10 @@
 #pragma once
 
 #include "common/Date.h"
+#include "platform/Export.h"
 
 /// Where the time comes from. Tests install one that stands still.
-class Clock
+class TOLVA_EXPORT Clock
 {
 public:
     virtual ~Clock() = default;
@@ -17,14 +18,14 @@ namespace ClockHelper
 {
 
 /// Local time now.
-Date CurrentTime();
+TOLVA_EXPORT Date CurrentTime();
 /// Universal time now.
-Date NowUTC();
+TOLVA_EXPORT Date NowUTC();
 /// Seconds from a local time until now; very large for none.
-double SecondsSince(Date time);
+TOLVA_EXPORT double SecondsSince(Date time);
 /// Between universal time and the time of this machine's zone at that date. None stays none. A local time that the
 /// clock shows twice in autumn is the first of the two; one that it skips in spring counts as if it had not moved on.
-Date UTCToLocal(Date utc);
-Date LocalToUTC(Date local);
+TOLVA_EXPORT Date UTCToLocal(Date utc);
+TOLVA_EXPORT Date LocalToUTC(Date local);
 
 } // namespace ClockHelper

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -8,7 +10,7 @@
 /// A date and time of day as a day number: days since 30 December 1899, the time as the fraction (OLE automation date).
 /// It knows no time zone: whether it is local or universal time is its owner's affair (ClockHelper converts).
 /// 0 or less means "none"; below 0 the fraction still counts forwards from midnight. A plain value.
-class Date
+class TOLVA_EXPORT Date
 {
 public:
     constexpr Date() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 #include <functional>
@@ -7,7 +9,7 @@
 
 /// The user's choice of a file name. The logic asks Create for one, sets what it needs and shows it; the program
 /// installs the real dialog at start, tests a scripted one.
-class FileDialog
+class TOLVA_EXPORT FileDialog
 {
 public:
     using Factory = std::function<std::unique_ptr<FileDialog>()>;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 #include <functional>
@@ -9,50 +11,51 @@ namespace GeneralHelper
 {
 
 /// Level of the diagnostics log: 0 off, -1 everything, otherwise lines up to that level. Starts at 0.
-int DebugMode();
-void SetDebugMode(int level);
+TOLVA_EXPORT int DebugMode();
+TOLVA_EXPORT void SetDebugMode(int level);
 /// Folder of the log with its closing separator; empty until the log has been asked for one.
-QString DebugPath();
-void SetDebugPath(const QString& folder);
+TOLVA_EXPORT QString DebugPath();
+TOLVA_EXPORT void SetDebugPath(const QString& folder);
 
 /// Adds or replaces one key in a key-value text (entries key=value, one blank between them). A value that holds blanks,
 /// or is empty, stands in double quotes. The form cannot hold a double quote or a control character within a value:
 /// they become a single quote and a blank. GetKeyValue then gives that value for key, whatever else the text holds.
 /// key: letters, digits and dots.
-QString SetKeyValue(const QString& text, const QString& key, const QString& value);
+TOLVA_EXPORT QString SetKeyValue(const QString& text, const QString& key, const QString& value);
 /// The same for a text of lines, one entry a line, the value always in double quotes; the key without regard to case.
-QString SetLineKeyValue(const QString& text, const QString& key, const QString& value);
+TOLVA_EXPORT QString SetLineKeyValue(const QString& text, const QString& key, const QString& value);
 
 /// The text from position start (0 is the first character) up to the next delimiter, trimmed as asked. next: the
 /// position behind that delimiter, or -1 when the text ended.
-QString NextToken(const QString& text, qsizetype start, const QString& delimiter, qsizetype& next,
-                  bool trimLeft = false, bool trimRight = false);
+TOLVA_EXPORT QString NextToken(const QString& text, qsizetype start, const QString& delimiter, qsizetype& next,
+                               bool trimLeft = false, bool trimRight = false);
 
 /// The parts of a colour value with red in its low byte, 0 to 255. A system colour (0x8000....) counts as black.
-int RedOf(qint32 colour);
-int GreenOf(qint32 colour);
-int BlueOf(qint32 colour);
+TOLVA_EXPORT int RedOf(qint32 colour);
+TOLVA_EXPORT int GreenOf(qint32 colour);
+TOLVA_EXPORT int BlueOf(qint32 colour);
 
 /// One form for every way of writing a phone number: the national significant number in digits where it is a number of
 /// the station's country or an international one, otherwise, for short codes and sender names, the text as it stands
 /// (trimmed). option 1 is the form of the address keys.
-QString NormalisePhoneNumber(const QString& number, int option);
+TOLVA_EXPORT QString NormalisePhoneNumber(const QString& number, int option);
 /// The form in which an address key holds this number (no leading zeros); empty when it is no phone number.
-QString PhoneNumberKey(const QString& number);
+TOLVA_EXPORT QString PhoneNumberKey(const QString& number);
 /// Two-letter region (ISO 3166) in whose form numbers without a country code are read; from this machine's setting
 /// "Country", default "GB".
-QString PhoneRegion();
+TOLVA_EXPORT QString PhoneRegion();
 
 /// The key when a numeric field takes it, otherwise 0: digits, and editing keys such as backspace. mode 1: whole
 /// numbers. Other modes take a sign and the decimal point too.
-int FilterNumericKey(int key, int mode);
+TOLVA_EXPORT int FilterNumericKey(int key, int mode);
 /// Whether two points are no further than distance from each other, in each direction.
-bool PointsAreClose(double x1, double y1, double x2, double y2, double distance);
+TOLVA_EXPORT bool PointsAreClose(double x1, double y1, double x2, double y2, double distance);
 /// The text, or its beginning with an ellipsis, so that it is never wider than width. measure gives a text's width on
 /// the surface it is drawn on. Empty when not even the ellipsis fits. Never ends inside a character.
-QString FitTextToWidth(const std::function<double(const QString&)>& measure, const QString& text, double width);
+TOLVA_EXPORT QString FitTextToWidth(const std::function<double(const QString&)>& measure, const QString& text,
+                                    double width);
 
-qint64 Limit(qint64 value, qint64 lowest, qint64 highest);
-qint64 Maximum(qint64 a, qint64 b);
+TOLVA_EXPORT qint64 Limit(qint64 value, qint64 lowest, qint64 highest);
+TOLVA_EXPORT qint64 Maximum(qint64 a, qint64 b);
 
 } // namespace GeneralHelper

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 /// A list view of the host, as far as the logic fills one: columns with keys that the host has chosen, and entries with
 /// keys. The controls' ListView is one. The host owns it.
-class ListViewObject
+class TOLVA_EXPORT ListViewObject
 {
 public:
     virtual ~ListViewObject() = default;

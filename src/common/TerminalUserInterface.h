@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/UserInterface.h"
+#include "platform/Export.h"
 
 #include <QString>
 
@@ -13,7 +14,7 @@
 /// from then on, so that the work ends cleanly. Without work on display an interrupt does what it always does.
 ///
 /// Made by the program's main, which keeps it while it is in force; it outlives the displays it made.
-class TerminalUserInterface final : public UserInterface
+class TOLVA_EXPORT TerminalUserInterface final : public UserInterface
 {
 public:
     /// File descriptors of the streams to use.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Error.h"
 
 #include <QString>
@@ -57,7 +58,7 @@ struct InputBoxRequest
 };
 
 /// A long piece of work on display, from its making to its destruction.
-class ProgressDisplay
+class TOLVA_EXPORT ProgressDisplay
 {
 public:
     virtual ~ProgressDisplay() = default;
@@ -67,7 +68,7 @@ public:
 
 /// The only road from the logic to the user. The programs install their own at start: real dialogs, or the terminal,
 /// which answers "no" where there is nobody to ask. Used on the user interface thread alone.
-class UserInterface
+class TOLVA_EXPORT UserInterface
 {
 public:
     virtual ~UserInterface() = default;
@@ -104,7 +105,7 @@ public:
 };
 
 /// The busy pointer for the life of a scope; scopes nest.
-class BusyPointer
+class TOLVA_EXPORT BusyPointer
 {
 public:
     BusyPointer();
@@ -115,7 +116,7 @@ public:
 
 /// The default pointer for the life of a scope within busy ones, such as a message box in the middle of long work; then
 /// the busy one is back.
-class DefaultPointer
+class TOLVA_EXPORT DefaultPointer
 {
 public:
     DefaultPointer();

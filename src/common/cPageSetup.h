@@ -1,12 +1,14 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 class cTolvaDatabase;
 
 /// Geometry of a sheet of address labels: counts, and lengths in millimetres. Owned by the database object, whose
 /// settings keep it; LabelSheet prints by it.
-class cPageSetup
+class TOLVA_EXPORT cPageSetup
 {
 public:
     qint32 TopMargin() const { return TopMargin_; }

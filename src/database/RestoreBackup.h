@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 class PendingError;
@@ -17,11 +19,12 @@ enum class Outcome
 };
 
 /// The name under which the old file is kept: the database's with the extension "BAK".
-QString KeepNameOf(const QString& databaseFile);
+TOLVA_EXPORT QString KeepNameOf(const QString& databaseFile);
 
 /// Copies backupFile whole beside databaseFile, shown as a restore, gives the old file, when there is one, the keep
 /// name, which must be free, and the copy its name. Every program must have let go of the database. failure: what
 /// stopped the copy, where that is known.
-Outcome Replace(const QString& databaseFile, const QString& backupFile, const QString& keepName, PendingError& failure);
+TOLVA_EXPORT Outcome Replace(const QString& databaseFile, const QString& backupFile, const QString& keepName,
+                             PendingError& failure);
 
 } // namespace RestoreBackup

@@ -7,6 +7,7 @@
 #include "database/DatabaseInformation.h"
 #include "messages/cMessage.h"
 #include "messages/cMessages.h"
+#include "platform/Export.h"
 #include "platform/directory/clsCategory.h"
 #include "platform/records/Database.h"
 #include "prizes/cPrize.h"
@@ -37,7 +38,7 @@ enum class LockingMode : qint32
 ///
 /// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in
 /// messages/, prizes in prizes/.
-class cTolvaDatabase : public QObject
+class TOLVA_EXPORT cTolvaDatabase : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString Description READ Description)

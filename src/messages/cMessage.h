@@ -2,6 +2,7 @@
 
 #include "common/Date.h"
 #include "common/Enumerations.h"
+#include "platform/Export.h"
 #include "platform/mail/Message.h"
 
 #include <QObject>
@@ -26,7 +27,7 @@ using cMessagePtr = std::shared_ptr<cMessage>;
 ///
 /// Every setter but SetCDOMessage marks the object as edited. Changing the mail does not, so who changes it sets
 /// Edited.
-class cMessage : public QObject
+class TOLVA_EXPORT cMessage : public QObject
 {
     Q_OBJECT
 

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "messages/cMessage.h"
+#include "platform/Export.h"
 
 #include <vector>
 
 /// An ordered list of messages, numbered from 1 to Count. It shares its messages with whoever else holds them. At most
 /// 32,767.
-class cMessages
+class TOLVA_EXPORT cMessages
 {
 public:
     qint16 Count() const { return static_cast<qint16>(Messages_.size()); }

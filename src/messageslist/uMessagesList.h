@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/cTolvaDatabase.h"
+#include "platform/Export.h"
 #include "platform/directory/clsKVDirectory.h"
 
 #include <QHash>
@@ -42,7 +43,7 @@ enum enMessagesListSortOrder : qint32
 ///
 /// Events meet their errors by handing them to UserInterface::RunTimeError with the handler's name ("uMessagesList.…")
 /// as their source; operations that a host calls throw them (dao::Error).
-class uMessagesList : public QWidget
+class TOLVA_EXPORT uMessagesList : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(bool PrintVisible READ PrintVisible WRITE SetPrintVisible)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 #include <array>
@@ -13,11 +15,11 @@ namespace HoursText
 
 /// "at any time", "never", or days with equal hours together: "Monday to Friday 09:00 to 17:00; Saturday 06:00 to 09:00
 /// and 18:00 to midnight". Days without hours are left out; a whole day is "all day", seven equal ones are "every day".
-QString InWords(const WeekOfHours& hours);
+TOLVA_EXPORT QString InWords(const WeekOfHours& hours);
 
 /// weekDay: 1 Monday to 7 Sunday; empty outside.
-QString DayName(int weekDay);
+TOLVA_EXPORT QString DayName(int weekDay);
 /// "09:00" for 9.
-QString HourName(int hour);
+TOLVA_EXPORT QString HourName(int hour);
 
 } // namespace HoursText

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Date.h"
+#include "platform/Export.h"
 
 #include <QString>
 
@@ -9,6 +10,6 @@ namespace TolvaControlsFN
 
 /// A past moment (local time) in the words that a presenter would say, such as "12 minutes ago" and "Yesterday
 /// (17:02)". Weeks begin on Monday.
-QString RelativeTimeText(Date value);
+TOLVA_EXPORT QString RelativeTimeText(Date value);
 
 } // namespace TolvaControlsFN

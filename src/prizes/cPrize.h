@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "prizes/cPrizeWinner.h"
 
 #include <array>
@@ -17,7 +18,7 @@ using cPrizePtr = std::shared_ptr<cPrize>;
 ///
 /// Hours: one text of 24 characters for each day of the week (1 Monday to 7 Sunday), for hour H at position H the
 /// letter with code 65 + H ("A" for 00:00 to 00:59) where the prize may go out, and a blank where it may not.
-class cPrize : public QObject
+class TOLVA_EXPORT cPrize : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Date.h"
+#include "platform/Export.h"
 
 #include <QObject>
 
@@ -20,7 +21,7 @@ using cPrizeWinnerPtr = std::shared_ptr<cPrizeWinner>;
 /// One unit of a prize given to one contact of the directory: who won it, who awarded it and when it was sent. Made by
 /// cTolvaDatabase (GetNewPrizeWinner, GetPrizeWinner, GetPrizeWinners) and by Copy alone. Dates are local time here and
 /// universal time in the table; none for "no date". Every setter but SetEdited marks the object as edited.
-class cPrizeWinner : public QObject
+class TOLVA_EXPORT cPrizeWinner : public QObject
 {
     Q_OBJECT
 

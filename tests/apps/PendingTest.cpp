@@ -262,7 +262,8 @@ TEST_F(PendingTest, WhatIsNotPendingIsRefused)
                                   " is not waiting to be sent: it is in Inbox and not marked to be sent.\n");
     EXPECT_EQ(refusal(withdrawn), "tolva: Message " + withdrawn.toUtf8() +
                                       " is not waiting to be sent: it is in Outbox and not marked to be sent.\n");
-    EXPECT_EQ(refusal(moved), "tolva: Message " + moved.toUtf8() + " is not waiting to be sent: it is in Draft Messages.\n");
+    EXPECT_EQ(refusal(moved),
+              "tolva: Message " + moved.toUtf8() + " is not waiting to be sent: it is in Draft Messages.\n");
     EXPECT_TRUE(refusal(QStringLiteral("4711")).contains("There is no message 4711"));
     EXPECT_EQ(FolderOf(inbox), QStringLiteral("Inbox"));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/FileDialog.h"
+#include "platform/Export.h"
 
 class QFileDialog;
 
@@ -9,7 +10,7 @@ class QFileDialog;
 ///
 /// Of the flags 2 (ask before overwriting) and 4096 (the file must exist) count. A read-only box (4) is never shown,
 /// and the folder of the process (8) never changes. A proposed Filename with wildcards proposes no name.
-class QtFileDialog final : public FileDialog
+class TOLVA_EXPORT QtFileDialog final : public FileDialog
 {
 public:
     void ShowOpen() override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/widgets/RichTextBox.h"
 
 #include <QWidget>
@@ -9,7 +10,7 @@ class PropertyBag;
 /// The box for To and Cc of a message that is written. Each address that the program adds is a protected run and
 /// behaves as one: the caret jumps over it, Backspace and Delete take it whole, a click selects and reports it. Between
 /// the runs the user types freely. An entry reads "Name" <address>, and "; " stands between entries.
-class uMessageAddress : public QWidget
+class TOLVA_EXPORT uMessageAddress : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(qint32 BackColour READ BackColour WRITE SetBackColour)

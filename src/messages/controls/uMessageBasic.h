@@ -1,6 +1,7 @@
 #pragma once
 
 #include "messages/cMessage.h"
+#include "platform/Export.h"
 
 #include <QFrame>
 
@@ -15,7 +16,7 @@ class QLabel;
 /// A view of one message: date, sender, addressee, subject, a mark for a personal message, and the body. It changes
 /// nothing in the message and does not follow it: after a change the host sets it again. No smaller than 4000 by 3000
 /// twips.
-class uMessageBasic : public QWidget
+class TOLVA_EXPORT uMessageBasic : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(qint32 BackColour READ BackColour WRITE SetBackColour)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/records/Database.h"
 
@@ -34,7 +35,7 @@ struct DirectoryLogEntry
 /// The directory for hosts that bring none: contacts, users with rights, preferences and the user log in
 /// "Directory.mdb" in a folder of its own, on the same record store as the station, shared between computers in the
 /// same way. Owned by the program; one thread.
-class EmbeddedDirectory : public clsKVDirectory
+class TOLVA_EXPORT EmbeddedDirectory : public clsKVDirectory
 {
 public:
     EmbeddedDirectory();

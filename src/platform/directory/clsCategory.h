@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Database.h"
 
 #include <QString>
@@ -10,7 +11,7 @@
 /// One node of a tree of categories (the message folders), with its sub-categories. A node owns the nodes below it.
 /// Siblings stand by SortKey; among equals the fixed ones come first by Reference (the Inbox leads), then the others by
 /// Description without regard to case, then by Reference.
-class clsCategory
+class TOLVA_EXPORT clsCategory
 {
 public:
     clsCategory() = default;

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/directory/clsKVContact.h"
 #include "platform/directory/clsKVUser.h"
 
 /// The contact directory that a host brings: contacts, users and their rights live there, and the station database
 /// stores references to them. The host owns it and keeps it alive while a station is open.
-class clsKVDirectory
+class TOLVA_EXPORT clsKVDirectory
 {
 public:
     virtual ~clsKVDirectory() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QObject>
 #include <QVariant>
 
@@ -15,7 +17,7 @@ enum class DirectoryRight
 
 /// The signed-in user of a directory: who it is, what it may do, its preferences and its log. Owned by the directory;
 /// lives as long as the user stays signed in.
-class clsKVUser : public QObject
+class TOLVA_EXPORT clsKVUser : public QObject
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 #include <memory>
@@ -49,7 +51,7 @@ private:
 /// A page in memory that can be read, changed and written out again. Nothing in it runs and nothing is fetched. It has
 /// html, head and body from the beginning. Owned by who makes it; one thread at a time. All of its memory is given back
 /// when it goes.
-class HtmlDocument
+class TOLVA_EXPORT HtmlDocument
 {
 public:
     HtmlDocument();

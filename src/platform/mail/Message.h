@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QList>
@@ -31,7 +33,7 @@ struct Attachment
 ///
 /// Owned by whoever made it; not copyable (use SetOctets(other.Octets()), which shares the storage). One thread at a
 /// time.
-class Message
+class TOLVA_EXPORT Message
 {
 public:
     Message();

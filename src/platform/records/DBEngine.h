@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Database.h"
 
 #include <QStringList>
@@ -10,7 +11,7 @@ namespace dao
 {
 
 /// A connection to a server apart from any one of its databases. Owned by the caller.
-class Connection
+class TOLVA_EXPORT Connection
 {
 public:
     virtual ~Connection() = default;
@@ -21,7 +22,7 @@ public:
 };
 
 /// A session of one user. Owned by the caller.
-class Workspace
+class TOLVA_EXPORT Workspace
 {
 public:
     virtual ~Workspace() = default;
@@ -33,7 +34,7 @@ public:
 
 /// The entry to the record store. Which engine opens a file is decided by the file's own first octets, which engine
 /// opens a connect string by the string; see engines/EngineRegistry.h.
-class DBEngine
+class TOLVA_EXPORT DBEngine
 {
 public:
     /// Errors: 3044 no such folder, 3024 no such file, 3343 not a database of any engine, 3049 damaged, 3051 no
@@ -81,7 +82,7 @@ namespace ado
 
 /// The short-lived second road to a database file that fixes and reads its locking mode: who opens a file first
 /// decides the mode for all that open it while it stays open. Errors are dao::Error.
-class Connection
+class TOLVA_EXPORT Connection
 {
 public:
     Connection();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/QueryDef.h"
 #include "platform/records/Recordset.h"
 #include "platform/records/TableDef.h"
@@ -9,7 +10,7 @@ namespace dao
 
 /// An open database. Made by DBEngine and owned by the caller; its recordsets and queries may outlive it, but raise
 /// 3420 from then on. One thread.
-class Database
+class TOLVA_EXPORT Database
 {
 public:
     virtual ~Database() = default;

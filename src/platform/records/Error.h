@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QString>
 
 #include <exception>
@@ -44,7 +46,7 @@ enum ErrorNumber : int
 
 /// What every failed operation of the record store throws. Nothing was stored when it is thrown by a writing
 /// operation.
-class Error : public std::exception
+class TOLVA_EXPORT Error : public std::exception
 {
 public:
     Error(int number, const QString& description, const QString& source = QStringLiteral("DAO"))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Types.h"
 
 #include <QByteArray>
@@ -13,7 +14,7 @@ class Recordset;
 
 /// A field: the definition of a column in a TableDef or an Index, or a column of a Recordset's current row. Owned by
 /// the collection it stands in.
-class Field
+class TOLVA_EXPORT Field
 {
 public:
     /// A definition. size: characters of a text field, 0 for the default of 255; meaningless for other types.

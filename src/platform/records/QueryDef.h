@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Collection.h"
 #include "platform/records/Recordset.h"
 
@@ -7,7 +8,7 @@ namespace dao
 {
 
 /// A named value of a query: "[LastBackupDate]" in its text where no column has that name.
-class Parameter
+class TOLVA_EXPORT Parameter
 {
 public:
     explicit Parameter(const QString& name) : Name_(name) {}
@@ -28,7 +29,7 @@ private:
 };
 
 /// A query with parameters. Made by Database::CreateQueryDef and owned by the caller; not stored in the file.
-class QueryDef
+class TOLVA_EXPORT QueryDef
 {
 public:
     virtual ~QueryDef() = default;

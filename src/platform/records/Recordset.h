@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Collection.h"
 #include "platform/records/Field.h"
 
@@ -25,7 +26,7 @@ enum class SeekComparison
 /// fields changes the buffer, Update stores it. When another user changed or deleted the row since the Edit, Update
 /// raises 3197 or 3167 and stores nothing. Moving or closing drops a buffer. An Update or Delete that returned is on
 /// the disk.
-class Recordset
+class TOLVA_EXPORT Recordset
 {
 public:
     virtual ~Recordset() = default;

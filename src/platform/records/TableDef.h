@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/records/Collection.h"
 #include "platform/records/Field.h"
 
@@ -10,7 +11,7 @@ class TableFields;
 class TableIndexes;
 
 /// An index of a table. Owned by the table's Indexes collection once appended.
-class Index
+class TOLVA_EXPORT Index
 {
 public:
     explicit Index(const QString& name) : Name_(name) {}
@@ -38,7 +39,7 @@ private:
 /// A table's definition: stored in the file, or under construction until it is appended to Database::TableDefs.
 /// Appending a field or an index to a stored table adds it to the file at once; existing rows read a new field as Null.
 /// A unique index over rows that repeat a value is refused with 3022.
-class TableDef
+class TOLVA_EXPORT TableDef
 {
 public:
     explicit TableDef(const QString& name);

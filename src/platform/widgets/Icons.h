@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QIcon>
 #include <QString>
 #include <QStringList>
@@ -10,7 +12,7 @@
 namespace Icons
 {
 /// key: "reply", "trashfull" and so on, without regard to case. Null for a key that has no icon.
-QIcon Get(const QString& key);
+TOLVA_EXPORT QIcon Get(const QString& key);
 /// All keys, sorted.
-QStringList Keys();
+TOLVA_EXPORT QStringList Keys();
 } // namespace Icons

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/ListViewObject.h"
+#include "platform/Export.h"
 
 #include <QHash>
 #include <QTreeWidget>
@@ -11,7 +12,7 @@
 /// A click on a heading sorts by that column, a second one the other way round; texts in their natural order ("Track 9"
 /// before "Track 10"), cells with a sort value before those and by that value. Until a heading is clicked, and after
 /// Clear(), entries stand in the order they were added in.
-class ListView : public QTreeWidget, public ListViewObject
+class TOLVA_EXPORT ListView : public QTreeWidget, public ListViewObject
 {
     Q_OBJECT
 

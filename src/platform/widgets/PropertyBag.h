@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/Export.h"
+
 #include <QVariantMap>
 
 /// The named properties of a control as a host's form keeps them. A value equal to its default is not stored. A plain
 /// value.
-class PropertyBag
+class TOLVA_EXPORT PropertyBag
 {
 public:
     QVariant ReadProperty(const QString& name, const QVariant& defaultValue) const

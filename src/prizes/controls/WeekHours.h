@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "prizes/HoursText.h"
 
 #include <QTableView>
@@ -11,7 +12,7 @@ class WeekHoursModel;
 /// Keys: the arrows, Home and End move, with Shift they extend the selection, Ctrl+A selects the week, Space turns the
 /// selection to the opposite of the current hour. It holds a model of its own; do not set another. On the user
 /// interface thread.
-class WeekHours : public QTableView
+class TOLVA_EXPORT WeekHours : public QTableView
 {
     Q_OBJECT
     Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly)

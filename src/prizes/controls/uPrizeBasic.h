@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "prizes/cPrize.h"
 
 #include <QWidget>
@@ -18,7 +19,7 @@ class clsKVDirectory;
 /// and chooses no winner: the host takes AddWinner and DisplayWinner, changes the winners of the prize, and calls
 /// UpdateWinners. What is typed into the boxes marks the prize as edited (the script) but is not copied into it. The
 /// names of winners come from the directory, which costs no query of the station. On the user interface thread.
-class uPrizeBasic : public QWidget
+class TOLVA_EXPORT uPrizeBasic : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(qint32 BackColour READ BackColour WRITE SetBackColour)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/cTolvaDatabase.h"
+#include "platform/Export.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeListCategory.h"
 
@@ -37,7 +38,7 @@ struct ListPanes;
 /// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Otherwise events meet their errors
 /// by handing them to UserInterface::RunTimeError with the handler's name ("uPrizesList.…") as their source, and
 /// operations that a host calls throw them (dao::Error).
-class uPrizesList : public QWidget
+class TOLVA_EXPORT uPrizesList : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(bool PrintVisible READ PrintVisible WRITE SetPrintVisible)

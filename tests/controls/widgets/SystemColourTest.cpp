@@ -1,4 +1,5 @@
 #include "platform/widgets/SystemColour.h"
+
 #include "platform/widgets/Twips.h"
 
 #include <QPalette>

@@ -1,0 +1,53 @@
+# What `cmake --install` installs of the programs, and the Debian packages that cpack makes of it all.
+include(GNUInstallDirs)
+
+install(TARGETS tolva RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT commands)
+install(TARGETS tolva-desk RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT desk)
+install(FILES docs/man/tolva.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT commands)
+install(FILES docs/man/tolva-desk.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT desk)
+install(FILES packaging/tolva-desk.desktop DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT desk)
+install(FILES packaging/example.tolva.desk.metainfo.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT desk)
+install(FILES src/platform/widgets/icons/tolva.svg RENAME tolva-desk.svg
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps" COMPONENT desk)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME tolva)
+set(CPACK_PACKAGE_VENDOR "The Tolva developers")
+set(CPACK_PACKAGE_CONTACT "The Tolva developers <developers@tolva.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL commands desk library development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
+set(CPACK_DEBIAN_PACKAGE_SECTION net)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+
+set(CPACK_DEBIAN_COMMANDS_PACKAGE_NAME tolva)
+set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
+    "Command line of a radio station's contact desk\n Files incoming mail and text messages, lists, searches, moves, exports, backs up and checks a station.")
+
+set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
+set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS tolva)
+# The plugin that draws on a screen: Qt loads it by name, so nothing that is linked needs it.
+set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "qt6-qpa-plugins")
+set(CPACK_COMPONENT_DESK_DESCRIPTION
+    "Window of a radio station's contact desk\n Listeners' e-mails and text messages, folders, prizes and contacts, shared by several computers.")
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libkvtolva1-${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
+    "Library of a radio station's contact desk\n The shared library for programs that open a station and show its controls.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkvtolva1-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt6-base-dev")
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS library)
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "Headers of the contact desk's library\n Headers, package description for CMake, and the controls for Qt Designer.")
+include(CPack)

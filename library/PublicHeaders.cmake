@@ -1,0 +1,46 @@
+# Headers that hosts include. Each compiles alone; what they include stands here as well.
+set(publicHeaders
+    common/ClockHelper.h
+    common/Date.h
+    common/Enumerations.h
+    common/FileDialog.h
+    common/GeneralHelper.h
+    common/ListViewObject.h
+    common/ProfileHelper.h
+    common/TerminalUserInterface.h
+    common/UserInterface.h
+    common/cPageSetup.h
+    common/clsFont.h
+    common/dialogs/DialogUserInterface.h
+    common/dialogs/QtFileDialog.h
+    common/kvGeneral.h
+    database/DAO_DatabaseFunctions.h
+    database/DatabaseInformation.h
+    database/RestoreBackup.h
+    database/cTolvaDatabase.h
+    messages/cMessage.h
+    messages/cMessages.h
+    messages/controls/uMessageBasic.h
+    messageslist/uMessagesList.h
+    platform/Export.h
+    platform/directory/EmbeddedDirectory.h
+    platform/directory/clsCategory.h
+    platform/directory/clsKVContact.h
+    platform/directory/clsKVDirectory.h
+    platform/directory/clsKVUser.h
+    platform/mail/Message.h
+    platform/records/Collection.h
+    platform/records/DBEngine.h
+    platform/records/Database.h
+    platform/records/Error.h
+    platform/records/Field.h
+    platform/records/QueryDef.h
+    platform/records/Recordset.h
+    platform/records/TableDef.h
+    platform/records/Types.h
+    platform/widgets/ListView.h
+    platform/widgets/PropertyBag.h
+    prizes/RelativeTime.h
+    prizes/cPrize.h
+    prizes/cPrizeWinner.h
+)
