@@ -48,7 +48,7 @@ void AddPrizes(cTolvaDatabase& station)
 QByteArray QueryOfThisHour()
 {
     const PrizeHour hour = PrizeHour::At(ClockHelper::NowUTC());
-    return QStringLiteral("SELECT * FROM Prizes WHERE NumberWinners<NumberSupplied"
+    return QStringLiteral("SELECT Reference,* FROM Prizes WHERE NumberWinners<NumberSupplied"
                           " AND (StartDate IS NULL OR StartDate=0 OR StartDate<=%1)"
                           " AND (EndDate IS NULL OR EndDate=0 OR EndDate>=%1)"
                           " AND HourRestrictions%2 LIKE '%%3%'")
