@@ -7,6 +7,8 @@
 #include "prizes/PrizeHour.h"
 #include "prizes/controls/uPrizesList.h"
 
+#include <vector>
+
 namespace
 {
 constexpr int Prizes = 10000;
@@ -23,9 +25,9 @@ void AddPrize(dao::Recordset& rows, int number)
     set(QStringLiteral("Script"), QStringLiteral("The whole harbour sings on Saturday! ").repeated(8));
     set(QStringLiteral("Notes"), QStringLiteral("Ask for a postal address."));
     set(QStringLiteral("NotesToSupplier"), QStringLiteral("Names by Friday noon."));
-    for (const QString& name : {QStringLiteral("SupplierReference"), QStringLiteral("AddedByReference"),
-                                QStringLiteral("NumberWinners"), QStringLiteral("LastWonDate"),
-                                QStringLiteral("StartDate"), QStringLiteral("EndDate")})
+    for (const QString& name :
+         {QStringLiteral("SupplierReference"), QStringLiteral("AddedByReference"), QStringLiteral("NumberWinners"),
+          QStringLiteral("LastWonDate"), QStringLiteral("StartDate"), QStringLiteral("EndDate")})
         set(name, 0);
     set(QStringLiteral("AddedDate"), 46000.0 + number * 0.001);
     set(QStringLiteral("NumberSupplied"), 5);
@@ -69,19 +71,24 @@ qint64 ReadRow(sqlite3_stmt* row)
     return octets;
 }
 
+/// As anybody does it who must not hold up the other computers while the rows are shown: the query is read to its end,
+/// then each prize by itself.
 void QueryAndRead(sqlite3_stmt* query, sqlite3_stmt* byReference)
 {
-    int count = 0;
+    std::vector<qint64> references;
     qint64 octets = 0;
     while (sqlite3_step(query) == SQLITE_ROW) {
-        sqlite3_bind_int64(byReference, 1, sqlite3_column_int64(query, 0));
+        references.push_back(sqlite3_column_int64(query, 0));
+        octets += ReadRow(query);
+    }
+    sqlite3_reset(query);
+    for (const qint64 reference : references) {
+        sqlite3_bind_int64(byReference, 1, reference);
         Require(sqlite3_step(byReference) == SQLITE_ROW, "a prize is missing");
         octets += ReadRow(byReference);
         sqlite3_reset(byReference);
-        ++count;
     }
-    sqlite3_reset(query);
-    Require(count == Available && octets > 0, "prizes are missing");
+    Require(references.size() == Available && octets > 0, "prizes are missing");
 }
 } // namespace
 
