@@ -10,6 +10,7 @@
 class AddressActions;
 class SuggestionList;
 class QKeyEvent;
+class QMenu;
 
 /// A box for recipients in the compose window: addresses of the directory and of the mail that is answered stand as
 /// units, anything can be typed between them, and what is typed is completed from the contacts. It grows with its text
@@ -49,6 +50,17 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    /// One unit of the box.
+    struct Recipient
+    {
+        int Start = 0;
+        int End = 0; ///< The position behind it.
+        QString Name;
+        QString Address;
+
+        bool Holds(int place) const { return place >= Start && place <= End; }
+    };
+
     bool TakeKey(QKeyEvent& event);
     bool TakeListKey(const QKeyEvent& event);
     bool TakeEditKey(const QKeyEvent& event);
@@ -57,8 +69,12 @@ private:
     int FragmentStart() const;
     void Suggest();
     void Accept(int row);
-    void ShowActions(const QString& name, const QString& address);
-    void RemoveRun();
+    void TakeRelease();
+    void KeepSelection();
+    Recipient RecipientAt(int place) const;
+    void AddToMenu(QMenu* menu, int place);
+    void ShowActions();
+    void Remove(const Recipient& recipient);
     void FitHeight();
 
     enMsgType Type_ = emtEmail;

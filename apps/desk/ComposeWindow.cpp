@@ -4,6 +4,7 @@
 #include "AddressBox.h"
 #include "Addresses.h"
 #include "BodyEdit.h"
+#include "ContactOrder.h"
 #include "DeskStation.h"
 #include "FileChoice.h"
 #include "FileNames.h"
@@ -226,7 +227,7 @@ void ComposeWindow::ReadContacts()
 {
     std::shared_ptr<const AddressBook> book;
     try {
-        book = std::make_shared<const AddressBook>(Station_.Directory().Contacts(), Base_.Type);
+        book = std::make_shared<const AddressBook>(ContactOrder::ByName(Station_.Directory().Contacts()), Base_.Type);
     } catch (const dao::Error& error) {
         // Addresses can be typed all the same.
         Note_->setText(tr("The contacts cannot be read: %1").arg(Station_.Words(error.Number(), error.Description())));
