@@ -13,6 +13,8 @@
 #include <QRegularExpression>
 #include <QScrollBar>
 
+#include <utility>
+
 namespace
 {
 constexpr int TextMargin = 3;
@@ -118,6 +120,7 @@ void AddressBox::SetRecipients(const QString& recipients, enMsgType type)
         }
     }
     Box_->document()->clearUndoRedoStacks();
+    IsAwaited_ = false;
     List_->hide();
 }
 
@@ -284,8 +287,16 @@ int AddressBox::FragmentStart() const
     return start;
 }
 
+void AddressBox::SetBook(std::shared_ptr<const AddressBook> book)
+{
+    Book_ = std::move(book);
+    if (std::exchange(IsAwaited_, false))
+        Suggest();
+}
+
 void AddressBox::Suggest()
 {
+    IsAwaited_ = !Book_;
     const int caret = Box_->SelStart();
     const QString text = Address_->text();
     const QString behind = text.mid(caret).trimmed();

@@ -27,8 +27,9 @@ public:
     QString Recipients() const;
     /// Shows these recipients in place of what stands here. What cannot be read as one stands as typed text.
     void SetRecipients(const QString& recipients, enMsgType type);
-    /// Empty until it is set; what is typed is not completed then.
-    void SetBook(std::shared_ptr<const AddressBook> book) { Book_ = std::move(book); }
+    /// What is typed before it is set is completed when it comes.
+    void SetBook(std::shared_ptr<const AddressBook> book);
+    bool HasBook() const { return Book_ != nullptr; }
     void SetPlaceholderText(const QString& text) { Box().setPlaceholderText(text); }
     bool IsEmpty() const { return Address_->text().trimmed().isEmpty(); }
 
@@ -83,5 +84,6 @@ private:
     RichTextBox* Box_;
     SuggestionList* List_;
     AddressActions* Actions_;
-    int SuggestedFor_ = -1; ///< The length of the text for which the list is on show.
+    bool IsAwaited_ = false; ///< Something was typed for which the book had not come yet.
+    int SuggestedFor_ = -1;  ///< The length of the text for which the list is on show.
 };

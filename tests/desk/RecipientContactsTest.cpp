@@ -60,6 +60,7 @@ protected:
         composition.Type = type;
         Compose = Window->Compose(composition);
         ASSERT_TRUE(QTest::qWaitForWindowActive(Compose));
+        ASSERT_TRUE(WaitUntil([this] { return To().HasBook(); }));
         Box().setFocus();
     }
     AddressBox& To() { return *Compose->findChild<AddressBox*>(QStringLiteral("to")); }
@@ -277,25 +278,75 @@ TEST_F(RecipientContactsTest, TenThousandContactsHoldNobodyUp)
 {
     AddThousands(10000);
     OpenWindow();
-    // The fastest counts: the others tell of what else the computer does.
-    qint64 fastest = std::numeric_limits<qint64>::max();
+    // The best of three counts: the others tell of what else the computer does.
+    qint64 opening = std::numeric_limits<qint64>::max();
+    qint64 longest = std::numeric_limits<qint64>::max();
     for (int i = 0; i < 3; ++i) {
         QElapsedTimer timer;
         timer.start();
         Compose = Window->Compose({});
-        // Up to the first key.
-        QCoreApplication::processEvents();
-        fastest = std::min(fastest, timer.elapsed());
+        opening = std::min(opening, timer.elapsed());
         ASSERT_TRUE(QTest::qWaitForWindowActive(Compose));
         Box().setFocus();
+        // How long the window leaves a key unanswered until the contacts are there.
+        qint64 held = 0;
+        timer.restart();
+        const bool isThere = WaitUntil([&] {
+            held = std::max(held, timer.restart());
+            return To().HasBook();
+        });
+        EXPECT_TRUE(isThere);
+        longest = std::min(longest, held);
         QTest::keyClicks(&Box(), QStringLiteral("zoe 9999"));
-        EXPECT_EQ(To().findChild<SuggestionList*>()->count(), 1);
+        // Both of her addresses.
+        EXPECT_EQ(To().findChild<SuggestionList*>()->count(), 2);
         Key(Qt::Key_A, Qt::ControlModifier);
         Key(Qt::Key_Delete);
         EXPECT_TRUE(Compose->close());
     }
-    std::cout << "With 10,000 contacts the window is there in " << fastest << " ms\n";
-    EXPECT_LT(fastest, 100);
+    std::cout << "With 10,000 contacts the window opens in " << opening << " ms and is held for " << longest
+              << " ms at most\n";
+    EXPECT_LT(opening, 100);
+    EXPECT_LT(longest, 100);
+}
+
+TEST_F(RecipientContactsTest, WhatIsTypedBeforeTheContactsAreThereIsCompletedWhenTheyAre)
+{
+    AddThousands(1000);
+    OpenWindow();
+    Compose = Window->Compose({});
+    Box().setFocus();
+    ASSERT_FALSE(To().HasBook());
+    QTest::keyClicks(&Box(), QStringLiteral("999"));
+    const auto& list = *To().findChild<SuggestionList*>();
+    ASSERT_TRUE(WaitUntil([&] { return To().HasBook(); }));
+    EXPECT_TRUE(list.isVisible());
+    Key(Qt::Key_Down);
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(Text().startsWith(QStringLiteral("\"Zoë Müller-999\" <l"))) << Text().toStdString();
+    Key(Qt::Key_A, Qt::ControlModifier);
+    Key(Qt::Key_Delete);
+}
+
+TEST_F(RecipientContactsTest, NothingIsSuggestedForRecipientsThatNobodyTyped)
+{
+    AddContact(QStringLiteral("Ann"), QStringLiteral("a@b.org"));
+    OpenWindow();
+    Composition composition;
+    composition.To = QStringLiteral("ann");
+    Compose = Window->Compose(composition);
+    Box().setFocus();
+    ASSERT_TRUE(WaitUntil([&] { return To().HasBook(); }));
+    EXPECT_FALSE(To().findChild<SuggestionList*>()->isVisible());
+}
+
+TEST_F(RecipientContactsTest, AWindowMayCloseWhileTheContactsAreRead)
+{
+    AddThousands(1000);
+    OpenWindow();
+    Compose = Window->Compose({});
+    EXPECT_TRUE(Compose->close());
+    EXPECT_TRUE(WaitUntil([this] { return Compose.isNull(); }));
 }
 
 TEST_F(RecipientContactsTest, ContactsAreSuggestedInTheOrderOfTheAlphabetWhateverTheirAccents)

@@ -89,9 +89,9 @@ TEST(ContactSearchTest, AccentsAreIgnoredInEachDetailAndHoweverTheyAreStored)
 TEST(ContactSearchTest, TheOrderByNameIsThatOfTheAlphabetWhateverTheAccents)
 {
     QList<clsKVContactPtr> contacts;
-    const QStringList names{QStringLiteral("Zoe"), QStringLiteral("\u00C9lise"), QStringLiteral("emma"),
-                            QStringLiteral("Eve"), QStringLiteral("\u0141ucja"), QStringLiteral("Lucy"),
-                            QStringLiteral("Emma"), QString()};
+    const QStringList names{
+        QStringLiteral("Zoe"),        QStringLiteral("\u00C9lise"), QStringLiteral("emma"), QStringLiteral("Eve"),
+        QStringLiteral("\u0141ucja"), QStringLiteral("Lucy"),       QStringLiteral("Emma"), QString()};
     for (const QString& name : names) {
         const auto contact = std::make_shared<clsKVContact>();
         contact->Name = name;

@@ -125,7 +125,7 @@ TEST_F(ContactsWindowTest, NamesStandWithTheirAccentsWhereTheyAreLookedFor)
                                     QStringLiteral("Zachary O’Neill"), QStringLiteral("Zoe")}));
     Type("findContact", QStringLiteral("ELISE"));
     EXPECT_EQ(Names(), QStringList(QStringLiteral("Élise")));
-    Type("findContact", QStringLiteral("éVE"));
+    Box("findContact").setText(QStringLiteral("éVE"));
     EXPECT_EQ(Names(), QStringList(QStringLiteral("Eve")));
     Type("findContact", QStringLiteral("o'n"));
     EXPECT_EQ(Names(), QStringList(QStringLiteral("Zachary O’Neill")));
@@ -329,10 +329,14 @@ TEST_F(ContactsWindowTest, WhoHasNoAddressAndNoNumberHasNoMessagesRatherThanAll)
 TEST_F(ContactsWindowTest, AnAddressThatLooksLikeTwoOrLikeAPatternFindsNobodyElsesMessages)
 {
     FileMail(Mail("Other", "Hello.\r\n", "Demelza <b@example.org>"));
-    const QStringList addresses{QStringLiteral("a|b@example.org"), QStringLiteral("*"),
-                                QStringLiteral("?@example.org"),   QStringLiteral("[b]@example.org"),
-                                QStringLiteral("%"),               QStringLiteral("_@example.org"),
-                                QStringLiteral("\" OR \"1\"=\"1"),   QStringLiteral("b@example.org' OR '1'='1")};
+    const QStringList addresses{QStringLiteral("a|b@example.org"),
+                                QStringLiteral("*"),
+                                QStringLiteral("?@example.org"),
+                                QStringLiteral("[b]@example.org"),
+                                QStringLiteral("%"),
+                                QStringLiteral("_@example.org"),
+                                QStringLiteral("\" OR \"1\"=\"1"),
+                                QStringLiteral("b@example.org' OR '1'='1")};
     Open();
     for (const QString& address : addresses) {
         const qint32 reference = Add(QStringLiteral("Odd"), {}, address);
