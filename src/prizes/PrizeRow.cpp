@@ -1,5 +1,6 @@
 // The rows of prizes and their winners: how cPrize and cPrizeWinner read and write the tables Prizes and PrizeWinners.
 
+#include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/RowValues.h"
 #include "platform/records/Recordset.h"
@@ -88,7 +89,7 @@ bool cPrize::ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset)
     return true;
 }
 
-bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
+bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy)
 {
     WriteDebugLog(QStringLiteral("Started cPrize:WriteToRecordSet"));
     if (!recordset)
@@ -115,6 +116,7 @@ bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
     row.Set(Column::NotesToSupplier, NotesToSupplier_);
 
     const bool saved = row.Update();
+    busy.reset();
     if (saved) {
         // A number that stood for a vanished row stays: the caller's events carry it.
         if (Reference_ == 0)
@@ -142,7 +144,7 @@ bool cPrizeWinner::ReadFromRecordSet(dao::Recordset* recordset)
     return true;
 }
 
-bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
+bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy)
 {
     WriteDebugLog(QStringLiteral("Started cPrizeWinner:WriteToRecordSet"));
     if (!recordset)
@@ -163,6 +165,7 @@ bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pen
     row.Set(Column::NotesToSupplier, NotesToSupplier_);
 
     const bool saved = row.Update();
+    busy.reset();
     if (saved) {
         if (Reference_ == 0)
             SetReference(reference);
