@@ -7,6 +7,8 @@
 #include "prizes/RowWriter.h"
 #include "prizes/cPrize.h"
 
+#include <array>
+
 using RowValues::NumberOr;
 
 namespace
@@ -39,9 +41,15 @@ const QString SentByReference = QStringLiteral("SentByReference");
 const QString SentDate = QStringLiteral("SentDate");
 } // namespace Column
 
-QString HoursColumn(qint16 weekDay)
+const QString& HoursColumn(qint16 weekDay)
 {
-    return QStringLiteral("HourRestrictions") + QString::number(weekDay);
+    static const auto names = [] {
+        std::array<QString, PrizeHour::DaysAWeek> columns;
+        for (std::size_t day = 0; day < columns.size(); ++day)
+            columns[day] = QStringLiteral("HourRestrictions") + QString::number(day + 1);
+        return columns;
+    }();
+    return names.at(static_cast<std::size_t>(weekDay - 1));
 }
 
 /// A stored date of 0 or less is none, like Null.
