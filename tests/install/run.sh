@@ -35,7 +35,7 @@ cmake --build "$work/build" >"$work/build.log" 2>&1 || { grep -vE "^\[[0-9]" "$w
 export QT_QPA_PLATFORM=offscreen XDG_STATE_HOME=$work/state XDG_CONFIG_HOME=$work/config
 "$work/build/exampleTest" "$work/station" Technician
 plugin=$(find "$prefix" -name tolva-controls.so)
-"$work/build/pluginTest" "$plugin" uMessagesList uMessageBasic
+"$work/build/pluginTest" "$plugin" uMessageAddress uMessageBasic uMessagesList uPrizeBasic uPrizesList
 
 # The example's own project, as its reader builds it.
 cmake -S "$source/examples/contact-desk" -B "$work/example" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/example.log" 2>&1 &&
