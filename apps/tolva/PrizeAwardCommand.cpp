@@ -268,7 +268,8 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
     if (database.LastErrorNumber() != 0) {
         const Failure reason = WhyNotStored(station, database);
         throw Failure(reason.Code(),
-                      QStringLiteral("The winner is taken back, but the prize still counts it as won. ") + reason.Words());
+                      QStringLiteral("The winner is taken back, but the prize still counts it as won. ") +
+                          reason.Words());
     }
     const AwardStanding standing = station.Try([&] { return AwardCheck::Settle(database, winner->PrizeReference()); });
     const QString warning = AwardCheck::Warning(standing);
