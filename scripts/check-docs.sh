@@ -68,6 +68,13 @@ sub CheckCode {
     }
 }
 
+# The pages on security and testing name cases of the tests.
+my %cases;
+for my $file (grep { /\.cpp$/ } split /\0/, `git ls-files -z --cached --others --exclude-standard tests`) {
+    my $text = Content($file);
+    $cases{"$1.$2"} = 1 while $text =~ /^TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)/mg;
+}
+
 # The program's commands with their options.
 my $program = $ENV{PROGRAM};
 my %options;
@@ -125,6 +132,8 @@ for my $name (@ARGV) {
         while (/`([^`]+)`/g) {
             my $code = $1;
             CheckCode($code);
+            Problem("there is no test $code")
+                if $page =~ m{/(security|testing)\.md$} && $code =~ /^[A-Za-z]\w*\.[A-Z]\w*$/ && !$cases{$code};
             CheckCommand($code) if $program && $code =~ /^tolva /;
         }
     }

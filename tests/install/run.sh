@@ -7,7 +7,7 @@ set -euo pipefail
 build=$(realpath "$1")
 source=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
 work=$build/install-test
-rm -rf "$work/prefix" "$work/station"
+rm -rf "$work/prefix" "$work/station" "$work/fresh"
 mkdir -p "$work"
 
 cmake --install "$build" --prefix "$work/prefix" >"$work/install.log"
@@ -53,9 +53,9 @@ reference=$(sed -nE 's/^It is on the disk as message ([0-9]+)\.$/\1/p' "$work/fi
 echo "Templates and printing"
 [ -e "$prefix/share/tolva/HTMLDocs/Message-Single message.htm" ]
 # The installed set reaches a station that is made now, wherever the build lies.
-"$prefix/bin/tolva" init "$work/station/fresh" --name Fresh --phone 1
-"$prefix/bin/tolva" print "$work/station" "Studio list" --category Inbox -o "$work/station/list.pdf"
-[ "$(head -c 5 "$work/station/list.pdf")" = %PDF- ]
+"$prefix/bin/tolva" init "$work/fresh" --name Fresh --phone 1
+"$prefix/bin/tolva" print "$work/station" "Studio list" --category Inbox -o "$work/list.pdf"
+[ "$(head -c 5 "$work/list.pdf")" = %PDF- ]
 "$prefix/bin/tolva-desk" --version >/dev/null
-[ "$(find "$work/station/fresh/HTMLDocs" -name '*.htm' | wc -l)" -eq "$(find "$prefix/share/tolva/HTMLDocs" -name '*.htm' | wc -l)" ]
+[ "$(find "$work/fresh/HTMLDocs" -name '*.htm' | wc -l)" -eq "$(find "$prefix/share/tolva/HTMLDocs" -name '*.htm' | wc -l)" ]
 echo "The installed library is usable."
