@@ -149,10 +149,13 @@ private:
 
     void ReadOctet()
     {
-        bool isNumber = false;
-        const int octet = Text_.mid(Position_, 2).toInt(&isNumber, 16);
-        if (!isNumber || Position_ + 2 > Text_.size())
+        // Two digits: the conversion would take a sign or a blank for one.
+        const auto isDigit = [](QChar c) {
+            return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+        };
+        if (Position_ + 2 > Text_.size() || !isDigit(Text_.at(Position_)) || !isDigit(Text_.at(Position_ + 1)))
             return;
+        const int octet = QStringView(Text_).sliced(Position_, 2).toInt(nullptr, 16);
         Position_ += 2;
         Put(WesternCharacter(octet));
     }

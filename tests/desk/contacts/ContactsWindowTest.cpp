@@ -372,7 +372,7 @@ TEST_F(ContactsWindowTest, CardsAreImportedAfterTheirPlanWasShown)
             EXPECT_EQ(Column(*list, 2),
                       QStringList({QStringLiteral("Wella has +447700900123"), QStringLiteral("New")}));
             EXPECT_EQ(dialog.findChild<QPlainTextEdit*>(QStringLiteral("importProblems"))->toPlainText(),
-                      QStringLiteral("Card 3, line 10, \"Lost\": is cut off."));
+                      QStringLiteral("Card 3, line 11, \"Lost\": is cut off."));
             QTest::mouseClick(dialog.findChild<QRadioButton*>(QStringLiteral("importUpdate")), Qt::LeftButton, {},
                               QPoint(8, 8));
             QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("importContacts")), Qt::LeftButton);
