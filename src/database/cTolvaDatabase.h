@@ -202,10 +202,10 @@ public:
     qint16 LastMessageCategoryReference() const;
 
     /// Fills the host's list with every message to or from a contact, the newest sent first. emailAddresses and
-    /// phoneNumbers: "|" between the entries; with neither, every message. The columns' keys are fields of Messages, or,
-    /// behind the first, FOLDER, or SENT; a cell of another key stays empty. Items have the keys "m" + a message's
-    /// reference. The list stays as it is when no database is open, it has no columns, or it is no list view. dao::Error
-    /// when the messages cannot be read at all; the list is empty then.
+    /// phoneNumbers: "|" between the entries; with neither, every message. The columns' keys are fields of Messages,
+    /// or, behind the first, FOLDER, or SENT; a cell of another key stays empty. Items have the keys "m" + a message's
+    /// reference. The list stays as it is when no database is open, it has no columns, or it is no list view.
+    /// dao::Error when the messages cannot be read at all; the list is empty then.
     void FillMessagesListView(ListViewObject* lvwMessages, const QString& emailAddresses, const QString& phoneNumbers);
 
     // Prizes.
