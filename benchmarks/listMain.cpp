@@ -1,4 +1,4 @@
-// Measures the lists of messages and prizes against the bare libraries underneath it.
+// Measures the lists of messages and prizes, and the start of the desk, against the bare libraries underneath it.
 
 #include "BenchStation.h"
 #include "Measure.h"
@@ -22,6 +22,7 @@ int main(int argc, char** argv)
     const QString largeStation = folder.filePath(QStringLiteral("large"));
     MakeStation(largeStation, large);
     BenchListing(folder.filePath(QStringLiteral("small")), largeStation, large);
+    BenchStart(folder.filePath(QStringLiteral("empty")), largeStation);
     BenchPrizes(folder.filePath(QStringLiteral("prizes")));
     const int failed = FailedComparisons();
     if (failed > 0)

@@ -8,6 +8,7 @@
 #include "DeskSettings.h"
 #include "Failure.h"
 #include "MessageWindow.h"
+#include "MoveUndo.h"
 #include "NoticeBar.h"
 #include "PreviewPane.h"
 #include "StationPlace.h"
@@ -123,6 +124,7 @@ void MainWindow::MakeParts()
     List_ = new uMessagesList(this);
     List_->setObjectName(QStringLiteral("list"));
     List_->SetAutoUpdateInterval(ListInterval);
+    Undo_ = new MoveUndo(*Station_, *this);
     AddTabs();
     Preview_ = new PreviewPane(this);
     Splitter_ = new QSplitter(Qt::Horizontal, this);
@@ -137,6 +139,7 @@ void MainWindow::MakeParts()
     auto* messagesLayout = new QVBoxLayout(messages);
     messagesLayout->setContentsMargins(0, 0, 0, 0);
     messagesLayout->setSpacing(0);
+    messagesLayout->addWidget(&Undo_->Notice());
     messagesLayout->addWidget(Filter_);
     messagesLayout->addWidget(Splitter_, 1);
     Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
@@ -206,6 +209,15 @@ void MainWindow::ConnectList()
     connect(List_, &uMessagesList::PrintMessage, this, [this](const cMessagePtr& message) {
         PrintMessages({{message->Reference()}, nullptr});
     });
+    connect(List_, &uMessagesList::MessageMoved, Undo_, &MoveUndo::Take);
+    connect(Undo_, &MoveUndo::MovedBack, this, [this](qint32 reference) {
+        Run([&] {
+            List_->UpdateDisplay();
+            List_->SelectMessage(reference);
+        });
+    });
+    connect(Undo_, &MoveUndo::Told, this,
+            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
     connect(List_, &uMessagesList::DisplayUpdated, this, &MainWindow::TakeUpdate);
     connect(List_, &uMessagesList::ImportRefused, this, [this](const QString& file) {
         statusBar()->showMessage(tr("%1 holds no mail that could be filed.").arg(file), MessageMilliseconds);

@@ -19,6 +19,7 @@ class ComposeWindow;
 class ContactDesk;
 class DeskSettings;
 class MessageWindow;
+class MoveUndo;
 class NoticeBar;
 class PreviewPane;
 class PrizeDesk;
@@ -150,6 +151,7 @@ private:
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* Filter_ = nullptr;
+    MoveUndo* Undo_ = nullptr;
     QLabel* Counts_ = nullptr;
     QLabel* Updated_ = nullptr;
     QLabel* User_ = nullptr;

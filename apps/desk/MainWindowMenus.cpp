@@ -3,6 +3,7 @@
 #include "Appearance.h"
 #include "DeskSettings.h"
 #include "MainWindow.h"
+#include "MoveUndo.h"
 #include "PreviewPane.h"
 #include "ShortcutsDialog.h"
 #include "common/dialogs/frmDirectoryUsers.h"
@@ -123,6 +124,7 @@ void MainWindow::MakeMessageMenu()
             connect(entry, &QAction::triggered, this, &MainWindow::CheckSelectedIsThere);
     }
     menu->addSeparator();
+    menu->addAction(Undo_->Action());
     menu->addAction(Prizes_->MakeAwardToSenderAction());
     menu->addAction(Contacts_->MakeSenderAction());
     ShowKey(*menu, "mnuReplyMessage", replyKey);

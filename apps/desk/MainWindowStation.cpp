@@ -3,6 +3,7 @@
 #include "BackupsDialog.h"
 #include "LabelsDialog.h"
 #include "MainWindow.h"
+#include "MoveUndo.h"
 #include "PreviewPane.h"
 #include "ReportDialog.h"
 #include "StationCheck.h"
@@ -220,6 +221,7 @@ std::optional<StationReplacing::Result> MainWindow::ReplaceFile(const std::funct
     }
     const enTolvaMessageCategories category = List_->Category();
     WatchTimer_.stop();
+    Undo_->Forget();
     TakeSelection(nullptr);
     List_->SetTolvaDatabase(nullptr);
     Prizes_->Disconnect();

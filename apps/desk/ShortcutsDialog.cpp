@@ -16,6 +16,7 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         {QStringLiteral("Ctrl+L"), tr("Forward")},
         {QStringLiteral("Enter"), tr("Open the selected message")},
         {QStringLiteral("Delete"), tr("Delete the selected message; while writing: take the selected attachments out")},
+        {QStringLiteral("Ctrl+Z"), tr("Take back the last delete or move; while writing: undo")},
         {QStringLiteral("Ctrl+F"), tr("Find in subjects, among the prizes or among the contacts")},
         {QStringLiteral("Ctrl+Shift+F"), tr("Show all messages or prizes again")},
         {QStringLiteral("Ctrl+1 to Ctrl+7"), tr("Inbox, Outbox, Saved, Sent, Deleted Items, Drafts, Auto-Messages")},

@@ -135,8 +135,14 @@ void uMessagesList::DeleteCommand()
         if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
             return;
     }
-    if (clsTolvaDatabase_->DeleteMessage(message->Reference(), permanently))
-        UpdateDisplay();
+    const QPointer<uMessagesList> self(this);
+    if (!clsTolvaDatabase_->DeleteMessage(message->Reference(), permanently) || !self)
+        return;
+    const enTolvaMessageCategories from = message->Category();
+    message->SetCategory(tmcDeleted);
+    UpdateDisplay();
+    if (self && !permanently)
+        Q_EMIT MessageMoved(message, from);
 }
 
 void uMessagesList::MarkCommand(bool read)

@@ -103,11 +103,15 @@ void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::Dr
     const cMessagePtr message = clsTolvaDatabase_->GetMessage(ReferenceIn(text));
     if (!message)
         return;
+    const enTolvaMessageCategories from = message->Category();
     message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
-    clsTolvaDatabase_->SaveMessage(message);
+    const bool isSaved = clsTolvaDatabase_->SaveMessage(message);
+    const QPointer<uMessagesList> self(this);
+    effect = Qt::MoveAction;
     treeCategories_->SelectNode(node);
     TakeNodeClick(node);
-    effect = Qt::MoveAction;
+    if (self && isSaved)
+        Q_EMIT MessageMoved(message, from);
 }
 
 void uMessagesList::DropCategory(const QString& text, const QString& node, Qt::DropAction& effect)

@@ -179,6 +179,15 @@ void uMessagesList::SelectRow(int row)
     grdMessages_->SetCol(colReference);
 }
 
+bool uMessagesList::SelectMessage(qint32 reference)
+{
+    const int row = RowOfReference_.value(reference);
+    if (row < 1 || row >= grdMessages_->Rows())
+        return false;
+    SelectRow(row);
+    return true;
+}
+
 void uMessagesList::TakeCellChange()
 {
     if (DisplayBusy_)

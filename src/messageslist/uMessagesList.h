@@ -81,6 +81,8 @@ public:
     void SetCategory(enTolvaMessageCategories category);
     /// Of the selected message, 0 for none.
     qint32 SelectedReference() const { return CurrentSelectedReference_; }
+    /// Selects the row of that message. False when it is not on show.
+    bool SelectMessage(qint32 reference);
     bool DoubleHeightRows() const { return DoubleHeightRows_; }
     void SetDoubleHeightRows(bool twoLines);
     bool DisplayNewMessage() const { return DisplayNewMessage_; }
@@ -127,6 +129,8 @@ Q_SIGNALS:
     /// Null when no message is selected.
     void MessageSelected(const cMessagePtr& Message);
     void PrintMessage(const cMessagePtr& Message);
+    /// The user deleted or dragged a message to another folder, where it is now; not one that was deleted for ever.
+    void MessageMoved(const cMessagePtr& Message, enTolvaMessageCategories From);
     /// The query's condition and order changed. What the host writes there is what marking all takes while the list is
     /// hidden.
     void UpdateDisplay(QString& SQLQuery);

@@ -64,7 +64,7 @@ ContactHistory::ContactHistory(DeskStation& station, QWidget* parent)
     Messages_->AddColumn(tr("Subject"), WideTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("Subject"));
     Messages_->AddColumn(tr("From"), MiddleTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("FromKey"));
     Messages_->AddColumn(tr("Folder"), NarrowTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("FOLDER"));
-    Messages_->AddColumn(tr("Sent"), NarrowTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("SENT"));
+    Messages_->AddColumn(tr("Sent"), MiddleTwips, Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("SENT"));
     MessagesNote_->setObjectName(QStringLiteral("contactMessagesNote"));
     Prizes_->setObjectName(QStringLiteral("contactPrizes"));
     Prizes_->setAccessibleName(tr("Prizes of the contact"));
@@ -95,7 +95,9 @@ QWidget* ContactHistory::MakePage(ListView* list, QLabel* note)
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     note->setWordWrap(true);
-    list->header()->setStretchLastSection(true);
+    // The dates are seen whole, whatever the window's width.
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     layout->addWidget(note);
     layout->addWidget(list, 1);
     return page;

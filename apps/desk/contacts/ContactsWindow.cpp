@@ -30,6 +30,7 @@
 namespace
 {
 constexpr double NameTwips = 2400;
+constexpr double NumberTwips = 1500; ///< At least; it takes the rest of the width.
 constexpr int TellMilliseconds = 8000;
 
 QString KeyOf(const clsKVContactPtr& contact)
@@ -84,7 +85,7 @@ QWidget* ContactsWindow::MakeListSide()
     List_->setObjectName(QStringLiteral("contacts"));
     List_->setAccessibleName(tr("Contacts"));
     List_->AddColumn(tr("Name"), NameTwips);
-    List_->AddColumn(tr("Number or address"), NameTwips);
+    List_->AddColumn(tr("Number or address"), NumberTwips);
     List_->header()->setStretchLastSection(true);
     Note_->setObjectName(QStringLiteral("contactsNote"));
     Note_->setWordWrap(true);
