@@ -61,6 +61,8 @@ bool MakeBodySafe(cdo::Message& mail)
         return false;
     SafeHtmlOptions options;
     options.KeepsColours = false;
+    // A list's short bodies are the first of these.
+    options.KeepsParagraphs = true;
     options.HasPicture = [&mail](const QString& id) { return !mail.ContentByID(id).isEmpty(); };
     const SafePage page = MakeSafe(html, options);
     // Templates show the line ends of plain text; those of a page's source are none.

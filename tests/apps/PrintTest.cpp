@@ -151,6 +151,15 @@ TEST_F(PrintTest, AMailsPageCannotLeaveItsPlaceOnTheTemplate)
     EXPECT_EQ(page.count(QStringLiteral("<h1")), 1);
 }
 
+TEST_F(PrintTest, AListShowsTheFirstLinesOfAMailInHtmlAlone)
+{
+    const QString reference = FileMail(HtmlMail("<p>First <b>part</b><p><font color=red>Second</font> part<p>Third"));
+    const QString page = PrintPage({QStringLiteral("MessageList-List"), reference});
+    EXPECT_TRUE(page.contains(QStringLiteral("<div class=\"short\">First part\nSecond part</div>")))
+        << page.toStdString();
+    EXPECT_FALSE(page.contains(QStringLiteral("Third")));
+}
+
 TEST_F(PrintTest, APictureWithinTheMailIsOnThePage)
 {
     const QString reference = FileMail(

@@ -280,6 +280,23 @@ PageStyle PageWriter::CountedStyle(const GumboInternalNode* node, const QString&
     return style;
 }
 
+/// A paragraph that a browser would read as one again: old pages may have a table in theirs.
+bool PageWriter::IsParagraph(const GumboInternalNode* node, const QString& name)
+{
+    if (name != QLatin1String("p"))
+        return false;
+    const GumboVector& children = node->v.element.children;
+    for (unsigned i = 0; i < children.length; ++i) {
+        const auto* child = static_cast<const GumboNode*>(children.data[i]);
+        if (child->type != GUMBO_NODE_ELEMENT)
+            continue;
+        const Role role = ElementOf(NameOf(child)).ElementRole;
+        if (role == Role::Block || role == Role::Table)
+            return false;
+    }
+    return true;
+}
+
 void PageWriter::OpenElement(const GumboInternalNode* node, const QString& name)
 {
     const Frame& parent = Stack_.last();
@@ -310,6 +327,8 @@ void PageWriter::OpenElement(const GumboInternalNode* node, const QString& name)
     ++frame.Depth;
     PageTag tag;
     tag.SetName(role == element.ElementRole ? QLatin1String(element.Written) : QLatin1String("div"));
+    if (Options_.KeepsParagraphs && (name == QLatin1String("font") || IsParagraph(node, name)))
+        tag.SetName(name);
     if (name == QLatin1String("a"))
         OpenLink(node, &frame, &tag);
     else if (role == Role::Table)

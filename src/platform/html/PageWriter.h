@@ -47,6 +47,7 @@ private:
     void OpenCaption(const GumboInternalNode* node);
     Frame InheritedFrame(const GumboInternalNode* node) const;
     PageStyle CountedStyle(const GumboInternalNode* node, const QString& name);
+    static bool IsParagraph(const GumboInternalNode* node, const QString& name);
     void OpenElement(const GumboInternalNode* node, const QString& name);
     void OpenLink(const GumboInternalNode* node, Frame* frame, PageTag* tag);
     void OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag);

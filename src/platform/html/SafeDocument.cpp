@@ -19,8 +19,8 @@ namespace
 {
 /// As deep as mail is taken apart (SafeHtml).
 constexpr qsizetype DeepestPage = 1000;
-/// What a parser takes however large the page is.
-constexpr qsizetype PieceOfText = 1'000'000;
+/// What a parser takes in a moment, however large the page is and however busy the computer.
+constexpr qsizetype PieceOfText = 100'000;
 constexpr qsizetype LongestWord = 1000;
 
 const QString Policy =

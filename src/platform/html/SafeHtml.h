@@ -11,6 +11,9 @@ struct SafeHtmlOptions
 {
     /// Colours as the mail has them; without them the page takes all its colours from where it is shown.
     bool KeepsColours = true;
+    /// Paragraphs and fonts are p and font as in the mail, for who looks for its first lines by them; else they are
+    /// written as div and span.
+    bool KeepsParagraphs = false;
     /// The size of text that gives no size, in points.
     double BasePoints = 10.5;
     /// All sizes of text times this.

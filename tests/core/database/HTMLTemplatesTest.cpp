@@ -125,6 +125,93 @@ TEST_F(HTMLTemplatesTest, ATemplateOfTheSameDateStaysAsItIs)
     EXPECT_EQ(Content(Template(QStringLiteral("Message-Note.htm"))), "here");
 }
 
+TEST_F(HTMLTemplatesTest, ATemplateThatWasDeletedComesBackAtTheNextOpen)
+{
+    Install(QStringLiteral("Message-Note.htm"), "installed");
+    OpenStation();
+    ASSERT_TRUE(QFile::remove(Template(QStringLiteral("Message-Note.htm"))));
+    OpenAgain();
+    EXPECT_EQ(Content(Template(QStringLiteral("Message-Note.htm"))), "installed");
+    EXPECT_EQ(Copies(), 2);
+}
+
+TEST_F(HTMLTemplatesTest, AFolderThatWasDeletedComesBackWithTheWholeSet)
+{
+    Install(QStringLiteral("Message-Note.htm"), "one");
+    Install(QStringLiteral("logo.png"), "two");
+    OpenStation();
+    Station->CloseTolvaDatabase();
+    ASSERT_TRUE(QDir(Folder.filePath(QStringLiteral("HTMLDocs"))).removeRecursively());
+    OpenStation();
+    EXPECT_EQ(Files().size(), 2);
+}
+
+TEST_F(HTMLTemplatesTest, EachFileOfTheSetIsJudgedByItself)
+{
+    Install(QStringLiteral("a-newer.htm"), "installed", At(13));
+    Install(QStringLiteral("b-same.htm"), "installed", At(12));
+    Install(QStringLiteral("c-older.htm"), "installed", At(11));
+    Install(QStringLiteral("d-missing.htm"), "installed", At(9));
+    for (const char* name : {"a-newer.htm", "b-same.htm", "c-older.htm"})
+        Put(QLatin1String(name), "here", At(12));
+    OpenStation();
+    EXPECT_EQ(Content(Template(QStringLiteral("a-newer.htm"))), "installed");
+    EXPECT_EQ(Content(Template(QStringLiteral("b-same.htm"))), "here");
+    EXPECT_EQ(Content(Template(QStringLiteral("c-older.htm"))), "here");
+    EXPECT_EQ(Content(Template(QStringLiteral("d-missing.htm"))), "installed");
+    EXPECT_EQ(Copies(), 2);
+}
+
+TEST_F(HTMLTemplatesTest, OneSecondIsEnoughToBeNewer)
+{
+    Install(QStringLiteral("Message-Note.htm"), "installed", At(12).addSecs(1));
+    Put(QStringLiteral("Message-Note.htm"), "here", At(12));
+    OpenStation();
+    EXPECT_EQ(Content(Template(QStringLiteral("Message-Note.htm"))), "installed");
+    EXPECT_EQ(QFileInfo(Template(QStringLiteral("Message-Note.htm"))).lastModified().toUTC(), At(12).addSecs(1));
+}
+
+TEST_F(HTMLTemplatesTest, FoldersWithinTheSetAreNotCopied)
+{
+    Install(QStringLiteral("Message-Note.htm"), "one");
+    Install(QStringLiteral("older/Message-Note.htm"), "two");
+    Install(QStringLiteral("Message-Folder.htm/x.htm"), "three");
+    OpenStation();
+    EXPECT_EQ(QDir(Folder.filePath(QStringLiteral("HTMLDocs"))).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("Message-Note.htm")});
+}
+
+TEST_F(HTMLTemplatesTest, ATemplateThatAnotherProgramReadsIsReplacedAndStaysWholeForIt)
+{
+    Install(QStringLiteral("Message-Note.htm"), "installed", At(13));
+    Put(QStringLiteral("Message-Note.htm"), "as it was before", At(12));
+    QFile reader(Template(QStringLiteral("Message-Note.htm")));
+    ASSERT_TRUE(reader.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    OpenStation();
+#ifdef Q_OS_WIN
+    // There the file cannot be replaced meanwhile; the next open does it.
+    EXPECT_EQ(reader.readAll(), "as it was before");
+    reader.close();
+    OpenAgain();
+#else
+    EXPECT_EQ(reader.readAll(), "as it was before");
+#endif
+    EXPECT_EQ(Content(Template(QStringLiteral("Message-Note.htm"))), "installed");
+}
+
+TEST_F(HTMLTemplatesTest, AWriteProtectedTemplateIsReplacedWhenItIsOlderAndStaysWhenItIsNot)
+{
+    Install(QStringLiteral("Message-A.htm"), "installed", At(13));
+    Install(QStringLiteral("Message-B.htm"), "installed", At(11));
+    for (const char* name : {"Message-A.htm", "Message-B.htm"}) {
+        Put(QLatin1String(name), "here", At(12));
+        QFile::setPermissions(Template(QLatin1String(name)), QFileDevice::ReadOwner);
+    }
+    OpenStation();
+    EXPECT_EQ(Content(Template(QStringLiteral("Message-A.htm"))), "installed");
+    EXPECT_EQ(Content(Template(QStringLiteral("Message-B.htm"))), "here");
+}
+
 TEST_F(HTMLTemplatesTest, TheStationsOwnTemplatesStay)
 {
     Install(QStringLiteral("Message-Note.htm"), "installed");
@@ -281,6 +368,52 @@ TEST_F(HTMLTemplatesTest, AnEmptyPrefixListsThemAllWithTheirPrefixes)
     Put(QStringLiteral("Plain.htm"), "b");
     EXPECT_EQ(Station->GetHTMLTemplateReferences(QString()),
               (QStringList{QStringLiteral("Message-A"), QStringLiteral("Plain")}));
+}
+
+TEST_F(HTMLTemplatesTest, APrefixIsCutFromTheStartAloneAndTheEndingFromTheEnd)
+{
+    OpenStation();
+    Put(QStringLiteral("Message-.htm"), "a");
+    Put(QStringLiteral("Message-Message-x.htm.htm"), "b");
+    Put(QStringLiteral("Message-y-z.HTM"), "c");
+    Put(QStringLiteral("Message-page.html"), "d");
+    Put(QStringLiteral("Message.htm"), "e");
+    Put(QStringLiteral("A-Message-v.htm"), "f");
+    QDir(Folder.filePath(QStringLiteral("HTMLDocs"))).mkdir(QStringLiteral("Message-folder.htm"));
+    EXPECT_EQ(Station->GetHTMLTemplateReferences(QStringLiteral("Message")),
+              (QStringList{QString(), QStringLiteral("Message-x.htm"), QStringLiteral("y-z")}));
+    EXPECT_EQ(Station->GetHTMLTemplateReferences(QStringLiteral("Message-y")), QStringList{QStringLiteral("z")});
+    EXPECT_EQ(Station->GetHTMLTemplateReferences(QStringLiteral("message")).size(), 3);
+}
+
+TEST_F(HTMLTemplatesTest, EveryReferenceLeadsBackToItsFile)
+{
+    OpenStation();
+    for (const char* name : {"Message-One two.htm", "MESSAGE-Caf\u00E9.HTM", "Message-v1.2.htm", "Plain.htm"})
+        Put(QString::fromUtf8(name), name);
+    for (const QString& prefix : {QString(), QStringLiteral("Message")}) {
+        for (const QString& reference : Station->GetHTMLTemplateReferences(prefix))
+            EXPECT_TRUE(FileHelper::FileExists(Station->GetHTMLTemplateFileName(prefix, reference)))
+                << qPrintable(reference);
+    }
+    EXPECT_EQ(Station->GetHTMLTemplateReferences(QStringLiteral("Message")).size(), 3);
+}
+
+TEST_F(HTMLTemplatesTest, AnEmptyReferenceNamesAFileAsWell)
+{
+    OpenStation();
+    EXPECT_EQ(Station->GetHTMLTemplateFileName(QStringLiteral("Message"), QString()),
+              Template(QStringLiteral("Message-.htm")));
+    EXPECT_EQ(Station->GetHTMLTemplateFileName(QString(), QString()), Template(QStringLiteral(".htm")));
+}
+
+TEST_F(HTMLTemplatesTest, AFolderThatIsGoneHasNoReferencesAndNamesAllTheSame)
+{
+    OpenStation();
+    ASSERT_TRUE(QDir(Folder.filePath(QStringLiteral("HTMLDocs"))).removeRecursively());
+    EXPECT_EQ(Station->GetHTMLTemplateReferences(QString()), QStringList());
+    EXPECT_EQ(Station->GetHTMLTemplateFileName(QStringLiteral("Message"), QStringLiteral("A")),
+              Template(QStringLiteral("Message-A.htm")));
 }
 
 TEST_F(HTMLTemplatesTest, CharactersOfAPatternInAPrefixStandForThemselves)

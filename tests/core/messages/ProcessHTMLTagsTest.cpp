@@ -1,4 +1,4 @@
-#include "messages/cMessages.h"
+#include "core/messages/TemplateMails.h"
 #include "support/ScriptedRegistry.h"
 
 #include <QDir>
@@ -13,43 +13,6 @@ namespace
 {
 constexpr qint32 Bold = mphUnreadBodyBold;
 constexpr qint32 Italic = mphSendPendingBodyItalic;
-
-struct Mail
-{
-    QString From = QStringLiteral("Ann Lee <ann@example.com>");
-    QString To = QStringLiteral("studio@example.com");
-    QString Subject = QStringLiteral("A request");
-    QString Text = QString();
-    QString HTML = QString();
-};
-
-cMessagePtr MakeMessage(const Mail& mail)
-{
-    auto content = std::make_shared<cdo::Message>();
-    content->SetFrom(mail.From);
-    content->SetTo(mail.To);
-    content->SetSubject(mail.Subject);
-    if (!mail.Text.isEmpty())
-        content->SetTextBody(mail.Text);
-    if (!mail.HTML.isEmpty())
-        content->SetHTMLBody(mail.HTML);
-    auto message = std::make_shared<cMessage>();
-    message->SetCDOMessage(content);
-    return message;
-}
-
-QString Tag(const char* name)
-{
-    return QStringLiteral("<ZRT_MESSAGE_") + QLatin1String(name) + u'>';
-}
-
-cMessages MessagesWithSubjects(const QStringList& subjects)
-{
-    cMessages messages;
-    for (const QString& subject : subjects)
-        messages.Add(MakeMessage({.Subject = subject}));
-    return messages;
-}
 
 qint64 Milliseconds(const std::function<void()>& work)
 {

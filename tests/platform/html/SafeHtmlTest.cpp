@@ -187,6 +187,21 @@ TEST(SafeHtmlTest, WithoutColoursNoneIsWritten)
     EXPECT_FALSE(html.contains(QStringLiteral("#ff0000"))) << qPrintable(html);
 }
 
+TEST(SafeHtmlTest, ParagraphsAndFontsKeepTheirNamesForWhoAsks)
+{
+    SafeHtmlOptions options;
+    options.KeepsParagraphs = true;
+    const auto written = [&options](const char* html) { return MakeSafe(Text(html), options).Html; };
+    const QString margins = Text("margin-top:12px;margin-bottom:12px;");
+    EXPECT_TRUE(written("<p>a<font color=red>b</font>")
+                    .contains(Text("<p style=\"%1\">a<font style=\"color:#ff0000;\">b</font></p>").arg(margins)));
+    EXPECT_TRUE(written("<ul><li><p>a</ul>").contains(Text("<li><p style=\"%1\">a</p></li>").arg(margins)));
+    // A table within a paragraph would end it where the page is read again.
+    EXPECT_FALSE(written("<p>a<table><tr><td>b</table>").contains(Text("<p")));
+    EXPECT_FALSE(MakeSafe(Text("<p>a<font color=red>b</font>")).Html.contains(Text("<p")));
+    EXPECT_FALSE(MakeSafe(Text("<p>a<font color=red>b</font>")).Html.contains(Text("<font")));
+}
+
 TEST(SafeHtmlTest, TextForAPictureThatIsNotThereCanStillBeRead)
 {
     EXPECT_FALSE(Safe("<div style='background:url(http://x)'><p style='color:white'>x")
