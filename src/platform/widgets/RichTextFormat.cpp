@@ -149,12 +149,15 @@ private:
 
     void ReadOctet()
     {
-        bool isNumber = false;
-        const int octet = Text_.mid(Position_, 2).toInt(&isNumber, 16);
-        if (!isNumber || Position_ + 2 > Text_.size())
+        const QString digits = Text_.mid(Position_, 2);
+        // Reading a number would take a sign or a blank, too.
+        const auto isHexDigit = [](QChar c) {
+            return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+        };
+        if (digits.size() < 2 || !isHexDigit(digits.at(0)) || !isHexDigit(digits.at(1)))
             return;
         Position_ += 2;
-        Put(WesternCharacter(octet));
+        Put(WesternCharacter(digits.toInt(nullptr, 16)));
     }
 
     void ReadWord()

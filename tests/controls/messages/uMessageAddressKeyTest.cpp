@@ -1,5 +1,8 @@
 #include "messages/AddressBoxOnShow.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
+
 using uMessageAddressKeyTest = AddressBoxOnShow;
 
 TEST_F(uMessageAddressKeyTest, LeftFromBehindARunLandsOnItsFrontEnd)
@@ -284,7 +287,8 @@ TEST_F(uMessageAddressKeyTest, KeysThatOnlyChangeOthersLeaveASelectedRunProtecte
     AddAnn();
     for (const Qt::Key key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_Meta, Qt::Key_CapsLock}) {
         Select(0, AnnEnd);
-        Key(key);
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&Box, &press);
         EXPECT_EQ(States(), QString(AnnEnd, u'P') + QStringLiteral("..")) << key;
     }
 }
