@@ -11,6 +11,8 @@ void BenchHistory(const QString& largeStation);
 void BenchTemplates(int large);
 /// folder: of a small station, which is made.
 void BenchListing(const QString& folder, const QString& largeStation, int large);
+/// folder: of a station of prizes, which is made.
+void BenchPrizes(const QString& folder);
 void BenchOpening(const QString& smallStation, const QString& largeStation);
 void BenchFiling(const QString& folder, int megabytes);
 /// folder: of a station of that size, which is made.

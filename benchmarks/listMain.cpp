@@ -1,4 +1,4 @@
-// Measures the list of messages against the bare libraries underneath it.
+// Measures the lists of messages and prizes against the bare libraries underneath it.
 
 #include "BenchStation.h"
 #include "Measure.h"
@@ -22,6 +22,7 @@ int main(int argc, char** argv)
     const QString largeStation = folder.filePath(QStringLiteral("large"));
     MakeStation(largeStation, large);
     BenchListing(folder.filePath(QStringLiteral("small")), largeStation, large);
+    BenchPrizes(folder.filePath(QStringLiteral("prizes")));
     const int failed = FailedComparisons();
     if (failed > 0)
         std::printf("%d above the limit\n", failed);

@@ -22,7 +22,6 @@ const QString JsonOption = QStringLiteral("json");
 const QString DuplicatesOption = QStringLiteral("duplicates");
 const QString VersionOption = QStringLiteral("vcard");
 const QString OutputOption = QStringLiteral("output");
-const QString ShortOutputOption = QStringLiteral("o");
 const QString ForceOption = QStringLiteral("force");
 
 constexpr int ReferenceWidth = 11;
@@ -272,7 +271,7 @@ void Export(const Arguments& arguments, Station& station)
     for (const clsKVContactPtr& contact : InDirectory(station, [&] { return station.Directory().Contacts(); }))
         contacts.append(*contact);
     const QByteArray octets = VCard::Write(contacts, version);
-    const QString path = arguments.Value(OutputOption, arguments.Value(ShortOutputOption, QStringLiteral("-")));
+    const QString path = arguments.Value(OutputOption, QStringLiteral("-"));
     if (path == u"-") {
         Terminal::PrintOctets(octets);
         return;
@@ -363,8 +362,8 @@ CommandDefinition ContactsCommand()
          {QStringLiteral("other"), QStringLiteral("TEXT"), QStringLiteral("All else, of any length.")},
          {DuplicatesOption, QStringLiteral("WHAT"), QStringLiteral("skip (what counts without it), update or add.")},
          {VersionOption, QStringLiteral("VERSION"), QStringLiteral("Of the exported cards; 3.0 without it.")},
-         {OutputOption, QStringLiteral("FILE"), QStringLiteral("Exports into a file (-o FILE for short).")},
-         {ShortOutputOption, QStringLiteral("FILE"), QStringLiteral("The same.")},
+         {OutputOption, QStringLiteral("FILE"), QStringLiteral("The file to write; also -o FILE."),
+          QStringLiteral("o")},
          {ForceOption, QString(), QStringLiteral("Replaces a file that exists.")},
          {JsonOption, QString(), QStringLiteral("One JSON object a line.")},
          Station::UserOption()},

@@ -19,6 +19,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTabBar>
 #include <QTabWidget>
 
 namespace
@@ -80,6 +81,7 @@ QWidget* PrizeDesk::MakePages(QWidget* messages)
     Pages_ = new QTabWidget(&Window_);
     Pages_->setObjectName(QStringLiteral("desk"));
     Pages_->setDocumentMode(true);
+    Pages_->tabBar()->setAccessibleName(tr("Messages or prizes"));
     Pages_->addTab(messages, tr("Messages"));
     Pages_->addTab(Page_, tr("Prizes"));
     const bool isPrizes = Settings_.State(PageState) == PrizesName;

@@ -5,7 +5,6 @@
 #include "platform/widgets/Icons.h"
 #include "prizes/ContactBox.h"
 #include "prizes/DateBox.h"
-#include "prizes/HoursText.h"
 #include "prizes/PrizeRows.h"
 #include "prizes/PrizeWindow.h"
 #include "prizes/WinnersView.h"
@@ -143,7 +142,7 @@ void PrizeWindow::MakeActions()
     };
     QAction* save = add("savePrize", QStringLiteral("save"), tr("&Save"), tr("Saves the prize for all computers"),
                         QKeySequence(Qt::CTRL | Qt::Key_S));
-    QAction* award = add("award", QString(), tr("&Award..."), tr("Chooses who wins the prize"),
+    QAction* award = add("award", QStringLiteral("newwinner"), tr("&Award..."), tr("Chooses who wins the prize"),
                          QKeySequence(Qt::CTRL | Qt::Key_Return));
     menu->addSeparator();
     QAction* close =
@@ -228,6 +227,7 @@ QWidget* PrizeWindow::MakeTimes()
     scroll->setWidget(page);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus); // what is in it takes the keys
     return scroll;
 }
 
@@ -278,7 +278,7 @@ void PrizeWindow::Show(const PrizeFields& fields)
 
 void PrizeWindow::ShowHoursInWords()
 {
-    QStringList lines = {HoursText::InWords(Hours_->Hours()), PrizeRows::ClockWords()};
+    QStringList lines = {PrizeRows::HoursWords(Hours_->Hours()), PrizeRows::ClockWords()};
     const Date start = Start_->Value().value_or(Date());
     // The lists compare the start with the day alone.
     if (!start.IsNone() && start.DayNumber() != std::floor(start.DayNumber()))

@@ -149,15 +149,15 @@ private:
 
     void ReadOctet()
     {
-        const QString digits = Text_.mid(Position_, 2);
-        // Reading a number would take a sign or a blank, too.
-        const auto isHexDigit = [](QChar c) {
+        // Two digits: the conversion would take a sign or a blank for one.
+        const auto isDigit = [](QChar c) {
             return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
         };
-        if (digits.size() < 2 || !isHexDigit(digits.at(0)) || !isHexDigit(digits.at(1)))
+        if (Position_ + 2 > Text_.size() || !isDigit(Text_.at(Position_)) || !isDigit(Text_.at(Position_ + 1)))
             return;
+        const int octet = QStringView(Text_).sliced(Position_, 2).toInt(nullptr, 16);
         Position_ += 2;
-        Put(WesternCharacter(digits.toInt(nullptr, 16)));
+        Put(WesternCharacter(octet));
     }
 
     void ReadWord()
