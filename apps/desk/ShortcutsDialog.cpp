@@ -32,8 +32,7 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         {QStringLiteral("Ctrl+S"),
          tr("While writing: save the draft; in the window of a contact, prize or winner: save")},
         {QStringLiteral("Ctrl+Shift+A"), tr("While writing: attach files")},
-        {QStringLiteral("Menu, Shift+F10"),
-         tr("What can be done here; while writing, with the recipient beside the caret")},
+        {QStringLiteral("Menu"), tr("What can be done here; while writing, with the recipient beside the caret")},
         {QStringLiteral("Ctrl+W"), tr("Close any window but the main one")},
         {QStringLiteral("Esc"), tr("Close the window of a message or winner")},
         {QStringLiteral("Ctrl+P"), tr("Print the message")},
@@ -55,13 +54,14 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         table->setItem(row, 0, new QTableWidgetItem(keys.at(row).first));
         table->setItem(row, 1, new QTableWidgetItem(keys.at(row).second));
     }
-    table->resizeColumnsToContents();
-    table->resizeRowsToContents();
-    table->horizontalHeader()->setStretchLastSection(true);
+    // Long lines wrap: nothing is cut off on a small or much enlarged screen.
+    table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(table);
     layout->addWidget(buttons);
-    resize(560, 480);
+    resize(640, 560);
 }

@@ -364,3 +364,38 @@ TEST_F(RecipientContactsTest, ContactsAreSuggestedInTheOrderOfTheAlphabetWhateve
     Key(Qt::Key_A, Qt::ControlModifier);
     Key(Qt::Key_Delete);
 }
+
+TEST_F(RecipientContactsTest, AChosenNameWithQuotationMarksLosesNothing)
+{
+    AddContact(QStringLiteral("Bob \"Bo\" Low"), QStringLiteral("b@example.org"));
+    AddContact(QStringLiteral("Back\\slash"), QStringLiteral("c@example.org"));
+    Write(QStringLiteral("Ann <a@b.org>"));
+    Key(Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClicks(&Box(), QStringLiteral("bob"));
+    Key(Qt::Key_Down);
+    Key(Qt::Key_Return);
+    QTest::keyClicks(&Box(), QStringLiteral("back"));
+    Key(Qt::Key_Down);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Compose->Current().To, QStringLiteral("Ann <a@b.org>, \"Bob \\\"Bo\\\" Low\" <b@example.org>, "
+                                                    "\"Back\\\\slash\" <c@example.org>"));
+    Key(Qt::Key_A, Qt::ControlModifier);
+    Key(Qt::Key_Delete);
+    QTest::keyClicks(&Box(), QStringLiteral("x@y.org, bob"));
+    Key(Qt::Key_Down);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Text(), QStringLiteral("x@y.org; \"Bob \\\"Bo\\\" Low\" <b@example.org>; "));
+    const BoxAnswer box(QStringLiteral("Discard"));
+    EXPECT_TRUE(Compose->close());
+}
+
+TEST_F(RecipientContactsTest, AContactWithoutAnAddressIsNotOffered)
+{
+    AddContact(QStringLiteral("Wella"), {}, QStringLiteral("07700 900123"));
+    AddContact(QStringLiteral("Wenna"), QStringLiteral("  "));
+    Write(QString());
+    QTest::keyClicks(&Box(), QStringLiteral("we"));
+    EXPECT_FALSE(To().findChild<SuggestionList*>()->isVisible());
+    Key(Qt::Key_A, Qt::ControlModifier);
+    Key(Qt::Key_Delete);
+}

@@ -77,3 +77,29 @@ TEST_F(MessageHistoryListTest, EntriesAreKnownByTheirMessages)
     Fill();
     EXPECT_EQ(List.Keys(), QStringList(QStringLiteral("m%1").arg(reference)));
 }
+
+TEST_F(MessageHistoryListTest, FiveHundredAddressesAndNumbersAreLookedForTogether)
+{
+    QStringList addresses;
+    QStringList numbers;
+    for (int i = 0; i < 500; ++i) {
+        addresses.append(QStringLiteral("listener%1@example.org").arg(i));
+        numbers.append(QStringLiteral("07700 9%1").arg(i, 5, 10, QLatin1Char('0')));
+    }
+    const qint32 reference = SaveNew(QStringLiteral("Hello"));
+    const cMessagePtr other = MakeMessage(QStringLiteral("Another"), QStringLiteral("bob@example.org"));
+    ASSERT_TRUE(Station->SaveMessage(other));
+    addresses[499] = QStringLiteral("ann@example.com");
+    Station->FillMessagesListView(&List, addresses.join(u'|'), numbers.join(u'|'));
+    EXPECT_EQ(List.Keys(), QStringList(QStringLiteral("m%1").arg(reference)));
+}
+
+TEST_F(MessageHistoryListTest, WildcardsInAnAddressMeanThemselves)
+{
+    SaveNew(QStringLiteral("Hello"));
+    for (const char16_t* address : {u"*", u"?nn@example.com", u"[a]nn@example.com", u"%", u"_nn@example.com", u"ann#",
+                                    u"ann@example.com' OR '1'='1", u"x\" OR \"1\"=\"1"}) {
+        Station->FillMessagesListView(&List, QString::fromUtf16(address), {});
+        EXPECT_EQ(List.ItemCount(), 0) << QString::fromUtf16(address).toStdString();
+    }
+}

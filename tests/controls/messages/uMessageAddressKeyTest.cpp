@@ -1,5 +1,8 @@
 #include "messages/AddressBoxOnShow.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
+
 using uMessageAddressKeyTest = AddressBoxOnShow;
 
 TEST_F(uMessageAddressKeyTest, LeftFromBehindARunLandsOnItsFrontEnd)
@@ -202,4 +205,90 @@ TEST_F(uMessageAddressKeyTest, UndoBringsADeletedRunBackWhole)
     Key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(Control.text(), AnnEntry);
     EXPECT_EQ(States(), QString(AnnEnd, u'P') + QStringLiteral(".."));
+}
+
+TEST_F(uMessageAddressKeyTest, BackspaceOnASelectionThatCutsARunTakesTheRunAndWhatStandsBefore)
+{
+    Type(QStringLiteral("x@y.org"));
+    AddAnn();
+    // From within the run to beyond its end: the state is neither true nor false.
+    Select(9 + AnnEnd - 3, 4);
+    ASSERT_FALSE(Box.SelProtected().has_value());
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Control.text(), QStringLiteral("x@y.org; ; "));
+    EXPECT_EQ(Box.Tag(), QStringLiteral("0"));
+}
+
+TEST_F(uMessageAddressKeyTest, DeleteOnASelectionThatCutsARunTakesItWithTheSemicolon)
+{
+    AddAnn();
+    AddAnn();
+    Select(AnnEnd - 3, 4);
+    ASSERT_FALSE(Box.SelProtected().has_value());
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(Control.text(), u' ' + AnnEntry);
+    EXPECT_EQ(States(), u'.' + QString(AnnEnd, u'P') + QStringLiteral(".."));
+    EXPECT_EQ(Box.Tag(), QStringLiteral("0"));
+}
+
+TEST_F(uMessageAddressKeyTest, LeftAndRightWithASelectedRunJumpFromItsFront)
+{
+    Type(QStringLiteral("x@y.org"));
+    AddAnn();
+    Select(9, AnnEnd);
+    Key(Qt::Key_Left);
+    // The step goes from the selection's beginning.
+    EXPECT_EQ(Box.SelStart(), 8);
+    EXPECT_EQ(Box.SelLength(), 0);
+    Select(9, AnnEnd);
+    Key(Qt::Key_Right);
+    EXPECT_EQ(Box.SelStart(), 9 + AnnEnd + 1);
+    EXPECT_EQ(Box.SelLength(), 0);
+}
+
+TEST_F(uMessageAddressKeyTest, LeftInFreeTextAndWithAMixedSelectionIsTheBoxesOwn)
+{
+    AddAnn();
+    Type(QStringLiteral("xy"));
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Box.SelStart(), AnnEnd + 3);
+    Select(AnnEnd - 3, 4);
+    ASSERT_FALSE(Box.SelProtected().has_value());
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Box.SelStart(), AnnEnd - 3);
+    EXPECT_EQ(Box.SelLength(), 0);
+}
+
+TEST_F(uMessageAddressKeyTest, TheArrowsJumpRunsInALockedBoxToo)
+{
+    AddAnn();
+    Control.SetLocked(true);
+    Box.SetSelStart(AnnEnd);
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Box.SelStart(), 0);
+    Key(Qt::Key_Right);
+    EXPECT_EQ(Box.SelStart(), AnnEnd + 1);
+}
+
+TEST_F(uMessageAddressKeyTest, BackspaceAtTheBeginningOfARunTakesWhatStandsInFront)
+{
+    AddAnn();
+    AddAnn();
+    Box.SetSelStart(AnnEnd + 2);
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Control.text(), AnnRun + u';' + AnnEntry);
+    Box.SetSelStart(0);
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Control.text(), AnnRun + u';' + AnnEntry);
+}
+
+TEST_F(uMessageAddressKeyTest, KeysThatOnlyChangeOthersLeaveASelectedRunProtected)
+{
+    AddAnn();
+    for (const Qt::Key key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_Meta, Qt::Key_CapsLock}) {
+        Select(0, AnnEnd);
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&Box, &press);
+        EXPECT_EQ(States(), QString(AnnEnd, u'P') + QStringLiteral("..")) << key;
+    }
 }

@@ -2,6 +2,7 @@
 #include "platform/widgets/PropertyBag.h"
 #include "platform/widgets/SystemColour.h"
 
+#include <QElapsedTimer>
 #include <QTextDocument>
 
 using uMessageAddressTest = AddressBoxOnShow;
@@ -233,4 +234,72 @@ TEST_F(uMessageAddressTest, NamesInAnyScriptStayWhole)
         Key(Qt::Key_Backspace);
         EXPECT_EQ(Control.text(), QStringLiteral("; ")) << name;
     }
+}
+
+TEST_F(uMessageAddressTest, ALineEndInANameIsPartOfTheRunAndNothingBehindItIs)
+{
+    for (const char* end : {"\n", "\r", "\r\n", "\u2028", "\u2029"}) {
+        Control.Settext(QString());
+        Control.AddAddress(QStringLiteral("Ann") + QString::fromUtf8(end) + QStringLiteral("Low"),
+                           QStringLiteral("a@b.org"));
+        EXPECT_EQ(Control.text(), QStringLiteral("\"Ann\nLow\" <a@b.org>; "));
+        EXPECT_EQ(States(), QString(19, u'P') + QStringLiteral(".."));
+    }
+}
+
+TEST_F(uMessageAddressTest, TheColourAndTheStateAreThoseOfTheControlAroundTheBoxToo)
+{
+    Control.SetBackColour(0x00FF00);
+    EXPECT_EQ(Control.palette().color(QPalette::Window), QColor(0, 255, 0));
+    EXPECT_EQ(Box.palette().color(QPalette::Base), QColor(0, 255, 0));
+    Control.SetEnabled(false);
+    EXPECT_FALSE(Control.Enabled());
+    Control.SetEnabled(true);
+    EXPECT_TRUE(Box.isEnabled());
+}
+
+TEST_F(uMessageAddressTest, ReadingTheBagTellsNothingOfBorderAndLock)
+{
+    Control.SetLocked(true);
+    Control.SetBorderStyle(RichTextBox::None);
+    PropertyBag bag;
+    Control.WriteProperties(bag);
+    EXPECT_TRUE(bag.Values().isEmpty());
+    Control.ReadProperties(bag);
+    EXPECT_TRUE(Control.Locked());
+    EXPECT_EQ(Control.BorderStyle(), RichTextBox::None);
+}
+
+TEST_F(uMessageAddressTest, ASelectionIsReplacedOnlyWhereASeparatorIsNeeded)
+{
+    Type(QStringLiteral("x@y.org"));
+    Select(5, 2);
+    AddAnn();
+    EXPECT_EQ(Control.text(), QStringLiteral("x@y.o; ") + AnnEntry);
+    Control.Settext(QStringLiteral("x@y.org"));
+    Select(0, 2);
+    AddAnn();
+    EXPECT_EQ(Control.text(), AnnEntry + QStringLiteral("x@y.org"));
+}
+
+TEST_F(uMessageAddressTest, FiveHundredRunsAreAddedAndJumpedInAMoment)
+{
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 500; ++i)
+        Control.AddAddress(QStringLiteral("Listener %1").arg(i), QStringLiteral("l%1@example.org").arg(i));
+    EXPECT_EQ(Control.text().count(u'@'), 500);
+    const qint64 adding = timer.restart();
+    Key(Qt::Key_Left);
+    Key(Qt::Key_Left);
+    // Behind the last run, and over it.
+    const int behind = Box.SelStart();
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Box.SelStart(), behind - QStringLiteral("\"Listener 499\" <l499@example.org>").size());
+    Box.SetSelStart(behind);
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Control.text().count(u'@'), 499);
+    // Far above what it takes on any machine.
+    EXPECT_LT(adding / 500, 60);
+    EXPECT_LT(timer.elapsed() / 4, 500);
 }

@@ -74,8 +74,8 @@ TEST(RichTextFormatTest, DamagedTextsComeToAnEnd)
     for (qsizetype length = 0; length <= whole.size(); ++length)
         RichTextFormat::Read(whole.left(length));
     EXPECT_EQ(Plain("{\\rtf1 a\\'zzb\\cf-3 c}}}}d"), QStringLiteral("azzbc"));
-    // A sign makes no octet of one digit.
-    EXPECT_EQ(Plain("{\\rtf1 a\\'-5b}"), QStringLiteral("a-5b"));
+    // Neither a sign nor a blank makes an octet.
+    EXPECT_EQ(Plain("{\\rtf1 a\\'-1\\'+1\\' 1\\'1}"), QStringLiteral("a-1+1 11"));
     EXPECT_EQ(PlainOf(QStringLiteral("{\\rtf1 ") + QString(100000, u'{') + u'x').size(), 1);
 }
 
