@@ -25,7 +25,10 @@ constexpr int MostCandidates = 10;
 clsKVContactPtr OnlyOne(const QList<clsKVContactPtr>& found, const QString& sought)
 {
     if (found.isEmpty())
-        throw Failure(exitData, QStringLiteral("There is no contact with the %1 in the directory.").arg(sought));
+        throw Failure(exitData,
+                      QStringLiteral("There is no contact with the %1 in the directory. \"tolva contacts\" lists "
+                                     "contacts and takes in new ones.")
+                          .arg(sought));
     if (found.size() == 1)
         return found.first();
     QStringList candidates;
@@ -252,9 +255,11 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
     if (!winner && database.LastErrorNumber() != 0)
         throw WhyNotStored(station, database);
     if (!winner)
-        throw Failure(
-            exitData,
-            QStringLiteral("There is no winner %1 in the station in %2.").arg(reference).arg(station.Folder()));
+        throw Failure(exitData,
+                      QStringLiteral(
+                          "There is no winner %1 in the station in %2. A prize's winners are listed by: tolva prize %2 "
+                          "winners REF")
+                          .arg(QString::number(reference), station.Folder()));
     // Who awarded it by mistake puts it right without further ado.
     if (winner->AwardedByReference() != station.Directory().CurrentUser()->Reference())
         station.Require(DirectoryRight::ManagePrizes, ManageWords);

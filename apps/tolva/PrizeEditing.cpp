@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace
 {
@@ -41,13 +42,14 @@ QString PersonAndDate(const QString& person, Date date)
     return day + QStringLiteral(", ") + person;
 }
 
-/// A number of 0 or more. Failure (usage) for anything else.
+/// A number of 0 or more that a field holds. Failure (usage) for anything else.
 qint32 ToNumber(const QString& option, const QString& typed)
 {
     bool isNumber = false;
     const int number = typed.toInt(&isNumber);
     if (!isNumber || number < 0)
-        throw Failure(exitUsage, QStringLiteral("--%1 takes a number, not \"%2\".").arg(option, typed));
+        throw Failure(exitUsage, QStringLiteral("--%1 takes a number from 0 to %3, not \"%2\".")
+                                     .arg(option, typed, QString::number(std::numeric_limits<qint32>::max())));
     return number;
 }
 

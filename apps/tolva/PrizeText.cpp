@@ -47,7 +47,10 @@ cPrizePtr PrizeOf(Station& station, const QString& words)
         return prize;
     if (station.Database().LastErrorNumber() != 0)
         throw WhyNotStored(station, station.Database());
-    throw Failure(exitData, QStringLiteral("There is no prize %1 in the station in %2.").arg(words, station.Folder()));
+    throw Failure(
+        exitData,
+        QStringLiteral("There is no prize %1 in the station in %2. All prizes are listed by: tolva prizes %2 --all")
+            .arg(words, station.Folder()));
 }
 
 Failure WhyNotStored(const Station& station, const cTolvaDatabase& database)
