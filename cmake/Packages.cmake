@@ -3,8 +3,11 @@ include(GNUInstallDirs)
 
 install(TARGETS tolva RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT commands)
 install(TARGETS tolva-desk RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT desk)
+# Beside tolva, which starts it for PDF files.
+install(TARGETS tolva-pdf RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT pdf)
 install(FILES docs/man/tolva.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT commands)
 install(FILES docs/man/tolva-desk.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT desk)
+install(FILES docs/man/tolva-pdf.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT pdf)
 install(FILES packaging/tolva-desk.desktop DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT desk)
 install(FILES packaging/example.tolva.desk.metainfo.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT desk)
 install(FILES src/platform/widgets/icons/tolva.svg RENAME tolva-desk.svg
@@ -18,7 +21,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL commands desk library development)
+set(CPACK_COMPONENTS_ALL commands desk pdf data library development)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -28,6 +31,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 
 set(CPACK_DEBIAN_COMMANDS_PACKAGE_NAME tolva)
+set(CPACK_DEBIAN_COMMANDS_PACKAGE_RECOMMENDS tolva-pdf)
+set(CPACK_COMPONENT_COMMANDS_DEPENDS data)
 set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
     "Command line of a radio station's contact desk\n Files incoming mail and text messages, lists, searches, moves, exports, backs up and checks a station.")
 
@@ -35,12 +40,26 @@ set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
 set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS tolva)
 # The plugin that draws on a screen: Qt loads it by name, so nothing that is linked needs it.
 set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "qt6-qpa-plugins")
+set(CPACK_COMPONENT_DESK_DEPENDS data)
 set(CPACK_COMPONENT_DESK_DESCRIPTION
     "Window of a radio station's contact desk\n Listeners' e-mails and text messages, folders, prizes and contacts, shared by several computers.")
+
+set(CPACK_DEBIAN_PDF_PACKAGE_NAME tolva-pdf)
+# The platform without a screen is one of these plugins.
+set(CPACK_DEBIAN_PDF_PACKAGE_DEPENDS "qt6-qpa-plugins")
+set(CPACK_COMPONENT_PDF_DESCRIPTION
+    "Pages of a radio station's contact desk as PDF files\n Writes an HTML page to a PDF file without a display; nothing on the page runs and nothing is fetched.")
+
+set(CPACK_DEBIAN_DATA_PACKAGE_NAME tolva-data)
+set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DATA_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_COMPONENT_DATA_DESCRIPTION
+    "Page templates of a radio station's contact desk\n The templates by which messages and prizes are printed; each station gets a copy of them.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libkvtolva1-${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENT_LIBRARY_DEPENDS data)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
     "Library of a radio station's contact desk\n The shared library for programs that open a station and show its controls.")
 

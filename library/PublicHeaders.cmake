@@ -20,6 +20,7 @@ set(publicHeaders
     database/cTolvaDatabase.h
     messages/cMessage.h
     messages/cMessages.h
+    messages/controls/uMessageAddress.h
     messages/controls/uMessageBasic.h
     messageslist/uMessagesList.h
     platform/Export.h
@@ -28,6 +29,7 @@ set(publicHeaders
     platform/directory/clsKVContact.h
     platform/directory/clsKVDirectory.h
     platform/directory/clsKVUser.h
+    platform/html/HtmlDocument.h
     platform/mail/Message.h
     platform/records/Collection.h
     platform/records/DBEngine.h
@@ -40,7 +42,14 @@ set(publicHeaders
     platform/records/Types.h
     platform/widgets/ListView.h
     platform/widgets/PropertyBag.h
+    platform/widgets/RichTextBox.h
+    platform/widgets/RichTextFormat.h
+    prizes/HoursText.h
+    prizes/PrizeListCategory.h
     prizes/RelativeTime.h
     prizes/cPrize.h
     prizes/cPrizeWinner.h
+    prizes/controls/WeekHours.h
+    prizes/controls/uPrizeBasic.h
+    prizes/controls/uPrizesList.h
 )

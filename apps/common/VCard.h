@@ -27,8 +27,9 @@ struct Reading
 /// of the structured one; mobile is the first number of a mobile telephone, telephone the first other one, the e-mail
 /// addresses are the first two, each in the order of preference. What else is worth keeping stands in other: the postal
 /// address as its lines on a label, and below two empty lines, a line for each after its kind ("Home: 01736 555 019"),
-/// further numbers and addresses, organisation, title, web pages, birthday; notes stand there as they are. Pictures, sounds, keys and private properties are left out. A
-/// detail that is too long for the directory stands in other, too. Never fails: what is cut off or empty is a problem.
+/// further numbers and addresses, organisation, title, web pages, birthday; notes stand there as they are. Pictures,
+/// sounds, keys and private properties are left out. A detail that is too long for the directory stands in other, too.
+/// Never fails: what is cut off or empty is a problem.
 Reading Read(const QByteArray& octets);
 
 /// The cards of these contacts. Reading them gives the same contacts again, other line ends within other aside, and a

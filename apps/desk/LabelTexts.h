@@ -30,7 +30,8 @@ struct Winners
 };
 
 /// The name, and below it the lines of the detail Other, which is the one that takes several lines and so a postal
-/// address; what stands there below two empty lines is left out. Telephone numbers and e-mail addresses have no business on an envelope.
+/// address; what stands there below two empty lines is left out. Telephone numbers and e-mail addresses have no
+/// business on an envelope.
 Entry EntryOf(const clsKVContact& contact);
 /// By name.
 QList<Entry> Contacts(DeskStation& station);

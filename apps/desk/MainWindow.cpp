@@ -18,9 +18,9 @@
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/TabStrip.h"
+#include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
-#include "printing/PrintDialog.h"
 
 #include <QAction>
 #include <QApplication>

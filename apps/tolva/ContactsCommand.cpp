@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "ContactImport.h"
+#include "ContactOrder.h"
 #include "ContactSearch.h"
 #include "DisplayText.h"
 #include "Station.h"
@@ -21,7 +22,6 @@ const QString JsonOption = QStringLiteral("json");
 const QString DuplicatesOption = QStringLiteral("duplicates");
 const QString VersionOption = QStringLiteral("vcard");
 const QString OutputOption = QStringLiteral("output");
-const QString ShortOutputOption = QStringLiteral("o");
 const QString ForceOption = QStringLiteral("force");
 
 constexpr int ReferenceWidth = 11;
@@ -121,7 +121,7 @@ void PrintRow(const clsKVContact& contact)
 void List(const Arguments& arguments, Station& station)
 {
     const QList<clsKVContactPtr> contacts = InDirectory(station, [&] { return station.Directory().Contacts(); });
-    for (const clsKVContactPtr& contact : ContactSearch(contacts).Find(arguments.Words().value(2))) {
+    for (const clsKVContactPtr& contact : ContactSearch(ContactOrder::ByName(contacts)).Find(arguments.Words().value(2))) {
         if (arguments.Has(JsonOption))
             PrintJson(*contact);
         else
@@ -271,7 +271,7 @@ void Export(const Arguments& arguments, Station& station)
     for (const clsKVContactPtr& contact : InDirectory(station, [&] { return station.Directory().Contacts(); }))
         contacts.append(*contact);
     const QByteArray octets = VCard::Write(contacts, version);
-    const QString path = arguments.Value(OutputOption, arguments.Value(ShortOutputOption, QStringLiteral("-")));
+    const QString path = arguments.Value(OutputOption, QStringLiteral("-"));
     if (path == u"-") {
         Terminal::PrintOctets(octets);
         return;
@@ -362,8 +362,8 @@ CommandDefinition ContactsCommand()
          {QStringLiteral("other"), QStringLiteral("TEXT"), QStringLiteral("All else, of any length.")},
          {DuplicatesOption, QStringLiteral("WHAT"), QStringLiteral("skip (what counts without it), update or add.")},
          {VersionOption, QStringLiteral("VERSION"), QStringLiteral("Of the exported cards; 3.0 without it.")},
-         {OutputOption, QStringLiteral("FILE"), QStringLiteral("Exports into a file (-o FILE for short).")},
-         {ShortOutputOption, QStringLiteral("FILE"), QStringLiteral("The same.")},
+         {OutputOption, QStringLiteral("FILE"), QStringLiteral("The file to write; also -o FILE."),
+          QStringLiteral("o")},
          {ForceOption, QString(), QStringLiteral("Replaces a file that exists.")},
          {JsonOption, QString(), QStringLiteral("One JSON object a line.")},
          Station::UserOption()},

@@ -16,7 +16,7 @@
 
 namespace
 {
-constexpr qint64 ChunkSize = 1024 * 1024;
+constexpr qint64 ChunkSize = qint64(1024) * 1024;
 
 /// A file that goes away again unless it is put in its place.
 class TemporaryFile

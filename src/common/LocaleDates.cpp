@@ -32,11 +32,11 @@ QList<FormatToken> Tokens(const QString& format)
             }
         } else if (quoted || !letters.contains(character)) {
             tokens.append({QChar(), QString(character)});
-        } else if (character.toLower() == u'p' && !tokens.isEmpty() && tokens.last().Letter == u'a') {
-            tokens.last().Text += character;
         } else if (character.toLower() == u'a') {
             tokens.append({u'a', QString(character)});
-        } else if (!tokens.isEmpty() && tokens.last().Letter == character && i > 0 && format.at(i - 1) == character) {
+        } else if (!tokens.isEmpty() &&
+                   ((character.toLower() == u'p' && tokens.last().Letter == u'a') ||
+                    (tokens.last().Letter == character && i > 0 && format.at(i - 1) == character))) {
             tokens.last().Text += character;
         } else {
             tokens.append({character, QString(character)});
@@ -49,11 +49,10 @@ QString FormatOf(const QList<FormatToken>& tokens)
 {
     QString format;
     for (const FormatToken& token : tokens) {
-        if (!token.Letter.isNull())
-            format += token.Text;
-        else if (token.Text == u"'")
+        const bool isLiteral = token.Letter.isNull();
+        if (isLiteral && token.Text == u"'")
             format += QStringLiteral("''");
-        else if (token.Text.front().isLetter())
+        else if (isLiteral && token.Text.front().isLetter())
             format += u'\'' + token.Text + u'\'';
         else
             format += token.Text;

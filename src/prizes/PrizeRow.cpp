@@ -1,5 +1,6 @@
 // The rows of prizes and their winners: how cPrize and cPrizeWinner read and write the tables Prizes and PrizeWinners.
 
+#include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/RowValues.h"
 #include "platform/records/Recordset.h"
@@ -96,7 +97,7 @@ bool cPrize::ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset)
     return true;
 }
 
-bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
+bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy)
 {
     WriteDebugLog(QStringLiteral("Started cPrize:WriteToRecordSet"));
     if (!recordset)
@@ -123,6 +124,7 @@ bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
     row.Set(Column::NotesToSupplier, NotesToSupplier_);
 
     const bool saved = row.Update();
+    busy.reset();
     if (saved) {
         // A number that stood for a vanished row stays: the caller's events carry it.
         if (Reference_ == 0)
@@ -150,7 +152,7 @@ bool cPrizeWinner::ReadFromRecordSet(dao::Recordset* recordset)
     return true;
 }
 
-bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
+bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy)
 {
     WriteDebugLog(QStringLiteral("Started cPrizeWinner:WriteToRecordSet"));
     if (!recordset)
@@ -171,6 +173,7 @@ bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pen
     row.Set(Column::NotesToSupplier, NotesToSupplier_);
 
     const bool saved = row.Update();
+    busy.reset();
     if (saved) {
         if (Reference_ == 0)
             SetReference(reference);

@@ -7,7 +7,7 @@ set -euo pipefail
 build=$(realpath "$1")
 source=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../..")
 work=$build/install-test
-rm -rf "$work/prefix" "$work/station"
+rm -rf "$work/prefix" "$work/station" "$work/fresh"
 mkdir -p "$work"
 
 cmake --install "$build" --prefix "$work/prefix" >"$work/install.log"
@@ -35,12 +35,27 @@ cmake --build "$work/build" >"$work/build.log" 2>&1 || { grep -vE "^\[[0-9]" "$w
 export QT_QPA_PLATFORM=offscreen XDG_STATE_HOME=$work/state XDG_CONFIG_HOME=$work/config
 "$work/build/exampleTest" "$work/station" Technician
 plugin=$(find "$prefix" -name tolva-controls.so)
-"$work/build/pluginTest" "$plugin" uMessagesList uMessageBasic
+"$work/build/pluginTest" "$plugin" uMessageAddress uMessageBasic uMessagesList uPrizeBasic uPrizesList
 
-# The example's own project, as its reader builds it.
-cmake -S "$source/examples/contact-desk" -B "$work/example" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/example.log" 2>&1 &&
-    cmake --build "$work/example" >>"$work/example.log" 2>&1 || { cat "$work/example.log" >&2; exit 1; }
-code=0
-"$work/example/contact-desk" 2>"$work/usage.log" || code=$?
-[ "$code" -eq 2 ] && grep -q '^Usage' "$work/usage.log"
+# The examples' own projects, as their readers build them.
+for example in contact-desk file-a-mail; do
+    cmake -S "$source/examples/$example" -B "$work/$example" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/$example.log" 2>&1 &&
+        cmake --build "$work/$example" >>"$work/$example.log" 2>&1 || { cat "$work/$example.log" >&2; exit 1; }
+    code=0
+    "$work/$example/$example" 2>"$work/usage.log" || code=$?
+    [ "$code" -eq 2 ] && grep -q '^Usage' "$work/usage.log"
+done
+printf 'From: ann@example.com\r\nSubject: From outside\r\n\r\nHello.\r\n' | "$work/file-a-mail/file-a-mail" "$work/station" Technician >"$work/filed"
+grep -qx 'Stored "From outside".' "$work/filed"
+reference=$(sed -nE 's/^It is on the disk as message ([0-9]+)\.$/\1/p' "$work/filed")
+"$prefix/bin/tolva" show "$work/station" "$reference" --raw | grep -q '^Subject: From outside'
+
+echo "Templates and printing"
+[ -e "$prefix/share/tolva/HTMLDocs/Message-Single message.htm" ]
+# The installed set reaches a station that is made now, wherever the build lies.
+"$prefix/bin/tolva" init "$work/fresh" --name Fresh --phone 1
+"$prefix/bin/tolva" print "$work/station" "Studio list" --category Inbox -o "$work/list.pdf"
+[ "$(head -c 5 "$work/list.pdf")" = %PDF- ]
+"$prefix/bin/tolva-desk" --version >/dev/null
+[ "$(find "$work/fresh/HTMLDocs" -name '*.htm' | wc -l)" -eq "$(find "$prefix/share/tolva/HTMLDocs" -name '*.htm' | wc -l)" ]
 echo "The installed library is usable."

@@ -87,7 +87,7 @@ PrizeWindow::PrizeWindow(DeskStation& station, const cPrize& prize, QWidget* par
     Tabs_->setObjectName(QStringLiteral("pages"));
     Tabs_->addTab(MakeTexts(), tr("Scr&ipt and notes"));
     Tabs_->addTab(MakeTimes(), tr("&When"));
-    Tabs_->addTab(MakeWinners(), tr("Winne&rs"));
+    Tabs_->addTab(MakeWinners(), tr("Winner&s"));
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -236,7 +236,7 @@ QWidget* PrizeWindow::MakeWinners()
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(Winners_, 1);
-    QPushButton* award = MakeButton("addWinner", tr("A&ward..."), tr("Add a winner"), page);
+    QPushButton* award = MakeButton("addWinner", tr("&Award..."), tr("Add a winner"), page);
     Show_ = MakeButton("showWinner", tr("&Details..."), tr("Display the details of the selected winner"), page);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(award);

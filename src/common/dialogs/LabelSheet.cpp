@@ -12,17 +12,16 @@ namespace
 {
 constexpr double MillimetresPerInch = 25.4;
 constexpr double PointsPerInch = 72;
-constexpr double LargestText = 11; // points
-constexpr double SmallestText = 6;
-constexpr double TextStep = 0.5;
+constexpr int LargestText = 22; // half points
+constexpr int SmallestText = 12;
 constexpr double NumberText = 16;
 constexpr double OutlineWidth = 0.2; // millimetres
 
 /// Sized in dots, so that screens, pictures and printers give the same sheet.
-QFont TextFont(double points, double dotsPerMillimetre)
+QFont TextFont(int halfPoints, double dotsPerMillimetre)
 {
     QFont font;
-    font.setPixelSize(qMax(1, qRound(points / PointsPerInch * MillimetresPerInch * dotsPerMillimetre)));
+    font.setPixelSize(qMax(1, qRound(halfPoints / 2.0 / PointsPerInch * MillimetresPerInch * dotsPerMillimetre)));
     return font;
 }
 
@@ -75,8 +74,8 @@ QString CutToHeight(const QTextLayout& layout, const QSizeF& room)
 /// height.
 void DrawFitted(QPainter& painter, const QString& text, const QRectF& area, double dotsPerMillimetre)
 {
-    for (double points = LargestText; points >= SmallestText; points -= TextStep) {
-        QTextLayout layout(text, TextFont(points, dotsPerMillimetre), painter.device());
+    for (int size = LargestText; size >= SmallestText; --size) {
+        QTextLayout layout(text, TextFont(size, dotsPerMillimetre), painter.device());
         bool isWhole = false;
         const double height = BreakLines(layout, area.width(), QTextOption::WordWrap, isWhole);
         if (height > area.height() || !isWhole)

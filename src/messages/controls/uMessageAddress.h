@@ -9,7 +9,7 @@ class PropertyBag;
 
 /// The box for To and Cc of a message that is written. Each address that the program adds is a protected run and
 /// behaves as one: the caret jumps over it, Backspace and Delete take it whole, a click selects and reports it. Between
-/// the runs the user types freely. An entry reads "Name" <address>, and "; " stands between entries.
+/// the runs the user types freely. An entry reads `"Name" <address>`, and "; " stands between entries.
 class TOLVA_EXPORT uMessageAddress : public QWidget
 {
     Q_OBJECT

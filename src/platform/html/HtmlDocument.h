@@ -16,7 +16,7 @@ struct HtmlNode;
 ///
 /// Markup that costs more to parse than markup of its length may - hostile nesting, formatting that multiplies - goes
 /// in as its text, and HtmlDocument::IsTextOnly says so.
-class HtmlElement
+class TOLVA_EXPORT HtmlElement
 {
 public:
     HtmlElement() = default;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/widgets/FindBox.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/TabStrip.h"
 #include "support/StationTest.h"
