@@ -66,6 +66,7 @@ PrizesPage::PrizesPage(DeskStation& station, DeskSettings& settings, QWidget* pa
     connect(Filter_, &NoticeBar::ButtonClicked, this, &PrizesPage::ShowAll);
     connect(List_, &uPrizesList::PrizeSelected, this, &PrizesPage::TakeSelection);
     connect(List_, &uPrizesList::DisplayUpdated, this, &PrizesPage::TakeUpdate);
+    connect(List_, &uPrizesList::DisplayFailed, this, &PrizesPage::TakeFailure);
     connect(List_, &uPrizesList::NewPrize, this, &PrizesPage::NewPrize);
     connect(List_, &uPrizesList::OpenPrize, this,
             [this](const cPrizePtr& prize) { Q_EMIT OpenPrize(prize->Reference()); });
@@ -166,6 +167,14 @@ void PrizesPage::TakeUpdate()
     else
         Presenter_->Winners().Refresh();
     Q_EMIT Updated();
+}
+
+/// The rows of before stay, and must not pass for those of now.
+void PrizesPage::TakeFailure(int errorNumber, const QString& description)
+{
+    Filter_->Show(tr("The prizes could not be read, so these are as they were before. %1 Press F5 in the list to try "
+                     "again.")
+                      .arg(Station_.Words(errorNumber, description)));
 }
 
 void PrizesPage::ShowEmptyWords()

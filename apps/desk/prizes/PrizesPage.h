@@ -59,6 +59,7 @@ protected:
 private:
     QWidget* MakeEmptyPage();
     void TakeUpdate();
+    void TakeFailure(int errorNumber, const QString& description);
     void TakeSelection(const cPrizePtr& prize);
     void ShowEmptyWords();
     void ShowOtherPrizes();

@@ -113,6 +113,27 @@ TEST_F(PrizesPageTest, AFilterIsSeenAndCleared)
     EXPECT_EQ(List().NumberItems(), 1);
 }
 
+TEST_F(PrizesPageTest, AListThatCannotBeReadSaysSoAndKeepsItsRows)
+{
+    AddPrize(QStringLiteral("Two tickets"));
+    OpenPrizes();
+    auto* box = List().findChild<QComboBox*>(QStringLiteral("comboFind"));
+    box->setFocus();
+    box->lineEdit()->setText(QStringLiteral("x\" garbage (")); // typed, the mark would be swallowed
+    QTest::keyClick(box, Qt::Key_Return);
+    auto& notice = Get<NoticeBar>(*Window, "prizeFilterNotice");
+    EXPECT_TRUE(
+        notice.Text().startsWith(QStringLiteral("The prizes could not be read, so these are as they were before. ")))
+        << qPrintable(notice.Text());
+    EXPECT_TRUE(notice.Text().endsWith(QStringLiteral(" Press F5 in the list to try again.")))
+        << qPrintable(notice.Text());
+    EXPECT_EQ(List().NumberItems(), 1);
+    EXPECT_EQ(Text("presenterTitle"), QStringLiteral("Two tickets"));
+    QTest::mouseClick(&Get<QPushButton>(notice, "noticeButton"), Qt::LeftButton);
+    EXPECT_EQ(notice.Text(), QString());
+    EXPECT_EQ(List().NumberItems(), 1);
+}
+
 TEST_F(PrizesPageTest, AnotherHourOffersOtherPrizes)
 {
     AddPrize(QStringLiteral("From three on"), 1, [](cPrize& prize) {
