@@ -23,9 +23,9 @@ void AddPrize(dao::Recordset& rows, int number)
     set(QStringLiteral("Script"), QStringLiteral("The whole harbour sings on Saturday! ").repeated(8));
     set(QStringLiteral("Notes"), QStringLiteral("Ask for a postal address."));
     set(QStringLiteral("NotesToSupplier"), QStringLiteral("Names by Friday noon."));
-    for (const QString& name : {QStringLiteral("SupplierReference"), QStringLiteral("AddedByReference"),
-                                QStringLiteral("NumberWinners"), QStringLiteral("LastWonDate"),
-                                QStringLiteral("StartDate"), QStringLiteral("EndDate")})
+    for (const QString& name :
+         {QStringLiteral("SupplierReference"), QStringLiteral("AddedByReference"), QStringLiteral("NumberWinners"),
+          QStringLiteral("LastWonDate"), QStringLiteral("StartDate"), QStringLiteral("EndDate")})
         set(name, 0);
     set(QStringLiteral("AddedDate"), 46000.0 + number * 0.001);
     set(QStringLiteral("NumberSupplied"), 5);
