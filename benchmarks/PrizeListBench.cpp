@@ -7,6 +7,8 @@
 #include "prizes/PrizeHour.h"
 #include "prizes/controls/uPrizesList.h"
 
+#include <vector>
+
 namespace
 {
 constexpr int Prizes = 10000;
@@ -69,19 +71,24 @@ qint64 ReadRow(sqlite3_stmt* row)
     return octets;
 }
 
+/// As anybody does it who must not hold up the other computers while the rows are shown: the query is read to its end,
+/// then each prize by itself.
 void QueryAndRead(sqlite3_stmt* query, sqlite3_stmt* byReference)
 {
-    int count = 0;
+    std::vector<qint64> references;
     qint64 octets = 0;
     while (sqlite3_step(query) == SQLITE_ROW) {
-        sqlite3_bind_int64(byReference, 1, sqlite3_column_int64(query, 0));
+        references.push_back(sqlite3_column_int64(query, 0));
+        octets += ReadRow(query);
+    }
+    sqlite3_reset(query);
+    for (const qint64 reference : references) {
+        sqlite3_bind_int64(byReference, 1, reference);
         Require(sqlite3_step(byReference) == SQLITE_ROW, "a prize is missing");
         octets += ReadRow(byReference);
         sqlite3_reset(byReference);
-        ++count;
     }
-    sqlite3_reset(query);
-    Require(count == Available && octets > 0, "prizes are missing");
+    Require(references.size() == Available && octets > 0, "prizes are missing");
 }
 } // namespace
 

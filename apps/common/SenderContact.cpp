@@ -126,20 +126,6 @@ private:
     int Depth_ = 0;
 };
 
-/// "jane.tregenza+news@example.org" was written by "Jane Tregenza".
-QString NameFromAddress(const QString& address)
-{
-    QString local = address.section(u'@', 0, 0).section(u'+', 0, 0);
-    local.replace(u'.', u' ').replace(u'_', u' ');
-    bool isStart = true;
-    for (QChar& character : local) {
-        if (isStart)
-            character = character.toUpper();
-        isStart = character == u' ' || character == u'-';
-    }
-    return local.simplified();
-}
-
 bool IsAddress(const QString& text)
 {
     return text.contains(u'@');
@@ -163,6 +149,19 @@ SenderContact::Mailbox SenderContact::FirstMailbox(const QString& from)
     if (mailbox.Name.isEmpty())
         mailbox.Name = reader.Comment.simplified();
     return mailbox;
+}
+
+QString SenderContact::NameFromAddress(const QString& address)
+{
+    QString local = address.section(u'@', 0, 0).section(u'+', 0, 0);
+    local.replace(u'.', u' ').replace(u'_', u' ');
+    bool isStart = true;
+    for (QChar& character : local) {
+        if (isStart)
+            character = character.toUpper();
+        isStart = character == u' ' || character == u'-';
+    }
+    return local.simplified();
 }
 
 QStringList SenderContact::NumbersOf(const clsKVContact& contact)

@@ -28,6 +28,8 @@ struct Mailbox
     QString Address;
 };
 Mailbox FirstMailbox(const QString& from);
+/// "Jane Tregenza" of "jane.tregenza+news@example.org".
+QString NameFromAddress(const QString& address);
 
 /// The numbers of a contact as they are written: mobile, telephone, and those lines of other that are one.
 QStringList NumbersOf(const clsKVContact& contact);

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "FolderNames.h"
 #include "StationPlace.h"
+#include "WinnerCounts.h"
 #include "common/FileHelper.h"
 #include "common/UserInterface.h"
 #include "database/TableCheck.h"
@@ -201,6 +202,28 @@ QList<StationCheck::FolderCount> FolderCounts(const MessageCheck& check, const c
     return counts;
 }
 
+/// None where a table cannot be read, which is told already.
+WinnerCounts::Disagreements FindDisagreements(dao::Database& database)
+{
+    try {
+        return WinnerCounts::Find(database);
+    } catch (const dao::Error& error) {
+        if (EndsCheck(error))
+            throw;
+        return {};
+    }
+}
+
+/// What disagreed before and still does: in between somebody may have been awarding a prize.
+void TellDisagreements(const WinnerCounts::Disagreements& before, const WinnerCounts::Disagreements& after,
+                       Findings& findings)
+{
+    for (const auto& [row, disagreement] : after) {
+        if (before.count(row) != 0)
+            findings.Add(disagreement.first, disagreement.second);
+    }
+}
+
 /// False when the user ended it.
 bool CheckStationFile(const QString& file, Findings& findings, StationCheck::Report& report)
 {
@@ -213,9 +236,12 @@ bool CheckStationFile(const QString& file, Findings& findings, StationCheck::Rep
     }
     clsCategory root;
     LoadFolders(*database, root, findings);
+    const WinnerCounts::Disagreements disagreements = FindDisagreements(*database);
     MessageCheck check(root, findings);
     if (!CheckMessages(*database, check, findings))
         return false;
+    if (!disagreements.empty())
+        TellDisagreements(disagreements, FindDisagreements(*database), findings);
     report.Folders = FolderCounts(check, root);
     report.IsRead = true;
     return true;

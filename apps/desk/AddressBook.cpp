@@ -3,6 +3,7 @@
 #include "common/SearchFold.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -40,31 +41,43 @@ bool IsNumber(const QString& text)
 }
 } // namespace
 
-AddressBook::AddressBook(const QList<clsKVContactPtr>& contacts, enMsgType type)
+AddressBook::AddressBook(const QList<clsKVContactPtr>& contacts, enMsgType type) : Type_(type)
 {
-    for (const clsKVContactPtr& contact : contacts) {
-        if (type == emtSMS) {
-            Add(contact->Name, contact->Mobile, type);
-            continue;
-        }
-        Add(contact->Name, contact->Email, type);
-        if (contact->SecondEmail.compare(contact->Email, Qt::CaseInsensitive) != 0)
-            Add(contact->Name, contact->SecondEmail, type);
-    }
+    for (const clsKVContactPtr& contact : contacts)
+        Take(*contact);
+    Sort();
 }
 
-void AddressBook::Add(const QString& name, const QString& address, enMsgType type)
+void AddressBook::Take(const clsKVContact& contact)
+{
+    if (Type_ == emtSMS) {
+        Add(contact.Name, contact.Mobile);
+        return;
+    }
+    Add(contact.Name, contact.Email);
+    if (contact.SecondEmail.compare(contact.Email, Qt::CaseInsensitive) != 0)
+        Add(contact.Name, contact.SecondEmail);
+}
+
+void AddressBook::Add(const QString& name, const QString& address)
 {
     if (address.trimmed().isEmpty())
         return;
     Row row;
     row.Shown = {name.simplified(), address.trimmed()};
-    row.Words = WordsOf(SearchFold::Folded(row.Shown.Name));
-    if (type == emtSMS)
+    row.Name = SearchFold::Folded(row.Shown.Name);
+    row.Words = WordsOf(row.Name);
+    if (Type_ == emtSMS)
         row.Digits = DigitsOf(address);
     else
         row.Words += WordsOf(SearchFold::Folded(row.Shown.Address));
-    Rows_.append(row);
+    Rows_.append(std::move(row));
+}
+
+void AddressBook::Sort()
+{
+    std::stable_sort(Rows_.begin(), Rows_.end(),
+                     [](const Row& one, const Row& other) { return one.Name < other.Name; });
 }
 
 QList<AddressBook::Entry> AddressBook::Matching(const QString& typed, int limit) const

@@ -13,6 +13,8 @@
 #include <QRegularExpression>
 #include <QScrollBar>
 
+#include <utility>
+
 namespace
 {
 constexpr int TextMargin = 3;
@@ -63,6 +65,8 @@ AddressBox::AddressBox(const QString& name, const QString& accessibleName, QWidg
         Q_EMIT Changed();
     });
     connect(Address_, &uMessageAddress::AddressClicked, this, &AddressBox::ShowActions);
+    connect(Box_, &RichTextBox::MouseUp, this, &AddressBox::KeepSelection);
+    Box_->viewport()->installEventFilter(this);
     connect(Box_, &QTextEdit::cursorPositionChanged, this, [this] {
         // The list belongs to the place where it was typed.
         if (SuggestedFor_ != Address_->text().size() || Box_->SelLength() > 0)
@@ -79,24 +83,12 @@ AddressBox::AddressBox(const QString& name, const QString& accessibleName, QWidg
         QGuiApplication::clipboard()->setText(Actions_->Address());
         Actions_->hide();
     });
-    connect(Actions_, &AddressActions::RemoveWanted, this, &AddressBox::RemoveRun);
+    connect(Actions_, &AddressActions::RemoveWanted, this, [this] { Remove(RecipientAt(Box_->SelStart() + 1)); });
     connect(Actions_, &AddressActions::ContactWanted, this, [this] {
         Actions_->hide();
         Q_EMIT ContactWanted(Actions_->Name(), Actions_->Address());
     });
-    connect(Box_, &RichTextBox::MenuWanted, this, [this](QMenu* menu) {
-        if (!Box_->RunAround(Box_->SelStart() + 1))
-            return;
-        const QString run = Box_->SelText().trimmed();
-        const QString person = Addresses::DisplayName(run);
-        const QString address = Addresses::Bare(run);
-        menu->addSeparator();
-        connect(menu->addAction(tr("Copy &address")), &QAction::triggered, this,
-                [address] { QGuiApplication::clipboard()->setText(address); });
-        connect(menu->addAction(tr("Re&move recipient")), &QAction::triggered, this, &AddressBox::RemoveRun);
-        connect(menu->addAction(tr("C&ontact...")), &QAction::triggered, this,
-                [=, this] { Q_EMIT ContactWanted(person == address ? QString() : person, address); });
-    });
+    connect(Box_, &RichTextBox::MenuWanted, this, &AddressBox::AddToMenu);
     FitHeight();
 }
 
@@ -128,11 +120,14 @@ void AddressBox::SetRecipients(const QString& recipients, enMsgType type)
         }
     }
     Box_->document()->clearUndoRedoStacks();
+    IsAwaited_ = false;
     List_->hide();
 }
 
 bool AddressBox::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == Box_->viewport() && event->type() == QEvent::MouseButtonRelease)
+        TakeRelease();
     if (watched == Box_) {
         if (event->type() == QEvent::KeyPress && TakeKey(static_cast<QKeyEvent&>(*event)))
             return true;
@@ -292,8 +287,16 @@ int AddressBox::FragmentStart() const
     return start;
 }
 
+void AddressBox::SetBook(std::shared_ptr<const AddressBook> book)
+{
+    Book_ = std::move(book);
+    if (std::exchange(IsAwaited_, false))
+        Suggest();
+}
+
 void AddressBox::Suggest()
 {
+    IsAwaited_ = !Book_;
     const int caret = Box_->SelStart();
     const QString text = Address_->text();
     const QString behind = text.mid(caret).trimmed();
@@ -325,23 +328,75 @@ void AddressBox::Accept(int row)
     Address_->AddAddress(entry.Name, entry.Address);
 }
 
-void AddressBox::ShowActions(const QString& name, const QString& address)
+/// A selection that was drawn with the mouse over more than one recipient stays: the control would take it for a click.
+void AddressBox::TakeRelease()
 {
+    if (Box_->SelLength() > 0 && !RecipientAt(Box_->SelStart() + 1).Holds(Box_->SelStart() + Box_->SelLength()))
+        Box_->SetTag(QStringLiteral("1"));
+}
+
+/// After the control has seen the mouse button go up.
+void AddressBox::KeepSelection()
+{
+    Box_->SetTag(QStringLiteral("0"));
+    Box_->WidenSelection();
+}
+
+/// The unit in which that position lies, or at whose end; an empty one where there is none.
+AddressBox::Recipient AddressBox::RecipientAt(int place) const
+{
+    for (const int within : {place, place + 1, place - 1}) {
+        if (const auto run = Box_->RunAround(within)) {
+            const QString text = Address_->text().mid(run->first, run->second - run->first).trimmed();
+            const QString address = Addresses::Bare(text);
+            const QString name = Addresses::DisplayName(text);
+            return {run->first, run->second, name == address ? QString() : name, address};
+        }
+    }
+    return {};
+}
+
+void AddressBox::AddToMenu(QMenu* menu, int place)
+{
+    const Recipient recipient = RecipientAt(place);
+    if (recipient.Address.isEmpty())
+        return;
+    const auto add = [&](const char* name, const QString& text) {
+        QAction* action = menu->addAction(text);
+        action->setObjectName(QLatin1String(name));
+        return action;
+    };
+    menu->addSeparator();
+    connect(add("copyAddress", tr("Copy &address")), &QAction::triggered, this,
+            [recipient] { QGuiApplication::clipboard()->setText(recipient.Address); });
+    QAction* remove = add("removeAddress", tr("Re&move recipient"));
+    remove->setEnabled(!Address_->Locked());
+    connect(remove, &QAction::triggered, this, [this, recipient] { Remove(recipient); });
+    connect(add("showContact", tr("C&ontact...")), &QAction::triggered, this,
+            [this, recipient] { Q_EMIT ContactWanted(recipient.Name, recipient.Address); });
+}
+
+void AddressBox::ShowActions()
+{
+    // Not as the control tells them: it takes the first bracket for the address's, even where the name has one.
+    const Recipient recipient = RecipientAt(Box_->SelStart() + 1);
     QTextCursor front = Box_->textCursor();
     front.setPosition(Box_->SelStart());
     QRect line = Box_->cursorRect(front);
     line.moveTopLeft(Box_->viewport()->mapToGlobal(line.topLeft()));
-    Actions_->Show(name, address, !Address_->Locked(), line);
+    Actions_->Show(recipient.Name, recipient.Address, !Address_->Locked(), line);
 }
 
-/// The recipient that is selected, with its separator.
-void AddressBox::RemoveRun()
+/// With its separator.
+void AddressBox::Remove(const Recipient& recipient)
 {
     Actions_->hide();
+    if (recipient.Address.isEmpty())
+        return;
     const RichTextBox::Hold hold(*Box_);
-    Box_->WidenSelection();
-    const QString behind = Address_->text().mid(Box_->SelStart() + Box_->SelLength());
-    Box_->SetSelLength(Box_->SelLength() + (behind.startsWith(QStringLiteral("; ")) ? 2 : 0));
+    const bool hasSeparator = Address_->text().mid(recipient.End).startsWith(QStringLiteral("; "));
+    Box_->SetSelStart(recipient.Start);
+    Box_->SetSelLength(recipient.End - recipient.Start + (hasSeparator ? 2 : 0));
     Box_->RemoveSelection();
 }
 

@@ -10,6 +10,7 @@
 class AddressActions;
 class SuggestionList;
 class QKeyEvent;
+class QMenu;
 
 /// A box for recipients in the compose window: addresses of the directory and of the mail that is answered stand as
 /// units, anything can be typed between them, and what is typed is completed from the contacts. It grows with its text
@@ -26,8 +27,9 @@ public:
     QString Recipients() const;
     /// Shows these recipients in place of what stands here. What cannot be read as one stands as typed text.
     void SetRecipients(const QString& recipients, enMsgType type);
-    /// Empty until it is set; what is typed is not completed then.
-    void SetBook(std::shared_ptr<const AddressBook> book) { Book_ = std::move(book); }
+    /// What is typed before it is set is completed when it comes.
+    void SetBook(std::shared_ptr<const AddressBook> book);
+    bool HasBook() const { return Book_ != nullptr; }
     void SetPlaceholderText(const QString& text) { Box().setPlaceholderText(text); }
     bool IsEmpty() const { return Address_->text().trimmed().isEmpty(); }
 
@@ -49,6 +51,17 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    /// One unit of the box.
+    struct Recipient
+    {
+        int Start = 0;
+        int End = 0; ///< The position behind it.
+        QString Name;
+        QString Address;
+
+        bool Holds(int place) const { return place >= Start && place <= End; }
+    };
+
     bool TakeKey(QKeyEvent& event);
     bool TakeListKey(const QKeyEvent& event);
     bool TakeEditKey(const QKeyEvent& event);
@@ -57,8 +70,12 @@ private:
     int FragmentStart() const;
     void Suggest();
     void Accept(int row);
-    void ShowActions(const QString& name, const QString& address);
-    void RemoveRun();
+    void TakeRelease();
+    void KeepSelection();
+    Recipient RecipientAt(int place) const;
+    void AddToMenu(QMenu* menu, int place);
+    void ShowActions();
+    void Remove(const Recipient& recipient);
     void FitHeight();
 
     enMsgType Type_ = emtEmail;
@@ -67,5 +84,6 @@ private:
     RichTextBox* Box_;
     SuggestionList* List_;
     AddressActions* Actions_;
-    int SuggestedFor_ = -1; ///< The length of the text for which the list is on show.
+    bool IsAwaited_ = false; ///< Something was typed for which the book had not come yet.
+    int SuggestedFor_ = -1;  ///< The length of the text for which the list is on show.
 };

@@ -1,6 +1,6 @@
 #include "ComposeWindow.h"
 
-#include "AddressBook.h"
+#include "AddressBookReader.h"
 #include "AddressBox.h"
 #include "Addresses.h"
 #include "BodyEdit.h"
@@ -221,18 +221,21 @@ void ComposeWindow::Show(const Composition& composition)
         Body_->setFocus();
 }
 
-/// Once for the window: what is typed is matched in memory.
+/// Once for the window, and behind its back: what is typed is matched in memory.
 void ComposeWindow::ReadContacts()
 {
-    std::shared_ptr<const AddressBook> book;
-    try {
-        book = std::make_shared<const AddressBook>(Station_.Directory().Contacts(), Base_.Type);
-    } catch (const dao::Error& error) {
+    auto* reader = new AddressBookReader(Station_.Directory(), Base_.Type, this);
+    connect(reader, &AddressBookReader::Done, this, [this, reader](const std::shared_ptr<const AddressBook>& book) {
+        for (AddressBox* box : {To_, CC_, BCC_})
+            box->SetBook(book);
+        reader->deleteLater();
+    });
+    connect(reader, &AddressBookReader::Failed, this, [this, reader](int errorNumber, const QString& description) {
         // Addresses can be typed all the same.
-        Note_->setText(tr("The contacts cannot be read: %1").arg(Station_.Words(error.Number(), error.Description())));
-    }
-    for (AddressBox* box : {To_, CC_, BCC_})
-        box->SetBook(book);
+        Note_->setText(tr("The contacts cannot be read: %1").arg(Station_.Words(errorNumber, description)));
+        reader->deleteLater();
+    });
+    reader->Start();
 }
 
 void ComposeWindow::FocusAfter(const QWidget* box)

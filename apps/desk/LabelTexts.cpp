@@ -1,5 +1,6 @@
 #include "LabelTexts.h"
 
+#include "ContactOrder.h"
 #include "DeskStation.h"
 
 #include <QSet>
@@ -42,7 +43,7 @@ LabelTexts::Entry LabelTexts::EntryOf(const clsKVContact& contact)
 QList<LabelTexts::Entry> LabelTexts::Contacts(DeskStation& station)
 {
     QList<Entry> entries;
-    for (const clsKVContactPtr& contact : station.Directory().Contacts())
+    for (const clsKVContactPtr& contact : ContactOrder::ByName(station.Directory().Contacts()))
         entries.append(EntryOf(*contact));
     return entries;
 }

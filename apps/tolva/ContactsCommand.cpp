@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "ContactImport.h"
+#include "ContactOrder.h"
 #include "ContactSearch.h"
 #include "DisplayText.h"
 #include "Station.h"
@@ -120,7 +121,7 @@ void PrintRow(const clsKVContact& contact)
 void List(const Arguments& arguments, Station& station)
 {
     const QList<clsKVContactPtr> contacts = InDirectory(station, [&] { return station.Directory().Contacts(); });
-    for (const clsKVContactPtr& contact : ContactSearch(contacts).Find(arguments.Words().value(2))) {
+    for (const clsKVContactPtr& contact : ContactSearch(ContactOrder::ByName(contacts)).Find(arguments.Words().value(2))) {
         if (arguments.Has(JsonOption))
             PrintJson(*contact);
         else

@@ -207,6 +207,8 @@ int PrizeForms::Award(Station& station, const Arguments& arguments)
     const QString& prizeWords = arguments.Words().at(2);
     if (AwardRules::NeedsRight(station.Database()))
         station.Require(DirectoryRight::ManagePrizes, QStringLiteral("award prizes"));
+    // A winner whose program was killed before it counted him has his unit all the same.
+    station.Try([&] { AwardCheck::Settle(station.Database(), ToReference(prizeWords, QStringLiteral("prize"))); });
     const cPrizePtr prize = PrizeOf(station, prizeWords);
     RefuseFullPrize(*prize);
     const clsKVContactPtr contact = station.Try([&] { return FindWinner(station, arguments); });
@@ -272,6 +274,26 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
                           reason.Words());
     }
     const AwardStanding standing = station.Try([&] { return AwardCheck::Settle(database, winner->PrizeReference()); });
+    const QString warning = AwardCheck::Warning(standing);
+    if (!warning.isEmpty())
+        Terminal::Complain(warning);
+    return exitOK;
+}
+
+int PrizeForms::Recount(Station& station, const Arguments& arguments)
+{
+    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    cTolvaDatabase& database = station.Database();
+    const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
+    if (!station.Try([&] { return database.RecountWinners(prize->Reference()); }))
+        throw WhyNotStored(station, database);
+    const AwardStanding standing = station.Try([&] { return AwardCheck::Read(database, prize->Reference()); });
+    Terminal::PrintLine(QStringLiteral("\"%1\": %2, %3 of %4 left")
+                            .arg(OneLine(standing.Title), standing.Counted == 1
+                                                              ? QStringLiteral("1 winner")
+                                                              : QStringLiteral("%1 winners").arg(standing.Counted))
+                            .arg(qMax(0, standing.Units - standing.Counted))
+                            .arg(standing.Units));
     const QString warning = AwardCheck::Warning(standing);
     if (!warning.isEmpty())
         Terminal::Complain(warning);

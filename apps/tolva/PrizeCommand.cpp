@@ -32,6 +32,7 @@ const QList<Form>& Forms()
         {QStringLiteral("award"), 3, {Contact, Name, Number, Notes, Yes}, PrizeForms::CheckAward, PrizeForms::Award},
         {QStringLiteral("winners"), 3, {Json}, nullptr, PrizeForms::Winners},
         {QStringLiteral("remove-winner"), 3, {Yes}, nullptr, PrizeForms::RemoveWinner},
+        {QStringLiteral("recount"), 3, {}, nullptr, PrizeForms::Recount},
     };
     return forms;
 }
@@ -56,7 +57,7 @@ const std::vector<OptionDefinition>& Options()
         {Name, QStringLiteral("TEXT"), QStringLiteral("The winner by name.")},
         {Number, QStringLiteral("TEXT"), QStringLiteral("The winner by telephone number.")},
         {Yes, QString(), QStringLiteral("Does not ask.")},
-        {Json, QString(), QStringLiteral("As JSON, winners as one object a line.")},
+        {Json, QString(), QStringLiteral("As JSON; winners and hours as one object a line.")},
         Station::UserOption(),
     };
     return options;
@@ -106,13 +107,14 @@ CommandDefinition PrizeCommand()
          QStringLiteral("prize FOLDER hours REF [--day DAY] [--set H] [--json]"),
          QStringLiteral("prize FOLDER award REF --contact REF|--name TEXT|--number TEXT [--notes TEXT] [--yes]"),
          QStringLiteral("prize FOLDER winners REF [--json]"),
-         QStringLiteral("prize FOLDER remove-winner WINNER [--yes]")},
+         QStringLiteral("prize FOLDER remove-winner WINNER [--yes]"), QStringLiteral("prize FOLDER recount REF")},
         QStringLiteral(
             "REF is the prize's number in the list, WINNER the number that award prints and winners lists. H are "
             "hours\n"
             "such as 9-17, 6-9,18-24, all or none, D a date such as 2026-12-24 or \"2026-12-24 18:00\". Changing a\n"
             "prize needs the right to manage prizes; awarding needs it where the station says so, and taking back\n"
-            "what somebody else awarded always. add prints the prize's number."),
+            "what somebody else awarded always. add prints the prize's number. recount counts a prize's winners anew,\n"
+            "where tolva check says that the count is wrong; nobody should be awarding prizes meanwhile."),
         Options(),
         QStringLiteral("tolva prize /srv/station award 3 --number \"07700 900123\""),
         2,

@@ -113,6 +113,14 @@ void Save(Station& station, const cPrizePtr& prize)
             QStringLiteral("Contact %1, the supplier, is not in the directory.").arg(prize->SupplierReference()));
     if (!station.Try([&] { return station.Database().SavePrize(prize); }))
         throw WhyNotStored(station, station.Database());
+    if (prize->NumberWinners() > prize->NumberSupplied()) {
+        Terminal::Complain(QStringLiteral("\"%1\" is stored with %2 supplied, but %3 won already.")
+                               .arg(OneLine(prize->Title()))
+                               .arg(prize->NumberSupplied())
+                               .arg(prize->NumberWinners() == 1
+                                        ? QStringLiteral("1 is")
+                                        : QStringLiteral("%1 are").arg(prize->NumberWinners())));
+    }
 }
 
 MessageBoxRequest Question(const QString& text)

@@ -23,6 +23,7 @@ int Award(Station& station, const Arguments& arguments);
 void CheckAward(const Arguments& arguments);
 int Winners(Station& station, const Arguments& arguments);
 int RemoveWinner(Station& station, const Arguments& arguments);
+int Recount(Station& station, const Arguments& arguments);
 
 } // namespace PrizeForms
 

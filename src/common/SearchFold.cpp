@@ -4,8 +4,8 @@
 
 namespace
 {
-/// The plain letters for what has no decomposition, in folded case; an empty text for none.
-QStringView PlainLetters(char32_t character)
+/// The plain characters for what has no decomposition, in folded case; an empty text for none.
+QStringView PlainCharacters(char32_t character)
 {
     switch (character) {
     case 0x00DF:
@@ -29,6 +29,21 @@ QStringView PlainLetters(char32_t character)
         return u"oe";
     case 0x0167:
         return u"t";
+    // What typesetters and telephones write for the marks on the keyboard.
+    case 0x02BC:
+    case 0x2018:
+    case 0x2019:
+    case 0x2032:
+        return u"'";
+    case 0x201C:
+    case 0x201D:
+        return u"\"";
+    case 0x2010:
+    case 0x2012:
+    case 0x2013:
+    case 0x2014:
+    case 0x2212:
+        return u"-";
     default:
         return {};
     }
@@ -69,7 +84,7 @@ QString SearchFold::Folded(const QString& text)
     for (const char32_t character : characters) {
         if (IsLeftOut(character))
             continue;
-        const QStringView plain = PlainLetters(character);
+        const QStringView plain = PlainCharacters(character);
         if (plain.isEmpty())
             folded += QString::fromUcs4(&character, 1);
         else

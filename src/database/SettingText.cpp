@@ -28,7 +28,14 @@ bool SettingFlag(const QVariant& value, bool whenUnreadable)
 
 QString StampText(Date date)
 {
-    return date.IsNone() ? QString() : QString::number(date.DayNumber(), 'f', 8);
+    if (date.IsNone())
+        return QString();
+    QString text = QString::number(date.DayNumber(), 'f', 8);
+    while (text.endsWith(u'0'))
+        text.chop(1);
+    if (text.endsWith(u'.'))
+        text.chop(1);
+    return text;
 }
 
 Date StampDate(const QVariant& value)

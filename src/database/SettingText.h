@@ -12,8 +12,8 @@ QString SettingText(const QVariant& value);
 qint32 SettingNumber(const QVariant& value, qint32 whenUnreadable);
 bool SettingFlag(const QVariant& value, bool whenUnreadable);
 
-/// The stamp of a last change, which lists on other computers compare: the day number with eight decimal places, empty
-/// for none.
+/// The stamp of a last change, which lists on other computers compare: the day number to eight decimal places, without
+/// zeros at its end, empty for none.
 QString StampText(Date date);
 /// None for what is no stamp.
 Date StampDate(const QVariant& value);

@@ -235,8 +235,12 @@ public:
     /// (LastErrorNumber).
     qint32 StoredWinners(qint32 prizeReference);
     /// Raises a prize's count to the winners that are stored, where two computers awarded at the same moment and one of
-    /// the two was not counted. Never lowers it. False when it could not be raised, or the prize is gone.
+    /// the two was not counted, and its last won date to the last of theirs. Never lowers it. False when it could not
+    /// be raised, or the prize is gone.
     bool CountStoredWinners(qint32 prizeReference);
+    /// The same, and lowers the count as well, where a program was killed between taking a winner back and giving the
+    /// unit back. Not while prizes are awarded elsewhere: a winner who is about to be counted there would count twice.
+    bool RecountWinners(qint32 prizeReference);
     /// Fills the host's list with every prize that a contact won, awarded or supplied (all prizes for 0). The columns'
     /// keys are fields of the query (Prizes.Reference, Title, PrizeWinners.*, SupplierReference), or FOLDER for the
     /// contact's role. Items have the keys "w" + a winner's reference, or "p" + a prize's.
@@ -322,7 +326,9 @@ private:
     std::unique_ptr<dao::Recordset> OpenForPrizeSave(const QString& table, PendingError& pending);
     void DeleteWinnersOf(qint32 prizeReference);
     void CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead);
-    void TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize);
+    void TakeWonDate(cPrizeWinner& winner, const cPrize& asRead);
+    cPrizePtr PrizeByNow(qint32 reference, const cPrize& asRead);
+    bool TakeStoredCount(qint32 prizeReference, bool mayLower);
     QString WinnerLogText(qint32 winnerReference, const cPrize* prize) const;
 
     /// The open database; dao::Error 3420 on a closed object.

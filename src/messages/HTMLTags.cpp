@@ -92,15 +92,37 @@ bool IsBodyStep(int step)
     return step == Body || step == HTMLBodyOnly || step == TextBodyOnly || step == TextBodyShort;
 }
 
-/// A body keeps its double quotes, which mean nothing between tags.
-QString Escaped(QStringView text, int step)
+/// What shows this character; empty for one that shows itself. A body keeps its double quotes, which mean nothing
+/// between tags.
+QLatin1String EscapeOf(QChar character, bool isBody)
 {
-    QString escaped = text.toString();
-    if (!IsBodyStep(step))
-        return escaped.toHtmlEscaped();
-    return escaped.replace(u'&', QLatin1String("&amp;"))
-        .replace(u'<', QLatin1String("&lt;"))
-        .replace(u'>', QLatin1String("&gt;"));
+    switch (character.unicode()) {
+    case u'&':
+        return QLatin1String("&amp;");
+    case u'<':
+        return QLatin1String("&lt;");
+    case u'>':
+        return QLatin1String("&gt;");
+    case u'"':
+        return isBody ? QLatin1String() : QLatin1String("&quot;");
+    default:
+        return {};
+    }
+}
+
+void AppendEscaped(QStringView text, int step, QString* page)
+{
+    const bool isBody = IsBodyStep(step);
+    qsizetype copied = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QLatin1String escape = EscapeOf(text[i], isBody);
+        if (escape.isEmpty())
+            continue;
+        *page += text.sliced(copied, i - copied);
+        *page += escape;
+        copied = i + 1;
+    }
+    *page += text.sliced(copied);
 }
 } // namespace
 
@@ -168,63 +190,81 @@ QString HTMLTags::ValueOf(int step)
     case SourceIndex:
         return QString::number(Message_.SourceIndex());
     case Body:
-        return BodyValue(step, mail->HTMLBody(), mail->TextBody());
+        return Wrapped(HTMLBody().isEmpty() ? Encoded(step, TextBody()) : HTMLValue(HTMLBody()));
     case HTMLBodyOnly:
-        return BodyValue(step, mail->HTMLBody(), QString());
+        return Wrapped(HTMLValue(HTMLBody()));
     case TextBodyOnly:
-        return BodyValue(step, QString(), mail->TextBody());
+        return Wrapped(Encoded(step, TextBody()));
     default:
         return PreviewValue(step);
     }
 }
 
 /// A mail without the body has no preview of it; an empty preview of one that is there is wrapped like any other.
-QString HTMLTags::PreviewValue(int step) const
+QString HTMLTags::PreviewValue(int step)
 {
-    const QString textBody = Message_.CDOMessage()->TextBody();
-    const QString textPreview = step == HTMLBodyShort ? QString() : HTMLTagsPreview::OfText(textBody);
+    const QString textPreview = step == HTMLBodyShort ? QString() : HTMLTagsPreview::OfText(TextBody());
     if (!textPreview.isEmpty() || step == TextBodyShort)
-        return textBody.isEmpty() ? QString() : Wrapped(Encoded(step, textPreview));
-    const QString htmlBody = Message_.CDOMessage()->HTMLBody();
-    return htmlBody.isEmpty() ? QString() : Wrapped(Encoded(step, HTMLTagsPreview::OfHTML(htmlBody)));
+        return TextBody().isEmpty() ? QString() : Wrapped(Encoded(step, textPreview));
+    return HTMLBody().isEmpty() ? QString() : Wrapped(Encoded(step, HTMLTagsPreview::OfHTML(HTMLBody())));
 }
 
-QString HTMLTags::BodyValue(int step, const QString& html, const QString& text) const
+QString HTMLTags::HTMLValue(const QString& html) const
 {
-    if (html.isEmpty())
-        return Wrapped(Encoded(step, text));
     if (ValueTags_ == ValueTags::Filled)
-        return Wrapped(html);
-    return Wrapped(QString(html).replace(TagBegin, QLatin1String("&lt;ZRT_MESSAGE_")));
+        return html;
+    return QString(html).replace(TagBegin, QLatin1String("&lt;ZRT_MESSAGE_"));
 }
 
 /// Text as markup that shows it, with the tags of later steps as they stand.
 QString HTMLTags::Encoded(int step, const QString& value) const
 {
     QString encoded;
+    encoded.reserve(value.size());
     qsizetype copied = 0;
     qsizetype position = ValueTags_ == ValueTags::Filled ? value.indexOf(TagBegin) : -1;
     while (position >= 0) {
         const int later = LaterTagAt(value, position, step);
         const qsizetype end = position + (later < 0 ? 1 : Tags[static_cast<std::size_t>(later)].size());
         if (later >= 0) {
-            encoded += Escaped(QStringView(value).sliced(copied, position - copied), step);
+            AppendEscaped(QStringView(value).sliced(copied, position - copied), step, &encoded);
             encoded += Tags[static_cast<std::size_t>(later)];
             copied = end;
         }
         position = value.indexOf(TagBegin, end);
     }
-    return encoded + Escaped(QStringView(value).sliced(copied), step);
+    AppendEscaped(QStringView(value).sliced(copied), step, &encoded);
+    return encoded;
 }
 
 QString HTMLTags::Wrapped(const QString& text) const
 {
-    QString wrapped = text;
-    if ((Flags_ & mphUnreadBodyBold) != 0 && (Message_.Flags() & mfRead) == 0)
-        wrapped = QStringLiteral("<b>") + wrapped + QStringLiteral("</b>");
-    if ((Flags_ & mphSendPendingBodyItalic) != 0 && (Message_.Flags() & mfSendPending) != 0)
-        wrapped = QStringLiteral("<i>") + wrapped + QStringLiteral("</i>");
+    const bool isBold = (Flags_ & mphUnreadBodyBold) != 0 && (Message_.Flags() & mfRead) == 0;
+    const bool isItalic = (Flags_ & mphSendPendingBodyItalic) != 0 && (Message_.Flags() & mfSendPending) != 0;
+    if (!isBold && !isItalic)
+        return text;
+    const QLatin1String open(!isBold ? "<i>" : isItalic ? "<i><b>" : "<b>");
+    const QLatin1String close(!isBold ? "</i>" : isItalic ? "</b></i>" : "</b>");
+    QString wrapped;
+    wrapped.reserve(open.size() + text.size() + close.size());
+    wrapped += open;
+    wrapped += text;
+    wrapped += close;
     return wrapped;
+}
+
+const QString& HTMLTags::HTMLBody()
+{
+    if (!HTMLBody_)
+        HTMLBody_ = Message_.CDOMessage()->HTMLBody();
+    return *HTMLBody_;
+}
+
+const QString& HTMLTags::TextBody()
+{
+    if (!TextBody_)
+        TextBody_ = Message_.CDOMessage()->TextBody();
+    return *TextBody_;
 }
 
 const QString& HTMLTags::From()

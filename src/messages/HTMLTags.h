@@ -27,10 +27,13 @@ private:
     bool FillWith(const QString& strTemplate, ValueTags valueTags);
     QString ValueOf(int step);
     QString Encoded(int step, const QString& value) const;
-    QString BodyValue(int step, const QString& html, const QString& text) const;
-    QString PreviewValue(int step) const;
+    QString HTMLValue(const QString& html) const;
+    QString PreviewValue(int step);
     QString Wrapped(const QString& text) const;
 
+    // Worked out when they are first asked for: to decode a large body takes its time.
+    const QString& HTMLBody();
+    const QString& TextBody();
     const QString& From();
     QString FromName();
     QString FromEmail();
@@ -39,5 +42,7 @@ private:
     qint32 Flags_;
     ValueTags ValueTags_ = ValueTags::Filled;
     QString Text_;
+    std::optional<QString> HTMLBody_;
+    std::optional<QString> TextBody_;
     std::optional<QString> From_;
 };

@@ -31,39 +31,47 @@ QString cMessages::ProcessHTMLTags(const QString& strTemplate, qint32 flags) con
 
 QString cMessages::ExpandRepeats(const QString& strTemplate, qint32 flags) const
 {
-    QString page = strTemplate;
-    qsizetype from = 0;
+    QString page;
+    QString rest = strTemplate;
     for (;;) {
-        const qsizetype start = page.indexOf(RepeatTag, from);
-        const qsizetype end = start < 0 ? -1 : page.indexOf(RepeatEndTag, start);
+        const qsizetype start = rest.indexOf(RepeatTag);
+        const qsizetype end = start < 0 ? -1 : rest.indexOf(RepeatEndTag, start);
         if (end < 0)
-            return page;
+            return page += rest;
         const qsizetype blockStart = start + RepeatTag.size();
-        const QString block = page.sliced(blockStart, end - blockStart);
-        if (block.contains(RepeatTag) && block.size() * Count() > MostNestedCharacters) {
+        const QString block = rest.sliced(blockStart, end - blockStart);
+        const bool isNested = block.contains(RepeatTag);
+        if (isNested && block.size() * Count() > MostNestedCharacters) {
             WriteDebugLog(QStringLiteral("ProcessHTMLTags: repeat blocks within repeat blocks are left as they stand; "
                                          "the page would be too large"));
-            return page;
+            return page += rest;
         }
-        const QString result = RepeatedBlock(block, flags);
-        page.replace(start, end + RepeatEndTag.size() - start, result);
-        // A block that stands right behind one of no messages is found as well.
-        from = result.isEmpty() ? start : start + 1;
+        page += QStringView(rest).first(start);
+        rest = rest.sliced(end + RepeatEndTag.size());
+        if (!isNested) {
+            AppendBlocks(block, flags, &page);
+            continue;
+        }
+        // What the copies repeat is looked for behind their first character: a block that begins with another one
+        // would otherwise be taken for that.
+        QString copies;
+        AppendBlocks(block, flags, &copies);
+        page += QStringView(copies).first(qMin(qsizetype{1}, copies.size()));
+        rest.prepend(QStringView(copies).sliced(qMin(qsizetype{1}, copies.size())));
     }
 }
 
-QString cMessages::RepeatedBlock(const QString& block, qint32 flags) const
+/// A copy of the block for each message. They may be large, so that each is put where it stays.
+void cMessages::AppendBlocks(const QString& block, qint32 flags, QString* page) const
 {
     const bool isNested = block.contains(RepeatTag);
-    QString result;
     for (const cMessagePtr& message : Messages_) {
         if (!message)
             continue;
         QString filled = message->ProcessHTMLTags(block, flags);
         BlindRepeatTags(!isNested, &filled);
-        result += filled;
+        *page += filled;
     }
-    return result;
 }
 
 QString cMessages::JoinedPages(const QString& strTemplate, qint32 flags) const
@@ -92,5 +100,7 @@ QString cMessages::JoinedPages(const QString& strTemplate, qint32 flags) const
         isFirst = false;
     }
     main.SetTitle(QStringLiteral("Message List"));
-    return QStringLiteral("<html>") + main.DocumentElement().InnerHTML() + QStringLiteral("</html>");
+    QString page = main.DocumentElement().InnerHTML();
+    page.prepend(QStringLiteral("<html>"));
+    return page += QStringLiteral("</html>");
 }

@@ -16,6 +16,19 @@ void AddLine(const QString& line, QString* preview)
     *preview += line;
 }
 
+/// Behind the first lines of a text, whichever way they end, so that no more of it is touched.
+qsizetype EndOfLines(const QString& text, int count)
+{
+    qsizetype end = 0;
+    while (count > 0 && end < text.size()) {
+        const QChar character = text.at(end++);
+        if (character == u'\r' && end < text.size() && text.at(end) == u'\n')
+            ++end;
+        count -= character == u'\r' || character == u'\n' ? 1 : 0;
+    }
+    return end;
+}
+
 bool BeginsPreviewLine(const HtmlElement& element)
 {
     const QString name = element.TagName().toUpper();
@@ -26,7 +39,8 @@ bool BeginsPreviewLine(const HtmlElement& element)
 
 QString HTMLTagsPreview::OfText(const QString& textBody)
 {
-    QString text = textBody;
+    // An empty line ends the preview, so that no line behind these can be in it.
+    QString text = textBody.first(EndOfLines(textBody, LinesOfPreview));
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\r")).replace(u'\r', u'\n');
     QString preview;
     qsizetype next = 0;

@@ -27,7 +27,7 @@ public:
 
 private:
     QString ExpandRepeats(const QString& strTemplate, qint32 flags) const;
-    QString RepeatedBlock(const QString& block, qint32 flags) const;
+    void AppendBlocks(const QString& block, qint32 flags, QString* page) const;
     QString JoinedPages(const QString& strTemplate, qint32 flags) const;
 
     std::vector<cMessagePtr> Messages_;

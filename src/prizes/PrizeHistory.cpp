@@ -32,16 +32,16 @@ struct HistoryRow
     explicit HistoryRow(const dao::Recordset& rows)
         : Prize(rows.Collect(PrizeKey).toInt()),
           Winner(rows.Collect(WinnerKey).toInt()),
-          WinnerContact(rows.Collect(QStringLiteral("WinnerReference")).toInt()),
-          Awarder(rows.Collect(QStringLiteral("AwardedByReference")).toInt()),
-          Supplier(rows.Collect(QStringLiteral("SupplierReference")).toInt())
+          WinnerContact(rows.Collect(QStringLiteral("WinnerReference"))),
+          Awarder(rows.Collect(QStringLiteral("AwardedByReference"))),
+          Supplier(rows.Collect(QStringLiteral("SupplierReference")))
     {
     }
 
     /// Empty where the row has none.
     QString ItemKey(qint32 contact) const
     {
-        const bool isOfWinner = contact > 0 ? WinnerContact == contact || Awarder == contact : Winner > 0;
+        const bool isOfWinner = contact > 0 ? Is(WinnerContact, contact) || Is(Awarder, contact) : Winner > 0;
         if (isOfWinner)
             return u'w' + QString::number(Winner);
         return contact > 0 || Prize > 0 ? u'p' + QString::number(Prize) : QString();
@@ -49,18 +49,22 @@ struct HistoryRow
 
     QString Role(qint32 contact) const
     {
-        if (WinnerContact == contact)
+        if (Is(WinnerContact, contact))
             return QStringLiteral("Winner");
-        if (Awarder == contact)
+        if (Is(Awarder, contact))
             return QStringLiteral("Awarder");
-        return Supplier == contact ? QStringLiteral("Supplier") : QString();
+        return Is(Supplier, contact) ? QStringLiteral("Supplier") : QString();
     }
 
     qint32 Prize;
     qint32 Winner;
-    qint32 WinnerContact;
-    qint32 Awarder;
-    qint32 Supplier;
+    QVariant WinnerContact;
+    QVariant Awarder;
+    QVariant Supplier;
+
+private:
+    /// A prize without a winner has Null there, which is no contact, not even 0.
+    static bool Is(const QVariant& field, qint32 contact) { return !field.isNull() && field.toInt() == contact; }
 };
 
 /// One column of the host's list, bound to its field in the query once for all rows.

@@ -1,11 +1,14 @@
 // The rows of prizes and their winners: how cPrize and cPrizeWinner read and write the tables Prizes and PrizeWinners.
 
+#include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/RowValues.h"
 #include "platform/records/Recordset.h"
 #include "prizes/PrizeHour.h"
 #include "prizes/RowWriter.h"
 #include "prizes/cPrize.h"
+
+#include <array>
 
 using RowValues::NumberOr;
 
@@ -39,9 +42,15 @@ const QString SentByReference = QStringLiteral("SentByReference");
 const QString SentDate = QStringLiteral("SentDate");
 } // namespace Column
 
-QString HoursColumn(qint16 weekDay)
+const QString& HoursColumn(qint16 weekDay)
 {
-    return QStringLiteral("HourRestrictions") + QString::number(weekDay);
+    static const auto names = [] {
+        std::array<QString, PrizeHour::DaysAWeek> columns;
+        for (std::size_t day = 0; day < columns.size(); ++day)
+            columns[day] = QStringLiteral("HourRestrictions") + QString::number(day + 1);
+        return columns;
+    }();
+    return names.at(static_cast<std::size_t>(weekDay - 1));
 }
 
 /// A stored date of 0 or less is none, like Null.
@@ -88,7 +97,7 @@ bool cPrize::ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset)
     return true;
 }
 
-bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
+bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy)
 {
     WriteDebugLog(QStringLiteral("Started cPrize:WriteToRecordSet"));
     if (!recordset)
@@ -115,6 +124,7 @@ bool cPrize::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
     row.Set(Column::NotesToSupplier, NotesToSupplier_);
 
     const bool saved = row.Update();
+    busy.reset();
     if (saved) {
         // A number that stood for a vanished row stays: the caller's events carry it.
         if (Reference_ == 0)
@@ -142,7 +152,7 @@ bool cPrizeWinner::ReadFromRecordSet(dao::Recordset* recordset)
     return true;
 }
 
-bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending)
+bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy)
 {
     WriteDebugLog(QStringLiteral("Started cPrizeWinner:WriteToRecordSet"));
     if (!recordset)
@@ -163,6 +173,7 @@ bool cPrizeWinner::WriteToRecordSet(dao::Recordset* recordset, PendingError& pen
     row.Set(Column::NotesToSupplier, NotesToSupplier_);
 
     const bool saved = row.Update();
+    busy.reset();
     if (saved) {
         if (Reference_ == 0)
             SetReference(reference);

@@ -84,8 +84,7 @@ bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
     const bool isNew = prize->Reference() == 0;
     if (prize->AddedByReference() == 0)
         prize->SetAddedByReference(CurrentUserReference());
-    const bool saved = prize->WriteToRecordSet(recordset.get(), pending);
-    busy.reset();
+    const bool saved = prize->WriteToRecordSet(recordset.get(), pending, busy);
     const int kind = isNew ? auditPrizeAdded : auditPrizeEdited;
     const QString title = isNew ? QStringLiteral("Prize Added") : QStringLiteral("Prize Edited");
     if (saved) {

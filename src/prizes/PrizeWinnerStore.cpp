@@ -3,9 +3,11 @@
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
+#include "database/RowValues.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace
@@ -121,47 +123,54 @@ bool cTolvaDatabase::SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner)
     const auto recordset = OpenForPrizeSave(WinnersTable, pending);
     if (!recordset)
         return false;
-    const bool saved = prizeWinner->WriteToRecordSet(recordset.get(), pending);
-    busy.reset();
+    const bool saved = prizeWinner->WriteToRecordSet(recordset.get(), pending, busy);
     if (!saved) {
         WriteDebugLog(QStringLiteral("Couldn't save Prize Winner - ") + pending.Description(), -1);
         KeepLastError(pending);
     } else if (isNew) {
         CountWinner(prizeWinner, *prize);
     } else {
-        TakeWonDate(*prizeWinner, prize);
+        TakeWonDate(*prizeWinner, *prize);
     }
     recordset->Close();
     WriteDebugLog(QStringLiteral("Finished SavePrizeWinner"), DetailLevel);
     return saved;
 }
 
-/// Counts a winner whose row was stored just now. The count is taken from the prize's row as it is by now, not as it
-/// was before the winner was stored: another computer may have counted a winner of its own in between, and that one
-/// must not be lost. A prize that is gone is not stored again.
-void cTolvaDatabase::CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead)
+/// The prize as it stands after one of its winners was stored, with the winners that were read before. Its count is the
+/// row's by now: another computer may have counted a winner of its own in between, and that one must not be lost.
+/// Nothing for a prize that is gone, which must not be stored again.
+cPrizePtr cTolvaDatabase::PrizeByNow(qint32 reference, const cPrize& asRead)
 {
-    const cPrizePtr prize = GetPrize(winner->PrizeReference(), false);
+    cPrizePtr prize = GetPrize(reference, false);
     if (!prize)
-        return;
-    prize->SetRaiseEvents(false);
+        return nullptr;
     for (qint32 slot = 1; slot <= static_cast<qint32>(asRead.PrizeWinners_.size()); ++slot)
         prize->PutIntoSlot(slot, asRead.PrizeWinners_[static_cast<std::size_t>(slot - 1)]);
     prize->SetWinnersRead(asRead.WinnersRead());
-    prize->SetRaiseEvents(true);
-    if (prize->AddPrizeWinner(winner))
+    return prize;
+}
+
+void cTolvaDatabase::CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead)
+{
+    const cPrizePtr prize = PrizeByNow(winner->PrizeReference(), asRead);
+    if (prize && prize->AddPrizeWinner(winner))
         SavePrize(prize);
 }
 
-/// A changed winner's date becomes the prize's last one. Where another winner's is later, the object that was saved,
-/// and neither row, takes that one: hosts show it.
-void cTolvaDatabase::TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize)
+/// A changed winner's date becomes the prize's last one, on the prize's row as it is by now. Where another winner's is
+/// later, the object that was saved, and neither row, takes that one: hosts show it.
+void cTolvaDatabase::TakeWonDate(cPrizeWinner& winner, const cPrize& asRead)
 {
-    prize->SetLastWonDate(winner.WonDate());
-    for (const cPrizeWinnerPtr& other : prize->PrizeWinners_) {
+    const Date won = winner.WonDate();
+    for (const cPrizeWinnerPtr& other : asRead.PrizeWinners_) {
         if (other && other->Reference() != winner.Reference() && other->WonDate() > winner.WonDate())
             winner.SetWonDate(other->WonDate());
     }
+    const cPrizePtr prize = PrizeByNow(winner.PrizeReference(), asRead);
+    if (!prize)
+        return;
+    prize->SetLastWonDate(won);
     SavePrize(prize);
 }
 
@@ -199,9 +208,10 @@ bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
         return false;
     }
     recordset->Close();
-    if (prize) {
-        prize->SetNumberWinners(prize->NumberWinners() - 1);
-        SavePrize(prize);
+    // Another computer may have counted a winner of its own since the prize was read, or deleted the prize.
+    if (const cPrizePtr byNow = prize ? GetPrize(prizeReference, false) : nullptr) {
+        byNow->SetNumberWinners(byNow->NumberWinners() - 1);
+        SavePrize(byNow);
     }
     LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, 1);
     return true;
@@ -223,14 +233,36 @@ qint32 cTolvaDatabase::StoredWinners(qint32 prizeReference)
 
 bool cTolvaDatabase::CountStoredWinners(qint32 prizeReference)
 {
-    const qint32 stored = StoredWinners(prizeReference);
-    if (stored < 0)
+    return TakeStoredCount(prizeReference, false);
+}
+
+bool cTolvaDatabase::RecountWinners(qint32 prizeReference)
+{
+    return TakeStoredCount(prizeReference, true);
+}
+
+bool cTolvaDatabase::TakeStoredCount(qint32 prizeReference, bool mayLower)
+{
+    qint32 stored = 0;
+    Date last;
+    PendingError pending;
+    pending.Try([&] {
+        const auto rows = OpenSnapshot(
+            QStringLiteral("SELECT [WonDate] FROM [PrizeWinners] WHERE [PrizeReference]=%1").arg(prizeReference));
+        for (; !rows->AtEOF(); rows->MoveNext(), ++stored)
+            last = std::max(last, RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))));
+    });
+    KeepLastError(pending);
+    if (pending)
         return false;
     const cPrizePtr prize = GetPrize(prizeReference, true);
     if (!prize)
         return false;
-    if (prize->NumberWinners() >= stored)
+    if (prize->NumberWinners() == stored || (prize->NumberWinners() > stored && !mayLower))
         return true;
+    // Whoever was not counted did not move the date either.
+    if (prize->NumberWinners() < stored && last > prize->LastWonDate())
+        prize->SetLastWonDate(last);
     prize->SetNumberWinners(stored);
     return SavePrize(prize);
 }

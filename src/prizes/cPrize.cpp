@@ -6,13 +6,15 @@
 
 cPrize::cPrize()
 {
-    SetAddedByReference(0);
-    SetNumberWinners(0);
-    for (qint16 day = 1; day <= PrizeHour::DaysAWeek; ++day) {
-        SetAvailableHours(day, QString(PrizeHour::HoursADay, u' '));
+    // One text for all days of all prizes: lists make thousands of them.
+    static const QString everyHour = [] {
+        QString hours;
         for (qint16 hour = 0; hour < PrizeHour::HoursADay; ++hour)
-            SetAvailableForHour(day, hour, true);
-    }
+            hours += PrizeHour{1, hour}.Letter();
+        return hours;
+    }();
+    AvailableHours_.fill(everyHour);
+    Edited_ = true;
 }
 
 cPrize::~cPrize() = default;

@@ -108,8 +108,8 @@ private:
     void PutIntoSlot(qint32 index, const cPrizeWinnerPtr& winner);
     QString& HoursOfDay(qint16 weekDay);
     bool ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset);
-    /// pending: takes the error of a write that failed.
-    bool WriteToRecordSet(dao::Recordset* recordset, PendingError& pending);
+    /// pending: takes the error of a write that failed. busy: ends once the row is stored, before anybody hears of it.
+    bool WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy);
 
     bool Edited_ = false;
     qint32 Reference_ = 0;

@@ -6,7 +6,9 @@
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
+class BusyPointer;
 class PendingError;
 class cPrizeWinner;
 
@@ -71,8 +73,8 @@ private:
 
     void SetReference(qint32 reference);
     bool ReadFromRecordSet(dao::Recordset* recordset);
-    /// pending: takes the error of a write that failed.
-    bool WriteToRecordSet(dao::Recordset* recordset, PendingError& pending);
+    /// pending: takes the error of a write that failed. busy: ends once the row is stored, before anybody hears of it.
+    bool WriteToRecordSet(dao::Recordset* recordset, PendingError& pending, std::optional<BusyPointer>& busy);
 
     qint32 Reference_ = 0;
     qint32 PrizeReference_ = 0;

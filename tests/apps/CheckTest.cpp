@@ -79,3 +79,43 @@ TEST_F(CheckTest, CheckingWritesNothing)
     Expect("check");
     EXPECT_EQ(Read(File()), before);
 }
+
+TEST_F(CheckTest, PrizesAndWinnersThatDisagreeAreNamedWithTheWayToPutThemRight)
+{
+    for (const char* title : {"Mug", "Tickets"})
+        Expect("prize", {QStringLiteral("add"), QStringLiteral("--title"), QString::fromLatin1(title)});
+    {
+        const auto database = dao::DBEngine::OpenDatabase(File());
+        const auto rows = database->OpenRecordset(QStringLiteral("PrizeWinners"), dao::dbOpenTable);
+        for (const int prize : {1, 1, 9}) {
+            rows->AddNew();
+            rows->SetCollect(QStringLiteral("PrizeReference"), prize);
+            rows->Update();
+        }
+        database->Execute(QStringLiteral("UPDATE [Prizes] SET [NumberWinners]=1 WHERE [Reference]=2"));
+    }
+    const Outcome check = OnStation("check");
+    EXPECT_EQ(check.Code, 65);
+    const auto line = [](const char* words) { return QByteArray("tolva: ") + words + '\n'; };
+    EXPECT_EQ(
+        check.Problems,
+        line("Prize 1 (\"Mug\") has 1 unit, but 2 winners. \"tolva prize remove-winner\" takes a winner back; if "
+             "there are more units, \"tolva prize edit\" says so with --supplied.") +
+            line("Prize 1 (\"Mug\") counts 0 winners, but 2 are stored. \"tolva prize recount\" puts the count "
+                 "right.") +
+            line("Prize 2 (\"Tickets\") counts 1 winner, but 0 are stored. \"tolva prize recount\" puts the count "
+                 "right.") +
+            line("Winner 3 is of prize 9, which does not exist. \"tolva prize remove-winner\" takes it away."));
+    EXPECT_TRUE(check.Output.contains("The station is not sound: prizes with a wrong count of winners: 2; prizes with "
+                                      "more winners than units: 1; winners of no prize: 1."))
+        << check.Output.constData();
+    Expect("prize", {QStringLiteral("remove-winner"), QStringLiteral("3")});
+    const Outcome recount = OnStation("prize", {QStringLiteral("recount"), QStringLiteral("1")});
+    EXPECT_EQ(recount.Code, 0);
+    EXPECT_EQ(recount.Output, "\"Mug\": 2 winners, 0 of 1 left\n");
+    EXPECT_TRUE(recount.Problems.contains("has 1 unit, but 2 winners")) << recount.Problems.constData();
+    EXPECT_EQ(Expect("prize", {QStringLiteral("recount"), QStringLiteral("2")}),
+              "\"Tickets\": 0 winners, 1 of 1 left\n");
+    Expect("prize", {QStringLiteral("remove-winner"), QStringLiteral("2")});
+    EXPECT_EQ(OnStation("check").Code, 0);
+}

@@ -1,4 +1,4 @@
-// Two computers that award the last unit of a prize, one of them held up between any two of its steps.
+// Two computers that award the last unit of a prize, one of them held up between any two of its steps, or killed there.
 
 #include "CommandLineTest.h"
 #include "platform/directory/EmbeddedDirectory.h"
@@ -52,10 +52,10 @@ protected:
         }
         return winners;
     }
-    /// Starts an award that stops in front of that lock.
-    void StartSlow(QProcess& process, const QString& prize, int stopAt) const
+    /// Starts "prize FOLDER WORDS..." so that it stops in front of that lock.
+    void StartSlow(QProcess& process, const QStringList& words, int stopAt) const
     {
-        Prepare(process, QStringList{QStringLiteral("prize"), Station()} + Award(prize, QStringLiteral("Slow")));
+        Prepare(process, QStringList{QStringLiteral("prize"), Station()} + words);
         QProcessEnvironment environment = process.processEnvironment();
         environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(STOPPING_LOCKS));
         environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
@@ -87,7 +87,7 @@ protected:
         for (int stopAt = 1; stopAt < 500; ++stopAt) {
             const QString prize = AddPrize(units);
             QProcess slow;
-            StartSlow(slow, prize, stopAt);
+            StartSlow(slow, Award(prize, QStringLiteral("Slow")), stopAt);
             if (!WaitForStop(slow)) {
                 EXPECT_GT(stopAt, 10) << "the award was never held up";
                 return;
@@ -103,6 +103,42 @@ protected:
         }
         FAIL() << "the award never came to its end";
     }
+    /// Kills a command in front of each of its looks at the station in turn, each time on a prize of its own of which
+    /// prepare gives the words of the command, and calls check(prize, what tolva check says) after each. How often the
+    /// station was not sound then.
+    template <typename Command, typename Check>
+    int KillEverywhere(int units, Command&& command, Check&& check)
+    {
+        int unsound = 0;
+        for (int stopAt = 1; stopAt < 500; ++stopAt) {
+            const QString prize = AddPrize(units);
+            QProcess killed;
+            StartSlow(killed, command(prize), stopAt);
+            if (!WaitForStop(killed)) {
+                EXPECT_EQ(killed.exitCode(), 0);
+                EXPECT_GT(stopAt, 3) << "the command was never killed";
+                return unsound;
+            }
+            EXPECT_EQ(killed.readAllStandardOutput(), "") << "it acknowledged what it goes on with";
+            killed.kill();
+            EXPECT_TRUE(killed.waitForFinished(60000));
+            const Outcome found = OnStation("check");
+            unsound += found.Code == 0 ? 0 : 1;
+            check(prize, found);
+            const Outcome after = OnStation("check");
+            EXPECT_EQ(after.Code, 0) << after.Problems.constData();
+            if (HasFailure()) {
+                ADD_FAILURE() << "killed at " << stopAt;
+                return unsound;
+            }
+        }
+        ADD_FAILURE() << "the command never came to its end";
+        return unsound;
+    }
+    static QByteArray Line(const QString& words, const QString& number)
+    {
+        return QStringLiteral("tolva: %1\n").arg(words.arg(number)).toUtf8();
+    }
 };
 } // namespace
 
@@ -116,6 +152,7 @@ TEST_F(PrizeRaceTest, TheLastUnitIsAwardedOnceOrBothAwardsStandAndThatIsSaid)
         for (const Outcome& outcome : {slow, quick}) {
             EXPECT_TRUE(outcome.Code == 0 || outcome.Code == 65 || outcome.Code == 73) << outcome.Problems.constData();
             EXPECT_EQ(outcome.Code == 65, outcome.Problems.contains("has 1 unit, but 2 winners"));
+            EXPECT_EQ(outcome.Code == 65, outcome.Problems.contains("it is taken back with: tolva prize "));
             EXPECT_EQ(outcome.Code == 73, outcome.Problems.contains("has already been fully allocated"))
                 << outcome.Problems.constData();
             acknowledged += outcome.Output.contains("\"Mug\"") ? 1 : 0;
@@ -142,4 +179,70 @@ TEST_F(PrizeRaceTest, WithUnitsForBothEachWinnerIsCounted)
         EXPECT_EQ(Stored(prize).size(), 2);
         EXPECT_EQ(Counted(prize), 2);
     });
+}
+
+TEST_F(PrizeRaceTest, AnAwardThatIsKilledIsDoneOrNotOrFoundAndItsUnitIsNotAwardedAgain)
+{
+    const int unsound = KillEverywhere(
+        1, [](const QString& prize) { return Award(prize, QStringLiteral("Slow")); },
+        [&](const QString& prize, const Outcome& found) {
+            const qsizetype stored = Stored(prize).size();
+            if (found.Code != 0) {
+                EXPECT_EQ(found.Problems, Line(QStringLiteral("Prize %1 (\"Mug\") counts 0 winners, but 1 is stored. "
+                                                              "\"tolva prize recount\" puts the count right."),
+                                               prize));
+                EXPECT_EQ(stored, 1);
+            }
+            EXPECT_EQ(OnStation("prize", Award(prize, QStringLiteral("Quick"))).Code, stored == 0 ? 0 : 73);
+            EXPECT_EQ(Stored(prize).size(), 1);
+            EXPECT_EQ(Counted(prize), 1);
+        });
+    EXPECT_GT(unsound, 0);
+}
+
+TEST_F(PrizeRaceTest, AWinnerWhoseTakingBackIsKilledIsThereOrNotOrFoundAndARecountGivesTheUnitBack)
+{
+    const int unsound = KillEverywhere(
+        1,
+        [&](const QString& prize) {
+            EXPECT_EQ(OnStation("prize", Award(prize, QStringLiteral("Quick"))).Code, 0);
+            return QStringList{QStringLiteral("remove-winner"), Stored(prize).value(0), QStringLiteral("--yes")};
+        },
+        [&](const QString& prize, const Outcome& found) {
+            const qsizetype stored = Stored(prize).size();
+            if (found.Code != 0) {
+                EXPECT_EQ(found.Problems, Line(QStringLiteral("Prize %1 (\"Mug\") counts 1 winner, but 0 are stored. "
+                                                              "\"tolva prize recount\" puts the count right."),
+                                               prize));
+                EXPECT_EQ(Expect("prize", {QStringLiteral("recount"), prize}), "\"Mug\": 0 winners, 1 of 1 left\n");
+            }
+            EXPECT_EQ(Counted(prize), stored);
+            EXPECT_EQ(OnStation("prize", Award(prize, QStringLiteral("Slow"))).Code, stored == 0 ? 0 : 73);
+        });
+    EXPECT_GT(unsound, 0);
+}
+
+TEST_F(PrizeRaceTest, APrizeWhoseDeletionIsKilledIsThereWithItsWinnerOrTheWinnerIsFound)
+{
+    QString winner;
+    const int unsound = KillEverywhere(
+        1,
+        [&](const QString& prize) {
+            EXPECT_EQ(OnStation("prize", Award(prize, QStringLiteral("Quick"))).Code, 0);
+            winner = Stored(prize).value(0);
+            return QStringList{QStringLiteral("delete"), prize, QStringLiteral("--yes")};
+        },
+        [&](const QString& prize, const Outcome& found) {
+            const bool isThere = OnStation("prize", {QStringLiteral("show"), prize}).Code == 0;
+            if (found.Code != 0) {
+                EXPECT_FALSE(isThere);
+                EXPECT_EQ(found.Problems, Line(QStringLiteral("Winner %1 is of prize ") + prize +
+                                                   QStringLiteral(", which does not exist. \"tolva prize "
+                                                                  "remove-winner\" takes it away."),
+                                               winner));
+                Expect("prize", {QStringLiteral("remove-winner"), winner});
+            }
+            EXPECT_EQ(OnStation("prize", {QStringLiteral("remove-winner"), winner}).Code, isThere ? 0 : 65);
+        });
+    EXPECT_GT(unsound, 0);
 }

@@ -182,10 +182,10 @@ TEST_F(PrizeTest, WhatIsNotUnderstoodIsRefusedBeforeAnythingIsDone)
 TEST_F(PrizeTest, APrizeThatIsNotThereIsSaid)
 {
     const qint32 ann = AddContact(QStringLiteral("Ann"));
-    for (const QStringList& words :
-         {Words("show 9"), Words("edit 9 --title x"), Words("delete 9"), Words("hours 9"), Words("winners 9"),
-          QStringList{QStringLiteral("award"), QStringLiteral("9"), QStringLiteral("--contact"),
-                      QString::number(ann)}}) {
+    for (const QStringList& words : {Words("show 9"), Words("edit 9 --title x"), Words("delete 9"), Words("hours 9"),
+                                     Words("winners 9"), Words("recount 9"),
+                                     QStringList{QStringLiteral("award"), QStringLiteral("9"),
+                                                 QStringLiteral("--contact"), QString::number(ann)}}) {
         const Outcome outcome = Prize(words);
         EXPECT_EQ(outcome.Code, 65) << words.join(u' ').toStdString();
         EXPECT_TRUE(outcome.Problems.startsWith("tolva: There is no prize 9 in the station in"))
@@ -339,7 +339,7 @@ TEST_F(PrizeTest, WithoutTheRightPrizesAreAwardedAndNotChanged)
     const QStringList petra = Words("--user Petra");
     for (const QStringList& words :
          {Words("add --title x"), Words("edit 1 --title x"), Words("delete 1"), Words("hours 1 --set all"),
-          QStringList{QStringLiteral("remove-winner"), theirs}}) {
+          Words("recount 1"), QStringList{QStringLiteral("remove-winner"), theirs}}) {
         const Outcome outcome = Prize(words + petra);
         EXPECT_EQ(outcome.Code, 77) << words.join(u' ').toStdString();
         EXPECT_EQ(outcome.Problems, "tolva: Petra has no right to manage prizes here.\n");
@@ -380,22 +380,33 @@ TEST_F(PrizeTest, AWinnerTakenBackFreesTheUnit)
     EXPECT_EQ(AwardTo(prize, ann), "2  Ann: \"Mug\", 0 of 1 left\n");
 }
 
+TEST_F(PrizeTest, AWinnerWhoWasNotCountedHasTheUnitAllTheSame)
+{
+    const qint32 ann = AddContact(QStringLiteral("Ann"));
+    const QString prize = AddPrize(QStringLiteral("Mug"), 1);
+    AwardTo(prize, ann);
+    const QString won = Json(prize).value(QStringLiteral("lastWon")).toString();
+    // As a program leaves it that was killed before it counted the winner.
+    Overwrite(prize, QStringLiteral("NumberWinners"), 0);
+    Overwrite(prize, QStringLiteral("LastWonDate"), 0);
+    const Outcome second = Prize({QStringLiteral("award"), prize, QStringLiteral("--contact"), QString::number(ann)});
+    EXPECT_EQ(second.Code, 73);
+    EXPECT_EQ(second.Problems, "tolva: \"Mug\" has already been fully allocated: all 1 are won.\n");
+    EXPECT_EQ(WinnersOf(prize), QStringList{QStringLiteral("1")});
+    EXPECT_EQ(Json(prize).value(QStringLiteral("winners")).toInt(), 1);
+    EXPECT_EQ(Json(prize).value(QStringLiteral("lastWon")).toString(), won);
+}
+
 TEST_F(PrizeTest, MoreWinnersThanUnitsAreSaidAndTakenBackWithoutFreeingAUnit)
 {
     const qint32 ann = AddContact(QStringLiteral("Ann"));
     Expect("setting", Words("Prizes.EligibleDays 0"));
-    const QString prize = AddPrize(QStringLiteral("Mug"), 1);
+    const QString prize = AddPrize(QStringLiteral("Mug"), 2);
     AwardTo(prize, ann);
-    // As it stands when this computer counted nothing yet of what another one stored.
-    Overwrite(prize, QStringLiteral("NumberWinners"), 0);
-    const Outcome second = Prize({QStringLiteral("award"), prize, QStringLiteral("--contact"), QString::number(ann)});
-    EXPECT_EQ(second.Code, 65);
-    EXPECT_EQ(second.Output, "2  Ann: \"Mug\", 0 of 1 left\n");
-    EXPECT_EQ(second.Problems,
-              "tolva: \"Mug\" has 1 unit, but 2 winners: somebody else awarded it at the same moment. Take one of them "
-              "back. The award is stored as winner 2; it is taken back with: tolva prize " +
-                  Station().toUtf8() + " remove-winner 2\n");
-    EXPECT_EQ(Json(prize).value(QStringLiteral("winners")).toInt(), 2);
+    AwardTo(prize, ann);
+    const Outcome fewer = Prize({QStringLiteral("edit"), prize, QStringLiteral("--supplied"), QStringLiteral("1")});
+    EXPECT_EQ(fewer.Code, 0);
+    EXPECT_EQ(fewer.Problems, "tolva: \"Mug\" is stored with 1 supplied, but 2 are won already.\n");
     EXPECT_TRUE(Prize({QStringLiteral("winners"), prize}).Problems.contains("1 unit, but 2 winners"));
     EXPECT_EQ(ExpectPrize(Words("remove-winner 2")), "");
     EXPECT_EQ(Json(prize).value(QStringLiteral("winners")).toInt(), 1);

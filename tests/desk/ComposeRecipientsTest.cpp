@@ -50,6 +50,7 @@ protected:
         Window->show();
         Window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(Window));
+        ASSERT_TRUE(WaitUntil([this] { return To().HasBook() || !Note().isEmpty(); }));
         To().Box().setFocus();
     }
     static Composition MessageTo(const QString& to)
@@ -60,6 +61,7 @@ protected:
     }
     AddressBox& Recipients(const char* name) const { return *Window->findChild<AddressBox*>(QLatin1String(name)); }
     AddressBox& To() const { return Recipients("to"); }
+    QString Note() const { return Window->findChild<QLabel*>(QStringLiteral("note"))->text(); }
     RichTextBox& Box() const { return To().Box(); }
     SuggestionList& List() const { return *To().findChild<SuggestionList*>(); }
     AddressActions& Actions() const { return *To().findChild<AddressActions*>(); }
@@ -411,9 +413,7 @@ TEST_F(ComposeRecipientsTest, ContactsThatCannotBeReadAreToldAndAddressesCanBeTy
 {
     Station.Directory().Close();
     Open();
-    EXPECT_TRUE(Window->findChild<QLabel*>(QStringLiteral("note"))
-                    ->text()
-                    .startsWith(QStringLiteral("The contacts cannot be read: ")));
+    EXPECT_TRUE(Note().startsWith(QStringLiteral("The contacts cannot be read: ")));
     Type("lov");
     EXPECT_FALSE(List().isVisible());
     EXPECT_EQ(Window->Current().To, QStringLiteral("lov"));

@@ -1,6 +1,7 @@
 #include "ContactChooser.h"
 
 #include "ContactDialog.h"
+#include "ContactOrder.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/ListView.h"
 
@@ -31,7 +32,7 @@ bool LooksLikeNumber(const QString& text)
 ContactChooser::ContactChooser(EmbeddedDirectory& directory, QWidget* parent)
     : QDialog(parent),
       Directory_(directory),
-      Search_(directory.Contacts()),
+      Search_(ContactOrder::ByName(directory.Contacts())),
       Box_(new QLineEdit(this)),
       List_(new ListView(this)),
       Note_(new QLabel(this)),

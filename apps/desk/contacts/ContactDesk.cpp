@@ -84,8 +84,8 @@ void ContactDesk::ShowSender(const cMessagePtr& message)
 void ContactDesk::ShowAddress(const QString& name, const QString& address)
 {
     clsKVContact proposal;
-    proposal.Name = name;
     const bool isEmail = address.contains(u'@');
+    proposal.Name = name.isEmpty() && isEmail ? SenderContact::NameFromAddress(address) : name;
     (isEmail ? proposal.Email : proposal.Mobile) = address;
     try {
         ShowOrStart(isEmail ? SenderContact::FindByAddress(Station_.Directory(), address)

@@ -31,7 +31,7 @@ public Q_SLOTS:
     void ShowContacts();
     /// The contact who wrote the message, or a new one with what the message tells of its writer. Null: nothing.
     void ShowSender(const cMessagePtr& message);
-    /// The contact with that e-mail address or number, or a new one with both.
+    /// The contact with that e-mail address or number, or a new one with both; without a name one made of the address.
     void ShowAddress(const QString& name, const QString& address);
 
 Q_SIGNALS:

@@ -34,10 +34,11 @@ QString WithoutBars(const QString& key)
 }
 
 /// The addresses of a contact as the search takes them: only those that can match, since with none it finds everything.
+/// One with a bar in it would be taken for two, of which the second may be somebody else's.
 QString AddressesOf(const clsKVContact& contact)
 {
     QStringList addresses{contact.Email.trimmed(), contact.SecondEmail.trimmed()};
-    addresses.removeAll(QString());
+    addresses.removeIf([](const QString& address) { return address.isEmpty() || address.contains(u'|'); });
     return addresses.join(u'|');
 }
 

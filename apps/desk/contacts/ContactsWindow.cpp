@@ -3,6 +3,7 @@
 #include "ContactFiles.h"
 #include "ContactForm.h"
 #include "ContactHistory.h"
+#include "ContactOrder.h"
 #include "ContactSaving.h"
 #include "DeskStation.h"
 #include "FileNames.h"
@@ -198,7 +199,7 @@ void ContactsWindow::UpdateActions()
 void ContactsWindow::ReadContacts()
 {
     try {
-        Search_ = ContactSearch(Station_.Directory().Contacts());
+        Search_ = ContactSearch(ContactOrder::ByName(Station_.Directory().Contacts()));
     } catch (const dao::Error& error) {
         Words::Warn(ContactSaving::WordsOf(error));
     }
@@ -251,6 +252,19 @@ void ContactsWindow::FillList()
         Note_->setText(tr("%1 of %2").arg(locale.toString(found.size()), locale.toString(Search_.Count())));
 }
 
+/// Whoever is on show stands in the list, unless it is cut off: a contact that was looked for elsewhere need not fit what
+/// stands in the box, and may have been added on another computer since the contacts were read.
+void ContactsWindow::ShowInList()
+{
+    const QString key = KeyOf(Shown_);
+    if (!List_->HasItem(key) && Search_.Find(Find_->text(), MostRows + 1).size() <= MostRows)
+        Find_->clear();
+    if (!List_->HasItem(key)) {
+        ReadContacts();
+        FillList();
+    }
+}
+
 /// The selection follows what is on show, without asking anything.
 void ContactsWindow::SelectShown()
 {
@@ -286,8 +300,7 @@ bool ContactsWindow::ShowContact(qint32 reference)
         Refresh();
         return false;
     }
-    if (!List_->HasItem(KeyOf(contact)) && Search_.Find(Find_->text()).size() <= MostRows)
-        Find_->clear();
+    ShowInList();
     SelectShown();
     return true;
 }

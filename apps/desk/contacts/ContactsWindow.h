@@ -64,6 +64,7 @@ private:
     QAction* AddAction(QMenu& menu, const char* name, const QString& text, const QKeySequence& key = {});
     void ReadContacts();
     void FillList();
+    void ShowInList();
     void SelectShown();
     void TakeSelection(const QString& key);
     void Present(const clsKVContactPtr& contact);

@@ -32,6 +32,9 @@ ContactBox::ContactBox(DeskStation& station, const QString& name, const QString&
     layout->addWidget(Choose_);
     layout->addWidget(Clear_);
     setFocusProxy(Choose_);
+    // The proxy stands first in its place of the walk; the name is to be read, and copied, by the keyboard too.
+    setTabOrder(Choose_, Clear_);
+    setTabOrder(Clear_, Name_);
     connect(Choose_, &QPushButton::clicked, this, &ContactBox::Choose);
     connect(Clear_, &QPushButton::clicked, this, [this] {
         SetReference(0);

@@ -30,6 +30,8 @@ public:
     QString Text() const;
     void SetReadOnly(bool readOnly);
     QLineEdit& Box() { return *Box_; }
+    /// Opens the calendar; the last of the parts that the Tab key walks.
+    QToolButton& Button() { return *Button_; }
 
 Q_SIGNALS:
     void Changed();

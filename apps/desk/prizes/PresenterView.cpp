@@ -2,7 +2,6 @@
 
 #include "DeskSettings.h"
 #include "DeskStation.h"
-#include "prizes/HoursText.h"
 #include "prizes/PrizeFields.h"
 #include "prizes/PrizeRows.h"
 #include "prizes/WinnersView.h"
@@ -55,7 +54,7 @@ void Scale(QWidget& widget, double factor, bool bold)
 QStringList WhenLines(const cPrize& prize)
 {
     const PrizeFields fields = PrizeFields::Of(prize);
-    QStringList lines = {PrizeRows::DatesWords(prize), HoursText::InWords(fields.Hours), PrizeRows::ClockWords()};
+    QStringList lines = {PrizeRows::DatesWords(prize), PrizeRows::HoursWords(fields.Hours), PrizeRows::ClockWords()};
     lines.removeAll(QString());
     return lines;
 }

@@ -20,6 +20,8 @@
 namespace
 {
 constexpr int ReferenceRole = Qt::UserRole;
+constexpr int LinesOfRow = 2;
+constexpr int RowMargin = 8;
 
 /// By the same rule as the list of prizes.
 QList<qint32> AvailablePrizes(DeskStation& station, enPrizeListCategory category)
@@ -59,6 +61,7 @@ PrizeChooser::PrizeChooser(DeskStation& station, const clsKVContact& winner, QWi
     List_->setAccessibleName(tr("Prizes"));
     List_->setAlternatingRowColors(true);
     List_->setTextElideMode(Qt::ElideRight);
+    List_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     Empty_->setObjectName(QStringLiteral("noPrizes"));
     Empty_->setWordWrap(true);
     All_->setObjectName(QStringLiteral("showAllPrizes"));
@@ -69,6 +72,7 @@ PrizeChooser::PrizeChooser(DeskStation& station, const clsKVContact& winner, QWi
     other->setAutoDefault(false);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     buttons->addButton(Award_, QDialogButtonBox::AcceptRole);
+    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cancel"));
     auto* head = new QHBoxLayout;
     head->addWidget(Heading_, 1);
     head->addWidget(other);
@@ -134,6 +138,8 @@ void PrizeChooser::Fill()
             auto* item = new QListWidgetItem(QStringLiteral("%1\n%2").arg(title, PrizeRows::StockWords(*prize)), List_);
             item->setData(ReferenceRole, reference);
             item->setToolTip(title);
+            // Narrower than any list: a long title is cut short rather than scrolled.
+            item->setSizeHint(QSize(1, LinesOfRow * List_->fontMetrics().lineSpacing() + RowMargin));
             if (reference == before || List_->count() == 1)
                 List_->setCurrentItem(item);
         }

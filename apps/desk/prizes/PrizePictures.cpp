@@ -2,7 +2,9 @@
 
 #include "Appearance.h"
 #include "MainWindow.h"
+#include "NoticeBar.h"
 #include "common/ClockHelper.h"
+#include "common/dialogs/DialogUserInterface.h"
 #include "platform/widgets/FlexGrid.h"
 #include "prizes/PresenterView.h"
 #include "prizes/PrizeChooser.h"
@@ -14,10 +16,16 @@
 #include "prizes/WinnersView.h"
 #include "prizes/controls/uPrizesList.h"
 
+#include <QApplication>
+#include <QLineEdit>
 #include <QTabWidget>
+#include <QTimer>
 
 namespace
 {
+constexpr QSize SmallWindow(800, 600);
+constexpr int WaitMilliseconds = 300;
+
 class PrizeTour
 {
 public:
@@ -123,6 +131,16 @@ private:
         Settle_();
         Save_(Window_, "prizes-dark", 1);
         Appearance::Apply(QStringLiteral("light"));
+        NoticeBar& notice = Window_.Prizes().Notice();
+        notice.Show(QStringLiteral("Awarded \u201CTwo tickets for the harbour concert\u201D to Jory Nankivell."));
+        Settle_();
+        Save_(Window_, "prizes-awarded", 1);
+        notice.Show(QString());
+        const QSize size = Window_.size();
+        Window_.resize(SmallWindow);
+        Settle_();
+        Save_(Window_, "prizes-small", 1);
+        Window_.resize(size);
     }
 
     void Windows()
@@ -150,13 +168,47 @@ private:
         winner->SetSentNow();
         Settle_();
         Save_(*winner, "winner", 1);
+        Save_(*winner, "winner-200", 2);
+        Appearance::Apply(QStringLiteral("dark"));
+        Settle_();
+        Save_(*winner, "winner-dark", 1);
+        Appearance::Apply(QStringLiteral("light"));
         delete winner;
+        Hotlists(*prize);
         delete prize;
         Window_.Prizes().OpenPrize(Long_);
         PrizeWindow* longOne = Window_.Prizes().PrizeWindows().constLast();
         Settle_();
         Save_(*longOne, "prize-long", 1);
         delete longOne;
+    }
+
+    /// The dialog of named hours, over a prize's window, empty at first.
+    void Hotlists(PrizeWindow& prize)
+    {
+        DialogUserInterface dialogs;
+        UserInterface& before = UserInterface::Current();
+        UserInterface::SetCurrent(&dialogs);
+        const auto picture = [&](const char* name, const std::function<void()>& open) {
+            QTimer::singleShot(WaitMilliseconds, &prize, [this, name] {
+                QWidget* dialog = QApplication::activeModalWidget();
+                if (!dialog)
+                    return;
+                Save_(*dialog, name, 1);
+                dialog->close();
+            });
+            open();
+        };
+        const auto load = [&] { Database().LoadAvailableHoursHotlist(&prize); };
+        picture("hotlist-empty", load);
+        for (const char* name : {"Breakfast", "Drive time", "Weekend nights"})
+            Database().SetDatabaseSetting(QStringLiteral("HR.") + QLatin1String(name), QStringLiteral("A"), QString());
+        picture("hotlist-load", load);
+        picture("hotlist-save", [&] { Database().SaveAvailableHoursHotlist(QStringLiteral("A"), &prize); });
+        Appearance::Apply(QStringLiteral("dark"));
+        picture("hotlist-load-dark", load);
+        Appearance::Apply(QStringLiteral("light"));
+        UserInterface::SetCurrent(&before);
     }
 
     void Dialogs()
@@ -170,6 +222,9 @@ private:
         const clsKVContactPtr contact = Window_.Station().Directory().GetContact(Listener_);
         PrizeChooser chooser(Window_.Station(), *contact, &Window_);
         show(chooser, "prize-chooser");
+        PrizeChooser none(Window_.Station(), *contact, &Window_);
+        none.findChild<QLineEdit*>(QStringLiteral("findPrize"))->setText(QStringLiteral("castle"));
+        show(none, "prize-chooser-empty");
         PrizeSettingsDialog settings(Window_.Station(), &Window_);
         show(settings, "prize-settings");
     }

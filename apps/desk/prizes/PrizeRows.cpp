@@ -158,6 +158,12 @@ QString PrizeRows::DatesWords(const cPrize& prize)
     return hasEnd ? Translated("Until %1").arg(LimitWords(prize.EndDate())) : QString();
 }
 
+QString PrizeRows::HoursWords(const WeekOfHours& hours)
+{
+    QString words = HoursText::InWords(hours);
+    return words.replace(0, 1, words.left(1).toUpper());
+}
+
 QString PrizeRows::ClockWords()
 {
     const Date local = ClockHelper::CurrentTime();

@@ -2,6 +2,7 @@
 
 #include "common/Date.h"
 #include "platform/directory/clsKVContact.h"
+#include "prizes/HoursText.h"
 #include "prizes/cPrize.h"
 
 #include <QList>
@@ -54,6 +55,8 @@ QString WhyNotNow(const cPrize& prize);
 QString StockWords(const cPrize& prize);
 /// "From 21 November 2026, until 30 November 2026"; empty without limits.
 QString DatesWords(const cPrize& prize);
+/// "Every day 06:00 to midnight", as a line of its own.
+QString HoursWords(const WeekOfHours& hours);
 /// That the hours are those of universal time, while the clock here shows another; otherwise empty.
 QString ClockWords();
 

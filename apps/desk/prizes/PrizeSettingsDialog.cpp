@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
 
@@ -29,6 +30,8 @@ PrizeSettingsDialog::PrizeSettingsDialog(DeskStation& station, QWidget* parent)
     auto* hint = new QLabel(tr("Awarding a prize to somebody who won in these days asks first."), this);
     hint->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("ok"));
+    buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cancel"));
     auto* form = new QFormLayout;
     form->addRow(tr("A &winner waits:"), Days_);
     auto* layout = new QVBoxLayout(this);

@@ -5,7 +5,6 @@
 #include "platform/widgets/Icons.h"
 #include "prizes/ContactBox.h"
 #include "prizes/DateBox.h"
-#include "prizes/HoursText.h"
 #include "prizes/PrizeRows.h"
 #include "prizes/PrizeWindow.h"
 #include "prizes/WinnersView.h"
@@ -88,7 +87,7 @@ PrizeWindow::PrizeWindow(DeskStation& station, const cPrize& prize, QWidget* par
     Tabs_->setObjectName(QStringLiteral("pages"));
     Tabs_->addTab(MakeTexts(), tr("Scr&ipt and notes"));
     Tabs_->addTab(MakeTimes(), tr("&When"));
-    Tabs_->addTab(MakeWinners(), tr("Winne&rs"));
+    Tabs_->addTab(MakeWinners(), tr("Winner&s"));
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -143,7 +142,7 @@ void PrizeWindow::MakeActions()
     };
     QAction* save = add("savePrize", QStringLiteral("save"), tr("&Save"), tr("Saves the prize for all computers"),
                         QKeySequence(Qt::CTRL | Qt::Key_S));
-    QAction* award = add("award", QString(), tr("&Award..."), tr("Chooses who wins the prize"),
+    QAction* award = add("award", QStringLiteral("newwinner"), tr("&Award..."), tr("Chooses who wins the prize"),
                          QKeySequence(Qt::CTRL | Qt::Key_Return));
     menu->addSeparator();
     QAction* close =
@@ -228,6 +227,7 @@ QWidget* PrizeWindow::MakeTimes()
     scroll->setWidget(page);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus); // what is in it takes the keys
     return scroll;
 }
 
@@ -236,7 +236,7 @@ QWidget* PrizeWindow::MakeWinners()
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(Winners_, 1);
-    QPushButton* award = MakeButton("addWinner", tr("A&ward..."), tr("Add a winner"), page);
+    QPushButton* award = MakeButton("addWinner", tr("&Award..."), tr("Add a winner"), page);
     Show_ = MakeButton("showWinner", tr("&Details..."), tr("Display the details of the selected winner"), page);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(award);
@@ -278,7 +278,7 @@ void PrizeWindow::Show(const PrizeFields& fields)
 
 void PrizeWindow::ShowHoursInWords()
 {
-    QStringList lines = {HoursText::InWords(Hours_->Hours()), PrizeRows::ClockWords()};
+    QStringList lines = {PrizeRows::HoursWords(Hours_->Hours()), PrizeRows::ClockWords()};
     const Date start = Start_->Value().value_or(Date());
     // The lists compare the start with the day alone.
     if (!start.IsNone() && start.DayNumber() != std::floor(start.DayNumber()))

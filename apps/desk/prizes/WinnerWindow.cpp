@@ -22,6 +22,7 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QToolButton>
 
 namespace
 {
@@ -116,8 +117,10 @@ QWidget* WinnerWindow::MakeForm()
     auto* sent = new QHBoxLayout;
     sent->addWidget(Sent_, 1);
     sent->addWidget(sentNow);
-    auto* form = new QFormLayout;
+    auto* body = new QWidget(this); // its rows keep their distance, while the notice touches the edges
+    auto* form = new QFormLayout(body);
     form->setContentsMargins(8, 8, 8, 8);
+    form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
     const auto addRow = [&](const QString& text, QWidget* box) {
         auto* label = new QLabel(text, this);
         label->setBuddy(box);
@@ -132,12 +135,14 @@ QWidget* WinnerWindow::MakeForm()
     form->addRow(QString(), SentByLabel_);
     addRow(tr("Not&es:"), Notes_);
     addRow(tr("Notes to the supp&lier:"), NotesToSupplier_);
+    setTabOrder(&Sent_->Button(), sentNow);
+    setTabOrder(sentNow, Notes_);
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(Notice_);
-    layout->addLayout(form, 1);
+    layout->addWidget(body, 1);
     return page;
 }
 

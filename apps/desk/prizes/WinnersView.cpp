@@ -1,11 +1,11 @@
 #include "WinnersView.h"
 
 #include "DeskStation.h"
-#include "prizes/PrizeRows.h"
 #include "prizes/RelativeTime.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QSet>
 
 namespace
 {
@@ -18,6 +18,11 @@ enum Column
     SentColumn,
     ColumnCount
 };
+
+qint32 ReferenceOf(const QTreeWidgetItem* item)
+{
+    return item ? item->data(NameColumn, ReferenceRole).toInt() : 0;
+}
 } // namespace
 
 WinnersView::WinnersView(DeskStation& station, QWidget* parent) : QTreeWidget(parent), Station_(station)
@@ -63,37 +68,62 @@ void WinnersView::Fill()
     const bool hasPrize = Prize_ > 0 && Station_.Database().IsOpen();
     const QList<PrizeRows::Winner> winners =
         hasPrize ? PrizeRows::WinnersOf(Station_, Prize_) : QList<PrizeRows::Winner>();
-    while (topLevelItemCount() > winners.size())
-        delete takeTopLevelItem(topLevelItemCount() - 1);
     const qint32 selected = Selected();
+    QHash<qint32, QTreeWidgetItem*> items = TakeOutOthers(winners);
     for (int row = 0; row < winners.size(); ++row) {
         const PrizeRows::Winner& winner = winners.at(row);
-        QTreeWidgetItem* item = topLevelItem(row);
-        if (!item)
-            item = new QTreeWidgetItem(this);
-        const clsKVContactPtr contact =
-            winner.WinnerReference > 0 ? Station_.Directory().GetContact(winner.WinnerReference) : nullptr;
-        item->setData(NameColumn, ReferenceRole, winner.Reference);
-        item->setText(NameColumn, contact ? contact->Name.simplified() : tr("<Missing Contact>"));
-        item->setText(ContactColumn, contact ? PrizeRows::DetailOf(*contact) : QString());
-        item->setText(WonColumn,
-                      winner.WonDate.IsNone() ? QString() : TolvaControlsFN::RelativeTimeText(winner.WonDate));
-        item->setText(SentColumn, winner.SentDate.IsNone() ? QString() : PrizeRows::DayWords(winner.SentDate));
-        item->setToolTip(NameColumn, item->text(NameColumn));
-        item->setToolTip(ContactColumn, item->text(ContactColumn));
-        if (winner.Reference == selected)
-            setCurrentItem(item);
+        QTreeWidgetItem*& item = items[winner.Reference];
+        if (!item) {
+            item = new QTreeWidgetItem;
+            item->setData(NameColumn, ReferenceRole, winner.Reference);
+        }
+        if (topLevelItem(row) != item) {
+            takeTopLevelItem(indexOfTopLevelItem(item)); // a corrected moment of the win moves it
+            insertTopLevelItem(row, item);
+        }
+        ShowWinner(*item, winner);
     }
+    // Who is gone leaves nobody selected, rather than a neighbour who would be opened instead.
+    if (Selected() != selected)
+        setCurrentItem(items.value(selected));
     if (winners.isEmpty())
         Timer_.stop();
     else
         Timer_.start();
 }
 
+/// Removes the items of all but these; the others stay, and with them the selection and the scroll position.
+QHash<qint32, QTreeWidgetItem*> WinnersView::TakeOutOthers(const QList<PrizeRows::Winner>& winners)
+{
+    QSet<qint32> stored;
+    for (const PrizeRows::Winner& winner : winners)
+        stored.insert(winner.Reference);
+    QHash<qint32, QTreeWidgetItem*> items;
+    for (int row = topLevelItemCount() - 1; row >= 0; --row) {
+        const qint32 reference = ReferenceOf(topLevelItem(row));
+        if (stored.contains(reference))
+            items.insert(reference, topLevelItem(row));
+        else
+            delete takeTopLevelItem(row);
+    }
+    return items;
+}
+
+void WinnersView::ShowWinner(QTreeWidgetItem& item, const PrizeRows::Winner& winner)
+{
+    const clsKVContactPtr contact =
+        winner.WinnerReference > 0 ? Station_.Directory().GetContact(winner.WinnerReference) : nullptr;
+    item.setText(NameColumn, contact ? contact->Name.simplified() : tr("<Missing Contact>"));
+    item.setText(ContactColumn, contact ? PrizeRows::DetailOf(*contact) : QString());
+    item.setText(WonColumn, winner.WonDate.IsNone() ? QString() : TolvaControlsFN::RelativeTimeText(winner.WonDate));
+    item.setText(SentColumn, winner.SentDate.IsNone() ? QString() : PrizeRows::DayWords(winner.SentDate));
+    item.setToolTip(NameColumn, item.text(NameColumn));
+    item.setToolTip(ContactColumn, item.text(ContactColumn));
+}
+
 qint32 WinnersView::Selected() const
 {
-    const QTreeWidgetItem* item = currentItem();
-    return item ? item->data(NameColumn, ReferenceRole).toInt() : 0;
+    return ReferenceOf(currentItem());
 }
 
 void WinnersView::keyPressEvent(QKeyEvent* event)

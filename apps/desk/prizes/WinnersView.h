@@ -1,5 +1,8 @@
 #pragma once
 
+#include "prizes/PrizeRows.h"
+
+#include <QHash>
 #include <QTimer>
 #include <QTreeWidget>
 
@@ -16,7 +19,8 @@ public:
 
     /// 0 for none. Keeps the selected winner where it can.
     void Show(qint32 prize);
-    /// Reads the winners again; what cannot be read now stays as it is.
+    /// Reads the winners again, item by item, so that the selection and the scroll position stay. What cannot be read
+    /// now stays as it is.
     void Refresh();
     /// The selected winner; 0 for none.
     qint32 Selected() const;
@@ -33,6 +37,8 @@ protected:
 
 private:
     void Fill();
+    QHash<qint32, QTreeWidgetItem*> TakeOutOthers(const QList<PrizeRows::Winner>& winners);
+    void ShowWinner(QTreeWidgetItem& item, const PrizeRows::Winner& winner);
 
     DeskStation& Station_;
     qint32 Prize_ = 0;

@@ -129,9 +129,10 @@ void uMessageAddress::AddAddress(const QString& Name, const QString& Address)
     if (Caret() > 2 && !text().trimmed().isEmpty() && !text().left(Caret()).trimmed().endsWith(u';'))
         box.SetSelText(Separator);
     const int place = Caret();
-    const int length = static_cast<int>(entry.size());
     box.SetSelLength(0);
     box.SetSelText(entry);
+    // As the box counts it: to it, the two characters that end a line are one.
+    const int length = Caret() - place;
     StepTo(place);
     box.SetSelLength(length);
     box.SetSelProtected(true);

@@ -121,6 +121,18 @@ QList<clsKVContactPtr> EmbeddedDirectory::Contacts() const
     return ReadContacts(*rows);
 }
 
+QList<clsKVContactPtr> EmbeddedDirectory::ContactsAfter(qint32 reference, int limit) const
+{
+    QList<clsKVContactPtr> contacts;
+    const auto rows = DirectoryTables::OpenTable(Opened(), contactsTable, mainIndex);
+    rows->Seek(dao::SeekComparison::Greater, {reference});
+    if (rows->NoMatch())
+        return contacts;
+    for (; contacts.size() < limit && !rows->AtEOF(); rows->MoveNext())
+        contacts.append(ReadContact(*rows));
+    return contacts;
+}
+
 QList<clsKVContactPtr> EmbeddedDirectory::ContactsByAddress(const QString& address) const
 {
     dao::Database& database = Opened();

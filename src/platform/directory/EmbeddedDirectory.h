@@ -78,6 +78,9 @@ public:
 
     /// By name.
     QList<clsKVContactPtr> Contacts() const;
+    /// The first contacts with a reference above that one, at most limit, by reference: for reading a large directory
+    /// in steps. None when there are no more.
+    QList<clsKVContactPtr> ContactsAfter(qint32 reference, int limit) const;
     /// Contacts one of whose addresses is this one, without regard to case and each of its characters meaning itself,
     /// by name. None for the empty address.
     QList<clsKVContactPtr> ContactsByAddress(const QString& address) const;

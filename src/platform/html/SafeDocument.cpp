@@ -19,6 +19,9 @@ namespace
 {
 /// As deep as mail is taken apart (SafeHtml).
 constexpr qsizetype DeepestPage = 1000;
+/// What a parser takes however large the page is.
+constexpr qsizetype PieceOfText = 1'000'000;
+constexpr qsizetype LongestWord = 1000;
 
 const QString Policy =
     QStringLiteral("default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'");
@@ -64,9 +67,17 @@ bool IsPlainAttribute(const QString& name)
 
 bool FetchesByAttribute(const QString& name)
 {
-    static const QSet<QString> names =
-        Names({"background", "poster", "dynsrc", "lowsrc", "srcset", "longdesc", "ping"});
+    static const QSet<QString> names = Names({"background", "poster", "dynsrc", "lowsrc", "srcset", "imagesrcset",
+                                              "longdesc", "ping", "manifest", "codebase", "classid", "archive"});
     return names.contains(name);
+}
+
+/// Whether this element loads what the attribute names.
+bool FetchesBySource(const QString& element, const QString& attribute)
+{
+    static const QSet<QString> elements = Names({"iframe", "frame", "embed", "input", "source", "track", "script"});
+    return (attribute == u"src" && elements.contains(element)) || (attribute == u"data" && element == u"object") ||
+           (attribute == u"href" && element == u"link");
 }
 
 bool IsGoneWithContent(const QString& name)
@@ -100,6 +111,22 @@ class DocumentWriter
 public:
     explicit DocumentWriter(SafeDocument* document) : Document_(document) {}
 
+    /// Text alone, whose entities are resolved.
+    void WriteText(const QString& text)
+    {
+        Body_ += QStringLiteral("<div style=\"white-space: pre-wrap\">");
+        for (qsizetype begin = 0, end = 0; begin < text.size(); begin = end) {
+            end = EndOfPiece(text, begin);
+            const QString piece = text.sliced(begin, end - begin);
+            // The text has no tags left, so that parsing it resolves its entities and no more.
+            const HtmlTree tree(QByteArray("<span>") + piece.toUtf8());
+            if (tree.Root() != nullptr)
+                Write(tree.Root());
+            else
+                Body_ += EscapedText(piece);
+        }
+        Body_ += QStringLiteral("</div>");
+    }
     void Write(const GumboNode* root)
     {
         Stack_.append({root, 0, QString()});
@@ -137,6 +164,18 @@ private:
         QString EndTag;
     };
 
+    /// A piece ends behind a word, where there are words.
+    static qsizetype EndOfPiece(const QString& text, qsizetype begin)
+    {
+        if (text.size() - begin <= PieceOfText)
+            return text.size();
+        const qsizetype end = begin + PieceOfText;
+        for (qsizetype i = end; i > end - LongestWord; --i) {
+            if (text.at(i - 1).isSpace())
+                return i;
+        }
+        return text.at(end).isLowSurrogate() ? end - 1 : end;
+    }
     void WriteChild(const GumboNode* node)
     {
         switch (node->type) {
@@ -163,6 +202,7 @@ private:
     void WriteElement(const GumboNode* node)
     {
         const QString name = NameOf(node);
+        Count(node, name);
         if (name == u"html" || name == u"head")
             return GoThrough(node);
         if (name == u"body") {
@@ -175,7 +215,6 @@ private:
         }
         if (name == u"style")
             return TakeStyle(node);
-        Count(node, name);
         if (name == u"img" && !IsPictureWithin(Attribute(node, "src").trimmed())) {
             Body_ += EscapedText(Attribute(node, "alt"));
             return;
@@ -200,15 +239,28 @@ private:
     void Count(const GumboNode* node, const QString& name)
     {
         Document_->ActiveContent += IsActiveElement(name) ? 1 : 0;
-        if (name == u"meta" && !Attribute(node, "http-equiv").compare(u"refresh", Qt::CaseInsensitive))
+        if (name == u"meta" && !Attribute(node, "http-equiv").trimmed().compare(u"refresh", Qt::CaseInsensitive))
             ++Document_->ActiveContent;
-        const bool fetches = name == u"audio" || name == u"video" || name == u"bgsound" ||
-                             (name == u"link" && !Attribute(node, "href").isEmpty());
         const bool isPictureElsewhere =
             name == u"img" && !Attribute(node, "src").isEmpty() && !IsPictureWithin(Attribute(node, "src").trimmed());
+        const bool fetches = name == u"audio" || name == u"video" || name == u"bgsound";
         Document_->RemoteContent += fetches || isPictureElsewhere ? 1 : 0;
+        const GumboVector& attributes = node->v.element.attributes;
+        for (unsigned i = 0; i < attributes.length; ++i)
+            CountAttribute(static_cast<const GumboAttribute*>(attributes.data[i]), name);
     }
-    QString Attributes(const GumboNode* node, const QString& element)
+    void CountAttribute(const GumboAttribute* attribute, const QString& element)
+    {
+        const QString name = QString::fromUtf8(attribute->name).toLower();
+        const bool runs = name.startsWith(u"on") || name == u"formaction" || name == u"srcdoc" ||
+                          (name == u"href" && element == u"a" &&
+                           ReadLink(QString::fromUtf8(attribute->value)).Kind == LinkKind::Active);
+        Document_->ActiveContent += runs ? 1 : 0;
+        const bool fetches = (FetchesByAttribute(name) || FetchesBySource(element, name)) && *attribute->value != '\0';
+        const bool hasRemoteStyle = name == u"style" && NamesRemoteContent(QString::fromUtf8(attribute->value));
+        Document_->RemoteContent += fetches || hasRemoteStyle ? 1 : 0;
+    }
+    QString Attributes(const GumboNode* node, const QString& element) const
     {
         QString text;
         const auto add = [&text](const QString& name, const QString& value) {
@@ -220,32 +272,28 @@ private:
             const QString name = QString::fromUtf8(attribute->name).toLower();
             const QString value = QString::fromUtf8(attribute->value);
             if (name == u"style") {
-                Document_->RemoteContent += NamesRemoteContent(value) ? 1 : 0;
                 if (const QString style = StyleFilter::Declarations(value); !style.isEmpty())
                     add(name, style);
             } else if (name == u"href" && element == u"a") {
-                AddLink(value, add);
+                if (const QString address = SafeAddress(value); !address.isEmpty())
+                    add(name, address);
             } else if (name == u"src" && element == u"img") {
                 add(name, value.trimmed());
             } else if (IsPlainAttribute(name)) {
                 add(name, value);
-            } else {
-                Document_->ActiveContent +=
-                    name.startsWith(u"on") || name == u"formaction" || name == u"srcdoc" ? 1 : 0;
-                Document_->RemoteContent += FetchesByAttribute(name) ? 1 : 0;
             }
         }
         return text;
     }
-    template <typename Add>
-    void AddLink(const QString& address, Add&& add)
+    /// Empty for a link that goes.
+    static QString SafeAddress(const QString& address)
     {
         const SafeLink link = ReadLink(address);
-        Document_->ActiveContent += link.Kind == LinkKind::Active ? 1 : 0;
         if (link.Kind == LinkKind::Safe)
-            add(QStringLiteral("href"), link.Address);
-        else if (link.Kind == LinkKind::Place)
-            add(QStringLiteral("href"), address.trimmed());
+            return link.Address;
+        // With something invisible in front it would be an address beside the page, and none within it.
+        const QString place = address.trimmed();
+        return link.Kind == LinkKind::Place && place.startsWith(u'#') ? place : QString();
     }
 
     SafeDocument* Document_;
@@ -276,8 +324,9 @@ SafeDocument MakeDocumentSafe(const QString& html)
         return document;
     SafeDocument textOnly;
     textOnly.IsTextOnly = true;
-    // The text has no tags left, so that parsing it resolves its entities and no more.
-    WriteTree(QStringLiteral("<div style=\"white-space: pre-wrap\">") + TagScanner::TextOf(html), &textOnly);
+    DocumentWriter writer(&textOnly);
+    writer.WriteText(TagScanner::TextOf(html));
+    textOnly.Html = writer.Page();
     return textOnly;
 }
 

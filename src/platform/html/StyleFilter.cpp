@@ -23,10 +23,11 @@ std::optional<QString> Declaration(const QString& text)
 {
     static const QRegularExpression pattern(
         QStringLiteral("^([a-zA-Z-]+)\\s*:\\s*((?:[\\w\\s#.,%!+\\-/\"']|rgba?\\([\\d\\s,.%/]*\\))+)$"));
-    const QRegularExpressionMatch match = pattern.match(text.trimmed());
+    // Without runs of blanks, which the pattern could share out in too many ways.
+    const QRegularExpressionMatch match = pattern.match(text.simplified());
     if (!match.hasMatch() || !IsHarmless(match.captured(1).toLower()))
         return std::nullopt;
-    const QString value = match.captured(2).simplified();
+    const QString value = match.captured(2);
     if (value.count(u'"') % 2 != 0 || value.count(u'\'') % 2 != 0)
         return std::nullopt;
     return match.captured(1).toLower() + QStringLiteral(": ") + value;

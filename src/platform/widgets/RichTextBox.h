@@ -133,8 +133,9 @@ Q_SIGNALS:
     void MouseDown(Qt::MouseButton button, const QPoint& point);
     void MouseUp(Qt::MouseButton button, const QPoint& point);
 
-    /// The menu of the box is about to show; what belongs to it is added at its end. Connect directly.
-    void MenuWanted(QMenu* menu);
+    /// The menu of the box is about to show; what belongs to it is added at its end. place is the position it is about:
+    /// under the mouse, or that of the caret when a key asked for it. Connect directly.
+    void MenuWanted(QMenu* menu, int place);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

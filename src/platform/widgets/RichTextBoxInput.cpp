@@ -250,7 +250,8 @@ void RichTextBox::contextMenuEvent(QContextMenuEvent* event)
     menu->addSeparator();
     connect(add(tr("Select &all"), QKeySequence::SelectAll, !document()->isEmpty()), &QAction::triggered, this,
             &QTextEdit::selectAll);
-    Q_EMIT MenuWanted(menu);
+    const bool isAtMouse = event->reason() == QContextMenuEvent::Mouse;
+    Q_EMIT MenuWanted(menu, isAtMouse ? cursorForPosition(event->pos()).position() : SelStart());
     menu->popup(event->globalPos());
     event->accept();
 }

@@ -28,7 +28,7 @@ const QString NoneOfTable = QStringLiteral("SELECT [Reference] FROM [Prizes] WHE
 
 void uPrizesList::UpdateDisplay()
 {
-    if (!Ready_ || !HasDatabase() || Refreshing_)
+    if (!Ready_ || !HasDatabase() || Refreshing_ || RowsFollow_)
         return;
     const QPointer<uPrizesList> self(this);
     const QPointer<cTolvaDatabase> shownDatabase = clsTolvaDatabase_;
@@ -65,20 +65,17 @@ void uPrizesList::UpdateDisplay()
         const qint32 referenceToRestore = rowToRestore >= 1 ? SelectedReference_ : 0;
         SelectedReference_ = 0;
         FindText_ = comboFind_->TakeText();
-        if (!RowsFollow_) {
-            // What is stored while the rows are read may be missing in them: the stamp of before says so at the next
-            // tick.
-            const Date stampBefore = clsTolvaDatabase_->LastPrizeChanged();
-            if (const auto rows = OpenQuery()) {
-                Fill(*rows, rowToRestore, referenceToRestore);
-                isRead = true;
-            } else if (self) {
-                ShowRows(rowToRestore);
-            }
-            if (!self || !HasDatabase())
-                return;
-            LastPrizeStamp_ = stampBefore;
+        // What is stored while the rows are read may be missing in them: the stamp of before says so at the next tick.
+        const Date stampBefore = clsTolvaDatabase_->LastPrizeChanged();
+        if (const auto rows = OpenQuery()) {
+            Fill(*rows, rowToRestore, referenceToRestore);
+            isRead = true;
+        } else if (self) {
+            ShowRows(rowToRestore);
         }
+        if (!self || !HasDatabase())
+            return;
+        LastPrizeStamp_ = stampBefore;
         SelectRow(rowToRestore);
     }
     if (isAbandoned()) {

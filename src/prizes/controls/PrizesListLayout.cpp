@@ -41,6 +41,7 @@ void uPrizesList::MakeControls()
     treeCategories_ = Named(new CategoryTreeView(&tbsCategories_->Page()), "treeCategories");
     treeCategories_->setAccessibleName(tr("Kinds of prizes"));
     treeCategories_->setFrameShape(QFrame::StyledPanel);
+    treeCategories_->setRootIsDecorated(false); // no kind has kinds of its own
     picPrizes_ = Named(new QWidget(this), "picPrizes");
     tbsPrizes_ = Named(new TabStrip(picPrizes_), "tbsPrizes");
     tbsPrizes_->ShowSingleTab(QStringLiteral("Prizes"));

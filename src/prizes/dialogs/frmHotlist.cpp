@@ -64,6 +64,7 @@ void frmHotlist::MakeControls()
         Named(new QLabel(QStringLiteral("Choose the hotlist (right click to delete):"), this), "lblChooseHotlist");
     txtHotlistName_ = Named(new TextBox(this), "txtHotlistName");
     txtHotlistName_->setAccessibleName(tr("Name of the hotlist"));
+    txtHotlistName_->setPlaceholderText(tr("Name of the hotlist"));
     listBox_ = Named(new QListWidget(this), "listBox");
     listBox_->setAccessibleName(tr("Hotlists"));
     listBox_->installEventFilter(this);

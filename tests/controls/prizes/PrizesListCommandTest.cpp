@@ -4,6 +4,7 @@
 #include "platform/widgets/TabStrip.h"
 #include "prizes/PrizesListTest.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
@@ -249,6 +250,9 @@ TEST_F(PrizesListCommandTest, ADragCarriesTheReferenceOfTheRowThatWasPressed)
     EXPECT_TRUE(OtherComputer().DeletePrize(references.at(0)));
     drag(1, 10);
     EXPECT_EQ(texts.size(), 1);
+    // That drag is over, and the next one begins.
+    drag(2, 10);
+    EXPECT_EQ(texts.size(), 2);
 }
 
 TEST_F(PrizesListCommandTest, F5ReadsTheListAndTheTree)
@@ -303,6 +307,24 @@ TEST_F(PrizesListCommandTest, DroppingDownOffersEachTextOnce)
     EXPECT_EQ(Box->itemText(0), QStringLiteral("Mug"));
     EXPECT_EQ(Box->itemText(1), QStringLiteral("pen"));
     EXPECT_EQ(Box->Text(), QStringLiteral("MUG"));
+}
+
+TEST_F(PrizesListCommandTest, ChoosingAnEntryOfTheBoxSearchesForIt)
+{
+    Save(QStringLiteral("Mug"));
+    Save(QStringLiteral("Pen"));
+    Attach();
+    Find(QStringLiteral("mug"));
+    Find(QStringLiteral("pen"));
+    TakeFills();
+    QTest::keyClick(Box, Qt::Key_Down, Qt::AltModifier);
+    ASSERT_TRUE(Box->view()->isVisible());
+    QTest::mouseClick(Box->view()->viewport(), Qt::LeftButton, {},
+                      Box->view()->visualRect(Box->model()->index(0, 0)).center());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return Box->Text() == QStringLiteral("mug"); }, 10'000));
+    EXPECT_EQ(TakeFills(), 1);
+    EXPECT_EQ(Titles(), QStringList{QStringLiteral("Mug")});
+    EXPECT_EQ(Box->lineEdit()->selectedText(), QStringLiteral("mug"));
 }
 
 TEST_F(PrizesListCommandTest, AnEmptyBoxShowsAllPrizesWhenItLosesTheFocus)

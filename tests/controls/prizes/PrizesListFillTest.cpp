@@ -41,6 +41,21 @@ TEST_F(PrizesListFillTest, TheWindowAnswersEvery25RowsFromTheFirstOn)
     EXPECT_EQ(Grid->Rows(), 53);
 }
 
+TEST_F(PrizesListFillTest, TheGridGrowsBy500RowsAndEndsWithThoseThatItHolds)
+{
+    SaveMany(30);
+    Attach(plcWonPrizes);
+    ASSERT_EQ(Grid->Rows(), 1);
+    bool looked = false;
+    AtYield(1, [&] {
+        looked = true;
+        EXPECT_EQ(Grid->Rows(), 501);
+    });
+    List->SetCategory(plcAllPrizes);
+    EXPECT_TRUE(looked);
+    EXPECT_EQ(Grid->Rows(), 31);
+}
+
 TEST_F(PrizesListFillTest, WhileItFillsTheTreeAndTheTabWaitAndAnotherUpdateIsDropped)
 {
     SaveMany(30);
@@ -318,6 +333,24 @@ TEST_F(PrizesListFillTest, NoStationEmptiesTheList)
     EXPECT_EQ(TakeFills(), 0);
     Save(QStringLiteral("Unheard"));
     EXPECT_EQ(List->NumberItems(), 0);
+}
+
+TEST_F(PrizesListFillTest, AnotherStationTellsNothingOfTheRowsOfTheOneBefore)
+{
+    SaveMany(2);
+    Attach(plcAllPrizes);
+    ClickRow(2);
+    TakeSelections();
+    Directory.User.Preferences.insert(QStringLiteral("SelectedPrizeCategory"), static_cast<int>(plcWonPrizes));
+    List->SetTolvaDatabase(&OtherComputer());
+    EXPECT_EQ(TakeSelections(), QList<qint32>{0});
+    EXPECT_EQ(TakeFills(), 1);
+    EXPECT_EQ(List->Category(), plcWonPrizes);
+    // The one before is not listened to any more.
+    Station->SetRaiseEvents(true);
+    Save(QStringLiteral("Unheard"));
+    EXPECT_EQ(TakeFills(), 0);
+    List->SetTolvaDatabase(nullptr);
 }
 
 TEST_F(PrizesListFillTest, OtherPreferencesReadNothing)

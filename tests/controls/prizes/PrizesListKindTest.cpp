@@ -1,5 +1,6 @@
 // Which prizes each kind shows, and in what words.
 
+#include "platform/widgets/Icons.h"
 #include "prizes/PrizesListTest.h"
 
 #include <QLineEdit>
@@ -35,6 +36,20 @@ TEST_F(PrizesListKindTest, TheTreeHoldsTheFiveKindsInTheirOrder)
     EXPECT_EQ(keys, QStringList({QStringLiteral("c1"), QStringLiteral("c2"), QStringLiteral("c5"), QStringLiteral("c4"),
                                  QStringLiteral("c3")}));
     EXPECT_EQ(Tree->SelectedKey(), QStringLiteral("c3"));
+}
+
+TEST_F(PrizesListKindTest, TheChosenKindHasAnOpenFolderAndNoNameIsCutShort)
+{
+    Attach(plcAllPrizes);
+    const auto picture = [](const QIcon& icon) { return icon.pixmap(16).toImage(); };
+    for (QTreeWidgetItemIterator item(Tree); *item; ++item) {
+        const bool isChosen = Tree->KeyOfItem(**item) == QStringLiteral("c3");
+        EXPECT_EQ(picture((*item)->icon(0)), picture(Icons::Get(isChosen ? QStringLiteral("smallopenfolder")
+                                                                         : QStringLiteral("smallclosedfolder"))));
+        EXPECT_LE(Tree->visualItemRect(*item).left() + Tree->sizeHintForIndex(Tree->indexFromItem(*item)).width(),
+                  Tree->viewport()->width())
+            << qPrintable((*item)->text(0));
+    }
 }
 
 TEST_F(PrizesListKindTest, AvailableThisHourAsksForTheHourOfUniversalTime)
@@ -112,6 +127,18 @@ TEST_F(PrizesListKindTest, WonPrizesShowTheirCountsAndRecentOnesWhenTheyWereWon)
     ClickNode(plcRecentlyWonPrizes);
     EXPECT_EQ(Titles(), QStringList{QStringLiteral("Fresh")});
     EXPECT_EQ(SecondLines(), QStringList{QStringLiteral("12 minutes ago")});
+}
+
+TEST_F(PrizesListKindTest, PrizesAreRecentForSevenDays)
+{
+    Award(Save(QStringLiteral("Mug")));
+    Now.Advance(7 * 86400 - 60);
+    Attach(plcRecentlyWonPrizes);
+    EXPECT_EQ(Titles(), QStringList{QStringLiteral("Mug")});
+    EXPECT_EQ(SecondLines(), QStringList{QStringLiteral("Last Saturday 14:05")});
+    Now.Advance(2 * 60);
+    List->UpdateDisplay();
+    EXPECT_EQ(List->NumberItems(), 0);
 }
 
 TEST_F(PrizesListKindTest, OneLineRowsShowTheTitleAlone)

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 
@@ -366,6 +367,30 @@ TEST_F(HotlistOperationTest, SavesAndLoadsHours)
         EXPECT_EQ(Station->LoadAvailableHoursHotlist(&window), QString());
     }
     window.close();
+}
+
+TEST_F(HotlistOperationTest, SavingOverAHotlistReplacesItsHoursAndMakesNoSecondOne)
+{
+    Store(QStringLiteral("HR.Nights"), QStringLiteral("the hours"));
+    {
+        // The dialog is the real one; its question is answered here.
+        const WhenShown<QMessageBox> answer([](QMessageBox& box) {
+            EXPECT_EQ(box.text(), QStringLiteral("Are you sure you want to overwrite the current hotlist?"));
+            EXPECT_EQ(box.icon(), QMessageBox::Question);
+            EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+            QTest::mouseClick(box.button(QMessageBox::Yes), Qt::LeftButton);
+        });
+        const WhenShown<frmHotlist> user([](frmHotlist& form) {
+            QTest::keyClicks(&Name(form), QStringLiteral("nights "));
+            QTest::keyClick(&Name(form), Qt::Key_Return);
+        });
+        EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QStringLiteral("other hours"), nullptr));
+    }
+    const WhenShown<frmHotlist> user([](frmHotlist& form) {
+        EXPECT_EQ(Entries(form), QStringList{QStringLiteral("Nights")});
+        Press(form, "cmdOK");
+    });
+    EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QStringLiteral("other hours"));
 }
 
 TEST_F(HotlistOperationTest, AWindowThatGoesTakesTheDialogAlongAndNothingIsChosen)

@@ -1,6 +1,7 @@
 #include "prizes/controls/uPrizeBasic.h"
 
 #include "messageslist/ErrorCatcher.h"
+#include "platform/records/DBEngine.h"
 #include "platform/widgets/ListView.h"
 #include "platform/widgets/PropertyBag.h"
 #include "platform/widgets/SystemColour.h"
@@ -268,6 +269,48 @@ TEST_F(uPrizeBasicTest, AnUpdateChangesTheListInPlace)
     EXPECT_EQ(Winners().verticalScrollBar()->value(), scrolled);
     EXPECT_TRUE(Show().isEnabled());
     EXPECT_NE(Column("WONDATE").last(), QStringLiteral("(Won just now)"));
+}
+
+TEST_F(uPrizeBasicTest, FiveHundredWinnersKeepSelectionAndScrollAndAskNoQuery)
+{
+    dao::DBEngine::BeginTrans();
+    const cPrizePtr prize = MakePrize(500, QList<qint32>(500, 11));
+    dao::DBEngine::CommitTrans();
+    View->SetPrize(prize);
+    ASSERT_EQ(Winners().ItemCount(), 500);
+    EXPECT_EQ(Status(), QStringLiteral("All 500 Prizes have been won"));
+    QCoreApplication::processEvents(); // the rows are laid out
+    QScrollBar& bar = *Winners().verticalScrollBar();
+    bar.setValue(bar.maximum() / 2);
+    const int scrolled = bar.value();
+    ASSERT_GT(scrolled, 0);
+    const QTreeWidgetItem* const top = Winners().itemAt(5, 5);
+    const int row = Winners().indexOfTopLevelItem(const_cast<QTreeWidgetItem*>(top)) + 2;
+    ClickItem(row);
+    const QString selected = Winners().SelectedKey();
+    ASSERT_EQ(selected, QStringLiteral("w%1").arg(prize->PrizeWinner(static_cast<qint16>(row + 1))->Reference()));
+    const QStringList keys = Winners().Keys();
+
+    // Without its file the station answers no query; the names come from the directory, one call each.
+    Station->CloseTolvaDatabase();
+    People.Asked = 0;
+    Now.Advance(86400);
+    View->UpdateWinners();
+    EXPECT_EQ(People.Asked, 500);
+    EXPECT_EQ(Winners().Keys(), keys);
+    EXPECT_EQ(Winners().SelectedKey(), selected);
+    EXPECT_EQ(bar.value(), scrolled);
+    EXPECT_EQ(Winners().itemAt(5, 5), top);
+    EXPECT_TRUE(Show().isEnabled());
+    EXPECT_TRUE(Column("WONDATE").last().startsWith(QStringLiteral("Yesterday")))
+        << qPrintable(Column("WONDATE").last());
+
+    // One of those above goes: the others stay the items that they are, and the selected one with them.
+    prize->SetPrizeWinner(3, nullptr);
+    View->UpdateWinners();
+    EXPECT_EQ(Winners().ItemCount(), 499);
+    EXPECT_EQ(Winners().SelectedKey(), selected);
+    EXPECT_EQ(Winners().Keys().indexOf(selected), row - 1);
 }
 
 TEST_F(uPrizeBasicTest, AWinnerDeletedElsewhereDisappearsAndTheOthersKeepTheirSelection)

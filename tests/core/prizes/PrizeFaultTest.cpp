@@ -109,11 +109,16 @@ TEST_P(PrizeFaultTest, ADeletedPrizeIsGoneAndItsWinnersWithItOrAnErrorStands)
         [&] {
             prize = SaveNewPrize();
             ASSERT_NE(Award(prize), 0);
+            Forget();
         },
         [&] { IsDone = Station->DeletePrize(prize); },
         [&](int call) {
+            EXPECT_EQ(Audit(), QStringList{QStringLiteral("18 Prize Deleted: Tickets (%1)").arg(IsDone ? 1 : 0)});
+            EXPECT_EQ(Events.size(), IsDone ? 1 : 0) << call;
             if (!IsDone) {
                 EXPECT_NE(Error, 0) << call;
+                EXPECT_TRUE(IsThere(QStringLiteral("Prizes"), prize)) << call;
+                EXPECT_EQ(Station->StoredWinners(prize), 1) << call;
                 return;
             }
             EXPECT_FALSE(IsThere(QStringLiteral("Prizes"), prize)) << call;
@@ -130,9 +135,12 @@ TEST_P(PrizeFaultTest, AWinnerTakenBackIsGoneAndItsUnitIsBackOrAnErrorStands)
             prize = SaveNewPrize();
             winner = Award(prize);
             ASSERT_NE(winner, 0);
+            Forget();
         },
         [&] { IsDone = Station->DeletePrizeWinner(winner); },
         [&](int call) {
+            EXPECT_EQ(Audit().last(),
+                      QStringLiteral("28 Prize Winner Deleted: 'Carla Count' from 'Tickets' (%1)").arg(IsDone ? 1 : 0));
             if (!IsDone) {
                 EXPECT_NE(Error, 0) << call;
                 return;
@@ -145,3 +153,68 @@ TEST_P(PrizeFaultTest, AWinnerTakenBackIsGoneAndItsUnitIsBackOrAnErrorStands)
 INSTANTIATE_TEST_SUITE_P(Calls, PrizeFaultTest,
                          testing::Values(FaultVfs::Operation::Write, FaultVfs::Operation::Sync,
                                          FaultVfs::Operation::Truncate));
+
+/// Other software took a table out of the file, or out of the file's list of its tables.
+class MissingTableTest : public PrizeTest
+{
+protected:
+    void Drop(const char* table) const { Execute(QByteArray("DROP TABLE ") + table); }
+    void Unlist(const char* table) const
+    {
+        Execute(QByteArray("DELETE FROM \"~Tables\" WHERE Name='") + table + '\'');
+        Drop(table); // which tells all who have the file open that its tables are others now
+    }
+
+private:
+    void Execute(const QByteArray& statement) const
+    {
+        sqlite3* file = nullptr;
+        ASSERT_EQ(sqlite3_open(FileName().toUtf8().constData(), &file), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(file, statement.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(file);
+    }
+};
+
+TEST_F(MissingTableTest, ATableThatIsNotListedEndsASaveAtOnceWithALineInTheLog)
+{
+    const qint32 reference = SaveNewPrize();
+    const cPrizePtr prize = Station->GetPrize(reference, false);
+    const cPrizeWinnerPtr winner = Station->GetNewPrizeWinner(prize);
+    LogSpy log;
+    Unlist("PrizeWinners");
+    EXPECT_FALSE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(log.Take().last(), QStringLiteral("Failed to open - ") + Station->LastErrorDescription());
+    Unlist("Prizes");
+    EXPECT_FALSE(Station->SavePrize(prize));
+    EXPECT_EQ(log.Take().last(), QStringLiteral("Failed to open - ") + Station->LastErrorDescription());
+    EXPECT_EQ(Station->LastErrorNumber(), dao::errTableNotFound);
+    EXPECT_FALSE(Ui.IsBusy());
+    EXPECT_TRUE(Audit().isEmpty());
+    EXPECT_TRUE(Events.isEmpty());
+}
+
+TEST_F(MissingTableTest, AMissingTableFailsEveryOperationWithItsReason)
+{
+    const qint32 reference = SaveNewPrize();
+    const cPrizePtr prize = Station->GetPrize(reference, false);
+    const cPrizeWinnerPtr winner = Station->GetNewPrizeWinner(prize);
+    Drop("PrizeWinners");
+    EXPECT_FALSE(Station->SavePrizeWinner(winner));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_EQ(winner->Reference(), 0);
+    EXPECT_FALSE(Station->DeletePrizeWinner(1));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_EQ(Station->StoredWinners(reference), -1);
+    EXPECT_FALSE(Station->RecountWinners(reference));
+    EXPECT_EQ(Station->GetNumberWinsForContact(11), -1);
+    EXPECT_TRUE(Audit().isEmpty());
+    Drop("Prizes");
+    EXPECT_EQ(Station->GetPrize(reference, true), nullptr);
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_FALSE(Station->DeletePrize(reference));
+    EXPECT_FALSE(Station->SavePrize(prize));
+    EXPECT_EQ(Audit(),
+              QStringList{QStringLiteral("17 Prize Edited: Tickets - %1 (0)").arg(Station->LastErrorDescription())});
+    EXPECT_FALSE(Ui.IsBusy());
+    EXPECT_TRUE(Events.isEmpty());
+}

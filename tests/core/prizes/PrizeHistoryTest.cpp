@@ -162,3 +162,22 @@ TEST_F(PrizeHistoryTest, OnlyWinsAreCounted)
     Station->CloseTolvaDatabase();
     EXPECT_EQ(Station->GetNumberWinsForContact(11), -1);
 }
+
+TEST_F(PrizeHistoryTest, WithoutAContactAPrizeThatNobodyWonHasNoWinner)
+{
+    Supply(QStringLiteral("Mug"), 20);
+    EXPECT_EQ(Fill(TitleAndRole, 0), QStringList{QStringLiteral("p1:Mug|")});
+    const qint32 prize = Supply(QStringLiteral("Tickets"), 20);
+    Award(prize, 11);
+    EXPECT_EQ(Fill(TitleAndRole, 0), (QStringList{QStringLiteral("p1:Mug|"), QStringLiteral("w1:Tickets|")}));
+    EXPECT_EQ(Fill(TitleAndRole, -5), (QStringList{QStringLiteral("p1:Mug|"), QStringLiteral("w1:Tickets|")}));
+}
+
+TEST_F(PrizeHistoryTest, AnAwarderWhoSuppliedAnotherPrizeSeesBoth)
+{
+    Supply(QStringLiteral("Mug"), 7);
+    Award(Supply(QStringLiteral("Tickets"), 20), 11);
+    EXPECT_EQ(Fill(TitleAndRole, 7),
+              (QStringList{QStringLiteral("p1:Mug|Supplier"), QStringLiteral("w1:Tickets|Awarder")}));
+    EXPECT_TRUE(Fill(TitleAndRole, 99).isEmpty());
+}

@@ -347,3 +347,63 @@ TEST_F(PrizeStoreTest, AnotherObjectOnTheFileSeesSavesAndStamps)
     EXPECT_TRUE(Events.isEmpty()); // an event is for the listeners of its own object
     EXPECT_EQ(second.LastPrizeChanged(), Station->LastPrizeChanged());
 }
+
+TEST_F(PrizeStoreTest, DatesKeepTheirClockFaceAroundTheChangesOfTheClock)
+{
+    // London goes forward on 29 March 2026 at 01:00 and back on 25 October at 02:00.
+    const QList<Date> moments = {Date(2026, 3, 29, 0, 59, 59), Date(2026, 3, 29, 2, 0, 0),
+                                 Date(2026, 3, 29, 23, 0, 0),  Date(2026, 10, 25, 0, 59, 59),
+                                 Date(2026, 10, 25, 1, 30, 0), Date(2026, 10, 25, 2, 0, 0),
+                                 Date(2028, 2, 29, 23, 59, 59)};
+    for (const Date moment : moments) {
+        const cPrizePtr prize = MakePrize();
+        prize->SetStartDate(moment);
+        prize->SetEndDate(moment);
+        ASSERT_TRUE(Station->SavePrize(prize));
+        const cPrizePtr read = Station->GetPrize(prize->Reference(), false);
+        EXPECT_EQ(read->StartDateString(), moment.GeneralDate());
+        EXPECT_TRUE(read->AvailableForDate(moment)) << qPrintable(moment.GeneralDate());
+        EXPECT_FALSE(read->AvailableForDate(Date(moment.DayNumber() + 1 / 86400.0)));
+    }
+    // An hour that the clock skips counts as if it had not gone forward: half past one is read as half past two.
+    const cPrizePtr skipped = MakePrize();
+    skipped->SetStartDate(Date(2026, 3, 29, 1, 30, 0));
+    ASSERT_TRUE(Station->SavePrize(skipped));
+    EXPECT_EQ(Station->GetPrize(skipped->Reference(), false)->StartDate(), Date(2026, 3, 29, 2, 30, 0));
+}
+
+TEST_F(PrizeStoreTest, TheEventTellsOfTheMarkBeforeTheSaveTouchedThePrize)
+{
+    const cPrizePtr prize = MakePrize();
+    prize->SetEdited(false);
+    ASSERT_TRUE(Station->SavePrize(prize)); // which enters who added it and when
+    EXPECT_EQ(Events, QStringList{QStringLiteral("saved 1 Tickets 0")});
+    EXPECT_EQ(prize->AddedByReference(), 7);
+}
+
+TEST_F(PrizeStoreTest, ThePointerIsNormalWhenThePrizeLosesItsMark)
+{
+    const cPrizePtr prize = MakePrize();
+    QList<bool> busy;
+    QObject::connect(prize.get(), &cPrize::PrizeEdited, [&](bool) { busy.append(Ui.IsBusy()); });
+    ASSERT_TRUE(Station->SavePrize(prize));
+    // Who added it and when, then its number and the mark.
+    EXPECT_EQ(busy, (QList<bool>{true, true, false, false}));
+}
+
+TEST_F(PrizeStoreTest, TheStampIsTheNumberToEightPlacesAndWhatIsNoneReadsAsNoDate)
+{
+    const QString setting = QStringLiteral("Prizes.LastChanged");
+    Station->SetLastPrizeChanged(Date(46347.123456789));
+    EXPECT_EQ(Station->DatabaseSetting(setting, QString()).toString(), QStringLiteral("46347.12345679"));
+    EXPECT_EQ(Station->LastPrizeChanged(), Date(46347.12345679));
+    Station->SetLastPrizeChanged(Date(46347.5));
+    EXPECT_EQ(Station->DatabaseSetting(setting, QString()).toString(), QStringLiteral("46347.5"));
+    Station->SetLastPrizeChanged(Date(46350));
+    EXPECT_EQ(Station->DatabaseSetting(setting, QString()).toString(), QStringLiteral("46350"));
+    EXPECT_EQ(Station->LastPrizeChanged(), Date(46350));
+    for (const char* text : {"soon", "0", "-3"}) {
+        Station->SetDatabaseSetting(setting, QString::fromLatin1(text), QString());
+        EXPECT_EQ(Station->LastPrizeChanged(), Date()) << text;
+    }
+}

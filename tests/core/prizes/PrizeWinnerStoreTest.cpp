@@ -8,9 +8,50 @@ const QString Winners = QStringLiteral("PrizeWinners");
 const QString FullyAllocated =
     QStringLiteral("There was a problem saving a Prize Winner because the Prize has already been fully allocated");
 
+/// Something happens on another computer while a name is looked up.
+class MeddlingDirectory : public ContactDirectory
+{
+public:
+    MeddlingDirectory(const FakeDirectory& directory, std::function<void()> meddle)
+        : ContactDirectory(directory), Meddle_(std::move(meddle))
+    {
+    }
+    clsKVContactPtr GetContact(qint32 reference, int sort, int part) const override
+    {
+        Meddle_();
+        return ContactDirectory::GetContact(reference, sort, part);
+    }
+
+private:
+    std::function<void()> Meddle_;
+};
+
 class PrizeWinnerStoreTest : public PrizeTest
 {
 protected:
+    void TearDown() override
+    {
+        Second_.reset();
+        PrizeTest::TearDown();
+    }
+    /// Another computer that has the station open.
+    cTolvaDatabase& Second()
+    {
+        if (!Second_) {
+            Second_ = std::make_unique<cTolvaDatabase>();
+            Second_->SetDirectoryDatabase(&Contacts);
+            Second_->SetMakesAutomaticBackups(false);
+            EXPECT_EQ(Second_->OpenTolvaDatabase(Folder.path()), 0);
+        }
+        return *Second_;
+    }
+    void AwardElsewhere(qint32 prize)
+    {
+        const cPrizeWinnerPtr theirs = Second().GetNewPrizeWinner(Second().GetPrize(prize, false));
+        ASSERT_NE(theirs, nullptr);
+        theirs->SetWinnerReference(12);
+        EXPECT_TRUE(Second().SavePrizeWinner(theirs));
+    }
     qint32 Counted(qint32 prize) const { return StoredPrize(prize, QStringLiteral("NumberWinners")).toInt(); }
     Date LastWon(qint32 prize) { return Station->GetPrize(prize, false)->LastWonDate(); }
     cPrizeWinnerPtr NewWinner(qint32 prize, qint32 contact = 11)
@@ -20,6 +61,9 @@ protected:
             winner->SetWinnerReference(contact);
         return winner;
     }
+
+private:
+    std::unique_ptr<cTolvaDatabase> Second_;
 };
 } // namespace
 
@@ -424,4 +468,126 @@ TEST_F(PrizeWinnerStoreTest, ACountIsRaisedToTheRowsAndNeverLowered)
     Station->CloseTolvaDatabase();
     EXPECT_EQ(Station->StoredWinners(prize), -1);
     EXPECT_FALSE(Station->CountStoredWinners(prize));
+}
+
+TEST_F(PrizeWinnerStoreTest, ThePointerIsNormalWhenTheWinnerLosesItsMark)
+{
+    const cPrizeWinnerPtr winner = NewWinner(SaveNewPrize());
+    QList<bool> busy;
+    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool) { busy.append(Ui.IsBusy()); });
+    ASSERT_TRUE(Station->SavePrizeWinner(winner));
+    // The date before the row, then the number, the mark, and the prize when it is counted.
+    EXPECT_EQ(busy, (QList<bool>{true, false, false, false}));
+}
+
+TEST_F(PrizeWinnerStoreTest, AnAwardOnAnotherComputerDuringAnEditKeepsItsCount)
+{
+    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 5);
+    const cPrizeWinnerPtr winner = Station->GetPrizeWinner(Award(prize));
+    Second();
+    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool edited) {
+        if (!edited)
+            AwardElsewhere(prize);
+    });
+    ASSERT_TRUE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(WinnerRows(), 2);
+    EXPECT_EQ(Counted(prize), 2);
+    EXPECT_EQ(LastWon(prize), winner->WonDate());
+}
+
+TEST_F(PrizeWinnerStoreTest, AnEditOfAPrizeThatGoesMeanwhileDoesNotBringItBack)
+{
+    const qint32 prize = SaveNewPrize();
+    const cPrizeWinnerPtr winner = Station->GetPrizeWinner(Award(prize));
+    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool edited) {
+        if (!edited)
+            DeleteRow(QStringLiteral("Prizes"), prize);
+    });
+    EXPECT_TRUE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(PrizeRows(), 0);
+}
+
+TEST_F(PrizeWinnerStoreTest, AnAwardOnAnotherComputerWhileAWinnerIsTakenBackKeepsItsCount)
+{
+    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 5);
+    const qint32 reference = Award(prize);
+    Second();
+    // The contact's name is asked for between the look at the prize and the deletion.
+    MeddlingDirectory meddling(Directory, [&] { AwardElsewhere(prize); });
+    Station->SetDirectoryDatabase(&meddling);
+    EXPECT_TRUE(Station->DeletePrizeWinner(reference));
+    EXPECT_EQ(WinnerRows(), 1);
+    EXPECT_EQ(Counted(prize), 1);
+    Station->SetDirectoryDatabase(&Contacts);
+}
+
+TEST_F(PrizeWinnerStoreTest, APrizeThatGoesWhileItsWinnerIsTakenBackDoesNotComeBack)
+{
+    const qint32 prize = SaveNewPrize();
+    const qint32 reference = Award(prize);
+    Forget();
+    MeddlingDirectory meddling(Directory, [&] { DeleteRow(QStringLiteral("Prizes"), prize); });
+    Station->SetDirectoryDatabase(&meddling);
+    EXPECT_TRUE(Station->DeletePrizeWinner(reference));
+    EXPECT_EQ(PrizeRows(), 0);
+    EXPECT_EQ(WinnerRows(), 0);
+    EXPECT_EQ(Audit(), QStringList{QStringLiteral("28 Prize Winner Deleted: 'Carla Count' from 'Tickets' (1)")});
+    EXPECT_TRUE(Events.isEmpty());
+    Station->SetDirectoryDatabase(&Contacts);
+}
+
+TEST_F(PrizeWinnerStoreTest, AWinnerWhoWasNotCountedMovesTheLastDateWhenCounted)
+{
+    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
+    Award(prize, 11);
+    const Date first = LastWon(prize);
+    Now.Advance(3600);
+    Award(prize, 12);
+    const Date second = LastWon(prize);
+    // As a program leaves it that was killed in between.
+    OverwritePrize(prize, QStringLiteral("NumberWinners"), 1);
+    OverwritePrize(prize, QStringLiteral("LastWonDate"), ClockHelper::LocalToUTC(first).DayNumber());
+    Forget();
+    EXPECT_TRUE(Station->CountStoredWinners(prize));
+    EXPECT_EQ(Counted(prize), 2);
+    EXPECT_EQ(LastWon(prize), second);
+    EXPECT_EQ(Audit(), QStringList{QStringLiteral("17 Prize Edited: Tickets (1)")});
+    Forget();
+    EXPECT_TRUE(Station->CountStoredWinners(prize)); // right already
+    EXPECT_TRUE(Audit().isEmpty());
+}
+
+TEST_F(PrizeWinnerStoreTest, ARecountLowersTheCountAsWell)
+{
+    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 2);
+    Award(prize, 11);
+    const Date won = LastWon(prize);
+    // As a program leaves it that was killed after it took a winner back.
+    OverwritePrize(prize, QStringLiteral("NumberWinners"), 2);
+    EXPECT_EQ(NewWinner(prize), nullptr);
+    EXPECT_TRUE(Station->RecountWinners(prize));
+    EXPECT_EQ(Counted(prize), 1);
+    EXPECT_EQ(LastWon(prize), won);
+    EXPECT_NE(NewWinner(prize), nullptr);
+    OverwritePrize(prize, QStringLiteral("NumberWinners"), 0);
+    EXPECT_TRUE(Station->RecountWinners(prize));
+    EXPECT_EQ(Counted(prize), 1);
+    EXPECT_FALSE(Station->RecountWinners(99));
+    Station->CloseTolvaDatabase();
+    EXPECT_FALSE(Station->RecountWinners(prize));
+}
+
+TEST_F(PrizeWinnerStoreTest, AWonDateOfLessThanNoneBecomesTheMomentOfTheSave)
+{
+    const cPrizeWinnerPtr winner = NewWinner(SaveNewPrize());
+    winner->SetWonDate(Date(-1));
+    ASSERT_TRUE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(winner->WonDate(), Date(2026, 11, 21, 14, 5, 9));
+    // One that is given stays.
+    const cPrizeWinnerPtr earlier = NewWinner(winner->PrizeReference());
+    earlier->SetWonDate(Date(2026, 2, 28, 12, 0, 0));
+    ASSERT_TRUE(Station->SavePrizeWinner(earlier));
+    EXPECT_EQ(Station->GetPrizeWinner(earlier->Reference())->WonDate(), Date(2026, 2, 28, 12, 0, 0));
+    // The prize was last won when it was awarded all the same.
+    EXPECT_EQ(LastWon(winner->PrizeReference()), Date(2026, 11, 21, 14, 5, 9));
 }

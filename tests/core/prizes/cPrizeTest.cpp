@@ -272,3 +272,59 @@ TEST_F(cPrizeTest, ACopyIsANewPrizeWithTheSameProperties)
     EXPECT_FALSE(copy->AvailableForHour(1, 1));
     EXPECT_FALSE(Prize.Edited());
 }
+
+TEST_F(cPrizeTest, LeapDaysAreDaysLikeOthers)
+{
+    Prize.SetStartDateString(QStringLiteral("29/02/2028"));
+    EXPECT_EQ(Prize.StartDate(), Date(2028, 2, 29));
+    EXPECT_EQ(Prize.StartDateString(), QStringLiteral("29/02/2028"));
+    EXPECT_FALSE(Prize.AvailableForDate(Date(2028, 2, 28, 23, 59, 59)));
+    EXPECT_TRUE(Prize.AvailableForDate(Date(2028, 2, 29)));
+    // A Tuesday, and the Wednesday after it.
+    Prize.SetAvailableHours(2, QString(24, u' '));
+    EXPECT_FALSE(Prize.AvailableForDate(Date(2028, 2, 29, 12, 0, 0)));
+    EXPECT_TRUE(Prize.AvailableForDate(Date(2028, 3, 1, 12, 0, 0)));
+    // A year without one.
+    Prize.SetStartDateString(QStringLiteral("29/02/2027"));
+    EXPECT_EQ(Prize.StartDate(), Date());
+}
+
+TEST_F(cPrizeTest, EverySecondOfADayIsWithinDatesThatEndThere)
+{
+    int refused = 0;
+    for (int second = 0; second < 86400; ++second) {
+        const Date moment(2026, 11, 21, second / 3600, second / 60 % 60, second % 60);
+        Prize.SetStartDate(moment);
+        Prize.SetEndDate(moment);
+        refused += Prize.AvailableForDate(moment) ? 0 : 1;
+    }
+    EXPECT_EQ(refused, 0);
+}
+
+TEST_F(cPrizeTest, ATimeOfDayAloneIsAMomentOfDayZero)
+{
+    Prize.SetStartDateString(QStringLiteral("14:05"));
+    EXPECT_GT(Prize.StartDate().DayNumber(), 0);
+    EXPECT_LT(Prize.StartDate().DayNumber(), 1);
+}
+
+TEST_F(cPrizeTest, AStringOfADateThatIsNegativeIsEmpty)
+{
+    Prize.SetEndDate(Date(-3.5));
+    EXPECT_EQ(Prize.EndDateString(), QString());
+    EXPECT_TRUE(Prize.AvailableForDate(Date(2026, 11, 21))); // 0 or less is no limit
+    Prize.SetStartDate(Date(-3.5));
+    EXPECT_TRUE(Prize.AvailableForDate(Date(2026, 11, 21)));
+}
+
+TEST_F(cPrizeTest, AnHourThatIsAllowedBecomesItsCapitalLetterAgain)
+{
+    Prize.SetAvailableHours(2, QStringLiteral("abcdefghijklmnopqrstuvwx"));
+    Prize.SetAvailableForHour(2, 23, true);
+    EXPECT_EQ(Prize.AvailableHours(2), QStringLiteral("abcdefghijklmnopqrstuvwX"));
+    Prize.SetAvailableForHour(2, 0, false);
+    EXPECT_EQ(Prize.AvailableHours(2), QStringLiteral(" bcdefghijklmnopqrstuvwX"));
+    Prize.SetAvailableHours(2, AllHours + QStringLiteral("YZ"));
+    Prize.SetAvailableForHour(2, 23, false);
+    EXPECT_EQ(Prize.AvailableHours(2), QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVW YZ")); // the length stays
+}

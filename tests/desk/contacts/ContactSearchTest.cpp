@@ -1,5 +1,7 @@
 #include "ContactSearch.h"
 
+#include "ContactOrder.h"
+
 #include <QElapsedTimer>
 
 #include <gtest/gtest.h>
@@ -53,6 +55,54 @@ TEST(ContactSearchTest, CaseAndAccentsMakeNoDifference)
     EXPECT_EQ(Found(QStringLiteral("ZOE laska")), QList<qint32>({2}));
     EXPECT_EQ(Found(QStringLiteral("strasse")), QList<qint32>({3}));
     EXPECT_EQ(Found(QStringLiteral("Wéllà")), QList<qint32>({3}));
+}
+
+TEST(ContactSearchTest, CurlyMarksAndDashesAreThoseOfTheKeyboard)
+{
+    const auto find = [](const char16_t* name, const char16_t* typed) {
+        const auto contact = std::make_shared<clsKVContact>();
+        contact->Name = QString::fromUtf16(name);
+        return ContactSearch({contact}).Find(QString::fromUtf16(typed)).size() == 1;
+    };
+    EXPECT_TRUE(find(u"Zachary O\u2019Neill", u"o'neill"));
+    EXPECT_TRUE(find(u"Zachary O'Neill", u"O\u2019NEILL"));
+    EXPECT_TRUE(find(u"Anne\u2011Marie", u"anne-marie"));
+    EXPECT_TRUE(find(u"Anne-Marie", u"anne\u2013marie"));
+    EXPECT_TRUE(find(u"\u201CBud\u201D Rowe", u"\"bud\""));
+    EXPECT_FALSE(find(u"ONeill", u"o'neill"));
+}
+
+TEST(ContactSearchTest, AccentsAreIgnoredInEachDetailAndHoweverTheyAreStored)
+{
+    const auto contact = std::make_shared<clsKVContact>();
+    // A letter and its accent as two characters, as some telephones store them.
+    contact->Name = QStringLiteral("Rene\u0301e \u0141ukasz\u00D8");
+    contact->Other = QStringLiteral("Caf\u00E9 de l\u2019\u00CEle, \u0130zmir");
+    const ContactSearch search({contact});
+    for (const char16_t* typed : {u"renee", u"Ren\u00E9e", u"RENE\u0301E", u"lukaszo", u"cafe", u"caf\u00E9", u"l'ile",
+                                  u"izmir", u"ren\u00E8e"})
+        EXPECT_EQ(search.Find(QString::fromUtf16(typed)).size(), 1) << QString::fromUtf16(typed).toStdString();
+    EXPECT_TRUE(search.Find(QStringLiteral("rena")).isEmpty());
+    EXPECT_EQ(search.Contacts().first()->Name, contact->Name);
+}
+
+TEST(ContactSearchTest, TheOrderByNameIsThatOfTheAlphabetWhateverTheAccents)
+{
+    QList<clsKVContactPtr> contacts;
+    const QStringList names{
+        QStringLiteral("Zoe"),        QStringLiteral("\u00C9lise"), QStringLiteral("emma"), QStringLiteral("Eve"),
+        QStringLiteral("\u0141ucja"), QStringLiteral("Lucy"),       QStringLiteral("Emma"), QString()};
+    for (const QString& name : names) {
+        const auto contact = std::make_shared<clsKVContact>();
+        contact->Name = name;
+        contact->Reference = static_cast<qint32>(contacts.size()) + 1;
+        contacts.append(contact);
+    }
+    QList<qint32> order;
+    for (const clsKVContactPtr& contact : ContactOrder::ByName(contacts))
+        order.append(contact->Reference);
+    EXPECT_EQ(order, QList<qint32>({8, 2, 3, 7, 4, 5, 6, 1}));
+    EXPECT_TRUE(ContactOrder::ByName({}).isEmpty());
 }
 
 TEST(ContactSearchTest, EachWordMayStandAnywhereAndNamesThatBeginWithTheFirstLead)

@@ -116,6 +116,21 @@ TEST_F(ContactsWindowTest, TheFindBoxNarrowsTheListAndTheArrowKeysWalkIt)
     EXPECT_TRUE(Box("findContact").hasFocus());
 }
 
+TEST_F(ContactsWindowTest, NamesStandWithTheirAccentsWhereTheyAreLookedFor)
+{
+    for (const char* name : {"Zoe", "Élise", "emma", "Eve", "Zachary O’Neill"})
+        Add(QString::fromUtf8(name));
+    Open();
+    EXPECT_EQ(Names(), QStringList({QStringLiteral("Élise"), QStringLiteral("emma"), QStringLiteral("Eve"),
+                                    QStringLiteral("Zachary O’Neill"), QStringLiteral("Zoe")}));
+    Type("findContact", QStringLiteral("ELISE"));
+    EXPECT_EQ(Names(), QStringList(QStringLiteral("Élise")));
+    Box("findContact").setText(QStringLiteral("éVE"));
+    EXPECT_EQ(Names(), QStringList(QStringLiteral("Eve")));
+    Type("findContact", QStringLiteral("o'n"));
+    EXPECT_EQ(Names(), QStringList(QStringLiteral("Zachary O’Neill")));
+}
+
 TEST_F(ContactsWindowTest, ANewContactIsTypedSavedAndSelected)
 {
     Open();
@@ -309,6 +324,29 @@ TEST_F(ContactsWindowTest, WhoHasNoAddressAndNoNumberHasNoMessagesRatherThanAll)
     EXPECT_EQ(Find<ListView>("contactMessages").ItemCount(), 0);
     EXPECT_EQ(Find<QLabel>("contactMessagesNote").text(),
               QStringLiteral("There is no address and no number to look for."));
+}
+
+TEST_F(ContactsWindowTest, AnAddressThatLooksLikeTwoOrLikeAPatternFindsNobodyElsesMessages)
+{
+    FileMail(Mail("Other", "Hello.\r\n", "Demelza <b@example.org>"));
+    const QStringList addresses{QStringLiteral("a|b@example.org"),
+                                QStringLiteral("*"),
+                                QStringLiteral("?@example.org"),
+                                QStringLiteral("[b]@example.org"),
+                                QStringLiteral("%"),
+                                QStringLiteral("_@example.org"),
+                                QStringLiteral("\" OR \"1\"=\"1"),
+                                QStringLiteral("b@example.org' OR '1'='1")};
+    Open();
+    for (const QString& address : addresses) {
+        const qint32 reference = Add(QStringLiteral("Odd"), {}, address);
+        ASSERT_TRUE(Contacts->ShowContact(reference));
+        const QLabel& note = Find<QLabel>("contactMessagesNote");
+        EXPECT_TRUE(WaitUntil([&] { return !note.text().isEmpty(); })) << address.toStdString();
+        EXPECT_EQ(Find<ListView>("contactMessages").ItemCount(), 0) << address.toStdString();
+        EXPECT_EQ(note.text(), address.contains(u'|') ? QStringLiteral("There is no address and no number to look for.")
+                                                      : QStringLiteral("No messages to or from this contact."));
+    }
 }
 
 TEST_F(ContactsWindowTest, PassingByFillsNothing)

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QCalendarWidget>
+#include <QHeaderView>
 #include <QMenu>
 #include <QSpinBox>
 #include <QStatusBar>
@@ -103,15 +104,50 @@ TEST_F(PrizeWindowTest, TheHoursAreSaidInWordsWhileTheyArePainted)
     PrizeWindow& window = OpenNew();
     Page(window, 1);
     auto& hours = Get<WeekHours>(window, "hours");
-    EXPECT_TRUE(Get<QLabel>(window, "hoursInWords").text().startsWith(hours.Words()));
+    EXPECT_EQ(Get<QLabel>(window, "hoursInWords").text(), QStringLiteral("At any time"));
     const QString before = hours.Words();
     hours.setFocus();
     hours.setCurrentIndex(hours.model()->index(2, 0));
     QTest::keyClick(&hours, Qt::Key_Space);
     EXPECT_NE(hours.Words(), before);
-    EXPECT_TRUE(Get<QLabel>(window, "hoursInWords").text().startsWith(hours.Words()));
+    EXPECT_EQ(Get<QLabel>(window, "hoursInWords").text(), hours.Words());
     BoxAnswer discard(QStringLiteral("Discard"));
     window.close();
+}
+
+TEST_F(PrizeWindowTest, TheMousePaintsHoursAndTurnsWholeDaysAndTheyAreStored)
+{
+    const qint32 prize = AddPrize(QStringLiteral("Two tickets"));
+    OpenPrizes();
+    PrizeWindow& window = Open(prize);
+    Page(window, 1);
+    auto& hours = Get<WeekHours>(window, "hours");
+    const auto cell = [&](int weekDay, int hour) {
+        return hours.visualRect(hours.model()->index(weekDay - 1, hour)).center();
+    };
+    const auto moveTo = [&](QPoint at) {
+        QMouseEvent move(QEvent::MouseMove, at, hours.viewport()->mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(hours.viewport(), &move);
+    };
+    QTest::mousePress(hours.viewport(), Qt::LeftButton, {}, cell(1, 9));
+    for (const QPoint at : {cell(1, 11), cell(2, 11), cell(2, 9)})
+        moveTo(at);
+    QTest::mouseRelease(hours.viewport(), Qt::LeftButton, {}, cell(2, 9));
+    QHeaderView& days = *hours.verticalHeader();
+    QTest::mouseClick(days.viewport(), Qt::LeftButton, {},
+                      QPoint(days.width() / 2, days.sectionViewportPosition(6) + days.sectionSize(6) / 2));
+    EXPECT_EQ(Get<QLabel>(window, "hoursInWords").text(),
+              QStringLiteral("Monday and Tuesday 00:00 to 09:00 and 12:00 to midnight; Wednesday to Saturday all day"));
+    Save(window);
+    for (qint16 hour = 0; hour < 24; ++hour) {
+        const bool isPainted = hour >= 9 && hour <= 11;
+        EXPECT_EQ(Stored(prize)->AvailableForHour(1, hour), !isPainted) << hour;
+        EXPECT_EQ(Stored(prize)->AvailableForHour(2, hour), !isPainted) << hour;
+        EXPECT_TRUE(Stored(prize)->AvailableForHour(3, hour)) << hour;
+        EXPECT_FALSE(Stored(prize)->AvailableForHour(7, hour)) << hour;
+    }
+    EXPECT_TRUE(window.close());
 }
 
 TEST_F(PrizeWindowTest, NonsenseIsRefusedInWords)

@@ -330,6 +330,29 @@ TEST_F(EmbeddedDirectoryTest, EachCharacterOfAnAddressMeansItself)
     }
 }
 
+TEST_F(EmbeddedDirectoryTest, ContactsAreReadInStepsByReference)
+{
+    EXPECT_TRUE(Directory.ContactsAfter(0, 10).isEmpty());
+    QList<qint32> saved;
+    for (const char* name : {"Wella", "Ann", "Megan", "Ann", "Ivy"})
+        saved.append(SavedContact(QLatin1String(name)).Reference);
+    Directory.DeleteContact(saved.takeAt(2));
+    QList<qint32> read;
+    for (qint32 last = 0;;) {
+        const QList<clsKVContactPtr> step = Directory.ContactsAfter(last, 3);
+        if (step.isEmpty())
+            break;
+        EXPECT_LE(step.size(), 3);
+        for (const clsKVContactPtr& contact : step)
+            read.append(contact->Reference);
+        last = read.last();
+    }
+    EXPECT_EQ(read, saved);
+    EXPECT_EQ(Directory.ContactsAfter(saved.first(), 1).first()->Name, QStringLiteral("Ann"));
+    EXPECT_TRUE(Directory.ContactsAfter(0, 0).isEmpty());
+    EXPECT_TRUE(Directory.ContactsAfter(saved.last(), 10).isEmpty());
+}
+
 TEST_F(EmbeddedDirectoryTest, TwoComputersSeeEachOthersContactsAndUsers)
 {
     EmbeddedDirectory other;

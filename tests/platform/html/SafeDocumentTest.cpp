@@ -4,6 +4,7 @@
 
 #include "platform/html/StyleFilter.h"
 
+#include <QElapsedTimer>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -77,6 +78,147 @@ TEST(SafeDocumentTest, WhatFetchesGoesAndIsCounted)
     }
 }
 
+TEST(SafeDocumentTest, NoElementFetchesWhateverItIs)
+{
+    for (const char* html : {"<img srcset=\"//evil/a 2x\">",
+                             "<img src=\"\" srcset=\"//evil/a 2x\">",
+                             "<image src=//evil>",
+                             "<picture><source srcset=//evil><img></picture>",
+                             "<iframe src=//evil></iframe>",
+                             "<embed src=//evil>",
+                             "<frameset><frame src=//evil></frameset>",
+                             "<object data=//evil></object>",
+                             "<input type=image src=//evil>",
+                             "<audio src=//evil></audio>",
+                             "<video><source src=//evil></video>",
+                             "<bgsound src=//evil>",
+                             "<script src=//evil></script>",
+                             "<link rel=icon href=//evil>",
+                             "<link rel=preload imagesrcset=\"//evil 1x\">",
+                             "<link rel=dns-prefetch href=//evil>",
+                             "<html manifest=//evil><p>x",
+                             "<body background=//evil>x",
+                             "<form background=//evil>x</form>",
+                             "<applet codebase=//evil></applet>",
+
+                             "<table><tr><td background=//evil>x",
+                             "<img src=\"cid:evil\">",
+                             "<img src=evil.png>",
+                             "<img lowsrc=//evil dynsrc=//evil>",
+                             "<a href=\"https://example.org/\" ping=//evil>x</a>",
+                             "<template><img src=//evil></template>",
+                             "<noscript><img src=//evil></noscript>"}) {
+        const SafeDocument document = MakeDocumentSafe(QLatin1String(html));
+        EXPECT_FALSE(document.Html.contains(QStringLiteral("evil"))) << html;
+        EXPECT_GT(document.RemoteContent + document.ActiveContent, 0) << html;
+        EXPECT_FALSE(BodyOf(QLatin1String(html)).contains(QStringLiteral("src"))) << html;
+    }
+}
+
+TEST(SafeDocumentTest, NoStyleFetchesWhereverItStands)
+{
+    for (const char* style :
+         {"background:url(//evil)", "background:URL('//evil')", "background:\\75\\72\\6c(//evil)",
+          "background:u/**/rl(//evil)", "list-style-image:url(//evil)", "cursor:url(//evil),auto",
+          "border-image:url(//evil)", "content:url(//evil)", "mask:url(//evil#a)", "behavior:url(//evil)",
+          "background:image-set(\"//evil\" 1x)", "background:-webkit-image-set(url(//evil) 1x)",
+          "--x:url(//evil);background:var(--x)", "color:red;background:url(//evil", "background:url(\n//evil\n)"}) {
+        const QString text = QString::fromLatin1(style);
+        for (const QString& html :
+             {QStringLiteral("<p style='%1'>x").arg(QString(text).replace(u'\'', QStringLiteral("&#39;"))),
+              QStringLiteral("<body style='%1'>x").arg(QString(text).replace(u'\'', QStringLiteral("&#39;"))),
+              QStringLiteral("<style>p{%1}</style><p>x").arg(text),
+              QStringLiteral("<style>@media print{p{%1}}</style><p>x").arg(text),
+              QStringLiteral("<body><style>p{%1}</style>x").arg(text)}) {
+            const SafeDocument document = MakeDocumentSafe(html);
+            EXPECT_FALSE(document.Html.contains(QStringLiteral("evil"))) << html.toStdString();
+            EXPECT_FALSE(document.Html.contains(u'(')) << html.toStdString();
+        }
+    }
+}
+
+TEST(SafeDocumentTest, NoRuleOfASheetFetches)
+{
+    for (const char* sheet :
+         {"@import url(//evil);", "@import '//evil';", "@import\"//evil\"print;", "@IMPORT url(//evil) screen;",
+          "@\\69mport url(//evil);", "/**/@import/**/url(//evil);", "@charset 'x';@import url(//evil);",
+          "@media print{@import url(//evil);}", "@import url(//evil)", "@font-face{font-family:a;src:url(//evil)}",
+          "@namespace url(//evil);", "@page{background:url(//evil)}", "@page :first{@top-left{content:url(//evil)}}",
+          "@supports(a:url(//evil)){p{color:red}}", "@document url(//evil){p{color:red}}",
+          "p[a='url(//evil)']{color:red}", "p{color:red}}@import url(//evil);", "<!--@import url(//evil);-->",
+          "@media print{@media print{@media print{@media print{@media print{p{background:url(//evil)}}}}}}"}) {
+        const SafeDocument document =
+            MakeDocumentSafe(QStringLiteral("<style>%1</style><p>x").arg(QString::fromLatin1(sheet)));
+        EXPECT_FALSE(document.Html.contains(QStringLiteral("evil"))) << sheet;
+        EXPECT_GT(document.RemoteContent, 0) << sheet;
+    }
+}
+
+TEST(SafeDocumentTest, NoDataAddressBringsAPageOfItsOwn)
+{
+    for (const char* html :
+         {"<img src=\"data:image/svg+xml,<svg onload=evil>\">", "<img src=\"data:image/svg+xml;base64,ZXZpbA==\">",
+          "<img src=\"data:image/png,evil\">", "<img src=\"data:image/png;base64,ZXZpbA==\">",
+          "<img src=\"data:image/png;charset=x;base64,iVBORw0KGgo=\">", "<img src=\"data:,evil\">",
+          "<iframe src=\"data:text/html,evil\"></iframe>", "<object data=\"data:image/svg+xml,evil\"></object>",
+          "<embed src=\"data:image/svg+xml,evil\">", "<link rel=stylesheet href=\"data:text/css,evil\">",
+          "<a href=\"data:text/html,evil\">x</a>", "<p style=\"background:url(data:image/svg+xml,evil)\">x",
+          "<style>@import 'data:text/css,evil';</style>", "<video poster=\"data:image/svg+xml,evil\"></video>"}) {
+        const SafeDocument document = MakeDocumentSafe(QLatin1String(html));
+        EXPECT_FALSE(document.Html.contains(QStringLiteral("evil"))) << html;
+        EXPECT_FALSE(document.Html.contains(QStringLiteral("ZXZpbA"))) << html;
+        EXPECT_FALSE(BodyOf(QLatin1String(html)).contains(QStringLiteral("data:"))) << html;
+        EXPECT_GT(document.RemoteContent + document.ActiveContent, 0) << html;
+    }
+}
+
+TEST(SafeDocumentTest, NothingSendsAndNothingLeadsElsewhereByItself)
+{
+    for (const char* html :
+         {"<form action=//evil><button>x</button></form>", "<button formaction=//evil>x</button>",
+          "<input form=a formaction=//evil>", "<isindex action=//evil>", "<base href=//evil>",
+          "<meta http-equiv=refresh content=\"0;url=//evil\">", "<meta http-equiv=' Refresh ' content='1; //evil'>",
+          "<svg><a href=//evil><text>x</text></a></svg>", "<svg><use href='//evil#a'/></svg>",
+          "<svg><image xlink:href=//evil /></svg>", "<svg><style>@import url(//evil);</style></svg>",
+          "<svg><script href=//evil></script></svg>", "<svg><foreignObject><iframe src=//evil></foreignObject></svg>",
+          "<svg><set attributeName=href to=//evil /></svg>", "<math><a href=//evil>x</a></math>",
+          "<math><annotation-xml encoding=text/html><img src=//evil></annotation-xml></math>"}) {
+        const SafeDocument document = MakeDocumentSafe(QLatin1String(html));
+        EXPECT_FALSE(document.Html.contains(QStringLiteral("evil"))) << html;
+        EXPECT_GT(document.ActiveContent, 0) << html;
+        for (const char* element : {"<form", "<button", "<input", "<base", "<svg", "<math", "refresh"})
+            EXPECT_FALSE(document.Html.contains(QLatin1String(element), Qt::CaseInsensitive)) << html;
+    }
+}
+
+TEST(SafeDocumentTest, HandlersOfElementsThatGoAreCountedToo)
+{
+    for (const char* html :
+         {"<img src=x onerror=alert(1)>", "<unknown onclick=alert(1)>x", "<details ontoggle=alert(1)>",
+          "<body onload=alert(1)>", "<html onclick=alert(1)>", "<marquee onstart=alert(1)>x",
+          "<label ONCLICK=alert(1)>x</label>", "<video onerror=alert(1)></video>"}) {
+        const SafeDocument document = MakeDocumentSafe(QLatin1String(html));
+        EXPECT_FALSE(document.Html.contains(QStringLiteral("alert"))) << html;
+        EXPECT_GT(document.ActiveContent, 0) << html;
+    }
+}
+
+TEST(SafeDocumentTest, TheOnlyPolicyIsItsOwnAndStandsFirst)
+{
+    const QString page =
+        MakeDocumentSafe(QStringLiteral("<meta http-equiv=Content-Security-Policy content=\"default-src *\">"
+                                        "<meta name=referrer content=unsafe-url><title>T</title><style>p{}</style>x"))
+            .Html;
+    const QString policy = QStringLiteral("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+                                          "style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
+                                          "form-action 'none'\">");
+    EXPECT_EQ(page.count(QStringLiteral("Content-Security-Policy")), 1);
+    EXPECT_EQ(page.count(QStringLiteral("referrer")), 2); // "no-referrer"
+    ASSERT_TRUE(page.contains(policy));
+    EXPECT_LT(page.indexOf(policy), page.indexOf(QStringLiteral("<title>")));
+    EXPECT_LT(page.indexOf(policy), page.indexOf(QStringLiteral("<style>")));
+}
+
 TEST(SafeDocumentTest, TextAndAttributesStayText)
 {
     EXPECT_EQ(BodyOf(QStringLiteral("<p title='\"&gt;&lt;script&gt;'>&lt;script&gt;&amp;lt;")),
@@ -110,6 +252,27 @@ TEST(SafeDocumentTest, LinksThatAreSafeStay)
     EXPECT_EQ(
         BodyOf(QStringLiteral("<a href=\"https://example.org/\">a</a><a href=\"#x\">b</a><a href=\"ftp://x/\">c</a>")),
         QStringLiteral("<a href=\"https://example.org/\">a</a><a href=\"#x\">b</a><a>c</a>"));
+}
+
+TEST(SafeDocumentTest, ALinkBesideThePageGoes)
+{
+    EXPECT_EQ(BodyOf(QStringLiteral("<base href=\"https://example.org/\"><a href=\"x\">a</a><a href=\"/x\">b</a>"
+                                    "<a href=\"//example.org/\">c</a><a href=\" #x \">d</a>")),
+              QStringLiteral("<a>a</a><a>b</a><a>c</a><a href=\"#x\">d</a>"));
+    // A browser would not take the blank of no width away and look for a file of that name.
+    EXPECT_EQ(BodyOf(QStringLiteral("<a href=\"&#x200B;#x\">e</a>")), QStringLiteral("<a>e</a>"));
+}
+
+TEST(SafeDocumentTest, TextAloneIsWholeHoweverLongItIs)
+{
+    const QString deep = QStringLiteral("<div>").repeated(2000);
+    const SafeDocument words = MakeDocumentSafe(deep + QStringLiteral("word &amp; &eacute;\n").repeated(150'000));
+    EXPECT_TRUE(words.IsTextOnly);
+    EXPECT_EQ(words.Html.count(QStringLiteral("word &amp; \u00E9")), 150'000);
+    // One word, longer than a piece, of characters that take two places each.
+    const SafeDocument word = MakeDocumentSafe(deep + u'x' + QStringLiteral("\U0001F4FB").repeated(1'200'000) + u'y');
+    EXPECT_EQ(word.Html.count(QStringLiteral("\U0001F4FB")), 1'200'000);
+    EXPECT_FALSE(word.Html.contains(QChar::ReplacementCharacter));
 }
 
 TEST(SafeDocumentTest, APageBuiltToBeTooMuchIsItsText)
@@ -161,6 +324,16 @@ TEST(StyleFilterTest, RulesStayAndOtherAtRulesGo)
               QStringLiteral("b { color: blue }\n"));
     EXPECT_EQ(StyleFilter::Sheet(QStringLiteral("b { color: blue } p { color: red")),
               QStringLiteral("b { color: blue }\n"));
+}
+
+TEST(StyleFilterTest, BlanksWithoutEndCostNoMoreThanTheyAre)
+{
+    const QString declaration = QStringLiteral("color:") + QStringLiteral(" ").repeated(3000) + QStringLiteral("(;");
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(StyleFilter::Declarations(declaration.repeated(300) + QStringLiteral("color: \n red")),
+              QStringLiteral("color: red"));
+    EXPECT_LT(timer.elapsed(), 1000);
 }
 
 TEST(StyleFilterTest, ASheetOfBracketsEnds)
