@@ -38,15 +38,11 @@ set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
 
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
 set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS tolva)
-# The plugin that draws on a screen: Qt loads it by name, so nothing that is linked needs it.
-set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "qt6-qpa-plugins")
 set(CPACK_COMPONENT_DESK_DEPENDS data)
 set(CPACK_COMPONENT_DESK_DESCRIPTION
     "Window of a radio station's contact desk\n Listeners' e-mails and text messages, folders, prizes and contacts, shared by several computers.")
 
 set(CPACK_DEBIAN_PDF_PACKAGE_NAME tolva-pdf)
-# The platform without a screen is one of these plugins.
-set(CPACK_DEBIAN_PDF_PACKAGE_DEPENDS "qt6-qpa-plugins")
 set(CPACK_COMPONENT_PDF_DESCRIPTION
     "Pages of a radio station's contact desk as PDF files\n Writes an HTML page to a PDF file without a display; nothing on the page runs and nothing is fetched.")
 

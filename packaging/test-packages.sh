@@ -33,7 +33,7 @@ inRoot() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOM
 asUser() { chroot --userspec=presenter:presenter "$root" /usr/bin/env -i PATH=/usr/bin:/bin HOME=/home/presenter LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen "$@"; }
 
 say "Installing"
-inRoot sh -c 'apt-get update -q && apt-get install -q -y --no-install-recommends /packages/tolva_*.deb /packages/tolva-desk_*.deb /packages/libkvtolva1-0_*.deb' \
+inRoot sh -c 'apt-get update -q && apt-get install -q -y --no-install-recommends /packages/tolva_*.deb /packages/tolva-data_*.deb /packages/tolva-desk_*.deb /packages/tolva-pdf_*.deb /packages/libkvtolva1-0_*.deb' \
     >"$root/packages/install.log" 2>&1 || { tail -30 "$root/packages/install.log" >&2; exit 1; }
 inRoot useradd -m presenter
 
@@ -41,28 +41,44 @@ say "Using the programs"
 asUser tolva --version
 asUser /packages/scripts/make-sample-station.sh /usr/bin/tolva /home/presenter/station
 asUser tolva check /home/presenter/station
-before=$(asUser tolva list /home/presenter/station --json | sha256sum)
 asUser tolva-desk --version
 asUser tolva-desk --pictures /home/presenter/pictures /home/presenter/station
 pictures=$(find "$root/home/presenter/pictures" -name '*.png' | wc -l)
 [ "$pictures" -gt 5 ] || { say "The desk saved $pictures pictures."; exit 1; }
-for page in tolva tolva-desk; do
+asUser tolva print /home/presenter/station "Studio list" --category Inbox -o /home/presenter/list.html
+# Without a display and without a word on which platform to take.
+asUser env -u QT_QPA_PLATFORM tolva print /home/presenter/station "Single message" 27 -o /home/presenter/card.pdf
+[ "$(head -c 5 "$root/home/presenter/card.pdf")" = %PDF- ] || { say "No PDF file was printed."; exit 1; }
+# What draws on a screen is loaded by name, so that nothing that is linked tells whether it is there.
+screen=$(cd "$root" && echo usr/lib/*/qt6/plugins/platforms/libqxcb.so)
+if [ ! -e "$root/$screen" ] || inRoot ldd "/$screen" | grep 'not found'; then
+    say "The desk could not draw on a screen."
+    exit 1
+fi
+shipped=$(find htmldocs -name '*.htm' | wc -l)
+[ "$(find "$root/home/presenter/station/HTMLDocs" -name '*.htm' | wc -l)" -eq "$shipped" ] || { say "The station has not got all templates."; exit 1; }
+for page in tolva tolva-desk tolva-pdf; do
     [ -s "$root/usr/share/man/man1/$page.1.gz" ] || [ -s "$root/usr/share/man/man1/$page.1" ] || { say "The manual page of $page is missing."; exit 1; }
 done
 
 say "Building the example host from the installed headers"
 inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/libkvtolva1-dev_*.deb cmake ninja-build g++' \
     >"$root/packages/install.log" 2>&1 || { tail -30 "$root/packages/install.log" >&2; exit 1; }
-asUser sh -c 'cmake -S /packages/examples/contact-desk -B /home/presenter/example -G Ninja >/dev/null && cmake --build /home/presenter/example >/dev/null'
-asUser sh -c 'timeout 5 /home/presenter/example/contact-desk /home/presenter/station Technician 2>/dev/null; [ $? -eq 124 ]' ||
+for example in contact-desk file-a-mail; do
+    asUser sh -c "cmake -S /packages/examples/$example -B /home/presenter/$example -G Ninja >/dev/null && cmake --build /home/presenter/$example >/dev/null"
+done
+asUser sh -c 'timeout 5 /home/presenter/contact-desk/contact-desk /home/presenter/station Technician 2>/dev/null; [ $? -eq 124 ]' ||
     { say "The example host did not stay open."; exit 1; }
 
+printf 'Subject: From a host\n\nHello.\n' | asUser /home/presenter/file-a-mail/file-a-mail /home/presenter/station Technician
+before=$(asUser tolva list /home/presenter/station --json | sha256sum)
+
 say "Uninstalling"
-inRoot sh -c 'apt-get purge -q -y tolva tolva-desk libkvtolva1-0 libkvtolva1-dev' >"$root/packages/install.log" 2>&1
+inRoot sh -c 'apt-get purge -q -y tolva tolva-desk tolva-pdf tolva-data libkvtolva1-0 libkvtolva1-dev' >"$root/packages/install.log" 2>&1
 for left in "$root"/usr/bin/tolva* "$root"/usr/lib/*/libkvTolva1* "$root"/usr/include/kvTolva1 "$root"/usr/share/tolva; do
     [ ! -e "$left" ] || { say "Uninstalling left ${left#"$root"}."; exit 1; }
 done
-inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/tolva_*.deb' >"$root/packages/install.log" 2>&1
+inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/tolva_*.deb /packages/tolva-data_*.deb' >"$root/packages/install.log" 2>&1
 asUser tolva check /home/presenter/station
 [ "$before" = "$(asUser tolva list /home/presenter/station --json | sha256sum)" ] ||
     { say "The station is not what it was."; exit 1; }

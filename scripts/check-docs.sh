@@ -55,10 +55,9 @@ my $folders = join '|', map { s{/$}{}r } glob('*/');
 sub CheckCode {
     my ($code) = @_;
     # Paths of the tree; what is built and what a user makes are not in it.
-    while ($code =~ m{(?<![\w./~-])((?:\./)?(?:$folders)/[\w./*{},+-]*\w|\./\w[\w/.-]*)}g) {
+    while ($code =~ m{(?<![\w./~-])((?:\./)?(?:$folders)/[\w./*{},+-]*[\w*]|\./\w[\w/.-]*)}g) {
         my $path = $1;
         next if $path =~ m{^(\./)?(build|station)};
-        next if -e $path || glob($path =~ s/ /\\ /gr);
         my @found = grep { -e } glob($path);
         # A source's name without its ending stands for header and source.
         Problem("there is no $path") unless @found || -e "$path.h" || -e "$path.cpp";

@@ -121,7 +121,8 @@ void PrintRow(const clsKVContact& contact)
 void List(const Arguments& arguments, Station& station)
 {
     const QList<clsKVContactPtr> contacts = InDirectory(station, [&] { return station.Directory().Contacts(); });
-    for (const clsKVContactPtr& contact : ContactSearch(ContactOrder::ByName(contacts)).Find(arguments.Words().value(2))) {
+    for (const clsKVContactPtr& contact :
+         ContactSearch(ContactOrder::ByName(contacts)).Find(arguments.Words().value(2))) {
         if (arguments.Has(JsonOption))
             PrintJson(*contact);
         else

@@ -19,6 +19,23 @@ QStringList OptionsOf(const QByteArray& helpPage)
     return options;
 }
 
+/// What stands for itself behind the folder in the forms of a command: "add", "remove-winner", "read".
+QStringList SubcommandsOf(const QByteArray& helpPage)
+{
+    static const QRegularExpression form(QStringLiteral("^  tolva [a-z]+ FOLDER (.*)$"),
+                                         QRegularExpression::MultilineOption);
+    static const QRegularExpression word(QStringLiteral("^[a-z-]{2,}$"));
+    QStringList words;
+    const QString usage = QString::fromUtf8(helpPage).section(QStringLiteral("\n\n"), 0, 1);
+    auto matches = form.globalMatch(usage);
+    while (matches.hasNext()) {
+        const QString first = matches.next().captured(1).section(u' ', 0, 0).remove(u'[');
+        if (word.match(first).hasMatch() && !first.startsWith(u'-'))
+            words.append(first);
+    }
+    return words;
+}
+
 bool HasWord(const QString& text, const QString& word)
 {
     return text.contains(QRegularExpression(QStringLiteral("(?<![\\w-])%1(?![\\w-])").arg(word)));
@@ -65,7 +82,7 @@ protected:
     }
 };
 
-TEST_F(ManualTest, EveryCommandHasASectionThatNamesItsOptions)
+TEST_F(ManualTest, EveryCommandHasASectionThatNamesItsFormsAndOptions)
 {
     const QString manual = Plain(Page("man/tolva.1"));
     const QHash<QString, QString> sections = Sections(manual);
@@ -74,7 +91,10 @@ TEST_F(ManualTest, EveryCommandHasASectionThatNamesItsOptions)
     const QSet<QString> shared = {QStringLiteral("--user"), QStringLiteral("--help")};
     for (const QString& command : commands) {
         ASSERT_TRUE(sections.contains(command)) << command.toStdString();
-        const QStringList options = OptionsOf(HelpOf(command));
+        const QByteArray help = HelpOf(command);
+        for (const QString& word : SubcommandsOf(help))
+            EXPECT_TRUE(HasWord(sections[command], word)) << command.toStdString() << ' ' << word.toStdString();
+        const QStringList options = OptionsOf(help);
         EXPECT_GE(options.size(), 2) << command.toStdString();
         for (const QString& option : options) {
             const QString& place = shared.contains(option) ? manual : sections[command];
@@ -97,13 +117,14 @@ TEST_F(ManualTest, NoSectionOfTheManualNamesWhatTheProgramDoesNotTake)
     }
 }
 
-TEST_F(ManualTest, ThePageOnTheCommandLineNamesEveryCommandAndOption)
+TEST_F(ManualTest, ThePageOnTheCommandLineNamesEveryCommandFormAndOption)
 {
     const QString page = Page("command-line.md");
     for (const QString& command : Commands()) {
         EXPECT_TRUE(page.contains(QLatin1Char('`') + command + QStringLiteral(" FOLDER"))) << command.toStdString();
-        for (const QString& option : OptionsOf(HelpOf(command)))
-            EXPECT_TRUE(HasWord(page, option)) << command.toStdString() << ' ' << option.toStdString();
+        const QByteArray help = HelpOf(command);
+        for (const QString& word : SubcommandsOf(help) + OptionsOf(help))
+            EXPECT_TRUE(HasWord(page, word)) << command.toStdString() << ' ' << word.toStdString();
     }
 }
 
@@ -117,7 +138,7 @@ TEST_F(ManualTest, BothNameEveryExitCode)
     }
 }
 
-TEST_F(ManualTest, ThePageOfThePdfProgramNamesItsOptions)
+TEST_F(ManualTest, ThePageOfThePdfProgramNamesItsFormsAndOptions)
 {
     QProcess process;
     process.start(QStringLiteral(TOLVA_PDF_PROGRAM), {QStringLiteral("--help")});

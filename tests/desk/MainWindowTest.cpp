@@ -422,8 +422,8 @@ TEST_F(MainWindowTest, NoShortcutIsASingleLetter)
             const QKeyCombination keys = sequence[0];
             const bool isFunctionKey = keys.key() >= Qt::Key_F1 && keys.key() <= Qt::Key_F35;
             // Alt with a letter opens menus.
-            const bool isAltDigit = keys.keyboardModifiers() == Qt::AltModifier && keys.key() >= Qt::Key_0 &&
-                                    keys.key() <= Qt::Key_9;
+            const bool isAltDigit =
+                keys.keyboardModifiers() == Qt::AltModifier && keys.key() >= Qt::Key_0 && keys.key() <= Qt::Key_9;
             EXPECT_TRUE(isFunctionKey || isAltDigit || (keys.keyboardModifiers() & Qt::ControlModifier) != 0)
                 << action->text().toStdString() << ' ' << sequence.toString().toStdString();
         }

@@ -253,8 +253,8 @@ void ContactsWindow::FillList()
         Note_->setText(tr("%1 of %2").arg(locale.toString(found.size()), locale.toString(Search_.Count())));
 }
 
-/// Whoever is on show stands in the list, unless it is cut off: a contact that was looked for elsewhere need not fit what
-/// stands in the box, and may have been added on another computer since the contacts were read.
+/// Whoever is on show stands in the list, unless it is cut off: a contact that was looked for elsewhere need not fit
+/// what stands in the box, and may have been added on another computer since the contacts were read.
 void ContactsWindow::ShowInList()
 {
     const QString key = KeyOf(Shown_);
