@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEvent>
 
 namespace
@@ -23,22 +24,30 @@ void AddUser(const QString& folder)
     directory.AddUser(User, StationPlace::AllRights);
 }
 
-/// Sends itself an event as soon as the list of messages is painted with its station set, as a key would come; when
-/// that arrives the window has answered.
-class FirstAnswer : public QObject
+/// Sends itself events, as keys would come: the first as soon as the window is painted, the next behind it, and so on
+/// until one comes in the middle of the fill.
+class Answers : public QObject
 {
 public:
-    explicit FirstAnswer(MainWindow* window) : Window_(window) { qApp->installEventFilter(this); }
-    bool HasCome() const { return HasCome_; }
-    bool WasFilling() const { return WasFilling_; }
+    enum class Until
+    {
+        First,
+        InFill
+    };
+
+    Answers(MainWindow* window, Until until) : Window_(window), Until_(until) { qApp->installEventFilter(this); }
+    /// The window is painted and has answered.
+    bool HasFirst() const { return HasFirst_; }
+    bool HasAnsweredInFill() const { return HasAnsweredInFill_; }
+    /// Milliseconds between two answers.
+    double LongestWait() const { return LongestWait_; }
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override
     {
-        if (!IsAsked_ && event->type() == QEvent::Paint && Window_->List().TolvaDatabase() && object->isWidgetType() &&
-            Window_->List().isAncestorOf(static_cast<QWidget*>(object))) {
+        if (!IsAsked_ && event->type() == QEvent::Paint && object == Window_) {
             IsAsked_ = true;
-            QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority);
+            Ask();
         }
         return false;
     }
@@ -46,33 +55,52 @@ protected:
     {
         if (event->type() != QEvent::User)
             return QObject::event(event);
-        HasCome_ = true;
-        WasFilling_ = Window_->List().IsFilling();
+        if (HasFirst_)
+            LongestWait_ = qMax(LongestWait_, static_cast<double>(SinceLast_.nsecsElapsed()) / 1e6);
+        HasFirst_ = true;
+        SinceLast_.start();
+        if (Until_ == Until::First) {
+            // Before the fill begins.
+            Window_->close();
+            return true;
+        }
+        if (!Window_->List().IsFilling()) {
+            Ask();
+            return true;
+        }
+        HasAnsweredInFill_ = true;
         // What is left of the fill is measured elsewhere.
         Window_->List().SetTolvaDatabase(nullptr);
         return true;
     }
 
 private:
+    void Ask() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+
     MainWindow* Window_;
+    Until Until_;
+    QElapsedTimer SinceLast_;
+    double LongestWait_ = 0;
     bool IsAsked_ = false;
-    bool HasCome_ = false;
-    bool WasFilling_ = false;
+    bool HasFirst_ = false;
+    bool HasAnsweredInFill_ = false;
 };
 
-/// Whether the folder was still filling when the window answered.
-bool StartDesk(const QString& folder)
+/// Runs the desk until it answered the first time, or, with a longest wait to be told, until it did so in the middle of
+/// the fill.
+void StartDesk(const QString& folder, double* longestWait = nullptr)
 {
     DeskSettings settings(folder + QStringLiteral("/desk.ini"));
     auto station = std::make_unique<DeskStation>();
     station->Open(folder, User);
     MainWindow window(std::move(station), settings);
-    FirstAnswer answer(&window);
+    Answers answers(&window, longestWait ? Answers::Until::InFill : Answers::Until::First);
     window.show();
-    while (!answer.HasCome())
+    while (!(longestWait ? answers.HasAnsweredInFill() : answers.HasFirst()))
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (longestWait)
+        *longestWait = answers.LongestWait();
     window.close();
-    return answer.WasFilling();
 }
 } // namespace
 
@@ -83,6 +111,8 @@ void BenchStart(const QString& folder, const QString& largeStation)
     AddUser(largeStation);
     Compare(
         {"the desk's window on the large station", "its start on an empty station", 2.0, 7, 1},
-        [&] { StartDesk(folder); },
-        [&] { Require(StartDesk(largeStation), "the window did not answer while the folder was filling"); });
+        [&] { StartDesk(folder); }, [&] { StartDesk(largeStation); });
+    double longest = 0;
+    StartDesk(largeStation, &longest);
+    Report("its longest wait until the folder fills", "0.25 s, under the busy pointer", 250, longest, 1.0, "ms");
 }

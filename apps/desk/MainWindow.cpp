@@ -39,6 +39,7 @@ namespace
 {
 constexpr int CountDelay = 150;
 constexpr int FitDelay = 300;
+constexpr int FillDelay = 200;
 /// Beyond this, fitting the subjects of all rows to a new width takes longer than it is worth.
 constexpr int MostRowsFitted = 3000;
 constexpr int MessageMilliseconds = 8000;
@@ -247,10 +248,18 @@ void MainWindow::SaveSizes()
 }
 
 /// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size; and
-/// from the event loop, so that a long fill can be left by closing the window.
+/// from the event loop, so that a long fill can be left by closing the window. The window is painted first: reading the
+/// messages of a large folder takes its time. One that is covered need not wait for that.
 void MainWindow::showEvent(QShowEvent* event)
 {
     QMainWindow::showEvent(event);
+    if (!List_->TolvaDatabase())
+        QTimer::singleShot(FillDelay, this, &MainWindow::FillList);
+}
+
+void MainWindow::paintEvent(QPaintEvent* event)
+{
+    QMainWindow::paintEvent(event);
     if (!List_->TolvaDatabase())
         QTimer::singleShot(0, this, &MainWindow::FillList);
 }

@@ -5,6 +5,12 @@
 #include <QLabel>
 #include <QMouseEvent>
 
+namespace
+{
+/// Nobody reads faster, and drawing it takes longer than the rows that it counts.
+constexpr qint64 DetailMilliseconds = 50;
+} // namespace
+
 OverlayPanel::OverlayPanel(const QString& text, QWidget* parent)
     : QFrame(parent), Text_(new QLabel(text, this)), Detail_(new QLabel(this))
 {
@@ -23,6 +29,12 @@ void OverlayPanel::SetDetail(const QString& text)
 {
     if (Detail_->text() == text)
         return;
+    if (text.isEmpty())
+        DetailAge_.invalidate();
+    else if (DetailAge_.isValid() && !DetailAge_.hasExpired(DetailMilliseconds))
+        return;
+    else
+        DetailAge_.start();
     Detail_->setText(text);
     LayOut();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QFrame>
 
 class QLabel;
@@ -13,7 +14,7 @@ class OverlayPanel : public QFrame
 public:
     OverlayPanel(const QString& text, QWidget* parent);
 
-    /// Below the text; empty for none.
+    /// Below the text; empty for none. One that comes too soon behind another is left out.
     void SetDetail(const QString& text);
 
 Q_SIGNALS:
@@ -28,4 +29,5 @@ private:
 
     QLabel* Text_;
     QLabel* Detail_;
+    QElapsedTimer DetailAge_; ///< Of the detail on show.
 };
