@@ -4,6 +4,8 @@
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
 
+#include <cmath>
+
 namespace
 {
 constexpr qint16 DaysOfWeek = 7;
@@ -18,6 +20,13 @@ QString NameOf(const clsKVDirectory& directory, qint32 contact)
         return QStringLiteral("Contact %1, who is not in the directory any more").arg(contact);
     const QString name = found->Name.simplified();
     return name.isEmpty() ? QStringLiteral("Contact %1, who has no name").arg(contact) : name;
+}
+
+/// "14 November 2026, 17:02", without a time where it has none: in words, so that no reader takes a day for a month.
+QString MomentOf(Date date)
+{
+    const bool hasTime = date.DayNumber() != std::floor(date.DayNumber());
+    return date.Format(hasTime ? QStringLiteral("d mmmm yyyy, hh:nn") : QStringLiteral("d mmmm yyyy"));
 }
 
 /// The hours go by universal time. Paper is read at any time of the year, so it always says so.
@@ -40,8 +49,8 @@ QList<PrizePage::Winner> WinnersOf(const cTolvaDatabase& database, const clsKVDi
     for (; !rows->AtEOF(); rows->MoveNext()) {
         PrizePage::Winner winner;
         winner.Name = NameOf(directory, rows->Collect(QStringLiteral("WinnerReference")).toInt());
-        winner.Won = RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))).GeneralDate();
-        winner.Sent = RowValues::LocalDate(rows->Collect(QStringLiteral("SentDate"))).GeneralDate();
+        winner.Won = MomentOf(RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))));
+        winner.Sent = MomentOf(RowValues::LocalDate(rows->Collect(QStringLiteral("SentDate"))));
         winner.Notes = rows->Collect(QStringLiteral("Notes")).toString();
         winners.append(winner);
     }
@@ -64,8 +73,8 @@ std::optional<PrizePage::Prize> PrizeSheet::Read(cTolvaDatabase& database, const
     prize.Notes = stored->Notes();
     prize.NotesToSupplier = stored->NotesToSupplier();
     prize.Supplier = NameOf(directory, stored->SupplierReference());
-    prize.Start = stored->StartDateString();
-    prize.End = stored->EndDateString();
+    prize.Start = MomentOf(stored->StartDate());
+    prize.End = MomentOf(stored->EndDate());
     prize.Hours = HoursOf(*stored);
     prize.Supplied = stored->NumberSupplied();
     prize.Winners = WinnersOf(database, directory, reference);

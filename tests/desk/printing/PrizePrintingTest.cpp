@@ -89,12 +89,12 @@ TEST_F(PrizePrintingTest, ASheetSaysWhatIsStoredByName)
     EXPECT_EQ(sheet.Script, QStringLiteral("Two tickets for Saturday."));
     EXPECT_EQ(sheet.Supplier, QStringLiteral("Ann Angove"));
     EXPECT_EQ(sheet.Start, QString());
-    EXPECT_EQ(sheet.End, QStringLiteral("30 Nov 2026 18:30:00"));
+    EXPECT_EQ(sheet.End, QStringLiteral("30 November 2026, 18:30"));
     EXPECT_EQ(sheet.Supplied, 3);
     EXPECT_EQ(sheet.Won, 1);
     ASSERT_EQ(sheet.Winners.size(), 1);
     EXPECT_EQ(sheet.Winners.first().Name, QStringLiteral("Ann Angove"));
-    EXPECT_EQ(sheet.Winners.first().Won, QStringLiteral("21 Nov 2026 14:05:00"));
+    EXPECT_EQ(sheet.Winners.first().Won, QStringLiteral("21 November 2026, 14:05"));
     EXPECT_EQ(sheet.Winners.first().Sent, QString());
     EXPECT_FALSE(PrizeSheet::Read(Station.Database(), Station.Directory(), 4711));
 }
@@ -102,7 +102,7 @@ TEST_F(PrizePrintingTest, ASheetSaysWhatIsStoredByName)
 TEST_F(PrizePrintingTest, DatesOfSummerAreInLocalTime)
 {
     AwardElsewhere(Prize, Ann, Date(2026, 7, 1, 9, 0, 0));
-    EXPECT_EQ(Sheet().Winners.first().Won, QStringLiteral("01 Jul 2026 09:00:00"));
+    EXPECT_EQ(Sheet().Winners.first().Won, QStringLiteral("1 July 2026, 09:00"));
 }
 
 TEST_F(PrizePrintingTest, TheDialogOffersTheTemplatesOfPrizesAndNothingAboutMessages)
