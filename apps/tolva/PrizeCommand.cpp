@@ -37,8 +37,8 @@ const QList<Form>& Forms()
         {QStringLiteral("print"),
          3,
          {Template, PageOutput::FileOption().Name, PageOutput::PaperOption().Name, PageOutput::ForceOption().Name},
-         PrizeForms::CheckPrint,
-         PrizeForms::Print},
+         PrizeForms::CheckSheet,
+         PrizeForms::PrintSheet},
     };
     return forms;
 }

@@ -26,8 +26,8 @@ int RemoveWinner(Station& station, const Arguments& arguments);
 int Recount(Station& station, const Arguments& arguments);
 
 // PrizePrintCommand.cpp.
-int Print(Station& station, const Arguments& arguments);
-void CheckPrint(const Arguments& arguments);
+int PrintSheet(Station& station, const Arguments& arguments);
+void CheckSheet(const Arguments& arguments);
 
 } // namespace PrizeForms
 

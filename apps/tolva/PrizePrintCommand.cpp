@@ -6,13 +6,13 @@
 #include "PrizeSheet.h"
 #include "PrizeText.h"
 
-void PrizeForms::CheckPrint(const Arguments& arguments)
+void PrizeForms::CheckSheet(const Arguments& arguments)
 {
     PageOutput::CheckUsage(arguments, QStringLiteral("prize"));
     PageOutput::CheckFile(arguments);
 }
 
-int PrizeForms::Print(Station& station, const Arguments& arguments)
+int PrizeForms::PrintSheet(Station& station, const Arguments& arguments)
 {
     const PagePrinting::PageTemplate pageTemplate = PagePrinting::FindTemplate(
         station.Database(), arguments.Value(PrizeOptions::Template, PrizeSheet::UsualTemplate),
