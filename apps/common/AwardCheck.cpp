@@ -56,7 +56,9 @@ QString AwardCheck::Warning(const AwardStanding& standing)
     }
     if (!standing.IsPrizeThere || !standing.IsOverdrawn())
         return {};
-    return QStringLiteral("\"%1\" has %2, but %3: somebody else awarded it at the same moment. Take one of them back.")
+    return QStringLiteral(
+               "\"%1\" has %2, but %3: it was awarded elsewhere at the same moment, or the number supplied was "
+               "lowered since. Take winners back, or put the number supplied right.")
         .arg(OneLine(standing.Title), Numbered(standing.Units, QStringLiteral("unit"), QStringLiteral("units")),
              Numbered(standing.Stored, QStringLiteral("winner"), QStringLiteral("winners")));
 }

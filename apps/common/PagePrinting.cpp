@@ -20,6 +20,24 @@ constexpr qsizetype AllPictures = 24 * 1024 * 1024; ///< Of one message.
 
 const QString MessagePrefix = QStringLiteral("Message");
 const QString ListPrefix = QStringLiteral("MessageList");
+const QString PrizePrefix = QStringLiteral("Prize");
+
+QStringList PrefixesOf(PagePrinting::TemplateKind kind)
+{
+    return kind == PagePrinting::TemplateKind::Prizes ? QStringList{PrizePrefix}
+                                                      : QStringList{MessagePrefix, ListPrefix};
+}
+
+Failure NoTemplates(const cTolvaDatabase& database, PagePrinting::TemplateKind kind)
+{
+    if (kind == PagePrinting::TemplateKind::Prizes) {
+        return Failure(exitData, QStringLiteral("The station has no page templates for prizes. They belong into %1; "
+                                                "their names begin with \"Prize-\".")
+                                     .arg(database.HTMLTemplatesLocation()));
+    }
+    return Failure(exitData, QStringLiteral("The station has no page templates. They belong into %1.")
+                                 .arg(database.HTMLTemplatesLocation()));
+}
 
 /// What a picture on a safe page of a mail is called: of the message, or within the page.
 QByteArray PictureOf(const QString& address, const cdo::Message& mail, const SafePage& page)
@@ -91,10 +109,10 @@ bool IsPath(const QString& text)
 }
 } // namespace
 
-QStringList PagePrinting::TemplateNames(const cTolvaDatabase& database)
+QStringList PagePrinting::TemplateNames(const cTolvaDatabase& database, TemplateKind kind)
 {
     QStringList names;
-    for (const QString& prefix : {MessagePrefix, ListPrefix}) {
+    for (const QString& prefix : PrefixesOf(kind)) {
         for (const QString& reference : database.GetHTMLTemplateReferences(prefix))
             names.append(prefix + u'-' + reference);
     }
@@ -103,18 +121,19 @@ QStringList PagePrinting::TemplateNames(const cTolvaDatabase& database)
 
 QString PagePrinting::TitleOf(const QString& name)
 {
-    for (const QString& prefix : {MessagePrefix, ListPrefix}) {
+    for (const QString& prefix : {MessagePrefix, ListPrefix, PrizePrefix}) {
         if (name.startsWith(prefix + u'-', Qt::CaseInsensitive))
             return name.sliced(prefix.size() + 1);
     }
     return name;
 }
 
-PagePrinting::PageTemplate PagePrinting::FindTemplate(const cTolvaDatabase& database, const QString& nameOrPath)
+PagePrinting::PageTemplate PagePrinting::FindTemplate(const cTolvaDatabase& database, const QString& nameOrPath,
+                                                      TemplateKind kind)
 {
     if (IsPath(nameOrPath))
         return Read(FileHelper::BaseNameOf(nameOrPath), nameOrPath);
-    const QStringList names = TemplateNames(database);
+    const QStringList names = TemplateNames(database, kind);
     for (const QString& name : names) {
         if (name.compare(nameOrPath, Qt::CaseInsensitive) == 0)
             return Read(name, database.GetHTMLTemplateFileName(QString(), name));
@@ -124,8 +143,7 @@ PagePrinting::PageTemplate PagePrinting::FindTemplate(const cTolvaDatabase& data
             return Read(name, database.GetHTMLTemplateFileName(QString(), name));
     }
     if (names.isEmpty())
-        throw Failure(exitData, QStringLiteral("The station has no page templates. They belong into %1.")
-                                    .arg(database.HTMLTemplatesLocation()));
+        throw NoTemplates(database, kind);
     throw Failure(exitData, QStringLiteral("There is no template \"%1\". There are: %2.")
                                 .arg(nameOrPath, names.join(QStringLiteral(", "))));
 }

@@ -7,7 +7,8 @@
 
 class cTolvaDatabase;
 
-/// Messages on pages: a template of the station filled from them, made safe for a browser and a printer.
+/// The station's page templates, and messages on pages: a template filled from them, made safe for a browser and a
+/// printer. Prizes on pages are PrizePage's.
 namespace PagePrinting
 {
 
@@ -19,12 +20,20 @@ struct PageTemplate
     QString Text;
 };
 
-/// The names of the station's templates for messages: those of one message, then those of lists.
-QStringList TemplateNames(const cTolvaDatabase& database);
+/// What a template is filled from.
+enum class TemplateKind
+{
+    Messages,
+    Prizes
+};
+
+/// The names of the station's templates of a kind: for messages those of one message, then those of lists.
+QStringList TemplateNames(const cTolvaDatabase& database, TemplateKind kind = TemplateKind::Messages);
 QString TitleOf(const QString& name);
-/// The template of that name or title in any case, or in the .htm file of that path. Failure that names those there are
-/// (data), and for one that cannot be read (no input).
-PageTemplate FindTemplate(const cTolvaDatabase& database, const QString& nameOrPath);
+/// The template of that kind and of that name or title in any case, or in the .htm file of that path. Failure that
+/// names those there are (data), and for one that cannot be read (no input).
+PageTemplate FindTemplate(const cTolvaDatabase& database, const QString& nameOrPath,
+                          TemplateKind kind = TemplateKind::Messages);
 
 struct PageOptions
 {

@@ -496,6 +496,7 @@ void MainWindow::TakePage(bool prizes)
 {
     List_->MessageMenu()->menuAction()->setEnabled(!prizes);
     List_->CategoryMenu()->menuAction()->setEnabled(!prizes);
+    TakePageForPrinting(prizes);
     Counts_->setVisible(!prizes);
     TakeSelection(Preview_->Message());
     FitTimer_.start();

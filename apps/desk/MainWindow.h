@@ -131,8 +131,9 @@ private:
     void CheckFile();
     void CompactFile();
     void PrintLabels();
-    // Printing messages, in printing/MainWindowPrinting.cpp.
+    // Printing messages and prizes, in printing/MainWindowPrinting.cpp.
     void MakePrintActions(QMenu* menu);
+    void TakePageForPrinting(bool prizes);
     void PrintMessages(PrintJob job, QWidget* over = nullptr);
     void PrintSelected();
     void PrintList();

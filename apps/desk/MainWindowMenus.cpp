@@ -12,6 +12,7 @@
 #include "platform/widgets/Icons.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
+#include "prizes/controls/uPrizesList.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -136,6 +137,7 @@ void MainWindow::MakeMessageMenu()
 void MainWindow::MakeViewMenu()
 {
     Prizes_->MakePrizeMenu(*menuBar());
+    ShowKey(*Prizes_->Page().List().PrizeMenu(), "mnuPrint", QKeySequence(Qt::CTRL | Qt::Key_P));
     auto* menu = menuBar()->addMenu(tr("&View"));
     QAction* refresh = AddAction(menu, "refresh", QStringLiteral("refresh"), tr("&Refresh"), QKeySequence(Qt::Key_F5));
     QAction* find =

@@ -35,7 +35,7 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
         {QStringLiteral("Menu"), tr("What can be done here; while writing, with the recipient beside the caret")},
         {QStringLiteral("Ctrl+W"), tr("Close any window but the main one")},
         {QStringLiteral("Esc"), tr("Close the window of a message or winner")},
-        {QStringLiteral("Ctrl+P"), tr("Print the message")},
+        {QStringLiteral("Ctrl+P"), tr("Print the message; on the page of prizes or in a prize's window: the prize")},
         {QStringLiteral("Ctrl+Alt+P"), tr("Print all messages on show")},
         {QStringLiteral("Ctrl+O"), tr("Open another station")},
         {QStringLiteral("F1"), tr("Show these keys")},

@@ -1,6 +1,7 @@
 // tolva prize: one prize, its hours and its winners.
 
 #include "Commands.h"
+#include "PageOutput.h"
 #include "PrizeForms.h"
 
 #include <algorithm>
@@ -33,6 +34,11 @@ const QList<Form>& Forms()
         {QStringLiteral("winners"), 3, {Json}, nullptr, PrizeForms::Winners},
         {QStringLiteral("remove-winner"), 3, {Yes}, nullptr, PrizeForms::RemoveWinner},
         {QStringLiteral("recount"), 3, {}, nullptr, PrizeForms::Recount},
+        {QStringLiteral("print"),
+         3,
+         {Template, PageOutput::FileOption().Name, PageOutput::PaperOption().Name, PageOutput::ForceOption().Name},
+         PrizeForms::CheckSheet,
+         PrizeForms::PrintSheet},
     };
     return forms;
 }
@@ -56,6 +62,10 @@ const std::vector<OptionDefinition>& Options()
         {Contact, QStringLiteral("REF"), QStringLiteral("The winner's number in the directory.")},
         {Name, QStringLiteral("TEXT"), QStringLiteral("The winner by name.")},
         {Number, QStringLiteral("TEXT"), QStringLiteral("The winner by telephone number.")},
+        {Template, QStringLiteral("NAME"), QStringLiteral("The page template for print (\"Prize sheet\").")},
+        PageOutput::FileOption(),
+        PageOutput::PaperOption(),
+        PageOutput::ForceOption(),
         {Yes, QString(), QStringLiteral("Does not ask.")},
         {Json, QString(), QStringLiteral("As JSON; winners and hours as one object a line.")},
         Station::UserOption(),
@@ -97,7 +107,7 @@ CommandDefinition PrizeCommand()
 {
     return {
         QStringLiteral("prize"),
-        QStringLiteral("Shows, adds, changes, awards and deletes a prize."),
+        QStringLiteral("Shows, adds, changes, awards, prints and deletes a prize."),
         {QStringLiteral("prize FOLDER show REF [--json]"),
          QStringLiteral("prize FOLDER add --title TEXT [--supplied N] [--start D] [--end D] [--hours H]\n"
                         "        [--script TEXT|--script-file PATH] [--notes TEXT] [--supplier REF] "
@@ -107,14 +117,19 @@ CommandDefinition PrizeCommand()
          QStringLiteral("prize FOLDER hours REF [--day DAY] [--set H] [--json]"),
          QStringLiteral("prize FOLDER award REF --contact REF|--name TEXT|--number TEXT [--notes TEXT] [--yes]"),
          QStringLiteral("prize FOLDER winners REF [--json]"),
-         QStringLiteral("prize FOLDER remove-winner WINNER [--yes]"), QStringLiteral("prize FOLDER recount REF")},
+         QStringLiteral("prize FOLDER remove-winner WINNER [--yes]"), QStringLiteral("prize FOLDER recount REF"),
+         QStringLiteral("prize FOLDER print REF [--template NAME] -o FILE [--paper SIZE] [--force]")},
         QStringLiteral(
             "REF is the prize's number in the list, WINNER the number that award prints and winners lists. H are "
             "hours\n"
             "such as 9-17, 6-9,18-24, all or none, D a date such as 2026-12-24 or \"2026-12-24 18:00\". Changing a\n"
             "prize needs the right to manage prizes; awarding needs it where the station says so, and taking back\n"
             "what somebody else awarded always. add prints the prize's number. recount counts a prize's winners anew,\n"
-            "where tolva check says that the count is wrong; nobody should be awarding prizes meanwhile."),
+            "where tolva check says that the count is wrong; nobody should be awarding prizes meanwhile. print fills "
+            "a\n"
+            "page template of the station whose name begins with \"Prize-\", or the template file of that path; FILE "
+            "ends in\n"
+            ".html or .pdf and appears when it is whole, \"-\" is an HTML page on standard output."),
         Options(),
         QStringLiteral("tolva prize /srv/station award 3 --number \"07700 900123\""),
         2,

@@ -25,6 +25,10 @@ int Winners(Station& station, const Arguments& arguments);
 int RemoveWinner(Station& station, const Arguments& arguments);
 int Recount(Station& station, const Arguments& arguments);
 
+// PrizePrintCommand.cpp.
+int PrintSheet(Station& station, const Arguments& arguments);
+void CheckSheet(const Arguments& arguments);
+
 } // namespace PrizeForms
 
 /// The options of those forms.
@@ -45,6 +49,7 @@ inline const QString Set = QStringLiteral("set");
 inline const QString Contact = QStringLiteral("contact");
 inline const QString Name = QStringLiteral("name");
 inline const QString Number = QStringLiteral("number");
+inline const QString Template = QStringLiteral("template");
 inline const QString Yes = QStringLiteral("yes");
 inline const QString Json = QStringLiteral("json");
 } // namespace PrizeOptions

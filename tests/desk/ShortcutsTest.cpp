@@ -197,6 +197,9 @@ TEST_F(ShortcutsTest, TheKeysDoWhatTheListSays)
     EXPECT_EQ(nameOf(*Window, "Ctrl+Alt+P"), QStringLiteral("printList"));
     EXPECT_EQ(nameOf(*Window, "Ctrl+P"), QStringLiteral("printMessage"));
     EXPECT_EQ(nameOf(*Windows.at(1), "Ctrl+P"), QStringLiteral("printMessage"));
+    EXPECT_EQ(nameOf(*Windows.at(4), "Ctrl+P"), QStringLiteral("printPrize"));
+    QTest::keyClick(Window.get(), Qt::Key_2, Qt::AltModifier);
+    EXPECT_EQ(nameOf(*Window, "Ctrl+P"), QStringLiteral("printPrize"));
     const QList<std::pair<QString, QString>> rows = Rows();
     EXPECT_TRUE(
         rows.contains({QStringLiteral("Ctrl+Shift+P"), QStringLiteral("Award a prize to the sender of the message")}));

@@ -1,10 +1,11 @@
-// Printing messages from the desk's main window.
+// Printing messages and prizes from the desk's main window.
 
 #include "DeskSettings.h"
 #include "MainWindow.h"
 #include "common/UserInterface.h"
 #include "messageslist/uMessagesList.h"
 #include "printing/PrintDialog.h"
+#include "prizes/PrizeDesk.h"
 
 #include <QAction>
 #include <QMenu>
@@ -13,25 +14,38 @@
 namespace
 {
 constexpr int MessageMilliseconds = 8000;
+const QKeySequence PrintKey(Qt::CTRL | Qt::Key_P);
 } // namespace
 
 void MainWindow::MakePrintActions(QMenu* menu)
 {
-    QAction* message = AddAction(menu, "printMessage", QStringLiteral("print"), tr("&Print message..."),
-                                 QKeySequence(Qt::CTRL | Qt::Key_P));
+    QAction* message = AddAction(menu, "printMessage", QStringLiteral("print"), tr("&Print message..."));
     QAction* list = AddAction(menu, "printList", QString(), tr("Print all messages on &show..."),
                               QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_P));
+    QAction* prize = AddAction(menu, "printPrize", QStringLiteral("print"), tr("&Print prize..."));
     connect(message, &QAction::triggered, this, &MainWindow::PrintSelected);
     connect(list, &QAction::triggered, this, &MainWindow::PrintList);
-    connect(menu, &QMenu::aboutToShow, this, [this, message, list] {
+    connect(prize, &QAction::triggered, Prizes_, &PrizeDesk::PrintSelected);
+    connect(menu, &QMenu::aboutToShow, this, [this, message, list, prize] {
         message->setEnabled(List_->SelectedReference() != 0);
         list->setEnabled(List_->NumberItems() > 0);
+        prize->setEnabled(Prizes_->HasSelection());
     });
     // The keys work whatever the menu said when it was open last.
-    connect(menu, &QMenu::aboutToHide, this, [message, list] {
-        message->setEnabled(true);
-        list->setEnabled(true);
+    connect(menu, &QMenu::aboutToHide, this, [message, list, prize] {
+        for (QAction* action : {message, list, prize})
+            action->setEnabled(true);
     });
+}
+
+/// The menu offers what the page on show holds, and the key prints that. A hidden entry's key does nothing.
+void MainWindow::TakePageForPrinting(bool prizes)
+{
+    for (const char* name : {"printMessage", "printList"})
+        Action(name)->setVisible(!prizes);
+    Action("printPrize")->setVisible(prizes);
+    Action("printMessage")->setShortcut(prizes ? QKeySequence() : PrintKey);
+    Action("printPrize")->setShortcut(prizes ? PrintKey : QKeySequence());
 }
 
 void MainWindow::PrintMessages(PrintJob job, QWidget* over)

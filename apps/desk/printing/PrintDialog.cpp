@@ -63,7 +63,7 @@ PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob 
     : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job))
 {
     setObjectName(QStringLiteral("printDialog"));
-    setWindowTitle(IsOfMany() ? tr("Print messages") : tr("Print message"));
+    setWindowTitle(IsOfPrize() ? tr("Print prize") : IsOfMany() ? tr("Print messages") : tr("Print message"));
     auto* layout = new QGridLayout(this);
     layout->addWidget(MakeChoice(), 0, 0);
     layout->addWidget(MakePreview(), 0, 1);
@@ -91,11 +91,18 @@ bool PrintDialog::Run(Work&& work)
 
 bool PrintDialog::IsOfMany() const
 {
-    return !Job_.Message && Job_.References.size() != 1;
+    return !Job_.Message && !IsOfPrize() && Job_.References.size() != 1;
+}
+
+PagePrinting::TemplateKind PrintDialog::Kind() const
+{
+    return IsOfPrize() ? PagePrinting::TemplateKind::Prizes : PagePrinting::TemplateKind::Messages;
 }
 
 QString PrintDialog::TemplateState() const
 {
+    if (IsOfPrize())
+        return QStringLiteral("PrintDialog/TemplateOfPrize");
     return IsOfMany() ? QStringLiteral("PrintDialog/TemplateOfMany") : QStringLiteral("PrintDialog/TemplateOfOne");
 }
 
@@ -125,6 +132,10 @@ void PrintDialog::Start()
 /// Reads the messages. False when that failed, which was said, or the user stopped it.
 bool PrintDialog::Prepare()
 {
+    if (IsOfPrize()) {
+        Subject_ = Job_.Prize->Title;
+        return true;
+    }
     bool isWhole = false;
     const bool hasWorked = Run([&] {
         if (Job_.Message) {
@@ -155,24 +166,32 @@ bool PrintDialog::Prepare()
 
 void PrintDialog::Fill()
 {
-    if (Messages_.Count() == 0)
+    if (!HasContent())
         return;
     Document_.reset();
     Pages_.reset();
     Sheet_->SetPages(nullptr);
     Run([this] {
         const BusyPointer busy;
-        const auto pageTemplate = PagePrinting::FindTemplate(Station_.Database(), Template_->currentData().toString());
-        // A template with a list of its own says itself where pages begin.
-        PageEach_->setEnabled(IsOfMany() && !pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_REPEAT>")));
-        PagePrinting::PageOptions options;
-        options.UnreadIsBold = Bold_->isChecked();
-        options.PendingIsItalic = Italic_->isChecked();
-        options.PageEach = PageEach_->isChecked();
-        Document_ = std::make_shared<SafeDocument>(Messages_.Fill(pageTemplate, options));
+        Document_ = std::make_shared<SafeDocument>(FilledPage());
     });
     UpdateParts();
     LayOut();
+}
+
+SafeDocument PrintDialog::FilledPage()
+{
+    const auto pageTemplate =
+        PagePrinting::FindTemplate(Station_.Database(), Template_->currentData().toString(), Kind());
+    if (IsOfPrize())
+        return PrizePage::Fill(pageTemplate.Text, {*Job_.Prize});
+    // A template with a list of its own says itself where pages begin.
+    PageEach_->setEnabled(IsOfMany() && !pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_REPEAT>")));
+    PagePrinting::PageOptions options;
+    options.UnreadIsBold = Bold_->isChecked();
+    options.PendingIsItalic = Italic_->isChecked();
+    options.PageEach = PageEach_->isChecked();
+    return Messages_.Fill(pageTemplate, options);
 }
 
 PaperSetup PrintDialog::Paper() const
@@ -215,6 +234,13 @@ void PrintDialog::TakePages(const std::shared_ptr<PrintedPages>& pages)
     UpdateParts();
 }
 
+QString PrintDialog::ContentWords() const
+{
+    if (IsOfPrize())
+        return tr("1 prize");
+    return Messages_.Count() == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(Messages_.Count()));
+}
+
 void PrintDialog::UpdateParts()
 {
     const int pages = Sheet_->PageCount();
@@ -227,17 +253,16 @@ void PrintDialog::UpdateParts()
     Next_->setEnabled(Sheet_->Page() + 1 < pages);
     Print_->setEnabled(IsLaidOut());
     Save_->setEnabled(IsLaidOut());
-    const QLocale locale;
-    const QString messages =
-        Messages_.Count() == 1 ? tr("1 message") : tr("%1 messages").arg(locale.toString(Messages_.Count()));
-    const QString pageWords = pages == 1 ? tr("1 page") : tr("%1 pages").arg(locale.toString(pages));
+    const QString pageWords = pages == 1 ? tr("1 page") : tr("%1 pages").arg(QLocale().toString(pages));
     if (pages > 0)
-        Count_->setText(tr("%1 on %2").arg(messages, pageWords));
+        Count_->setText(tr("%1 on %2").arg(ContentWords(), pageWords));
     else
-        Count_->setText(Document_ || Messages_.Count() == 0 ? tr("The pages are being laid out...") : QString());
+        Count_->setText(Document_ || !HasContent() ? tr("The pages are being laid out...") : QString());
     QString note = PagePrinting::WithheldWords(Messages_.CountWithheld());
     if (Document_ && Document_->IsTextOnly)
-        note = tr("These messages are too large to be laid out together; the pages hold their text alone.");
+        note = IsOfPrize()
+                   ? tr("This prize is too large to be laid out; the pages hold its text alone.")
+                   : tr("These messages are too large to be laid out together; the pages hold their text alone.");
     Note_->setText(note);
     Note_->setHidden(note.isEmpty());
 }
@@ -300,7 +325,8 @@ void PrintDialog::Print()
 
 QString PrintDialog::FileName() const
 {
-    const QString name = Messages_.Count() == 1 && !Subject_.trimmed().isEmpty() ? Subject_ : Template_->currentText();
+    const bool isOfOne = IsOfPrize() || Messages_.Count() == 1;
+    const QString name = isOfOne && !Subject_.trimmed().isEmpty() ? Subject_ : Template_->currentText();
     return FileNames::Cleaned(name + QStringLiteral(".pdf"));
 }
 

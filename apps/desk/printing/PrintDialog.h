@@ -1,12 +1,14 @@
 #pragma once
 
 #include "PagePrinting.h"
+#include "PrizePage.h"
 #include "platform/widgets/PrintedPages.h"
 
 #include <QDialog>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class DeskSettings;
 class DeskStation;
@@ -19,14 +21,16 @@ class QPushButton;
 class QScrollArea;
 class QSpinBox;
 
-/// What is to be printed: messages of the station by their numbers, or one that a window shows as it is there.
+/// What is to be printed: messages of the station by their numbers, one that a window shows as it is there, or a prize.
 struct PrintJob
 {
     QList<qint32> References;
     cMessagePtr Message;
+    std::optional<PrizePage::Prize> Prize = std::nullopt;
 };
 
-/// Prints messages: by which of the station's templates, how, on which paper, with the pages as they will be printed.
+/// Prints messages, or a prize: by which of the station's templates, how, on which paper, with the pages as they will
+/// be printed.
 /// It begins to read the messages when it is shown; the pages are laid out beside the window, which answers meanwhile.
 /// The template and the paper are remembered. The station is open and outlives the dialog.
 class PrintDialog : public QDialog
@@ -61,6 +65,11 @@ private:
     template <typename Work>
     bool Run(Work&& work);
     bool IsOfMany() const;
+    bool IsOfPrize() const { return Job_.Prize.has_value(); }
+    PagePrinting::TemplateKind Kind() const;
+    bool HasContent() const { return IsOfPrize() || Messages_.Count() > 0; }
+    QString ContentWords() const;
+    SafeDocument FilledPage();
     QString TemplateState() const;
     void Remember();
     void Start();
@@ -78,7 +87,7 @@ private:
     DeskSettings& Settings_;
     PrintJob Job_;
     PagePrinting::PreparedMessages Messages_;
-    QString Subject_; ///< Of a single message.
+    QString Subject_; ///< Of a single message; a prize's title.
     std::shared_ptr<const SafeDocument> Document_;
     std::shared_ptr<const PrintedPages> Pages_;
     bool HasStarted_ = false;

@@ -2,6 +2,7 @@
 
 #include "DeskSettings.h"
 #include "DeskStation.h"
+#include "PrizeSheet.h"
 #include "printing/PageSheet.h"
 #include "printing/PrintDialog.h"
 
@@ -82,6 +83,7 @@ QWidget* PrintDialog::MakeChoice()
     Paper_->setCurrentIndex(isLetter ? 1 : 0);
     for (QCheckBox* check : {Bold_, Italic_, PageEach_}) {
         check->setChecked(Settings_.State(QStringLiteral("PrintDialog/") + check->objectName()) == "1");
+        check->setVisible(!IsOfPrize());
         connect(check, &QCheckBox::toggled, this, &PrintDialog::Fill);
     }
     connect(Template_, &QComboBox::currentIndexChanged, this, &PrintDialog::Fill);
@@ -159,15 +161,16 @@ QWidget* PrintDialog::MakeButtons()
 void PrintDialog::FillTemplates()
 {
     const QSignalBlocker quiet(Template_);
-    const QStringList names = PagePrinting::TemplateNames(Station_.Database());
+    const QStringList names = PagePrinting::TemplateNames(Station_.Database(), Kind());
     QStringList titles;
     for (const QString& name : names)
         titles.append(PagePrinting::TitleOf(name));
     for (qsizetype i = 0; i < names.size(); ++i)
         Template_->addItem(titles.count(titles.at(i)) == 1 ? titles.at(i) : names.at(i), names.at(i));
     const QString remembered = QString::fromUtf8(Settings_.State(TemplateState()));
-    const QString usual =
-        IsOfMany() ? QStringLiteral("MessageList-Whole messages") : QStringLiteral("Message-Single message");
+    const QString usual = IsOfPrize()  ? PrizeSheet::UsualTemplate
+                          : IsOfMany() ? QStringLiteral("MessageList-Whole messages")
+                                       : QStringLiteral("Message-Single message");
     int index = Template_->findData(remembered);
     if (index < 0)
         index = Template_->findData(usual, Qt::UserRole, Qt::MatchFixedString);

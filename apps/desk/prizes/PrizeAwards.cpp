@@ -95,6 +95,8 @@ QString PrizeAwards::WhyNotAwardable(DeskStation& station, qint32 prize)
         return Translated("At this station only users who may manage prizes award them. Your technician can give you "
                           "that right.");
     }
+    // A winner whose program was killed before it counted him has his unit all the same.
+    AwardCheck::Settle(station.Database(), prize);
     const cPrizePtr stored = station.Database().GetPrize(prize, false);
     if (!stored)
         return GoneWords();

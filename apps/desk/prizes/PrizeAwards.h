@@ -18,6 +18,7 @@ bool NeedsRight(DeskStation& station);
 void SetNeedsRight(DeskStation& station, bool needsRight);
 
 /// Why nobody can be given this prize now: the user's right, a prize that is gone or used up. A sentence, or empty.
+/// Winners whom the prize does not count are counted first, where they leave no unit.
 QString WhyNotAwardable(DeskStation& station, qint32 prize);
 /// Why this contact cannot win; empty when nothing stands against it.
 QString WhyCannotWin(DeskStation& station, qint32 contact);

@@ -3,8 +3,10 @@
 #include "DeskSettings.h"
 #include "DeskStation.h"
 #include "NoticeBar.h"
+#include "PrizeSheet.h"
 #include "Words.h"
 #include "platform/widgets/Icons.h"
+#include "printing/PrintDialog.h"
 #include "prizes/AwardFlow.h"
 #include "prizes/PresenterView.h"
 #include "prizes/PrizeSettingsDialog.h"
@@ -49,6 +51,7 @@ PrizeDesk::PrizeDesk(DeskStation& station, DeskSettings& settings, QMainWindow& 
     connect(Notice_, &NoticeBar::ButtonClicked, this, &PrizeDesk::Undo);
     connect(Page_, &PrizesPage::NewPrize, this, &PrizeDesk::NewPrize);
     connect(Page_, &PrizesPage::OpenPrize, this, &PrizeDesk::OpenPrize);
+    connect(Page_, &PrizesPage::PrintPrize, this, [this](qint32 prize) { Print(prize); });
     connect(Page_, &PrizesPage::OpenWinner, this, &PrizeDesk::OpenWinner);
     connect(Page_, &PrizesPage::Award, this, &PrizeDesk::Award);
     connect(Page_, &PrizesPage::Updated, this, &PrizeDesk::CheckWindows);
@@ -101,6 +104,11 @@ QWidget* PrizeDesk::MakePages(QWidget* messages)
 bool PrizeDesk::IsOnShow() const
 {
     return Pages_ && Pages_->currentIndex() == PrizesIndex;
+}
+
+bool PrizeDesk::HasSelection() const
+{
+    return Page_->Presenter().Reference() > 0;
 }
 
 void PrizeDesk::ShowPage(bool prizes)
@@ -245,6 +253,7 @@ PrizeWindow* PrizeDesk::Open(const cPrize& prize)
     Windows_.removeAll(nullptr);
     Windows_.append(window);
     connect(window, &PrizeWindow::AwardWanted, this, [this, window](qint32 wanted) { Awards_->Award(wanted, window); });
+    connect(window, &PrizeWindow::PrintWanted, this, [this, window](qint32 wanted) { Print(wanted, window); });
     connect(window, &PrizeWindow::WinnerWanted, this, &PrizeDesk::OpenWinner);
     connect(window, &PrizeWindow::Saved, this, &PrizeDesk::Told);
     Q_EMIT WindowOpened(window);
@@ -280,6 +289,29 @@ void PrizeDesk::OpenWinner(qint32 winner)
         window->show();
         window->activateWindow();
     });
+}
+
+void PrizeDesk::Print(qint32 prize, QWidget* over)
+{
+    Run([&] {
+        auto stored = PrizeSheet::Read(Station_.Database(), Station_.Directory(), prize);
+        if (!stored) {
+            Words::Warn(tr("That prize is not there any more: it was deleted on another computer."));
+            return;
+        }
+        PrintJob job;
+        job.Prize = std::move(stored);
+        PrintDialog dialog(Station_, Settings_, std::move(job), over ? over : &Window_);
+        dialog.exec();
+    });
+}
+
+void PrizeDesk::PrintSelected()
+{
+    if (Page_->Presenter().Reference() > 0)
+        Print(Page_->Presenter().Reference());
+    else
+        Q_EMIT Told(tr("Select the prize to print first."));
 }
 
 void PrizeDesk::Award(qint32 prize)

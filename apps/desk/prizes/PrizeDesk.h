@@ -46,6 +46,8 @@ public:
     QAction* MakeAwardToSenderAction();
 
     bool IsOnShow() const;
+    /// Whether a prize is selected on the page.
+    bool HasSelection() const;
     void ShowPage(bool prizes);
     /// The station's file is open again, or is about to be closed.
     void Connect();
@@ -62,6 +64,9 @@ public Q_SLOTS:
     void NewPrize(const cPrizePtr& prize);
     void OpenPrize(qint32 prize);
     void OpenWinner(qint32 winner);
+    /// What is stored of it, in the print dialog. over: the window that asks; the main window without one.
+    void Print(qint32 prize, QWidget* over = nullptr);
+    void PrintSelected();
     void Award(qint32 prize);
     void AwardToSender(const cMessagePtr& message, QWidget* parent = nullptr);
     /// Takes back what the notice is about.

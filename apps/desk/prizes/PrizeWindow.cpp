@@ -293,6 +293,16 @@ void PrizeWindow::Award()
     Q_EMIT AwardWanted(Reference());
 }
 
+/// So is what is printed.
+void PrizeWindow::Print()
+{
+    if (IsChanged() || Reference() == 0) {
+        Words::Warn(tr("Save the prize first (Ctrl+S), then print it."));
+        return;
+    }
+    Q_EMIT PrintWanted(Reference());
+}
+
 void PrizeWindow::ShowWinner()
 {
     if (Winners_->Selected() != 0)

@@ -41,6 +41,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void AwardWanted(qint32 prize);
+    void PrintWanted(qint32 prize);
     void WinnerWanted(qint32 winner);
     void Saved(const QString& words);
 
@@ -77,6 +78,7 @@ private:
     void LoadHotlist();
     void SaveHotlist();
     void Award();
+    void Print();
     void ShowWinner();
     ConflictChoice AskAboutConflict(PrizeSaving::Outcome outcome);
     bool Resolve(PrizeSaving::Outcome outcome);

@@ -144,6 +144,8 @@ void PrizeWindow::MakeActions()
                         QKeySequence(Qt::CTRL | Qt::Key_S));
     QAction* award = add("award", QStringLiteral("newwinner"), tr("&Award..."), tr("Chooses who wins the prize"),
                          QKeySequence(Qt::CTRL | Qt::Key_Return));
+    QAction* print = add("printPrize", QStringLiteral("print"), tr("&Print..."), tr("Prints the prize as it is stored"),
+                         QKeySequence(Qt::CTRL | Qt::Key_P));
     menu->addSeparator();
     QAction* close =
         add("closePrize", QString(), tr("&Close"), tr("Closes this window"), QKeySequence(Qt::CTRL | Qt::Key_W));
@@ -151,6 +153,7 @@ void PrizeWindow::MakeActions()
     bar->addAction(award);
     connect(save, &QAction::triggered, this, &PrizeWindow::Save);
     connect(award, &QAction::triggered, this, &PrizeWindow::Award);
+    connect(print, &QAction::triggered, this, &PrizeWindow::Print);
     connect(close, &QAction::triggered, this, &QWidget::close);
 }
 

@@ -45,8 +45,6 @@ PrizesPage::PrizesPage(DeskStation& station, DeskSettings& settings, QWidget* pa
     Filter_->setObjectName(QStringLiteral("prizeFilterNotice"));
     List_->setObjectName(QStringLiteral("prizesList"));
     List_->SetAutoUpdateInterval(ListInterval);
-    // There is no printing of prizes yet; an entry that does nothing helps nobody.
-    List_->SetPrintVisible(false);
     Side_->addWidget(Presenter_);
     Side_->addWidget(MakeEmptyPage());
     Splitter_->setObjectName(QStringLiteral("prizesSplitter"));
@@ -70,6 +68,8 @@ PrizesPage::PrizesPage(DeskStation& station, DeskSettings& settings, QWidget* pa
     connect(List_, &uPrizesList::NewPrize, this, &PrizesPage::NewPrize);
     connect(List_, &uPrizesList::OpenPrize, this,
             [this](const cPrizePtr& prize) { Q_EMIT OpenPrize(prize->Reference()); });
+    connect(List_, &uPrizesList::PrintPrize, this,
+            [this](const cPrizePtr& prize) { Q_EMIT PrintPrize(prize->Reference()); });
     connect(Presenter_, &PresenterView::AwardWanted, this, &PrizesPage::Award);
     connect(Presenter_, &PresenterView::OpenWanted, this, &PrizesPage::OpenPrize);
     connect(Presenter_, &PresenterView::WinnerWanted, this, &PrizesPage::OpenWinner);

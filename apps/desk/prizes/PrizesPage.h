@@ -48,6 +48,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     void NewPrize(const cPrizePtr& prize);
     void OpenPrize(qint32 prize);
+    void PrintPrize(qint32 prize);
     void Award(qint32 prize);
     void OpenWinner(qint32 winner);
     /// The list is that of the station, as of now.

@@ -1,5 +1,6 @@
 #include "PrizeDeskTest.h"
 #include "StationPlace.h"
+#include "platform/records/DBEngine.h"
 #include "prizes/PrizeAwards.h"
 
 #include <QAction>
@@ -68,6 +69,18 @@ protected:
         BusyHook hook(elsewhere);
         ClickAward();
         return box.Text();
+    }
+    /// What the prize says of its winners, written past the programs.
+    void OverwriteCount(int count)
+    {
+        const auto database = dao::DBEngine::OpenDatabase(StationPlace::FileIn(Folder()));
+        const auto rows = database->OpenRecordset(QStringLiteral("Prizes"), dao::dbOpenTable);
+        rows->SetIndex(QStringLiteral("Main"));
+        rows->Seek(dao::SeekComparison::Equal, {Prize});
+        ASSERT_FALSE(rows->NoMatch());
+        rows->Edit();
+        rows->SetCollect(QStringLiteral("NumberWinners"), count);
+        rows->Update();
     }
 
     qint32 Ann = 0;
@@ -214,6 +227,20 @@ TEST_F(AwardTest, APrizeThatIsUsedUpSaysWhoHasTheLastOne)
     Ui.ExpectWarning(QStringLiteral("“Two tickets” has been won already. The last one went to Ben Bosanko (21 November "
                                     "2026, 14:05). Nothing was saved."));
     ClickAward();
+}
+
+TEST_F(AwardTest, AWinnerWhomACrashLeftUncountedHasTheLastUnitAllTheSame)
+{
+    AwardElsewhere(Prize, Ben);
+    // As a program leaves it that was killed before it counted the winner.
+    OverwriteCount(0);
+    OpenPrizes();
+    Select(Prize);
+    Ui.ExpectWarning(QStringLiteral("“Two tickets” has been won already. The last one went to Ben Bosanko (21 November "
+                                    "2026, 14:05). Nothing was saved."));
+    ClickAward();
+    EXPECT_EQ(WinnersOf(Prize).size(), 1);
+    EXPECT_EQ(Stored(Prize)->NumberWinners(), 1);
 }
 
 TEST_F(AwardTest, APrizeAwardedElsewhereWhileTheContactIsChosenIsRefused)

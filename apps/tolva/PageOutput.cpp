@@ -1,0 +1,127 @@
+#include "PageOutput.h"
+
+#include "Failure.h"
+#include "Terminal.h"
+#include "common/FileHelper.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSaveFile>
+
+namespace
+{
+const QString OutputName = QStringLiteral("output");
+const QString PaperName = QStringLiteral("paper");
+const QString ForceName = QStringLiteral("force");
+const QString StandardOutput = QStringLiteral("-");
+const QString PdfExtension = QStringLiteral(".pdf");
+
+QString PaperOf(const Arguments& arguments)
+{
+    return arguments.Value(PaperName, QStringLiteral("A4"));
+}
+
+/// What turns pages into PDF files. It stands beside this program, which knows nothing of fonts and paper.
+QString PdfProgram()
+{
+    QString name = QStringLiteral("tolva-pdf");
+#ifdef Q_OS_WIN
+    name += QStringLiteral(".exe");
+#endif
+    return FileHelper::Join(QCoreApplication::applicationDirPath(), name);
+}
+
+bool IsPdf(const QString& path)
+{
+    return path.endsWith(PdfExtension, Qt::CaseInsensitive);
+}
+
+void WritePage(const QString& path, const QByteArray& page)
+{
+    if (path == StandardOutput)
+        return Terminal::PrintOctets(page);
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw Failure(exitCannotCreate, QStringLiteral("%1 cannot be made: %2").arg(path, file.errorString()));
+    if (file.write(page) != page.size() || !file.commit())
+        throw Failure(exitInputOutput, QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
+}
+
+void WritePdf(const QString& path, const QByteArray& page, const QString& paper)
+{
+    QProcess process;
+    process.start(PdfProgram(), {QStringLiteral("--paper"), paper, QStringLiteral("--output"),
+                                 QFileInfo(path).absoluteFilePath(), StandardOutput});
+    if (!process.waitForStarted(-1))
+        throw Failure(exitUnavailable,
+                      QStringLiteral("%1 cannot be started: %2").arg(PdfProgram(), process.errorString()));
+    process.write(page);
+    process.closeWriteChannel();
+    process.waitForFinished(-1);
+    if (process.exitStatus() != QProcess::NormalExit)
+        throw Failure(
+            exitSoftware,
+            QStringLiteral("%1 ended in the middle of its work; %2 was not written.").arg(PdfProgram(), path));
+    if (process.exitCode() == exitOK)
+        return;
+    // What it says last is why it ended.
+    const QString words = QString::fromUtf8(process.readAllStandardError()).trimmed().section(u'\n', -1);
+    throw Failure(static_cast<ExitCode>(process.exitCode()),
+                  QStringLiteral("%1 was not written: %2").arg(path, words.section(QStringLiteral("tolva-pdf: "), -1)));
+}
+} // namespace
+
+OptionDefinition PageOutput::FileOption()
+{
+    return {OutputName, QStringLiteral("FILE"), QStringLiteral("The file to write; also -o FILE."),
+            QStringLiteral("o")};
+}
+
+OptionDefinition PageOutput::PaperOption()
+{
+    return {PaperName, QStringLiteral("SIZE"), QStringLiteral("A4 (the default) or Letter, of a PDF file.")};
+}
+
+OptionDefinition PageOutput::ForceOption()
+{
+    return {ForceName, QString(), QStringLiteral("Replaces a file that exists.")};
+}
+
+void PageOutput::CheckUsage(const Arguments& arguments, const QString& command)
+{
+    const QString path = arguments.Value(OutputName);
+    if (path.isEmpty())
+        throw Failure(exitUsage, QStringLiteral("-o FILE is missing: the .html or .pdf file to write. "
+                                                "See: tolva %1 --help")
+                                     .arg(command));
+    const bool isPage = path == StandardOutput || path.endsWith(u".html", Qt::CaseInsensitive) ||
+                        path.endsWith(u".htm", Qt::CaseInsensitive);
+    if (!isPage && !IsPdf(path))
+        throw Failure(exitUsage, QStringLiteral("%1 must end in .html or .pdf.").arg(path));
+    const QString paper = PaperOf(arguments).toLower();
+    if (paper != u"a4" && paper != u"letter")
+        throw Failure(exitUsage, QStringLiteral("--paper takes \"A4\" or \"Letter\"."));
+}
+
+void PageOutput::CheckFile(const Arguments& arguments)
+{
+    const QString path = arguments.Value(OutputName);
+    if (path != StandardOutput && QFileInfo::exists(path) && !arguments.Has(ForceName))
+        throw Failure(exitCannotCreate, QStringLiteral("%1 exists; --force replaces it.").arg(path));
+    if (IsPdf(path) && !FileHelper::FileExists(PdfProgram()))
+        throw Failure(exitUnavailable, QStringLiteral("PDF files need the program %1, which is not there. Install it, "
+                                                      "or name a file that ends in .html.")
+                                           .arg(PdfProgram()));
+}
+
+void PageOutput::Write(const Arguments& arguments, const SafeDocument& document)
+{
+    const QString path = arguments.Value(OutputName);
+    if (document.IsTextOnly)
+        Terminal::Complain(QStringLiteral("The page is too large to be laid out; it holds the text alone."));
+    if (IsPdf(path))
+        WritePdf(path, document.Html.toUtf8(), PaperOf(arguments));
+    else
+        WritePage(path, document.Html.toUtf8());
+}
