@@ -29,8 +29,9 @@ AwardStanding Read(cTolvaDatabase& database, qint32 prizeReference);
 /// be read or stored; the winner itself is not touched.
 AwardStanding Settle(cTolvaDatabase& database, qint32 prizeReference);
 
-/// What the user has to be told, in whole sentences; empty when all is in order. It names every cause that there may be,
-/// for what stands does not tell which it was. How a winner is taken back stands in the program's own words behind it.
+/// What the user has to be told, in whole sentences; empty when all is in order. It names every cause that there may
+/// be, for what stands does not tell which it was. How a winner is taken back stands in the program's own words behind
+/// it.
 QString Warning(const AwardStanding& standing);
 
 } // namespace AwardCheck

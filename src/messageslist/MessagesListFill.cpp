@@ -94,8 +94,8 @@ void uMessagesList::UpdateDisplay()
 /// The picture of the bin stands at the folder of sent messages, and tells whether that one holds any: one is enough.
 void uMessagesList::UpdateTrashImage()
 {
-    const auto sent = clsTolvaDatabase_->OpenSnapshot(
-        QStringLiteral("SELECT TOP 1 [Reference] FROM [Messages] WHERE [Category]=4"));
+    const auto sent =
+        clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT TOP 1 [Reference] FROM [Messages] WHERE [Category]=4"));
     const QIcon icon = Icons::Get(sent->RecordCount() < 1 ? QStringLiteral("trash") : QStringLiteral("trashfull"));
     treeCategories_->SetNodeIcons(SentNode, icon, icon);
 }
