@@ -216,7 +216,7 @@ TEST_P(DamagedStationTest, ComesBackFromItsNewestBackupWhenTheUserAgrees)
 {
     Answer(QStringLiteral("Yes"));
     ASSERT_TRUE(TheDesk->Window());
-    EXPECT_EQ(TheDesk->Window()->List().NumberItems(), 1);
+    EXPECT_TRUE(WaitUntil([this] { return TheDesk->Window()->List().NumberItems() == 1; }));
     QStringList kept = QDir(Folder()).entryList({QStringLiteral("*.BAK")});
     ASSERT_EQ(kept.size(), 1);
     EXPECT_EQ(Read(Folder() + QLatin1Char('/') + kept.first()), Damaged);
