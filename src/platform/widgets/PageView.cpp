@@ -2,6 +2,7 @@
 
 #include "platform/html/PlainText.h"
 #include "platform/widgets/PictureReader.h"
+#include "platform/widgets/TableWidths.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QHelpEvent>
@@ -11,8 +12,6 @@
 #include <QScrollBar>
 #include <QToolTip>
 #include <QWheelEvent>
-
-#include <numeric>
 
 namespace
 {
@@ -198,20 +197,7 @@ void PageView::FitTables()
     for (const WideTable& wide : Tables_) {
         if (wide.Table == nullptr)
             continue;
-        QTextTableFormat format = wide.Format;
-        if (format.width().type() == QTextLength::FixedLength && format.width().rawValue() > available)
-            format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
-        auto widths = format.columnWidthConstraints();
-        const double sum = std::accumulate(widths.begin(), widths.end(), 0.0, [](double total, const QTextLength& one) {
-            return total + (one.type() == QTextLength::FixedLength ? one.rawValue() : 0);
-        });
-        if (sum > available) {
-            for (QTextLength& width : widths) {
-                if (width.type() == QTextLength::FixedLength)
-                    width = QTextLength(QTextLength::PercentageLength, 100 * width.rawValue() / sum);
-            }
-            format.setColumnWidthConstraints(widths);
-        }
+        const QTextTableFormat format = TableWidths::FittedTo(available, wide.Format);
         if (format != wide.Table->format())
             wide.Table->setFormat(format);
     }

@@ -1,6 +1,7 @@
 #include "platform/widgets/PrintedPages.h"
 
 #include "platform/widgets/PictureReader.h"
+#include "platform/widgets/TableWidths.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
@@ -13,8 +14,6 @@
 #include <QTextTable>
 #include <QThread>
 #include <QUrl>
-
-#include <numeric>
 
 namespace
 {
@@ -116,20 +115,7 @@ void FitTables(QTextDocument& document)
         auto* table = qobject_cast<QTextTable*>(frame);
         if (table == nullptr)
             continue;
-        QTextTableFormat format = table->format();
-        if (format.width().type() == QTextLength::FixedLength && format.width().rawValue() > available)
-            format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
-        auto widths = format.columnWidthConstraints();
-        const double sum = std::accumulate(widths.begin(), widths.end(), 0.0, [](double total, const QTextLength& one) {
-            return total + (one.type() == QTextLength::FixedLength ? one.rawValue() : 0);
-        });
-        if (sum > available) {
-            for (QTextLength& width : widths) {
-                if (width.type() == QTextLength::FixedLength)
-                    width = QTextLength(QTextLength::PercentageLength, 100 * width.rawValue() / sum);
-            }
-            format.setColumnWidthConstraints(widths);
-        }
+        const QTextTableFormat format = TableWidths::FittedTo(available, table->format());
         if (format != table->format())
             table->setFormat(format);
     }
