@@ -4,6 +4,7 @@
 #include "AddressBox.h"
 #include "Addresses.h"
 #include "BodyEdit.h"
+#include "ClosingQuestion.h"
 #include "DeskStation.h"
 #include "FileChoice.h"
 #include "FileNames.h"
@@ -444,30 +445,12 @@ DraftStore::Conflict ComposeWindow::AskAboutConflict(DraftStore::Outcome outcome
     return DraftStore::Conflict::Stop;
 }
 
-ComposeWindow::ClosingChoice ComposeWindow::AskBeforeClosing()
-{
-    QMessageBox box(this);
-    box.setObjectName(QStringLiteral("closingBox"));
-    box.setIcon(QMessageBox::Question);
-    box.setTextFormat(Qt::PlainText);
-    box.setWindowTitle(windowTitle());
-    box.setText(tr("Keep this message as a draft?"));
-    QPushButton* save = AddButton(box, tr("&Save draft"), QMessageBox::AcceptRole);
-    const QPushButton* discard = AddButton(box, tr("&Discard"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = AddButton(box, tr("&Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(save);
-    box.setEscapeButton(cancel);
-    box.exec();
-    if (box.clickedButton() == save)
-        return ClosingChoice::SaveDraft;
-    return box.clickedButton() == discard ? ClosingChoice::Discard : ClosingChoice::Cancel;
-}
-
 void ComposeWindow::closeEvent(QCloseEvent* event)
 {
     if (IsChanged()) {
-        const ClosingChoice choice = AskBeforeClosing();
-        if (choice == ClosingChoice::Cancel || (choice == ClosingChoice::SaveDraft && !SaveDraft())) {
+        const auto choice =
+            ClosingQuestion::Ask(*this, windowTitle(), tr("Keep this message as a draft?"), tr("&Save draft"));
+        if (choice == ClosingQuestion::Choice::Cancel || (choice == ClosingQuestion::Choice::Save && !SaveDraft())) {
             event->ignore();
             return;
         }

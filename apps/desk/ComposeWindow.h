@@ -54,13 +54,6 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    enum class ClosingChoice
-    {
-        SaveDraft,
-        Discard,
-        Cancel
-    };
-
     void MakeActions();
     QWidget* MakeForm();
     void Show(const Composition& composition);
@@ -71,7 +64,6 @@ private:
     void UpdateTitle();
     bool File(Composing::Filing filing);
     DraftStore::Conflict AskAboutConflict(DraftStore::Outcome outcome);
-    ClosingChoice AskBeforeClosing();
     QString WhyNotAdded(const QString& path, qint64 together, ComposedFile& file) const;
 
     DeskStation& Station_;

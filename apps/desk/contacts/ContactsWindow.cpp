@@ -1,5 +1,6 @@
 #include "ContactsWindow.h"
 
+#include "ClosingQuestion.h"
 #include "ContactFiles.h"
 #include "ContactForm.h"
 #include "ContactHistory.h"
@@ -20,7 +21,6 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QSplitter>
@@ -331,21 +331,11 @@ bool ContactsWindow::AskAboutChanges()
     if (!IsChanged())
         return true;
     const QString name = Form_->Contact().Name;
-    QMessageBox box(this);
-    box.setObjectName(QStringLiteral("closingBox"));
-    box.setIcon(QMessageBox::Question);
-    box.setTextFormat(Qt::PlainText);
-    box.setWindowTitle(tr("Contacts"));
-    box.setText(name.isEmpty() ? tr("Save this contact?") : tr("Save the changes to %1?").arg(name));
-    QPushButton* save = box.addButton(tr("&Save"), QMessageBox::AcceptRole);
-    const QPushButton* discard = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = box.addButton(tr("&Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(save);
-    box.setEscapeButton(cancel);
-    box.exec();
-    if (box.clickedButton() == save)
+    const auto choice = ClosingQuestion::Ask(
+        *this, tr("Contacts"), name.isEmpty() ? tr("Save this contact?") : tr("Save the changes to %1?").arg(name));
+    if (choice == ClosingQuestion::Choice::Save)
         return Save();
-    return box.clickedButton() == discard;
+    return choice == ClosingQuestion::Choice::Discard;
 }
 
 bool ContactsWindow::Save()

@@ -1,5 +1,6 @@
 #include "PrizeWindow.h"
 
+#include "ClosingQuestion.h"
 #include "DeskStation.h"
 #include "NoticeBar.h"
 #include "Words.h"
@@ -222,30 +223,11 @@ void PrizeWindow::CheckStored()
     }
 }
 
-PrizeWindow::ClosingChoice PrizeWindow::AskBeforeClosing()
-{
-    QMessageBox box(this);
-    box.setObjectName(QStringLiteral("closingBox"));
-    box.setIcon(QMessageBox::Question);
-    box.setTextFormat(Qt::PlainText);
-    box.setWindowTitle(windowTitle());
-    box.setText(tr("Save the changes to this prize?"));
-    QPushButton* save = box.addButton(tr("&Save"), QMessageBox::AcceptRole);
-    const QPushButton* discard = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = box.addButton(tr("&Cancel"), QMessageBox::RejectRole);
-    box.setDefaultButton(save);
-    box.setEscapeButton(cancel);
-    box.exec();
-    if (box.clickedButton() == save)
-        return ClosingChoice::Save;
-    return box.clickedButton() == discard ? ClosingChoice::Discard : ClosingChoice::Cancel;
-}
-
 void PrizeWindow::closeEvent(QCloseEvent* event)
 {
     if (IsChanged()) {
-        const ClosingChoice choice = AskBeforeClosing();
-        if (choice == ClosingChoice::Cancel || (choice == ClosingChoice::Save && !Save())) {
+        const auto choice = ClosingQuestion::Ask(*this, windowTitle(), tr("Save the changes to this prize?"));
+        if (choice == ClosingQuestion::Choice::Cancel || (choice == ClosingQuestion::Choice::Save && !Save())) {
             event->ignore();
             return;
         }

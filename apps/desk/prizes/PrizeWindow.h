@@ -49,12 +49,6 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    enum class ClosingChoice
-    {
-        Save,
-        Discard,
-        Cancel
-    };
     enum class ConflictChoice
     {
         Merge,
@@ -82,7 +76,6 @@ private:
     void ShowWinner();
     ConflictChoice AskAboutConflict(PrizeSaving::Outcome outcome);
     bool Resolve(PrizeSaving::Outcome outcome);
-    ClosingChoice AskBeforeClosing();
     bool TakeOutcome(PrizeSaving::Outcome outcome);
 
     DeskStation& Station_;

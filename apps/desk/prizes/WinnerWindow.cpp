@@ -1,5 +1,6 @@
 #include "WinnerWindow.h"
 
+#include "ClosingQuestion.h"
 #include "DeskStation.h"
 #include "NoticeBar.h"
 #include "Words.h"
@@ -415,19 +416,8 @@ void WinnerWindow::CheckStored()
 void WinnerWindow::closeEvent(QCloseEvent* event)
 {
     if (IsChanged()) {
-        QMessageBox box(this);
-        box.setObjectName(QStringLiteral("closingBox"));
-        box.setIcon(QMessageBox::Question);
-        box.setWindowTitle(windowTitle());
-        box.setText(tr("Save the changes to this winner?"));
-        QPushButton* save = box.addButton(tr("&Save"), QMessageBox::AcceptRole);
-        const QPushButton* discard = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
-        QPushButton* cancel = box.addButton(tr("&Cancel"), QMessageBox::RejectRole);
-        box.setDefaultButton(save);
-        box.setEscapeButton(cancel);
-        box.exec();
-        const bool isDiscarded = box.clickedButton() == discard;
-        if (!isDiscarded && (box.clickedButton() != save || !Save())) {
+        const auto choice = ClosingQuestion::Ask(*this, windowTitle(), tr("Save the changes to this winner?"));
+        if (choice == ClosingQuestion::Choice::Cancel || (choice == ClosingQuestion::Choice::Save && !Save())) {
             event->ignore();
             return;
         }
