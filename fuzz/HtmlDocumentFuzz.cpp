@@ -4,6 +4,7 @@
 #include "platform/html/HtmlDocument.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace
 {
@@ -34,6 +35,29 @@ void ReadAll(HtmlDocument& document)
         }
     }
 }
+/// A page that holds a character of the marks has none, and is the same page otherwise.
+void CompareWithUnmarked(const QString& markup)
+{
+    const QString ends = QStringLiteral("<!---->");
+    HtmlDocument marked;
+    marked.Write(ends + markup);
+    HtmlDocument unmarked;
+    unmarked.Write(QStringLiteral("<!--\uE000-->") + markup);
+    Require(unmarked.IsTextOnly() || marked.IsTextOnly() ||
+            marked.Html() == unmarked.Html().replace(QStringLiteral("<!--\uE000-->"), ends));
+}
+
+/// Moving a body gives what its markup gives.
+void CompareWithMoved(const QString& markup)
+{
+    HtmlDocument one;
+    one.Write(markup);
+    HtmlDocument parsed;
+    parsed.Body().InsertAdjacentHTML(QStringLiteral("beforeEnd"), one.Body().InnerHTML());
+    HtmlDocument moved;
+    moved.Body().AppendBodyOf(std::move(one));
+    Require(parsed.IsTextOnly() || parsed.Html() == moved.Html());
+}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
@@ -50,6 +74,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     page.SetTitle(markup);
     Require(page.Title() == markup.simplified() || markup.contains(QChar(0)) || page.IsTextOnly() ||
             page.DocumentElement().All().empty() || !page.Html().contains(QStringLiteral("<title>")));
+
+    CompareWithUnmarked(markup);
+    CompareWithMoved(markup);
 
     HtmlDocument fragment;
     HtmlElement body = fragment.Body();

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <limits>
+
 namespace
 {
 QVariant TruthOf(const QString& text, const QVariant& defaultValue)
@@ -22,8 +24,10 @@ QVariant TruthOf(const QString& text, const QVariant& defaultValue)
 QVariant WholeNumberOf(const QString& text, const QVariant& defaultValue)
 {
     bool good = false;
-    const int number = text.toInt(&good);
-    return good ? QVariant(number) : defaultValue;
+    const qint64 number = text.toLongLong(&good);
+    // A registry's numbers have 32 bits and no sign; a reader that has one takes the upper half for negative.
+    const bool fits = number >= std::numeric_limits<qint32>::min() && number <= std::numeric_limits<quint32>::max();
+    return good && fits ? QVariant(static_cast<qint32>(number)) : defaultValue;
 }
 
 using Encode = QByteArray (IniText::*)() const;

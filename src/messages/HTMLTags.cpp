@@ -59,14 +59,11 @@ const QString SectionEndTag = QStringLiteral("</ZRT_MESSAGE_PERSONALSECTION>");
 constexpr qsizetype ShortSubject = 65;
 constexpr qsizetype MostGrowth = 1'000'000;
 
-/// Every message is masked here, e-mails too: a page leaves the building.
-QString Masked(const QString& address)
+bool MasksNumbers()
 {
-    const bool masks =
-        ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                         QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), 0)
-            .toInt() != 0;
-    return masks ? QStringLiteral("0XXX-XXXXXX") : address;
+    return ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
+                                            QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), 0)
+               .toInt() != 0;
 }
 
 QString Shortened(const QString& subject)
@@ -85,6 +82,20 @@ int LaterTagAt(const QString& text, qsizetype position, int step)
             return later;
     }
     return -1;
+}
+
+/// How often the tag of each step stands in a text.
+using TagCounts = std::array<qsizetype, StepCount>;
+
+TagCounts TagsIn(const QString& text)
+{
+    TagCounts counts{};
+    for (qsizetype i = text.indexOf(TagBegin); i >= 0; i = text.indexOf(TagBegin, i + TagBegin.size())) {
+        const int step = LaterTagAt(text, i, -1);
+        if (step >= 0)
+            ++counts[static_cast<std::size_t>(step)];
+    }
+    return counts;
 }
 
 bool IsBodyStep(int step)
@@ -140,22 +151,27 @@ bool HTMLTags::FillWith(const QString& strTemplate, ValueTags valueTags)
 {
     ValueTags_ = valueTags;
     Text_ = strTemplate;
+    const TagCounts own = TagsIn(strTemplate);
+    TagCounts standing = own;
     qsizetype growth = 0;
     for (int step = 0; step < StepCount; ++step) {
-        if (step == SourceIndex && Message_.PersonalToContact() == 0)
+        if (step == SourceIndex && Message_.PersonalToContact() == 0) {
             Text_ = TemplateHelper::RemoveSection(Text_, SectionTag, SectionEndTag);
-        const QString& tag = Tags[static_cast<std::size_t>(step)];
+            standing = TagsIn(Text_);
+        }
+        const auto number = static_cast<std::size_t>(step);
         // What no tag asks for is not worked out; a preview of HTML is a parse.
-        if (!Text_.contains(tag))
+        if (standing[number] == 0)
             continue;
         const QString value = ValueOf(step);
-        const qsizetype within = Text_.count(tag) - strTemplate.count(tag);
+        const qsizetype within = standing[number] - own[number];
         if (valueTags == ValueTags::Filled && within > 0) {
             growth += within * value.size();
             if (growth > MostGrowth)
                 return false;
         }
-        Text_ = TemplateHelper::ReplaceTag(Text_, tag, value, TemplateHelper::TagValue::AsItStands);
+        Text_ = TemplateHelper::ReplaceTag(Text_, Tags[number], value, TemplateHelper::TagValue::AsItStands);
+        standing = TagsIn(Text_);
     }
     return true;
 }
@@ -265,6 +281,14 @@ const QString& HTMLTags::TextBody()
     if (!TextBody_)
         TextBody_ = Message_.CDOMessage()->TextBody();
     return *TextBody_;
+}
+
+/// Every message is masked here, e-mails too: a page leaves the building.
+QString HTMLTags::Masked(const QString& address)
+{
+    if (!MasksNumbers_)
+        MasksNumbers_ = MasksNumbers();
+    return *MasksNumbers_ ? QStringLiteral("0XXX-XXXXXX") : address;
 }
 
 const QString& HTMLTags::From()

@@ -29,9 +29,11 @@ private:
     QString Encoded(int step, const QString& value) const;
     QString HTMLValue(const QString& html) const;
     QString PreviewValue(int step);
+    QString Masked(const QString& address);
     QString Wrapped(const QString& text) const;
 
-    // Worked out when they are first asked for: to decode a large body takes its time.
+    // Worked out when they are first asked for: to decode a large body takes its time, and so does a look at the
+    // machine's settings.
     const QString& HTMLBody();
     const QString& TextBody();
     const QString& From();
@@ -45,4 +47,5 @@ private:
     std::optional<QString> HTMLBody_;
     std::optional<QString> TextBody_;
     std::optional<QString> From_;
+    std::optional<bool> MasksNumbers_;
 };

@@ -77,7 +77,6 @@ void cMessages::AppendBlocks(const QString& block, qint32 flags, QString* page) 
 QString cMessages::JoinedPages(const QString& strTemplate, qint32 flags) const
 {
     const bool breaksPages = (flags & mphPrintMessagePerPage) != 0;
-    const QString beforeEnd = QStringLiteral("beforeEnd");
     HtmlDocument main;
     if (breaksPages) {
         main.Write(QStringLiteral("<STYLE TYPE=\"text/css\">\r\n"));
@@ -94,13 +93,14 @@ QString cMessages::JoinedPages(const QString& strTemplate, qint32 flags) const
             main.Write(one.DocumentElement().InnerHTML());
         } else {
             if (breaksPages)
-                main.Body().InsertAdjacentHTML(beforeEnd, QStringLiteral("<P CLASS=\"breakhere\"></p>"));
-            main.Body().InsertAdjacentHTML(beforeEnd, one.Body().InnerHTML());
+                main.Body().InsertAdjacentHTML(QStringLiteral("beforeEnd"),
+                                               QStringLiteral("<P CLASS=\"breakhere\"></p>"));
+            main.Body().AppendBodyOf(std::move(one));
         }
         isFirst = false;
     }
     main.SetTitle(QStringLiteral("Message List"));
-    QString page = main.DocumentElement().InnerHTML();
-    page.prepend(QStringLiteral("<html>"));
+    QString page = QStringLiteral("<html>");
+    main.DocumentElement().AppendInnerHTML(&page);
     return page += QStringLiteral("</html>");
 }

@@ -2,6 +2,7 @@
 
 #include "platform/html/HtmlMarkup.h"
 #include "platform/html/HtmlNodes.h"
+#include "platform/html/HtmlRoundTrip.h"
 #include "platform/html/HtmlText.h"
 
 QString HtmlElement::TagName() const
@@ -13,7 +14,15 @@ QString HtmlElement::TagName() const
 
 QString HtmlElement::InnerHTML() const
 {
-    return IsNull() ? QString() : HtmlMarkup::Within(Node_);
+    QString markup;
+    AppendInnerHTML(&markup);
+    return markup;
+}
+
+void HtmlElement::AppendInnerHTML(QString* markup) const
+{
+    if (!IsNull())
+        HtmlMarkup::AppendWithin(Node_, markup);
 }
 
 void HtmlElement::SetInnerHTML(const QString& html)
@@ -64,6 +73,19 @@ void HtmlElement::InsertAdjacentHTML(const QString& position, const QString& htm
                        : is(QLatin1String("afterEnd"))    ? Node_->Next
                                                           : nullptr;
     Insert(html, body != nullptr ? body : parent, parent, before);
+}
+
+void HtmlElement::AppendBodyOf(HtmlDocument&& other)
+{
+    const HtmlElement theirs = other.Body();
+    if (IsNull() || theirs.IsNull())
+        return;
+    if (!Node_->Is(QLatin1String("body")) || !ParsesToItself(theirs.Node_)) {
+        InsertAdjacentHTML(QStringLiteral("beforeEnd"), theirs.InnerHTML());
+        return;
+    }
+    Document_->IsChanged_ = true;
+    Document_->Nodes_->Take(std::move(*other.Nodes_), theirs.Node_, Node_);
 }
 
 void HtmlElement::Insert(const QString& html, HtmlNode* context, HtmlNode* parent, HtmlNode* before)
@@ -138,7 +160,9 @@ void HtmlDocument::Write(const QString& html)
 
 QString HtmlDocument::Html()
 {
-    return HtmlMarkup::Within(Nodes().Document());
+    QString markup;
+    HtmlMarkup::AppendWithin(Nodes().Document(), &markup);
+    return markup;
 }
 
 bool HtmlDocument::IsTextOnly()

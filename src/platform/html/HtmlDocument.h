@@ -26,6 +26,8 @@ public:
     QString TagName() const;
     /// The markup within the element, serialised as HTML5 says ("Serializing HTML fragments").
     QString InnerHTML() const;
+    /// The same at the end of a text, which saves a copy of a large page.
+    void AppendInnerHTML(QString* markup) const;
     /// Replaces what is within by the parsed fragment.
     void SetInnerHTML(const QString& html);
     /// The text as a browser shows it: white space collapsed where it is, line ends (LF) at blocks, paragraphs and
@@ -38,6 +40,10 @@ public:
     /// position, in any case: "beforeBegin", "afterBegin", "beforeEnd" or "afterEnd"; others do nothing, and so do the
     /// first and the last on the html element. Costs what the fragment costs, however large the document is.
     void InsertAdjacentHTML(const QString& position, const QString& html);
+
+    /// The same as InsertAdjacentHTML("beforeEnd", other.Body().InnerHTML()). Uses the other document up, so that its
+    /// nodes can be moved here without a parse where that makes no difference.
+    void AppendBodyOf(HtmlDocument&& other);
 
 private:
     friend class HtmlDocument;

@@ -65,29 +65,25 @@ QString Quoted(const char* identifier)
 }
 } // namespace
 
-HtmlImport::HtmlImport(HtmlNodes* nodes, qsizetype size) : Nodes_(nodes), Left_(SmallestLimit + LargestGrowth * size) {}
+HtmlImport::HtmlImport(HtmlNodes* nodes, ShortMarkup* markup)
+    : Nodes_(nodes), Markup_(markup), Left_(SmallestLimit + LargestGrowth * markup->Size())
+{
+}
 
-bool HtmlImport::Children(const GumboInternalNode* source, HtmlNode* parent, HtmlNode* before)
+HtmlImport::Outcome HtmlImport::Children(const GumboInternalNode* source, HtmlNode* parent, HtmlNode* before)
 {
     const std::size_t standing = Nodes_->Nodes_.size();
     HtmlNode holder;
-    if (!Walk(source, &holder)) {
+    const bool isWalked = Walk(source, &holder);
+    if (!isWalked || !Markup_->IsComplete()) {
         Nodes_->Nodes_.resize(standing);
-        return false;
+        return isWalked ? Outcome::Incomplete : Outcome::TooLarge;
     }
-    if (holder.First == nullptr)
-        return true;
-    for (HtmlNode* node = holder.First; node != nullptr; node = node->Next)
-        node->Parent = parent;
-    HtmlNode* previous = before != nullptr ? before->Previous : parent->Last;
-    holder.First->Previous = previous;
-    holder.Last->Next = before;
-    (previous != nullptr ? previous->Next : parent->First) = holder.First;
-    (before != nullptr ? before->Previous : parent->Last) = holder.Last;
-    return true;
+    HtmlNodes::PutAll(&holder, parent, before);
+    return Outcome::Done;
 }
 
-bool HtmlImport::Page(const GumboInternalNode* source, HtmlNode* document)
+HtmlImport::Outcome HtmlImport::Page(const GumboInternalNode* source, HtmlNode* document)
 {
     SetDocumentType(source, document);
     return Children(source, document, nullptr);
@@ -121,7 +117,7 @@ bool HtmlImport::JoinsText(const GumboInternalNode* source, HtmlNode* previous)
 {
     if (previous == nullptr || previous->Kind != HtmlNodeKind::Text || !IsText(source))
         return false;
-    const QString text = QString::fromUtf8(source->v.text.text);
+    const QString text = Markup_->Restored(source->v.text.text);
     previous->Text += text;
     Left_ -= text.size();
     return true;
@@ -136,7 +132,7 @@ HtmlNode* HtmlImport::Node(const GumboInternalNode* source)
         return node;
     }
     HtmlNode* node = Nodes_->Make(source->type == GUMBO_NODE_COMMENT ? HtmlNodeKind::Comment : HtmlNodeKind::Text);
-    node->Text = QString::fromUtf8(source->v.text.text);
+    node->Text = Markup_->Restored(source->v.text.text);
     Left_ -= node->Text.size();
     return node;
 }

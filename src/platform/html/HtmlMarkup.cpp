@@ -30,7 +30,10 @@ void AppendEscaped(QStringView text, Place place, QString* markup)
 {
     qsizetype copied = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const QLatin1String escape = Escape(text[i].unicode(), place);
+        const char16_t character = text[i].unicode();
+        if (character > u'>' && character != 0xA0)
+            continue;
+        const QLatin1String escape = Escape(character, place);
         if (escape.isEmpty())
             continue;
         *markup += text.sliced(copied, i - copied);
@@ -95,26 +98,37 @@ void AppendEnd(const HtmlNode* node, QString* markup)
     *markup += node->Name;
     *markup += u'>';
 }
+/// Of what is within the node, before characters are escaped.
+qsizetype SizeWithin(const HtmlNode* top)
+{
+    constexpr qsizetype SizeOfBrackets = 5;
+    qsizetype size = 0;
+    for (const HtmlNode* node = NextNode(top, top); node != nullptr; node = NextNode(node, top)) {
+        size += node->Text.size() + 2 * node->Name.size() + SizeOfBrackets;
+        for (const HtmlAttribute& attribute : node->Attributes)
+            size += attribute.Name.size() + attribute.Value.size() + SizeOfBrackets;
+    }
+    return size;
+}
 } // namespace
 
-QString HtmlMarkup::Within(const HtmlNode* node)
+void HtmlMarkup::AppendWithin(const HtmlNode* node, QString* markup)
 {
-    QString markup;
     if (node->Has(HtmlTrait::Void))
-        return markup;
+        return;
+    markup->reserve(markup->size() + SizeWithin(node));
     const HtmlNode* at = node->First;
     while (at != nullptr) {
-        AppendStart(at, &markup);
+        AppendStart(at, markup);
         if (at->First != nullptr && !at->Has(HtmlTrait::Void)) {
             at = at->First;
             continue;
         }
-        AppendEnd(at, &markup);
+        AppendEnd(at, markup);
         while (at->Next == nullptr && at->Parent != node) {
             at = at->Parent;
-            AppendEnd(at, &markup);
+            AppendEnd(at, markup);
         }
         at = at->Next;
     }
-    return markup;
 }

@@ -5,6 +5,6 @@
 /// A tree as markup, as HTML5 says ("Serializing HTML fragments").
 namespace HtmlMarkup
 {
-/// What is within the node.
-QString Within(const HtmlNode* node);
+/// What is within the node, behind what the markup holds already.
+void AppendWithin(const HtmlNode* node, QString* markup);
 } // namespace HtmlMarkup

@@ -13,6 +13,21 @@ bool IsTooDeep(const QString& markup)
 {
     return markup.size() > DeepestPage && markup.count(u'<') > DeepestPage && TagScanner::Depth(markup) > DeepestPage;
 }
+
+/// Short where that gives the same, otherwise as it stands.
+template <typename Import>
+bool IsImported(const QString& markup, Import import)
+{
+    if (IsTooDeep(markup))
+        return false;
+    ShortMarkup marked(markup, ShortMarkup::Runs::Marked);
+    HtmlImport::Outcome outcome = import(&marked);
+    if (outcome == HtmlImport::Outcome::Incomplete) {
+        ShortMarkup kept(markup, ShortMarkup::Runs::Kept);
+        outcome = import(&kept);
+    }
+    return outcome == HtmlImport::Outcome::Done;
+}
 } // namespace
 
 bool HtmlNode::HasAttribute(QLatin1String name) const
@@ -72,6 +87,28 @@ void HtmlNodes::Put(HtmlNode* node, HtmlNode* parent, HtmlNode* before)
     (before != nullptr ? before->Previous : parent->Last) = node;
 }
 
+/// All children of the holder, in their order.
+void HtmlNodes::PutAll(HtmlNode* holder, HtmlNode* parent, HtmlNode* before)
+{
+    if (holder->First == nullptr)
+        return;
+    for (HtmlNode* node = holder->First; node != nullptr; node = node->Next)
+        node->Parent = parent;
+    HtmlNode* previous = before != nullptr ? before->Previous : parent->Last;
+    holder->First->Previous = previous;
+    holder->Last->Next = before;
+    (previous != nullptr ? previous->Next : parent->First) = holder->First;
+    (before != nullptr ? before->Previous : parent->Last) = holder->Last;
+    holder->First = holder->Last = nullptr;
+}
+
+void HtmlNodes::Take(HtmlNodes&& others, HtmlNode* theirs, HtmlNode* parent)
+{
+    PutAll(theirs, parent, nullptr);
+    Taken_.push_back(std::move(others.Nodes_));
+    Taken_.splice(Taken_.end(), others.Taken_);
+}
+
 void HtmlNodes::RemoveChildren(HtmlNode* parent)
 {
     for (HtmlNode* child = parent->First; child != nullptr;) {
@@ -115,12 +152,14 @@ HtmlNode* HtmlNodes::Body()
 
 bool HtmlNodes::ParsePage(const QString& page)
 {
-    RemoveChildren(Document_);
-    if (!IsTooDeep(page)) {
-        const HtmlTree tree(page.toUtf8());
-        if (tree.Root() != nullptr && HtmlImport(this, page.size()).Page(tree.Root(), Document_))
-            return true;
-    }
+    const auto import = [this](ShortMarkup* markup) {
+        RemoveChildren(Document_);
+        const HtmlTree tree(markup->Utf8());
+        return tree.Root() == nullptr ? HtmlImport::Outcome::TooLarge
+                                      : HtmlImport(this, markup).Page(tree.Root(), Document_);
+    };
+    if (IsImported(page, import))
+        return true;
     RemoveChildren(Document_);
     MakeSkeleton();
     PutText(page, Body(), nullptr);
@@ -129,12 +168,13 @@ bool HtmlNodes::ParsePage(const QString& page)
 
 bool HtmlNodes::ParseFragment(const QString& fragment, const HtmlNode* context, HtmlNode* parent, HtmlNode* before)
 {
-    if (!IsTooDeep(fragment)) {
-        const HtmlTree tree(fragment.toUtf8(), context->Name.toUtf8(), context->Namespace);
-        if (tree.Root() != nullptr &&
-            HtmlImport(this, fragment.size()).Children(tree.HtmlElementNode(), parent, before))
-            return true;
-    }
+    const auto import = [&](ShortMarkup* markup) {
+        const HtmlTree tree(markup->Utf8(), context->Name.toUtf8(), context->Namespace);
+        return tree.Root() == nullptr ? HtmlImport::Outcome::TooLarge
+                                      : HtmlImport(this, markup).Children(tree.HtmlElementNode(), parent, before);
+    };
+    if (IsImported(fragment, import))
+        return true;
     if (parent->Is(QLatin1String("html"))) {
         MakeElement("head", parent);
         parent = MakeElement("body", parent);
@@ -151,7 +191,9 @@ void HtmlNodes::PutText(const QString& markup, HtmlNode* parent, HtmlNode* befor
     block->Attributes.push_back({QStringLiteral("style"), QStringLiteral("white-space: pre-wrap")});
     // The text has no tags left, so that parsing it resolves its entities and no more.
     const QString text = TagScanner::TextOf(markup);
-    const HtmlTree tree(text.toUtf8(), "div", HtmlNamespace::Html);
-    if (tree.Root() == nullptr || !HtmlImport(this, text.size()).Children(tree.HtmlElementNode(), block, nullptr))
+    ShortMarkup whole(text, ShortMarkup::Runs::Kept);
+    const HtmlTree tree(whole.Utf8(), "div", HtmlNamespace::Html);
+    if (tree.Root() == nullptr ||
+        HtmlImport(this, &whole).Children(tree.HtmlElementNode(), block, nullptr) != HtmlImport::Outcome::Done)
         MakeText(markup, block);
 }

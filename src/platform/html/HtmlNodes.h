@@ -3,6 +3,7 @@
 #include "platform/html/HtmlNode.h"
 
 #include <deque>
+#include <list>
 
 /// Owns the nodes of one document and parses into them. A node stays until all go, whether it still stands in the tree
 /// or not, so that no handle to one is ever stale.
@@ -26,6 +27,9 @@ public:
     /// fragment had to become its text.
     bool ParseFragment(const QString& fragment, const HtmlNode* context, HtmlNode* parent, HtmlNode* before);
 
+    /// Puts what is within their node last below parent. The others are used up: their nodes belong here from now on.
+    void Take(HtmlNodes&& others, HtmlNode* theirs, HtmlNode* parent);
+
     /// Before that child of parent, or last. name: of an element of HTML.
     HtmlNode* MakeElement(const char* name, HtmlNode* parent, HtmlNode* before = nullptr);
     HtmlNode* MakeText(const QString& text, HtmlNode* parent);
@@ -33,12 +37,14 @@ public:
 
 private:
     HtmlNode* Make(HtmlNodeKind kind);
+    static void PutAll(HtmlNode* holder, HtmlNode* parent, HtmlNode* before);
     static void Put(HtmlNode* node, HtmlNode* parent, HtmlNode* before);
     void MakeSkeleton();
     void PutText(const QString& markup, HtmlNode* parent, HtmlNode* before);
     static HtmlNode* ChildOf(HtmlNode* parent, QLatin1String name);
 
     std::deque<HtmlNode> Nodes_;
+    std::list<std::deque<HtmlNode>> Taken_;
     HtmlNode* Document_ = nullptr;
 
     friend class HtmlImport;

@@ -9,7 +9,9 @@
 namespace
 {
 constexpr size_t Alignment = alignof(std::max_align_t);
-constexpr size_t BlockSize = 1024 * 1024;
+/// Each block is twice the one before, up to the largest.
+constexpr size_t FirstBlockSize = 32 * 1024;
+constexpr size_t LargestBlockSize = 1024 * 1024;
 constexpr size_t MemoryLimit = size_t{768} * 1024 * 1024;
 constexpr int BaseMilliseconds = 1000;
 /// An ordinary page takes about a third of this.
@@ -69,14 +71,16 @@ private:
         if (++Calls_ % CallsBetweenClocks == 0 && Deadline_.hasExpired())
             std::longjmp(GiveUp_, 1); // NOLINT(cert-err52-cpp)
         if (size > Left_)
-            AddBlock(std::max(size, BlockSize));
+            AddBlock(size);
         void* memory = Next_;
         Next_ += size;
         Left_ -= size;
         return memory;
     }
-    void AddBlock(size_t size)
+    void AddBlock(size_t needed)
     {
+        const size_t size = std::max(needed, BlockSize_);
+        BlockSize_ = std::min(BlockSize_ * 2, LargestBlockSize);
         Total_ += size;
         void* memory = Total_ > MemoryLimit ? nullptr : std::malloc(sizeof(Block) + size);
         if (memory == nullptr)
@@ -90,6 +94,7 @@ private:
     QDeadlineTimer Deadline_;
     Block* Blocks_ = nullptr;
     char* Next_ = nullptr;
+    size_t BlockSize_ = FirstBlockSize;
     size_t Left_ = 0;
     size_t Total_ = 0;
     unsigned Calls_ = 0;

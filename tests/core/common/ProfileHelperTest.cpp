@@ -217,6 +217,13 @@ TEST_F(ProfileHelperTest, RegistryValuesHaveTheTypeOfTheirDefault)
     EXPECT_EQ(read(QString()), QVariant(QStringLiteral("maybe")));
     registry.Set(KeyPath, QStringLiteral("V"), QStringLiteral(" -12 "));
     EXPECT_EQ(read(7), QVariant(-12));
+    // A registry's own way to write all bits of a number.
+    registry.Set(KeyPath, QStringLiteral("V"), QStringLiteral("4294967295"));
+    EXPECT_EQ(read(7), QVariant(-1));
+    for (const char16_t* text : {u"4294967296", u"-2147483649", u"1.5", u"0x10"}) {
+        registry.Set(KeyPath, QStringLiteral("V"), QString::fromUtf16(text));
+        EXPECT_EQ(read(7), QVariant(7)) << qPrintable(QString::fromUtf16(text));
+    }
     registry.Remove(KeyPath, QStringLiteral("V"));
     EXPECT_EQ(read(7), QVariant(7));
 }

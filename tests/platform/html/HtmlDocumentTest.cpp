@@ -1,9 +1,10 @@
 #include "platform/html/HtmlDocument.h"
 
+#include "ParsingCases.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -12,59 +13,6 @@
 namespace
 {
 const QString BeforeEnd = QStringLiteral("beforeEnd");
-
-struct Case
-{
-    QString Group;
-    QString Context; ///< Empty when the case names none.
-    QString Markup;
-    QString Result;
-    int Line = 0;
-};
-
-QString WithoutEscapes(const QString& text)
-{
-    static const QRegularExpression escape(QStringLiteral("\\\\(n|r|t|s|0|u([0-9A-F]{4}))"));
-    QString plain;
-    qsizetype copied = 0;
-    for (auto matches = escape.globalMatch(text); matches.hasNext();) {
-        const QRegularExpressionMatch match = matches.next();
-        plain += text.mid(copied, match.capturedStart() - copied);
-        const QString code = match.captured(1);
-        plain += code == QLatin1String("n")   ? QChar(u'\n')
-                 : code == QLatin1String("r") ? QChar(u'\r')
-                 : code == QLatin1String("t") ? QChar(u'\t')
-                 : code == QLatin1String("s") ? QChar(u' ')
-                 : code == QLatin1String("0") ? QChar(u'\0')
-                                              : QChar(match.captured(2).toUShort(nullptr, 16));
-        copied = match.capturedEnd();
-    }
-    return plain + text.mid(copied);
-}
-
-std::vector<Case> CasesOf(const char* name)
-{
-    QFile file(QStringLiteral(TOLVA_TEST_DATA "/htmldocument/") + QLatin1String(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    static const QRegularExpression line(QStringLiteral("^(?:\\{([^}]+)\\} )?(.*?) => (.*)$"));
-    std::vector<Case> cases;
-    QString group;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
-    for (int i = 0; i < lines.size(); ++i) {
-        const QString& text = lines.at(i);
-        if (text.isEmpty() || text.startsWith(u'#'))
-            continue;
-        if (text.startsWith(u'[')) {
-            group = text;
-            continue;
-        }
-        const QRegularExpressionMatch match = line.match(text);
-        EXPECT_TRUE(match.hasMatch()) << name << " line " << i + 1;
-        cases.push_back(
-            {group, match.captured(1), WithoutEscapes(match.captured(2)), WithoutEscapes(match.captured(3)), i + 1});
-    }
-    return cases;
-}
 
 /// The first element of that name, in a page that has one.
 HtmlElement Element(HtmlDocument& document, const QString& name)
@@ -132,16 +80,16 @@ qint64 Milliseconds(const std::function<void()>& work)
 
 TEST(HtmlDocumentTest, MarkupBecomesTheTreeThatTheStandardSays)
 {
-    const std::vector<Case> cases = CasesOf("parsing.txt");
+    const std::vector<ParsingCase> cases = ParsingCasesOf("parsing.txt");
     EXPECT_GE(cases.size(), 120U);
-    for (const Case& one : cases)
+    for (const ParsingCase& one : cases)
         EXPECT_EQ(Parsed(one.Context, one.Markup), one.Result)
             << qPrintable(one.Group) << " line " << one.Line << ": " << qPrintable(one.Markup);
 }
 
 TEST(HtmlDocumentTest, WhatWasWrittenOutParsesToTheSameTree)
 {
-    for (const Case& one : CasesOf("parsing.txt")) {
+    for (const ParsingCase& one : ParsingCasesOf("parsing.txt")) {
         // A plain text never ends, a script's fragment ends nothing, and a link within a link ends that one.
         const bool cannot = one.Result.contains(QStringLiteral("<plaintext>")) ||
                             one.Result.contains(QStringLiteral("<a><a>")) || one.Context == QLatin1String("script");
@@ -153,9 +101,9 @@ TEST(HtmlDocumentTest, WhatWasWrittenOutParsesToTheSameTree)
 
 TEST(HtmlDocumentTest, TheTextIsWhatAReaderSees)
 {
-    const std::vector<Case> cases = CasesOf("innertext.txt");
+    const std::vector<ParsingCase> cases = ParsingCasesOf("innertext.txt");
     EXPECT_GE(cases.size(), 70U);
-    for (const Case& one : cases) {
+    for (const ParsingCase& one : cases) {
         EXPECT_EQ(TextOf(one.Markup), one.Result)
             << qPrintable(one.Group) << " line " << one.Line << ": " << qPrintable(one.Markup);
     }
@@ -163,7 +111,7 @@ TEST(HtmlDocumentTest, TheTextIsWhatAReaderSees)
 
 TEST(HtmlDocumentTest, TheFirstLineIsTheTextUpToItsFirstLineEnd)
 {
-    for (const Case& one : CasesOf("innertext.txt")) {
+    for (const ParsingCase& one : ParsingCasesOf("innertext.txt")) {
         HtmlDocument document;
         document.Body().SetInnerHTML(one.Markup);
         EXPECT_EQ(document.Body().FirstLine(), one.Result.section(u'\n', 0, 0)) << qPrintable(one.Markup);
