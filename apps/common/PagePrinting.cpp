@@ -14,9 +14,9 @@
 
 namespace
 {
-constexpr qsizetype LargestTemplate = 4 * 1024 * 1024;
-constexpr qsizetype LargestPicture = 4 * 1024 * 1024;
-constexpr qsizetype AllPictures = 24 * 1024 * 1024; ///< Of one message.
+constexpr qsizetype LargestTemplate = qsizetype{4} * 1024 * 1024;
+constexpr qsizetype LargestPicture = qsizetype{4} * 1024 * 1024;
+constexpr qsizetype AllPictures = qsizetype{24} * 1024 * 1024; ///< Of one message.
 
 const QString MessagePrefix = QStringLiteral("Message");
 const QString ListPrefix = QStringLiteral("MessageList");

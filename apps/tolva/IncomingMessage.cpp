@@ -5,7 +5,7 @@
 namespace
 {
 constexpr int LinesLookedAt = 50;
-constexpr qsizetype OctetsLookedAt = 64 * 1024;
+constexpr qsizetype OctetsLookedAt = qsizetype{64} * 1024;
 
 bool IsNameOctet(char octet)
 {

@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr qint64 PieceSize = 64 * 1024;
+constexpr qint64 PieceSize = qint64{64} * 1024;
 constexpr QByteArrayView FromWord = "From ";
 
 /// The position behind one of seven or twelve names of three letters, -1 when none stands at position.

@@ -16,7 +16,7 @@
 namespace
 {
 constexpr int DefaultWidth = 80;
-constexpr qint64 FirstBlock = 64 * 1024;
+constexpr qint64 FirstBlock = qint64{64} * 1024;
 
 #ifdef Q_OS_WIN
 bool IsTerminal(FILE* stream)

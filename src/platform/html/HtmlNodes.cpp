@@ -119,11 +119,12 @@ void HtmlNodes::RemoveChildren(HtmlNode* parent)
     parent->First = parent->Last = nullptr;
 }
 
-void HtmlNodes::MakeSkeleton()
+/// Its body.
+HtmlNode* HtmlNodes::MakeSkeleton()
 {
     HtmlNode* html = MakeElement("html", Document_);
     MakeElement("head", html);
-    MakeElement("body", html);
+    return MakeElement("body", html);
 }
 
 HtmlNode* HtmlNodes::ChildOf(HtmlNode* parent, QLatin1String name)
@@ -161,8 +162,7 @@ bool HtmlNodes::ParsePage(const QString& page)
     if (IsImported(page, import))
         return true;
     RemoveChildren(Document_);
-    MakeSkeleton();
-    PutText(page, Body(), nullptr);
+    PutText(page, MakeSkeleton(), nullptr);
     return false;
 }
 

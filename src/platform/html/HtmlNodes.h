@@ -39,7 +39,7 @@ private:
     HtmlNode* Make(HtmlNodeKind kind);
     static void PutAll(HtmlNode* holder, HtmlNode* parent, HtmlNode* before);
     static void Put(HtmlNode* node, HtmlNode* parent, HtmlNode* before);
-    void MakeSkeleton();
+    HtmlNode* MakeSkeleton();
     void PutText(const QString& markup, HtmlNode* parent, HtmlNode* before);
     static HtmlNode* ChildOf(HtmlNode* parent, QLatin1String name);
 

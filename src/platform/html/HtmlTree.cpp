@@ -10,9 +10,10 @@ namespace
 {
 constexpr size_t Alignment = alignof(std::max_align_t);
 /// Each block is twice the one before, up to the largest.
-constexpr size_t FirstBlockSize = 32 * 1024;
-constexpr size_t LargestBlockSize = 1024 * 1024;
+constexpr size_t FirstBlockSize = size_t{32} * 1024;
+constexpr size_t LargestBlockSize = size_t{1024} * 1024;
 constexpr size_t MemoryLimit = size_t{768} * 1024 * 1024;
+constexpr qsizetype Megabyte = qsizetype{1024} * 1024;
 constexpr int BaseMilliseconds = 1000;
 /// An ordinary page takes about a third of this.
 constexpr int MillisecondsPerMegabyte = 250;
@@ -36,7 +37,7 @@ GumboNamespaceEnum GumboNamespace(HtmlNamespace space)
 class HtmlTree::Arena
 {
 public:
-    explicit Arena(qsizetype size) : Deadline_(BaseMilliseconds + MillisecondsPerMegabyte * (size / (1024 * 1024))) {}
+    explicit Arena(qsizetype size) : Deadline_(BaseMilliseconds + MillisecondsPerMegabyte * (size / Megabyte)) {}
     ~Arena()
     {
         while (Blocks_ != nullptr)
@@ -54,7 +55,8 @@ public:
         options.deallocator = [](void*, void*) {};
         options.userdata = this;
         options.max_errors = 0;
-        if (setjmp(GiveUp_) != 0) // NOLINT(cert-err52-cpp): no frame between here and Allocate is C++
+        // No frame between here and Allocate is C++.
+        if (setjmp(GiveUp_) != 0)
             return nullptr;
         return gumbo_parse_with_options(&options, page.constData(), static_cast<size_t>(page.size()))->document;
     }
@@ -69,7 +71,7 @@ private:
     {
         size = (size + Alignment - 1) / Alignment * Alignment;
         if (++Calls_ % CallsBetweenClocks == 0 && Deadline_.hasExpired())
-            std::longjmp(GiveUp_, 1); // NOLINT(cert-err52-cpp)
+            std::longjmp(GiveUp_, 1);
         if (size > Left_)
             AddBlock(size);
         void* memory = Next_;
@@ -84,7 +86,7 @@ private:
         Total_ += size;
         void* memory = Total_ > MemoryLimit ? nullptr : std::malloc(sizeof(Block) + size);
         if (memory == nullptr)
-            std::longjmp(GiveUp_, 1); // NOLINT(cert-err52-cpp)
+            std::longjmp(GiveUp_, 1);
         Blocks_ = new (memory) Block{Blocks_};
         Next_ = reinterpret_cast<char*>(Blocks_ + 1);
         Left_ = size;

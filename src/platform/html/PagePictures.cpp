@@ -12,8 +12,8 @@ using namespace PageElements;
 
 namespace
 {
-constexpr qsizetype LargestEmbedded = 512 * 1024;
-constexpr qsizetype AllEmbedded = 8 * 1024 * 1024;
+constexpr qsizetype LargestEmbedded = qsizetype{512} * 1024;
+constexpr qsizetype AllEmbedded = qsizetype{8} * 1024 * 1024;
 } // namespace
 
 /// The name of the picture in Html; empty for one that is not shown.

@@ -212,7 +212,7 @@ bool BodyParts::AddMultiparts(QByteArrayView octets, const HeaderBlock& block)
     return !Leaves_.isEmpty();
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): GMime's parser bounds the depth.
+/// GMime's parser bounds the depth.
 void BodyParts::AddObject(QByteArrayView octets, GMimeObject* object, int parent)
 {
     GMimeContentType* type = g_mime_object_get_content_type(object);

@@ -89,6 +89,6 @@ private:
 };
 
 inline constexpr int LargestBatch = 64;
-inline constexpr qint64 BatchOctets = 8 * 1024 * 1024;
+inline constexpr qint64 BatchOctets = qint64{8} * 1024 * 1024;
 
 } // namespace dao

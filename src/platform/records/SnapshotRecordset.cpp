@@ -10,7 +10,7 @@ namespace dao
 
 namespace
 {
-constexpr std::size_t ChunkSize = 256 * 1024;
+constexpr std::size_t ChunkSize = std::size_t{256} * 1024;
 } // namespace
 
 SnapshotRecordset::SnapshotRecordset(SessionPtr session, BoundQuery query, engine::ResultShape shape,

@@ -6,7 +6,7 @@
 /// dimensions are judged before anything is decoded.
 namespace PictureReader
 {
-constexpr qsizetype LargestFile = 25 * 1024 * 1024;
+constexpr qsizetype LargestFile = qsizetype{25} * 1024 * 1024;
 constexpr qint64 MostPixels = 40'000'000; ///< In a picture, as its header says.
 
 /// The pixels that the file says it has; 0 for what is no PNG, JPEG, GIF, BMP or WebP, or is too large.

@@ -11,7 +11,6 @@ namespace
 
 const auto Html = QStringLiteral("<p>Grüße</p>\n");
 
-// NOLINTNEXTLINE(misc-no-recursion)
 std::string Outline(GMimeObject* object)
 {
     if (!GMIME_IS_MULTIPART(object)) {

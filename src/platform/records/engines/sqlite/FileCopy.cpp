@@ -18,12 +18,12 @@ namespace dao::sqlite
 namespace
 {
 
-constexpr qint64 SliceSize = 8 * 1024 * 1024;
+constexpr qint64 SliceSize = qint64{8} * 1024 * 1024;
 /// Files up to this size, and changes up to that one, are read under one lock.
-constexpr qint64 OneLockSize = 16 * 1024 * 1024;
-constexpr qint64 LastChangesSize = 4 * 1024 * 1024;
+constexpr qint64 OneLockSize = qint64{16} * 1024 * 1024;
+constexpr qint64 LastChangesSize = qint64{4} * 1024 * 1024;
 /// What waits for the disk at any time: a writer's sync of its own few pages may have to wait for all of it.
-constexpr qint64 UnsyncedSize = 16 * 1024 * 1024;
+constexpr qint64 UnsyncedSize = qint64{16} * 1024 * 1024;
 constexpr int LogAttempts = 3;
 constexpr int MostRounds = 50;
 constexpr int LockAttempts = 6;

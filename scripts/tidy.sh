@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Runs clang-tidy on the sources that differ from an earlier state: those of the last commit and what is not committed
+# yet, or everything since BASE. A header stands for the source of its name. The whole tree is the tidy preset's.
+#   scripts/tidy.sh [BASE]      needs a configured and built build/dev
+set -euo pipefail
+# shellcheck source=scripts/setup.sh
+source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+
+# More than these take longer than a build server waits.
+most=100
+database=build/dev/compile_commands.json
+base=${1:-HEAD~1}
+if ! git rev-parse -q --verify "$base^{commit}" >/dev/null; then
+    say "There is no earlier commit to compare with, so nothing is tidied here; cmake --preset tidy looks at every source."
+    exit 0
+fi
+
+changedSources() {
+    {
+        git diff --name-only --diff-filter=d "$base" -- '*.cpp' '*.h'
+        git ls-files --others --exclude-standard -- '*.cpp' '*.h'
+    } | sed 's/\.h$/.cpp/' | sort -u | while read -r file; do
+        if [ -f "$file" ] && grep -qF "/$file\"" "$database"; then printf '%s\n' "$file"; fi
+    done
+}
+
+mapfile -t sources < <(changedSources)
+if [ ${#sources[@]} -eq 0 ]; then
+    say "No source differs from $base"
+    exit 0
+fi
+if [ ${#sources[@]} -gt $most ]; then
+    say "${#sources[@]} sources differ from $base, too many for here: please run cmake --preset tidy && cmake --build --preset tidy."
+    exit 0
+fi
+say "Tidying ${#sources[@]} sources that differ from $base"
+report=$(mktemp)
+trap 'rm -f "$report"' EXIT
+if ! printf '%s\0' "${sources[@]}" |
+    xargs -0 -n 4 -P "$(nproc)" clang-tidy-14 --quiet -p build/dev >"$report" 2>/dev/null; then
+    cat "$report"
+    say "clang-tidy has something to say of the changed sources; it is above."
+    exit 1
+fi
