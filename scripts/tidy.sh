@@ -7,7 +7,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 # More than these take longer than a build server waits.
-most=100
+most=40
 database=build/dev/compile_commands.json
 base=${1:-HEAD~1}
 if ! git rev-parse -q --verify "$base^{commit}" >/dev/null; then

@@ -28,9 +28,7 @@ bool SettingFlag(const QVariant& value, bool whenUnreadable)
 
 QString StampText(Date date)
 {
-    if (date.IsNone())
-        return QString();
-    QString text = QString::number(date.DayNumber(), 'f', 8);
+    QString text = QString::number(date.IsNone() ? 0.0 : date.DayNumber(), 'f', 8);
     while (text.endsWith(u'0'))
         text.chop(1);
     if (text.endsWith(u'.'))

@@ -64,8 +64,12 @@ QString HTMLTagsPreview::OfHTML(const QString& htmlBody)
     for (const HtmlElement& element : document.Body().All()) {
         if (!BeginsPreviewLine(element))
             continue;
+        QString first = element.FirstLine();
+        // A carriage return comes into a text by a reference; with the line feed behind it, it ends the line.
+        if (first.endsWith(u'\r'))
+            first.chop(1);
         qsizetype next = 0;
-        const QString line = GeneralHelper::NextToken(element.FirstLine(), 0, LineEnd, next, true, true);
+        const QString line = GeneralHelper::NextToken(first, 0, LineEnd, next, true, true);
         if (line.isEmpty())
             continue;
         AddLine(line, &preview);

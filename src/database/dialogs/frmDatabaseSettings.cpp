@@ -113,8 +113,8 @@ void frmDatabaseSettings::MakeControls()
     cmdCancel_ = MakeControl<QPushButton>(this, "cmdCancel", QStringLiteral("Cancel"));
     connect(cmdCancel_, &QPushButton::clicked, this, &frmDatabaseSettings::Cancel);
     // In the address the Enter key makes a new line.
-    connect(txtStationAddress_, &TextArea::GotFocus, this, [this] { cmdOK_->setDefault(false); });
-    connect(txtStationAddress_, &TextArea::LostFocus, this, [this] { cmdOK_->setDefault(true); });
+    connect(txtStationAddress_, &TextArea::GotFocus, cmdOK_, [ok = cmdOK_] { ok->setDefault(false); });
+    connect(txtStationAddress_, &TextArea::LostFocus, cmdOK_, [ok = cmdOK_] { ok->setDefault(true); });
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -223,14 +223,15 @@ void uMessageAddress::DeleteKey()
     const BusyMark busy(*rtfAddresses_);
     RichTextBox& box = *rtfAddresses_;
     const RichTextBox::Hold hold(box);
+    // A place is a whole character: half of one is not left behind.
     if (Caret() > 0 && box.SelProtected() == false)
-        StepTo(Caret() + 1);
+        StepTo(box.PlaceBehind(Caret()));
     if (box.SelProtected() == false)
         return;
     if (!box.SelProtected().has_value() && Caret() > 0)
         StepTo(Caret() - 1);
     while (Caret() + box.SelLength() < TextLength()) {
-        box.SetSelLength(box.SelLength() + 1);
+        box.SetSelLength(box.PlaceBehind(Caret() + box.SelLength()) - Caret());
         if (box.SelProtected() != true)
             break;
     }

@@ -80,12 +80,14 @@ void HtmlElement::AppendBodyOf(HtmlDocument&& other)
     const HtmlElement theirs = other.Body();
     if (IsNull() || theirs.IsNull())
         return;
-    if (!Node_->Is(QLatin1String("body")) || !ParsesToItself(theirs.Node_)) {
+    if (&other == Document_ || !Node_->Is(QLatin1String("body")) || !ParsesToItself(theirs.Node_)) {
         InsertAdjacentHTML(QStringLiteral("beforeEnd"), theirs.InnerHTML());
         return;
     }
     Document_->IsChanged_ = true;
-    Document_->Nodes_->Take(std::move(*other.Nodes_), theirs.Node_, Node_);
+    other.Written_.clear();
+    auto nodes = std::exchange(other.Nodes_, std::make_unique<HtmlNodes>());
+    Document_->Nodes_->Take(std::move(nodes), theirs.Node_, Node_);
 }
 
 void HtmlElement::Insert(const QString& html, HtmlNode* context, HtmlNode* parent, HtmlNode* before)

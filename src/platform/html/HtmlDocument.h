@@ -41,8 +41,8 @@ public:
     /// first and the last on the html element. Costs what the fragment costs, however large the document is.
     void InsertAdjacentHTML(const QString& position, const QString& html);
 
-    /// The same as InsertAdjacentHTML("beforeEnd", other.Body().InnerHTML()). Uses the other document up, so that its
-    /// nodes can be moved here without a parse where that makes no difference.
+    /// The same as InsertAdjacentHTML("beforeEnd", other.Body().InnerHTML()). The other document is empty or
+    /// as it was afterwards: its nodes are moved here without a parse where that makes no difference.
     void AppendBodyOf(HtmlDocument&& other);
 
 private:

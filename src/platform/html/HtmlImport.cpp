@@ -70,20 +70,19 @@ HtmlImport::HtmlImport(HtmlNodes* nodes, ShortMarkup* markup)
 {
 }
 
-HtmlImport::Outcome HtmlImport::Children(const GumboInternalNode* source, HtmlNode* parent, HtmlNode* before)
+bool HtmlImport::Children(const GumboInternalNode* source, HtmlNode* parent, HtmlNode* before)
 {
     const std::size_t standing = Nodes_->Nodes_.size();
     HtmlNode holder;
-    const bool isWalked = Walk(source, &holder);
-    if (!isWalked || !Markup_->IsComplete()) {
+    if (!Walk(source, &holder) || !Markup_->IsComplete()) {
         Nodes_->Nodes_.resize(standing);
-        return isWalked ? Outcome::Incomplete : Outcome::TooLarge;
+        return false;
     }
     HtmlNodes::PutAll(&holder, parent, before);
-    return Outcome::Done;
+    return true;
 }
 
-HtmlImport::Outcome HtmlImport::Page(const GumboInternalNode* source, HtmlNode* document)
+bool HtmlImport::Page(const GumboInternalNode* source, HtmlNode* document)
 {
     SetDocumentType(source, document);
     return Children(source, document, nullptr);

@@ -11,17 +11,11 @@ public:
     /// open formatting in every paragraph, so that a short page can be made to have millions of nodes.
     HtmlImport(HtmlNodes* nodes, ShortMarkup* markup);
 
-    enum class Outcome
-    {
-        Done,
-        TooLarge,
-        Incomplete ///< The markup has not come back whole.
-    };
-
-    /// Below parent, before that child or last; nothing is put in unless it is done.
-    Outcome Children(const GumboInternalNode* source, HtmlNode* parent, HtmlNode* before);
+    /// Below parent, before that child or last. False, with nothing put in, when it is too large or the markup has not
+    /// come back complete.
+    bool Children(const GumboInternalNode* source, HtmlNode* parent, HtmlNode* before);
     /// The whole page with its document type, below an empty document node.
-    Outcome Page(const GumboInternalNode* source, HtmlNode* document);
+    bool Page(const GumboInternalNode* source, HtmlNode* document);
 
 private:
     bool Walk(const GumboInternalNode* source, HtmlNode* target);

@@ -14,19 +14,18 @@ bool IsTooDeep(const QString& markup)
     return markup.size() > DeepestPage && markup.count(u'<') > DeepestPage && TagScanner::Depth(markup) > DeepestPage;
 }
 
-/// Short where that gives the same, otherwise as it stands.
+/// Short where that gives the same, otherwise as it stands. Words that are marked within a tag may make another page of
+/// it, which may be too large where the true one is not.
 template <typename Import>
 bool IsImported(const QString& markup, Import import)
 {
     if (IsTooDeep(markup))
         return false;
     ShortMarkup marked(markup, ShortMarkup::Runs::Marked);
-    HtmlImport::Outcome outcome = import(&marked);
-    if (outcome == HtmlImport::Outcome::Incomplete) {
-        ShortMarkup kept(markup, ShortMarkup::Runs::Kept);
-        outcome = import(&kept);
-    }
-    return outcome == HtmlImport::Outcome::Done;
+    if (import(&marked))
+        return true;
+    ShortMarkup kept(markup, ShortMarkup::Runs::Kept);
+    return marked.HasMarks() && import(&kept);
 }
 } // namespace
 
@@ -102,11 +101,10 @@ void HtmlNodes::PutAll(HtmlNode* holder, HtmlNode* parent, HtmlNode* before)
     holder->First = holder->Last = nullptr;
 }
 
-void HtmlNodes::Take(HtmlNodes&& others, HtmlNode* theirs, HtmlNode* parent)
+void HtmlNodes::Take(std::unique_ptr<HtmlNodes> others, HtmlNode* theirs, HtmlNode* parent)
 {
     PutAll(theirs, parent, nullptr);
-    Taken_.push_back(std::move(others.Nodes_));
-    Taken_.splice(Taken_.end(), others.Taken_);
+    Taken_.push_back(std::move(others));
 }
 
 void HtmlNodes::RemoveChildren(HtmlNode* parent)
@@ -156,8 +154,7 @@ bool HtmlNodes::ParsePage(const QString& page)
     const auto import = [this](ShortMarkup* markup) {
         RemoveChildren(Document_);
         const HtmlTree tree(markup->Utf8());
-        return tree.Root() == nullptr ? HtmlImport::Outcome::TooLarge
-                                      : HtmlImport(this, markup).Page(tree.Root(), Document_);
+        return tree.Root() != nullptr && HtmlImport(this, markup).Page(tree.Root(), Document_);
     };
     if (IsImported(page, import))
         return true;
@@ -170,8 +167,7 @@ bool HtmlNodes::ParseFragment(const QString& fragment, const HtmlNode* context, 
 {
     const auto import = [&](ShortMarkup* markup) {
         const HtmlTree tree(markup->Utf8(), context->Name.toUtf8(), context->Namespace);
-        return tree.Root() == nullptr ? HtmlImport::Outcome::TooLarge
-                                      : HtmlImport(this, markup).Children(tree.HtmlElementNode(), parent, before);
+        return tree.Root() != nullptr && HtmlImport(this, markup).Children(tree.HtmlElementNode(), parent, before);
     };
     if (IsImported(fragment, import))
         return true;
@@ -193,7 +189,6 @@ void HtmlNodes::PutText(const QString& markup, HtmlNode* parent, HtmlNode* befor
     const QString text = TagScanner::TextOf(markup);
     ShortMarkup whole(text, ShortMarkup::Runs::Kept);
     const HtmlTree tree(whole.Utf8(), "div", HtmlNamespace::Html);
-    if (tree.Root() == nullptr ||
-        HtmlImport(this, &whole).Children(tree.HtmlElementNode(), block, nullptr) != HtmlImport::Outcome::Done)
+    if (tree.Root() == nullptr || !HtmlImport(this, &whole).Children(tree.HtmlElementNode(), block, nullptr))
         MakeText(markup, block);
 }

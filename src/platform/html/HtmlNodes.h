@@ -3,7 +3,8 @@
 #include "platform/html/HtmlNode.h"
 
 #include <deque>
-#include <list>
+#include <memory>
+#include <vector>
 
 /// Owns the nodes of one document and parses into them. A node stays until all go, whether it still stands in the tree
 /// or not, so that no handle to one is ever stale.
@@ -27,8 +28,8 @@ public:
     /// fragment had to become its text.
     bool ParseFragment(const QString& fragment, const HtmlNode* context, HtmlNode* parent, HtmlNode* before);
 
-    /// Puts what is within their node last below parent. The others are used up: their nodes belong here from now on.
-    void Take(HtmlNodes&& others, HtmlNode* theirs, HtmlNode* parent);
+    /// Puts what is within their node last below parent.
+    void Take(std::unique_ptr<HtmlNodes> others, HtmlNode* theirs, HtmlNode* parent);
 
     /// Before that child of parent, or last. name: of an element of HTML.
     HtmlNode* MakeElement(const char* name, HtmlNode* parent, HtmlNode* before = nullptr);
@@ -44,7 +45,7 @@ private:
     static HtmlNode* ChildOf(HtmlNode* parent, QLatin1String name);
 
     std::deque<HtmlNode> Nodes_;
-    std::list<std::deque<HtmlNode>> Taken_;
+    std::vector<std::unique_ptr<HtmlNodes>> Taken_;
     HtmlNode* Document_ = nullptr;
 
     friend class HtmlImport;

@@ -109,10 +109,25 @@ bool MayStand(Role role, const Place& place)
     }
 }
 
-/// A line end that a reference stood for would be read as another one.
+/// A reference gives characters that the parser reads as others, or not at all, where they stand by themselves: other
+/// line ends, controls, those that are no characters, and the mark of the byte order.
+bool IsReadAlike(QChar character)
+{
+    const char16_t unit = character.unicode();
+    if (unit < u' ')
+        return unit == u'\t' || unit == u'\n' || unit == u'\f';
+    if (unit >= 0x7F && unit <= 0x9F)
+        return false;
+    // The second halves of those at the end of each plane, and of a few others.
+    if (unit >= 0xD800)
+        return unit != 0xDFFE && unit != 0xDFFF && unit != QChar::ByteOrderMark && unit < 0xFFFE &&
+               (unit < 0xFDD0 || unit > 0xFDEF);
+    return true;
+}
+
 bool IsReadAlike(const QString& text)
 {
-    return !text.contains(u'\r') && !text.contains(QChar(0));
+    return std::all_of(text.cbegin(), text.cend(), [](QChar character) { return IsReadAlike(character); });
 }
 
 bool IsBlank(const QString& text)
@@ -126,7 +141,7 @@ bool IsKept(const HtmlNode* node, const Place& place)
 {
     switch (node->Kind) {
     case HtmlNodeKind::Element:
-        return MayStand(RoleOf(node), place) &&
+        return MayStand(RoleOf(node), place) && (node->First == nullptr || !node->Has(HtmlTrait::Void)) &&
                std::all_of(node->Attributes.begin(), node->Attributes.end(),
                            [](const HtmlAttribute& attribute) { return IsReadAlike(attribute.Value); });
     case HtmlNodeKind::Text:

@@ -38,7 +38,8 @@ bool IsPlain(char16_t character)
     }
 }
 
-/// Of the reference "&#..." that the text begins with; -1 when it is none.
+/// Of the reference "&#..." that the text begins with; -1 when it is none. Above all characters it ends somewhere: the
+/// parser goes on and loses the upper digits.
 int ReferredNumber(QStringView text)
 {
     if (!text.startsWith(QLatin1String("&#")))
@@ -65,7 +66,7 @@ bool MayMislead(QStringView text)
         return text.sliced(1).startsWith(QLatin1String("isindex"), Qt::CaseInsensitive);
     case u'&': {
         const int number = ReferredNumber(text);
-        return number >= FirstDigit && number < FirstDigit + int(Digits);
+        return (number >= FirstDigit && number < FirstDigit + int(Digits)) || number > QChar::LastValidCodePoint;
     }
     default:
         return IsDigit(text[0]);

@@ -27,6 +27,7 @@ public:
     const QByteArray& Utf8() const { return Utf8_; }
     /// A text or comment of the parser's, with the words in the place of each mark.
     QString Restored(const char* text);
+    bool HasMarks() const { return !Runs_.empty(); }
     /// Whether every mark has come back, and once.
     bool IsComplete() const { return !IsStrange_ && Left_ == 0; }
 

@@ -175,29 +175,34 @@ bool uPrizesList::RefreshDisplay(qint32 prizeReference)
 {
     if (!clsTolvaDatabase_)
         return false;
-    int first = 1;
-    int last = grdPrizes_->Rows() - 1;
     if (prizeReference >= 1) {
-        first = last = RowOfReference_.value(prizeReference);
-        if (first < 1 || first >= grdPrizes_->Rows())
+        const int row = RowOfReference_.value(prizeReference);
+        if (row < 1 || row >= grdPrizes_->Rows())
             return false;
+        // Makes it the current row, which may be news for the host.
+        DisplayPrize(row, clsTolvaDatabase_->GetPrize(prizeReference, false));
+    } else {
+        RefreshAllRows();
     }
-    {
-        // A row that is drawn again becomes no other selection.
-        const bool wasRefreshing = std::exchange(Refreshing_, true);
-        const int row = grdPrizes_->Row();
-        const bool redraw = grdPrizes_->Redraw();
-        grdPrizes_->SetRedraw(false);
-        const auto restore = qScopeGuard([&] {
-            SelectRow(row);
-            grdPrizes_->SetRedraw(redraw);
-            Refreshing_ = wasRefreshing;
-        });
-        for (int i = first; i <= last; ++i)
-            DisplayPrize(i, clsTolvaDatabase_->GetPrize(ReferenceOfRow(i), false));
-    }
+    if (!clsTolvaDatabase_)
+        return true;
     LastPrizeStamp_ = clsTolvaDatabase_->LastPrizeChanged();
     return true;
+}
+
+void uPrizesList::RefreshAllRows()
+{
+    const bool wasRefreshing = std::exchange(Refreshing_, true);
+    const int row = grdPrizes_->Row();
+    const bool redraw = grdPrizes_->Redraw();
+    grdPrizes_->SetRedraw(false);
+    const auto restore = qScopeGuard([&] {
+        SelectRow(row);
+        grdPrizes_->SetRedraw(redraw);
+        Refreshing_ = wasRefreshing;
+    });
+    for (int i = 1; i < grdPrizes_->Rows(); ++i)
+        DisplayPrize(i, clsTolvaDatabase_->GetPrize(ReferenceOfRow(i), false));
 }
 
 void uPrizesList::Tick()

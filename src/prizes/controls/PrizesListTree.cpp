@@ -32,9 +32,10 @@ void uPrizesList::UpdateCategories()
     };
     for (const auto& [category, title] : kinds)
         treeCategories_->AddNode(QString(), NodeKey(category), title, closed, open);
-    if (!selected.isEmpty())
-        treeCategories_->SelectNode(selected);
-    if (treeCategories_->SelectedKey().isEmpty())
+    // A kind chosen by the arrow keys may still wait for them to rest.
+    if (treeCategories_->SelectNode(selected))
+        TakeNodeClick(selected);
+    else
         SetCategory(CurrentCategory_);
 }
 

@@ -184,6 +184,48 @@ TEST_F(uMessageAddressKeyTest, TypingOverARunReplacesIt)
     EXPECT_EQ(States(), QString(AnnEnd, u'P') + QStringLiteral(".."));
 }
 
+TEST_F(uMessageAddressKeyTest, DeleteInFreeTextNeverHalvesACharacter)
+{
+    const QString radio = QString::fromUcs4(U"\U0001F4FB");
+    for (const QString& text : {u'a' + radio + u'b', u'a' + radio + radio + u'b'}) {
+        Control.Settext(text);
+        Box.SetSelStart(1);
+        Key(Qt::Key_Delete);
+        // What stands behind the character that was looked at.
+        EXPECT_EQ(Control.text(), text.left(3) + text.mid(text.size() == 4 ? 4 : 5));
+    }
+    Control.Settext(QString());
+    AddAnn();
+    Box.SetSelStart(AnnEnd);
+    Box.SetSelLength(2);
+    Box.SetSelText(radio + u'x');
+    Box.SetSelStart(0);
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(Control.text(), QStringLiteral("x"));
+}
+
+TEST_F(uMessageAddressKeyTest, DeleteOnSelectedFreeTextTakesTheCharacterBehindItsFirst)
+{
+    AddAnn();
+    Type(QStringLiteral("abcdef"));
+    Select(AnnEnd + 3, 3);
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(Control.text(), AnnEntry + QStringLiteral("abdef"));
+}
+
+TEST_F(uMessageAddressKeyTest, BackspaceOnAWholeSelectedRunTakesTheOneBeforeIt)
+{
+    AddAnn();
+    AddAnn();
+    Select(AnnEnd + 2, AnnEnd);
+    ASSERT_EQ(Box.SelProtected(), true);
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Control.text(), AnnEntry);
+    Select(0, AnnEnd);
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Control.text(), AnnEntry);
+}
+
 TEST_F(uMessageAddressKeyTest, ALockedBoxKeepsItsRuns)
 {
     AddAnn();

@@ -1,6 +1,7 @@
 // Filling, polling, and what may happen while a fill lets the window answer.
 
 #include "messageslist/ErrorCatcher.h"
+#include "platform/widgets/SystemColour.h"
 #include "prizes/PrizesListTest.h"
 
 #include <QAbstractItemModelTester>
@@ -10,6 +11,13 @@
 
 class PrizesListFillTest : public PrizesListTest
 {
+protected:
+    bool IsInFrontOfTheGrid(QWidget& panel) const
+    {
+        // Siblings are drawn in the order of their parent's list.
+        const QObjectList& siblings = panel.parentWidget()->children();
+        return panel.parentWidget() == Grid->parentWidget() && siblings.indexOf(&panel) > siblings.indexOf(Grid);
+    }
 };
 
 TEST_F(PrizesListFillTest, RowsComeInTheOrderOfTheQueryWithTheirReferences)
@@ -65,6 +73,7 @@ TEST_F(PrizesListFillTest, WhileItFillsTheTreeAndTheTabWaitAndAnotherUpdateIsDro
         looked = true;
         EXPECT_TRUE(List->IsFilling());
         EXPECT_TRUE(Loading().isVisible());
+        EXPECT_TRUE(IsInFrontOfTheGrid(Loading()));
         EXPECT_FALSE(Tree->isEnabled());
         EXPECT_FALSE(Child<QWidget>("tbsPrizes").isEnabled());
         EXPECT_FALSE(Timer().isActive());
@@ -128,7 +137,18 @@ TEST_F(PrizesListFillTest, AnotherKindChosenInAYieldIsTheOneOnShow)
     EXPECT_EQ(List->Category(), plcWonPrizes);
     EXPECT_EQ(List->NumberItems(), 0);
     EXPECT_TRUE(NoPrizes().isVisible());
+    EXPECT_TRUE(IsInFrontOfTheGrid(NoPrizes()));
     EXPECT_EQ(TakeFills(), 1);
+}
+
+TEST_F(PrizesListFillTest, EveryCellHasTheWindowsColours)
+{
+    SaveMany(2);
+    Attach();
+    for (int row = 1; row <= 2; ++row) {
+        EXPECT_EQ(Grid->CellBackColour(row, 1), SystemColour::WindowBackground);
+        EXPECT_EQ(Grid->CellForeColour(row, 1), SystemColour::WindowText);
+    }
 }
 
 TEST_F(PrizesListFillTest, APrizeThatVanishesBeforeItIsReadIsLeftOut)
@@ -289,7 +309,7 @@ TEST_F(PrizesListFillTest, ATickOfAStationThatCannotBeReadTellsItAndWritesNothin
     List->SetTolvaDatabase(nullptr);
 }
 
-TEST_F(PrizesListFillTest, RefreshingDrawsRowsAgainAndKeepsTheSelection)
+TEST_F(PrizesListFillTest, RefreshingOneRowMakesItCurrentAndRefreshingAllKeepsTheCurrentOne)
 {
     const QList<qint32> references = SaveMany(3);
     Attach();
@@ -299,6 +319,11 @@ TEST_F(PrizesListFillTest, RefreshingDrawsRowsAgainAndKeepsTheSelection)
     ChangeRow(references.at(2), QStringLiteral("Title"), QStringLiteral("Third"));
     EXPECT_TRUE(List->RefreshDisplay(references.at(0)));
     EXPECT_EQ(Titles(), QStringList({QStringLiteral("First"), QStringLiteral("Prize 2"), QStringLiteral("Prize 3")}));
+    EXPECT_EQ(Grid->Row(), 1);
+    EXPECT_EQ(List->SelectedReference(), references.at(0));
+    EXPECT_EQ(TakeSelections(), QList<qint32>({references.at(0)}));
+    ClickRow(2);
+    TakeSelections();
     EXPECT_TRUE(List->RefreshDisplay());
     EXPECT_EQ(Titles(), QStringList({QStringLiteral("First"), QStringLiteral("Prize 2"), QStringLiteral("Third")}));
     EXPECT_EQ(Grid->Row(), 2);

@@ -268,3 +268,25 @@ TEST_F(PrizesListKindTest, ResettingTakesTheFirstEntryOfTheBox)
     EXPECT_EQ(TakeFills(), 1);
     EXPECT_EQ(Titles(), QStringList{QStringLiteral("Mug")});
 }
+
+TEST_F(PrizesListKindTest, AKindChosenByTheArrowKeysIsNotLostWhenTheTreeIsMadeAnew)
+{
+    Save(QStringLiteral("Mug"));
+    const auto refresh = [this](int way) {
+        if (way == 0)
+            QTest::keyClick(Tree, Qt::Key_F5);
+        else
+            List->UpdateCategories();
+    };
+    for (const int way : {0, 1}) {
+        Attach(plcAllPrizes);
+        Tree->setFocus();
+        QTest::keyClick(Tree, Qt::Key_Up);
+        ASSERT_EQ(Tree->SelectedKey(), QStringLiteral("c4"));
+        refresh(way);
+        EXPECT_EQ(Tree->SelectedKey(), QStringLiteral("c4"));
+        EXPECT_EQ(List->Category(), plcWonPrizes);
+        EXPECT_EQ(List->NumberItems(), 0);
+        List->SetTolvaDatabase(nullptr);
+    }
+}

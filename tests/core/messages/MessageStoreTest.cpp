@@ -413,7 +413,8 @@ TEST_F(MessageStoreTest, TheStampCanBeSetAndCleared)
               QStringLiteral("46347.12345679"));
     Station->SetLastMessageChanged(Date());
     EXPECT_TRUE(Station->LastMessageChanged().IsNone());
-    EXPECT_EQ(OpenTable(QStringLiteral("Settings"))->RecordCount(), 1); // the phone number
+    EXPECT_EQ(Station->DatabaseSetting(QStringLiteral("Messages.LastChanged"), QString()).toString(),
+              QStringLiteral("0"));
 }
 
 TEST_F(MessageStoreTest, AnotherComputersChangeSinceTheReadIsOverwrittenByASaveButNotWithinOne)

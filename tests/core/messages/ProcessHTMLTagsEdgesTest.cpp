@@ -324,6 +324,14 @@ TEST_F(ProcessHTMLTagsEdgesTest, TheTemplatesTitleGivesWayAndATitleInABodyDoesNo
               QStringLiteral("<html><head><title>Message List</title></head><body><p>x</p><p>x</p></body></html>"));
 }
 
+TEST_F(ProcessHTMLTagsEdgesTest, ACarriageReturnOfAReferenceEndsALineOfThePreviewWithItsLineFeed)
+{
+    EXPECT_EQ(Filled({.HTML = QStringLiteral("<pre><font>a&#13;&#10;b</font></pre>")}, Tag("HTMLBODYSHORT")),
+              QStringLiteral("a"));
+    EXPECT_EQ(Filled({.HTML = QStringLiteral("<pre><font>&#13;&#10;b</font></pre><p>c</p>")}, Tag("HTMLBODYSHORT")),
+              QStringLiteral("c"));
+}
+
 TEST_F(ProcessHTMLTagsEdgesTest, ABodyThatClosesThePageStaysInItsPlaceOnAPageOfEachMessage)
 {
     for (const char* body : {"</body></html>", "</div></td></tr></table></body></html><html><head><title>x</title>",

@@ -59,6 +59,22 @@ TEST_F(HotlistTest, AnAbsentListLoadsLikeAnEmptyOne)
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
 }
 
+TEST_F(HotlistTest, AListWithoutHoursLoadsLikeCancel)
+{
+    Station->SetDatabaseSetting(QStringLiteral("HR.Blank"), QStringLiteral("x"), QString());
+    const auto rows = OpenTable(QStringLiteral("Settings"));
+    for (const QVariant& hours : {QVariant(QString()), QVariant()}) {
+        rows->SetIndex(QStringLiteral("Main"));
+        rows->Seek(dao::SeekComparison::Equal, {QStringLiteral("HR.Blank")});
+        ASSERT_FALSE(rows->NoMatch());
+        rows->Edit();
+        rows->SetCollect(QStringLiteral("Value"), hours);
+        rows->Update();
+        ExpectChoice(QStringLiteral("HR.Blank"), false);
+        EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
+    }
+}
+
 TEST_F(HotlistTest, OnAClosedStationNobodyIsAsked)
 {
     Station->CloseTolvaDatabase();

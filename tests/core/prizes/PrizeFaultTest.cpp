@@ -211,7 +211,11 @@ TEST_F(MissingTableTest, AMissingTableFailsEveryOperationWithItsReason)
     EXPECT_FALSE(Station->RecountWinners(reference));
     EXPECT_EQ(Station->GetNumberWinsForContact(11), -1);
     EXPECT_TRUE(Audit().isEmpty());
+    EXPECT_NE(Station->GetPrize(reference, false), nullptr);
     Drop("Prizes");
+    // No prize has this number, so that nothing is asked for.
+    EXPECT_EQ(Station->GetPrize(0, true), nullptr);
+    EXPECT_EQ(Station->LastErrorNumber(), 0);
     EXPECT_EQ(Station->GetPrize(reference, true), nullptr);
     EXPECT_NE(Station->LastErrorNumber(), 0);
     EXPECT_FALSE(Station->DeletePrize(reference));

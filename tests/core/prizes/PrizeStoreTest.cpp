@@ -255,6 +255,9 @@ TEST_F(PrizeStoreTest, EachStepOfASaveIsInTheLog)
                            QStringLiteral("There was a problem saving a Prize because no Prize details were supplied "
                                           "to save"),
                            QStringLiteral("Exiting as no Prize Supplied")}));
+    Station->CloseTolvaDatabase();
+    EXPECT_FALSE(Station->SavePrize(prize));
+    EXPECT_EQ(log.Take().last(), QStringLiteral("Exiting as No Database File"));
 }
 
 TEST_F(PrizeStoreTest, TheOuterStepsOfASaveAreOfLevelFive)
@@ -402,6 +405,8 @@ TEST_F(PrizeStoreTest, TheStampIsTheNumberToEightPlacesAndWhatIsNoneReadsAsNoDat
     Station->SetLastPrizeChanged(Date(46350));
     EXPECT_EQ(Station->DatabaseSetting(setting, QString()).toString(), QStringLiteral("46350"));
     EXPECT_EQ(Station->LastPrizeChanged(), Date(46350));
+    Station->SetLastPrizeChanged(Date());
+    EXPECT_EQ(Station->DatabaseSetting(setting, QString()).toString(), QStringLiteral("0"));
     for (const char* text : {"soon", "0", "-3"}) {
         Station->SetDatabaseSetting(setting, QString::fromLatin1(text), QString());
         EXPECT_EQ(Station->LastPrizeChanged(), Date()) << text;

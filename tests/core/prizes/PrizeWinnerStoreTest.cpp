@@ -244,6 +244,9 @@ TEST_F(PrizeWinnerStoreTest, EachStepOfAnAwardIsInTheLog)
     EXPECT_EQ(refused.filter(QStringLiteral("Couldn't save Prize Winner - ") + Station->LastErrorDescription()).size(),
               2);
     EXPECT_EQ(refused.last(), QStringLiteral("Finished SavePrizeWinner"));
+    Station->CloseTolvaDatabase();
+    EXPECT_FALSE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(log.Take().last(), QStringLiteral("No Database File so exiting"));
 }
 
 TEST_F(PrizeWinnerStoreTest, SavingAnExistingWinnerMovesThePrizesLastDateToIts)

@@ -96,6 +96,13 @@ TEST(HtmlRoundTripTest, TreesThatTheirMarkupDoesNotGiveAreFound)
     };
     for (const char* body : bodies)
         EXPECT_FALSE(ParsesToItself(QLatin1String(body))) << body;
+    // Characters that a reference gives and that are read as others by themselves.
+    for (const char* number : {"1", "8", "11", "14", "127", "x81", "xFDD0", "xFFFE", "x1FFFF", "x10FFFE", "xFEFF"}) {
+        EXPECT_FALSE(ParsesToItself(QStringLiteral("a&#%1;b").arg(QLatin1String(number)))) << number;
+        EXPECT_FALSE(ParsesToItself(QStringLiteral("<p title='a&#%1;b'>x").arg(QLatin1String(number)))) << number;
+    }
+    for (const char* number : {"9", "10", "12", "xA0", "xE000", "xFFFD", "x1F4FB", "x1FFFD"})
+        EXPECT_TRUE(IsKept(QStringLiteral("<body>a&#%1;b").arg(QLatin1String(number)))) << number;
     EXPECT_FALSE(ParsesToItself(QStringLiteral("<i>").repeated(200) + QStringLiteral("deep")));
     EXPECT_TRUE(ParsesToItself(QStringLiteral("<i>").repeated(50) + QStringLiteral("deep")));
     HtmlNodes frames;
@@ -147,4 +154,45 @@ TEST(HtmlRoundTripTest, WhatWasAppendedIsPartOfItsNewDocument)
     HtmlElement none;
     none.AppendBodyOf(HtmlDocument());
     EXPECT_TRUE(none.IsNull());
+}
+
+TEST(HtmlRoundTripTest, OddDocumentsAreAppendedLikeAnyMarkup)
+{
+    HtmlDocument twice;
+    twice.Write(QStringLiteral("<p>a</p>"));
+    twice.Body().AppendBodyOf(std::move(twice));
+    EXPECT_EQ(twice.Body().InnerHTML(), QStringLiteral("<p>a</p><p>a</p>"));
+
+    HtmlDocument frames;
+    frames.Write(QStringLiteral("<frameset></frameset>"));
+    HtmlDocument one;
+    one.Write(QStringLiteral("<p>a</p>"));
+    frames.Body().AppendBodyOf(std::move(one));
+    EXPECT_EQ(frames.Body().InnerHTML(), QString());
+
+    HtmlDocument deep;
+    deep.Write(QStringLiteral("<div>").repeated(2000) + QStringLiteral("far &amp; down"));
+    ASSERT_TRUE(deep.IsTextOnly());
+    HtmlDocument main;
+    main.Body().AppendBodyOf(std::move(deep));
+    EXPECT_EQ(main.Body().InnerText(), QStringLiteral("far & down"));
+
+    HtmlDocument picture;
+    picture.Write(QStringLiteral("<img>"));
+    picture.Body().All().front().SetInnerHTML(QStringLiteral("<i>x</i>"));
+    HtmlDocument other;
+    other.Body().AppendBodyOf(std::move(picture));
+    EXPECT_EQ(other.Body().All().size(), 1U);
+}
+
+TEST(HtmlRoundTripTest, ADocumentWhoseBodyWasTakenMayBeWrittenAnew)
+{
+    HtmlDocument main;
+    HtmlDocument one;
+    for (const char* text : {"<p>a</p>", "<p>b</p>"}) {
+        one.Write(QLatin1String(text));
+        main.Body().AppendBodyOf(std::move(one));
+        EXPECT_EQ(one.Body().InnerHTML(), QString());
+    }
+    EXPECT_EQ(main.Body().InnerHTML(), QStringLiteral("<p>a</p><p>b</p>"));
 }
