@@ -5,9 +5,26 @@ install(TARGETS tolva RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT co
 install(TARGETS tolva-desk RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT desk)
 # Beside tolva, which starts it for PDF files.
 install(TARGETS tolva-pdf RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT pdf)
-install(FILES docs/man/tolva.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT commands)
-install(FILES docs/man/tolva-desk.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT desk)
-install(FILES docs/man/tolva-pdf.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT pdf)
+
+# Compressed as Debian wants it: at the best, and without name and time, so that the same page gives the same file.
+find_program(TOLVA_GZIP gzip REQUIRED)
+function(tolva_install_manual name component)
+    set(page "${PROJECT_SOURCE_DIR}/docs/man/${name}.1")
+    set(compressed "${PROJECT_BINARY_DIR}/man/${name}.1.gz")
+    add_custom_command(OUTPUT "${compressed}"
+                       COMMAND "${CMAKE_COMMAND}" -E make_directory "${PROJECT_BINARY_DIR}/man"
+                       COMMAND "${TOLVA_GZIP}" -9nc "${page}" > "${compressed}"
+                       DEPENDS "${page}" VERBATIM)
+    add_custom_target(${name}-manual ALL DEPENDS "${compressed}")
+    install(FILES "${compressed}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${component})
+endfunction()
+tolva_install_manual(tolva commands)
+tolva_install_manual(tolva-desk desk)
+tolva_install_manual(tolva-pdf pdf)
+
+# The nightly backup; whoever runs the machine enables it for a station.
+install(FILES "packaging/systemd/tolva-backup@.service" "packaging/systemd/tolva-backup@.timer"
+        DESTINATION lib/systemd/system COMPONENT commands)
 install(FILES packaging/tolva-desk.desktop DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT desk)
 install(FILES packaging/example.tolva.desk.metainfo.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT desk)
 install(FILES src/platform/widgets/icons/tolva.svg RENAME tolva-desk.svg

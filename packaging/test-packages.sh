@@ -58,8 +58,33 @@ fi
 shipped=$(find htmldocs -name '*.htm' | wc -l)
 [ "$(find "$root/home/presenter/station/HTMLDocs" -name '*.htm' | wc -l)" -eq "$shipped" ] || { say "The station has not got all templates."; exit 1; }
 for page in tolva tolva-desk tolva-pdf; do
-    [ -s "$root/usr/share/man/man1/$page.1.gz" ] || [ -s "$root/usr/share/man/man1/$page.1" ] || { say "The manual page of $page is missing."; exit 1; }
+    gzip -dc "$root/usr/share/man/man1/$page.1.gz" | cmp - "docs/man/$page.1" || { say "The manual page of $page is not the one of the checkout."; exit 1; }
 done
+
+say "Setting a station up as the pages tell its technician"
+# What they type as root; the gateway's account comes with its own package.
+asTold=$(perl -ne '$code = !$code, next if /^```/; print if $code && /^(groupadd|useradd|usermod|chown|chmod|find|install) /' docs/hookups.md)
+[ "$(wc -l <<<"$asTold")" -ge 8 ] || { say "The page on hooking up has lost its commands."; exit 1; }
+inRoot useradd --system gammu
+inRoot tolva init /srv/station --name Harbour --phone 1 >/dev/null
+inRoot sh -e -c "$asTold"
+inRoot usermod -a -G station presenter
+file() { printf 'Subject: From %s\n\nHello.\n' "$1" | inRoot runuser -u "$1" -- sh -c 'umask 0007; tolva file /srv/station'; }
+file tolva
+file presenter
+if asUser tolva list /srv/station 2>/dev/null; then
+    say "The station is open to accounts outside its group."
+    exit 1
+fi
+inRoot sh -c 'apt-get install -q -y --no-install-recommends systemd' >"$root/packages/install.log" 2>&1 || { tail -30 "$root/packages/install.log" >&2; exit 1; }
+if find "$root/etc/systemd" -name 'tolva-*' | grep .; then
+    say "The package has enabled its timer."
+    exit 1
+fi
+unit=tolva-backup@$(inRoot systemd-escape --path /srv/station)
+inRoot systemd-analyze verify --man=no "$unit.timer" "$unit.service"
+command=$(sed -n 's/^ExecStart=//p' "$root"/usr/lib/systemd/system/tolva-backup@.service)
+inRoot runuser -u tolva -- sh -c "${command//%f//srv/station}" >/dev/null
 
 say "Building the example host from the installed headers"
 inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/libkvtolva1-dev_*.deb cmake ninja-build g++' \
@@ -75,7 +100,7 @@ before=$(asUser tolva list /home/presenter/station --json | sha256sum)
 
 say "Uninstalling"
 inRoot sh -c 'apt-get purge -q -y tolva tolva-desk tolva-pdf tolva-data libkvtolva1-0 libkvtolva1-dev' >"$root/packages/install.log" 2>&1
-for left in "$root"/usr/bin/tolva* "$root"/usr/lib/*/libkvTolva1* "$root"/usr/include/kvTolva1 "$root"/usr/share/tolva; do
+for left in "$root"/usr/bin/tolva* "$root"/usr/lib/systemd/system/tolva* "$root"/usr/lib/*/libkvTolva1* "$root"/usr/include/kvTolva1 "$root"/usr/share/tolva; do
     [ ! -e "$left" ] || { say "Uninstalling left ${left#"$root"}."; exit 1; }
 done
 inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/tolva_*.deb /packages/tolva-data_*.deb' >"$root/packages/install.log" 2>&1

@@ -1,12 +1,12 @@
 #include "LabelsDialog.h"
 
 #include "DeskStation.h"
-#include "FileChoice.h"
 #include "LabelPreview.h"
 #include "Words.h"
-#include "common/FileDialog.h"
 #include "common/LabelLayout.h"
 #include "common/dialogs/LabelSheet.h"
+#include "printing/PrintControls.h"
+#include "printing/PrintTarget.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -14,58 +14,13 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
-#include <QPrintDialog>
-#include <QPrinter>
+#include <QPagedPaintDevice>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 
-namespace
-{
-constexpr int AskBeforeOverwriting = 2;
-constexpr int HideReadOnly = 4;
-
-LabelsDialog::PrinterChooser& Chooser()
-{
-    static LabelsDialog::PrinterChooser chooser;
-    return chooser;
-}
-
-std::unique_ptr<QPagedPaintDevice> ChoosePrinter(QWidget* parent)
-{
-    if (Chooser())
-        return Chooser()(parent);
-    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-    QPrintDialog dialog(printer.get(), parent);
-    // Sheets are printed whole and in order.
-    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
-    if (dialog.exec() != QDialog::Accepted)
-        return nullptr;
-    return printer;
-}
-
-QPushButton* MakeButton(QWidget* parent, const char* name, const QString& text)
-{
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(QLatin1String(name));
-    button->setAutoDefault(false);
-    return button;
-}
-
-QLabel* MakeWords(QWidget* parent, const char* name)
-{
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    return label;
-}
-} // namespace
-
-void LabelsDialog::SetPrinterChooser(PrinterChooser chooser)
-{
-    Chooser() = std::move(chooser);
-}
+using PrintControls::MakeButton;
+using PrintControls::MakeWords;
 
 LabelsDialog::LabelsDialog(DeskStation& station, QWidget* parent) : QDialog(parent), Station_(station)
 {
@@ -334,20 +289,14 @@ void LabelsDialog::Update()
 
 void LabelsDialog::Print(const LabelSheet& sheet)
 {
-    const std::unique_ptr<QPagedPaintDevice> printer = ChoosePrinter(this);
+    const std::unique_ptr<QPagedPaintDevice> printer = PrintTarget::PrinterForSheets(this);
     if (printer && !sheet.Print(*printer))
         Words::Warn(tr("The printer took no labels. Check that it is switched on and has this paper."));
 }
 
 void LabelsDialog::SavePdf()
 {
-    const auto dialog = FileDialog::Create();
-    dialog->DialogTitle = tr("Save labels");
-    dialog->Filter = tr("PDF files") + QStringLiteral("|*.pdf");
-    dialog->DefaultExt = QStringLiteral("pdf");
-    dialog->Filename = QStringLiteral("labels.pdf");
-    dialog->Flags = AskBeforeOverwriting | HideReadOnly;
-    const std::optional<QString> file = FileChoice::ToSave(*dialog);
+    const std::optional<QString> file = PrintTarget::PdfFile(tr("Save labels"), QStringLiteral("labels.pdf"));
     if (!file)
         return;
     QString problem;

@@ -5,9 +5,6 @@
 #include <QDialog>
 #include <QSizeF>
 
-#include <functional>
-#include <memory>
-
 class DeskStation;
 class LabelPreview;
 class LabelSheet;
@@ -15,7 +12,6 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
-class QPagedPaintDevice;
 class QPushButton;
 class QRadioButton;
 class QSpinBox;
@@ -28,10 +24,6 @@ class LabelsDialog : public QDialog
 
 public:
     explicit LabelsDialog(DeskStation& station, QWidget* parent = nullptr);
-
-    /// What asks for a printer; null from it when the user cancels. An empty one goes back to the system's dialog.
-    using PrinterChooser = std::function<std::unique_ptr<QPagedPaintDevice>(QWidget* parent)>;
-    static void SetPrinterChooser(PrinterChooser chooser);
 
     /// The labels that are checked, in the order of the list.
     QStringList Texts() const;

@@ -77,6 +77,22 @@ QString Cut(const QString& text, int size)
         return text;
     return text.left(text.at(limit - 1).isHighSurrogate() ? limit - 1 : limit);
 }
+
+/// Begins to change the row of that number, or a new one when there is none; the number of the row.
+qint32 BeginRow(dao::Recordset& recordset, qint32 reference)
+{
+    if (reference > 0) {
+        WriteDebugLog(QStringLiteral("Seek for existing Message record"));
+        recordset.Seek(dao::SeekComparison::Equal, {reference});
+        if (!recordset.NoMatch()) {
+            recordset.Edit();
+            return reference;
+        }
+    }
+    WriteDebugLog(QStringLiteral("Create new Message record"));
+    recordset.AddNew();
+    return recordset.Collect(Column::Reference).toInt();
+}
 } // namespace
 
 bool cMessage::ReadFromRecordSet(qint32 reference, dao::Recordset* recordset)
@@ -118,22 +134,9 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     recordset->SetIndex(MainIndex);
     const BusyPointer busy;
 
-    qint32 reference = Reference_;
     if (Received_.IsNone())
         SetReceived(ClockHelper::CurrentTime());
-    if (reference > 0) {
-        WriteDebugLog(QStringLiteral("Seek for existing Message record"));
-        recordset->Seek(dao::SeekComparison::Equal, {reference});
-        if (recordset->NoMatch())
-            reference = 0;
-        else
-            recordset->Edit();
-    }
-    if (reference <= 0) {
-        WriteDebugLog(QStringLiteral("Create new Message record"));
-        recordset->AddNew();
-        reference = recordset->Collect(Column::Reference).toInt();
-    }
+    const qint32 reference = BeginRow(*recordset, Reference_);
     if (!highlightWords.isEmpty())
         MarkHighlightWords(highlightWords, highlightFont);
 

@@ -9,10 +9,10 @@
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
+#include "platform/widgets/ListReading.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
 
-#include <QApplication>
 #include <QLocale>
 #include <QScopeGuard>
 #include <QTimer>
@@ -40,27 +40,9 @@ void uMessagesList::UpdateDisplay()
             self->ApplyTimer();
     });
     {
-        // Whatever ends this: an error, the end of the database or of the control itself.
-        const bool treeHadFocus = treeCategories_->hasFocus();
-        setCursor(Qt::WaitCursor);
-        DisplayBusy_ = true;
-        // A disabled tree would end the typing of a folder's name in the middle, and store the half of it.
-        if (!treeCategories_->IsEditingLabel())
-            treeCategories_->setEnabled(false);
-        tbsMessages_->setEnabled(false);
+        // Ends whatever ends this: an error, the end of the database or of the control itself.
+        const ListReading reading(*this, *treeCategories_, *tbsMessages_, DisplayBusy_);
         timerUpdateList_->stop();
-        // A disabled tree loses the focus to a neighbour.
-        const QPointer<QWidget> neighbour = QApplication::focusWidget();
-        const auto restore = qScopeGuard([self, treeHadFocus, neighbour] {
-            if (!self)
-                return;
-            self->tbsMessages_->setEnabled(true);
-            self->treeCategories_->setEnabled(true);
-            if (treeHadFocus && QApplication::focusWidget() == neighbour)
-                self->treeCategories_->setFocus();
-            self->DisplayBusy_ = false;
-            self->unsetCursor();
-        });
 
         int rowToRestore = grdMessages_->Row();
         const qint32 referenceToRestore = rowToRestore >= 1 ? CurrentSelectedReference_ : 0;

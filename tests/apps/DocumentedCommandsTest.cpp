@@ -1,31 +1,76 @@
-// What the pages tell their readers to type, typed: the lines that begin with "tolva" in their blocks of code, in
-// order.
+// What the pages tell their readers to type, typed in order: the lines in their blocks of code that need no root. The
+// list of those that are tried elsewhere, or cannot be, is at the end.
 
 #include "CommandLineTest.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <iterator>
 
 namespace
 {
-/// The lines of a page's blocks that call the program.
-QStringList CommandsOf(const QString& page)
+/// The lines of a page's blocks of shell commands, without remarks; scripts are left out whole.
+QStringList LinesOfShell(const QString& page)
 {
-    QStringList commands;
-    bool isCode = false;
-    for (const QString& line : page.split(u'\n')) {
-        if (line.startsWith(QStringLiteral("```")))
-            isCode = !isCode;
-        else if (isCode && line.startsWith(QStringLiteral("tolva ")))
-            commands.append(line);
+    static const QRegularExpression remark(QStringLiteral("\\s+# .*$"));
+    const QString fence = QStringLiteral("```");
+    QStringList lines;
+    QStringList block;
+    QString language;
+    bool isInside = false;
+    for (QString line : page.split(u'\n')) {
+        if (!line.startsWith(fence)) {
+            block.append(line.remove(remark));
+            continue;
+        }
+        const bool isScript = block.value(0).startsWith(QStringLiteral("#!"));
+        if (isInside && (language == QStringLiteral("sh") || language == QStringLiteral("bash")) && !isScript)
+            lines += block;
+        isInside = !isInside;
+        language = line.mid(fence.size());
+        block.clear();
     }
+    lines.removeAll(QString());
+    return lines;
+}
+
+/// What the page on backups says between its lines: whole commands on the station.
+QStringList CommandsInText(const QString& page)
+{
+    static const QRegularExpression command(QStringLiteral("`(tolva [a-z]+ /srv/station[^`]*)`"));
+    QStringList commands;
+    auto matches = command.globalMatch(page);
+    while (matches.hasNext())
+        commands.append(matches.next().captured(1));
     return commands;
+}
+
+bool BeginsWithOneOf(const QString& line, const QStringList& beginnings)
+{
+    return std::any_of(beginnings.begin(), beginnings.end(),
+                       [&line](const QString& beginning) { return line.startsWith(beginning); });
+}
+
+/// What an account without rights can type anywhere.
+bool CanBeTyped(const QString& line)
+{
+    return BeginsWithOneOf(line, {QStringLiteral("tolva "), QStringLiteral("sudo -u tolva tolva "),
+                                  QStringLiteral("chmod "), QStringLiteral("find "), QStringLiteral("printf ")});
+}
+
+QString PageNamed(const QString& name)
+{
+    return QStringLiteral(TOLVA_DOCUMENTS "/") + name;
 }
 } // namespace
 
 class DocumentedCommandsTest : public CommandLineTest
 {
 protected:
-    /// What the pages take for granted: mails in ~/Maildir, and a file of business cards.
+    /// What the pages take for granted: mails in ~/Maildir, a mail, and a file of business cards.
     void SetUp() override
     {
         CommandLineTest::SetUp();
@@ -35,9 +80,11 @@ protected:
             ASSERT_TRUE(QDir().mkpath(Path(QStringLiteral("Maildir/") + QLatin1String(folder))));
         Write(QStringLiteral("telephone.vcf"), "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Loveday Tregenza\r\n"
                                                "TEL;TYPE=CELL:07700 900123\r\nEND:VCARD\r\n");
+        Write(QStringLiteral("some-mail.eml"), Mail("The lighthouse"));
     }
 
-    /// By the shell, as readers do it. The page's station is one of this test's.
+    /// By the shell, as readers do it. The page's station is one of this test's, and this account is the one that the
+    /// page takes.
     Outcome Type(QString command, const QString& station) const
     {
         QProcess process;
@@ -45,24 +92,32 @@ protected:
         QProcessEnvironment environment = process.processEnvironment();
         environment.insert(QStringLiteral("PATH"), QFileInfo(QStringLiteral(TOLVA_PROGRAM)).absolutePath() + u':' +
                                                        environment.value(QStringLiteral("PATH")));
+        environment.insert(QStringLiteral("number"), QStringLiteral("07700 900123"));
+        environment.insert(QStringLiteral("text"), QStringLiteral("Play the lighthouse song"));
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral("/bin/sh"),
-                      {QStringLiteral("-c"), command.replace(QStringLiteral("/srv/station"), station)});
+        command.remove(QStringLiteral("sudo -u tolva "));
+        command.replace(QStringLiteral("/srv/station"), station);
+        process.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command});
         process.closeWriteChannel();
         EXPECT_TRUE(process.waitForFinished()) << command.toStdString();
         return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
     }
+    void TypeSuccessfully(const QString& command, const QString& station) const
+    {
+        const Outcome outcome = Type(command, station);
+        EXPECT_EQ(outcome.Code, 0) << command.toStdString() << '\n' << outcome.Problems.constData();
+    }
 
     void TypeAllOf(const char* name) const
     {
-        const QString page = QStringLiteral(TOLVA_DOCUMENTS "/") + QLatin1String(name);
-        const QStringList commands = CommandsOf(QString::fromUtf8(Read(page)));
+        const QStringList lines = LinesOfShell(QString::fromUtf8(Read(PageNamed(QLatin1String(name)))));
+        QStringList commands;
+        std::copy_if(lines.begin(), lines.end(), std::back_inserter(commands), CanBeTyped);
         ASSERT_FALSE(commands.isEmpty());
         const bool makesStation = commands.first().startsWith(QStringLiteral("tolva init "));
         const QString station = makesStation ? Path(QStringLiteral("documented")) : Station();
-        for (const QString& command : commands) {
-            const Outcome outcome = Type(command, station);
-            EXPECT_EQ(outcome.Code, 0) << command.toStdString() << '\n' << outcome.Problems.constData();
+        for (const QString& command : std::as_const(commands)) {
+            TypeSuccessfully(command, station);
             if (command.startsWith(QStringLiteral("tolva init ")))
                 MakeWinner(station);
         }
@@ -89,4 +144,83 @@ TEST_F(DocumentedCommandsTest, ThePageOnTheCommandLineCanBeTyped)
     TypeAllOf("command-line.md");
     EXPECT_TRUE(Read(Path(QStringLiteral("card.pdf"))).startsWith("%PDF-"));
     EXPECT_TRUE(Read(Path(QStringLiteral("contacts.vcf"))).contains("FN:Loveday Tregenza"));
+}
+
+TEST_F(DocumentedCommandsTest, ThePageOnHookingUpCanBeTyped)
+{
+    TypeAllOf("hookups.md");
+    const QList<QJsonObject> messages = Messages();
+    ASSERT_EQ(messages.size(), 2);
+    EXPECT_EQ(messages.at(0).value(QStringLiteral("subject")).toString(), QStringLiteral("Play the lighthouse song"));
+    EXPECT_EQ(messages.at(1).value(QStringLiteral("subject")).toString(), QStringLiteral("The lighthouse"));
+    // Nobody outside the group reads, and what is made in the folder belongs to the group.
+    const QFileInfo folder(Station());
+    EXPECT_FALSE(folder.permissions() & (QFile::ReadOther | QFile::ExeOther));
+    EXPECT_NE(Type(QStringLiteral("test -g /srv/station"), Station()).Code, 1);
+}
+
+TEST_F(DocumentedCommandsTest, ThePageOnBackupsCanBeTyped)
+{
+    FileMail(Mail("Kept"));
+    const QStringList commands = CommandsInText(QString::fromUtf8(Read(PageNamed(QStringLiteral("backup.md")))));
+    ASSERT_GE(commands.size(), 6);
+    const QDir backups(Station() + QStringLiteral("/Backups/Tolva"));
+    for (const QString& command : commands) {
+        TypeSuccessfully(command, Station());
+        const QStringList names = backups.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        ASSERT_FALSE(names.isEmpty());
+        if (command == QStringLiteral("tolva backup /srv/station")) {
+            EXPECT_TRUE(QDir(backups).rename(names.last(), QStringLiteral("2026-11-21 14.05")));
+        }
+    }
+    EXPECT_EQ(Messages().size(), 1);
+}
+
+TEST_F(DocumentedCommandsTest, AStationComesBackFromTheCopyOnAnotherMachine)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("rsync")).isEmpty())
+        GTEST_SKIP() << "there is no rsync here";
+    FileMail(Mail("Kept"));
+    Expect("backup");
+    ASSERT_TRUE(QDir().mkpath(Path(QStringLiteral("elsewhere"))));
+    int copied = 0;
+    for (QString line : LinesOfShell(QString::fromUtf8(Read(PageNamed(QStringLiteral("backup.md")))))) {
+        if (!line.startsWith(QStringLiteral("rsync ")))
+            continue;
+        TypeSuccessfully(line.replace(QStringLiteral("backup@elsewhere:station"), Path(QStringLiteral("elsewhere"))),
+                         Station());
+        ++copied;
+    }
+    EXPECT_EQ(copied, 2);
+    ASSERT_TRUE(QDir(Station()).removeRecursively());
+    ASSERT_TRUE(QFile::rename(Path(QStringLiteral("elsewhere")), Station()));
+    TypeSuccessfully(QStringLiteral("tolva restore /srv/station"), Station());
+    EXPECT_EQ(Messages().size(), 1);
+}
+
+TEST_F(DocumentedCommandsTest, EveryOtherCommandOfThePagesIsTriedElsewhereOrKnownNotToBe)
+{
+    const QStringList known = {// These make what the tests run, or are how they are run.
+                               QStringLiteral("./run"), QStringLiteral("./test"), QStringLiteral("cmake --preset "),
+                               QStringLiteral("ctest --preset "), QStringLiteral("packaging/make-packages.sh"),
+                               // packaging/test-packages.sh types them as root in a system of its own.
+                               QStringLiteral("apt-get install ./build/release/packages/"), QStringLiteral("groupadd "),
+                               QStringLiteral("useradd "), QStringLiteral("usermod "), QStringLiteral("chown "),
+                               QStringLiteral("install "),
+                               // AStationComesBackFromTheCopyOnAnotherMachine.
+                               QStringLiteral("rsync "),
+                               // They need a running systemd; BackupUnitsTest checks the units that they name.
+                               QStringLiteral("systemctl "), QStringLiteral("journalctl ")};
+    const QStringList typed = {QStringLiteral("../README.md"), QStringLiteral("command-line.md"),
+                               QStringLiteral("hookups.md")};
+    QStringList names = QDir(PageNamed(QString())).entryList({QStringLiteral("*.md")});
+    ASSERT_GT(names.size(), 10);
+    names.append(QStringLiteral("../README.md"));
+    for (const QString& name : std::as_const(names)) {
+        for (const QString& line : LinesOfShell(QString::fromUtf8(Read(PageNamed(name))))) {
+            if (typed.contains(name) && CanBeTyped(line))
+                continue;
+            EXPECT_TRUE(BeginsWithOneOf(line, known)) << name.toStdString() << ": " << line.toStdString();
+        }
+    }
 }

@@ -76,6 +76,15 @@ TEST_F(ListTest, TextToFindStandsForItself)
     EXPECT_EQ(Found(QStringLiteral("[")), 2);
 }
 
+TEST_F(ListTest, MarksOfTheKeyboardFindWhatTelephonesWriteForThem)
+{
+    FileMail(Mail(QByteArray("I can’t \u201csleep\u201d – at\u00a0all")));
+    for (const char* text : {"can't", "can’t", "CAN‘T", "\"sleep\"", "\" - AT ALL", "— at all"})
+        EXPECT_EQ(Found(QString::fromUtf8(text)), 1) << text;
+    for (const char* text : {"cant", "can-t", "sleep –", "at-all"})
+        EXPECT_EQ(Found(QString::fromUtf8(text)), 0) << text;
+}
+
 TEST_F(ListTest, FindingLooksIntoAddressesAndIgnoresCase)
 {
     FileMail(Mail("=?utf-8?q?=C3=9Cberflutung?="));

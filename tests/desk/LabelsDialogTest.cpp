@@ -3,6 +3,7 @@
 #include "DeskTest.h"
 #include "StationPlace.h"
 #include "platform/records/DBEngine.h"
+#include "printing/PrintTarget.h"
 #include "support/ScriptedFileDialog.h"
 
 #include <QBuffer>
@@ -35,7 +36,7 @@ protected:
     void TearDown() override
     {
         Dialog.reset();
-        LabelsDialog::SetPrinterChooser({});
+        PrintTarget::SetPrinterChooser({});
         DeskTest::TearDown();
     }
     qint32 AddContact(const QString& name, const QString& other)
@@ -195,7 +196,8 @@ TEST_F(LabelsDialogTest, PrintingAndTheTestPrintGoToTheChosenPrinter)
     QBuffer paper;
     paper.open(QIODevice::WriteOnly);
     int asked = 0;
-    LabelsDialog::SetPrinterChooser([&](QWidget*) {
+    PrintTarget::SetPrinterChooser([&](QWidget*, std::optional<int> pageCount) {
+        EXPECT_FALSE(pageCount);
         ++asked;
         return std::make_unique<QPdfWriter>(&paper);
     });
@@ -205,7 +207,7 @@ TEST_F(LabelsDialogTest, PrintingAndTheTestPrintGoToTheChosenPrinter)
     Click("testPrint");
     EXPECT_EQ(asked, 2);
     EXPECT_EQ(Pages(paper.data()), 2);
-    LabelsDialog::SetPrinterChooser([](QWidget*) { return nullptr; });
+    PrintTarget::SetPrinterChooser([](QWidget*, std::optional<int>) { return nullptr; });
     Click("print");
 }
 

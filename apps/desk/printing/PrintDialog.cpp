@@ -3,12 +3,11 @@
 #include "DeskSettings.h"
 #include "DeskStation.h"
 #include "Failure.h"
-#include "FileChoice.h"
 #include "FileNames.h"
 #include "Words.h"
-#include "common/FileDialog.h"
 #include "common/UserInterface.h"
 #include "printing/PageSheet.h"
+#include "printing/PrintTarget.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -18,7 +17,6 @@
 #include <QLabel>
 #include <QLocale>
 #include <QPointer>
-#include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
 #include <QScrollArea>
@@ -27,37 +25,6 @@
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
-
-namespace
-{
-constexpr int AskBeforeOverwriting = 2;
-constexpr int HideReadOnly = 4;
-
-PrintDialog::PrinterChooser& Chooser()
-{
-    static PrintDialog::PrinterChooser chooser;
-    return chooser;
-}
-
-std::unique_ptr<QPagedPaintDevice> ChoosePrinter(QWidget* parent, int pageCount)
-{
-    if (Chooser())
-        return Chooser()(parent, pageCount);
-    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-    QPrintDialog dialog(printer.get(), parent);
-    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange |
-                      QAbstractPrintDialog::PrintShowPageSize);
-    dialog.setMinMax(1, pageCount);
-    if (dialog.exec() != QDialog::Accepted)
-        return nullptr;
-    return printer;
-}
-} // namespace
-
-void PrintDialog::SetPrinterChooser(PrinterChooser chooser)
-{
-    Chooser() = std::move(chooser);
-}
 
 PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent)
     : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job))
@@ -299,7 +266,7 @@ void PrintDialog::Print()
 {
     if (!IsLaidOut())
         return;
-    const std::unique_ptr<QPagedPaintDevice> device = ChoosePrinter(this, Pages_->PageCount());
+    const std::unique_ptr<QPagedPaintDevice> device = PrintTarget::PrinterForPages(this, Pages_->PageCount());
     if (!device)
         return;
     int first = 0;
@@ -334,13 +301,7 @@ void PrintDialog::SavePdf()
 {
     if (!IsLaidOut())
         return;
-    const auto dialog = FileDialog::Create();
-    dialog->DialogTitle = tr("Save pages");
-    dialog->Filter = tr("PDF files") + QStringLiteral("|*.pdf");
-    dialog->DefaultExt = QStringLiteral("pdf");
-    dialog->Filename = FileName();
-    dialog->Flags = AskBeforeOverwriting | HideReadOnly;
-    const std::optional<QString> file = FileChoice::ToSave(*dialog);
+    const std::optional<QString> file = PrintTarget::PdfFile(tr("Save pages"), FileName());
     if (!file)
         return;
     Remember();

@@ -6,7 +6,6 @@
 
 #include <QDialog>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -16,7 +15,6 @@ class PageSheet;
 class QCheckBox;
 class QComboBox;
 class QLabel;
-class QPrinter;
 class QPushButton;
 class QScrollArea;
 class QSpinBox;
@@ -39,10 +37,6 @@ class PrintDialog : public QDialog
 
 public:
     PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent = nullptr);
-
-    /// What asks for a printer; null from it when the user cancels. An empty one goes back to the system's dialog.
-    using PrinterChooser = std::function<std::unique_ptr<QPagedPaintDevice>(QWidget* parent, int pageCount)>;
-    static void SetPrinterChooser(PrinterChooser chooser);
 
     /// The pages on show are those of what is chosen.
     bool IsLaidOut() const { return Pages_ && !IsLayingOut_; }

@@ -4,6 +4,7 @@
 #include "DeskStation.h"
 #include "PrizeSheet.h"
 #include "printing/PageSheet.h"
+#include "printing/PrintControls.h"
 #include "printing/PrintDialog.h"
 
 #include <QCheckBox>
@@ -11,29 +12,14 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLocale>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QSpinBox>
 
+using PrintControls::MakeButton;
+using PrintControls::MakeWords;
+
 namespace
 {
-QPushButton* MakeButton(QWidget* parent, const char* name, const QString& text)
-{
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(QLatin1String(name));
-    button->setAutoDefault(false);
-    return button;
-}
-
-QLabel* MakeWords(QWidget* parent, const char* name)
-{
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    return label;
-}
-
 QCheckBox* MakeCheck(QWidget* parent, const char* name, const QString& text)
 {
     auto* check = new QCheckBox(text, parent);

@@ -57,7 +57,10 @@ frmHighlightSettings::frmHighlightSettings(cTolvaDatabase& database, QWidget* ow
 {
     setObjectName(QStringLiteral("frmHighlightSettings"));
     setWindowTitle(QStringLiteral("Highlight Words"));
-    MakeControls();
+    MakeWords();
+    MakeFont();
+    MakePreview();
+    MakeButtons();
     LayOut();
     database.ReadHighlightSettings();
     Fill(database.HighlightWords(), database.MessageHighlightFont());
@@ -65,7 +68,7 @@ frmHighlightSettings::frmHighlightSettings(cTolvaDatabase& database, QWidget* ow
     DialogSize::FitContents(*this);
 }
 
-void frmHighlightSettings::MakeControls()
+void frmHighlightSettings::MakeWords()
 {
     lblWords_ = new QLabel(QStringLiteral("&Words to mark in messages, one on each line:"), this);
     txtWords_ = new QPlainTextEdit(this);
@@ -79,7 +82,10 @@ void frmHighlightSettings::MakeControls()
                           this);
     lblNote_->setObjectName(QStringLiteral("lblNote"));
     lblNote_->setWordWrap(true);
+}
 
+void frmHighlightSettings::MakeFont()
+{
     comboFont_ = new QComboBox(this);
     comboFont_->setObjectName(QStringLiteral("comboFont"));
     comboFont_->setEditable(true);
@@ -108,7 +114,10 @@ void frmHighlightSettings::MakeControls()
     chkItalic_ = MakeStyle("chkItalic", QStringLiteral("&Italic"));
     chkUnderline_ = MakeStyle("chkUnderline", QStringLiteral("&Underline"));
     chkStrikethrough_ = MakeStyle("chkStrikethrough", QStringLiteral("S&trikethrough"));
+}
 
+void frmHighlightSettings::MakePreview()
+{
     lblPreview_ = new QLabel(this);
     lblPreview_->setObjectName(QStringLiteral("lblPreview"));
     lblPreview_->setAccessibleName(QStringLiteral("Preview"));
@@ -124,7 +133,10 @@ void frmHighlightSettings::MakeControls()
     lblPreview_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     // The largest size has room.
     lblPreview_->setFixedHeight(fontMetrics().height() * 4);
+}
 
+void frmHighlightSettings::MakeButtons()
+{
     cmdOK_ = new QPushButton(QStringLiteral("OK"), this);
     cmdOK_->setObjectName(QStringLiteral("cmdOK"));
     cmdOK_->setDefault(true);

@@ -30,7 +30,10 @@ public:
     clsFont Font() const;
 
 private:
-    void MakeControls();
+    void MakeWords();
+    void MakeFont();
+    void MakePreview();
+    void MakeButtons();
     QCheckBox* MakeStyle(const char* name, const QString& text);
     void LayOut();
     void Fill(const QString& words, const clsFont& font);

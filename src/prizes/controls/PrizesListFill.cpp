@@ -6,12 +6,12 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/ListReading.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
 #include "prizes/PrizeQuery.h"
 #include "prizes/controls/PrizesListHandler.h"
 
-#include <QApplication>
 #include <QLocale>
 #include <QScopeGuard>
 #include <QTimer>
@@ -41,25 +41,9 @@ void uPrizesList::UpdateDisplay()
     });
     bool isRead = false;
     {
-        // Whatever ends this: an error, the end of the database or of the control itself.
-        const bool treeHadFocus = treeCategories_->hasFocus();
-        setCursor(Qt::WaitCursor);
-        Refreshing_ = true;
-        treeCategories_->setEnabled(false);
-        tbsPrizes_->setEnabled(false);
+        // Ends whatever ends this: an error, the end of the database or of the control itself.
+        const ListReading reading(*this, *treeCategories_, *tbsPrizes_, Refreshing_);
         timerUpdateList_->stop();
-        // A disabled tree loses the focus to a neighbour.
-        const QPointer<QWidget> neighbour = QApplication::focusWidget();
-        const auto restore = qScopeGuard([self, treeHadFocus, neighbour] {
-            if (!self)
-                return;
-            self->tbsPrizes_->setEnabled(true);
-            self->treeCategories_->setEnabled(true);
-            if (treeHadFocus && QApplication::focusWidget() == neighbour)
-                self->treeCategories_->setFocus();
-            self->Refreshing_ = false;
-            self->unsetCursor();
-        });
 
         int rowToRestore = grdPrizes_->Row();
         const qint32 referenceToRestore = rowToRestore >= 1 ? SelectedReference_ : 0;

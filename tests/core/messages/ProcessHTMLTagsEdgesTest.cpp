@@ -1,14 +1,11 @@
 // The order in which tags are filled, what surrounds them, and what large messages cost.
 
-#include "core/messages/TemplateMails.h"
+#include "core/messages/TemplateFilling.h"
 #include "messages/HTMLTagsPreview.h"
-#include "support/ScriptedRegistry.h"
 #include "support/ScriptedUserInterface.h"
 
 #include <QFile>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 #include <limits>
 
@@ -60,19 +57,8 @@ bool ForgetTheMost()
 #endif
 } // namespace
 
-class ProcessHTMLTagsEdgesTest : public testing::Test
+class ProcessHTMLTagsEdgesTest : public TemplateFilling
 {
-protected:
-    static QString Filled(const Mail& mail, const QString& strTemplate, qint32 flags = 0)
-    {
-        return MakeMessage(mail)->ProcessHTMLTags(strTemplate, flags);
-    }
-    void Mask(const char* value)
-    {
-        Machine.Set(QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), QLatin1String(value));
-    }
-
-    ScriptedRegistry Machine;
 };
 
 TEST_F(ProcessHTMLTagsEdgesTest, EachTagWithinASubjectIsFilledWhenItComesLaterInTheOrderAlone)

@@ -1,11 +1,8 @@
-#include "core/messages/TemplateMails.h"
-#include "support/ScriptedRegistry.h"
+#include "core/messages/TemplateFilling.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 
@@ -23,19 +20,8 @@ qint64 Milliseconds(const std::function<void()>& work)
 }
 } // namespace
 
-class ProcessHTMLTagsTest : public testing::Test
+class ProcessHTMLTagsTest : public TemplateFilling
 {
-protected:
-    static QString Filled(const Mail& mail, const QString& strTemplate, qint32 flags = 0)
-    {
-        return MakeMessage(mail)->ProcessHTMLTags(strTemplate, flags);
-    }
-    void Mask(const char* value)
-    {
-        Machine.Set(QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), QLatin1String(value));
-    }
-
-    ScriptedRegistry Machine;
 };
 
 TEST_F(ProcessHTMLTagsTest, NumbersAreDecimalText)

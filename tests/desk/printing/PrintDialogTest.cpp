@@ -4,6 +4,7 @@
 #include "WindowTest.h"
 #include "platform/widgets/FlexGrid.h"
 #include "printing/PageSheet.h"
+#include "printing/PrintTarget.h"
 #include "support/ScriptedFileDialog.h"
 
 #include <QAction>
@@ -27,7 +28,7 @@ protected:
     void TearDown() override
     {
         Dialog.reset();
-        PrintDialog::SetPrinterChooser({});
+        PrintTarget::SetPrinterChooser({});
         WindowTest::TearDown();
     }
     void Open(PrintJob job)
@@ -191,8 +192,8 @@ TEST_F(PrintDialogTest, PrintingGoesToTheChosenPrinterPageByPage)
     QBuffer paper;
     paper.open(QIODevice::WriteOnly);
     int asked = 0;
-    PrintDialog::SetPrinterChooser([&](QWidget*, int pageCount) {
-        asked += pageCount;
+    PrintTarget::SetPrinterChooser([&](QWidget*, std::optional<int> pageCount) {
+        asked += pageCount.value_or(0);
         return std::make_unique<QPdfWriter>(&paper);
     });
     Click("print");
@@ -200,7 +201,7 @@ TEST_F(PrintDialogTest, PrintingGoesToTheChosenPrinterPageByPage)
     EXPECT_EQ(Pages(paper.data()), 3);
     EXPECT_EQ(Ui.ProgressCaptions().last(), QStringLiteral("Printing"));
     // A user who thinks better of it is told nothing.
-    PrintDialog::SetPrinterChooser([](QWidget*, int) { return nullptr; });
+    PrintTarget::SetPrinterChooser([](QWidget*, std::optional<int>) { return nullptr; });
     Click("print");
 }
 

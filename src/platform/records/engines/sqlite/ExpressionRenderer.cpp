@@ -270,30 +270,16 @@ Piece ExpressionRenderer::RenderOperation(const Operation& operation)
         return RenderConcatenation(operands);
     case Operator::Add:
         return RenderAddition(operands);
-    case Operator::Subtract: {
-        Piece left = NumberOf(operands[0]);
-        Piece right = NumberOf(operands[1]);
-        const bool isDate = left.Type == ValueType::Date && right.Type != ValueType::Date;
-        return AsType(Infix(left, "-", right), isDate ? ValueType::Date : ValueType::Number);
-    }
+    case Operator::Subtract:
+        return RenderSubtraction(operands);
     case Operator::Modulo:
         return RenderModulo(operands);
     case Operator::Multiply:
         return RenderArithmetic(operands, "*", ValueType::Number);
-    case Operator::Divide: {
-        Piece left = NumberOf(operands[0]);
-        left.Text = "CAST(" + left.Text + " AS REAL)";
-        left.ParserStack = std::max(left.ParserStack + 2, 5);
-        ++left.TreeDepth;
-        return AsType(Infix(left, "/", NumberOf(operands[1])), ValueType::Number);
-    }
-    case Operator::Negate: {
-        const Piece operand = NumberOf(operands[0]);
-        Piece result;
-        result.Text = "(-" + operand.Text + ')';
-        Adopt(result, operand, 2);
-        return AsType(result, ValueType::Number);
-    }
+    case Operator::Divide:
+        return RenderDivision(operands);
+    case Operator::Negate:
+        return RenderNegation(operands[0]);
     }
     return {};
 }
@@ -482,6 +468,15 @@ Piece ExpressionRenderer::RenderArithmetic(const Operands& operands, const char*
     return AsType(Infix(left, symbol, right), isDate ? ValueType::Date : type);
 }
 
+/// The time between two days is a number; a day before or after another by a number is a day.
+Piece ExpressionRenderer::RenderSubtraction(const Operands& operands)
+{
+    const Piece left = NumberOf(operands[0]);
+    const Piece right = NumberOf(operands[1]);
+    const bool isDate = left.Type == ValueType::Date && right.Type != ValueType::Date;
+    return AsType(Infix(left, "-", right), isDate ? ValueType::Date : ValueType::Number);
+}
+
 Piece ExpressionRenderer::RenderModulo(const Operands& operands)
 {
     const auto whole = [this](const Expression& operand) {
@@ -493,6 +488,24 @@ Piece ExpressionRenderer::RenderModulo(const Operands& operands)
     };
     const Piece left = whole(operands[0]);
     return AsType(Infix(left, "%", whole(operands[1])), ValueType::Number);
+}
+
+Piece ExpressionRenderer::RenderDivision(const Operands& operands)
+{
+    Piece left = NumberOf(operands[0]);
+    left.Text = "CAST(" + left.Text + " AS REAL)";
+    left.ParserStack = std::max(left.ParserStack + 2, 5);
+    ++left.TreeDepth;
+    return AsType(Infix(left, "/", NumberOf(operands[1])), ValueType::Number);
+}
+
+Piece ExpressionRenderer::RenderNegation(const Expression& operand)
+{
+    const Piece number = NumberOf(operand);
+    Piece result;
+    result.Text = "(-" + number.Text + ')';
+    Adopt(result, number, 2);
+    return AsType(result, ValueType::Number);
 }
 
 Piece ExpressionRenderer::NumberOf(const Expression& expression)

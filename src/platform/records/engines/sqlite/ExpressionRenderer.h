@@ -65,7 +65,10 @@ private:
     Piece RenderConcatenation(const Operands& operands);
     Piece RenderAddition(const Operands& operands);
     Piece RenderArithmetic(const Operands& operands, const char* symbol, ValueType type);
+    Piece RenderSubtraction(const Operands& operands);
     Piece RenderModulo(const Operands& operands);
+    Piece RenderDivision(const Operands& operands);
+    Piece RenderNegation(const jetsql::Expression& operand);
 
     Piece TruthOf(const jetsql::Expression& expression);
     Piece NumberOf(const jetsql::Expression& expression);

@@ -1,0 +1,62 @@
+#include "printing/PrintTarget.h"
+
+#include "FileChoice.h"
+#include "common/FileDialog.h"
+
+#include <QCoreApplication>
+#include <QPrintDialog>
+#include <QPrinter>
+
+namespace
+{
+constexpr int AskBeforeOverwriting = 2;
+constexpr int HideReadOnly = 4;
+
+PrintTarget::PrinterChooser& Chooser()
+{
+    static PrintTarget::PrinterChooser chooser;
+    return chooser;
+}
+
+std::unique_ptr<QPagedPaintDevice> ChoosePrinter(QWidget* parent, std::optional<int> pageCount)
+{
+    if (Chooser())
+        return Chooser()(parent, pageCount);
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    QPrintDialog dialog(printer.get(), parent);
+    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
+    if (pageCount) {
+        dialog.setOption(QAbstractPrintDialog::PrintPageRange);
+        dialog.setMinMax(1, *pageCount);
+    }
+    if (dialog.exec() != QDialog::Accepted)
+        return nullptr;
+    return printer;
+}
+} // namespace
+
+std::unique_ptr<QPagedPaintDevice> PrintTarget::PrinterForPages(QWidget* parent, int pageCount)
+{
+    return ChoosePrinter(parent, pageCount);
+}
+
+std::unique_ptr<QPagedPaintDevice> PrintTarget::PrinterForSheets(QWidget* parent)
+{
+    return ChoosePrinter(parent, std::nullopt);
+}
+
+std::optional<QString> PrintTarget::PdfFile(const QString& title, const QString& name)
+{
+    const auto dialog = FileDialog::Create();
+    dialog->DialogTitle = title;
+    dialog->Filter = QCoreApplication::translate("PrintTarget", "PDF files") + QStringLiteral("|*.pdf");
+    dialog->DefaultExt = QStringLiteral("pdf");
+    dialog->Filename = name;
+    dialog->Flags = AskBeforeOverwriting | HideReadOnly;
+    return FileChoice::ToSave(*dialog);
+}
+
+void PrintTarget::SetPrinterChooser(PrinterChooser chooser)
+{
+    Chooser() = std::move(chooser);
+}
