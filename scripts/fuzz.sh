@@ -6,7 +6,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 seconds=${1:-60}
 installPackages "${buildPackages[@]}" clang
-build fuzz
+build fuzz fuzzers
 finds=$PWD/build/fuzz/finds
 mkdir -p "$finds"
 for target in build/fuzz/bin/*Fuzz; do

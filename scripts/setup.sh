@@ -45,9 +45,9 @@ installPackages() {
     "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET: configures and builds; quiet where nothing is to be done.
+# build PRESET [TARGET]: configures and builds; quiet where nothing is to be done.
 build() {
-    local preset=$1 log
+    local preset=$1 target=${2:-all} log
     mkdir -p build
     log="build/configure-$preset.log"
     say "Configuring ($preset)"
@@ -57,5 +57,5 @@ build() {
         exit 1
     fi
     say "Building ($preset)"
-    cmake --build --preset "$preset" >&2
+    cmake --build --preset "$preset" --target "$target" >&2
 }

@@ -75,8 +75,8 @@ StartDialog::StartDialog(DeskSettings& settings, QWidget* parent)
     setTabOrder(Forget_, Open_);
     setTabOrder(Open_, cancel);
 
-    connect(Open_, &QPushButton::clicked, this, &StartDialog::Open);
-    connect(List_, &QListWidget::itemActivated, this, &StartDialog::Open);
+    connect(Open_, &QPushButton::clicked, this, &StartDialog::OpenChosen);
+    connect(List_, &QListWidget::itemActivated, this, &StartDialog::OpenChosen);
     connect(choose, &QPushButton::clicked, this, &StartDialog::Choose);
     connect(Forget_, &QPushButton::clicked, this, &StartDialog::Forget);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -98,7 +98,7 @@ void StartDialog::Fill()
     Forget_->setEnabled(List_->count() > 0);
 }
 
-void StartDialog::Open()
+void StartDialog::OpenChosen()
 {
     if (!List_->currentItem())
         return;

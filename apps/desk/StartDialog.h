@@ -27,7 +27,7 @@ public:
 
 private:
     void Fill();
-    void Open();
+    void OpenChosen();
     void Choose();
     void Forget();
 
