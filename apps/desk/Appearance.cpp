@@ -11,15 +11,16 @@ struct Colours
     QColor Base;
     QColor Alternate;
     QColor Text;
+    QColor Hint; ///< What an empty box or page says: to be read.
     QColor Faint;
     QColor Button;
     QColor Highlight;
     QColor Link;
 };
 
-const Colours LightColours = {QColor(0xF3F4F5), QColor(0xFFFFFF), QColor(0xF7F8F9), QColor(0x1D2126),
+const Colours LightColours = {QColor(0xF3F4F5), QColor(0xFFFFFF), QColor(0xF7F8F9), QColor(0x1D2126), QColor(0x626A73),
                               QColor(0x9AA1A8), QColor(0xECEEF0), QColor(0x1F6F8B), QColor(0x17607A)};
-const Colours DarkColours = {QColor(0x26292D), QColor(0x1D2023), QColor(0x23262A), QColor(0xE6E8EA),
+const Colours DarkColours = {QColor(0x26292D), QColor(0x1D2023), QColor(0x23262A), QColor(0xE6E8EA), QColor(0x98A0A8),
                              QColor(0x7C848C), QColor(0x31353A), QColor(0x2E7D99), QColor(0x6CC4DE)};
 
 QPalette PaletteOf(const Colours& colours)
@@ -31,7 +32,7 @@ QPalette PaletteOf(const Colours& colours)
     set(QPalette::Base, colours.Base);
     set(QPalette::AlternateBase, colours.Alternate);
     set(QPalette::Text, colours.Text);
-    set(QPalette::PlaceholderText, colours.Faint);
+    set(QPalette::PlaceholderText, colours.Hint);
     set(QPalette::Button, colours.Button);
     set(QPalette::ButtonText, colours.Text);
     set(QPalette::BrightText, Qt::white);

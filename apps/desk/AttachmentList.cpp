@@ -21,6 +21,8 @@
 namespace
 {
 constexpr int MostRowsShown = 3;
+constexpr int KindColumn = 2;
+constexpr int LettersWithKind = 45;
 constexpr int AskBeforeOverwriting = 2;
 constexpr int HideReadOnly = 4;
 constexpr int KeepFolder = 8;
@@ -50,6 +52,20 @@ QString ShownName(const cdo::Attachment& attachment)
     return FileNames::Cleaned(attachment.FileName);
 }
 
+/// A narrow list keeps the names and sizes.
+class FileTable final : public QTreeWidget
+{
+public:
+    using QTreeWidget::QTreeWidget;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QTreeWidget::resizeEvent(event);
+        setColumnHidden(KindColumn, width() < fontMetrics().averageCharWidth() * LettersWithKind);
+    }
+};
+
 QString DownloadFolder()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
@@ -65,7 +81,7 @@ void AttachmentList::SetFolderChooser(FolderChooser chooser)
 AttachmentList::AttachmentList(QWidget* parent)
     : QWidget(parent),
       Caption_(new QLabel(this)),
-      List_(new QTreeWidget(this)),
+      List_(new FileTable(this)),
       SaveAs_(new QPushButton(Icons::Get(QStringLiteral("save")), tr("Save &as..."), this)),
       SaveAll_(new QPushButton(tr("Save a&ll..."), this))
 {

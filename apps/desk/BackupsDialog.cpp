@@ -6,7 +6,6 @@
 #include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
 
-#include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
@@ -69,13 +68,17 @@ void BackupsDialog::MakeParts()
     Restore_->setObjectName(QStringLiteral("restore"));
     if (!MayRestore_)
         Restore_->setToolTip(tr("Needs the right to change settings"));
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    buttons->addButton(Check_, QDialogButtonBox::ActionRole);
-    buttons->addButton(Restore_, QDialogButtonBox::ActionRole);
-    // Enter in the list closes nothing and restores nothing.
-    for (QPushButton* button : {Check_, Restore_, buttons->button(QDialogButtonBox::Close)})
+    auto* close = new QPushButton(tr("Close"), this);
+    close->setObjectName(QStringLiteral("close"));
+    connect(close, &QPushButton::clicked, this, &QDialog::reject);
+    // A row of its own: in the toolkit's box the Tab key walks in circles between those that were put into it.
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    for (QPushButton* button : {Check_, Restore_, close}) {
+        // Enter in the list closes nothing and restores nothing.
         button->setAutoDefault(false);
+        buttons->addWidget(button);
+    }
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(title);
     layout->addWidget(List_, 1);
@@ -86,7 +89,7 @@ void BackupsDialog::MakeParts()
         note->setWordWrap(true);
         layout->addWidget(note);
     }
-    layout->addWidget(buttons);
+    layout->addLayout(buttons);
     resize(620, 380);
 }
 

@@ -77,7 +77,7 @@ QString DeskOptions::Help()
 }
 
 Desk::Desk(DeskSettings& settings, DeskUserInterface* userInterface)
-    : Settings_(settings), UserInterface_(userInterface)
+    : Settings_(settings), Places_(settings), UserInterface_(userInterface)
 {
     if (UserInterface_) {
         UserInterface_->SetErrorHandler(

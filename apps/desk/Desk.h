@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DeskSettings.h"
+#include "WindowPlaces.h"
 
 #include <QObject>
 #include <QStringList>
@@ -57,6 +58,7 @@ private:
     void Show(std::unique_ptr<MainWindow> window);
 
     DeskSettings& Settings_;
+    WindowPlaces Places_;
     DeskUserInterface* UserInterface_;
     std::unique_ptr<MainWindow> Window_;
 };

@@ -10,6 +10,7 @@
 #include "MainWindow.h"
 #include "MessageWindow.h"
 #include "PreviewPane.h"
+#include "PrizeSheet.h"
 #include "ReportDialog.h"
 #include "ShortcutsDialog.h"
 #include "SignInDialog.h"
@@ -42,6 +43,7 @@ namespace
 constexpr int Patience = 120000;
 constexpr int ManyMessages = 100000;
 constexpr QSize WindowSize(1240, 740);
+constexpr QSize PrintSize(900, 680);
 
 /// Events run until the condition holds; false when it never does.
 bool Wait(const std::function<bool()>& condition)
@@ -141,6 +143,7 @@ public:
         PrizePictures::Take(
             Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
             [this] { Settle(); });
+        PrintingOfPrize();
         if (withLarge)
             Large();
         Window().close();
@@ -348,6 +351,7 @@ private:
         const auto show = [this](const PrintJob& job, const QString& pageTemplate, const char* name, int ratio) {
             PrintDialog dialog(Window().Station(), Settings_, job, &Window());
             dialog.show();
+            dialog.resize(PrintSize);
             auto& templates = *dialog.findChild<QComboBox*>(QStringLiteral("template"));
             templates.setCurrentIndex(templates.findText(pageTemplate));
             Wait([&dialog] { return dialog.IsLaidOut(); });
@@ -369,6 +373,32 @@ private:
         show(all, QStringLiteral("Studio list"), "print-200", 2);
         Appearance::Apply(QStringLiteral("dark"));
         show(one, single, "print-dark", 1);
+        Appearance::Apply(QStringLiteral("light"));
+    }
+
+    /// The first of the prizes that the tour made.
+    void PrintingOfPrize()
+    {
+        cTolvaDatabase& database = Window().Station().Database();
+        const auto rows =
+            database.OpenSnapshot(QStringLiteral("SELECT [Reference] FROM [Prizes] ORDER BY [Reference]"));
+        if (rows->AtEOF())
+            return;
+        const qint32 prize = rows->Collect(QStringLiteral("Reference")).toInt();
+        const auto show = [&](const char* name, int ratio) {
+            PrintJob job;
+            job.Prize = PrizeSheet::Read(database, Window().Station().Directory(), prize);
+            PrintDialog dialog(Window().Station(), Settings_, std::move(job), &Window());
+            dialog.show();
+            dialog.resize(PrintSize);
+            Wait([&dialog] { return dialog.IsLaidOut(); });
+            Save(dialog, name, ratio);
+            dialog.close();
+        };
+        show("print-prize", 1);
+        show("print-prize-200", 2);
+        Appearance::Apply(QStringLiteral("dark"));
+        show("print-prize-dark", 1);
         Appearance::Apply(QStringLiteral("light"));
     }
 

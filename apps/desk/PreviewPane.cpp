@@ -65,6 +65,9 @@ void PreviewPane::Load()
     View_->SetMessage(Shown_);
     Attachments_->SetMessage(Shown_);
     Stack_->setCurrentWidget(Shown_ ? Page_ : Empty_);
+    // In a window of its own the message is read by the keys at once.
+    if (Shown_ && !window()->focusWidget())
+        FocusTarget()->setFocus();
     if (Shown_ && isOther)
         ReadTimer_.start();
 }

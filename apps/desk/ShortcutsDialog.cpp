@@ -49,6 +49,7 @@ ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
     table->setShowGrid(false);
+    table->setTabKeyNavigation(false);
     table->setAlternatingRowColors(true);
     for (int row = 0; row < keys.size(); ++row) {
         table->setItem(row, 0, new QTableWidgetItem(keys.at(row).first));

@@ -44,7 +44,7 @@ StartDialog::StartDialog(DeskSettings& settings, QWidget* parent)
     setWindowIcon(Icons::Get(QStringLiteral("tolva")));
     auto* picture = new QLabel(this);
     picture->setPixmap(windowIcon().pixmap(QSize(40, 40), devicePixelRatioF()));
-    auto* question = new QLabel(tr("Which station do you want to &open?"), this);
+    auto* question = new QLabel(tr("Which &station do you want to open?"), this);
     question->setBuddy(List_);
     auto* choose = new QPushButton(tr("&Choose folder..."), this);
     auto* cancel = new QPushButton(tr("Cancel"), this);

@@ -56,6 +56,17 @@ TEST_F(AttachmentListTest, FilesAreListedWithCleanedNamesSizesAndKinds)
     EXPECT_EQ(List()->topLevelItem(1)->text(2), QStringLiteral("PNG image"));
 }
 
+TEST_F(AttachmentListTest, ANarrowListKeepsNamesAndSizes)
+{
+    Files_.resize(600, 120);
+    EXPECT_FALSE(List()->isColumnHidden(2));
+    Files_.resize(260, 120);
+    EXPECT_TRUE(List()->isColumnHidden(2));
+    EXPECT_FALSE(List()->isColumnHidden(1));
+    Files_.resize(600, 120);
+    EXPECT_FALSE(List()->isColumnHidden(2));
+}
+
 TEST_F(AttachmentListTest, ItHidesWhereThereIsNothingToSave)
 {
     EXPECT_TRUE(Files_.isVisible());

@@ -1,5 +1,6 @@
 // The keys of the desk's windows: none means two things, and those who read about them read the truth.
 
+#include "AccessKeys.h"
 #include "ComposeWindow.h"
 #include "MessageWindow.h"
 #include "ShortcutsDialog.h"
@@ -9,16 +10,11 @@
 
 #include <QAction>
 #include <QFile>
-#include <QGroupBox>
-#include <QMenuBar>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
-#include <QTabBar>
 #include <QTabWidget>
 #include <QTableWidget>
-
-#include <map>
 
 namespace
 {
@@ -95,52 +91,6 @@ protected:
     }
 
     QList<QWidget*> Windows;
-};
-
-/// What Alt with a letter or digit does in a window as it is on show.
-class AccessKeys
-{
-public:
-    explicit AccessKeys(const QWidget& window)
-    {
-        for (const auto* label : window.findChildren<QLabel*>()) {
-            if (label->buddy())
-                Add(*label, label->text());
-        }
-        for (const auto* button : window.findChildren<QAbstractButton*>())
-            Add(*button, button->text());
-        for (const auto* box : window.findChildren<QGroupBox*>())
-            Add(*box, box->title());
-        for (const auto* tabs : window.findChildren<QTabBar*>()) {
-            for (int i = 0; i < tabs->count(); ++i)
-                Add(*tabs, tabs->tabText(i));
-        }
-        for (const auto* bar : window.findChildren<QMenuBar*>()) {
-            for (const QAction* action : bar->actions())
-                Add(*bar, action->isEnabled() ? action->text() : QString());
-        }
-    }
-    /// The keys that do more than one thing, with what they do.
-    QStringList Clashes() const
-    {
-        QStringList clashes;
-        for (const auto& [key, texts] : Texts_) {
-            if (texts.size() > 1)
-                clashes.append(key.toString() + QStringLiteral(": ") + texts.join(QStringLiteral(" / ")));
-        }
-        return clashes;
-    }
-    size_t Count() const { return Texts_.size(); }
-
-private:
-    void Add(const QWidget& widget, const QString& text)
-    {
-        const QKeySequence key = QKeySequence::mnemonic(text);
-        if (!key.isEmpty() && widget.isVisible() && widget.isEnabled())
-            Texts_[key].append(text);
-    }
-
-    std::map<QKeySequence, QStringList> Texts_;
 };
 } // namespace
 

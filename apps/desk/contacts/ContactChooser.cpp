@@ -21,6 +21,7 @@ namespace
 {
 constexpr double NameTwips = 2700;
 constexpr double NumberTwips = 2000;
+constexpr int NumberLetters = 20;
 
 bool LooksLikeNumber(const QString& text)
 {
@@ -52,6 +53,8 @@ ContactChooser::ContactChooser(EmbeddedDirectory& directory, QWidget* parent)
     List_->AddColumn(tr("Mobile"), NumberTwips);
     List_->AddColumn(tr("E-mail"), NameTwips);
     List_->header()->setStretchLastSection(true);
+    // A number is seen whole in large type, too.
+    List_->setColumnWidth(1, qMax(List_->columnWidth(1), List_->fontMetrics().averageCharWidth() * NumberLetters));
     Note_->setObjectName(QStringLiteral("contactNote"));
     Note_->setWordWrap(true);
 

@@ -26,7 +26,7 @@ QAction* ContactDesk::MakeContactsAction()
 
 QAction* ContactDesk::MakeSenderAction()
 {
-    auto* action = new QAction(tr("Sender's &contact..."), &Main_);
+    auto* action = new QAction(tr("Sender's con&tact..."), &Main_);
     action->setObjectName(QStringLiteral("senderContact"));
     action->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
     connect(action, &QAction::triggered, this, &ContactDesk::SenderWanted);

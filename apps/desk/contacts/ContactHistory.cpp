@@ -98,6 +98,12 @@ QWidget* ContactHistory::MakePage(ListView* list, QLabel* note)
     // The dates are seen whole, whatever the window's width.
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    // Those on show tell how wide dates are: all are about the same.
+    list->header()->setResizeContentsPrecision(0);
+    for (const char* key : {"SENT", "WonDate", "SentDate"}) {
+        if (const int column = list->ColumnNamed(QLatin1String(key)); column >= 0)
+            list->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    }
     layout->addWidget(note);
     layout->addWidget(list, 1);
     return page;

@@ -14,6 +14,7 @@ namespace
 {
 constexpr int Patience = 20000;
 constexpr int Many = 1200;
+constexpr QSize WindowSize(980, 680);
 
 const QString LongName = QStringLiteral("The Porthmellin Amateur Players' Society (Costume Department and Repairs)");
 
@@ -93,6 +94,7 @@ void ContactPictures::Take(DeskStation& station, const Save& save)
     ContactsWindow window(station);
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     window.show();
+    window.resize(WindowSize);
     Settle(window);
     save(window, "contacts-empty", 1);
     const qint32 first = Fill(station.Directory());

@@ -243,7 +243,9 @@ void ContactsWindow::FillList()
     SelectShown();
     const QLocale locale;
     if (Search_.Count() == 0)
-        Note_->setText(tr("There are no contacts yet."));
+        Note_->setText(
+            tr("There are no contacts yet. \u201CNew\u201D takes in the first one, \u201CImport...\u201D in the menu "
+               "\u201CContact\u201D a file of them."));
     else if (found.isEmpty())
         Note_->setText(tr("Nobody found."));
     else if (areMore)

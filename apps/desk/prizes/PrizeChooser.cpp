@@ -17,11 +17,24 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace
 {
 constexpr int ReferenceRole = Qt::UserRole;
 constexpr int LinesOfRow = 2;
 constexpr int RowMargin = 8;
+constexpr QChar FirstStrongIsolate(0x2068);
+constexpr QChar PopDirectionalIsolate(0x2069);
+
+/// A name in letters from right to left would turn the digits of the number behind it round.
+QString Isolated(const QString& name)
+{
+    const bool isRightToLeft = std::any_of(name.begin(), name.end(), [](QChar letter) {
+        return letter.direction() == QChar::DirR || letter.direction() == QChar::DirAL;
+    });
+    return isRightToLeft ? FirstStrongIsolate + name + PopDirectionalIsolate : name;
+}
 
 /// By the same rule as the list of prizes.
 QList<qint32> AvailablePrizes(DeskStation& station, enPrizeListCategory category)
@@ -78,7 +91,12 @@ PrizeChooser::PrizeChooser(DeskStation& station, const clsKVContact& winner, QWi
     head->addWidget(other);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(head);
-    layout->addWidget(Find_);
+    auto* findLabel = new QLabel(tr("&Find:"), this);
+    findLabel->setBuddy(Find_);
+    auto* find = new QHBoxLayout;
+    find->addWidget(findLabel);
+    find->addWidget(Find_, 1);
+    layout->addLayout(find);
     layout->addWidget(List_, 1);
     layout->addWidget(Empty_);
     layout->addWidget(All_);
@@ -105,7 +123,7 @@ qint32 PrizeChooser::Prize() const
 void PrizeChooser::ShowWinner()
 {
     const QString detail = PrizeRows::DetailOf(Winner_);
-    const QString name = Winner_.Name.simplified();
+    const QString name = Isolated(Winner_.Name.simplified());
     Heading_->setText(detail.isEmpty() ? tr("A prize for %1").arg(name) : tr("A prize for %1 (%2)").arg(name, detail));
 }
 

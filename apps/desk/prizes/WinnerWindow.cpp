@@ -96,6 +96,8 @@ WinnerWindow::WinnerWindow(DeskStation& station, const cPrizeWinner& winner, QWi
     IsReadOnly_ = !MayChange();
     SetReadOnly();
     connect(Sent_, &DateBox::Changed, this, &WinnerWindow::ShowSentBy);
+    // Most often the window is opened to write down that the prize went off.
+    Sent_->setFocus();
     resize(560, 460);
 }
 

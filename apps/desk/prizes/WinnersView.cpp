@@ -1,6 +1,7 @@
 #include "WinnersView.h"
 
 #include "DeskStation.h"
+#include "platform/widgets/TextDelegate.h"
 #include "prizes/RelativeTime.h"
 
 #include <QHeaderView>
@@ -30,6 +31,7 @@ WinnersView::WinnersView(DeskStation& station, QWidget* parent) : QTreeWidget(pa
     setObjectName(QStringLiteral("winners"));
     setAccessibleName(tr("Winners"));
     setColumnCount(ColumnCount);
+    setItemDelegate(new TextDelegate(this));
     setHeaderLabels({tr("Name"), tr("Contact"), tr("Won"), tr("Sent")});
     setRootIsDecorated(false);
     setUniformRowHeights(true);

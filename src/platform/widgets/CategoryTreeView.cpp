@@ -1,5 +1,6 @@
 #include "platform/widgets/CategoryTreeView.h"
 
+#include "platform/widgets/TextDelegate.h"
 #include "platform/widgets/Twips.h"
 
 #include <QDropEvent>
@@ -7,7 +8,6 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 
 namespace
 {
@@ -23,10 +23,10 @@ QString KeyOf(const QTreeWidgetItem* item)
 } // namespace
 
 /// Asks before a typed text goes into a node.
-class CategoryTreeDelegate final : public QStyledItemDelegate
+class CategoryTreeDelegate final : public TextDelegate
 {
 public:
-    explicit CategoryTreeDelegate(CategoryTreeView& tree) : QStyledItemDelegate(&tree), Tree_(tree) {}
+    explicit CategoryTreeDelegate(CategoryTreeView& tree) : TextDelegate(&tree), Tree_(tree) {}
 
     void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override
     {
@@ -45,7 +45,7 @@ public:
         QStyleOptionViewItem highlighted = option;
         if (!Tree_.DropHighlight_.isEmpty() && index.data(KeyRole).toString() == Tree_.DropHighlight_)
             highlighted.state |= QStyle::State_Selected | QStyle::State_Active;
-        QStyledItemDelegate::paint(painter, highlighted, index);
+        TextDelegate::paint(painter, highlighted, index);
     }
 
 private:

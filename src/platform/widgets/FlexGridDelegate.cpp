@@ -3,6 +3,7 @@
 #include "platform/widgets/Contrast.h"
 #include "platform/widgets/FlexGridModel.h"
 
+#include <QAbstractScrollArea>
 #include <QPainter>
 #include <QTextLayout>
 #include <QWidget>
@@ -26,6 +27,15 @@ bool IsSelected(const QStyleOptionViewItem& option)
 bool HasFocus(const QStyleOptionViewItem& option)
 {
     return option.widget != nullptr && option.widget->hasFocus() && option.state.testFlag(QStyle::State_Active);
+}
+
+/// What can be seen of a cell. Where nothing scrolls sideways, what lies beyond the edge stays hidden, so a text ends
+/// before it.
+QRect SeenOf(const QStyleOptionViewItem& option)
+{
+    const auto* grid = qobject_cast<const QAbstractScrollArea*>(option.widget);
+    const bool isFixed = grid && grid->horizontalScrollBarPolicy() == Qt::ScrollBarAlwaysOff;
+    return isFixed ? option.rect & grid->viewport()->rect() : option.rect;
 }
 
 QStringList WrappedLines(const QString& text, const QFont& font, int width, int most)
@@ -64,7 +74,7 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
 
     const QString text = model->Text(row, index.column());
-    QRect place = option.rect.adjusted(Padding, 0, -Padding, -1);
+    QRect place = SeenOf(option).adjusted(Padding, 0, -Padding, -1);
     if (style.Picture >= 0)
         place.setLeft(place.left() +
                       PaintPicture(painter, option, model->Picture(row, index.column()), text.isEmpty()));
@@ -141,9 +151,10 @@ void FlexGridDelegate::PaintText(QPainter* painter, const QStyleOptionViewItem& 
         QStyle::alignedRect(option.direction, Qt::AlignLeft | (alignment & Qt::AlignVertical_Mask), size, place);
     const auto flags =
         static_cast<int>(QStyle::visualAlignment(option.direction, alignment) & Qt::AlignHorizontal_Mask);
-    painter->setLayoutDirection(option.direction);
     for (int i = 0; i < lines.size(); ++i) {
         const QRect line(block.left(), block.top() + i * lineHeight, block.width(), lineHeight);
+        // Each line reads as its own letters do, wherever it stands.
+        painter->setLayoutDirection(lines.at(i).isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
         painter->drawText(line, flags | Qt::AlignVCenter | Qt::TextSingleLine, lines.at(i));
     }
 }

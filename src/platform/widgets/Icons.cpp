@@ -31,6 +31,14 @@ constexpr char Ink[] = "#101418";
 
 constexpr double DisabledOpacity = 0.45;
 
+/// Point forwards or back in the direction of reading, and so the other way where that is from right to left.
+bool IsDirected(const QString& key)
+{
+    static const QStringList directed = {QStringLiteral("reply"), QStringLiteral("replyall"), QStringLiteral("forward"),
+                                         QStringLiteral("send")};
+    return directed.contains(key);
+}
+
 QColor InkOf(QIcon::Mode mode)
 {
     const QPalette palette = QApplication::palette();
@@ -75,12 +83,14 @@ public:
     {
         const QColor ink = InkOf(mode);
         const bool isDisabled = mode == QIcon::Disabled;
-        const QString name = QStringLiteral("tolva-icon/%1/%2x%3/%4/%5")
+        const bool isMirrored = QApplication::isRightToLeft() && IsDirected(Key_);
+        const QString name = QStringLiteral("tolva-icon/%1/%2x%3/%4/%5/%6")
                                  .arg(Key_)
                                  .arg(size.width())
                                  .arg(size.height())
                                  .arg(ink.name())
-                                 .arg(isDisabled);
+                                 .arg(isDisabled)
+                                 .arg(isMirrored);
         QPixmap pixmap;
         if (size.isEmpty() || QPixmapCache::find(name, &pixmap))
             return pixmap;
@@ -92,6 +102,10 @@ public:
         painter.setRenderHint(QPainter::Antialiasing);
         if (isDisabled)
             painter.setOpacity(DisabledOpacity);
+        if (isMirrored) {
+            painter.translate(size.width(), 0);
+            painter.scale(-1, 1);
+        }
         renderer.render(&painter);
         painter.end();
         QPixmapCache::insert(name, pixmap);

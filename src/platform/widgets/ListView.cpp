@@ -1,5 +1,6 @@
 #include "platform/widgets/ListView.h"
 
+#include "platform/widgets/TextDelegate.h"
 #include "platform/widgets/Twips.h"
 
 #include <QCollator>
@@ -83,6 +84,7 @@ ListItem* AsListItem(QTreeWidgetItem* item)
 ListView::ListView(QWidget* parent) : QTreeWidget(parent)
 {
     setColumnCount(0);
+    setItemDelegate(new TextDelegate(this));
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);

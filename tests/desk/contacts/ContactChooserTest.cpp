@@ -57,6 +57,18 @@ TEST_F(ContactChooserTest, TypingNarrowsTheListAndEnterChooses)
     EXPECT_EQ(Chooser->Contact()->Name, QStringLiteral("Zoë Penrose"));
 }
 
+TEST_F(ContactChooserTest, ANumberIsSeenWholeInLargeType)
+{
+    Add(QStringLiteral("Wella Rowe"), QStringLiteral("+44 7700 900123"));
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSize(18);
+    QApplication::setFont(large);
+    Open();
+    EXPECT_LE(List().sizeHintForIndex(List().model()->index(0, 1)).width(), List().columnWidth(1));
+    QApplication::setFont(usual);
+}
+
 TEST_F(ContactChooserTest, TheArrowKeysWalkTheListFromTheBox)
 {
     Add(QStringLiteral("Demelza"));

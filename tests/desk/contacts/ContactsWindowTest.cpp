@@ -88,7 +88,8 @@ QStringList Column(const ListView& list, int column)
 TEST_F(ContactsWindowTest, WithoutContactsItSaysSoAndOffersANewOne)
 {
     Open();
-    EXPECT_EQ(Note(), QStringLiteral("There are no contacts yet."));
+    EXPECT_EQ(Note(), QStringLiteral("There are no contacts yet. \u201CNew\u201D takes in the first one, "
+                                     "\u201CImport...\u201D in the menu \u201CContact\u201D a file of them."));
     EXPECT_FALSE(Contacts->Form().isEnabled());
     EXPECT_TRUE(Find<QPushButton>("newContact").isEnabled());
     for (const char* name : {"saveContact", "revertContact", "deleteContact"})
@@ -390,6 +391,25 @@ TEST_F(ContactsWindowTest, ThePrizesOfAContactAreListedWithTheirWins)
     QTest::keyClick(&prizes, Qt::Key_Return);
     ASSERT_EQ(spy.size(), 1);
     EXPECT_EQ(spy.first().first().toInt(), winner->Reference());
+}
+
+TEST_F(ContactsWindowTest, TheMomentOfAMessageIsSeenWholeInLargeType)
+{
+    FileMail(Mail("Hello", "Hello.\r\n", "Loveday <loveday@example.org>"));
+    const qint32 loveday = Add(QStringLiteral("Loveday"), {}, QStringLiteral("loveday@example.org"));
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSize(18);
+    QApplication::setFont(large);
+    Open().ShowContact(loveday);
+    ASSERT_TRUE(WaitUntil([&] { return Contacts->History().IsFilled(); }));
+    auto& messages = Find<ListView>("contactMessages");
+    ASSERT_EQ(messages.ItemCount(), 1);
+    const int sent = messages.ColumnNamed(QStringLiteral("SENT"));
+    EXPECT_TRUE(WaitUntil([&] {
+        return messages.sizeHintForIndex(messages.model()->index(0, sent)).width() <= messages.columnWidth(sent);
+    }));
+    QApplication::setFont(usual);
 }
 
 TEST_F(ContactsWindowTest, CardsAreImportedAfterTheirPlanWasShown)
