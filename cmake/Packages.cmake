@@ -34,7 +34,8 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tolva)
 set(CPACK_PACKAGE_VENDOR "The Tolva developers")
 set(CPACK_PACKAGE_CONTACT "The Tolva developers <developers@tolva.example>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+# The first line of each package's own description says what it is; a summary would stand before all of them.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
 set(CPACK_STRIP_FILES ON)
@@ -43,6 +44,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -51,35 +53,35 @@ set(CPACK_DEBIAN_COMMANDS_PACKAGE_NAME tolva)
 set(CPACK_DEBIAN_COMMANDS_PACKAGE_RECOMMENDS tolva-pdf)
 set(CPACK_COMPONENT_COMMANDS_DEPENDS data)
 set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
-    "Command line of a radio station's contact desk\n Files incoming mail and text messages, lists, searches, moves, exports, backs up and checks a station.")
+    "Command line of a radio station's contact desk\nFiles incoming mail and text messages, lists, searches, moves, exports,\nprints, backs up and checks a station.")
 
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
 set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS tolva)
 set(CPACK_COMPONENT_DESK_DEPENDS data)
 set(CPACK_COMPONENT_DESK_DESCRIPTION
-    "Window of a radio station's contact desk\n Listeners' e-mails and text messages, folders, prizes and contacts, shared by several computers.")
+    "Window of a radio station's contact desk\nListeners' e-mails and text messages, folders, prizes and contacts,\nshared by several computers.")
 
 set(CPACK_DEBIAN_PDF_PACKAGE_NAME tolva-pdf)
 set(CPACK_COMPONENT_PDF_DESCRIPTION
-    "Pages of a radio station's contact desk as PDF files\n Writes an HTML page to a PDF file without a display; nothing on the page runs and nothing is fetched.")
+    "Pages of a radio station's contact desk as PDF files\nWrites an HTML page to a PDF file without a display; nothing on the page\nruns and nothing is fetched.")
 
 set(CPACK_DEBIAN_DATA_PACKAGE_NAME tolva-data)
 set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DATA_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_COMPONENT_DATA_DESCRIPTION
-    "Page templates of a radio station's contact desk\n The templates by which messages and prizes are printed; each station gets a copy of them.")
+    "Page templates of a radio station's contact desk\nThe templates by which messages and prizes are printed; each station gets\na copy of them.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libkvtolva1-${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/library/triggers")
 set(CPACK_COMPONENT_LIBRARY_DEPENDS data)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
-    "Library of a radio station's contact desk\n The shared library for programs that open a station and show its controls.")
+    "Library of a radio station's contact desk\nThe shared library for programs that open a station and show its controls.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkvtolva1-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt6-base-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS library)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
-    "Headers of the contact desk's library\n Headers, package description for CMake, and the controls for Qt Designer.")
+    "Headers of the contact desk's library\nHeaders, package description for CMake, and the controls for Qt Designer.")
 include(CPack)

@@ -72,7 +72,8 @@ inRoot usermod -a -G station presenter
 file() { printf 'Subject: From %s\n\nHello.\n' "$1" | inRoot runuser -u "$1" -- sh -c 'umask 0007; tolva file /srv/station'; }
 file tolva
 file presenter
-if asUser tolva list /srv/station 2>/dev/null; then
+inRoot useradd stranger
+if inRoot runuser -u stranger -- tolva list /srv/station 2>/dev/null; then
     say "The station is open to accounts outside its group."
     exit 1
 fi
