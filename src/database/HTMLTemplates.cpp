@@ -91,7 +91,7 @@ QStringList cTolvaDatabase::GetHTMLTemplateReferences(const QString& prefix) con
     QStringList references;
     for (const QString& name : QDir(HTMLTemplatesLocation()).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase)) {
         if (name.startsWith(start, Qt::CaseInsensitive) && name.endsWith(Extension, Qt::CaseInsensitive) &&
-            name.size() >= start.size() + Extension.size())
+            name.size() >= start.size() + Extension.size() && IsPlainName(name))
             references.append(name.sliced(start.size()).chopped(Extension.size()));
     }
     return references;

@@ -399,6 +399,14 @@ TEST_F(HTMLTemplatesTest, EveryReferenceLeadsBackToItsFile)
     EXPECT_EQ(Station->GetHTMLTemplateReferences(QStringLiteral("Message")).size(), 3);
 }
 
+TEST_F(HTMLTemplatesTest, AFileWhoseNameIsRefusedIsNotListed)
+{
+    OpenStation();
+    Put(QStringLiteral("Message-10:30.htm"), "late");
+    Put(QStringLiteral("Message-Late.htm"), "late");
+    EXPECT_EQ(Station->GetHTMLTemplateReferences(QStringLiteral("Message")), QStringList(QStringLiteral("Late")));
+}
+
 TEST_F(HTMLTemplatesTest, AnEmptyReferenceNamesAFileAsWell)
 {
     OpenStation();
