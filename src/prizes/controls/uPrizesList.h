@@ -60,8 +60,8 @@ public:
 
     /// Reads the list again. Does nothing without an open database and while it is busy.
     void UpdateDisplay();
-    /// Draws the row of one prize again and makes it the current one, or draws all rows for 0, without a new query. False
-    /// when there is no such row.
+    /// Draws the row of one prize again and makes it the current one, or draws all rows for 0, without a new query.
+    /// False when there is no such row.
     bool RefreshDisplay(qint32 prizeReference = 0);
     /// Fills the tree of kinds again.
     void UpdateCategories();
