@@ -306,8 +306,13 @@ TEST_F(RecipientContactsTest, TenThousandContactsHoldNobodyUp)
     }
     std::cout << "With 10,000 contacts the window opens in " << opening << " ms and is held for " << longest
               << " ms at most\n";
-    EXPECT_LT(opening, 100);
-    EXPECT_LT(longest, 100);
+#ifdef __OPTIMIZE__
+    constexpr qint64 longestWait = 100;
+#else
+    constexpr qint64 longestWait = 500; // what is built for coverage is several times slower
+#endif
+    EXPECT_LT(opening, longestWait);
+    EXPECT_LT(longest, longestWait);
 }
 
 TEST_F(RecipientContactsTest, WhatIsTypedBeforeTheContactsAreThereIsCompletedWhenTheyAre)
