@@ -17,6 +17,19 @@ const QString WinnersTable = QStringLiteral("PrizeWinners");
 const QString MainIndex = QStringLiteral("Main");
 constexpr int DetailLevel = 5;
 constexpr int auditPrizeWinnerDeleted = 28; // kind of the user log
+
+/// Saves what change gives, which reads the prize anew each time, until no other program's write comes in between: the
+/// winner is stored already, and his count must not be lost to an award made elsewhere.
+template <typename Change>
+void SaveUntilUnhindered(cTolvaDatabase& database, Change change)
+{
+    constexpr int mostTries = 20;
+    for (int tries = 1; tries <= mostTries; ++tries) {
+        const cPrizePtr prize = change();
+        if (!prize || database.SavePrize(prize) || database.LastErrorNumber() != dao::errChangedByAnother)
+            return;
+    }
+}
 } // namespace
 
 cPrizeWinnerPtr cTolvaDatabase::GetPrizeWinner(qint32 reference)
@@ -153,9 +166,10 @@ cPrizePtr cTolvaDatabase::PrizeByNow(qint32 reference, const cPrize& asRead)
 
 void cTolvaDatabase::CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead)
 {
-    const cPrizePtr prize = PrizeByNow(winner->PrizeReference(), asRead);
-    if (prize && prize->AddPrizeWinner(winner))
-        SavePrize(prize);
+    SaveUntilUnhindered(*this, [&]() -> cPrizePtr {
+        const cPrizePtr prize = PrizeByNow(winner->PrizeReference(), asRead);
+        return prize && prize->AddPrizeWinner(winner) ? prize : nullptr;
+    });
 }
 
 /// A changed winner's date becomes the prize's last one, on the prize's row as it is by now. Where another winner's is
@@ -167,11 +181,12 @@ void cTolvaDatabase::TakeWonDate(cPrizeWinner& winner, const cPrize& asRead)
         if (other && other->Reference() != winner.Reference() && other->WonDate() > winner.WonDate())
             winner.SetWonDate(other->WonDate());
     }
-    const cPrizePtr prize = PrizeByNow(winner.PrizeReference(), asRead);
-    if (!prize)
-        return;
-    prize->SetLastWonDate(won);
-    SavePrize(prize);
+    SaveUntilUnhindered(*this, [&] {
+        const cPrizePtr prize = PrizeByNow(winner.PrizeReference(), asRead);
+        if (prize)
+            prize->SetLastWonDate(won);
+        return prize;
+    });
 }
 
 bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
@@ -209,10 +224,12 @@ bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
     }
     recordset->Close();
     // Another computer may have counted a winner of its own since the prize was read, or deleted the prize.
-    if (const cPrizePtr byNow = prize ? GetPrize(prizeReference, false) : nullptr) {
-        byNow->SetNumberWinners(byNow->NumberWinners() - 1);
-        SavePrize(byNow);
-    }
+    SaveUntilUnhindered(*this, [&] {
+        const cPrizePtr byNow = prize ? GetPrize(prizeReference, false) : nullptr;
+        if (byNow)
+            byNow->SetNumberWinners(byNow->NumberWinners() - 1);
+        return byNow;
+    });
     LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, 1);
     return true;
 }
