@@ -5,9 +5,6 @@
 
 namespace
 {
-/// Of a count that another program's writes come before.
-constexpr int MostTries = 20;
-
 [[noreturn]] void RaiseLastError(const cTolvaDatabase& database)
 {
     throw dao::Error(database.LastErrorNumber(), database.LastErrorDescription());
@@ -39,20 +36,16 @@ AwardStanding AwardCheck::Read(cTolvaDatabase& database, qint32 prizeReference)
 
 AwardStanding AwardCheck::Settle(cTolvaDatabase& database, qint32 prizeReference)
 {
-    for (int tries = 1;; ++tries) {
-        const AwardStanding standing = Read(database, prizeReference);
-        // While units are left, another computer may be between storing its winner and counting it, and would count it
-        // twice.
-        const bool isShort =
-            standing.IsPrizeThere && standing.Stored >= standing.Units && standing.Counted < standing.Stored;
-        if (!isShort)
-            return standing;
-        if (database.CountStoredWinners(prizeReference) || database.LastErrorNumber() == 0)
-            return Read(database, prizeReference);
-        // Whoever came in between has most likely counted as well.
-        if (database.LastErrorNumber() != dao::errChangedByAnother || tries == MostTries)
-            RaiseLastError(database);
-    }
+    AwardStanding standing = Read(database, prizeReference);
+    // While units are left, another computer may be between storing its winner and counting it, and would count it
+    // twice.
+    const bool isShort =
+        standing.IsPrizeThere && standing.Stored >= standing.Units && standing.Counted < standing.Stored;
+    if (!isShort)
+        return standing;
+    if (!database.CountStoredWinners(prizeReference) && database.LastErrorNumber() != 0)
+        RaiseLastError(database);
+    return Read(database, prizeReference);
 }
 
 QString AwardCheck::Warning(const AwardStanding& standing)

@@ -19,16 +19,22 @@ constexpr int DetailLevel = 5;
 constexpr int auditPrizeWinnerDeleted = 28; // kind of the user log
 
 /// Saves what change gives, which reads the prize anew each time, until no other program's write comes in between: the
-/// winner is stored already, and his count must not be lost to an award made elsewhere.
+/// winner is stored already, and his count must not be lost to an award made elsewhere. Whether it was saved; not when
+/// change gives nothing.
 template <typename Change>
-void SaveUntilUnhindered(cTolvaDatabase& database, Change change)
+bool SaveUntilUnhindered(cTolvaDatabase& database, Change change)
 {
     constexpr int mostTries = 20;
     for (int tries = 1; tries <= mostTries; ++tries) {
         const cPrizePtr prize = change();
-        if (!prize || database.SavePrize(prize) || database.LastErrorNumber() != dao::errChangedByAnother)
-            return;
+        if (!prize)
+            return false;
+        if (database.SavePrize(prize))
+            return true;
+        if (database.LastErrorNumber() != dao::errChangedByAnother)
+            return false;
     }
+    return false;
 }
 } // namespace
 
@@ -260,28 +266,33 @@ bool cTolvaDatabase::RecountWinners(qint32 prizeReference)
 
 bool cTolvaDatabase::TakeStoredCount(qint32 prizeReference, bool mayLower)
 {
-    qint32 stored = 0;
-    Date last;
-    PendingError pending;
-    pending.Try([&] {
-        const auto rows = OpenSnapshot(
-            QStringLiteral("SELECT [WonDate] FROM [PrizeWinners] WHERE [PrizeReference]=%1").arg(prizeReference));
-        for (; !rows->AtEOF(); rows->MoveNext(), ++stored)
-            last = std::max(last, RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))));
-    });
-    KeepLastError(pending);
-    if (pending)
-        return false;
-    const cPrizePtr prize = GetPrize(prizeReference, true);
-    if (!prize)
-        return false;
-    if (prize->NumberWinners() == stored || (prize->NumberWinners() > stored && !mayLower))
-        return true;
-    // Whoever was not counted did not move the date either.
-    if (prize->NumberWinners() < stored && last > prize->LastWonDate())
-        prize->SetLastWonDate(last);
-    prize->SetNumberWinners(stored);
-    return SavePrize(prize);
+    bool isRight = false;
+    const auto change = [&]() -> cPrizePtr {
+        qint32 stored = 0;
+        Date last;
+        PendingError pending;
+        pending.Try([&] {
+            const auto rows = OpenSnapshot(
+                QStringLiteral("SELECT [WonDate] FROM [PrizeWinners] WHERE [PrizeReference]=%1").arg(prizeReference));
+            for (; !rows->AtEOF(); rows->MoveNext(), ++stored)
+                last = std::max(last, RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))));
+        });
+        KeepLastError(pending);
+        if (pending)
+            return nullptr;
+        const cPrizePtr prize = GetPrize(prizeReference, true);
+        if (!prize)
+            return nullptr;
+        isRight = prize->NumberWinners() == stored || (prize->NumberWinners() > stored && !mayLower);
+        if (isRight)
+            return nullptr;
+        // Whoever was not counted did not move the date either.
+        if (prize->NumberWinners() < stored && last > prize->LastWonDate())
+            prize->SetLastWonDate(last);
+        prize->SetNumberWinners(stored);
+        return prize;
+    };
+    return SaveUntilUnhindered(*this, change) || isRight;
 }
 
 /// "'Carla Count' from 'Two tickets'", as far as the directory and the prize are known.

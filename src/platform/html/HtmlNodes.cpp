@@ -24,8 +24,10 @@ bool IsImported(const QString& markup, Import import)
     ShortMarkup marked(markup, ShortMarkup::Runs::Marked);
     if (import(&marked))
         return true;
+    if (!marked.HasMarks())
+        return false;
     ShortMarkup kept(markup, ShortMarkup::Runs::Kept);
-    return marked.HasMarks() && import(&kept);
+    return import(&kept);
 }
 } // namespace
 
