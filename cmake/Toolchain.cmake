@@ -14,7 +14,12 @@ set_property(GLOBAL PROPERTY AUTOGEN_SOURCE_GROUP "generated")
 
 find_program(TOLVA_CCACHE ccache)
 if(TOLVA_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${TOLVA_CCACHE}")
+    # Objects of one checkout serve another, also where headers are precompiled.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+        CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_INODECACHE=1 "${TOLVA_CCACHE}")
+    if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+        add_compile_options(-fpch-preprocess)
+    endif()
 endif()
 
 # The default linker is the slowest part of a rebuild; lld is taken where it is there.

@@ -4,9 +4,6 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Objects of one checkout serve another.
-export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
-
 say() {
     if [ -t 2 ]; then printf '\033[1m%s\033[0m\n' "$*" >&2; else printf '%s\n' "$*" >&2; fi
 }
