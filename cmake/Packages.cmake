@@ -22,6 +22,24 @@ tolva_install_manual(tolva commands)
 tolva_install_manual(tolva-desk desk)
 tolva_install_manual(tolva-pdf pdf)
 
+# What each package tells of its licence and its changes, where Debian looks for it.
+set(packagesChangelog "${PROJECT_BINARY_DIR}/packaging/changelog.gz")
+add_custom_command(OUTPUT "${packagesChangelog}"
+                   COMMAND "${CMAKE_COMMAND}" -E make_directory "${PROJECT_BINARY_DIR}/packaging"
+                   COMMAND "${TOLVA_GZIP}" -9nc "${PROJECT_SOURCE_DIR}/packaging/changelog" > "${packagesChangelog}"
+                   DEPENDS "${PROJECT_SOURCE_DIR}/packaging/changelog" VERBATIM)
+add_custom_target(packages-changelog ALL DEPENDS "${packagesChangelog}")
+function(tolva_install_documents package component)
+    install(FILES "${PROJECT_SOURCE_DIR}/packaging/copyright" "${packagesChangelog}"
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${package}" COMPONENT ${component})
+endfunction()
+tolva_install_documents(tolva commands)
+tolva_install_documents(tolva-desk desk)
+tolva_install_documents(tolva-pdf pdf)
+tolva_install_documents(tolva-data data)
+tolva_install_documents(libkvtolva1-${PROJECT_VERSION_MAJOR} library)
+tolva_install_documents(libkvtolva1-dev development)
+
 # The nightly backup; whoever runs the machine enables it for a station.
 install(FILES "packaging/systemd/tolva-backup@.service" "packaging/systemd/tolva-backup@.timer"
         DESTINATION lib/systemd/system COMPONENT commands)

@@ -70,7 +70,7 @@ TEST_F(BackupTest, ABackupIsADatedFolderWithTheDatabaseAndItsDetails)
               (QStringList{QStringLiteral("Backup.inf"), QStringLiteral("Tolva.mdb")}));
     const QByteArray computer = QSysInfo::machineHostName().toLatin1();
     EXPECT_EQ(Read(In(name, u"Backup.inf")), "[Details]\nCreated=21/11/2026 14:05:09\nBy=" + computer +
-                                                 "\nSoftware=Kelvarin Directory\nDirectoryEngineVersion=v0.1.0\n");
+                                                 "\nSoftware=Kelvarin Directory\nDirectoryEngineVersion=v0.2.0\n");
     cTolvaDatabase copy;
     copy.SetMakesAutomaticBackups(false);
     ASSERT_EQ(copy.OpenTolvaDatabase(Root() + u'/' + name), 0);

@@ -269,7 +269,7 @@ TEST_F(OpenTolvaDatabaseTest, ClosingWritesWhenAndByWhatTheFileWasUsed)
     EXPECT_EQ(Station->CloseTolvaDatabase(), 0);
     EXPECT_FALSE(Station->IsOpen());
     EXPECT_EQ(DescriptionField(u"LastAccessed").toString(), QStringLiteral("21/11/2026 14:05:09"));
-    EXPECT_EQ(DescriptionField(u"LastAccessedSoftware").toString(), QStringLiteral("Tolva - 0.1.0"));
+    EXPECT_EQ(DescriptionField(u"LastAccessedSoftware").toString(), QStringLiteral("Tolva - 0.2.0"));
     EXPECT_EQ(Station->Information().EngineVersion, QStringLiteral("0"));
     EXPECT_EQ(Station->Information().Type, 0);
     EXPECT_EQ(Station->Location(), QString());
@@ -282,7 +282,7 @@ TEST_F(OpenTolvaDatabaseTest, TheNextOpenReadsWhenTheFileWasUsed)
     MakeStation();
     ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
     EXPECT_EQ(Station->Information().LastAccessed.GeneralDate(), QStringLiteral("21/11/2026 14:05:09"));
-    EXPECT_EQ(Station->Information().LastAccessedSoftware, QStringLiteral("Tolva - 0.1.0"));
+    EXPECT_EQ(Station->Information().LastAccessedSoftware, QStringLiteral("Tolva - 0.2.0"));
     EXPECT_FLOAT_EQ(Station->Information().Version, 1.071F);
     EXPECT_FALSE(Station->Information().EngineVersion.isEmpty());
 }
