@@ -14,14 +14,15 @@ protected:
     {
         return Raw(QString::number(message.value(QStringLiteral("reference")).toInt()));
     }
+    /// Files a folder of mails and reads each of them out of the station again.
+    void ExpectEachToComeBack(const QString& folder) const;
 };
 
-TEST_F(FilingTest, EveryRealMailComesBackOctetByOctet)
+void FilingTest::ExpectEachToComeBack(const QString& folder) const
 {
-    const QDir mails(QStringLiteral(TOLVA_TEST_DATA "/mail"));
-    const QFileInfoList files = mails.entryInfoList({QStringLiteral("*.eml")}, QDir::Files, QDir::Name);
+    const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.eml")}, QDir::Files, QDir::Name);
     ASSERT_GE(files.size(), 50);
-    const Outcome filed = OnStation("file", {QStringLiteral("--verbose"), mails.path()});
+    const Outcome filed = OnStation("file", {QStringLiteral("--verbose"), folder});
     EXPECT_EQ(filed.Code, 0) << filed.Problems.constData();
     EXPECT_EQ(filed.LastLine(), "filed " + QByteArray::number(files.size()) + ", failed 0");
     const QList<QByteArray> lines = filed.Lines();
@@ -32,6 +33,18 @@ TEST_F(FilingTest, EveryRealMailComesBackOctetByOctet)
         EXPECT_EQ(Raw(QString::fromLatin1(line.mid(line.lastIndexOf(' ') + 1))), Read(files.at(i).filePath()))
             << line.constData();
     }
+}
+
+TEST_F(FilingTest, EveryOddMailComesBackOctetByOctet)
+{
+    ExpectEachToComeBack(QStringLiteral(TOLVA_TEST_DATA "/mail"));
+}
+
+TEST_F(FilingTest, EveryLentMailComesBackOctetByOctet)
+{
+    if (!qEnvironmentVariableIsSet("TOLVA_CORPUS"))
+        GTEST_SKIP() << "TOLVA_CORPUS names no folder of lent files.";
+    ExpectEachToComeBack(qEnvironmentVariable("TOLVA_CORPUS") + QStringLiteral("/mail"));
 }
 
 TEST_F(FilingTest, OneMailOnStandardInputIsFiled)

@@ -54,7 +54,7 @@ TEST_F(ShowTest, JsonHoldsBodiesAndAttachments)
     EXPECT_EQ(attachment.value(QStringLiteral("size")).toInt(), 3);
 }
 
-TEST_F(ShowTest, EveryRealMailShowsInAllForms)
+TEST_F(ShowTest, EveryOddMailShowsInAllForms)
 {
     OnStation("file", {QStringLiteral(TOLVA_TEST_DATA "/mail")});
     const QList<QJsonObject> messages = Messages();

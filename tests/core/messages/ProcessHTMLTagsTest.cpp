@@ -424,7 +424,7 @@ TEST_F(ProcessHTMLTagsTest, APlaceWithoutAMessageIsPassedOver)
     EXPECT_TRUE(messages.ProcessHTMLTags(Tag("SUBJECT")).contains(QStringLiteral("<body>b</body>")));
 }
 
-TEST_F(ProcessHTMLTagsTest, RealMailFillsEveryTagAndReachesThePage)
+TEST_F(ProcessHTMLTagsTest, OddMailFillsEveryTagAndReachesThePage)
 {
     const QDir folder(QStringLiteral(TOLVA_TEST_DATA "/mail"));
     cMessages messages;

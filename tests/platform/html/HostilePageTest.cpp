@@ -82,7 +82,7 @@ TEST(HostilePageTest, APageThatWasMadeSafeStaysAsItIs)
     }
 }
 
-TEST(HostilePageTest, EveryRealMailComesOutHarmless)
+TEST(HostilePageTest, EveryMailFileComesOutHarmless)
 {
     int pages = 0;
     for (const QString& file : FilesIn("/mail", "*.eml") + FilesIn("/../../samples/mail", "*.eml")) {

@@ -38,7 +38,7 @@ TEST(MailHeaderReading, EmptyMailHasNothingAndOctetsStayEmpty)
 
 TEST(MailHeaderReading, OctetsOfAnUnchangedMailShareTheStorageTheyCameIn)
 {
-    const QByteArray octets = mailTest::RealMail("mime_emails-raw_email2");
+    const QByteArray octets = mailTest::MailFile("forwarded-signed-mail");
     const Message message(octets);
     mailTest::ReadEverything(message);
     EXPECT_EQ(message.Octets().constData(), octets.constData());

@@ -110,7 +110,7 @@ TEST(HostileMail, HundredThousandPartsAreRead)
 
 TEST(HostileMail, SeveralThreadsMayReadTheirOwnMails)
 {
-    const QByteArray octets = mailTest::RealMail("mime_emails-raw_email_encoded_stack_level_too_deep");
+    const QByteArray octets = mailTest::MailFile("html-in-latin1");
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([octets] {

@@ -9,7 +9,7 @@
 
 #include <ostream>
 
-/// Shared by the tests of the mail object: the real mails, small mails written out in the test, readable failures.
+/// Shared by the tests of the mail object: the mail files, small mails written out in the test, readable failures.
 namespace mailTest
 {
 
@@ -25,12 +25,12 @@ inline QString DataFolder()
     return QStringLiteral(TOLVA_TEST_DATA "/mail/");
 }
 
-inline QByteArray RealMail(const char* name)
+inline QByteArray MailFile(const char* name)
 {
     return ReadFile(DataFolder() + QString::fromLatin1(name) + QStringLiteral(".eml"));
 }
 
-inline QStringList RealMailNames()
+inline QStringList MailFileNames()
 {
     QStringList names = QDir(DataFolder()).entryList({QStringLiteral("*.eml")}, QDir::Files, QDir::Name);
     names.replaceInStrings(QStringLiteral(".eml"), QString());
