@@ -39,6 +39,7 @@ set(publicHeaders
     platform/records/QueryDef.h
     platform/records/Recordset.h
     platform/records/TableDef.h
+    platform/records/Transaction.h
     platform/records/Types.h
     platform/widgets/ListView.h
     platform/widgets/PropertyBag.h

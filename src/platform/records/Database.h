@@ -37,6 +37,9 @@ public:
     virtual std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) = 0;
     /// Runs an UPDATE or DELETE without parameters; the number of rows changed.
     virtual int Execute(const QString& sql) = 0;
+    /// Inside a transaction that this database takes part in: takes the writer's lock now instead of at the first
+    /// change. 3251 without one, 3260 when somebody else has the lock for too long.
+    virtual void LockForChange() = 0;
 
     virtual void Close() = 0;
 

@@ -113,6 +113,11 @@ int StoreDatabase::Execute(const QString& sql)
     return store.Execute(jetsql::ParseStatement(sql), {});
 }
 
+void StoreDatabase::LockForChange()
+{
+    Session_->Required().LockForChange();
+}
+
 void StoreDatabase::Close()
 {
     Session_->Required();

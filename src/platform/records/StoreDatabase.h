@@ -23,6 +23,7 @@ public:
     std::unique_ptr<Recordset> OpenRecordset(const QString& source, RecordsetTypeEnum type) override;
     std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) override;
     int Execute(const QString& sql) override;
+    void LockForChange() override;
     void Close() override;
 
 private:

@@ -1,6 +1,10 @@
 #include "platform/records/WorkspaceTransaction.h"
 
+#include "platform/records/Transaction.h"
+
+#include <algorithm>
 #include <exception>
+#include <iterator>
 
 namespace dao
 {
@@ -9,13 +13,20 @@ namespace
 {
 
 using Databases = std::vector<std::weak_ptr<DatabaseSession>>;
+using FollowUps = std::vector<std::function<void()>>;
 
 constexpr std::size_t LargestDepth = 5;
+
+struct OpenTransaction
+{
+    Databases Members;
+    FollowUps Later; ///< To be done behind the commit.
+};
 
 struct State
 {
     Databases Open;
-    std::vector<Databases> Transactions; ///< The members of each, the outermost first.
+    std::vector<OpenTransaction> Transactions; ///< The outermost first.
 };
 
 State& Workspace()
@@ -52,14 +63,30 @@ void ForAll(const std::vector<SessionPtr>& sessions, void (engine::Store::*opera
 }
 
 /// Ends the innermost transaction.
-std::vector<SessionPtr> Take()
+OpenTransaction Take()
 {
     auto& transactions = Workspace().Transactions;
     if (transactions.empty())
         throw Error(errNotSupported, QStringLiteral("CommitTrans or Rollback without BeginTrans."));
-    std::vector<SessionPtr> sessions = OpenOnesOf(transactions.back());
+    OpenTransaction transaction = std::move(transactions.back());
     transactions.pop_back();
-    return sessions;
+    return transaction;
+}
+
+/// In a transaction of their own, so that many of them cost one commit. The change that they follow is stored, whatever
+/// comes of them: their failure is not its failure.
+void Run(const FollowUps& followUps)
+{
+    if (followUps.empty())
+        return;
+    try {
+        Transaction together;
+        for (const auto& followUp : followUps)
+            followUp();
+        together.Commit();
+    } catch (const std::exception&) {
+        // Nobody waits for them: who asked for them is told nothing by contract.
+    }
 }
 
 } // namespace
@@ -86,17 +113,32 @@ void WorkspaceTransaction::Begin()
         ForAll(begun, &engine::Store::Rollback);
         throw;
     }
-    state.Transactions.emplace_back(begun.begin(), begun.end());
+    state.Transactions.push_back({Databases(begun.begin(), begun.end()), {}});
 }
 
 void WorkspaceTransaction::Commit()
 {
-    ForAll(Take(), &engine::Store::CommitTrans);
+    OpenTransaction ended = Take();
+    ForAll(OpenOnesOf(ended.Members), &engine::Store::CommitTrans);
+    auto& outer = Workspace().Transactions;
+    if (outer.empty())
+        Run(ended.Later);
+    else
+        std::move(ended.Later.begin(), ended.Later.end(), std::back_inserter(outer.back().Later));
 }
 
 void WorkspaceTransaction::Rollback()
 {
-    ForAll(Take(), &engine::Store::Rollback);
+    ForAll(OpenOnesOf(Take().Members), &engine::Store::Rollback);
+}
+
+void WorkspaceTransaction::AfterCommit(std::function<void()> work)
+{
+    auto& transactions = Workspace().Transactions;
+    if (transactions.empty())
+        work();
+    else
+        transactions.back().Later.push_back(std::move(work));
 }
 
 } // namespace dao

@@ -2,6 +2,8 @@
 
 #include "platform/records/DatabaseSession.h"
 
+#include <functional>
+
 namespace dao
 {
 
@@ -19,6 +21,8 @@ public:
     /// before it stay committed.
     static void Commit();
     static void Rollback();
+    /// See Transaction::AfterCommit.
+    static void AfterCommit(std::function<void()> work);
 };
 
 } // namespace dao

@@ -110,6 +110,8 @@ public:
     virtual void BeginTrans() = 0;
     virtual void CommitTrans() = 0;
     virtual void Rollback() = 0;
+    /// Takes the writer's lock for the transaction now, not at its first change. 3251 outside a transaction.
+    virtual void LockForChange() = 0;
 
     /// Rows by index (its place in the table, -1 for order of entry). Each fills row and answers true, or answers
     /// false and leaves it alone.

@@ -27,6 +27,7 @@ public:
     void BeginTrans() override;
     void CommitTrans() override;
     void Rollback() override;
+    void LockForChange() override;
 
     bool ReadEnd(const engine::TablePtr& table, int index, engine::Direction direction, engine::MemoFetch memos,
                  Row& row) override;

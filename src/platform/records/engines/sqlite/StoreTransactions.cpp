@@ -89,6 +89,13 @@ void SqliteStore::Rollback()
     CurrentSchema();
 }
 
+void SqliteStore::LockForChange()
+{
+    if (Depth_ == 0)
+        throw Error(errNotSupported, QStringLiteral("A lock needs a transaction that was begun before."));
+    WriteScope(*this).Commit();
+}
+
 void SqliteStore::TakeBackTo(int depth)
 {
     const QByteArray name = SavepointName(depth);
