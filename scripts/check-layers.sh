@@ -13,7 +13,7 @@ refuse() { # refuse WORDS PATTERN PATH...
     fi
 }
 sourcesIn() { find "$@" -name '*.h' -o -name '*.cpp'; }
-mapfile -t platform < <(sourcesIn src/platform/{records,mail,directory,html})
+mapfile -t platform < <(sourcesIn src/platform/{files,records,mail,directory,html})
 # A folder's controls/ and dialogs/ belong to the upper layer.
 mapfile -t core < <(sourcesIn src/common src/database src/messages src/prizes | grep -vE '/(controls|dialogs)/')
 mapfile -t widgets < <(sourcesIn src/platform/widgets)

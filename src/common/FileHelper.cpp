@@ -1,11 +1,11 @@
 #include "common/FileHelper.h"
 
-#include "common/DurableFile.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStringDecoder>
 
 namespace
@@ -56,19 +56,22 @@ bool FileHelper::CreateFolder(const QString& folder)
 {
     if (folder.isEmpty())
         return false;
-    QStringList parents; // of what is made here, lowest first: their names must reach the disk
-    for (QString missing = QDir::cleanPath(folder); !missing.isEmpty() && !QFileInfo::exists(missing);) {
-        const QString parent = FolderOf(missing);
-        parents.append(parent);
-        if (parent == missing)
+    QStringList missing; // lowest first
+    for (QString part = QDir::cleanPath(folder); !part.isEmpty() && !QFileInfo::exists(part);) {
+        missing.prepend(part);
+        const QString parent = FolderOf(part);
+        if (parent == part)
             break;
-        missing = parent;
+        part = parent;
     }
-    if (!QDir().mkpath(folder))
-        return false;
-    for (const QString& parent : std::as_const(parents))
-        DurableFile::SyncFolder(parent);
-    return true;
+    FileSystem& files = FileSystem::Current();
+    for (const QString& part : std::as_const(missing)) {
+        const FileStatus made = files.MakeFolder(part);
+        // Another process may have made it since. Its name must reach the disk before what is put into it.
+        if ((!made.IsDone() && made.Error() != FileError::Exists) || !files.SyncFolder(FolderOf(part)).IsDone())
+            return false;
+    }
+    return FolderExists(folder);
 }
 
 QString FileHelper::FolderOf(const QString& file)
@@ -133,10 +136,5 @@ bool FileHelper::WriteTextFile(const QString& file, const QString& text)
 
 bool FileHelper::ReplaceFile(const QString& file, const QByteArray& bytes)
 {
-    QSaveFile target(file);
-    if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size() || !DurableFile::Sync(target) ||
-        !target.commit())
-        return false;
-    DurableFile::SyncFolder(FolderOf(file));
-    return true;
+    return WholeFile::Write(file, bytes, IfThere::Replace).IsDone();
 }

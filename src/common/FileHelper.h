@@ -27,7 +27,8 @@ QString WithoutExtension(const QString& file);
 QString Join(const QString& folder, const QString& name);
 
 /// Copies a file into a folder, or onto a file name when target is no folder. The copy appears under its name only when
-/// it is whole and on the disk; a failure or a cancelled display leaves what was there before.
+/// it is whole and on the disk; a failure or a cancelled display leaves what was there before. A link that bears the
+/// name is replaced, and what it points to stays as it is.
 /// A database is copied by the record store, as it stands at one moment however many computers write to it, and its
 /// copy has been opened and read whole. failure: what stopped it, where the record store says.
 bool CopyWithProgress(const QString& source, const QString& target, const QString& caption,
@@ -42,7 +43,7 @@ bool RenameWithProgress(const QString& oldName, const QString& newName, const QS
 /// The text of a file: UTF-8, or Latin-1 where it is not valid UTF-8; a byte order mark goes. Empty when it cannot be
 /// read.
 QString ReadTextFile(const QString& file);
-/// Replaces the whole file (UTF-8) at once: a reader sees the old text or the new one.
+/// Replaces the whole file (UTF-8) at once: a reader sees the old text or the new one. Not through a link.
 bool WriteTextFile(const QString& file, const QString& text);
 
 /// The bytes as text by the rule of ReadTextFile; a mark of UTF-16 or UTF-32 is obeyed as well.

@@ -3,9 +3,10 @@
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
+#include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/FileTools.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -23,67 +24,86 @@ class TemporaryFile
 {
 public:
     explicit TemporaryFile(const QString& folder)
-        : File_(FileHelper::Join(folder, QStringLiteral(".copy-") +
+        : Name_(FileHelper::Join(folder, QStringLiteral(".copy-") +
                                              QString::number(QRandomGenerator::global()->generate64(), 16)))
     {
     }
     ~TemporaryFile()
     {
-        if (Made_)
-            File_.remove();
+        if (IsMade_)
+            FileSystem::Current().Remove(Name_);
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    bool Open()
+    /// Null when it cannot be made.
+    std::unique_ptr<FileHandle> Make(FileStatus& status)
     {
-        Made_ = File_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
-        return Made_;
+        auto file = FileSystem::Current().Open(Name_, FileAccess::New, status);
+        IsMade_ = file != nullptr;
+        return file;
     }
-    QFile& File() { return File_; }
-    QString Name() const { return File_.fileName(); }
+    const QString& Name() const { return Name_; }
     /// Somebody else has made it.
-    void Adopt() { Made_ = true; }
+    void Adopt() { IsMade_ = true; }
     /// It bears its lasting name now.
-    void Keep() { Made_ = false; }
+    void Keep() { IsMade_ = false; }
 
 private:
-    QFile File_;
-    bool Made_ = false;
+    QString Name_;
+    bool IsMade_ = false;
 };
 
-bool CopyContent(QFile& source, QFile& target, ProgressDisplay& display)
+/// Nothing when the display was cancelled.
+std::optional<FileStatus> CopyContent(FileHandle& source, FileHandle& target, ProgressDisplay& display)
 {
-    const qint64 total = source.size();
+    const qint64 total = source.Size();
     qint64 done = 0;
     QByteArray chunk(ChunkSize, Qt::Uninitialized);
     for (;;) {
         if (!display.Advance(done, qMax(done, total)))
-            return false;
-        const qint64 count = source.read(chunk.data(), chunk.size());
-        if (count == 0)
-            return true;
-        if (count < 0 || target.write(chunk.constData(), count) != count)
-            return false;
+            return std::nullopt;
+        qint64 count = 0;
+        FileStatus status = source.ReadAt(done, chunk.data(), chunk.size(), count);
+        if (status.IsDone() && count > 0)
+            status = target.WriteAt(done, chunk.constData(), count);
+        if (!status.IsDone() || count == 0)
+            return status;
         done += count;
     }
 }
 
-/// Makes a whole copy of source in the folder of target, on the disk, with its rights and its date of change.
-bool MakeCopy(const QString& sourceName, TemporaryFile& copy, const QString& caption)
+/// For whoever asked, in the words of the seam.
+bool Fail(const QString& name, const FileStatus& status, PendingError* failure)
 {
-    QFile source(sourceName);
-    if (QFileInfo(sourceName).isDir() || !source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !copy.Open())
-        return false;
+    const QString words = QStringLiteral("'%1' could not be copied: %2").arg(name, status.Words());
+    WriteDebugLog(words);
+    if (failure)
+        failure->Set(dao::ErrorNumberOf(status), words);
+    return false;
+}
+
+/// Makes a whole copy of source in the folder of target, on the disk, with its rights and its date of change.
+bool MakeCopy(const QString& sourceName, TemporaryFile& copy, const QString& caption, PendingError* failure)
+{
+    FileStatus status;
+    const auto source = FileSystem::Current().Open(sourceName, FileAccess::Read, status);
+    const auto target = source ? copy.Make(status) : nullptr;
+    if (!target)
+        return Fail(sourceName, status, failure);
     const auto display = UserInterface::Current().Progress(caption);
-    if (!CopyContent(source, copy.File(), *display))
+    const std::optional<FileStatus> copied = CopyContent(*source, *target, *display);
+    if (!copied)
         return false;
-    // Not every file system keeps these; the content is what was asked for.
-    copy.File().setFileTime(source.fileTime(QFileDevice::FileModificationTime), QFileDevice::FileModificationTime);
-    copy.File().setPermissions(source.permissions());
-    const bool whole = DurableFile::Sync(copy.File());
-    copy.File().close();
-    return whole;
+    status = *copied;
+    if (const auto attributes = FileSystem::Current().AttributesOf(sourceName); attributes && status.IsDone())
+        target->SetAttributes(*attributes);
+    if (status.IsDone())
+        status = target->Sync();
+    const FileStatus closed = target->Close();
+    if (status.IsDone())
+        status = closed;
+    return status.IsDone() || Fail(sourceName, status, failure);
 }
 
 bool IsDatabase(const QString& file)
@@ -113,7 +133,7 @@ bool MakeDatabaseCopy(const QString& sourceName, TemporaryFile& copy, const QStr
     return true;
 }
 
-/// A link as the target means the file that it points to.
+/// The file that a link points to.
 QString Resolved(const QString& file)
 {
     const QString canonical = QFileInfo(file).canonicalFilePath();
@@ -123,12 +143,13 @@ QString Resolved(const QString& file)
 bool CopyToFreeName(const QString& oldName, const QString& newName, const QString& caption)
 {
     TemporaryFile copy(FileHelper::FolderOf(newName));
-    if (!MakeCopy(oldName, copy, caption) ||
+    if (!MakeCopy(oldName, copy, caption, nullptr) ||
         DurableFile::RenameToFreeName(copy.Name(), newName) != DurableFile::RenameResult::Done)
         return false;
     copy.Keep();
-    if (!QFile::remove(oldName)) {
-        QFile::remove(newName); // one file under two names would be no rename
+    FileSystem& files = FileSystem::Current();
+    if (!files.Remove(oldName).IsDone()) {
+        files.Remove(newName); // one file under two names would be no rename
         return false;
     }
     DurableFile::SyncFolder(FileHelper::FolderOf(oldName));
@@ -142,6 +163,25 @@ std::filesystem::path NativePath(const QString& name)
 #else
     return std::filesystem::path(QFile::encodeName(name).toStdString());
 #endif
+}
+
+/// A name that is no valid text cannot be said to the seam.
+bool RemoveEntry(const std::filesystem::path& entry)
+{
+#ifdef Q_OS_WIN
+    const QString name = QString::fromStdWString(entry.native());
+    const bool isText = true;
+#else
+    const QString name = QFile::decodeName(entry.c_str());
+    const bool isText = QFile::encodeName(name) == entry.c_str();
+#endif
+    std::error_code error;
+    if (!isText)
+        return std::filesystem::remove(entry, error) && !error;
+    FileSystem& files = FileSystem::Current();
+    const FileKind kind = files.KindOf(name);
+    return kind == FileKind::None ||
+           (kind == FileKind::Folder ? files.RemoveFolder(name) : files.Remove(name)).IsDone();
 }
 
 /// Everything that stands in a folder, and the folder, each behind what it holds. Names stay in the system's own form,
@@ -165,15 +205,19 @@ bool FileHelper::CopyWithProgress(const QString& source, const QString& target, 
 {
     if (source.isEmpty() || target.isEmpty())
         return false;
-    const QString file = Resolved(FolderExists(target) ? Join(target, FileNameOf(source)) : target);
-    if (FolderExists(file) || Resolved(source) == file)
+    const QString file = FolderExists(target) ? Join(target, FileNameOf(source)) : target;
+    if (FolderExists(file) || Resolved(source) == Resolved(file))
         return false;
     TemporaryFile copy(FolderOf(file));
-    const bool isMade =
-        IsDatabase(source) ? MakeDatabaseCopy(source, copy, caption, failure) : MakeCopy(source, copy, caption);
-    if (!isMade || !DurableFile::RenameOver(copy.Name(), file))
+    const bool isMade = IsDatabase(source) ? MakeDatabaseCopy(source, copy, caption, failure)
+                                           : MakeCopy(source, copy, caption, failure);
+    if (!isMade)
         return false;
+    const FileStatus named = FileSystem::Current().RenameOver(copy.Name(), file);
+    if (!named.IsDone())
+        return Fail(file, named, failure);
     copy.Keep();
+    DurableFile::SyncFolder(FolderOf(file));
     return true;
 }
 
@@ -193,8 +237,7 @@ bool FileHelper::DeleteWithProgress(const QString& target, const QString& captio
     for (const std::filesystem::path& entry : entries) {
         if (!display->Advance(done++, static_cast<qint64>(entries.size())))
             return false;
-        std::filesystem::remove(entry, error);
-        if (error)
+        if (!RemoveEntry(entry))
             return false;
     }
     DurableFile::SyncFolder(FolderOf(target));

@@ -1,18 +1,10 @@
 #include "platform/records/FileTools.h"
 
+#include "platform/files/FileSystem.h"
 #include "platform/records/Error.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QUuid>
-
-#include <cerrno>
-#include <cstdio>
-
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-#endif
 
 namespace dao
 {
@@ -20,98 +12,90 @@ namespace dao
 namespace
 {
 
-#ifdef Q_OS_UNIX
+constexpr int MostRights = 0644;
+
+[[noreturn]] void Raise(const QString& path, const FileStatus& status)
+{
+    throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(path, status.Words()));
+}
+
+void Require(const QString& path, const FileStatus& status)
+{
+    if (!status.IsDone())
+        Raise(path, status);
+}
+
+/// Puts what another hand wrote into the file on the disk.
 void Flush(const QString& path)
 {
-    const int file = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    const bool isFlushed = file >= 0 && fsync(file) == 0;
-    if (file >= 0)
-        close(file);
-    if (!isFlushed)
-        throw Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(path));
+    FileStatus status;
+    const auto file = FileSystem::Current().Open(path, FileAccess::Read, status);
+    Require(path, status);
+    Require(path, file->Sync());
 }
-
-/// Renames a file to a name that must be free, in one step: of two processes that want the name one gets it, and the
-/// file that stands there is not touched. (QFile::rename looks first and renames then; where the name was taken in
-/// between, it writes over the file that took it.)
-bool MoveToFreeName(const QString& from, const QString& to)
-{
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray target = QFile::encodeName(to);
-#ifdef RENAME_NOREPLACE
-    if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno == EEXIST)
-        return false;
-#endif
-    // Network shares and older systems do not know it. A second name for the file fails as well where the name is
-    // taken.
-    if (link(source.constData(), target.constData()) == 0) {
-        unlink(source.constData());
-        return true;
-    }
-    // Without either there is a moment between the look and the step.
-    return errno != EEXIST && access(target.constData(), F_OK) != 0 &&
-           std::rename(source.constData(), target.constData()) == 0;
-}
-#else
-/// Elsewhere the engine's own syncing has to do.
-void Flush(const QString&) {}
-
-bool MoveToFreeName(const QString& from, const QString& to)
-{
-    return QFile::rename(from, to);
-}
-#endif
 
 } // namespace
+
+int ErrorNumberOf(const FileStatus& status)
+{
+    switch (status.Error()) {
+    case FileError::Full:
+        return errDiskFull;
+    case FileError::Failed:
+        return errDiskError;
+    default:
+        return errCannotOpen;
+    }
+}
 
 TemporaryFile::TemporaryFile(const QString& target)
     : Name_(QFileInfo(target).absolutePath() + QLatin1String("/~") +
             QUuid::createUuid().toString(QUuid::Id128).left(12) + QLatin1String(".tmp"))
 {
+    FileStatus status;
+    const auto file = FileSystem::Current().Open(Name_, FileAccess::New, status);
+    Require(target, status);
+    // As the engine makes its files: no wider than this whatever the account's mask allows.
+    if (const auto attributes = FileSystem::Current().AttributesOf(Name_))
+        file->SetAttributes({attributes->Rights & MostRights, std::nullopt});
 }
 
 TemporaryFile::~TemporaryFile()
 {
     if (!IsMoved_)
-        QFile::remove(Name_);
-    QFile::remove(Name_ + QLatin1String("-journal"));
+        FileSystem::Current().Remove(Name_);
+    FileSystem::Current().Remove(Name_ + QLatin1String("-journal"));
 }
 
 void TemporaryFile::ReplaceEmpty(const QString& target) const
 {
-    const QFileInfo info(target);
-    if (!info.isFile() || info.size() > 0)
+    FileSystem& files = FileSystem::Current();
+    if (files.KindOf(target) != FileKind::File || QFileInfo(target).size() > 0)
         return;
     // Between a look at its size and its removal it could have become another process's finished file. Under a name of
     // our own nobody else touches it, and it can still be put back.
     const QString aside = Name_ + QLatin1String("-empty");
-    if (!MoveToFreeName(target, aside))
+    if (!files.RenameToFreeName(target, aside).IsDone())
         return;
     if (QFileInfo(aside).size() == 0)
-        QFile::remove(aside);
+        files.Remove(aside);
     else
-        MoveToFreeName(aside, target);
+        files.RenameToFreeName(aside, target);
 }
 
 void TemporaryFile::MoveTo(const QString& target)
 {
+    FileSystem& files = FileSystem::Current();
     Flush(Name_);
     ReplaceEmpty(target);
     // A rename that does not replace: somebody else's file of that name, made meanwhile, stays.
-    if (!MoveToFreeName(Name_, target)) {
-        throw Error(
-            errCannotOpen,
-            QStringLiteral("Cannot write '%1': a file of that name exists, or permission is missing.").arg(target));
-    }
+    Require(target, files.RenameToFreeName(Name_, target));
     IsMoved_ = true;
-    try {
-        Flush(QFileInfo(target).absolutePath());
-    } catch (...) {
-        QFile::remove(target);
-        throw;
-    }
+    const FileStatus synced = files.SyncFolder(QFileInfo(target).absolutePath());
+    if (synced.IsDone())
+        return;
+    files.Remove(target);
+    Raise(target, synced);
 }
 
 } // namespace dao

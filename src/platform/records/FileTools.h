@@ -1,12 +1,19 @@
 #pragma once
 
-#include <QString>
+#include "platform/files/FileStatus.h"
 
 namespace dao
 {
 
+/// The number under which a failure of a file operation is known: 3026 for a full disk, 3043 for a failing one, else
+/// 3051.
+int ErrorNumberOf(const FileStatus& status);
+
 /// A file that is being made under a name of its own beside its target, and takes the target's name once it is whole
 /// and on the disk. Removed, with its journal, unless it was moved.
+///
+/// It is made empty by the constructor, so that nothing that somebody put under its name is ever written to: 3026 when
+/// the disk is full, 3043 when it fails, 3051 when the folder may not be written.
 class TemporaryFile
 {
 public:

@@ -1,5 +1,7 @@
 #include "platform/records/engines/sqlite/ChangeLog.h"
 
+#include "platform/files/FileSystem.h"
+
 #include <QtEndian>
 
 #include <array>
@@ -35,9 +37,9 @@ public:
         const bool hasCounter = offset == 0 && size >= CounterEnd;
         qToBigEndian(hasCounter ? ChangeCounterIn(data) : 0U, record.data() + 12);
         // A commit must not fail for the sake of a copy. Without its log the copy begins again.
-        if (File_->write(record.data(), RecordSize) != RecordSize) {
-            File_->remove();
+        if (!File_->Append(record.data(), RecordSize).IsDone()) {
             File_.reset();
+            FileSystem::Current().Remove(Name_);
         }
     }
     void LockEnded()
@@ -50,15 +52,12 @@ private:
     void Look()
     {
         HasLooked_ = true;
-        if (!QFile::exists(Name_))
-            return;
-        File_ = std::make_unique<QFile>(Name_);
-        if (!File_->open(QIODevice::Append | QIODevice::ExistingOnly | QIODevice::Unbuffered))
-            File_.reset();
+        FileStatus ignored; // without a log there is no copy, or it begins again
+        File_ = FileSystem::Current().Open(Name_, FileAccess::Append, ignored);
     }
 
     QString Name_;
-    std::unique_ptr<QFile> File_;
+    std::unique_ptr<FileHandle> File_;
     bool HasLooked_ = false;
 };
 
@@ -224,7 +223,7 @@ ChangeLog::ChangeLog(const QString& databaseFile) : Name_(NameFor(databaseFile))
 
 ChangeLog::~ChangeLog()
 {
-    QFile::remove(Name_);
+    FileSystem::Current().Remove(Name_);
 }
 
 QString ChangeLog::NameFor(const QString& databaseFile)
@@ -234,20 +233,28 @@ QString ChangeLog::NameFor(const QString& databaseFile)
 
 bool ChangeLog::Begin()
 {
-    QFile file(Name_);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered))
+    FileSystem& files = FileSystem::Current();
+    // Nobody of ours makes links; what somebody put there for us to write through goes.
+    if (files.KindOf(Name_) == FileKind::Link)
+        files.Remove(Name_);
+    FileStatus status;
+    const auto file = files.Open(Name_, FileAccess::AppendOrNew, status);
+    if (!file)
         return false;
-    Position_ = file.size();
-    return Position_ % RecordSize == 0;
+    Position_ = file->Size();
+    return Position_ >= 0 && Position_ % RecordSize == 0;
 }
 
 bool ChangeLog::ReadOn(std::vector<ChangeRecord>& records)
 {
-    QFile file(Name_);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::ExistingOnly) || file.size() < Position_ || !file.seek(Position_))
+    FileStatus status;
+    const auto file = FileSystem::Current().Open(Name_, FileAccess::Append, status);
+    const qint64 size = file ? file->Size() - Position_ : -1;
+    if (size < 0 || size % RecordSize != 0)
         return false;
-    const QByteArray octets = file.readAll();
-    if (octets.size() % RecordSize != 0)
+    QByteArray octets(size, Qt::Uninitialized);
+    qint64 count = 0;
+    if (!file->ReadAt(Position_, octets.data(), size, count).IsDone() || count != size)
         return false;
     for (qint64 i = 0; i < octets.size(); i += RecordSize) {
         const char* record = octets.constData() + i;
