@@ -5,6 +5,7 @@
 #include "Words.h"
 #include "common/FileDialog.h"
 #include "common/FileHelper.h"
+#include "platform/files/WholeFile.h"
 #include "platform/widgets/Icons.h"
 
 #include <QDir>
@@ -182,10 +183,12 @@ void AttachmentList::SaveSelected()
     const std::optional<QString> path = FileChoice::ToSave(*dialog);
     if (!path)
         return;
-    if (FileHelper::ReplaceFile(*path, message->CDOMessage()->AttachmentContent(*index)))
+    const FileStatus status =
+        WholeFile::Write(*path, message->CDOMessage()->AttachmentContent(*index), IfThere::Replace);
+    if (status.IsDone())
         Q_EMIT Saved(tr("Saved %1").arg(*path));
     else
-        Words::Warn(tr("The attachment could not be saved as %1. Is there space, and may you write there?").arg(*path));
+        Words::Warn(tr("The attachment could not be saved as %1: %2").arg(*path, status.Words()));
 }
 
 void AttachmentList::SaveAll()
@@ -198,14 +201,20 @@ void AttachmentList::SaveAll()
         return;
     const QList<cdo::Attachment> files = message->CDOMessage()->Attachments();
     int saved = 0;
-    for (int i = 0; i < files.size(); ++i)
-        saved +=
-            !FileNames::WriteNew(folder, files.at(i).FileName, message->CDOMessage()->AttachmentContent(i)).isEmpty();
+    FileStatus failure;
+    for (int i = 0; i < files.size(); ++i) {
+        FileStatus status;
+        FileNames::WriteNew(folder, files.at(i).FileName, message->CDOMessage()->AttachmentContent(i), status);
+        if (status.IsDone())
+            ++saved;
+        else
+            failure = status;
+    }
     if (saved < files.size()) {
-        Words::Warn(tr("%1 of %2 attachments could be saved in %3. Is there space, and may you write there?")
+        Words::Warn(tr("%1 of %2 attachments could be saved in %3: %4")
                         .arg(saved)
                         .arg(files.size())
-                        .arg(folder));
+                        .arg(folder, failure.Words()));
     }
     if (saved > 0)
         Q_EMIT Saved(saved == 1 ? tr("Saved 1 attachment in %1").arg(folder)

@@ -1,12 +1,10 @@
 #include "FileNames.h"
 
 #include "common/FileHelper.h"
+#include "platform/files/WholeFile.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QLocale>
 #include <QRegularExpression>
-#include <QUuid>
 
 namespace
 {
@@ -94,26 +92,16 @@ QString FileNames::Numbered(const QString& name, int number)
     return QStringLiteral("%1 (%2)%3").arg(parts.Base).arg(number).arg(parts.Extension);
 }
 
-QString FileNames::WriteNew(const QString& folder, const QString& name, const QByteArray& content)
+QString FileNames::WriteNew(const QString& folder, const QString& name, const QByteArray& content, FileStatus& status)
 {
-    // Whole under a name that nobody looks for, then renamed onto a free one in one step.
-    const QString unfinished =
-        FileHelper::Join(folder, QStringLiteral(".%1.unfinished").arg(QUuid::createUuid().toString(QUuid::Id128)));
-    if (!FileHelper::ReplaceFile(unfinished, content))
-        return QString();
     const QString cleaned = Cleaned(name);
-    for (int number = 1; number <= MostNumbers; ++number) {
+    status = FileStatus(FileError::Exists);
+    for (int number = 1; number <= MostNumbers && status.Error() == FileError::Exists; ++number) {
         const QString path = FileHelper::Join(folder, number == 1 ? cleaned : Numbered(cleaned, number));
-        const QFileInfo taken(path);
-        if (taken.exists() || taken.isSymLink())
-            continue;
-        if (FileHelper::RenameWithProgress(unfinished, path, QString()))
+        status = WholeFile::Write(path, content, IfThere::Refuse);
+        if (status.IsDone())
             return path;
-        const QFileInfo now(path);
-        if (!now.exists() && !now.isSymLink())
-            break;
     }
-    QFile::remove(unfinished);
     return QString();
 }
 

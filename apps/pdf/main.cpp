@@ -1,6 +1,6 @@
 // tolva-pdf: an HTML page as a PDF file. Nothing on the page runs and nothing is fetched for it. Needs no display.
 
-#include "Failure.h"
+#include "FileOutput.h"
 #include "common/FileHelper.h"
 #include "platform/widgets/PrintedPages.h"
 
@@ -13,12 +13,21 @@
 
 namespace
 {
-constexpr double LargestMargin = 80; // millimetres
+constexpr double LargestMargin = 80;                // millimetres
+const QString StandardOutput = QStringLiteral("-"); // or input
+
+/// Failure when it does not get there whole.
+void Print(const QByteArray& octets)
+{
+    const auto size = static_cast<std::size_t>(octets.size());
+    if (std::fwrite(octets.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
+        throw Failure(exitInputOutput, QStringLiteral("The output could not be written."));
+}
 
 QByteArray ReadPage(const QString& name)
 {
     QFile file(name);
-    const bool isOpen = name == u"-" ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    const bool isOpen = name == StandardOutput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     if (!isOpen)
         throw Failure(exitNoInput, QStringLiteral("%1 cannot be read: %2").arg(name, file.errorString()));
     QByteArray page = file.readAll();
@@ -62,7 +71,8 @@ int Run(const QStringList& arguments)
     parser.setApplicationDescription(
         QStringLiteral("Writes an HTML page to a PDF file. Nothing on the page runs and nothing is fetched for it."));
     const QCommandLineOption output({QStringLiteral("o"), QStringLiteral("output")},
-                                    QStringLiteral("The PDF file; it appears when it is whole."),
+                                    QStringLiteral("The PDF file; it appears when it is whole. \"-\" is standard "
+                                                   "output."),
                                     QStringLiteral("FILE"));
     const QCommandLineOption paper(QStringLiteral("paper"), QStringLiteral("A4 (the default) or Letter."),
                                    QStringLiteral("SIZE"), QStringLiteral("A4"));
@@ -81,7 +91,7 @@ int Run(const QStringList& arguments)
     if (parser.isSet(help) || parser.isSet(version)) {
         const QString text = parser.isSet(help) ? parser.helpText()
                                                 : QStringLiteral("tolva-pdf %1\n").arg(QStringLiteral(TOLVA_VERSION));
-        std::fputs(text.toUtf8().constData(), stdout);
+        Print(text.toUtf8());
         return exitOK;
     }
     if (parser.positionalArguments().size() != 1 || parser.value(output).isEmpty())
@@ -93,8 +103,13 @@ int Run(const QStringList& arguments)
     const QString html = FileHelper::DecodeText(ReadPage(parser.positionalArguments().first()));
     const PrintedPages pages(MakeDocumentSafe(html), setup);
     QString problem;
-    if (!pages.WritePdf(parser.value(output), problem))
-        throw Failure(exitCannotCreate, problem);
+    const QByteArray pdf = pages.Pdf(problem);
+    if (pdf.isEmpty())
+        throw Failure(exitSoftware, problem);
+    if (parser.value(output) == StandardOutput)
+        Print(pdf);
+    else
+        FileOutput::Write(parser.value(output), pdf, IfThere::Replace);
     return exitOK;
 }
 } // namespace

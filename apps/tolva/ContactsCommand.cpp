@@ -5,6 +5,7 @@
 #include "ContactOrder.h"
 #include "ContactSearch.h"
 #include "DisplayText.h"
+#include "FileOutput.h"
 #include "Station.h"
 #include "StationPlace.h"
 #include "Terminal.h"
@@ -14,7 +15,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 namespace
 {
@@ -256,15 +256,6 @@ int Import(const Arguments& arguments, Station& station)
     return reading.Problems.isEmpty() ? exitOK : exitData;
 }
 
-void Write(const QString& path, const QByteArray& octets)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw Failure(exitCannotCreate, QStringLiteral("%1 cannot be made: %2").arg(path, file.errorString()));
-    if (file.write(octets) != octets.size() || !file.commit())
-        throw Failure(exitInputOutput, QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
-}
-
 void Export(const Arguments& arguments, Station& station)
 {
     const VCard::Version version = VersionIn(arguments);
@@ -277,9 +268,7 @@ void Export(const Arguments& arguments, Station& station)
         Terminal::PrintOctets(octets);
         return;
     }
-    if (QFileInfo::exists(path) && !arguments.Has(ForceOption))
-        throw Failure(exitCannotCreate, QStringLiteral("%1 exists; --force replaces it.").arg(path));
-    Write(path, octets);
+    FileOutput::Write(path, octets, arguments.Has(ForceOption) ? IfThere::Replace : IfThere::Refuse);
 }
 
 /// Failure (usage) for what is no form of the command, before anything is opened.

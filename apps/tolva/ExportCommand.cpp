@@ -1,12 +1,12 @@
 // tolva export: one message as a file.
 
 #include "Commands.h"
+#include "FileOutput.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
 
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace
 {
@@ -30,15 +30,6 @@ QString FileNameFor(const cMessage& message)
     return name + QStringLiteral(".eml");
 }
 
-void Write(const QString& path, const QByteArray& octets)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw Failure(exitCannotCreate, QStringLiteral("%1 cannot be made: %2").arg(path, file.errorString()));
-    if (file.write(octets) != octets.size() || !file.commit())
-        throw Failure(exitInputOutput, QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
-}
-
 int Run(const Arguments& arguments)
 {
     QString path = arguments.Words().at(2);
@@ -53,9 +44,7 @@ int Run(const Arguments& arguments)
     const bool isFolder = QFileInfo(path).isDir();
     if (isFolder)
         path = FileHelper::Join(path, FileNameFor(*message));
-    if (QFileInfo::exists(path) && !arguments.Has(ForceOption))
-        throw Failure(exitCannotCreate, QStringLiteral("%1 exists; --force replaces it.").arg(path));
-    Write(path, octets);
+    FileOutput::Write(path, octets, arguments.Has(ForceOption) ? IfThere::Replace : IfThere::Refuse);
     if (isFolder)
         Terminal::PrintLine(path);
     return exitOK;

@@ -1,13 +1,12 @@
 #include "PageOutput.h"
 
-#include "Failure.h"
+#include "FileOutput.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSaveFile>
 
 namespace
 {
@@ -37,22 +36,12 @@ bool IsPdf(const QString& path)
     return path.endsWith(PdfExtension, Qt::CaseInsensitive);
 }
 
-void WritePage(const QString& path, const QByteArray& page)
-{
-    if (path == StandardOutput)
-        return Terminal::PrintOctets(page);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw Failure(exitCannotCreate, QStringLiteral("%1 cannot be made: %2").arg(path, file.errorString()));
-    if (file.write(page) != page.size() || !file.commit())
-        throw Failure(exitInputOutput, QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
-}
-
-void WritePdf(const QString& path, const QByteArray& page, const QString& paper)
+/// The PDF file of a page. path: what is to be written, for the words of a failure.
+QByteArray PdfOf(const QString& path, const QByteArray& page, const QString& paper)
 {
     QProcess process;
-    process.start(PdfProgram(), {QStringLiteral("--paper"), paper, QStringLiteral("--output"),
-                                 QFileInfo(path).absoluteFilePath(), StandardOutput});
+    process.start(PdfProgram(),
+                  {QStringLiteral("--paper"), paper, QStringLiteral("--output"), StandardOutput, StandardOutput});
     if (!process.waitForStarted(-1))
         throw Failure(exitUnavailable,
                       QStringLiteral("%1 cannot be started: %2").arg(PdfProgram(), process.errorString()));
@@ -64,7 +53,7 @@ void WritePdf(const QString& path, const QByteArray& page, const QString& paper)
             exitSoftware,
             QStringLiteral("%1 ended in the middle of its work; %2 was not written.").arg(PdfProgram(), path));
     if (process.exitCode() == exitOK)
-        return;
+        return process.readAllStandardOutput();
     // What it says last is why it ended.
     const QString words = QString::fromUtf8(process.readAllStandardError()).trimmed().section(u'\n', -1);
     throw Failure(static_cast<ExitCode>(process.exitCode()),
@@ -120,8 +109,10 @@ void PageOutput::Write(const Arguments& arguments, const SafeDocument& document)
     const QString path = arguments.Value(OutputName);
     if (document.IsTextOnly)
         Terminal::Complain(QStringLiteral("The page is too large to be laid out; it holds the text alone."));
+    QByteArray content = document.Html.toUtf8();
+    if (path == StandardOutput)
+        return Terminal::PrintOctets(content);
     if (IsPdf(path))
-        WritePdf(path, document.Html.toUtf8(), PaperOf(arguments));
-    else
-        WritePage(path, document.Html.toUtf8());
+        content = PdfOf(path, content, PaperOf(arguments));
+    FileOutput::Write(path, content, arguments.Has(ForceName) ? IfThere::Replace : IfThere::Refuse);
 }

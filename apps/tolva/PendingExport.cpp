@@ -1,6 +1,6 @@
 #include "PendingExport.h"
 
-#include "Failure.h"
+#include "FileOutput.h"
 #include "HtmlText.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
@@ -98,8 +98,7 @@ void PendingExport::Write(const cMessage& message)
                    QStringLiteral("%1 exists and holds something else; --force replaces it.").arg(path));
             return;
         }
-        if (!FileHelper::ReplaceFile(path, octets))
-            throw Failure(exitInputOutput, QStringLiteral("%1 could not be written.").arg(path));
+        FileOutput::Write(path, octets, Force_ ? IfThere::Replace : IfThere::Refuse);
     }
     Terminal::PrintLine(path);
 }

@@ -1,7 +1,9 @@
 #include "messageslist/MessageFile.h"
 
 #include "common/FileHelper.h"
+#include "platform/files/WholeFile.h"
 #include "platform/records/Error.h"
+#include "platform/records/FileTools.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -31,8 +33,10 @@ void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
 {
     if (!message || fileName.isEmpty() || !FileHelper::FolderExists(FileHelper::FolderOf(fileName)))
         return;
-    if (!FileHelper::ReplaceFile(fileName, message->CDOMessage()->Octets()))
-        throw dao::Error(dao::errCannotOpen, QStringLiteral("The file %1 could not be written.").arg(fileName));
+    const FileStatus status = WholeFile::Write(fileName, message->CDOMessage()->Octets(), IfThere::Replace);
+    if (!status.IsDone())
+        throw dao::Error(dao::ErrorNumberOf(status),
+                         QStringLiteral("The file %1 could not be written: %2").arg(fileName, status.Words()));
 }
 
 cMessagePtr LoadMessageFromEml(const QString& fileName)

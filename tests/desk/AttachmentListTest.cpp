@@ -115,8 +115,8 @@ TEST_F(AttachmentListTest, AFileThatCannotBeWrittenIsToldInWords)
 {
     ScriptedFileDialog dialog;
     dialog.ExpectSave(QStringLiteral("/nonexistent/a.bin"));
-    Ui.ExpectWarning(QStringLiteral("The attachment could not be saved as /nonexistent/a.bin. Is there space, and may "
-                                    "you write there?"));
+    Ui.ExpectWarning(QStringLiteral("The attachment could not be saved as /nonexistent/a.bin: there is no such file "
+                                    "or folder."));
     Click("attachmentSaveAs");
 }
 
@@ -135,7 +135,7 @@ TEST_F(AttachmentListTest, SaveAllGivesEveryFileANameOfItsOwn)
 TEST_F(AttachmentListTest, SaveAllSaysHowManyCouldBeSaved)
 {
     AttachmentList::SetFolderChooser([](QWidget*, const QString&) { return QStringLiteral("/nonexistent"); });
-    Ui.ExpectWarning(QStringLiteral("0 of 3 attachments could be saved in /nonexistent. Is there space, and may you "
-                                    "write there?"));
+    Ui.ExpectWarning(QStringLiteral("0 of 3 attachments could be saved in /nonexistent: there is no such file or "
+                                    "folder."));
     Click("attachmentSaveAll");
 }

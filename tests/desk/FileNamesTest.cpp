@@ -52,10 +52,12 @@ TEST(FileNamesTest, OrdinaryNamesStayInAnyLanguage)
 TEST(FileNamesTest, ATakenNameGetsANumberAndNothingIsOverwritten)
 {
     const QTemporaryDir folder;
-    const QString first = FileNames::WriteNew(folder.path(), QStringLiteral("a.txt"), "one");
-    const QString second = FileNames::WriteNew(folder.path(), QStringLiteral("../a.txt"), "two");
+    FileStatus status;
+    const QString first = FileNames::WriteNew(folder.path(), QStringLiteral("a.txt"), "one", status);
+    const QString second = FileNames::WriteNew(folder.path(), QStringLiteral("../a.txt"), "two", status);
     ASSERT_TRUE(QFile::link(QStringLiteral("/nonexistent"), folder.filePath(QStringLiteral("a (3).txt"))));
-    const QString fourth = FileNames::WriteNew(folder.path(), QStringLiteral("a.txt"), "four");
+    const QString fourth = FileNames::WriteNew(folder.path(), QStringLiteral("a.txt"), "four", status);
+    EXPECT_TRUE(status.IsDone());
     EXPECT_EQ(first, folder.filePath(QStringLiteral("a.txt")));
     EXPECT_EQ(second, folder.filePath(QStringLiteral("a (2).txt")));
     EXPECT_EQ(fourth, folder.filePath(QStringLiteral("a (4).txt")));
@@ -68,5 +70,7 @@ TEST(FileNamesTest, ATakenNameGetsANumberAndNothingIsOverwritten)
 
 TEST(FileNamesTest, AFolderThatIsNotThereGivesNoFile)
 {
-    EXPECT_EQ(FileNames::WriteNew(QStringLiteral("/nonexistent/folder"), QStringLiteral("a"), "x"), QString());
+    FileStatus status;
+    EXPECT_EQ(FileNames::WriteNew(QStringLiteral("/nonexistent/folder"), QStringLiteral("a"), "x", status), QString());
+    EXPECT_EQ(status.Error(), FileError::NotThere);
 }

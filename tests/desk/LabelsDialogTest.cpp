@@ -167,7 +167,8 @@ TEST_F(LabelsDialogTest, APdfFileThatCannotBeWrittenIsToldInWords)
     ScriptedFileDialog files;
     const QString file = Path(QStringLiteral("nowhere/labels.pdf"));
     files.ExpectSave(file);
-    Ui.ExpectWarning(QStringLiteral("The file \"%1\" could not be written: No such file or directory").arg(file));
+    Ui.ExpectWarning(
+        QStringLiteral("The file \"%1\" could not be written: there is no such file or folder.").arg(file));
     Click("savePdf");
 }
 

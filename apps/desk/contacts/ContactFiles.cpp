@@ -5,8 +5,8 @@
 #include "FileChoice.h"
 #include "Words.h"
 #include "common/FileDialog.h"
-#include "common/FileHelper.h"
 #include "common/UserInterface.h"
+#include "platform/files/WholeFile.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -107,8 +107,9 @@ QString ContactFiles::Export(const QList<clsKVContact>& contacts, const QString&
     const std::optional<QString> path = FileChoice::ToSave(*dialog);
     if (!path)
         return QString();
-    if (!FileHelper::ReplaceFile(*path, VCard::Write(contacts))) {
-        Words::Warn(Tr("The contacts could not be saved as %1. Is there space, and may you write there?").arg(*path));
+    const FileStatus status = WholeFile::Write(*path, VCard::Write(contacts), IfThere::Replace);
+    if (!status.IsDone()) {
+        Words::Warn(Tr("The contacts could not be saved as %1: %2").arg(*path, status.Words()));
         return QString();
     }
     return contacts.size() == 1 ? Tr("Saved %1").arg(*path)

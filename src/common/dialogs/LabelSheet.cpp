@@ -1,11 +1,11 @@
 #include "common/dialogs/LabelSheet.h"
 
 #include "common/LabelLayout.h"
+#include "platform/files/WholeFile.h"
 
 #include <QBuffer>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QTextLayout>
 
 namespace
@@ -193,11 +193,9 @@ bool LabelSheet::WritePdf(const QString& fileName, QString& problem) const
             return false;
         }
     }
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(pages.data()) != pages.size() || !file.commit()) {
-        problem = QStringLiteral("The file \"%1\" could not be written: %2").arg(fileName, file.errorString());
-        return false;
-    }
-    problem.clear();
-    return true;
+    const FileStatus status = WholeFile::Write(fileName, pages.data(), IfThere::Replace);
+    problem = status.IsDone()
+                  ? QString()
+                  : QStringLiteral("The file \"%1\" could not be written: %2").arg(fileName, status.Words());
+    return status.IsDone();
 }

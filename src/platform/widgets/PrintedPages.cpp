@@ -1,5 +1,6 @@
 #include "platform/widgets/PrintedPages.h"
 
+#include "platform/files/WholeFile.h"
 #include "platform/widgets/PictureReader.h"
 #include "platform/widgets/TableWidths.h"
 
@@ -8,7 +9,6 @@
 #include <QHash>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QTextFrame>
 #include <QTextObjectInterface>
 #include <QTextTable>
@@ -215,7 +215,7 @@ bool PrintedPages::Print(QPagedPaintDevice& device, const PageStep& step, int fi
     return painter.end();
 }
 
-bool PrintedPages::WritePdf(const QString& fileName, QString& problem, const PageStep& step) const
+QByteArray PrintedPages::Pdf(QString& problem, const PageStep& step) const
 {
     problem.clear();
     bool isStopped = false;
@@ -231,14 +231,21 @@ bool PrintedPages::WritePdf(const QString& fileName, QString& problem, const Pag
         });
         if (!isPrinted) {
             problem = isStopped ? QString() : QStringLiteral("The pages could not be drawn.");
-            return false;
+            return {};
         }
     }
-    QSaveFile file(fileName);
-    if (file.open(QIODevice::WriteOnly) && file.write(pages.data()) == pages.size() && file.commit())
-        return true;
-    problem = QStringLiteral("The file \"%1\" could not be written: %2").arg(fileName, file.errorString());
-    return false;
+    return pages.data();
+}
+
+bool PrintedPages::WritePdf(const QString& fileName, QString& problem, const PageStep& step) const
+{
+    const QByteArray pdf = Pdf(problem, step);
+    if (pdf.isEmpty())
+        return false;
+    const FileStatus status = WholeFile::Write(fileName, pdf, IfThere::Replace);
+    if (!status.IsDone())
+        problem = QStringLiteral("The file \"%1\" could not be written: %2").arg(fileName, status.Words());
+    return status.IsDone();
 }
 
 #include "PrintedPages.moc"

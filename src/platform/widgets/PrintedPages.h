@@ -57,6 +57,9 @@ public:
     /// Pages from first to last (0 for the first page; -1 for the last one there is) without margins of the device's
     /// own. False when the device refused, or step said so.
     bool Print(QPagedPaintDevice& device, const PageStep& step = {}, int first = 0, int last = -1) const;
+    /// The pages as a PDF file's content. Empty when they could not be drawn, with the reason in words, or step said
+    /// so, without.
+    QByteArray Pdf(QString& problem, const PageStep& step = {}) const;
     /// Writes the file whole or not at all. False when that failed, with the reason in words, or step said so, without.
     bool WritePdf(const QString& fileName, QString& problem, const PageStep& step = {}) const;
 

@@ -111,7 +111,8 @@ TEST_F(ExportTest, APlaceThatCannotBeWrittenIsTold)
     dialogs.ExpectSave(taken);
     ChooseForRow(1, "mnuExportMessage");
     EXPECT_EQ(errors.Numbers(), QList<int>{dao::errCannotOpen});
-    EXPECT_EQ(errors.Descriptions(), QStringList{QStringLiteral("The file %1 could not be written.").arg(taken)});
+    EXPECT_EQ(errors.Descriptions(),
+              QStringList{QStringLiteral("The file %1 could not be written: it is a folder.").arg(taken)});
     EXPECT_EQ(errors.Sources(), QStringList{QStringLiteral("uMessagesList.mnuExportMessage")});
 }
 

@@ -82,8 +82,9 @@ TEST_F(MessageFileTest, AFileThatCannotBeWrittenIsAnError)
         FAIL() << "no error";
     } catch (const dao::Error& error) {
         EXPECT_EQ(error.Number(), dao::errCannotOpen);
-        EXPECT_EQ(error.Description(),
-                  QStringLiteral("The file %1 could not be written.").arg(Path(QStringLiteral("taken.eml"))));
+        EXPECT_EQ(
+            error.Description(),
+            QStringLiteral("The file %1 could not be written: it is a folder.").arg(Path(QStringLiteral("taken.eml"))));
     }
 }
 

@@ -173,15 +173,16 @@ TEST_F(FileHelperTest, ACopyReplacesTheTarget)
     EXPECT_EQ(ContentOf(source), "new");
 }
 
-TEST_F(FileHelperTest, ACopyOntoALinkReplacesTheFileThatItPointsTo)
+TEST_F(FileHelperTest, ACopyOntoALinkReplacesTheLinkAndLeavesWhatItPointsTo)
 {
     const QString source = Make(QStringLiteral("source"), "new");
     const QString target = Make(QStringLiteral("target"), "old");
     const QString link = Path(QStringLiteral("link"));
     ASSERT_TRUE(QFile::link(target, link));
     EXPECT_TRUE(FileHelper::CopyWithProgress(source, link, Caption));
-    EXPECT_EQ(ContentOf(target), "new");
-    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(ContentOf(target), "old");
+    EXPECT_FALSE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(ContentOf(link), "new");
 }
 
 TEST_F(FileHelperTest, ACancelledCopyLeavesTheOldStateAndNothingElse)

@@ -181,7 +181,8 @@ TEST_F(PrintDialogTest, AFileThatCannotBeWrittenIsToldInWords)
     ScriptedFileDialog files;
     const QString file = Path(QStringLiteral("nowhere/card.pdf"));
     files.ExpectSave(file);
-    Ui.ExpectWarning(QStringLiteral("The file \"%1\" could not be written: No such file or directory").arg(file));
+    Ui.ExpectWarning(
+        QStringLiteral("The file \"%1\" could not be written: there is no such file or folder.").arg(file));
     Click("savePdf");
 }
 
