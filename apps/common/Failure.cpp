@@ -20,6 +20,8 @@ ExitCode ExitCodeOf(int errorNumber)
     // Somebody else changed the same row a moment ago: the next attempt reads it anew.
     case dao::errChangedByAnother:
     case dao::errRecordDeleted:
+    // What was to be done is done on the station that was put back.
+    case dao::errFileReplaced:
         return exitTemporary;
     case dao::errFileDamaged:
     case dao::errUnrecognisedFormat:
@@ -59,6 +61,8 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
     case dao::errChangedByAnother:
     case dao::errRecordDeleted:
         return words(QStringLiteral("was changed by somebody else at the same moment. Try again."));
+    case dao::errFileReplaced:
+        return words(QStringLiteral("was put back from a backup meanwhile and has to be opened anew. Try again."));
     case dao::errFileDamaged:
         return words(QStringLiteral("is damaged. \"tolva check\" says what can still be read; put the newest backup in "
                                     "its place. (%1)")

@@ -11,7 +11,7 @@
 
 namespace
 {
-void PutInPlace(const QString& file, const QString& copy, const QString& keepName)
+void PutInPlace(const QString& folder, const QString& file, const QString& copy, const QString& keepName)
 {
     PendingError failure;
     const RestoreBackup::Outcome outcome = RestoreBackup::Replace(file, copy, keepName, failure);
@@ -19,16 +19,19 @@ void PutInPlace(const QString& file, const QString& copy, const QString& keepNam
         return;
     if (failure.Number() == dao::errCancelled)
         throw Failure(exitInterrupted, QStringLiteral("Ended early; nothing was changed."));
+    if (failure && outcome == RestoreBackup::Outcome::NotPut)
+        throw StationOpening::FailureOf(folder, failure.Number(), failure.Description());
     if (failure)
         throw FailureOf(QStringLiteral("The backup"), copy, failure.Number(), failure.Description());
-    throw Failure(
-        exitInputOutput,
-        QStringLiteral("The backup could not be put into %1; nothing was changed.").arg(FileHelper::FolderOf(file)));
+    throw Failure(exitInputOutput,
+                  QStringLiteral("The backup could not be put into %1; nothing was changed.").arg(folder));
 }
 
 /// Says why the record store cannot write another file of it.
-Failure WhyNotCompacted(const QString& folder, const QString& file)
+Failure WhyNotCompacted(const QString& folder, const QString& file, const PendingError& failure)
 {
+    if (failure.Number() == dao::errLocked || failure.Number() == dao::errDiskFull)
+        return StationOpening::FailureOf(folder, failure.Number(), failure.Description());
     try {
         dao::DBEngine::CheckDatabase(file);
     } catch (const dao::Error& error) {
@@ -67,12 +70,12 @@ StationReplacing::Result StationReplacing::Restore(const QString& folder, const 
     result.Before = CountsOf(file);
     result.SizeBefore = FileHelper::FileSize(file);
     const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
-    PutInPlace(file, copy, keepName);
+    PutInPlace(folder, file, copy, keepName);
+    // What was put back was read whole before. Others may have filed into it already, so that it is not compared.
     const std::optional<StationCounts> after = CountsOf(file);
-    if (after != counts)
-        throw Failure(exitData, QStringLiteral("The restored station does not hold what the backup \"%1\" holds. The "
-                                               "old file is kept as %2.")
-                                    .arg(backup.Name, keepName));
+    if (!after)
+        throw Failure(exitData,
+                      QStringLiteral("The restored station cannot be read. The old file is kept as %1.").arg(keepName));
     result.After = *after;
     result.SizeAfter = FileHelper::FileSize(file);
     result.KeepName = KeptName(keepName);
@@ -85,16 +88,18 @@ StationReplacing::Result StationReplacing::Compact(const QString& folder)
     if (!StationPlace::HoldsStation(folder))
         throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
     Result result;
-    result.Before = CountsOf(file);
     result.SizeBefore = FileHelper::FileSize(file);
-    const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
-    if (!DAO_DatabaseFunctions::CompactRepairDatabase(file, nullptr, QString(), true))
-        throw WhyNotCompacted(folder, file);
+    PendingError failure;
+    QString keepName;
+    if (!DAO_DatabaseFunctions::CompactRepairDatabase(file, nullptr, QString(), true, &failure, &keepName))
+        throw WhyNotCompacted(folder, file, failure);
+    // That is what the compacted content was made from; others may go on filing.
+    result.Before = CountsOf(keepName);
     const std::optional<StationCounts> after = CountsOf(file);
-    if (!after || (result.Before && after != result.Before))
-        throw Failure(exitData, QStringLiteral("The compacted station does not hold what it held before. The old file "
-                                               "is kept as %1.")
-                                    .arg(keepName));
+    if (!after)
+        throw Failure(
+            exitData,
+            QStringLiteral("The compacted station cannot be read. The old file is kept as %1.").arg(keepName));
     result.After = *after;
     result.SizeAfter = FileHelper::FileSize(file);
     result.KeepName = KeptName(keepName);

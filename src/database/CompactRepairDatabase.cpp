@@ -1,4 +1,4 @@
-// Compacting a database into a fresh file, the old one kept beside it.
+// Compacting a database by way of a fresh file, the old content kept beside it.
 
 #include "common/FileDialog.h"
 #include "common/FileHelper.h"
@@ -6,12 +6,12 @@
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "database/FileExchange.h"
+#include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
 
 #include <QDir>
 #include <QFile>
-
-#include <filesystem>
 
 namespace
 {
@@ -45,25 +45,19 @@ bool ConfirmCompacting(const QString& name)
                                                 MessageBoxAnswer::No}) == MessageBoxAnswer::Yes;
 }
 
-/// Puts the compacted file in the database's place. Where the file system has hard links there is a whole database
-/// under the name at every moment; elsewhere the old file stands under the keep name for the moment between two
-/// renames.
-void Replace(const QString& name, const QString& compacted, const QString& keepName)
+/// Puts a compacted copy, made under the temporary name, into the file; the name of the old content.
+QString CompactInPlace(const QString& database, const QString& compacted)
 {
-    const std::filesystem::path database(name.toStdU16String());
-    const std::filesystem::path fresh(compacted.toStdU16String());
-    const std::filesystem::path keep(keepName.toStdU16String());
-    std::error_code failure;
-    std::filesystem::create_hard_link(database, keep, failure);
-    if (failure)
-        std::filesystem::rename(database, keep);
-    try {
-        std::filesystem::rename(fresh, database);
-    } catch (const std::filesystem::filesystem_error&) {
-        // The old file goes back to its name, so that the station can be opened as before.
-        std::filesystem::rename(keep, database, failure);
-        throw;
-    }
+    FileExchange::Plan plan;
+    plan.File = database;
+    plan.Replacement = compacted;
+    plan.Make = [&](dao::ContentExchange& exchange) {
+        QFile::remove(compacted);
+        dao::DBEngine::CompactDatabase(database, compacted);
+        exchange.RequireSameRows(compacted);
+    };
+    plan.KeepName = [&] { return DAO_DatabaseFunctions::FreeKeepName(database); };
+    return FileExchange::InPlace(plan);
 }
 } // namespace
 
@@ -78,7 +72,7 @@ QString DAO_DatabaseFunctions::FreeKeepName(const QString& name)
 }
 
 bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialog* dialog, const QString& initialFolder,
-                                                  bool silent)
+                                                  bool silent, PendingError* failure, QString* keptAs)
 {
     const QString database = name.isEmpty() ? ChooseDatabase(dialog, initialFolder) : name;
     if (database.isEmpty() || (!silent && !ConfirmCompacting(database)))
@@ -91,12 +85,15 @@ bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialo
             if (compacted.isEmpty())
                 throw dao::Error(dao::errCannotOpen,
                                  QStringLiteral("No temporary file can be made beside the database."));
-            dao::DBEngine::CompactDatabase(database, compacted);
-            Replace(database, compacted, FreeKeepName(database));
+            const QString keepName = CompactInPlace(database, compacted);
+            if (keptAs)
+                *keptAs = keepName;
         });
+        QFile::remove(compacted);
     }
     if (pending.Number() != 0) {
-        QFile::remove(compacted);
+        if (failure)
+            *failure = pending;
         ReportProblem(QStringLiteral("Compacting/Repairing the database: ") + database.trimmed(), pending.Number(),
                       silent, pending.Description());
         return false;

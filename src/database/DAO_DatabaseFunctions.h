@@ -7,6 +7,7 @@
 #include <QVariant>
 
 class FileDialog;
+class PendingError;
 
 /// A database as a file, apart from any open connection, and the rows of its Settings table. Failures are told to the
 /// user through ReportProblem and returned as the engine's error number; nothing here throws.
@@ -24,10 +25,12 @@ TOLVA_EXPORT qint16 ValidateDatabase(const QString& name, qint32 type, bool sile
 TOLVA_EXPORT qint16 GetDatabaseInformation(const QString& name, DatabaseInformation& information, bool reportErrors,
                                            const QString& connect);
 
-/// Replaces the database by a compacted copy and keeps the old file as "NAME-0001.BAK" (the first free number). With an
-/// empty name the dialog, when there is one, asks for the file. False when nothing was changed.
+/// Puts a compacted copy's content into the database, which others may have open, and keeps the old content as
+/// "NAME-0001.BAK" (the first free number). With an empty name the dialog, when there is one, asks for the file. False
+/// when nothing was changed; failure, when given, then holds the error, if there was one. keptAs gets
+/// the old content's file name.
 TOLVA_EXPORT bool CompactRepairDatabase(const QString& name, FileDialog* dialog, const QString& initialFolder,
-                                        bool silent);
+                                        bool silent, PendingError* failure = nullptr, QString* keptAs = nullptr);
 
 /// The first free name of "NAME-0001.BAK" and so on.
 TOLVA_EXPORT QString FreeKeepName(const QString& name);

@@ -1,18 +1,18 @@
 #include "database/RestoreBackup.h"
 
-#include "common/DurableFile.h"
 #include "common/FileHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/BackupFolders.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "database/FileExchange.h"
 #include "database/cTolvaDatabase.h"
+#include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
 
 #include <QFile>
-
-#include <filesystem>
+#include <QUuid>
 
 namespace
 {
@@ -22,24 +22,38 @@ MessageBoxAnswer Ask(const QString& text)
         {text, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No});
 }
 
-/// Gives the old file its keep name as well, or instead where a file has one name only.
-bool Keep(const QString& databaseFile, const QString& keepName)
+/// What stands in the way of putting something into a file, rather than in its place: it is missing, or cannot be read.
+bool NeedsRename(int errorNumber)
 {
-    std::error_code error;
-    std::filesystem::create_hard_link(std::filesystem::path(databaseFile.toStdU16String()),
-                                      std::filesystem::path(keepName.toStdU16String()), error);
-    return !error || RenameWithChecks(databaseFile, keepName);
+    switch (errorNumber) {
+    case dao::errFileNotFound:
+    case dao::errFileDamaged:
+    case dao::errUnrecognisedFormat:
+    case dao::errDiskError:
+    case dao::errNotSupported:
+        return true;
+    default:
+        return false;
+    }
 }
 
-/// Its journal and the like go with the old file: under the restored one they would be taken for its own.
-void MoveCompanions(const QString& from, const QString& to)
+void PutInPlace(const QString& databaseFile, const QString& restored, const QString& keepName)
 {
-    const QStringList oldNames = dao::DBEngine::CompanionsOf(from);
-    const QStringList newNames = dao::DBEngine::CompanionsOf(to);
-    for (qsizetype i = 0; i < oldNames.size(); ++i) {
-        if (FileHelper::FileExists(oldNames.at(i)))
-            DurableFile::RenameOver(oldNames.at(i), newNames.at(i));
+    const auto mark = [&] { dao::ContentExchange::MarkAsRestored(restored, databaseFile); };
+    FileExchange::Plan plan;
+    plan.File = databaseFile;
+    plan.Replacement = restored;
+    plan.Make = [&](dao::ContentExchange&) { mark(); };
+    plan.KeepName = [&] { return keepName; };
+    try {
+        FileExchange::InPlace(plan);
+        return;
+    } catch (const dao::Error& error) {
+        if (!NeedsRename(error.Number()))
+            throw;
     }
+    mark();
+    FileExchange::ByRename(databaseFile, restored, keepName);
 }
 } // namespace
 
@@ -51,28 +65,16 @@ QString RestoreBackup::KeepNameOf(const QString& databaseFile)
 RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const QString& backupFile,
                                               const QString& keepName, PendingError& failure)
 {
-    const QString restored = databaseFile + QStringLiteral(".restored");
+    // A name of its own: somebody else may be restoring as well.
+    const QString restored =
+        databaseFile + QStringLiteral(".restored-") + QUuid::createUuid().toString(QUuid::Id128).left(12);
     if (!FileHelper::CopyWithProgress(backupFile, restored, QStringLiteral("Restoring Backup"), &failure) ||
         FileHelper::FileSize(restored) <= 0)
         return Outcome::CopyFailed;
-    const bool hasOld = FileHelper::FileExists(databaseFile);
-    if (hasOld && !Keep(databaseFile, keepName)) {
-        QFile::remove(restored);
-        return Outcome::RenameFailed;
-    }
-    MoveCompanions(databaseFile, keepName);
-    if (DurableFile::RenameOver(restored, databaseFile))
-        return Outcome::Done;
-    // Back to where it was.
-    QFile::remove(restored);
-    if (hasOld) {
-        if (!FileHelper::FileExists(databaseFile))
-            DurableFile::RenameOver(keepName, databaseFile);
-        else
-            QFile::remove(keepName); // a second name of the old file
-        MoveCompanions(keepName, databaseFile);
-    }
-    return Outcome::CopyFailed;
+    const bool isPut = failure.Try([&] { PutInPlace(databaseFile, restored, keepName); });
+    for (const QString& name : dao::DBEngine::CompanionsOf(restored) + QStringList(restored))
+        QFile::remove(name);
+    return isPut ? Outcome::Done : Outcome::NotPut;
 }
 
 /// Offers the newest backup that reads in place of a database that does not. failure: what reading it gave. 0 when the
@@ -108,7 +110,7 @@ qint32 cTolvaDatabase::OfferBackupOfCorruptedDatabase(const QString& fileName, c
                                    pending)) {
     case RestoreBackup::Outcome::Done:
         break;
-    case RestoreBackup::Outcome::RenameFailed:
+    case RestoreBackup::Outcome::NotPut:
         ReportProblem(QStringLiteral("renaming the old corrupted database"), pending.Number(), SilentMode_,
                       pending.Description());
         return -1;

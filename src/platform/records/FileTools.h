@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/files/FileStatus.h"
+
+#include <QString>
 
 namespace dao
 {
@@ -34,5 +37,9 @@ private:
     QString Name_;
     bool IsMoved_ = false;
 };
+
+/// Gives a file the mode, the access list and, where this account may, the owner and group of another: who could use
+/// the one can use the other. What cannot be given is left out.
+TOLVA_EXPORT void CopyAccess(const QString& from, const QString& to);
 
 } // namespace dao

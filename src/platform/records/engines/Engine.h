@@ -149,6 +149,33 @@ public:
     virtual QStringList ParametersOf(const jetsql::Statement& statement) = 0;
 };
 
+/// Puts another content into a database file that others may have open, in one step: they find the old content or the
+/// new one, and no commit is lost in between. See ContentExchange.h for what each call promises.
+class ContentExchange
+{
+public:
+    ContentExchange() = default;
+    virtual ~ContentExchange() = default;
+    ContentExchange(const ContentExchange&) = delete;
+    ContentExchange& operator=(const ContentExchange&) = delete;
+
+    virtual void Note(bool keepsWritersOut) = 0;
+    virtual bool IsAsNoted() = 0;
+    virtual void KeepAs(const QString& keepName, const CopyProgress& progress) = 0;
+    virtual void RequireSameRows(const QString& replacement) = 0;
+    virtual bool Put(const QString& replacement) = 0;
+};
+
+/// Keeps everybody from reading and writing a file, whatever it holds, until it is gone.
+class FileLock
+{
+public:
+    FileLock() = default;
+    virtual ~FileLock() = default;
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+};
+
 /// One kind of database. Lives in the EngineRegistry for the life of the process.
 class Engine
 {
@@ -180,6 +207,17 @@ public:
     virtual void Copy(const QString& source, const QString& target, const CopyProgress& progress) = 0;
     /// Reads a file to its last page; 3049 when it is damaged.
     virtual void Check(const QString& fileName) = 0;
+    /// Errors: those of Open; 3251 from an engine that cannot exchange the content of a file that others have open.
+    virtual std::unique_ptr<ContentExchange> BeginExchange(const QString&)
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine cannot exchange the content of a file."));
+    }
+    /// Makes replacement, a file of this engine, what is put in the place of replaced: whoever has that open will see
+    /// that it is another state, and no automatic number is given again that replaced, as far as it can be read, gave.
+    virtual void MarkAsRestored(const QString& /*replacement*/, const QString& /*replaced*/) {}
+    /// For a file that is to lose its name because it cannot be opened any more. Null from an engine that does not lock
+    /// files; 3260 when somebody else keeps the lock.
+    virtual std::unique_ptr<FileLock> LockOut(const QString&) { return nullptr; }
     /// The names of the files that belong to a database file while it is in use or after a crash, whether they are
     /// there or not. A file that takes its name must not meet them.
     virtual QStringList CompanionsOf(const QString& fileName) const = 0;

@@ -90,6 +90,16 @@ Engine& EngineRegistry::ForConnect(const QString& connect) const
     throw Error(errNotSupported, QStringLiteral("No database engine serves this connection string."));
 }
 
+std::vector<std::unique_ptr<FileLock>> EngineRegistry::LockOut(const QString& fileName) const
+{
+    std::vector<std::unique_ptr<FileLock>> locks;
+    for (const auto& engine : Engines_) {
+        if (auto lock = engine->LockOut(fileName))
+            locks.push_back(std::move(lock));
+    }
+    return locks;
+}
+
 QStringList EngineRegistry::CompanionsOf(const QString& fileName) const
 {
     QStringList names;

@@ -26,7 +26,9 @@ public:
     Engine& ForFile(const QByteArray& firstOctets) const;
     /// Error 3251 when no engine serves the connect string or the one that does is not available.
     Engine& ForConnect(const QString& connect) const;
-    /// Those of all engines: a damaged file does not tell whose it is.
+    /// Of all engines: a damaged file does not tell whose it is. The locks of those that lock files.
+    std::vector<std::unique_ptr<FileLock>> LockOut(const QString& fileName) const;
+    /// Those of all engines, for the same reason.
     QStringList CompanionsOf(const QString& fileName) const;
 
 private:

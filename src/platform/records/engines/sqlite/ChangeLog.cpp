@@ -116,7 +116,16 @@ int FileSize(sqlite3_file* file, sqlite3_int64* size)
 }
 int Lock(sqlite3_file* file, int level)
 {
-    return Real(file)->pMethods->xLock(Real(file), level);
+    const int code = Real(file)->pMethods->xLock(Real(file), level);
+    if (code != SQLITE_OK || level != SQLITE_LOCK_SHARED)
+        return code;
+    // The first lock of each operation, before SQLite looks for a journal: the name, and the journal's name with it,
+    // may be another file's by now, and what is open here lies under a keep name, where nobody may write any more.
+    int hasMoved = 0;
+    if (Real(file)->pMethods->xFileControl(Real(file), SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK || hasMoved == 0)
+        return SQLITE_OK;
+    Real(file)->pMethods->xUnlock(Real(file), SQLITE_LOCK_NONE);
+    return SQLITE_READONLY_DBMOVED;
 }
 int Unlock(sqlite3_file* file, int level)
 {

@@ -21,6 +21,15 @@ constexpr int CacheKibibytes = 8192;
 
 } // namespace
 
+Error FileExchanged(const QString& fileName)
+{
+    if (!QFileInfo::exists(fileName))
+        return Error(errDiskError, QStringLiteral("The database '%1' is not there any more.").arg(fileName));
+    return Error(errFileReplaced, QStringLiteral("The database '%1' was put back from a backup while it was open. It "
+                                                 "has to be opened anew.")
+                                      .arg(fileName));
+}
+
 Error ErrorOf(int extendedCode, const QString& message, const QString& fileName)
 {
     const QString words = QStringLiteral(" (%1)").arg(message);
@@ -45,6 +54,9 @@ Error ErrorOf(int extendedCode, const QString& message, const QString& fileName)
             return Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(fileName) + words);
         return Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(fileName) + words);
     case SQLITE_READONLY:
+        if (extendedCode == SQLITE_READONLY_DBMOVED)
+            return FileExchanged(fileName);
+        [[fallthrough]];
     case SQLITE_PERM:
     case SQLITE_AUTH:
         return Error(errCannotOpen,

@@ -119,6 +119,9 @@ private:
     bool IsEager_ = false;
 };
 
+/// What is said once a file's name belongs to another file, or its content to another state.
+Error FileExchanged(const QString& fileName);
+
 /// What a result code of SQLite is in the numbers of the record store. message: SQLite's own words.
 Error ErrorOf(int extendedCode, const QString& message, const QString& fileName);
 

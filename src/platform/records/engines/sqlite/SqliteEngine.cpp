@@ -3,8 +3,10 @@
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
+#include "platform/records/engines/sqlite/ContentReplacement.h"
 #include "platform/records/engines/sqlite/FileCopy.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/FileIdentity.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
 #include "platform/records/engines/sqlite/SqliteStore.h"
@@ -53,6 +55,18 @@ public:
     void Compact(const QString& source, const QString& target) override;
     void Copy(const QString& source, const QString& target, const engine::CopyProgress& progress) override;
     void Check(const QString& fileName) override;
+    std::unique_ptr<engine::ContentExchange> BeginExchange(const QString& fileName) override
+    {
+        return std::make_unique<ContentReplacement>(fileName);
+    }
+    void MarkAsRestored(const QString& replacement, const QString& replaced) override
+    {
+        MarkFileAsRestored(replacement, replaced);
+    }
+    std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override
+    {
+        return std::make_unique<ContentLock>(fileName);
+    }
     QStringList CompanionsOf(const QString& fileName) const override
     {
         return {fileName + QStringLiteral("-journal"), ChangeLog::NameFor(fileName)};
@@ -72,6 +86,7 @@ void SqliteEngine::Create(const QString& fileName)
         Connection connection(file.Name(), Connection::Mode::Create);
         connection.Execute("BEGIN IMMEDIATE");
         CreateStructure(connection);
+        WriteNewIdentity(connection);
         connection.Execute("COMMIT");
     }
     file.MoveTo(fileName);

@@ -1,6 +1,7 @@
 #include "platform/records/engines/sqlite/SqliteStore.h"
 
 #include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/FileIdentity.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/StoreScopes.h"
 
@@ -104,6 +105,13 @@ qint64 SqliteStore::CookieInFile() const
     return qFromBigEndian<quint32>(octets.data());
 }
 
+void SqliteStore::RequireSameFile()
+{
+    // A restore changes the cookie. In a transaction of our own nobody can.
+    if (IsReplaced_ || (Transaction_ != Transaction::Started && CookieInFile() != Cookie_))
+        ReadSchemaUnderLock();
+}
+
 SchemaPtr SqliteStore::CurrentSchema()
 {
     // In a transaction of our own nobody else changes anything, and our own changes are read at once.
@@ -114,10 +122,17 @@ SchemaPtr SqliteStore::CurrentSchema()
 
 SchemaPtr SqliteStore::ReadSchemaUnderLock()
 {
+    if (IsReplaced_)
+        throw FileExchanged(Connection_.FileName());
     ReadScope scope(*this);
     const qint64 cookie = Connection_.Number("PRAGMA schema_version");
     if (Schema_ && cookie == Cookie_)
         return Schema_;
+    const qint64 identity = ReadIdentity(Connection_);
+    if (Schema_ && identity != Identity_) {
+        IsReplaced_ = true;
+        throw FileExchanged(Connection_.FileName());
+    }
     SchemaPtr schema = ReadSchema(Connection_, Schema_);
     std::erase_if(AccessedTables_, [&](const TablePtr& table) {
         const bool isGone = schema->Find(table->Name) != table;
@@ -127,6 +142,7 @@ SchemaPtr SqliteStore::ReadSchemaUnderLock()
     });
     Schema_ = std::move(schema);
     Cookie_ = cookie;
+    Identity_ = identity;
     return Schema_;
 }
 
@@ -198,12 +214,14 @@ void SqliteStore::AddIndex(const QString& tableName, const IndexKey& index)
 bool SqliteStore::ReadEnd(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
 {
     Connection_.StartWaiting();
+    RequireSameFile();
     return Access(table).ReadEnd(index, direction, memos, row);
 }
 
 bool SqliteStore::ReadNext(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
 {
     Connection_.StartWaiting();
+    RequireSameFile();
     return Access(table).ReadNext(index, direction, memos, row);
 }
 
@@ -211,6 +229,7 @@ bool SqliteStore::Seek(const TablePtr& table, int index, SeekComparison comparis
                        MemoFetch memos, Row& row)
 {
     Connection_.StartWaiting();
+    RequireSameFile();
     return Access(table).Seek(index, comparison, keys, memos, row);
 }
 
@@ -230,6 +249,8 @@ std::vector<Row> SqliteStore::ReadRows(const TablePtr& table, std::span<const qi
             row.Id = engine::NoRow;
         octets += static_cast<qint64>(row.Cells.size());
     }
+    // Behind the reads, and under their lock: the ids are those of rows that were found before.
+    RequireSameFile();
     return rows;
 }
 
@@ -239,9 +260,12 @@ std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& ta
     const bool isRun = IsDenseRun(ids);
     ReadScope scope(*this, ids.size() > 1 && !isRun);
     TableAccess& access = Access(table);
-    if (isRun)
-        return access.ReadMemoRange(column, ids, octetBudget);
     std::vector<std::optional<QByteArray>> memos;
+    if (isRun) {
+        memos = access.ReadMemoRange(column, ids, octetBudget);
+        RequireSameFile();
+        return memos;
+    }
     memos.reserve(ids.size());
     qint64 octets = 0;
     for (const qint64 id : ids) {
@@ -250,12 +274,14 @@ std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& ta
         memos.push_back(access.ReadMemo(column, id));
         octets += memos.back() ? memos.back()->size() : 0;
     }
+    RequireSameFile();
     return memos;
 }
 
 int SqliteStore::CountRows(const TablePtr& table)
 {
     Connection_.StartWaiting();
+    RequireSameFile();
     return static_cast<int>(Access(table).CountRows());
 }
 

@@ -67,11 +67,16 @@ private:
     /// 3049 when the file is shorter than it says.
     void CheckLength();
     engine::SchemaPtr ReadSchemaUnderLock();
+    /// 3734 once a backup was put in the place of what this store was opened on. Otherwise takes over a structure that
+    /// others changed.
+    void RequireSameFile();
     qint64 CookieInFile() const;
     engine::TablePtr RequireTable(const QString& name);
     TableAccess& Access(const engine::TablePtr& table);
     void CheckPrimaryKey(const engine::Table& table, std::span<const engine::Assignment> values, bool isNewRow) const;
     void CheckNoNullInPrimaryKey(const engine::Table& table);
+    /// Takes the lock of a writer, on the file that was opened.
+    void BeginWriting();
     /// The lock of a writer for an announced transaction.
     void Start();
     /// Sees whether a failure of the disk took the open transaction back.
@@ -88,6 +93,8 @@ private:
     int Depth_ = 0; ///< Of the caller's transactions in each other; each inner one is a savepoint.
     engine::SchemaPtr Schema_;
     qint64 Cookie_ = -1;
+    qint64 Identity_ = 0;
+    bool IsReplaced_ = false;
     std::unordered_map<const engine::Table*, std::unique_ptr<TableAccess>> Accesses_;
     std::vector<engine::TablePtr> AccessedTables_; ///< Keeps the keys of Accesses_ alive.
     CounterBlocks Counters_;

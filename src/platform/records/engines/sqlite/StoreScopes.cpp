@@ -32,7 +32,7 @@ SqliteStore::WriteScope::WriteScope(SqliteStore& store) : Store_(store)
         Store_.RaiseLost();
     connection.StartWaiting();
     if (Store_.Transaction_ == Transaction::None) {
-        StatementUse(Store_.BeginImmediate_).Run();
+        Store_.BeginWriting();
         IsOwn_ = true;
         return;
     }

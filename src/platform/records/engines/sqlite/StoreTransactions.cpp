@@ -23,9 +23,20 @@ void SqliteStore::BeginTrans()
     ++Depth_;
 }
 
-void SqliteStore::Start()
+void SqliteStore::BeginWriting()
 {
     StatementUse(BeginImmediate_).Run();
+    try {
+        RequireSameFile();
+    } catch (...) {
+        Connection_.Abandon();
+        throw;
+    }
+}
+
+void SqliteStore::Start()
+{
+    BeginWriting();
     Transaction_ = Transaction::Started;
     for (int depth = 2; depth <= Depth_; ++depth)
         Connection_.Execute("SAVEPOINT " + SavepointName(depth));
