@@ -41,6 +41,7 @@ enum ErrorNumber : int
     errUnrecognisedFormat = 3343,
     errObjectInvalid = 3420,
     errDataTypeConversion = 3421,
+    errMemoDamaged = 3428,
     errCancelled = 32755,
 };
 

@@ -112,6 +112,13 @@ SchemaPtr SqliteStore::CurrentSchema()
     return Schema_;
 }
 
+SchemaPtr SqliteStore::SchemaUnderLock()
+{
+    if (CookieInFile() != Cookie_)
+        ReadSchemaUnderLock();
+    return Schema_;
+}
+
 SchemaPtr SqliteStore::ReadSchemaUnderLock()
 {
     ReadScope scope(*this);
@@ -119,6 +126,13 @@ SchemaPtr SqliteStore::ReadSchemaUnderLock()
     if (Schema_ && cookie == Cookie_)
         return Schema_;
     SchemaPtr schema = ReadSchema(Connection_, Schema_);
+    const bool hasChecks = FormatOf(Connection_) != FormatVersionWithoutChecks;
+    if (hasChecks != HasChecks_) {
+        // A compaction gave its rows another layout.
+        Accesses_.clear();
+        AccessedTables_.clear();
+        HasChecks_ = hasChecks;
+    }
     std::erase_if(AccessedTables_, [&](const TablePtr& table) {
         const bool isGone = schema->Find(table->Name) != table;
         if (isGone)
@@ -142,7 +156,7 @@ TableAccess& SqliteStore::Access(const TablePtr& table)
 {
     auto& access = Accesses_[table.get()];
     if (!access) {
-        access = std::make_unique<TableAccess>(Connection_, table);
+        access = std::make_unique<TableAccess>(Connection_, table, HasChecks_);
         AccessedTables_.push_back(table);
     }
     return *access;
@@ -233,22 +247,22 @@ std::vector<Row> SqliteStore::ReadRows(const TablePtr& table, std::span<const qi
     return rows;
 }
 
-std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& table, int column,
-                                                              std::span<const qint64> ids, qint64 octetBudget)
+std::vector<engine::StoredMemo> SqliteStore::ReadMemos(const TablePtr& table, int column, std::span<const qint64> ids,
+                                                       qint64 octetBudget)
 {
     const bool isRun = IsDenseRun(ids);
     ReadScope scope(*this, ids.size() > 1 && !isRun);
     TableAccess& access = Access(table);
     if (isRun)
         return access.ReadMemoRange(column, ids, octetBudget);
-    std::vector<std::optional<QByteArray>> memos;
+    std::vector<engine::StoredMemo> memos;
     memos.reserve(ids.size());
     qint64 octets = 0;
     for (const qint64 id : ids) {
         if (octets > octetBudget)
             break;
         memos.push_back(access.ReadMemo(column, id));
-        octets += memos.back() ? memos.back()->size() : 0;
+        octets += memos.back().Utf8.size();
     }
     return memos;
 }
@@ -297,6 +311,7 @@ qint64 SqliteStore::Insert(const TablePtr& table, std::span<const engine::Assign
 {
     CheckPrimaryKey(*table, values, true);
     WriteScope scope(*this);
+    SchemaUnderLock();
     const qint64 id = Access(table).Insert(values);
     scope.Commit();
     return id;
@@ -306,6 +321,7 @@ void SqliteStore::Update(const TablePtr& table, qint64 id, qint64 version, std::
 {
     CheckPrimaryKey(*table, values, false);
     WriteScope scope(*this);
+    SchemaUnderLock();
     TableAccess& access = Access(table);
     if (!access.Update(id, version, values)) {
         if (access.Exists(id))

@@ -36,8 +36,8 @@ public:
               engine::MemoFetch memos, Row& row) override;
     std::vector<Row> ReadRows(const engine::TablePtr& table, std::span<const qint64> ids, engine::MemoFetch memos,
                               qint64 octetBudget) override;
-    std::vector<std::optional<QByteArray>> ReadMemos(const engine::TablePtr& table, int column,
-                                                     std::span<const qint64> ids, qint64 octetBudget) override;
+    std::vector<engine::StoredMemo> ReadMemos(const engine::TablePtr& table, int column, std::span<const qint64> ids,
+                                              qint64 octetBudget) override;
     int CountRows(const engine::TablePtr& table) override;
 
     qint64 DrawCounter(const engine::TablePtr& table) override;
@@ -66,6 +66,8 @@ private:
     /// 3049 when the file is shorter than it says.
     void CheckLength();
     engine::SchemaPtr ReadSchemaUnderLock();
+    /// The structure while a lock is held: looked at once more only where it changed.
+    engine::SchemaPtr SchemaUnderLock();
     qint64 CookieInFile() const;
     engine::TablePtr RequireTable(const QString& name);
     TableAccess& Access(const engine::TablePtr& table);
@@ -87,6 +89,7 @@ private:
     int Depth_ = 0; ///< Of the caller's transactions in each other; each inner one is a savepoint.
     engine::SchemaPtr Schema_;
     qint64 Cookie_ = -1;
+    bool HasChecks_ = false; ///< Of the file: whether its memos carry checks.
     std::unordered_map<const engine::Table*, std::unique_ptr<TableAccess>> Accesses_;
     std::vector<engine::TablePtr> AccessedTables_; ///< Keeps the keys of Accesses_ alive.
     CounterBlocks Counters_;
