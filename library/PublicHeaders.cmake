@@ -36,6 +36,7 @@ set(publicHeaders
     platform/records/Database.h
     platform/records/Error.h
     platform/records/Field.h
+    platform/records/FileReport.h
     platform/records/QueryDef.h
     platform/records/Recordset.h
     platform/records/TableDef.h

@@ -112,7 +112,7 @@ public:
     void Create(const QString&) override {}
     void Compact(const QString&, const QString&) override {}
     void Copy(const QString&, const QString&, const engine::CopyProgress&) override {}
-    void Check(const QString&) override {}
+    dao::FileReport Examine(const QString&, const engine::CopyProgress&) override { return {}; }
     QStringList CompanionsOf(const QString&) const override { return {}; }
     std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {

@@ -93,7 +93,16 @@ void DBEngine::CopyDatabase(const QString& source, const QString& target,
 
 void DBEngine::CheckDatabase(const QString& file)
 {
-    EngineOfFile(file).Check(QFileInfo(file).absoluteFilePath());
+    const FileReport report = ExamineDatabase(file);
+    if (report.Verdict == FileReport::State::Damaged) {
+        throw Error(errFileDamaged,
+                    QStringLiteral("The database '%1' is damaged. (%2)").arg(file, report.Faults.value(0)));
+    }
+}
+
+FileReport DBEngine::ExamineDatabase(const QString& file, const std::function<bool(qint64, qint64)>& advance)
+{
+    return EngineOfFile(file).Examine(QFileInfo(file).absoluteFilePath(), advance);
 }
 
 QStringList DBEngine::CompanionsOf(const QString& file)

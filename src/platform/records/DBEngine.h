@@ -2,6 +2,7 @@
 
 #include "platform/Export.h"
 #include "platform/records/Database.h"
+#include "platform/records/FileReport.h"
 
 #include <QStringList>
 
@@ -57,7 +58,12 @@ public:
     /// and 3043 for the disk, 3260, and 3049 for a source that is damaged anywhere. They leave no target behind.
     static void CopyDatabase(const QString& source, const QString& target,
                              const std::function<bool(qint64 done, qint64 total)>& advance);
-    /// Reads a database to its last page. 3049 when it is damaged anywhere, else the errors of OpenDatabase.
+    /// Reads a database to its last page and says what is wrong with it; others may be using it, and wait for a moment
+    /// while its pages are compared. advance stops it by answering false (32755). The errors of OpenDatabase, but for
+    /// 3049, which is a finding.
+    static FileReport ExamineDatabase(const QString& file, const std::function<bool(qint64, qint64)>& advance = {});
+    /// The same where nothing but the verdict matters: 3049 when the database is damaged. Indexes that do not match
+    /// their tables lose nothing and are no damage.
     static void CheckDatabase(const QString& file);
     /// The names of all files, there or not, that an engine may have put beside a database file. They are the file's
     /// own: another file that takes its name must not meet them.

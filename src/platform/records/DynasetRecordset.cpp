@@ -101,11 +101,11 @@ QVariant DynasetRecordset::StoredValueAt(int ordinal) const
     const CellView cell = RowReader::At(CurrentValues().Cells.data(), EditedColumn(ordinal));
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
-    const QByteArray memo = StoredMemoAt(ordinal);
+    const QByteArray memo = StoredMemoAt(ordinal, MemoTrust::Verified);
     return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
 }
 
-QByteArray DynasetRecordset::StoredMemoAt(int ordinal) const
+QByteArray DynasetRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
     const CellView cell = RowReader::At(CurrentValues().Cells.data(), EditedColumn(ordinal));
     AsksForMemos_ = true;
@@ -116,12 +116,10 @@ QByteArray DynasetRecordset::StoredMemoAt(int ordinal) const
                                  : QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
     if (Memos_.empty())
         Memos_.resize(Shape().Columns.size());
-    const auto memo = Memos_[static_cast<std::size_t>(ordinal)].Read(
+    const engine::StoredMemo& memo = Memos_[static_cast<std::size_t>(ordinal)].Read(
         Open(), EditedTable(), EditedColumn(ordinal), CurrentRow(), Rows(),
         [&](int row) { return Keys_[static_cast<std::size_t>(row)]; });
-    if (!memo)
-        RaiseDeleted();
-    return *memo;
+    return Accepted(memo, ordinal, trust);
 }
 
 void DynasetRecordset::Release()

@@ -41,6 +41,7 @@ enum ErrorNumber : int
     errUnrecognisedFormat = 3343,
     errObjectInvalid = 3420,
     errDataTypeConversion = 3421,
+    errMemoDamaged = 3428,
     errFileReplaced = 3734, ///< The file was put back from a backup while it was open: it has to be opened anew.
     errCancelled = 32755,
 };

@@ -40,9 +40,9 @@ void Field::SetValue(const QVariant& value)
     Require(Recordset_).SetValueOf(Ordinal_, value);
 }
 
-QByteArray Field::Octets() const
+QByteArray Field::Octets(MemoTrust trust) const
 {
-    return Require(Recordset_).OctetsOf(Ordinal_);
+    return Require(Recordset_).OctetsOf(Ordinal_, trust);
 }
 
 void Field::SetOctets(const QByteArray& octets)

@@ -12,6 +12,13 @@ namespace dao
 
 class Recordset;
 
+/// Whether a memo that is not what was saved is refused or handed over as it is.
+enum class MemoTrust
+{
+    Verified,
+    AsStored
+};
+
 /// A field: the definition of a column in a TableDef or an Index, or a column of a Recordset's current row. Owned by
 /// the collection it stands in.
 class TOLVA_EXPORT Field
@@ -32,7 +39,8 @@ public:
     void SetAllowZeroLength(bool allow) { AllowZeroLength_ = allow; }
 
     /// The value in the recordset's current row, or in its edit buffer between AddNew or Edit and Update. Invalid for
-    /// Null. A memo is read from the file when it is asked for. Error 3021 without a current row, 3420 on a definition.
+    /// Null. A memo is read from the file when it is asked for. Error 3021 without a current row, 3420 on a definition,
+    /// 3428 for a memo that was changed on the disk since it was saved.
     QVariant Value() const;
     /// Error 3020 outside AddNew and Edit; 3163 for a text longer than the field; 6 for a number outside the type; 3421
     /// for a value that cannot be converted. A refused value leaves the buffer as it was.
@@ -40,7 +48,8 @@ public:
 
     /// The value of a memo whose characters are all below U+0100, one octet a character: the same value as Value()
     /// without the cost of widening megabytes. Null array for Null. Error 13 when a character is above U+00FF.
-    QByteArray Octets() const;
+    /// AsStored: no error 3428 and no error 13; what is no such character comes as the octets that stand in the file.
+    QByteArray Octets(MemoTrust trust = MemoTrust::Verified) const;
     /// The same value as SetValue with each octet as the character U+0000 to U+00FF. A null array stores Null.
     void SetOctets(const QByteArray& octets);
 

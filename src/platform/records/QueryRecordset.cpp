@@ -155,7 +155,7 @@ void QueryRecordset::FindFirst(const QString& criteria)
     }
 }
 
-std::optional<QByteArray> MemoWindow::Read(engine::Store& store, const engine::TablePtr& table, int column, int row,
+const engine::StoredMemo& MemoWindow::Read(engine::Store& store, const engine::TablePtr& table, int column, int row,
                                            int rows, const KeyAt& keyAt)
 {
     const int behind = First_ + static_cast<int>(Memos_.size());
@@ -166,7 +166,15 @@ std::optional<QByteArray> MemoWindow::Read(engine::Store& store, const engine::T
         for (int next = row; next < std::min(row + Batch_, rows); ++next)
             ids.push_back(keyAt(next));
         Memos_.clear();
-        Memos_ = store.ReadMemos(table, column, ids, BatchOctets);
+        try {
+            Memos_ = store.ReadMemos(table, column, ids, BatchOctets);
+        } catch (const Error& error) {
+            // One of those behind it cannot be read, which is no reason to withhold this one.
+            if (error.Number() != errFileDamaged || ids.size() == 1)
+                throw;
+            Batch_ = 1;
+            Memos_ = store.ReadMemos(table, column, std::span(ids).first(1), BatchOctets);
+        }
         First_ = row;
     }
     return Memos_[static_cast<std::size_t>(row - First_)];

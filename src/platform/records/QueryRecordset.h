@@ -78,14 +78,14 @@ class MemoWindow
 public:
     using KeyAt = std::function<qint64(int row)>;
 
-    /// The memo of a row; nothing when its row is gone. rows: how many there are.
-    std::optional<QByteArray> Read(engine::Store& store, const engine::TablePtr& table, int column, int row, int rows,
+    /// The memo of a row. rows: how many there are.
+    const engine::StoredMemo& Read(engine::Store& store, const engine::TablePtr& table, int column, int row, int rows,
                                    const KeyAt& keyAt);
 
 private:
     int First_ = 0;
     int Batch_ = 1;
-    std::vector<std::optional<QByteArray>> Memos_;
+    std::vector<engine::StoredMemo> Memos_;
 };
 
 inline constexpr int LargestBatch = 64;

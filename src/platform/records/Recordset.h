@@ -93,7 +93,7 @@ private:
     friend class Field;
     virtual QVariant ValueOf(int ordinal) const = 0;
     virtual void SetValueOf(int ordinal, const QVariant& value) = 0;
-    virtual QByteArray OctetsOf(int ordinal) const = 0;
+    virtual QByteArray OctetsOf(int ordinal, MemoTrust trust) const = 0;
     virtual void SetOctetsOf(int ordinal, const QByteArray& octets) = 0;
 };
 

@@ -67,11 +67,11 @@ QVariant SnapshotRecordset::StoredValueAt(int ordinal) const
     const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(CurrentRow())], ordinal);
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
-    const QByteArray memo = StoredMemoAt(ordinal);
+    const QByteArray memo = StoredMemoAt(ordinal, MemoTrust::Verified);
     return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
 }
 
-QByteArray SnapshotRecordset::StoredMemoAt(int ordinal) const
+QByteArray SnapshotRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
     const int row = CurrentRow();
     const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(row)], ordinal);
@@ -84,12 +84,10 @@ QByteArray SnapshotRecordset::StoredMemoAt(int ordinal) const
     const auto source = static_cast<std::size_t>(column.Source);
     if (KeysAt(row)[source] == engine::NoRow)
         return {};
-    const auto memo =
+    const engine::StoredMemo& memo =
         Memos_[static_cast<std::size_t>(ordinal)].Read(Open(), Shape().Sources[source], column.SourceColumn, row,
                                                        Rows(), [&](int other) { return KeysAt(other)[source]; });
-    if (!memo)
-        RaiseDeleted();
-    return *memo;
+    return Accepted(memo, ordinal, trust);
 }
 
 void SnapshotRecordset::Release()

@@ -190,7 +190,19 @@ void StoreRecordset::SetValueOf(int ordinal, const QVariant& value)
     buffered = ToStoredValue(value, ColumnAt(ordinal));
 }
 
-QByteArray StoreRecordset::OctetsOf(int ordinal) const
+QByteArray StoreRecordset::Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const
+{
+    if (!memo.HasRow)
+        RaiseDeleted();
+    if (memo.IsDamaged && trust == MemoTrust::Verified) {
+        throw Error(errMemoDamaged, QStringLiteral("The content of the field '%1' is damaged: it was changed on the "
+                                                   "disk since it was saved.")
+                                        .arg(ColumnAt(ordinal).Name));
+    }
+    return memo.Utf8;
+}
+
+QByteArray StoreRecordset::OctetsOf(int ordinal, MemoTrust trust) const
 {
     Open();
     if (!ColumnAt(ordinal).IsMemo()) {
@@ -205,7 +217,8 @@ QByteArray StoreRecordset::OctetsOf(int ordinal) const
         if (Mode_ == EditMode::Adding)
             return {};
     }
-    return OctetsFromUtf8(StoredMemoAt(ordinal));
+    const QByteArray memo = StoredMemoAt(ordinal, trust);
+    return trust == MemoTrust::AsStored ? OctetsFromAnything(memo) : OctetsFromUtf8(memo);
 }
 
 void StoreRecordset::SetOctetsOf(int ordinal, const QByteArray& octets)

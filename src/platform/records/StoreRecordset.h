@@ -46,8 +46,10 @@ protected:
     virtual void RowWasAdded(qint64 id) = 0;
     /// The value in the current row.
     virtual QVariant StoredValueAt(int ordinal) const = 0;
-    /// A memo of the current row in UTF-8, null for Null.
-    virtual QByteArray StoredMemoAt(int ordinal) const = 0;
+    /// A memo of the current row in UTF-8, null for Null. 3428 for one that is damaged and not to be had as it is.
+    virtual QByteArray StoredMemoAt(int ordinal, MemoTrust trust) const = 0;
+    /// What StoredMemoAt answers for a memo that was read.
+    QByteArray Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const;
     virtual void Release() = 0;
 
     bool NoMatch_ = false;
@@ -66,7 +68,7 @@ private:
 
     QVariant ValueOf(int ordinal) const override;
     void SetValueOf(int ordinal, const QVariant& value) override;
-    QByteArray OctetsOf(int ordinal) const override;
+    QByteArray OctetsOf(int ordinal, MemoTrust trust) const override;
     void SetOctetsOf(int ordinal, const QByteArray& octets) override;
 
     const std::optional<StoredValue>* Buffered(int ordinal) const;

@@ -218,11 +218,11 @@ QVariant TableRecordset::StoredValueAt(int ordinal) const
     const CellView cell = RowReader::At(row.Cells.data(), ordinal);
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
-    const QByteArray memo = StoredMemoAt(ordinal);
+    const QByteArray memo = StoredMemoAt(ordinal, MemoTrust::Verified);
     return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
 }
 
-QByteArray TableRecordset::StoredMemoAt(int ordinal) const
+QByteArray TableRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
     const Row& row = CurrentRow();
     AsksForMemos_ = true;
@@ -234,13 +234,10 @@ QByteArray TableRecordset::StoredMemoAt(int ordinal) const
                                  : QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
     if (MemoOrdinal_ != ordinal) {
         ForgetMemo();
-        const std::optional<QByteArray> memo = Open().ReadMemos(Table_, ordinal, std::span(&row.Id, 1), 0).front();
-        if (!memo)
-            RaiseDeleted();
-        Memo_ = *memo;
+        Memo_ = Open().ReadMemos(Table_, ordinal, std::span(&row.Id, 1), 0).front();
         MemoOrdinal_ = ordinal;
     }
-    return Memo_;
+    return Accepted(Memo_, ordinal, trust);
 }
 
 void TableRecordset::Release()

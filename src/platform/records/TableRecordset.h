@@ -36,7 +36,7 @@ protected:
     void RowWasChanged() override { Place_ = Place::Changed; }
     void RowWasAdded(qint64) override {}
     QVariant StoredValueAt(int ordinal) const override;
-    QByteArray StoredMemoAt(int ordinal) const override;
+    QByteArray StoredMemoAt(int ordinal, MemoTrust trust) const override;
     void Release() override;
 
 private:
@@ -68,7 +68,7 @@ private:
     mutable Row Row_;
     mutable bool AsksForMemos_ = false;
     /// The last memo that was read apart from its row, and where it belongs.
-    mutable QByteArray Memo_;
+    mutable engine::StoredMemo Memo_;
     mutable int MemoOrdinal_ = -1;
 };
 

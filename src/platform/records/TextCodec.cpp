@@ -161,4 +161,23 @@ QByteArray OctetsFromUtf8(const QByteArray& utf8)
     return octets;
 }
 
+QByteArray OctetsFromAnything(const QByteArray& utf8)
+{
+    QByteArray octets(utf8.size(), Qt::Uninitialized);
+    char* out = octets.data();
+    const char* const end = utf8.constData() + utf8.size();
+    for (const char* at = utf8.constData(); at != end; ++at) {
+        const auto first = static_cast<unsigned char>(*at);
+        const auto second = at + 1 == end ? 0U : static_cast<unsigned char>(at[1]);
+        if ((first == 0xC2 || first == 0xC3) && (second & 0xC0U) == 0x80U) {
+            *out++ = static_cast<char>(((first & 0x03U) << 6U) | (second & 0x3FU));
+            ++at;
+        } else {
+            *out++ = *at;
+        }
+    }
+    octets.truncate(out - octets.constData());
+    return utf8.isNull() ? QByteArray() : octets;
+}
+
 } // namespace dao

@@ -150,7 +150,7 @@ TEST_P(Copies, AWriterThatKeepsNoLogIsNotOverlooked)
     int calls = 0;
     int refused = 0;
     DBEngine::CopyDatabase(FileName(), Target(), [&](qint64, qint64) {
-        const char* sql = "PRAGMA user_version=1"; // as it is; a commit all the same
+        const char* sql = "PRAGMA user_version=2"; // as it is; a commit all the same
         ++calls;
         // The last run keeps everybody off, which is seen at once here as both are one process.
         sqlite3_busy_timeout(other, 1);

@@ -57,7 +57,10 @@ protected:
             rows->Update();
         });
     }
-    static bool IsDamageError(int number) { return number == errFileDamaged || number == errUnrecognisedFormat; }
+    static bool IsDamageError(int number)
+    {
+        return number == errFileDamaged || number == errUnrecognisedFormat || number == errMemoDamaged;
+    }
 
     QByteArray Whole_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/records/FileReport.h"
 #include "platform/records/Recordset.h"
 #include "platform/records/RowFormat.h"
 #include "platform/records/engines/Schema.h"
@@ -76,6 +77,14 @@ inline constexpr qint64 NoRow = std::numeric_limits<qint64>::min();
 /// Told how many of how many octets are copied; answers false to stop.
 using CopyProgress = std::function<bool(qint64 done, qint64 total)>;
 
+/// A memo as it was read.
+struct StoredMemo
+{
+    bool HasRow = false;    ///< False for a row that is gone.
+    bool IsDamaged = false; ///< Not what was saved: it was changed on the disk.
+    QByteArray Utf8;        ///< As it stands there; a null array for Null.
+};
+
 struct ParameterValue
 {
     QString Name;
@@ -125,10 +134,9 @@ public:
     /// when octetBudget is used up.
     virtual std::vector<Row> ReadRows(const TablePtr& table, std::span<const qint64> ids, MemoFetch memos,
                                       qint64 octetBudget) = 0;
-    /// A memo of each of these rows as UTF-8, a null array for Null, nothing for a row that is gone. Stops early, after
-    /// one row at least, when octetBudget is used up.
-    virtual std::vector<std::optional<QByteArray>> ReadMemos(const TablePtr& table, int column,
-                                                             std::span<const qint64> ids, qint64 octetBudget) = 0;
+    /// A memo of each of these rows. Stops early, after one row at least, when octetBudget is used up.
+    virtual std::vector<StoredMemo> ReadMemos(const TablePtr& table, int column, std::span<const qint64> ids,
+                                              qint64 octetBudget) = 0;
     virtual int CountRows(const TablePtr& table) = 0;
 
     /// The next number of the table's counter; never the same again.
@@ -205,8 +213,6 @@ public:
     /// meanwhile; none of them waits for longer than a moment. Checked to its last page, and on the disk. A failure
     /// leaves no target.
     virtual void Copy(const QString& source, const QString& target, const CopyProgress& progress) = 0;
-    /// Reads a file to its last page; 3049 when it is damaged.
-    virtual void Check(const QString& fileName) = 0;
     /// Errors: those of Open; 3251 from an engine that cannot exchange the content of a file that others have open.
     virtual std::unique_ptr<ContentExchange> BeginExchange(const QString&)
     {
@@ -218,6 +224,9 @@ public:
     /// For a file that is to lose its name because it cannot be opened any more. Null from an engine that does not lock
     /// files; 3260 when somebody else keeps the lock.
     virtual std::unique_ptr<FileLock> LockOut(const QString&) { return nullptr; }
+    /// Reads a file to its last page. progress as for Copy, without numbers. Errors: those of opening but 3049, which
+    /// is a finding.
+    virtual FileReport Examine(const QString& fileName, const CopyProgress& progress) = 0;
     /// The names of the files that belong to a database file while it is in use or after a crash, whether they are
     /// there or not. A file that takes its name must not meet them.
     virtual QStringList CompanionsOf(const QString& fileName) const = 0;

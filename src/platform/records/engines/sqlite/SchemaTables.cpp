@@ -42,11 +42,20 @@ QByteArray ColumnDefinition(const Column& column)
     return sql;
 }
 
+bool HasChecks(Connection& connection)
+{
+    return FormatOf(connection) != FormatVersionWithoutChecks;
+}
+
 /// Memos come last, so that reading the other columns never walks through megabytes.
-QByteArray TableDefinition(const Table& table, const QByteArray& quotedName)
+QByteArray TableDefinition(const Table& table, const QByteArray& quotedName, bool hasChecks)
 {
     QByteArray sql =
         "CREATE TABLE " + quotedName + " (" + VersionColumn + " INTEGER NOT NULL, " + OctetsColumn + " INTEGER";
+    for (const Column& column : table.Columns) {
+        if (hasChecks && column.IsMemo())
+            sql += ", " + CheckColumn(column) + " INTEGER";
+    }
     for (const Column& column : table.Columns) {
         if (!column.IsMemo())
             sql += ", " + ColumnDefinition(column);
@@ -123,10 +132,14 @@ void Rebuild(Connection& connection, const Table& before, const Table& after)
 {
     const QByteArray quoted = QuoteName(before.Name);
     const QByteArray temporary = QByteArrayLiteral("\"~Rebuilt\"");
-    connection.Execute(TableDefinition(after, temporary));
+    const bool hasChecks = HasChecks(connection);
+    connection.Execute(TableDefinition(after, temporary, hasChecks));
     QByteArray columns = QByteArray(VersionColumn) + ", " + OctetsColumn;
-    for (const Column& column : before.Columns)
+    for (const Column& column : before.Columns) {
         columns += ", " + QuoteName(column.Name);
+        if (hasChecks && column.IsMemo())
+            columns += ", " + CheckColumn(column);
+    }
     QByteArray target = columns;
     if (before.CounterColumn() < 0) {
         columns += QByteArrayLiteral(", ") + RowIdName;
@@ -233,15 +246,21 @@ void CreateStructure(Connection& connection)
     connection.Execute(QByteArrayLiteral("PRAGMA user_version=") + QByteArray::number(FormatVersion));
 }
 
-engine::SchemaPtr ReadSchema(Connection& connection, const engine::SchemaPtr& previous)
+qint64 FormatOf(Connection& connection)
 {
     const qint64 format = connection.Number("PRAGMA user_version");
-    if (format != FormatVersion) {
+    if (format != FormatVersion && format != FormatVersionWithoutChecks) {
         throw Error(errUnrecognisedFormat, QStringLiteral("The database '%1' has format version %2, which this "
                                                           "program does not know.")
                                                .arg(connection.FileName())
                                                .arg(format));
     }
+    return format;
+}
+
+engine::SchemaPtr ReadSchema(Connection& connection, const engine::SchemaPtr& previous)
+{
+    FormatOf(connection);
     const Statement tables(connection, "SELECT Id, Name FROM \"~Tables\" ORDER BY Id");
     const Statement columns(connection, "SELECT Name, Type, Size, Attributes, AllowZeroLength FROM \"~Fields\" WHERE "
                                         "TableId = ? ORDER BY Ordinal");
@@ -285,7 +304,7 @@ void WriteTable(Connection& connection, Table table)
         use.Run();
     }
     table.Id = sqlite3_last_insert_rowid(connection.Handle());
-    connection.Execute(TableDefinition(table, QuoteName(table.Name)));
+    connection.Execute(TableDefinition(table, QuoteName(table.Name), HasChecks(connection)));
     CreateListIndex(connection, table);
     for (std::size_t i = 0; i < table.Columns.size(); ++i)
         RecordColumn(connection, table.Id, static_cast<qint64>(i), table.Columns[i]);
@@ -303,10 +322,14 @@ void WriteColumn(Connection& connection, const Table& table, const Column& colum
     after.Columns.push_back(column);
     after.Complete();
     // Built anew while that costs nothing, so that memos end up last whatever the order of the additions was.
-    if (column.IsCounter() || IsEmpty(connection, table))
+    if (column.IsCounter() || IsEmpty(connection, table)) {
         Rebuild(connection, table, after);
-    else
-        connection.Execute("ALTER TABLE " + QuoteName(table.Name) + " ADD COLUMN " + ColumnDefinition(column));
+    } else {
+        const QByteArray addColumn = "ALTER TABLE " + QuoteName(table.Name) + " ADD COLUMN ";
+        if (column.IsMemo() && HasChecks(connection))
+            connection.Execute(addColumn + CheckColumn(column) + " INTEGER");
+        connection.Execute(addColumn + ColumnDefinition(column));
+    }
     CreateListIndex(connection, after);
     RecordColumn(connection, table.Id, static_cast<qint64>(table.Columns.size()), column);
     if (column.IsCounter()) {
@@ -339,6 +362,11 @@ void WriteIndex(Connection& connection, const Table& table, const IndexKey& inde
         use.Bind(4, qint64{index.Columns[i]});
         use.Run();
     }
+}
+
+QByteArray CheckColumn(const Column& memo)
+{
+    return QuoteName(QString::fromLatin1(CheckColumnMark) + memo.Name);
 }
 
 bool IsRowIdOrder(const Table& table, const IndexKey& index)

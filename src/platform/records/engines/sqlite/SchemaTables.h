@@ -11,8 +11,10 @@ namespace dao::sqlite
 /// Puts our own tables into a new file.
 void CreateStructure(Connection& connection);
 
-/// Reads the structure. A table that is the same as in previous stays the same object. Error 3343 for a format
-/// that is newer than this code, 3049 when it is not what it should be.
+/// The format by which the file's rows are laid out. Error 3343 for one that is newer than this code.
+qint64 FormatOf(Connection& connection);
+/// Reads the structure. A table that is the same as in previous stays the same object. Error 3343 as FormatOf, 3049
+/// when it is not what it should be.
 engine::SchemaPtr ReadSchema(Connection& connection, const engine::SchemaPtr& previous);
 
 /// Error 3251 for a name that a file cannot hold.
@@ -22,6 +24,8 @@ void WriteTable(Connection& connection, engine::Table table);
 void WriteColumn(Connection& connection, const engine::Table& table, const engine::Column& column);
 void WriteIndex(Connection& connection, const engine::Table& table, const engine::IndexKey& index);
 
+/// The name of the column that holds the check of a memo, quoted.
+QByteArray CheckColumn(const engine::Column& memo);
 /// Whether the index is the order of the row ids themselves and has no tree of its own.
 bool IsRowIdOrder(const engine::Table& table, const engine::IndexKey& index);
 /// The name of an index in the file, quoted.

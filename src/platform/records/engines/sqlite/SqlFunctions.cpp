@@ -1,6 +1,7 @@
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
 #include "platform/records/Types.h"
+#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/jetsql/CaseFolding.h"
 
 #include <sqlite3.h>
@@ -276,6 +277,15 @@ void Store(sqlite3_context* context, int, sqlite3_value** arguments)
     });
 }
 
+/// jet_check(memo, row id)
+void Check(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    Guarded(context, [&] {
+        if (sqlite3_value_type(arguments[0]) != SQLITE_NULL)
+            sqlite3_result_int64(context, MemoCheck(sqlite3_value_int64(arguments[1]), OctetsOf(arguments[0])));
+    });
+}
+
 int Collate(void*, int leftSize, const void* left, int rightSize, const void* right)
 {
     return CompareText({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
@@ -322,6 +332,9 @@ void RegisterSqlFunctions(sqlite3* connection)
     if (result == SQLITE_OK)
         result =
             sqlite3_create_function_v2(connection, "jet_store", 4, flags, nullptr, Store, nullptr, nullptr, nullptr);
+    if (result == SQLITE_OK)
+        result =
+            sqlite3_create_function_v2(connection, "jet_check", 2, flags, nullptr, Check, nullptr, nullptr, nullptr);
     if (result != SQLITE_OK)
         throw Error(errFileDamaged, QString::fromUtf8(sqlite3_errmsg(connection)));
 }

@@ -27,6 +27,7 @@ int CompareText(std::string_view left, std::string_view right);
 /// jet_text(value): the text form of a number, a text as it stands, Null for Null.
 /// jet_concatenate(left, right): the texts joined, Null as empty unless both are Null.
 /// jet_store(value, type, size, allow zero length): the value as a column of that type stores it.
+/// jet_check(memo, row id): what stands beside the memo in its check column; Null for Null.
 void RegisterSqlFunctions(sqlite3* connection);
 
 /// Binds a compiled pattern; the statement shares it. index: from 1. The result is SQLite's result code.

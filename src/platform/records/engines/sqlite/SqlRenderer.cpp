@@ -278,8 +278,10 @@ RenderedSql RenderUpdate(const jetsql::UpdateStatement& statement, const Schema&
         if (assigned.contains(reference->Column))
             RaiseSyntaxError(QStringLiteral("the same column is set twice"), assignment.Position);
         assigned.insert(reference->Column);
-        assignments.append(QuoteName(reference->Column->Name) + " = " +
-                           AssignedValue(expressions, assignment, *reference->Column));
+        const QByteArray value = AssignedValue(expressions, assignment, *reference->Column);
+        assignments.append(QuoteName(reference->Column->Name) + " = " + value);
+        if (!reference->Column->CheckColumn.isEmpty())
+            assignments.append(reference->Column->CheckColumn + " = jet_check(" + value + ", _rowid_)");
     }
     if (!hiddenAssignments.isEmpty())
         assignments.append(hiddenAssignments);

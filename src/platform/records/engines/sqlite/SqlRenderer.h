@@ -31,6 +31,8 @@ struct ColumnInfo
     int Size = 0;
     bool AllowZeroLength = false;
     int Attributes = 0;
+    /// Of a memo that has one: the column of its check, quoted, which an UPDATE of the memo sets as well.
+    QByteArray CheckColumn = {};
 };
 
 struct TableInfo

@@ -120,6 +120,13 @@ SchemaPtr SqliteStore::CurrentSchema()
     return Schema_;
 }
 
+SchemaPtr SqliteStore::SchemaUnderLock()
+{
+    if (CookieInFile() != Cookie_)
+        ReadSchemaUnderLock();
+    return Schema_;
+}
+
 SchemaPtr SqliteStore::ReadSchemaUnderLock()
 {
     if (IsReplaced_)
@@ -134,6 +141,13 @@ SchemaPtr SqliteStore::ReadSchemaUnderLock()
         throw FileExchanged(Connection_.FileName());
     }
     SchemaPtr schema = ReadSchema(Connection_, Schema_);
+    const bool hasChecks = FormatOf(Connection_) != FormatVersionWithoutChecks;
+    if (hasChecks != HasChecks_) {
+        // A compaction gave its rows another layout.
+        Accesses_.clear();
+        AccessedTables_.clear();
+        HasChecks_ = hasChecks;
+    }
     std::erase_if(AccessedTables_, [&](const TablePtr& table) {
         const bool isGone = schema->Find(table->Name) != table;
         if (isGone)
@@ -158,7 +172,7 @@ TableAccess& SqliteStore::Access(const TablePtr& table)
 {
     auto& access = Accesses_[table.get()];
     if (!access) {
-        access = std::make_unique<TableAccess>(Connection_, table);
+        access = std::make_unique<TableAccess>(Connection_, table, HasChecks_);
         AccessedTables_.push_back(table);
     }
     return *access;
@@ -254,13 +268,13 @@ std::vector<Row> SqliteStore::ReadRows(const TablePtr& table, std::span<const qi
     return rows;
 }
 
-std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& table, int column,
-                                                              std::span<const qint64> ids, qint64 octetBudget)
+std::vector<engine::StoredMemo> SqliteStore::ReadMemos(const TablePtr& table, int column, std::span<const qint64> ids,
+                                                       qint64 octetBudget)
 {
     const bool isRun = IsDenseRun(ids);
     ReadScope scope(*this, ids.size() > 1 && !isRun);
     TableAccess& access = Access(table);
-    std::vector<std::optional<QByteArray>> memos;
+    std::vector<engine::StoredMemo> memos;
     if (isRun) {
         memos = access.ReadMemoRange(column, ids, octetBudget);
         RequireSameFile();
@@ -272,7 +286,7 @@ std::vector<std::optional<QByteArray>> SqliteStore::ReadMemos(const TablePtr& ta
         if (octets > octetBudget)
             break;
         memos.push_back(access.ReadMemo(column, id));
-        octets += memos.back() ? memos.back()->size() : 0;
+        octets += memos.back().Utf8.size();
     }
     RequireSameFile();
     return memos;
@@ -323,6 +337,7 @@ qint64 SqliteStore::Insert(const TablePtr& table, std::span<const engine::Assign
 {
     CheckPrimaryKey(*table, values, true);
     WriteScope scope(*this);
+    SchemaUnderLock();
     const qint64 id = Access(table).Insert(values);
     scope.Commit();
     return id;
@@ -332,6 +347,7 @@ void SqliteStore::Update(const TablePtr& table, qint64 id, qint64 version, std::
 {
     CheckPrimaryKey(*table, values, false);
     WriteScope scope(*this);
+    SchemaUnderLock();
     TableAccess& access = Access(table);
     if (!access.Update(id, version, values)) {
         if (access.Exists(id))

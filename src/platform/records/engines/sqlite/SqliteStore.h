@@ -37,8 +37,8 @@ public:
               engine::MemoFetch memos, Row& row) override;
     std::vector<Row> ReadRows(const engine::TablePtr& table, std::span<const qint64> ids, engine::MemoFetch memos,
                               qint64 octetBudget) override;
-    std::vector<std::optional<QByteArray>> ReadMemos(const engine::TablePtr& table, int column,
-                                                     std::span<const qint64> ids, qint64 octetBudget) override;
+    std::vector<engine::StoredMemo> ReadMemos(const engine::TablePtr& table, int column, std::span<const qint64> ids,
+                                              qint64 octetBudget) override;
     int CountRows(const engine::TablePtr& table) override;
 
     qint64 DrawCounter(const engine::TablePtr& table) override;
@@ -70,6 +70,8 @@ private:
     /// 3734 once a backup was put in the place of what this store was opened on. Otherwise takes over a structure that
     /// others changed.
     void RequireSameFile();
+    /// The structure while a lock is held: looked at once more only where it changed.
+    engine::SchemaPtr SchemaUnderLock();
     qint64 CookieInFile() const;
     engine::TablePtr RequireTable(const QString& name);
     TableAccess& Access(const engine::TablePtr& table);
@@ -95,6 +97,7 @@ private:
     qint64 Cookie_ = -1;
     qint64 Identity_ = 0;
     bool IsReplaced_ = false;
+    bool HasChecks_ = false; ///< Of the file: whether its memos carry checks.
     std::unordered_map<const engine::Table*, std::unique_ptr<TableAccess>> Accesses_;
     std::vector<engine::TablePtr> AccessedTables_; ///< Keeps the keys of Accesses_ alive.
     CounterBlocks Counters_;

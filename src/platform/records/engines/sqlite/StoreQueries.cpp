@@ -1,6 +1,7 @@
 #include "platform/records/TextCodec.h"
 #include "platform/records/Values.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
 #include "platform/records/engines/sqlite/StoreScopes.h"
@@ -23,7 +24,7 @@ namespace
 class RendererSchema final : public Schema
 {
 public:
-    explicit RendererSchema(const engine::Schema& schema) : Schema_(schema) {}
+    RendererSchema(const engine::Schema& schema, bool hasChecks) : Schema_(schema), HasChecks_(hasChecks) {}
 
     const TableInfo* FindTable(const QString& name) const override
     {
@@ -43,12 +44,15 @@ public:
             described.Size = column.Size;
             described.AllowZeroLength = column.AllowZeroLength;
             described.Attributes = column.Attributes;
+            if (HasChecks_ && column.IsMemo())
+                described.CheckColumn = CheckColumn(column);
         }
         return Known_.emplace_back(std::move(info)).get();
     }
 
 private:
     const engine::Schema& Schema_;
+    bool HasChecks_;
     mutable std::vector<std::unique_ptr<TableInfo>> Known_;
 };
 
@@ -134,7 +138,7 @@ RenderedSelect Render(const jetsql::SelectStatement& select, const engine::Schem
         options.Columns = SelectOptions::Output::AllColumns;
     else
         options.LeadingColumns = QStringList{QString::fromLatin1(RowIdName)};
-    return RenderSelect(select, RendererSchema(schema), options);
+    return RenderSelect(select, RendererSchema(schema, false), options);
 }
 
 /// Queries come from people: what SQLite refuses in one is a query too complex, not a damaged file.
@@ -162,6 +166,51 @@ bool StepQuery(StatementUse& use, sqlite3* connection)
             throw Error(*unfit);
         throw;
     }
+}
+
+/// An UPDATE or DELETE, ready to run.
+struct Change
+{
+    RenderedSql Sql;
+    engine::TablePtr Table; ///< Of an UPDATE.
+    bool ChangesPrimaryKey = false;
+};
+
+bool IsInPrimaryKey(const engine::Table& table, int place)
+{
+    return std::any_of(table.Indexes.begin(), table.Indexes.end(), [place](const engine::IndexKey& index) {
+        return index.Primary && std::find(index.Columns.begin(), index.Columns.end(), place) != index.Columns.end();
+    });
+}
+
+Change RenderChange(const jetsql::Statement& statement, const engine::Schema& schema, bool hasChecks)
+{
+    const RendererSchema rendererSchema(schema, hasChecks);
+    Change change;
+    if (const auto* erase = std::get_if<jetsql::DeleteStatement>(&statement)) {
+        change.Sql = RenderDelete(*erase, rendererSchema);
+        return change;
+    }
+    const auto* update = std::get_if<jetsql::UpdateStatement>(&statement);
+    if (update == nullptr)
+        throw Error(errNotSupported, QStringLiteral("Cannot execute a select query."));
+    change.Table = schema.Find(update->Table.Table);
+    QByteArray hidden = QByteArray(VersionColumn) + " = " + VersionColumn + " + 1";
+    for (const jetsql::Assignment& assignment : update->Assignments) {
+        const int place = change.Table ? change.Table->FindColumn(assignment.Column.Field) : -1;
+        if (place < 0)
+            continue;
+        const engine::Column& column = change.Table->Columns[static_cast<std::size_t>(place)];
+        if (column.IsCounter()) {
+            throw Error(errNotSupported,
+                        QStringLiteral("The automatic counter '%1' cannot be changed.").arg(column.Name));
+        }
+        if (column.IsMemo() && !hidden.contains(OctetsColumn))
+            hidden += QByteArrayLiteral(", ") + OctetsColumn + " = NULL";
+        change.ChangesPrimaryKey = change.ChangesPrimaryKey || IsInPrimaryKey(*change.Table, place);
+    }
+    change.Sql = RenderUpdate(*update, rendererSchema, hidden);
+    return change;
 }
 
 } // namespace
@@ -219,48 +268,23 @@ void SqliteStore::Select(const jetsql::SelectStatement& select, const ParameterV
 int SqliteStore::Execute(const jetsql::Statement& statement, const ParameterValues& parameters)
 {
     const engine::SchemaPtr schema = CurrentSchema();
-    const RendererSchema rendererSchema(*schema);
-    RenderedSql rendered;
-    engine::TablePtr table;
-    bool changesPrimaryKey = false;
-    if (const auto* update = std::get_if<jetsql::UpdateStatement>(&statement)) {
-        table = schema->Find(update->Table.Table);
-        QByteArray hidden = QByteArray(VersionColumn) + " = " + VersionColumn + " + 1";
-        for (const jetsql::Assignment& assignment : update->Assignments) {
-            const int place = table ? table->FindColumn(assignment.Column.Field) : -1;
-            if (place < 0)
-                continue;
-            const engine::Column& column = table->Columns[static_cast<std::size_t>(place)];
-            if (column.IsCounter()) {
-                throw Error(errNotSupported,
-                            QStringLiteral("The automatic counter '%1' cannot be changed.").arg(column.Name));
-            }
-            if (column.IsMemo() && !hidden.contains(OctetsColumn))
-                hidden += QByteArrayLiteral(", ") + OctetsColumn + " = NULL";
-            for (const engine::IndexKey& index : table->Indexes) {
-                if (index.Primary &&
-                    std::find(index.Columns.begin(), index.Columns.end(), place) != index.Columns.end())
-                    changesPrimaryKey = true;
-            }
-        }
-        rendered = RenderUpdate(*update, rendererSchema, hidden);
-    } else if (const auto* erase = std::get_if<jetsql::DeleteStatement>(&statement)) {
-        rendered = RenderDelete(*erase, rendererSchema);
-    } else {
-        throw Error(errNotSupported, QStringLiteral("Cannot execute a select query."));
-    }
+    const bool hadChecks = HasChecks_;
+    Change change = RenderChange(statement, *schema, hadChecks);
     WriteScope scope(*this);
+    // Somebody may have given the file another layout before the lock was had.
+    if (SchemaUnderLock() != schema || HasChecks_ != hadChecks)
+        change = RenderChange(statement, *Schema_, HasChecks_);
     int count = 0;
     {
-        const Statement prepared = PrepareQuery(Connection_, rendered.Text);
+        const Statement prepared = PrepareQuery(Connection_, change.Sql.Text);
         StatementUse use(prepared);
-        const Bound bound(use, rendered, parameters, Connection_.Handle());
+        const Bound bound(use, change.Sql, parameters, Connection_.Handle());
         while (StepQuery(use, Connection_.Handle())) {
         }
         count = Connection_.Changes();
     }
-    if (changesPrimaryKey)
-        CheckNoNullInPrimaryKey(*table);
+    if (change.ChangesPrimaryKey)
+        CheckNoNullInPrimaryKey(*change.Table);
     scope.Commit();
     return count;
 }
@@ -285,7 +309,7 @@ void SqliteStore::CheckNoNullInPrimaryKey(const engine::Table& table)
 QStringList SqliteStore::ParametersOf(const jetsql::Statement& statement)
 {
     const engine::SchemaPtr schema = CurrentSchema();
-    const RendererSchema rendererSchema(*schema);
+    const RendererSchema rendererSchema(*schema, false);
     if (const auto* select = std::get_if<jetsql::SelectStatement>(&statement))
         return RenderSelect(*select, rendererSchema).Parameters;
     if (const auto* update = std::get_if<jetsql::UpdateStatement>(&statement))

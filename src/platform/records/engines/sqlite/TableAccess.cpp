@@ -1,7 +1,9 @@
 #include "platform/records/engines/sqlite/TableAccess.h"
 
 #include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
+#include "platform/records/engines/sqlite/SqlFunctions.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
 
 #include <QRandomGenerator>
@@ -28,6 +30,7 @@ enum StatementKind : quint64
     RowCount,
     RowInsert,
     RowDelete,
+    HighestRow,
     MemoById,            ///< Plus the column's place.
     MemoRange = 1 << 15, ///< Plus the column's place.
     FirstStretch = 1 << 16
@@ -39,6 +42,33 @@ constexpr int LeadingColumns = 3;
 bool IsNullValue(const StoredValue& value)
 {
     return std::holds_alternative<std::monostate>(value);
+}
+
+/// As SQLite orders them in an index: Null, numbers, texts.
+int CompareStored(const StoredValue& left, const StoredValue& right)
+{
+    const auto rank = [](const StoredValue& value) {
+        return std::holds_alternative<QByteArray>(value) ? 2 : static_cast<int>(!IsNullValue(value));
+    };
+    if (rank(left) != rank(right))
+        return rank(left) - rank(right);
+    if (rank(left) == 2) {
+        const auto view = [](const StoredValue& value) {
+            const auto& text = std::get<QByteArray>(value);
+            return std::string_view(text.constData(), static_cast<std::size_t>(text.size()));
+        };
+        return CompareText(view(left), view(right));
+    }
+    const auto* leftInteger = std::get_if<qint64>(&left);
+    const auto* rightInteger = std::get_if<qint64>(&right);
+    if (leftInteger != nullptr && rightInteger != nullptr)
+        return *leftInteger < *rightInteger ? -1 : static_cast<int>(*leftInteger > *rightInteger);
+    const auto number = [](const StoredValue& value) {
+        const auto* integer = std::get_if<qint64>(&value);
+        const auto* real = std::get_if<double>(&value);
+        return integer != nullptr ? static_cast<double>(*integer) : real != nullptr ? *real : 0;
+    };
+    return number(left) < number(right) ? -1 : static_cast<int>(number(left) > number(right));
 }
 
 StoredValue ToStored(const CellView& cell)
@@ -57,8 +87,8 @@ StoredValue ToStored(const CellView& cell)
 
 } // namespace
 
-TableAccess::TableAccess(Connection& connection, engine::TablePtr table)
-    : Connection_(connection), Table_(std::move(table)), Name_(QuoteName(Table_->Name))
+TableAccess::TableAccess(Connection& connection, engine::TablePtr table, bool hasChecks)
+    : Connection_(connection), Table_(std::move(table)), Name_(QuoteName(Table_->Name)), HasChecks_(hasChecks)
 {
     for (const Column& column : Table_->Columns)
         IsReadApart_.push_back(column.IsMemo());
@@ -85,15 +115,36 @@ const IndexKey* TableAccess::IndexAt(int index) const
 QByteArray TableAccess::ReadColumns(MemoFetch memos) const
 {
     QByteArray columns = QByteArray(RowIdName) + ", " + VersionColumn + ", " + OctetsColumn;
+    const QByteArray whenSmall =
+        ", CASE WHEN " + QByteArray(OctetsColumn) + " <= " + QByteArray::number(SmallMemoOctets) + " THEN ";
     for (std::size_t i = 0; i < Table_->Columns.size(); ++i) {
-        const QByteArray name = QuoteName(Table_->Columns[i].Name);
-        if (!IsReadApart_[i])
-            columns += ", " + name;
-        else if (memos == MemoFetch::SmallOnes)
-            columns += ", CASE WHEN " + QByteArray(OctetsColumn) + " <= " + QByteArray::number(SmallMemoOctets) +
-                       " THEN " + name + " END";
+        const Column& column = Table_->Columns[i];
+        if (!IsReadApart_[i] && !column.IsMemo()) {
+            columns += ", " + QuoteName(column.Name);
+        } else if (!IsReadApart_[i]) {
+            columns += ", " + MemoColumns(static_cast<int>(i));
+        } else if (memos == MemoFetch::SmallOnes) {
+            columns += whenSmall + QuoteName(column.Name) + " END";
+            if (HasChecks_)
+                columns += whenSmall + CheckColumn(column) + " END";
+        }
     }
     return columns;
+}
+
+QByteArray TableAccess::MemoColumns(int column) const
+{
+    const Column& memo = Table_->Columns[static_cast<std::size_t>(column)];
+    return HasChecks_ ? QuoteName(memo.Name) + ", " + CheckColumn(memo) : QuoteName(memo.Name);
+}
+
+bool TableAccess::IsAsSaved(const StatementUse& use, int place, qint64 id) const
+{
+    if (!HasChecks_)
+        return true;
+    if (use.IsNull(place) || use.IsNull(place + 1))
+        return use.IsNull(place) && use.IsNull(place + 1);
+    return use.Integer(place + 1) == MemoCheck(id, use.Text(place));
 }
 
 void TableAccess::Take(const StatementUse& use, MemoFetch memos, Row& row) const
@@ -103,18 +154,23 @@ void TableAccess::Take(const StatementUse& use, MemoFetch memos, Row& row) const
     row.Cells.clear();
     RowPacker packer(row.Cells);
     const bool hasMemos = memos == MemoFetch::SmallOnes && !use.IsNull(2) && use.Integer(2) <= SmallMemoOctets;
+    const int memoPlaces = HasChecks_ ? 2 : 1;
     int place = LeadingColumns;
     for (std::size_t i = 0; i < IsReadApart_.size(); ++i) {
-        if (!IsReadApart_[i]) {
-            use.PackCell(place++, packer);
-            continue;
+        const bool isMemo = Table_->Columns[i].IsMemo();
+        if (!IsReadApart_[i] && isMemo && !IsAsSaved(use, place, row.Id)) {
+            throw Error(errMemoDamaged,
+                        QStringLiteral("The content of the field '%1' is damaged: it was changed on the "
+                                       "disk since it was saved.")
+                            .arg(Table_->Columns[i].Name));
         }
-        if (hasMemos)
+        // A memo that is not what was saved is left to whoever asks for it: the rest of its row is to be had.
+        if (!IsReadApart_[i] || (hasMemos && IsAsSaved(use, place, row.Id)))
             use.PackCell(place, packer);
         else
             packer.AddDeferred();
-        if (memos == MemoFetch::SmallOnes)
-            ++place;
+        if (!IsReadApart_[i] || memos == MemoFetch::SmallOnes)
+            place += isMemo ? memoPlaces : 1;
     }
 }
 
@@ -223,9 +279,34 @@ bool TableAccess::ReadEnd(int index, Direction direction, MemoFetch memos, Row& 
 bool TableAccess::ReadNext(int index, Direction direction, MemoFetch memos, Row& row)
 {
     const std::vector<StoredValue> keys = KeysOf(index, row);
+    const qint64 id = row.Id;
+    if (!ReadBehind(index, direction, keys, id, memos, row))
+        return false;
+    RequireProgress(index, direction, keys, id, row);
+    return true;
+}
+
+void TableAccess::RequireProgress(int index, Direction direction, std::span<const StoredValue> keys, qint64 id,
+                                  const Row& found) const
+{
+    int order = 0;
+    const std::vector<StoredValue> foundKeys = KeysOf(index, found);
+    for (std::size_t i = 0; i < keys.size() && order == 0; ++i)
+        order = CompareStored(foundKeys[i], keys[i]);
+    if (order == 0)
+        order = found.Id < id ? -1 : static_cast<int>(found.Id > id);
+    if (direction == Direction::Forward ? order > 0 : order < 0)
+        return;
+    throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged: the rows of the table '%2' do not stand "
+                                               "in their order.")
+                                    .arg(Connection_.FileName(), Table_->Name));
+}
+
+bool TableAccess::ReadBehind(int index, Direction direction, std::span<const StoredValue> keys, qint64 id,
+                             MemoFetch memos, Row& row)
+{
     const IndexKey* key = IndexAt(index);
     const bool isForward = direction == Direction::Forward;
-    const qint64 id = row.Id;
     if (key != nullptr && IsRowIdOrder(*Table_, *key))
         return ReadStretch(-1, {0, isForward ? Bound::RowAbove : Bound::RowBelow}, direction, {}, id, memos, row);
     // A unique key without Nulls has no second row.
@@ -285,39 +366,36 @@ bool TableAccess::ReadRow(qint64 id, MemoFetch memos, Row& row)
     return true;
 }
 
-std::optional<QByteArray> TableAccess::ReadMemo(int column, qint64 id)
+engine::StoredMemo TableAccess::ReadMemo(int column, qint64 id)
 {
     const Statement& statement = Prepared(MemoById + static_cast<quint64>(column), [&] {
-        return "SELECT " + QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name) + " FROM " + Name_ +
-               " WHERE " + RowIdName + " = ?";
+        return "SELECT " + MemoColumns(column) + " FROM " + Name_ + " WHERE " + RowIdName + " = ?";
     });
     StatementUse use(statement);
     use.Bind(1, id);
     if (!use.Step())
-        return std::nullopt;
-    return TakeMemo(use, 0);
-}
-
-QByteArray TableAccess::TakeMemo(const StatementUse& use, int column)
-{
-    if (use.IsNull(column))
         return {};
-    const std::string_view text = use.Text(column);
-    // An empty text is not Null, and QByteArray tells the two apart by its pointer.
-    if (text.empty())
-        return QByteArrayLiteral("");
-    return {text.data(), static_cast<qsizetype>(text.size())};
+    return TakeMemo(use, 0, id);
 }
 
-std::vector<std::optional<QByteArray>> TableAccess::ReadMemoRange(int column, std::span<const qint64> ids,
-                                                                  qint64 octetBudget)
+engine::StoredMemo TableAccess::TakeMemo(const StatementUse& use, int place, qint64 id) const
+{
+    engine::StoredMemo memo{.HasRow = true, .IsDamaged = !IsAsSaved(use, place, id), .Utf8 = {}};
+    if (use.IsNull(place))
+        return memo;
+    const std::string_view text = use.Text(place);
+    // An empty text is not Null, and QByteArray tells the two apart by its pointer.
+    memo.Utf8 = text.empty() ? QByteArrayLiteral("") : QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+    return memo;
+}
+
+std::vector<engine::StoredMemo> TableAccess::ReadMemoRange(int column, std::span<const qint64> ids, qint64 octetBudget)
 {
     const Statement& statement = Prepared(MemoRange + static_cast<quint64>(column), [&] {
-        return "SELECT " + QByteArray(RowIdName) + ", " +
-               QuoteName(Table_->Columns[static_cast<std::size_t>(column)].Name) + " FROM " + Name_ +
+        return "SELECT " + QByteArray(RowIdName) + ", " + MemoColumns(column) + " FROM " + Name_ +
                " NOT INDEXED WHERE " + RowIdName + " BETWEEN ? AND ? ORDER BY " + RowIdName;
     });
-    std::vector<std::optional<QByteArray>> memos;
+    std::vector<engine::StoredMemo> memos;
     memos.reserve(ids.size());
     StatementUse use(statement);
     use.Bind(1, ids.front());
@@ -329,8 +407,8 @@ std::vector<std::optional<QByteArray>> TableAccess::ReadMemoRange(int column, st
             memos.emplace_back();
         if (memos.size() == ids.size() || ids[memos.size()] != id)
             continue;
-        memos.emplace_back(TakeMemo(use, 1));
-        octets += memos.back()->size();
+        memos.push_back(TakeMemo(use, 1, id));
+        octets += memos.back().Utf8.size();
     }
     if (octets <= octetBudget)
         memos.resize(ids.size());
@@ -351,44 +429,85 @@ bool TableAccess::Exists(qint64 id)
     return use.Step();
 }
 
+qint64 TableAccess::NextRowId()
+{
+    StatementUse use(Prepared(
+        HighestRow, [&] { return "SELECT coalesce(max(" + QByteArray(RowIdName) + "), 0) + 1 FROM " + Name_; }));
+    return use.Step() ? use.Integer(0) : 1;
+}
+
 qint64 TableAccess::Insert(std::span<const engine::Assignment> values)
 {
-    const std::size_t count = Table_->Columns.size();
     const Statement& statement = Prepared(RowInsert, [&] {
-        QByteArray columns = QByteArray(VersionColumn) + ", " + OctetsColumn;
-        QByteArray places = "?, ?";
+        QByteArray columns = QByteArray(RowIdName) + ", " + VersionColumn + ", " + OctetsColumn;
+        QByteArray places = "?1, ?2, ?3";
+        int place = 4;
         for (const Column& column : Table_->Columns) {
+            const QByteArray parameter = '?' + QByteArray::number(place++);
+            if (column.IsCounter())
+                continue; // the row id itself
             columns += ", " + QuoteName(column.Name);
-            places += ", ?";
+            places += ", " + parameter;
+            if (HasChecks_ && column.IsMemo()) {
+                columns += ", " + CheckColumn(column);
+                places += ", jet_check(" + parameter + ", ?1)";
+            }
         }
         return "INSERT INTO " + Name_ + " (" + columns + ") VALUES (" + places + ")";
     });
-    std::vector<const StoredValue*> given(count, nullptr);
-    for (const engine::Assignment& assignment : values)
-        given[static_cast<std::size_t>(assignment.Column)] = assignment.Value;
+    // The check of a memo is told by the row's id, so that the id is chosen here and not by SQLite.
+    qint64 id = -1;
     StatementUse use(statement);
     qint64 memoOctets = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (given[i] == nullptr)
+    for (const engine::Assignment& assignment : values) {
+        const auto column = static_cast<std::size_t>(assignment.Column);
+        if (Table_->Columns[column].IsCounter()) {
+            const auto* number = std::get_if<qint64>(assignment.Value);
+            id = number != nullptr ? *number : id;
             continue;
-        use.Bind(LeadingColumns + static_cast<int>(i), *given[i]);
-        if (const auto* text = std::get_if<QByteArray>(given[i]); text != nullptr && Table_->Columns[i].IsMemo())
+        }
+        use.Bind(4 + assignment.Column, *assignment.Value);
+        if (const auto* text = std::get_if<QByteArray>(assignment.Value);
+            text != nullptr && Table_->Columns[column].IsMemo())
             memoOctets += text->size();
     }
+    if (id < 0)
+        id = NextRowId();
+    use.Bind(1, id);
     // A row that later takes the id of a deleted one must not pass for it.
-    use.Bind(1, static_cast<qint64>(QRandomGenerator::global()->generate() >> 1));
-    use.Bind(2, memoOctets);
+    use.Bind(2, static_cast<qint64>(QRandomGenerator::global()->generate() >> 1));
+    use.Bind(3, memoOctets);
     use.Run();
-    return sqlite3_last_insert_rowid(Connection_.Handle());
+    return id;
+}
+
+QByteArray TableAccess::UpdateText(const std::string& changed, bool changesMemos) const
+{
+    QByteArray sql = "UPDATE " + Name_ + " SET " + VersionColumn + " = " + VersionColumn + " + 1";
+    if (changesMemos)
+        sql += QByteArrayLiteral(", ") + OctetsColumn + " = ?3";
+    int place = 4;
+    for (std::size_t i = 0; i < changed.size(); ++i) {
+        if (changed[i] != '+')
+            continue;
+        const Column& column = Table_->Columns[i];
+        const QByteArray parameter = '?' + QByteArray::number(place++);
+        sql += ", " + QuoteName(column.Name) + " = " + parameter;
+        if (HasChecks_ && column.IsMemo())
+            sql += ", " + CheckColumn(column) + " = jet_check(" + parameter + ", ?1)";
+    }
+    return sql + " WHERE " + RowIdName + " = ?1 AND " + VersionColumn + " = ?2";
 }
 
 bool TableAccess::Update(qint64 id, qint64 version, std::span<const engine::Assignment> values)
 {
     std::string key(Table_->Columns.size(), '-');
+    std::vector<const StoredValue*> given(key.size(), nullptr);
     qint64 memoOctets = 0;
     for (const engine::Assignment& assignment : values) {
         const auto column = static_cast<std::size_t>(assignment.Column);
         key[column] = '+';
+        given[column] = assignment.Value;
         if (const auto* text = std::get_if<QByteArray>(assignment.Value);
             text != nullptr && Table_->Columns[column].IsMemo())
             memoOctets += text->size();
@@ -400,31 +519,18 @@ bool TableAccess::Update(qint64 id, qint64 version, std::span<const engine::Assi
         changedMemos += Table_->Columns[i].IsMemo() && key[i] == '+';
     }
     auto found = Updates_.find(key);
-    if (found == Updates_.end()) {
-        QByteArray sql = "UPDATE " + Name_ + " SET " + VersionColumn + " = " + VersionColumn + " + 1";
-        if (changedMemos > 0)
-            sql += QByteArrayLiteral(", ") + OctetsColumn + " = ?3";
-        int place = 4;
-        for (std::size_t i = 0; i < key.size(); ++i) {
-            if (key[i] == '+')
-                sql += ", " + QuoteName(Table_->Columns[i].Name) + " = ?" + QByteArray::number(place++);
-        }
-        sql += QByteArrayLiteral(" WHERE ") + RowIdName + " = ?1 AND " + VersionColumn + " = ?2";
-        found = Updates_.emplace(key, Statement(Connection_, sql)).first;
-    }
+    if (found == Updates_.end())
+        found = Updates_.emplace(key, Statement(Connection_, UpdateText(key, changedMemos > 0))).first;
     StatementUse use(found->second);
     use.Bind(1, id);
     use.Bind(2, version);
     // With some memos left as they are the sum is not known.
     if (changedMemos > 0 && changedMemos == memos)
         use.Bind(3, memoOctets);
-    std::vector<const StoredValue*> given(key.size(), nullptr);
-    for (const engine::Assignment& assignment : values)
-        given[static_cast<std::size_t>(assignment.Column)] = assignment.Value;
     int place = 4;
-    for (std::size_t i = 0; i < key.size(); ++i) {
-        if (given[i] != nullptr)
-            use.Bind(place++, *given[i]);
+    for (const StoredValue* value : given) {
+        if (value != nullptr)
+            use.Bind(place++, *value);
     }
     use.Run();
     return Connection_.Changes() > 0;

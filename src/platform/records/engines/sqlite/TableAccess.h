@@ -13,18 +13,18 @@ namespace dao::sqlite
 class TableAccess
 {
 public:
-    TableAccess(Connection& connection, engine::TablePtr table);
+    /// hasChecks: whether the file's memos carry checks.
+    TableAccess(Connection& connection, engine::TablePtr table, bool hasChecks);
 
     bool ReadEnd(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
     bool ReadNext(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
     bool Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, engine::MemoFetch memos,
               Row& row);
     bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
-    /// Nothing when there is no such row; a null array for Null.
-    std::optional<QByteArray> ReadMemo(int column, qint64 id);
+    engine::StoredMemo ReadMemo(int column, qint64 id);
     /// The same for rows whose ids rise, in one run from the first to the last. Stops early, after one row at least,
     /// when octetBudget is used up.
-    std::vector<std::optional<QByteArray>> ReadMemoRange(int column, std::span<const qint64> ids, qint64 octetBudget);
+    std::vector<engine::StoredMemo> ReadMemoRange(int column, std::span<const qint64> ids, qint64 octetBudget);
     qint64 CountRows();
 
     qint64 Insert(std::span<const engine::Assignment> values);
@@ -60,7 +60,19 @@ private:
                            std::span<const StoredValue> keys, engine::MemoFetch memos) const;
     std::vector<StoredValue> KeysOf(int index, const Row& row) const;
 
-    static QByteArray TakeMemo(const StatementUse& use, int column);
+    /// The memo and, behind it where there are checks, its check. column: the memo's place in the table.
+    QByteArray MemoColumns(int column) const;
+    /// place: of those in what was read.
+    engine::StoredMemo TakeMemo(const StatementUse& use, int place, qint64 id) const;
+    bool IsAsSaved(const StatementUse& use, int place, qint64 id) const;
+    qint64 NextRowId();
+    /// 3049 unless the row that was found lies behind the one that the walk came from: in a damaged file it need not.
+    void RequireProgress(int index, engine::Direction direction, std::span<const StoredValue> keys, qint64 id,
+                         const Row& found) const;
+    bool ReadBehind(int index, engine::Direction direction, std::span<const StoredValue> keys, qint64 id,
+                    engine::MemoFetch memos, Row& row);
+    /// changed: a character a column, '+' for those that are set.
+    QByteArray UpdateText(const std::string& changed, bool changesMemos) const;
     QByteArray ReadColumns(engine::MemoFetch memos) const;
     void Take(const StatementUse& use, engine::MemoFetch memos, Row& row) const;
     template <typename MakeText>
@@ -69,6 +81,7 @@ private:
     Connection& Connection_;
     engine::TablePtr Table_;
     QByteArray Name_; ///< Quoted.
+    bool HasChecks_;
     /// By column. A memo is read with its row only where it is small; but one that an index orders by is read always,
     /// because the row's place in that index is told by it.
     std::vector<bool> IsReadApart_;

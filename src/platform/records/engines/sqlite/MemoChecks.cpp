@@ -1,0 +1,53 @@
+#include "platform/records/engines/sqlite/MemoChecks.h"
+
+#include "platform/records/engines/sqlite/FileCheck.h"
+#include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/SchemaTables.h"
+#include "platform/records/engines/sqlite/SqlRenderer.h"
+
+namespace dao::sqlite
+{
+
+void BackfillChecks(const QString& file)
+{
+    Connection connection(file, Connection::Mode::ReadWrite);
+    if (FormatOf(connection) != FormatVersionWithoutChecks)
+        return;
+    connection.Execute("BEGIN IMMEDIATE");
+    for (const engine::TablePtr& table : ReadSchema(connection, nullptr)->Tables) {
+        const QByteArray name = QuoteName(table->Name);
+        QByteArrayList values;
+        for (const engine::Column& column : table->Columns) {
+            if (!column.IsMemo())
+                continue;
+            const QByteArray check = CheckColumn(column);
+            connection.Execute("ALTER TABLE " + name + " ADD COLUMN " + check + " INTEGER");
+            values += check + " = jet_check(" + QuoteName(column.Name) + ", " + RowIdName + ')';
+        }
+        if (!values.isEmpty())
+            connection.Execute("UPDATE " + name + " SET " + values.join(", "));
+    }
+    connection.Execute(QByteArrayLiteral("PRAGMA user_version=") + QByteArray::number(FormatVersion));
+    connection.Execute("COMMIT");
+}
+
+void FinishCompaction(const QString& copy, const FileReport& source)
+{
+    if (source.Verdict == FileReport::State::Repairable) {
+        // The indexes come over as they are.
+        Connection connection(copy, Connection::Mode::ReadWrite);
+        try {
+            connection.Execute("REINDEX");
+        } catch (const Error& error) {
+            if (error.Number() == errDuplicateValue)
+                throw Error(errFileDamaged, QStringLiteral("The database is damaged: a unique value is there twice."));
+            throw;
+        }
+    }
+    BackfillChecks(copy);
+    const FileReport report = ExamineFile(copy, {});
+    if (report.Verdict != FileReport::State::Sound)
+        throw Error(errFileDamaged, QStringLiteral("The database is damaged. (%1)").arg(report.Faults.value(0)));
+}
+
+} // namespace dao::sqlite
