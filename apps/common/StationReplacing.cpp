@@ -11,12 +11,15 @@
 
 namespace
 {
-void PutInPlace(const QString& folder, const QString& file, const QString& copy, const QString& keepName)
+/// The name of the old content.
+QString PutInPlace(const QString& folder, const QString& file, const QString& copy)
 {
+    QString keepName;
+    const auto freeName = [&] { return DAO_DatabaseFunctions::FreeKeepName(file); };
     PendingError failure;
-    const RestoreBackup::Outcome outcome = RestoreBackup::Replace(file, copy, keepName, failure);
+    const RestoreBackup::Outcome outcome = RestoreBackup::Replace(file, copy, freeName, failure, &keepName);
     if (outcome == RestoreBackup::Outcome::Done)
-        return;
+        return keepName;
     if (failure.Number() == dao::errCancelled)
         throw Failure(exitInterrupted, QStringLiteral("Ended early; nothing was changed."));
     if (failure && outcome == RestoreBackup::Outcome::NotPut)
@@ -30,8 +33,14 @@ void PutInPlace(const QString& folder, const QString& file, const QString& copy,
 /// Says why the record store cannot write another file of it.
 Failure WhyNotCompacted(const QString& folder, const QString& file, const PendingError& failure)
 {
-    if (failure.Number() == dao::errLocked || failure.Number() == dao::errDiskFull)
+    switch (failure.Number()) {
+    case dao::errLocked:
+    case dao::errFileReplaced:
+    case dao::errDiskFull:
         return StationOpening::FailureOf(folder, failure.Number(), failure.Description());
+    default:
+        break;
+    }
     try {
         dao::DBEngine::CheckDatabase(file);
     } catch (const dao::Error& error) {
@@ -69,8 +78,7 @@ StationReplacing::Result StationReplacing::Restore(const QString& folder, const 
     Result result;
     result.Before = CountsOf(file);
     result.SizeBefore = FileHelper::FileSize(file);
-    const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
-    PutInPlace(folder, file, copy, keepName);
+    const QString keepName = PutInPlace(folder, file, copy);
     // What was put back was read whole before. Others may have filed into it already, so that it is not compared.
     const std::optional<StationCounts> after = CountsOf(file);
     if (!after)

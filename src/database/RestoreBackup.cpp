@@ -37,23 +37,25 @@ bool NeedsRename(int errorNumber)
     }
 }
 
-void PutInPlace(const QString& databaseFile, const QString& restored, const QString& keepName)
+/// Answers the keep name.
+QString PutInPlace(const QString& databaseFile, const QString& restored, const std::function<QString()>& keepName)
 {
     const auto mark = [&] { dao::ContentExchange::MarkAsRestored(restored, databaseFile); };
     FileExchange::Plan plan;
     plan.File = databaseFile;
     plan.Replacement = restored;
     plan.Make = [&](dao::ContentExchange&) { mark(); };
-    plan.KeepName = [&] { return keepName; };
+    plan.KeepName = keepName;
     try {
-        FileExchange::InPlace(plan);
-        return;
+        return FileExchange::InPlace(plan);
     } catch (const dao::Error& error) {
         if (!NeedsRename(error.Number()))
             throw;
     }
     mark();
-    FileExchange::ByRename(databaseFile, restored, keepName);
+    const QString name = keepName();
+    FileExchange::ByRename(databaseFile, restored, name);
+    return name;
 }
 } // namespace
 
@@ -63,7 +65,8 @@ QString RestoreBackup::KeepNameOf(const QString& databaseFile)
 }
 
 RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const QString& backupFile,
-                                              const QString& keepName, PendingError& failure)
+                                              const std::function<QString()>& keepName, PendingError& failure,
+                                              QString* keptAs)
 {
     // A name of its own: somebody else may be restoring as well.
     const QString restored =
@@ -71,7 +74,11 @@ RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const
     if (!FileHelper::CopyWithProgress(backupFile, restored, QStringLiteral("Restoring Backup"), &failure) ||
         FileHelper::FileSize(restored) <= 0)
         return Outcome::CopyFailed;
-    const bool isPut = failure.Try([&] { PutInPlace(databaseFile, restored, keepName); });
+    const bool isPut = failure.Try([&] {
+        const QString name = PutInPlace(databaseFile, restored, keepName);
+        if (keptAs)
+            *keptAs = name;
+    });
     for (const QString& name : dao::DBEngine::CompanionsOf(restored) + QStringList(restored))
         QFile::remove(name);
     return isPut ? Outcome::Done : Outcome::NotPut;
@@ -106,8 +113,8 @@ qint32 cTolvaDatabase::OfferBackupOfCorruptedDatabase(const QString& fileName, c
         return -1;
     }
     PendingError pending;
-    switch (RestoreBackup::Replace(fileName, FileHelper::Join(best.Folder, FileHelper::FileNameOf(fileName)), keepName,
-                                   pending)) {
+    switch (RestoreBackup::Replace(
+        fileName, FileHelper::Join(best.Folder, FileHelper::FileNameOf(fileName)), [&] { return keepName; }, pending)) {
     case RestoreBackup::Outcome::Done:
         break;
     case RestoreBackup::Outcome::NotPut:

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class PendingError;
 
 /// Putting a backup in the place of a database that others may have open. Into the file itself where it can still be
@@ -22,10 +24,11 @@ enum class Outcome
 TOLVA_EXPORT QString KeepNameOf(const QString& databaseFile);
 
 /// Copies backupFile whole beside databaseFile, shown as a restore, and puts the copy's content into it; the old
-/// content, when there is a file, is kept under the keep name, which must be free. The automatic numbers go on behind
-/// those of the old file, where they can be read. Whoever has the database open is told to open it anew (3734).
-/// failure: what stopped it, where that is known.
-TOLVA_EXPORT Outcome Replace(const QString& databaseFile, const QString& backupFile, const QString& keepName,
-                             PendingError& failure);
+/// content, when there is a file, is kept under the keep name, which must be free and is asked for when it is time. The
+/// automatic numbers go on behind those of the old file, where they can be read. Whoever has the database open is told
+/// to open it anew (3734). failure: what stopped it, where that is known. keptAs gets the keep name.
+TOLVA_EXPORT Outcome Replace(const QString& databaseFile, const QString& backupFile,
+                             const std::function<QString()>& keepName, PendingError& failure,
+                             QString* keptAs = nullptr);
 
 } // namespace RestoreBackup
