@@ -24,6 +24,7 @@ ExitCode ExitCodeOf(int errorNumber)
     case dao::errFileReplaced:
         return exitTemporary;
     case dao::errFileDamaged:
+    case dao::errMemoDamaged:
     case dao::errUnrecognisedFormat:
     case dao::errOverflow:
     case dao::errTypeMismatch:
@@ -66,6 +67,10 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
     case dao::errFileDamaged:
         return words(QStringLiteral("is damaged. \"tolva check\" says what can still be read; put the newest backup in "
                                     "its place. (%1)")
+                         .arg(description));
+    case dao::errMemoDamaged:
+        return words(QStringLiteral("holds a text or mail that was changed on the disk since it was saved. \"tolva "
+                                    "check\" says which, and which backup has it sound. (%1)")
                          .arg(description));
     case dao::errUnrecognisedFormat:
         return words(QStringLiteral("is not a database of this program, or its file is damaged. Put the newest backup "

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "FolderNames.h"
+#include "MessageRecovery.h"
 #include "StationPlace.h"
 #include "WinnerCounts.h"
 #include "common/FileHelper.h"
@@ -22,6 +23,8 @@ class Findings
 {
 public:
     explicit Findings(const std::function<void(const QString&)>& tell) : Tell_(tell) {}
+
+    bool IsEmpty() const { return Counts_.isEmpty(); }
 
     void Add(const QString& kind, const QString& words)
     {
@@ -116,7 +119,10 @@ int CheckTable(dao::Database& database, const QString& name, Findings& findings)
 class MessageCheck
 {
 public:
-    MessageCheck(const clsCategory& root, Findings& findings) : Root_(root), Findings_(findings) {}
+    MessageCheck(const QString& folder, const clsCategory& root, Findings& findings)
+        : Folder_(folder), Root_(root), Findings_(findings)
+    {
+    }
 
     void Check(const dao::Recordset& rows)
     {
@@ -138,7 +144,6 @@ public:
 private:
     void CheckMail(const dao::Recordset& rows, qint32 reference)
     {
-        const QString kind = QStringLiteral("unreadable messages");
         try {
             if (rows[MailColumn].Octets().isEmpty())
                 Findings_.Add(QStringLiteral("messages without a text"),
@@ -149,11 +154,14 @@ private:
                 return;
             if (EndsCheck(error))
                 throw;
-            Findings_.Add(kind,
-                          QStringLiteral("Message %1 cannot be read: %2").arg(reference).arg(error.Description()));
+            Findings_.Add(QStringLiteral("damaged messages"), QStringLiteral("Message %1 cannot be read: %2 %3")
+                                                                  .arg(reference)
+                                                                  .arg(error.Description())
+                                                                  .arg(MessageRecovery::Advice(Folder_, reference)));
         }
     }
 
+    const QString& Folder_;
     const clsCategory& Root_;
     Findings& Findings_;
     QMap<qint32, int> InFolder_;
@@ -177,6 +185,36 @@ bool CheckMessages(dao::Database& database, MessageCheck& check, Findings& findi
             throw;
         findings.Add(QStringLiteral("unreadable tables"),
                      QStringLiteral("The table Messages cannot be read to its end: %1").arg(error.Description()));
+    }
+    return true;
+}
+
+/// What a copy, a compaction and a restore go by: the station is not sound unless they find it so. False when the user
+/// ended it.
+bool CheckPages(const QString& file, Findings& findings)
+{
+    const auto progress = UserInterface::Current().Progress(QStringLiteral("Comparing pages"));
+    dao::FileReport report;
+    try {
+        report = dao::DBEngine::ExamineDatabase(
+            file, [&](qint64 done, qint64 total) { return progress->Advance(done, total); });
+    } catch (const dao::Error& error) {
+        if (error.Number() != dao::errCancelled)
+            throw;
+        return false;
+    }
+    if (report.Verdict == dao::FileReport::State::Repairable) {
+        for (const QString& fault : std::as_const(report.Faults)) {
+            findings.Add(
+                QStringLiteral("indexes to repair"),
+                QStringLiteral("An index of %1 does not match its table. No row is lost, and \"tolva compact\" "
+                               "repairs it. (%2)")
+                    .arg(file, fault));
+        }
+    } else if (!report.IsStructureSound || (findings.IsEmpty() && !report.Faults.isEmpty())) {
+        // Single values that are damaged were told of when they were read.
+        for (const QString& fault : std::as_const(report.Faults))
+            findings.Add(QStringLiteral("damaged pages"), QStringLiteral("%1 is damaged: %2").arg(file, fault));
     }
     return true;
 }
@@ -225,8 +263,9 @@ void TellDisagreements(const WinnerCounts::Disagreements& before, const WinnerCo
 }
 
 /// False when the user ended it.
-bool CheckStationFile(const QString& file, Findings& findings, StationCheck::Report& report)
+bool CheckStationFile(const QString& folder, Findings& findings, StationCheck::Report& report)
 {
+    const QString file = StationPlace::FileIn(folder);
     const auto database = dao::DBEngine::OpenDatabase(file, 0, true);
     for (const TableShape& shape : {DescriptionTableShape(), SettingsTableShape(), MessagesTableShape(),
                                     MessageCategoriesTableShape(), PrizesTableShape(), PrizeWinnersTableShape()}) {
@@ -237,21 +276,22 @@ bool CheckStationFile(const QString& file, Findings& findings, StationCheck::Rep
     clsCategory root;
     LoadFolders(*database, root, findings);
     const WinnerCounts::Disagreements disagreements = FindDisagreements(*database);
-    MessageCheck check(root, findings);
+    MessageCheck check(folder, root, findings);
     if (!CheckMessages(*database, check, findings))
         return false;
     if (!disagreements.empty())
         TellDisagreements(disagreements, FindDisagreements(*database), findings);
     report.Folders = FolderCounts(check, root);
     report.IsRead = true;
-    return true;
+    return CheckPages(file, findings);
 }
 
-void CheckDirectory(const QString& file, Findings& findings)
+/// False when the user ended it.
+bool CheckDirectory(const QString& file, Findings& findings)
 {
     if (!FileHelper::FileExists(file)) {
         findings.Add(QStringLiteral("missing parts"), QStringLiteral("There is no directory in %1.").arg(file));
-        return;
+        return true;
     }
     const auto database = dao::DBEngine::OpenDatabase(file, 0, true);
     QStringList names;
@@ -259,6 +299,7 @@ void CheckDirectory(const QString& file, Findings& findings)
         names.append(database->TableDefs().Item(i).Name());
     for (const QString& name : names)
         CheckTable(*database, name, findings);
+    return CheckPages(file, findings);
 }
 
 /// Runs a check of one file. A file that cannot be opened for its content is a finding as well.
@@ -290,11 +331,11 @@ StationCheck::Report StationCheck::Run(const QString& folder, const std::functio
     Report report;
     Findings findings(tell);
     const QString file = StationPlace::FileIn(folder);
-    OfFile(file, findings, [&] { report.IsWhole = CheckStationFile(file, findings, report); });
+    OfFile(file, findings, [&] { report.IsWhole = CheckStationFile(folder, findings, report); });
     if (!report.IsWhole)
         return report;
     const QString directory = StationPlace::DirectoryFileIn(folder);
-    OfFile(directory, findings, [&] { CheckDirectory(directory, findings); });
+    OfFile(directory, findings, [&] { report.IsWhole = CheckDirectory(directory, findings); });
     report.Summary = findings.Summary();
     return report;
 }

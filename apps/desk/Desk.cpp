@@ -137,9 +137,11 @@ bool Desk::OpenStation(const QString& folder, const QString& user)
             return OpenRestored(path, user, DamagedStation::OfferBackup(path, failure.Words()));
         Words::Warn(failure.Words());
     } catch (const dao::Error& error) {
-        Words::Warn(FailureOf(tr("The station in %1").arg(path), StationPlace::FileIn(path), error.Number(),
-                              error.Description())
-                        .Words());
+        const Failure failure = FailureOf(tr("The station in %1").arg(path), StationPlace::FileIn(path), error.Number(),
+                                          error.Description());
+        if (failure.Code() == exitData)
+            return OpenRestored(path, user, DamagedStation::OfferBackup(path, failure.Words()));
+        Words::Warn(failure.Words());
     }
     return false;
 }

@@ -7,6 +7,7 @@
 #include "ComposeWindow.h"
 #include "DeskSettings.h"
 #include "Failure.h"
+#include "MessageRecovery.h"
 #include "MessageWindow.h"
 #include "MoveUndo.h"
 #include "NoticeBar.h"
@@ -128,6 +129,8 @@ void MainWindow::MakeParts()
     Undo_ = new MoveUndo(*Station_, *this);
     AddTabs();
     Preview_ = new PreviewPane(this);
+    Preview_->SetDamageAdvice(
+        [this](qint32 reference) { return MessageRecovery::Advice(Station_->Folder(), reference); });
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
     Splitter_->addWidget(List_);

@@ -3,6 +3,7 @@
 #include "AttachmentList.h"
 #include "DeskStation.h"
 #include "DisplayText.h"
+#include "MessageRecovery.h"
 #include "NoticeBar.h"
 #include "PreviewPane.h"
 #include "platform/widgets/Icons.h"
@@ -37,6 +38,7 @@ MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, Q
     connect(&View_->Attachments(), &AttachmentList::Saved, this,
             [this](const QString& words) { statusBar()->showMessage(words); });
     statusBar()->setSizeGripEnabled(false);
+    View_->SetDamageAdvice([this](qint32 reference) { return MessageRecovery::Advice(Station_.Folder(), reference); });
     View_->Select(message);
     resize(760, 600);
 }

@@ -1,6 +1,7 @@
 #include "PreviewPane.h"
 
 #include "AttachmentList.h"
+#include "NoticeBar.h"
 #include "messages/controls/uMessageBasic.h"
 #include "platform/widgets/SystemColour.h"
 
@@ -13,11 +14,13 @@ PreviewPane::PreviewPane(QWidget* parent)
       Stack_(new QStackedLayout(this)),
       Empty_(new QLabel(tr("Select a message to read it here."), this)),
       Page_(new QWidget(this)),
+      Damage_(new NoticeBar(QStringLiteral("warning"), QString(), Page_)),
       View_(new uMessageBasic(Page_)),
       Attachments_(new AttachmentList(Page_))
 {
     setObjectName(QStringLiteral("preview"));
     setAccessibleName(tr("Message"));
+    Damage_->setObjectName(QStringLiteral("damageNotice"));
     View_->setObjectName(QStringLiteral("viewer"));
     View_->SetBackColour(SystemColour::ButtonFace);
     View_->SetForeColour(SystemColour::WindowText);
@@ -27,6 +30,7 @@ PreviewPane::PreviewPane(QWidget* parent)
     auto* layout = new QVBoxLayout(Page_);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(Damage_);
     layout->addWidget(View_, 1);
     layout->addWidget(Attachments_);
     Stack_->setContentsMargins(0, 0, 0, 0);
@@ -63,6 +67,7 @@ void PreviewPane::Load()
     const bool isOther = !Shown_ || !Selected_ || Shown_->Reference() != Selected_->Reference();
     Shown_ = Selected_;
     View_->SetMessage(Shown_);
+    Damage_->Show(DamageWords());
     Attachments_->SetMessage(Shown_);
     Stack_->setCurrentWidget(Shown_ ? Page_ : Empty_);
     // In a window of its own the message is read by the keys at once.
@@ -70,6 +75,14 @@ void PreviewPane::Load()
         FocusTarget()->setFocus();
     if (Shown_ && isOther)
         ReadTimer_.start();
+}
+
+QString PreviewPane::DamageWords() const
+{
+    if (!Shown_ || !Shown_->IsDamaged())
+        return QString();
+    const QString words = tr("This message is damaged: what is left of it is not what was saved.");
+    return DamageAdvice_ ? words + u' ' + DamageAdvice_(Shown_->Reference()) : words;
 }
 
 void PreviewPane::TakeReadTime()

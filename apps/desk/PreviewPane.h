@@ -5,7 +5,10 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
+
 class AttachmentList;
+class NoticeBar;
 class QLabel;
 class QStackedLayout;
 class uMessageBasic;
@@ -27,6 +30,8 @@ public:
     /// Whether what is selected is on show.
     bool IsLoaded() const { return Shown_ == Selected_; }
     AttachmentList& Attachments() const { return *Attachments_; }
+    /// What to do about a damaged message, in words; asked for when one is shown.
+    void SetDamageAdvice(std::function<QString(qint32 reference)> advice) { DamageAdvice_ = std::move(advice); }
     /// Where the keyboard goes.
     QWidget* FocusTarget() const;
 
@@ -39,6 +44,7 @@ Q_SIGNALS:
 
 private:
     void Load();
+    QString DamageWords() const;
     void TakeReadTime();
 
     cMessagePtr Selected_;
@@ -46,8 +52,10 @@ private:
     QStackedLayout* Stack_;
     QLabel* Empty_;
     QWidget* Page_;
+    NoticeBar* Damage_;
     uMessageBasic* View_;
     AttachmentList* Attachments_;
+    std::function<QString(qint32)> DamageAdvice_;
     QTimer RestTimer_;
     QTimer ReadTimer_;
 };

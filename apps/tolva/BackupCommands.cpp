@@ -56,8 +56,20 @@ struct Entry
     QString Created;
     QString By;
     qint64 Size = -1;
-    QString State; ///< "complete", "sound", "damaged" or "unfinished".
+    QString State; ///< "complete", "sound", "repairable", "damaged" or "unfinished".
 };
+
+QString WordOf(dao::FileReport::State state)
+{
+    switch (state) {
+    case dao::FileReport::State::Sound:
+        return QStringLiteral("sound");
+    case dao::FileReport::State::Repairable:
+        return QStringLiteral("repairable");
+    default:
+        return QStringLiteral("damaged");
+    }
+}
 
 Entry EntryOf(const BackupFolders::Backup& backup, const QString& fileName, bool isChecked)
 {
@@ -67,7 +79,7 @@ Entry EntryOf(const BackupFolders::Backup& backup, const QString& fileName, bool
         ProfileHelper::ReadIniString(QStringLiteral("Details"), QStringLiteral("By"), QString(), backup.Details),
         FileHelper::FileSize(copy), QStringLiteral("complete")};
     if (isChecked)
-        entry.State = BackupFolders::IsSound(copy) ? QStringLiteral("sound") : QStringLiteral("damaged");
+        entry.State = WordOf(BackupFolders::StateOf(copy));
     else if (entry.Size <= 0)
         entry.State = QStringLiteral("damaged");
     return entry;
@@ -155,8 +167,9 @@ CommandDefinition BackupsCommand()
                        "it. \"unfinished\"\n"
                        "is what a backup leaves that failed or was ended; it is never restored and never expires. The "
                        "exit code is\n"
-                       "65 when a backup is damaged, which --check finds out by reading them whole. --user is taken "
-                       "for the sake of\n"
+                       "65 when a backup is damaged, which --check finds out by reading them whole; \"repairable\" is "
+                       "one that loses\n"
+                       "nothing but has indexes for \"tolva compact\" to repair. --user is taken for the sake of "
                        "scripts and not used."),
         {{CheckOption, QString(), QStringLiteral("Reads every backup to its end.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object a line.")},

@@ -24,6 +24,7 @@ CommandDefinition CheckCommand();
 CommandDefinition BackupCommand();
 CommandDefinition BackupsCommand();
 CommandDefinition RestoreCommand();
+CommandDefinition RecoverCommand();
 CommandDefinition CompactCommand();
 
 /// In the order of the help page.

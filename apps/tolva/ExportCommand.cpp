@@ -39,7 +39,7 @@ int Run(const Arguments& arguments)
     const QByteArray octets = message->CDOMessage()->Octets();
     if (path == u"-") {
         Terminal::PrintOctets(octets);
-        return exitOK;
+        return station.TellDamage(*message);
     }
     const bool isFolder = QFileInfo(path).isDir();
     if (isFolder)
@@ -47,7 +47,7 @@ int Run(const Arguments& arguments)
     FileOutput::Write(path, octets, arguments.Has(ForceOption) ? IfThere::Replace : IfThere::Refuse);
     if (isFolder)
         Terminal::PrintLine(path);
-    return exitOK;
+    return station.TellDamage(*message);
 }
 } // namespace
 
@@ -59,7 +59,9 @@ CommandDefinition ExportCommand()
         {QStringLiteral("export FOLDER REF FILE [--force]")},
         QStringLiteral(
             "The file is the message octet by octet; it appears when it is whole. FILE may be \"-\" for standard\n"
-            "output, or a folder: then the file is named after the subject, and its path is printed."),
+            "output, or a folder: then the file is named after the subject, and its path is printed. Of a damaged "
+            "message\n"
+            "what there is of it is written, and what to do is told; the exit code is 65."),
         {{ForceOption, QString(), QStringLiteral("Replaces a file that exists.")}, Station::UserOption()},
         QStringLiteral("tolva export /srv/station 27 answer.eml"),
         3,

@@ -70,10 +70,20 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
     }
 }
 
-/// The sender as the mail names it: "Postcard Pete", or the address where there is no name.
-QString SenderOf(dao::Recordset& rows, const MessageRow& row)
+/// The sender as the mail names it: "Postcard Pete", or the address where there is no name. Of a damaged mail the
+/// address that stands in its row.
+QString SenderOf(dao::Recordset& rows, const MessageRow& row, QList<qint32>& damaged)
 {
-    const cdo::Message mail(rows[MailColumn].Octets());
+    QByteArray octets;
+    try {
+        octets = rows[MailColumn].Octets();
+    } catch (const dao::Error& error) {
+        if (error.Number() != dao::errMemoDamaged && error.Number() != dao::errFileDamaged)
+            throw;
+        damaged.append(row.Reference);
+        return row.From;
+    }
+    const cdo::Message mail(octets);
     const QString from = mail.From().trimmed();
     QString name = from.left(from.indexOf(u'<')).trimmed();
     if (name.size() > 1 && name.startsWith(u'"') && name.endsWith(u'"'))
@@ -83,16 +93,19 @@ QString SenderOf(dao::Recordset& rows, const MessageRow& row)
     return row.From.isEmpty() ? from : row.From;
 }
 
-void PrintTable(dao::Recordset& rows, const Arguments& arguments, const QHash<qint32, QString>& folders)
+/// The messages that it met whose mail is damaged.
+QList<qint32> PrintTable(dao::Recordset& rows, const Arguments& arguments, const QHash<qint32, QString>& folders)
 {
+    QList<qint32> damaged;
     const MessageTable table(!arguments.Has(CategoryOption));
     const bool sortsByReceived = arguments.Value(SortOption).toLower() == u"received";
     const bool showsNames = rows.RecordCount() <= NamesShownFor;
     for (; !rows.AtEOF(); rows.MoveNext()) {
         const MessageRow row = ReadMessageRow(rows);
-        table.Print(row, sortsByReceived ? row.Received : row.Sent, showsNames ? SenderOf(rows, row) : row.From,
-                    FolderPath(folders, row.Category));
+        table.Print(row, sortsByReceived ? row.Received : row.Sent,
+                    showsNames ? SenderOf(rows, row, damaged) : row.From, FolderPath(folders, row.Category));
     }
+    return damaged;
 }
 
 void PrintJson(dao::Recordset& rows, const QHash<qint32, QString>& folders)
@@ -110,15 +123,22 @@ int Run(const Arguments& arguments)
     Station station(arguments);
     const auto rows = OpenRows(arguments, station);
     const QHash<qint32, QString> folders = FolderPaths(station.Folders());
+    QList<qint32> damaged;
     station.Try([&] {
         if (arguments.Has(JsonOption))
             PrintJson(*rows, folders);
         else if (rows->AtEOF())
             Terminal::Complain(QStringLiteral("No messages."));
         else
-            PrintTable(*rows, arguments, folders);
+            damaged = PrintTable(*rows, arguments, folders);
     });
-    return exitOK;
+    for (const qint32 reference : std::as_const(damaged)) {
+        Terminal::Complain(QStringLiteral("Message %1 is damaged: its mail is not what was saved. What to do: tolva "
+                                          "check %2")
+                               .arg(reference)
+                               .arg(station.Folder()));
+    }
+    return damaged.isEmpty() ? exitOK : exitData;
 }
 } // namespace
 

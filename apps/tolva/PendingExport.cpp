@@ -82,6 +82,11 @@ void PendingExport::Write(const cMessage& message)
     const qint32 reference = message.Reference();
     if (MayBeSentAlready(reference))
         return;
+    if (message.IsDamaged()) {
+        Refuse(exitData,
+               QStringLiteral("Message %1 is damaged and is not sent. What to do: tolva check").arg(reference));
+        return;
+    }
     const cdo::Message& mail = *message.CDOMessage();
     const bool isText = message.MessageType() == emtSMS;
     const QStringList numbers = isText ? NumbersOf(mail) : QStringList();

@@ -122,6 +122,7 @@ void PrintJson(Station& station, const cMessage& message)
         {QStringLiteral("highlighted"), message.HasHighlightWords()},
         {QStringLiteral("priority"), message.Priority()},
         {QStringLiteral("personalToContact"), message.PersonalToContact()},
+        {QStringLiteral("damaged"), message.IsDamaged()},
         {QStringLiteral("text"), mail.TextBody()},
         {QStringLiteral("html"), mail.HTMLBody()},
         {QStringLiteral("attachments"), JsonAttachments(mail)},
@@ -142,7 +143,7 @@ int Run(const Arguments& arguments)
         PrintJson(station, *message);
     else
         PrintPlain(station, *message);
-    return exitOK;
+    return station.TellDamage(*message);
 }
 } // namespace
 
@@ -154,7 +155,9 @@ CommandDefinition ShowCommand()
         {QStringLiteral("show FOLDER REF [--raw|--json]")},
         QStringLiteral(
             "REF is the message's number in the list. The message stays unread. Of a message that is only a web page\n"
-            "the words are shown, as well as that goes without laying the page out."),
+            "the words are shown, as well as that goes without laying the page out. Of a damaged message what there is "
+            "of it\n"
+            "is shown, and what to do is told; the exit code is 65."),
         {{RawOption, QString(), QStringLiteral("The message as it arrived, octet by octet.")},
          {JsonOption, QString(), QStringLiteral("All of it as one JSON object.")},
          Station::UserOption()},

@@ -1,7 +1,9 @@
 #include "Station.h"
 
+#include "MessageRecovery.h"
 #include "StationOpening.h"
 #include "StationPlace.h"
+#include "Terminal.h"
 #include "common/FileHelper.h"
 #include "platform/directory/clsKVUser.h"
 
@@ -65,6 +67,16 @@ cMessagePtr Station::Message(const QString& words)
     if (!message)
         throw Failure(exitData, QStringLiteral("There is no message %1 in the station in %2.").arg(words, Folder_));
     return message;
+}
+
+ExitCode Station::TellDamage(const cMessage& message) const
+{
+    if (!message.IsDamaged())
+        return exitOK;
+    Terminal::Complain(QStringLiteral("Message %1 is damaged: its mail is not what was saved. %2")
+                           .arg(message.Reference())
+                           .arg(MessageRecovery::Advice(Folder_, message.Reference())));
+    return exitData;
 }
 
 void Station::Require(DirectoryRight right, const QString& words)

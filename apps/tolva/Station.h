@@ -32,6 +32,8 @@ public:
 
     /// The message; Failure (data) when there is none. words: its number as the user typed it.
     cMessagePtr Message(const QString& words);
+    /// exitOK, or exitData for a damaged message, which is told on standard error with what to do about it.
+    ExitCode TellDamage(const cMessage& message) const;
     /// Failure (permission) unless the user has the right. words: "change folders".
     void Require(DirectoryRight right, const QString& words);
     /// Why an operation on that message answered false, in words.

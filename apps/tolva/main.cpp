@@ -63,10 +63,10 @@ int RunAndReport(const QStringList& arguments)
 
 std::vector<CommandDefinition> AllCommands()
 {
-    return {InitCommand(),   FileCommand(),    ListCommand(),    ShowCommand(),   ExportCommand(),   PrintCommand(),
-            MoveCommand(),   CopyCommand(),    DeleteCommand(),  MarkCommand(),   PendingCommand(),  FoldersCommand(),
-            PrizesCommand(), PrizeCommand(),   SettingCommand(), UsersCommand(),  ContactsCommand(), CheckCommand(),
-            BackupCommand(), BackupsCommand(), RestoreCommand(), CompactCommand()};
+    return {InitCommand(),   FileCommand(),    ListCommand(),    ShowCommand(),    ExportCommand(),   PrintCommand(),
+            MoveCommand(),   CopyCommand(),    DeleteCommand(),  MarkCommand(),    PendingCommand(),  FoldersCommand(),
+            PrizesCommand(), PrizeCommand(),   SettingCommand(), UsersCommand(),   ContactsCommand(), CheckCommand(),
+            BackupCommand(), BackupsCommand(), RestoreCommand(), RecoverCommand(), CompactCommand()};
 }
 
 int main(int argc, char** argv)

@@ -1,6 +1,7 @@
 #include "database/BackupFolders.h"
 
 #include "common/FileHelper.h"
+#include "common/PendingError.h"
 #include "common/ProfileHelper.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"
@@ -84,15 +85,21 @@ BackupFolders::Backup BackupFolders::NewestSound(const QString& root, const QStr
     return {};
 }
 
+dao::FileReport::State BackupFolders::StateOf(const QString& databaseFile)
+{
+    dao::FileReport report{
+        .Verdict = dao::FileReport::State::Damaged, .IsStructureSound = false, .Faults = {}, .Memos = {}};
+    DatabaseInformation scratch;
+    PendingError unreadable;
+    unreadable.Try([&] {
+        // What it says of itself comes first, as it does when a station is opened.
+        if (DAO_DatabaseFunctions::GetDatabaseInformation(databaseFile, scratch, false, QString()) == 0)
+            report = dao::DBEngine::ExamineDatabase(databaseFile);
+    });
+    return report.Verdict;
+}
+
 bool BackupFolders::IsSound(const QString& databaseFile)
 {
-    DatabaseInformation scratch;
-    if (DAO_DatabaseFunctions::GetDatabaseInformation(databaseFile, scratch, false, QString()) != 0)
-        return false;
-    try {
-        dao::DBEngine::CheckDatabase(databaseFile);
-        return true;
-    } catch (const dao::Error&) {
-        return false;
-    }
+    return StateOf(databaseFile) != dao::FileReport::State::Damaged;
 }

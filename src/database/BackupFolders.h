@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Date.h"
+#include "platform/records/FileReport.h"
 
 #include <QList>
 #include <QString>
@@ -37,7 +38,9 @@ bool WriteDetails(const QString& folder, Date started, const QString& machineNam
 /// The newest backup whose copy of the database opens and reads to its end; nothing in Folder when there is none.
 /// fileName: the database's, without its folder.
 Backup NewestSound(const QString& root, const QString& fileName);
-/// Whether a database opens, says what it is, and reads to its end. Shows nothing.
+/// What reading a database to its end says, when it opens and says what it is. Shows nothing.
+dao::FileReport::State StateOf(const QString& databaseFile);
+/// Whether nothing of it is lost: it is sound, or has indexes that compacting builds anew.
 bool IsSound(const QString& databaseFile);
 
 } // namespace BackupFolders

@@ -75,14 +75,19 @@ void ReadDatabase(dao::Database& database, const QString& name, DatabaseInformat
                   bool isLocal, PendingError& pending)
 {
     std::unique_ptr<dao::Recordset> recordset;
-    if (!pending.Try([&] { recordset = database.OpenRecordset(QStringLiteral("Description")); })) {
+    bool isEmpty = false;
+    // The table's first page is read when its first row is asked for.
+    if (!pending.Try([&] {
+            recordset = database.OpenRecordset(QStringLiteral("Description"));
+            isEmpty = recordset->AtEOF();
+        })) {
         if (reportErrors)
             Report(QStringLiteral("opening the description information in the database\n\n") + name, pending, false);
         return;
     }
     if (isLocal)
         information.EngineVersion = database.Version();
-    if (!recordset->AtEOF()) {
+    if (!isEmpty) {
         ReadRow(*recordset, information, pending);
     } else if (reportErrors) {
         UserInterface::Current().MessageBox(

@@ -141,13 +141,14 @@ qint16 DAO_DatabaseFunctions::ValidateDatabase(const QString& name, qint32 type,
     if (const int number = CheckDescriptionTable(*database))
         return static_cast<qint16>(number);
     const auto recordset = OpenDescription(*database, connect, pending);
+    if (pending.Number() == 0) {
+        pending.Try([&] {
+            if (recordset->AtEOF())
+                AddDescriptionRow(*recordset, type, silent, title);
+        });
+    }
     if (pending.Number() != 0)
         return Report(QStringLiteral("opening the description information"), pending, false);
-    if (recordset->AtEOF()) {
-        pending.Try([&] { AddDescriptionRow(*recordset, type, silent, title); });
-        if (pending.Number() != 0)
-            return Report(QStringLiteral("opening the description information"), pending, false);
-    }
     recordset->Close();
     database->Close();
     return 0;

@@ -45,15 +45,26 @@ QVariant UniversalDay(Date local)
     return local.IsNone() ? QVariant() : QVariant(ClockHelper::LocalToUTC(local).DayNumber());
 }
 
-/// The mail's octets. Text that other software wrote into the field need not be octets; it is taken as UTF-8 then.
-QByteArray MailOctets(const dao::Field& field)
+/// The mail's octets. Text that other software wrote into the field need not be octets; it is taken as UTF-8 then. Of a
+/// damaged mail what there is of it.
+QByteArray MailOctets(const dao::Field& field, bool& isDamaged)
 {
     try {
         return field.Octets();
     } catch (const dao::Error& error) {
-        if (error.Number() != dao::errTypeMismatch)
+        switch (error.Number()) {
+        case dao::errTypeMismatch:
+            return field.Value().toString().toUtf8();
+        case dao::errMemoDamaged:
+            isDamaged = true;
+            return field.Octets(dao::MemoTrust::AsStored);
+        case dao::errFileDamaged:
+            // The rest of the row was read.
+            isDamaged = true;
+            return {};
+        default:
             throw;
-        return field.Value().toString().toUtf8();
+        }
     }
 }
 
@@ -118,9 +129,11 @@ bool cMessage::ReadFromRecordSet(qint32 reference, dao::Recordset* recordset)
     SetHasHighlightWords(NumberOr(column(Column::HasHighlightWords), 0) != 0);
     SetPersonalToContact(NumberOr(column(Column::PersonalToContact), 0));
     SetSourceIndex(static_cast<qint16>(NumberOr(column(Column::SourceIndex), 0)));
-    const QByteArray octets = MailOctets((*recordset)[Column::Message]);
+    bool isDamaged = false;
+    const QByteArray octets = MailOctets((*recordset)[Column::Message], isDamaged);
     if (!octets.isNull())
         CDOMessage_->SetOctets(octets);
+    IsDamaged_ = isDamaged;
     SetEdited(false);
     return true;
 }
@@ -131,6 +144,11 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     WriteDebugLog(QStringLiteral("Started cMessage:WriteToRecordSet"));
     if (!recordset)
         return false;
+    if (IsDamaged_) {
+        // A save would give what is left of the mail the mark of a sound one.
+        pending.Set(dao::errMemoDamaged, QStringLiteral("The mail is damaged: it is not what was saved."));
+        return false;
+    }
     recordset->SetIndex(MainIndex);
     const BusyPointer busy;
 

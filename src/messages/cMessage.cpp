@@ -29,6 +29,7 @@ void cMessage::SetCDOMessage(const std::shared_ptr<cdo::Message>& message)
     if (!message)
         return;
     CDOMessage_ = message;
+    IsDamaged_ = false;
     ReadHeaderFields();
 }
 
@@ -129,6 +130,7 @@ cMessagePtr cMessage::Copy() const
     copy->SetSent(Sent_);
     copy->SetSendAfter(SendAfter_);
     copy->CDOMessage_->SetOctets(CDOMessage_->Octets());
+    copy->IsDamaged_ = IsDamaged_;
     copy->SetEdited(copy->Edited());
     return copy;
 }

@@ -50,6 +50,11 @@ public:
     /// Takes the mail and reads priority and dates from its header. Null is ignored.
     void SetCDOMessage(const std::shared_ptr<cdo::Message>& message);
 
+    /// Whether the mail is not what was saved: it was changed on the disk, or cannot be read. CDOMessage holds what
+    /// there is of it then, if anything, and the message is not saved until SetCDOMessage gives it another mail. Its
+    /// copies are damaged as well.
+    bool IsDamaged() const { return IsDamaged_; }
+
     /// The directory contact to whom the message is personal; 0 for nobody.
     qint32 PersonalToContact() const { return PersonalToContact_; }
     /// Marks only when the value differs; so does SetSourceIndex.
@@ -112,6 +117,7 @@ private:
     qint32 Reference_ = 0;
     enTolvaMessageCategories Category_ = tmcDrafts;
     bool Edited_ = false;
+    bool IsDamaged_ = false;
     std::shared_ptr<cdo::Message> CDOMessage_;
     qint32 PersonalToContact_ = 0;
     qint16 SourceIndex_ = 0;

@@ -209,6 +209,8 @@ TEST_F(DocumentedCommandsTest, EveryOtherCommandOfThePagesIsTriedElsewhereOrKnow
                                QStringLiteral("install "),
                                // AStationComesBackFromTheCopyOnAnotherMachine.
                                QStringLiteral("rsync "),
+                               // RecoverTest.
+                               QStringLiteral("tolva recover /srv/station 27"),
                                // They need a running systemd; BackupUnitsTest checks the units that they name.
                                QStringLiteral("systemctl "), QStringLiteral("journalctl ")};
     const QStringList typed = {QStringLiteral("../README.md"), QStringLiteral("command-line.md"),

@@ -1,0 +1,179 @@
+// Damaged stations: what the library answers where it is told to answer, and which backup it offers.
+
+#include "common/FileHelper.h"
+#include "database/BackupFolders.h"
+#include "database/DAO_DatabaseFunctions.h"
+#include "platform/records/DBEngine.h"
+#include "support/StationTest.h"
+
+#include <QFile>
+
+using namespace dao;
+
+namespace
+{
+constexpr qsizetype PageSize = 4096;
+
+class DamageTest : public StationTest
+{
+protected:
+    void SetUp() override
+    {
+        Station->SetMakesAutomaticBackups(false);
+        OpenStation();
+        for (int i = 0; i < 4; ++i)
+            References.append(SaveNew(QStringLiteral("Request %1").arg(i)));
+    }
+    void BackUp()
+    {
+        Station = std::make_unique<cTolvaDatabase>();
+        Station->SetDirectoryDatabase(&Directory);
+        Station->SetMakesAutomaticBackups(false);
+        OpenStation();
+        ASSERT_TRUE(Station->BackupDatabase(true));
+        Now.Advance(3600);
+    }
+    static QByteArray Read(const QString& name)
+    {
+        QFile file(name);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        return file.readAll();
+    }
+    static void Write(const QString& name, const QByteArray& octets)
+    {
+        QFile::remove(name + QStringLiteral("-journal"));
+        QFile file(name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        ASSERT_EQ(file.write(octets), octets.size());
+    }
+    QString Copy(const char16_t* name) const
+    {
+        return BackupFolders::RootOf(FileName()) + u'/' + QString::fromUtf16(name) + QStringLiteral("/Tolva.mdb");
+    }
+    /// Which page holds the row of the table Description, told by its text.
+    static qsizetype DescriptionPage(const QByteArray& whole)
+    {
+        const auto database = whole.indexOf("Kelvarin Tolva Database");
+        return database / PageSize;
+    }
+    static QByteArray WithPage(QByteArray whole, qsizetype page, const QByteArray& octets)
+    {
+        return whole.replace(page * PageSize, PageSize, octets);
+    }
+
+    QList<qint32> References;
+};
+
+TEST_F(DamageTest, ADescriptionThatCannotBeReadIsAnErrorNumberAndNoException)
+{
+    Station->CloseTolvaDatabase();
+    const QByteArray whole = Read(FileName());
+    const qsizetype page = DescriptionPage(whole);
+    ASSERT_GT(page, 0);
+    Write(FileName(), WithPage(whole, page, QByteArray(PageSize, '\x5A')));
+    DatabaseInformation information;
+    EXPECT_EQ(DAO_DatabaseFunctions::GetDatabaseInformation(FileName(), information, false, QString()), errFileDamaged);
+    QString title = QStringLiteral("x");
+    Ui.ExpectWarning(QStringLiteral("There was a problem opening the description information and the error's "
+                                    "description was reported as : \n\n\"The database '%1' is damaged. (database disk "
+                                    "image is malformed) (3049)\"")
+                         .arg(FileName()));
+    EXPECT_EQ(DAO_DatabaseFunctions::ValidateDatabase(FileName(), 31, true, title, QString()), errFileDamaged);
+    Ui.ExpectWarning(QStringLiteral("There was a problem opening the description information and the error's "
+                                    "description was reported as : \n\n\"The database '%1' is damaged. (database disk "
+                                    "image is malformed) (3049)\"")
+                         .arg(FileName()));
+    EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), -errFileDamaged);
+}
+
+TEST_F(DamageTest, ANewestBackupWithoutADescriptionHidesNoOlderOne)
+{
+    BackUp(); // 14.05
+    BackUp(); // 15.05
+    const QString newest = Copy(u"2026-11-21 15.05");
+    const QByteArray whole = Read(newest);
+    for (qsizetype page = 0; page < whole.size() / PageSize; ++page) {
+        Write(newest, WithPage(whole, page, QByteArray(PageSize, '\x5A')));
+        const bool isDamaged = BackupFolders::StateOf(newest) == FileReport::State::Damaged;
+        const BackupFolders::Backup found =
+            BackupFolders::NewestSound(BackupFolders::RootOf(FileName()), QStringLiteral("Tolva.mdb"));
+        EXPECT_EQ(found.Name, isDamaged ? QStringLiteral("2026-11-21 14.05") : QStringLiteral("2026-11-21 15.05"))
+            << page;
+    }
+    Write(newest, WithPage(whole, DescriptionPage(whole), QByteArray(PageSize, '\x5A')));
+    EXPECT_EQ(BackupFolders::StateOf(newest), FileReport::State::Damaged);
+}
+
+TEST_F(DamageTest, AMailThatChangedOnTheDiskIsShownAsDamagedAndNotSavedAgain)
+{
+    Station->CloseTolvaDatabase();
+    QByteArray octets = Read(FileName());
+    // The mail's header, not the copy of the subject that lists show.
+    const qsizetype at = octets.indexOf("Subject: Request 2");
+    ASSERT_GT(at, 0);
+    octets[at + 9] = 'r';
+    Write(FileName(), octets);
+    ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+    for (const qint32 reference : std::as_const(References)) {
+        const cMessagePtr message = Station->GetMessage(reference);
+        ASSERT_TRUE(message);
+        EXPECT_EQ(message->IsDamaged(), reference == References.at(2));
+    }
+    const auto messages = Station->GetMessages(QString());
+    ASSERT_TRUE(messages);
+    EXPECT_EQ(messages->Count(), 4);
+
+    const cMessagePtr damaged = Station->GetMessage(References.at(2));
+    EXPECT_TRUE(damaged->CDOMessage()->Octets().contains("Subject: request 2"));
+    EXPECT_FALSE(Station->SaveMessage(damaged));
+    EXPECT_EQ(Station->LastErrorNumber(), errMemoDamaged);
+    EXPECT_FALSE(Station->CopyMessage(References.at(2), tmcSaved));
+    EXPECT_EQ(Station->GetMessages(QString())->Count(), 4);
+    // Its row can be worked with all the same.
+    EXPECT_TRUE(Station->ChangeMessageFlags(References.at(2), mfRead, 0));
+    EXPECT_TRUE(Station->MoveMessage(References.at(2), tmcSaved));
+    EXPECT_TRUE(Station->GetMessage(References.at(2))->IsDamaged());
+    Ui.ExpectWarning(QStringLiteral("A backup of the Directory database could not be be made"));
+    EXPECT_FALSE(Station->BackupDatabase(true));
+    EXPECT_TRUE(Station->DeleteMessage(References.at(2), true));
+    EXPECT_NO_THROW(DBEngine::CheckDatabase(FileName()));
+}
+
+TEST_F(DamageTest, AnotherMailMakesADamagedMessageSound)
+{
+    Station->CloseTolvaDatabase();
+    QByteArray octets = Read(FileName());
+    octets[octets.indexOf("Subject: Request 1") + 9] = 'r';
+    Write(FileName(), octets);
+    ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+    const cMessagePtr damaged = Station->GetMessage(References.at(1));
+    ASSERT_TRUE(damaged->IsDamaged());
+    auto mail = std::make_shared<cdo::Message>();
+    mail->SetSubject(QStringLiteral("Anew"));
+    damaged->SetCDOMessage(mail);
+    EXPECT_FALSE(damaged->IsDamaged());
+    EXPECT_TRUE(Station->SaveMessage(damaged));
+    EXPECT_FALSE(Station->GetMessage(References.at(1))->IsDamaged());
+}
+
+/// What an operation says of itself is answered or told as an error of the store; nothing else comes out of it.
+TEST_F(DamageTest, AnyPageMayBeUnreadable)
+{
+    Station->CloseTolvaDatabase();
+    const QByteArray whole = Read(FileName());
+    for (qsizetype page = 0; page < whole.size() / PageSize; ++page) {
+        for (const QByteArray& octets : {QByteArray(PageSize, '\x5A'), QByteArray(PageSize, '\0'),
+                                         whole.mid((page + 3) * PageSize % whole.size(), PageSize)}) {
+            SCOPED_TRACE(page);
+            Write(FileName(), WithPage(whole, page, octets));
+            DatabaseInformation information;
+            const int number = DAO_DatabaseFunctions::GetDatabaseInformation(FileName(), information, false, QString());
+            const FileReport::State state = BackupFolders::StateOf(FileName());
+            if (number != 0)
+                EXPECT_EQ(state, FileReport::State::Damaged);
+            for (const QString& kept : QDir(Folder.path()).entryList({QStringLiteral("*.BAK")}))
+                QFile::remove(Folder.filePath(kept));
+        }
+    }
+}
+} // namespace
