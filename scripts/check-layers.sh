@@ -19,6 +19,8 @@ mapfile -t core < <(sourcesIn src/common src/database src/messages src/prizes | 
 mapfile -t widgets < <(sourcesIn src/platform/widgets)
 mapfile -t outsideEngines < <(sourcesIn src | grep -v '^src/platform/records/engines/')
 refuse "platform must not include core" '#include "(common|database|messages|prizes|messageslist)/' "${platform[@]}"
+mapfile -t files < <(sourcesIn src/platform/files)
+refuse "the files stand on nothing else of the platform" '#include "platform/(records|mail|directory|html|widgets)/' "${files[@]}"
 refuse "platform must not include the widgets" '#include "platform/widgets/' "${platform[@]}"
 refuse "widgets must not include what stands on them" '#include "([a-z]+/(controls|dialogs)|messageslist|database|messages|prizes)/' \
     "${widgets[@]}"

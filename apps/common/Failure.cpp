@@ -1,15 +1,37 @@
 #include "Failure.h"
 
+#include "platform/files/FileSystem.h"
+#include "platform/records/DBEngine.h"
+
 #include <QFileInfo>
 
 namespace
 {
-bool MayUse(const QString& file)
+/// What keeps this account from writing a database file that is there: its files beside it are written as well. Empty
+/// when nothing does.
+QString Hindrance(const QString& file)
 {
     const QFileInfo information(file);
-    // The journal is made beside the file.
-    return information.isFile() && information.isReadable() && information.isWritable() &&
-           QFileInfo(information.absolutePath()).isWritable();
+    const QString canonical = information.canonicalFilePath();
+    FileSystem& files = FileSystem::Current();
+    for (const QString& companion : dao::DBEngine::CompanionsOf(canonical)) {
+        if (files.KindOf(companion) == FileKind::Link)
+            return QStringLiteral("%1 is a link, and nothing is written through one. Take the link away.")
+                .arg(companion);
+    }
+    if (!information.isReadable())
+        return QStringLiteral("this account may not read %1.").arg(file);
+    for (const QString& written : {canonical, QFileInfo(canonical).path()}) {
+        switch (files.MayWrite(written).Error()) {
+        case FileError::None:
+            break;
+        case FileError::ReadOnly:
+            return QStringLiteral("%1 lies on a disk that can only be read.").arg(written);
+        default:
+            return QStringLiteral("this account may not write %1.").arg(written);
+        }
+    }
+    return {};
 }
 } // namespace
 
@@ -53,9 +75,13 @@ ExitCode ExitCodeOf(int errorNumber)
 
 Failure FailureOf(const QString& subject, const QString& file, int errorNumber, const QString& description)
 {
-    if (errorNumber == dao::errCannotOpen && MayUse(file))
-        return FailureOf(subject, file, dao::errLocked, description);
     const auto words = [&](const QString& text) { return Failure(ExitCodeOf(errorNumber), subject + u' ' + text); };
+    if (errorNumber == dao::errCannotOpen && QFileInfo(file).isFile()) {
+        const QString hindrance = Hindrance(file);
+        if (hindrance.isEmpty())
+            return FailureOf(subject, file, dao::errLocked, description);
+        return words(QStringLiteral("cannot be opened: ") + hindrance);
+    }
     switch (errorNumber) {
     case dao::errLocked:
         return words(QStringLiteral("is locked by another computer or program. Try again in a moment."));

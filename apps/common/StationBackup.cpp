@@ -18,8 +18,14 @@ Failure WhyNone(const cTolvaDatabase& database, const QString& folder)
     // The path is that of the backup's folder, which could not be made.
     if (number != 0 && number != dao::errNotAValidPath)
         return StationOpening::FailureOf(folder, number, database.LastErrorDescription());
-    return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.")
-                                        .arg(BackupFolders::RootOf(StationPlace::FileIn(folder))));
+    const QString file = StationPlace::FileIn(folder);
+    const QString root = BackupFolders::RootOf(file);
+    if (const QString link = BackupFolders::LinkInTheWay(file); !link.isEmpty())
+        return Failure(exitCannotCreate, QStringLiteral("No backup was made: %1 is a link, and nothing is written "
+                                                        "through one. Take it away; another disk can be mounted "
+                                                        "there instead.")
+                                             .arg(link));
+    return Failure(exitInputOutput, QStringLiteral("The backup could not be written into %1.").arg(root));
 }
 
 /// The folder that the station's last backup went to.

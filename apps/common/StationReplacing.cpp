@@ -7,6 +7,7 @@
 #include "common/PendingError.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/RestoreBackup.h"
+#include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
 
 namespace
@@ -30,6 +31,27 @@ QString PutInPlace(const QString& folder, const QString& file, const QString& co
                   QStringLiteral("The backup could not be put into %1; nothing was changed.").arg(folder));
 }
 
+/// The new file is written beside the old one.
+Failure WhyNoSecondFile(const QString& folder, const QString& file)
+{
+    const auto words = [&](ExitCode code, const QString& why) {
+        return Failure(
+            code, QStringLiteral("The station in %1 could not be compacted; nothing was changed. ").arg(folder) + why);
+    };
+    FileSystem& files = FileSystem::Current();
+    for (const QString& written : {folder, file}) {
+        const FileStatus may = files.MayWrite(written);
+        if (may.Error() == FileError::ReadOnly)
+            return words(exitNoPermission, QStringLiteral("%1 lies on a disk that can only be read.").arg(written));
+        if (!may.IsDone())
+            return words(exitNoPermission, QStringLiteral("This account may not write %1.").arg(written));
+    }
+    const std::optional<qint64> free = files.FreeSpace(folder);
+    if (free && *free < FileHelper::FileSize(file))
+        return words(exitInputOutput, QStringLiteral("Its folder needs room for a second copy of the file."));
+    return words(exitInputOutput, QStringLiteral("A second file could not be written beside it."));
+}
+
 /// Says why the record store cannot write another file of it.
 Failure WhyNotCompacted(const QString& folder, const QString& file, const PendingError& failure)
 {
@@ -46,11 +68,7 @@ Failure WhyNotCompacted(const QString& folder, const QString& file, const Pendin
     } catch (const dao::Error& error) {
         return StationOpening::FailureOf(folder, error.Number(), error.Description());
     }
-    return Failure(
-        exitInputOutput,
-        QStringLiteral("The station in %1 could not be compacted; nothing was changed. Its folder needs room "
-                       "for a second copy of the file.")
-            .arg(folder));
+    return WhyNoSecondFile(folder, file);
 }
 
 QString KeptName(const QString& keepName)

@@ -2,6 +2,7 @@
 
 #include "StationReplacing.h"
 #include "Words.h"
+#include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
@@ -93,11 +94,13 @@ void BackupsDialog::MakeParts()
     resize(620, 380);
 }
 
-/// Newest first; what was left behind by a backup that did not end comes last.
+/// Newest first; behind them what a clock that was wrong dated into the future, and last what was left behind by a
+/// backup that did not end.
 void BackupsDialog::Fill()
 {
     const QString root = BackupFolders::RootOf(File_);
     const QString fileName = FileHelper::FileNameOf(File_);
+    const Date now = ClockHelper::CurrentTime();
     for (const BackupFolders::Backup& backup : BackupFolders::List(root)) {
         Entry entry;
         entry.Backup = backup;
@@ -106,10 +109,12 @@ void BackupsDialog::Fill()
             ProfileHelper::ReadIniString(QStringLiteral("Details"), QStringLiteral("By"), QString(), backup.Details);
         entry.Size = FileHelper::FileSize(entry.Copy);
         entry.IsDamaged = entry.Size <= 0;
+        entry.IsFromTheFuture = BackupFolders::IsFromTheFuture(backup, now);
         Entries_.append(entry);
     }
-    std::stable_sort(Entries_.begin(), Entries_.end(),
-                     [](const Entry& a, const Entry& b) { return a.Backup.CreatedDate > b.Backup.CreatedDate; });
+    std::stable_sort(Entries_.begin(), Entries_.end(), [](const Entry& a, const Entry& b) {
+        return a.IsFromTheFuture != b.IsFromTheFuture ? b.IsFromTheFuture : a.Backup.CreatedDate > b.Backup.CreatedDate;
+    });
     for (const QString& name : BackupFolders::Unfinished(root)) {
         Entry entry;
         entry.Backup.Name = name;
@@ -140,7 +145,8 @@ QString BackupsDialog::StateOf(const Entry& entry) const
         return tr("unfinished");
     if (entry.IsDamaged)
         return tr("damaged");
-    return entry.IsSound ? tr("sound") : tr("not read yet");
+    const QString state = entry.IsSound ? tr("sound") : tr("not read yet");
+    return entry.IsFromTheFuture ? tr("%1, from the future").arg(state) : state;
 }
 
 void BackupsDialog::ShowEntry(int index)

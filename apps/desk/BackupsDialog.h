@@ -37,6 +37,7 @@ private:
         QString By;
         qint64 Size = -1;
         QString Content; ///< "12 messages, 3 prizes, 2 winners"; empty until it was counted.
+        bool IsFromTheFuture = false;
         bool IsUnfinished = false;
         bool IsDamaged = false;
         bool IsSound = false;

@@ -1,6 +1,7 @@
 // tolva-pdf: an HTML page as a PDF file. Nothing on the page runs and nothing is fetched for it. Needs no display.
 
 #include "FileOutput.h"
+#include "StandardStreams.h"
 #include "common/FileHelper.h"
 #include "platform/widgets/PrintedPages.h"
 
@@ -116,6 +117,7 @@ int Run(const QStringList& arguments)
 
 int main(int argc, char** argv)
 {
+    StandardStreams::HoldPlaces();
 #ifndef Q_OS_WIN
     // It shows nothing, so it needs no display and asks none.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))

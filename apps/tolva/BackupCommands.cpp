@@ -5,6 +5,7 @@
 #include "StationBackup.h"
 #include "StationPlace.h"
 #include "Terminal.h"
+#include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/ProfileHelper.h"
 #include "database/BackupFolders.h"
@@ -57,6 +58,7 @@ struct Entry
     QString By;
     qint64 Size = -1;
     QString State; ///< "complete", "sound", "repairable", "damaged" or "unfinished".
+    bool IsFromTheFuture = false;
 };
 
 QString WordOf(dao::FileReport::State state)
@@ -82,6 +84,7 @@ Entry EntryOf(const BackupFolders::Backup& backup, const QString& fileName, bool
         entry.State = WordOf(BackupFolders::StateOf(copy));
     else if (entry.Size <= 0)
         entry.State = QStringLiteral("damaged");
+    entry.IsFromTheFuture = BackupFolders::IsFromTheFuture(backup, ClockHelper::CurrentTime());
     return entry;
 }
 
@@ -102,19 +105,21 @@ QList<Entry> EntriesOf(const QString& file, bool isChecked)
 void Print(const Entry& entry, bool asJson)
 {
     if (!asJson) {
-        Terminal::PrintLine(QStringLiteral("%1  %2  %3  %4")
-                                .arg(entry.Name, -16)
-                                .arg(entry.State, -10)
-                                .arg(qMax<qint64>(0, entry.Size), 12)
-                                .arg(entry.By)
-                                .trimmed());
+        const QString line = QStringLiteral("%1  %2  %3  %4")
+                                 .arg(entry.Name, -16)
+                                 .arg(entry.State, -10)
+                                 .arg(qMax<qint64>(0, entry.Size), 12)
+                                 .arg(entry.By)
+                                 .trimmed();
+        Terminal::PrintLine(entry.IsFromTheFuture ? line + QStringLiteral("  (from the future)") : line);
         return;
     }
     PrintJson({{QStringLiteral("name"), entry.Name},
                {QStringLiteral("state"), entry.State},
                {QStringLiteral("created"), entry.Created},
                {QStringLiteral("by"), entry.By},
-               {QStringLiteral("size"), entry.Size}});
+               {QStringLiteral("size"), entry.Size},
+               {QStringLiteral("fromTheFuture"), entry.IsFromTheFuture}});
 }
 
 int Backups(const Arguments& arguments)
@@ -163,14 +168,16 @@ CommandDefinition BackupsCommand()
         QStringLiteral("backups"),
         QStringLiteral("Lists the backups of a station, oldest first."),
         {QStringLiteral("backups FOLDER [--check] [--json]")},
-        QStringLiteral("A line is the backup's name, its state, the octets of its database and the computer that made "
-                       "it. \"unfinished\"\n"
-                       "is what a backup leaves that failed or was ended; it is never restored and never expires. The "
-                       "exit code is\n"
-                       "65 when a backup is damaged, which --check finds out by reading them whole; \"repairable\" is "
-                       "one that loses\n"
-                       "nothing but has indexes for \"tolva compact\" to repair. --user is taken for the sake of "
-                       "scripts and not used."),
+        QStringLiteral(
+            "A line is the backup's name, its state, the octets of its database and the computer that made "
+            "it. \"unfinished\"\n"
+            "is what a backup leaves that failed or was ended; it is never restored and never expires. \"(from "
+            "the future)\"\n"
+            "is one made later than this computer's clock says it is. The exit code is\n"
+            "65 when a backup is damaged, which --check finds out by reading them whole; \"repairable\" is one that "
+            "loses\n"
+            "nothing but has indexes for \"tolva compact\" to repair. --user is taken for the sake of scripts and not "
+            "used."),
         {{CheckOption, QString(), QStringLiteral("Reads every backup to its end.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object a line.")},
          Station::UserOption()},

@@ -7,6 +7,7 @@
 #include "StationPlace.h"
 #include "StationReplacing.h"
 #include "Terminal.h"
+#include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "database/BackupFolders.h"
 
@@ -38,6 +39,20 @@ BackupFolders::Backup NamedBackup(const QString& root, const QString& name)
     throw Failure(exitData, QStringLiteral("There is no backup \"%1\" in %2. See: tolva backups").arg(name, root));
 }
 
+/// Why none is restored that was not named.
+Failure NoNewest(const QString& root)
+{
+    const Date now = ClockHelper::CurrentTime();
+    for (const BackupFolders::Backup& backup : BackupFolders::List(root)) {
+        if (BackupFolders::IsFromTheFuture(backup, now))
+            return Failure(exitNoInput, QStringLiteral("There is no sound backup in %1 from before now, which is %2 by "
+                                                       "this computer's clock. \"%3\" was made later. Set the clock "
+                                                       "right, or name the backup.")
+                                            .arg(root, now.GeneralDate(), backup.Name));
+    }
+    return Failure(exitNoInput, QStringLiteral("There is no sound backup in %1.").arg(root));
+}
+
 /// The backup to restore, read whole. Failure when there is none that can be.
 BackupFolders::Backup ChooseBackup(const Arguments& arguments, const QString& file)
 {
@@ -46,7 +61,7 @@ BackupFolders::Backup ChooseBackup(const Arguments& arguments, const QString& fi
     if (arguments.Words().size() == 1) {
         const BackupFolders::Backup newest = BackupFolders::NewestSound(root, fileName);
         if (newest.Folder.isEmpty())
-            throw Failure(exitNoInput, QStringLiteral("There is no sound backup in %1.").arg(root));
+            throw NoNewest(root);
         return newest;
     }
     const BackupFolders::Backup named = NamedBackup(root, arguments.Words().at(1));

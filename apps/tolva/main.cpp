@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Failure.h"
+#include "StandardStreams.h"
 #include "Terminal.h"
 
 #include <QCoreApplication>
@@ -71,6 +72,7 @@ std::vector<CommandDefinition> AllCommands()
 
 int main(int argc, char** argv)
 {
+    StandardStreams::HoldPlaces();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tolva"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOLVA_VERSION));

@@ -10,6 +10,7 @@
 #include "database/BackupTimer.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/cTolvaDatabase.h"
+#include "platform/files/WholeFile.h"
 #include "platform/records/DBEngine.h"
 
 namespace
@@ -64,6 +65,33 @@ Expired FindExpired(const QString& root, Date now, int expiryDays)
     }
     return expired;
 }
+
+/// Makes the folder that a backup goes into, not through a link. failure: why it cannot.
+bool MakeFolder(const QString& databaseFile, const QString& folder, PendingError& failure)
+{
+    const QString link = LinkBelow(FileHelper::FolderOf(databaseFile), folder);
+    if (link.isEmpty() && FileHelper::CreateFolder(folder))
+        return true;
+    failure.Set(dao::errNotAValidPath,
+                link.isEmpty() ? QStringLiteral("'%1' cannot be made.").arg(folder)
+                               : QStringLiteral("'%1' is a link, and no backup is written through one.").arg(link));
+    return false;
+}
+
+/// Deletes what is expired but the newest sound ones: a clock that was wrong once must not take them all away. newest:
+/// the backup that was made just now, which stays beside them.
+void DeleteExpired(const Expired& expired, const QString& root, const QString& fileName, const QString& newest)
+{
+    if (expired.Folders.isEmpty())
+        return;
+    QStringList kept{newest};
+    for (const auto& backup : BackupFolders::NewestSound(root, fileName, BackupFolders::KeptAtLeast, newest))
+        kept.append(backup.Folder);
+    for (const QString& old : expired.Folders) {
+        if (!kept.contains(old))
+            FileHelper::DeleteWithProgress(old, QStringLiteral("Deleting Backup from ") + expired.Date);
+    }
+}
 } // namespace
 
 bool cTolvaDatabase::BackupDatabase(bool forceBackup)
@@ -90,7 +118,9 @@ bool cTolvaDatabase::IsBackupAnnounced(Date now) const
     if (running.isEmpty() || GetKeyValue(running, QStringLiteral("By"), Blank).trimmed() == MachineName_.trimmed())
         return false;
     const auto started = Date::Parse(GetKeyValue(running, QStringLiteral("Started"), Blank));
-    return started && WholeBetween(*started, now, MillisecondsAMinute) < StaleMinutes;
+    // One from a clock that was years ahead would keep everybody waiting for years.
+    return started && !BackupFolders::IsInTheFuture(*started, now) &&
+           WholeBetween(*started, now, MillisecondsAMinute) < StaleMinutes;
 }
 
 /// Whether the day, or the hour, has its backup.
@@ -126,11 +156,12 @@ bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
 
     const QString name = BackupFolders::NameFor(now);
     const QString folder = FileHelper::Join(root, name);
-    FileHelper::CreateFolder(folder);
+    PendingError failure;
+    const bool hasFolder = MakeFolder(Information_.Path, folder, failure);
     dao::DBEngine::BeginTrans();
     dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
-    PendingError failure;
     const bool isMade =
+        hasFolder &&
         FileHelper::CopyWithProgress(Information_.Path, folder, QStringLiteral("Backing up the Database"), &failure) &&
         BackupFolders::WriteDetails(folder, now, MachineName_);
     KeepLastError(failure);
@@ -139,10 +170,7 @@ bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
     if (isMade) {
         SetDatabaseSetting(LastBackupKey, DAO_DatabaseFunctions::RecordLastBackup(Database_.get(), now, name), None);
         // Only now: what was there before goes when its successor has been read whole and can be found again.
-        for (const QString& old : expired.Folders) {
-            if (old != folder)
-                FileHelper::DeleteWithProgress(old, QStringLiteral("Deleting Backup from ") + expired.Date);
-        }
+        DeleteExpired(expired, root, FileHelper::FileNameOf(Information_.Path), folder);
     } else if (forceBackup) {
         UserInterface::Current().MessageBox({QStringLiteral("A backup of the Directory database could not be be made"),
                                              QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation,

@@ -1,9 +1,12 @@
 #include "database/BackupFolders.h"
 
+#include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/PendingError.h"
 #include "common/ProfileHelper.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/WholeFile.h"
 #include "platform/records/DBEngine.h"
 
 #include <QDir>
@@ -72,15 +75,51 @@ bool BackupFolders::WriteDetails(const QString& folder, Date started, const QStr
            write(u"Software", QStringLiteral("Kelvarin Directory")) && write(u"DirectoryEngineVersion", version);
 }
 
-BackupFolders::Backup BackupFolders::NewestSound(const QString& root, const QString& fileName)
+bool BackupFolders::IsInTheFuture(Date moment, Date now)
+{
+    constexpr qint64 toleranceSeconds = 24LL * 60 * 60;
+    return !moment.IsNone() && now.ToDateTime(Qt::UTC).secsTo(moment.ToDateTime(Qt::UTC)) > toleranceSeconds;
+}
+
+bool BackupFolders::IsFromTheFuture(const Backup& backup, Date now)
+{
+    return IsInTheFuture(backup.CreatedDate, now);
+}
+
+QList<BackupFolders::Backup> BackupFolders::NewestSound(const QString& root, const QString& fileName, int most,
+                                                        const QString& except)
 {
     QList<Backup> backups = List(root);
     // The newest first, so that no older one needs to be read; of two of the same time the first in the listing.
     std::stable_sort(backups.begin(), backups.end(),
                      [](const Backup& a, const Backup& b) { return a.CreatedDate > b.CreatedDate; });
+    const Date now = ClockHelper::CurrentTime();
+    QList<Backup> sound;
     for (const Backup& backup : std::as_const(backups)) {
-        if (!backup.CreatedDate.IsNone() && IsSound(FileHelper::Join(backup.Folder, fileName)))
-            return backup;
+        if (sound.size() == most)
+            break;
+        if (backup.Folder != except && !backup.CreatedDate.IsNone() && !IsFromTheFuture(backup, now) &&
+            IsSound(FileHelper::Join(backup.Folder, fileName)))
+            sound.append(backup);
+    }
+    return sound;
+}
+
+BackupFolders::Backup BackupFolders::NewestSound(const QString& root, const QString& fileName)
+{
+    return NewestSound(root, fileName, 1).value(0);
+}
+
+QString BackupFolders::LinkInTheWay(const QString& databaseFile)
+{
+    const QString root = RootOf(databaseFile);
+    const QString link = LinkBelow(FileHelper::FolderOf(databaseFile), root);
+    if (!link.isEmpty())
+        return link;
+    for (const QString& name : QDir(root).entryList(AllFolders | QDir::System, QDir::Name)) {
+        const QString folder = FileHelper::Join(root, name);
+        if (FileSystem::Current().KindOf(folder) == FileKind::Link)
+            return folder;
     }
     return {};
 }

@@ -21,6 +21,15 @@ struct Backup
     Date CreatedDate; ///< None when Created is no date.
 };
 
+/// How many of the newest sound backups stay however old they are.
+constexpr int KeptAtLeast = 3;
+
+/// Made later than the clock says it is, beyond what time zones explain: by a computer whose clock was wrong, or this
+/// one's is. Such a backup is never the newest.
+bool IsFromTheFuture(const Backup& backup, Date now);
+/// The same of a moment; never of none.
+bool IsInTheFuture(Date moment, Date now);
+
 /// The folder of all backups of a database. reference: the database's file name without extension.
 QString RootOf(const QString& location, const QString& reference);
 /// The same from the database's whole name.
@@ -35,9 +44,15 @@ QStringList Unfinished(const QString& root);
 /// Writes the details of a backup made by this program on this computer. False when one of them cannot be written.
 bool WriteDetails(const QString& folder, Date started, const QString& machineName);
 
-/// The newest backup whose copy of the database opens and reads to its end; nothing in Folder when there is none.
-/// fileName: the database's, without its folder.
+/// The newest backups up to that many whose copies of the database open and read to their end, none from the future;
+/// the newest first. fileName: the database's, without its folder. except: a folder that is passed over. Reads each of
+/// them whole.
+QList<Backup> NewestSound(const QString& root, const QString& fileName, int most, const QString& except = QString());
+/// The first of them; nothing in Folder when there is none.
 Backup NewestSound(const QString& root, const QString& fileName);
+/// What is a link on the way to the backups of a database, or among them; its path, empty when nothing is. Nothing is
+/// written through one.
+QString LinkInTheWay(const QString& databaseFile);
 /// What reading a database to its end says, when it opens and says what it is. Shows nothing.
 dao::FileReport::State StateOf(const QString& databaseFile);
 /// Whether nothing of it is lost: it is sound, or has indexes that compacting builds anew.

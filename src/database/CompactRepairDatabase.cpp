@@ -7,6 +7,7 @@
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/FileExchange.h"
+#include "platform/files/FileSystem.h"
 #include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
 
@@ -66,7 +67,7 @@ QString DAO_DatabaseFunctions::FreeKeepName(const QString& name)
     for (int count = 1;; ++count) {
         const QString candidate =
             QStringLiteral("%1-%2.BAK").arg(FileHelper::WithoutExtension(name)).arg(count, 4, 10, QLatin1Char('0'));
-        if (FileHelper::FileSize(candidate) < 0)
+        if (FileSystem::Current().KindOf(candidate) == FileKind::None)
             return candidate;
     }
 }

@@ -5,6 +5,7 @@
 #include "common/ProfileHelper.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
+#include "platform/files/FileSystem.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -66,6 +67,10 @@ QString PrefixPart(const QString& prefix)
 void cTolvaDatabase::RefreshHTMLTemplates(const QString& location)
 {
     const QString folder = TemplatesBeside(location);
+    if (FileSystem::Current().KindOf(folder) == FileKind::Link) {
+        WriteDebugLog(QStringLiteral("The folder of HTML templates '%1' is a link and stays as it is").arg(folder), 5);
+        return;
+    }
     if (!FileHelper::CreateFolder(folder))
         return;
     const QString library = LibraryFolder::Current();

@@ -250,9 +250,9 @@ TEST_F(BackupCommandTest, KilledInTheMiddleABackupHarmsNothing)
     ::kill(static_cast<pid_t>(writer.processId()), SIGINT);
     EXPECT_TRUE(writer.waitForFinished());
     EXPECT_EQ(OnStation("check").Code, 0);
-    // And the next one goes through, and only then the old one goes.
+    // And the next one goes through. The old one stays, as one of the newest three.
     const QString name = BackUp().value(QStringLiteral("name")).toString();
-    EXPECT_EQ(Names(u"sound"), QStringList{name});
+    EXPECT_EQ(Names(u"sound"), (QStringList{QStringLiteral("2026-01-01 10.00"), name}));
     EXPECT_FALSE(QFile::exists(File() + QStringLiteral("-copying")));
 }
 

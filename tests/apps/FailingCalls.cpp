@@ -1,11 +1,14 @@
 // Loaded in front of the C library, this lets the n-th call that changes a file fail, or end the process there:
 // FAIL_AT=n the n-th call answers with "no space left"; FAIL_FROM=n that one and all later ones; KILL_AT=n the process
-// is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends.
+// is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends. With
+// FAIL_NAMES=text only calls count that are about a file with that text in its path, and closes of files that were
+// opened for writing count as well.
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/types.h>
@@ -39,8 +42,29 @@ struct Plan
 
 Plan plan;
 
-bool IsDue()
+/// Whether the path counts, where not all do.
+bool IsMeant(const char* path)
 {
+    const char* names = std::getenv("FAIL_NAMES");
+    return names == nullptr || std::strstr(path, names) != nullptr;
+}
+
+bool IsMeant(int file)
+{
+    if (std::getenv("FAIL_NAMES") == nullptr)
+        return true;
+    char link[64];
+    std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file);
+    char path[4096] = {};
+    return ::readlink(link, path, sizeof(path) - 1) > 0 && IsMeant(path);
+}
+
+/// what: a path or a file's number.
+template <typename Subject>
+bool IsDue(Subject what)
+{
+    if (!IsMeant(what))
+        return false;
     const long call = ++plan.Calls;
     if (call == plan.KillAt)
         ::raise(SIGKILL);
@@ -61,66 +85,78 @@ extern "C" {
 ssize_t write(int file, const void* data, size_t size)
 {
     static const auto real = Real<ssize_t (*)(int, const void*, size_t)>("write");
-    return file > 2 && IsDue() ? -1 : real(file, data, size);
+    return file > 2 && IsDue(file) ? -1 : real(file, data, size);
 }
 ssize_t pwrite(int file, const void* data, size_t size, off_t offset)
 {
     static const auto real = Real<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
-    return IsDue() ? -1 : real(file, data, size, offset);
+    return IsDue(file) ? -1 : real(file, data, size, offset);
 }
 ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset)
 {
     static const auto real = Real<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
-    return IsDue() ? -1 : real(file, data, size, offset);
+    return IsDue(file) ? -1 : real(file, data, size, offset);
 }
 int fsync(int file)
 {
     static const auto real = Real<int (*)(int)>("fsync");
-    return IsDue() ? -1 : real(file);
+    return IsDue(file) ? -1 : real(file);
 }
 int fdatasync(int file)
 {
     static const auto real = Real<int (*)(int)>("fdatasync");
-    return IsDue() ? -1 : real(file);
+    return IsDue(file) ? -1 : real(file);
 }
 int ftruncate(int file, off_t size)
 {
     static const auto real = Real<int (*)(int, off_t)>("ftruncate");
-    return IsDue() ? -1 : real(file, size);
+    return IsDue(file) ? -1 : real(file, size);
 }
 int ftruncate64(int file, off64_t size)
 {
     static const auto real = Real<int (*)(int, off64_t)>("ftruncate64");
-    return IsDue() ? -1 : real(file, size);
+    return IsDue(file) ? -1 : real(file, size);
 }
 int rename(const char* from, const char* to)
 {
     static const auto real = Real<int (*)(const char*, const char*)>("rename");
-    return IsDue() ? -1 : real(from, to);
+    return IsDue(to) ? -1 : real(from, to);
 }
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned int flags)
 {
     static const auto real = Real<int (*)(int, const char*, int, const char*, unsigned int)>("renameat2");
-    return IsDue() ? -1 : real(fromFolder, from, toFolder, to, flags);
+    return IsDue(to) ? -1 : real(fromFolder, from, toFolder, to, flags);
 }
 int link(const char* from, const char* to)
 {
     static const auto real = Real<int (*)(const char*, const char*)>("link");
-    return IsDue() ? -1 : real(from, to);
+    return IsDue(to) ? -1 : real(from, to);
 }
 int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags)
 {
     static const auto real = Real<int (*)(int, const char*, int, const char*, int)>("linkat");
-    return IsDue() ? -1 : real(fromFolder, from, toFolder, to, flags);
+    return IsDue(to) ? -1 : real(fromFolder, from, toFolder, to, flags);
 }
 int unlink(const char* name)
 {
     static const auto real = Real<int (*)(const char*)>("unlink");
-    return IsDue() ? -1 : real(name);
+    return IsDue(name) ? -1 : real(name);
 }
 int mkdir(const char* name, mode_t mode)
 {
     static const auto real = Real<int (*)(const char*, mode_t)>("mkdir");
-    return IsDue() ? -1 : real(name, mode);
+    return IsDue(name) ? -1 : real(name, mode);
+}
+int close(int file)
+{
+    static const auto real = Real<int (*)(int)>("close");
+    const int flags = std::getenv("FAIL_NAMES") == nullptr ? -1 : ::fcntl(file, F_GETFL);
+    const bool isWritten = flags >= 0 && (flags & O_ACCMODE) != O_RDONLY;
+    const bool fails = isWritten && IsDue(file);
+    const int result = real(file); // the file is closed whatever it answers
+    if (!fails)
+        return result;
+    errno = ENOSPC;
+    return -1;
 }
 }

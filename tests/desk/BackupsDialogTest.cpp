@@ -110,6 +110,19 @@ TEST_F(BackupsDialogTest, TheNewestBackupStandsFirst)
     EXPECT_TRUE(WaitUntil([this] { return State(1) == u"sound"; }));
 }
 
+TEST_F(BackupsDialogTest, ABackupFromTheFutureStandsBehindTheOthersAndSaysSo)
+{
+    const QString newest = MakeBackup();
+    const QString future = QFileInfo(newest).path() + QStringLiteral("/2999-01-02 03.04");
+    ASSERT_TRUE(QDir().mkpath(future));
+    ASSERT_TRUE(QFile::copy(newest + QStringLiteral("/Tolva.mdb"), future + QStringLiteral("/Tolva.mdb")));
+    Overwrite(future + QStringLiteral("/Backup.inf"), "[Details]\r\nCreated=02/01/2999 03:04:00\r\n");
+    Open();
+    ASSERT_EQ(List().topLevelItemCount(), 2);
+    EXPECT_EQ(List().currentItem(), List().topLevelItem(0));
+    EXPECT_EQ(State(1), QStringLiteral("not read yet, from the future"));
+}
+
 TEST_F(BackupsDialogTest, RestoringAsksWithNoAsTheDefaultAndAcceptsAfterYes)
 {
     FileMail(Mail("One"));

@@ -1,5 +1,6 @@
 #include "platform/directory/DirectoryTables.h"
 
+#include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
 
 #include <QFileInfo>
@@ -151,6 +152,11 @@ namespace DirectoryTables
 std::unique_ptr<dao::Database> OpenFile(const QString& fileName)
 {
     if (!QFileInfo::exists(fileName)) {
+        // One that stands elsewhere may be used through a link; none is made there.
+        const QString folder = QFileInfo(fileName).path();
+        if (FileSystem::Current().KindOf(folder) == FileKind::Link)
+            throw dao::Error(dao::errNotAValidPath,
+                             QStringLiteral("'%1' is a link, and no directory is made through one.").arg(folder));
         try {
             return dao::DBEngine::CreateDatabase(fileName, QString());
         } catch (const dao::Error&) {

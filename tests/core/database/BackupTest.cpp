@@ -51,6 +51,7 @@ protected:
         Station->SetMakesAutomaticBackups(false);
         OpenStation();
     }
+    void MakeSound() { ASSERT_TRUE(Station->BackupDatabase(true)); }
     void MakeOld(const QString& name, const QByteArray& details, const char16_t* file = u"Backup.inf") const
     {
         ASSERT_TRUE(QDir().mkpath(Root() + u'/' + name));
@@ -221,6 +222,58 @@ TEST_F(BackupTest, ExpiryDays0DeletesNothing)
     Station->SetBackupExpiryDays(0);
     EXPECT_TRUE(Station->BackupDatabase(true));
     EXPECT_EQ(Names().size(), 2);
+}
+
+TEST_F(BackupTest, AClockThatJumpsYearsAheadLeavesTheNewestThreeSoundBackups)
+{
+    Station->SetBackupExpiryDays(1);
+    for (int day = 0; day < 5; ++day, Now.Advance(24 * 3600)) {
+        Reopen();
+        MakeSound();
+    }
+    const QStringList before = Names();
+    EXPECT_EQ(before.size(), 5);
+    // The newest of them is damaged within, and does not count.
+    const QString newest = In(before.last(), u"Tolva.mdb");
+    {
+        QFile file(newest);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.seek(file.size() - 3 * 4096));
+        file.write(QByteArray(2 * 4096, '\x5A'));
+    }
+    EXPECT_FALSE(BackupFolders::IsSound(newest));
+    Now.SetUtc(QDateTime(QDate(2040, 1, 1), QTime(12, 0), Qt::UTC));
+    Reopen();
+    EXPECT_TRUE(Station->BackupDatabase(false));
+    EXPECT_EQ(Names(), (QStringList{before.at(1), before.at(2), before.at(3), QStringLiteral("2040-01-01 12.00")}));
+}
+
+TEST_F(BackupTest, ABackupFromTheFutureIsNotTheNewestAndSuppressesNone)
+{
+    Reopen();
+    MakeSound();
+    Now.SetUtc(QDateTime(QDate(2040, 1, 1), QTime(12, 0), Qt::UTC));
+    Reopen();
+    MakeSound();
+    Announce(QStringLiteral("01/01/2040 12:00:00"), QStringLiteral("STUDIO 2"));
+    // The clock is right again.
+    Now.SetUtc(QDateTime(QDate(2026, 11, 22), QTime(9, 0), Qt::UTC));
+    EXPECT_EQ(BackupFolders::NewestSound(Root(), QStringLiteral("Tolva.mdb")).Name, QStringLiteral("2026-11-21 14.05"));
+    Reopen();
+    EXPECT_TRUE(Station->BackupDatabase(false));
+    EXPECT_EQ(Names(), (QStringList{QStringLiteral("2026-11-21 14.05"), QStringLiteral("2026-11-22 09.00"),
+                                    QStringLiteral("2040-01-01 12.00")}));
+    EXPECT_EQ(BackupFolders::NewestSound(Root(), QStringLiteral("Tolva.mdb")).Name, QStringLiteral("2026-11-22 09.00"));
+}
+
+TEST_F(BackupTest, ABackupFromAZoneFartherEastIsNotFromTheFuture)
+{
+    Reopen();
+    MakeSound();
+    Now.Advance(-24 * 3600);
+    EXPECT_EQ(BackupFolders::NewestSound(Root(), QStringLiteral("Tolva.mdb")).Name, QStringLiteral("2026-11-21 14.05"));
+    Now.Advance(-1);
+    EXPECT_EQ(BackupFolders::NewestSound(Root(), QStringLiteral("Tolva.mdb")).Name, QString());
 }
 
 TEST_F(BackupTest, AFailedForcedBackupIsToldAndLeavesOldOnesAlone)

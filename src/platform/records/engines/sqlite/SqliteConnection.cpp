@@ -1,5 +1,6 @@
 #include "platform/records/engines/sqlite/SqliteConnection.h"
 
+#include "platform/files/FileSystem.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
@@ -18,6 +19,18 @@ namespace
 constexpr qint64 MaximumWaitMilliseconds = 5000;
 constexpr unsigned long EagerPauseMicroseconds = 100;
 constexpr int CacheKibibytes = 8192;
+
+/// SQLite writes its journal through no link either, but does not say so. A file that is reached through a link has its
+/// journal beside itself.
+void RequireOwnJournal(const QString& fileName)
+{
+    const QString canonical = QFileInfo(fileName).canonicalFilePath();
+    const QString journal = (canonical.isEmpty() ? fileName : canonical) + QStringLiteral("-journal");
+    if (FileSystem::Current().KindOf(journal) == FileKind::Link) {
+        throw Error(errCannotOpen,
+                    QStringLiteral("Cannot open '%1': its journal '%2' is a link.").arg(fileName, journal));
+    }
+}
 
 } // namespace
 
@@ -189,6 +202,7 @@ Connection::Connection(const QString& fileName, Mode mode) : FileName_(fileName)
     const int access = mode == Mode::ReadOnly ? SQLITE_OPEN_READONLY
                        : mode == Mode::Create ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                                               : SQLITE_OPEN_READWRITE;
+    RequireOwnJournal(fileName);
     StartWaiting();
     const int code = sqlite3_open_v2(QDir::toNativeSeparators(fileName).toUtf8().constData(), &Handle_,
                                      access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE,
