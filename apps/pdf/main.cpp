@@ -9,11 +9,29 @@
 #include <QGuiApplication>
 
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 
 namespace
 {
 constexpr double LargestMargin = 80; // millimetres
+
+void Say(const QString& words)
+{
+    std::fputs(("tolva-pdf: " + words.toUtf8() + '\n').constData(), stderr);
+}
+
+/// From the last page on: what is written then is written to its end, so that no half-made file stays behind.
+void HoldSignals()
+{
+#ifndef Q_OS_WIN
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&signals, signal);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+#endif
+}
 
 QByteArray ReadPage(const QString& name)
 {
@@ -92,8 +110,15 @@ int Run(const QStringList& arguments)
     setup.NumbersPages = !parser.isSet(unnumbered);
     const QString html = FileHelper::DecodeText(ReadPage(parser.positionalArguments().first()));
     const PrintedPages pages(MakeDocumentSafe(html), setup);
+    if (pages.LeftOut() > 0)
+        Say(QStringLiteral("The page is too long to be laid out whole; its last line says how much is left out."));
     QString problem;
-    if (!pages.WritePdf(parser.value(output), problem))
+    const auto beforePage = [](int page, int count) {
+        if (page + 1 == count)
+            HoldSignals();
+        return true;
+    };
+    if (!pages.WritePdf(parser.value(output), problem, beforePage))
         throw Failure(exitCannotCreate, problem);
     return exitOK;
 }
@@ -111,10 +136,10 @@ int main(int argc, char** argv)
     try {
         return Run(QGuiApplication::arguments());
     } catch (const Failure& failure) {
-        std::fputs(("tolva-pdf: " + failure.Words().toUtf8() + '\n').constData(), stderr);
+        Say(failure.Words());
         return failure.Code();
     } catch (const std::bad_alloc&) {
-        std::fputs("tolva-pdf: There is not enough memory.\n", stderr);
+        Say(QStringLiteral("There is not enough memory."));
         return exitTemporary;
     }
 }

@@ -6,6 +6,7 @@
 #include "MessageTable.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "platform/mail/MessageReader.h"
 
 #include <QJsonDocument>
 
@@ -74,7 +75,7 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
 QString SenderOf(dao::Recordset& rows, const MessageRow& row)
 {
     const cdo::Message mail(rows[MailColumn].Octets());
-    const QString from = mail.From().trimmed();
+    const QString from = cdo::HeaderBeginning(mail, "From").trimmed();
     QString name = from.left(from.indexOf(u'<')).trimmed();
     if (name.size() > 1 && name.startsWith(u'"') && name.endsWith(u'"'))
         name = name.mid(1, name.size() - 2);

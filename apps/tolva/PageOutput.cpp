@@ -9,6 +9,12 @@
 #include <QProcess>
 #include <QSaveFile>
 
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <sys/prctl.h>
+#include <unistd.h>
+#endif
+
 namespace
 {
 const QString OutputName = QStringLiteral("output");
@@ -48,9 +54,37 @@ void WritePage(const QString& path, const QByteArray& page)
         throw Failure(exitInputOutput, QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
 }
 
+/// The program for PDF files ends with this one, however this one ends: nobody would take what it makes.
+void EndWithThisProgram(QProcess& process)
+{
+#ifdef Q_OS_LINUX
+    const pid_t self = ::getpid();
+    process.setChildProcessModifier([self] {
+        if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != self)
+            ::_exit(exitTemporary);
+    });
+#else
+    Q_UNUSED(process);
+#endif
+}
+
+/// What the program for PDF files said of the page.
+QStringList WordsOf(QProcess& process)
+{
+    static const QString name = QStringLiteral("tolva-pdf: ");
+    QStringList words;
+    const QStringList lines = QString::fromUtf8(process.readAllStandardError()).split(u'\n');
+    for (const QString& line : lines) {
+        if (line.startsWith(name))
+            words.append(line.sliced(name.size()).trimmed());
+    }
+    return words;
+}
+
 void WritePdf(const QString& path, const QByteArray& page, const QString& paper)
 {
     QProcess process;
+    EndWithThisProgram(process);
     process.start(PdfProgram(), {QStringLiteral("--paper"), paper, QStringLiteral("--output"),
                                  QFileInfo(path).absoluteFilePath(), StandardOutput});
     if (!process.waitForStarted(-1))
@@ -63,12 +97,13 @@ void WritePdf(const QString& path, const QByteArray& page, const QString& paper)
         throw Failure(
             exitSoftware,
             QStringLiteral("%1 ended in the middle of its work; %2 was not written.").arg(PdfProgram(), path));
-    if (process.exitCode() == exitOK)
-        return;
-    // What it says last is why it ended.
-    const QString words = QString::fromUtf8(process.readAllStandardError()).trimmed().section(u'\n', -1);
-    throw Failure(static_cast<ExitCode>(process.exitCode()),
-                  QStringLiteral("%1 was not written: %2").arg(path, words.section(QStringLiteral("tolva-pdf: "), -1)));
+    const QStringList words = WordsOf(process);
+    if (process.exitCode() != exitOK) {
+        throw Failure(static_cast<ExitCode>(process.exitCode()),
+                      QStringLiteral("%1 was not written: %2").arg(path, words.join(u' ')));
+    }
+    for (const QString& line : words)
+        Terminal::Complain(line);
 }
 } // namespace
 
