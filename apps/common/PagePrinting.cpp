@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "common/FileHelper.h"
 #include "database/cTolvaDatabase.h"
+#include "messages/HTMLTags.h"
 #include "platform/html/SafeHtml.h"
 #include "platform/html/SafeLink.h"
 
@@ -164,14 +165,19 @@ bool PagePrinting::PreparedMessages::Add(const cMessagePtr& message)
 
 SafeDocument PagePrinting::PreparedMessages::Fill(const PageTemplate& pageTemplate, const PageOptions& options)
 {
-    qint32 flags = 0;
+    return MakeDocumentSafe(FilledTemplate(pageTemplate, options));
+}
+
+QString PagePrinting::PreparedMessages::FilledTemplate(const PageTemplate& pageTemplate, const PageOptions& options)
+{
+    qint32 flags = mphTagsInValuesStay;
     flags |= options.UnreadIsBold ? mphUnreadBodyBold : 0;
     flags |= options.PendingIsItalic ? mphSendPendingBodyItalic : 0;
     flags |= options.PageEach ? mphPrintMessagePerPage : 0;
     const bool isList = pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_"));
     if (Messages_.Count() == 1 && !isList)
-        return MakeDocumentSafe(Messages_.Message(1)->ProcessHTMLTags(pageTemplate.Text, flags));
-    return MakeDocumentSafe(Messages_.ProcessHTMLTags(pageTemplate.Text, flags));
+        return Messages_.Message(1)->ProcessHTMLTags(pageTemplate.Text, flags);
+    return Messages_.ProcessHTMLTags(pageTemplate.Text, flags);
 }
 
 QString PagePrinting::WithheldWords(int messages)

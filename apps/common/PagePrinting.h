@@ -55,7 +55,9 @@ public:
     /// How many of them have pictures or the like elsewhere, which were left out.
     int CountWithheld() const { return CountWithheld_; }
 
-    /// The page of a template. The messages may be used again.
+    /// The template filled, which MakeDocumentSafe makes a page of. The messages may be used again.
+    QString FilledTemplate(const PageTemplate& pageTemplate, const PageOptions& options);
+    /// Both.
     SafeDocument Fill(const PageTemplate& pageTemplate, const PageOptions& options);
 
 private:

@@ -7,6 +7,8 @@
 
 namespace
 {
+constexpr qsizetype LongestSubject = 1000;
+
 /// Takes the next line off the text, without its line end.
 QString TakeLine(QString& text)
 {
@@ -14,6 +16,13 @@ QString TakeLine(QString& text)
     const QString line = end < 0 ? text : text.left(end);
     text.remove(0, end < 0 ? text.size() : end + 1);
     return line;
+}
+
+/// Its beginning on one line; the column that lists and searches read holds 255 characters.
+QString SubjectOf(const QString& text)
+{
+    const QString line = text.left(LongestSubject).simplified();
+    return !line.isEmpty() && line.back().isHighSurrogate() ? line.chopped(1) : line;
 }
 
 QString EscapedLines(const QString& text)
@@ -71,7 +80,7 @@ cMessagePtr MakeMessage(const TextMessage& text)
     mail->SetFrom(text.From);
     if (!text.To.isEmpty())
         mail->SetTo(text.To);
-    mail->SetSubject(text.Text.simplified());
+    mail->SetSubject(SubjectOf(text.Text));
     mail->SetSentOn(ClockHelper::LocalToUTC(received).ToDateTime(Qt::UTC));
     mail->SetTextBody(text.Text);
     mail->SetHTMLBody(EscapedLines(text.Text));

@@ -294,7 +294,12 @@ QString Composing::ForwardSubject(const QString& subject)
 
 QString Composing::Quoted(const QString& text)
 {
-    QStringList lines = text.split(u'\n');
+    QString plain = text;
+    plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    // Whatever else begins a line where the text is read must not begin one without a mark.
+    for (const char16_t lineEnd : {u'\r', u'\v', u'\f', u'\u0085', u'\u2028', u'\u2029'})
+        plain.replace(QChar(lineEnd), u'\n');
+    QStringList lines = plain.split(u'\n');
     while (!lines.isEmpty() && lines.last().trimmed().isEmpty())
         lines.removeLast();
     for (QString& line : lines)

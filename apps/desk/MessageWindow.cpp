@@ -6,6 +6,7 @@
 #include "MessageRecovery.h"
 #include "NoticeBar.h"
 #include "PreviewPane.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
 
 #include <QAction>
@@ -13,6 +14,11 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
+
+namespace
+{
+constexpr qsizetype LongestTitle = 300;
+}
 
 MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent)
     : QMainWindow(parent, Qt::Window),
@@ -23,7 +29,7 @@ MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, Q
 {
     setObjectName(QStringLiteral("messageWindow"));
     setAttribute(Qt::WA_DeleteOnClose);
-    const QString subject = OneLine(message->CDOMessage()->Subject());
+    const QString subject = OneLine(cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestTitle));
     setWindowTitle(subject.isEmpty() ? tr("(no subject)") : subject);
     Notice_->setObjectName(QStringLiteral("storedNotice"));
     auto* page = new QWidget(this);

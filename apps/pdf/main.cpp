@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 
 namespace
@@ -23,6 +24,23 @@ void Print(const QByteArray& octets)
     const auto size = static_cast<std::size_t>(octets.size());
     if (std::fwrite(octets.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
         throw Failure(exitInputOutput, QStringLiteral("The output could not be written."));
+}
+
+void Say(const QString& words)
+{
+    std::fputs(("tolva-pdf: " + words.toUtf8() + '\n').constData(), stderr);
+}
+
+/// What is written from here on is written to its end, so that no half-made file stays behind.
+void HoldSignals()
+{
+#ifndef Q_OS_WIN
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&signals, signal);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+#endif
 }
 
 QByteArray ReadPage(const QString& name)
@@ -103,10 +121,13 @@ int Run(const QStringList& arguments)
     setup.NumbersPages = !parser.isSet(unnumbered);
     const QString html = FileHelper::DecodeText(ReadPage(parser.positionalArguments().first()));
     const PrintedPages pages(MakeDocumentSafe(html), setup);
+    if (pages.LeftOut() > 0)
+        Say(QStringLiteral("The page is too long to be laid out whole; its last line says how much is left out."));
     QString problem;
     const QByteArray pdf = pages.Pdf(problem);
     if (pdf.isEmpty())
         throw Failure(exitSoftware, problem);
+    HoldSignals();
     if (parser.value(output) == StandardOutput)
         Print(pdf);
     else
@@ -128,10 +149,10 @@ int main(int argc, char** argv)
     try {
         return Run(QGuiApplication::arguments());
     } catch (const Failure& failure) {
-        std::fputs(("tolva-pdf: " + failure.Words().toUtf8() + '\n').constData(), stderr);
+        Say(failure.Words());
         return failure.Code();
     } catch (const std::bad_alloc&) {
-        std::fputs("tolva-pdf: There is not enough memory.\n", stderr);
+        Say(QStringLiteral("There is not enough memory."));
         return exitTemporary;
     }
 }

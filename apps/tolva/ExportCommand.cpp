@@ -5,6 +5,7 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
+#include "platform/mail/MessageReader.h"
 
 #include <QFileInfo>
 
@@ -17,7 +18,7 @@ constexpr int LongestName = 200; // octets; file systems take 255
 /// The subject as a file's name, without what no file name can hold.
 QString FileNameFor(const cMessage& message)
 {
-    QString name = message.CDOMessage()->Subject();
+    QString name = cdo::HeaderBeginning(*message.CDOMessage(), "Subject", 4 * LongestName);
     name.removeIf(
         [](QChar character) { return character < u' ' || QStringLiteral(":*?\\/\"<>|").contains(character); });
     name = name.simplified();

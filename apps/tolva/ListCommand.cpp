@@ -6,6 +6,7 @@
 #include "MessageTable.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "platform/mail/MessageReader.h"
 
 #include <QJsonDocument>
 
@@ -84,7 +85,7 @@ QString SenderOf(dao::Recordset& rows, const MessageRow& row, QList<qint32>& dam
         return row.From;
     }
     const cdo::Message mail(octets);
-    const QString from = mail.From().trimmed();
+    const QString from = cdo::HeaderBeginning(mail, "From").trimmed();
     QString name = from.left(from.indexOf(u'<')).trimmed();
     if (name.size() > 1 && name.startsWith(u'"') && name.endsWith(u'"'))
         name = name.mid(1, name.size() - 2);

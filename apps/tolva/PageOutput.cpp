@@ -8,6 +8,12 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <sys/prctl.h>
+#include <unistd.h>
+#endif
+
 namespace
 {
 const QString OutputName = QStringLiteral("output");
@@ -36,10 +42,38 @@ bool IsPdf(const QString& path)
     return path.endsWith(PdfExtension, Qt::CaseInsensitive);
 }
 
+/// The program for PDF files ends with this one, however this one ends: nobody would take what it makes.
+void EndWithThisProgram(QProcess& process)
+{
+#ifdef Q_OS_LINUX
+    const pid_t self = ::getpid();
+    process.setChildProcessModifier([self] {
+        if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0 || ::getppid() != self)
+            ::_exit(exitTemporary);
+    });
+#else
+    Q_UNUSED(process);
+#endif
+}
+
+/// What the program for PDF files said of the page.
+QStringList WordsOf(QProcess& process)
+{
+    static const QString name = QStringLiteral("tolva-pdf: ");
+    QStringList words;
+    const QStringList lines = QString::fromUtf8(process.readAllStandardError()).split(u'\n');
+    for (const QString& line : lines) {
+        if (line.startsWith(name))
+            words.append(line.sliced(name.size()).trimmed());
+    }
+    return words;
+}
+
 /// The PDF file of a page. path: what is to be written, for the words of a failure.
 QByteArray PdfOf(const QString& path, const QByteArray& page, const QString& paper)
 {
     QProcess process;
+    EndWithThisProgram(process);
     process.start(PdfProgram(),
                   {QStringLiteral("--paper"), paper, QStringLiteral("--output"), StandardOutput, StandardOutput});
     if (!process.waitForStarted(-1))
@@ -52,12 +86,14 @@ QByteArray PdfOf(const QString& path, const QByteArray& page, const QString& pap
         throw Failure(
             exitSoftware,
             QStringLiteral("%1 ended in the middle of its work; %2 was not written.").arg(PdfProgram(), path));
-    if (process.exitCode() == exitOK)
-        return process.readAllStandardOutput();
-    // What it says last is why it ended.
-    const QString words = QString::fromUtf8(process.readAllStandardError()).trimmed().section(u'\n', -1);
-    throw Failure(static_cast<ExitCode>(process.exitCode()),
-                  QStringLiteral("%1 was not written: %2").arg(path, words.section(QStringLiteral("tolva-pdf: "), -1)));
+    const QStringList words = WordsOf(process);
+    if (process.exitCode() != exitOK) {
+        throw Failure(static_cast<ExitCode>(process.exitCode()),
+                      QStringLiteral("%1 was not written: %2").arg(path, words.join(u' ')));
+    }
+    for (const QString& line : words)
+        Terminal::Complain(line);
+    return process.readAllStandardOutput();
 }
 } // namespace
 

@@ -8,6 +8,7 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "common/ClockHelper.h"
+#include "platform/mail/MessageReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,6 +18,8 @@ namespace
 {
 const QString RawOption = QStringLiteral("raw");
 const QString JsonOption = QStringLiteral("json");
+constexpr qsizetype MostBlanks = 1000;
+constexpr qsizetype LongestPage = 4'000'000;
 const QString DateFormat = QStringLiteral("ddd dd mmm yyyy hh:nn:ss");
 
 void PrintField(const QString& name, const QString& value)
@@ -50,41 +53,67 @@ QString AttachmentWords(const cdo::Attachment& attachment)
         .arg(name, attachment.ContentType, QLocale::c().formattedDataSize(attachment.Size));
 }
 
-void PrintBody(const cdo::Message& mail, qint32 reference)
+/// Prints the text as it is decoded, so that one of megabytes takes no room. False, with nothing printed, for one of
+/// blanks alone.
+bool PrintText(cdo::MessageReader& reader)
 {
-    QString body = mail.TextBody();
-    if (body.trimmed().isEmpty()) {
-        const QString html = mail.HTMLBody();
-        if (html.isEmpty())
+    QString blanks;
+    bool hasWords = false;
+    bool endsLine = false;
+    reader.ReadText([&](const QString& piece) {
+        if (!hasWords && piece.trimmed().isEmpty()) {
+            // More than these nobody wants to see.
+            blanks = (blanks + piece).left(MostBlanks);
             return;
-        Terminal::PrintLine(
-            QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
-                           "export FOLDER %1 FILE]\n")
-                .arg(reference));
-        body = TextOfHtml(html);
-    }
-    body = ManyLines(body);
+        }
+        const QString words = ManyLines(hasWords ? piece : blanks + piece);
+        hasWords = true;
+        if (words.isEmpty())
+            return;
+        endsLine = words.endsWith(u'\n');
+        Terminal::Print(words);
+    });
+    if (hasWords && !endsLine)
+        Terminal::PrintLine(QString());
+    return hasWords;
+}
+
+void PrintBody(cdo::MessageReader& reader, qint32 reference)
+{
+    if (PrintText(reader))
+        return;
+    bool isWhole = true;
+    const QString html = reader.HtmlBeginning(LongestPage, &isWhole);
+    if (html.isEmpty())
+        return;
+    Terminal::PrintLine(QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
+                                       "export FOLDER %1 FILE]\n")
+                            .arg(reference));
+    const QString body = ManyLines(TextOfHtml(html));
     Terminal::Print(body.endsWith(u'\n') ? body : body + u'\n');
+    if (!isWhole)
+        Terminal::PrintLine(QStringLiteral("[The page goes on.]"));
 }
 
 void PrintPlain(Station& station, const cMessage& message)
 {
     const cdo::Message& mail = *message.CDOMessage();
+    cdo::MessageReader reader(mail);
     PrintField(QStringLiteral("Message"), QString::number(message.Reference()));
     PrintField(QStringLiteral("Folder"), FolderPath(FolderPaths(station.Folders()), message.Category()));
     PrintField(QStringLiteral("Flags"), FlagWords(message));
-    PrintField(QStringLiteral("From"), mail.From());
-    PrintField(QStringLiteral("To"), mail.To());
-    PrintField(QStringLiteral("Cc"), mail.CC());
-    PrintField(QStringLiteral("Reply-To"), mail.ReplyTo());
-    PrintField(QStringLiteral("Subject"), mail.Subject());
+    PrintField(QStringLiteral("From"), reader.Header("From"));
+    PrintField(QStringLiteral("To"), reader.Header("To"));
+    PrintField(QStringLiteral("Cc"), reader.Header("Cc"));
+    PrintField(QStringLiteral("Reply-To"), reader.Header("Reply-To"));
+    PrintField(QStringLiteral("Subject"), reader.Header("Subject"));
     PrintField(QStringLiteral("Sent"), message.Sent().Format(DateFormat));
     PrintField(QStringLiteral("Received"), message.Received().Format(DateFormat));
     const QList<cdo::Attachment> attachments = mail.Attachments();
     for (const cdo::Attachment& attachment : attachments)
         PrintField(QStringLiteral("Attachment"), AttachmentWords(attachment));
     Terminal::PrintLine(QString());
-    PrintBody(mail, message.Reference());
+    PrintBody(reader, message.Reference());
 }
 
 QJsonArray JsonAttachments(const cdo::Message& mail)

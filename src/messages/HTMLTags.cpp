@@ -141,7 +141,7 @@ HTMLTags::HTMLTags(const cMessage& message, qint32 flags) : Message_(message), F
 
 QString HTMLTags::Fill(const QString& strTemplate)
 {
-    if (!FillWith(strTemplate, ValueTags::Filled))
+    if ((Flags_ & mphTagsInValuesStay) != 0 || !FillWith(strTemplate, ValueTags::Filled))
         FillWith(strTemplate, ValueTags::Shown);
     return Text_;
 }

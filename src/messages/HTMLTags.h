@@ -6,6 +6,10 @@
 
 class cMessage;
 
+/// A flag beside those of eMsgProcessHTMLTags: tags within a message's own texts are never filled, but shown. For
+/// programs that print what strangers wrote.
+constexpr qint32 mphTagsInValuesStay = 0x10000;
+
 /// Fills a page template from one message. Made for one message and one set of flags, and used for one template.
 class HTMLTags
 {

@@ -9,6 +9,7 @@
 #include "messages/AddressKey.h"
 #include "messages/HighlightMarking.h"
 #include "messages/cMessage.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/records/Recordset.h"
 
 using RowValues::LocalDate;
@@ -166,7 +167,7 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     WriteAddressKeys(*recordset);
     WriteDebugLog(QStringLiteral("Setting Subject"));
     dao::Field& subject = (*recordset)[Column::Subject];
-    subject.SetValue(Cut(CDOMessage_->Subject(), subject.Size()));
+    subject.SetValue(Cut(cdo::HeaderBeginning(*CDOMessage_, "Subject"), subject.Size()));
     WriteDebugLog(QStringLiteral("Setting Category"));
     setColumn(Column::Category, Category_);
     setColumn(Column::MessageType, MessageType_);

@@ -6,6 +6,7 @@
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
+#include "platform/mail/MessageReader.h"
 
 namespace
 {
@@ -30,7 +31,7 @@ QString WithError(const QString& text, const PendingError& pending)
 
 QString SubjectOf(const cMessagePtr& message)
 {
-    return message->CDOMessage()->Subject();
+    return cdo::HeaderBeginning(*message->CDOMessage(), "Subject");
 }
 } // namespace
 

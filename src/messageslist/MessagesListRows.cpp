@@ -5,6 +5,7 @@
 #include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/SystemColour.h"
@@ -22,6 +23,8 @@ constexpr double SubjectMargin = 120;
 constexpr double RowMargin = 90;
 constexpr double DateWidth = 1500;
 constexpr double DateSerialWidth = 1900;
+/// Characters of a header that are decoded and measured; more than any row is wide.
+constexpr qsizetype LongestCell = 1000;
 constexpr int UrgentPriority = 1;
 constexpr qint32 PureRed = 255;
 const QString DateFormat = QStringLiteral("ddd dd mmm hh:nn");
@@ -108,7 +111,7 @@ void uMessagesList::FillMessageRow(int row, const cMessagePtr& message)
     const bool isPersonal = message->PersonalToContact() != 0;
     grdMessages_->SetCellPicture(row, colHead, isPersonal ? HeadPicture_ : QIcon());
     grdMessages_->SetTextMatrix(row, colHead, QString());
-    grdMessages_->SetTextMatrix(row, colFrom, message->CDOMessage()->From());
+    grdMessages_->SetTextMatrix(row, colFrom, cdo::HeaderBeginning(*message->CDOMessage(), "From", LongestCell));
     const qint32 back = message->Priority() == UrgentPriority ? PureRed : SystemColour::WindowBackground;
     grdMessages_->SetCellBackColour(row, colHead, colSubject, back);
     grdMessages_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
@@ -130,8 +133,9 @@ void uMessagesList::DrawSubject(int row, const cMessage& message, bool& isRead)
     font.setBold(!isRead);
     const QFontMetricsF metrics(font);
     const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
-    QString text = GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
-                                                 message.CDOMessage()->Subject().trimmed(), width);
+    QString text = GeneralHelper::FitTextToWidth(
+        [&](const QString& part) { return metrics.horizontalAdvance(part); },
+        cdo::HeaderBeginning(*message.CDOMessage(), "Subject", LongestCell).trimmed(), width);
     if (stamp.IsNone()) {
         if (DoubleHeightRows_)
             text += QLatin1Char('\r');

@@ -2,8 +2,12 @@
 
 #include "CommandLineTest.h"
 
+#include <QElapsedTimer>
+
 #ifndef Q_OS_WIN
 #include <arpa/inet.h>
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #endif
@@ -365,3 +369,99 @@ TEST_F(PrintTest, ThePdfProgramRefusesWhatItDoesNotTakeAndLeavesTheFile)
     EXPECT_EQ(RunPdf({Path(QStringLiteral("absent.html")), Output, Pdf()}).Code, 66);
     EXPECT_EQ(Read(Pdf()), "precious");
 }
+
+TEST_F(PrintTest, ATagInAMailIsNeverFilled)
+{
+    const QString template_ = Write(QStringLiteral("t.htm"), "<p>S <ZRT_MESSAGE_SUBJECT></p><p>F <ZRT_MESSAGE_FROM></p>"
+                                                             "<div>B <ZRT_MESSAGE_BODY></div>");
+    const QString text = FileMail("From: \"<ZRT_MESSAGE_TO>\" <a@example.org>\r\nTo: secret@example.org\r\n"
+                                  "Subject: see <ZRT_MESSAGE_TO> and <ZRT_MESSAGE_BODY>\r\n\r\n"
+                                  "words <ZRT_MESSAGE_TO> <ZRT_MESSAGE_TEXTBODYSHORT>\r\n");
+    const QString page = PrintPage({template_, text});
+    EXPECT_FALSE(page.contains(QStringLiteral("secret@example.org")));
+    EXPECT_TRUE(page.contains(QStringLiteral("S see &lt;ZRT_MESSAGE_TO&gt; and &lt;ZRT_MESSAGE_BODY&gt;")))
+        << page.toStdString();
+    EXPECT_TRUE(page.contains(QStringLiteral("words &lt;ZRT_MESSAGE_TO&gt; &lt;ZRT_MESSAGE_TEXTBODYSHORT&gt;")))
+        << page.toStdString();
+}
+
+TEST_F(PrintTest, ATemplateBuiltToOverflowPrintsItsText)
+{
+    const QByteArray page = "<!-->" + QByteArray("<table><tr><td>").repeated(3000) + "the end <ZRT_MESSAGE_SUBJECT>";
+    const QString reference = FileMail(Mail("Hostile"));
+    const QString path = Write(QStringLiteral("nested.htm"), page);
+    const Outcome outcome = OnStation("print", {path, reference, Output, Pdf()});
+    EXPECT_EQ(outcome.Code, 0) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Problems.contains("holds the text alone")) << outcome.Problems.constData();
+    EXPECT_TRUE(Read(Pdf()).startsWith("%PDF-"));
+    QFile::remove(Pdf());
+    EXPECT_EQ(RunPdf({QStringLiteral("-"), Output, Pdf()}, page).Code, 0);
+    EXPECT_TRUE(Read(Pdf()).startsWith("%PDF-"));
+}
+
+#ifdef Q_OS_LINUX
+TEST_F(PrintTest, TwentyTablesInOneAnotherAndANewsletterTakeNoMoreThanFiveSeconds)
+{
+    const QByteArray inner =
+        "<table width=\"100%\" cellpadding=0><tr><td style=\"font-size: 13px\">Offer of the day: a "
+        "kettle</td><td width=120>12.50</td></tr></table>";
+    const QByteArray row = "<tr><td><table width=560 align=center><tr><td><table width=\"100%\"><tr><td>" + inner +
+                           "</td><td>" + inner + "</td></tr></table></td></tr></table></td></tr>";
+    const QByteArray around =
+        QByteArray("<table width=\"100%\"><tr><td align=center><table width=600><tr><td>").repeated(2);
+    const QByteArray newsletter = around + "<table>" + row.repeated(44'000 / row.size()) + "</table>";
+    const QByteArray tables = QByteArray("<table><tr><td>a word or two ").repeated(20);
+    for (const QByteArray& page : {newsletter, tables}) {
+        rusage before = {};
+        rusage after = {};
+        ::getrusage(RUSAGE_CHILDREN, &before);
+        EXPECT_EQ(RunPdf({QStringLiteral("-"), Output, Pdf()}, page).Code, 0);
+        ::getrusage(RUSAGE_CHILDREN, &after);
+        EXPECT_LT(after.ru_utime.tv_sec - before.ru_utime.tv_sec, 5) << page.left(40).constData();
+    }
+}
+
+/// The processes that this one's child started.
+static QList<pid_t> ChildrenOf(qint64 process)
+{
+    QList<pid_t> children;
+    const QByteArray list = [&] {
+        QFile file(QStringLiteral("/proc/%1/task/%1/children").arg(process));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }();
+    for (const QByteArray& number : list.simplified().split(' ')) {
+        if (!number.isEmpty())
+            children.append(number.toInt());
+    }
+    return children;
+}
+
+TEST_F(PrintTest, EndingTheCommandEndsItsHelperAndLeavesNoFile)
+{
+    // Minutes of work.
+    const QByteArray words = QByteArray("words that fill a line \n").repeated(200'000);
+    const QString reference = FileMail(Mail("Long", words));
+    for (const int signal : {SIGKILL, SIGTERM, SIGINT}) {
+        QProcess process;
+        Prepare(process, {QStringLiteral("print"), Station(), Single, reference, Output, Pdf()});
+        process.start();
+        ASSERT_TRUE(process.waitForStarted());
+        QList<pid_t> helpers;
+        while (helpers.isEmpty() && process.state() == QProcess::Running) {
+            process.waitForFinished(1);
+            helpers = ChildrenOf(process.processId());
+        }
+        ASSERT_EQ(helpers.size(), 1) << signal;
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+        ASSERT_TRUE(process.waitForFinished());
+        // The helper was never this process's child: its end shows in the list of processes.
+        QElapsedTimer waited;
+        waited.start();
+        const QString entry = QStringLiteral("/proc/%1/exe").arg(helpers.first());
+        while (!QFile::symLinkTarget(entry).isEmpty() && waited.elapsed() < 10'000)
+            process.waitForFinished(1);
+        EXPECT_TRUE(QFile::symLinkTarget(entry).isEmpty()) << signal;
+        EXPECT_EQ(QDir(Path(QString())).entryList({QStringLiteral("out*")}, QDir::Files), QStringList()) << signal;
+    }
+}
+#endif

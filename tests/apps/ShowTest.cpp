@@ -5,6 +5,13 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#ifdef Q_OS_LINUX
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 class ShowTest : public CommandLineTest
 {
 };
@@ -74,3 +81,69 @@ TEST_F(ShowTest, AMessageThatIsNotThereIsNamed)
     EXPECT_EQ(outcome.Output, "");
     EXPECT_TRUE(outcome.Problems.startsWith("tolva: There is no message 42")) << outcome.Problems.constData();
 }
+
+#ifdef Q_OS_LINUX
+/// The most memory that a run of the program had, in octets; its output goes nowhere.
+static qint64 PeakOf(const QStringList& words, const QString& registry)
+{
+    QList<QByteArray> texts{QByteArray(TOLVA_PROGRAM)};
+    for (const QString& word : words)
+        texts.append(word.toUtf8());
+    QList<char*> arguments;
+    for (QByteArray& text : texts)
+        arguments.append(text.data());
+    arguments.append(nullptr);
+    qputenv("TOLVA_REGISTRY", registry.toUtf8());
+    const pid_t process = ::fork();
+    if (process == 0) {
+        const int nowhere = ::open("/dev/null", O_WRONLY);
+        ::dup2(nowhere, STDOUT_FILENO);
+        ::execv(arguments.first(), arguments.data());
+        ::_exit(127);
+    }
+    int status = -1;
+    rusage usage = {};
+    EXPECT_EQ(::wait4(process, &status, 0, &usage), process);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << words.join(u' ').toStdString();
+    qunsetenv("TOLVA_REGISTRY");
+    return qint64(usage.ru_maxrss) * 1024;
+}
+
+TEST_F(ShowTest, AMailOfAHundredMegabytesIsShownAndExportedInThreeTimesItsRoom)
+{
+    constexpr qint64 Base = 40'000'000; // what the program takes for a short mail, and some
+    constexpr qint64 Size = 100'000'000;
+    const QByteArray header = "From: a@example.org\r\nSubject: Large\r\n";
+    const QByteArray line = "Words of a mail that goes on and on, line by line, for a hundred megabytes.\r\n";
+    const QByteArray coded = "V29yZHMgb2YgYSBtYWlsIHRoYXQgZ29lcyBvbiBhbmQgb24sIGxpbmUgYnkgbGluZS4KCg==";
+    const QList<QPair<QByteArray, QByteArray>> mails{
+        {header + "Content-Type: text/plain; charset=utf-8\r\n\r\n", line},
+        {header + "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n\r\nhello\r\n--b\r\n"
+                  "Content-Type: application/pdf; name=a.pdf\r\nContent-Transfer-Encoding: base64\r\n\r\n",
+         coded + "\r\n"},
+        {"From: a@example.org\r\nSubject: ", "word "},
+    };
+    const QString path = Path(QStringLiteral("large.eml"));
+    for (const auto& [begin, rest] : mails) {
+        {
+            // In pieces: a process begins with the memory of the one that started it.
+            QFile file(path);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(begin);
+            const QByteArray block = rest.repeated(1'000'000 / rest.size());
+            while (file.pos() < Size)
+                file.write(block);
+        }
+        Expect("file", {path});
+        const QString reference = QString::number(Messages().size());
+        const QString registry = Path(QStringLiteral("Tolva.ini"));
+        EXPECT_LT(PeakOf({QStringLiteral("show"), Station(), reference}, registry), 3 * Size + Base)
+            << begin.constData();
+        EXPECT_LT(PeakOf({QStringLiteral("export"), Station(), reference, Path(QStringLiteral("out.eml")),
+                          QStringLiteral("--force")},
+                         registry),
+                  3 * Size + Base)
+            << begin.constData();
+    }
+}
+#endif

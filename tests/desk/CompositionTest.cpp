@@ -131,6 +131,15 @@ TEST(CompositionTest, AVeryLongThreadKeepsItsBeginningAndItsNewestMembers)
     EXPECT_EQ(kept.last(), QStringLiteral("<own@example.org>"));
 }
 
+TEST(CompositionTest, WhateverEndsALineTheNextOneIsMarkedAsQuoted)
+{
+    for (const char* lineEnd : {"\n", "\r\n", "\r", "\v", "\f", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"}) {
+        EXPECT_EQ(Composing::Quoted(QStringLiteral("one%1two%1%1> three%1").arg(QString::fromUtf8(lineEnd))),
+                  QStringLiteral("> one\n> two\n>\n>> three"))
+            << lineEnd;
+    }
+}
+
 TEST(CompositionTest, AMailInHtmlAloneIsQuotedAsWords)
 {
     const Composition reply = Composing::Reply(*Sample("hamper-09-html-only.eml"), Studio);

@@ -6,6 +6,7 @@
 #include "FileNames.h"
 #include "Words.h"
 #include "common/UserInterface.h"
+#include "platform/mail/MessageReader.h"
 #include "printing/PageSheet.h"
 #include "printing/PrintTarget.h"
 
@@ -26,6 +27,11 @@
 #include <QThreadPool>
 #include <QTimer>
 
+namespace
+{
+constexpr qsizetype LongestName = 300;
+}
+
 PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent)
     : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job))
 {
@@ -40,6 +46,11 @@ PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob 
     resize(900, 680);
     FillTemplates();
     UpdateParts();
+}
+
+PrintDialog::~PrintDialog()
+{
+    *IsWanted_ = false;
 }
 
 template <typename Work>
@@ -106,7 +117,7 @@ bool PrintDialog::Prepare()
     bool isWhole = false;
     const bool hasWorked = Run([&] {
         if (Job_.Message) {
-            Subject_ = Job_.Message->CDOMessage()->Subject();
+            Subject_ = cdo::HeaderBeginning(*Job_.Message->CDOMessage(), "Subject", LongestName);
             isWhole = Messages_.Add(Job_.Message);
             return;
         }
@@ -122,7 +133,7 @@ bool PrintDialog::Prepare()
             if (!Messages_.Add(message))
                 throw Failure(exitData, tr("These are more messages than can be printed at once (32,767). Choose a "
                                            "folder with fewer, or find some of them."));
-            Subject_ = message->CDOMessage()->Subject();
+            Subject_ = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestName);
         }
         if (Messages_.Count() == 0)
             throw Failure(exitData, tr("There is no message to print."));
@@ -135,30 +146,33 @@ void PrintDialog::Fill()
 {
     if (!HasContent())
         return;
+    Filled_.reset();
     Document_.reset();
     Pages_.reset();
     Sheet_->SetPages(nullptr);
     Run([this] {
         const BusyPointer busy;
-        Document_ = std::make_shared<SafeDocument>(FilledPage());
+        FillPage();
     });
     UpdateParts();
     LayOut();
 }
 
-SafeDocument PrintDialog::FilledPage()
+void PrintDialog::FillPage()
 {
     const auto pageTemplate =
         PagePrinting::FindTemplate(Station_.Database(), Template_->currentData().toString(), Kind());
-    if (IsOfPrize())
-        return PrizePage::Fill(pageTemplate.Text, {*Job_.Prize});
+    if (IsOfPrize()) {
+        Document_ = std::make_shared<SafeDocument>(PrizePage::Fill(pageTemplate.Text, {*Job_.Prize}));
+        return;
+    }
     // A template with a list of its own says itself where pages begin.
     PageEach_->setEnabled(IsOfMany() && !pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_REPEAT>")));
     PagePrinting::PageOptions options;
     options.UnreadIsBold = Bold_->isChecked();
     options.PendingIsItalic = Italic_->isChecked();
     options.PageEach = PageEach_->isChecked();
-    return Messages_.Fill(pageTemplate, options);
+    Filled_ = Messages_.FilledTemplate(pageTemplate, options);
 }
 
 PaperSetup PrintDialog::Paper() const
@@ -168,34 +182,38 @@ PaperSetup PrintDialog::Paper() const
     return setup;
 }
 
-/// One layout at a time; what was chosen meanwhile is laid out behind it.
+/// One layout at a time; what was chosen meanwhile ends it and is laid out behind it.
 void PrintDialog::LayOut()
 {
-    if (!Document_)
-        return;
     MustLayOutAgain_ = IsLayingOut_;
-    if (IsLayingOut_)
+    *IsWanted_ = !IsLayingOut_;
+    if (IsLayingOut_ || (!Document_ && !Filled_))
         return;
     IsLayingOut_ = true;
     UpdateParts();
-    QThreadPool::globalInstance()->start(
-        [document = Document_, setup = Paper(), dialog = QPointer<PrintDialog>(this), home = thread()] {
-            auto pages = std::make_shared<PrintedPages>(*document, setup);
-            pages->MoveTo(home);
-            QMetaObject::invokeMethod(QCoreApplication::instance(), [dialog, pages = std::move(pages)] {
-                if (dialog)
-                    dialog->TakePages(pages);
-            });
+    QThreadPool::globalInstance()->start([document = Document_, filled = Filled_, setup = Paper(), isWanted = IsWanted_,
+                                          dialog = QPointer<PrintDialog>(this), home = thread()]() mutable {
+        if (!document)
+            document = std::make_shared<SafeDocument>(MakeDocumentSafe(*filled));
+        LayoutLimits limits;
+        limits.IsWanted = [isWanted] { return isWanted->load(); };
+        auto pages = std::make_shared<PrintedPages>(*document, setup, limits);
+        pages->MoveTo(home);
+        QMetaObject::invokeMethod(QCoreApplication::instance(), [dialog, document, pages = std::move(pages)] {
+            if (dialog)
+                dialog->TakePages(document, pages);
         });
+    });
 }
 
-void PrintDialog::TakePages(const std::shared_ptr<PrintedPages>& pages)
+void PrintDialog::TakePages(const std::shared_ptr<const SafeDocument>& document,
+                            const std::shared_ptr<PrintedPages>& pages)
 {
     IsLayingOut_ = false;
     if (std::exchange(MustLayOutAgain_, false))
         return LayOut();
-    if (!Document_)
-        return UpdateParts();
+    Document_ = document;
+    Filled_.reset();
     Pages_ = pages;
     Sheet_->SetPages(Pages_);
     UpdateParts();
@@ -224,12 +242,14 @@ void PrintDialog::UpdateParts()
     if (pages > 0)
         Count_->setText(tr("%1 on %2").arg(ContentWords(), pageWords));
     else
-        Count_->setText(Document_ || !HasContent() ? tr("The pages are being laid out...") : QString());
+        Count_->setText(IsLayingOut_ || !HasContent() ? tr("The pages are being laid out...") : QString());
     QString note = PagePrinting::WithheldWords(Messages_.CountWithheld());
     if (Document_ && Document_->IsTextOnly)
         note = IsOfPrize()
                    ? tr("This prize is too large to be laid out; the pages hold its text alone.")
                    : tr("These messages are too large to be laid out together; the pages hold their text alone.");
+    if (Pages_ && Pages_->LeftOut() > 0)
+        note = tr("This is too long to be laid out whole; the last page says how much is left out.");
     Note_->setText(note);
     Note_->setHidden(note.isEmpty());
 }

@@ -6,6 +6,7 @@
 
 #include <QDialog>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -29,7 +30,8 @@ struct PrintJob
 
 /// Prints messages, or a prize: by which of the station's templates, how, on which paper, with the pages as they will
 /// be printed.
-/// It begins to read the messages when it is shown; the pages are laid out beside the window, which answers meanwhile.
+/// It begins to read the messages when it is shown; the pages are made safe and laid out beside the window, which
+/// answers meanwhile.
 /// The template and the paper are remembered. The station is open and outlives the dialog.
 class PrintDialog : public QDialog
 {
@@ -37,6 +39,7 @@ class PrintDialog : public QDialog
 
 public:
     PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent = nullptr);
+    ~PrintDialog() override;
 
     /// The pages on show are those of what is chosen.
     bool IsLaidOut() const { return Pages_ && !IsLayingOut_; }
@@ -63,14 +66,14 @@ private:
     PagePrinting::TemplateKind Kind() const;
     bool HasContent() const { return IsOfPrize() || Messages_.Count() > 0; }
     QString ContentWords() const;
-    SafeDocument FilledPage();
+    void FillPage();
     QString TemplateState() const;
     void Remember();
     void Start();
     bool Prepare();
     void Fill();
     void LayOut();
-    void TakePages(const std::shared_ptr<PrintedPages>& pages);
+    void TakePages(const std::shared_ptr<const SafeDocument>& document, const std::shared_ptr<PrintedPages>& pages);
     PaperSetup Paper() const;
     void UpdateParts();
     void Print();
@@ -81,8 +84,11 @@ private:
     DeskSettings& Settings_;
     PrintJob Job_;
     PagePrinting::PreparedMessages Messages_;
-    QString Subject_; ///< Of a single message; a prize's title.
-    std::shared_ptr<const SafeDocument> Document_;
+    QString Subject_;                              ///< Of a single message; a prize's title.
+    std::optional<QString> Filled_;                ///< The filled template, until it has been made safe.
+    std::shared_ptr<const SafeDocument> Document_; ///< Null until then.
+    /// False ends the layout that runs.
+    std::shared_ptr<std::atomic_bool> IsWanted_ = std::make_shared<std::atomic_bool>(true);
     std::shared_ptr<const PrintedPages> Pages_;
     bool HasStarted_ = false;
     bool IsLayingOut_ = false;

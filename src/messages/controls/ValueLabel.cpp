@@ -4,6 +4,14 @@
 #include <QPainter>
 #include <QStyle>
 
+namespace
+{
+/// Drawing and measuring take their time with a text's length.
+constexpr qsizetype LongestValue = 10'000;
+constexpr qsizetype LongestToolTip = 1000;
+constexpr char16_t Ellipsis = 0x2026;
+} // namespace
+
 ValueLabel::ValueLabel(QWidget* parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
@@ -12,7 +20,7 @@ ValueLabel::ValueLabel(QWidget* parent) : QLabel(parent)
 
 void ValueLabel::SetValue(const QString& value)
 {
-    QString line = value;
+    QString line = value.size() <= LongestValue ? value : value.left(LongestValue - 1) + QChar(Ellipsis);
     line.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
     for (const char16_t lineEnd : {u'\n', u'\r', u'\v', u'\f', u'\u0085', u'\u2028', u'\u2029'})
         line.replace(QChar(lineEnd), u' ');
@@ -28,7 +36,7 @@ bool ValueLabel::Fits() const
 void ValueLabel::UpdateToolTip()
 {
     // As rich text a long line wraps, and no text is taken for markup.
-    setToolTip(Fits() ? QString() : QStringLiteral("<span>%1</span>").arg(text().toHtmlEscaped()));
+    setToolTip(Fits() ? QString() : QStringLiteral("<span>%1</span>").arg(text().left(LongestToolTip).toHtmlEscaped()));
 }
 
 void ValueLabel::paintEvent(QPaintEvent* event)

@@ -10,7 +10,7 @@ class ValueLabel : public QLabel
 
 public:
     explicit ValueLabel(QWidget* parent = nullptr);
-    /// text() is then the whole of it on one line.
+    /// text() is then the whole of it on one line, or its first 10,000 characters.
     void SetValue(const QString& value);
 
 protected:

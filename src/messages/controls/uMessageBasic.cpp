@@ -2,6 +2,7 @@
 
 #include "common/ProfileHelper.h"
 #include "messages/controls/ValueLabel.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/widgets/Contrast.h"
 #include "platform/widgets/Panel3.h"
 #include "platform/widgets/PropertyBag.h"
@@ -15,6 +16,9 @@ namespace
 {
 constexpr qint32 DefaultBackColour = 0xD1A89F;
 constexpr qint32 PersonalColour = 0x9CE4FF;
+
+/// Characters of a body that are decoded at once; the pane shows less of them.
+constexpr qsizetype LongestPage = 1'000'000;
 
 // Twips.
 constexpr double SmallestWidth = 4000;
@@ -152,12 +156,13 @@ void uMessageBasic::SetMessage(const cMessagePtr& message)
         return;
     }
     const cdo::Message& mail = *message->CDOMessage();
+    const cdo::MessageReader reader(mail);
     const bool isMasked = message->MessageType() == emtSMS && MasksPhoneNumbers();
     const QString mask = QStringLiteral("0XXX-XXXXXX");
     Values_[DateRow]->SetValue(message->ReceivedString());
-    Values_[ToRow]->SetValue(isMasked ? mask : mail.To());
-    Values_[FromRow]->SetValue(isMasked ? mask : mail.From());
-    Values_[SubjectRow]->SetValue(mail.Subject());
+    Values_[ToRow]->SetValue(isMasked ? mask : reader.Header("To"));
+    Values_[FromRow]->SetValue(isMasked ? mask : reader.Header("From"));
+    Values_[SubjectRow]->SetValue(reader.Header("Subject"));
     ShowBody();
 }
 
@@ -166,11 +171,18 @@ void uMessageBasic::ShowBody()
     const std::shared_ptr<cdo::Message> mail = Message_->CDOMessage();
     wbBody_->SetContentLoader(
         [mail](const QString& contentID, QString* contentType) { return mail->ContentByID(contentID, contentType); });
-    const QString html = mail->HTMLBody();
-    if (html.isEmpty())
-        wbBody_->ShowText(mail->TextBody());
-    else
-        wbBody_->ShowHTML(html);
+    cdo::MessageReader reader(*mail);
+    bool isWhole = true;
+    const QString html = reader.HtmlBeginning(LongestPage, &isWhole);
+    if (!html.isEmpty()) {
+        if (!isWhole)
+            wbBody_->SetWhole([mail] { return mail->HTMLBody(); });
+        return wbBody_->ShowHTML(html);
+    }
+    const QString text = reader.TextBeginning(LongestPage, &isWhole);
+    if (!isWhole)
+        wbBody_->SetWhole([mail] { return mail->TextBody(); });
+    wbBody_->ShowText(text);
 }
 
 void uMessageBasic::ReadProperties(const PropertyBag& bag)

@@ -6,21 +6,11 @@
 
 namespace
 {
-/// Far more than people and their programs write; the parser's time grows with the square of it.
-constexpr qsizetype DeepestPage = 1000;
-
-bool IsTooDeep(const QString& markup)
-{
-    return markup.size() > DeepestPage && markup.count(u'<') > DeepestPage && TagScanner::Depth(markup) > DeepestPage;
-}
-
 /// Short where that gives the same, otherwise as it stands. Words that are marked within a tag may make another page of
 /// it, which may be too large where the true one is not.
 template <typename Import>
 bool IsImported(const QString& markup, Import import)
 {
-    if (IsTooDeep(markup))
-        return false;
     ShortMarkup marked(markup, ShortMarkup::Runs::Marked);
     if (import(&marked))
         return true;
@@ -153,9 +143,10 @@ HtmlNode* HtmlNodes::Body()
 
 bool HtmlNodes::ParsePage(const QString& page)
 {
-    const auto import = [this](ShortMarkup* markup) {
+    const HtmlPatience patience = TagScanner::PatienceWith(page);
+    const auto import = [this, patience](ShortMarkup* markup) {
         RemoveChildren(Document_);
-        const HtmlTree tree(markup->Utf8());
+        const HtmlTree tree(markup->Utf8(), patience);
         return tree.Root() != nullptr && HtmlImport(this, markup).Page(tree.Root(), Document_);
     };
     if (IsImported(page, import))
@@ -167,8 +158,9 @@ bool HtmlNodes::ParsePage(const QString& page)
 
 bool HtmlNodes::ParseFragment(const QString& fragment, const HtmlNode* context, HtmlNode* parent, HtmlNode* before)
 {
+    const HtmlPatience patience = TagScanner::PatienceWith(fragment);
     const auto import = [&](ShortMarkup* markup) {
-        const HtmlTree tree(markup->Utf8(), context->Name.toUtf8(), context->Namespace);
+        const HtmlTree tree(markup->Utf8(), context->Name.toUtf8(), context->Namespace, patience);
         return tree.Root() != nullptr && HtmlImport(this, markup).Children(tree.HtmlElementNode(), parent, before);
     };
     if (IsImported(fragment, import))

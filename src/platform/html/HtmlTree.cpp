@@ -5,6 +5,7 @@
 #include <csetjmp>
 #include <cstdlib>
 #include <gumbo.h>
+#include <vector>
 
 namespace
 {
@@ -17,6 +18,7 @@ constexpr qsizetype Megabyte = qsizetype{1024} * 1024;
 constexpr int BaseMilliseconds = 1000;
 /// An ordinary page takes about a third of this.
 constexpr int MillisecondsPerMegabyte = 250;
+constexpr int LittleTime = 100; // milliseconds
 constexpr int CallsBetweenClocks = 64;
 
 GumboNamespaceEnum GumboNamespace(HtmlNamespace space)
@@ -30,6 +32,69 @@ GumboNamespaceEnum GumboNamespace(HtmlNamespace space)
         return GUMBO_NAMESPACE_HTML;
     }
 }
+
+/// Elements that the algorithm ends by itself before it puts another of their kind into them, so that their own depth
+/// is bounded by that of the others.
+bool EndsByItself(GumboTag tag)
+{
+    switch (tag) {
+    case GUMBO_TAG_HTML:
+    case GUMBO_TAG_HEAD:
+    case GUMBO_TAG_BODY:
+    case GUMBO_TAG_P:
+    case GUMBO_TAG_LI:
+    case GUMBO_TAG_DD:
+    case GUMBO_TAG_DT:
+    case GUMBO_TAG_CAPTION:
+    case GUMBO_TAG_TBODY:
+    case GUMBO_TAG_THEAD:
+    case GUMBO_TAG_TFOOT:
+    case GUMBO_TAG_TR:
+    case GUMBO_TAG_TD:
+    case GUMBO_TAG_TH:
+        return true;
+    default:
+        return false;
+    }
+}
+
+const GumboVector* ChildrenOf(const GumboNode* node)
+{
+    if (node->type == GUMBO_NODE_DOCUMENT)
+        return &node->v.document.children;
+    const bool isElement = node->type == GUMBO_NODE_ELEMENT || node->type == GUMBO_NODE_TEMPLATE;
+    return isElement ? &node->v.element.children : nullptr;
+}
+
+bool IsDeeperThan(const GumboNode* root, int limit)
+{
+    struct Place
+    {
+        const GumboVector* Children;
+        unsigned Next;
+        int Weight;
+    };
+    std::vector<Place> places{{ChildrenOf(root), 0, 0}};
+    int depth = 0;
+    while (!places.empty()) {
+        Place& top = places.back();
+        if (top.Next == top.Children->length) {
+            depth -= top.Weight;
+            places.pop_back();
+            continue;
+        }
+        const auto* child = static_cast<const GumboNode*>(top.Children->data[top.Next++]);
+        const GumboVector* children = ChildrenOf(child);
+        if (children == nullptr)
+            continue;
+        const int weight = EndsByItself(child->v.element.tag) ? 0 : 1;
+        depth += weight;
+        if (depth > limit)
+            return true;
+        places.push_back({children, 0, weight});
+    }
+    return false;
+}
 } // namespace
 
 /// All memory of one parse, given back in one go, which also makes it possible to leave the parser in the middle. It
@@ -37,7 +102,11 @@ GumboNamespaceEnum GumboNamespace(HtmlNamespace space)
 class HtmlTree::Arena
 {
 public:
-    explicit Arena(qsizetype size) : Deadline_(BaseMilliseconds + MillisecondsPerMegabyte * (size / Megabyte)) {}
+    Arena(qsizetype size, HtmlPatience patience)
+        : Deadline_(patience == HtmlPatience::Little ? LittleTime
+                                                     : BaseMilliseconds + MillisecondsPerMegabyte * (size / Megabyte))
+    {
+    }
     ~Arena()
     {
         while (Blocks_ != nullptr)
@@ -58,7 +127,9 @@ public:
         // No frame between here and Allocate is C++.
         if (setjmp(GiveUp_) != 0)
             return nullptr;
-        return gumbo_parse_with_options(&options, page.constData(), static_cast<size_t>(page.size()))->document;
+        const GumboNode* document =
+            gumbo_parse_with_options(&options, page.constData(), static_cast<size_t>(page.size()))->document;
+        return IsDeeperThan(document, DeepestPage) ? nullptr : document;
     }
 
 private:
@@ -102,16 +173,17 @@ private:
     unsigned Calls_ = 0;
 };
 
-HtmlTree::HtmlTree(const QByteArray& page)
+HtmlTree::HtmlTree(const QByteArray& page, HtmlPatience patience)
     : Page_(page),
-      Arena_(std::make_unique<Arena>(page.size())),
+      Arena_(std::make_unique<Arena>(page.size(), patience)),
       Root_(Arena_->Parse(Page_, GUMBO_TAG_LAST, GUMBO_NAMESPACE_HTML))
 {
 }
 
-HtmlTree::HtmlTree(const QByteArray& fragment, const QByteArray& contextName, HtmlNamespace contextNamespace)
+HtmlTree::HtmlTree(const QByteArray& fragment, const QByteArray& contextName, HtmlNamespace contextNamespace,
+                   HtmlPatience patience)
     : Page_(fragment),
-      Arena_(std::make_unique<Arena>(fragment.size())),
+      Arena_(std::make_unique<Arena>(fragment.size(), patience)),
       Root_(Arena_->Parse(Page_, gumbo_tag_enum(contextName.constData()), GumboNamespace(contextNamespace)))
 {
 }

@@ -3,7 +3,6 @@
 #include "platform/html/PageTag.h"
 #include "platform/html/PageWriter.h"
 
-#include <cstring>
 #include <gumbo.h>
 
 using namespace PageElements;
@@ -12,58 +11,7 @@ namespace
 {
 constexpr int MostColumns = 100;
 constexpr int WidestSpan = 50;
-/// The pane lays the content of a table out twice for each table around it. What all tables of a page may cost, in
-/// characters laid out; those on the outside are always shown.
-constexpr qsizetype LayoutBudget = 2'000'000;
-constexpr int DeepestTable = 12;
-constexpr int TablesAlwaysShown = 2;
-constexpr qsizetype WeightOfElement = 30;
 } // namespace
-
-/// How much each table has to lay out.
-void PageWriter::WeighTables(const GumboInternalNode* document)
-{
-    struct Place
-    {
-        const GumboNode* Node;
-        unsigned NextChild = 0;
-        qsizetype Weight = WeightOfElement;
-    };
-    QVector<Place> places{{document}};
-    while (!places.isEmpty()) {
-        Place& top = places.last();
-        const bool isDocument = top.Node->type == GUMBO_NODE_DOCUMENT;
-        const GumboVector& children = isDocument ? top.Node->v.document.children : top.Node->v.element.children;
-        if (top.NextChild < children.length) {
-            const auto* child = static_cast<const GumboNode*>(children.data[top.NextChild++]);
-            if (child->type == GUMBO_NODE_ELEMENT)
-                places.append({child});
-            else if (child->type == GUMBO_NODE_TEXT)
-                top.Weight += static_cast<qsizetype>(std::strlen(child->v.text.text));
-            continue;
-        }
-        const Place done = places.takeLast();
-        if (!isDocument && done.Node->v.element.tag == GUMBO_TAG_TABLE)
-            TableWeights_.insert(done.Node, done.Weight);
-        if (!places.isEmpty())
-            places.last().Weight += done.Weight;
-    }
-}
-
-/// Whether a table within so many others can be laid out in good time; it is then charged for.
-bool PageWriter::Affords(const GumboInternalNode* table, int tablesAround)
-{
-    if (tablesAround >= DeepestTable)
-        return false;
-    qsizetype weight = TableWeights_.value(table);
-    if (Options_.MaxCharacters > 0)
-        weight = std::min(weight, Options_.MaxCharacters);
-    const qsizetype cost = weight << tablesAround;
-    if (tablesAround >= TablesAlwaysShown && LayoutCost_ + cost > LayoutBudget)
-        return false;
-    LayoutCost_ += cost;
-    return true;
-}
 
 void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag)
 {

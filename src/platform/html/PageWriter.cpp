@@ -41,7 +41,7 @@ void PageWriter::Write(const GumboInternalNode* document)
     frame.Node = document;
     frame.Points = Options_.BasePoints;
     frame.IsBlock = true;
-    WeighTables(document);
+    Tables_.emplace(document, Options_.MaxCharacters);
     Stack_.append(frame);
     while (!Stack_.isEmpty()) {
         Frame& top = Stack_.last();
@@ -311,7 +311,7 @@ void PageWriter::OpenElement(const GumboInternalNode* node, const QString& name)
         return;
     const bool isTooDeep = parent.Depth >= DeepestElement && role != Role::Row && role != Role::Cell;
     const bool isStray = (role == Role::Row && !parent.IsTable) || (role == Role::Cell && !parent.IsRow);
-    if (isStray || (role == Role::Table && (isTooDeep || !Affords(node, parent.Tables))))
+    if (isStray || (role == Role::Table && (isTooDeep || !Tables_->Affords(node, parent.Tables))))
         role = Role::Block;
 
     Frame frame = InheritedFrame(node);

@@ -2,9 +2,11 @@
 
 #include "platform/html/SafeHtml.h"
 #include "platform/html/StyleReader.h"
+#include "platform/html/TableBudget.h"
 
-#include <QHash>
 #include <QVector>
+
+#include <optional>
 
 struct GumboInternalNode;
 class PageTag;
@@ -38,8 +40,6 @@ private:
         bool HasUnknownGround = false; ///< A picture that was withheld lay beneath.
     };
 
-    void WeighTables(const GumboInternalNode* document);
-    bool Affords(const GumboInternalNode* table, int tablesAround);
     void WriteChild(const GumboInternalNode* node);
     void WriteText(const char* text);
     void WriteElement(const GumboInternalNode* node);
@@ -68,8 +68,7 @@ private:
     const SafeHtmlOptions& Options_;
     SafePage* Page_;
     QVector<Frame> Stack_;
-    QHash<const GumboInternalNode*, qsizetype> TableWeights_;
-    qsizetype LayoutCost_ = 0;
+    std::optional<TableBudget> Tables_;
     qsizetype WordLength_ = 0;
     qsizetype EmbeddedOctets_ = 0;
 };

@@ -6,6 +6,7 @@
 #include "platform/html/SafeLink.h"
 #include "platform/html/StyleFilter.h"
 #include "platform/html/StyleReader.h"
+#include "platform/html/TableBudget.h"
 #include "platform/html/TagScanner.h"
 
 #include <QSet>
@@ -17,14 +18,14 @@ using namespace PageElements;
 
 namespace
 {
-/// As deep as mail is taken apart (SafeHtml).
-constexpr qsizetype DeepestPage = 1000;
 /// What a parser takes in a moment, however large the page is and however busy the computer.
 constexpr qsizetype PieceOfText = 100'000;
 constexpr qsizetype LongestWord = 1000;
 
 const QString Policy =
     QStringLiteral("default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'");
+const QString FlatTablesWords =
+    QStringLiteral("[Tables of this page that would take too long to lay out stand as paragraphs.]");
 const QString DataAddress = QStringLiteral("data:image/");
 const QString Encoding = QStringLiteral(";base64,");
 
@@ -47,6 +48,13 @@ bool IsWritten(const QString& element)
          "tt",  "mark", "abbr",     "bdi",        "bdo",       "q",     "time",    "nobr",   "img",    "br",   "hr",
          "wbr", "col",  "colgroup", "blockquote", "figcaption"});
     return written.contains(element);
+}
+
+bool IsOfTable(const QString& element)
+{
+    static const QSet<QString> parts =
+        Names({"caption", "colgroup", "col", "thead", "tbody", "tfoot", "tr", "td", "th"});
+    return parts.contains(element);
 }
 
 bool IsEmptyElement(const QString& element)
@@ -129,7 +137,9 @@ public:
     }
     void Write(const GumboNode* root)
     {
-        Stack_.append({root, 0, QString()});
+        TableBudget tables(root);
+        Tables_ = &tables;
+        Stack_.append({root, 0, 0, QString()});
         while (!Stack_.isEmpty()) {
             Frame& top = Stack_.last();
             const GumboVector& children =
@@ -141,6 +151,8 @@ public:
             }
             WriteChild(static_cast<const GumboNode*>(children.data[top.NextChild++]));
         }
+        if (Document_->FlatTables > 0)
+            Body_ += QStringLiteral("<p>") + FlatTablesWords + QStringLiteral("</p>");
     }
     QString Page() const
     {
@@ -161,7 +173,10 @@ private:
     {
         const GumboNode* Node;
         unsigned NextChild;
+        int Tables; ///< Around its content.
         QString EndTag;
+        /// Its rows and cells are paragraphs.
+        bool IsFlat = false;
     };
 
     /// A piece ends behind a word, where there are words.
@@ -219,16 +234,38 @@ private:
             Body_ += EscapedText(Attribute(node, "alt"));
             return;
         }
+        if (name == u"table")
+            return WriteTable(node);
+        if (Stack_.last().IsFlat && IsOfTable(name))
+            return WriteFlat(node, name);
         if (IsWritten(name)) {
             Body_ += u'<' + name + Attributes(node, name) + u'>';
             if (!IsEmptyElement(name))
-                Stack_.append({node, 0, QStringLiteral("</%1>").arg(name)});
+                Stack_.append({node, 0, Stack_.last().Tables, QStringLiteral("</%1>").arg(name)});
             return;
         }
         if (!IsGoneWithContent(name))
             GoThrough(node);
     }
-    void GoThrough(const GumboNode* node) { Stack_.append({node, 0, QString()}); }
+    void GoThrough(const GumboNode* node) { Stack_.append({node, 0, Stack_.last().Tables, QString()}); }
+    void WriteTable(const GumboNode* node)
+    {
+        const int tables = Stack_.last().Tables;
+        if (Tables_->Affords(node, tables)) {
+            Body_ += QStringLiteral("<table") + Attributes(node, QStringLiteral("table")) + u'>';
+            return Stack_.append({node, 0, tables + 1, QStringLiteral("</table>")});
+        }
+        ++Document_->FlatTables;
+        Stack_.append({node, 0, tables, QString(), true});
+    }
+    /// A part of a table that is none: its cells are blocks.
+    void WriteFlat(const GumboNode* node, const QString& name)
+    {
+        const bool isBlock = name == u"td" || name == u"th" || name == u"caption";
+        if (isBlock)
+            Body_ += QStringLiteral("<div>");
+        Stack_.append({node, 0, Stack_.last().Tables, isBlock ? QStringLiteral("</div>") : QString(), !isBlock});
+    }
     void TakeStyle(const GumboNode* node)
     {
         const QString sheet = TextIn(node);
@@ -297,6 +334,7 @@ private:
     }
 
     SafeDocument* Document_;
+    TableBudget* Tables_ = nullptr;
     QVector<Frame> Stack_;
     QString Title_;
     QString Sheet_;
@@ -306,7 +344,7 @@ private:
 
 bool WriteTree(const QString& html, SafeDocument* document)
 {
-    const HtmlTree tree(html.toUtf8());
+    const HtmlTree tree(html.toUtf8(), TagScanner::PatienceWith(html));
     if (tree.Root() == nullptr)
         return false;
     DocumentWriter writer(document);
@@ -320,7 +358,7 @@ bool WriteTree(const QString& html, SafeDocument* document)
 SafeDocument MakeDocumentSafe(const QString& html)
 {
     SafeDocument document;
-    if (TagScanner::Depth(html) <= DeepestPage && WriteTree(html, &document))
+    if (WriteTree(html, &document))
         return document;
     SafeDocument textOnly;
     textOnly.IsTextOnly = true;

@@ -6,12 +6,9 @@
 
 namespace
 {
-/// Far more than people and their programs write; the parser's time grows with the square of it.
-constexpr qsizetype DeepestPage = 1000;
-
 bool WriteTree(const QString& html, const SafeHtmlOptions& options, SafePage* page)
 {
-    const HtmlTree tree(html.toUtf8());
+    const HtmlTree tree(html.toUtf8(), TagScanner::PatienceWith(html));
     if (tree.Root() == nullptr)
         return false;
     PageWriter(options, page).Write(tree.Root());
@@ -22,7 +19,7 @@ bool WriteTree(const QString& html, const SafeHtmlOptions& options, SafePage* pa
 SafePage MakeSafe(const QString& html, const SafeHtmlOptions& options)
 {
     SafePage page;
-    if (TagScanner::Depth(html) <= DeepestPage && WriteTree(html, options, &page))
+    if (WriteTree(html, options, &page))
         return page;
     // The text has no tags left, so that parsing it resolves its entities and no more.
     const QString text = QStringLiteral("<div style=\"white-space: pre-wrap\">") + TagScanner::TextOf(html);

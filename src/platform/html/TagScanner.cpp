@@ -31,6 +31,23 @@ qsizetype EndOfTag(const QString& html, qsizetype begin)
     return html.size();
 }
 
+/// A comment is empty where its ">" follows at once, and "--!>" ends it too.
+qsizetype EndOfComment(const QString& html, qsizetype begin)
+{
+    const QStringView rest = QStringView(html).sliced(begin + 4);
+    for (const QStringView empty : {QStringView(u">"), QStringView(u"->")}) {
+        if (rest.startsWith(empty))
+            return begin + 4 + empty.size();
+    }
+    for (qsizetype dashes = html.indexOf(QLatin1String("--"), begin + 4); dashes >= 0;
+         dashes = html.indexOf(QLatin1String("--"), dashes + 1)) {
+        const QStringView end = QStringView(html).sliced(dashes + 2);
+        if (end.startsWith(u'>') || end.startsWith(u"!>"))
+            return dashes + (end.front() == u'>' ? 3 : 4);
+    }
+    return html.size();
+}
+
 bool IsRawText(const QString& name)
 {
     static const QSet<QString> names{QStringLiteral("script"), QStringLiteral("style"), QStringLiteral("title")};
@@ -46,8 +63,7 @@ void ForEachTag(const QString& html, const std::function<void(const Tag&)>& visi
         const QChar next = html.at(position + 1);
         tag.IsEnd = next == u'/';
         if (html.mid(position, 4) == QLatin1String("<!--")) {
-            const qsizetype end = html.indexOf(QLatin1String("-->"), position + 4);
-            tag.End = end < 0 ? html.size() : end + 3;
+            tag.End = EndOfComment(html, position);
         } else if (next.isLetter() || tag.IsEnd || next == u'!' || next == u'?') {
             constexpr qsizetype LongestName = 32;
             for (qsizetype i = position + (tag.IsEnd ? 2 : 1);
@@ -97,8 +113,10 @@ bool BeginsLine(const QString& name)
 }
 } // namespace
 
-qsizetype TagScanner::Depth(const QString& html)
+HtmlPatience TagScanner::PatienceWith(const QString& html)
 {
+    if (html.size() <= HtmlTree::DeepestPage || html.count(u'<') <= HtmlTree::DeepestPage)
+        return HtmlPatience::Usual;
     QHash<QString, qsizetype> open;
     qsizetype depth = 0;
     qsizetype deepest = 0;
@@ -111,7 +129,7 @@ qsizetype TagScanner::Depth(const QString& html)
         depth += change;
         deepest = std::max(deepest, depth);
     });
-    return deepest;
+    return deepest > HtmlTree::DeepestPage ? HtmlPatience::Little : HtmlPatience::Usual;
 }
 
 QString TagScanner::TextOf(const QString& html)

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "platform/html/HtmlTree.h"
+
 #include <QString>
 
 /// A rough and quick look at a page without making a tree of it, in time proportional to its length.
 namespace TagScanner
 {
-/// How deep elements nest at most, counting only elements whose end tags may not be left out.
-qsizetype Depth(const QString& html);
+/// How long the page may be parsed: little for one whose tags nest deeper than a tree may be. It is a guess, which
+/// saves time and decides nothing else.
+HtmlPatience PatienceWith(const QString& html);
 /// The page's text without tags, comments, scripts and style sheets; entities stay as they are. Line ends stand where
 /// blocks begin.
 QString TextOf(const QString& html);

@@ -384,6 +384,26 @@ DecodedText TextOf(QByteArrayView octets, const BodyPart& part)
     return Decode(DecodedContent(octets, part), part.CharacterSet);
 }
 
+void ReadBody(QByteArrayView octets, const BodyPart& part, const std::function<bool(const QString& piece)>& take)
+{
+    // Carriage returns at a piece's end belong to the line feed that the next one may begin with.
+    QString held;
+    const auto takePiece = [&](const QString& piece) {
+        QString text = held + piece;
+        qsizetype end = text.size();
+        while (end > 0 && text.at(end - 1) == u'\r')
+            --end;
+        held = text.sliced(end);
+        text.truncate(end);
+        return take(WithPlainLineEnds(text));
+    };
+    const bool isEncoded = UsesFilter(part.Encoding) || part.Encoding == GMIME_CONTENT_ENCODING_BASE64;
+    const bool wasTaken = isEncoded ? DecodeInPieces(DecodedContent(octets, part), part.CharacterSet, takePiece)
+                                    : DecodeInPieces(EncodedContent(octets, part), part.CharacterSet, takePiece);
+    if (wasTaken && !held.isEmpty())
+        take(held);
+}
+
 qint64 DecodedSize(QByteArrayView octets, const BodyPart& part)
 {
     const QByteArrayView encoded = EncodedContent(octets, part);

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace cdo
 {
 
@@ -89,6 +91,8 @@ qsizetype FindBoundaryLine(QByteArrayView octets, qsizetype begin, const QList<Q
 QByteArray DecodedContent(QByteArrayView octets, const BodyPart& part);
 /// The same as text, with its line ends as they are.
 DecodedText TextOf(QByteArrayView octets, const BodyPart& part);
+/// The same with "\n" as line ends, piece by piece; false from take ends the reading.
+void ReadBody(QByteArrayView octets, const BodyPart& part, const std::function<bool(const QString& piece)>& take);
 qint64 DecodedSize(QByteArrayView octets, const BodyPart& part);
 
 } // namespace cdo

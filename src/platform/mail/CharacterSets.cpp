@@ -17,6 +17,7 @@ namespace
 constexpr auto Utf8 = "utf-8";
 constexpr auto Ascii = "us-ascii";
 constexpr auto Windows1252 = "windows-1252";
+constexpr qsizetype PieceOctets = 65536;
 constexpr auto NativeUtf16 = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE";
 
 class Converter
@@ -38,31 +39,42 @@ public:
     // iconv_open's failure is the pointer value -1.
     bool IsValid() const { return reinterpret_cast<qintptr>(Handle_) != -1; }
 
-    /// Converts until the input is used up (true) or something in it cannot be converted (false); input moves along.
-    bool Convert(QByteArrayView* input, QByteArray* output)
+    enum class End
+    {
+        Whole,       ///< The input is used up,
+        Unreadable,  ///< something in it cannot be converted,
+        Interrupted, ///< or take said so.
+    };
+    using Take = std::function<bool(QByteArrayView piece)>;
+
+    /// Converts in pieces of whole characters; input moves along.
+    End Convert(QByteArrayView* input, const Take& take)
     {
         std::array<char, 16384> piece;
         char* in = const_cast<char*>(input->data());
         size_t inLeft = static_cast<size_t>(input->size());
-        bool isWhole = true;
+        End end = End::Whole;
         for (bool isFlushing = inLeft == 0;;) {
             char* out = piece.data();
             size_t outLeft = piece.size();
             const size_t result = isFlushing ? iconv(Handle_, nullptr, nullptr, &out, &outLeft)
                                              : iconv(Handle_, &in, &inLeft, &out, &outLeft);
             const int error = errno;
-            output->append(piece.data(), out - piece.data());
+            if (out != piece.data() && !take(QByteArrayView(piece.data(), out - piece.data()))) {
+                end = End::Interrupted;
+                break;
+            }
             if (result != static_cast<size_t>(-1)) {
                 if (isFlushing)
                     break;
                 isFlushing = true;
             } else if (error != E2BIG) {
-                isWhole = false;
+                end = End::Unreadable;
                 break;
             }
         }
         *input = input->last(static_cast<qsizetype>(inLeft));
-        return isWhole;
+        return end;
     }
 
 private:
@@ -129,19 +141,36 @@ QString Shown(QString text)
     return text;
 }
 
-/// Reads all of it, with U+FFFD for what cannot be read; isWhole says whether there was any such thing.
-QString Converted(QByteArrayView octets, const QByteArray& name, bool* isWhole)
+/// Reads all of it, with U+FFFD for what cannot be read; isWhole says whether there was no such thing. False when take
+/// said so.
+bool ConvertAll(QByteArrayView octets, const QByteArray& name, bool* isWhole,
+                const std::function<bool(QStringView)>& take)
 {
     Converter converter(NativeUtf16, name.constData());
     const QChar replacement(QChar::ReplacementCharacter);
-    QByteArray units;
+    const auto takeUnits = [&take](QByteArrayView piece) {
+        return take({reinterpret_cast<const QChar*>(piece.data()), piece.size() / qsizetype(sizeof(QChar))});
+    };
     *isWhole = true;
-    while (!converter.Convert(&octets, &units)) {
+    for (;;) {
+        const Converter::End end = converter.Convert(&octets, takeUnits);
+        if (end != Converter::End::Unreadable)
+            return end == Converter::End::Whole;
         *isWhole = false;
-        units.append(reinterpret_cast<const char*>(&replacement), sizeof(replacement));
+        if (!take(QStringView(&replacement, 1)))
+            return false;
         octets = octets.sliced(qMin<qsizetype>(1, octets.size()));
     }
-    return QString(reinterpret_cast<const QChar*>(units.constData()), units.size() / qsizetype(sizeof(QChar)));
+}
+
+QString Converted(QByteArrayView octets, const QByteArray& name, bool* isWhole)
+{
+    QString text;
+    ConvertAll(octets, name, isWhole, [&text](QStringView piece) {
+        text += piece;
+        return true;
+    });
+    return text;
 }
 
 /// The set of octets whose sender said nothing to go by.
@@ -154,23 +183,55 @@ QByteArray GuessedSet(QByteArrayView octets, const QByteArray& name)
     return name == "iso-8859-1" && !HasControlsAbove7F(octets) ? name : QByteArray(Windows1252);
 }
 
-} // namespace
-
-DecodedText Decode(QByteArrayView octets, const QByteArray& declared)
+/// The set to read octets in that claim to be in another, or in none.
+QByteArray SetOf(QByteArrayView octets, const QByteArray& declared)
 {
     QByteArray name = ConverterName(declared);
     if (!IsKnown(name))
         name.clear();
-    if (name.isEmpty() || name == Ascii || name == Utf8 || name == "iso-8859-1" || name == Windows1252) {
-        name = GuessedSet(octets, name);
-        if (name == Utf8)
-            return {Shown(QString::fromUtf8(octets)), name};
-    }
+    const bool isGuessed =
+        name.isEmpty() || name == Ascii || name == Utf8 || name == "iso-8859-1" || name == Windows1252;
+    return isGuessed ? GuessedSet(octets, name) : name;
+}
+
+} // namespace
+
+DecodedText Decode(QByteArrayView octets, const QByteArray& declared)
+{
+    const QByteArray name = SetOf(octets, declared);
+    if (name == Utf8)
+        return {Shown(QString::fromUtf8(octets)), name};
     bool isWhole = false;
     const QString text = Converted(octets, name, &isWhole);
     if (!isWhole && octets.isValidUtf8())
         return {Shown(QString::fromUtf8(octets)), Utf8};
     return {Shown(text), name};
+}
+
+bool DecodeInPieces(QByteArrayView octets, const QByteArray& declared,
+                    const std::function<bool(const QString& piece)>& take)
+{
+    const QByteArray name = SetOf(octets, declared);
+    bool isUtf8 = name == Utf8;
+    if (!isUtf8 && name != Ascii && octets.isValidUtf8()) {
+        bool isWhole = false;
+        ConvertAll(octets, name, &isWhole, [](QStringView) { return true; });
+        isUtf8 = !isWhole;
+    }
+    if (!isUtf8) {
+        bool isWhole = false;
+        return ConvertAll(octets, name, &isWhole, [&take](QStringView piece) { return take(Shown(piece.toString())); });
+    }
+    while (!octets.isEmpty()) {
+        qsizetype length = qMin(octets.size(), PieceOctets);
+        // Never within a character, which has three further octets at most.
+        for (int i = 0; i < 3 && length < octets.size() && (static_cast<uchar>(octets[length]) & 0xC0) == 0x80; ++i)
+            --length;
+        if (!take(Shown(QString::fromUtf8(octets.first(length)))))
+            return false;
+        octets = octets.sliced(length);
+    }
+    return true;
 }
 
 std::optional<QByteArray> Encode(const QString& text, const QByteArray& characterSet)
@@ -182,7 +243,11 @@ std::optional<QByteArray> Encode(const QString& text, const QByteArray& characte
         return std::nullopt;
     QByteArrayView units(reinterpret_cast<const char*>(text.constData()), text.size() * qsizetype(sizeof(QChar)));
     QByteArray result;
-    if (!converter.Convert(&units, &result))
+    const auto append = [&result](QByteArrayView piece) {
+        result.append(piece);
+        return true;
+    };
+    if (converter.Convert(&units, append) != Converter::End::Whole)
         return std::nullopt;
     return result;
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace cdo
@@ -20,6 +21,10 @@ struct DecodedText
 /// cannot read but that are valid UTF-8 are UTF-8, and else each unreadable octet becomes U+FFFD. So does U+0000,
 /// which would cut the text short elsewhere.
 DecodedText Decode(QByteArrayView octets, const QByteArray& declared);
+
+/// The same text, piece by piece, without room for more than a piece. False when take said so, which ends it.
+bool DecodeInPieces(QByteArrayView octets, const QByteArray& declared,
+                    const std::function<bool(const QString& piece)>& take);
 
 /// Text in a character set; nothing when the set is unknown or lacks a character.
 std::optional<QByteArray> Encode(const QString& text, const QByteArray& characterSet);

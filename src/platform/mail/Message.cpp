@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr QLatin1String PriorityField("urn:schemas:httpmail:priority");
+constexpr qsizetype LongestDate = 1000; // octets
 constexpr QLatin1String TimeZoneField("urn:schemas:calendar:timezoneid");
 
 } // namespace
@@ -121,7 +122,7 @@ void Message::SetHeader(const QByteArray& name, const QString& text)
 
 QDateTime Message::SentOn() const
 {
-    return DecodeDate(Content_->Header().Value(Content_->Octets(), "Date"));
+    return DecodeDate(Content_->Header().Value(Content_->Octets(), "Date").left(LongestDate));
 }
 
 QDateTime Message::ReceivedTime() const
@@ -130,7 +131,8 @@ QDateTime Message::ReceivedTime() const
     for (const HeaderField& field : Content_->Header().Fields()) {
         if (HeaderBlock::Name(octets, field).compare("Received", Qt::CaseInsensitive) != 0)
             continue;
-        const QDateTime date = DecodeReceivedDate(HeaderBlock::Value(octets, field));
+        // The date stands at its end.
+        const QDateTime date = DecodeReceivedDate(HeaderBlock::Value(octets, field).right(LongestDate));
         if (date.isValid())
             return date;
     }

@@ -130,6 +130,9 @@ QStringList FlexGridDelegate::Lines(const QString& text, const QFont& font, int 
     const QFontMetrics metrics(font);
     QString broken = text;
     broken.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    // To the painter these end a line, of which a row has no more than its own.
+    for (const char16_t lineEnd : {u'\v', u'\f', u'\u0085', u'\u2028', u'\u2029'})
+        broken.replace(QChar(lineEnd), u' ');
     if (!wrap)
         return {metrics.elidedText(broken.replace(QLatin1Char('\n'), QLatin1Char(' ')), Qt::ElideRight, width)};
     const int most = std::max(1, height / metrics.lineSpacing());

@@ -7,13 +7,20 @@
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
 #include <QHash>
+#include <QLocale>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextFrame>
 #include <QTextObjectInterface>
 #include <QTextTable>
 #include <QThread>
 #include <QUrl>
+
+#ifndef Q_OS_WIN
+#include <ctime>
+#endif
 
 namespace
 {
@@ -25,6 +32,7 @@ constexpr double NumberPoints = 8;
 constexpr double PointsPerInch = 72;
 /// The smallest that a page too wide for its paper gets; the rest would not be read.
 constexpr double LargestShrink = 2.5;
+constexpr qsizetype LongestParagraph = 20'000;
 constexpr qint64 MostPixelsOnPage = 8 * PictureReader::MostPixels;
 
 QSizeF Printable(const PaperSetup& setup)
@@ -102,12 +110,39 @@ private:
     qint64 Pixels_ = 0;
 };
 
+/// What is left of a layout's time.
+class PrintedPages::Budget
+{
+public:
+    explicit Budget(const LayoutLimits& limits) : Limits_(limits), Begin_(ProcessorTime()) {}
+
+    bool IsWanted() const { return !Limits_.IsWanted || Limits_.IsWanted(); }
+    bool IsUsedUp() const { return ProcessorTime() - Begin_ > Limits_.Budget; }
+
+private:
+    /// Of this thread, so that a busy computer does not shorten what is printed.
+    static std::chrono::nanoseconds ProcessorTime()
+    {
+#ifdef Q_OS_WIN
+        return std::chrono::steady_clock::now().time_since_epoch();
+#else
+        timespec time = {};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+#endif
+    }
+
+    const LayoutLimits& Limits_;
+    std::chrono::nanoseconds Begin_;
+};
+
 namespace
 {
 /// Tables of fixed widths that are too wide share the width that there is.
-void FitTables(QTextDocument& document)
+void FitTables(QTextDocument& document, double available)
 {
-    const double available = document.pageSize().width();
+    QTextCursor edit(&document);
+    edit.beginEditBlock();
     QList<QTextFrame*> frames{document.rootFrame()};
     while (!frames.isEmpty()) {
         QTextFrame* frame = frames.takeLast();
@@ -119,10 +154,34 @@ void FitTables(QTextDocument& document)
         if (format != table->format())
             table->setFormat(format);
     }
+    edit.endEditBlock();
+}
+
+/// A paragraph is laid out in one step, so that one of megabytes is made several, which end behind a word.
+void DivideParagraphs(QTextDocument& document)
+{
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.length() <= LongestParagraph)
+            continue;
+        const QString text = block.text().left(LongestParagraph);
+        const qsizetype blank = text.lastIndexOf(u' ');
+        qsizetype end = blank > LongestParagraph / 2 ? blank + 1 : LongestParagraph;
+        end -= text.at(end - 1).isHighSurrogate() ? 1 : 0;
+        QTextCursor cursor(block);
+        QTextBlockFormat format = block.blockFormat();
+        const double below = format.bottomMargin();
+        format.setBottomMargin(0);
+        cursor.setBlockFormat(format);
+        cursor.setPosition(block.position() + static_cast<int>(end));
+        format.setTopMargin(0);
+        format.setBottomMargin(below);
+        format.setTextIndent(0);
+        cursor.insertBlock(format);
+    }
 }
 } // namespace
 
-PrintedPages::PrintedPages(const SafeDocument& page, const PaperSetup& setup)
+PrintedPages::PrintedPages(const SafeDocument& page, const PaperSetup& setup, const LayoutLimits& limits)
     : Setup_(setup), Device_(1, 1, QImage::Format_RGB32), Document_(std::make_unique<Document>())
 {
     Device_.setDotsPerMeterX(qRound(DotsPerMillimetre * 1000));
@@ -136,21 +195,59 @@ PrintedPages::PrintedPages(const SafeDocument& page, const PaperSetup& setup)
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     Document_->setDefaultTextOption(option);
     Document_->setDefaultStyleSheet(QStringLiteral("a { color: #000000; text-decoration: underline; }"));
-    Document_->setPageSize(Printable(setup));
+    Budget budget(limits);
+    // Each change would be laid out by itself.
+    Document_->setLayoutEnabled(false);
     Document_->setHtml(page.Html);
-    LayOut();
+    FitTables(*Document_, Printable(setup).width());
+    DivideParagraphs(*Document_);
+    Document_->setLayoutEnabled(true);
+    if (!LayOut(budget, Printable(setup)))
+        return;
+    const double width = Document_->documentLayout()->documentSize().width();
+    Shrink_ = std::clamp(width / Document_->pageSize().width(), 1.0, LargestShrink);
+    if (Shrink_ > 1 && !LayOut(budget, Printable(setup) * Shrink_))
+        return;
+    PageCount_ = std::max(Document_->pageCount(), 1);
 }
 
 PrintedPages::~PrintedPages() = default;
 
-void PrintedPages::LayOut()
+/// Step by step, a paragraph or an outermost table each. False when it is not wanted any more.
+bool PrintedPages::LayOut(Budget& budget, const QSizeF& size)
 {
-    FitTables(*Document_);
-    const double width = Document_->documentLayout()->documentSize().width();
-    Shrink_ = std::clamp(width / Document_->pageSize().width(), 1.0, LargestShrink);
-    if (Shrink_ > 1)
-        Document_->setPageSize(Printable(Setup_) * Shrink_);
-    PageCount_ = std::max(Document_->pageCount(), 1);
+    Document_->setPageSize(size);
+    const QAbstractTextDocumentLayout* layout = Document_->documentLayout();
+    for (auto place = Document_->rootFrame()->begin(); !place.atEnd(); ++place) {
+        const QTextFrame* frame = place.currentFrame();
+        const QTextBlock last = frame != nullptr ? Document_->findBlock(frame->lastPosition()) : place.currentBlock();
+        // Whoever asks where a paragraph is has everything up to it laid out.
+        static_cast<void>(layout->blockBoundingRect(last));
+        if (!budget.IsWanted())
+            return false;
+        if (budget.IsUsedUp()) {
+            LeaveOutBehind(frame != nullptr ? frame->lastPosition() + 1 : last.position() + last.length() - 1);
+            break;
+        }
+    }
+    return true;
+}
+
+void PrintedPages::LeaveOutBehind(int position)
+{
+    const int end = Document_->characterCount() - 1;
+    if (position >= end)
+        return;
+    LeftOut_ = end - position;
+    QTextCursor cursor(Document_.get());
+    cursor.beginEditBlock();
+    cursor.setPosition(position);
+    cursor.setPosition(end, QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    cursor.insertBlock(QTextBlockFormat(), QTextCharFormat());
+    cursor.insertText(QStringLiteral("[The page goes on for %1 characters, which would take too long to lay out.]")
+                          .arg(QLocale().toString(LeftOut_)));
+    cursor.endEditBlock();
 }
 
 void PrintedPages::MoveTo(QThread* thread)

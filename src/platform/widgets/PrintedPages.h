@@ -7,6 +7,7 @@
 #include <QSizeF>
 #include <QTextDocument>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -28,16 +29,25 @@ struct PaperSetup
     bool operator==(const PaperSetup&) const = default;
 };
 
+/// How long a layout may take.
+struct LayoutLimits
+{
+    /// Of the thread's processor time; what is not laid out then is left out of the pages, and their last line says so.
+    std::chrono::milliseconds Budget = std::chrono::seconds(30);
+    /// Asked between the steps; false from it ends the layout, whose pages are then of no use.
+    std::function<bool()> IsWanted;
+};
+
 /// A page laid out on paper: the same pages on a screen, in a PDF file and on a printer. It loads nothing; pictures are
 /// those within the page. What is wider than the paper is made narrower. Black on white, whatever the desktop's theme
 /// is.
 ///
-/// Laying out takes its time with the length of the page; it may be made in a thread of its own and then be moved to
-/// the one that shows it.
+/// Laying out takes its time with the length of the page, up to a budget; it may be made in a thread of its own and
+/// then be moved to the one that shows it.
 class PrintedPages
 {
 public:
-    PrintedPages(const SafeDocument& page, const PaperSetup& setup);
+    PrintedPages(const SafeDocument& page, const PaperSetup& setup, const LayoutLimits& limits = {});
     ~PrintedPages();
     PrintedPages(const PrintedPages&) = delete;
     PrintedPages& operator=(const PrintedPages&) = delete;
@@ -47,6 +57,8 @@ public:
 
     const PaperSetup& Setup() const { return Setup_; }
     QString Title() const;
+    /// How many characters of the page did not get onto paper within the budget.
+    qsizetype LeftOut() const { return LeftOut_; }
     /// At least 1.
     int PageCount() const { return PageCount_; }
     /// Draws one page, 0 for the first, with the paper's corner at the painter's origin. Paints no ground.
@@ -65,13 +77,16 @@ public:
 
 private:
     class Document;
+    class Budget;
 
-    void LayOut();
+    bool LayOut(Budget& budget, const QSizeF& size);
+    void LeaveOutBehind(int position);
 
     PaperSetup Setup_;
     /// Gives the layout a resolution of its own.
     QImage Device_;
     std::unique_ptr<Document> Document_;
     double Shrink_ = 1;
+    qsizetype LeftOut_ = 0;
     int PageCount_ = 1;
 };

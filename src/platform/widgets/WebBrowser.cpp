@@ -113,12 +113,18 @@ void WebBrowser::Show(Body body, const QString& content)
 {
     Body_ = body;
     Content_ = content;
+    Whole_ = std::exchange(NextWhole_, nullptr);
     ShowsSource_ = false;
     ShowsAll_ = false;
     PrefersDark_ = false;
     Refresh();
     View_->verticalScrollBar()->setValue(0);
     Q_EMIT LinkHovered(QString());
+}
+
+void WebBrowser::SetWhole(std::function<QString()> whole)
+{
+    NextWhole_ = std::move(whole);
 }
 
 void WebBrowser::SetContentLoader(ContentLoader loader)
@@ -135,6 +141,8 @@ void WebBrowser::Refresh()
 {
     ShownPalette_ = palette();
     ShownFont_ = font();
+    if (ShowsAll_ && Whole_)
+        Content_ = std::exchange(Whole_, nullptr)();
     if (Body_ == Body::Html && !ShowsSource_)
         ShowSafePage();
     else
@@ -161,7 +169,7 @@ void WebBrowser::ShowSafePage()
     QFont pageFont = font();
     pageFont.setPointSizeF(HtmlPoints * options.Scale);
     View_->ShowPage(page.Html, pageFont, IsOnLightGround() ? LightPalette() : palette());
-    ShowNotice(Withheld(page), page.IsCutShort);
+    ShowNotice(Withheld(page), page.IsCutShort || Whole_);
 }
 
 void WebBrowser::ShowPlainBody()
@@ -174,7 +182,7 @@ void WebBrowser::ShowPlainBody()
         length = Content_.at(FirstPart - 1).isHighSurrogate() ? FirstPart - 1 : FirstPart;
     View_->SetPictureSource({});
     View_->ShowPlain(Content_.left(length), textFont, palette());
-    ShowNotice({}, length < Content_.size());
+    ShowNotice({}, length < Content_.size() || Whole_);
 }
 
 QStringList WebBrowser::Withheld(const SafePage& page) const
@@ -201,8 +209,8 @@ void WebBrowser::ShowNotice(const QStringList& sentences, bool isCutShort)
     const bool offersAll = isCutShort && !ShowsAll_;
     QStringList all = sentences;
     if (offersAll)
-        all.prepend(
-            QStringLiteral("This message is very long (%1); the beginning is shown.").arg(SizeText(Content_.size())));
+        all.prepend(QStringLiteral("This message is very long (%1%2); the beginning is shown.")
+                        .arg(Whole_ ? QStringLiteral("more than ") : QString(), SizeText(Content_.size())));
     NoticeText_->setText(all.join(u' '));
     ShowAllButton_->setVisible(offersAll);
     GroundButton_->setVisible(isHtml && !ShowsSource_ && IsThemeDark());

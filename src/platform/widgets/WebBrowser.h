@@ -32,6 +32,8 @@ public:
     void ClearPage();
     void ShowHTML(const QString& html);
     void ShowText(const QString& text);
+    /// The next page shown is the beginning of one that this gives, when the user asks for all of it.
+    void SetWhole(std::function<QString()> whole);
     /// For the pages shown from now on. Without it, or with an empty one, no pictures of the message show.
     void SetContentLoader(ContentLoader loader);
 
@@ -78,6 +80,8 @@ private:
 
     Body Body_ = Body::Nothing;
     QString Content_;
+    std::function<QString()> NextWhole_;
+    std::function<QString()> Whole_; ///< Empty when Content_ is all.
     ContentLoader Loader_;
     QList<QByteArray> EmbeddedPictures_;
     bool ShowsSource_ = false;

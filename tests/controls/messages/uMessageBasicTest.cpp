@@ -7,11 +7,14 @@
 #include "platform/widgets/WebBrowser.h"
 #include "support/ScriptedRegistry.h"
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QTest>
 #include <QTextBrowser>
 
 #include <gtest/gtest.h>
+
+#include <ctime>
 
 namespace
 {
@@ -318,4 +321,35 @@ TEST_F(uMessageBasicTest, ThePropertiesAreThoseOfAForm)
         EXPECT_GE(View.metaObject()->indexOfProperty(name), 0) << name;
     EXPECT_TRUE(View.setProperty("BackColour", 255));
     EXPECT_EQ(View.BackColour(), 255);
+}
+
+TEST_F(uMessageBasicTest, AMailOfFiftyMegabytesInItsSubjectOrTextShowsAtOnceAndWholeWhenAsked)
+{
+    const QByteArray words = QByteArray("some words ").repeated(50'000'000 / 11);
+    const cMessagePtr subject = MessageOf("From: " + words + "\r\nSubject: " + words + "\r\n\r\nthe text\r\n");
+    const cMessagePtr text = MessageOf("From: a@b.org\r\nSubject: Hi\r\n\r\n" + words + "\r\n");
+    const auto seconds = [this](const cMessagePtr& message) {
+        const std::clock_t begin = std::clock();
+        View.SetMessage(message);
+        QCoreApplication::processEvents();
+        View.grab();
+        return double(std::clock() - begin) / CLOCKS_PER_SEC;
+    };
+    seconds(MessageOf(OnlyText)); // what the first page costs besides
+    EXPECT_LT(seconds(subject), 1.0);
+    EXPECT_LE(View.findChild<QLabel*>(QStringLiteral("lblSubject"))->text().size(), 10'000);
+    EXPECT_LT(seconds(text), 2.0);
+    const auto* notice = View.findChild<QLabel*>(QStringLiteral("lblNotice"));
+    EXPECT_TRUE(notice->text().contains(QStringLiteral("very long (more than"))) << notice->text().toStdString();
+}
+
+TEST_F(uMessageBasicTest, ABodyThatIsShownInPartShowsWhollyWhenAsked)
+{
+    const QByteArray words = QByteArray("words and words\r\n").repeated(1'200'000 / 17);
+    View.SetMessage(MessageOf("From: a@b.org\r\nSubject: Hi\r\n\r\n" + words + "the end\r\n"));
+    auto* showAll = View.findChild<QAbstractButton*>(QStringLiteral("cmdShowAll"));
+    ASSERT_TRUE(showAll->isVisible());
+    QTest::mouseClick(showAll, Qt::LeftButton);
+    EXPECT_TRUE(View.findChild<QTextBrowser*>()->toPlainText().trimmed().endsWith(QStringLiteral("the end")));
+    EXPECT_FALSE(showAll->isVisible());
 }

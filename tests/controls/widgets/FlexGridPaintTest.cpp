@@ -299,6 +299,13 @@ TEST_F(FlexGridPaintTest, OnAFineScreenCellsAreWholeAndSharp)
 TEST(FlexGridLinesTest, WithoutWrapATextIsOneLine)
 {
     const QFont font;
+    for (const char16_t lineEnd : {u'\v', u'\f', u'\u0085', u'\u2028', u'\u2029'}) {
+        for (const bool wraps : {false, true}) {
+            EXPECT_EQ(FlexGridDelegate::Lines(QStringLiteral("one") + QChar(lineEnd) + QStringLiteral("two"), font,
+                                              1000, 100, wraps),
+                      QStringList{QStringLiteral("one two")});
+        }
+    }
     EXPECT_EQ(FlexGridDelegate::Lines(QStringLiteral("one\r\ntwo\rthree"), font, 1000, 100, false),
               QStringList{QStringLiteral("one two three")});
 }

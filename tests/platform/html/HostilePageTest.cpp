@@ -122,6 +122,15 @@ TEST(HostilePageTest, DeepNestingShowsItsTextAndNeitherOverflowsNorHangs)
     }
 }
 
+TEST(HostilePageTest, DepthThatACommentHidesFromALookAtTheTagsIsBoundedByTheTree)
+{
+    for (const char* tag : {"<div>", "<b>", "<table><tr><td>", "<ruby><rt>", "<svg>", "<template>", "<rt>"}) {
+        const SafePage page = MadeInTime(QStringLiteral("<!-->") + Times(tag, 3000) + QStringLiteral("the end"));
+        EXPECT_TRUE(page.IsTextOnly) << tag;
+        EXPECT_TRUE(PageChecker::TextOf(page.Html).contains(QStringLiteral("the end"))) << tag;
+    }
+}
+
 TEST(HostilePageTest, NestingThatThePaneCannotTakeIsFlattenedAndKeepsItsText)
 {
     const QString html = Times("<table><tr><td>", 300) + QStringLiteral("the end");

@@ -283,6 +283,44 @@ TEST(SafeDocumentTest, APageBuiltToBeTooMuchIsItsText)
     EXPECT_TRUE(document.Html.contains(QStringLiteral("Content-Security-Policy")));
 }
 
+TEST(SafeDocumentTest, DepthThatTheTagsHideIsFoundInTheTree)
+{
+    // For HTML "<!-->" is a whole comment; for who looks for its end the page's tags are all within it.
+    for (const char* hiding : {"<!-->", "<!--->", "<!-- --!>", ""}) {
+        const SafeDocument document = MakeDocumentSafe(
+            QLatin1String(hiding) + QStringLiteral("<table><tr><td>").repeated(3000) + QStringLiteral("the end"));
+        EXPECT_TRUE(document.IsTextOnly) << hiding;
+        EXPECT_EQ(document.Html.count(QStringLiteral("<table")), 0) << hiding;
+        EXPECT_TRUE(document.Html.contains(QStringLiteral("the end"))) << hiding;
+    }
+}
+
+TEST(SafeDocumentTest, ManyTagsThatDoNotNestMakeNoPageDeep)
+{
+    // A link ends the one before it, and so does a button.
+    for (const char* tag : {"<a href=\"https://example.org/\">x", "<button>x"}) {
+        const SafeDocument document = MakeDocumentSafe(QLatin1String(tag).toString().repeated(1500));
+        EXPECT_FALSE(document.IsTextOnly) << tag;
+    }
+}
+
+TEST(SafeDocumentTest, TablesThatWouldTakeTooLongToLayOutBecomeParagraphsAndALineSaysSo)
+{
+    const QString cell = QStringLiteral("<table><caption>title</caption><tr><td>some words");
+    const SafeDocument deep = MakeDocumentSafe(cell.repeated(20) + QStringLiteral("the end"));
+    EXPECT_FALSE(deep.IsTextOnly);
+    EXPECT_EQ(deep.FlatTables, 8);
+    EXPECT_EQ(deep.Html.count(QStringLiteral("<table")), 12);
+    EXPECT_EQ(deep.Html.count(QStringLiteral("some words")), 20);
+    EXPECT_EQ(deep.Html.count(QStringLiteral("title")), 20 + 1); // and the page's own element
+    EXPECT_TRUE(deep.Html.contains(QStringLiteral("stand as paragraphs.]")));
+    EXPECT_EQ(MakeDocumentSafe(deep.Html).FlatTables, 0);
+
+    const SafeDocument usual = MakeDocumentSafe(cell.repeated(6) + QStringLiteral("the end"));
+    EXPECT_EQ(usual.FlatTables, 0);
+    EXPECT_FALSE(usual.Html.contains(QStringLiteral("stand as paragraphs")));
+}
+
 TEST(SafeDocumentTest, MakingItSafeTwiceChangesNothing)
 {
     const QString once =

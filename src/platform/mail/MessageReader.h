@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/mail/Message.h"
+
+#include <functional>
+
+namespace cdo
+{
+
+/// Reads a message for who shows it, in bounded room and time: no header and no body is bounded, and decoding one whole
+/// takes many times its room. Shares the octets that the message had when this was made; parses on first need.
+class TOLVA_EXPORT MessageReader
+{
+public:
+    explicit MessageReader(const Message& message);
+    ~MessageReader();
+    MessageReader(const MessageReader&) = delete;
+    MessageReader& operator=(const MessageReader&) = delete;
+
+    /// The beginning of a header, decoded as Message has it; whole where it has no more characters than that.
+    QString Header(const QByteArray& name, qsizetype mostCharacters = 10'000) const;
+
+    /// The plain text body as Message has it, piece by piece; false when there is none.
+    bool ReadText(const std::function<void(const QString& piece)>& take);
+    /// The beginnings of the bodies; isWhole says whether there is no more.
+    QString TextBeginning(qsizetype mostCharacters, bool* isWhole);
+    QString HtmlBeginning(qsizetype mostCharacters, bool* isWhole);
+
+private:
+    class Parsed;
+    QString Beginning(int part, qsizetype mostCharacters, bool* isWhole);
+
+    std::unique_ptr<Parsed> Parsed_;
+};
+
+/// The beginning of one header.
+QString TOLVA_EXPORT HeaderBeginning(const Message& message, const QByteArray& name, qsizetype mostCharacters = 10'000);
+
+} // namespace cdo
