@@ -1,6 +1,7 @@
 // tolva-pdf: an HTML page as a PDF file. Nothing on the page runs and nothing is fetched for it. Needs no display.
 
 #include "Failure.h"
+#include "Terminal.h"
 #include "common/FileHelper.h"
 #include "platform/widgets/PrintedPages.h"
 
@@ -81,7 +82,7 @@ int Run(const QStringList& arguments)
     if (parser.isSet(help) || parser.isSet(version)) {
         const QString text = parser.isSet(help) ? parser.helpText()
                                                 : QStringLiteral("tolva-pdf %1\n").arg(QStringLiteral(TOLVA_VERSION));
-        std::fputs(text.toUtf8().constData(), stdout);
+        Terminal::Print(text);
         return exitOK;
     }
     if (parser.positionalArguments().size() != 1 || parser.value(output).isEmpty())
@@ -108,13 +109,15 @@ int main(int argc, char** argv)
 #endif
     const QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("tolva-pdf"));
+    Terminal::TakeMessagesOfQt();
     try {
-        return Run(QGuiApplication::arguments());
-    } catch (const Failure& failure) {
-        std::fputs(("tolva-pdf: " + failure.Words().toUtf8() + '\n').constData(), stderr);
+        const int code = Run(QGuiApplication::arguments());
+        if (!Terminal::Flush())
+            throw Failure(exitInputOutput, QStringLiteral("The output could not be written."));
+        return code;
+    } catch (...) {
+        const Failure failure = UnexpectedFailure();
+        Terminal::Complain(failure.Words());
         return failure.Code();
-    } catch (const std::bad_alloc&) {
-        std::fputs("tolva-pdf: There is not enough memory.\n", stderr);
-        return exitTemporary;
     }
 }

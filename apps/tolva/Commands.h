@@ -25,6 +25,7 @@ CommandDefinition BackupCommand();
 CommandDefinition BackupsCommand();
 CommandDefinition RestoreCommand();
 CommandDefinition CompactCommand();
+CommandDefinition RekeyCommand();
 
 /// In the order of the help page.
 std::vector<CommandDefinition> AllCommands();

@@ -6,8 +6,7 @@
 #include "MessageTable.h"
 #include "Station.h"
 #include "Terminal.h"
-
-#include <QJsonDocument>
+#include "common/GeneralHelper.h"
 
 namespace
 {
@@ -28,6 +27,12 @@ QString FindCondition(const QString& typed)
     QStringList conditions;
     for (const char* column : {"Subject", "FromKey", "ToKey", "CcKey"})
         conditions.append(QStringLiteral("[%1] LIKE %2").arg(QLatin1String(column), pattern));
+    // A whole number is found in all of its spellings.
+    const QString number = GeneralHelper::PhoneNumberKey(typed);
+    for (const char* column : {"FromKey", "ToKey", "CcKey"}) {
+        if (!number.isEmpty())
+            conditions.append(QStringLiteral("[%1] LIKE \"*|%2|*\"").arg(QLatin1String(column), number));
+    }
     return conditions.join(QStringLiteral(" OR "));
 }
 
@@ -60,7 +65,7 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
     const QString condition = ConditionOf(arguments, station);
     const QString order = OrderOf(arguments);
     try {
-        return station.Database().OpenMessageRows(MessageRowColumns() << MailColumn, condition, order);
+        return station.Database().OpenMessageRows(MessageRowColumns(), condition, order);
     } catch (const dao::Error& error) {
         const bool isOfCondition = error.Number() == dao::errSyntax || error.Number() == dao::errTooFewParameters ||
                                    error.Number() == dao::errTypeMismatch || error.Number() == dao::errTableNotFound;
@@ -73,6 +78,8 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
 /// The sender as the mail names it: "Postcard Pete", or the address where there is no name.
 QString SenderOf(dao::Recordset& rows, const MessageRow& row)
 {
+    if (row.IsSMS)
+        return row.From;
     const cdo::Message mail(rows[MailColumn].Octets());
     const QString from = mail.From().trimmed();
     QString name = from.left(from.indexOf(u'<')).trimmed();
@@ -100,7 +107,7 @@ void PrintJson(dao::Recordset& rows, const QHash<qint32, QString>& folders)
     for (; !rows.AtEOF(); rows.MoveNext()) {
         const MessageRow row = ReadMessageRow(rows);
         const QJsonObject object = ToJson(row, FolderPath(folders, row.Category));
-        Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(object);
     }
 }
 

@@ -10,7 +10,6 @@
 #include "common/ClockHelper.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QLocale>
 
 namespace
@@ -57,13 +56,12 @@ void PrintBody(const cdo::Message& mail, qint32 reference)
         const QString html = mail.HTMLBody();
         if (html.isEmpty())
             return;
-        Terminal::PrintLine(
-            QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
-                           "export FOLDER %1 FILE]\n")
-                .arg(reference));
+        Terminal::Print(QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
+                                       "export FOLDER %1 FILE]\n\n")
+                            .arg(reference));
         body = TextOfHtml(html);
     }
-    body = ManyLines(body);
+    body.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     Terminal::Print(body.endsWith(u'\n') ? body : body + u'\n');
 }
 
@@ -126,7 +124,7 @@ void PrintJson(Station& station, const cMessage& message)
         {QStringLiteral("html"), mail.HTMLBody()},
         {QStringLiteral("attachments"), JsonAttachments(mail)},
     };
-    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    Terminal::PrintJson(object);
 }
 
 int Run(const Arguments& arguments)

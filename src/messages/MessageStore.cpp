@@ -127,7 +127,8 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
     const QString title = isNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited");
 
     PendingError pending;
-    const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_, pending);
+    const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_,
+                                                 KeyCountry(message->MessageType()), pending);
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
         SetLastMessageChanged(ClockHelper::NowUTC());
@@ -150,7 +151,8 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
 cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCategories newCategory)
 {
     KeepLastError(PendingError());
-    if (Location().isEmpty() || reference <= 0 || !MessageCategories_->FindCategory(newCategory))
+    // The tree finds 0 too: its root, which is no folder.
+    if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !MessageCategories_->FindCategory(newCategory))
         return nullptr;
     cMessagePtr message = GetMessage(reference);
     return message && MayEditMessage(*message) ? message : nullptr;

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -25,6 +26,13 @@ bool MayBeMail(const QByteArray& octets)
         return true;
     return !begin.contains('\0');
 }
+
+QString WhyNotWritten(const QString& fileName)
+{
+    QSaveFile file(fileName);
+    return file.open(QIODevice::WriteOnly) ? QStringLiteral("the disk is full or reports an error.")
+                                           : file.errorString();
+}
 } // namespace
 
 void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
@@ -32,7 +40,9 @@ void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
     if (!message || fileName.isEmpty() || !FileHelper::FolderExists(FileHelper::FolderOf(fileName)))
         return;
     if (!FileHelper::ReplaceFile(fileName, message->CDOMessage()->Octets()))
-        throw dao::Error(dao::errCannotOpen, QStringLiteral("The file %1 could not be written.").arg(fileName));
+        // Not the number of a database that cannot be opened: that one's words are of the station.
+        throw dao::Error(dao::errDiskError,
+                         QStringLiteral("The file %1 could not be written: %2").arg(fileName, WhyNotWritten(fileName)));
 }
 
 cMessagePtr LoadMessageFromEml(const QString& fileName)

@@ -81,9 +81,9 @@ TEST_F(MessageFileTest, AFileThatCannotBeWrittenIsAnError)
         SaveMessageAsEml(Make(Odd()), Path(QStringLiteral("taken.eml")));
         FAIL() << "no error";
     } catch (const dao::Error& error) {
-        EXPECT_EQ(error.Number(), dao::errCannotOpen);
-        EXPECT_EQ(error.Description(),
-                  QStringLiteral("The file %1 could not be written.").arg(Path(QStringLiteral("taken.eml"))));
+        EXPECT_EQ(error.Number(), dao::errDiskError);
+        EXPECT_TRUE(error.Description().startsWith(
+            QStringLiteral("The file %1 could not be written: ").arg(Path(QStringLiteral("taken.eml")))));
     }
 }
 
