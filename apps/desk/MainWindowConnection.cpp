@@ -38,7 +38,8 @@ bool MainWindow::TakeRunTimeError(const dao::Error& error)
         Reply();
         return true;
     }
-    if (isOfList && error.Source().contains(QStringLiteral("timerUpdateList"))) {
+    if (isOfList && (error.Source().endsWith(QStringLiteral(".timerUpdateList")) ||
+                     error.Source().endsWith(QStringLiteral(".Category")))) {
         ShowConnectionProblem(error.Number());
         return true;
     }

@@ -154,25 +154,26 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
 {
     if (reference <= 0)
         return false;
-    const auto category = GetMessageCategory(reference);
-    if (!category || category->SubCategoryCount() >= 1)
-        return false;
-    const auto messages =
-        OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
-    if (messages->RecordCount() != 0)
-        return false;
-    const auto recordset = OpenCategories(*Database_);
-    recordset->Seek(dao::SeekComparison::Equal, {reference});
-    if (!recordset->NoMatch()) {
-        PendingError pending;
-        const bool deleted = pending.Try([&] { recordset->Delete(); });
-        KeepLastError(pending);
-        if (!deleted)
-            return false;
-    }
-    recordset->Close();
-    UpdateCategoryTree();
-    return true;
+    bool isGone = false;
+    PendingError pending;
+    pending.Try([&] {
+        const auto category = GetMessageCategory(reference);
+        if (!category || category->SubCategoryCount() >= 1)
+            return;
+        const auto messages =
+            OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
+        if (messages->RecordCount() != 0)
+            return;
+        const auto recordset = OpenCategories(*Database_);
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        if (!recordset->NoMatch())
+            recordset->Delete();
+        recordset->Close();
+        isGone = true;
+        UpdateCategoryTree();
+    });
+    KeepLastError(pending);
+    return isGone;
 }
 
 /// Makes sure that the row of a fixed folder is as it should be. One that is already so is not written: every computer

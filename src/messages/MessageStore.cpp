@@ -32,6 +32,14 @@ QString SubjectOf(const cMessagePtr& message)
 {
     return message->CDOMessage()->Subject();
 }
+
+/// The message for an operation that answers rather than throws; null with the error in pending when it cannot be read.
+cMessagePtr ReadFor(cTolvaDatabase& database, qint32 reference, PendingError& pending)
+{
+    cMessagePtr message;
+    pending.Try([&] { message = database.GetMessage(reference); });
+    return message;
+}
 } // namespace
 
 cMessagePtr cTolvaDatabase::GetMessage(qint32 reference)
@@ -154,7 +162,9 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
     // The tree finds 0 too: its root, which is no folder.
     if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !MessageCategories_->FindCategory(newCategory))
         return nullptr;
-    cMessagePtr message = GetMessage(reference);
+    PendingError pending;
+    cMessagePtr message = ReadFor(*this, reference, pending);
+    KeepLastError(pending);
     return message && MayEditMessage(*message) ? message : nullptr;
 }
 
@@ -222,7 +232,9 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     KeepLastError(PendingError());
     if (Location().isEmpty() || reference <= 0)
         return false;
-    const cMessagePtr message = GetMessage(reference);
+    PendingError pending;
+    const cMessagePtr message = ReadFor(*this, reference, pending);
+    KeepLastError(pending);
     if (!message || !MayEditMessage(*message))
         return false;
     const auto remove = [deletePermanently](dao::Recordset& row) {
@@ -234,7 +246,6 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
         row.SetCollect(QStringLiteral("Category"), tmcDeleted);
         row.Update();
     };
-    PendingError pending;
     if (!ChangeMessageRow(reference, remove, pending))
         return false;
     // 0 tells a list that the message is gone, 5 that it went to the bin.
@@ -250,7 +261,9 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
     KeepLastError(PendingError());
     if (Location().isEmpty() || reference <= 0)
         return false;
-    const cMessagePtr message = GetMessage(reference);
+    PendingError pending;
+    const cMessagePtr message = ReadFor(*this, reference, pending);
+    KeepLastError(pending);
     if (!message || !MayEditMessage(*message))
         return false;
     const auto change = [&](dao::Recordset& row) {
@@ -260,7 +273,6 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
         row.Update();
         message->SetFlags(flags);
     };
-    PendingError pending;
     if (!ChangeMessageRow(reference, change, pending))
         return false;
     const bool changed = pending.Number() == 0;
