@@ -1,5 +1,7 @@
 #include "DisplayText.h"
 
+#include "common/HarmlessText.h"
+
 #include <QList>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 
 namespace
 {
-constexpr char16_t Replacement = 0xFFFD;
 constexpr char16_t Ellipsis = 0x2026;
 constexpr char16_t FirstStrongIsolate = 0x2068;
 constexpr char16_t PopDirectionalIsolate = 0x2069;
@@ -52,12 +53,6 @@ bool IsWide(char32_t character)
     return range != std::begin(Wide) && character <= (range - 1)->Last;
 }
 
-/// Embeddings, overrides and isolates, which reach beyond the text they stand in.
-bool ChangesDirection(char32_t character)
-{
-    return (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-}
-
 bool IsSkinTone(char32_t character)
 {
     return character >= FirstSkinTone && character <= LastSkinTone;
@@ -87,37 +82,16 @@ int WidthOf(char32_t character)
         return IsWide(character) ? 2 : 1;
     }
 }
-
-template <typename Keep>
-QString Harmless(const QString& text, Keep keep)
-{
-    QString result;
-    result.reserve(text.size());
-    for (const char32_t character : text.toUcs4()) {
-        const QChar::Category category = QChar::category(character);
-        if (keep(character) || (category != QChar::Other_Control && category != QChar::Separator_Line &&
-                                category != QChar::Separator_Paragraph && !ChangesDirection(character)))
-            result.append(QString::fromUcs4(&character, 1));
-        else if (character == u'\n' || character == u'\t' || character == u'\r' || category == QChar::Separator_Line ||
-                 category == QChar::Separator_Paragraph)
-            result.append(u' ');
-        else if (!ChangesDirection(character))
-            result.append(QChar(Replacement));
-    }
-    return result;
-}
 } // namespace
 
 QString OneLine(const QString& text)
 {
-    return Harmless(text, [](char32_t) { return false; }).simplified();
+    return HarmlessText::Words(text);
 }
 
 QString ManyLines(const QString& text)
 {
-    QString lines = text;
-    lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    return Harmless(lines, [](char32_t character) { return character == u'\n' || character == u'\t'; });
+    return HarmlessText::Lines(text);
 }
 
 int DisplayWidth(QStringView text)

@@ -2,9 +2,7 @@
 
 #include <QString>
 
-/// Text that others wrote, made fit for a terminal: nothing in it can steer the terminal or change what stands around
-/// it. Control characters become U+FFFD; marks that change the direction of what follows go, those of single letters
-/// stay.
+/// Text that others wrote, made fit for a terminal as common/HarmlessText.h says.
 
 /// On one line: line ends and tabs become blanks.
 QString OneLine(const QString& text);

@@ -5,6 +5,8 @@
 
 #include <QFileInfo>
 
+#include <new>
+
 namespace
 {
 /// What keeps this account from writing a database file that is there: its files beside it are written as well. Empty
@@ -34,6 +36,30 @@ QString Hindrance(const QString& file)
     return {};
 }
 } // namespace
+
+Failure UnexpectedFailure()
+{
+    const auto failure = [](const QString& reason) {
+        return Failure(exitSoftware, QStringLiteral("Something went wrong that this program was not made for: %1. What "
+                                                    "was said to be done is done. Try again; if it happens again, "
+                                                    "report it with these words.")
+                                         .arg(reason));
+    };
+    try {
+        throw;
+    } catch (const Failure& known) {
+        return known;
+    } catch (const dao::Error& error) {
+        return FailureOf(QStringLiteral("The station"), QString(), error.Number(), error.Description());
+    } catch (const std::bad_alloc&) {
+        return Failure(exitTemporary,
+                       QStringLiteral("There is not enough memory. Close other programs and try again."));
+    } catch (const std::exception& error) {
+        return failure(QString::fromUtf8(error.what()));
+    } catch (...) {
+        return failure(QStringLiteral("an error without a name"));
+    }
+}
 
 ExitCode ExitCodeOf(int errorNumber)
 {

@@ -24,6 +24,10 @@ private:
     QByteArray What_;
 };
 
+/// What ended a program that nobody expected to end, within the handler of an exception: too little memory, or an error
+/// of the system or of the program itself, with its words.
+Failure UnexpectedFailure();
+
 /// The exit code for an error number of the record store.
 ExitCode ExitCodeOf(int errorNumber);
 

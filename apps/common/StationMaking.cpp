@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "StationPlace.h"
 #include "common/FileHelper.h"
+#include "common/GeneralHelper.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/EmbeddedDirectory.h"
 
@@ -42,13 +43,15 @@ void MakeDirectory(const QString& folder, const QString& user)
 }
 
 /// Makes the station's file whole in a folder where nobody looks for one.
-void MakeFile(const QString& folder, const QString& name, const QString& phoneNumber, UserInterface& under)
+void MakeFile(const QString& folder, const QString& name, const QString& phoneNumber, const QString& country,
+              UserInterface& under)
 {
     CollectingUserInterface userInterface(under);
     bool isStored = false;
     userInterface.SetSettingsDialog([&](cTolvaDatabase& database) {
         database.SetStationName(name);
         database.SetStationPhoneNumber(phoneNumber);
+        database.SetStationCountry(country.isEmpty() ? GeneralHelper::DefaultPhoneRegion() : country);
         isStored = database.StationName() == name && database.StationPhoneNumber() == phoneNumber;
         return isStored;
     });
@@ -67,7 +70,7 @@ void MakeFile(const QString& folder, const QString& name, const QString& phoneNu
 } // namespace
 
 void StationMaking::Make(const QString& folder, const QString& name, const QString& phoneNumber, const QString& user,
-                         UserInterface& under)
+                         UserInterface& under, const QString& country)
 {
     if (QFileInfo::exists(StationPlace::FileIn(folder)))
         throw AlreadyThere(folder);
@@ -80,7 +83,7 @@ void StationMaking::Make(const QString& folder, const QString& name, const QStri
         if (!unfinished.isValid())
             throw Failure(exitCannotCreate,
                           QStringLiteral("Nothing can be written into %1: %2").arg(folder, unfinished.errorString()));
-        MakeFile(unfinished.path(), name, phoneNumber, under);
+        MakeFile(unfinished.path(), name, phoneNumber, country, under);
         if (!FileHelper::RenameWithProgress(StationPlace::FileIn(unfinished.path()), StationPlace::FileIn(folder),
                                             QString()))
             throw QFileInfo::exists(StationPlace::FileIn(folder))

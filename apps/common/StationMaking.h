@@ -9,7 +9,8 @@ namespace StationMaking
 /// Makes a station with these details in a folder, which is made when it is not there, and with it its directory with
 /// a first user who has all rights. The station's file gets its name when it is whole. In a directory that stands
 /// already nobody is added, and the user must be one of it. Failure in words when that does not work; a station that
-/// stands already is left alone. under: asked what is to be asked.
+/// stands already is left alone. under: asked what is to be asked. country: of the station
+/// (cTolvaDatabase::StationCountry); empty for this machine's default.
 void Make(const QString& folder, const QString& name, const QString& phoneNumber, const QString& user,
-          UserInterface& under);
+          UserInterface& under, const QString& country = QString());
 } // namespace StationMaking

@@ -3,19 +3,13 @@
 #include "ChangeAnnouncement.h"
 #include "CollectingUserInterface.h"
 #include "StationPlace.h"
+#include "common/GeneralHelper.h"
+#include "database/Collision.h"
 #include "platform/records/DBEngine.h"
 
 namespace
 {
 constexpr int OpenAttempts = 5;
-
-/// An open that finds a fixed folder missing or changed puts it right, so two at the same moment may meet there; one of
-/// them goes through, and the other finds it right when it opens again.
-bool IsCollision(int errorNumber)
-{
-    return errorNumber == dao::errChangedByAnother || errorNumber == dao::errRecordDeleted ||
-           errorNumber == dao::errDuplicateValue;
-}
 
 /// 0, or the number of the error that stopped it, 1 for none in particular.
 int TryOpen(cTolvaDatabase& database, const QString& folder, CollectingUserInterface& userInterface)
@@ -55,6 +49,7 @@ void StationOpening::Open(cTolvaDatabase& database, const QString& folder, Colle
     const QStringList problems = userInterface.TakeProblems();
     if (result != 0)
         Fail(folder, result, problems);
+    GeneralHelper::SetPhoneRegion(database.StationCountry());
     AnnounceDeletions(database);
 }
 

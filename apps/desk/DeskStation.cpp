@@ -134,7 +134,6 @@ void DeskStation::Suspend()
 /// An object makes one backup in its life, so another one makes this.
 void DeskStation::OpenForBackup(cTolvaDatabase& database, CollectingUserInterface& collecting)
 {
-    database.SetDirectoryDatabase(&Directory_);
     database.SetMakesAutomaticBackups(false);
     StationOpening::Open(database, Folder_, collecting);
 }
@@ -143,6 +142,7 @@ StationBackup::Result DeskStation::BackUp()
 {
     CollectingUserInterface collecting(UserInterface::Current());
     cTolvaDatabase database;
+    database.SetDirectoryDatabase(&Directory_);
     OpenForBackup(database, collecting);
     return StationBackup::Make(database, Folder_);
 }
@@ -153,7 +153,7 @@ bool DeskStation::BackUpWhenDue()
         return false;
     try {
         CollectingUserInterface collecting(UserInterface::Current());
-        cTolvaDatabase database;
+        cTolvaDatabase database; // without the directory: a look leaves no entry in the user log
         OpenForBackup(database, collecting);
         return database.BackupDatabase(false);
     } catch (const dao::Error& error) {

@@ -17,6 +17,13 @@ QString ConnectionWords(int errorNumber)
     case dao::errFileDamaged:
     case dao::errUnrecognisedFormat:
         return MainWindow::tr("The station's file is damaged. Please tell your technician; nothing is written to it.");
+    case dao::errSyntax:
+    case dao::errTooFewParameters:
+        return MainWindow::tr("The text to find cannot be used: it cannot hold a double quote, and a [ needs its ].");
+    case dao::errDiskFull:
+        return MainWindow::tr("The disk with the station is full; make room on it. Trying again.");
+    case dao::errOutOfMemory:
+        return MainWindow::tr("There is not enough memory; close other programs. Trying again.");
     default:
         return MainWindow::tr("The station's folder cannot be reached; trying again.");
     }
@@ -31,7 +38,8 @@ bool MainWindow::TakeRunTimeError(const dao::Error& error)
         Reply();
         return true;
     }
-    if (isOfList && error.Source().contains(QStringLiteral("timerUpdateList"))) {
+    if (isOfList && (error.Source().endsWith(QStringLiteral(".timerUpdateList")) ||
+                     error.Source().endsWith(QStringLiteral(".Category")))) {
         ShowConnectionProblem(error.Number());
         return true;
     }

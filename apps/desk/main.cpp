@@ -1,8 +1,10 @@
 #include "Appearance.h"
 #include "Desk.h"
+#include "DeskApplication.h"
 #include "DeskUserInterface.h"
-#include "ExitCode.h"
+#include "Failure.h"
 #include "Pictures.h"
+#include "common/HarmlessText.h"
 
 #include <QApplication>
 #include <QStyleFactory>
@@ -13,7 +15,7 @@ namespace
 {
 int Say(FILE* stream, const QString& text, int code)
 {
-    std::fputs(qPrintable(text), stream);
+    std::fputs(HarmlessText::Lines(text).toUtf8().constData(), stream);
     return code;
 }
 
@@ -26,9 +28,7 @@ bool HasDisplay()
     return true;
 #endif
 }
-} // namespace
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     QStringList words;
     for (int i = 1; i < argc; ++i)
@@ -48,7 +48,7 @@ int main(int argc, char** argv)
     else if (!isPlatformNamed && !HasDisplay())
         return Say(stderr, QStringLiteral("tolva-desk: there is no display here.\n"), exitUnavailable);
 
-    const QApplication application(argc, argv);
+    const DeskApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tolva-desk"));
     QApplication::setApplicationDisplayName(QStringLiteral("Tolva"));
     QApplication::setApplicationVersion(QStringLiteral(TOLVA_VERSION));
@@ -66,4 +66,15 @@ int main(int argc, char** argv)
     if (!desk.Start(options))
         return options.Folder.isEmpty() ? exitOK : exitNoInput;
     return QApplication::exec();
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (...) {
+        const Failure failure = UnexpectedFailure();
+        return Say(stderr, QStringLiteral("tolva-desk: %1\n").arg(failure.Words()), failure.Code());
+    }
 }

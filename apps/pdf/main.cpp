@@ -2,6 +2,7 @@
 
 #include "FileOutput.h"
 #include "StandardStreams.h"
+#include "Terminal.h"
 #include "common/FileHelper.h"
 #include "platform/widgets/PrintedPages.h"
 
@@ -17,19 +18,6 @@ namespace
 {
 constexpr double LargestMargin = 80;                // millimetres
 const QString StandardOutput = QStringLiteral("-"); // or input
-
-/// Failure when it does not get there whole.
-void Print(const QByteArray& octets)
-{
-    const auto size = static_cast<std::size_t>(octets.size());
-    if (std::fwrite(octets.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
-        throw Failure(exitInputOutput, QStringLiteral("The output could not be written."));
-}
-
-void Say(const QString& words)
-{
-    std::fputs(("tolva-pdf: " + words.toUtf8() + '\n').constData(), stderr);
-}
 
 /// What is written from here on is written to its end, so that no half-made file stays behind.
 void HoldSignals()
@@ -110,7 +98,7 @@ int Run(const QStringList& arguments)
     if (parser.isSet(help) || parser.isSet(version)) {
         const QString text = parser.isSet(help) ? parser.helpText()
                                                 : QStringLiteral("tolva-pdf %1\n").arg(QStringLiteral(TOLVA_VERSION));
-        Print(text.toUtf8());
+        Terminal::Print(text);
         return exitOK;
     }
     if (parser.positionalArguments().size() != 1 || parser.value(output).isEmpty())
@@ -122,14 +110,15 @@ int Run(const QStringList& arguments)
     const QString html = FileHelper::DecodeText(ReadPage(parser.positionalArguments().first()));
     const PrintedPages pages(MakeDocumentSafe(html), setup);
     if (pages.LeftOut() > 0)
-        Say(QStringLiteral("The page is too long to be laid out whole; its last line says how much is left out."));
+        Terminal::Complain(
+            QStringLiteral("The page is too long to be laid out whole; its last line says how much is left out."));
     QString problem;
     const QByteArray pdf = pages.Pdf(problem);
     if (pdf.isEmpty())
         throw Failure(exitSoftware, problem);
     HoldSignals();
     if (parser.value(output) == StandardOutput)
-        Print(pdf);
+        Terminal::PrintOctets(pdf);
     else
         FileOutput::Write(parser.value(output), pdf, IfThere::Replace);
     return exitOK;
@@ -146,13 +135,15 @@ int main(int argc, char** argv)
 #endif
     const QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("tolva-pdf"));
+    Terminal::TakeMessagesOfQt();
     try {
-        return Run(QGuiApplication::arguments());
-    } catch (const Failure& failure) {
-        Say(failure.Words());
+        const int code = Run(QGuiApplication::arguments());
+        if (!Terminal::Flush())
+            throw Failure(exitInputOutput, QStringLiteral("The output could not be written."));
+        return code;
+    } catch (...) {
+        const Failure failure = UnexpectedFailure();
+        Terminal::Complain(failure.Words());
         return failure.Code();
-    } catch (const std::bad_alloc&) {
-        Say(QStringLiteral("There is not enough memory."));
-        return exitTemporary;
     }
 }

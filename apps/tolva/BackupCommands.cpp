@@ -10,8 +10,6 @@
 #include "common/ProfileHelper.h"
 #include "database/BackupFolders.h"
 
-#include <QJsonDocument>
-
 #include <algorithm>
 
 namespace
@@ -21,7 +19,7 @@ const QString CheckOption = QStringLiteral("check");
 
 void PrintJson(const QJsonObject& object)
 {
-    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    Terminal::PrintJson(object);
 }
 
 int Backup(const Arguments& arguments)

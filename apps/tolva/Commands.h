@@ -26,6 +26,7 @@ CommandDefinition BackupsCommand();
 CommandDefinition RestoreCommand();
 CommandDefinition RecoverCommand();
 CommandDefinition CompactCommand();
+CommandDefinition RekeyCommand();
 
 /// In the order of the help page.
 std::vector<CommandDefinition> AllCommands();

@@ -13,7 +13,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace
@@ -99,7 +98,7 @@ void PrintJson(const clsKVContact& contact)
     QJsonObject object{{QStringLiteral("reference"), contact.Reference}};
     for (const Detail& detail : Details())
         object.insert(detail.JsonName, contact.*detail.Field);
-    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    Terminal::PrintJson(object);
 }
 
 /// A cell that is never cut: what it holds may be needed whole.
@@ -140,7 +139,7 @@ void Show(const Arguments& arguments, Station& station)
     for (const Detail& detail : Details()) {
         const QString& text = (*contact).*detail.Field;
         if (!text.isEmpty())
-            Terminal::PrintLine(detail.Label + QStringLiteral(": ") + ManyLines(text));
+            Terminal::Print(detail.Label + QStringLiteral(": ") + text + u'\n');
     }
 }
 
@@ -244,7 +243,7 @@ int Import(const Arguments& arguments, Station& station)
                                  {QStringLiteral("updated"), result.Updated},
                                  {QStringLiteral("skipped"), result.Skipped},
                                  {QStringLiteral("failed"), static_cast<int>(reading.Problems.size())}};
-        Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(object);
     } else {
         Terminal::PrintLine(QStringLiteral("%1 added, %2 updated, %3 skipped.")
                                 .arg(result.Added)
@@ -252,7 +251,7 @@ int Import(const Arguments& arguments, Station& station)
                                 .arg(result.Skipped));
     }
     for (const QString& problem : reading.Problems)
-        Terminal::Complain(OneLine(problem));
+        Terminal::Complain(problem);
     return reading.Problems.isEmpty() ? exitOK : exitData;
 }
 

@@ -1,6 +1,7 @@
 // tolva export: one message as a file.
 
 #include "Commands.h"
+#include "DisplayText.h"
 #include "FileOutput.h"
 #include "Station.h"
 #include "Terminal.h"
@@ -18,9 +19,10 @@ constexpr int LongestName = 200; // octets; file systems take 255
 /// The subject as a file's name, without what no file name can hold.
 QString FileNameFor(const cMessage& message)
 {
-    QString name = cdo::HeaderBeginning(*message.CDOMessage(), "Subject", 4 * LongestName);
-    name.removeIf(
-        [](QChar character) { return character < u' ' || QStringLiteral(":*?\\/\"<>|").contains(character); });
+    QString name = OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject", 4 * LongestName));
+    name.removeIf([](QChar character) {
+        return character == QChar::ReplacementCharacter || QStringLiteral(":*?\\/\"<>|").contains(character);
+    });
     name = name.simplified();
     while (name.toUtf8().size() > LongestName)
         name.chop(name.back().isLowSurrogate() ? 2 : 1);

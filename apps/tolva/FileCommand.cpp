@@ -90,7 +90,8 @@ private:
             TextMessage text = ReadTextMessageFile(incoming.Octets, problem);
             return problem.isEmpty() ? MakeMessage(text) : nullptr;
         }
-        problem = WhyNotMail(incoming.Octets);
+        // What a mail server hands over is filed whatever it looks like: nobody else has it.
+        problem = incoming.IsHandedOver && !incoming.Octets.isEmpty() ? QString() : WhyNotMail(incoming.Octets);
         if (!problem.isEmpty())
             return nullptr;
         auto message = std::make_shared<cMessage>();

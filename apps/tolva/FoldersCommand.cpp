@@ -6,7 +6,6 @@
 #include "Station.h"
 #include "Terminal.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace
@@ -45,7 +44,7 @@ void PrintFolder(const clsCategory& folder, const QString& path, int depth, cons
             {QStringLiteral("name"), folder.Description()},    {QStringLiteral("path"), path},
             {QStringLiteral("unread"), counts.Unread},         {QStringLiteral("total"), counts.Total},
             {QStringLiteral("fixed"), folder.UserLong() != 0}};
-        Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(object);
         return;
     }
     const QString name = QString(depth * Indent, u' ') + OneLine(folder.Description());

@@ -55,5 +55,6 @@ void RemoveEnvelopeLine(QByteArray& octets)
     if (!octets.startsWith("From "))
         return;
     const qsizetype end = octets.indexOf('\n');
-    octets.remove(0, end < 0 ? octets.size() : end + 1);
+    if (end >= 0 && end + 1 < octets.size())
+        octets.remove(0, end + 1);
 }

@@ -16,12 +16,13 @@ struct IncomingMessage
     QByteArray Octets; ///< As they stand in the source.
     QString Problem;   ///< Why it could not be read; then Octets count for nothing.
     IncomingKind Kind = IncomingKind::Mail;
-    bool IsRead = false; ///< The source marks it as seen.
+    bool IsRead = false;       ///< The source marks it as seen.
+    bool IsHandedOver = false; ///< On standard input: whoever sent it there has no other copy.
 };
 
 /// Why these octets are no mail message, empty when they are one. Broken mail is mail: a single header field among its
 /// first lines is enough.
 QString WhyNotMail(const QByteArray& octets);
 
-/// Takes away the "From " line that delivery agents put before a message; it is no part of it.
+/// Takes away the "From " line that delivery agents put before a message; it is no part of it, unless it is all.
 void RemoveEnvelopeLine(QByteArray& octets);

@@ -6,9 +6,8 @@
 #include "MessageTable.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "common/GeneralHelper.h"
 #include "platform/mail/MessageReader.h"
-
-#include <QJsonDocument>
 
 namespace
 {
@@ -29,6 +28,12 @@ QString FindCondition(const QString& typed)
     QStringList conditions;
     for (const char* column : {"Subject", "FromKey", "ToKey", "CcKey"})
         conditions.append(QStringLiteral("[%1] LIKE %2").arg(QLatin1String(column), pattern));
+    // A whole number is found in all of its spellings.
+    const QString number = GeneralHelper::PhoneNumberKey(typed);
+    for (const char* column : {"FromKey", "ToKey", "CcKey"}) {
+        if (!number.isEmpty())
+            conditions.append(QStringLiteral("[%1] LIKE \"*|%2|*\"").arg(QLatin1String(column), number));
+    }
     return conditions.join(QStringLiteral(" OR "));
 }
 
@@ -61,7 +66,7 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
     const QString condition = ConditionOf(arguments, station);
     const QString order = OrderOf(arguments);
     try {
-        return station.Database().OpenMessageRows(MessageRowColumns() << MailColumn, condition, order);
+        return station.Database().OpenMessageRows(MessageRowColumns(), condition, order);
     } catch (const dao::Error& error) {
         const bool isOfCondition = error.Number() == dao::errSyntax || error.Number() == dao::errTooFewParameters ||
                                    error.Number() == dao::errTypeMismatch || error.Number() == dao::errTableNotFound;
@@ -75,6 +80,8 @@ std::unique_ptr<dao::Recordset> OpenRows(const Arguments& arguments, Station& st
 /// address that stands in its row.
 QString SenderOf(dao::Recordset& rows, const MessageRow& row, QList<qint32>& damaged)
 {
+    if (row.IsSMS)
+        return row.From;
     QByteArray octets;
     try {
         octets = rows[MailColumn].Octets();
@@ -114,7 +121,7 @@ void PrintJson(dao::Recordset& rows, const QHash<qint32, QString>& folders)
     for (; !rows.AtEOF(); rows.MoveNext()) {
         const MessageRow row = ReadMessageRow(rows);
         const QJsonObject object = ToJson(row, FolderPath(folders, row.Category));
-        Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(object);
     }
 }
 

@@ -153,6 +153,7 @@ void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
     incoming.Kind = source.Kind == FileKind::TextMessage ? IncomingKind::TextMessage : IncomingKind::Mail;
     if (source.Kind == FileKind::StandardInput) {
         incoming.Name = QStringLiteral("standard input");
+        incoming.IsHandedOver = true;
         if (!Terminal::ReadInput(incoming.Octets))
             incoming.Problem = QStringLiteral("cannot be read");
         // Mail servers put it before what they hand over; of a file every octet is kept.

@@ -6,6 +6,8 @@
 
 namespace
 {
+const QString MailColumn = QStringLiteral("Message");
+
 /// The bare addresses of a search key, which stand between bars.
 QString AddressesOf(const QString& key)
 {
@@ -15,12 +17,19 @@ QString AddressesOf(const QString& key)
 
 QStringList MessageRowColumns()
 {
-    return {QStringLiteral("Reference"),         QStringLiteral("Category"),
-            QStringLiteral("FromKey"),           QStringLiteral("ToKey"),
-            QStringLiteral("Subject"),           QStringLiteral("Sent"),
-            QStringLiteral("Received"),          QStringLiteral("Flags"),
-            QStringLiteral("Priority"),          QStringLiteral("MessageType"),
-            QStringLiteral("HasHighlightWords"), QStringLiteral("PersonalToContact")};
+    return {QStringLiteral("Reference"),
+            QStringLiteral("Category"),
+            QStringLiteral("FromKey"),
+            QStringLiteral("ToKey"),
+            QStringLiteral("Subject"),
+            QStringLiteral("Sent"),
+            QStringLiteral("Received"),
+            QStringLiteral("Flags"),
+            QStringLiteral("Priority"),
+            QStringLiteral("MessageType"),
+            QStringLiteral("HasHighlightWords"),
+            QStringLiteral("PersonalToContact"),
+            MailColumn};
 }
 
 MessageRow ReadMessageRow(const dao::Recordset& rows)
@@ -39,6 +48,11 @@ MessageRow ReadMessageRow(const dao::Recordset& rows)
     row.IsSMS = column(u"MessageType").toInt() == emtSMS;
     row.IsHighlighted = column(u"HasHighlightWords").toInt() != 0;
     row.IsPersonal = column(u"PersonalToContact").toInt() != 0;
+    if (row.IsSMS) {
+        const cdo::Message mail(rows[MailColumn].Octets());
+        row.From = mail.From();
+        row.To = mail.To();
+    }
     return row;
 }
 

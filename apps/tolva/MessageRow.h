@@ -11,12 +11,13 @@ namespace dao
 class Recordset;
 }
 
-/// What a list shows of a message, from the columns of its row alone: the mail itself is not read.
+/// What a list shows of a message, from the columns of its row. Of a mail nothing more is read; a text message, which
+/// is short, is: its keys hold numbers in the form that searches use, not as they were sent.
 struct MessageRow
 {
     qint32 Reference = 0;
     qint32 Category = 0;
-    QString From; ///< Addresses, divided by ", ".
+    QString From; ///< Addresses, divided by ", "; of a text message as "show" has it.
     QString To;
     QString Subject;
     Date Sent; ///< Universal time.

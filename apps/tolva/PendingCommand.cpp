@@ -9,8 +9,6 @@
 #include "common/ClockHelper.h"
 #include "platform/records/Recordset.h"
 
-#include <QJsonDocument>
-
 namespace
 {
 const QString ExportOption = QStringLiteral("export");
@@ -51,7 +49,7 @@ int List(const Arguments& arguments, Station& station)
     if (arguments.Has(JsonOption)) {
         const QString folder = FolderPath(FolderPaths(station.Folders()), tmcOutbox);
         for (const MessageRow& row : pending)
-            Terminal::PrintOctets(QJsonDocument(ToJson(row, folder)).toJson(QJsonDocument::Compact) + '\n');
+            Terminal::PrintJson(ToJson(row, folder));
         return exitOK;
     }
     if (pending.isEmpty())

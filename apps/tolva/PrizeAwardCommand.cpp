@@ -11,8 +11,6 @@
 #include "Terminal.h"
 #include "database/RowValues.h"
 
-#include <QJsonDocument>
-
 namespace
 {
 using namespace PrizeOptions;
@@ -190,7 +188,7 @@ void PrintWinnerJson(Station& station, const dao::Recordset& rows)
         {QStringLiteral("notes"), column(u"Notes").toString()},
         {QStringLiteral("notesToSupplier"), column(u"NotesToSupplier").toString()},
     };
-    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    Terminal::PrintJson(object);
 }
 } // namespace
 

@@ -7,7 +7,6 @@
 #include "common/ClockHelper.h"
 
 #include <QFile>
-#include <QJsonDocument>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -31,7 +30,7 @@ void PrintField(const QString& name, const QString& value)
 void PrintBlock(const QString& name, const QString& text)
 {
     if (!text.trimmed().isEmpty())
-        Terminal::PrintLine(QStringLiteral("\n%1:\n%2").arg(name, ManyLines(text.trimmed())));
+        Terminal::Print(QStringLiteral("\n%1:\n%2\n").arg(name, text.trimmed()));
 }
 
 QString PersonAndDate(const QString& person, Date date)
@@ -166,7 +165,7 @@ int PrizeForms::Show(Station& station, const Arguments& arguments)
 {
     const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
     if (arguments.Has(Json)) {
-        Terminal::PrintOctets(QJsonDocument(ToJson(*prize)).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(ToJson(*prize));
         return exitOK;
     }
     PrintField(QStringLiteral("Prize"), QString::number(prize->Reference()));

@@ -6,7 +6,6 @@
 #include "prizes/PrizeHour.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 
 namespace
 {
@@ -56,7 +55,7 @@ void PrintJson(const cPrize& prize, qint16 asked)
         }
         const QJsonObject object{{QStringLiteral("day"), HoursText::DayName(day).left(3).toLower()},
                                  {QStringLiteral("hours"), hours}};
-        Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(object);
     }
 }
 } // namespace

@@ -9,8 +9,6 @@
 #include "common/ClockHelper.h"
 #include "prizes/PrizeQuery.h"
 
-#include <QJsonDocument>
-
 namespace
 {
 const QString NowOption = QStringLiteral("now");
@@ -86,7 +84,7 @@ void PrintJson(const PrizeRow& row)
         {QStringLiteral("start"), JsonDate(row.Start)},     {QStringLiteral("end"), JsonDate(row.End)},
         {QStringLiteral("lastWon"), JsonDate(row.LastWon)},
     };
-    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    Terminal::PrintJson(object);
 }
 
 int Run(const Arguments& arguments)

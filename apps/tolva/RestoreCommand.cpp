@@ -11,8 +11,6 @@
 #include "common/FileHelper.h"
 #include "database/BackupFolders.h"
 
-#include <QJsonDocument>
-
 namespace
 {
 const QString JsonOption = QStringLiteral("json");
@@ -90,7 +88,7 @@ void PrintResult(const Arguments& arguments, QJsonObject result, const StationRe
         result.insert(QStringLiteral("before"), done.Before ? QJsonValue(done.Before->Json()) : QJsonValue());
         result.insert(QStringLiteral("after"), done.After.Json());
         result.insert(QStringLiteral("kept"), isKept ? QJsonValue(done.KeepName) : QJsonValue());
-        Terminal::PrintOctets(QJsonDocument(result).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(result);
         return;
     }
     Terminal::PrintLine(

@@ -3,12 +3,15 @@
 #include "Commands.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "common/GeneralHelper.h"
 #include "database/SettingText.h"
 
 #include <optional>
 
 namespace
 {
+const QString CountryKey = QStringLiteral("Station.Country");
+
 struct KnownSetting
 {
     QString Key;
@@ -47,6 +50,7 @@ const QList<KnownSetting>& KnownSettings()
         {QStringLiteral("Station.PhoneNumber"), none},
         {QStringLiteral("Station.SMSPhoneNumber"), none},
         {QStringLiteral("Station.EmailAddress"), none},
+        {CountryKey, none},
         {QStringLiteral("Station.CompanyNumber"), none},
         {QStringLiteral("Station.VATNumber"), none},
         {QStringLiteral("SMS.CurrentSong"), QStringLiteral("SONG")},
@@ -77,6 +81,14 @@ std::optional<KnownSetting> Find(const QString& key)
 QString CheckedValue(const KnownSetting& setting, const QString& typed)
 {
     const QString value = typed.trimmed();
+    if (setting.Key == CountryKey) {
+        const QString country = GeneralHelper::ToPhoneRegion(value);
+        if (country.isEmpty())
+            throw Failure(
+                exitData,
+                QStringLiteral("%1 is a country's two letters, such as GB; \"%2\" is none.").arg(setting.Key, typed));
+        return country;
+    }
     if (setting.Default.typeId() == QMetaType::Int) {
         bool isNumber = false;
         const int number = value.toInt(&isNumber);
@@ -103,6 +115,13 @@ void Store(Station& station, const KnownSetting& setting, const QString& typed)
         throw station.FailureOfStation(ErrorNumberIn(problems.last()), problems.join(u' '));
 }
 
+QString ValueInForce(Station& station, const KnownSetting& setting)
+{
+    if (setting.Key == CountryKey)
+        return station.Database().StationCountry();
+    return SettingText(station.Database().DatabaseSetting(setting.Key, setting.Default));
+}
+
 int Run(const Arguments& arguments)
 {
     const QString key = arguments.Words().at(1).trimmed();
@@ -114,11 +133,17 @@ int Run(const Arguments& arguments)
     if (!known)
         Terminal::Complain(QStringLiteral("warning: \"%1\" is not a setting of this program.").arg(key));
     if (arguments.Words().size() == 2) {
-        Terminal::PrintLine(SettingText(station.Database().DatabaseSetting(setting.Key, setting.Default)));
+        Terminal::Print(ValueInForce(station, setting) + u'\n');
         return exitOK;
     }
     station.Require(DirectoryRight::ChangeSettings, QStringLiteral("change settings"));
+    const QString country = station.Database().StationCountry();
     Store(station, setting, arguments.Words().at(2));
+    if (station.Database().StationCountry() != country) {
+        Terminal::Complain(QStringLiteral("Numbers are read in the form of another country now. For the text messages "
+                                          "that stand already: tolva rekey %1")
+                               .arg(station.Folder()));
+    }
     return exitOK;
 }
 } // namespace

@@ -11,7 +11,6 @@
 #include "platform/mail/MessageReader.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QLocale>
 
 namespace
@@ -58,6 +57,7 @@ QString AttachmentWords(const cdo::Attachment& attachment)
 bool PrintText(cdo::MessageReader& reader)
 {
     QString blanks;
+    QString held; // half a line end
     bool hasWords = false;
     bool endsLine = false;
     reader.ReadText([&](const QString& piece) {
@@ -66,7 +66,10 @@ bool PrintText(cdo::MessageReader& reader)
             blanks = (blanks + piece).left(MostBlanks);
             return;
         }
-        const QString words = ManyLines(hasWords ? piece : blanks + piece);
+        QString words = held + (hasWords ? piece : blanks + piece);
+        held = words.endsWith(u'\r') ? QStringLiteral("\r") : QString();
+        words.chop(held.size());
+        words.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
         hasWords = true;
         if (words.isEmpty())
             return;
@@ -86,10 +89,11 @@ void PrintBody(cdo::MessageReader& reader, qint32 reference)
     const QString html = reader.HtmlBeginning(LongestPage, &isWhole);
     if (html.isEmpty())
         return;
-    Terminal::PrintLine(QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
-                                       "export FOLDER %1 FILE]\n")
-                            .arg(reference));
-    const QString body = ManyLines(TextOfHtml(html));
+    Terminal::Print(QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
+                                   "export FOLDER %1 FILE]\n\n")
+                        .arg(reference));
+    QString body = TextOfHtml(html);
+    body.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     Terminal::Print(body.endsWith(u'\n') ? body : body + u'\n');
     if (!isWhole)
         Terminal::PrintLine(QStringLiteral("[The page goes on.]"));
@@ -156,7 +160,7 @@ void PrintJson(Station& station, const cMessage& message)
         {QStringLiteral("html"), mail.HTMLBody()},
         {QStringLiteral("attachments"), JsonAttachments(mail)},
     };
-    Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+    Terminal::PrintJson(object);
 }
 
 int Run(const Arguments& arguments)

@@ -7,7 +7,6 @@
 #include "Terminal.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -118,7 +117,7 @@ int List(const Arguments& arguments, Station& station)
             const QJsonObject object{{QStringLiteral("reference"), user.Reference},
                                      {QStringLiteral("name"), user.Name},
                                      {QStringLiteral("rights"), QJsonArray::fromStringList(names)}};
-            Terminal::PrintOctets(QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n');
+            Terminal::PrintJson(object);
             continue;
         }
         const QString rights = names.isEmpty() ? None : names.size() == NamedRights().size() ? All : names.join(u',');

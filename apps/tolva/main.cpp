@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <new>
 
 namespace
 {
@@ -47,17 +46,10 @@ int RunAndReport(const QStringList& arguments)
 {
     try {
         return RunProgram(arguments);
-    } catch (const Failure& failure) {
+    } catch (...) {
+        const Failure failure = UnexpectedFailure();
         Terminal::Complain(failure.Words());
         return failure.Code();
-    } catch (const dao::Error& error) {
-        const Failure failure =
-            FailureOf(QStringLiteral("The station"), QString(), error.Number(), error.Description());
-        Terminal::Complain(failure.Words());
-        return failure.Code();
-    } catch (const std::bad_alloc&) {
-        Terminal::Complain(QStringLiteral("There is not enough memory."));
-        return exitTemporary;
     }
 }
 } // namespace
@@ -67,7 +59,7 @@ std::vector<CommandDefinition> AllCommands()
     return {InitCommand(),   FileCommand(),    ListCommand(),    ShowCommand(),    ExportCommand(),   PrintCommand(),
             MoveCommand(),   CopyCommand(),    DeleteCommand(),  MarkCommand(),    PendingCommand(),  FoldersCommand(),
             PrizesCommand(), PrizeCommand(),   SettingCommand(), UsersCommand(),   ContactsCommand(), CheckCommand(),
-            BackupCommand(), BackupsCommand(), RestoreCommand(), RecoverCommand(), CompactCommand()};
+            BackupCommand(), BackupsCommand(), RestoreCommand(), RecoverCommand(), CompactCommand(),  RekeyCommand()};
 }
 
 int main(int argc, char** argv)
@@ -76,6 +68,7 @@ int main(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tolva"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOLVA_VERSION));
+    Terminal::TakeMessagesOfQt();
     const int code = RunAndReport(QCoreApplication::arguments().mid(1));
     if (!Terminal::Flush() && code == exitOK) {
         Terminal::Complain(QStringLiteral("The output could not be written."));

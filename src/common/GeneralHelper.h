@@ -35,15 +35,23 @@ TOLVA_EXPORT int RedOf(qint32 colour);
 TOLVA_EXPORT int GreenOf(qint32 colour);
 TOLVA_EXPORT int BlueOf(qint32 colour);
 
-/// One form for every way of writing a phone number: the national significant number in digits where it is a number of
-/// the station's country or an international one, otherwise, for short codes and sender names, the text as it stands
-/// (trimmed). option 1 is the form of the address keys.
-TOLVA_EXPORT QString NormalisePhoneNumber(const QString& number, int option);
+/// One form for every way of writing a phone number, in digits: a number of the region is its national significant
+/// number, a number of another country has its country code in front, and what is no full number (short codes, local
+/// numbers) is the digits that it holds. A sender's name, which has letters or no digit at all, is the text as it
+/// stands (trimmed). option 1 is the form of the address keys. region: that of the station
+/// (cTolvaDatabase::StationCountry); empty for PhoneRegion.
+TOLVA_EXPORT QString NormalisePhoneNumber(const QString& number, int option, const QString& region = QString());
 /// The form in which an address key holds this number (no leading zeros); empty when it is no phone number.
-TOLVA_EXPORT QString PhoneNumberKey(const QString& number);
-/// Two-letter region (ISO 3166) in whose form numbers without a country code are read; from this machine's setting
-/// "Country", default "GB".
+TOLVA_EXPORT QString PhoneNumberKey(const QString& number, const QString& region = QString());
+/// Two-letter region (ISO 3166) in whose form a program compares numbers without a country code: the one that it set
+/// for its station, otherwise DefaultPhoneRegion.
 TOLVA_EXPORT QString PhoneRegion();
+/// Empty: none from now on. A text that is no region counts as empty.
+TOLVA_EXPORT void SetPhoneRegion(const QString& region);
+/// This machine's setting "Country", "GB" without one: the first default of a station's country.
+TOLVA_EXPORT QString DefaultPhoneRegion();
+/// The text as a region, in capitals without blanks around it; empty for what is none.
+TOLVA_EXPORT QString ToPhoneRegion(const QString& text);
 
 /// The key when a numeric field takes it, otherwise 0: digits, and editing keys such as backspace. mode 1: whole
 /// numbers. Other modes take a sign and the decimal point too.

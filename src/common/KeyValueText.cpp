@@ -12,7 +12,7 @@ QString WithDelimiterInFront(const QString& text, const QString& delimiter)
     return text.startsWith(delimiter, Qt::CaseInsensitive) ? text : delimiter + text;
 }
 
-QString Find(const QString& text, const QString& key, const QString& delimiter, bool unquote, const QString& separator,
+QString Find(const QString& text, const QString& key, const QString& delimiter, const QString& separator,
              Qt::CaseSensitivity sensitivity)
 {
     const QString whole = WithDelimiterInFront(text, delimiter);
@@ -24,10 +24,7 @@ QString Find(const QString& text, const QString& key, const QString& delimiter, 
     qsizetype next = 0;
     if (start >= whole.size() || whole.at(start) != u'"')
         return GeneralHelper::NextToken(whole, start, delimiter, next);
-    const QString value = GeneralHelper::NextToken(whole, start + 1, QStringLiteral("\""), next);
-    if (unquote)
-        return value;
-    return u'"' + value + (next < 0 ? QString() : QStringLiteral("\""));
+    return GeneralHelper::NextToken(whole, start + 1, QStringLiteral("\""), next);
 }
 
 /// The nearest value that the form can hold: it has no way to write a double quote or a line end within a value.
@@ -80,16 +77,15 @@ void Replace(QStringList& entries, const QString& start, const QString& entry, Q
 }
 } // namespace
 
-QString GetKeyValue(const QString& text, const QString& key, const QString& delimiter, bool unquote,
-                    const QString& separator)
+QString GetKeyValue(const QString& text, const QString& key, const QString& delimiter, bool, const QString& separator)
 {
-    return Find(text, key, delimiter, unquote, separator, Qt::CaseSensitive);
+    return Find(text, key, delimiter, separator, Qt::CaseSensitive);
 }
 
-QString GetKeyValueCaseInsensitive(const QString& text, const QString& key, const QString& delimiter, bool unquote,
+QString GetKeyValueCaseInsensitive(const QString& text, const QString& key, const QString& delimiter, bool,
                                    const QString& separator)
 {
-    return Find(text, key, delimiter, unquote, separator, Qt::CaseInsensitive);
+    return Find(text, key, delimiter, separator, Qt::CaseInsensitive);
 }
 
 QString GeneralHelper::SetKeyValue(const QString& text, const QString& key, const QString& value)

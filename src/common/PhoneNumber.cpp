@@ -28,21 +28,31 @@ PhoneNumberUtil& Numbers()
     return *numbers;
 }
 
-bool IsSupported(const QString& region)
-{
-    return Numbers().GetCountryCodeForRegion(region.toStdString()) != 0;
-}
+QString programRegion;
 
-/// The digits behind the country code and the national prefix; nothing for a text that is no full number. Letters make
-/// a sender's name, even where a keypad would turn them into digits.
-std::optional<QString> NationalNumber(const QString& text)
+bool IsName(const QString& text)
 {
     const auto isLetter = [](QChar character) { return character.isLetter(); };
-    if (text.isEmpty() || std::any_of(text.begin(), text.end(), isLetter))
-        return std::nullopt;
+    const auto isDigit = [](QChar character) { return character.digitValue() >= 0; };
+    return std::any_of(text.begin(), text.end(), isLetter) || std::none_of(text.begin(), text.end(), isDigit);
+}
+
+QString DigitsOf(const QString& text)
+{
+    QString digits;
+    for (const QChar character : text) {
+        if (character.digitValue() >= 0)
+            digits += QChar(u'0' + character.digitValue());
+    }
+    return digits;
+}
+
+/// The digits of a whole number, behind its country code where that is another one than the region's; nothing for what
+/// is no whole number.
+std::optional<QString> WholeNumber(const QString& text, const QString& region)
+{
     PhoneNumber number;
-    const std::string region = GeneralHelper::PhoneRegion().toStdString();
-    if (Numbers().Parse(text.toStdString(), region, &number) != PhoneNumberUtil::NO_PARSING_ERROR)
+    if (Numbers().Parse(text.toStdString(), region.toStdString(), &number) != PhoneNumberUtil::NO_PARSING_ERROR)
         return std::nullopt;
     // Possible, not valid: the tables of ranges in use age, lengths do not. Local numbers and short codes are too
     // short.
@@ -50,19 +60,29 @@ std::optional<QString> NationalNumber(const QString& text)
         return std::nullopt;
     std::string digits;
     Numbers().GetNationalSignificantNumber(number, &digits);
-    return QString::fromStdString(digits);
+    const bool isOfRegion = number.country_code() == Numbers().GetCountryCodeForRegion(region.toStdString());
+    return (isOfRegion ? QString() : QString::number(number.country_code())) + QString::fromStdString(digits);
+}
+
+/// Letters make a sender's name, even where a keypad would turn them into digits.
+std::optional<QString> NumberIn(const QString& text, const QString& region)
+{
+    if (IsName(text))
+        return std::nullopt;
+    const std::optional<QString> whole = WholeNumber(text, region.isEmpty() ? GeneralHelper::PhoneRegion() : region);
+    return whole ? *whole : DigitsOf(text);
 }
 } // namespace
 
-QString GeneralHelper::NormalisePhoneNumber(const QString& number, int)
+QString GeneralHelper::NormalisePhoneNumber(const QString& number, int, const QString& region)
 {
     const QString text = number.trimmed();
-    return NationalNumber(text).value_or(text);
+    return NumberIn(text, region).value_or(text);
 }
 
-QString GeneralHelper::PhoneNumberKey(const QString& number)
+QString GeneralHelper::PhoneNumberKey(const QString& number, const QString& region)
 {
-    QString key = NationalNumber(number.trimmed()).value_or(QString());
+    QString key = NumberIn(number.trimmed(), region).value_or(QString());
     while (key.startsWith(u'0'))
         key.remove(0, 1);
     return key;
@@ -70,11 +90,28 @@ QString GeneralHelper::PhoneNumberKey(const QString& number)
 
 QString GeneralHelper::PhoneRegion()
 {
-    const QString country =
-        ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                         QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("Country"), DefaultRegion)
-            .toString()
-            .trimmed()
-            .toUpper();
-    return country == DefaultRegion || IsSupported(country) ? country : DefaultRegion;
+    return programRegion.isEmpty() ? DefaultPhoneRegion() : programRegion;
+}
+
+void GeneralHelper::SetPhoneRegion(const QString& region)
+{
+    programRegion = ToPhoneRegion(region);
+}
+
+QString GeneralHelper::DefaultPhoneRegion()
+{
+    const QString country = ToPhoneRegion(ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
+                                                                           QStringLiteral("SOFTWARE\\Kelvarin"),
+                                                                           QStringLiteral("Country"), DefaultRegion)
+                                              .toString());
+    return country.isEmpty() ? DefaultRegion : country;
+}
+
+QString GeneralHelper::ToPhoneRegion(const QString& text)
+{
+    const QString region = text.trimmed().toUpper();
+    // Most need no look into the library's tables, which take a moment to be read.
+    if (region == DefaultRegion)
+        return region;
+    return Numbers().GetCountryCodeForRegion(region.toStdString()) == 0 ? QString() : region;
 }

@@ -1,5 +1,7 @@
 #include "common/TerminalUserInterface.h"
 
+#include "common/HarmlessText.h"
+
 #include <QElapsedTimer>
 
 #include <csignal>
@@ -113,16 +115,6 @@ private:
 };
 #endif
 
-/// Texts may quote what a listener wrote; no sequence in them may steer the terminal.
-QString Harmless(QString text)
-{
-    for (QChar& character : text) {
-        if (character.category() == QChar::Other_Control && character != u'\n' && character != u'\t')
-            character = u'?';
-    }
-    return text;
-}
-
 QString ProgressLine(const QString& caption, qint64 done, qint64 total)
 {
     const int percent =
@@ -132,7 +124,7 @@ QString ProgressLine(const QString& caption, qint64 done, qint64 total)
     const QString filled(BarWidth * percent / 100, u'#');
     const QString bar = QStringLiteral(" [") + filled.leftJustified(BarWidth, u'-') + QStringLiteral("] ") +
                         QString::number(percent).rightJustified(3) + u'%';
-    return Harmless(caption).simplified().left(LineWidth - bar.size()) + bar;
+    return HarmlessText::Words(caption).left(LineWidth - bar.size()) + bar;
 }
 } // namespace
 
@@ -184,7 +176,7 @@ void TerminalUserInterface::Write(const QString& text)
 void TerminalUserInterface::ShowText(const QString& title, const QString& text)
 {
     EraseLine();
-    Write(Harmless(title.isEmpty() ? text : title + u'\n' + text) + u'\n');
+    Write(HarmlessText::Lines(title.isEmpty() ? text : title + u'\n' + text) + u'\n');
 }
 
 bool TerminalUserInterface::ReadLine(QString& line)
@@ -253,7 +245,7 @@ int TerminalUserInterface::InputBox(const InputBoxRequest& request, QString& res
         bool ended = false;
         {
             const HiddenTyping hidden(Input_, secret); // before the prompt: an answer typed at once is hidden too
-            Write(hasDefault && !secret ? Harmless(u'[' + request.Default + QStringLiteral("] "))
+            Write(hasDefault && !secret ? HarmlessText::Line(u'[' + request.Default + QStringLiteral("] "))
                                         : QStringLiteral("> "));
             ended = !ReadLine(line);
         }

@@ -48,9 +48,11 @@ void cPageSetup::ReadSettings(const cTolvaDatabase* database, const QString& pre
 {
     if (!database)
         return;
+    // Not the present values: another computer may have put one back to its default, which takes its row away.
+    const cPageSetup defaults = StationDefaults();
     for (const StoredValue& value : StoredValues) {
-        const qint32 present = (this->*value.Get)();
-        (this->*value.Set)(SettingNumber(database->DatabaseSetting(KeyOf(prefix, value.Name), present), present));
+        const qint32 whenAbsent = (defaults.*value.Get)();
+        (this->*value.Set)(SettingNumber(database->DatabaseSetting(KeyOf(prefix, value.Name), whenAbsent), whenAbsent));
     }
     success = true;
 }

@@ -36,7 +36,7 @@ private:
     friend class cTolvaDatabase;
 
     /// Reads or writes the settings prefix + "." + property, and sets success then; nothing happens without a database.
-    /// A setting that is absent keeps the present value.
+    /// A setting that is absent has the value of cTolvaDatabase::SetLabelDefaults.
     void ReadSettings(const cTolvaDatabase* database, const QString& prefix, bool& success);
     void WriteSettings(cTolvaDatabase* database, const QString& prefix, bool& success) const;
 

@@ -37,7 +37,8 @@ TOLVA_EXPORT QString GetTempFile(const QString& folder, const QString& extension
 
 /// The value of one key in a short text of key="value" entries; empty when the key is absent. The key is found as a
 /// whole word: at the start of the text or after the delimiter. A quoted value ends at its closing quote, another at
-/// the next delimiter. unquote: takes the quotes off. The search is a plain one: it also finds what looks like the key
+/// the next delimiter. The quotes are never part of it; unquote takes off those that
+/// the value has itself, which this form cannot hold. The search is a plain one: it also finds what looks like the key
 /// within a quoted value.
 TOLVA_EXPORT QString GetKeyValue(const QString& text, const QString& key, const QString& delimiter, bool unquote = true,
                                  const QString& separator = QStringLiteral("="));

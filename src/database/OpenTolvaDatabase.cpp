@@ -6,6 +6,7 @@
 #include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
+#include "database/Collision.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/records/DBEngine.h"
@@ -40,8 +41,11 @@ qint32 cTolvaDatabase::FailOpen(const QString& text, qint32 result)
     return result;
 }
 
-qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& location, const QString& connect)
+qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QString& givenConnect)
 {
+    // The arguments may be this object's own properties, which closing empties.
+    const QString location = givenLocation;
+    const QString connect = givenConnect;
     WriteDebugLog(QStringLiteral("Closing any previous Database"));
     CloseTolvaDatabase();
     if (location.isEmpty())
@@ -156,14 +160,16 @@ void cTolvaDatabase::AskForStationName(PendingError& pending)
 void cTolvaDatabase::WriteStructureVersion()
 {
     WriteDebugLog(QStringLiteral("Updating Database version number to 1.071"));
-    const auto recordset = OpenTable(OpenedDatabase(), QStringLiteral("Description"));
-    recordset->MoveFirst();
-    if (recordset->NoMatch())
-        recordset->AddNew();
-    else
-        recordset->Edit();
-    recordset->SetCollect(QStringLiteral("Version"), static_cast<double>(StructureVersion));
-    recordset->Update();
+    UntilNobodyInterferes([&] {
+        const auto recordset = OpenTable(OpenedDatabase(), QStringLiteral("Description"));
+        recordset->MoveFirst();
+        if (recordset->NoMatch())
+            recordset->AddNew();
+        else
+            recordset->Edit();
+        recordset->SetCollect(QStringLiteral("Version"), static_cast<double>(StructureVersion));
+        recordset->Update();
+    });
 }
 
 bool cTolvaDatabase::InsistOnStationDetails(bool settingsRead)

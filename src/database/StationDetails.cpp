@@ -2,7 +2,9 @@
 
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
+#include "common/PendingError.h"
 #include "common/kvGeneral.h"
+#include "database/DAO_DatabaseFunctions.h"
 #include "database/cTolvaDatabase.h"
 
 namespace
@@ -11,6 +13,7 @@ const QString NameKey = QStringLiteral("Station.Name");
 const QString AddressKey = QStringLiteral("Station.Address");
 const QString PhoneNumberKey = QStringLiteral("Station.PhoneNumber");
 const QString SMSPhoneNumberKey = QStringLiteral("Station.SMSPhoneNumber");
+const QString CountryKey = QStringLiteral("Station.Country");
 const QString CompanyNumberKey = QStringLiteral("Station.CompanyNumber");
 const QString VATNumberKey = QStringLiteral("Station.VATNumber");
 const QString CurrentSongKey = QStringLiteral("CurrentSongFullName");
@@ -80,6 +83,36 @@ QString cTolvaDatabase::StationVATNumber() const
 void cTolvaDatabase::SetStationVATNumber(const QString& number)
 {
     SetDatabaseSetting(VATNumberKey, number, QString());
+}
+
+QString cTolvaDatabase::StationCountry() const
+{
+    const QString country = GeneralHelper::ToPhoneRegion(DatabaseSetting(CountryKey, QString()).toString());
+    return country.isEmpty() ? GeneralHelper::DefaultPhoneRegion() : country;
+}
+
+void cTolvaDatabase::SetStationCountry(const QString& country)
+{
+    const QString region = GeneralHelper::ToPhoneRegion(country);
+    if (!region.isEmpty())
+        SetDatabaseSetting(CountryKey, region, QString());
+}
+
+/// The country for the keys of a message of that type. The first text message stores it, so that computers with other
+/// defaults write the same keys.
+QString cTolvaDatabase::KeyCountry(enMsgType type)
+{
+    if (type != emtSMS)
+        return QString();
+    const QString country = StationCountry();
+    if (DatabaseSetting(CountryKey, QString()).toString().isEmpty()) {
+        PendingError ignored; // somebody else may store his at this moment; whoever comes first, it is read again
+        ignored.Try([&] {
+            const auto settings = OpenedDatabase().OpenRecordset(QStringLiteral("Settings"), dao::dbOpenTable);
+            DAO_DatabaseFunctions::WriteSettingValue(settings.get(), CountryKey, country, QString(), true);
+        });
+    }
+    return StationCountry();
 }
 
 QString cTolvaDatabase::StationAddressString(const QString& separator) const

@@ -57,7 +57,16 @@ int CreateTable(Database& database, const TableShape& shape, const TableCheckRul
     return Report(QStringLiteral("creating the %1 Table").arg(shape.Name), pending, rules);
 }
 
-int CheckFields(TableDef& table, const TableShape& shape, const TableCheckRules& rules)
+/// Whether another computer that brings the same file up to date has been quicker with this part of it. part: of the
+/// table as it stands now.
+template <typename Part>
+bool StandsByNow(Database& database, const TableShape& shape, Part&& part)
+{
+    PendingError pending;
+    return pending.Try([&] { part(database.TableDefs().Item(shape.Name)); });
+}
+
+int CheckFields(Database& database, TableDef& table, const TableShape& shape, const TableCheckRules& rules)
 {
     for (const FieldShape& field : shape.Fields) {
         PendingError pending;
@@ -66,14 +75,15 @@ int CheckFields(TableDef& table, const TableShape& shape, const TableCheckRules&
         if (!MeansAbsent(pending, rules))
             return Report(QStringLiteral("checking the %1 field").arg(field.Name), pending, rules);
         pending.Clear();
-        if (!pending.Try([&] { AppendField(table, field, rules); }))
+        const auto find = [&](TableDef& now) { now.Fields().Item(field.Name); };
+        if (!pending.Try([&] { AppendField(table, field, rules); }) && !StandsByNow(database, shape, find))
             return Report(QStringLiteral("adding the %1 field").arg(field.Name), pending, rules);
     }
     return 0;
 }
 
 /// An index that cannot be made does not stop the check: the data can be read all the same, only a Seek will fail.
-void CheckIndexes(TableDef& table, const TableShape& shape, const TableCheckRules& rules)
+void CheckIndexes(Database& database, TableDef& table, const TableShape& shape, const TableCheckRules& rules)
 {
     for (const IndexShape& index : shape.Indexes) {
         PendingError pending;
@@ -81,7 +91,9 @@ void CheckIndexes(TableDef& table, const TableShape& shape, const TableCheckRule
             continue;
         pending.Clear();
         const bool isFirst = &index == &shape.Indexes.first();
-        if (pending.Try([&] { AppendIndex(table, index, isFirst, rules); }) || !rules.ReportsIndexFailure)
+        const auto find = [&](TableDef& now) { now.Indexes().Item(index.Name); };
+        if (pending.Try([&] { AppendIndex(table, index, isFirst, rules); }) || !rules.ReportsIndexFailure ||
+            StandsByNow(database, shape, find))
             continue;
         // The missing blank stands in the words that are known from the field.
         const QString words = rules.QuotesIndexName ? QStringLiteral("adding the index '%1' to the %2 table")
@@ -102,8 +114,8 @@ int CheckTable(Database& database, const TableShape& shape, const TableCheckRule
     pending.Clear();
     if (!pending.Try([&] { table = &database.TableDefs().Item(shape.Name); }))
         return Report(QStringLiteral("checking the %1 field").arg(shape.Fields.first().Name), pending, rules);
-    if (const int number = CheckFields(*table, shape, rules))
+    if (const int number = CheckFields(database, *table, shape, rules))
         return number;
-    CheckIndexes(*table, shape, rules);
+    CheckIndexes(database, *table, shape, rules);
     return 0;
 }

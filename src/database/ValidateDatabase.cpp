@@ -10,6 +10,7 @@
 #include "platform/records/DBEngine.h"
 
 #include <QFile>
+#include <QUuid>
 
 namespace
 {
@@ -47,6 +48,23 @@ qint16 CreateOnServer(const QString& name, const QString& connect, bool silent)
     return 0;
 }
 
+/// Another computer that opens the same new folder may put a whole file in its place at this moment, so what goes is
+/// looked at once more under a name of its own.
+void RemoveEmptyFile(const QString& fileName)
+{
+    const QString aside = fileName + QStringLiteral(".empty-") + QUuid::createUuid().toString(QUuid::Id128);
+    QFile file(fileName);
+    if (!file.rename(aside)) {
+        if (FileHelper::FileSize(fileName) == 0)
+            throw dao::Error(dao::errCannotOpen, file.errorString());
+        return;
+    }
+    if (FileHelper::FileSize(aside) > 0)
+        FileHelper::RenameWithProgress(aside, fileName, QString());
+    else
+        QFile::remove(aside);
+}
+
 /// 0, -1 when the user declines, or the number of the error that stopped it.
 qint16 CreateLocalFile(const QString& fileName, bool silent)
 {
@@ -62,17 +80,16 @@ qint16 CreateLocalFile(const QString& fileName, bool silent)
     FileHelper::CreateFolder(FileHelper::FolderOf(fileName));
     PendingError pending;
     if (FileHelper::FileSize(fileName) == 0) {
-        pending.Try([&] {
-            QFile file(fileName);
-            if (!file.remove())
-                throw dao::Error(dao::errCannotOpen, file.errorString());
-        });
+        pending.Try([&] { RemoveEmptyFile(fileName); });
         if (pending.Number() != 0)
             return Report(QStringLiteral("deleting the old file"), pending, false);
     }
     pending.Try(
         [&] { dao::DBEngine::CreateDatabase(fileName, QStringLiteral(";LANGID=0x0409;CP=1252;COUNTRY=0"))->Close(); });
-    return pending.Number() == 0 ? 0 : Report(QStringLiteral("creating the new database"), pending, false);
+    // Another computer that opens the same new folder may have been quicker; its file got the name when it was whole.
+    if (pending.Number() == 0 || FileHelper::FileSize(fileName) > 0)
+        return 0;
+    return Report(QStringLiteral("creating the new database"), pending, false);
 }
 
 int CheckDescriptionTable(dao::Database& database)
@@ -116,6 +133,15 @@ void AddDescriptionRow(dao::Recordset& recordset, qint32 type, bool silent, QStr
     recordset.SetCollect(QStringLiteral("Type"), type);
     recordset.Update();
 }
+/// Whether somebody else has added the row meanwhile.
+bool HasRow(dao::Database& database, const QString& connect)
+{
+    PendingError pending;
+    const auto recordset = OpenDescription(database, connect, pending);
+    bool hasRow = false;
+    pending.Try([&] { hasRow = recordset && !recordset->AtEOF(); });
+    return hasRow;
+}
 } // namespace
 
 qint16 DAO_DatabaseFunctions::ValidateDatabase(const QString& name, qint32 type, bool silent, QString& title,
@@ -141,12 +167,12 @@ qint16 DAO_DatabaseFunctions::ValidateDatabase(const QString& name, qint32 type,
     if (const int number = CheckDescriptionTable(*database))
         return static_cast<qint16>(number);
     const auto recordset = OpenDescription(*database, connect, pending);
-    if (pending.Number() == 0) {
-        pending.Try([&] {
-            if (recordset->AtEOF())
-                AddDescriptionRow(*recordset, type, silent, title);
-        });
-    }
+    bool isEmpty = false;
+    if (pending.Number() == 0)
+        pending.Try([&] { isEmpty = recordset->AtEOF(); });
+    if (isEmpty && !pending.Try([&] { AddDescriptionRow(*recordset, type, silent, title); }) &&
+        HasRow(*database, connect))
+        pending.Clear();
     if (pending.Number() != 0)
         return Report(QStringLiteral("opening the description information"), pending, false);
     recordset->Close();

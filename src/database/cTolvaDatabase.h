@@ -137,6 +137,12 @@ public:
     void SetStationCompanyNumber(const QString& number);
     QString StationVATNumber() const;
     void SetStationVATNumber(const QString& number);
+    /// Two-letter code (ISO 3166) of the country in whose form telephone numbers without a country code are read. Until
+    /// one is stored, by the first text message that is saved at the latest, this machine's default.
+    QString StationCountry() const;
+    /// What is no country's code is not stored. The keys of messages that stand already keep their form until
+    /// RewriteMessageKeys.
+    void SetStationCountry(const QString& country);
     /// The address on one line, its lines joined by the separator and a blank.
     QString StationAddressString(const QString& separator = QStringLiteral(",")) const;
     /// What is playing, from the ".oar" file beside the database, which other software writes too.
@@ -176,6 +182,10 @@ public:
     /// Sets and clears bits of enMsgFlags in the stored row and leaves the rest of the row, the mail included, as it is
     /// at that moment on whatever computer. Moves the change stamp, like a save. Needs the right to edit the message.
     bool ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear);
+    /// Writes the search keys of the messages with references from first to last anew where they are not what a save
+    /// would write: in one transaction, with the change stamp. A message that is deleted meanwhile is passed over. The
+    /// number of rows that changed. dao::Error when it cannot be done; then none of them changed.
+    int RewriteMessageKeys(qint32 first, qint32 last);
     /// Erases all messages of a folder, all or none of them. Raises no event, writes no audit entry and leaves the
     /// change stamp alone; rights are the caller's concern. False when it failed.
     bool DeleteMessagesOfCategory(enTolvaMessageCategories category);
@@ -190,22 +200,25 @@ public:
 
     /// Root of the tree as it was last loaded. Held nodes go stale at UpdateCategoryTree.
     clsCategory& MessageCategories() { return *MessageCategories_; }
-    /// One folder with all below it, freshly from the table; null for a reference of 0 or less.
+    /// One folder with all below it, freshly from the table; null for a reference that no folder can have (0 or less,
+    /// above 32,767).
     std::unique_ptr<clsCategory> GetMessageCategory(qint32 reference);
     /// Adds (Reference below 1, filled afterwards) or changes a folder. updateSubCategories: the stored children are
     /// replaced by those of the object. The tree is not refreshed. dao::Error on a failure.
     bool SaveMessageCategory(clsCategory& category, bool updateSubCategories = true);
-    /// False for a folder with sub-folders or messages. An absent one counts as deleted.
+    /// False for a folder with sub-folders or messages, and for a reference that no folder can have. An absent one
+    /// counts as deleted.
     bool DeleteMessageCategory(qint32 reference);
     void UpdateCategoryTree();
     /// The highest reference in use, 0 for none.
     qint16 LastMessageCategoryReference() const;
 
     /// Fills the host's list with every message to or from a contact, the newest sent first. emailAddresses and
-    /// phoneNumbers: "|" between the entries; with neither, every message. The columns' keys are fields of Messages,
-    /// or, behind the first, FOLDER, or SENT; a cell of another key stays empty. Items have the keys "m" + a message's
-    /// reference. The list stays as it is when no database is open, it has no columns, or it is no list view.
-    /// dao::Error when the messages cannot be read at all; the list is empty then.
+    /// phoneNumbers: "|" between the entries; with neither, every message, with numbers alone that are none, no
+    /// message. The columns' keys are fields of Messages, or, behind the first, FOLDER, or SENT; a cell of another key
+    /// stays empty. Items have the keys "m" + a message's reference. The list stays as it is when no database is open,
+    /// it has no columns, or it is no list view. dao::Error when the messages cannot be read at all; the list is empty
+    /// then.
     void FillMessagesListView(ListViewObject* lvwMessages, const QString& emailAddresses, const QString& phoneNumbers);
 
     // Prizes.
@@ -317,6 +330,8 @@ private:
     void SaveFixedCategories();
     void StoreCategory(clsCategory& category);
     void StoreCategoryTree(clsCategory& category);
+    QString KeyCountry(enMsgType type);
+    QList<qint32> MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const;
     cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
     bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, PendingError& pending);
     bool MayEditMessage(const cMessage& message) const;

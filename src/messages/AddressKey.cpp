@@ -18,9 +18,9 @@ QString BareAddress(const QString& element)
     return address;
 }
 
-QString SMSKeyEntry(const QString& address)
+QString SMSKeyEntry(const QString& address, const QString& country)
 {
-    QString number = GeneralHelper::NormalisePhoneNumber(address, 1);
+    QString number = GeneralHelper::NormalisePhoneNumber(address, 1, country);
     qsizetype zeros = 0;
     while (zeros < number.size() && number.at(zeros) == QLatin1Char('0'))
         ++zeros;
@@ -28,7 +28,7 @@ QString SMSKeyEntry(const QString& address)
 }
 } // namespace
 
-QString MakeAddressKey(const QString& addresses, enMsgType type)
+QString MakeAddressKey(const QString& addresses, enMsgType type, const QString& country)
 {
     if (addresses.isEmpty())
         return QString();
@@ -39,7 +39,7 @@ QString MakeAddressKey(const QString& addresses, enMsgType type)
         if (type == emtEmail) {
             entries.append(address);
         } else if (type == emtSMS && !address.isEmpty()) {
-            const QString number = SMSKeyEntry(address);
+            const QString number = SMSKeyEntry(address, country);
             if (!number.isEmpty())
                 entries.append(number);
         }

@@ -2,6 +2,7 @@
 
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
+#include "database/Collision.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/records/DBEngine.h"
 
@@ -27,9 +28,11 @@ std::unique_ptr<dao::Recordset> OpenCategories(dao::Database& database)
     return recordset;
 }
 
+constexpr qint32 HighestReference = std::numeric_limits<qint16>::max();
+
 qint16 ToReference(qint32 number)
 {
-    if (number > std::numeric_limits<qint16>::max())
+    if (number > HighestReference)
         throw dao::Error(dao::errOverflow, QStringLiteral("A folder's reference cannot be above 32767."));
     return static_cast<qint16>(number);
 }
@@ -86,7 +89,7 @@ void cTolvaDatabase::UpdateCategoryTree()
 
 std::unique_ptr<clsCategory> cTolvaDatabase::GetMessageCategory(qint32 reference)
 {
-    if (reference <= 0)
+    if (reference <= 0 || reference > HighestReference)
         return nullptr;
     auto category = std::make_unique<clsCategory>();
     category->SetReference(ToReference(reference));
@@ -100,7 +103,11 @@ qint16 cTolvaDatabase::LastMessageCategoryReference() const
     if (recordset->AtEOF())
         return 0;
     recordset->MoveLast();
-    return ToReference(recordset->Collect(QStringLiteral("Reference")).toInt());
+    const auto reference = [&] { return recordset->Collect(QStringLiteral("Reference")).toInt(); };
+    // What lies above is no folder's.
+    while (!recordset->AtBOF() && reference() > HighestReference)
+        recordset->MovePrevious();
+    return recordset->AtBOF() ? qint16{0} : ToReference(qMax(0, reference()));
 }
 
 bool cTolvaDatabase::SaveMessageCategory(clsCategory& category, bool updateSubCategories)
@@ -147,25 +154,26 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
 {
     if (reference <= 0)
         return false;
-    const auto category = GetMessageCategory(reference);
-    if (category->SubCategoryCount() >= 1)
-        return false;
-    const auto messages =
-        OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
-    if (messages->RecordCount() != 0)
-        return false;
-    const auto recordset = OpenCategories(*Database_);
-    recordset->Seek(dao::SeekComparison::Equal, {reference});
-    if (!recordset->NoMatch()) {
-        PendingError pending;
-        const bool deleted = pending.Try([&] { recordset->Delete(); });
-        KeepLastError(pending);
-        if (!deleted)
-            return false;
-    }
-    recordset->Close();
-    UpdateCategoryTree();
-    return true;
+    bool isGone = false;
+    PendingError pending;
+    pending.Try([&] {
+        const auto category = GetMessageCategory(reference);
+        if (!category || category->SubCategoryCount() >= 1)
+            return;
+        const auto messages =
+            OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
+        if (messages->RecordCount() != 0)
+            return;
+        const auto recordset = OpenCategories(*Database_);
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        if (!recordset->NoMatch())
+            recordset->Delete();
+        recordset->Close();
+        isGone = true;
+        UpdateCategoryTree();
+    });
+    KeepLastError(pending);
+    return isGone;
 }
 
 /// Makes sure that the row of a fixed folder is as it should be. One that is already so is not written: every computer
@@ -207,10 +215,12 @@ void cTolvaDatabase::SaveFixedCategories()
         {tmcDrafts, "Draft Messages", "folderdrafts"},
         {tmcAutomatic, "Auto-Messages", "foldersending"},
     };
-    InTransaction([&] {
-        for (const FixedCategory& category : fixed) {
-            SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
-                              QLatin1String(category.IconReference));
-        }
+    UntilNobodyInterferes([&] {
+        InTransaction([&] {
+            for (const FixedCategory& category : fixed) {
+                SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
+                                  QLatin1String(category.IconReference));
+            }
+        });
     });
 }

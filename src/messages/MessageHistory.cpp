@@ -49,18 +49,23 @@ QStringList Entries(const QString& list)
     return list.isEmpty() ? QStringList() : list.split(QLatin1Char('|'));
 }
 
-/// The condition as after the table's name; empty when nothing is asked for, which is everything.
-QString WhereClause(const QStringList& emailAddresses, const QStringList& phoneNumbers)
+/// The condition as after the table's name; empty when nothing is asked for, which is everything. Entries that nothing
+/// can be found by, such as a name among the numbers, find nothing.
+QString WhereClause(const QStringList& emailAddresses, const QStringList& phoneNumbers, const QString& country)
 {
     QString where;
     for (const QString& address : emailAddresses)
         AppendAddress(where, address);
     for (const QString& number : phoneNumbers) {
-        const QString key = GeneralHelper::PhoneNumberKey(number);
+        const QString key = GeneralHelper::PhoneNumberKey(number, country);
         if (!key.isEmpty())
             AppendAddress(where, key);
     }
-    return where.isEmpty() ? where : QStringLiteral(" WHERE (") + where + QStringLiteral(")");
+    if (where.isEmpty() && phoneNumbers.isEmpty())
+        return where;
+    if (where.isEmpty())
+        where = QStringLiteral("[Reference] IS NULL");
+    return QStringLiteral(" WHERE (") + where + QStringLiteral(")");
 }
 
 /// What a list shows of a field: its text, and for numbers and dates what it is sorted by.
@@ -196,7 +201,7 @@ void cTolvaDatabase::FillMessagesListView(ListViewObject* lvwMessages, const QSt
     if (lvwMessages->ColumnCount() <= 0)
         return;
     lvwMessages->ClearItems();
-    const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers));
+    const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), StationCountry());
     // A snapshot packs the rows without the mails; their text is read only for a column that shows it.
     const auto rows =
         OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where + QStringLiteral(" ORDER BY [Sent] DESC"));

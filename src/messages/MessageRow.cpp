@@ -81,6 +81,31 @@ QByteArray Trimmed(const QByteArray& octets)
     return octets.mid(begin, end - begin);
 }
 
+struct KeyColumn
+{
+    QString Name;
+    QString Addresses;
+};
+
+QList<KeyColumn> KeyColumns(const cdo::Message& mail)
+{
+    return {{Column::FromKey, mail.From()}, {Column::ToKey, mail.To()}, {Column::CcKey, mail.CC()}};
+}
+
+/// The key as it fits into its column.
+QString KeyFor(const dao::Field& field, const KeyColumn& column, enMsgType type, const QString& country)
+{
+    const QString key = MakeAddressKey(column.Addresses, type, country);
+    const QString fitting = FitAddressKey(key, field.Size() == 0 ? 255 : field.Size());
+    if (fitting.size() < key.size()) {
+        WriteDebugLog(QStringLiteral("%1 cut from %2 to %3 characters: not all addresses fit")
+                          .arg(column.Name)
+                          .arg(key.size())
+                          .arg(fitting.size()));
+    }
+    return fitting;
+}
+
 /// A text cut to a field's size, never between the two halves of a character.
 QString Cut(const QString& text, int size)
 {
@@ -140,7 +165,7 @@ bool cMessage::ReadFromRecordSet(qint32 reference, dao::Recordset* recordset)
 }
 
 bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highlightWords, const clsFont& highlightFont,
-                                PendingError& pending)
+                                const QString& country, PendingError& pending)
 {
     WriteDebugLog(QStringLiteral("Started cMessage:WriteToRecordSet"));
     if (!recordset)
@@ -164,7 +189,7 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     };
     setColumn(Column::MessageType, MessageType_);
     WriteDebugLog(QStringLiteral("Setting Keys"));
-    WriteAddressKeys(*recordset);
+    WriteAddressKeys(*recordset, country);
     WriteDebugLog(QStringLiteral("Setting Subject"));
     dao::Field& subject = (*recordset)[Column::Subject];
     subject.SetValue(Cut(cdo::HeaderBeginning(*CDOMessage_, "Subject"), subject.Size()));
@@ -198,23 +223,26 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     return saved;
 }
 
-void cMessage::WriteAddressKeys(dao::Recordset& recordset) const
+void cMessage::WriteAddressKeys(dao::Recordset& recordset, const QString& country) const
 {
-    const auto write = [&](const QString& name, const QString& addresses) {
-        dao::Field& field = recordset[name];
-        const QString key = MakeAddressKey(addresses, MessageType_);
-        const QString fitting = FitAddressKey(key, field.Size() == 0 ? 255 : field.Size());
-        if (fitting.size() < key.size()) {
-            WriteDebugLog(QStringLiteral("%1 cut from %2 to %3 characters: not all addresses fit")
-                              .arg(name)
-                              .arg(key.size())
-                              .arg(fitting.size()));
-        }
-        field.SetValue(fitting);
-    };
-    write(Column::FromKey, CDOMessage_->From());
-    write(Column::ToKey, CDOMessage_->To());
-    write(Column::CcKey, CDOMessage_->CC());
+    for (const KeyColumn& column : KeyColumns(*CDOMessage_)) {
+        dao::Field& field = recordset[column.Name];
+        field.SetValue(KeyFor(field, column, MessageType_, country));
+    }
+}
+
+QMap<QString, QString> cMessage::WrongAddressKeys(const dao::Recordset& row, const QString& country)
+{
+    const cdo::Message mail(MailOctets(row[Column::Message]));
+    const auto type = static_cast<enMsgType>(NumberOr(row.Collect(Column::MessageType), emtEmail));
+    QMap<QString, QString> wrong;
+    for (const KeyColumn& column : KeyColumns(mail)) {
+        const dao::Field& field = row[column.Name];
+        const QString key = KeyFor(field, column, type, country);
+        if (field.Value().toString() != key)
+            wrong.insert(column.Name, key);
+    }
+    return wrong;
 }
 
 void cMessage::MarkHighlightWords(const QString& highlightWords, const clsFont& highlightFont)

@@ -33,6 +33,14 @@ QString SubjectOf(const cMessagePtr& message)
 {
     return cdo::HeaderBeginning(*message->CDOMessage(), "Subject");
 }
+
+/// The message for an operation that answers rather than throws; null with the error in pending when it cannot be read.
+cMessagePtr ReadFor(cTolvaDatabase& database, qint32 reference, PendingError& pending)
+{
+    cMessagePtr message;
+    pending.Try([&] { message = database.GetMessage(reference); });
+    return message;
+}
 } // namespace
 
 cMessagePtr cTolvaDatabase::GetMessage(qint32 reference)
@@ -128,7 +136,8 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
     const QString title = isNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited");
 
     PendingError pending;
-    const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_, pending);
+    const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_,
+                                                 KeyCountry(message->MessageType()), pending);
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
         SetLastMessageChanged(ClockHelper::NowUTC());
@@ -151,9 +160,12 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
 cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCategories newCategory)
 {
     KeepLastError(PendingError());
-    if (Location().isEmpty() || reference <= 0 || !MessageCategories_->FindCategory(newCategory))
+    // The tree finds 0 too: its root, which is no folder.
+    if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !MessageCategories_->FindCategory(newCategory))
         return nullptr;
-    cMessagePtr message = GetMessage(reference);
+    PendingError pending;
+    cMessagePtr message = ReadFor(*this, reference, pending);
+    KeepLastError(pending);
     return message && MayEditMessage(*message) ? message : nullptr;
 }
 
@@ -221,7 +233,9 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     KeepLastError(PendingError());
     if (Location().isEmpty() || reference <= 0)
         return false;
-    const cMessagePtr message = GetMessage(reference);
+    PendingError pending;
+    const cMessagePtr message = ReadFor(*this, reference, pending);
+    KeepLastError(pending);
     if (!message || !MayEditMessage(*message))
         return false;
     const auto remove = [deletePermanently](dao::Recordset& row) {
@@ -233,7 +247,6 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
         row.SetCollect(QStringLiteral("Category"), tmcDeleted);
         row.Update();
     };
-    PendingError pending;
     if (!ChangeMessageRow(reference, remove, pending))
         return false;
     // 0 tells a list that the message is gone, 5 that it went to the bin.
@@ -249,7 +262,9 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
     KeepLastError(PendingError());
     if (Location().isEmpty() || reference <= 0)
         return false;
-    const cMessagePtr message = GetMessage(reference);
+    PendingError pending;
+    const cMessagePtr message = ReadFor(*this, reference, pending);
+    KeepLastError(pending);
     if (!message || !MayEditMessage(*message))
         return false;
     const auto change = [&](dao::Recordset& row) {
@@ -259,7 +274,6 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
         row.Update();
         message->SetFlags(flags);
     };
-    PendingError pending;
     if (!ChangeMessageRow(reference, change, pending))
         return false;
     const bool changed = pending.Number() == 0;

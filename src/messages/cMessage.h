@@ -5,6 +5,7 @@
 #include "platform/Export.h"
 #include "platform/mail/Message.h"
 
+#include <QMap>
 #include <QObject>
 
 #include <memory>
@@ -105,12 +106,16 @@ private:
     /// Reads the row with this reference, or the current row for 0. False when it is not there; the object is then
     /// untouched.
     bool ReadFromRecordSet(qint32 reference, dao::Recordset* recordset);
-    /// Writes the row, adding one when there is none with this reference. False when the update failed, with the error
+    /// Writes the row, adding one when there is none with this reference. country: in whose form the keys of a text
+    /// message hold its numbers. False when the update failed, with the error
     /// in pending; dao::Error for what fails before it.
     bool WriteToRecordSet(dao::Recordset* recordset, const QString& highlightWords, const clsFont& highlightFont,
-                          PendingError& pending);
+                          const QString& country, PendingError& pending);
     void MarkHighlightWords(const QString& highlightWords, const clsFont& highlightFont);
-    void WriteAddressKeys(dao::Recordset& recordset) const;
+    void WriteAddressKeys(dao::Recordset& recordset, const QString& country) const;
+    /// The key columns of a row in which stands something else than a save of its mail would write, with what belongs
+    /// there.
+    static QMap<QString, QString> WrongAddressKeys(const dao::Recordset& row, const QString& country);
     void ReadHeaderFields();
     Date HeaderDate(const QDateTime& universal) const;
 

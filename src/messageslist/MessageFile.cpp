@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -27,6 +28,13 @@ bool MayBeMail(const QByteArray& octets)
         return true;
     return !begin.contains('\0');
 }
+
+QString WhyNotWritten(const QString& fileName)
+{
+    QSaveFile file(fileName);
+    return file.open(QIODevice::WriteOnly) ? QStringLiteral("the disk is full or reports an error.")
+                                           : file.errorString();
+}
 } // namespace
 
 void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
@@ -35,7 +43,8 @@ void SaveMessageAsEml(const cMessagePtr& message, const QString& fileName)
         return;
     const FileStatus status = WholeFile::Write(fileName, message->CDOMessage()->Octets(), IfThere::Replace);
     if (!status.IsDone())
-        throw dao::Error(dao::ErrorNumberOf(status),
+        // Not the number of a database that cannot be opened: that one's words are of the station.
+        throw dao::Error(status.Error() == FileError::Full ? dao::errDiskFull : dao::errDiskError,
                          QStringLiteral("The file %1 could not be written: %2").arg(fileName, status.Words()));
 }
 

@@ -111,7 +111,7 @@ QStringList uMessagesList::WritePromisedFile(qint32 reference)
         const QString path = FileHelper::Join(folder, subject + QStringLiteral(".eml"));
         if (QFileInfo(path).absolutePath() != QFileInfo(temporary).absolutePath() || subject.contains(u'\0')) {
             throw dao::Error(
-                dao::errNotAValidPath,
+                dao::errNotSupported,
                 QStringLiteral("\"%1\" cannot be the name of a file. Please export the message.").arg(subject));
         }
         SaveMessageAsEml(message, path);

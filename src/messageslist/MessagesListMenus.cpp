@@ -102,8 +102,8 @@ void uMessagesList::MakeCategoryMenu()
     AddSeparator(menu, "mnuNewFolderSep");
     QMenu& added = AddSubMenu(menu, "mnuNew", "&New");
     add(added, "mnuNewFolder", "New &Folder", [](uMessagesList& list) { list.NewFolder(); });
-    AddSeparator(menu, "mnuNewMessageSep");
-    add(menu, "mnuNewMessage", "New &Message", [](uMessagesList& list) { list.NewMessageCommand(); });
+    AddSeparator(added, "mnuNewMessageSep");
+    add(added, "mnuNewMessage", "New &Message", [](uMessagesList& list) { list.NewMessageCommand(); });
     AddSeparator(menu, "mnuEmptySep");
     add(menu, "mnuEmpty", "&Empty Folder", [](uMessagesList& list) { list.EmptyFolder(); });
     AddSeparator(menu, "mnuDeleteFolderSep");

@@ -179,13 +179,16 @@ void uMessagesList::ResetDisplay()
 
 void uMessagesList::SetCategory(enTolvaMessageCategories category)
 {
-    if (!HasDatabase() || category < 0 || category > clsTolvaDatabase_->LastMessageCategoryReference())
-        return;
-    const QString key = CategoryKey(category);
-    if (!treeCategories_->SelectNode(key))
-        return;
-    treeCategories_->Expand(key);
-    TakeNodeClick(key);
+    // A property throws nothing at who sets it: a find text that is refused, or a station that is away, is told.
+    Handle("Category", [&] {
+        if (!HasDatabase() || category < 0 || category > clsTolvaDatabase_->LastMessageCategoryReference())
+            return;
+        const QString key = CategoryKey(category);
+        if (!treeCategories_->SelectNode(key))
+            return;
+        treeCategories_->Expand(key);
+        TakeNodeClick(key);
+    });
 }
 
 void uMessagesList::TellContainer(const QString& key)

@@ -35,5 +35,7 @@ bool cTolvaDatabase::SaveAvailableHoursHotlist(const QString& availableHours, QO
     const QString key = UserInterface::Current().GetHotlist(AvailableHours, *recordset, true, parentForm);
     if (key.isEmpty())
         return false;
-    return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), key, availableHours, QString(), SilentMode_) == 0;
+    // A hotlist has no default: it keeps its row, and so its name, also without an hour.
+    const QString noDefault = availableHours + u'-';
+    return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), key, availableHours, noDefault, SilentMode_) == 0;
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 namespace
 {
@@ -58,9 +59,11 @@ bool cTolvaDatabase::GetPrizeWinners(const cPrizePtr& prize)
 {
     if (!prize || !Database_)
         return false;
-    const bool wasEdited = prize->Edited();
+    qint32 number = 0;
     bool isThere = false;
+    std::vector<cPrizeWinnerPtr> read;
     PendingError pending;
+    // All is read before the prize is touched: one whose winners cannot be read stays as it was.
     const bool isRead = pending.Try([&] {
         const auto prizes = Database_->OpenRecordset(PrizesTable, dao::dbOpenTable);
         prizes->SetIndex(MainIndex);
@@ -68,26 +71,29 @@ bool cTolvaDatabase::GetPrizeWinners(const cPrizePtr& prize)
         isThere = !prizes->NoMatch();
         if (!isThere)
             return;
-        prize->SetRaiseEvents(false);
-        prize->SetNumberWinners(0); // empties the slots
-        prize->SetNumberWinners(prizes->Collect(QStringLiteral("NumberWinners")).toInt());
+        number = prizes->Collect(QStringLiteral("NumberWinners")).toInt();
         prizes->Close();
         const auto winners =
             OpenSnapshot(QStringLiteral("SELECT * FROM [PrizeWinners] WHERE [PrizeReference]=%1 ORDER BY [WonDate]")
                              .arg(prize->Reference()));
-        for (qint32 slot = 1; !winners->AtEOF() && slot <= prize->NumberWinners(); ++slot, winners->MoveNext()) {
-            const cPrizeWinnerPtr winner(new cPrizeWinner);
-            winner->ReadFromRecordSet(winners.get());
-            prize->PutIntoSlot(slot, winner);
+        for (qint32 slot = 1; !winners->AtEOF() && slot <= number; ++slot, winners->MoveNext()) {
+            read.emplace_back(new cPrizeWinner);
+            read.back()->ReadFromRecordSet(winners.get());
         }
-        prize->SetWinnersRead(true);
     });
     KeepLastError(pending);
-    if (isThere) {
-        prize->SetEdited(wasEdited);
-        prize->SetRaiseEvents(true);
-    }
-    return isThere && isRead;
+    if (!isThere || !isRead)
+        return false;
+    const bool wasEdited = prize->Edited();
+    prize->SetRaiseEvents(false);
+    prize->SetNumberWinners(0); // empties the slots
+    prize->SetNumberWinners(number);
+    for (qint32 slot = 1; slot <= static_cast<qint32>(read.size()); ++slot)
+        prize->PutIntoSlot(slot, read[static_cast<std::size_t>(slot - 1)]);
+    prize->SetWinnersRead(true);
+    prize->SetEdited(wasEdited);
+    prize->SetRaiseEvents(true);
+    return true;
 }
 
 cPrizeWinnerPtr cTolvaDatabase::GetNewPrizeWinner(const cPrizePtr& prize)

@@ -146,6 +146,20 @@ TEST_F(FilingTest, BadFilesAreNamedAndCountedAndTheRestIsFiled)
     EXPECT_EQ(Messages().size(), 2);
 }
 
+TEST_F(FilingTest, WhatComesOnStandardInputIsFiledWhateverItLooksLike)
+{
+    int filed = 0;
+    for (const QByteArray& octets :
+         {QByteArray("no header at all\r\n"), QByteArray("\n\n"), QByteArray("\0\xFF\x89PNG", 6),
+          QByteArray("From nobody Fri Nov 20 08:00:00 2026\n"), QByteArray(300, '\xE4')}) {
+        EXPECT_EQ(OnStation("file", {QStringLiteral("-")}, octets).Output, "filed 1, failed 0\n") << octets.constData();
+        EXPECT_EQ(Expect("show", {QString::number(++filed), QStringLiteral("--raw")}), octets);
+    }
+    const Outcome empty = OnStation("file", {QStringLiteral("-")});
+    EXPECT_EQ(empty.Code, 65);
+    EXPECT_EQ(empty.Output, "filed 0, failed 1\n");
+}
+
 TEST_F(FilingTest, AMissingPathFilesNothingOfTheOthers)
 {
     const QString good = Write(QStringLiteral("good.eml"), Mail("good"));

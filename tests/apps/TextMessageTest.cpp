@@ -24,8 +24,8 @@ TEST_F(TextMessageTest, ATextOnStandardInputIsFiledWithItsNumber)
                  From(QStringLiteral("+44 7700 900123")) << QStringLiteral("--to") << QStringLiteral("07700 900001"));
     const QJsonObject message = Messages().value(0);
     EXPECT_EQ(message.value(QStringLiteral("type")).toString(), QStringLiteral("sms"));
-    EXPECT_EQ(message.value(QStringLiteral("from")).toString(), QStringLiteral("7700900123"));
-    EXPECT_EQ(message.value(QStringLiteral("to")).toString(), QStringLiteral("7700900001"));
+    EXPECT_EQ(message.value(QStringLiteral("from")).toString(), QStringLiteral("+44 7700 900123"));
+    EXPECT_EQ(message.value(QStringLiteral("to")).toString(), QStringLiteral("07700 900001"));
     EXPECT_EQ(Shown(reference).value(QStringLiteral("text")).toString().trimmed(),
               QString::fromUtf8("Can you play <b>the shanty</b> & more? \xF0\x9F\x8E\xB6"));
     EXPECT_TRUE(Shown(reference)
@@ -38,7 +38,22 @@ TEST_F(TextMessageTest, WithoutARecipientItGoesToTheStationsNumber)
 {
     Expect("setting", {QStringLiteral("Station.SMSPhoneNumber"), QStringLiteral("07700 900001")});
     FileMail("Hello", From(QStringLiteral("07700 900123")));
-    EXPECT_EQ(Messages().value(0).value(QStringLiteral("to")).toString(), QStringLiteral("7700900001"));
+    EXPECT_EQ(Messages().value(0).value(QStringLiteral("to")).toString(), QStringLiteral("07700 900001"));
+}
+
+TEST_F(TextMessageTest, TheSenderReadsTheSameInListAndShow)
+{
+    for (const char* sender : {"+44 7700 900123", "0044 7700 900123", "00800", "Weather Ship", "Pete <07700 900123>"}) {
+        const QString reference = FileMail("Hello", From(QString::fromLatin1(sender)));
+        const QByteArray listed =
+            Expect("list", {QStringLiteral("--where"), QStringLiteral("[Reference]=") + reference});
+        const QByteArray shown = Expect("show", {reference});
+        EXPECT_TRUE(listed.contains(sender)) << listed.constData();
+        EXPECT_TRUE(shown.contains(QByteArray("From:        ") + sender + '\n')) << shown.constData();
+        const QJsonObject row =
+            Messages({QStringLiteral("--where"), QStringLiteral("[Reference]=") + reference}).value(0);
+        EXPECT_EQ(row.value(QStringLiteral("from")), Shown(reference).value(QStringLiteral("from"))) << sender;
+    }
 }
 
 TEST_F(TextMessageTest, ShortCodesAndSendersNamesAreKept)
@@ -61,7 +76,7 @@ TEST_F(TextMessageTest, AnEmptyTextIsFiledForItTellsWhoSentIt)
 {
     FileMail("", From(QStringLiteral("07700 900123")));
     ASSERT_EQ(Messages().size(), 1);
-    EXPECT_EQ(Messages().first().value(QStringLiteral("from")).toString(), QStringLiteral("7700900123"));
+    EXPECT_EQ(Messages().first().value(QStringLiteral("from")).toString(), QStringLiteral("07700 900123"));
 }
 
 TEST_F(TextMessageTest, ATextThatIsNotUtf8IsReadAsLatin1)
@@ -79,7 +94,7 @@ TEST_F(TextMessageTest, AFileBringsNumberAndDateWithIt)
                                                           "Received: 2026-11-20 08:33:20\n\nLine one\nLine two\n");
     Expect("file", {path});
     const QJsonObject message = Messages().value(0);
-    EXPECT_EQ(message.value(QStringLiteral("from")).toString(), QStringLiteral("7700900321"));
+    EXPECT_EQ(message.value(QStringLiteral("from")).toString(), QStringLiteral("07700 900321"));
     EXPECT_EQ(message.value(QStringLiteral("sent")).toString(), QStringLiteral("2026-11-20T08:33:20Z"));
     EXPECT_EQ(message.value(QStringLiteral("received")).toString(), QStringLiteral("2026-11-20T08:33:20Z"));
 }

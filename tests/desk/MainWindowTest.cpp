@@ -507,6 +507,11 @@ TEST_F(MainWindowTest, AnErrorOfThePollingBecomesANoticeAndNoBox)
         dao::Error(dao::errFileDamaged, QStringLiteral("x"), QStringLiteral("uMessagesList.timerUpdateList"))));
     EXPECT_EQ(Notice("connectionNotice").Text(),
               QStringLiteral("The station's file is damaged. Please tell your technician; nothing is written to it."));
+    EXPECT_TRUE(Window->TakeRunTimeError(
+        dao::Error(dao::errSyntax, QStringLiteral("x"), QStringLiteral("uMessagesList.timerUpdateList"))));
+    EXPECT_EQ(Notice("connectionNotice").Text(),
+              QStringLiteral("The text to find cannot be used: it cannot hold a double quote, and a [ needs its ]."))
+        << "a typed text is no lost folder";
 }
 
 TEST_F(MainWindowTest, OnlyTheTechnicianMayEditUsers)

@@ -129,7 +129,13 @@ TEST_F(StationMenuTest, ADeskThatRunsForDaysMakesTheBackupOfEachDay)
 {
     Station.Database().SetEnableAutoBackup(true);
     Station.BackUp();
+    const auto entries = [this] {
+        const auto directory = dao::DBEngine::OpenDatabase(StationPlace::DirectoryFileIn(Folder()));
+        return directory->OpenRecordset(QStringLiteral("UserLog"), dao::dbOpenSnapshot)->RecordCount();
+    };
+    const int before = entries();
     EXPECT_FALSE(Station.BackUpWhenDue()) << "today has its backup";
+    EXPECT_EQ(entries(), before) << "a look is nobody's deed";
     FixedClock clock(QDateTime::currentDateTimeUtc().addDays(1));
     EXPECT_TRUE(Station.BackUpWhenDue());
     EXPECT_FALSE(Station.BackUpWhenDue());

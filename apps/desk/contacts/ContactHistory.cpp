@@ -4,6 +4,7 @@
 #include "SenderContact.h"
 #include "common/GeneralHelper.h"
 #include "common/UserInterface.h"
+#include "messages/AddressKey.h"
 #include "platform/widgets/ListView.h"
 #include "prizes/PrizeRows.h"
 
@@ -38,6 +39,12 @@ QString WithoutBars(const QString& key)
 QString AddressesOf(const clsKVContact& contact)
 {
     QStringList addresses{contact.Email.trimmed(), contact.SecondEmail.trimmed()};
+    // Senders who have a name instead of a number are searched for as they stand in a key.
+    for (const QString& number : {contact.Mobile, contact.Telephone}) {
+        const QStringList entries = MakeAddressKey(number, emtSMS).split(u'|', Qt::SkipEmptyParts);
+        if (entries.size() == 1 && GeneralHelper::PhoneNumberKey(number).isEmpty())
+            addresses.append(entries.first());
+    }
     addresses.removeIf([](const QString& address) { return address.isEmpty() || address.contains(u'|'); });
     return addresses.join(u'|');
 }

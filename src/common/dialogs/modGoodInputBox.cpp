@@ -31,7 +31,6 @@ qint32 GoodInputBox(const QString& Prompt, const QString& Title, const QString& 
                     QString& Result, QWidget* OwnerForm, const QString& PasswordChar, bool Modal,
                     const QVariant& BackColour, QWidget* IconForm)
 {
-    Result.clear();
     const QPointer<QWidget> owner(OwnerForm ? OwnerForm->window() : QApplication::activeWindow());
     // The owner may go while the box waits, and takes it along.
     const QPointer<frmGoodInputBox> form(new frmGoodInputBox(Modal && OwnerForm ? OwnerForm->window() : nullptr));
@@ -43,6 +42,7 @@ qint32 GoodInputBox(const QString& Prompt, const QString& Title, const QString& 
     form->SetText(Default);
     form->SetTLength(MaxLength);
     form->SetPasswordChar(PasswordChar);
+    Result.clear(); // only now: it may be the caller's variable for one of the texts
     if (Modal)
         form->exec();
     else

@@ -146,6 +146,10 @@ QWidget* frmDatabaseSettings::MakeGeneralPage()
         AddRow<TextBox>(*rows, "lblStationVATNoDesc", QStringLiteral("&VAT Number:"), "txtStationVATNumber");
     lblDatabaseLockingMode_ = MakeControl<QLabel>(page, "lblDatabaseLockingMode");
     lblDatabaseLockingMode_->setWordWrap(true);
+    // The words are those of the mode that was asked for; what they mean with this file is more than they say.
+    lblDatabaseLockingMode_->setToolTip(
+        tr("Whoever writes has the file to himself for the moment of the write. A row that somebody else changed "
+           "since it was read is not overwritten."));
     rows->addWidget(lblDatabaseLockingMode_, rows->rowCount(), 0, 1, 2);
     rows->setRowStretch(rows->rowCount(), 1);
     return page;

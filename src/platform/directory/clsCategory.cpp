@@ -18,17 +18,13 @@ int Number(const dao::Field& field)
     return field.Value().toInt();
 }
 
-qint16 ShortReference(const dao::Field& field, const QString& title)
+bool FitsReference(int number)
 {
-    const int reference = Number(field);
-    if (reference < std::numeric_limits<qint16>::min() || reference > std::numeric_limits<qint16>::max())
-        throw dao::Error(dao::errOverflow,
-                         QStringLiteral("%1: the reference %2 does not fit 16 bits.").arg(title).arg(reference));
-    return static_cast<qint16>(reference);
+    return number >= std::numeric_limits<qint16>::min() && number <= std::numeric_limits<qint16>::max();
 }
 
 /// All rows, each a node of its own as yet. A snapshot, so that nobody else's change comes between two rows.
-Nodes ReadRows(dao::Database& database, const QString& title, const QString& tableName)
+Nodes ReadRows(dao::Database& database, const QString& tableName)
 {
     const std::unique_ptr<dao::Recordset> rows = database.OpenRecordset(tableName, dao::dbOpenSnapshot);
     const dao::Recordset& columns = *rows;
@@ -46,8 +42,11 @@ Nodes ReadRows(dao::Database& database, const QString& title, const QString& tab
 
     Nodes nodes;
     for (; !rows->AtEOF(); rows->MoveNext()) {
+        // A number that no folder can bear makes none; it keeps nobody from the others.
+        if (!FitsReference(Number(reference)))
+            continue;
         auto node = std::make_unique<clsCategory>();
-        node->SetReference(ShortReference(reference, title));
+        node->SetReference(static_cast<qint16>(Number(reference)));
         node->SetParentReference(Number(parentReference));
         node->SetDescription(description.Value().toString());
         node->SetSortKey(Number(sortKey));
@@ -132,9 +131,9 @@ clsCategory::~clsCategory()
     }
 }
 
-void clsCategory::LoadCategories(dao::Database& database, const QString& title, const QString& tableName)
+void clsCategory::LoadCategories(dao::Database& database, const QString&, const QString& tableName)
 {
-    Nodes nodes = ReadRows(database, title, tableName);
+    Nodes nodes = ReadRows(database, tableName);
     std::sort(nodes.begin(), nodes.end(), StandsBefore);
     std::vector<std::size_t> parents = FindParents(nodes);
     CutRings(nodes, parents);

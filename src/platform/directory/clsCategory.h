@@ -50,10 +50,9 @@ public:
     /// Loads the node whose Reference is set, and all below it, from the table, in one read. Reference 0 is the root of
     /// the whole tree: its own fields stay, and rows whose parent is absent stand directly below it, so that no folder
     /// is ever out of reach. Rows that form a ring are cut at their lowest reference and treated the same way; such
-    /// rows keep the ParentReference that is stored. title: the words used in errors. A node that the table lacks keeps
-    /// its fields and has no sub-categories. dao::Error as the table raises it, and error 6 when any row's reference
-    /// does not fit 16 bits: such a row would share a number with another folder or vanish. After an error the node is
-    /// as it was.
+    /// rows keep the ParentReference that is stored. A row whose reference does not fit 16 bits is no folder and is
+    /// left out. A node that the table lacks keeps its fields and has no sub-categories. dao::Error as the table raises
+    /// it; the node is as it was then. title: of no effect; hosts pass it.
     void LoadCategories(dao::Database& database, const QString& title, const QString& tableName);
 
     /// This node or one below it at any depth; null when there is none. The pointer lives until the next load.

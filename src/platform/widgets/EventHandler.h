@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/PendingError.h"
 #include "common/UserInterface.h"
 
 #include <new>
@@ -17,5 +18,8 @@ void RunEventHandler(const QString& source, Work&& work)
     } catch (const std::bad_alloc&) {
         UserInterface::Current().RunTimeError(
             dao::Error(dao::errOutOfMemory, QStringLiteral("There is not enough memory."), source));
+    } catch (const std::exception& error) {
+        UserInterface::Current().RunTimeError(
+            dao::Error(PendingError::InvalidCall, QString::fromUtf8(error.what()), source));
     }
 }

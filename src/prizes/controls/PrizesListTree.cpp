@@ -2,8 +2,8 @@
 
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/Icons.h"
+#include "prizes/controls/PrizesListHandler.h"
 #include "prizes/controls/PrizesListNames.h"
-#include "prizes/controls/uPrizesList.h"
 
 #include <utility>
 
@@ -43,9 +43,12 @@ void uPrizesList::SetCategory(enPrizeListCategory category)
 {
     if (category < 0 || category > plcRecentlyWonPrizes)
         return;
-    const QString key = NodeKey(category);
-    if (treeCategories_->SelectNode(key))
-        TakeNodeClick(key);
+    // A property throws nothing at who sets it.
+    Handle("Category", [&] {
+        const QString key = NodeKey(category);
+        if (treeCategories_->SelectNode(key))
+            TakeNodeClick(key);
+    });
 }
 
 void uPrizesList::TakeNodeClick(const QString& key)

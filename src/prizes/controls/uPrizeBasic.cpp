@@ -189,7 +189,7 @@ void uPrizeBasic::ConnectControls()
     connect(cmdAddWinner_, &QPushButton::clicked, this, &uPrizeBasic::TakeAddWinner);
     connect(cmdShowWinner_, &QPushButton::clicked, this, &uPrizeBasic::TakeShowWinner);
     connect(tmrRefresh_, &QTimer::timeout, this,
-            [this] { RunEventHandler(QStringLiteral("uPrizeBasic.tmrRefresh"), [this] { UpdateWinners(); }); });
+            [this] { RunEventHandler(QStringLiteral("uPrizeBasic.tmrRefresh"), [this] { ShowWinners(); }); });
 }
 
 void uPrizeBasic::SetPrize(const cPrizePtr& prize)
@@ -210,6 +210,11 @@ void uPrizeBasic::SetPrize(const cPrizePtr& prize)
 }
 
 void uPrizeBasic::UpdateWinners()
+{
+    RunEventHandler(QStringLiteral("uPrizeBasic.UpdateWinners"), [this] { ShowWinners(); });
+}
+
+void uPrizeBasic::ShowWinners()
 {
     tmrRefresh_->stop();
     if (!Prize_ || !Prize_->WinnersRead()) {

@@ -37,7 +37,8 @@ public:
     void SetDirectoryDatabase(clsKVDirectory* directory) { DirectoryDatabase_ = directory; }
 
     /// Brings the status line and the list in line with the prize, item by item, so that the selection and the scroll
-    /// position stay. dao::Error of the directory. Runs by itself every 20 seconds, for the relative times.
+    /// position stay. An error of the directory goes to UserInterface::RunTimeError. Runs by itself every 20 seconds,
+    /// for the relative times.
     void UpdateWinners();
 
     /// 32-bit colour.
@@ -72,6 +73,7 @@ private:
     void ConnectControls();
     void LayOut();
     void ApplyBackColour();
+    void ShowWinners();
     void ClearWinners();
     QString StatusLine() const;
     void ShowWinner(qint16 slot, const cPrizeWinner& winner);

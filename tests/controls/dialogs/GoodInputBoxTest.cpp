@@ -54,6 +54,18 @@ protected:
     QString Result = QStringLiteral("before");
 };
 
+TEST_F(GoodInputBoxTest, OneVariableServesAsDefaultAndResult)
+{
+    QString shownText;
+    const WhenShown<frmGoodInputBox> shown([&](frmGoodInputBox& form) {
+        shownText = Text1(form).text();
+        Click(form, "cmdOK");
+    });
+    EXPECT_EQ(GoodInputBox(Prompt, Title, Result, QString(), Result), 0);
+    EXPECT_EQ(shownText, QStringLiteral("before"));
+    EXPECT_EQ(Result, QStringLiteral("before"));
+}
+
 TEST_F(GoodInputBoxTest, ShowsPromptTitleAndDefaultInATextBoxAlone)
 {
     EXPECT_EQ(

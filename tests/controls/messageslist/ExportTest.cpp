@@ -1,5 +1,6 @@
 // Exporting a message to a file.
 
+#include "common/dialogs/RunTimeErrorText.h"
 #include "messageslist/ErrorCatcher.h"
 #include "messageslist/MessageCommandTest.h"
 #include "support/ScriptedFileDialog.h"
@@ -110,9 +111,12 @@ TEST_F(ExportTest, APlaceThatCannotBeWrittenIsTold)
     ScriptedFileDialog dialogs;
     dialogs.ExpectSave(taken);
     ChooseForRow(1, "mnuExportMessage");
-    EXPECT_EQ(errors.Numbers(), QList<int>{dao::errCannotOpen});
-    EXPECT_EQ(errors.Descriptions(),
-              QStringList{QStringLiteral("The file %1 could not be written: it is a folder.").arg(taken)});
+    EXPECT_EQ(errors.Numbers(), QList<int>{dao::errDiskError});
+    ASSERT_EQ(errors.Descriptions().size(), 1);
+    const QString words = RunTimeErrorText(dao::Error(errors.Numbers().first(), errors.Descriptions().first()));
+    EXPECT_TRUE(words.startsWith(QStringLiteral("The file %1 could not be written: ").arg(taken))) << qPrintable(words);
+    EXPECT_TRUE(words.contains(QStringLiteral("folder"))) << "the reason: " << qPrintable(words);
+    EXPECT_FALSE(words.contains(QStringLiteral("network"))) << qPrintable(words);
     EXPECT_EQ(errors.Sources(), QStringList{QStringLiteral("uMessagesList.mnuExportMessage")});
 }
 

@@ -280,7 +280,7 @@ TEST_F(MessagesListDragTest, ASubjectThatLeadsOutOfTheFolderGivesNoFileAndAnErro
         Find(subject);
         ASSERT_EQ(List->NumberItems(), 1) << qPrintable(subject);
         Ui.ExpectRunTimeError(
-            3044, QStringLiteral("\"%1\" cannot be the name of a file. Please export the message.").arg(subject));
+            3251, QStringLiteral("\"%1\" cannot be the name of a file. Please export the message.").arg(subject));
         QStringList dropped;
         Target = [&](const DragData& data) {
             dropped = DragData::Files(data);

@@ -81,7 +81,7 @@ TEST_F(MessageFileTest, AFileThatCannotBeWrittenIsAnError)
         SaveMessageAsEml(Make(Odd()), Path(QStringLiteral("taken.eml")));
         FAIL() << "no error";
     } catch (const dao::Error& error) {
-        EXPECT_EQ(error.Number(), dao::errCannotOpen);
+        EXPECT_EQ(error.Number(), dao::errDiskError);
         EXPECT_EQ(
             error.Description(),
             QStringLiteral("The file %1 could not be written: it is a folder.").arg(Path(QStringLiteral("taken.eml"))));

@@ -136,6 +136,24 @@ TEST_F(MessagesListQueryTest, WildcardsOfTheFindTextAreTheUsers)
     EXPECT_EQ(Subjects(), QStringList{QStringLiteral("Song 22 please")});
 }
 
+TEST_F(MessagesListQueryTest, ChoosingAFolderThrowsNothingAtItsHost)
+{
+    Save(QStringLiteral("One"));
+    Attach();
+    Box->SetText(QStringLiteral("a\"b"));
+    QString words;
+    try {
+        List->UpdateDisplay();
+    } catch (const dao::Error& error) {
+        words = error.Description();
+    }
+    Ui.ExpectRunTimeError(3075, words);
+    EXPECT_NO_THROW(List->SetCategory(tmcSaved));
+    ASSERT_EQ(Ui.RunTimeErrors().size(), 1);
+    for (const int category : {32767, 40000, -1})
+        EXPECT_NO_THROW(List->SetCategory(static_cast<enTolvaMessageCategories>(category)));
+}
+
 TEST_F(MessagesListQueryTest, ADoubleQuoteInTheFindTextIsAnErrorAfterWhichTheListGoesOn)
 {
     const qint32 one = Save(QStringLiteral("One"));

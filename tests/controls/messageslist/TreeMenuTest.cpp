@@ -52,8 +52,6 @@ TEST_F(TreeMenuTest, TheEntriesStandInTheirOrderWithTheirCaptions)
         QStringLiteral("mnuCategoryAllUnRead Mark all as &Unread"),
         QStringLiteral("mnuNewFolderSep |"),
         QStringLiteral("mnuNew &New"),
-        QStringLiteral("mnuNewMessageSep |"),
-        QStringLiteral("mnuNewMessage New &Message"),
         QStringLiteral("mnuEmptySep |"),
         QStringLiteral("mnuEmpty &Empty Folder"),
         QStringLiteral("mnuDeleteFolderSep |"),
@@ -61,7 +59,9 @@ TEST_F(TreeMenuTest, TheEntriesStandInTheirOrderWithTheirCaptions)
         QStringLiteral("mnuRenameFolder Rename &Folder"),
     };
     EXPECT_EQ(EntriesOf(*List->CategoryMenu()), expected);
-    EXPECT_EQ(EntriesOf(*Entry("mnuNew").menu()), QStringList{QStringLiteral("mnuNewFolder New &Folder")});
+    const QStringList added = {QStringLiteral("mnuNewFolder New &Folder"), QStringLiteral("mnuNewMessageSep |"),
+                               QStringLiteral("mnuNewMessage New &Message")};
+    EXPECT_EQ(EntriesOf(*Entry("mnuNew").menu()), added);
     EXPECT_EQ(List->CategoryMenu()->defaultAction(), &Entry("mnuOpenFolder"));
     EXPECT_EQ(List->CategoryMenu()->objectName(), QStringLiteral("mnuPopupCategory"));
 }

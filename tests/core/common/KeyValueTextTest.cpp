@@ -60,12 +60,12 @@ TEST(KeyValueTextTest, AnUnclosedQuoteEndsWithTheText)
     EXPECT_EQ(Get(u"Name=", u"Name"), QString());
 }
 
-TEST(KeyValueTextTest, QuotesStayWhenAskedTo)
+TEST(KeyValueTextTest, TheQuotesAreNotPartOfTheValueWhateverIsAsked)
 {
     const QString text = QStringLiteral("A=\"1 2\" B=3 C=\"4");
-    EXPECT_EQ(GetKeyValue(text, QStringLiteral("A"), Blank, false), u"\"1 2\"");
+    EXPECT_EQ(GetKeyValue(text, QStringLiteral("A"), Blank, false), u"1 2");
     EXPECT_EQ(GetKeyValue(text, QStringLiteral("B"), Blank, false), u"3");
-    EXPECT_EQ(GetKeyValue(text, QStringLiteral("C"), Blank, false), u"\"4");
+    EXPECT_EQ(GetKeyValue(text, QStringLiteral("C"), Blank, false), u"4");
 }
 
 TEST(KeyValueTextTest, DelimiterAndSeparatorMayBeOthers)

@@ -30,26 +30,29 @@ TEST(PhoneNumberTest, EveryWayOfWritingANumberMeets)
     }
 }
 
-TEST(PhoneNumberTest, AForeignNumberIsItsNationalNumber)
+TEST(PhoneNumberTest, ANumberOfAnotherCountryKeepsItsCountryCode)
 {
     const ScriptedRegistry registry;
-    EXPECT_EQ(Normalised(u"+49 171 1234567"), u"1711234567");
-    EXPECT_EQ(Key(u"0049 171 1234567"), u"1711234567");
-    EXPECT_EQ(Normalised(u"+1 (202) 555-0123"), u"2025550123");
+    EXPECT_EQ(Normalised(u"+49 171 1234567"), u"491711234567");
+    EXPECT_EQ(Key(u"0049 171 1234567"), u"491711234567");
+    EXPECT_EQ(Normalised(u"+1 (202) 555-0123"), u"12025550123");
+    EXPECT_NE(Key(u"+49 7700 900123"), Key(u"+44 7700 900123"));
 }
 
-TEST(PhoneNumberTest, AnItalianLeadingZeroIsPartOfTheNumberButNotOfItsKey)
+TEST(PhoneNumberTest, AnItalianLeadingZeroIsPartOfTheNumberButNotOfItsKeyInItaly)
 {
     const ScriptedRegistry registry;
-    EXPECT_EQ(Normalised(u"+39 06 6982 1234"), u"0669821234");
-    EXPECT_EQ(Key(u"+39 06 6982 1234"), u"669821234");
+    EXPECT_EQ(Normalised(u"+39 06 6982 1234"), u"390669821234");
+    EXPECT_EQ(GeneralHelper::NormalisePhoneNumber(QStringLiteral("06 6982 1234"), 1, QStringLiteral("IT")),
+              u"0669821234");
+    EXPECT_EQ(GeneralHelper::PhoneNumberKey(QStringLiteral("+39 06 6982 1234"), QStringLiteral("IT")), u"669821234");
 }
 
 TEST(PhoneNumberTest, TheKeyIsTheNormalFormWithoutLeadingZeros)
 {
     const ScriptedRegistry registry;
-    for (const char16_t* number :
-         {u"+44 20 7946 0018", u"+39 06 6982 1234", u"+49 171 1234567", u"+33 1 42 68 53 00"}) {
+    for (const char16_t* number : {u"+44 20 7946 0018", u"+39 06 6982 1234", u"+49 171 1234567", u"+33 1 42 68 53 00",
+                                   u"80058", u"00 80058", u"960100", u"999", u"12345678901234567890"}) {
         QString normalised = Normalised(number);
         while (normalised.startsWith(u'0'))
             normalised.remove(0, 1);
@@ -58,24 +61,39 @@ TEST(PhoneNumberTest, TheKeyIsTheNormalFormWithoutLeadingZeros)
     }
 }
 
-TEST(PhoneNumberTest, ShortCodesAndSenderNamesStayAsTheyStandAndHaveNoKey)
+TEST(PhoneNumberTest, ShortCodesAndLocalNumbersAreTheirDigits)
 {
     const ScriptedRegistry registry;
-    for (const char16_t* sender :
-         {u"80058", u"MyBank", u"0800 FLOWERS", u"999", u"Radio 1", u"", u"+", u"?", u"12345678901234567890"}) {
+    EXPECT_EQ(Normalised(u"80-058"), u"80058");
+    EXPECT_EQ(Key(u" 80 058 "), u"80058");
+    EXPECT_EQ(Normalised(u"012"), u"012");
+    EXPECT_EQ(Key(u"012"), u"12");
+    EXPECT_EQ(Key(u"960 100"), u"960100");
+    EXPECT_EQ(Key(u"\u0668\u0660\u0660\u0665\u0668"), u"80058") << "Arabic digits";
+    EXPECT_EQ(Normalised(u"12345678901234567890"), u"12345678901234567890");
+}
+
+TEST(PhoneNumberTest, SendersNamesStayAsTheyStandAndHaveNoKey)
+{
+    const ScriptedRegistry registry;
+    for (const char16_t* sender : {u"MyBank", u"0800 FLOWERS", u"Radio 1", u"", u"+", u"?"}) {
         EXPECT_EQ(Normalised(sender), QString::fromUtf16(sender));
         EXPECT_EQ(Key(sender), QString()) << qPrintable(QString::fromUtf16(sender));
     }
     EXPECT_EQ(Normalised(u"  MyBank "), u"MyBank");
 }
 
-TEST(PhoneNumberTest, TheCountryIsASettingOfTheMachine)
+TEST(PhoneNumberTest, TheMachinesCountryIsTheFirstDefault)
 {
     ScriptedRegistry registry;
     EXPECT_EQ(GeneralHelper::PhoneRegion(), u"GB");
     registry.Set(KeyPath, Country, QStringLiteral(" de "));
     EXPECT_EQ(GeneralHelper::PhoneRegion(), u"DE");
     EXPECT_EQ(Normalised(u"0171 1234567"), u"1711234567");
+    GeneralHelper::SetPhoneRegion(QStringLiteral("FR"));
+    EXPECT_EQ(GeneralHelper::PhoneRegion(), u"FR") << "the station's own comes before";
+    GeneralHelper::SetPhoneRegion(QString());
+    EXPECT_EQ(GeneralHelper::PhoneRegion(), u"DE");
 }
 
 TEST(PhoneNumberTest, AnUnknownCountryCountsAsTheDefault)
@@ -84,5 +102,6 @@ TEST(PhoneNumberTest, AnUnknownCountryCountsAsTheDefault)
     for (const char16_t* country : {u"", u"UK", u"XX", u"England", u"001"}) {
         registry.Set(KeyPath, Country, QString::fromUtf16(country));
         EXPECT_EQ(GeneralHelper::PhoneRegion(), u"GB") << qPrintable(QString::fromUtf16(country));
+        EXPECT_EQ(GeneralHelper::ToPhoneRegion(QString::fromUtf16(country)), QString());
     }
 }

@@ -294,6 +294,14 @@ TEST_F(OpenTolvaDatabaseTest, ClosingAClosedObjectWritesNothing)
     EXPECT_EQ(Ui.BusyCount(), 0);
 }
 
+TEST_F(OpenTolvaDatabaseTest, AStationOpensAgainAtItsOwnLocation)
+{
+    OpenStation();
+    EXPECT_EQ(Station->OpenTolvaDatabase(Station->Location()), 0);
+    EXPECT_EQ(Station->OpenTolvaDatabase(Station->Location(), Station->Information().Connect), 0);
+    EXPECT_EQ(QDir(Station->Location()), QDir(Folder.path()));
+}
+
 TEST_F(OpenTolvaDatabaseTest, DestroyingClosesTheFile)
 {
     OpenStation();

@@ -207,6 +207,21 @@ TEST_F(SettingsTest, WritingAndReadingKeepFontAndLabelGeometry)
     EXPECT_EQ(other.AddressLabelsPageSetup().RowHeight(), 68);
 }
 
+TEST_F(SettingsTest, AnotherComputersResetOfTheLabelGeometryIsReadAndSurvives)
+{
+    Station->AddressLabelsPageSetup().SetColumnWidth(99);
+    Station->WriteDatabaseSettings();
+    cTolvaDatabase other;
+    ASSERT_EQ(other.OpenTolvaDatabase(Folder.path()), 0);
+    ASSERT_EQ(other.AddressLabelsPageSetup().ColumnWidth(), 99);
+    Station->AddressLabelsPageSetup().SetColumnWidth(104);
+    Station->WriteDatabaseSettings();
+    other.ReadDatabaseSettings();
+    EXPECT_EQ(other.AddressLabelsPageSetup().ColumnWidth(), 104);
+    other.WriteDatabaseSettings();
+    EXPECT_FALSE(Stored(u"AddressLabels.ColumnWidth").isValid());
+}
+
 TEST_F(SettingsTest, TheLabelGeometryStartsAsAStationHasIt)
 {
     const cPageSetup& labels = Station->AddressLabelsPageSetup();

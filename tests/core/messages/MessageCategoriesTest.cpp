@@ -30,6 +30,22 @@ protected:
     }
 };
 
+TEST_F(MessageCategoriesTest, ARowBeyondAllFoldersKeepsNobodyOut)
+{
+    const auto rows = OpenTable(QStringLiteral("MessageCategories"));
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Reference"), 40000);
+    rows->SetCollect(QStringLiteral("Description"), QStringLiteral("beyond"));
+    rows->Update();
+    ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+    EXPECT_EQ(Station->MessageCategories().SubCategoryCount(), 7);
+    EXPECT_EQ(Station->LastMessageCategoryReference(), 7);
+    EXPECT_EQ(Station->GetMessageCategory(40000), nullptr);
+    EXPECT_FALSE(Station->DeleteMessageCategory(40000));
+    EXPECT_EQ(Add(u"Requests"), 8);
+    EXPECT_TRUE(Station->DeleteMessageCategory(8));
+}
+
 TEST_F(MessageCategoriesTest, TheFixedFoldersStandAfterTheOpen)
 {
     const struct

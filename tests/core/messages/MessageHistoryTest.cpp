@@ -115,7 +115,36 @@ TEST_F(MessageHistoryTest, AnEntryThatIsNoNumberIsPassedOver)
 {
     Save(QStringLiteral("text"), QStringLiteral("07700900123"), 0, {}, {}, emtSMS);
     Save(QStringLiteral("other"), QStringLiteral("82211"), 0, {}, {}, emtSMS);
-    EXPECT_EQ(Subjects({}, QStringLiteral("82211|07700900123|no number|")), QStringList(QStringLiteral("text")));
+    EXPECT_EQ(Subjects({}, QStringLiteral("07700900123|no number|000|")), QStringList(QStringLiteral("text")));
+}
+
+TEST_F(MessageHistoryTest, ShortCodesLocalNumbersAndNumbersOfOtherCountriesAreFound)
+{
+    for (const char* number : {"82211", "960 100", "+49 7700 900123", "07700 900123", "999", "12345678901234567890"})
+        Save(QLatin1String(number), QLatin1String(number), 0, {}, {}, emtSMS);
+    for (const char* number : {"82211", "960 100", "+49 7700 900123", "07700 900123", "999", "12345678901234567890"})
+        EXPECT_EQ(Subjects({}, QLatin1String(number)), QStringList(QLatin1String(number)));
+    EXPECT_EQ(Subjects({}, QStringLiteral("8-22 11")), QStringList(QStringLiteral("82211")));
+    EXPECT_EQ(Subjects({}, QStringLiteral("00497700900123")), QStringList(QStringLiteral("+49 7700 900123")));
+}
+
+TEST_F(MessageHistoryTest, ASendersNameIsFoundAsAnAddress)
+{
+    Save(QStringLiteral("bank"), QStringLiteral("MyBank"), 0, {}, {}, emtSMS);
+    Save(QStringLiteral("other"), QStringLiteral("82211"), 0, {}, {}, emtSMS);
+    EXPECT_EQ(Subjects(QStringLiteral("MyBank")), QStringList(QStringLiteral("bank")));
+}
+
+TEST_F(MessageHistoryTest, NumbersAreReadInTheFormOfTheStationsCountryOnEveryComputer)
+{
+    Station->SetStationCountry(QStringLiteral("de"));
+    EXPECT_EQ(Station->StationCountry(), u"DE");
+    Save(QStringLiteral("here"), QStringLiteral("0171 1234567"), 1, {}, {}, emtSMS);
+    Save(QStringLiteral("there"), QStringLiteral("+44 7700 900123"), 0, {}, {}, emtSMS);
+    Machine.Set(QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("Country"), QStringLiteral("FR"));
+    EXPECT_EQ(Subjects({}, QStringLiteral("+49 171 1234567")), QStringList(QStringLiteral("here")));
+    EXPECT_EQ(Subjects({}, QStringLiteral("0044 7700 900123")), QStringList(QStringLiteral("there")));
+    EXPECT_EQ(Subjects({}, QStringLiteral("07700 900123")), QStringList());
 }
 
 TEST_F(MessageHistoryTest, WithoutAddressesAndNumbersEveryMessageIsThere)
@@ -125,8 +154,14 @@ TEST_F(MessageHistoryTest, WithoutAddressesAndNumbersEveryMessageIsThere)
     Save(QStringLiteral("text"), QStringLiteral("82211"), 3, {}, {}, emtSMS);
     const QStringList all{QStringLiteral("late"), QStringLiteral("text"), QStringLiteral("early")};
     EXPECT_EQ(Subjects({}), all);
-    // What holds no number asks for nothing either.
-    EXPECT_EQ(Subjects({}, QStringLiteral("none")), all);
+}
+
+TEST_F(MessageHistoryTest, NoEntryTurnsIntoEveryMessage)
+{
+    Save(QStringLiteral("text"), QStringLiteral("82211"), 3, {}, {}, emtSMS);
+    Save(QStringLiteral("mail"), Ann, 1);
+    for (const char* entries : {"none", "MyBank", "0", "000|none", "|", "?", "+"})
+        EXPECT_EQ(Subjects({}, QLatin1String(entries)), QStringList()) << entries;
 }
 
 TEST_F(MessageHistoryTest, AnEmptyAddressMatchesNeighbouringBarsAlone)

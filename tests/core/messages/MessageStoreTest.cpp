@@ -324,6 +324,10 @@ TEST_F(MessageStoreTest, MovingOrCopyingToAFolderThatIsNotThereChangesNothing)
 {
     const qint32 reference = SaveNew(QStringLiteral("Request"));
     Directory.User.Log.clear();
+    for (const int category : {0, -1, 32767}) {
+        EXPECT_FALSE(Station->MoveMessage(reference, static_cast<enTolvaMessageCategories>(category))) << category;
+        EXPECT_FALSE(Station->CopyMessage(reference, static_cast<enTolvaMessageCategories>(category))) << category;
+    }
     EXPECT_FALSE(Station->MoveMessage(reference, AbsentCategory));
     EXPECT_FALSE(Station->CopyMessage(reference, AbsentCategory));
     EXPECT_FALSE(Station->MoveMessage(0, tmcSaved));

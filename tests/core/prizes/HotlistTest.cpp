@@ -59,6 +59,19 @@ TEST_F(HotlistTest, AnAbsentListLoadsLikeAnEmptyOne)
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
 }
 
+TEST_F(HotlistTest, SavingNoHoursOverAListKeepsItsName)
+{
+    for (const QString& hours : {QStringLiteral("1"), QString()}) {
+        ExpectChoice(QStringLiteral("HR.Late"), true);
+        EXPECT_TRUE(Station->SaveAvailableHoursHotlist(hours, nullptr));
+    }
+    const auto rows = OpenTable(QStringLiteral("Settings"));
+    rows->SetIndex(QStringLiteral("Main"));
+    rows->Seek(dao::SeekComparison::Equal, {QStringLiteral("HR.Late")});
+    ASSERT_FALSE(rows->NoMatch());
+    EXPECT_EQ(rows->Collect(QStringLiteral("Value")).toString(), QString());
+}
+
 TEST_F(HotlistTest, AListWithoutHoursLoadsLikeCancel)
 {
     Station->SetDatabaseSetting(QStringLiteral("HR.Blank"), QStringLiteral("x"), QString());

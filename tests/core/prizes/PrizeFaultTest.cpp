@@ -196,6 +196,45 @@ TEST_F(MissingTableTest, ATableThatIsNotListedEndsASaveAtOnceWithALineInTheLog)
     EXPECT_TRUE(Events.isEmpty());
 }
 
+TEST_F(MissingTableTest, APrizeWhoseWinnersCannotBeReadStaysAsItWas)
+{
+    const qint32 reference = SaveNewPrize();
+    ASSERT_NE(Award(reference), 0);
+    const cPrizePtr prize = Station->GetPrize(reference, true);
+    const cPrizeWinnerPtr winner = prize->PrizeWinner(1);
+    ASSERT_NE(winner, nullptr);
+    prize->SetEdited(false);
+    Drop("PrizeWinners");
+    EXPECT_FALSE(Station->GetPrizeWinners(prize));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_EQ(prize->NumberWinners(), 1);
+    EXPECT_EQ(prize->PrizeWinner(1), winner);
+    EXPECT_FALSE(prize->Edited());
+}
+
+TEST_F(MissingTableTest, AMessageThatCannotBeReadIsNeitherMovedNorDeletedAndNothingIsThrown)
+{
+    const qint32 reference = SaveNew(QStringLiteral("Request"));
+    Drop("Messages");
+    EXPECT_FALSE(Station->MoveMessage(reference, tmcSaved));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_FALSE(Station->CopyMessage(reference, tmcSaved));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_FALSE(Station->DeleteMessage(reference, true));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    EXPECT_FALSE(Station->ChangeMessageFlags(reference, mfRead, 0));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+}
+
+TEST_F(MissingTableTest, AFolderThatCannotBeReadIsNotDeletedAndNothingIsThrown)
+{
+    Drop("MessageCategories");
+    EXPECT_FALSE(Station->DeleteMessageCategory(8));
+    EXPECT_NE(Station->LastErrorNumber(), 0);
+    Station->CloseTolvaDatabase();
+    EXPECT_FALSE(Station->DeleteMessageCategory(8));
+}
+
 TEST_F(MissingTableTest, AMissingTableFailsEveryOperationWithItsReason)
 {
     const qint32 reference = SaveNewPrize();

@@ -253,29 +253,13 @@ TEST_F(clsCategoryLoadTest, LoadingAgainShowsTheTableAsItIsNow)
     EXPECT_EQ(Outline(root), QStringLiteral("Inbox(new)"));
 }
 
-TEST_F(clsCategoryLoadTest, AReferenceBeyond16BitsRaisesOverflowAndTheTreeStaysAsItWas)
+TEST_F(clsCategoryLoadTest, ARowBeyond16BitsIsNoFolderAndKeepsNobodyFromTheOthers)
 {
     Add(1, 0, QStringLiteral("Inbox"));
-    clsCategory root;
-    Load(root);
-    for (const qint32 reference : {32768, -32769}) {
+    for (const qint32 reference : {32768, 65537, -32769})
         Add(reference, 0, QStringLiteral("beyond"));
-        EXPECT_EQ(ErrorNumber([&] { Load(root); }), dao::errOverflow) << reference;
-        EXPECT_EQ(Outline(root), QStringLiteral("Inbox"));
-        EXPECT_EQ(Database->Execute(QStringLiteral("DELETE FROM [MessageCategories] WHERE [Description]='beyond'")), 1);
-    }
-}
-
-TEST_F(clsCategoryLoadTest, TheOverflowNamesTheTitleAndTheReference)
-{
-    Add(40000, 0);
-    clsCategory root;
-    try {
-        Load(root);
-        FAIL() << "no error";
-    } catch (const dao::Error& error) {
-        EXPECT_EQ(error.Description(), QStringLiteral("Categories: the reference 40000 does not fit 16 bits."));
-    }
+    Add(2, 32768, QStringLiteral("below it"));
+    EXPECT_EQ(LoadedOutline(), QStringLiteral("below it Inbox"));
 }
 
 TEST_F(clsCategoryLoadTest, TheEndsOf16BitsAreReferencesLikeOthers)

@@ -1,8 +1,11 @@
 #include "Terminal.h"
 
-#include "DisplayText.h"
+#include "common/HarmlessText.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <cstdio>
 
@@ -36,22 +39,35 @@ void EraseProgress()
     if (IsTerminal(stderr))
         std::fputs("\r\033[K", stderr);
 }
+
+void Write(const QByteArray& octets)
+{
+    // A failure stays noted in the stream; Flush tells of it.
+    static_cast<void>(std::fwrite(octets.constData(), 1, static_cast<std::size_t>(octets.size()), stdout));
+}
 } // namespace
 
 void Terminal::Print(const QString& text)
 {
-    PrintOctets(text.toUtf8());
+    Write(HarmlessText::Lines(text).toUtf8());
 }
 
 void Terminal::PrintLine(const QString& line)
 {
-    PrintOctets((line + u'\n').toUtf8());
+    Write(HarmlessText::Line(line).toUtf8() + '\n');
+}
+
+void Terminal::PrintJson(const QJsonObject& object)
+{
+    Write(HarmlessText::Json(QJsonDocument(object).toJson(QJsonDocument::Compact)) + '\n');
 }
 
 void Terminal::PrintOctets(const QByteArray& octets)
 {
-    // A failure stays noted in the stream; Flush tells of it.
-    static_cast<void>(std::fwrite(octets.constData(), 1, static_cast<std::size_t>(octets.size()), stdout));
+    if (OutputIsTerminal())
+        Print(QString::fromUtf8(octets));
+    else
+        Write(octets);
 }
 
 bool Terminal::Flush()
@@ -63,8 +79,14 @@ void Terminal::Complain(const QString& words)
 {
     std::fflush(stdout);
     EraseProgress();
-    const QByteArray line = (QStringLiteral("tolva: ") + OneLine(words) + u'\n').toUtf8();
+    const QString name = QCoreApplication::applicationName();
+    const QByteArray line = (HarmlessText::Words(name + QStringLiteral(": ") + words) + u'\n').toUtf8();
     std::fputs(line.constData(), stderr);
+}
+
+void Terminal::TakeMessagesOfQt()
+{
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) { Complain(text); });
 }
 
 bool Terminal::InputIsTerminal()
