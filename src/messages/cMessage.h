@@ -104,6 +104,7 @@ private:
     /// in pending; dao::Error for what fails before it.
     bool WriteToRecordSet(dao::Recordset* recordset, const QString& highlightWords, const clsFont& highlightFont,
                           PendingError& pending);
+    QByteArray OctetsToStore(const QString& highlightWords, const clsFont& highlightFont) const;
     void MarkHighlightWords(const QString& highlightWords, const clsFont& highlightFont);
     void WriteAddressKeys(dao::Recordset& recordset) const;
     void ReadHeaderFields();
