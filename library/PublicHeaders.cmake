@@ -18,6 +18,7 @@ set(publicHeaders
     database/DatabaseInformation.h
     database/RestoreBackup.h
     database/cTolvaDatabase.h
+    messages/MessageSaving.h
     messages/cMessage.h
     messages/cMessages.h
     messages/controls/uMessageAddress.h

@@ -89,11 +89,6 @@ QString OneLine(const QString& text)
     return HarmlessText::Words(text);
 }
 
-QString ManyLines(const QString& text)
-{
-    return HarmlessText::Lines(text);
-}
-
 int DisplayWidth(QStringView text)
 {
     int width = 0;

@@ -6,8 +6,6 @@
 
 /// On one line: line ends and tabs become blanks.
 QString OneLine(const QString& text);
-/// Line ends and tabs stay.
-QString ManyLines(const QString& text);
 
 /// Columns that one line of text takes: two for East Asian wide characters and emoji, none for combining marks.
 int DisplayWidth(QStringView text);

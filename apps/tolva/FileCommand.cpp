@@ -1,6 +1,7 @@
 // tolva file: puts messages that arrived into the station.
 
 #include "Commands.h"
+#include "Filing.h"
 #include "FolderNames.h"
 #include "MailSources.h"
 #include "Station.h"
@@ -13,119 +14,8 @@ const QString CategoryOption = QStringLiteral("category");
 const QString SMSOption = QStringLiteral("sms");
 const QString FromOption = QStringLiteral("from");
 const QString ToOption = QStringLiteral("to");
+const QString SkipFiledOption = QStringLiteral("skip-filed");
 const QString VerboseOption = QStringLiteral("verbose");
-
-/// One run of filing: counts, and says of each message what became of it.
-class Filing
-{
-public:
-    Filing(Station& station, const Arguments& arguments)
-        : Station_(station),
-          IsVerbose_(arguments.Has(VerboseOption)),
-          Category_(FindFolder(station.Folders(), arguments.Value(CategoryOption, QString::number(tmcInbox))))
-    {
-    }
-
-    /// Failure when nothing more can be filed in this run.
-    void File(const IncomingMessage& incoming)
-    {
-        QString problem = incoming.Problem;
-        ExitCode code = exitNoInput;
-        cMessagePtr message;
-        if (problem.isEmpty()) {
-            message = MakeMessageOf(incoming, problem);
-            code = exitData;
-        }
-        if (!problem.isEmpty())
-            Refuse(incoming.Name, problem, code);
-        else
-            Save(message, incoming.Name);
-    }
-
-    void Save(const cMessagePtr& message, const QString& name)
-    {
-        message->SetCategory(static_cast<enTolvaMessageCategories>(Category_));
-        int number = 0;
-        QString description;
-        bool isSaved = false;
-        try {
-            isSaved = Station_.Database().SaveMessage(message);
-            number = Station_.Database().LastErrorNumber();
-            description = Station_.Database().LastErrorDescription();
-        } catch (const dao::Error& error) {
-            number = error.Number();
-            description = error.Description();
-        }
-        const QStringList problems = Station_.Terminal().TakeProblems();
-        if (!isSaved) {
-            FailSaving(name, number, description.isEmpty() ? problems.join(u' ') : description);
-            return;
-        }
-        ++Filed_;
-        if (!IsVerbose_)
-            return;
-        // What went wrong beside the message, such as the stamp that tells other computers of it.
-        for (const QString& problem : problems)
-            Terminal::Complain(problem);
-        Terminal::PrintLine(QStringLiteral("filed %1 as %2").arg(name).arg(message->Reference()));
-        Terminal::Flush();
-    }
-
-    void Refuse(const QString& name, const QString& problem, ExitCode code)
-    {
-        ++Failed_;
-        Terminal::Complain(QStringLiteral("%1 %2").arg(name, problem));
-        if (ExitCode_ != exitNoInput)
-            ExitCode_ = code;
-    }
-
-    void PrintCounts() const { Terminal::PrintLine(QStringLiteral("filed %1, failed %2").arg(Filed_).arg(Failed_)); }
-
-    ExitCode Code() const { return ExitCode_; }
-
-private:
-    cMessagePtr MakeMessageOf(const IncomingMessage& incoming, QString& problem) const
-    {
-        if (incoming.Kind == IncomingKind::TextMessage) {
-            TextMessage text = ReadTextMessageFile(incoming.Octets, problem);
-            return problem.isEmpty() ? MakeMessage(text) : nullptr;
-        }
-        // What a mail server hands over is filed whatever it looks like: nobody else has it.
-        problem = incoming.IsHandedOver && !incoming.Octets.isEmpty() ? QString() : WhyNotMail(incoming.Octets);
-        if (!problem.isEmpty())
-            return nullptr;
-        auto message = std::make_shared<cMessage>();
-        message->SetMessageType(emtEmail);
-        message->SetCDOMessage(std::make_shared<cdo::Message>(incoming.Octets));
-        if (incoming.IsRead)
-            message->SetFlags(mfRead);
-        return message;
-    }
-
-    /// An error of the message itself fails the message; one of the station fails the run, because the next message
-    /// would meet it too.
-    void FailSaving(const QString& name, int number, const QString& description)
-    {
-        ++Failed_;
-        const Failure failure = Station_.FailureOfStation(number, description);
-        const bool isOfMessage = number == dao::errOverflow || number == dao::errFieldTooSmall ||
-                                 number == dao::errDataTypeConversion || number == dao::errTypeMismatch;
-        if (isOfMessage) {
-            Terminal::Complain(QStringLiteral("%1 was not filed: %2").arg(name, description));
-            if (ExitCode_ == exitOK)
-                ExitCode_ = exitData;
-            return;
-        }
-        throw Failure(failure.Code(), QStringLiteral("%1 was not filed. %2").arg(name, failure.Words()));
-    }
-
-    Station& Station_;
-    bool IsVerbose_;
-    qint32 Category_;
-    int Filed_ = 0;
-    int Failed_ = 0;
-    ExitCode ExitCode_ = exitOK;
-};
 
 QByteArray InputForTextMessage()
 {
@@ -152,12 +42,15 @@ bool FileAll(Filing& filing, MailSources& sources, Station& station)
     const auto progress = station.Terminal().Progress(QStringLiteral("Filing"));
     IncomingMessage incoming;
     while (sources.Next(incoming)) {
-        filing.File(incoming);
+        filing.Add(incoming);
         incoming = IncomingMessage();
         const bool goesOn = progress->Advance(sources.Done(), sources.Total());
-        if (!goesOn && sources.Done() < sources.Total())
+        if (!goesOn && sources.Done() < sources.Total()) {
+            filing.Finish();
             return false;
+        }
     }
+    filing.Finish();
     return true;
 }
 
@@ -177,6 +70,14 @@ void CheckUsage(const Arguments& arguments)
                       QStringLiteral("Name files to file, or send one on standard input. See: tolva file --help"));
 }
 
+Filing::Options OptionsOf(const Arguments& arguments)
+{
+    Filing::Options options;
+    options.setFlag(Filing::Option::Verbose, arguments.Has(VerboseOption));
+    options.setFlag(Filing::Option::SkipsFiled, arguments.Has(SkipFiledOption));
+    return options;
+}
+
 int Run(const Arguments& arguments)
 {
     CheckUsage(arguments);
@@ -186,7 +87,8 @@ int Run(const Arguments& arguments)
     const bool isSMS = arguments.Has(SMSOption);
     Station station(arguments);
     MailSources sources(isSMS ? QStringList() : paths);
-    Filing filing(station, arguments);
+    Filing filing(station, FindFolder(station.Folders(), arguments.Value(CategoryOption, QString::number(tmcInbox))),
+                  OptionsOf(arguments));
     bool isWhole = true;
     try {
         if (isSMS)
@@ -209,17 +111,20 @@ CommandDefinition FileCommand()
     return {
         QStringLiteral("file"),
         QStringLiteral("Files messages that arrived: mails, or a text message."),
-        {QStringLiteral("file FOLDER [--category C] [PATH...|-]"),
+        {QStringLiteral("file FOLDER [--category C] [--skip-filed] [PATH...|-]"),
          QStringLiteral("file FOLDER --sms --from NUMBER [--to NUMBER]")},
         QStringLiteral(
             "PATH is an .eml file, a folder of .eml files, a maildir or an mbox archive. Without PATH, and for\n"
             "\"-\", one mail comes on standard input; with --sms the text of one text message does.\n"
             "A mail is kept octet by octet. A file that is no mail is named on standard error and passed over.\n"
+            "Mails are filed in batches of up to 500; what was told as filed is on the disk. After a run that\n"
+            "broke off, the same with --skip-filed files the rest, and nothing twice.\n"
             "The last line says how many were filed and how many failed."),
         {{CategoryOption, QStringLiteral("C"), QStringLiteral("The folder to file in (Inbox).")},
          {SMSOption, QString(), QStringLiteral("Files a text message (SMS).")},
          {FromOption, QStringLiteral("NUMBER"), QStringLiteral("Who sent the text message: number or name.")},
          {ToOption, QStringLiteral("NUMBER"), QStringLiteral("Where to (the station's SMS number).")},
+         {SkipFiledOption, QString(), QStringLiteral("Passes over mails whose octets are in the station already.")},
          {VerboseOption, QString(), QStringLiteral("Says of each message under which number it was filed.")},
          Station::UserOption()},
         QStringLiteral("tolva file /srv/station --category Requests ~/Maildir"),

@@ -69,7 +69,6 @@ bool PrintText(cdo::MessageReader& reader)
         QString words = held + (hasWords ? piece : blanks + piece);
         held = words.endsWith(u'\r') ? QStringLiteral("\r") : QString();
         words.chop(held.size());
-        words.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
         hasWords = true;
         if (words.isEmpty())
             return;
@@ -92,8 +91,7 @@ void PrintBody(cdo::MessageReader& reader, qint32 reference)
     Terminal::Print(QStringLiteral("[This message is a web page; here are its words alone. The whole of it: tolva "
                                    "export FOLDER %1 FILE]\n\n")
                         .arg(reference));
-    QString body = TextOfHtml(html);
-    body.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    const QString body = TextOfHtml(html);
     Terminal::Print(body.endsWith(u'\n') ? body : body + u'\n');
     if (!isWhole)
         Terminal::PrintLine(QStringLiteral("[The page goes on.]"));

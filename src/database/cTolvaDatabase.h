@@ -5,6 +5,7 @@
 #include "common/cPageSetup.h"
 #include "common/clsFont.h"
 #include "database/DatabaseInformation.h"
+#include "messages/MessageSaving.h"
 #include "messages/cMessage.h"
 #include "messages/cMessages.h"
 #include "platform/Export.h"
@@ -16,6 +17,7 @@
 #include <QVariant>
 
 #include <functional>
+#include <vector>
 
 class BackupTimer;
 class ListViewObject;
@@ -175,6 +177,16 @@ public:
     /// Stores a new or changed message; it is on the disk when this returns true. dao::Error when the row cannot be
     /// started at all (locked by another computer: 3260).
     bool SaveMessage(const cMessagePtr& message);
+    /// Stores messages in one step: all that are answered for are on the disk when this returns. Their rows and one
+    /// change stamp are one transaction of the station, which is locked for as long; behind it come their entries in
+    /// the user log, in one transaction of the directory, and then the events. Before each message but the first goesOn
+    /// is asked; the messages from the first refusal on are left alone and have no answer. A message whose own values
+    /// cannot be stored takes no other with it. dao::Error for all else, such as 3260: then nothing is stored, and the
+    /// messages have the numbers that they came with; the marks of highlight words stay in their mails.
+    std::vector<MessageSaving> SaveMessages(const std::vector<cMessagePtr>& messages,
+                                            const std::function<bool()>& goesOn);
+    /// The mail's octets as saving the message would store them now: with the marks of the highlight words.
+    QByteArray OctetsToStore(const cMessage& message) const;
     /// These three need the right to edit messages; without it they answer false.
     bool CopyMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool MoveMessage(qint32 reference, enTolvaMessageCategories newCategory);
@@ -351,6 +363,10 @@ private:
     clsKVUser* CurrentUser() const;
     /// 0 for nobody.
     qint32 CurrentUserReference() const;
+    std::vector<MessageSaving> WriteMessages(const std::vector<cMessagePtr>& messages,
+                                             const std::function<bool()>& goesOn);
+    bool LogMessageSaving(const cMessage& message, const MessageSaving& saving) const;
+    void LogSavings(const std::vector<cMessagePtr>& messages, const std::vector<MessageSaving>& savings) const;
     bool LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const;
     void KeepLastError(const PendingError& pending);
 

@@ -223,6 +223,15 @@ bool cMessage::WriteToRecordSet(dao::Recordset* recordset, const QString& highli
     return saved;
 }
 
+QByteArray cMessage::OctetsToStore(const QString& highlightWords, const clsFont& highlightFont) const
+{
+    if (highlightWords.isEmpty())
+        return Trimmed(CDOMessage_->Octets());
+    const cMessagePtr copy = Copy();
+    copy->MarkHighlightWords(highlightWords, highlightFont);
+    return Trimmed(copy->CDOMessage()->Octets());
+}
+
 void cMessage::WriteAddressKeys(dao::Recordset& recordset, const QString& country) const
 {
     for (const KeyColumn& column : KeyColumns(*CDOMessage_)) {

@@ -23,10 +23,10 @@ enum AuditKind
     auditMessageDeleted = 8
 };
 
-/// text, followed by the pending error's words where there is one.
-QString WithError(const QString& text, const PendingError& pending)
+/// text, followed by the error's words where there is one.
+QString WithError(const QString& text, int number, const QString& description)
 {
-    return pending.Number() == 0 ? text : text + QStringLiteral(" - ") + pending.Description();
+    return number == 0 ? text : text + QStringLiteral(" - ") + description;
 }
 
 QString SubjectOf(const cMessagePtr& message)
@@ -132,8 +132,6 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
     // Both change with the write.
     const bool wasEdited = message->Edited();
     const bool isNew = message->Reference() == 0;
-    const int kind = isNew ? auditMessageAdded : auditMessageEdited;
-    const QString title = isNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited");
 
     PendingError pending;
     const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_,
@@ -141,19 +139,27 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
         SetLastMessageChanged(ClockHelper::NowUTC());
-        LogDatabaseEvent(kind, title, SubjectOf(message), 1);
+        LogMessageSaving(*message, {isNew, 0, QString()});
         if (RaiseEvents_) {
             WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
             Q_EMIT MessageSaved(message, wasEdited);
         }
     } else {
         WriteDebugLog(QStringLiteral("Couldn't save Message - ") + pending.Description());
-        LogDatabaseEvent(kind, title, WithError(SubjectOf(message), pending), 0);
+        LogMessageSaving(*message, {isNew, pending.Number(), pending.Description()});
         KeepLastError(pending);
     }
     recordset->Close();
     WriteDebugLog(QStringLiteral("Finished SaveMessage"));
     return saved;
+}
+
+bool cTolvaDatabase::LogMessageSaving(const cMessage& message, const MessageSaving& saving) const
+{
+    return LogDatabaseEvent(saving.IsNew ? auditMessageAdded : auditMessageEdited,
+                            saving.IsNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited"),
+                            WithError(message.CDOMessage()->Subject(), saving.ErrorNumber, saving.ErrorDescription),
+                            saving.IsSaved() ? 1 : 0);
 }
 
 /// The checks that copying and moving share; null when one of them fails.
@@ -299,7 +305,8 @@ bool cTolvaDatabase::DeleteMessagesOfCategory(enTolvaMessageCategories category)
 void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const QString& text,
                                          const PendingError& pending)
 {
-    LogDatabaseEvent(kind, title, WithError(text, pending), pending.Number() == 0 ? 1 : 0);
+    LogDatabaseEvent(kind, title, WithError(text, pending.Number(), pending.Description()),
+                     pending.Number() == 0 ? 1 : 0);
     KeepLastError(pending);
 }
 

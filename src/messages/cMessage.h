@@ -111,6 +111,7 @@ private:
     /// in pending; dao::Error for what fails before it.
     bool WriteToRecordSet(dao::Recordset* recordset, const QString& highlightWords, const clsFont& highlightFont,
                           const QString& country, PendingError& pending);
+    QByteArray OctetsToStore(const QString& highlightWords, const clsFont& highlightFont) const;
     void MarkHighlightWords(const QString& highlightWords, const clsFont& highlightFont);
     void WriteAddressKeys(dao::Recordset& recordset, const QString& country) const;
     /// The key columns of a row in which stands something else than a save of its mail would write, with what belongs

@@ -7,7 +7,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -27,13 +26,6 @@ bool MayBeMail(const QByteArray& octets)
     if (colon > 0 && std::all_of(begin.begin(), begin.begin() + colon, isNameCharacter))
         return true;
     return !begin.contains('\0');
-}
-
-QString WhyNotWritten(const QString& fileName)
-{
-    QSaveFile file(fileName);
-    return file.open(QIODevice::WriteOnly) ? QStringLiteral("the disk is full or reports an error.")
-                                           : file.errorString();
 }
 } // namespace
 

@@ -10,7 +10,8 @@
 class InterruptionTest : public CommandLineTest
 {
 protected:
-    static constexpr int Messages_ = 200;
+    static constexpr int Messages_ = 3000;
+    static constexpr int MessagesOfBatch = 500;
 
     void SetUp() override
     {
@@ -74,8 +75,8 @@ TEST_F(InterruptionTest, KilledAtAnyPointNothingAcknowledgedIsLost)
         const QSet<int> stored = References();
         for (const int reference : acknowledged)
             ASSERT_TRUE(stored.contains(reference)) << reference;
-        // At most the one message whose acknowledgement was on its way.
-        EXPECT_LE(stored.size(), before + acknowledged.size() + 1);
+        // At most the one batch whose acknowledgement was on its way.
+        EXPECT_LE(stored.size(), before + acknowledged.size() + MessagesOfBatch);
         before = stored.size();
         const Outcome check = OnStation("check");
         ASSERT_EQ(check.Code, 0) << check.Problems.constData();
@@ -84,7 +85,7 @@ TEST_F(InterruptionTest, KilledAtAnyPointNothingAcknowledgedIsLost)
     }
 }
 
-TEST_F(InterruptionTest, CtrlCEndsBetweenTwoMessagesAndSaysHowManyWereFiled)
+TEST_F(InterruptionTest, CtrlCEndsBetweenTwoBatchesAndSaysHowManyWereFiled)
 {
     QProcess process;
     const QByteArray output = EndAfter(3, SIGINT, process);

@@ -1,0 +1,105 @@
+// Storing several messages in one step, and finding one by what would be stored of it.
+
+#include "common/ClockHelper.h"
+#include "common/PendingError.h"
+#include "common/kvGeneral.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/records/Transaction.h"
+
+#include <algorithm>
+
+namespace
+{
+/// What saving changes on a message, to be put back where the batch is not stored.
+struct Before
+{
+    qint32 Reference = 0;
+    bool Edited = false;
+};
+
+std::vector<Before> StateOf(const std::vector<cMessagePtr>& messages)
+{
+    std::vector<Before> before;
+    before.reserve(messages.size());
+    for (const cMessagePtr& message : messages)
+        before.push_back({message->Reference(), message->Edited()});
+    return before;
+}
+} // namespace
+
+std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessagePtr>& messages,
+                                                        const std::function<bool()>& goesOn)
+{
+    KeepLastError(PendingError());
+    const std::vector<Before> before = StateOf(messages);
+    std::vector<MessageSaving> savings;
+    try {
+        dao::Transaction transaction(OpenedDatabase());
+        savings = WriteMessages(messages, goesOn);
+        if (std::any_of(savings.begin(), savings.end(), std::mem_fn(&MessageSaving::IsSaved))) {
+            WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
+            SetLastMessageChanged(ClockHelper::NowUTC());
+        }
+        transaction.Commit();
+    } catch (...) {
+        for (std::size_t i = 0; i < messages.size(); ++i) {
+            messages[i]->SetReference(before[i].Reference);
+            messages[i]->SetEdited(before[i].Edited);
+        }
+        throw;
+    }
+    LogSavings(messages, savings);
+    for (std::size_t i = 0; RaiseEvents_ && i < savings.size(); ++i) {
+        if (!savings[i].IsSaved())
+            continue;
+        WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
+        Q_EMIT MessageSaved(messages[i], before[i].Edited);
+    }
+    return savings;
+}
+
+std::vector<MessageSaving> cTolvaDatabase::WriteMessages(const std::vector<cMessagePtr>& messages,
+                                                         const std::function<bool()>& goesOn)
+{
+    const auto recordset = OpenedDatabase().OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
+    std::vector<MessageSaving> savings;
+    for (const cMessagePtr& message : messages) {
+        if (!savings.empty() && !goesOn())
+            break;
+        const bool isNew = message->Reference() == 0;
+        PendingError pending;
+        pending.Try([&] {
+            PendingError ofUpdate;
+            if (!message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_,
+                                           KeyCountry(message->MessageType()), ofUpdate))
+                throw dao::Error(ofUpdate.Number(), ofUpdate.Description());
+        });
+        if (pending.Number() != 0 && !IsErrorOfMessage(pending.Number()))
+            throw dao::Error(pending.Number(), pending.Description());
+        savings.push_back({isNew, pending.Number(), pending.Description()});
+    }
+    return savings;
+}
+
+/// All entries in one step, which comes behind the messages': no entry tells of a message that is not there. Where one
+/// cannot be written, mostly because another computer holds the directory, the others would wait as long in vain.
+void cTolvaDatabase::LogSavings(const std::vector<cMessagePtr>& messages,
+                                const std::vector<MessageSaving>& savings) const
+{
+    PendingError pending;
+    pending.Try([&] {
+        dao::Transaction transaction;
+        for (std::size_t i = 0; i < savings.size(); ++i) {
+            if (!LogMessageSaving(*messages[i], savings[i]))
+                break;
+        }
+        transaction.Commit();
+    });
+    if (pending.Number() != 0)
+        WriteDebugLog(QStringLiteral("Couldn't write the user log - ") + pending.Description());
+}
+
+QByteArray cTolvaDatabase::OctetsToStore(const cMessage& message) const
+{
+    return message.OctetsToStore(HighlightWords_, MessageHighlightFont_);
+}
