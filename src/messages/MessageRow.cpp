@@ -242,7 +242,10 @@ void cMessage::WriteAddressKeys(dao::Recordset& recordset, const QString& countr
 
 QMap<QString, QString> cMessage::WrongAddressKeys(const dao::Recordset& row, const QString& country)
 {
-    const cdo::Message mail(MailOctets(row[Column::Message]));
+    bool isDamaged = false;
+    const cdo::Message mail(MailOctets(row[Column::Message], isDamaged));
+    if (isDamaged)
+        return {}; // what its keys were made from is not there any more
     const auto type = static_cast<enMsgType>(NumberOr(row.Collect(Column::MessageType), emtEmail));
     QMap<QString, QString> wrong;
     for (const KeyColumn& column : KeyColumns(mail)) {
