@@ -183,9 +183,20 @@ TEST_F(FullDiskTest, AFullDeviceOrAClosedOutputIsNeverTakenForWritten)
         }
     }
     EXPECT_EQ(InShell(QStringLiteral("exec \"$0\" \"$@\" <&- 2>&-"), commands.first()).Code, 0);
-    EXPECT_EQ(OnStation("export", {Reference_, QStringLiteral("/dev/full"), QStringLiteral("--force")}).Code, 74);
     EXPECT_EQ(OnStation("check").Code, 0);
     EXPECT_EQ(Read(Station() + QStringLiteral("/Tolva.mdb")).size(), station.size());
+}
+
+TEST_F(FullDiskTest, APipeThatIsNamedGetsTheContentAndStaysOne)
+{
+    const QString pipe = Path(QStringLiteral("pipe"));
+    ASSERT_EQ(QProcess::execute(QStringLiteral("mkfifo"), {pipe}), 0);
+    QProcess reader;
+    reader.start(QStringLiteral("cat"), {pipe});
+    EXPECT_EQ(OnStation("export", {Reference_, pipe, QStringLiteral("--force")}).Code, 0);
+    EXPECT_TRUE(reader.waitForFinished());
+    EXPECT_EQ(reader.readAllStandardOutput(), Mail("A card"));
+    EXPECT_FALSE(QFileInfo(pipe).isFile());
 }
 
 TEST_F(FullDiskTest, ThePdfProgramSaysTheSameOfItsOwnFile)
@@ -199,7 +210,6 @@ TEST_F(FullDiskTest, ThePdfProgramSaysTheSameOfItsOwnFile)
         EXPECT_TRUE(process.waitForFinished());
         return Outcome{process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
     };
-    EXPECT_EQ(run(QStringLiteral("/dev/full")).Code, 74);
     EXPECT_EQ(run(Path(QStringLiteral("missing/a.pdf"))).Code, 73);
     EXPECT_EQ(run(Path(QStringLiteral("a.pdf"))).Code, 0);
     EXPECT_TRUE(Read(Path(QStringLiteral("a.pdf"))).startsWith("%PDF-"));

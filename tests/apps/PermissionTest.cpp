@@ -61,7 +61,7 @@ TEST_F(PermissionTest, AStationThatMayNotBeWrittenIsNotCalledLocked)
 {
     OpenToEverybody();
     Close(File());
-    const Outcome outcome = Nobody("list");
+    const Outcome outcome = Nobody("delete", {QStringLiteral("1")});
     EXPECT_EQ(outcome.Code, 77) << outcome.Problems.constData();
     EXPECT_TRUE(outcome.Problems.contains("this account may not write " + File().toUtf8()))
         << outcome.Problems.constData();

@@ -297,7 +297,8 @@ TEST_F(PrintTest, WhereNothingCanBeMadeIsAnError)
     EXPECT_EQ(OnStation("print", {Single, reference, Output, Path(QStringLiteral("no/folder/x.html"))}).Code, 73);
     const Outcome outcome = OnStation("print", {Single, reference, Output, Path(QStringLiteral("no/folder/x.pdf"))});
     EXPECT_EQ(outcome.Code, 73);
-    EXPECT_TRUE(outcome.Problems.contains("x.pdf was not written: The file ")) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Problems.contains("x.pdf could not be written: there is no such file or folder."))
+        << outcome.Problems.constData();
 }
 
 TEST_F(PrintTest, WithoutTheProgramForPdfFilesItSaysWhatIsMissing)

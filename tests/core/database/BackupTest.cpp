@@ -226,7 +226,6 @@ TEST_F(BackupTest, ExpiryDays0DeletesNothing)
 
 TEST_F(BackupTest, AClockThatJumpsYearsAheadLeavesTheNewestThreeSoundBackups)
 {
-    Station->SetBackupExpiryDays(1);
     for (int day = 0; day < 5; ++day, Now.Advance(24 * 3600)) {
         Reopen();
         MakeSound();
