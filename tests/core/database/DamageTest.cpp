@@ -1,10 +1,10 @@
 // Damaged stations: what the library answers where it is told to answer, and which backup it offers.
 
 #include "common/FileHelper.h"
+#include "core/support/StationTest.h"
 #include "database/BackupFolders.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"
-#include "support/StationTest.h"
 
 #include <QFile>
 
