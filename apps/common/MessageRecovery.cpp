@@ -89,7 +89,7 @@ std::optional<MessageRecovery::Source> MessageRecovery::Find(const QString& fold
             continue;
         const QString copy = FileHelper::Join(backup.Folder, FileHelper::FileNameOf(file));
         if (const std::optional<QVariant> mail = MailIn(copy, reference, *identity))
-            return Source{backup, *mail};
+            return Source{backup, *mail, *identity};
     }
     return std::nullopt;
 }
@@ -109,6 +109,8 @@ void MessageRecovery::PutBack(const QString& folder, qint32 reference, const Sou
     MessageInFile message(StationPlace::FileIn(folder), reference, MessageInFile::Access::Write);
     if (!message.IsThere())
         throw dao::Error(dao::errRecordDeleted, QStringLiteral("Record is deleted."));
+    if (message.Identity() != source.Identity)
+        throw dao::Error(dao::errChangedByAnother, QStringLiteral("The message was changed by another user."));
     message.Row().Edit();
     message.Row().SetCollect(MailColumn, source.Mail);
     message.Row().Update();

@@ -14,7 +14,8 @@ namespace MessageRecovery
 struct Source
 {
     BackupFolders::Backup Backup;
-    QVariant Mail; ///< The value of its column.
+    QVariant Mail;         ///< The value of its column.
+    QVariantList Identity; ///< What makes it the same message there and here.
 };
 
 /// The newest backup that holds the message of that number sound: received at the same moment, from the same sender and

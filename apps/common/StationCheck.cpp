@@ -24,6 +24,8 @@ class Findings
 public:
     explicit Findings(const std::function<void(const QString&)>& tell) : Tell_(tell) {}
 
+    /// Whether the next one of that kind is told singly.
+    bool TellsNext(const QString& kind) const { return Counts_.value(kind) < ProblemsShown; }
     bool IsEmpty() const { return Counts_.isEmpty(); }
 
     void Add(const QString& kind, const QString& words)
@@ -154,10 +156,12 @@ private:
                 return;
             if (EndsCheck(error))
                 throw;
-            Findings_.Add(QStringLiteral("damaged messages"), QStringLiteral("Message %1 cannot be read: %2 %3")
-                                                                  .arg(reference)
-                                                                  .arg(error.Description())
-                                                                  .arg(MessageRecovery::Advice(Folder_, reference)));
+            const QString kind = QStringLiteral("damaged messages");
+            // Looking through the backups takes its time.
+            const QString advice = Findings_.TellsNext(kind) ? MessageRecovery::Advice(Folder_, reference) : QString();
+            Findings_.Add(
+                kind,
+                QStringLiteral("Message %1 cannot be read: %2 %3").arg(reference).arg(error.Description(), advice));
         }
     }
 

@@ -62,9 +62,8 @@ TEST_F(RecoverTest, ADamagedMessageIsNamedWithItsBackupAndComesBackFromThere)
     const QByteArray before = Expect("show", {QStringLiteral("2"), QStringLiteral("--raw")});
     Expect("move", {QStringLiteral("2"), QStringLiteral("Saved")});
     Change(File(), "Second");
-    const QByteArray advice =
-        ("The backup \"" + backup + "\" has it sound; fetch it from there with: tolva recover " + Station() + " 2")
-            .toUtf8();
+    const QByteArray advice = "The backup \"" + backup.toUtf8() +
+                              "\" has it sound; fetch it from there with: tolva recover " + Station().toUtf8() + " 2";
 
     const Outcome check = OnStation("check");
     EXPECT_EQ(check.Code, 65);
@@ -94,7 +93,7 @@ TEST_F(RecoverTest, ADamagedMessageIsNamedWithItsBackupAndComesBackFromThere)
     EXPECT_EQ(OnStation("compact", {QStringLiteral("--yes")}).Code, 65);
 
     EXPECT_EQ(Expect("recover", {QStringLiteral("2")}),
-              ("Message 2 is back from the backup \"" + backup + "\".\n").toUtf8());
+              "Message 2 is back from the backup \"" + backup.toUtf8() + "\".\n");
     EXPECT_EQ(Expect("show", {QStringLiteral("2"), QStringLiteral("--raw")}), before);
     EXPECT_TRUE(Expect("list", {QStringLiteral("--category"), QStringLiteral("Saved")}).contains("Second"));
     EXPECT_EQ(OnStation("check").Code, 0);

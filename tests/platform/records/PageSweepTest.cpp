@@ -34,7 +34,7 @@ protected:
         DBEngine::BeginTrans();
         for (int i = 0; i < 12; ++i) {
             // One of several pages of its own, and others that lie in the row.
-            const int size = i == 3 ? 30000 : i == 7 ? 9000 : 700;
+            const int size = i == 3 ? 60000 : i == 7 ? 20000 : 900;
             QString mail = QStringLiteral("Subject: %1\r\n\r\n").arg(i);
             while (mail.size() < size)
                 mail += QStringLiteral("line %1 of mail %2\u00E9\r\n").arg(mail.size()).arg(i);
@@ -118,7 +118,8 @@ protected:
         QString mail;
         const int number = ErrorNumberOf([&] { mail = rows.Collect(QStringLiteral("Message")).toString(); });
         if (number != 0) {
-            EXPECT_TRUE(number == errMemoDamaged || number == errFileDamaged) << number;
+            // A list may name a row that its table has lost.
+            EXPECT_TRUE(number == errMemoDamaged || number == errFileDamaged || number == errRecordDeleted) << number;
             return;
         }
         const int reference = rows.Collect(QStringLiteral("Reference")).toInt();
@@ -225,9 +226,9 @@ TEST_P(PageSweep, NoMailThatAFaultChangedPassesForWhatWasSaved)
 TEST_P(PageSweep, AFlippedBitInAMailIsNamedWithItsRowAndTheMailIsStillToBeHad)
 {
     QByteArray damaged = Whole_;
-    const qsizetype at = damaged.indexOf("of mail 3") + 8;
-    ASSERT_GT(at, 8);
-    damaged[at] = '8';
+    const qsizetype at = damaged.indexOf("Subject: 3\r");
+    ASSERT_GT(at, 0);
+    damaged[at] = 's';
     const QString name = Write(damaged);
     const FileReport report = DBEngine::ExamineDatabase(name);
     EXPECT_EQ(report.Verdict, FileReport::State::Damaged);
@@ -250,7 +251,7 @@ TEST_P(PageSweep, AFlippedBitInAMailIsNamedWithItsRowAndTheMailIsStillToBeHad)
                 ++refused;
                 EXPECT_EQ(ErrorNumberOf([&] { static_cast<void>(field.Value()); }), errMemoDamaged);
                 EXPECT_EQ(ErrorNumberOf([&] { static_cast<void>(field.Octets()); }), errMemoDamaged);
-                changed[changed.indexOf("of mail 3") + 8] = '8';
+                changed[0] = 's';
             } else {
                 EXPECT_EQ(field.Value().toString(), Mails_.at(reference));
             }

@@ -14,7 +14,8 @@ void BackfillChecks(const QString& file)
     if (FormatOf(connection) != FormatVersionWithoutChecks)
         return;
     connection.Execute("BEGIN IMMEDIATE");
-    for (const engine::TablePtr& table : ReadSchema(connection, nullptr)->Tables) {
+    const engine::SchemaPtr schema = ReadSchema(connection, nullptr);
+    for (const engine::TablePtr& table : schema->Tables) {
         const QByteArray name = QuoteName(table->Name);
         QByteArrayList values;
         for (const engine::Column& column : table->Columns) {
