@@ -10,8 +10,8 @@ namespace cdo
 
 namespace
 {
-/// An encoded word takes up to twelve octets for a character.
-constexpr qsizetype OctetsOfCharacter = 12;
+/// A character in an encoded word of its own, the longest that mailers write.
+constexpr qsizetype OctetsOfCharacter = 20;
 constexpr qsizetype LongestEncodedWord = 1000;
 
 QString Beginning(const QString& text, qsizetype mostCharacters)

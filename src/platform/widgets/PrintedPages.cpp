@@ -157,27 +157,44 @@ void FitTables(QTextDocument& document, double available)
     edit.endEditBlock();
 }
 
-/// A paragraph is laid out in one step, so that one of megabytes is made several, which end behind a word.
+/// Where to divide a long paragraph, behind a word where there is one.
+QList<int> Divisions(const QTextBlock& block)
+{
+    QList<int> places;
+    const QString text = block.text();
+    for (qsizetype begin = 0; text.size() - begin > LongestParagraph;) {
+        const qsizetype most = begin + LongestParagraph;
+        const qsizetype blank = text.lastIndexOf(u' ', most - 1);
+        begin = blank > begin + LongestParagraph / 2 ? blank + 1 : most;
+        begin -= text.at(begin - 1).isHighSurrogate() ? 1 : 0;
+        places.append(block.position() + static_cast<int>(begin));
+    }
+    return places;
+}
+
+/// A paragraph is laid out in one step, so that one of megabytes is made several without room between them.
 void DivideParagraphs(QTextDocument& document)
 {
+    QList<int> places;
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        if (block.length() <= LongestParagraph)
-            continue;
-        const QString text = block.text().left(LongestParagraph);
-        const qsizetype blank = text.lastIndexOf(u' ');
-        qsizetype end = blank > LongestParagraph / 2 ? blank + 1 : LongestParagraph;
-        end -= text.at(end - 1).isHighSurrogate() ? 1 : 0;
-        QTextCursor cursor(block);
-        QTextBlockFormat format = block.blockFormat();
-        const double below = format.bottomMargin();
-        format.setBottomMargin(0);
-        cursor.setBlockFormat(format);
-        cursor.setPosition(block.position() + static_cast<int>(end));
-        format.setTopMargin(0);
-        format.setBottomMargin(below);
-        format.setTextIndent(0);
-        cursor.insertBlock(format);
+        if (block.length() > LongestParagraph)
+            places += Divisions(block);
     }
+    QTextCursor cursor(&document);
+    cursor.beginEditBlock();
+    // From the end, so that the places before stay what they are.
+    for (auto place = places.crbegin(); place != places.crend(); ++place) {
+        cursor.setPosition(*place);
+        QTextBlockFormat above = cursor.blockFormat();
+        QTextBlockFormat below = above;
+        below.setTopMargin(0);
+        below.setTextIndent(0);
+        above.setBottomMargin(0);
+        cursor.insertBlock(below);
+        cursor.movePosition(QTextCursor::PreviousBlock);
+        cursor.setBlockFormat(above);
+    }
+    cursor.endEditBlock();
 }
 } // namespace
 
