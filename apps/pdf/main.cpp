@@ -133,9 +133,10 @@ int main(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 #endif
-    const QGuiApplication application(argc, argv);
+    // Before the application, which may have something to tell itself.
     QGuiApplication::setApplicationName(QStringLiteral("tolva-pdf"));
     Terminal::TakeMessagesOfQt();
+    const QGuiApplication application(argc, argv);
     try {
         const int code = Run(QGuiApplication::arguments());
         if (!Terminal::Flush())

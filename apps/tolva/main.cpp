@@ -65,10 +65,11 @@ std::vector<CommandDefinition> AllCommands()
 int main(int argc, char** argv)
 {
     StandardStreams::HoldPlaces();
-    const QCoreApplication application(argc, argv);
+    // Before the application, which may have something to tell itself.
     QCoreApplication::setApplicationName(QStringLiteral("tolva"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TOLVA_VERSION));
     Terminal::TakeMessagesOfQt();
+    const QCoreApplication application(argc, argv);
     const int code = RunAndReport(QCoreApplication::arguments().mid(1));
     if (!Terminal::Flush() && code == exitOK) {
         Terminal::Complain(QStringLiteral("The output could not be written."));

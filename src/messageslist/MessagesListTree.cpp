@@ -217,8 +217,11 @@ void uMessagesList::DeleteFolder()
     if (!Confirm(QStringLiteral("Are you sure you want to delete the Message's Category '%1'?")
                      .arg(category->Description())))
         return;
-    if (!clsTolvaDatabase_->DeleteMessageCategory(CurrentCategory_))
+    if (!clsTolvaDatabase_->DeleteMessageCategory(CurrentCategory_)) {
+        if (clsTolvaDatabase_->LastErrorNumber() != 0)
+            throw dao::Error(clsTolvaDatabase_->LastErrorNumber(), clsTolvaDatabase_->LastErrorDescription());
         return;
+    }
     if (CategoryOfKey(parentKey) > 0)
         CurrentCategory_ = static_cast<enTolvaMessageCategories>(CategoryOfKey(parentKey));
     UpdateCategories();

@@ -68,7 +68,7 @@ TEST_F(RekeyTest, AllBatchesAreWrittenAlsoWhereMostMessagesAreGone)
 
 TEST_F(RekeyTest, ChangingTheCountryPointsToItAndItTakesTheNewFormOver)
 {
-    FileText(QStringLiteral("0171 1234567"));
+    FileText(QStringLiteral("+49 171 1234567"));
     EXPECT_EQ(Expect("setting", {QStringLiteral("Station.Country")}), "GB\n");
     const Outcome changed = OnStation("setting", {QStringLiteral("Station.Country"), QStringLiteral(" de ")});
     EXPECT_EQ(changed.Code, 0);

@@ -279,7 +279,7 @@ TEST_F(TerminalOutputTest, ThePdfProgramHandsOnNoOrder)
         EXPECT_EQ(OrdersIn(process.readAllStandardOutput(), Form::Text), QString());
         const QByteArray problems = process.readAllStandardError();
         EXPECT_EQ(OrdersIn(problems, Form::Text), QString());
-        EXPECT_EQ(problems.isEmpty(), process.exitCode() == 0) << problems.constData();
+        EXPECT_TRUE(process.exitCode() == 0 || !problems.isEmpty()) << process.exitCode();
     }
 }
 

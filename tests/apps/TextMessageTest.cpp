@@ -43,7 +43,7 @@ TEST_F(TextMessageTest, WithoutARecipientItGoesToTheStationsNumber)
 
 TEST_F(TextMessageTest, TheSenderReadsTheSameInListAndShow)
 {
-    for (const char* sender : {"+44 7700 900123", "0044 7700 900123", "00800", "Weather Ship", "Pete <07700 900123>"}) {
+    for (const char* sender : {"+44 7700 900123", "0044 7700 900123", "00800", "Weather Ship", "Pete <80058>"}) {
         const QString reference = FileMail("Hello", From(QString::fromLatin1(sender)));
         const QByteArray listed =
             Expect("list", {QStringLiteral("--where"), QStringLiteral("[Reference]=") + reference});

@@ -110,7 +110,7 @@ TEST(TerminalUserInterfaceTest, ATextCannotSteerTheTerminal)
     const Pipe output;
     TerminalUserInterface user(0, output.WriteEnd());
     user.MessageBox({QStringLiteral("a\x1B[2Jb\rc\td"), QString()});
-    EXPECT_EQ(output.Written(), "a?[2Jb?c\td\n");
+    EXPECT_EQ(output.Written(), "a\xEF\xBF\xBD[2Jb c\td\n");
 }
 
 TEST(TerminalUserInterfaceTest, WhereNobodyCanBeAskedTheAnswerIsNo)
