@@ -1,12 +1,14 @@
 // Storing several messages in one step, and finding one by what would be stored of it.
 
-#include "common/ClockHelper.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/records/Transaction.h"
 
+#include <QScopedValueRollback>
+
 #include <algorithm>
+#include <functional>
 
 namespace
 {
@@ -33,12 +35,13 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
     KeepLastError(PendingError());
     const std::vector<Before> before = StateOf(messages);
     std::vector<MessageSaving> savings;
+    StampMove move;
     try {
         dao::Transaction transaction(OpenedDatabase());
         savings = WriteMessages(messages, goesOn);
         if (std::any_of(savings.begin(), savings.end(), std::mem_fn(&MessageSaving::IsSaved))) {
             WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
-            SetLastMessageChanged(ClockHelper::NowUTC());
+            move = MoveLastChanged(QStringLiteral("Messages.LastChanged"));
         }
         transaction.Commit();
     } catch (...) {
@@ -49,6 +52,7 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
         throw;
     }
     LogSavings(messages, savings);
+    const QScopedValueRollback<StampMove> told(ToldMessageMove_, move);
     for (std::size_t i = 0; RaiseEvents_ && i < savings.size(); ++i) {
         if (!savings[i].IsSaved())
             continue;

@@ -70,10 +70,12 @@ bool cPrize::ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset)
 {
     if (!recordset)
         return false;
-    recordset->SetIndex(MainIndex);
-    recordset->Seek(dao::SeekComparison::Equal, {prizeReference});
-    if (recordset->NoMatch())
-        return false;
+    if (prizeReference != 0) {
+        recordset->SetIndex(MainIndex);
+        recordset->Seek(dao::SeekComparison::Equal, {prizeReference});
+        if (recordset->NoMatch())
+            return false;
+    }
     const auto column = [recordset](const QString& name) { return recordset->Collect(name); };
     SetReference(NumberOr(column(Column::Reference), 0));
     SetTitle(column(Column::Title).toString());
