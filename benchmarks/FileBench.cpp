@@ -1,9 +1,12 @@
 #include "Measure.h"
 #include "Subjects.h"
 
+#include <QDir>
 #include <QFile>
 #include <QList>
+#include <QStandardPaths>
 
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -11,31 +14,68 @@
 
 namespace
 {
-/// Runs the program to its good end; its peak of resident memory, in MB.
-double PeakOf(const QList<QByteArray>& arguments)
+/// Runs a program to its good end; what it used.
+rusage RunProgram(const QByteArray& program, const QList<QByteArray>& arguments)
 {
-    QList<char*> words = {const_cast<char*>(TOLVA_PROGRAM)};
+    QList<char*> words = {const_cast<char*>(program.constData())};
     for (const QByteArray& argument : arguments)
         words.append(const_cast<char*>(argument.constData()));
     words.append(nullptr);
     const pid_t child = fork();
     if (child == 0) {
         dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        execv(TOLVA_PROGRAM, words.data());
+        execv(program.constData(), words.data());
         _exit(127);
     }
     int status = 0;
     rusage usage{};
     Require(wait4(child, &status, 0, &usage) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0,
             "the program did not do its work");
-    return static_cast<double>(usage.ru_maxrss) / 1024.0;
+    return usage;
+}
+
+/// The program's peak of resident memory, in MB.
+double PeakOf(const QList<QByteArray>& arguments)
+{
+    return static_cast<double>(RunProgram(TOLVA_PROGRAM, arguments).ru_maxrss) / 1024.0;
+}
+
+void MakeStationIn(const QByteArray& folder)
+{
+    RunProgram(TOLVA_PROGRAM, {"init", folder, "--name", "Bench FM", "--phone", "01632 960100"});
+}
+
+void WriteFile(const QString& name, const QByteArray& octets)
+{
+    QFile file(name);
+    Require(file.open(QIODevice::WriteOnly) && file.write(octets) == octets.size(), "a file cannot be written");
+}
+
+/// A maildir of mails of 5 KB; the octets of all of them.
+double MakeMaildir(const QString& folder, int count)
+{
+    for (const QString& part : {QStringLiteral("/cur"), QStringLiteral("/new"), QStringLiteral("/tmp")})
+        Require(QDir().mkpath(folder + part), "the maildir cannot be made");
+    double octets = 0;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        QByteArray mail = "From: Listener " + number + " <l" + QByteArray::number(i % 300) +
+                          "@example.org>\nTo: studio@example.org\nSubject: Request " + number +
+                          "\nDate: Fri, 20 Nov 2026 08:00:00 +0000\nMessage-ID: <" + number +
+                          "@example.org>\nMIME-Version: 1.0\nContent-Type: text/plain; charset=utf-8\n\n";
+        for (int word = i; mail.size() < 5000; ++word)
+            mail += "word" + QByteArray::number(word % 997) + (word % 11 == 0 ? '\n' : ' ');
+        WriteFile(folder + QStringLiteral("/new/%1.M1P1.bench").arg(1795000000 + i), mail);
+        octets += static_cast<double>(mail.size());
+    }
+    return octets;
 }
 } // namespace
 
 void BenchFiling(const QString& folder, int megabytes)
 {
     const QByteArray station = QFile::encodeName(folder);
-    PeakOf({"init", station, "--name", "Bench FM", "--phone", "01632 960100"});
+    MakeStationIn(station);
     const QString name = folder + QStringLiteral("/large.eml");
     QFile file(name);
     Require(file.open(QIODevice::WriteOnly), "the large mail cannot be written");
@@ -52,4 +92,41 @@ void BenchFiling(const QString& folder, int megabytes)
     const double size = static_cast<double>(file.size()) / (1024.0 * 1024.0);
     Report("peak memory, filing a large mail", "the size of the mail", size,
            PeakOf({"file", station, QFile::encodeName(name)}), 5.0, "MB");
+}
+
+void BenchFilingAMaildir(const QString& folder, int count)
+{
+    constexpr int rounds = 1; // beside the one that warms caches
+    constexpr double megabyte = 1024.0 * 1024.0;
+    constexpr double octetsOfBlock = 512;
+    const QString maildir = folder + QStringLiteral("/mail");
+    const double octets = MakeMaildir(maildir, count);
+    for (int i = 0; i <= rounds; ++i)
+        MakeStationIn(QFile::encodeName(folder) + "/station" + QByteArray::number(i));
+    int station = 0;
+    double written = 0;
+    const auto file = [&] {
+        const QByteArray name = QFile::encodeName(folder) + "/station" + QByteArray::number(station++);
+        written =
+            static_cast<double>(RunProgram(TOLVA_PROGRAM, {"file", name, QFile::encodeName(maildir)}).ru_oublock) *
+            octetsOfBlock;
+    };
+    const QByteArray notmuch = QFile::encodeName(QStandardPaths::findExecutable(QStringLiteral("notmuch")));
+    if (notmuch.isEmpty()) {
+        std::fprintf(stderr, "notmuch is not installed, so that the speed of filing a maildir is not compared\n");
+        file();
+    } else {
+        const QString settings = folder + QStringLiteral("/notmuch");
+        WriteFile(settings, "[database]\npath=" + QFile::encodeName(maildir) +
+                                "\n[user]\nname=Bench\nprimary_email=bench@example.org\n[new]\ntags=new\n");
+        qputenv("NOTMUCH_CONFIG", QFile::encodeName(settings));
+        Compare(
+            {"filing a maildir", "notmuch new on it", 1.0, rounds, count},
+            [&] {
+                QDir(maildir + QStringLiteral("/.notmuch")).removeRecursively();
+                RunProgram(notmuch, {"new", "--quiet"});
+            },
+            file);
+    }
+    Report("written, filing a maildir", "the mails", octets / megabyte, written / megabyte, 4.0, "MB");
 }

@@ -3,7 +3,7 @@
 set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/setup.sh"
-installPackages "${buildPackages[@]}" dpkg-dev
+installPackages "${buildPackages[@]}" "${designerPackages[@]}" dpkg-dev
 build release
 say "Packing"
 (cd build/release && cpack -G DEB >packages.log 2>&1) || { cat build/release/packages.log >&2; exit 1; }

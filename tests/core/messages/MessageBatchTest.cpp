@@ -121,7 +121,8 @@ TEST_F(MessageBatchTest, ALockedStationStoresNoneAndLeavesTheMessagesAsTheyCame)
 
 TEST_F(MessageBatchTest, TheOctetsToStoreAreThoseThatSavingStores)
 {
-    Station->SetHighlightWords(QStringLiteral("ferry"));
+    Station->SetDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("ferry"), QString());
+    Station->ReadDatabaseSettings();
     const QByteArray page = "From: a@example.org\r\nSubject: s\r\nContent-Type: text/html\r\n\r\n<p>the ferry</p>\r\n";
     const auto message = std::make_shared<cMessage>();
     message->SetCDOMessage(std::make_shared<cdo::Message>(page));
