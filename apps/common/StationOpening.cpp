@@ -10,11 +10,11 @@ namespace
 constexpr int OpenAttempts = 5;
 
 /// An open that finds a fixed folder missing or changed puts it right, so two at the same moment may meet there; one of
-/// them goes through, and the other finds it right when it opens again.
+/// them goes through, and the other finds it right when it opens again. So does an open that meets a restore.
 bool IsCollision(int errorNumber)
 {
     return errorNumber == dao::errChangedByAnother || errorNumber == dao::errRecordDeleted ||
-           errorNumber == dao::errDuplicateValue;
+           errorNumber == dao::errDuplicateValue || errorNumber == dao::errFileReplaced;
 }
 
 /// 0, or the number of the error that stopped it, 1 for none in particular.
