@@ -44,7 +44,8 @@ int TryOpen(cTolvaDatabase& database, const QString& folder, CollectingUserInter
 void StationOpening::Open(cTolvaDatabase& database, const QString& folder, CollectingUserInterface& userInterface)
 {
     int result = TryOpen(database, folder, userInterface);
-    for (int attempt = 1; attempt < OpenAttempts && IsCollision(result); ++attempt)
+    // An open that meets a restore begins again as well.
+    for (int attempt = 1; attempt < OpenAttempts && (IsCollision(result) || result == dao::errFileReplaced); ++attempt)
         result = TryOpen(database, folder, userInterface);
     const QStringList problems = userInterface.TakeProblems();
     if (result != 0)

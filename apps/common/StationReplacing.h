@@ -5,8 +5,8 @@
 
 #include <optional>
 
-/// Putting another file in the place of a station's: a backup, or a compacted copy. Every program must have closed the
-/// station, this one too. The old file is kept beside the new one.
+/// Putting another file in the place of a station's: a backup, or a compacted copy. Other programs may have the station
+/// open; this one must have closed it. What the file held is kept beside it.
 namespace StationReplacing
 {
 struct Result

@@ -235,8 +235,7 @@ void BackupsDialog::Restore()
     MessageBoxRequest question;
     question.Text = tr("Do you want to replace the station by the backup of %1 (%2)?\n\n"
                        "What was filed or changed since then is not in it. The present file is kept beside it.\n\n"
-                       "WARNING! You must quit from all copies of Tolva and Tolva Server on all other computers before "
-                       "restoring from a backup.")
+                       "Other computers may stay at work; they go on with the restored station by themselves.")
                         .arg(List_->currentItem()->text(columnMade), entry->Content);
     question.Buttons = MessageBoxButtons::YesNo;
     question.Icon = MessageBoxIcon::Question;

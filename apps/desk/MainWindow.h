@@ -6,6 +6,7 @@
 #include "StationReplacing.h"
 #include "Words.h"
 
+#include <QDeadlineTimer>
 #include <QList>
 #include <QMainWindow>
 #include <QPointer>
@@ -117,6 +118,7 @@ private:
     void MarkAsRead(qint32 reference);
     void ShowCounts();
     void ShowConnectionProblem(int errorNumber);
+    void TakePutBack();
     void ReopenStation();
     bool OpenAgain(enTolvaMessageCategories category);
     void EditUsers();
@@ -165,6 +167,8 @@ private:
     QString ListCondition_; ///< Of the rows on show.
     QString ListOrder_;
     bool MustReopen_ = false;
+    bool WasPutBack_ = false;     ///< Why it must.
+    QDeadlineTimer PutBackWords_; ///< Until then the notice says so.
     QList<QPointer<QMainWindow>> Windows_;
 };
 

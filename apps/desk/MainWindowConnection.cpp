@@ -1,6 +1,7 @@
 // The main window's watch over its station: what cannot be reached is said, and tried again.
 
 #include "MainWindow.h"
+#include "MoveUndo.h"
 #include "NoticeBar.h"
 #include "StationPlace.h"
 #include "messageslist/uMessagesList.h"
@@ -8,12 +9,17 @@
 
 namespace
 {
+/// How long it is said that the station is another state now.
+constexpr int PutBackMilliseconds = 60 * 1000;
+
 /// What keeps the desk from its station, as somebody reads it who can only wait or call.
 QString ConnectionWords(int errorNumber)
 {
     switch (errorNumber) {
     case dao::errLocked:
         return MainWindow::tr("The station is busy on another computer; trying again.");
+    case dao::errFileReplaced:
+        return MainWindow::tr("The station was put back from a backup; opening it anew.");
     case dao::errFileDamaged:
     case dao::errUnrecognisedFormat:
         return MainWindow::tr("The station's file is damaged. Please tell your technician; nothing is written to it.");
@@ -32,6 +38,10 @@ QString ConnectionWords(int errorNumber)
 
 bool MainWindow::TakeRunTimeError(const dao::Error& error)
 {
+    if (error.Number() == dao::errFileReplaced) {
+        TakePutBack();
+        return true;
+    }
     const bool isOfList = error.Source().startsWith(QStringLiteral("uMessagesList.")) ||
                           error.Source().startsWith(QStringLiteral("uPrizesList."));
     if (isOfList && error.Number() == dao::errTypeMismatch && error.Source().contains(QStringLiteral("Reply"))) {
@@ -48,7 +58,16 @@ bool MainWindow::TakeRunTimeError(const dao::Error& error)
 
 void MainWindow::ShowConnectionProblem(int errorNumber)
 {
+    PutBackWords_ = QDeadlineTimer();
     Connection_->Show(ConnectionWords(errorNumber));
+}
+
+/// Somebody put a backup in the place of what is open here. The watch opens it anew; what is being written stays.
+void MainWindow::TakePutBack()
+{
+    MustReopen_ = true;
+    WasPutBack_ = true;
+    ShowConnectionProblem(dao::errFileReplaced);
 }
 
 void MainWindow::WatchStation()
@@ -63,14 +82,19 @@ void MainWindow::WatchStation()
         ReopenStation();
         return;
     }
-    if (Connection_->isHidden())
-        return;
+    const bool isQuiet = Connection_->isHidden();
     try {
         Station_->Database().OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
+        if (isQuiet || !PutBackWords_.hasExpired())
+            return;
         Connection_->Show(QString());
         List_->UpdateDisplay();
     } catch (const dao::Error& error) {
-        ShowConnectionProblem(error.Number());
+        if (error.Number() == dao::errFileReplaced)
+            TakePutBack();
+        // What nothing was said of so far is the list's to find out when it reads the next time.
+        else if (!isQuiet)
+            ShowConnectionProblem(error.Number());
     }
 }
 
@@ -78,9 +102,16 @@ void MainWindow::WatchStation()
 void MainWindow::ReopenStation()
 {
     const enTolvaMessageCategories category = List_->Category();
+    // Moves that could be taken back are of messages that may not be there any more.
+    Undo_->Forget();
     List_->SetTolvaDatabase(nullptr);
     Prizes_->Disconnect();
-    OpenAgain(category);
+    if (OpenAgain(category) && std::exchange(WasPutBack_, false)) {
+        PutBackWords_.setRemainingTime(PutBackMilliseconds);
+        Connection_->Show(
+            tr("The station was put back from a backup and has been opened anew. What was filed after that "
+               "backup may be missing."));
+    }
 }
 
 /// Failing leaves the words on show, and the watch tries again.

@@ -194,8 +194,7 @@ void MainWindow::CompactFile()
 {
     MessageBoxRequest question;
     question.Text = tr("Do you want to write the station's file anew? The present file is kept beside it.\n\n"
-                       "WARNING! You must quit from all copies of Tolva and Tolva Server on all other computers before "
-                       "compacting.");
+                       "Other computers may stay at work; for a moment they wait.");
     question.Buttons = MessageBoxButtons::YesNo;
     question.Icon = MessageBoxIcon::Question;
     question.DefaultAnswer = MessageBoxAnswer::No;

@@ -106,8 +106,8 @@ int Restore(const Arguments& arguments)
     const BackupFolders::Backup backup = ChooseBackup(arguments, file);
     const QString copy = FileHelper::Join(backup.Folder, FileHelper::FileNameOf(file));
     const StationCounts counts = StationCounts::Of(copy);
-    if (!IsConfirmed(arguments, QStringLiteral("Replace the station in %1 by the backup \"%2\" (%3)? All programs on "
-                                               "all computers must have closed it.")
+    if (!IsConfirmed(arguments, QStringLiteral("Replace the station in %1 by the backup \"%2\" (%3)? What was filed "
+                                               "since is then only in the file that is kept.")
                                     .arg(arguments.Folder(), backup.Name, counts.Words()))) {
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
@@ -124,9 +124,7 @@ int Compact(const Arguments& arguments)
     const QString& folder = arguments.Folder();
     if (!StationPlace::HoldsStation(folder))
         throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
-    if (!IsConfirmed(arguments, QStringLiteral("Compact the station in %1? All programs on all computers must have "
-                                               "closed it.")
-                                    .arg(folder))) {
+    if (!IsConfirmed(arguments, QStringLiteral("Compact the station in %1?").arg(folder))) {
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
     }
@@ -137,8 +135,9 @@ int Compact(const Arguments& arguments)
 }
 
 const QString NotAskedText =
-    QStringLiteral("No program on any computer may have the station open. On a terminal you are asked first, unless "
-                   "--yes is given.\n"
+    QStringLiteral("Other programs may have the station open. One that works at that moment may end with 75: it has to "
+                   "try again.\n"
+                   "On a terminal you are asked first, unless --yes is given.\n"
                    "The old file stays beside the new one as Tolva-0001.BAK, or the next free number. What the station "
                    "held\n"
                    "before and holds after is printed. --user is taken for the sake of scripts and not used.");

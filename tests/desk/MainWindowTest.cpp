@@ -494,6 +494,31 @@ TEST_F(MainWindowTest, AStationOutOfReachIsSaidAndRecovers)
     EXPECT_EQ(List().Category(), tmcInbox);
 }
 
+TEST_F(MainWindowTest, AStationThatWasPutBackFromABackupIsOpenedAnewAndWhatIsWrittenStays)
+{
+    FileMail(Mail("Lighthouse"));
+    OtherComputer("backup");
+    FileMail(Mail("Taken back"));
+    OpenWindow();
+    ASSERT_EQ(List().NumberItems(), 2);
+    Composition composition;
+    composition.Subject = QStringLiteral("Being written");
+    QPointer<ComposeWindow> compose = Window->Compose(composition);
+    OtherComputer("restore", {QStringLiteral("--yes")});
+    EXPECT_TRUE(WaitUntil(
+        [this] {
+            return Notice("connectionNotice").Text().startsWith(u"The station was put back from a backup and has been");
+        },
+        3 * MainWindow::WatchMilliseconds));
+    EXPECT_EQ(List().NumberItems(), 1);
+    ASSERT_TRUE(compose);
+    EXPECT_TRUE(compose->isVisible());
+    EXPECT_TRUE(compose->windowTitle().contains(u"Being written"));
+    // It works on the new state by itself.
+    FileMail(Mail("Afterwards"));
+    EXPECT_TRUE(WaitUntil([this] { return List().NumberItems() == 2; }, 20000));
+}
+
 TEST_F(MainWindowTest, AnErrorOfThePollingBecomesANoticeAndNoBox)
 {
     OpenWindow();

@@ -61,8 +61,8 @@ protected:
             Ui.ExpectConfirmation(
                 QStringLiteral("Do you want to replace the station by the backup of %1 (1 message, 0 prizes, 0 "
                                "winners)?\n\nWhat was filed or changed since then is not in it. The present file is "
-                               "kept beside it.\n\nWARNING! You must quit from all copies of Tolva and Tolva Server on "
-                               "all other computers before restoring from a backup.")
+                               "kept beside it.\n\nOther computers may stay at work; they go on with the restored "
+                               "station by themselves.")
                     .arg(Made),
                 MessageBoxAnswer::Yes);
             AfterConfirmation();
@@ -310,8 +310,7 @@ TEST_F(StationMenuTest, CompactingAsksAndSaysWhatTheFileHolds)
     OpenWindow();
     const QString question =
         QStringLiteral("Do you want to write the station's file anew? The present file is kept beside it.\n\n"
-                       "WARNING! You must quit from all copies of Tolva and Tolva Server on all other computers before "
-                       "compacting.");
+                       "Other computers may stay at work; for a moment they wait.");
     Ui.ExpectConfirmation(question, MessageBoxAnswer::No);
     Choose("compact");
     EXPECT_FALSE(QFile::exists(KeepName()));

@@ -238,7 +238,8 @@ TEST_F(RestoreTest, WhateverHappenedToTheFileABackupBringsItBack)
         Write(FileName(), damaged);
         QFile::remove(KeepName());
         PendingError failure;
-        ASSERT_EQ(RestoreBackup::Replace(FileName(), Copy(u"2026-11-21 15.05"), KeepName(), failure),
+        ASSERT_EQ(RestoreBackup::Replace(
+                      FileName(), Copy(u"2026-11-21 15.05"), [this] { return KeepName(); }, failure),
                   RestoreBackup::Outcome::Done);
         EXPECT_EQ(Read(KeepName()), damaged);
         EXPECT_EQ(Open(), 0);
@@ -248,7 +249,8 @@ TEST_F(RestoreTest, WhateverHappenedToTheFileABackupBringsItBack)
     // And when it is gone altogether.
     QFile::remove(FileName());
     PendingError failure;
-    EXPECT_EQ(RestoreBackup::Replace(FileName(), Copy(u"2026-11-21 14.05"), KeepName(), failure),
+    EXPECT_EQ(RestoreBackup::Replace(
+                  FileName(), Copy(u"2026-11-21 14.05"), [this] { return KeepName(); }, failure),
               RestoreBackup::Outcome::Done);
     EXPECT_EQ(Open(), 0);
     EXPECT_EQ(Messages(), 1);

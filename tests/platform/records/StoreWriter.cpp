@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include <array>
 #include <cstdio>
 
 /// A process of its own, of which the tests start several at once and kill some:
@@ -10,6 +11,8 @@
 ///     returned.
 /// storeWriter move <file>: moves all rows of table T together from number to number, in transactions inside others,
 ///     and says each number once it is committed.
+/// storeWriter step <file>: opens the file, reads all of table T, says "ready", and adds a row for each line that comes
+///     in, with that name; says its reference, or the number of the error, and goes on.
 /// storeWriter create <file>: makes a new database once a line comes in.
 /// A failure is said as its number, with exit code 1.
 namespace
@@ -53,6 +56,26 @@ void Move(const QString& fileName)
     }
 }
 
+void Step(const QString& fileName)
+{
+    const auto database = dao::DBEngine::OpenDatabase(fileName);
+    for (const auto rows = database->OpenRecordset(QStringLiteral("T"), dao::dbOpenTable); !rows->AtEOF();)
+        rows->MoveNext();
+    Say(QStringLiteral("ready"));
+    for (std::array<char, 100> line{}; std::fgets(line.data(), static_cast<int>(line.size()), stdin);) {
+        try {
+            const auto table = database->OpenRecordset(QStringLiteral("T"), dao::dbOpenTable);
+            table->AddNew();
+            const int reference = table->Collect(QStringLiteral("Reference")).toInt();
+            table->SetCollect(QStringLiteral("Name"), QString::fromLatin1(line.data()).trimmed());
+            table->Update();
+            Say(QString::number(reference));
+        } catch (const dao::Error& error) {
+            Say(QStringLiteral("error %1").arg(error.Number()));
+        }
+    }
+}
+
 void Create(const QString& fileName)
 {
     std::getchar();
@@ -75,6 +98,8 @@ int main(int argc, char** argv)
             Add(fileName, arguments.value(3), arguments.value(4).toInt());
         else if (command == QLatin1String("move"))
             Move(fileName);
+        else if (command == QLatin1String("step"))
+            Step(fileName);
         else if (command == QLatin1String("create"))
             Create(fileName);
         else
