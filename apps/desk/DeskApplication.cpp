@@ -9,11 +9,11 @@
 bool DeskApplication::notify(QObject* receiver, QEvent* event)
 {
     // It may be gone when there is something to tell.
-    const QString name = QLatin1String(receiver->metaObject()->className());
+    const char* const name = receiver->metaObject()->className();
     try {
         return QApplication::notify(receiver, event);
     } catch (...) {
-        Tell(name);
+        Tell(QLatin1String(name));
         return true;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
+#include "database/Collision.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/SettingText.h"
 #include "database/TableCheck.h"
@@ -39,18 +40,28 @@ bool Find(dao::Recordset& recordset, const QString& name)
     return !recordset.NoMatch();
 }
 
+enum class Collision
+{
+    Kept, ///< Nothing is said: the write is done anew.
+    Told
+};
+
 /// One writing step; its failure is told with the words and the setting's name.
 class SettingWrite
 {
 public:
-    SettingWrite(const QString& name, bool silent) : Name_(name), Silent_(silent) {}
+    SettingWrite(const QString& name, bool silent, Collision collision)
+        : Name_(name), Silent_(silent), Collision_(collision)
+    {
+    }
 
     template <typename Statement>
     bool Step(const QString& words, Statement&& statement)
     {
         if (Pending_.Try(statement))
             return true;
-        ReportProblem(words + Name_, Pending_.Number(), Silent_, Pending_.Description());
+        if (Collision_ == Collision::Told || !IsCollision(Number()))
+            ReportProblem(words + Name_, Pending_.Number(), Silent_, Pending_.Description());
         return false;
     }
     int Number() const { return Pending_.Number(); }
@@ -58,6 +69,7 @@ public:
 private:
     QString Name_;
     bool Silent_;
+    Collision Collision_;
     PendingError Pending_;
 };
 
@@ -74,6 +86,31 @@ bool StoreValue(dao::Recordset& recordset, const QString& name, const QString& t
     return write.Step(QStringLiteral("setting the value for a setting : "), [&] {
         recordset.SetCollect(Value, text);
     }) && write.Step(QStringLiteral("updating the database setting : "), [&] { recordset.Update(); });
+}
+
+/// 0, or the number of the error that stopped it.
+int WriteOnce(dao::Recordset& recordset, const QString& itemName, const QVariant& value, const QVariant& defaultValue,
+              SettingWrite& write)
+{
+    QString name = itemName;
+    bool exists = false;
+    const bool located = write.Step(QStringLiteral("locating the database setting : "), [&] {
+        name = CutName(recordset, itemName);
+        exists = Find(recordset, name);
+    });
+    if (!located)
+        return write.Number();
+    const QString text = SettingText(value);
+    if (text != SettingText(defaultValue)) {
+        StoreValue(recordset, name, text, exists, write);
+    } else if (exists) {
+        write.Step(QStringLiteral("clearing the database setting : "), [&] {
+            recordset.Delete();
+            if (!recordset.AtEOF())
+                recordset.MoveNext();
+        });
+    }
+    return write.Number();
 }
 } // namespace
 
@@ -96,26 +133,17 @@ int DAO_DatabaseFunctions::WriteSettingValue(dao::Recordset* recordset, const QS
 {
     if (!recordset || itemName.isEmpty() || !recordset->Updatable())
         return 0;
-    QString name = itemName;
-    bool exists = false;
-    SettingWrite write(itemName, silent);
-    const bool located = write.Step(QStringLiteral("locating the database setting : "), [&] {
-        name = CutName(*recordset, itemName);
-        exists = Find(*recordset, name);
-    });
-    if (!located)
-        return write.Number();
-    const QString text = SettingText(value);
-    if (text != SettingText(defaultValue)) {
-        StoreValue(*recordset, name, text, exists, write);
-    } else if (exists) {
-        write.Step(QStringLiteral("clearing the database setting : "), [&] {
-            recordset->Delete();
-            if (!recordset->AtEOF())
-                recordset->MoveNext();
-        });
+    // Another computer may store the same setting between the look for its row and the write; then there is one to look
+    // for, or none any more.
+    constexpr int mostTries = 20;
+    int number = 0;
+    for (int tries = 1; tries <= mostTries; ++tries) {
+        SettingWrite write(itemName, silent, tries == mostTries ? Collision::Told : Collision::Kept);
+        number = WriteOnce(*recordset, itemName, value, defaultValue, write);
+        if (!IsCollision(number))
+            break;
     }
-    return write.Number();
+    return number;
 }
 
 int DAO_DatabaseFunctions::CheckSettingsTable(dao::Database& database)
