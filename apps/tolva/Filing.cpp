@@ -103,8 +103,9 @@ void Filing::FileBatch()
     try {
         savings = SaveBatch();
     } catch (const dao::Error& error) {
-        // Locked for longer than the store waits: the single messages would wait as long.
-        if (error.Number() == dao::errLocked)
+        // Locked for longer than the store waits: the single messages would wait as long. And where the disk failed at
+        // the very end of the commit they are in the station, though nobody can promise that they stay.
+        if (error.Number() == dao::errLocked || Waiting_.front().Message->Reference() != 0)
             FailAll(Waiting_.front().Incoming.Name, error.Number(), error.Description());
         Station_.Terminal().TakeProblems();
         FileOneByOne();

@@ -27,6 +27,21 @@ std::vector<Before> StateOf(const std::vector<cMessagePtr>& messages)
         before.push_back({message->Reference(), message->Edited()});
     return before;
 }
+
+void PutBack(const std::vector<cMessagePtr>& messages, const std::vector<Before>& before)
+{
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        messages[i]->SetReference(before[i].Reference);
+        messages[i]->SetEdited(before[i].Edited);
+    }
+}
+
+/// The reference of the first message that is stored, 0 where none is.
+qint32 FirstSaved(const std::vector<cMessagePtr>& messages, const std::vector<MessageSaving>& savings)
+{
+    const auto first = std::find_if(savings.begin(), savings.end(), std::mem_fn(&MessageSaving::IsSaved));
+    return first == savings.end() ? 0 : messages[static_cast<std::size_t>(first - savings.begin())]->Reference();
+}
 } // namespace
 
 std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessagePtr>& messages,
@@ -39,16 +54,18 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
     try {
         dao::Transaction transaction(OpenedDatabase());
         savings = WriteMessages(messages, goesOn);
-        if (std::any_of(savings.begin(), savings.end(), std::mem_fn(&MessageSaving::IsSaved))) {
+        if (FirstSaved(messages, savings) != 0) {
             WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
             move = MoveLastChanged(QStringLiteral("Messages.LastChanged"));
         }
         transaction.Commit();
     } catch (...) {
-        for (std::size_t i = 0; i < messages.size(); ++i) {
-            messages[i]->SetReference(before[i].Reference);
-            messages[i]->SetEdited(before[i].Edited);
-        }
+        // A disk that fails in the last step of a commit has the rows all the same, or may have them.
+        PendingError pending;
+        bool isThere = false;
+        const bool isKnown = pending.Try([&] { isThere = GetMessage(FirstSaved(messages, savings)) != nullptr; });
+        if (isKnown && !isThere)
+            PutBack(messages, before);
         throw;
     }
     LogSavings(messages, savings);

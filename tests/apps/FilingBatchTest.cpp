@@ -79,13 +79,26 @@ protected:
         for (const int reference : references)
             ASSERT_TRUE(stored.contains(reference)) << reference;
     }
+    /// The station as it was when the test began, kept at the first call.
     void MakeStationAnew() const
     {
-        QDir(Station()).removeRecursively();
-        ASSERT_EQ(Run({QStringLiteral("init"), Station(), QStringLiteral("--name"), QStringLiteral("Harbour FM"),
-                       QStringLiteral("--phone"), QStringLiteral("01632 960000")})
-                      .Code,
-                  0);
+        const QString kept = Path(QStringLiteral("kept"));
+        const QString from = QFileInfo::exists(kept) ? kept : Station();
+        const QString to = QFileInfo::exists(kept) ? Station() : kept;
+        QDir(to).removeRecursively();
+        ASSERT_EQ(QProcess::execute(QStringLiteral("cp"), {QStringLiteral("-a"), from, to}), 0);
+    }
+    /// A call from which on opening the station is not far from done: of a run without mails more than one in five is
+    /// made before the mails' turn would come.
+    int CallBeforeFiling() const
+    {
+        QDir().mkpath(Path(QStringLiteral("none")));
+        QByteArray output;
+        int calls = 0;
+        EXPECT_EQ(
+            RunFaulty({QStringLiteral("file"), Station(), Path(QStringLiteral("none"))}, "FAIL_AT", 0, output, calls),
+            0);
+        return qMax(1, calls / 5);
     }
 };
 
@@ -98,15 +111,17 @@ TEST_F(FilingBatchTest, KilledAtAnyMomentItKeepsWhatItToldAndARepeatedRunFilesNo
     QRandomGenerator random(seed);
     const QStringList words = {QStringLiteral("file"), Station(), QStringLiteral("--verbose"),
                                QStringLiteral("--skip-filed"), MakeMaildir(Count)};
+    ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
     int killed = 0;
     for (int round = 0; round < rounds; ++round) {
         QProcess process;
         Prepare(process, words);
         process.start();
         const bool isOver = process.waitForFinished(static_cast<int>(random.bounded(20, 700)));
-        if (!isOver)
+        if (!isOver) {
             ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGKILL), 0);
-        ASSERT_TRUE(isOver || process.waitForFinished());
+            ASSERT_TRUE(process.waitForFinished());
+        }
         ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(process.readAllStandardOutput())));
         const QMap<QString, int> counts = Counts();
         ASSERT_TRUE(EachIsOnce(counts));
@@ -128,8 +143,9 @@ TEST_F(FilingBatchTest, KilledAtAnyWriteItKeepsWhatItToldAndARepeatedRunFilesNot
 {
     const QStringList words = {QStringLiteral("file"), Station(), QStringLiteral("--verbose"),
                                QStringLiteral("--skip-filed"), MakeMaildir(20)};
+    ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
     int kills = 0;
-    for (int number = 1;; number += 3) {
+    for (int number = CallBeforeFiling();; number += 4) {
         SCOPED_TRACE(number);
         ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
         QByteArray output;
@@ -151,8 +167,9 @@ TEST_F(FilingBatchTest, KilledAtAnyWriteItKeepsWhatItToldAndARepeatedRunFilesNot
 TEST_F(FilingBatchTest, OnAFullDiskItTellsOnlyWhatIsStoredAndNamesTheFirstThatIsNot)
 {
     const QStringList words = {QStringLiteral("file"), Station(), QStringLiteral("--verbose"), MakeMaildir(20)};
+    ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
     int failures = 0;
-    for (int number = 1;; number += 7) {
+    for (int number = CallBeforeFiling();; number += 7) {
         SCOPED_TRACE(number);
         ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
         QByteArray output;
@@ -173,15 +190,17 @@ TEST_F(FilingBatchTest, OnAFullDiskItTellsOnlyWhatIsStoredAndNamesTheFirstThatIs
 TEST_F(FilingBatchTest, AfterOneFailureOfTheDiskTheBatchIsFiledMailByMail)
 {
     const QStringList words = {QStringLiteral("file"), Station(), QStringLiteral("--verbose"), MakeMaildir(5)};
+    ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
     bool wasFiledAfterFailure = false;
-    for (int number = 1;; ++number) {
+    for (int number = CallBeforeFiling();; ++number) {
         SCOPED_TRACE(number);
         ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
         QByteArray output;
         int calls = 0;
         const int code = RunFaulty(words, "FAIL_AT", number, output, calls);
-        ASSERT_EQ(Counts().size(), Acknowledged(output).size()) << output.constData();
+        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(output)));
         ASSERT_TRUE(EachIsOnce(Counts()));
+        ASSERT_TRUE(code != 0 || Acknowledged(output).size() == 5);
         wasFiledAfterFailure = wasFiledAfterFailure || (code == 0 && calls >= number);
         if (calls < number)
             break;
