@@ -10,7 +10,6 @@
 #include "database/BackupTimer.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
 
 namespace
 {
@@ -127,8 +126,7 @@ bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
     const QString name = BackupFolders::NameFor(now);
     const QString folder = FileHelper::Join(root, name);
     FileHelper::CreateFolder(folder);
-    dao::DBEngine::BeginTrans();
-    dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
+    dao::Transaction().Commit();
     PendingError failure;
     const bool isMade =
         FileHelper::CopyWithProgress(Information_.Path, folder, QStringLiteral("Backing up the Database"), &failure) &&

@@ -3,7 +3,6 @@
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
 
 #include <QScopedValueRollback>
 
@@ -32,20 +31,6 @@ qint16 ToReference(qint32 number)
     if (number > std::numeric_limits<qint16>::max())
         throw dao::Error(dao::errOverflow, QStringLiteral("A folder's reference cannot be above 32767."));
     return static_cast<qint16>(number);
-}
-
-/// All that the statements store, or nothing of it.
-template <typename Statements>
-void InTransaction(Statements&& statements)
-{
-    dao::DBEngine::BeginTrans();
-    try {
-        statements();
-        dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
-    } catch (...) {
-        dao::DBEngine::Rollback();
-        throw;
-    }
 }
 
 void WriteCategory(dao::Recordset& recordset, const clsCategory& category)
@@ -105,10 +90,13 @@ qint16 cTolvaDatabase::LastMessageCategoryReference() const
 
 bool cTolvaDatabase::SaveMessageCategory(clsCategory& category, bool updateSubCategories)
 {
+    // A new number is above all others, and no other computer may take it meanwhile.
+    dao::Transaction transaction = BeginChange();
     if (updateSubCategories)
-        InTransaction([&] { StoreCategoryTree(category); });
+        StoreCategoryTree(category);
     else
         StoreCategory(category);
+    transaction.Commit();
     return true;
 }
 
@@ -147,6 +135,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
 {
     if (reference <= 0)
         return false;
+    // Nobody files into the folder between the look and the deletion.
+    dao::Transaction transaction = BeginChange();
     const auto category = GetMessageCategory(reference);
     if (category->SubCategoryCount() >= 1)
         return false;
@@ -158,7 +148,10 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     recordset->Seek(dao::SeekComparison::Equal, {reference});
     if (!recordset->NoMatch()) {
         PendingError pending;
-        const bool deleted = pending.Try([&] { recordset->Delete(); });
+        const bool deleted = pending.Try([&] {
+            recordset->Delete();
+            transaction.Commit();
+        });
         KeepLastError(pending);
         if (!deleted)
             return false;
@@ -207,10 +200,10 @@ void cTolvaDatabase::SaveFixedCategories()
         {tmcDrafts, "Draft Messages", "folderdrafts"},
         {tmcAutomatic, "Auto-Messages", "foldersending"},
     };
-    InTransaction([&] {
-        for (const FixedCategory& category : fixed) {
-            SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
-                              QLatin1String(category.IconReference));
-        }
-    });
+    dao::Transaction transaction;
+    for (const FixedCategory& category : fixed) {
+        SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
+                          QLatin1String(category.IconReference));
+    }
+    transaction.Commit();
 }
