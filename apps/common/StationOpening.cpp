@@ -1,6 +1,5 @@
 #include "StationOpening.h"
 
-#include "ChangeAnnouncement.h"
 #include "CollectingUserInterface.h"
 #include "StationPlace.h"
 #include "platform/records/DBEngine.h"
@@ -55,7 +54,8 @@ void StationOpening::Open(cTolvaDatabase& database, const QString& folder, Colle
     const QStringList problems = userInterface.TakeProblems();
     if (result != 0)
         Fail(folder, result, problems);
-    AnnounceDeletions(database);
+    // Other computers are to see every change at once.
+    database.SetStampsEveryChange(true);
 }
 
 Failure StationOpening::FailureOf(const QString& folder, int errorNumber, const QString& description)
