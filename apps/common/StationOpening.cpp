@@ -1,6 +1,5 @@
 #include "StationOpening.h"
 
-#include "ChangeAnnouncement.h"
 #include "CollectingUserInterface.h"
 #include "StationPlace.h"
 #include "common/GeneralHelper.h"
@@ -51,7 +50,8 @@ void StationOpening::Open(cTolvaDatabase& database, const QString& folder, Colle
     if (result != 0)
         Fail(folder, result, problems);
     GeneralHelper::SetPhoneRegion(database.StationCountry());
-    AnnounceDeletions(database);
+    // Other computers are to see every change at once.
+    database.SetStampsEveryChange(true);
 }
 
 Failure StationOpening::FailureOf(const QString& folder, int errorNumber, const QString& description)

@@ -3,7 +3,6 @@
 #include "DeskStation.h"
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
-#include "platform/records/DBEngine.h"
 
 #include <QScopeGuard>
 
@@ -39,9 +38,6 @@ DraftStore::Outcome DraftStore::SaveInTransaction(const Composition& composition
                                                   Conflict conflict, cMessagePtr& written)
 {
     cTolvaDatabase& database = Station_.Database();
-    // A file that cannot be read now says so here. The settings would give their defaults instead, and once this has
-    // been read, nobody changes the file until the transaction ends.
-    database.OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
     const cMessagePtr stored = Reference() == 0 ? nullptr : database.GetMessage(Reference());
     if (conflict == Conflict::Stop) {
         if (const std::optional<Outcome> difference = Compare(stored)) {
@@ -75,19 +71,13 @@ DraftStore::Outcome DraftStore::Save(const Composition& composition, Composing::
         database.SetRaiseEvents(false);
         const auto restore = qScopeGuard([&] { database.SetRaiseEvents(raise); });
         const BusyPointer busy;
-        bool isOpen = false;
         try {
-            dao::DBEngine::BeginTrans();
-            isOpen = true;
+            // What is stored is compared under the lock under which it is written over.
+            dao::Transaction transaction = database.BeginChange();
             outcome = SaveInTransaction(composition, filing, conflict, written);
-            isOpen = false;
             if (outcome == Outcome::Saved)
-                dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
-            else
-                dao::DBEngine::Rollback();
+                transaction.Commit();
         } catch (const dao::Error& error) {
-            if (isOpen)
-                dao::DBEngine::Rollback();
             Words_ = Station_.Words(error.Number(), error.Description());
             outcome = Outcome::Failed;
         }

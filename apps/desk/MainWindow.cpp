@@ -3,7 +3,6 @@
 #include "MainWindow.h"
 
 #include "AttachmentList.h"
-#include "ChangeAnnouncement.h"
 #include "ComposeWindow.h"
 #include "DeskSettings.h"
 #include "Failure.h"
@@ -202,9 +201,6 @@ void MainWindow::ConnectList()
         ListCondition_ = ConditionOf(query);
         ListOrder_ = OrderOf(query);
     });
-    // Emptying a folder works on the table alone; other desks are to see it.
-    connect(List_->CategoryMenu()->findChild<QAction*>(QStringLiteral("mnuEmpty")), &QAction::triggered, this,
-            [this] { Run([this] { AnnounceChange(Station_->Database()); }); });
     connect(List_, &uMessagesList::MessageSelected, this, &MainWindow::TakeSelection);
     connect(List_, &uMessagesList::NewMessage, this,
             [this](const cMessagePtr& message) { Run([&] { TakeNewMessage(message); }); });

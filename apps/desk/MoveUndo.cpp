@@ -1,6 +1,5 @@
 #include "MoveUndo.h"
 
-#include "ChangeAnnouncement.h"
 #include "DeskStation.h"
 #include "NoticeBar.h"
 #include "Words.h"
@@ -96,8 +95,6 @@ bool MoveUndo::TakeBack(const Move& move)
                         : tr("You have no right to move %1 back. A technician can.").arg(move.Subject));
         return false;
     }
-    // A move of one column alone tells other computers nothing.
-    AnnounceChange(database);
     Q_EMIT Told(tr("%1 is in %2 again.").arg(move.Subject, FolderName(move.From)));
     return true;
 }

@@ -2,7 +2,8 @@
 
 #include "common/ClockHelper.h"
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
+
+#include <QScopeGuard>
 
 namespace
 {
@@ -78,23 +79,17 @@ void UnusualMessages::FileMany(cTolvaDatabase& database, int count)
                                   QStringLiteral("Thank you for the concert"), QStringLiteral("Birthday on Sunday")};
     const bool raise = database.RaiseEvents();
     database.SetRaiseEvents(false);
-    dao::DBEngine::BeginTrans();
-    try {
-        const double start = Date(2026, 11, 1).DayNumber();
-        for (int i = 0; i < count; ++i) {
-            const cMessagePtr message =
-                MakeMessage(QStringLiteral("Listener %1 <listener%1@example.org>").arg(i),
-                            QStringLiteral("%1 (%2)").arg(subjects.at(i % subjects.size())).arg(i + 1),
-                            QStringLiteral("Message number %1.").arg(i + 1), Date(start - i * 0.01));
-            message->SetCategory(tmcInbox);
-            message->SetFlags(i % 3 == 0 ? 0 : mfRead);
-            database.SaveMessage(message);
-        }
-        dao::DBEngine::CommitTrans();
-    } catch (...) {
-        dao::DBEngine::Rollback();
-        database.SetRaiseEvents(raise);
-        throw;
+    const auto restore = qScopeGuard([&] { database.SetRaiseEvents(raise); });
+    dao::Transaction transaction;
+    const double start = Date(2026, 11, 1).DayNumber();
+    for (int i = 0; i < count; ++i) {
+        const cMessagePtr message =
+            MakeMessage(QStringLiteral("Listener %1 <listener%1@example.org>").arg(i),
+                        QStringLiteral("%1 (%2)").arg(subjects.at(i % subjects.size())).arg(i + 1),
+                        QStringLiteral("Message number %1.").arg(i + 1), Date(start - i * 0.01));
+        message->SetCategory(tmcInbox);
+        message->SetFlags(i % 3 == 0 ? 0 : mfRead);
+        database.SaveMessage(message);
     }
-    database.SetRaiseEvents(raise);
+    transaction.Commit();
 }

@@ -1,6 +1,5 @@
 // tolva move, copy, delete and mark: changes of messages.
 
-#include "ChangeAnnouncement.h"
 #include "Commands.h"
 #include "DisplayText.h"
 #include "FolderNames.h"
@@ -23,7 +22,6 @@ int Relocate(const Arguments& arguments, Relocation operation, const QString& wo
         [&] { return (station.Database().*operation)(reference, static_cast<enTolvaMessageCategories>(folder)); });
     if (!isDone)
         throw station.WhyNot(reference, words);
-    AnnounceChange(station.Database());
     return exitOK;
 }
 

@@ -1,7 +1,6 @@
 // tolva prize award, winners and remove-winner: who won a prize.
 
 #include "AwardCheck.h"
-#include "AwardRules.h"
 #include "ContactSearch.h"
 #include "DisplayText.h"
 #include "MessageRow.h"
@@ -16,6 +15,7 @@ namespace
 using namespace PrizeOptions;
 
 const QString ManageWords = QStringLiteral("manage prizes");
+const QString LimitFormat = QStringLiteral("yyyy-mm-dd hh:nn");
 constexpr int MostCandidates = 10;
 
 /// The only one of them, or of those of exactly that name. Failure (data) for none and, with the candidates, for
@@ -82,12 +82,12 @@ void RefuseFullPrize(const cPrize& prize)
 
 void RefuseLargeNumber(const clsKVContact& contact)
 {
-    if (contact.Reference > AwardRules::HighestWinnerReference) {
+    if (Awarding::WhyCannotWin(contact.Reference) != Awarding::Obstacle::None) {
         throw Failure(exitData, QStringLiteral("%1 has the number %2; a winner's number can be %3 at most, so this "
                                                "contact cannot be stored as a winner.")
                                     .arg(OneLine(contact.Name))
                                     .arg(contact.Reference)
-                                    .arg(AwardRules::HighestWinnerReference));
+                                    .arg(Awarding::HighestWinnerReference));
     }
 }
 
@@ -100,7 +100,7 @@ bool IsConfirmed(Station& station, const QString& question)
 /// Somebody who won a short while ago is told of, and on a terminal asked about. False when the answer is No.
 bool AcceptsRecentWin(Station& station, const Arguments& arguments, const clsKVContact& contact)
 {
-    const auto win = AwardRules::RecentWin(station.Database(), contact.Reference);
+    const auto win = Awarding(station.Database()).RecentWin(contact.Reference);
     if (!win)
         return true;
     const cPrizePtr prize = station.Database().GetPrize(win->PrizeReference, false);
@@ -108,12 +108,37 @@ bool AcceptsRecentWin(Station& station, const Arguments& arguments, const clsKVC
         QStringLiteral("%1 won %2 on %3; winners wait %4 days here.")
             .arg(OneLine(contact.Name), prize ? u'"' + OneLine(prize->Title()) + u'"' : QStringLiteral("a prize"),
                  win->WonDate.Format(QStringLiteral("yyyy-mm-dd")),
-                 QString::number(AwardRules::EligibleDays(station.Database())));
+                 QString::number(Awarding(station.Database()).EligibleDays()));
     if (arguments.Has(Yes) || !Terminal::CanAsk()) {
         Terminal::Complain(words);
         return true;
     }
     return IsConfirmed(station, words + QStringLiteral(" Award the prize all the same?"));
+}
+
+/// A prize that may not go out at this moment is told of, and on a terminal asked about. False when the answer is No.
+bool AcceptsOtherTime(Station& station, const Arguments& arguments, const cPrize& prize)
+{
+    QString why;
+    switch (Awarding::WhyNotNow(prize)) {
+    case Awarding::NotNow::None:
+        return true;
+    case Awarding::NotNow::NotYet:
+        why = QStringLiteral("it may go out from %1 on").arg(prize.StartDate().Format(LimitFormat));
+        break;
+    case Awarding::NotNow::Over:
+        why = QStringLiteral("its time ended on %1").arg(prize.EndDate().Format(LimitFormat));
+        break;
+    case Awarding::NotNow::WrongHour:
+        why = QStringLiteral("it may not go out in this hour");
+        break;
+    }
+    const QString words = QStringLiteral("\"%1\" is awarded outside its times: %2.").arg(OneLine(prize.Title()), why);
+    if (arguments.Has(Yes) || !Terminal::CanAsk()) {
+        Terminal::Complain(words);
+        return true;
+    }
+    return IsConfirmed(station, words + QStringLiteral(" Award it all the same?"));
 }
 
 /// Failure in words for a winner that was not stored.
@@ -136,7 +161,7 @@ void CheckStanding(Station& station, qint32 prizeReference, const cPrizeWinner& 
     const QString stored = QStringLiteral("The award is stored as winner %1").arg(winner.Reference());
     AwardStanding standing;
     try {
-        standing = AwardCheck::Settle(station.Database(), prizeReference);
+        standing = Awarding(station.Database()).Settle(prizeReference);
     } catch (const dao::Error& error) {
         const Failure reason = station.FailureOfStation(error.Number(), error.Description());
         throw Failure(reason.Code(),
@@ -206,24 +231,26 @@ void PrizeForms::CheckAward(const Arguments& arguments)
 int PrizeForms::Award(Station& station, const Arguments& arguments)
 {
     const QString& prizeWords = arguments.Words().at(2);
-    if (AwardRules::NeedsRight(station.Database()))
+    Awarding awarding(station.Database());
+    if (awarding.NeedsRight())
         station.Require(DirectoryRight::ManagePrizes, QStringLiteral("award prizes"));
-    // A winner whose program was killed before it counted him has his unit all the same.
-    station.Try([&] { AwardCheck::Settle(station.Database(), ToReference(prizeWords, QStringLiteral("prize"))); });
+    // A winner who was not counted has his unit all the same.
+    station.Try([&] { awarding.Settle(ToReference(prizeWords, QStringLiteral("prize"))); });
     const cPrizePtr prize = PrizeOf(station, prizeWords);
     RefuseFullPrize(*prize);
     const clsKVContactPtr contact = station.Try([&] { return FindWinner(station, arguments); });
     RefuseLargeNumber(*contact);
-    if (!station.Try([&] { return AcceptsRecentWin(station, arguments, *contact); })) {
+    const bool isAccepted = station.Try(
+        [&] { return AcceptsOtherTime(station, arguments, *prize) && AcceptsRecentWin(station, arguments, *contact); });
+    if (!isAccepted) {
         Terminal::Complain(QStringLiteral("Nothing was awarded."));
         return exitDeclined;
     }
-    const cPrizeWinnerPtr winner = station.Database().GetNewPrizeWinner(prize);
-    winner->SetWinnerReference(contact->Reference);
-    winner->SetNotes(arguments.Value(Notes));
-    if (!station.Try([&] { return station.Database().SavePrizeWinner(winner); }))
+    const Awarding::Result result =
+        station.Try([&] { return awarding.Award(prize->Reference(), contact->Reference, arguments.Value(Notes)); });
+    if (!result.Winner)
         throw WhyNotAwarded(station, prizeWords);
-    CheckStanding(station, prize->Reference(), *winner, contact->Name);
+    CheckStanding(station, prize->Reference(), *result.Winner, contact->Name);
     return exitOK;
 }
 
@@ -238,7 +265,7 @@ int PrizeForms::Winners(Station& station, const Arguments& arguments)
             Terminal::Complain(QStringLiteral("Nobody has won it yet."));
         for (; !rows->AtEOF(); rows->MoveNext())
             (arguments.Has(Json) ? PrintWinnerJson : PrintWinner)(station, *rows);
-        const QString warning = AwardCheck::Warning(AwardCheck::Read(station.Database(), prize->Reference()));
+        const QString warning = AwardCheck::Warning(Awarding(station.Database()).Standing(prize->Reference()));
         if (!warning.isEmpty())
             Terminal::Complain(warning);
     });
@@ -259,7 +286,8 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
                           "winners REF")
                           .arg(QString::number(reference), station.Folder()));
     // Who awarded it by mistake puts it right without further ado.
-    if (winner->AwardedByReference() != station.Directory().CurrentUser()->Reference())
+    Awarding awarding(database);
+    if (!awarding.MayTakeBack(*winner))
         station.Require(DirectoryRight::ManagePrizes, ManageWords);
     const QString name = ContactName(station, winner->WinnerReference());
     if (!arguments.Has(Yes) && Terminal::CanAsk() &&
@@ -268,15 +296,9 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
         Terminal::Complain(QStringLiteral("Nothing was taken back."));
         return exitDeclined;
     }
-    if (!station.Try([&] { return database.DeletePrizeWinner(reference); }))
+    if (!station.Try([&] { return awarding.TakeBack(reference); }))
         throw WhyNotStored(station, database);
-    if (database.LastErrorNumber() != 0) {
-        const Failure reason = WhyNotStored(station, database);
-        throw Failure(reason.Code(),
-                      QStringLiteral("The winner is taken back, but the prize still counts it as won. ") +
-                          reason.Words());
-    }
-    const AwardStanding standing = station.Try([&] { return AwardCheck::Settle(database, winner->PrizeReference()); });
+    const AwardStanding standing = station.Try([&] { return awarding.Standing(winner->PrizeReference()); });
     const QString warning = AwardCheck::Warning(standing);
     if (!warning.isEmpty())
         Terminal::Complain(warning);
@@ -290,7 +312,7 @@ int PrizeForms::Recount(Station& station, const Arguments& arguments)
     const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
     if (!station.Try([&] { return database.RecountWinners(prize->Reference()); }))
         throw WhyNotStored(station, database);
-    const AwardStanding standing = station.Try([&] { return AwardCheck::Read(database, prize->Reference()); });
+    const AwardStanding standing = station.Try([&] { return Awarding(database).Standing(prize->Reference()); });
     Terminal::PrintLine(QStringLiteral("\"%1\": %2, %3 of %4 left")
                             .arg(OneLine(standing.Title), standing.Counted == 1
                                                               ? QStringLiteral("1 winner")

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 
 namespace
 {
@@ -73,15 +74,21 @@ QString TextOfFile(const QString& path)
     return text;
 }
 
-/// What the options say goes into the prize; the rest of it stays.
-void TakeFields(cPrize& prize, const Arguments& arguments)
+/// The script that the options give, in words or in a file; nothing when they give none.
+std::optional<QString> ScriptOf(const Arguments& arguments)
+{
+    if (arguments.Has(ScriptFile))
+        return TextOfFile(arguments.Value(ScriptFile));
+    return arguments.Has(Script) ? std::optional(arguments.Value(Script)) : std::nullopt;
+}
+
+/// What the options say goes into the prize; the rest of it stays. Waits for nothing.
+void TakeFields(cPrize& prize, const Arguments& arguments, const std::optional<QString>& script)
 {
     if (arguments.Has(Title))
         prize.SetTitle(arguments.Value(Title).simplified());
-    if (arguments.Has(Script))
-        prize.SetScript(arguments.Value(Script));
-    if (arguments.Has(ScriptFile))
-        prize.SetScript(TextOfFile(arguments.Value(ScriptFile)));
+    if (script)
+        prize.SetScript(*script);
     if (arguments.Has(Notes))
         prize.SetNotes(arguments.Value(Notes));
     if (arguments.Has(SupplierNotes))
@@ -105,23 +112,23 @@ void RefuseReversedDates(const cPrize& prize)
         throw Failure(exitUsage, QStringLiteral("The prize would end before it starts."));
 }
 
-void Save(Station& station, const cPrizePtr& prize)
+void TellOfSupplier(Station& station, const cPrize& prize)
 {
-    RefuseReversedDates(*prize);
-    if (prize->SupplierReference() != 0 &&
-        !station.Try([&] { return station.Directory().GetContact(prize->SupplierReference()); }))
+    if (prize.SupplierReference() != 0 &&
+        !station.Try([&] { return station.Directory().GetContact(prize.SupplierReference()); }))
         Terminal::Complain(
-            QStringLiteral("Contact %1, the supplier, is not in the directory.").arg(prize->SupplierReference()));
-    if (!station.Try([&] { return station.Database().SavePrize(prize); }))
-        throw WhyNotStored(station, station.Database());
-    if (prize->NumberWinners() > prize->NumberSupplied()) {
-        Terminal::Complain(QStringLiteral("\"%1\" is stored with %2 supplied, but %3 won already.")
-                               .arg(OneLine(prize->Title()))
-                               .arg(prize->NumberSupplied())
-                               .arg(prize->NumberWinners() == 1
-                                        ? QStringLiteral("1 is")
-                                        : QStringLiteral("%1 are").arg(prize->NumberWinners())));
-    }
+            QStringLiteral("Contact %1, the supplier, is not in the directory.").arg(prize.SupplierReference()));
+}
+
+void TellOfStock(const cPrize& prize)
+{
+    if (prize.NumberWinners() <= prize.NumberSupplied())
+        return;
+    Terminal::Complain(QStringLiteral("\"%1\" is stored with %2 supplied, but %3 won already.")
+                           .arg(OneLine(prize.Title()))
+                           .arg(prize.NumberSupplied())
+                           .arg(prize.NumberWinners() == 1 ? QStringLiteral("1 is")
+                                                           : QStringLiteral("%1 are").arg(prize.NumberWinners())));
 }
 
 MessageBoxRequest Question(const QString& text)
@@ -154,10 +161,9 @@ void PrizeForms::CheckFields(const Arguments& arguments)
     if (std::none_of(fields.begin(), fields.end(), [&](const QString& field) { return arguments.Has(field); }))
         throw Failure(exitUsage,
                       QStringLiteral("Say what is to change, such as --supplied 3. See: tolva prize --help"));
-    if (arguments.Value(ScriptFile) == u"-")
-        return; // standard input is there to be read once
     cPrize prize;
-    TakeFields(prize, arguments);
+    // Standard input is there to be read once.
+    TakeFields(prize, arguments, arguments.Value(ScriptFile) == u"-" ? std::nullopt : ScriptOf(arguments));
     RefuseReversedDates(prize);
 }
 
@@ -189,8 +195,12 @@ int PrizeForms::Add(Station& station, const Arguments& arguments)
     station.Require(DirectoryRight::ManagePrizes, ManageWords);
     const auto prize = std::make_shared<cPrize>();
     prize->SetNumberSupplied(1);
-    TakeFields(*prize, arguments);
-    Save(station, prize);
+    TakeFields(*prize, arguments, ScriptOf(arguments));
+    RefuseReversedDates(*prize);
+    TellOfSupplier(station, *prize);
+    if (!station.Try([&] { return station.Database().SavePrize(prize); }))
+        throw WhyNotStored(station, station.Database());
+    TellOfStock(*prize);
     Terminal::PrintLine(QString::number(prize->Reference()));
     return exitOK;
 }
@@ -198,17 +208,15 @@ int PrizeForms::Add(Station& station, const Arguments& arguments)
 int PrizeForms::Edit(Station& station, const Arguments& arguments)
 {
     station.Require(DirectoryRight::ManagePrizes, ManageWords);
-    // A script on standard input may take its time: the prize is read when all is there.
-    cPrize typed;
-    const bool isPiped = arguments.Value(ScriptFile) == u"-";
-    if (isPiped)
-        TakeFields(typed, arguments);
-    const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
-    if (isPiped)
-        prize->SetScript(typed.Script());
-    else
-        TakeFields(*prize, arguments);
-    Save(station, prize);
+    // A script on standard input may take its time, and nobody is to wait for it.
+    const std::optional<QString> script = ScriptOf(arguments);
+    const cPrizePtr prize = ChangePrize(station, arguments.Words().at(2), [&](cPrize& stored) {
+        TakeFields(stored, arguments, script);
+        RefuseReversedDates(stored);
+    });
+    if (arguments.Has(Supplier))
+        TellOfSupplier(station, *prize);
+    TellOfStock(*prize);
     return exitOK;
 }
 

@@ -72,15 +72,14 @@ int PrizeForms::Hours(Station& station, const Arguments& arguments)
     const qint16 asked = DayOf(arguments);
     if (arguments.Has(Set))
         station.Require(DirectoryRight::ManagePrizes, QStringLiteral("manage prizes"));
-    const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
-    if (arguments.Has(Set)) {
+    const QString& words = arguments.Words().at(2);
+    const auto setHours = [&](cPrize& prize) {
         for (qint16 day = 1; day <= PrizeHour::DaysAWeek; ++day) {
             if (asked == AllDays || asked == day)
-                prize->SetAvailableHours(day, ParseHours(arguments.Value(Set)));
+                prize.SetAvailableHours(day, ParseHours(arguments.Value(Set)));
         }
-        if (!station.Try([&] { return station.Database().SavePrize(prize); }))
-            throw WhyNotStored(station, station.Database());
-    }
+    };
+    const cPrizePtr prize = arguments.Has(Set) ? ChangePrize(station, words, setHours) : PrizeOf(station, words);
     if (arguments.Has(Json))
         PrintJson(*prize, asked);
     else

@@ -53,6 +53,20 @@ cPrizePtr PrizeOf(Station& station, const QString& words)
             .arg(words, station.Folder()));
 }
 
+cPrizePtr ChangePrize(Station& station, const QString& words, const std::function<void(cPrize&)>& change)
+{
+    return station.Try([&] {
+        cTolvaDatabase& database = station.Database();
+        dao::Transaction transaction = database.BeginChange();
+        const cPrizePtr prize = PrizeOf(station, words);
+        change(*prize);
+        if (!database.SavePrize(prize))
+            throw WhyNotStored(station, database);
+        transaction.Commit();
+        return prize;
+    });
+}
+
 Failure WhyNotStored(const Station& station, const cTolvaDatabase& database)
 {
     if (database.LastErrorNumber() != 0)

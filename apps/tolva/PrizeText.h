@@ -5,10 +5,16 @@
 
 #include <QJsonObject>
 
+#include <functional>
+
 /// Prizes, their hours and the people around them in words, for the commands that work on prizes.
 
 /// The prize; Failure (data) when there is none. words: its number as the user typed it.
 cPrizePtr PrizeOf(Station& station, const QString& words);
+/// Changes the prize of that number as it is stored at this moment, with nobody else writing between the reading and
+/// the saving: what change does not touch, the count of its winners above all, stays as it is. The prize as it is
+/// stored then. Failure when there is none, when it cannot be stored, and those of change.
+cPrizePtr ChangePrize(Station& station, const QString& words, const std::function<void(cPrize&)>& change);
 /// Failure for an operation that answered false though nothing is known against it: the store's last error, or that
 /// somebody else was quicker.
 Failure WhyNotStored(const Station& station, const cTolvaDatabase& database);

@@ -44,6 +44,8 @@ void Station::SignIn(const QString& name)
     }
     try {
         Directory_.Open(folder);
+        // One commit for what a command leaves in the user log.
+        Directory_.SetCollectsLog(true);
         if (Directory_.SignIn(name))
             return;
     } catch (const dao::Error& error) {

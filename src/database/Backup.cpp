@@ -11,7 +11,7 @@
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/files/WholeFile.h"
-#include "platform/records/DBEngine.h"
+#include "platform/records/Transaction.h"
 
 namespace
 {
@@ -158,8 +158,7 @@ bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
     const QString folder = FileHelper::Join(root, name);
     PendingError failure;
     const bool hasFolder = MakeFolder(Information_.Path, folder, failure);
-    dao::DBEngine::BeginTrans();
-    dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
+    dao::Transaction().Commit();
     const bool isMade =
         hasFolder &&
         FileHelper::CopyWithProgress(Information_.Path, folder, QStringLiteral("Backing up the Database"), &failure) &&

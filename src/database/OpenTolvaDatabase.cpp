@@ -21,6 +21,8 @@ enum AuditKind
 };
 
 const QString OpenedTitle = QStringLiteral("Tolva Database Opened");
+const QString LastAccessed = QStringLiteral("LastAccessed");
+const QString LastAccessedSoftware = QStringLiteral("LastAccessedSoftware");
 const QString MachineKey = QStringLiteral("SOFTWARE\\Kelvarin");
 
 bool MachineFlag(const QString& key, const QString& value, bool defaultValue)
@@ -219,12 +221,17 @@ void cTolvaDatabase::WriteLastAccess()
         const auto recordset = OpenTable(OpenedDatabase(), QStringLiteral("Description"));
         if (!recordset->AtEOF())
             recordset->MoveFirst();
+        const QString now = ClockHelper::CurrentTime().GeneralDate();
+        const QString software = QStringLiteral("Tolva - %1.%2.%3")
+                                     .arg(TOLVA_VERSION_MAJOR)
+                                     .arg(TOLVA_VERSION_MINOR)
+                                     .arg(TOLVA_VERSION_REVISION);
+        if (recordset->Collect(LastAccessed).toString() == now &&
+            recordset->Collect(LastAccessedSoftware).toString() == software)
+            return; // by the same version within the same second: nothing would change
         recordset->Edit();
-        recordset->SetCollect(QStringLiteral("LastAccessed"), ClockHelper::CurrentTime().GeneralDate());
-        recordset->SetCollect(QStringLiteral("LastAccessedSoftware"), QStringLiteral("Tolva - %1.%2.%3")
-                                                                          .arg(TOLVA_VERSION_MAJOR)
-                                                                          .arg(TOLVA_VERSION_MINOR)
-                                                                          .arg(TOLVA_VERSION_REVISION));
+        recordset->SetCollect(LastAccessed, now);
+        recordset->SetCollect(LastAccessedSoftware, software);
         recordset->Update();
     });
 }

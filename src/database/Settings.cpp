@@ -1,6 +1,7 @@
 // The settings of a station that cTolvaDatabase reads and writes.
 
 #include "common/ClockHelper.h"
+#include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/SettingText.h"
@@ -74,27 +75,38 @@ void cTolvaDatabase::SetDatabaseSetting(const QString& itemName, const QVariant&
     StoreSetting(itemName, value, defaultValue);
 }
 
-int cTolvaDatabase::StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue)
+int cTolvaDatabase::StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue,
+                                 bool silent)
 {
     try {
         const auto recordset = OpenSettings(OpenedDatabase());
-        return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, false);
+        return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, silent);
     } catch (const dao::Error& error) {
-        ReportProblem(QStringLiteral("locating the database setting : ") + itemName, error.Number(), false,
+        ReportProblem(QStringLiteral("locating the database setting : ") + itemName, error.Number(), silent,
                       error.Description());
         return error.Number();
     }
 }
 
-StampMove cTolvaDatabase::MoveLastChanged(const QString& setting)
+/// Moves a change stamp in the transaction of its change, and commits. Where every change is stamped, what closing
+/// notes of the last access goes along, so that a program that closes at once has nothing more to write. A stamp that
+/// cannot be stored does not take the change with it: it is tried once more behind the commit, when the user may be
+/// told without keeping the station locked.
+bool cTolvaDatabase::CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending)
 {
-    try {
-        return MoveStamp(OpenedDatabase(), setting, ClockHelper::NowUTC());
-    } catch (const dao::Error&) {
-        // Once more, which says what is wrong if it still is.
-        SetDatabaseSetting(setting, StampText(ClockHelper::NowUTC()), QString());
-        return {};
-    }
+    CommittedMove_ = {};
+    StampMove move;
+    PendingError ofStamp;
+    const bool isStamped = ofStamp.Try([&] { move = MoveStamp(OpenedDatabase(), stamp, ClockHelper::NowUTC()); });
+    if (StampsEveryChange_)
+        WriteLastAccess();
+    if (!pending.Try([&] { transaction.Commit(); }))
+        return false;
+    if (isStamped)
+        CommittedMove_ = move;
+    else
+        StoreSetting(stamp, StampText(ClockHelper::NowUTC()), QString());
+    return true;
 }
 
 bool cTolvaDatabase::ReadDatabaseSettings()

@@ -7,6 +7,8 @@
 #include "common/UserInterface.h"
 #include "platform/directory/clsKVDirectory.h"
 
+#include <QPointer>
+
 namespace
 {
 /// This library's number in the class column of a directory's user log.
@@ -78,11 +80,18 @@ clsKVUser* cTolvaDatabase::CurrentUser() const
     return DirectoryDatabase_ ? DirectoryDatabase_->CurrentUser() : nullptr;
 }
 
-/// Without a directory or a signed-in user there is no log to write to.
+/// Without a directory or a signed-in user there is no log to write to. In a transaction the entry follows the commit:
+/// it lies in another file, whose failure is not the change's.
 bool cTolvaDatabase::LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const
 {
-    clsKVUser* user = CurrentUser();
-    return user && user->LogEvent(UserLogClass, kind, title, text, code, 0);
+    if (!CurrentUser())
+        return false;
+    const auto isLogged = std::make_shared<bool>(true);
+    dao::Transaction::AfterCommit([self = QPointer<const cTolvaDatabase>(this), isLogged, kind, title, text, code] {
+        clsKVUser* user = self ? self->CurrentUser() : nullptr;
+        *isLogged = user && user->LogEvent(UserLogClass, kind, title, text, code, 0);
+    });
+    return *isLogged;
 }
 
 void cTolvaDatabase::KeepLastError(const PendingError& pending)

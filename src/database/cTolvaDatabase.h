@@ -12,12 +12,14 @@
 #include "platform/Export.h"
 #include "platform/directory/clsCategory.h"
 #include "platform/records/Database.h"
+#include "platform/records/Transaction.h"
 #include "prizes/cPrize.h"
 
 #include <QObject>
 #include <QVariant>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 class BackupTimer;
@@ -99,6 +101,12 @@ public:
     int LastErrorNumber() const { return LastErrorNumber_; }
     const QString& LastErrorDescription() const { return LastErrorDescription_; }
 
+    /// A transaction of the caller's that has the writer's lock of the station from the beginning: what is read in it
+    /// stays as it is read until it ends, and all operations in it become durable in its commit. Events are raised as
+    /// they come, the user log follows the commit. Nothing may wait for the user in it. dao::Error: 3260 when another
+    /// computer has the lock for too long, 3420 on a closed object.
+    dao::Transaction BeginChange() const { return dao::Transaction(OpenedDatabase()); }
+
     // Settings: named values that all computers share.
 
     /// The stored text, or defaultValue when it is absent or cannot be read. Never fails.
@@ -130,6 +138,10 @@ public:
     /// and for tools that open one for a moment. Counts from the next reading of the settings. Starts true.
     bool MakesAutomaticBackups() const { return MakesAutomaticBackups_; }
     void SetMakesAutomaticBackups(bool makes) { MakesAutomaticBackups_ = makes; }
+    /// True: moving and deleting a message, emptying a folder and deleting a prize move the change stamp as saving
+    /// does, so that other computers see it at once. It is stored together with the change. Starts false.
+    bool StampsEveryChange() const { return StampsEveryChange_; }
+    void SetStampsEveryChange(bool stamps) { StampsEveryChange_ = stamps; }
 
     QString StationName() const;
     void SetStationName(const QString& name);
@@ -259,26 +271,26 @@ public:
     bool GetPrizeWinners(const cPrizePtr& prize);
     /// Stores a new or changed prize; it is on the disk when this returns true.
     bool SavePrize(const cPrizePtr& prize);
-    /// Removes a prize, then its winners. Needs the right to manage prizes; without it false. An error that stands
-    /// after true (LastErrorNumber) is that of a winner who stayed.
+    /// Removes a prize, then its winners, all in one transaction. Needs the right to manage prizes; without it false.
+    /// An error that stands after true (LastErrorNumber) is that of a winner who stayed.
     bool DeletePrize(qint32 reference);
     /// A blank winner of a prize with stock left, otherwise null. Nothing is stored.
     cPrizeWinnerPtr GetNewPrizeWinner(const cPrizePtr& prize);
-    /// Stores a winner; a new one takes a unit of its prize, which must have one left. True: the winner is on the disk,
-    /// and so is the prize's count unless an error stands (LastErrorNumber) or another computer took the last unit at
-    /// the same moment. The prize's event tells of it.
+    /// Stores a winner; a new one takes a unit of its prize, which must have one left. True: the winner, the prize's
+    /// count and the change stamp are on the disk, all three together. However many computers award at once, no prize
+    /// has more winners than units. The prize's event tells of it.
     bool SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner);
-    /// Gives the unit back. An absent winner counts as deleted.
+    /// Gives the unit back, together with the deletion or not at all. An absent winner counts as deleted.
     bool DeletePrizeWinner(qint32 reference);
     /// The winners that are stored for a prize, which its NumberWinners should count. -1 when they cannot be counted
     /// (LastErrorNumber).
     qint32 StoredWinners(qint32 prizeReference);
-    /// Raises a prize's count to the winners that are stored, where two computers awarded at the same moment and one of
-    /// the two was not counted, and its last won date to the last of theirs. Never lowers it. False when it could not
-    /// be raised, or the prize is gone.
+    /// Raises a prize's count to the winners that are stored, where other software stored a winner without counting
+    /// him, and its last won date to the last of theirs. Never lowers it. False when it could not be raised, or the
+    /// prize is gone.
     bool CountStoredWinners(qint32 prizeReference);
-    /// The same, and lowers the count as well, where a program was killed between taking a winner back and giving the
-    /// unit back. Not while prizes are awarded elsewhere: a winner who is about to be counted there would count twice.
+    /// The same, and lowers the count as well. Not while software awards prizes elsewhere that counts a winner after
+    /// storing him: he would count twice.
     bool RecountWinners(qint32 prizeReference);
     /// Fills the host's list with every prize that a contact won, awarded or supplied (all prizes for 0). The columns'
     /// keys are fields of the query (Prizes.Reference, Title, PrizeWinners.*, SupplierReference), or FOLDER for the
@@ -343,7 +355,8 @@ private:
 
     // Settings.
     /// 0 or an error number, which the user has been told.
-    int StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue);
+    int StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue, bool silent = false);
+    bool CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending);
     void ReadHighlightSettings();
     /// Stores the highlight font and words and takes them over; false at the first that could not be stored.
     bool StoreHighlightSettings(const clsFont& font, const QString& words);
@@ -358,20 +371,30 @@ private:
     void StoreCategoryTree(clsCategory& category);
     QString KeyCountry(enMsgType type);
     QList<qint32> MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const;
+    bool StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending);
     cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
-    bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, PendingError& pending);
+    enum class Stamp
+    {
+        Moves,
+        MovesIfWanted ///< StampsEveryChange decides.
+    };
+    bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
+                          PendingError& pending);
     bool MayEditMessage(const cMessage& message) const;
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
-    /// Stamps a change as made now. A failure is told to the user, as that of any setting; the move is one of nothing
-    /// then.
-    StampMove MoveLastChanged(const QString& setting);
 
     // Prizes.
     std::unique_ptr<dao::Recordset> OpenForPrizeSave(const QString& table, PendingError& pending);
+    static void LogStartOfSave(const cPrizePtr& prize);
+    bool StorePrize(const cPrizePtr& prize, dao::Transaction& transaction);
+    void TellOfPrize(const cPrizePtr& prize, bool isNew, bool saved, bool wasEdited, const PendingError& pending);
+    bool DeleteStoredPrize(qint32 reference, dao::Recordset& prizes, PendingError& pending);
     void DeleteWinnersOf(qint32 prizeReference);
-    void CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead);
-    void TakeWonDate(cPrizeWinner& winner, const cPrize& asRead);
-    cPrizePtr PrizeByNow(qint32 reference, const cPrize& asRead);
+    bool BeginWinnerChange(std::optional<dao::Transaction>& transaction);
+    bool StorePrizeWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction);
+    bool CountWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction);
+    bool TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize, dao::Transaction& transaction);
+    bool DeleteStoredWinner(qint32 reference);
     bool TakeStoredCount(qint32 prizeReference, bool mayLower);
     QString WinnerLogText(qint32 winnerReference, const cPrize* prize) const;
 
@@ -389,6 +412,7 @@ private:
 
     std::unique_ptr<dao::Database> Database_;
     int Openings_ = 0;
+    StampMove CommittedMove_; ///< Of the last CommitWithStamp.
     StampMove ToldMessageMove_;
     StampMove ToldPrizeMove_;
     DatabaseInformation Information_;
@@ -399,6 +423,7 @@ private:
     bool EnableAutoBackup_ = true;
     bool BackupInProgress_ = false;
     bool MakesAutomaticBackups_ = true;
+    bool StampsEveryChange_ = false;
     std::shared_ptr<BackupTimer> BackupTimer_;
     clsFont MessageHighlightFont_;
     QString HighlightWords_;

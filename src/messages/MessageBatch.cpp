@@ -50,15 +50,18 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
     KeepLastError(PendingError());
     const std::vector<Before> before = StateOf(messages);
     std::vector<MessageSaving> savings;
-    StampMove move;
+    CommittedMove_ = {};
     try {
         dao::Transaction transaction(OpenedDatabase());
         savings = WriteMessages(messages, goesOn);
-        if (FirstSaved(messages, savings) != 0) {
+        if (FirstSaved(messages, savings) == 0) {
+            transaction.Commit();
+        } else {
             WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
-            move = MoveLastChanged(QStringLiteral("Messages.LastChanged"));
+            PendingError pending;
+            if (!CommitWithStamp(transaction, QStringLiteral("Messages.LastChanged"), pending))
+                throw dao::Error(pending.Number(), pending.Description());
         }
-        transaction.Commit();
     } catch (...) {
         // A disk that fails in the last step of a commit has the rows all the same, or may have them.
         PendingError pending;
@@ -69,7 +72,7 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
         throw;
     }
     LogSavings(messages, savings);
-    const QScopedValueRollback<StampMove> told(ToldMessageMove_, move);
+    const QScopedValueRollback<StampMove> told(ToldMessageMove_, CommittedMove_);
     for (std::size_t i = 0; RaiseEvents_ && i < savings.size(); ++i) {
         if (!savings[i].IsSaved())
             continue;

@@ -4,7 +4,6 @@
 #include "common/kvGeneral.h"
 #include "database/Collision.h"
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
 
 #include <QScopedValueRollback>
 
@@ -37,20 +36,6 @@ qint16 ToReference(qint32 number)
     if (number > HighestReference)
         throw dao::Error(dao::errOverflow, QStringLiteral("A folder's reference cannot be above 32767."));
     return static_cast<qint16>(number);
-}
-
-/// All that the statements store, or nothing of it.
-template <typename Statements>
-void InTransaction(Statements&& statements)
-{
-    dao::DBEngine::BeginTrans();
-    try {
-        statements();
-        dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
-    } catch (...) {
-        dao::DBEngine::Rollback();
-        throw;
-    }
 }
 
 void WriteCategory(dao::Recordset& recordset, const clsCategory& category)
@@ -146,10 +131,13 @@ qint16 cTolvaDatabase::LastMessageCategoryReference() const
 
 bool cTolvaDatabase::SaveMessageCategory(clsCategory& category, bool updateSubCategories)
 {
+    // A new number is above all others, and no other computer may take it meanwhile.
+    dao::Transaction transaction = BeginChange();
     if (updateSubCategories)
-        InTransaction([&] { StoreCategoryTree(category); });
+        StoreCategoryTree(category);
     else
         StoreCategory(category);
+    transaction.Commit();
     return true;
 }
 
@@ -191,6 +179,8 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     bool isGone = false;
     PendingError pending;
     pending.Try([&] {
+        // Nobody files into the folder between the look and the deletion.
+        dao::Transaction transaction = BeginChange();
         const auto category = GetMessageCategory(reference);
         if (!category || category->SubCategoryCount() >= 1)
             return;
@@ -203,6 +193,7 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
         if (!recordset->NoMatch())
             recordset->Delete();
         recordset->Close();
+        transaction.Commit();
         isGone = true;
         UpdateCategoryTree();
     });
@@ -250,11 +241,11 @@ void cTolvaDatabase::SaveFixedCategories()
         {tmcAutomatic, "Auto-Messages", "foldersending"},
     };
     UntilNobodyInterferes([&] {
-        InTransaction([&] {
-            for (const FixedCategory& category : fixed) {
-                SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
-                                  QLatin1String(category.IconReference));
-            }
-        });
+        dao::Transaction transaction;
+        for (const FixedCategory& category : fixed) {
+            SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
+                              QLatin1String(category.IconReference));
+        }
+        transaction.Commit();
     });
 }

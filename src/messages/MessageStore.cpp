@@ -139,15 +139,12 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
     const bool isNew = message->Reference() == 0;
 
     PendingError pending;
-    const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_,
-                                                 KeyCountry(message->MessageType()), pending);
+    const bool saved = StoreMessage(*message, *recordset, pending);
     if (saved) {
-        WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
-        const StampMove move = MoveLastChanged(LastChangedSetting);
         LogMessageSaving(*message, {isNew, 0, QString()});
         if (RaiseEvents_) {
             WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
-            const QScopedValueRollback<StampMove> told(ToldMessageMove_, move);
+            const QScopedValueRollback<StampMove> told(ToldMessageMove_, CommittedMove_);
             Q_EMIT MessageSaved(message, wasEdited);
         }
     } else {
@@ -168,6 +165,22 @@ bool cTolvaDatabase::LogMessageSaving(const cMessage& message, const MessageSavi
                             saving.IsSaved() ? 1 : 0);
 }
 
+/// The row and the change stamp, together or not at all.
+bool cTolvaDatabase::StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending)
+{
+    const qint32 reference = message.Reference();
+    dao::Transaction transaction;
+    if (!message.WriteToRecordSet(&recordset, HighlightWords_, MessageHighlightFont_, KeyCountry(message.MessageType()),
+                                  pending))
+        return false;
+    WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
+    if (CommitWithStamp(transaction, LastChangedSetting, pending))
+        return true;
+    // The row is not there after all: the next try is to make a new one.
+    message.SetReference(reference);
+    return false;
+}
+
 /// The checks that copying and moving share; null when one of them fails.
 cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCategories newCategory)
 {
@@ -183,7 +196,7 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
 
 /// Runs a change on a message's row. False when the table cannot be opened or the row is gone; otherwise what went
 /// wrong, if anything did, is in pending and belongs into the user log.
-bool cTolvaDatabase::ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change,
+bool cTolvaDatabase::ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
                                       PendingError& pending)
 {
     std::unique_ptr<dao::Recordset> recordset;
@@ -196,10 +209,16 @@ bool cTolvaDatabase::ChangeMessageRow(qint32 reference, const std::function<void
         return false;
     bool isThere = true;
     pending.Try([&] {
+        dao::Transaction transaction;
         recordset->Seek(dao::SeekComparison::Equal, {reference});
         isThere = !recordset->NoMatch();
-        if (isThere)
-            change(*recordset);
+        if (!isThere)
+            return;
+        change(*recordset);
+        if (stamp == Stamp::Moves || StampsEveryChange_)
+            CommitWithStamp(transaction, LastChangedSetting, pending);
+        else
+            transaction.Commit();
     });
     return isThere;
 }
@@ -220,14 +239,14 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
     const cMessagePtr message = MessageForChange(reference, newCategory);
     if (!message)
         return false;
-    // One column alone: the keys, the highlights and the change stamp stay as they are.
+    // One column alone: the keys and the highlights stay as they are.
     const auto move = [newCategory](dao::Recordset& row) {
         row.Edit();
         row.SetCollect(QStringLiteral("Category"), newCategory);
         row.Update();
     };
     PendingError pending;
-    if (!ChangeMessageRow(reference, move, pending))
+    if (!ChangeMessageRow(reference, move, Stamp::MovesIfWanted, pending))
         return false;
     message->SetCategory(newCategory);
     const clsCategory* category = MessageCategories_->FindCategory(newCategory);
@@ -259,7 +278,7 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
         row.SetCollect(QStringLiteral("Category"), tmcDeleted);
         row.Update();
     };
-    if (!ChangeMessageRow(reference, remove, pending))
+    if (!ChangeMessageRow(reference, remove, Stamp::MovesIfWanted, pending))
         return false;
     // 0 tells a list that the message is gone, 5 that it went to the bin.
     message->SetCategory(deletePermanently ? static_cast<enTolvaMessageCategories>(0) : tmcDeleted);
@@ -286,13 +305,12 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
         row.Update();
         message->SetFlags(flags);
     };
-    if (!ChangeMessageRow(reference, change, pending))
+    if (!ChangeMessageRow(reference, change, Stamp::Moves, pending))
         return false;
     const bool changed = pending.Number() == 0;
-    const StampMove move = changed ? MoveLastChanged(LastChangedSetting) : StampMove();
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
     if (changed && RaiseEvents_) {
-        const QScopedValueRollback<StampMove> told(ToldMessageMove_, move);
+        const QScopedValueRollback<StampMove> told(ToldMessageMove_, CommittedMove_);
         Q_EMIT MessageSaved(message, true);
     }
     return changed;
@@ -301,12 +319,17 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
 bool cTolvaDatabase::DeleteMessagesOfCategory(enTolvaMessageCategories category)
 {
     PendingError pending;
-    const bool deleted = pending.Try([&] {
+    pending.Try([&] {
+        dao::Transaction transaction;
         OpenedDatabase().Execute(
             QStringLiteral("DELETE FROM [Messages] WHERE [Category]=%1").arg(static_cast<int>(category)));
+        if (StampsEveryChange_)
+            CommitWithStamp(transaction, LastChangedSetting, pending);
+        else
+            transaction.Commit();
     });
     KeepLastError(pending);
-    return deleted;
+    return pending.Number() == 0;
 }
 
 void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const QString& text,

@@ -68,15 +68,20 @@ cPrizePtr cTolvaDatabase::GetPrize(dao::Recordset& row)
     }
 }
 
+void cTolvaDatabase::LogStartOfSave(const cPrizePtr& prize)
+{
+    if (DebugMode() == 0)
+        return;
+    WriteDebugLog(prize ? QStringLiteral("Started SavePrize Reference: %1 Prize:%2")
+                              .arg(QString::number(prize->Reference()), prize->Title())
+                        : QStringLiteral("Started SavePrize Reference: No Prize Object"),
+                  DetailLevel);
+}
+
 bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
 {
     KeepLastError(PendingError());
-    if (DebugMode() != 0) {
-        WriteDebugLog(prize ? QStringLiteral("Started SavePrize Reference: %1 Prize:%2")
-                                  .arg(QString::number(prize->Reference()), prize->Title())
-                            : QStringLiteral("Started SavePrize Reference: No Prize Object"),
-                      DetailLevel);
-    }
+    LogStartOfSave(prize);
     if (Location().isEmpty()) {
         ReportProblem(QStringLiteral("saving a Prize because no Tolva Database has been opened"), 0, SilentMode_);
         WriteDebugLog(QStringLiteral("Exiting as No Database File"), DetailLevel);
@@ -87,6 +92,14 @@ bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
         WriteDebugLog(QStringLiteral("Exiting as no Prize Supplied"), DetailLevel);
         return false;
     }
+    dao::Transaction transaction;
+    return StorePrize(prize, transaction);
+}
+
+/// The row and the change stamp, and with them what the transaction holds already, together or not at all; then what
+/// tells of it. Ends the transaction.
+bool cTolvaDatabase::StorePrize(const cPrizePtr& prize, dao::Transaction& transaction)
+{
     std::optional<BusyPointer> busy(std::in_place);
     PendingError pending;
     const auto recordset = OpenForPrizeSave(PrizesTable, pending);
@@ -94,30 +107,43 @@ bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
         return false;
     // Both change with the write.
     const bool wasEdited = prize->Edited();
-    const bool isNew = prize->Reference() == 0;
+    const qint32 reference = prize->Reference();
     if (prize->AddedByReference() == 0)
         prize->SetAddedByReference(CurrentUserReference());
-    const bool saved = prize->WriteToRecordSet(recordset.get(), pending, busy);
-    const int kind = isNew ? auditPrizeAdded : auditPrizeEdited;
-    const QString title = isNew ? QStringLiteral("Prize Added") : QStringLiteral("Prize Edited");
+    bool saved = prize->WriteToRecordSet(recordset.get(), pending, busy);
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastPrizeFiled"), -1);
-        const StampMove move = MoveLastChanged(LastChangedSetting);
-        LogDatabaseEvent(kind, title, prize->Title(), 1);
-        if (RaiseEvents_) {
-            WriteDebugLog(QStringLiteral("Raising PrizeSaved Event"), -1);
-            const QScopedValueRollback<StampMove> told(ToldPrizeMove_, move);
-            Q_EMIT PrizeSaved(prize, wasEdited);
-        }
-    } else {
-        WriteDebugLog(QStringLiteral("Couldn't save Prize - ") + pending.Description(), -1);
-        const QString reason = pending ? QStringLiteral(" - ") + pending.Description() : QString();
-        LogDatabaseEvent(kind, title, prize->Title() + reason, 0);
-        KeepLastError(pending);
+        saved = CommitWithStamp(transaction, LastChangedSetting, pending);
+        // The row is not there after all: the next try is to make a new one.
+        if (!saved)
+            prize->SetReference(reference);
     }
+    transaction.Rollback();
+    TellOfPrize(prize, reference == 0, saved, wasEdited, pending);
     recordset->Close();
     WriteDebugLog(QStringLiteral("Finished SavePrize"), DetailLevel);
     return saved;
+}
+
+/// The entry in the user log and the event of a prize that was saved, or could not be.
+void cTolvaDatabase::TellOfPrize(const cPrizePtr& prize, bool isNew, bool saved, bool wasEdited,
+                                 const PendingError& pending)
+{
+    const int kind = isNew ? auditPrizeAdded : auditPrizeEdited;
+    const QString title = isNew ? QStringLiteral("Prize Added") : QStringLiteral("Prize Edited");
+    if (saved) {
+        LogDatabaseEvent(kind, title, prize->Title(), 1);
+        if (RaiseEvents_) {
+            WriteDebugLog(QStringLiteral("Raising PrizeSaved Event"), -1);
+            const QScopedValueRollback<StampMove> told(ToldPrizeMove_, CommittedMove_);
+            Q_EMIT PrizeSaved(prize, wasEdited);
+        }
+        return;
+    }
+    WriteDebugLog(QStringLiteral("Couldn't save Prize - ") + pending.Description(), -1);
+    const QString reason = pending ? QStringLiteral(" - ") + pending.Description() : QString();
+    LogDatabaseEvent(kind, title, prize->Title() + reason, 0);
+    KeepLastError(pending);
 }
 
 /// Opens a table for a save, which ends here, with the reason kept, when it answers nothing. The log calls either table
@@ -168,18 +194,32 @@ bool cTolvaDatabase::DeletePrize(qint32 reference)
     // Gone in this moment: nobody needs to hear of it from here.
     if (!isThere)
         return true;
-    const QString title = QStringLiteral("Prize Deleted");
-    if (!pending.Try([&] { recordset->Delete(); })) {
-        KeepLastError(pending);
-        LogDatabaseEvent(auditPrizeDeleted, title, prize->Title(), 0);
-        return false;
-    }
-    recordset->Close();
-    DeleteWinnersOf(reference);
-    LogDatabaseEvent(auditPrizeDeleted, title, prize->Title(), 1);
-    if (RaiseEvents_)
+    const bool isDeleted = DeleteStoredPrize(reference, *recordset, pending);
+    LogDatabaseEvent(auditPrizeDeleted, QStringLiteral("Prize Deleted"), prize->Title(), isDeleted ? 1 : 0);
+    if (isDeleted && RaiseEvents_)
         Q_EMIT PrizeDeleted(prize);
-    return true;
+    return isDeleted;
+}
+
+/// The row on which prizes stands, then the prize's winners, and the stamp where it is wanted, together or not at all.
+bool cTolvaDatabase::DeleteStoredPrize(qint32 reference, dao::Recordset& prizes, PendingError& pending)
+{
+    bool isDeleted = false;
+    pending.Try([&] {
+        dao::Transaction transaction;
+        prizes.Delete();
+        prizes.Close();
+        DeleteWinnersOf(reference);
+        if (StampsEveryChange_)
+            isDeleted = CommitWithStamp(transaction, LastChangedSetting, pending);
+        else
+            transaction.Commit();
+        isDeleted = !pending;
+    });
+    // The failure of a winner stands behind that of the commit, if both failed, and is the one to tell.
+    if (!isDeleted && LastErrorNumber_ == 0)
+        KeepLastError(pending);
+    return isDeleted;
 }
 
 /// Goes on after a winner that cannot be deleted: the prize is gone, and what fails is kept as the last error.

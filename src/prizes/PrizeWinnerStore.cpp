@@ -18,25 +18,6 @@ const QString WinnersTable = QStringLiteral("PrizeWinners");
 const QString MainIndex = QStringLiteral("Main");
 constexpr int DetailLevel = 5;
 constexpr int auditPrizeWinnerDeleted = 28; // kind of the user log
-
-/// Saves what change gives, which reads the prize anew each time, until no other program's write comes in between: the
-/// winner is stored already, and his count must not be lost to an award made elsewhere. Whether it was saved; not when
-/// change gives nothing.
-template <typename Change>
-bool SaveUntilUnhindered(cTolvaDatabase& database, Change change)
-{
-    constexpr int mostTries = 20;
-    for (int tries = 1; tries <= mostTries; ++tries) {
-        const cPrizePtr prize = change();
-        if (!prize)
-            return false;
-        if (database.SavePrize(prize))
-            return true;
-        if (database.LastErrorNumber() != dao::errChangedByAnother)
-            return false;
-    }
-    return false;
-}
 } // namespace
 
 cPrizeWinnerPtr cTolvaDatabase::GetPrizeWinner(qint32 reference)
@@ -132,73 +113,85 @@ bool cTolvaDatabase::SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner)
     if (prizeWinner->PrizeReference() < 1)
         return false;
     WriteDebugLog(QStringLiteral("Find Prize %1").arg(prizeWinner->PrizeReference()), -1);
+    // Whether a unit is left is read under the lock under which it is taken.
+    std::optional<dao::Transaction> transaction;
+    if (!BeginWinnerChange(transaction)) {
+        WriteDebugLog(QStringLiteral("Couldn't save Prize Winner - ") + LastErrorDescription_, -1);
+        return false;
+    }
     const cPrizePtr prize = GetPrize(prizeWinner->PrizeReference(), true);
     if (!prize) {
+        transaction.reset();
         return refuse(QStringLiteral("saving a Prize Winner because the Prize cannot be found"),
                       QStringLiteral("Exit as prize cannot be found"));
     }
     // An edit takes no new unit.
     if (prizeWinner->Reference() == 0 && prize->NumberWinners() >= prize->NumberSupplied()) {
+        transaction.reset();
         return refuse(QStringLiteral("saving a Prize Winner because the Prize has already been fully allocated"),
                       QStringLiteral("Exit as prize fully allocated"));
     }
-    const bool isNew = prizeWinner->Reference() < 1;
+    return StorePrizeWinner(prizeWinner, prize, *transaction);
+}
+
+/// Locks the station for a change of winners; false, with the reason kept, when that cannot be.
+bool cTolvaDatabase::BeginWinnerChange(std::optional<dao::Transaction>& transaction)
+{
+    PendingError pending;
+    pending.Try([&] { transaction.emplace(OpenedDatabase()); });
+    KeepLastError(pending);
+    return !pending;
+}
+
+/// The winner's row, then the prize's, in the transaction in which the prize was read, which ends here.
+bool cTolvaDatabase::StorePrizeWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize,
+                                      dao::Transaction& transaction)
+{
+    const qint32 reference = winner->Reference();
     std::optional<BusyPointer> busy(std::in_place);
     PendingError pending;
     const auto recordset = OpenForPrizeSave(WinnersTable, pending);
     if (!recordset)
         return false;
-    const bool saved = prizeWinner->WriteToRecordSet(recordset.get(), pending, busy);
-    if (!saved) {
+    bool saved = winner->WriteToRecordSet(recordset.get(), pending, busy);
+    if (saved) {
+        saved = reference < 1 ? CountWinner(winner, prize, transaction) : TakeWonDate(*winner, prize, transaction);
+        // The row is not there after all: the next try is to make a new one.
+        if (!saved)
+            winner->SetReference(reference);
+    } else {
         WriteDebugLog(QStringLiteral("Couldn't save Prize Winner - ") + pending.Description(), -1);
         KeepLastError(pending);
-    } else if (isNew) {
-        CountWinner(prizeWinner, *prize);
-    } else {
-        TakeWonDate(*prizeWinner, *prize);
     }
     recordset->Close();
     WriteDebugLog(QStringLiteral("Finished SavePrizeWinner"), DetailLevel);
     return saved;
 }
 
-/// The prize as it stands after one of its winners was stored, with the winners that were read before. Its count is the
-/// row's by now: another computer may have counted a winner of its own in between, and that one must not be lost.
-/// Nothing for a prize that is gone, which must not be stored again.
-cPrizePtr cTolvaDatabase::PrizeByNow(qint32 reference, const cPrize& asRead)
+bool cTolvaDatabase::CountWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction)
 {
-    cPrizePtr prize = GetPrize(reference, false);
-    if (!prize)
-        return nullptr;
-    for (qint32 slot = 1; slot <= static_cast<qint32>(asRead.PrizeWinners_.size()); ++slot)
-        prize->PutIntoSlot(slot, asRead.PrizeWinners_[static_cast<std::size_t>(slot - 1)]);
-    prize->SetWinnersRead(asRead.WinnersRead());
-    return prize;
+    if (prize->AddPrizeWinner(winner)) {
+        LogStartOfSave(prize);
+        return StorePrize(prize, transaction);
+    }
+    // One with a number below 0, which takes no unit of a prize that has none left.
+    PendingError pending;
+    pending.Try([&] { transaction.Commit(); });
+    KeepLastError(pending);
+    return !pending;
 }
 
-void cTolvaDatabase::CountWinner(const cPrizeWinnerPtr& winner, const cPrize& asRead)
+/// A changed winner's date becomes the prize's last one. Where another winner's is later, the object that was saved,
+/// and neither row, takes that one: hosts show it.
+bool cTolvaDatabase::TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize, dao::Transaction& transaction)
 {
-    SaveUntilUnhindered(*this, [&]() -> cPrizePtr {
-        const cPrizePtr prize = PrizeByNow(winner->PrizeReference(), asRead);
-        return prize && prize->AddPrizeWinner(winner) ? prize : nullptr;
-    });
-}
-
-/// A changed winner's date becomes the prize's last one, on the prize's row as it is by now. Where another winner's is
-/// later, the object that was saved, and neither row, takes that one: hosts show it.
-void cTolvaDatabase::TakeWonDate(cPrizeWinner& winner, const cPrize& asRead)
-{
-    const Date won = winner.WonDate();
-    for (const cPrizeWinnerPtr& other : asRead.PrizeWinners_) {
+    prize->SetLastWonDate(winner.WonDate());
+    for (const cPrizeWinnerPtr& other : prize->PrizeWinners_) {
         if (other && other->Reference() != winner.Reference() && other->WonDate() > winner.WonDate())
             winner.SetWonDate(other->WonDate());
     }
-    SaveUntilUnhindered(*this, [&] {
-        const cPrizePtr prize = PrizeByNow(winner.PrizeReference(), asRead);
-        if (prize)
-            prize->SetLastWonDate(won);
-        return prize;
-    });
+    LogStartOfSave(prize);
+    return StorePrize(prize, transaction);
 }
 
 bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
@@ -229,21 +222,43 @@ bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
     const cPrizePtr prize = prizeReference > 0 ? GetPrize(prizeReference, false) : nullptr;
     const QString text = WinnerLogText(winnerReference, prize.get());
     const QString title = QStringLiteral("Prize Winner Deleted");
-    if (!pending.Try([&] { recordset->Delete(); })) {
-        KeepLastError(pending);
-        LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, 0);
-        return false;
-    }
     recordset->Close();
-    // Another computer may have counted a winner of its own since the prize was read, or deleted the prize.
-    SaveUntilUnhindered(*this, [&] {
-        const cPrizePtr byNow = prize ? GetPrize(prizeReference, false) : nullptr;
-        if (byNow)
-            byNow->SetNumberWinners(byNow->NumberWinners() - 1);
-        return byNow;
+    const bool isDeleted = DeleteStoredWinner(reference);
+    LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, isDeleted ? 1 : 0);
+    return isDeleted;
+}
+
+/// The winner's row and his prize's count, together or not at all.
+bool cTolvaDatabase::DeleteStoredWinner(qint32 reference)
+{
+    std::optional<dao::Transaction> transaction;
+    if (!BeginWinnerChange(transaction))
+        return false;
+    qint32 prizeReference = 0;
+    PendingError pending;
+    pending.Try([&] {
+        const auto recordset = OpenedDatabase().OpenRecordset(WinnersTable, dao::dbOpenTable);
+        recordset->SetIndex(MainIndex);
+        recordset->Seek(dao::SeekComparison::Equal, {reference});
+        if (recordset->NoMatch())
+            return; // taken back elsewhere in this moment
+        prizeReference = recordset->Collect(QStringLiteral("PrizeReference")).toInt();
+        recordset->Delete();
     });
-    LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, 1);
-    return true;
+    KeepLastError(pending);
+    if (pending)
+        return false;
+    const cPrizePtr prize = prizeReference > 0 ? GetPrize(prizeReference, false) : nullptr;
+    if (prize) {
+        prize->SetNumberWinners(prize->NumberWinners() - 1);
+        LogStartOfSave(prize);
+        return StorePrize(prize, *transaction);
+    }
+    if (LastErrorNumber_ != 0)
+        return false;
+    pending.Try([&] { transaction->Commit(); });
+    KeepLastError(pending);
+    return !pending;
 }
 
 qint32 cTolvaDatabase::StoredWinners(qint32 prizeReference)
@@ -272,33 +287,30 @@ bool cTolvaDatabase::RecountWinners(qint32 prizeReference)
 
 bool cTolvaDatabase::TakeStoredCount(qint32 prizeReference, bool mayLower)
 {
-    bool isRight = false;
-    const auto change = [&]() -> cPrizePtr {
-        qint32 stored = 0;
-        Date last;
-        PendingError pending;
-        pending.Try([&] {
-            const auto rows = OpenSnapshot(
-                QStringLiteral("SELECT [WonDate] FROM [PrizeWinners] WHERE [PrizeReference]=%1").arg(prizeReference));
-            for (; !rows->AtEOF(); rows->MoveNext(), ++stored)
-                last = std::max(last, RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))));
-        });
-        KeepLastError(pending);
-        if (pending)
-            return nullptr;
-        const cPrizePtr prize = GetPrize(prizeReference, true);
-        if (!prize)
-            return nullptr;
-        isRight = prize->NumberWinners() == stored || (prize->NumberWinners() > stored && !mayLower);
-        if (isRight)
-            return nullptr;
-        // Whoever was not counted did not move the date either.
-        if (prize->NumberWinners() < stored && last > prize->LastWonDate())
-            prize->SetLastWonDate(last);
-        prize->SetNumberWinners(stored);
-        return prize;
-    };
-    return SaveUntilUnhindered(*this, change) || isRight;
+    std::optional<dao::Transaction> transaction;
+    if (!BeginWinnerChange(transaction))
+        return false;
+    qint32 stored = 0;
+    Date last;
+    PendingError pending;
+    pending.Try([&] {
+        const auto rows = OpenSnapshot(
+            QStringLiteral("SELECT [WonDate] FROM [PrizeWinners] WHERE [PrizeReference]=%1").arg(prizeReference));
+        for (; !rows->AtEOF(); rows->MoveNext(), ++stored)
+            last = std::max(last, RowValues::LocalDate(rows->Collect(QStringLiteral("WonDate"))));
+    });
+    KeepLastError(pending);
+    const cPrizePtr prize = pending ? nullptr : GetPrize(prizeReference, true);
+    if (!prize)
+        return false;
+    if (prize->NumberWinners() == stored || (prize->NumberWinners() > stored && !mayLower))
+        return true;
+    // Whoever was not counted did not move the date either.
+    if (prize->NumberWinners() < stored && last > prize->LastWonDate())
+        prize->SetLastWonDate(last);
+    prize->SetNumberWinners(stored);
+    LogStartOfSave(prize);
+    return StorePrize(prize, *transaction);
 }
 
 /// "'Carla Count' from 'Two tickets'", as far as the directory and the prize are known.

@@ -1,8 +1,8 @@
 // Loaded in front of the C library, this lets the n-th call that changes a file fail, or end the process there:
 // FAIL_AT=n the n-th call answers with "no space left"; FAIL_FROM=n that one and all later ones; KILL_AT=n the process
-// is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends. With
-// FAIL_NAMES=text only calls count that are about a file with that text in its path, and closes of files that were
-// opened for writing count as well.
+// is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends, SYNC_LOG
+// one that gets the number of syncs among them. With FAIL_NAMES=text only calls count that are about a file with that
+// text in its path, and closes of files that were opened for writing count as well.
 
 #include <cerrno>
 #include <csignal>
@@ -28,13 +28,19 @@ struct Plan
     long FailFrom = NumberOf("FAIL_FROM");
     long KillAt = NumberOf("KILL_AT");
     long Calls = 0;
+    long Syncs = 0;
 
     ~Plan()
     {
-        const char* name = std::getenv("FAIL_LOG");
+        Write("FAIL_LOG", Calls);
+        Write("SYNC_LOG", Syncs);
+    }
+    static void Write(const char* variable, long number)
+    {
+        const char* name = std::getenv(variable);
         std::FILE* log = name ? std::fopen(name, "w") : nullptr;
         if (log) {
-            std::fprintf(log, "%ld\n", Calls);
+            std::fprintf(log, "%ld\n", number);
             std::fclose(log);
         }
     }
@@ -100,11 +106,13 @@ ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset)
 int fsync(int file)
 {
     static const auto real = Real<int (*)(int)>("fsync");
+    ++plan.Syncs;
     return IsDue(file) ? -1 : real(file);
 }
 int fdatasync(int file)
 {
     static const auto real = Real<int (*)(int)>("fdatasync");
+    ++plan.Syncs;
     return IsDue(file) ? -1 : real(file);
 }
 int ftruncate(int file, off_t size)

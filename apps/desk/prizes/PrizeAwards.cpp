@@ -1,20 +1,14 @@
 #include "PrizeAwards.h"
 
-#include "AwardCheck.h"
-#include "AwardRules.h"
 #include "DeskStation.h"
-#include "PrizeTransaction.h"
 #include "common/ClockHelper.h"
+#include "prizes/Awarding.h"
 
 #include <QCoreApplication>
 #include <QLocale>
-#include <QScopeGuard>
 
 namespace
 {
-const QString DaysSetting = QStringLiteral("Prizes.EligibleDays");
-const QString RightSetting = QStringLiteral("Prizes.AwardNeedsRight");
-
 QString Translated(const char* text)
 {
     return QCoreApplication::translate("PrizeAwards", text);
@@ -51,6 +45,40 @@ QString UsedUpWords(DeskStation& station, const cPrize& prize)
     return words + u' ' + Translated("Nothing was saved.");
 }
 
+QString WordsFor(DeskStation& station, Awarding::Obstacle obstacle, qint32 prize, qint32 contact)
+{
+    using Obstacle = Awarding::Obstacle;
+    cTolvaDatabase& database = station.Database();
+    const QLocale locale;
+    switch (obstacle) {
+    case Obstacle::None:
+        break;
+    case Obstacle::Closed:
+        return ClosedWords();
+    case Obstacle::NobodySignedIn:
+        return Translated("Nobody is signed in, so nothing can be awarded. Open the station again.");
+    case Obstacle::NoRight:
+        return Translated("At this station only users who may manage prizes award them. Your technician can give you "
+                          "that right.");
+    case Obstacle::PrizeGone:
+        return GoneWords();
+    case Obstacle::NoneSupplied:
+    case Obstacle::UsedUp: {
+        const cPrizePtr stored = database.GetPrize(prize, false);
+        return stored ? UsedUpWords(station, *stored) : GoneWords();
+    }
+    case Obstacle::WinnerNumberTooHigh:
+        return Translated("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
+                          "numbers up to %3. Nothing was saved. Choose another contact, or ask your technician.")
+            .arg(PrizeRows::NameOf(station, contact), locale.toString(contact),
+                 locale.toString(Awarding::HighestWinnerReference));
+    case Obstacle::NotStored:
+        return Translated("The award was not saved. %1")
+            .arg(station.Words(database.LastErrorNumber(), database.LastErrorDescription()));
+    }
+    return QString();
+}
+
 int DaysBetween(Date earlier, Date later)
 {
     return static_cast<int>(earlier.ToDateTime(Qt::UTC).date().daysTo(later.ToDateTime(Qt::UTC).date()));
@@ -66,41 +94,27 @@ QString DaysAgo(int days)
 
 int PrizeAwards::EligibleDays(DeskStation& station)
 {
-    return AwardRules::EligibleDays(station.Database());
+    return Awarding(station.Database()).EligibleDays();
 }
 
 void PrizeAwards::SetEligibleDays(DeskStation& station, int days)
 {
-    station.Database().SetDatabaseSetting(DaysSetting, days, DefaultEligibleDays);
+    Awarding(station.Database()).SetEligibleDays(days);
 }
 
 bool PrizeAwards::NeedsRight(DeskStation& station)
 {
-    return AwardRules::NeedsRight(station.Database());
+    return Awarding(station.Database()).NeedsRight();
 }
 
 void PrizeAwards::SetNeedsRight(DeskStation& station, bool needsRight)
 {
-    station.Database().SetDatabaseSetting(RightSetting, needsRight ? 1 : 0, 0);
+    Awarding(station.Database()).SetNeedsRight(needsRight);
 }
 
 QString PrizeAwards::WhyNotAwardable(DeskStation& station, qint32 prize)
 {
-    if (!station.Database().IsOpen())
-        return ClosedWords();
-    const clsKVUser* user = station.Directory().CurrentUser();
-    if (!user)
-        return Translated("Nobody is signed in, so nothing can be awarded. Open the station again.");
-    if (NeedsRight(station) && !user->ManagePrizes()) {
-        return Translated("At this station only users who may manage prizes award them. Your technician can give you "
-                          "that right.");
-    }
-    // A winner whose program was killed before it counted him has his unit all the same.
-    AwardCheck::Settle(station.Database(), prize);
-    const cPrizePtr stored = station.Database().GetPrize(prize, false);
-    if (!stored)
-        return GoneWords();
-    return stored->NumberWinners() < stored->NumberSupplied() ? QString() : UsedUpWords(station, *stored);
+    return WordsFor(station, Awarding(station.Database()).WhyNotAwardable(prize), prize, 0);
 }
 
 QString PrizeAwards::WhyCannotWin(DeskStation& station, qint32 contact)
@@ -108,19 +122,13 @@ QString PrizeAwards::WhyCannotWin(DeskStation& station, qint32 contact)
     if (contact <= 0 || !station.Directory().GetContact(contact)) {
         return Translated("That contact is not in the directory any more. Nothing was saved; choose another contact.");
     }
-    if (contact <= AwardRules::HighestWinnerReference)
-        return QString();
-    const QLocale locale;
-    return Translated("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
-                      "numbers up to %3. Nothing was saved. Choose another contact, or ask your technician.")
-        .arg(PrizeRows::NameOf(station, contact), locale.toString(contact),
-             locale.toString(AwardRules::HighestWinnerReference));
+    return WordsFor(station, Awarding::WhyCannotWin(contact), 0, contact);
 }
 
 QString PrizeAwards::RecentWinQuestion(DeskStation& station, qint32 contact)
 {
     const int days = EligibleDays(station);
-    const auto win = AwardRules::RecentWin(station.Database(), contact);
+    const auto win = Awarding(station.Database()).RecentWin(contact);
     if (!win)
         return QString();
     const int age = DaysBetween(win->WonDate, ClockHelper::CurrentTime());
@@ -134,40 +142,24 @@ QString PrizeAwards::RecentWinQuestion(DeskStation& station, qint32 contact)
 
 PrizeAwards::Result PrizeAwards::Award(DeskStation& station, qint32 prize, qint32 contact)
 {
-    cTolvaDatabase& database = station.Database();
     Result result;
-    result.Words = WhyNotAwardable(station, prize);
+    Awarding awarding(station.Database());
+    result.Words = WordsFor(station, awarding.WhyNotAwardable(prize), prize, contact);
     if (result.Words.isEmpty())
         result.Words = WhyCannotWin(station, contact);
     if (!result.Words.isEmpty())
         return result;
-    const cPrizePtr stored = database.GetPrize(prize, true);
-    const cPrizeWinnerPtr winner = stored ? database.GetNewPrizeWinner(stored) : nullptr;
-    if (!winner) {
-        result.Words = stored ? UsedUpWords(station, *stored) : GoneWords();
-        return result;
-    }
-    winner->SetWinnerReference(contact);
-    // The desk says more about a refusal than the store's own boxes.
-    const bool silent = database.SilentMode();
-    database.SetSilentMode(true);
-    const auto restore = qScopeGuard([&] { database.SetSilentMode(silent); });
-    if (database.SavePrizeWinner(winner)) {
-        result.Winner = winner->Reference();
-        return result;
-    }
-    const int number = database.LastErrorNumber();
-    const QString description = database.LastErrorDescription();
-    const QString refusal = WhyNotAwardable(station, prize);
-    result.Words = !refusal.isEmpty()
-                       ? refusal
-                       : Translated("The award was not saved. %1").arg(station.Words(number, description));
+    const Awarding::Result award = awarding.Award(prize, contact);
+    if (award.Winner)
+        result.Winner = award.Winner->Reference();
+    else
+        result.Words = WordsFor(station, award.Why, prize, contact);
     return result;
 }
 
 std::optional<PrizeAwards::OverAward> PrizeAwards::FindOverAward(DeskStation& station, qint32 prize)
 {
-    const AwardStanding standing = AwardCheck::Settle(station.Database(), prize);
+    const AwardStanding standing = Awarding(station.Database()).Settle(prize);
     if (standing.Stored == 0 || !standing.IsOverdrawn())
         return std::nullopt;
     return OverAward{standing.Title, standing.Units, standing.IsPrizeThere, PrizeRows::WinnersOf(station, prize)};
@@ -203,36 +195,17 @@ QString PrizeAwards::WinnersInWords(DeskStation& station, const QList<PrizeRows:
 
 bool PrizeAwards::MayTakeBack(DeskStation& station, const cPrizeWinner& winner)
 {
-    const clsKVUser* user = station.Directory().CurrentUser();
-    return user && (user->ManagePrizes() || user->Reference() == winner.AwardedByReference());
+    return Awarding(station.Database()).MayTakeBack(winner);
 }
 
 bool PrizeAwards::TakeBack(DeskStation& station, qint32 winner, QString& words)
 {
-    cTolvaDatabase& database = station.Database();
-    qint32 prize = 0;
     try {
-        const bool isDone = PrizeTransaction::Run(station, [&] {
-            const cPrizeWinnerPtr stored = database.GetPrizeWinner(winner);
-            if (!stored)
-                return database.LastErrorNumber() == 0;
-            prize = stored->PrizeReference();
-            if (!database.DeletePrizeWinner(winner))
-                return false;
-            // The row may never have been counted, and took a unit off the prize all the same.
-            AwardCheck::Settle(database, prize);
+        if (Awarding(station.Database()).TakeBack(winner))
             return true;
-        });
-        if (!isDone) {
-            words = station.Words(database.LastErrorNumber(), database.LastErrorDescription());
-            return false;
-        }
+        words = station.Words(station.Database().LastErrorNumber(), station.Database().LastErrorDescription());
     } catch (const dao::Error& error) {
         words = station.Words(error.Number(), error.Description());
-        return false;
     }
-    const cPrizePtr after = database.GetPrize(prize, false);
-    if (after && database.RaiseEvents())
-        Q_EMIT database.PrizeSaved(after, true);
-    return true;
+    return false;
 }

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "PrizeRows.h"
+#include "prizes/Awarding.h"
 
 class DeskStation;
 
-/// The rules of an award and its storing, without any window. Everything may raise dao::Error as the station's file
-/// does.
+/// The rules of awards (Awarding) in the desk's words, without any window. Everything may raise dao::Error as the
+/// station's file does.
 namespace PrizeAwards
 {
 /// Station settings: after a win a contact waits so many days before the award is made without a question (0: nobody
 /// is asked about), and whether only users who may manage prizes award them.
-inline constexpr int DefaultEligibleDays = 30;
-inline constexpr int MostEligibleDays = 3650;
+inline constexpr int MostEligibleDays = Awarding::MostEligibleDays;
 int EligibleDays(DeskStation& station);
 void SetEligibleDays(DeskStation& station, int days);
 bool NeedsRight(DeskStation& station);

@@ -3,6 +3,7 @@
 #include "DeskStation.h"
 #include "common/ClockHelper.h"
 #include "common/PendingError.h"
+#include "prizes/Awarding.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -53,11 +54,6 @@ QString LimitWords(Date date)
     return HasTime(date) ? PrizeRows::MomentWords(date) : PrizeRows::DayWords(date);
 }
 
-bool IsInHours(const cPrize& prize)
-{
-    const QDateTime now = ClockHelper::NowUTC().ToDateTime(Qt::UTC);
-    return prize.AvailableForHour(static_cast<qint16>(now.date().dayOfWeek()), static_cast<qint16>(now.time().hour()));
-}
 } // namespace
 
 QList<PrizeRows::Winner> PrizeRows::WinnersOf(DeskStation& station, qint32 prize)
@@ -126,12 +122,17 @@ bool PrizeRows::MayGoOutNow(const cPrize& prize)
 
 QString PrizeRows::WhyNotNow(const cPrize& prize)
 {
-    const Date now = ClockHelper::CurrentTime();
-    if (!prize.StartDate().IsNone() && now < prize.StartDate())
+    switch (Awarding::WhyNotNow(prize)) {
+    case Awarding::NotNow::None:
+        break;
+    case Awarding::NotNow::NotYet:
         return Translated("It may go out from %1 on.").arg(LimitWords(prize.StartDate()));
-    if (!prize.EndDate().IsNone() && now > prize.EndDate())
+    case Awarding::NotNow::Over:
         return Translated("Its time ended on %1.").arg(LimitWords(prize.EndDate()));
-    return IsInHours(prize) ? QString() : Translated("It may not go out in this hour.");
+    case Awarding::NotNow::WrongHour:
+        return Translated("It may not go out in this hour.");
+    }
+    return QString();
 }
 
 QString PrizeRows::StockWords(const cPrize& prize)

@@ -2,7 +2,6 @@
 
 #include "DeskStation.h"
 #include "common/UserInterface.h"
-#include "platform/records/DBEngine.h"
 
 #include <QScopeGuard>
 
@@ -18,14 +17,9 @@ bool PrizeTransaction::Run(DeskStation& station, const std::function<bool()>& wo
         database.SetSilentMode(silent);
     });
     const BusyPointer busy;
-    dao::DBEngine::BeginTrans();
-    auto rollback = qScopeGuard([] { dao::DBEngine::Rollback(); });
-    // A file that cannot be read now says so here; once it has been read, nobody changes it until the end.
-    database.OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
-    const bool isDone = work();
-    if (!isDone)
+    dao::Transaction transaction = database.BeginChange();
+    if (!work())
         return false;
-    rollback.dismiss();
-    dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
+    transaction.Commit();
     return true;
 }

@@ -2,7 +2,7 @@
 
 #include "platform/directory/DirectoryTables.h"
 #include "platform/directory/EmbeddedDirectoryUser.h"
-#include "platform/records/DBEngine.h"
+#include "platform/records/Transaction.h"
 
 #include <QDir>
 
@@ -51,6 +51,30 @@ DirectoryLogEntry ReadLogEntry(const dao::Recordset& row)
     return entry;
 }
 
+/// A log must not fail for a title's length. A character of two units is not cut in half.
+QString Fit(const QString& title, const dao::Field& field)
+{
+    const qsizetype room = field.Size();
+    if (title.size() <= room)
+        return title;
+    return title.left(title.at(room - 1).isHighSurrogate() ? room - 1 : room);
+}
+
+void AddLogEntry(dao::Recordset& rows, const DirectoryLogEntry& entry)
+{
+    rows.AddNew();
+    rows.SetCollect(QStringLiteral("When"), DirectoryTables::DayNumber(entry.When));
+    rows.SetCollect(QStringLiteral("UserReference"), entry.UserReference);
+    rows.SetCollect(QStringLiteral("ClassNumber"), entry.ClassNumber);
+    rows.SetCollect(QStringLiteral("Kind"), entry.Kind);
+    dao::Field& title = rows[QStringLiteral("Title")];
+    title.SetValue(Fit(entry.Title, title));
+    rows.SetCollect(QStringLiteral("Text"), entry.Text);
+    rows.SetCollect(QStringLiteral("Code"), entry.Code);
+    rows.SetCollect(QStringLiteral("EventReference"), entry.EventReference);
+    rows.Update();
+}
+
 QList<clsKVContactPtr> ReadContacts(dao::Recordset& rows)
 {
     QList<clsKVContactPtr> contacts;
@@ -63,7 +87,10 @@ QList<clsKVContactPtr> ReadContacts(dao::Recordset& rows)
 
 EmbeddedDirectory::EmbeddedDirectory() : UtcNow_(&QDateTime::currentDateTimeUtc) {}
 
-EmbeddedDirectory::~EmbeddedDirectory() = default;
+EmbeddedDirectory::~EmbeddedDirectory()
+{
+    StoreWaitingLog();
+}
 
 void EmbeddedDirectory::Open(const QString& folder)
 {
@@ -78,6 +105,7 @@ void EmbeddedDirectory::Open(const QString& folder)
 
 void EmbeddedDirectory::Close()
 {
+    StoreWaitingLog();
     User_.reset();
     // Closed for this object even when the store's own closing fails.
     const std::unique_ptr<dao::Database> database = std::move(Database_);
@@ -179,14 +207,9 @@ void EmbeddedDirectory::ChangeContact(const clsKVContact& before, const clsKVCon
 void EmbeddedDirectory::InOneStep(const std::function<void()>& work)
 {
     Opened();
-    dao::DBEngine::BeginTrans();
-    try {
-        work();
-    } catch (...) {
-        dao::DBEngine::Rollback();
-        throw;
-    }
-    dao::DBEngine::CommitTrans();
+    dao::Transaction transaction;
+    work();
+    transaction.Commit();
 }
 
 void EmbeddedDirectory::DeleteContact(qint32 reference)
@@ -194,8 +217,47 @@ void EmbeddedDirectory::DeleteContact(qint32 reference)
     DirectoryTables::DeleteRow(Opened(), contactsTable, reference);
 }
 
+bool EmbeddedDirectory::Log(const DirectoryLogEntry& entry)
+{
+    constexpr qint64 longestWaitMilliseconds = 1000;
+    if (!CollectsLog_)
+        return StoreLog({entry});
+    if (WaitingLog_.isEmpty())
+        WaitingSince_.start();
+    WaitingLog_.append(entry);
+    return WaitingSince_.elapsed() < longestWaitMilliseconds || StoreWaitingLog();
+}
+
+/// In one transaction, the numbers of the entries included.
+bool EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
+{
+    try {
+        dao::Transaction transaction;
+        const auto rows = Opened().OpenRecordset(QStringLiteral("UserLog"), dao::dbOpenTable);
+        for (const DirectoryLogEntry& entry : entries)
+            AddLogEntry(*rows, entry);
+        transaction.Commit();
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+bool EmbeddedDirectory::StoreWaitingLog() const
+{
+    return WaitingLog_.isEmpty() || StoreLog(std::exchange(WaitingLog_, {}));
+}
+
+void EmbeddedDirectory::SetCollectsLog(bool collects)
+{
+    CollectsLog_ = collects;
+    if (!collects)
+        StoreWaitingLog();
+}
+
 QList<DirectoryLogEntry> EmbeddedDirectory::LogEntries(int limit) const
 {
+    StoreWaitingLog();
     // By time: each computer draws its references from a range of its own, so these do not tell the order.
     const auto rows = DirectoryTables::OpenTable(Opened(), QStringLiteral("UserLog"), QStringLiteral("When"));
     QList<DirectoryLogEntry> entries;

@@ -5,6 +5,7 @@
 #include "platform/records/Database.h"
 
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QList>
 
 #include <functional>
@@ -99,14 +100,27 @@ public:
     /// The newest entries first, at most limit.
     QList<DirectoryLogEntry> LogEntries(int limit) const;
 
+    /// True: entries of the user log wait in memory and are stored together, with the first one that comes a second
+    /// after them, when the log is read, and when the directory is closed. For programs that run for one command, each
+    /// of whose entries would cost a commit. What waits when the process is killed is lost. False stores what waits.
+    /// Starts false.
+    void SetCollectsLog(bool collects);
+
     /// Where the log's times come from; the system's clock until it is set.
     void SetClock(std::function<QDateTime()> utcNow);
 
 private:
     class User;
     dao::Database& Opened() const;
+    /// False when it could not be stored.
+    bool Log(const DirectoryLogEntry& entry);
+    bool StoreLog(const QList<DirectoryLogEntry>& entries) const;
+    bool StoreWaitingLog() const;
 
     std::unique_ptr<dao::Database> Database_;
     std::unique_ptr<User> User_;
     std::function<QDateTime()> UtcNow_;
+    bool CollectsLog_ = false;
+    mutable QList<DirectoryLogEntry> WaitingLog_;
+    QElapsedTimer WaitingSince_;
 };

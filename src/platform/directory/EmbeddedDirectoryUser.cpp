@@ -7,15 +7,6 @@ namespace
 constexpr int preferencesFlag = 32;
 constexpr int attempts = 5;
 
-/// A log must not fail for a title's length. A character of two units is not cut in half.
-QString Fit(const QString& title, const dao::Field& field)
-{
-    const qsizetype room = field.Size();
-    if (title.size() <= room)
-        return title;
-    return title.left(title.at(room - 1).isHighSurrogate() ? room - 1 : room);
-}
-
 std::unique_ptr<dao::Recordset> OpenPreferences(dao::Database& database)
 {
     return DirectoryTables::OpenTable(database, QStringLiteral("Preferences"), QStringLiteral("Main"));
@@ -120,21 +111,5 @@ bool EmbeddedDirectory::User::StorePreference(const QString& name, const QVarian
 bool EmbeddedDirectory::User::LogEvent(int classNumber, int kind, const QString& title, const QString& text, int code,
                                        int reference)
 {
-    try {
-        const auto rows = Directory_.Opened().OpenRecordset(QStringLiteral("UserLog"), dao::dbOpenTable);
-        rows->AddNew();
-        rows->SetCollect(QStringLiteral("When"), DirectoryTables::DayNumber(Directory_.UtcNow_()));
-        rows->SetCollect(QStringLiteral("UserReference"), Reference_);
-        rows->SetCollect(QStringLiteral("ClassNumber"), classNumber);
-        rows->SetCollect(QStringLiteral("Kind"), kind);
-        dao::Field& titleField = (*rows)[QStringLiteral("Title")];
-        titleField.SetValue(Fit(title, titleField));
-        rows->SetCollect(QStringLiteral("Text"), text);
-        rows->SetCollect(QStringLiteral("Code"), code);
-        rows->SetCollect(QStringLiteral("EventReference"), reference);
-        rows->Update();
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
+    return Directory_.Log({0, Directory_.UtcNow_(), Reference_, classNumber, kind, title, text, code, reference});
 }

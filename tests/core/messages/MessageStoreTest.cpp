@@ -471,3 +471,22 @@ TEST_F(MessageStoreTest, FlagsChangeOnlyWithTheRightAndOnMessagesThatAreThere)
     EXPECT_FALSE(Station->ChangeMessageFlags(reference, mfRead, 0));
     EXPECT_EQ(Station->GetMessage(reference)->Flags() & mfRead, 0);
 }
+
+TEST_F(MessageStoreTest, WhereTheHostWantsItEveryChangeMovesTheStamp)
+{
+    Station->SetStampsEveryChange(true);
+    const qint32 reference = SaveNew(QStringLiteral("Hello"));
+    Date stamp;
+    const auto isStamped = [&](bool isDone) {
+        EXPECT_TRUE(isDone);
+        const Date before = std::exchange(stamp, Station->LastMessageChanged());
+        return stamp != before;
+    };
+    isStamped(true);
+    Now.Advance(60);
+    EXPECT_TRUE(isStamped(Station->MoveMessage(reference, tmcSaved)));
+    Now.Advance(60);
+    EXPECT_TRUE(isStamped(Station->DeleteMessage(reference, false)));
+    Now.Advance(60);
+    EXPECT_TRUE(isStamped(Station->DeleteMessagesOfCategory(tmcDeleted)));
+}

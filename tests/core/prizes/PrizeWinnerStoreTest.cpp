@@ -2,6 +2,8 @@
 
 #include "core/prizes/PrizeTest.h"
 
+#include <sqlite3.h>
+
 namespace
 {
 const QString Winners = QStringLiteral("PrizeWinners");
@@ -51,6 +53,16 @@ protected:
         ASSERT_NE(theirs, nullptr);
         theirs->SetWinnerReference(12);
         EXPECT_TRUE(Second().SavePrizeWinner(theirs));
+    }
+    /// Whether another computer could write to the station in this moment.
+    bool MayOthersWrite() const
+    {
+        sqlite3* file = nullptr;
+        EXPECT_EQ(sqlite3_open(FileName().toUtf8().constData(), &file), SQLITE_OK);
+        const int code = sqlite3_exec(file, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+        EXPECT_TRUE(code == SQLITE_OK || code == SQLITE_BUSY) << code;
+        sqlite3_close(file);
+        return code == SQLITE_OK;
     }
     qint32 Counted(qint32 prize) const { return StoredPrize(prize, QStringLiteral("NumberWinners")).toInt(); }
     Date LastWon(qint32 prize) { return Station->GetPrize(prize, false)->LastWonDate(); }
@@ -395,65 +407,60 @@ TEST_F(PrizeWinnerStoreTest, TheLogNamesWhatIsKnownOfAWinnerTakenBack)
     EXPECT_TRUE(Events.isEmpty());
 }
 
-TEST_F(PrizeWinnerStoreTest, AWinnerOfAnotherComputerBetweenRowAndCountIsNotLost)
-{
-    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 5);
-    const cPrizeWinnerPtr winner = NewWinner(prize);
-    cTolvaDatabase second;
-    second.SetDirectoryDatabase(&Contacts);
-    second.SetMakesAutomaticBackups(false);
-    ASSERT_EQ(second.OpenTolvaDatabase(Folder.path()), 0);
-    // The mark goes off when the row is stored, before it is counted.
-    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool edited) {
-        if (edited)
-            return;
-        const cPrizeWinnerPtr theirs = second.GetNewPrizeWinner(second.GetPrize(prize, false));
-        theirs->SetWinnerReference(12);
-        EXPECT_TRUE(second.SavePrizeWinner(theirs));
-    });
-    ASSERT_TRUE(Station->SavePrizeWinner(winner));
-    EXPECT_EQ(WinnerRows(), 2);
-    EXPECT_EQ(Counted(prize), 2);
-}
-
-TEST_F(PrizeWinnerStoreTest, OfTwoAwardsOfTheLastUnitOneIsNotCountedAndBothStand)
-{
-    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 1);
-    const cPrizeWinnerPtr winner = NewWinner(prize);
-    cTolvaDatabase second;
-    second.SetDirectoryDatabase(&Contacts);
-    second.SetMakesAutomaticBackups(false);
-    ASSERT_EQ(second.OpenTolvaDatabase(Folder.path()), 0);
-    // The mark is set when the save begins to write, after it looked at the stock.
-    bool isDone = false;
-    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&] {
-        if (std::exchange(isDone, true))
-            return;
-        const cPrizeWinnerPtr theirs = second.GetNewPrizeWinner(second.GetPrize(prize, false));
-        EXPECT_TRUE(second.SavePrizeWinner(theirs));
-    });
-    EXPECT_TRUE(Station->SavePrizeWinner(winner));
-    EXPECT_EQ(WinnerRows(), 2);
-    EXPECT_EQ(Counted(prize), 1);
-    EXPECT_EQ(Station->StoredWinners(prize), 2);
-    EXPECT_TRUE(Station->CountStoredWinners(prize));
-    EXPECT_EQ(Counted(prize), 2);
-    // Taking one of the two back leaves the unit taken.
-    EXPECT_TRUE(Station->DeletePrizeWinner(winner->Reference()));
-    EXPECT_EQ(Counted(prize), 1);
-    EXPECT_EQ(NewWinner(prize), nullptr);
-}
-
-TEST_F(PrizeWinnerStoreTest, AnAwardOfAPrizeThatGoesMeanwhileDoesNotBringItBack)
+TEST_F(PrizeWinnerStoreTest, NobodyElseWritesBetweenTheLookAtTheStockAndTheCount)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = NewWinner(prize);
-    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool edited) {
-        if (!edited)
-            DeleteRow(QStringLiteral("Prizes"), prize);
-    });
-    EXPECT_TRUE(Station->SavePrizeWinner(winner));
+    QList<bool> mayWrite;
+    // The object tells of each of its steps: the date before the row, the number and the mark behind it.
+    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&] { mayWrite.append(MayOthersWrite()); });
+    QObject::connect(Station.get(), &cTolvaDatabase::PrizeSaved, [&] { mayWrite.append(MayOthersWrite()); });
+    ASSERT_TRUE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(mayWrite, (QList<bool>{false, false, false, false, true}));
+    mayWrite.clear();
+    ASSERT_TRUE(Station->SavePrizeWinner(winner));
+    EXPECT_EQ(mayWrite, (QList<bool>{false, true}));
+}
+
+TEST_F(PrizeWinnerStoreTest, TheLastUnitIsNotGivenTwiceHoweverManyHoldABlankWinner)
+{
+    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 2);
+    const cPrizeWinnerPtr first = NewWinner(prize);
+    const cPrizeWinnerPtr second = NewWinner(prize);
+    AwardElsewhere(prize);
+    EXPECT_TRUE(Station->SavePrizeWinner(first));
+    Ui.ExpectWarning(FullyAllocated);
+    EXPECT_FALSE(Station->SavePrizeWinner(second));
+    EXPECT_EQ(WinnerRows(), 2);
+    EXPECT_EQ(Counted(prize), 2);
+}
+
+TEST_F(PrizeWinnerStoreTest, AnAwardOfAPrizeThatWentDoesNotBringItBack)
+{
+    const qint32 prize = SaveNewPrize();
+    const cPrizeWinnerPtr winner = NewWinner(prize);
+    DeleteRow(QStringLiteral("Prizes"), prize);
+    Ui.ExpectWarning(QStringLiteral("There was a problem saving a Prize Winner because the Prize cannot be found"));
+    EXPECT_FALSE(Station->SavePrizeWinner(winner));
     EXPECT_EQ(PrizeRows(), 0);
+    EXPECT_EQ(WinnerRows(), 0);
+}
+
+TEST_F(PrizeWinnerStoreTest, InATransactionOfTheCallersTheUserLogFollowsTheCommit)
+{
+    const qint32 prize = SaveNewPrize();
+    {
+        dao::Transaction transaction = Station->BeginChange();
+        EXPECT_NE(Award(prize), 0);
+        EXPECT_TRUE(Audit().isEmpty());
+    }
+    EXPECT_TRUE(Audit().isEmpty());
+    EXPECT_EQ(Counted(prize), 0);
+    dao::Transaction transaction = Station->BeginChange();
+    EXPECT_NE(Award(prize), 0);
+    transaction.Commit();
+    EXPECT_EQ(Audit(), QStringList{QStringLiteral("17 Prize Edited: Tickets (1)")});
+    EXPECT_EQ(Counted(prize), 1);
     EXPECT_EQ(WinnerRows(), 1);
 }
 
@@ -481,33 +488,6 @@ TEST_F(PrizeWinnerStoreTest, ThePointerIsNormalWhenTheWinnerLosesItsMark)
     ASSERT_TRUE(Station->SavePrizeWinner(winner));
     // The date before the row, then the number, the mark, and the prize when it is counted.
     EXPECT_EQ(busy, (QList<bool>{true, false, false, false}));
-}
-
-TEST_F(PrizeWinnerStoreTest, AnAwardOnAnotherComputerDuringAnEditKeepsItsCount)
-{
-    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 5);
-    const cPrizeWinnerPtr winner = Station->GetPrizeWinner(Award(prize));
-    Second();
-    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool edited) {
-        if (!edited)
-            AwardElsewhere(prize);
-    });
-    ASSERT_TRUE(Station->SavePrizeWinner(winner));
-    EXPECT_EQ(WinnerRows(), 2);
-    EXPECT_EQ(Counted(prize), 2);
-    EXPECT_EQ(LastWon(prize), winner->WonDate());
-}
-
-TEST_F(PrizeWinnerStoreTest, AnEditOfAPrizeThatGoesMeanwhileDoesNotBringItBack)
-{
-    const qint32 prize = SaveNewPrize();
-    const cPrizeWinnerPtr winner = Station->GetPrizeWinner(Award(prize));
-    QObject::connect(winner.get(), &cPrizeWinner::PrizeWinnerEdited, [&](bool edited) {
-        if (!edited)
-            DeleteRow(QStringLiteral("Prizes"), prize);
-    });
-    EXPECT_TRUE(Station->SavePrizeWinner(winner));
-    EXPECT_EQ(PrizeRows(), 0);
 }
 
 TEST_F(PrizeWinnerStoreTest, AnAwardOnAnotherComputerWhileAWinnerIsTakenBackKeepsItsCount)

@@ -291,6 +291,30 @@ TEST_F(EmbeddedDirectoryUserTest, ALogThatCannotBeWrittenAnswersFalseAndNeverThr
     EXPECT_FALSE(SignedIn(QStringLiteral("Megan")).LogEvent(1, 1, QString(), QString(), 0, 0));
 }
 
+TEST_F(EmbeddedDirectoryUserTest, CollectedEntriesAreStoredTogetherAndInOrder)
+{
+    clsKVUser& user = SignedIn(QStringLiteral("Megan"));
+    EmbeddedDirectory other;
+    other.Open(FolderName());
+    const auto titles = [](const EmbeddedDirectory& directory) {
+        QStringList found;
+        for (const DirectoryLogEntry& entry : directory.LogEntries(10))
+            found.append(entry.Title);
+        return found;
+    };
+    Directory.SetCollectsLog(true);
+    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("first"), QString(), 1, 0));
+    EXPECT_TRUE(user.LogEvent(32, 2, QStringLiteral("second"), QString(), 1, 0));
+    EXPECT_EQ(titles(other), QStringList());
+    EXPECT_EQ(titles(Directory).size(), 2) << "reading the log stores what waits";
+    EXPECT_EQ(titles(other).size(), 2);
+    EXPECT_TRUE(user.LogEvent(32, 3, QStringLiteral("third"), QString(), 1, 0));
+    EXPECT_EQ(titles(other).size(), 2);
+    Directory.Close();
+    EXPECT_EQ(titles(other).size(), 3);
+    EXPECT_TRUE(titles(other).contains(QStringLiteral("third")));
+}
+
 TEST_F(EmbeddedDirectoryUserTest, LogsOfTwoComputersMeetInOneListByTime)
 {
     QDateTime now(QDate(2026, 11, 20), QTime(8, 0), Qt::UTC);

@@ -105,6 +105,8 @@ void SqliteStore::LockForChange()
     if (Depth_ == 0)
         throw Error(errNotSupported, QStringLiteral("A lock needs a transaction that was begun before."));
     WriteScope(*this).Commit();
+    // Others may have changed the structure up to now.
+    ReadSchemaUnderLock();
 }
 
 void SqliteStore::TakeBackTo(int depth)
