@@ -18,6 +18,9 @@ set(publicHeaders
     database/DatabaseInformation.h
     database/RestoreBackup.h
     database/cTolvaDatabase.h
+    database/watch/ChangeStamp.h
+    database/watch/ListReads.h
+    database/watch/RowChanges.h
     messages/cMessage.h
     messages/cMessages.h
     messages/controls/uMessageAddress.h

@@ -117,6 +117,7 @@ void cTolvaDatabase::OpenWithLockingMode(const QString& fileName, PendingError& 
         }
     }
     WriteDebugLog(QStringLiteral("Opening database (DAO)"));
+    ++Openings_;
     pending.Try([&] { Database_ = dao::DBEngine::OpenDatabase(fileName); });
     if (connection) {
         WriteDebugLog(QStringLiteral("Closing database (ADO)"));

@@ -1,5 +1,6 @@
 // The settings of a station that cTolvaDatabase reads and writes.
 
+#include "common/ClockHelper.h"
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/SettingText.h"
@@ -82,6 +83,17 @@ int cTolvaDatabase::StoreSetting(const QString& itemName, const QVariant& value,
         ReportProblem(QStringLiteral("locating the database setting : ") + itemName, error.Number(), false,
                       error.Description());
         return error.Number();
+    }
+}
+
+StampMove cTolvaDatabase::MoveLastChanged(const QString& setting)
+{
+    try {
+        return MoveStamp(OpenedDatabase(), setting, ClockHelper::NowUTC());
+    } catch (const dao::Error&) {
+        // Once more, which says what is wrong if it still is.
+        SetDatabaseSetting(setting, StampText(ClockHelper::NowUTC()), QString());
+        return {};
     }
 }
 

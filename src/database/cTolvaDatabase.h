@@ -5,6 +5,7 @@
 #include "common/cPageSetup.h"
 #include "common/clsFont.h"
 #include "database/DatabaseInformation.h"
+#include "database/watch/ChangeStamp.h"
 #include "messages/cMessage.h"
 #include "messages/cMessages.h"
 #include "platform/Export.h"
@@ -62,6 +63,9 @@ public:
     /// been told.
     qint16 ValidateTolvaDatabase(const QString& fileName);
     bool IsOpen() const { return Database_ != nullptr; }
+    /// How often this object has opened a file: what was read before belongs to another opening, and may be another
+    /// file's.
+    int Openings() const { return Openings_; }
     /// The settings dialog, unless the user lacks the right. True when it was confirmed.
     bool DisplaySettings();
 
@@ -153,7 +157,7 @@ public:
     /// Null when there is no such message, for reference 0 and on a closed object.
     cMessagePtr GetMessage(qint32 reference);
     /// The message of the current row of a snapshot of all columns; null when it was deleted since the snapshot. For
-    /// lists: one statement serves all rows.
+    /// lists: one statement serves all rows. dao::Error for what cannot be read.
     cMessagePtr GetMessage(dao::Recordset& row);
     /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, and for more
     /// messages than a collection holds (32,767).
@@ -185,6 +189,8 @@ public:
     /// Universal time of the last save on any computer; none when there was no save.
     Date LastMessageChanged() const;
     void SetLastMessageChanged(Date changeDate);
+    /// How the save that MessageSaved tells of moved the stamp; of nothing when it did not, and outside the event.
+    const StampMove& ToldMessageMove() const { return ToldMessageMove_; }
 
     // Folders.
 
@@ -198,6 +204,9 @@ public:
     /// False for a folder with sub-folders or messages. An absent one counts as deleted.
     bool DeleteMessageCategory(qint32 reference);
     void UpdateCategoryTree();
+    /// Loads the tree where the stored one differs from it, by whatever computer; true then. Otherwise held nodes stay
+    /// good. dao::Error as UpdateCategoryTree.
+    bool RefreshCategoryTree();
     /// The highest reference in use, 0 for none.
     qint16 LastMessageCategoryReference() const;
 
@@ -213,7 +222,10 @@ public:
     /// Universal time of the last save of a prize on any computer; none when there was no save.
     Date LastPrizeChanged() const;
     void SetLastPrizeChanged(Date changeDate);
-    /// Null when there is no such prize, for reference 0 and on a closed object. getWinners: fills its slots too.
+    /// As ToldMessageMove, for PrizeSaved.
+    const StampMove& ToldPrizeMove() const { return ToldPrizeMove_; }
+    /// Null when there is no such prize, for reference 0 and on a closed object, and when it cannot be read
+    /// (LastErrorNumber). getWinners: fills its slots too.
     cPrizePtr GetPrize(qint32 prizeReference, bool getWinners);
     cPrizeWinnerPtr GetPrizeWinner(qint32 reference);
     /// Fills the prize's slots, the earliest winner first, and takes its count from the row. False when it has no row.
@@ -321,6 +333,9 @@ private:
     bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, PendingError& pending);
     bool MayEditMessage(const cMessage& message) const;
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
+    /// Stamps a change as made now. A failure is told to the user, as that of any setting; the move is one of nothing
+    /// then.
+    StampMove MoveLastChanged(const QString& setting);
 
     // Prizes.
     std::unique_ptr<dao::Recordset> OpenForPrizeSave(const QString& table, PendingError& pending);
@@ -340,6 +355,9 @@ private:
     void KeepLastError(const PendingError& pending);
 
     std::unique_ptr<dao::Database> Database_;
+    int Openings_ = 0;
+    StampMove ToldMessageMove_;
+    StampMove ToldPrizeMove_;
     DatabaseInformation Information_;
     std::unique_ptr<clsCategory> MessageCategories_;
     cPageSetup AddressLabelsPageSetup_;

@@ -9,6 +9,8 @@
 
 #include <limits>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -73,6 +75,26 @@ bool HoldsTheSame(const clsCategory& a, const clsCategory& b)
     };
     return fields(a) == fields(b);
 }
+
+/// The trees below two nodes, however deep they are.
+bool AreSameTrees(const clsCategory& a, const clsCategory& b)
+{
+    std::vector<std::pair<const clsCategory*, const clsCategory*>> waiting{{&a, &b}};
+    while (!waiting.empty()) {
+        const auto [left, right] = waiting.back();
+        waiting.pop_back();
+        if (left->SubCategoryCount() != right->SubCategoryCount())
+            return false;
+        for (int i = 1; i <= left->SubCategoryCount(); ++i) {
+            const clsCategory* const ofLeft = left->SubCategory(i);
+            const clsCategory* const ofRight = right->SubCategory(i);
+            if (ofLeft->Reference() != ofRight->Reference() || !HoldsTheSame(*ofLeft, *ofRight))
+                return false;
+            waiting.emplace_back(ofLeft, ofRight);
+        }
+    }
+    return true;
+}
 } // namespace
 
 void cTolvaDatabase::UpdateCategoryTree()
@@ -82,6 +104,18 @@ void cTolvaDatabase::UpdateCategoryTree()
     auto root = std::make_unique<clsCategory>();
     root->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
     MessageCategories_ = std::move(root);
+}
+
+bool cTolvaDatabase::RefreshCategoryTree()
+{
+    if (!Database_)
+        return false;
+    auto root = std::make_unique<clsCategory>();
+    root->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
+    if (AreSameTrees(*root, *MessageCategories_))
+        return false;
+    MessageCategories_ = std::move(root);
+    return true;
 }
 
 std::unique_ptr<clsCategory> cTolvaDatabase::GetMessageCategory(qint32 reference)

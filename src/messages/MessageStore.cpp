@@ -1,11 +1,12 @@
 // The message operations of cTolvaDatabase: fetching, saving, copying, moving, deleting, and the change stamp.
 
-#include "common/ClockHelper.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
+
+#include <QScopedValueRollback>
 
 namespace
 {
@@ -74,9 +75,13 @@ std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
 
     auto messages = std::make_unique<cMessages>();
     for (; !recordset->AtEOF(); recordset->MoveNext()) {
-        auto message = std::make_shared<cMessage>();
-        if (!message->ReadFromRecordSet(0, recordset.get()))
+        cMessagePtr message;
+        if (!pending.Try([&] { message = GetMessage(*recordset); })) {
+            KeepLastError(pending);
             return nullptr;
+        }
+        if (!message)
+            continue; // deleted meanwhile
         if (!messages->Add(message)) {
             WriteDebugLog(QStringLiteral("GetMessages: %1 messages are more than a collection holds")
                               .arg(recordset->RecordCount()));
@@ -130,10 +135,11 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
     const bool saved = message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_, pending);
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
-        SetLastMessageChanged(ClockHelper::NowUTC());
+        const StampMove move = MoveLastChanged(LastChangedSetting);
         LogDatabaseEvent(kind, title, SubjectOf(message), 1);
         if (RaiseEvents_) {
             WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
+            const QScopedValueRollback<StampMove> told(ToldMessageMove_, move);
             Q_EMIT MessageSaved(message, wasEdited);
         }
     } else {
@@ -262,11 +268,12 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
     if (!ChangeMessageRow(reference, change, pending))
         return false;
     const bool changed = pending.Number() == 0;
-    if (changed)
-        SetLastMessageChanged(ClockHelper::NowUTC());
+    const StampMove move = changed ? MoveLastChanged(LastChangedSetting) : StampMove();
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
-    if (changed && RaiseEvents_)
+    if (changed && RaiseEvents_) {
+        const QScopedValueRollback<StampMove> told(ToldMessageMove_, move);
         Q_EMIT MessageSaved(message, true);
+    }
     return changed;
 }
 

@@ -1,12 +1,13 @@
 // The prize operations of cTolvaDatabase: fetching, saving, deleting, and the change stamp.
 
-#include "common/ClockHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVUser.h"
+
+#include <QScopedValueRollback>
 
 #include <optional>
 
@@ -89,10 +90,11 @@ bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
     const QString title = isNew ? QStringLiteral("Prize Added") : QStringLiteral("Prize Edited");
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastPrizeFiled"), -1);
-        SetLastPrizeChanged(ClockHelper::NowUTC());
+        const StampMove move = MoveLastChanged(LastChangedSetting);
         LogDatabaseEvent(kind, title, prize->Title(), 1);
         if (RaiseEvents_) {
             WriteDebugLog(QStringLiteral("Raising PrizeSaved Event"), -1);
+            const QScopedValueRollback<StampMove> told(ToldPrizeMove_, move);
             Q_EMIT PrizeSaved(prize, wasEdited);
         }
     } else {
