@@ -552,6 +552,8 @@ void MainWindow::RefreshAll()
             Prizes_->Page().Refresh();
             return;
         }
+        // What other computers did to the folders.
+        Station_->Database().UpdateCategoryTree();
         List_->UpdateCategories();
         List_->UpdateDisplay();
     });

@@ -4,6 +4,8 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/Icons.h"
 
+#include <QCryptographicHash>
+#include <QDataStream>
 #include <QScrollBar>
 #include <QSet>
 
@@ -71,4 +73,21 @@ void FillTree(const clsCategory& root, CategoryTreeView& tree, const QString& pr
         tree.SelectNode(selected);
     tree.verticalScrollBar()->setValue(scrolled);
     tree.setUpdatesEnabled(true);
+}
+
+QByteArray FolderSignature(const clsCategory& root)
+{
+    QByteArray all;
+    QDataStream stream(&all, QIODevice::WriteOnly);
+    std::vector<const clsCategory*> waiting{&root};
+    for (std::size_t next = 0; next < waiting.size(); ++next) {
+        const clsCategory& parent = *waiting[next];
+        stream << parent.Reference() << parent.SubCategoryCount();
+        for (int i = 1; i <= parent.SubCategoryCount(); ++i) {
+            const clsCategory* const category = parent.SubCategory(i);
+            stream << category->Description() << category->IconReference();
+            waiting.push_back(category);
+        }
+    }
+    return QCryptographicHash::hash(all, QCryptographicHash::Sha1);
 }

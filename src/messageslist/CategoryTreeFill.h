@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 class CategoryTreeView;
@@ -12,3 +13,6 @@ qint32 CategoryOfKey(const QString& key);
 /// Fills a tree with all below a category, each node's key being prefix and reference. What was open and selected
 /// before stays so where it is still there.
 void FillTree(const clsCategory& root, CategoryTreeView& tree, const QString& prefix);
+
+/// The same for two trees of folders that look the same.
+QByteArray FolderSignature(const clsCategory& root);

@@ -46,8 +46,10 @@ void uMessagesList::NewMessageCommand()
 {
     if (!clsTolvaDatabase_)
         return;
+    const QPointer<uMessagesList> self(this);
     Q_EMIT NewMessage(std::make_shared<cMessage>());
-    UpdateDisplay();
+    if (self)
+        UpdateDisplay();
 }
 
 void uMessagesList::OpenCommand()
@@ -128,6 +130,9 @@ void uMessagesList::DeleteCommand()
     if (!message)
         return;
     const bool permanently = message->Category() == tmcDeleted;
+    // The box runs window events, and the deletion is told.
+    const QPointer<uMessagesList> self(this);
+    const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
     if (permanently) {
         const MessageBoxRequest question{
             QStringLiteral("Are you sure you want to permanently delete '%1'?").arg(message->CDOMessage()->Subject()),
@@ -135,12 +140,11 @@ void uMessagesList::DeleteCommand()
         if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
             return;
     }
-    const QPointer<uMessagesList> self(this);
-    if (!clsTolvaDatabase_->DeleteMessage(message->Reference(), permanently) || !self)
+    if (!database || !database->DeleteMessage(message->Reference(), permanently) || !self)
         return;
     const enTolvaMessageCategories from = message->Category();
     message->SetCategory(tmcDeleted);
-    UpdateDisplay();
+    Display(Reading::ChangedRows);
     if (self && !permanently)
         Q_EMIT MessageMoved(message, from);
 }
@@ -153,7 +157,8 @@ void uMessagesList::MarkCommand(bool read)
     if (!message)
         return;
     SetRead(*message, read);
-    if (clsTolvaDatabase_->SaveMessage(message))
+    const QPointer<uMessagesList> self(this);
+    if (clsTolvaDatabase_->SaveMessage(message) && self)
         UpdateRowBold(message);
 }
 
@@ -174,9 +179,13 @@ void uMessagesList::MarkAllRows(bool read)
     if (DisplayBusy_)
         return;
     const int current = grdMessages_->Row();
+    const QPointer<uMessagesList> self(this);
+    const ReadTarget target = Target();
     DisplayBusy_ = true;
     grdMessages_->SetRedraw(false);
     const auto restore = qScopeGuard([&] {
+        if (!self)
+            return;
         if (current > 0)
             SelectRow(current);
         DisplayBusy_ = false;
@@ -187,13 +196,15 @@ void uMessagesList::MarkAllRows(bool read)
     for (int row = 1; row < rows; ++row) {
         if (grdMessages_->CellFontBold(row, colHead) != read)
             continue;
-        if (!progress->Advance(row, rows) || !HasDatabase())
+        if (!progress->Advance(row, rows) || !self || Target() != target)
             return;
         const cMessagePtr message = clsTolvaDatabase_->GetMessage(ReferenceOfRow(row));
         if (!message)
             continue;
         SetRead(*message, read);
         clsTolvaDatabase_->SaveMessage(message);
+        if (!self || Target() != target)
+            return;
         grdMessages_->SetCellFontBold(row, colHead, colSubject, !read);
     }
 }
@@ -201,6 +212,7 @@ void uMessagesList::MarkAllRows(bool read)
 void uMessagesList::MarkAllOfQuery(bool read)
 {
     clsTolvaDatabase_->SetRaiseEvents(false);
+    const QPointer<uMessagesList> self(this);
     const QPointer<cTolvaDatabase> database(clsTolvaDatabase_);
     const auto restore = qScopeGuard([&] {
         if (database)
@@ -214,5 +226,6 @@ void uMessagesList::MarkAllOfQuery(bool read)
         SetRead(*message, read);
         database->SaveMessage(message);
     }
-    Q_EMIT UpdateDisplay(CurrentQuery_);
+    if (self)
+        Q_EMIT UpdateDisplay(CurrentQuery_);
 }

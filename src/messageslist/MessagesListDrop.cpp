@@ -105,9 +105,11 @@ void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::Dr
         return;
     const enTolvaMessageCategories from = message->Category();
     message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
-    const bool isSaved = clsTolvaDatabase_->SaveMessage(message);
     const QPointer<uMessagesList> self(this);
+    const bool isSaved = clsTolvaDatabase_->SaveMessage(message);
     effect = Qt::MoveAction;
+    if (!self)
+        return;
     treeCategories_->SelectNode(node);
     TakeNodeClick(node);
     if (self && isSaved)
@@ -140,6 +142,7 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     const auto file = std::find_if(files.begin(), files.end(), IsMailFile);
     if (file == files.end() || CategoryOfKey(node) <= 0)
         return;
+    const QPointer<uMessagesList> self(this);
     if (const cMessagePtr message = LoadMessageFromEml(*file)) {
         message->SetReference(0);
         message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
@@ -148,6 +151,8 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
         Q_EMIT ImportRefused(*file);
     }
     effect = Qt::CopyAction;
+    if (!self)
+        return;
     treeCategories_->SelectNode(node);
     TakeNodeClick(node);
 }

@@ -1,6 +1,5 @@
-// Filling the messages list and keeping it in step with what other computers change.
+// Filling the messages list.
 
-#include "common/ClockHelper.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
@@ -9,6 +8,7 @@
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
+#include "platform/widgets/ListPanes.h"
 #include "platform/widgets/ListReading.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
@@ -23,53 +23,73 @@ namespace
 {
 constexpr int RowsBetweenYields = 25;
 constexpr int RowsOfABlock = 500;
+constexpr int MostRestarts = 5;
 const QString SentNode = QStringLiteral("c4");
 } // namespace
 
 void uMessagesList::UpdateDisplay()
 {
+    Display(Reading::AllRows);
+}
+
+void uMessagesList::Display(Reading reading)
+{
     if (!Initialised_ || !HasDatabase() || DisplayBusy_)
         return;
     const QPointer<uMessagesList> self(this);
-    const QPointer<cTolvaDatabase> shownDatabase = clsTolvaDatabase_;
-    const enTolvaMessageCategories shownCategory = CurrentCategory_;
-    const auto isAbandoned = [&] { return CurrentCategory_ != shownCategory || clsTolvaDatabase_ != shownDatabase; };
+    const ReadTarget target = Target();
+    const auto isAbandoned = [&] { return !self || Target() != target; };
     // Not before the host knows the row: what it does then may take its time.
     const auto restartTimer = qScopeGuard([self] {
         if (self && !self->DisplayBusy_)
             self->ApplyTimer();
     });
+    RowsRead read;
     {
         // Ends whatever ends this: an error, the end of the database or of the control itself.
-        const ListReading reading(*this, *treeCategories_, *tbsMessages_, DisplayBusy_);
+        const ListReading busy(*this, *treeCategories_, *tbsMessages_, DisplayBusy_);
         timerUpdateList_->stop();
 
-        int rowToRestore = grdMessages_->Row();
-        const qint32 referenceToRestore = rowToRestore >= 1 ? CurrentSelectedReference_ : 0;
+        read.RowToRestore = grdMessages_->Row();
+        read.ReferenceToRestore = read.RowToRestore >= 1 ? CurrentSelectedReference_ : 0;
         // What is stored while the rows are read may be missing in them: the stamp of before says so at the next tick.
+        // Until they are read, whatever ends this leaves a list that the next tick puts right.
         const Date stampBefore = clsTolvaDatabase_->LastMessageChanged();
+        LastChangedStamp_.Forget();
         UpdateTrashImage();
         const Query query = MakeQuery();
         CurrentQuery_ = query.Condition + QLatin1Char(' ') + query.Order;
         Q_EMIT UpdateDisplay(CurrentQuery_);
-        if (!self || !HasDatabase())
-            return;
-        if (DisplayMessageList_ && !RowsFollow_)
-            Fill(query, rowToRestore, referenceToRestore);
-        if (!self || !HasDatabase())
-            return;
-        LastChangedStamp_ = stampBefore;
-        SelectRow(rowToRestore);
+        if (!isAbandoned() && DisplayMessageList_ && !RowsFollow_ &&
+            (reading == Reading::AllRows || !DrawChanges(query, read)))
+            Fill(query, read);
+        if (!isAbandoned()) {
+            if (read.Failures.Rows() == 0)
+                LastChangedStamp_.Take(stampBefore, target.Opening);
+            SelectRow(read.RowToRestore);
+        }
     }
     if (isAbandoned()) {
-        // Another folder or station was chosen meanwhile, so nobody wants to hear of these rows.
-        UpdateDisplay();
+        // Another folder or station was chosen meanwhile, so nobody wants to hear of these rows. A host that chooses
+        // anew in each of its events waits for the next tick.
+        if (self && Restarts_ < MostRestarts) {
+            ++Restarts_;
+            const auto ended = qScopeGuard([self] {
+                if (self)
+                    --self->Restarts_;
+            });
+            UpdateDisplay();
+        }
         return;
     }
-    TakeCellChange();
+    if (read.IsSelectionDrawn)
+        TakeCellChange();
     if (!self)
         return;
-    SelectControlText(*comboFind_);
+    if (reading == Reading::AllRows)
+        SelectControlText(*comboFind_);
+    if (read.Failures.IsUnanswered())
+        throw dao::Error(read.Failures.Error());
     Q_EMIT DisplayUpdated();
 }
 
@@ -82,14 +102,9 @@ void uMessagesList::UpdateTrashImage()
     treeCategories_->SetNodeIcons(SentNode, icon, icon);
 }
 
-void uMessagesList::Fill(const Query& query, int& rowToRestore, qint32 referenceToRestore)
+void uMessagesList::Fill(const Query& query, RowsRead& read)
 {
-    QString text = query.Condition;
-    if (!text.isEmpty())
-        text.prepend(QStringLiteral(" WHERE "));
-    if (!text.contains(QStringLiteral("ORDER BY"), Qt::CaseInsensitive))
-        text += QLatin1Char(' ') + query.Order;
-    const auto rows = clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + text);
+    const auto rows = clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + ClausesOf(query));
 
     const QPointer<uMessagesList> self(this);
     picLoading_->SetDetail(QString());
@@ -101,6 +116,9 @@ void uMessagesList::Fill(const Query& query, int& rowToRestore, qint32 reference
     timerUpdateList_->stop(); // a host that heard of the query may have started it
     CurrentSelectedReference_ = 0;
     RowOfReference_.clear();
+    ShownRows_.clear();
+    ShownQuery_ = query;
+    ShownOpening_ = clsTolvaDatabase_->Openings();
     int filled = 0;
     const auto finish = qScopeGuard([&] {
         if (!self)
@@ -110,61 +128,101 @@ void uMessagesList::Fill(const Query& query, int& rowToRestore, qint32 reference
         if (!HasDatabase())
             filled = 0;
         grdMessages_->SetRows(filled + 1);
+        ShownRows_.resize(static_cast<std::size_t>(filled));
         grdMessages_->SetRedraw(true);
         picLoading_->hide();
-        grdMessages_->raise();
-        picNoMessages_->setVisible(filled < 1);
-        if (filled < 1)
-            picNoMessages_->raise();
-        if (rowToRestore < 2)
-            rowToRestore = 1;
-        if (rowToRestore >= grdMessages_->Rows())
-            rowToRestore = grdMessages_->Rows() - 1;
+        ShowRowsOrNone(read);
     });
-    FillRows(*rows, filled, rowToRestore, referenceToRestore);
+    filled = FillRows(*rows, read);
 }
 
-void uMessagesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore)
+/// Brings the grid, or the words that there is nothing in it, to the front, and keeps the row to restore within it.
+void uMessagesList::ShowRowsOrNone(RowsRead& read)
+{
+    grdMessages_->raise();
+    const bool isEmpty = grdMessages_->Rows() < 2 && read.Failures.Rows() == 0;
+    picNoMessages_->setVisible(isEmpty);
+    if (isEmpty)
+        picNoMessages_->raise();
+    ShowUnread(*lblUnread_, read.Failures.Rows());
+    if (read.RowToRestore < 2)
+        read.RowToRestore = 1;
+    if (read.RowToRestore >= grdMessages_->Rows())
+        read.RowToRestore = grdMessages_->Rows() - 1;
+}
+
+/// The number of rows filled.
+int uMessagesList::FillRows(dao::Recordset& rows, RowsRead& read)
 {
     const QPointer<uMessagesList> self(this);
-    const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
-    const enTolvaMessageCategories category = CurrentCategory_;
+    const ReadTarget target = Target();
     const int total = rows.RecordCount();
+    const LightColumns light(rows, ComparedColumns());
+    int filled = 0;
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (filled % RowsBetweenYields == 1) {
             picLoading_->SetDetail(
                 QStringLiteral("%1 of %2").arg(QLocale().toString(filled), QLocale().toString(total)));
             Q_EMIT FillProgress(filled, total);
             UserInterface::Current().Yield();
-            if (!self || !HasDatabase() || clsTolvaDatabase_ != database || CurrentCategory_ != category)
-                return;
+            if (!self || Target() != target)
+                return filled;
         }
-        const cMessagePtr message = clsTolvaDatabase_->GetMessage(rows);
+        cMessagePtr message;
+        try {
+            message = clsTolvaDatabase_->GetMessage(rows);
+        } catch (const dao::Error& error) {
+            if (read.Failures.Take(error))
+                continue;
+            read.Failures.TakeRest(total - filled - read.Failures.Rows());
+            return filled;
+        }
         if (!message)
             continue;
         ++filled;
         if (filled + 1 > grdMessages_->Rows())
             grdMessages_->SetRows(grdMessages_->Rows() + RowsOfABlock);
-        FillMessageRow(filled, message);
-        if (referenceToRestore >= 1 && message->Reference() == referenceToRestore)
-            rowToRestore = filled;
+        ShownRows_.push_back(light.Read());
+        DrawMessageRow(filled, message);
+        if (read.ReferenceToRestore >= 1 && message->Reference() == read.ReferenceToRestore)
+            read.RowToRestore = filled;
     }
+    return filled;
 }
 
 bool uMessagesList::RefreshDisplay(qint32 messageReference)
 {
     if (!clsTolvaDatabase_)
         return false;
-    if (messageReference >= 1) {
-        const int row = RowOfReference_.value(messageReference);
-        if (row < 1 || row >= grdMessages_->Rows())
-            return false;
-        FillMessageRow(row, clsTolvaDatabase_->GetMessage(messageReference));
-    } else {
+    if (messageReference < 1) {
         RefreshAllRows();
+        return true;
     }
-    LastChangedStamp_ = clsTolvaDatabase_->LastMessageChanged();
+    if (!RedrawRow(messageReference))
+        return false;
+    // Last, for it is told, and then the list may be another one or none.
+    grdMessages_->SetRow(RowOfReference_.value(messageReference));
     return true;
+}
+
+/// Draws the row of a message as it is stored now, wherever the user is. False when there is no such row.
+bool uMessagesList::RedrawRow(qint32 messageReference)
+{
+    const int row = RowOfReference_.value(messageReference);
+    if (row < 1 || row >= grdMessages_->Rows())
+        return false;
+    ForgetRow(row);
+    DrawMessageRow(row, clsTolvaDatabase_->GetMessage(messageReference));
+    LastChangedStamp_.Follow(clsTolvaDatabase_->ToldMessageMove());
+    return true;
+}
+
+/// What a row was read with is not what it shows from now on.
+void uMessagesList::ForgetRow(int row)
+{
+    const auto place = static_cast<std::size_t>(row - 1);
+    if (place < ShownRows_.size())
+        ShownRows_[place].Signature = 0;
 }
 
 void uMessagesList::RefreshAllRows()
@@ -177,22 +235,8 @@ void uMessagesList::RefreshAllRows()
         grdMessages_->SetRedraw(true);
         DisplayBusy_ = wasBusy;
     });
-    for (int i = 1; i < grdMessages_->Rows(); ++i)
-        FillMessageRow(i, clsTolvaDatabase_->GetMessage(ReferenceOfRow(i)));
-}
-
-void uMessagesList::Tick()
-{
-    // A fill would end the typing of a folder's name in the middle, take half a find text and select it under the
-    // typing hand. It comes with the tick behind.
-    if (!HasDatabase() || treeCategories_->IsEditingLabel() || comboFind_->IsBeingTyped())
-        return;
-    const Date stamp = clsTolvaDatabase_->LastMessageChanged();
-    if (stamp.IsNone()) {
-        // No stamp, or no answer: a station that cannot be reached must say so rather than be written to.
-        clsTolvaDatabase_->OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
-        clsTolvaDatabase_->SetLastMessageChanged(ClockHelper::CurrentTime());
+    for (int i = 1; i < grdMessages_->Rows(); ++i) {
+        ForgetRow(i);
+        DrawMessageRow(i, clsTolvaDatabase_->GetMessage(ReferenceOfRow(i)));
     }
-    if (stamp.IsNone() || stamp != LastChangedStamp_)
-        UpdateDisplay();
 }

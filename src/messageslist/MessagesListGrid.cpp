@@ -48,8 +48,10 @@ void uMessagesList::TakeGridMouseDown(Qt::MouseButton button, const QPointF& twi
         GridDragStart_ = twips;
     } else if (button == Qt::RightButton) {
         grdMessages_->setFocus();
+        const QPointer<uMessagesList> self(this);
         SelectGridRowAt(*grdMessages_, twips.y(), false);
-        Handle("grdMessages_MouseDown", [this] { TakeCellChange(); });
+        if (self)
+            Handle("grdMessages_MouseDown", [this] { TakeCellChange(); });
     }
 }
 
@@ -59,7 +61,10 @@ void uMessagesList::TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& t
         return;
     if (!DragRunner::IsDrag(*grdMessages_, GridDragStart_, twips))
         return;
+    const QPointer<uMessagesList> self(this);
     SelectGridRowAt(*grdMessages_, GridDragStart_.y(), false);
+    if (!self)
+        return;
     grdMessages_->EndMouseTracking();
     GridDragStart_ = QPointF();
     if (GridDragging_ || CurrentSelectedReference_ <= 0)

@@ -69,6 +69,7 @@ void uMessagesList::MakeControls()
               "picNoMessages");
     picLoading_->hide();
     picNoMessages_->hide();
+    lblUnread_ = ListPanes::MakeUnread(tbsMessages_->Page());
     timerUpdateList_ = Named(new QTimer(this), "timerUpdateList");
     setTabOrder(comboFind_, cmdNewMessage_);
     setTabOrder(cmdNewMessage_, treeCategories_);
@@ -181,5 +182,5 @@ ListPanes uMessagesList::Panes()
 {
     return {this,           toolSearch_,    picFind_,        lblFind_,     comboFind_,
             cmdNewMessage_, tbsCategories_, treeCategories_, picMessages_, tbsMessages_,
-            grdMessages_,   picLoading_,    picNoMessages_};
+            grdMessages_,   picLoading_,    picNoMessages_,  lblUnread_};
 }

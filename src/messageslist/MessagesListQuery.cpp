@@ -57,6 +57,30 @@ uMessagesList::Query uMessagesList::MakeQuery()
     return query;
 }
 
+/// The query's text behind the name of the table.
+QString uMessagesList::ClausesOf(const Query& query)
+{
+    QString text = query.Condition;
+    if (!text.isEmpty())
+        text.prepend(QStringLiteral(" WHERE "));
+    if (!text.contains(QStringLiteral("ORDER BY"), Qt::CaseInsensitive))
+        text += QLatin1Char(' ') + query.Order;
+    return text;
+}
+
+/// What a row shows stands in these, or does not change without them: the sender and the subject stand in the mail, and
+/// their keys beside it. The key of the table first.
+const QStringList& uMessagesList::ComparedColumns()
+{
+    static const QStringList columns = {QStringLiteral("Reference"),         QStringLiteral("Flags"),
+                                        QStringLiteral("Category"),          QStringLiteral("Sent"),
+                                        QStringLiteral("Received"),          QStringLiteral("Priority"),
+                                        QStringLiteral("Subject"),           QStringLiteral("FromKey"),
+                                        QStringLiteral("PersonalToContact"), QStringLiteral("HasHighlightWords"),
+                                        QStringLiteral("MessageType")};
+    return columns;
+}
+
 QString uMessagesList::PersonalCondition() const
 {
     if (!CurrentUser())

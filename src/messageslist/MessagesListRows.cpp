@@ -94,11 +94,11 @@ qint32 uMessagesList::ReferenceOfRow(int row) const
     return grdMessages_->TextMatrix(row, colReference).toInt();
 }
 
-void uMessagesList::FillMessageRow(int row, const cMessagePtr& message)
+/// Tells nobody, and leaves the current row as it is.
+void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 {
     if (row < 1 || row > grdMessages_->Rows() - 1 || !message)
         return;
-    grdMessages_->SetRow(row);
     if (DoubleHeightRows_)
         grdMessages_->SetRowHeight(row, grdMessages_->RowHeight(0));
     grdMessages_->SetTextMatrix(row, colReference, QString::number(message->Reference()));
@@ -125,13 +125,7 @@ void uMessagesList::DrawSubject(int row, const cMessage& message, bool& isRead)
 {
     const Date stamp = SortOrder_ != mlsoReceived ? message.Sent() : message.Received();
     isRead = isRead || stamp.IsNone();
-    // A bold text is wider than the surface's own.
-    QFont font = picMessages_->font();
-    font.setBold(!isRead);
-    const QFontMetricsF metrics(font);
-    const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
-    QString text = GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
-                                                 message.CDOMessage()->Subject().trimmed(), width);
+    QString text = message.CDOMessage()->Subject().trimmed();
     if (stamp.IsNone()) {
         if (DoubleHeightRows_)
             text += QLatin1Char('\r');
@@ -142,7 +136,27 @@ void uMessagesList::DrawSubject(int row, const cMessage& message, bool& isRead)
         if (DoubleHeightRows_)
             text += QLatin1Char('\r') + date;
     }
-    grdMessages_->SetTextMatrix(row, colSubject, text);
+    grdMessages_->SetTextToFit(row, colSubject, text, SubjectFitting(!isRead));
+}
+
+/// What cuts a subject to the width that the column has now. The rows that are never seen need not be measured.
+std::shared_ptr<const std::function<QString(const QString&)>> uMessagesList::SubjectFitting(bool bold)
+{
+    // A bold text is wider than the surface's own.
+    QFont font = picMessages_->font();
+    font.setBold(bold);
+    const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
+    Fitting& kept = Fittings_[bold ? 1 : 0];
+    if (kept.Fit && kept.Font == font && kept.Width == width && kept.HasDateLine == DoubleHeightRows_)
+        return kept.Fit;
+    const auto fit = [metrics = QFontMetricsF(font), width, hasDateLine = DoubleHeightRows_](const QString& text) {
+        const qsizetype end = hasDateLine ? text.lastIndexOf(QLatin1Char('\r')) : text.size();
+        const QString subject = GeneralHelper::FitTextToWidth(
+            [&](const QString& part) { return metrics.horizontalAdvance(part); }, text.left(end), width);
+        return subject + text.mid(end);
+    };
+    kept = {font, width, DoubleHeightRows_, std::make_shared<const std::function<QString(const QString&)>>(fit)};
+    return kept.Fit;
 }
 
 void uMessagesList::UpdateRowBold(const cMessagePtr& message)

@@ -34,6 +34,7 @@ void uMessagesList::UpdateCategories()
     if (!Initialised_ || !HasDatabase())
         return;
     FillTree(clsTolvaDatabase_->MessageCategories(), *treeCategories_, QStringLiteral("c"));
+    ShownFolders_ = FolderSignature(clsTolvaDatabase_->MessageCategories());
     if (treeCategories_->SelectedKey().isEmpty())
         SetCategory(CurrentCategory_);
 }
@@ -187,8 +188,11 @@ void uMessagesList::NewFolder()
     treeCategories_->SortChildren(key);
     treeCategories_->EnsureVisible(key);
     treeCategories_->SelectNode(key);
+    const QPointer<uMessagesList> self(this);
     TakeNodeClick(key);
-    treeCategories_->StartLabelEdit();
+    // What the host did when it heard of the new folder's messages may have taken the folder, or the list, away.
+    if (self && treeCategories_->SelectedKey() == key)
+        treeCategories_->StartLabelEdit();
 }
 
 void uMessagesList::DeleteFolder()
@@ -214,15 +218,19 @@ void uMessagesList::DeleteFolder()
         Warn(QStringLiteral("You cannot delete a Category unless it is empty (i.e. no Messages)"));
         return;
     }
+    // The box runs window events: the folder, the station or the list itself may be another one after it.
+    const QPointer<uMessagesList> self(this);
+    const ReadTarget target = Target();
     if (!Confirm(QStringLiteral("Are you sure you want to delete the Message's Category '%1'?")
                      .arg(category->Description())))
         return;
-    if (!clsTolvaDatabase_->DeleteMessageCategory(CurrentCategory_))
+    if (!self || Target() != target || !clsTolvaDatabase_->DeleteMessageCategory(CurrentCategory_))
         return;
     if (CategoryOfKey(parentKey) > 0)
         CurrentCategory_ = static_cast<enTolvaMessageCategories>(CategoryOfKey(parentKey));
     UpdateCategories();
-    UpdateDisplay();
+    if (self)
+        UpdateDisplay();
 }
 
 void uMessagesList::EmptyFolder()
@@ -230,8 +238,12 @@ void uMessagesList::EmptyFolder()
     if (treeCategories_->SelectedKey().isEmpty())
         return;
     const auto category = StoredCategory(CurrentCategory_);
+    const QPointer<uMessagesList> self(this);
+    const ReadTarget target = Target();
     if (!category || !Confirm(QStringLiteral("Are you sure you want to delete all the Messages in the '%1' Category?")
                                   .arg(category->Description())))
+        return;
+    if (!self || Target() != target)
         return;
     clsTolvaDatabase_->DeleteMessagesOfCategory(CurrentCategory_);
     UpdateDisplay();

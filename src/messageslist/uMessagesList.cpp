@@ -10,6 +10,7 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/ListPanes.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/PropertyBag.h"
 #include "platform/widgets/SystemColour.h"
@@ -69,10 +70,15 @@ void uMessagesList::SetTolvaDatabase(cTolvaDatabase* database)
     if (clsTolvaDatabase_)
         clsTolvaDatabase_->disconnect(this);
     clsTolvaDatabase_ = database;
+    ++Attachments_;
+    LastChangedStamp_.Forget();
+    ShownOpening_ = 0;
     if (!database) {
         SetCurrentUser(nullptr);
         grdMessages_->SetRows(1);
         RowOfReference_.clear();
+        ShownRows_.clear();
+        ShowUnread(*lblUnread_, 0);
         CurrentSelectedReference_ = 0;
         return;
     }
@@ -134,7 +140,13 @@ bool uMessagesList::HasDatabase() const
     return clsTolvaDatabase_ && !clsTolvaDatabase_->Location().isEmpty();
 }
 
-/// A message was saved or deleted by this process.
+ReadTarget uMessagesList::Target() const
+{
+    return {clsTolvaDatabase_, HasDatabase() ? clsTolvaDatabase_->Openings() : 0, Attachments_, CurrentCategory_};
+}
+
+/// A message was saved or deleted by this process. The row that is selected stays so: it may have been saved by a
+/// window of its own, or by a moment's delay.
 void uMessagesList::TakeDatabaseEvent(const cMessagePtr& message)
 {
     if (!message) {
@@ -143,18 +155,20 @@ void uMessagesList::TakeDatabaseEvent(const cMessagePtr& message)
     }
     if (CurrentCategory_ != 0 && CurrentCategory_ != message->Category())
         return;
-    if (!RefreshDisplay(message->Reference()))
-        UpdateDisplay();
+    if (!RedrawRow(message->Reference()))
+        Display(Reading::ChangedRows);
 }
 
 void uMessagesList::TakePreferencesChange(int flags, const QString& name)
 {
     if ((flags & PreferencesFlag) == 0)
         return;
+    const QPointer<uMessagesList> self(this);
     try {
         if (name.isEmpty()) {
             UpdateCategories();
-            UpdateDisplay();
+            if (self)
+                UpdateDisplay();
         } else if (name.toLower() == SortOrderPreference) {
             UpdateDisplay();
         }
@@ -171,9 +185,10 @@ void uMessagesList::ResetDisplay()
     tbsMessages_->SetTab(0);
     DisplayBusy_ = wasBusy;
     const bool wasInbox = CurrentCategory_ == tmcInbox;
+    const QPointer<uMessagesList> self(this);
     SetCategory(tmcInbox);
     // Choosing the folder that is on show does nothing, and the find text may have changed.
-    if (wasInbox)
+    if (self && wasInbox)
         UpdateDisplay();
 }
 
@@ -199,8 +214,10 @@ void uMessagesList::SetDoubleHeightRows(bool twoLines)
     grdMessages_->setWordWrap(twoLines);
     SetGridRowHeights();
     LayOutMessages();
+    const QPointer<uMessagesList> self(this);
     UpdateDisplay();
-    TellContainer(Key::DoubleHeightRows);
+    if (self)
+        TellContainer(Key::DoubleHeightRows);
 }
 
 void uMessagesList::SetDisplayNewMessage(bool shown)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "database/cTolvaDatabase.h"
+#include "database/watch/ListReads.h"
+#include "database/watch/RowChanges.h"
 #include "platform/Export.h"
 #include "platform/directory/clsKVDirectory.h"
 
@@ -10,7 +12,9 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 class CategoryTreeView;
 class FindBox;
@@ -38,8 +42,12 @@ enum enMessagesListSortOrder : qint32
 /// TolvaDatabase and takes the events; it opens no editor by itself. It holds no message: a row shows one that was
 /// fetched, and every command fetches it anew. All on the user interface thread.
 ///
-/// What other computers change shows within AutoUpdateInterval. While a long fill runs the window answers: the tree and
-/// the tabs wait, setting another Category abandons the fill.
+/// What other computers change shows within AutoUpdateInterval: of the messages the rows that differ are drawn, where
+/// the user is stays, and folders come and go. While a long fill runs the window answers: the tree and the tabs wait,
+/// setting another Category abandons the fill. Rows that could not be read are counted below the others and tried again
+/// at each tick.
+///
+/// In each of its events a host may close the station and open it again, detach and attach it, or destroy the list.
 ///
 /// Events meet their errors by handing them to UserInterface::RunTimeError with the handler's name ("uMessagesList.…")
 /// as their source; operations that a host calls throw them (dao::Error).
@@ -68,6 +76,7 @@ public:
     void UpdateDisplay();
     /// Draws the row of one message again and makes it the current one, or draws all rows for 0, without a new query.
     /// False when there is no such row.
+    /// Afterwards the list still takes notice of what others stored before.
     bool RefreshDisplay(qint32 messageReference = 0);
     /// Fills the tree of folders again.
     void UpdateCategories();
@@ -154,6 +163,31 @@ private:
     {
         QString Condition;
         QString Order;
+
+        friend bool operator==(const Query&, const Query&) = default;
+    };
+    /// How a display comes to its rows.
+    enum class Reading
+    {
+        AllRows,    ///< Every message is read.
+        ChangedRows ///< Only those that differ from what is on show, when that is the same query.
+    };
+    /// What a reading of rows found, and what is to be selected behind it.
+    struct RowsRead
+    {
+        int RowToRestore = 1;
+        qint32 ReferenceToRestore = 0;
+        bool IsSelectionDrawn = true; ///< The host is to hear of the selected message.
+        ReadFailures Failures;
+    };
+
+    /// What cuts subjects to a width, and for which look of the list.
+    struct Fitting
+    {
+        QFont Font;
+        double Width = 0;
+        bool HasDateLine = false;
+        std::shared_ptr<const std::function<QString(const QString&)>> Fit;
     };
 
     // Making and wiring; uMessagesList.cpp.
@@ -162,6 +196,7 @@ private:
     void SetCurrentUser(clsKVUser* user);
     clsKVUser* CurrentUser() const { return clsCurrentUser_; }
     bool HasDatabase() const;
+    ReadTarget Target() const;
     void TakeDatabaseEvent(const cMessagePtr& message);
     void TakePreferencesChange(int flags, const QString& name);
     template <typename Work>
@@ -177,21 +212,34 @@ private:
     // The query; MessagesListQuery.cpp.
     Query MakeQuery();
     QString PersonalCondition() const;
+    static QString ClausesOf(const Query& query);
+    static const QStringList& ComparedColumns();
     void ReadSortOrder();
 
     // Filling; MessagesListFill.cpp.
-    void Fill(const Query& query, int& rowToRestore, qint32 referenceToRestore);
-    void FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore);
+    void Display(Reading reading);
+    void Fill(const Query& query, RowsRead& read);
+    int FillRows(dao::Recordset& rows, RowsRead& read);
+    void ShowRowsOrNone(RowsRead& read);
+    bool RedrawRow(qint32 messageReference);
+    void ForgetRow(int row);
     void RefreshAllRows();
     void UpdateTrashImage();
+
+    // What other computers change; MessagesListChanges.cpp.
     void Tick();
+    void TakeFolderChanges();
+    bool DrawChanges(const Query& query, RowsRead& read);
+    QHash<qint32, cMessagePtr> ReadMessages(const QList<qint32>& references, RowsRead& read);
+    void Arrange(const std::vector<int>& sources, RowsRead& read);
 
     // Rows; MessagesListRows.cpp.
     void MakeGridHeader();
     void SetGridColumnWidths();
     void SetGridRowHeights();
-    void FillMessageRow(int row, const cMessagePtr& message);
+    void DrawMessageRow(int row, const cMessagePtr& message);
     void DrawSubject(int row, const cMessage& message, bool& isRead);
+    std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     qint32 ReferenceOfRow(int row) const;
     void SelectRow(int row);
@@ -268,8 +316,14 @@ private:
     bool DisplayBusy_ = false;
     bool Filling_ = false;
     bool RowsFollow_ = false; ///< A fill of another folder comes at once, so that this one need not be read.
-    Date LastChangedStamp_;
-    QPointF GridDragStart_; ///< Twips; none for x 0.
+    int Attachments_ = 0;     ///< How often TolvaDatabase was set.
+    ReadStamp LastChangedStamp_;
+    Query ShownQuery_; ///< Of the rows on show.
+    int ShownOpening_ = 0;
+    int Restarts_ = 0;               ///< Of a display whose host chose something else in it, one in the other.
+    std::vector<ReadRow> ShownRows_; ///< As they were read; one for each row.
+    QByteArray ShownFolders_;        ///< Of the tree.
+    QPointF GridDragStart_;          ///< Twips; none for x 0.
     QPointF TreeDragStart_;
     bool DoubleHeightRows_ = true;
     qint32 BackColour_ = 0;
@@ -289,6 +343,7 @@ private:
     QStringList PromisedFiles_; ///< Written for drags; removed with the control.
 
     QIcon HeadPicture_;
+    Fitting Fittings_[2]; ///< For plain and for bold rows.
 
     ToolBar* toolSearch_;
     QWidget* picFind_;
@@ -302,6 +357,7 @@ private:
     FlexGrid* grdMessages_;
     OverlayPanel* picLoading_;
     OverlayPanel* picNoMessages_;
+    QLabel* lblUnread_;
     QTimer* timerUpdateList_ = nullptr; ///< The last of the controls.
     QMenu* mnuPopupMessage_;
     QMenu* mnuPopupCategory_;

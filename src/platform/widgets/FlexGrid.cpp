@@ -68,6 +68,13 @@ void FlexGrid::SetRows(int rows)
         MakeCurrent(Rows() - 1, Col_);
 }
 
+void FlexGrid::ArrangeRows(const std::vector<int>& sources)
+{
+    Model_->ArrangeRows(sources);
+    if (Row_ >= Rows())
+        MakeCurrent(Rows() - 1, Col_);
+}
+
 int FlexGrid::Cols() const
 {
     return Model_->Cols();
@@ -97,6 +104,11 @@ QString FlexGrid::TextMatrix(int row, int col) const
 void FlexGrid::SetTextMatrix(int row, int col, const QString& text)
 {
     Model_->SetText(row, col, text);
+}
+
+void FlexGrid::SetTextToFit(int row, int col, const QString& text, const std::shared_ptr<const TextFitting>& fitting)
+{
+    Model_->SetTextToFit(row, col, text, fitting);
 }
 
 // ---- The current cell

@@ -2,6 +2,8 @@
 
 #include <QTableView>
 
+#include <functional>
+#include <memory>
 #include <vector>
 
 class FlexGridModel;
@@ -28,11 +30,18 @@ public:
     /// are rows for it. A current row that is dropped gives way to the last one left.
     int Rows() const;
     void SetRows(int rows);
+    /// Makes the rows those of sources: row i + 1 becomes what row sources[i] + 1 was, an empty one for -1. The current
+    /// row stays the one of its number. With redraw off only.
+    void ArrangeRows(const std::vector<int>& sources);
     int Cols() const;
     void SetCols(int cols);
     /// A carriage return or line feed begins a second line where setWordWrap is on, and is a blank where it is off.
     QString TextMatrix(int row, int col) const;
     void SetTextMatrix(int row, int col, const QString& text);
+    /// The same with the text that fitting makes of text, which costs nothing until somebody asks for it or sees it: of
+    /// a long list few rows are ever seen. For one column of the grid. fitting gives the same whenever it is called.
+    void SetTextToFit(int row, int col, const QString& text,
+                      const std::shared_ptr<const std::function<QString(const QString&)>>& fitting);
 
     /// The current row, shown as selected whole; 0 when there is none. Setting never scrolls.
     int Row() const { return Row_; }

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -48,7 +49,10 @@ void FlexGrid::mousePressEvent(QMouseEvent* event)
         PressedAt_ = event->position().toPoint();
         Tracking_ = true;
         Following_ = false;
+        const QPointer<FlexGrid> self(this);
         EnterCellAt(PressedAt_);
+        if (!self)
+            return;
     }
     Q_EMIT MouseDown(event->button(), InTwips(*event));
 }
@@ -60,9 +64,12 @@ void FlexGrid::mouseMoveEvent(QMouseEvent* event)
     if ((position - PressedAt_).manhattanLength() >= QApplication::startDragDistance())
         Following_ = true;
     if (Tracking_ && Following_ && event->buttons().testFlag(Qt::LeftButton)) {
+        const QPointer<FlexGrid> self(this);
         const int row = RowAtPixel(position.y());
         if (row > 0)
             MakeCurrent(row, Col_);
+        if (!self)
+            return;
     }
     Q_EMIT MouseMove(event->buttons(), InTwips(*event));
 }
@@ -76,7 +83,8 @@ void FlexGrid::mouseReleaseEvent(QMouseEvent* event)
 
 void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && EnterCellAt(event->position().toPoint()) > 0)
+    const QPointer<FlexGrid> self(this);
+    if (event->button() == Qt::LeftButton && EnterCellAt(event->position().toPoint()) > 0 && self)
         Q_EMIT DblClick();
 }
 
@@ -98,8 +106,9 @@ void FlexGrid::contextMenuEvent(QContextMenuEvent* event)
 void FlexGrid::keyPressEvent(QKeyEvent* event)
 {
     event->ignore();
+    const QPointer<FlexGrid> self(this);
     Q_EMIT KeyDown(event);
-    if (!event->isAccepted() && Navigate(event->key()))
+    if (self && !event->isAccepted() && Navigate(event->key()))
         event->accept();
 }
 
@@ -150,8 +159,10 @@ void FlexGrid::GoToRow(int row)
 {
     if (!Redraw() || row < 1 || row >= Rows())
         return;
+    const QPointer<FlexGrid> self(this);
     MakeCurrent(row, Col_);
-    scrollTo(currentIndex());
+    if (self)
+        scrollTo(currentIndex());
 }
 
 void FlexGrid::GoToColumn(int step)
@@ -163,8 +174,10 @@ void FlexGrid::GoToColumn(int step)
         col += step;
     if (col < 0 || col >= Cols())
         return;
+    const QPointer<FlexGrid> self(this);
     MakeCurrent(Row_, col);
-    scrollTo(currentIndex());
+    if (self)
+        scrollTo(currentIndex());
 }
 
 int FlexGrid::NextRow(int row, int step) const

@@ -1,6 +1,7 @@
 #include "platform/widgets/FlexGridModel.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -59,9 +60,46 @@ void FlexGridModel::ResizeRows(int rows)
     StyleOfCell_.resize(cells);
     Heights_.resize(count, -1);
     AccessibleOfRow_.resize(count);
+    FittingOfRow_.resize(count);
     Rows_ = rows;
     if (rows == 1)
         ForgetShared();
+}
+
+void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
+{
+    Q_ASSERT(Collecting_);
+    const auto count = sources.size() + 1;
+    const auto cols = static_cast<size_t>(Cols_);
+    std::deque<QString> texts(count * cols);
+    std::deque<qint32> styles(count * cols);
+    std::deque<float> heights(count, -1);
+    std::deque<qint32> accessible(count);
+    std::deque<std::shared_ptr<const TextFitting>> fittings(count);
+    for (size_t row = 0; row < count; ++row) {
+        const int source = row == 0 ? 0 : sources[row - 1] + 1;
+        if (source < 0 || (row > 0 && source < 1) || source >= Rows_)
+            continue;
+        const size_t from = CellAt(source, 0);
+        for (size_t col = 0; col < cols; ++col) {
+            texts[row * cols + col] = std::move(Texts_[from + col]);
+            styles[row * cols + col] = StyleOfCell_[from + col];
+        }
+        heights[row] = Heights_[static_cast<size_t>(source)];
+        accessible[row] = AccessibleOfRow_[static_cast<size_t>(source)];
+        fittings[row] = std::move(FittingOfRow_[static_cast<size_t>(source)]);
+    }
+    for (size_t row = 1; row < count; ++row) {
+        if (row >= Heights_.size() || heights[row] != Heights_[row])
+            ChangedHeights_.Add(static_cast<int>(row));
+    }
+    Texts_.swap(texts);
+    StyleOfCell_.swap(styles);
+    Heights_.swap(heights);
+    AccessibleOfRow_.swap(accessible);
+    FittingOfRow_.swap(fittings);
+    Rows_ = static_cast<int>(count);
+    ChangedRows_.Add(1, Rows_ - 1);
 }
 
 void FlexGridModel::ForgetShared()
@@ -157,13 +195,39 @@ void FlexGridModel::Changed(int row, int firstCol, int lastCol)
 
 QString FlexGridModel::Text(int row, int col) const
 {
-    return IsCell(row, col) ? Texts_[CellAt(row, col)] : QString();
+    if (!IsCell(row, col))
+        return {};
+    if (col == FittingCol_)
+        Fit(row);
+    return Texts_[CellAt(row, col)];
+}
+
+void FlexGridModel::Fit(int row) const
+{
+    const auto fitting = std::exchange(FittingOfRow_[static_cast<size_t>(row)], nullptr);
+    if (!fitting)
+        return;
+    QString& text = Texts_[CellAt(row, FittingCol_)];
+    text = WithoutReserve((*fitting)(text));
+}
+
+void FlexGridModel::SetTextToFit(int row, int col, const QString& text,
+                                 const std::shared_ptr<const TextFitting>& fitting)
+{
+    if (row < 1 || !IsCell(row, col))
+        return;
+    FittingCol_ = col;
+    FittingOfRow_[static_cast<size_t>(row)] = fitting;
+    Texts_[CellAt(row, col)] = WithoutReserve(text);
+    Changed(row, col, col);
 }
 
 void FlexGridModel::SetText(int row, int col, const QString& text)
 {
     if (!IsCell(row, col))
         return;
+    if (col == FittingCol_)
+        Fit(row);
     QString& present = Texts_[CellAt(row, col)];
     if (present == text)
         return;

@@ -8,6 +8,8 @@
 #include <QStringList>
 
 #include <deque>
+#include <functional>
+#include <memory>
 #include <vector>
 
 /// How a cell looks: colours as SystemColour has them, a picture by its place in the grid's list (-1: none).
@@ -24,6 +26,9 @@ struct CellStyle
         return qHashMulti(seed, style.BackColour, style.ForeColour, style.Picture, style.Bold);
     }
 };
+
+/// Makes the text that a cell shows of the text that it was given.
+using TextFitting = std::function<QString(const QString&)>;
 
 /// Rows that something happened to. Coarse on purpose: the first and the last one.
 class RowRange
@@ -55,6 +60,8 @@ public:
 
     int Rows() const { return Rows_; }
     void SetRows(int rows);
+    /// FlexGrid::ArrangeRows; while collecting.
+    void ArrangeRows(const std::vector<int>& sources);
     int Cols() const { return Cols_; }
     void SetCols(int cols);
     bool IsCollecting() const { return Collecting_; }
@@ -62,6 +69,8 @@ public:
 
     QString Text(int row, int col) const;
     void SetText(int row, int col, const QString& text);
+    /// FlexGrid::SetTextToFit.
+    void SetTextToFit(int row, int col, const QString& text, const std::shared_ptr<const TextFitting>& fitting);
     /// The default style outside the table, and for the header row.
     const CellStyle& Style(int row, int col) const;
     void SetBackColour(int row, int firstCol, int lastCol, qint32 colour);
@@ -98,6 +107,7 @@ private:
     void ResizeRows(int rows);
     void ResizeCols(int cols);
     void ForgetShared();
+    void Fit(int row) const;
     void TellRowCount();
     void Changed(int row, int firstCol, int lastCol);
     qint32 StyleIndex(const CellStyle& style);
@@ -116,7 +126,11 @@ private:
     RowRange ChangedHeights_;
 
     // Queues rather than vectors: they grow in small pieces, without copying and without a reserve of half their size.
-    std::deque<QString> Texts_;
+    mutable std::deque<QString> Texts_;
+    /// What the row's text in FittingCol_ has yet to go through; null for nothing.
+    mutable std::deque<std::shared_ptr<const TextFitting>> FittingOfRow_ =
+        std::deque<std::shared_ptr<const TextFitting>>(1);
+    int FittingCol_ = -1;
     std::deque<qint32> StyleOfCell_;
     std::deque<float> Heights_ = {-1};
     std::deque<qint32> AccessibleOfRow_ = {0};

@@ -8,6 +8,7 @@
 #include "platform/widgets/Twips.h"
 
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QStyle>
 
@@ -36,6 +37,20 @@ void Place(QWidget& part, const QRect& rect)
 int ListPanes::Pixels(double twips) const
 {
     return Twips::ToPixels(*Control, twips);
+}
+
+QLabel* ListPanes::MakeUnread(QWidget& page)
+{
+    auto* line = new QLabel(&page);
+    line->setObjectName(QStringLiteral("lblUnread"));
+    line->setTextFormat(Qt::PlainText);
+    line->setAutoFillBackground(true);
+    line->setBackgroundRole(QPalette::ToolTipBase);
+    line->setForegroundRole(QPalette::ToolTipText);
+    constexpr int Margin = 4;
+    line->setMargin(Margin);
+    line->hide();
+    return line;
 }
 
 void ListPanes::SetLeastSize() const
@@ -106,4 +121,16 @@ void ListPanes::LayOutList() const
     const QRect place(grid.left(), grid.top() + offset, grid.width(), grid.height() - offset + Pixels(OverlayExcess));
     Loading->setGeometry(place);
     Nothing->setGeometry(place);
+    const int line = Unread->sizeHint().height();
+    Unread->setGeometry(place.left(), place.bottom() + 1 - line, place.width(), line);
+}
+
+void ShowUnread(QLabel& line, int rows)
+{
+    line.setVisible(rows > 0);
+    if (rows == 0)
+        return;
+    line.setText(rows == 1 ? QLabel::tr("1 row could not be read. Trying again.")
+                           : QLabel::tr("%1 rows could not be read. Trying again.").arg(QLocale().toString(rows)));
+    line.raise();
 }

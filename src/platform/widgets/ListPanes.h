@@ -27,13 +27,17 @@ struct ListPanes
     FlexGrid* Grid = nullptr;
     OverlayPanel* Loading = nullptr;
     OverlayPanel* Nothing = nullptr;
+    QLabel* Unread = nullptr; ///< Says that rows are missing, below those that are there.
 
     /// The control never gets smaller than its least size: it is resized, which lays it out again.
     void LayOut() const;
     /// The tree within its page.
     void LayOutTree() const;
-    /// The grid within its page, and the overlays over it below its header, whose height they follow.
+    /// The grid within its page, and what lies over it: the overlays below its header, whose height they follow, and
+    /// the line at its foot.
     void LayOutList() const;
+    /// The line that says that rows are missing; hidden.
+    static QLabel* MakeUnread(QWidget& page);
     /// Keeps the control from getting smaller.
     void SetLeastSize() const;
 
@@ -41,3 +45,6 @@ private:
     int Pixels(double twips) const;
     void LayOutFindBar() const;
 };
+
+/// Says in that line how many rows could not be read; hides it when all could.
+void ShowUnread(QLabel& line, int rows);

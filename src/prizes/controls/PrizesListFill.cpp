@@ -6,6 +6,7 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/ListPanes.h"
 #include "platform/widgets/ListReading.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
@@ -22,6 +23,7 @@ namespace
 {
 constexpr int RowsBetweenYields = 25;
 constexpr int RowsOfABlock = 500;
+constexpr int MostRestarts = 5;
 const QString AllOfTable = QStringLiteral("SELECT * FROM [Prizes] ");
 const QString NoneOfTable = QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE ([Reference]=0) ");
 } // namespace
@@ -31,15 +33,15 @@ void uPrizesList::UpdateDisplay()
     if (!Ready_ || !HasDatabase() || Refreshing_ || RowsFollow_)
         return;
     const QPointer<uPrizesList> self(this);
-    const QPointer<cTolvaDatabase> shownDatabase = clsTolvaDatabase_;
-    const enPrizeListCategory shownCategory = CurrentCategory_;
-    const auto isAbandoned = [&] { return CurrentCategory_ != shownCategory || clsTolvaDatabase_ != shownDatabase; };
+    const ReadTarget target = Target();
+    const auto isAbandoned = [&] { return !self || Target() != target; };
     // Not before the host knows the row: what it does then may take its time.
     const auto restartTimer = qScopeGuard([self] {
         if (self && !self->Refreshing_)
             self->ApplyTimer();
     });
     bool isRead = false;
+    ReadFailures failures;
     {
         // Ends whatever ends this: an error, the end of the database or of the control itself.
         const ListReading reading(*this, *treeCategories_, *tbsPrizes_, Refreshing_);
@@ -50,21 +52,32 @@ void uPrizesList::UpdateDisplay()
         SelectedReference_ = 0;
         FindText_ = comboFind_->TakeText();
         // What is stored while the rows are read may be missing in them: the stamp of before says so at the next tick.
+        // Until they are read, whatever ends this leaves a list that the next tick puts right.
         const Date stampBefore = clsTolvaDatabase_->LastPrizeChanged();
+        LastPrizeStamp_.Forget();
         if (const auto rows = OpenQuery()) {
-            Fill(*rows, rowToRestore, referenceToRestore);
-            isRead = true;
-        } else if (self) {
+            Fill(*rows, rowToRestore, referenceToRestore, failures);
+            isRead = !failures.IsUnanswered();
+        } else if (!isAbandoned()) {
             ShowRows(rowToRestore);
         }
-        if (!self || !HasDatabase())
-            return;
-        LastPrizeStamp_ = stampBefore;
-        SelectRow(rowToRestore);
+        if (!isAbandoned()) {
+            if (isRead && failures.Rows() == 0)
+                LastPrizeStamp_.Take(stampBefore, target.Opening);
+            SelectRow(rowToRestore);
+        }
     }
     if (isAbandoned()) {
         // Another kind or station was chosen meanwhile, so nobody wants to hear of these rows.
-        UpdateDisplay();
+        // A host that chooses anew in each of its events waits for the next tick.
+        if (self && Restarts_ < MostRestarts) {
+            ++Restarts_;
+            const auto ended = qScopeGuard([self] {
+                if (self)
+                    --self->Restarts_;
+            });
+            UpdateDisplay();
+        }
         return;
     }
     TakeSelectionChange();
@@ -73,6 +86,8 @@ void uPrizesList::UpdateDisplay()
     SelectControlText(*comboFind_);
     if (isRead)
         Q_EMIT DisplayUpdated();
+    else if (failures.IsUnanswered())
+        Q_EMIT DisplayFailed(failures.Error().Number(), failures.Error().Description());
 }
 
 /// Null when the query cannot be opened.
@@ -88,7 +103,7 @@ std::unique_ptr<dao::Recordset> uPrizesList::OpenQuery()
     }
 }
 
-void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore)
+void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore, ReadFailures& failures)
 {
     const QPointer<uPrizesList> self(this);
     picLoading_->SetDetail(QString());
@@ -110,15 +125,16 @@ void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 reference
         grdPrizes_->SetRedraw(true);
         picLoading_->hide();
         ShowRows(rowToRestore);
+        ShowUnread(*lblUnread_, failures.Rows());
     });
-    FillRows(rows, filled, rowToRestore, referenceToRestore);
+    FillRows(rows, filled, rowToRestore, referenceToRestore, failures);
 }
 
-void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore)
+void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore,
+                           ReadFailures& failures)
 {
     const QPointer<uPrizesList> self(this);
-    const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
-    const enPrizeListCategory category = CurrentCategory_;
+    const ReadTarget target = Target();
     const int total = rows.RecordCount();
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (filled % RowsBetweenYields == 1) {
@@ -126,10 +142,16 @@ void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore,
                 QStringLiteral("%1 of %2").arg(QLocale().toString(filled), QLocale().toString(total)));
             Q_EMIT FillProgress(filled, total);
             UserInterface::Current().Yield();
-            if (!self || !HasDatabase() || clsTolvaDatabase_ != database || CurrentCategory_ != category)
+            if (!self || Target() != target)
                 return;
         }
         const cPrizePtr prize = clsTolvaDatabase_->GetPrize(rows.Collect(QStringLiteral("Reference")).toInt(), false);
+        if (!prize && clsTolvaDatabase_->LastErrorNumber() != 0) {
+            if (failures.Take({clsTolvaDatabase_->LastErrorNumber(), clsTolvaDatabase_->LastErrorDescription()}))
+                continue;
+            failures.TakeRest(total - filled - failures.Rows());
+            return;
+        }
         if (!prize)
             continue;
         ++filled;
@@ -163,14 +185,13 @@ bool uPrizesList::RefreshDisplay(qint32 prizeReference)
         const int row = RowOfReference_.value(prizeReference);
         if (row < 1 || row >= grdPrizes_->Rows())
             return false;
-        // Makes it the current row, which may be news for the host.
         DisplayPrize(row, clsTolvaDatabase_->GetPrize(prizeReference, false));
+        LastPrizeStamp_.Follow(clsTolvaDatabase_->ToldPrizeMove());
+        // Last, for it may be news for the host, and then the list may be another one or none.
+        grdPrizes_->SetRow(row);
     } else {
         RefreshAllRows();
     }
-    if (!clsTolvaDatabase_)
-        return true;
-    LastPrizeStamp_ = clsTolvaDatabase_->LastPrizeChanged();
     return true;
 }
 
@@ -200,6 +221,6 @@ void uPrizesList::Tick()
         clsTolvaDatabase_->OpenSnapshot(NoneOfTable);
         clsTolvaDatabase_->SetLastPrizeChanged(ClockHelper::CurrentTime());
     }
-    if (stamp.IsNone() || stamp != LastPrizeStamp_)
+    if (stamp.IsNone() || !LastPrizeStamp_.IsStill(stamp, clsTolvaDatabase_->Openings()))
         UpdateDisplay();
 }

@@ -31,8 +31,10 @@ void uPrizesList::TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips
         GridDragStart_ = twips;
     } else if (button == Qt::RightButton) {
         grdPrizes_->setFocus();
+        const QPointer<uPrizesList> self(this);
         SelectGridRowAt(*grdPrizes_, twips.y(), false);
-        Handle("grdPrizes_MouseDown", [this] { TakeSelectionChange(); });
+        if (self)
+            Handle("grdPrizes_MouseDown", [this] { TakeSelectionChange(); });
     }
 }
 
@@ -42,7 +44,10 @@ void uPrizesList::TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twi
         return;
     if (!DragRunner::IsDrag(*grdPrizes_, *GridDragStart_, twips))
         return;
+    const QPointer<uPrizesList> self(this);
     SelectGridRowAt(*grdPrizes_, GridDragStart_->y(), false);
+    if (!self)
+        return;
     grdPrizes_->EndMouseTracking();
     GridDragStart_.reset();
     if (GridDragging_ || SelectedReference_ <= 0)

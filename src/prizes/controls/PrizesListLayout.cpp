@@ -54,6 +54,7 @@ void uPrizesList::MakeControls()
               "picNoPrizes");
     picLoading_->hide();
     picNoPrizes_->hide();
+    lblUnread_ = ListPanes::MakeUnread(tbsPrizes_->Page());
     timerUpdateList_ = Named(new QTimer(this), "timerUpdateList");
     setTabOrder(comboFind_, cmdNewPrize_);
     setTabOrder(cmdNewPrize_, treeCategories_);
@@ -167,5 +168,5 @@ ListPanes uPrizesList::Panes()
 {
     return {this,         toolSearch_,    picFind_,        lblFindDesc_, comboFind_,
             cmdNewPrize_, tbsCategories_, treeCategories_, picPrizes_,   tbsPrizes_,
-            grdPrizes_,   picLoading_,    picNoPrizes_};
+            grdPrizes_,   picLoading_,    picNoPrizes_,    lblUnread_};
 }

@@ -54,7 +54,6 @@ void uPrizesList::DisplayPrize(int row, const cPrizePtr& prize)
 {
     if (row < 1 || row > grdPrizes_->Rows() - 1 || !prize)
         return;
-    grdPrizes_->SetRow(row);
     grdPrizes_->SetTextMatrix(row, colReference, QString::number(prize->Reference()));
     RowOfReference_.insert(prize->Reference(), row);
     QString text = prize->Title().trimmed();

@@ -6,6 +6,7 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/ListPanes.h"
 #include "platform/widgets/PropertyBag.h"
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/TabStrip.h"
@@ -59,9 +60,12 @@ void uPrizesList::SetTolvaDatabase(cTolvaDatabase* database)
     if (clsTolvaDatabase_)
         clsTolvaDatabase_->disconnect(this);
     clsTolvaDatabase_ = database;
+    ++Attachments_;
+    LastPrizeStamp_.Forget();
     if (!database) {
         SetCurrentUser(nullptr);
         grdPrizes_->SetRows(1);
+        ShowUnread(*lblUnread_, 0);
         RowOfReference_.clear();
         SelectedReference_ = 0;
         UpdateCategories();
@@ -122,14 +126,21 @@ bool uPrizesList::HasDatabase() const
     return clsTolvaDatabase_ && !clsTolvaDatabase_->Location().isEmpty();
 }
 
+ReadTarget uPrizesList::Target() const
+{
+    return {clsTolvaDatabase_, HasDatabase() ? clsTolvaDatabase_->Openings() : 0, Attachments_, CurrentCategory_};
+}
+
 void uPrizesList::TakePreferencesChange(int flags, const QString& name)
 {
     if ((flags & PreferencesFlag) == 0)
         return;
+    const QPointer<uPrizesList> self(this);
     Handle("PreferencesChanged", [&] {
         if (name.isEmpty()) {
             UpdateCategories();
-            UpdateDisplay();
+            if (self)
+                UpdateDisplay();
         } else if (name.toLower() == SortOrderPreference) {
             UpdateDisplay();
         }
@@ -144,9 +155,10 @@ void uPrizesList::ResetDisplay()
         comboFind_->setCurrentIndex(0);
     Refreshing_ = wasRefreshing;
     const bool wasAvailable = CurrentCategory_ == plcAvailable;
+    const QPointer<uPrizesList> self(this);
     SetCategory(plcAvailable);
     // Choosing the kind that is on show does nothing, and the find text may be another one now.
-    if (wasAvailable && comboFind_->FindText() != foundBefore)
+    if (self && wasAvailable && comboFind_->FindText() != foundBefore)
         UpdateDisplay();
 }
 
@@ -167,8 +179,10 @@ void uPrizesList::SetDoubleHeightRows(bool twoLines)
     grdPrizes_->setWordWrap(twoLines);
     SetGridRowHeights();
     SizeColumns();
+    const QPointer<uPrizesList> self(this);
     UpdateDisplay();
-    TellContainer(Key::DoubleHeightRows);
+    if (self)
+        TellContainer(Key::DoubleHeightRows);
 }
 
 void uPrizesList::SetDisplayNewPrize(bool shown)

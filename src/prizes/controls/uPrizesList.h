@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/cTolvaDatabase.h"
+#include "database/watch/ListReads.h"
 #include "platform/Export.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeListCategory.h"
@@ -35,7 +36,8 @@ struct ListPanes;
 /// What other computers change shows within AutoUpdateInterval. While a long fill runs the window answers: the tree and
 /// the tab wait, another UpdateDisplay is dropped, setting another Category begins the fill again.
 ///
-/// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Otherwise events meet their errors
+/// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Rows that could not be read are
+/// counted below the others and tried again at each tick. Otherwise events meet their errors
 /// by handing them to UserInterface::RunTimeError with the handler's name ("uPrizesList.…") as their source, and
 /// operations that a host calls throw them (dao::Error).
 class TOLVA_EXPORT uPrizesList : public QWidget
@@ -124,7 +126,8 @@ Q_SIGNALS:
     void FillProgress(int done, int total);
     /// The rows on show are those of the database, as of now.
     void DisplayUpdated();
-    /// The query could not be opened, for this reason; the rows on show are those of before.
+    /// The query could not be opened, for this reason, and the rows on show are those of before; or the file ceased to
+    /// answer in the middle of them.
     void DisplayFailed(int errorNumber, const QString& description);
 
 protected:
@@ -137,6 +140,7 @@ private:
     bool ShowCategoryOfUser();
     void SetCurrentUser(clsKVUser* user);
     bool HasDatabase() const;
+    ReadTarget Target() const;
     void TakePreferencesChange(int flags, const QString& name);
     template <typename Work>
     void Handle(const char* handler, Work&& work);
@@ -146,8 +150,9 @@ private:
 
     // The query and the filling; PrizesListFill.cpp.
     std::unique_ptr<dao::Recordset> OpenQuery();
-    void Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore);
-    void FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore);
+    void Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore, ReadFailures& failures);
+    void FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore,
+                  ReadFailures& failures);
     void ShowRows(int& rowToRestore);
     void RefreshAllRows();
     void Tick();
@@ -201,7 +206,9 @@ private:
     bool RowsFollow_ = false; ///< A fill of another kind comes at once, so that this one need not be read.
     bool GridDragging_ = false;
     std::optional<QPointF> GridDragStart_; ///< Twips.
-    Date LastPrizeStamp_;
+    int Attachments_ = 0;                  ///< How often TolvaDatabase was set.
+    int Restarts_ = 0;                     ///< Of a display whose host chose something else in it, one in the other.
+    ReadStamp LastPrizeStamp_;
     enPrizeListCategory CurrentCategory_ = static_cast<enPrizeListCategory>(0);
     qint32 SelectedReference_ = 0;
     bool DoubleHeightRows_ = true;
@@ -226,6 +233,7 @@ private:
     FlexGrid* grdPrizes_;
     OverlayPanel* picLoading_;
     OverlayPanel* picNoPrizes_;
+    QLabel* lblUnread_;
     QMenu* mnuPopupPrize_ = nullptr;
     QTimer* timerUpdateList_ = nullptr; ///< The last of the controls.
 };

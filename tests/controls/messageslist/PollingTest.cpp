@@ -116,17 +116,6 @@ TEST_F(MessagesListPollingTest, AStationWithoutAStampGetsTheLocalTimeAndIsReadAg
     EXPECT_EQ(TakeFills(), 0);
 }
 
-TEST_F(MessagesListPollingTest, RefreshingCopiesTheStampSoThatTheNextTickFillsNothing)
-{
-    const qint32 one = Save(QStringLiteral("One"));
-    Attach();
-    SaveElsewhere(QStringLiteral("Two"));
-    EXPECT_TRUE(List->RefreshDisplay(one));
-    Tick();
-    EXPECT_EQ(TakeFills(), 0);
-    EXPECT_EQ(List->NumberItems(), 1);
-}
-
 TEST_F(MessagesListPollingTest, TheIntervalIsLimited)
 {
     EXPECT_EQ(List->AutoUpdateInterval(), 10.0F);

@@ -5,9 +5,13 @@
 #include "prizes/PrizesListTest.h"
 
 #include <QAbstractItemModelTester>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
+
+#include <sqlite3.h>
 
 class PrizesListFillTest : public PrizesListTest
 {
@@ -335,15 +339,18 @@ TEST_F(PrizesListFillTest, RefreshingOneRowMakesItCurrentAndRefreshingAllKeepsTh
     EXPECT_FALSE(List->RefreshDisplay());
 }
 
-TEST_F(PrizesListFillTest, ARefreshTakesTheStampSoThatTheNextTickIsQuiet)
+TEST_F(PrizesListFillTest, ARefreshHidesNothingThatAnotherComputerStored)
 {
     const qint32 reference = Save(QStringLiteral("Mug"));
     Attach();
     Now.Advance(1);
-    Station->SetLastPrizeChanged(ClockHelper::NowUTC());
+    const auto prize = std::make_shared<cPrize>();
+    prize->SetTitle(QStringLiteral("Elsewhere"));
+    EXPECT_TRUE(OtherComputer().SavePrize(prize));
     EXPECT_TRUE(List->RefreshDisplay(reference));
+    EXPECT_TRUE(List->RefreshDisplay());
     Tick();
-    EXPECT_EQ(TakeFills(), 0);
+    EXPECT_EQ(List->NumberItems(), 2);
 }
 
 TEST_F(PrizesListFillTest, NoStationEmptiesTheList)
@@ -400,4 +407,59 @@ TEST_F(PrizesListFillTest, ScrollsToItsEnds)
     EXPECT_GT(Grid->TopRow(), 1);
     List->ScrollToTop();
     EXPECT_EQ(Grid->TopRow(), 1);
+}
+
+TEST_F(PrizesListFillTest, AStationReopenedOrReattachedInAYieldIsShownWhole)
+{
+    SaveMany(60);
+    Attach();
+    AtYield(2, [&] {
+        Station->CloseTolvaDatabase();
+        EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+    });
+    List->UpdateDisplay();
+    EXPECT_EQ(List->NumberItems(), 60);
+    AtYield(2, [&] {
+        List->SetTolvaDatabase(nullptr);
+        List->SetTolvaDatabase(Station.get());
+    });
+    List->UpdateDisplay();
+    EXPECT_EQ(List->NumberItems(), 60);
+    EXPECT_FALSE(Titles().contains(QString()));
+}
+
+TEST_F(PrizesListFillTest, AListThatLostItsRowsToAClosedStationIsFilledByTheTickAfterItsReopening)
+{
+    SaveMany(60);
+    Attach();
+    AtYield(2, [&] { Station->CloseTolvaDatabase(); });
+    List->UpdateDisplay();
+    ASSERT_EQ(List->NumberItems(), 0);
+    ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
+    Tick();
+    EXPECT_EQ(List->NumberItems(), 60);
+}
+
+TEST_F(PrizesListFillTest, RowsThatCouldNotBeReadAreToldAtOnceAndComeWithTheTickBehind)
+{
+    SaveMany(60);
+    Attach();
+    QList<int> failures;
+    QObject::connect(List.get(), &uPrizesList::DisplayFailed, List.get(), [&](int number) { failures.append(number); });
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(FileName().toUtf8().constData(), &other), SQLITE_OK);
+    AtYield(2, [&] { ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK); });
+    QElapsedTimer waited;
+    waited.start();
+    List->UpdateDisplay();
+    EXPECT_LT(waited.elapsed(), 20'000) << "it waited for each row";
+    EXPECT_EQ(List->NumberItems(), 26);
+    EXPECT_EQ(Child<QLabel>("lblUnread").text(), QStringLiteral("34 rows could not be read. Trying again."));
+    EXPECT_TRUE(Child<QLabel>("lblUnread").isVisible());
+    EXPECT_EQ(failures, QList<int>{dao::errLocked});
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    Tick();
+    EXPECT_EQ(List->NumberItems(), 60);
+    EXPECT_FALSE(Child<QLabel>("lblUnread").isVisible());
 }

@@ -1,0 +1,156 @@
+// Keeping the messages list in step with what other computers change: its rows and its folders.
+
+#include "common/ClockHelper.h"
+#include "database/cTolvaDatabase.h"
+#include "messageslist/CategoryTreeFill.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/records/Recordset.h"
+#include "platform/widgets/CategoryTreeView.h"
+#include "platform/widgets/FindBox.h"
+#include "platform/widgets/FlexGrid.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
+
+namespace
+{
+/// Beyond this a fill is quicker to answer: it gives the window time between the rows.
+constexpr std::size_t MostRowsDrawn = 500;
+constexpr qsizetype MessagesOfARead = 100;
+
+std::vector<ReadRow> ReadAll(dao::Recordset& rows, const QStringList& columns)
+{
+    const LightColumns light(rows, columns);
+    std::vector<ReadRow> read;
+    read.reserve(static_cast<std::size_t>(rows.RecordCount()));
+    for (; !rows.AtEOF(); rows.MoveNext())
+        read.push_back(light.Read());
+    return read;
+}
+
+QString ListOf(const QList<qint32>& references)
+{
+    QStringList numbers;
+    for (const qint32 reference : references)
+        numbers.append(QString::number(reference));
+    return numbers.join(QLatin1Char(','));
+}
+} // namespace
+
+void uMessagesList::Tick()
+{
+    // It would end the typing of a folder's name in the middle, and take half a find text. It comes with the tick
+    // behind.
+    if (!HasDatabase() || treeCategories_->IsEditingLabel() || comboFind_->IsBeingTyped())
+        return;
+    const QPointer<uMessagesList> self(this);
+    const Date stamp = clsTolvaDatabase_->LastMessageChanged();
+    if (stamp.IsNone()) {
+        // No stamp, or no answer: a station that cannot be reached must say so rather than be written to.
+        clsTolvaDatabase_->OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
+        clsTolvaDatabase_->SetLastMessageChanged(ClockHelper::CurrentTime());
+    }
+    if (stamp.IsNone() || !LastChangedStamp_.IsStill(stamp, clsTolvaDatabase_->Openings()))
+        Display(Reading::ChangedRows);
+    if (self && HasDatabase())
+        TakeFolderChanges();
+}
+
+/// Folders have no stamp: they are few, and are compared with those in the tree.
+void uMessagesList::TakeFolderChanges()
+{
+    // What is dragged or has its menu open stays where it is.
+    if (DisplayBusy_ || !treeCategories_->DropHighlight().isEmpty())
+        return;
+    clsTolvaDatabase_->RefreshCategoryTree();
+    if (FolderSignature(clsTolvaDatabase_->MessageCategories()) == ShownFolders_)
+        return;
+    const QPointer<uMessagesList> self(this);
+    UpdateCategories();
+    // The folder on show is gone: it held nothing any more.
+    if (self && HasDatabase() && CurrentCategory_ > 0 && treeCategories_->SelectedKey().isEmpty())
+        SetCategory(tmcInbox);
+}
+
+/// Draws the rows that differ from what is stored, and leaves the others and the user's place as they are. False, with
+/// nothing done, when all rows are to be read: for another query or station, and for so many changes.
+bool uMessagesList::DrawChanges(const Query& query, RowsRead& read)
+{
+    if (query != ShownQuery_ || ShownOpening_ != clsTolvaDatabase_->Openings() ||
+        static_cast<int>(ShownRows_.size()) != NumberItems())
+        return false;
+    const auto rows = clsTolvaDatabase_->OpenSnapshot(
+        QStringLiteral("SELECT [%1] FROM [Messages] ").arg(ComparedColumns().join(QStringLiteral("], ["))) +
+        ClausesOf(query));
+    std::vector<ReadRow> now = ReadAll(*rows, ComparedColumns());
+    RowChanges changes = CompareRows(ShownRows_, now);
+    if (changes.Differing.size() > MostRowsDrawn)
+        return false;
+    QList<qint32> differing;
+    for (const int place : changes.Differing)
+        differing.append(now[static_cast<std::size_t>(place)].Reference);
+    const QHash<qint32, cMessagePtr> messages = ReadMessages(differing, read);
+    for (const int place : changes.Differing) {
+        ReadRow& row = now[static_cast<std::size_t>(place)];
+        if (!messages.contains(row.Reference))
+            row.Signature = 0;
+    }
+    // What could not be read keeps its row where it has one, and gets none where it has none; it is tried again.
+    const auto isRowless = [this](const ReadRow& row) {
+        return row.Signature == 0 && !RowOfReference_.contains(row.Reference);
+    };
+    if (std::erase_if(now, isRowless) > 0)
+        changes = CompareRows(ShownRows_, now);
+
+    grdMessages_->SetRedraw(false);
+    const auto redraw = qScopeGuard([this] { grdMessages_->SetRedraw(true); });
+    ShownRows_ = std::move(now);
+    if (changes.AreArranged)
+        Arrange(changes.Sources, read);
+    for (const int place : changes.Differing)
+        DrawMessageRow(place + 1, messages.value(ShownRows_[static_cast<std::size_t>(place)].Reference));
+    ShowRowsOrNone(read);
+    const qint32 selected = read.RowToRestore < 1 ? 0 : ReferenceOfRow(read.RowToRestore);
+    read.IsSelectionDrawn = selected != CurrentSelectedReference_ || messages.contains(selected);
+    return true;
+}
+
+/// By their references; those that are gone or cannot be read are left out.
+QHash<qint32, cMessagePtr> uMessagesList::ReadMessages(const QList<qint32>& references, RowsRead& read)
+{
+    QHash<qint32, cMessagePtr> messages;
+    for (qsizetype first = 0; first < references.size(); first += MessagesOfARead) {
+        const auto rows =
+            clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] WHERE [Reference] IN (%1)")
+                                                .arg(ListOf(references.mid(first, MessagesOfARead))));
+        for (; !rows->AtEOF(); rows->MoveNext()) {
+            try {
+                if (const cMessagePtr message = clsTolvaDatabase_->GetMessage(*rows))
+                    messages.insert(message->Reference(), message);
+            } catch (const dao::Error& error) {
+                if (read.Failures.Take(error))
+                    continue;
+                const auto tried = static_cast<int>(messages.size()) + read.Failures.Rows();
+                read.Failures.TakeRest(std::max(0, static_cast<int>(references.size()) - tried));
+                return messages;
+            }
+        }
+    }
+    return messages;
+}
+
+/// Puts the rows into the order of ShownRows_. The user keeps his place: at the first row he sees what is new above it,
+/// elsewhere the messages stay under his eyes.
+void uMessagesList::Arrange(const std::vector<int>& sources, RowsRead& read)
+{
+    const int topRow = grdMessages_->TopRow();
+    const qint32 atTop = ReferenceOfRow(topRow);
+    grdMessages_->ArrangeRows(sources);
+    RowOfReference_.clear();
+    for (std::size_t i = 0; i < ShownRows_.size(); ++i)
+        RowOfReference_.insert(ShownRows_[i].Reference, static_cast<int>(i) + 1);
+    read.RowToRestore = RowOfReference_.value(read.ReferenceToRestore, read.RowToRestore);
+    if (topRow > 1 && RowOfReference_.value(atTop, topRow) != topRow)
+        grdMessages_->SetTopRow(RowOfReference_.value(atTop));
+}
