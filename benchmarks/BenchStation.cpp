@@ -42,7 +42,45 @@ const char Paragraph[] =
     "Hello Harbour FM, it is raining on the allotment again and the radio is the only thing in the shed that "
     "works. Could you play the one about the lighthouse for my neighbour, who has lent me a ladder?\r\n";
 
-void AddRow(dao::Recordset& rows, int number)
+/// A mail and what the row says of it.
+struct Sample
+{
+    QString Subject;
+    QByteArray Mail;
+};
+
+Sample PlainSample(int number)
+{
+    return {QStringLiteral("Request number %1 from the allotment").arg(number), SampleMail(number)};
+}
+
+Sample MixedSample(int number)
+{
+    static const QStringList words = {QStringLiteral("lighthouse"),
+                                      QStringLiteral("\u041F\u0440\u0438\u0432\u0435\u0442"),
+                                      QStringLiteral("Gr\u00FC\u00DFe"),
+                                      QStringLiteral("\u0645\u0631\u062D\u0628\u0627"),
+                                      QStringLiteral("\u6E2F\u306E\u6B4C"),
+                                      QStringLiteral("allotment"),
+                                      QStringLiteral("\u03BA\u03CD\u03BC\u03B1"),
+                                      QStringLiteral("\u05E9\u05DC\u05D5\u05DD"),
+                                      QStringLiteral("radio"),
+                                      QStringLiteral("\U0001F3B5")};
+    constexpr int MostWords = 40;
+    QString subject = QString::number(number);
+    for (int i = 0; i < (number * 7) % MostWords; ++i)
+        subject += QLatin1Char(' ') + words.at((number + i * i) % words.size());
+    QByteArray mail = SampleMail(number);
+    const qsizetype start = mail.indexOf("Subject: ");
+    mail.replace(start, mail.indexOf("\r\n", start) - start,
+                 "Subject: =?utf-8?b?" + subject.toUtf8().toBase64() + "?=");
+    constexpr qsizetype Size = 5000;
+    while (mail.size() < Size)
+        mail += Paragraph;
+    return {subject, mail};
+}
+
+void AddRow(dao::Recordset& rows, int number, const Sample& sample)
 {
     rows.AddNew();
     const auto set = [&rows](const char16_t* name, const QVariant& value) {
@@ -59,8 +97,8 @@ void AddRow(dao::Recordset& rows, int number)
     set(u"Priority", 0);
     set(u"PersonalToContact", 0);
     set(u"Flags", number % 2);
-    set(u"Subject", QStringLiteral("Request number %1 from the allotment").arg(number));
-    rows[QStringLiteral("Message")].SetOctets(SampleMail(number));
+    set(u"Subject", sample.Subject.left(250));
+    rows[QStringLiteral("Message")].SetOctets(sample.Mail);
     set(u"MultiPartMessage", 0);
     set(u"SourceIndex", 0);
     rows.Update();
@@ -100,7 +138,9 @@ QByteArray SampleMail(int number)
     return mail;
 }
 
-void MakeStation(const QString& folder, int messages)
+namespace
+{
+void MakeStationOf(const QString& folder, int messages, Sample (*sample)(int))
 {
     static BenchUserInterface userInterface;
     UserInterface::SetCurrent(&userInterface);
@@ -112,9 +152,20 @@ void MakeStation(const QString& folder, int messages)
         dao::DBEngine::BeginTrans();
         const auto rows = database->OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
         for (int number = first; number < std::min(first + RowsATransaction, messages); ++number)
-            AddRow(*rows, number);
+            AddRow(*rows, number, sample(number));
         dao::DBEngine::CommitTrans();
     }
+}
+} // namespace
+
+void MakeStation(const QString& folder, int messages)
+{
+    MakeStationOf(folder, messages, PlainSample);
+}
+
+void MakeMixedStation(const QString& folder, int messages)
+{
+    MakeStationOf(folder, messages, MixedSample);
 }
 
 std::unique_ptr<cTolvaDatabase> OpenStation(const QString& folder)

@@ -12,6 +12,8 @@ QString SampleSender(int number);
 /// A station of that many messages in the folder, which is made. The rows are stored in a few transactions, which is
 /// not what is measured.
 void MakeStation(const QString& folder, int messages);
+/// The same of mails as they come: about 5 KB each, with subjects from one word to three lines, in several scripts.
+void MakeMixedStation(const QString& folder, int messages);
 
 /// The station opened, or the run ends.
 std::unique_ptr<cTolvaDatabase> OpenStation(const QString& folder);

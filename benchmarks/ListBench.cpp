@@ -15,6 +15,7 @@ namespace
 constexpr int Small = 1000;
 constexpr int Refreshes = 200;
 constexpr int Ticks = 500;
+constexpr int Mixed = 20000;
 
 /// A list on show, which holds all messages of its station.
 class ShownList
@@ -67,12 +68,13 @@ void SelectAndParse(BareDatabase& bare, sqlite3_stmt* all, int rows)
 constexpr char AllRows[] = "SELECT Reference, Sent, Flags, Priority, PersonalToContact, Message FROM Messages "
                            "ORDER BY Sent DESC, Reference";
 
-void BenchFill(const QString& station, int rows, ShownList& shown)
+void BenchFill(const QString& station, int rows, const std::string& what, ShownList& shown)
 {
     BareDatabase bare(station + QStringLiteral("/Tolva.mdb"));
     sqlite3_stmt* all = bare.Prepare(AllRows);
     Compare(
-        {"UpdateDisplay of " + std::to_string(rows), "a bare select of the rows, and GMime header parses", 2.0, 3, 1},
+        {"UpdateDisplay of " + std::to_string(rows) + what, "a bare select of the rows, and GMime header parses", 2.0,
+         3, 1},
         [&] { SelectAndParse(bare, all, rows); }, [&] { shown.Fill(rows); });
 }
 
@@ -85,6 +87,37 @@ void ReportMemory(const QString& station, int rows)
     const double filled = used();
     shown.List().SetTolvaDatabase(nullptr);
     Report("memory of a row", "1 KB", 1024, (filled - used()) / rows, 1.0, "B");
+}
+
+/// One row of the folder changed on another computer.
+void BenchChange(const QString& folder, int rows, ShownList& shown)
+{
+    BareDatabase bare(folder + QStringLiteral("/Tolva.mdb"));
+    sqlite3_stmt* light = bare.Prepare("SELECT Reference, Flags, Category, Sent, Received, Priority, Subject, FromKey, "
+                                       "PersonalToContact, HasHighlightWords, MessageType FROM Messages "
+                                       "ORDER BY Sent DESC, Reference");
+    const auto other = OpenStation(folder);
+    const auto change = [&] {
+        const cMessagePtr message = other->GetMessage(rows / 2);
+        message->SetFlags(message->Flags() ^ mfRead);
+        Require(other->SaveMessage(message), "the other computer cannot save");
+    };
+    Compare(
+        {"a tick after one row of " + std::to_string(rows), "a bare select of the light columns", 2.0, 5, 1},
+        [&] {
+            int count = 0;
+            while (sqlite3_step(light) == SQLITE_ROW) {
+                for (int column = 0; column < sqlite3_column_count(light); ++column)
+                    sqlite3_column_text(light, column);
+                ++count;
+            }
+            sqlite3_reset(light);
+            Require(count == rows, "rows are missing");
+        },
+        [&] {
+            change();
+            shown.Tick();
+        });
 }
 
 void BenchTick(const QString& station, ShownList& shown)
@@ -113,8 +146,16 @@ void BenchListing(const QString& folder, const QString& largeStation, int large)
     ReportMemory(largeStation, large);
     ShownList shown(largeStation);
     shown.Tick(); // gives the station its stamp
-    BenchFill(folder, Small, small);
-    BenchFill(largeStation, large, shown);
+    BenchFill(folder, Small, std::string(), small);
+    BenchFill(largeStation, large, std::string(), shown);
+    {
+        const QString mixedStation = folder + QStringLiteral("-mixed");
+        MakeMixedStation(mixedStation, Mixed);
+        ShownList mixed(mixedStation);
+        mixed.Tick();
+        BenchFill(mixedStation, Mixed, " as they come", mixed);
+    }
+    BenchChange(largeStation, large, shown);
     const int times = large / Small;
     Compare(
         {"UpdateDisplay, rows times " + std::to_string(times),

@@ -18,4 +18,7 @@ set_target_properties(Tolva::PhoneNumber PROPERTIES
 if(TOLVA_TESTS)
     find_package(GTest REQUIRED)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+    # It tells every source the folders of this checkout, for a look-up of data that no test makes; the compiler's cache could not serve
+    # another checkout then.
+    set_target_properties(Qt6::Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
 endif()
