@@ -261,7 +261,8 @@ public:
     void SetLastPrizeChanged(Date changeDate);
     /// As ToldMessageMove, for PrizeSaved.
     const StampMove& ToldPrizeMove() const { return ToldPrizeMove_; }
-    /// Null when there is no such prize, for reference 0 and on a closed object. getWinners: fills its slots too.
+    /// Null when there is no such prize, for reference 0 and on a closed object, and when it cannot be read
+    /// (LastErrorNumber). getWinners: fills its slots too.
     cPrizePtr GetPrize(qint32 prizeReference, bool getWinners);
     /// The prize, without its winners, of the current row of a snapshot of all columns; null when it was deleted since
     /// the snapshot. For lists: one statement serves all rows. dao::Error for what cannot be read.

@@ -127,7 +127,7 @@ TEST_F(ReentryTest, AListDestroyedInAnyOfItsEventsEndsCleanly)
               [&](uMessagesList& list) { QTest::keyClick(grid(list), Qt::Key_F5); });
     destroyIn("click", &uMessagesList::MessageSelected, [&](uMessagesList& list) {
         const QRect row = grid(list)->visualRect(grid(list)->model()->index(1, 2));
-        QTest::mouseClick(grid(list)->viewport(), Qt::LeftButton, {}, row.center());
+        QTest::mousePress(grid(list)->viewport(), Qt::LeftButton, {}, row.center());
     });
     destroyIn("Enter", &uMessagesList::OpenMessage,
               [&](uMessagesList& list) { QTest::keyClick(grid(list), Qt::Key_Return); });
