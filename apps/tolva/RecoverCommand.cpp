@@ -1,15 +1,14 @@
 // tolva recover: one damaged message back from a backup.
 
-#include "ChangeAnnouncement.h"
 #include "Commands.h"
 #include "MessageRecovery.h"
 #include "Station.h"
 #include "StationPlace.h"
 #include "Terminal.h"
+#include "common/ClockHelper.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/records/DBEngine.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace
@@ -63,12 +62,12 @@ int Run(const Arguments& arguments)
     }
     RequireSoundStructure(station);
     station.Try([&] { MessageRecovery::PutBack(station.Folder(), reference, *source); });
-    AnnounceChange(station.Database());
+    station.Database().SetLastMessageChanged(ClockHelper::NowUTC());
     if (arguments.Has(JsonOption)) {
         const QJsonObject result{{QStringLiteral("reference"), reference},
                                  {QStringLiteral("from"), source->Backup.Name},
                                  {QStringLiteral("created"), source->Backup.Created}};
-        Terminal::PrintOctets(QJsonDocument(result).toJson(QJsonDocument::Compact) + '\n');
+        Terminal::PrintJson(result);
     } else {
         Terminal::PrintLine(
             QStringLiteral("Message %1 is back from the backup \"%2\".").arg(reference).arg(source->Backup.Name));
