@@ -217,7 +217,7 @@ TEST_P(KilledExchange, AtAnyMomentLeavesTheStationWholeOldOrNew)
 }
 
 INSTANTIATE_TEST_SUITE_P(, KilledExchange, testing::Values("compact", "backup", "restore"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& given) { return std::string(given.param); });
 
 TEST_F(ExchangeTest, AFullDiskAtAnyStepLeavesTheStationAsItWasAndIsSaid)
 {
