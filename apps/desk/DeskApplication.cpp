@@ -3,8 +3,7 @@
 #include "Failure.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
-
-#include <QScopedValueRollback>
+#include "platform/records/Error.h"
 
 bool DeskApplication::notify(QObject* receiver, QEvent* event)
 {
@@ -23,10 +22,14 @@ void DeskApplication::Tell(const QString& receiver)
 {
     const Failure failure = UnexpectedFailure();
     WriteDebugLog(QStringLiteral("%1: %2").arg(receiver, failure.Words()));
-    // What fails while an error is shown cannot be shown.
-    if (IsTelling_)
+    if (Words_.contains(failure.Words()))
         return;
-    const QScopedValueRollback<bool> telling(IsTelling_, true);
-    UserInterface::Current().RunTimeError(
-        dao::Error(failure.Code(), failure.Words(), QStringLiteral("tolva-desk.") + receiver));
+    Words_.append(failure.Words());
+    if (Words_.size() > 1)
+        return; // a box is up, and shows it next
+    while (!Words_.isEmpty()) {
+        UserInterface::Current().RunTimeError(
+            dao::Error(failure.Code(), Words_.first(), QStringLiteral("tolva-desk.") + receiver));
+        Words_.removeFirst();
+    }
 }
