@@ -5,8 +5,8 @@
 
 class DeskStation;
 
-/// The rules of awards (Awarding) in the desk's words, without any window. Everything may raise dao::Error as the station's file
-/// does.
+/// The rules of awards (Awarding) in the desk's words, without any window. Everything may raise dao::Error as the
+/// station's file does.
 namespace PrizeAwards
 {
 /// Station settings: after a win a contact waits so many days before the award is made without a question (0: nobody
