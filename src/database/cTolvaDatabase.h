@@ -198,7 +198,8 @@ public:
     /// the user log, in one transaction of the directory, and then the events. Before each message but the first goesOn
     /// is asked; the messages from the first refusal on are left alone and have no answer. A message whose own values
     /// cannot be stored takes no other with it. dao::Error for all else, such as 3260: then nothing is stored, and the
-    /// messages have the numbers that they came with; the marks of highlight words stay in their mails.
+    /// messages have the numbers that they came with; the marks of highlight words stay in their mails. Messages that
+    /// keep new numbers may be stored: the disk failed in the last step of the commit.
     std::vector<MessageSaving> SaveMessages(const std::vector<cMessagePtr>& messages,
                                             const std::function<bool()>& goesOn);
     /// The mail's octets as saving the message would store them now: with the marks of the highlight words.

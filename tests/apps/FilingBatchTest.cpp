@@ -30,10 +30,11 @@ protected:
         return Path(QStringLiteral("Maildir"));
     }
     /// How often each mail is in the station, by its subject.
-    QMap<QString, int> Counts() const
+    QMap<QString, int> Counts() const { return CountsIn(Messages()); }
+    static QMap<QString, int> CountsIn(const QList<QJsonObject>& messages)
     {
         QMap<QString, int> counts;
-        for (const QJsonObject& message : Messages())
+        for (const QJsonObject& message : messages)
             ++counts[message.value(QStringLiteral("subject")).toString()];
         return counts;
     }
@@ -71,10 +72,10 @@ protected:
         calls = QFile::exists(log) ? Read(log).trimmed().toInt() : number;
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
-    void ExpectStored(const QList<int>& references) const
+    static void ExpectStored(const QList<int>& references, const QList<QJsonObject>& messages)
     {
         QSet<int> stored;
-        for (const QJsonObject& message : Messages())
+        for (const QJsonObject& message : messages)
             stored.insert(message.value(QStringLiteral("reference")).toInt());
         for (const int reference : references)
             ASSERT_TRUE(stored.contains(reference)) << reference;
@@ -122,8 +123,9 @@ TEST_F(FilingBatchTest, KilledAtAnyMomentItKeepsWhatItToldAndARepeatedRunFilesNo
             ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGKILL), 0);
             ASSERT_TRUE(process.waitForFinished());
         }
-        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(process.readAllStandardOutput())));
-        const QMap<QString, int> counts = Counts();
+        const QList<QJsonObject> messages = Messages();
+        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(process.readAllStandardOutput()), messages));
+        const QMap<QString, int> counts = CountsIn(messages);
         ASSERT_TRUE(EachIsOnce(counts));
         killed += isOver ? 0 : 1;
         if (isOver) {
@@ -156,7 +158,7 @@ TEST_F(FilingBatchTest, KilledAtAnyWriteItKeepsWhatItToldAndARepeatedRunFilesNot
             break;
         }
         ++kills;
-        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(output)));
+        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(output), Messages()));
         ASSERT_EQ(Run(words).Code, 0);
         ASSERT_EQ(Counts().size(), 20);
         ASSERT_TRUE(EachIsOnce(Counts()));
@@ -176,8 +178,9 @@ TEST_F(FilingBatchTest, OnAFullDiskItTellsOnlyWhatIsStoredAndNamesTheFirstThatIs
         int calls = 0;
         const int code = RunFaulty(words, "FAIL_FROM", number, output, calls);
         const QList<int> acknowledged = Acknowledged(output);
-        ASSERT_NO_FATAL_FAILURE(ExpectStored(acknowledged));
-        ASSERT_EQ(Counts().size(), acknowledged.size()) << output.constData();
+        const QList<QJsonObject> messages = Messages();
+        ASSERT_NO_FATAL_FAILURE(ExpectStored(acknowledged, messages));
+        ASSERT_EQ(messages.size(), acknowledged.size()) << output.constData();
         ASSERT_EQ(OnStation("check").Code, 0);
         if (acknowledged.size() == 20)
             break;
@@ -198,8 +201,9 @@ TEST_F(FilingBatchTest, AfterOneFailureOfTheDiskTheBatchIsFiledMailByMail)
         QByteArray output;
         int calls = 0;
         const int code = RunFaulty(words, "FAIL_AT", number, output, calls);
-        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(output)));
-        ASSERT_TRUE(EachIsOnce(Counts()));
+        const QList<QJsonObject> messages = Messages();
+        ASSERT_NO_FATAL_FAILURE(ExpectStored(Acknowledged(output), messages));
+        ASSERT_TRUE(EachIsOnce(CountsIn(messages)));
         ASSERT_TRUE(code != 0 || Acknowledged(output).size() == 5);
         wasFiledAfterFailure = wasFiledAfterFailure || (code == 0 && calls >= number);
         if (calls < number)
