@@ -1,6 +1,7 @@
 #include "platform/records/engines/sqlite/MemoChecks.h"
 
 #include "platform/records/engines/sqlite/FileCheck.h"
+#include "platform/records/engines/sqlite/FileCopy.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
@@ -32,19 +33,22 @@ void BackfillChecks(const QString& file)
     connection.Execute("COMMIT");
 }
 
-void FinishCompaction(const QString& copy, const FileReport& source)
+void RepairIndexes(const QString& file, const QString& copy)
 {
-    if (source.Verdict == FileReport::State::Repairable) {
-        // The indexes come over as they are.
-        Connection connection(copy, Connection::Mode::ReadWrite);
-        try {
-            connection.Execute("REINDEX");
-        } catch (const Error& error) {
-            if (error.Number() == errDuplicateValue)
-                throw Error(errFileDamaged, QStringLiteral("The database is damaged: a unique value is there twice."));
+    CopyFile(file, copy, {});
+    Connection connection(copy, Connection::Mode::ReadWrite);
+    try {
+        connection.Execute("REINDEX");
+    } catch (const Error& error) {
+        if (error.Number() != errDuplicateValue)
             throw;
-        }
+        throw Error(errFileDamaged,
+                    QStringLiteral("The database '%1' is damaged: a unique value is there twice.").arg(file));
     }
+}
+
+void FinishCompaction(const QString& copy)
+{
     BackfillChecks(copy);
     const FileReport report = ExamineFile(copy, {});
     if (report.Verdict != FileReport::State::Sound)

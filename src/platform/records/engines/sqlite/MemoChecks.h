@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/records/FileReport.h"
 #include "platform/records/engines/sqlite/SqliteConnection.h"
 
 namespace dao::sqlite
@@ -10,8 +9,12 @@ namespace dao::sqlite
 /// that nobody else has open: what its memos hold now is what they count as from then on.
 void BackfillChecks(const QString& file);
 
-/// What a compacted copy needs before it takes its source's place: sound indexes where those of the source were not,
-/// and checks. source: what the examination of the source found. 3049 unless the copy is sound to its last page then.
-void FinishCompaction(const QString& copy, const FileReport& source);
+/// Writes a copy of a file whose indexes do not match its tables, with all of them built anew: a compaction takes
+/// indexes over as they are. 3049 when a table holds a value twice that must be there once.
+void RepairIndexes(const QString& file, const QString& copy);
+
+/// What a compacted copy needs before it takes its source's place: checks. 3049 unless it is sound to its last page
+/// then.
+void FinishCompaction(const QString& copy);
 
 } // namespace dao::sqlite

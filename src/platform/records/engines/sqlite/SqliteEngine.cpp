@@ -95,10 +95,14 @@ void SqliteEngine::Create(const QString& fileName)
 void SqliteEngine::Compact(const QString& source, const QString& target)
 {
     TemporaryFile file(target);
+    const TemporaryFile repaired(target);
     const FileReport report = ExamineFile(source, {});
     RequireNotDamaged(source, report);
+    const QString sound = report.Verdict == FileReport::State::Repairable ? repaired.Name() : source;
+    if (sound != source)
+        RepairIndexes(source, sound);
     try {
-        Connection connection(source, Connection::Mode::ReadWrite);
+        Connection connection(sound, Connection::Mode::ReadWrite);
         const Statement statement(connection, "VACUUM INTO ?");
         const QByteArray name = file.Name().toUtf8();
         StatementUse use(statement);
@@ -110,7 +114,7 @@ void SqliteEngine::Compact(const QString& source, const QString& target)
             throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged.").arg(source));
         throw;
     }
-    FinishCompaction(file.Name(), report);
+    FinishCompaction(file.Name());
     file.MoveTo(target);
 }
 
