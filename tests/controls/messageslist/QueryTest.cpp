@@ -1,5 +1,6 @@
 // The query text, letter for letter, and what it finds.
 
+#include "messageslist/ErrorCatcher.h"
 #include "messageslist/FilledListTest.h"
 #include "platform/widgets/Icons.h"
 
@@ -141,15 +142,10 @@ TEST_F(MessagesListQueryTest, ChoosingAFolderThrowsNothingAtItsHost)
     Save(QStringLiteral("One"));
     Attach();
     Box->SetText(QStringLiteral("a\"b"));
-    QString words;
-    try {
-        List->UpdateDisplay();
-    } catch (const dao::Error& error) {
-        words = error.Description();
-    }
-    Ui.ExpectRunTimeError(3075, words);
+    const ErrorCatcher errors;
     EXPECT_NO_THROW(List->SetCategory(tmcSaved));
-    ASSERT_EQ(Ui.RunTimeErrors().size(), 1);
+    EXPECT_EQ(errors.Numbers(), QList<int>{3075});
+    EXPECT_EQ(errors.Sources(), QStringList{QStringLiteral("uMessagesList.Category")});
     for (const int category : {32767, 40000, -1})
         EXPECT_NO_THROW(List->SetCategory(static_cast<enTolvaMessageCategories>(category)));
 }
