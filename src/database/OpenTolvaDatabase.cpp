@@ -65,8 +65,8 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QSt
 
     WriteDebugLog(QStringLiteral("Reading Database Information"));
     if (const int code = DAO_DatabaseFunctions::GetDatabaseInformation(fileName, Information_, true, QString())) {
-        // A backup that was put back in this moment is no damage.
-        if (!connect.isEmpty() || code == dao::errFileReplaced)
+        // A backup that was put back in this moment is no damage, nor is a lock that somebody else holds.
+        if (!connect.isEmpty() || code == dao::errFileReplaced || code == dao::errLocked)
             return code;
         if (const qint32 result = OfferBackupOfCorruptedDatabase(fileName, connect, code))
             return result;
