@@ -3,9 +3,9 @@
 #include "database/watch/ChangeStamp.h"
 
 #include "common/ClockHelper.h"
+#include "core/support/StationTest.h"
 #include "database/watch/RowChanges.h"
 #include "platform/records/DBEngine.h"
-#include "support/StationTest.h"
 
 #include <QSet>
 
