@@ -113,6 +113,11 @@ void Store(Station& station, const KnownSetting& setting, const QString& typed)
     const QStringList problems = station.Terminal().TakeProblems();
     if (!problems.isEmpty())
         throw station.FailureOfStation(ErrorNumberIn(problems.last()), problems.join(u' '));
+    // A station that this account may only read takes no setting and says nothing of it.
+    if (SettingText(station.Database().DatabaseSetting(setting.Key, setting.Default)) != value) {
+        throw station.FailureOfStation(dao::errCannotOpen,
+                                       QStringLiteral("The setting %1 could not be stored.").arg(setting.Key));
+    }
 }
 
 QString ValueInForce(Station& station, const KnownSetting& setting)

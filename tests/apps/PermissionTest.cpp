@@ -90,3 +90,13 @@ TEST_F(PermissionTest, AFileThatMayNotBeWrittenIsNotReplacedThoughItsFolderMay)
     EXPECT_TRUE(outcome.Problems.contains("this account may not write there")) << outcome.Problems.constData();
     EXPECT_EQ(Read(file), "precious");
 }
+
+TEST_F(PermissionTest, ASettingThatCannotBeStoredIsNoSuccess)
+{
+    OpenToEverybody();
+    Close(File());
+    const Outcome outcome = Nobody("setting", {QStringLiteral("Station.Name"), QStringLiteral("Elsewhere FM")});
+    EXPECT_EQ(outcome.Code, 77) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Problems.contains("this account may not write " + File().toUtf8()))
+        << outcome.Problems.constData();
+}
