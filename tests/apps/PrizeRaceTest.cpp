@@ -174,7 +174,6 @@ TEST_F(PrizeRaceTest, TheLastUnitIsAwardedOnceAndTheOtherIsToldSo)
         const Outcome& first = isSlowFirst ? slow : quick;
         const Outcome& second = isSlowFirst ? quick : slow;
         EXPECT_EQ(first.Code, 0) << first.Problems.constData();
-        EXPECT_EQ(first.Problems, "");
         EXPECT_TRUE(first.Output.contains("\"Mug\", 0 of 1 left")) << first.Output.constData();
         EXPECT_EQ(second.Code, 73) << second.Problems.constData();
         EXPECT_EQ(second.Output, "");

@@ -127,6 +127,8 @@ TEST_F(RecoverTest, WithoutASoundBackupOrDamageNothingIsChanged)
 
 TEST_F(RecoverTest, TheNewestBackupThatHasTheMessageSoundIsTakenUnlessOneIsNamed)
 {
+    // None of them expires.
+    Expect("setting", {QStringLiteral("Backups.ExpiryDays"), QStringLiteral("0")});
     const QString oldest = BackUpAs(QStringLiteral("2020-01-01 10.00"), QStringLiteral("01/01/2020 10:00:00"));
     const QString middle = BackUpAs(QStringLiteral("2020-01-02 10.00"), QStringLiteral("02/01/2020 10:00:00"));
     const QString newest = BackUpAs(QStringLiteral("2020-01-03 10.00"), QStringLiteral("03/01/2020 10:00:00"));
