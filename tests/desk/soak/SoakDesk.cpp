@@ -22,6 +22,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <unistd.h>
@@ -31,7 +32,7 @@ namespace
 constexpr int WorkMilliseconds = 30;
 constexpr float PollSeconds = 1;
 
-/// The texts of a grid, row by row.
+/// The texts of a grid, row by row, without rows that are about to be filled.
 QJsonArray TextsOf(const QWidget& control, const char* name)
 {
     QJsonArray rows;
@@ -40,7 +41,8 @@ QJsonArray TextsOf(const QWidget& control, const char* name)
         QJsonArray cells;
         for (int column = 0; column < grid->Cols(); ++column)
             cells.append(grid->TextMatrix(row, column));
-        rows.append(cells);
+        if (!std::all_of(cells.begin(), cells.end(), [](const QJsonValue& cell) { return cell.toString().isEmpty(); }))
+            rows.append(cells);
     }
     return rows;
 }
@@ -148,7 +150,7 @@ void Obey(const QByteArray& word, MainWindow& window, Worker& worker)
     else if (word == "rest")
         Answer(QJsonDocument(worker.Rest()));
     else if (word == "rows")
-        Answer(QJsonDocument(TextsOf(window.List(), "grdMessages")));
+        Answer(QJsonDocument(window.List().IsFilling() ? QJsonArray() : TextsOf(window.List(), "grdMessages")));
     else if (word == "prizes")
         Answer(QJsonDocument(TextsOf(window, "grdPrizes")));
     else
