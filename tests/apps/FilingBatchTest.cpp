@@ -106,7 +106,7 @@ protected:
 TEST_F(FilingBatchTest, KilledAtAnyMomentItKeepsWhatItToldAndARepeatedRunFilesNothingTwice)
 {
     constexpr int Count = 1300;
-    const int rounds = qEnvironmentVariable("TOLVA_TEST_ROUNDS", QStringLiteral("30")).toInt();
+    const int rounds = qEnvironmentVariable("TOLVA_KILL_ROUNDS", QStringLiteral("30")).toInt();
     const quint32 seed = QRandomGenerator::global()->generate();
     SCOPED_TRACE(seed);
     QRandomGenerator random(seed);

@@ -285,10 +285,10 @@ TEST_F(PrizeRaceTest, APrizeWhoseDeletionIsKilledIsThereWithItsWinnerOrBothAreGo
     EXPECT_EQ(unsound, 0);
 }
 
-/// TOLVA_KILLS sets the number of rounds: a few here, hundreds in the nightly run.
+/// TOLVA_KILL_ROUNDS sets the number of rounds: a few here, hundreds in the nightly run.
 TEST_F(PrizeRaceTest, AwardsThatAreKilledAtAnyMomentAreCountedAsTheyAreStored)
 {
-    const quint32 rounds = NumberOf("TOLVA_KILLS", 30);
+    const quint32 rounds = NumberOf("TOLVA_KILL_ROUNDS", 30);
     const quint32 seed = NumberOf("TOLVA_TEST_SEED", QRandomGenerator::global()->generate());
     QRandomGenerator random(seed);
     const QString prize = AddPrize(1000000);
