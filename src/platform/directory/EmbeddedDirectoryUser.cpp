@@ -111,5 +111,9 @@ bool EmbeddedDirectory::User::StorePreference(const QString& name, const QVarian
 bool EmbeddedDirectory::User::LogEvent(int classNumber, int kind, const QString& title, const QString& text, int code,
                                        int reference)
 {
-    return Directory_.Log({0, Directory_.UtcNow_(), Reference_, classNumber, kind, title, text, code, reference});
+    try {
+        return Directory_.Log({0, Directory_.UtcNow_(), Reference_, classNumber, kind, title, text, code, reference});
+    } catch (const std::exception&) {
+        return false; // what is logged is done already, and its caller is told of nothing else
+    }
 }

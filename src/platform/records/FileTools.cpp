@@ -76,6 +76,11 @@ TemporaryFile::~TemporaryFile()
     FileSystem::Current().Remove(Name_ + QLatin1String("-journal"));
 }
 
+void TemporaryFile::Vacate() const
+{
+    FileSystem::Current().Remove(Name_);
+}
+
 void TemporaryFile::ReplaceEmpty(const QString& target) const
 {
     FileSystem& files = FileSystem::Current();

@@ -320,7 +320,12 @@ TEST_F(ContactsWindowTest, TheMessagesOfAContactAreListedAndOpened)
 TEST_F(ContactsWindowTest, WhoHasNoAddressAndNoNumberHasNoMessagesRatherThanAll)
 {
     FileMail(Mail("First"));
+    // What holds letters may be the name that a text message came from.
     Open().ShowContact(Add(QStringLiteral("Loveday"), QStringLiteral("no number"), {}, QStringLiteral("Sings")));
+    ASSERT_TRUE(WaitUntil([&] { return Contacts->History().IsFilled(); }));
+    EXPECT_EQ(Find<ListView>("contactMessages").ItemCount(), 0);
+    EXPECT_EQ(Find<QLabel>("contactMessagesNote").text(), QStringLiteral("No messages to or from this contact."));
+    Contacts->ShowContact(Add(QStringLiteral("Wella"), {}, {}, {}));
     ASSERT_TRUE(WaitUntil([&] { return Contacts->History().IsFilled(); }));
     EXPECT_EQ(Find<ListView>("contactMessages").ItemCount(), 0);
     EXPECT_EQ(Find<QLabel>("contactMessagesNote").text(),

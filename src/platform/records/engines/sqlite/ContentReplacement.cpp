@@ -1,6 +1,5 @@
 #include "platform/records/engines/sqlite/ContentReplacement.h"
 
-#include "platform/files/FileSystem.h"
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/FileCopy.h"
@@ -169,7 +168,7 @@ bool ContentReplacement::IsAsNoted()
 void ContentReplacement::KeepAs(const QString& keepName, const engine::CopyProgress& progress)
 {
     TemporaryFile copy(keepName);
-    FileSystem::Current().Remove(copy.Name()); // the copy makes it anew by itself
+    copy.Vacate();
     CopyFile(File_, copy.Name(), progress);
     CopyAccess(File_, copy.Name());
     copy.MoveTo(keepName);

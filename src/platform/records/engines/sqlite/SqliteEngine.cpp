@@ -99,8 +99,10 @@ void SqliteEngine::Compact(const QString& source, const QString& target)
     const FileReport report = ExamineFile(source, {});
     RequireNotDamaged(source, report);
     const QString sound = report.Verdict == FileReport::State::Repairable ? repaired.Name() : source;
-    if (sound != source)
+    if (sound != source) {
+        repaired.Vacate();
         RepairIndexes(source, sound);
+    }
     try {
         Connection connection(sound, Connection::Mode::ReadWrite);
         const Statement statement(connection, "VACUUM INTO ?");
