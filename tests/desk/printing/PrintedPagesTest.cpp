@@ -92,6 +92,21 @@ TEST(PrintedPagesTest, CellsThatSpanAHundredThousandColumnsAreLaidOutAtOnce)
     EXPECT_LT(time, std::chrono::seconds(1));
 }
 
+TEST(PrintedPagesTest, ALayoutThatIsNotWantedAnyMoreEndsAtTheNextStep)
+{
+    constexpr int Steps = 5;
+    int asked = 0;
+    std::chrono::nanoseconds refused{};
+    LayoutLimits limits;
+    limits.IsWanted = [&] {
+        refused = ProcessorTime();
+        return ++asked < Steps;
+    };
+    const PrintedPages pages(MakeDocumentSafe(QStringLiteral("<p>A word or two</p>").repeated(20'000)), {}, limits);
+    EXPECT_EQ(asked, Steps);
+    EXPECT_LT(ProcessorTime() - refused, std::chrono::milliseconds(100));
+}
+
 TEST(PrintedPagesTest, AnEmptyPageIsOnePage)
 {
     EXPECT_EQ(Laid(QString()).PageCount(), 1);

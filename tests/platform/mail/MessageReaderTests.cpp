@@ -5,8 +5,8 @@
 
 using cdo::Message;
 using cdo::MessageReader;
-using mailTest::RealMail;
-using mailTest::RealMailNames;
+using mailTest::MailFile;
+using mailTest::MailFileNames;
 
 namespace
 {
@@ -34,8 +34,8 @@ Message TextIn(const char* characterSet, const QByteArray& octets)
 
 TEST(MessageReaderTest, TheTextInPiecesAndTheBeginningsAreThoseOfTheMail)
 {
-    for (const QString& name : RealMailNames()) {
-        const Message message(RealMail(name.toUtf8().constData()));
+    for (const QString& name : MailFileNames()) {
+        const Message message(MailFile(name.toUtf8().constData()));
         EXPECT_EQ(InPieces(message), message.TextBody()) << qPrintable(name);
         MessageReader reader(message);
         for (const qsizetype most : {qsizetype{1}, qsizetype{40}, qsizetype{1} << 30}) {
