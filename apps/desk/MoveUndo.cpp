@@ -3,6 +3,7 @@
 #include "DeskStation.h"
 #include "NoticeBar.h"
 #include "Words.h"
+#include "platform/mail/MessageReader.h"
 
 #include <QAction>
 
@@ -43,7 +44,8 @@ void MoveUndo::Take(const cMessagePtr& message, enTolvaMessageCategories from)
         return;
     if (Moves_.size() == MostMoves)
         Moves_.removeFirst();
-    Moves_.append({message->Reference(), from, message->Category(), Shortened(message->CDOMessage()->Subject())});
+    Moves_.append({message->Reference(), from, message->Category(),
+                   Shortened(cdo::HeaderBeginning(*message->CDOMessage(), "Subject"))});
     Notice_->Show(tr("%1 was moved to %2.").arg(Moves_.last().Subject, FolderName(message->Category())));
     NoticeTimer_.start();
     ShowState();

@@ -5,6 +5,7 @@
 #include "FolderNames.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "platform/mail/MessageReader.h"
 
 namespace
 {
@@ -39,7 +40,7 @@ bool IsConfirmed(Station& station, const cMessage& message)
 {
     MessageBoxRequest request;
     request.Text = QStringLiteral("Are you sure you want to permanently delete '%1'?")
-                       .arg(OneLine(message.CDOMessage()->Subject()));
+                       .arg(OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject")));
     request.Buttons = MessageBoxButtons::YesNo;
     request.Icon = MessageBoxIcon::Question;
     request.DefaultAnswer = MessageBoxAnswer::No;

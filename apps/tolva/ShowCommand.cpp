@@ -8,9 +8,12 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "common/ClockHelper.h"
+#include "common/HarmlessText.h"
 #include "platform/mail/MessageReader.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocale>
 
 namespace
@@ -132,6 +135,15 @@ QJsonArray JsonAttachments(const cdo::Message& mail)
     return array;
 }
 
+/// Of a text between its quotation marks.
+void PrintJsonPiece(const QString& piece)
+{
+    const QByteArray array = QJsonDocument(QJsonArray{piece}).toJson(QJsonDocument::Compact);
+    constexpr qsizetype Frame = 2; // bracket and quotation mark
+    Terminal::PrintOctets(HarmlessText::Json(array.sliced(Frame, array.size() - 2 * Frame)));
+}
+
+/// The bodies are printed as they are decoded, so that one of megabytes takes no room.
 void PrintJson(Station& station, const cMessage& message)
 {
     const cdo::Message& mail = *message.CDOMessage();
@@ -154,11 +166,16 @@ void PrintJson(Station& station, const cMessage& message)
         {QStringLiteral("priority"), message.Priority()},
         {QStringLiteral("personalToContact"), message.PersonalToContact()},
         {QStringLiteral("damaged"), message.IsDamaged()},
-        {QStringLiteral("text"), mail.TextBody()},
-        {QStringLiteral("html"), mail.HTMLBody()},
         {QStringLiteral("attachments"), JsonAttachments(mail)},
     };
-    Terminal::PrintJson(object);
+    cdo::MessageReader reader(mail);
+    QByteArray members = HarmlessText::Json(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    members.chop(1); // its closing bracket
+    Terminal::PrintOctets(members + ",\"html\":\"");
+    reader.ReadHtml(PrintJsonPiece);
+    Terminal::PrintOctets("\",\"text\":\"");
+    reader.ReadText(PrintJsonPiece);
+    Terminal::PrintOctets("\"}\n");
 }
 
 int Run(const Arguments& arguments)

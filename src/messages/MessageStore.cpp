@@ -159,10 +159,11 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
 
 bool cTolvaDatabase::LogMessageSaving(const cMessage& message, const MessageSaving& saving) const
 {
-    return LogDatabaseEvent(saving.IsNew ? auditMessageAdded : auditMessageEdited,
-                            saving.IsNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited"),
-                            WithError(message.CDOMessage()->Subject(), saving.ErrorNumber, saving.ErrorDescription),
-                            saving.IsSaved() ? 1 : 0);
+    return LogDatabaseEvent(
+        saving.IsNew ? auditMessageAdded : auditMessageEdited,
+        saving.IsNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited"),
+        WithError(cdo::HeaderBeginning(*message.CDOMessage(), "Subject"), saving.ErrorNumber, saving.ErrorDescription),
+        saving.IsSaved() ? 1 : 0);
 }
 
 /// The row and the change stamp, together or not at all.

@@ -6,6 +6,7 @@
 #include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/widgets/FlexGrid.h"
 
 #include <QScopeGuard>
@@ -28,6 +29,20 @@ cMessagePtr ToMessageRecord(const std::any& object)
 void SetRead(cMessage& message, bool read)
 {
     message.SetFlags(read ? message.Flags() | mfRead : message.Flags() & ~mfRead);
+}
+
+/// As much as a question and the name of a file have room for.
+constexpr qsizetype LongestSubject = 1000;
+
+/// Whole as far as people write them: one of megabytes would hold the window up.
+QString SubjectOf(const cMessagePtr& message)
+{
+    return cdo::HeaderBeginning(*message->CDOMessage(), "Subject");
+}
+
+QString ShortSubjectOf(const cMessagePtr& message)
+{
+    return cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestSubject);
 }
 
 QString ProposedFileName(QString subject)
@@ -73,7 +88,7 @@ void uMessagesList::ReplyCommand()
         return;
     const cMessagePtr reply = ToMessageRecord(std::make_shared<cdo::Message>());
     reply->CDOMessage()->SetTo(message->CDOMessage()->From());
-    reply->CDOMessage()->SetSubject(QStringLiteral("RE: ") + message->CDOMessage()->Subject());
+    reply->CDOMessage()->SetSubject(QStringLiteral("RE: ") + SubjectOf(message));
     Q_EMIT NewMessage(reply);
 }
 
@@ -84,7 +99,7 @@ void uMessagesList::ForwardCommand()
         return;
     const auto forward = std::make_shared<cMessage>();
     forward->CDOMessage()->SetTo(QString());
-    forward->CDOMessage()->SetSubject(QStringLiteral("FW: ") + message->CDOMessage()->Subject());
+    forward->CDOMessage()->SetSubject(QStringLiteral("FW: ") + SubjectOf(message));
     Q_EMIT NewMessage(forward);
 }
 
@@ -111,7 +126,7 @@ void uMessagesList::ExportCommand()
     dialog->DefaultExt = QStringLiteral("eml");
     dialog->InitDir = QString();
     dialog->Flags = ExportFlags;
-    dialog->Filename = ProposedFileName(message->CDOMessage()->Subject());
+    dialog->Filename = ProposedFileName(ShortSubjectOf(message));
     try {
         dialog->ShowSave();
     } catch (const dao::Error& error) {
@@ -135,8 +150,8 @@ void uMessagesList::DeleteCommand()
     const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
     if (permanently) {
         const MessageBoxRequest question{
-            QStringLiteral("Are you sure you want to permanently delete '%1'?").arg(message->CDOMessage()->Subject()),
-            QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
+            QStringLiteral("Are you sure you want to permanently delete '%1'?").arg(ShortSubjectOf(message)), QString(),
+            MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
         if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
             return;
     }

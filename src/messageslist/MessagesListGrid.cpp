@@ -7,6 +7,7 @@
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/widgets/DragData.h"
 #include "platform/widgets/FlexGrid.h"
 
@@ -16,6 +17,9 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QScopeGuard>
+
+/// More than any folder takes, so that a subject that is cut here names no file either way.
+constexpr qsizetype LongestFileName = 1000;
 
 void uMessagesList::TakeGridKey(QKeyEvent* event)
 {
@@ -112,7 +116,7 @@ QStringList uMessagesList::WritePromisedFile(qint32 reference)
             return;
         QFile::remove(temporary);
         const QString folder = FileHelper::FolderOf(temporary);
-        const QString subject = message->CDOMessage()->Subject();
+        const QString subject = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestFileName);
         const QString path = FileHelper::Join(folder, subject + QStringLiteral(".eml"));
         if (QFileInfo(path).absolutePath() != QFileInfo(temporary).absolutePath() || subject.contains(u'\0')) {
             throw dao::Error(

@@ -146,4 +146,29 @@ TEST_F(ShowTest, AMailOfAHundredMegabytesIsShownAndExportedInThreeTimesItsRoom)
             << begin.constData();
     }
 }
+
+TEST_F(ShowTest, AMailOfEightBitTextIsShownAndExportedInThreeTimesItsRoom)
+{
+    constexpr qint64 Base = 40'000'000;
+    constexpr qint64 Size = 50'000'000;
+    const QString path = Path(QStringLiteral("large.eml"));
+    const QByteArray line = "\xC3\xA4\xC3\xB6\xC3\xBC \xD1\x81\xD0\xBB\xD0\xBE\xD0\xB2\xD0\xBE word\r\n";
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("From: a@example.org\r\nSubject: Large\r\nMIME-Version: 1.0\r\n"
+                   "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n\r\n");
+        const QByteArray block = line.repeated(1'000'000 / line.size());
+        while (file.pos() < Size)
+            file.write(block);
+    }
+    Expect("file", {path});
+    const QString registry = Path(QStringLiteral("Tolva.ini"));
+    const QString one = QStringLiteral("1");
+    const QString out = Path(QStringLiteral("out.eml"));
+    EXPECT_LT(PeakOf({QStringLiteral("show"), Station(), one}, registry), 3 * Size + Base);
+    EXPECT_LT(PeakOf({QStringLiteral("show"), Station(), one, QStringLiteral("--json")}, registry), 3 * Size + Base);
+    EXPECT_LT(PeakOf({QStringLiteral("export"), Station(), one, out}, registry), 3 * Size + Base);
+    EXPECT_EQ(QFileInfo(out).size(), QFileInfo(path).size());
+}
 #endif

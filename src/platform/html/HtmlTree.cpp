@@ -1,6 +1,6 @@
 #include "platform/html/HtmlTree.h"
 
-#include <QDeadlineTimer>
+#include "platform/ProcessorTime.h"
 
 #include <csetjmp>
 #include <cstdlib>
@@ -15,11 +15,16 @@ constexpr size_t FirstBlockSize = size_t{32} * 1024;
 constexpr size_t LargestBlockSize = size_t{1024} * 1024;
 constexpr size_t MemoryLimit = size_t{768} * 1024 * 1024;
 constexpr qsizetype Megabyte = qsizetype{1024} * 1024;
-constexpr int BaseMilliseconds = 1000;
+constexpr std::chrono::milliseconds BaseTime(1000);
 /// An ordinary page takes about a third of this.
-constexpr int MillisecondsPerMegabyte = 250;
-constexpr int LittleTime = 100; // milliseconds
+constexpr std::chrono::milliseconds TimePerMegabyte(250);
+constexpr std::chrono::milliseconds LittleTime(100);
 constexpr int CallsBetweenClocks = 64;
+
+std::chrono::milliseconds UsualTime(qsizetype size)
+{
+    return BaseTime + TimePerMegabyte * (size / Megabyte);
+}
 
 GumboNamespaceEnum GumboNamespace(HtmlNamespace space)
 {
@@ -103,8 +108,7 @@ class HtmlTree::Arena
 {
 public:
     Arena(qsizetype size, HtmlPatience patience)
-        : Deadline_(patience == HtmlPatience::Little ? LittleTime
-                                                     : BaseMilliseconds + MillisecondsPerMegabyte * (size / Megabyte))
+        : Deadline_(ProcessorTime() + (patience == HtmlPatience::Little ? LittleTime : UsualTime(size)))
     {
     }
     ~Arena()
@@ -141,7 +145,7 @@ private:
     void* Allocate(size_t size)
     {
         size = (size + Alignment - 1) / Alignment * Alignment;
-        if (++Calls_ % CallsBetweenClocks == 0 && Deadline_.hasExpired())
+        if (++Calls_ % CallsBetweenClocks == 0 && ProcessorTime() > Deadline_)
             std::longjmp(GiveUp_, 1);
         if (size > Left_)
             AddBlock(size);
@@ -164,7 +168,7 @@ private:
     }
 
     std::jmp_buf GiveUp_;
-    QDeadlineTimer Deadline_;
+    std::chrono::nanoseconds Deadline_; ///< Of this thread's processor time.
     Block* Blocks_ = nullptr;
     char* Next_ = nullptr;
     size_t BlockSize_ = FirstBlockSize;

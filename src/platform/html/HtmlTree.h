@@ -13,8 +13,8 @@ enum class HtmlNamespace : quint8
     MathML
 };
 
-/// How long a page may take. One that looks as if it were built to be too much work gets little time, and its tree if
-/// that is enough.
+/// How much processor time a page may take. One that looks as if it were built to be too much work gets little time,
+/// and its tree if that is enough.
 enum class HtmlPatience
 {
     Usual,

@@ -99,6 +99,12 @@ int PageElements::WholeNumber(const QString& text, int smallest, int largest, in
     return isNumber ? std::clamp(number, smallest, largest) : otherwise;
 }
 
+int PageElements::SpanOf(const GumboInternalNode* cell, const char* attribute)
+{
+    constexpr int WidestSpan = 50;
+    return WholeNumber(Attribute(cell, attribute), 1, WidestSpan, 1);
+}
+
 PageStyle PageElements::StyleOf(const GumboInternalNode* node, const QString& name, double basePoints)
 {
     PageStyle style = ReadStyle(Attribute(node, "style"));

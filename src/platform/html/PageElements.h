@@ -38,6 +38,11 @@ QString NameOf(const GumboInternalNode* node);
 QString Attribute(const GumboInternalNode* node, const char* name);
 /// The whole number in a text, brought within the limits; otherwise when it is none.
 int WholeNumber(const QString& text, int smallest, int largest, int otherwise);
+/// How many columns the cells of a row may take together by spanning; a table costs time and memory for each column in
+/// each of its rows.
+constexpr int MostColumns = 100;
+/// What a cell's colspan or rowspan says, brought within what pages are laid out with; 1 where it says nothing.
+int SpanOf(const GumboInternalNode* cell, const char* attribute);
 /// The look of an element: by what it is, by its attributes and by its style attribute. basePoints: the size of text
 /// that gives none.
 PageStyle StyleOf(const GumboInternalNode* node, const QString& name, double basePoints);

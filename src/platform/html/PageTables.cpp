@@ -7,12 +7,6 @@
 
 using namespace PageElements;
 
-namespace
-{
-constexpr int MostColumns = 100;
-constexpr int WidestSpan = 50;
-} // namespace
-
 void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag)
 {
     const PageStyle style = ReadStyle(Attribute(node, "style"));
@@ -40,7 +34,7 @@ void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, PageTag*
 bool PageWriter::OpenCell(const GumboInternalNode* node, PageTag* tag)
 {
     Frame& row = Stack_.last();
-    const int span = WholeNumber(Attribute(node, "colspan"), 1, WidestSpan, 1);
+    const int span = SpanOf(node, "colspan");
     if (row.Columns + span > MostColumns) {
         Page_->IsCutShort = true;
         return false;
@@ -48,7 +42,7 @@ bool PageWriter::OpenCell(const GumboInternalNode* node, PageTag* tag)
     row.Columns += span;
     if (span > 1)
         tag->Add("colspan", QString::number(span));
-    if (const int rows = WholeNumber(Attribute(node, "rowspan"), 1, WidestSpan, 1); rows > 1)
+    if (const int rows = SpanOf(node, "rowspan"); rows > 1)
         tag->Add("rowspan", QString::number(rows));
     const PageStyle style = ReadStyle(Attribute(node, "style"));
     const QString width = style.Width.isEmpty() ? ReadWidth(Attribute(node, "width")) : style.Width;

@@ -67,9 +67,9 @@ bool IsEmptyElement(const QString& element)
 bool IsPlainAttribute(const QString& name)
 {
     static const QSet<QString> plain =
-        Names({"class",   "id",      "title",       "lang",        "dir",     "align",   "valign", "width", "height",
-               "colspan", "rowspan", "cellpadding", "cellspacing", "bgcolor", "color",   "face",   "size",  "border",
-               "start",   "type",    "alt",         "span",        "nowrap",  "summary", "text"});
+        Names({"class",  "id",          "title",       "lang",    "dir",     "align", "valign", "width",
+               "height", "cellpadding", "cellspacing", "bgcolor", "color",   "face",  "size",   "border",
+               "start",  "type",        "alt",         "nowrap",  "summary", "text"});
     return plain.contains(name);
 }
 
@@ -177,6 +177,7 @@ private:
         QString EndTag;
         /// Its rows and cells are paragraphs.
         bool IsFlat = false;
+        int Columns = 0; ///< That its cells take so far.
     };
 
     /// A piece ends behind a word, where there are words.
@@ -239,7 +240,7 @@ private:
         if (Stack_.last().IsFlat && IsOfTable(name))
             return WriteFlat(node, name);
         if (IsWritten(name)) {
-            Body_ += u'<' + name + Attributes(node, name) + u'>';
+            Body_ += u'<' + name + Attributes(node, name) + Spans(node, name) + u'>';
             if (!IsEmptyElement(name))
                 Stack_.append({node, 0, Stack_.last().Tables, QStringLiteral("</%1>").arg(name)});
             return;
@@ -331,6 +332,26 @@ private:
         // With something invisible in front it would be an address beside the page, and none within it.
         const QString place = address.trimmed();
         return link.Kind == LinkKind::Place && place.startsWith(u'#') ? place : QString();
+    }
+
+    /// Those of a cell or a column that say more than 1. What a row has no columns for is no wider than one.
+    QString Spans(const GumboNode* node, const QString& name)
+    {
+        QString text;
+        const auto add = [&](const char* attribute, int span) {
+            if (span > 1)
+                text += QStringLiteral(" %1=\"%2\"").arg(QLatin1String(attribute)).arg(span);
+        };
+        if (name == u"col" || name == u"colgroup")
+            add("span", SpanOf(node, "span"));
+        if (name == u"td" || name == u"th") {
+            int& columns = Stack_.last().Columns;
+            const int span = std::max(1, std::min(SpanOf(node, "colspan"), MostColumns - columns));
+            columns += span;
+            add("colspan", span);
+            add("rowspan", SpanOf(node, "rowspan"));
+        }
+        return text;
     }
 
     SafeDocument* Document_;

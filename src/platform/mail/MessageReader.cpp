@@ -64,7 +64,16 @@ QString MessageReader::Header(const QByteArray& name, qsizetype mostCharacters) 
 
 bool MessageReader::ReadText(const std::function<void(const QString& piece)>& take)
 {
-    const int part = Parsed_->Parts().Text();
+    return Read(Parsed_->Parts().Text(), take);
+}
+
+bool MessageReader::ReadHtml(const std::function<void(const QString& piece)>& take)
+{
+    return Read(Parsed_->Parts().Html(), take);
+}
+
+bool MessageReader::Read(int part, const std::function<void(const QString& piece)>& take)
+{
     if (part == BodyParts::None)
         return false;
     ReadBody(Parsed_->Octets, Parsed_->Parts().Leaves().at(part), [&take](const QString& piece) {

@@ -22,12 +22,15 @@ public:
 
     /// The plain text body as Message has it, piece by piece; false when there is none.
     bool ReadText(const std::function<void(const QString& piece)>& take);
+    /// The same of the web page.
+    bool ReadHtml(const std::function<void(const QString& piece)>& take);
     /// The beginnings of the bodies; isWhole says whether there is no more.
     QString TextBeginning(qsizetype mostCharacters, bool* isWhole);
     QString HtmlBeginning(qsizetype mostCharacters, bool* isWhole);
 
 private:
     class Parsed;
+    bool Read(int part, const std::function<void(const QString& piece)>& take);
     QString Beginning(int part, qsizetype mostCharacters, bool* isWhole);
 
     std::unique_ptr<Parsed> Parsed_;

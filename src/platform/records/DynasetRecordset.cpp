@@ -101,19 +101,17 @@ QVariant DynasetRecordset::StoredValueAt(int ordinal) const
     const CellView cell = RowReader::At(CurrentValues().Cells.data(), EditedColumn(ordinal));
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
-    const QByteArray memo = StoredMemoAt(ordinal, MemoTrust::Verified);
-    return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
+    return TextOf(StoredMemoAt(ordinal, MemoTrust::Verified));
 }
 
-QByteArray DynasetRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
+engine::StoredMemo DynasetRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
     const CellView cell = RowReader::At(CurrentValues().Cells.data(), EditedColumn(ordinal));
     AsksForMemos_ = true;
     if (cell.CellKind == CellView::Kind::Null)
         return {};
     if (cell.CellKind == CellView::Kind::Text)
-        return cell.Text.empty() ? QByteArrayLiteral("")
-                                 : QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
+        return MemoOf(cell.Text);
     if (Memos_.empty())
         Memos_.resize(Shape().Columns.size());
     const engine::StoredMemo& memo = Memos_[static_cast<std::size_t>(ordinal)].Read(

@@ -23,7 +23,7 @@ protected:
     void RowWasChanged() override { ForgetValues(); }
     void RowWasAdded(qint64 id) override;
     QVariant StoredValueAt(int ordinal) const override;
-    QByteArray StoredMemoAt(int ordinal, MemoTrust trust) const override;
+    engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const override;
     void Release() override;
     int Rows() const override { return static_cast<int>(Keys_.size()); }
     int GoneRows() const override { return GoneRows_; }

@@ -67,19 +67,17 @@ QVariant SnapshotRecordset::StoredValueAt(int ordinal) const
     const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(CurrentRow())], ordinal);
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
-    const QByteArray memo = StoredMemoAt(ordinal, MemoTrust::Verified);
-    return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
+    return TextOf(StoredMemoAt(ordinal, MemoTrust::Verified));
 }
 
-QByteArray SnapshotRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
+engine::StoredMemo SnapshotRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
     const int row = CurrentRow();
     const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(row)], ordinal);
     if (cell.CellKind == CellView::Kind::Null)
         return {};
     if (cell.CellKind == CellView::Kind::Text)
-        return cell.Text.empty() ? QByteArrayLiteral("")
-                                 : QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
+        return MemoOf(cell.Text);
     const engine::ResultColumn& column = ResultColumnAt(ordinal);
     const auto source = static_cast<std::size_t>(column.Source);
     if (KeysAt(row)[source] == engine::NoRow)

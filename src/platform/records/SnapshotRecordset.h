@@ -22,7 +22,7 @@ protected:
     void RowWasChanged() override {}
     void RowWasAdded(qint64) override {}
     QVariant StoredValueAt(int ordinal) const override;
-    QByteArray StoredMemoAt(int ordinal, MemoTrust trust) const override;
+    engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const override;
     void Release() override;
     int Rows() const override { return static_cast<int>(Rows_.size()); }
     bool IsGone(int) const override { return false; }

@@ -190,7 +190,7 @@ void StoreRecordset::SetValueOf(int ordinal, const QVariant& value)
     buffered = ToStoredValue(value, ColumnAt(ordinal));
 }
 
-QByteArray StoreRecordset::Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const
+engine::StoredMemo StoreRecordset::Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const
 {
     if (!memo.HasRow)
         RaiseDeleted();
@@ -199,7 +199,23 @@ QByteArray StoreRecordset::Accepted(const engine::StoredMemo& memo, int ordinal,
                                                    "disk since it was saved.")
                                         .arg(ColumnAt(ordinal).Name));
     }
-    return memo.Utf8;
+    return memo;
+}
+
+engine::StoredMemo StoreRecordset::MemoOf(std::string_view utf8)
+{
+    // An empty text is not Null, and QByteArray tells the two apart by its pointer.
+    QByteArray text =
+        utf8.empty() ? QByteArrayLiteral("") : QByteArray(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    return {.HasRow = true, .IsDamaged = false, .Utf8 = std::move(text), .Octets = {}};
+}
+
+QVariant StoreRecordset::TextOf(const engine::StoredMemo& memo)
+{
+    if (!memo.Octets.isNull())
+        return QString::fromLatin1(memo.Octets);
+    const QByteArray& utf8 = memo.Utf8;
+    return utf8.isNull() ? QVariant() : TextFromUtf8({utf8.constData(), static_cast<std::size_t>(utf8.size())});
 }
 
 QByteArray StoreRecordset::OctetsOf(int ordinal, MemoTrust trust) const
@@ -217,8 +233,10 @@ QByteArray StoreRecordset::OctetsOf(int ordinal, MemoTrust trust) const
         if (Mode_ == EditMode::Adding)
             return {};
     }
-    const QByteArray memo = StoredMemoAt(ordinal, trust);
-    return trust == MemoTrust::AsStored ? OctetsFromAnything(memo) : OctetsFromUtf8(memo);
+    const engine::StoredMemo memo = StoredMemoAt(ordinal, trust);
+    if (!memo.Octets.isNull())
+        return memo.Octets;
+    return trust == MemoTrust::AsStored ? OctetsFromAnything(memo.Utf8) : OctetsFromUtf8(memo.Utf8);
 }
 
 void StoreRecordset::SetOctetsOf(int ordinal, const QByteArray& octets)

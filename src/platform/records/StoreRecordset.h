@@ -46,10 +46,13 @@ protected:
     virtual void RowWasAdded(qint64 id) = 0;
     /// The value in the current row.
     virtual QVariant StoredValueAt(int ordinal) const = 0;
-    /// A memo of the current row in UTF-8, null for Null. 3428 for one that is damaged and not to be had as it is.
-    virtual QByteArray StoredMemoAt(int ordinal, MemoTrust trust) const = 0;
+    /// A memo of the current row. 3428 for one that is damaged and not to be had as it is.
+    virtual engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const = 0;
     /// What StoredMemoAt answers for a memo that was read.
-    QByteArray Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const;
+    engine::StoredMemo Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const;
+    static engine::StoredMemo MemoOf(std::string_view utf8);
+    /// As the value of its field.
+    static QVariant TextOf(const engine::StoredMemo& memo);
     virtual void Release() = 0;
 
     bool NoMatch_ = false;

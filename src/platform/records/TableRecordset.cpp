@@ -218,11 +218,10 @@ QVariant TableRecordset::StoredValueAt(int ordinal) const
     const CellView cell = RowReader::At(row.Cells.data(), ordinal);
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
-    const QByteArray memo = StoredMemoAt(ordinal, MemoTrust::Verified);
-    return memo.isNull() ? QVariant() : TextFromUtf8({memo.constData(), static_cast<std::size_t>(memo.size())});
+    return TextOf(StoredMemoAt(ordinal, MemoTrust::Verified));
 }
 
-QByteArray TableRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
+engine::StoredMemo TableRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
     const Row& row = CurrentRow();
     AsksForMemos_ = true;
@@ -230,8 +229,7 @@ QByteArray TableRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
     if (cell.CellKind == CellView::Kind::Null)
         return {};
     if (cell.CellKind == CellView::Kind::Text)
-        return cell.Text.empty() ? QByteArrayLiteral("")
-                                 : QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
+        return MemoOf(cell.Text);
     if (MemoOrdinal_ != ordinal) {
         ForgetMemo();
         Memo_ = Open().ReadMemos(Table_, ordinal, std::span(&row.Id, 1), 0).front();

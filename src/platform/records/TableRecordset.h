@@ -36,7 +36,7 @@ protected:
     void RowWasChanged() override { Place_ = Place::Changed; }
     void RowWasAdded(qint64) override {}
     QVariant StoredValueAt(int ordinal) const override;
-    QByteArray StoredMemoAt(int ordinal, MemoTrust trust) const override;
+    engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const override;
     void Release() override;
 
 private:

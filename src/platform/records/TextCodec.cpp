@@ -161,6 +161,29 @@ QByteArray OctetsFromUtf8(const QByteArray& utf8)
     return octets;
 }
 
+QByteArray OctetsIfAll(std::string_view utf8)
+{
+    std::size_t wide = 0;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto first = static_cast<unsigned char>(utf8[i]);
+        if (first < 0x80)
+            continue;
+        if ((first != 0xC2 && first != 0xC3) || ++i == utf8.size() ||
+            (static_cast<unsigned char>(utf8[i]) & 0xC0U) != 0x80U)
+            return {};
+        ++wide;
+    }
+    QByteArray octets(static_cast<qsizetype>(utf8.size() - wide), Qt::Uninitialized);
+    char* out = octets.data();
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto first = static_cast<unsigned char>(utf8[i]);
+        *out++ = first < 0x80
+                     ? utf8[i]
+                     : static_cast<char>(((first & 0x03U) << 6U) | (static_cast<unsigned char>(utf8[++i]) & 0x3FU));
+    }
+    return octets;
+}
+
 QByteArray OctetsFromAnything(const QByteArray& utf8)
 {
     QByteArray octets(utf8.size(), Qt::Uninitialized);

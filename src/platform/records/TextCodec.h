@@ -18,6 +18,8 @@ QString TextFromUtf8(std::string_view utf8);
 QByteArray OctetsToUtf8(const QByteArray& octets);
 /// The reverse. Error 13 when a character is above U+00FF. The result shares utf8 where it is plain ASCII.
 QByteArray OctetsFromUtf8(const QByteArray& utf8);
+/// The same, null when a character is above U+00FF or the text is no UTF-8. Takes no more room than the octets do.
+QByteArray OctetsIfAll(std::string_view utf8);
 /// The same of what may be no such text: what is no character up to U+00FF stays as its octets are.
 QByteArray OctetsFromAnything(const QByteArray& utf8);
 

@@ -1,5 +1,6 @@
 #include "platform/widgets/PrintedPages.h"
 
+#include "platform/ProcessorTime.h"
 #include "platform/files/WholeFile.h"
 #include "platform/widgets/PictureReader.h"
 #include "platform/widgets/TableWidths.h"
@@ -17,10 +18,6 @@
 #include <QTextTable>
 #include <QThread>
 #include <QUrl>
-
-#ifndef Q_OS_WIN
-#include <ctime>
-#endif
 
 namespace
 {
@@ -120,18 +117,6 @@ public:
     bool IsUsedUp() const { return ProcessorTime() - Begin_ > Limits_.Budget; }
 
 private:
-    /// Of this thread, so that a busy computer does not shorten what is printed.
-    static std::chrono::nanoseconds ProcessorTime()
-    {
-#ifdef Q_OS_WIN
-        return std::chrono::steady_clock::now().time_since_epoch();
-#else
-        timespec time = {};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-#endif
-    }
-
     const LayoutLimits& Limits_;
     std::chrono::nanoseconds Begin_;
 };

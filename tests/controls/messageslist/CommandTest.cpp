@@ -150,6 +150,23 @@ TEST_F(CommandTest, TheQuestionNamesTheSubjectWhateverItHolds)
     EXPECT_EQ(StoredCategory(odd), tmcDeleted);
 }
 
+TEST_F(CommandTest, OfASubjectWithoutEndItsBeginningIsAskedAboutAndForwarded)
+{
+    const QString endless = QStringLiteral("word ").repeated(4000).trimmed();
+    SaveNew(endless, tmcDeleted);
+    List->SetCategory(tmcDeleted);
+    Ui.ExpectConfirmation(DeleteQuestion(endless.left(1000)), MessageBoxAnswer::No);
+    ChooseForRow(1, "mnuDelete");
+    ChooseForRow(1, "mnuForwardMessage");
+    ASSERT_EQ(New.size(), 1);
+    EXPECT_EQ(New.first()->CDOMessage()->Subject().trimmed(),
+              (QStringLiteral("FW: ") + endless.left(10'000)).trimmed());
+    // A copy is whole.
+    ChooseForRow(1, "mnuCopy");
+    ASSERT_EQ(New.size(), 2);
+    EXPECT_EQ(New.last()->CDOMessage()->Subject(), QStringLiteral("Copy of ") + endless);
+}
+
 TEST_F(CommandTest, TheFolderOfTheStoredMessageDecidesNotTheOneOnShow)
 {
     // Another computer has put it into Deleted Items since.

@@ -3,6 +3,7 @@
 #include "platform/widgets/PrintedPages.h"
 
 #include "DeskTest.h"
+#include "platform/ProcessorTime.h"
 
 #include <QBuffer>
 #include <QGuiApplication>
@@ -73,6 +74,38 @@ bool HasRed(const QImage& image)
     return false;
 }
 } // namespace
+
+/// Of this thread, so that a busy machine fails no test.
+std::chrono::nanoseconds TimeOf(const std::function<void()>& work)
+{
+    const auto begin = ProcessorTime();
+    work();
+    return ProcessorTime() - begin;
+}
+
+TEST(PrintedPagesTest, CellsThatSpanAHundredThousandColumnsAreLaidOutAtOnce)
+{
+    const QString row = QStringLiteral("<tr><td colspan=100000 rowspan=100000>a</td><td colspan=100000>b</td></tr>");
+    const auto time = TimeOf([&] {
+        EXPECT_EQ(Laid(QStringLiteral("<table>") + row.repeated(5) + QStringLiteral("</table>")).LeftOut(), 0);
+    });
+    EXPECT_LT(time, std::chrono::seconds(1));
+}
+
+TEST(PrintedPagesTest, ALayoutThatIsNotWantedAnyMoreEndsAtTheNextStep)
+{
+    constexpr int Steps = 5;
+    int asked = 0;
+    std::chrono::nanoseconds refused{};
+    LayoutLimits limits;
+    limits.IsWanted = [&] {
+        refused = ProcessorTime();
+        return ++asked < Steps;
+    };
+    const PrintedPages pages(MakeDocumentSafe(QStringLiteral("<p>A word or two</p>").repeated(20'000)), {}, limits);
+    EXPECT_EQ(asked, Steps);
+    EXPECT_LT(ProcessorTime() - refused, std::chrono::milliseconds(100));
+}
 
 TEST(PrintedPagesTest, AnEmptyPageIsOnePage)
 {

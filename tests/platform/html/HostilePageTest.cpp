@@ -1,4 +1,5 @@
 #include "PageChecker.h"
+#include "platform/html/HtmlTree.h"
 #include "platform/html/PlainText.h"
 #include "platform/html/SafeHtml.h"
 #include "platform/mail/Message.h"
@@ -8,6 +9,12 @@
 #include <QRandomGenerator>
 
 #include <gtest/gtest.h>
+
+#ifndef Q_OS_WIN
+#include <csignal>
+#include <sys/time.h>
+#include <unistd.h>
+#endif
 
 // Whatever comes in, what goes out parses to allowed elements, attributes and values alone, in bounded time.
 
@@ -192,3 +199,33 @@ TEST(HostilePageTest, SizesOfTextDoNotMultiplyWithDepth)
     EXPECT_TRUE(MakeSafe(html).Html.contains(QStringLiteral("font-size:48.0pt")));
     EXPECT_TRUE(MakeSafe(Times("<small>", 40) + u'x').Html.contains(QStringLiteral("font-size:6.0pt")));
 }
+
+#ifndef Q_OS_WIN
+namespace
+{
+volatile std::sig_atomic_t WasHeldUp = 0;
+
+/// What a busy computer does to a program: it stands still.
+void HoldUp(int)
+{
+    ::usleep(300'000);
+    WasHeldUp = 1;
+}
+} // namespace
+
+TEST(HostilePageTest, ABusyComputerTakesNoTimeFromAPage)
+{
+    const QByteArray page = QByteArray("<p>A word or two</p>").repeated(10'000);
+    struct sigaction before = {};
+    struct sigaction action = {};
+    action.sa_handler = HoldUp;
+    action.sa_flags = SA_RESTART;
+    ASSERT_EQ(::sigaction(SIGALRM, &action, &before), 0);
+    const itimerval soon{{0, 0}, {0, 1000}};
+    ASSERT_EQ(::setitimer(ITIMER_REAL, &soon, nullptr), 0);
+    const HtmlTree tree(page, HtmlPatience::Little);
+    EXPECT_EQ(WasHeldUp, 1);
+    ::sigaction(SIGALRM, &before, nullptr);
+    EXPECT_NE(tree.Root(), nullptr);
+}
+#endif

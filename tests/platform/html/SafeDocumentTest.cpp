@@ -37,6 +37,19 @@ TEST(SafeDocumentTest, APageKeepsItsOwnLook)
     EXPECT_EQ(document.ActiveContent + document.RemoteContent, 0);
 }
 
+TEST(SafeDocumentTest, CellsSpanNoMoreThanPagesAreLaidOutWith)
+{
+    EXPECT_EQ(BodyOf(QStringLiteral("<table><tr><td colspan=100000 rowspan=100000>a</td><th colspan=49>b</th>"
+                                    "<td colspan=3>c</td><td colspan=2>d</td></tr>"
+                                    "<tr><td colspan=3 rowspan=2>e</td><td colspan=-7 rowspan=x>f</td></tr></table>")),
+              QStringLiteral("<table><tbody><tr><td colspan=\"50\" rowspan=\"50\">a</td><th colspan=\"49\">b</th>"
+                             "<td>c</td><td>d</td></tr>"
+                             "<tr><td colspan=\"3\" rowspan=\"2\">e</td><td>f</td></tr></tbody></table>"));
+    EXPECT_EQ(
+        BodyOf(QStringLiteral("<table><col span=100000><tr><td>a</td></tr></table>")),
+        QStringLiteral("<table><colgroup><col span=\"50\"></colgroup><tbody><tr><td>a</td></tr></tbody></table>"));
+}
+
 TEST(SafeDocumentTest, AStyleSheetWithinTheBodyGoes)
 {
     EXPECT_FALSE(MakeDocumentSafe(QStringLiteral("<p>x</p><style>p { display: none }</style>"))

@@ -33,6 +33,23 @@ protected:
     }
 };
 
+TEST_P(Values, ALargeMemoIsTheSameAsTextAndAsOctets)
+{
+    // Octets alone, octets whose text is no UTF-8 to somebody else, and characters that are no octets.
+    const QByteArray octets = QByteArray("\xC3\xA4 \xFF\x80\xC2 a ").repeated(200'000);
+    for (const QString& text : {QString::fromLatin1(octets), QString::fromLatin1(octets) + QChar(0x20AC),
+                                QString::fromLatin1(octets).left(1'500'000) + QChar(0xD800)}) {
+        EXPECT_TRUE(RoundTrip(QStringLiteral("Message"), text).toString() == text);
+        const auto rows = OpenMessages();
+        rows->MoveLast();
+        const Field& field = rows->Fields().Item(QStringLiteral("Message"));
+        if (text.size() == octets.size())
+            EXPECT_TRUE(field.Octets() == octets && field.Octets(MemoTrust::AsStored) == octets);
+        else
+            EXPECT_EQ(ErrorNumberOf([&] { static_cast<void>(field.Octets()); }), errTypeMismatch);
+    }
+}
+
 TEST_P(Values, NumbersKeepTheirTypeAndRange)
 {
     EXPECT_EQ(RoundTrip(QStringLiteral("Category"), -32768), QVariant(-32768));

@@ -286,7 +286,7 @@ std::vector<engine::StoredMemo> SqliteStore::ReadMemos(const TablePtr& table, in
         if (octets > octetBudget)
             break;
         memos.push_back(access.ReadMemo(column, id));
-        octets += memos.back().Utf8.size();
+        octets += memos.back().Size();
     }
     RequireSameFile();
     return memos;

@@ -1,5 +1,6 @@
 #include "platform/records/engines/sqlite/TableAccess.h"
 
+#include "platform/records/TextCodec.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
@@ -38,6 +39,8 @@ enum StatementKind : quint64
 
 /// Columns before the table's own in what is read.
 constexpr int LeadingColumns = 3;
+/// Octets in UTF-8; from here on a memo is worth a second look for taking less room.
+constexpr std::size_t LargeMemo = 1024 * 1024;
 
 bool IsNullValue(const StoredValue& value)
 {
@@ -380,10 +383,15 @@ engine::StoredMemo TableAccess::ReadMemo(int column, qint64 id)
 
 engine::StoredMemo TableAccess::TakeMemo(const StatementUse& use, int place, qint64 id) const
 {
-    engine::StoredMemo memo{.HasRow = true, .IsDamaged = !IsAsSaved(use, place, id), .Utf8 = {}};
+    engine::StoredMemo memo{.HasRow = true, .IsDamaged = !IsAsSaved(use, place, id), .Utf8 = {}, .Octets = {}};
     if (use.IsNull(place))
         return memo;
     const std::string_view text = use.Text(place);
+    if (text.size() > LargeMemo && !IsAscii(text)) {
+        memo.Octets = OctetsIfAll(text);
+        if (!memo.Octets.isNull())
+            return memo;
+    }
     // An empty text is not Null, and QByteArray tells the two apart by its pointer.
     memo.Utf8 = text.empty() ? QByteArrayLiteral("") : QByteArray(text.data(), static_cast<qsizetype>(text.size()));
     return memo;
@@ -408,7 +416,7 @@ std::vector<engine::StoredMemo> TableAccess::ReadMemoRange(int column, std::span
         if (memos.size() == ids.size() || ids[memos.size()] != id)
             continue;
         memos.push_back(TakeMemo(use, 1, id));
-        octets += memos.back().Utf8.size();
+        octets += memos.back().Size();
     }
     if (octets <= octetBudget)
         memos.resize(ids.size());
