@@ -113,7 +113,8 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
         return words(QStringLiteral("is locked by another computer or program. Try again in a moment."));
     case dao::errChangedByAnother:
     case dao::errRecordDeleted:
-        return words(QStringLiteral("was changed by somebody else at the same moment. Try again."));
+        return words(QStringLiteral("was changed by somebody else at the same moment. Try again; if that "
+                                    "does not help, \"tolva check\" says whether it is damaged."));
     case dao::errFileReplaced:
         return words(QStringLiteral("was put back from a backup meanwhile and has to be opened anew. Try again."));
     case dao::errFileDamaged:

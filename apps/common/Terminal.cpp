@@ -86,7 +86,8 @@ void Terminal::Complain(const QString& words)
 
 void Terminal::TakeMessagesOfQt()
 {
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) { Complain(text); });
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& text) { Complain(QStringLiteral("Qt: ") + text); });
 }
 
 bool Terminal::InputIsTerminal()

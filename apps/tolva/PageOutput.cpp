@@ -63,7 +63,8 @@ QStringList WordsOf(QProcess& process)
     QStringList words;
     const QStringList lines = QString::fromUtf8(process.readAllStandardError()).split(u'\n');
     for (const QString& line : lines) {
-        if (line.startsWith(name))
+        // What the toolkit notices beside the work is nobody's concern.
+        if (line.startsWith(name) && !line.startsWith(name + QStringLiteral("Qt: ")))
             words.append(line.sliced(name.size()).trimmed());
     }
     return words;

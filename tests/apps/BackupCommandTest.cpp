@@ -175,15 +175,21 @@ TEST_F(BackupCommandTest, BackupsUnderLoadOpenAndAreSound)
     TurnAutomaticBackupsOff();
     const QString large = Write(QStringLiteral("large"), Mbox(40, 1000000)); // above what one lock copies
     Expect("file", {large});
-    const QString mbox = Write(QStringLiteral("mbox"), Mbox(20000, 2000));
+    const QString mbox = Write(QStringLiteral("mbox"), Mbox(5000, 2000));
     QProcess writers[2];
-    for (QProcess& writer : writers) {
+    const auto start = [&](QProcess& writer) {
         Prepare(writer, {QStringLiteral("file"), Station(), mbox});
         writer.start();
-    }
-    ASSERT_TRUE(writers[0].waitForStarted());
+        ASSERT_TRUE(writer.waitForStarted());
+    };
+    for (QProcess& writer : writers)
+        start(writer);
     int last = 40;
     for (int i = 0; i < 5; ++i) {
+        for (QProcess& writer : writers) {
+            if (writer.waitForFinished(0))
+                start(writer);
+        }
         const Outcome outcome = OnStation("backup", {QStringLiteral("--json")});
         ASSERT_EQ(outcome.Code, 0) << outcome.Problems.constData();
         const QJsonObject made = Object(outcome.Output);
@@ -199,10 +205,9 @@ TEST_F(BackupCommandTest, BackupsUnderLoadOpenAndAreSound)
     }
     EXPECT_GT(last, 40) << "nobody wrote meanwhile";
     for (QProcess& writer : writers) {
-        EXPECT_FALSE(writer.waitForFinished(0)) << writer.exitCode() << writer.readAllStandardError().constData()
-                                                << writer.readAllStandardOutput().constData();
-        ::kill(static_cast<pid_t>(writer.processId()), SIGINT);
-        EXPECT_TRUE(writer.waitForFinished());
+        if (const qint64 process = writer.processId())
+            ::kill(static_cast<pid_t>(process), SIGINT);
+        EXPECT_TRUE(writer.state() == QProcess::NotRunning || writer.waitForFinished());
     }
     EXPECT_FALSE(QFile::exists(File() + QStringLiteral("-copying")));
     EXPECT_EQ(OnStation("check").Code, 0);

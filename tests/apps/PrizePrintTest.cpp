@@ -19,8 +19,11 @@ protected:
                                         QStringLiteral("In the blue cupboard"), QStringLiteral("--supplier"), supplier,
                                         QStringLiteral("--start"), QStringLiteral("2026-06-01 08:30"),
                                         QStringLiteral("--hours"), QStringLiteral("9-17")}));
-        Expect("prize", {QStringLiteral("award"), Prize, QStringLiteral("--contact"), winner, QStringLiteral("--notes"),
-                         QStringLiteral("Calls for it on Monday")});
+        // The hour of the test may be none of the prize's, which is said.
+        EXPECT_EQ(OnStation("prize", {QStringLiteral("award"), Prize, QStringLiteral("--contact"), winner,
+                                      QStringLiteral("--notes"), QStringLiteral("Calls for it on Monday")})
+                      .Code,
+                  0);
     }
     static QString Number(const QByteArray& output) { return QString::fromLatin1(output).trimmed(); }
     QString AddContact(const char* name) const

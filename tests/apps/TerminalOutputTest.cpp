@@ -205,6 +205,7 @@ protected:
             {QStringLiteral("backup"), {{}, json, bad}},
             {QStringLiteral("backups"), {{}, json, option("check"), bad}},
             {QStringLiteral("restore"), {bad, {}, option("yes"), option("yes") + json}},
+            {QStringLiteral("recover"), {{QStringLiteral("1")}, bad, QStringList{QStringLiteral("1")} + json}},
             {QStringLiteral("compact"), {{}, option("yes"), option("yes") + json, bad}},
             {QStringLiteral("rekey"), {{}, json, bad}},
         };

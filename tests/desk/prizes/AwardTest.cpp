@@ -74,7 +74,7 @@ protected:
         DialogVisitor chooser("contactChooser", Choosing(QStringLiteral("Ann")));
         BoxAnswer box(button);
         bool isStored = false;
-        const auto connection = QObject::connect(&Station.Database(), &cTolvaDatabase::PrizeSaved, [&] {
+        const auto connection = QObject::connect(&Window->Station().Database(), &cTolvaDatabase::PrizeSaved, [&] {
             if (!std::exchange(isStored, true))
                 StoreRow(Ben);
         });

@@ -1,5 +1,6 @@
 #include "platform/records/engines/sqlite/ContentReplacement.h"
 
+#include "platform/files/FileSystem.h"
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/FileCopy.h"
@@ -142,6 +143,9 @@ QString Probed(const QString& file)
 ContentReplacement::ContentReplacement(const QString& file)
     : File_(Probed(file)), Holder_(file, Connection::Mode::ReadWrite), Destination_(file, Connection::Mode::ReadWrite)
 {
+    // Where the account may write, it is the file's own beginning that forbids it.
+    if (Destination_.IsReadOnly() && FileSystem::Current().MayWrite(file).IsDone())
+        throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged: its beginning.").arg(file));
     if (Destination_.IsReadOnly())
         throw Error(errCannotOpen, QStringLiteral("Cannot change '%1': it is read only or in use.").arg(file));
     Holder_.WaitEagerly();

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace dao::sqlite
 {
@@ -285,6 +286,9 @@ void Connection::Raise(int code)
 {
     const QString message =
         Handle_ != nullptr ? QString::fromUtf8(sqlite3_errmsg(Handle_)) : QString::fromUtf8(sqlite3_errstr(code));
+    // A journal that cannot be made because the disk is full.
+    if ((code & 0xFF) == SQLITE_CANTOPEN && Handle_ != nullptr && sqlite3_system_errno(Handle_) == ENOSPC)
+        throw ErrorOf(SQLITE_FULL, message, FileName_);
     const int extended = Handle_ != nullptr && (sqlite3_errcode(Handle_) & 0xFF) == (code & 0xFF)
                              ? sqlite3_extended_errcode(Handle_)
                              : code;
