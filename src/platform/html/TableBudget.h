@@ -5,8 +5,8 @@
 struct GumboInternalNode;
 
 /// Which of a page's tables stay tables. Rich text lays the content of a table out twice for each table around it, so
-/// that a short page can cost years; the tables beyond the budget are written as paragraphs. For one page, whose tree
-/// outlives it.
+/// that a short page can cost years; and each row of a table costs as much as its widest row. The tables beyond the
+/// budget are written as paragraphs. For one page, whose tree outlives it.
 class TableBudget
 {
 public:
@@ -16,8 +16,16 @@ public:
     /// Whether a table within so many others can be laid out in good time; it is then charged for.
     bool Affords(const GumboInternalNode* table, int tablesAround);
 
+    /// What laying a table out takes.
+    struct Size
+    {
+        qsizetype Weight = 0; ///< Characters, tables within it included.
+        qsizetype Grid = 0;   ///< Places of cells: its rows times the columns of its widest one.
+    };
+
 private:
-    QHash<const GumboInternalNode*, qsizetype> Weights_;
+    QHash<const GumboInternalNode*, Size> Sizes_;
     qsizetype MostCharacters_;
     qsizetype Cost_ = 0;
+    qsizetype Grids_ = 0;
 };

@@ -92,6 +92,13 @@ TEST(PrintedPagesTest, CellsThatSpanAHundredThousandColumnsAreLaidOutAtOnce)
     EXPECT_LT(time, std::chrono::seconds(1));
 }
 
+TEST(PrintedPagesTest, AMillionPlacesForAThousandCellsAreLaidOutAtOnce)
+{
+    const QString page = QStringLiteral("<table>") + QStringLiteral("<tr><td>a").repeated(1000) +
+                         QStringLiteral("<tr>") + QStringLiteral("<td>b").repeated(1000) + QStringLiteral("</table>");
+    EXPECT_LT(TimeOf([&] { EXPECT_EQ(Laid(page).LeftOut(), 0); }), std::chrono::seconds(2));
+}
+
 TEST(PrintedPagesTest, ALayoutThatIsNotWantedAnyMoreEndsAtTheNextStep)
 {
     constexpr int Steps = 5;

@@ -334,6 +334,19 @@ TEST(SafeDocumentTest, TablesThatWouldTakeTooLongToLayOutBecomeParagraphsAndALin
     EXPECT_FALSE(usual.Html.contains(QStringLiteral("stand as paragraphs")));
 }
 
+TEST(SafeDocumentTest, ATableOfFewWordsAndAMillionPlacesBecomesParagraphs)
+{
+    const auto page = [](int rows, int columns) {
+        return QStringLiteral("<table>") + QStringLiteral("<tr><td>a").repeated(rows) + QStringLiteral("<tr>") +
+               QStringLiteral("<td>b").repeated(columns) + QStringLiteral("</table>");
+    };
+    const SafeDocument wide = MakeDocumentSafe(page(1000, 1000));
+    EXPECT_EQ(wide.FlatTables, 1);
+    EXPECT_EQ(wide.Html.count(QStringLiteral("<table")), 0);
+    EXPECT_GE(wide.Html.count(u'b'), 1000) << "no word of it is left out";
+    EXPECT_EQ(MakeDocumentSafe(page(1000, 8)).FlatTables, 0) << "a list of a thousand lines is none of those";
+}
+
 TEST(SafeDocumentTest, MakingItSafeTwiceChangesNothing)
 {
     const QString once =
