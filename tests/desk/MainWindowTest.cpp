@@ -518,7 +518,7 @@ TEST_F(MainWindowTest, AStationThatWasPutBackFromABackupIsOpenedAnewAndWhatIsWri
     EXPECT_TRUE(compose->windowTitle().contains(u"Being written"));
     // It works on the new state by itself.
     List().SetAutoUpdateInterval(1);
-    FileMail(Mail("Afterwards"));
+    OtherComputer("file", {Write(QStringLiteral("afterwards.eml"), Mail("Afterwards"))});
     EXPECT_TRUE(WaitUntil([this] { return List().NumberItems() == 2; }, 20000));
 }
 
