@@ -78,7 +78,7 @@ TemporaryFile::~TemporaryFile()
 
 void TemporaryFile::Vacate() const
 {
-    FileSystem::Current().Remove(Name_);
+    Require(Name_, FileSystem::Current().Remove(Name_));
 }
 
 void TemporaryFile::ReplaceEmpty(const QString& target) const

@@ -26,7 +26,7 @@ public:
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const QString& Name() const { return Name_; }
-    /// Removes the file, for somebody who makes it anew by himself under that name.
+    /// Removes the file, for somebody who makes it anew by himself under that name. Errors: as MoveTo where that fails.
     void Vacate() const;
     /// Flushes the file, gives it the name and flushes the folder. An empty file of that name is replaced; 3051 when
     /// another one stands there, 3043 when the disk fails.
