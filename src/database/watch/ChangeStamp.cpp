@@ -1,5 +1,6 @@
 #include "database/watch/ChangeStamp.h"
 
+#include "database/Collision.h"
 #include "database/SettingText.h"
 #include "platform/records/Database.h"
 
@@ -10,13 +11,6 @@ const QString Value = QStringLiteral("Value");
 constexpr double SmallestStep = 1e-8; // of a day, the last place that is stored
 constexpr double Minute = 1.0 / (24 * 60);
 constexpr int MostTries = 50;
-
-/// Another program has written the same row between the reading and the writing here.
-bool IsCollision(const dao::Error& error)
-{
-    return error.Number() == dao::errChangedByAnother || error.Number() == dao::errRecordDeleted ||
-           error.Number() == dao::errDuplicateValue;
-}
 
 /// Never the stamp before, nor one that was there shortly before that: with saves in the same moment, on a clock that
 /// stands or by computers whose clocks differ a little, stamps go on from each other.
@@ -54,7 +48,7 @@ StampMove MoveStamp(dao::Database& database, const QString& setting, Date now)
         try {
             return MoveOnce(database, setting, now);
         } catch (const dao::Error& error) {
-            if (!IsCollision(error) || tries == MostTries)
+            if (!IsCollision(error.Number()) || tries == MostTries)
                 throw;
         }
     }
