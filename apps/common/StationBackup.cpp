@@ -45,6 +45,9 @@ StationBackup::Result StationBackup::Make(cTolvaDatabase& database, const QStrin
         if (!database.BackupDatabase(true))
             throw WhyNone(database, folder);
         result.Name = LastBackupName(database);
+        // Somebody put an older backup back meanwhile, and the station knows nothing of this one.
+        if (result.Name.trimmed().isEmpty())
+            throw dao::Error(dao::errFileReplaced, QString());
         result.Folder = FileHelper::Join(BackupFolders::RootOf(file), result.Name);
         const QString copy = FileHelper::Join(result.Folder, FileHelper::FileNameOf(file));
         result.Size = FileHelper::FileSize(copy);

@@ -18,9 +18,18 @@ QString Number(int count, const char16_t* one, const char16_t* more)
 
 StationCounts StationCounts::Of(const QString& file)
 {
-    const auto database = dao::DBEngine::OpenDatabase(file, 0, true);
-    return {Count(*database, MessagesTableShape().Name), Count(*database, PrizesTableShape().Name),
-            Count(*database, PrizeWinnersTableShape().Name)};
+    constexpr int attempts = 8;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            const auto database = dao::DBEngine::OpenDatabase(file, 0, true);
+            return {Count(*database, MessagesTableShape().Name), Count(*database, PrizesTableShape().Name),
+                    Count(*database, PrizeWinnersTableShape().Name)};
+        } catch (const dao::Error& error) {
+            // Somebody else put another file in its place, which is counted instead.
+            if (error.Number() != dao::errFileReplaced || attempt == attempts)
+                throw;
+        }
+    }
 }
 
 QString StationCounts::Words() const

@@ -71,11 +71,28 @@ Failure WhyNotCompacted(const QString& folder, const QString& file, const Pendin
     return WhyNoSecondFile(folder, file);
 }
 
+/// Of a file that was just put in place. Nothing when others are at work on it already, which is no fault of the file.
+std::optional<StationCounts> CountsAfter(const QString& file, const QString& damaged, const QString& keepName)
+{
+    try {
+        return StationCounts::Of(file);
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errLocked || error.Number() == dao::errFileReplaced)
+            return std::nullopt;
+        throw Failure(exitData, damaged.arg(keepName));
+    }
+}
+
 QString KeptName(const QString& keepName)
 {
     return FileHelper::FileExists(keepName) ? keepName : QString();
 }
 } // namespace
+
+QString StationReplacing::Result::AfterWords() const
+{
+    return After ? After->Words() : QStringLiteral("in use by others");
+}
 
 std::optional<StationCounts> StationReplacing::CountsOf(const QString& file)
 {
@@ -98,11 +115,8 @@ StationReplacing::Result StationReplacing::Restore(const QString& folder, const 
     result.SizeBefore = FileHelper::FileSize(file);
     const QString keepName = PutInPlace(folder, file, copy);
     // What was put back was read whole before. Others may have filed into it already, so that it is not compared.
-    const std::optional<StationCounts> after = CountsOf(file);
-    if (!after)
-        throw Failure(exitData,
-                      QStringLiteral("The restored station cannot be read. The old file is kept as %1.").arg(keepName));
-    result.After = *after;
+    result.After = CountsAfter(
+        file, QStringLiteral("The restored station cannot be read. The old file is kept as %1."), keepName);
     result.SizeAfter = FileHelper::FileSize(file);
     result.KeepName = KeptName(keepName);
     return result;
@@ -121,12 +135,8 @@ StationReplacing::Result StationReplacing::Compact(const QString& folder)
         throw WhyNotCompacted(folder, file, failure);
     // That is what the compacted content was made from; others may go on filing.
     result.Before = CountsOf(keepName);
-    const std::optional<StationCounts> after = CountsOf(file);
-    if (!after)
-        throw Failure(
-            exitData,
-            QStringLiteral("The compacted station cannot be read. The old file is kept as %1.").arg(keepName));
-    result.After = *after;
+    result.After = CountsAfter(
+        file, QStringLiteral("The compacted station cannot be read. The old file is kept as %1."), keepName);
     result.SizeAfter = FileHelper::FileSize(file);
     result.KeepName = KeptName(keepName);
     return result;

@@ -12,10 +12,12 @@ namespace StationReplacing
 struct Result
 {
     std::optional<StationCounts> Before; ///< Nothing when the old file could not be read.
-    StationCounts After;
+    std::optional<StationCounts> After;  ///< Nothing when others were at work on the new one already.
     qint64 SizeBefore = 0;
     qint64 SizeAfter = 0;
     QString KeepName; ///< The old file's whole name now; empty when there was none.
+
+    QString AfterWords() const;
 };
 
 /// What a file holds; nothing when it cannot be read.

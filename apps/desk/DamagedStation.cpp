@@ -47,7 +47,7 @@ QString DamagedStation::OfferBackup(const QString& folder, const QString& proble
         return QString();
     try {
         const StationReplacing::Result result = StationReplacing::Restore(folder, newest);
-        return RestoredWords(made, result.After.Words(), result.KeepName);
+        return RestoredWords(made, result.AfterWords(), result.KeepName);
     } catch (const Failure& failure) {
         Words::Warn(failure.Words());
         return QString();

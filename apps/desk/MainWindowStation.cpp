@@ -166,7 +166,7 @@ void MainWindow::Restore(const BackupFolders::Backup& backup)
     const Date made = backup.CreatedDate;
     Words::Tell(tr("The station was restored from the backup of %1: %2.%3")
                     .arg(made.IsNone() ? backup.Name : made.Format(QStringLiteral("dddddd hh:nn")),
-                         result->After.Words(), KeptWords(*result)));
+                         result->AfterWords(), KeptWords(*result)));
 }
 
 void MainWindow::CheckFile()
@@ -180,8 +180,9 @@ void MainWindow::CheckFile()
             return;
         }
         const auto counts = StationReplacing::CountsOf(StationPlace::FileIn(Station_->Folder()));
-        const QString headline = report.IsSound() && counts
-                                     ? tr("The station is sound: %1.").arg(counts->Words())
+        const QString headline = report.IsSound()
+                                     ? tr("The station is sound: %1.")
+                                           .arg(counts ? counts->Words() : tr("in use by others"))
                                      : tr("The station is not sound: %1. \u201CBackups...\u201D in the menu "
                                           "\u201CStation\u201D restores an earlier state.")
                                            .arg(report.Summary);
@@ -205,7 +206,7 @@ void MainWindow::CompactFile()
     if (!result)
         return;
     Words::Tell(tr("The station was compacted: %1, as before. Its file takes %2; before it took %3.%4")
-                    .arg(result->After.Words(), SizeWords(result->SizeAfter), SizeWords(result->SizeBefore),
+                    .arg(result->AfterWords(), SizeWords(result->SizeAfter), SizeWords(result->SizeBefore),
                          KeptWords(*result)));
 }
 

@@ -83,17 +83,19 @@ StationReplacing::Result Replace(Work&& work)
 
 void PrintResult(const Arguments& arguments, QJsonObject result, const StationReplacing::Result& done)
 {
+    const auto jsonOf = [](const std::optional<StationCounts>& counts) {
+        return counts ? QJsonValue(counts->Json()) : QJsonValue();
+    };
     const bool isKept = !done.KeepName.isEmpty();
     if (arguments.Has(JsonOption)) {
-        result.insert(QStringLiteral("before"), done.Before ? QJsonValue(done.Before->Json()) : QJsonValue());
-        result.insert(QStringLiteral("after"), done.After.Json());
+        result.insert(QStringLiteral("before"), jsonOf(done.Before));
+        result.insert(QStringLiteral("after"), jsonOf(done.After));
         result.insert(QStringLiteral("kept"), isKept ? QJsonValue(done.KeepName) : QJsonValue());
         Terminal::PrintJson(result);
         return;
     }
-    Terminal::PrintLine(
-        QStringLiteral("before: %1").arg(done.Before ? done.Before->Words() : QStringLiteral("not readable")));
-    Terminal::PrintLine(QStringLiteral("after: %1").arg(done.After.Words()));
+    Terminal::PrintLine(QStringLiteral("before: %1").arg(done.Before ? done.Before->Words() : QStringLiteral("not readable")));
+    Terminal::PrintLine(QStringLiteral("after: %1").arg(done.AfterWords()));
     if (isKept)
         Terminal::PrintLine(QStringLiteral("The old file is kept as %1").arg(done.KeepName));
 }

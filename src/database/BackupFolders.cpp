@@ -16,6 +16,7 @@
 namespace
 {
 const QString Section = QStringLiteral("Details");
+constexpr int Readings = 8;
 constexpr auto AllFolders = QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot;
 
 QString DetailsIn(const QString& folder)
@@ -128,13 +129,21 @@ dao::FileReport::State BackupFolders::StateOf(const QString& databaseFile)
 {
     dao::FileReport report{
         .Verdict = dao::FileReport::State::Damaged, .IsStructureSound = false, .Faults = {}, .Memos = {}};
-    DatabaseInformation scratch;
-    PendingError unreadable;
-    unreadable.Try([&] {
-        // What it says of itself comes first, as it does when a station is opened.
-        if (DAO_DatabaseFunctions::GetDatabaseInformation(databaseFile, scratch, false, QString()) == 0)
-            report = dao::DBEngine::ExamineDatabase(databaseFile);
-    });
+    // Another program may put a newer copy into the folder of this minute while the older one is read.
+    for (int reading = 1; reading <= Readings; ++reading) {
+        DatabaseInformation scratch;
+        PendingError failure;
+        failure.Try([&] {
+            // What it says of itself comes first, as it does when a station is opened.
+            const qint16 code = DAO_DatabaseFunctions::GetDatabaseInformation(databaseFile, scratch, false, QString());
+            if (code == 0)
+                report = dao::DBEngine::ExamineDatabase(databaseFile);
+            else
+                failure.Set(code, QString());
+        });
+        if (failure.Number() != dao::errFileReplaced)
+            break;
+    }
     return report.Verdict;
 }
 

@@ -147,6 +147,7 @@ TEST_F(ExchangeUnderLoad, NothingThatWasAcknowledgedIsLostAndNoNumberIsGivenTwic
     RemoveKept();
     Repeat("compact", {QStringLiteral("--yes")});
     Repeat("restore", {QStringLiteral("--yes")});
+    Repeat("backup");
     WorkFor(seconds / 2);
     EXPECT_GT(Successes_.value("restore"), 0);
     // What was acknowledged so far may be what a restore took back; what comes now may not.

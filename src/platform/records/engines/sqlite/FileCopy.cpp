@@ -234,7 +234,9 @@ private:
         int hasMoved = 0;
         sqlite3_file_control(Connection_.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
         const int code = sqlite3_file_control(Connection_.Handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
-        if (code != SQLITE_OK || file == nullptr || file->pMethods == nullptr || hasMoved != 0)
+        if (hasMoved != 0)
+            throw FileExchanged(Connection_.FileName());
+        if (code != SQLITE_OK || file == nullptr || file->pMethods == nullptr)
             RaiseUnreadable();
         const int read = file->pMethods->xRead(file, data, static_cast<int>(size), offset);
         if (read != SQLITE_OK && read != SQLITE_IOERR_SHORT_READ)
