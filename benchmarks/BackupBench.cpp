@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "BenchStation.h"
 #include "Measure.h"
 #include "Subjects.h"

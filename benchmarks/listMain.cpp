@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Measures the lists of messages and prizes, and the start of the desk, against the bare libraries underneath it.
 
 #include "BenchStation.h"

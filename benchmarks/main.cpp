@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Measures Tolva against the bare libraries underneath it.
 
 #include "BenchStation.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The libraries that the tree stands on. docs/dependencies.md gives the reason for each.
 
 find_package(PkgConfig REQUIRED)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What `cmake --install` installs of the programs, and the Debian packages that cpack makes of it all.
 include(GNUInstallDirs)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What nearly every source includes of the standard library and of Qt, read once a target instead of once a source: more than half of
 # the time of a build. Only headers that change with the system stand here, so that a change to one of ours builds what includes it
 # and nothing else. A source includes what it uses all the same; the presets tidy and coverage build without and prove it.

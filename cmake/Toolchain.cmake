@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Language level, warnings and instrumentation for every target of the tree.
 
 set(CMAKE_CXX_STANDARD 20)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any markup becomes a page, a fragment and a text without a fault, and what was written out is never much larger than
 // what came in.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any bytes as a profile file: a value that is set is read back, also from the bytes that would be written, and what
 // stood there before for another key stays.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any text, with any value set in it: the value is read back, and setting it again changes nothing.
 
 #include "common/GeneralHelper.h"

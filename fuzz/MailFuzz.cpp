@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any octets are a mail: they read without a fault, stay as they were, and a change of one thing leaves the others.
 
 #include "platform/mail/Message.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any page goes the whole way to paper and to the pane: parsed, made safe and laid out, and nothing on the way ends the
 // program. What takes long is the runner's to find (-timeout).
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any page is made safe without a fault, and what was made safe holds nothing to withhold any more.
 
 #include "platform/html/PlainText.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Any bytes as a file of business cards: what is read of them is read again from what is written of it, in each
 // version.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The safe page of a mail; seeds and finds are in tests/data/html.
 tolva_add_fuzz_target(safeHtmlFuzz SafeHtmlFuzz.cpp)
 # The page in memory; seeds are in tests/data/html too, finds in tests/data/htmldocument/finds.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Headers that hosts include. Each compiles alone; what they include stands here as well.
 set(publicHeaders
     common/ClockHelper.h

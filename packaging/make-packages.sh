@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes the Debian packages of the programs, the library and its headers in build/release/packages/.
 set -euo pipefail
 # shellcheck source=scripts/setup.sh

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the packages in a bare Debian 12 that is made for it, uses them there as a user without rights, builds the example host from
 # the installed headers, takes the packages away again and looks whether the station is still whole.
 # Needs root and debootstrap; fetches the base system and what the packages depend on.

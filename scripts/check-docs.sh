@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Proves that the pages name what is there: links and their headings, pictures, files and folders of the tree, code that is told to be
 # an excerpt of examples/, and with PROGRAM, which is tolva, its commands and options.
 #   scripts/check-docs.sh [PROGRAM]

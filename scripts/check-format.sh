@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Proves that the C++ sources stand as .clang-format says.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Proves that no include goes against the arrows: platform <- core (common, database, messages, prizes) <- controls, and that
 # platform and core know nothing of Gui or Widgets.
 set -euo pipefail

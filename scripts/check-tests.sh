@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Proves that every test case that is written down was built into a test binary and is known to ctest, so that no file is left out of a build list
 # and no case is switched off in silence, and that each case that skips itself gives its reason.
 #   scripts/check-tests.sh BUILD

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs the tests instrumented for coverage and says which part of the lines they reach. Ends with 1 where a layer is below its limit.
 set -euo pipefail
 # shellcheck source=scripts/setup.sh

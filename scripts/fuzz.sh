@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Fuzzes every parser for a while, from the data of the tests. Ends with 1 at the first find, whose file it names.
 #   scripts/fuzz.sh [SECONDS]      seconds for each parser, 60 without it
 set -euo pipefail

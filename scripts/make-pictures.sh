@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Takes the pictures of docs/ anew: the desk saves pictures of itself on the sample station, and those that the pages show are kept.
 #   scripts/make-pictures.sh TOLVA TOLVA-DESK
 set -euo pipefail

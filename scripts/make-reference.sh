@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes the reference of the library's public headers in build/reference/html. A comment that Doxygen cannot follow fails it.
 set -euo pipefail
 # shellcheck source=scripts/setup.sh

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes the sample station of samples/ (samples/README.md describes it).
 #   scripts/make-sample-station.sh TOLVA FOLDER
 # TOLVA is the program, FOLDER the station to make. One that stands already is left alone. The station grows in a folder

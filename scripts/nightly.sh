@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The long forms of the tests that let several programs work on one station at once, or kill them at random moments: ten minutes of two
 # desks and a mail server, three of filing beside compact and restore, 500 kills each. Needs what ./test built.
 #   scripts/nightly.sh

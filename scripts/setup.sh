@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Set-up that run, test and bench share: packages, configuring, building. Sourced, not run.
 # shellcheck shell=bash
 

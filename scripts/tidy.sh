@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs clang-tidy on the sources that differ from an earlier state: those of the last commit and what is not committed
 # yet, or everything since BASE. A header stands for the source of its name. The whole tree is the tidy preset's.
 #   scripts/tidy.sh [BASE]      needs a configured and built build/dev

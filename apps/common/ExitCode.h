@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 /// What the program answers to whoever started it; the numbers are those of sysexits.h, which mail servers know.

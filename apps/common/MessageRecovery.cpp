@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "MessageRecovery.h"
 
 #include "StationPlace.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "StationCheck.h"
 
 #include "Failure.h"

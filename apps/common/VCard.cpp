@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading: what of a business card goes where in a contact. VCardLines takes the file apart, VCardWrite.cpp writes.
 
 #include "VCard.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writing business cards, in each of the three versions.
 
 #include "VCard.h"

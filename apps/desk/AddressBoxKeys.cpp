@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The keys of a box for recipients: what the units leave aside acts as in any other box.
 
 #include "AddressBox.h"

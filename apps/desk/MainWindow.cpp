@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The desk's main window: what it is made of and what it does with the events of the list.
 
 #include "MainWindow.h"

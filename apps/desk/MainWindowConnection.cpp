@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The main window's watch over its station: what cannot be reached is said, and tried again.
 
 #include "MainWindow.h"

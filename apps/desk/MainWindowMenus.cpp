@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The main window's menus, keys and tool bar.
 
 #include "Appearance.h"

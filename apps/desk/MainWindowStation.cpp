@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The main window's menu "Station": settings, backups, the file and labels.
 
 #include "BackupsDialog.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva-pdf: an HTML page as a PDF file. Nothing on the page runs and nothing is fetched for it. Needs no display.
 
 #include "FileOutput.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ArgumentParser.h"
 
 #include "Failure.h"

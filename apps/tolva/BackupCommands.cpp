@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva backup and tolva backups: making backups, and listing them.
 
 #include "Commands.h"

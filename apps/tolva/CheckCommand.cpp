@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva check: reads a whole station and says what is wrong with it.
 
 #include "CollectingUserInterface.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva contacts: whom the station knows.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva file: puts messages that arrived into the station.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva folders: the tree of folders, and its changes.
 
 #include "Commands.h"

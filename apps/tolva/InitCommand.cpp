@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva init: makes a station.
 
 #include "Commands.h"

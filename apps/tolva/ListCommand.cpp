@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva list: what messages there are.
 
 #include "Commands.h"

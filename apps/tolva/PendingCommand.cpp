@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva pending: the messages that wait to be sent, for a mailer that sends them.
 
 #include "Commands.h"

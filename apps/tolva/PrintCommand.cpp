@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva print: messages on pages, as an HTML page or a PDF file.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva prize award, winners and remove-winner: who won a prize.
 
 #include "AwardCheck.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva prize: one prize, its hours and its winners.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva prize show, add, edit and delete.
 
 #include "DisplayText.h"

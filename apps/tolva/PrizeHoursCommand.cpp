@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva prize hours: when a prize may be given away.
 
 #include "PrizeForms.h"

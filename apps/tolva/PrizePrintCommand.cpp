@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva prize print: a prize as an HTML page or a PDF file.
 
 #include "PageOutput.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva recover: one damaged message back from a backup.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva rekey: the search keys of all messages in the form of today.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva restore and tolva compact: putting another file in the place of a station's.
 
 #include "CollectingUserInterface.h"

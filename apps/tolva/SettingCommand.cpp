@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva setting: the named values of the station.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva users: who may do what at the station.
 
 #include "Commands.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The messages of a station beside the one that is selected: contact-desk FOLDER USER
 
 #include <QApplication>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Files the mail on standard input into a station and says how many wait there unread: file-a-mail FOLDER USER
 
 #include <QCoreApplication>

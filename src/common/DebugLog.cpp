@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"

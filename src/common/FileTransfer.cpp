@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "common/DurableFile.h"
 #include "common/FileHelper.h"
 #include "common/PendingError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 /// Where random numbers come from. Tests install one that gives the numbers they want.

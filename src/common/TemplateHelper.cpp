@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "common/TemplateHelper.h"
 
 QString TemplateHelper::ReplaceTag(const QString& text, const QString& tag, const QString& value, TagValue option)

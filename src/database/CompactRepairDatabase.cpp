@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Compacting a database by way of a fresh file, the old content kept beside it.
 
 #include "common/FileDialog.h"

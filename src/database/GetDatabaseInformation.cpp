@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading what a database file says of itself.
 
 #include "common/FileHelper.h"

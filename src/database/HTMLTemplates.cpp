@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The page templates beside a database: brought up to date from the installed set at each open, and found by name.
 
 #include "common/FileHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening and closing a station: the steps of cTolvaDatabase in their order.
 
 #include "common/ClockHelper.h"

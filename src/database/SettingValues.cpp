@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of a Settings table.
 
 #include "common/PendingError.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The settings of a station that cTolvaDatabase reads and writes.
 
 #include "common/ClockHelper.h"

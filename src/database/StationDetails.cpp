@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a station is called and where it is reached, and what it plays: properties of cTolvaDatabase.
 
 #include "common/FileHelper.h"

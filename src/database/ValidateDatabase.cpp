@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Creating a database file, and completing the Description table that every database has.
 
 #include "common/FileHelper.h"

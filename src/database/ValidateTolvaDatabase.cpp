@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The structure of a station database: the checks of cTolvaDatabase, and its locking mode.
 
 #include "common/PendingError.h"

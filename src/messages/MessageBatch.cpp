@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Storing several messages in one step, and finding one by what would be stored of it.
 
 #include "common/PendingError.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The folders of messages: the category operations of cTolvaDatabase.
 
 #include "common/PendingError.h"

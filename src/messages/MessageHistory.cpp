@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // cTolvaDatabase::FillMessagesListView: what a contact and the station wrote to each other.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // cTolvaDatabase::RewriteMessageKeys: search keys in the form of today for messages that were saved in another one.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A message's row in the table Messages: cMessage's reading and writing.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The message operations of cTolvaDatabase: fetching, saving, copying, moving, deleting, and the change stamp.
 
 #include "common/PendingError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "messageslist/CategoryTreeFill.h"
 
 #include "platform/directory/clsCategory.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keeping the messages list in step with what other computers change: its rows and its folders.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 
 /// The columns of the messages list's grid. The first is the hidden key of the row.

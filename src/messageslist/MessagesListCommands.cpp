@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The commands of the messages list. What needs a window is handed to the host in an event.
 
 #include "common/FileDialog.h"

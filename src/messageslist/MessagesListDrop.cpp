@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is dragged onto the tree of folders: messages of this program, its folders, and mail files from outside.
 
 #include "common/kvGeneral.h"

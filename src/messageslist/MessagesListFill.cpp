@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Filling the messages list.
 
 #include "database/cTolvaDatabase.h"

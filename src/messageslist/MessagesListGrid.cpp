@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The grid's keys and mouse in the messages list, and the drag of a message out of it.
 
 #include "common/FileHelper.h"

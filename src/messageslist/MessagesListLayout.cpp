@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The controls of the messages list and where they lie.
 
 #include "messageslist/MessagesListHandler.h"

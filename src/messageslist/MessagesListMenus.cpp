@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The two popup menus of the messages list and the enabling of their entries.
 
 #include "database/cTolvaDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The query of the messages list: what UpdateDisplay asks the database for.
 
 #include "database/cTolvaDatabase.h"

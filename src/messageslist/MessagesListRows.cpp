@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of the messages list: what a message looks like in the grid.
 
 #include "common/GeneralHelper.h"

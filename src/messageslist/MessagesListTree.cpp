@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tree of folders in the messages list: choosing, renaming, making, deleting and emptying folders.
 
 #include "database/cTolvaDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Making, wiring and properties of the messages list.
 
 #include "messageslist/uMessagesList.h"

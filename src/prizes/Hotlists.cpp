@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The hotlists of available hours: cTolvaDatabase stores them among the settings, under names that the user gives.
 
 #include "common/UserInterface.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What prizes have to do with one contact: cTolvaDatabase fills the host's list of them and counts the wins.
 
 #include "common/ListViewObject.h"

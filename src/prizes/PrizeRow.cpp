@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of prizes and their winners: how cPrize and cPrizeWinner read and write the tables Prizes and PrizeWinners.
 
 #include "common/UserInterface.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The prize operations of cTolvaDatabase: fetching, saving, deleting, and the change stamp.
 
 #include "common/PendingError.h"

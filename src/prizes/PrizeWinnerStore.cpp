@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The winner operations of cTolvaDatabase: who won which prize, and the rule that no prize has more winners than units.
 
 #include "common/PendingError.h"

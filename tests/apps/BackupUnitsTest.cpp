@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The units that let systemd make the backup of every night, as far as they can be tried without a running systemd.
 
 #include "CommandLineTest.h"

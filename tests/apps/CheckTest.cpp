@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva check, and what the other commands say to a damaged station.
 
 #include "CommandLineTest.h"

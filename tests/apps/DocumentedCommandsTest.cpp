@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the pages tell their readers to type, typed in order: the lines in their blocks of code that need no root. The
 // list of those that are tried elsewhere, or cannot be, is at the end.
 

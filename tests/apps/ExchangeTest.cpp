@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Compacting and restoring a station while others file, read and have their desks open, and when it is ended by force.
 
 #include "CommandLineTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Loaded in front of the C library, this lets the n-th call that changes a file fail, or end the process there:
 // FAIL_AT=n the n-th call answers with "no space left"; FAIL_FROM=n that one and all later ones; KILL_AT=n the process
 // is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends, SYNC_LOG

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Filing in batches: what was told as filed is there whatever happens, nothing is there twice, and others get their
 // turn.
 

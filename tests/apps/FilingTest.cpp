@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva file: mails from every source, octet by octet.
 
 #include "CommandLineTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva folders, and how folders are named on the command line.
 
 #include "CommandLineTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Files that commands write on a disk that fails: the code is 74, the words say which file and why, and what was there
 // before is there.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The scripts of the page on hooking up, as they stand there, run by the shell that they name. Only the places are this
 // test's, and the mailer and the daemon are scripts that write down what they got.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Filing that is ended from outside: what was acknowledged is in the station, and the station is sound.
 
 #include "CommandLineTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Links that somebody put where a program is about to write: nothing elsewhere is written through them, and the station
 // never becomes one.
 

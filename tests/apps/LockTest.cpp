@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A station that another program holds, and two programs at work on one station.
 
 #include "CommandLineTest.h"

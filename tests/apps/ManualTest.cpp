@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The manual page and the page on the command line against what the program says of itself.
 
 #include "CommandLineTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What this account may not do, in words that fit.
 
 #include "CommandLineTest.h"

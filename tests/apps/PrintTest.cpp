@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva print and tolva-pdf.
 
 #include "CommandLineTest.h"

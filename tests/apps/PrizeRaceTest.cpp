@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Two computers at one prize, one of them held up between any two of its steps, or killed there or at any moment.
 
 #include "CommandLineTest.h"

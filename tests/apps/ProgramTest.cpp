@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program as a whole: its help, what it does not understand, and the making of a station.
 
 #include "CommandLineTest.h"

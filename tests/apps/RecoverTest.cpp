@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva recover, and what the other commands say of a message that was changed on the disk.
 
 #include "CommandLineTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva rekey, and the country in whose form numbers are read.
 
 #include "CommandLineTest.h"

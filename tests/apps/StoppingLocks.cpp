@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Loaded in front of the C library, this lets a process stop (as by SIGSTOP) while it holds no lock of the station:
 // STOP_AT=n stops it in front of the n-th time that it is about to take the first lock of a read or a write of
 // Tolva.mdb. SIGCONT lets it go on.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How often a command waits for the disk: most of the time that it takes on a real one.
 
 #include "CommandLineTest.h"

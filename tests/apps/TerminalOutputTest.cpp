@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Nothing that others wrote steers a terminal: every command, on a station each text of which tries to.
 
 #include "CommandLineTest.h"

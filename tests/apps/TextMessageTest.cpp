@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // tolva file --sms, and files of text messages.
 
 #include "CommandLineTest.h"

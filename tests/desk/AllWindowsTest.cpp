@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every window and dialog of the desk by the keyboard alone, and as those hear it who do not see it.
 
 #include "AccessKeys.h"

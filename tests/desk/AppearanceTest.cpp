@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The program's own colours are to be read.
 
 #include "Appearance.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the desk shows of a message that was changed on the disk, and of a station any page of which is damaged.
 
 #include "Desk.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a program says of an error that nobody expected.
 
 #include "Failure.h"

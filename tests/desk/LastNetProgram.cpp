@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A program whose event handlers throw, below the desk's application: prints what the user would be shown.
 
 #include "DeskApplication.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Taking back what was deleted or moved at this desk.
 
 #include "MoveUndo.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // From a recipient to the contact, and the contacts that recipients are completed from.
 
 #include "AddressBox.h"

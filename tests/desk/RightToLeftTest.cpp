@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is written from right to left, and windows that are laid out so.
 
 #include "platform/widgets/FlexGrid.h"

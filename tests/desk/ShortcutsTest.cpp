@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The keys of the desk's windows: none means two things, and those who read about them read the truth.
 
 #include "AccessKeys.h"

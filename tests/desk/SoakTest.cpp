@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Two real desks and the command line on one station: one desk marks, moves and awards without pause while mail is
 // filed, the other one only looks on. In the end both show what the file holds, row for row. TOLVA_SOAK_SECONDS
 // lengthens it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "CollectingUserInterface.h"
 #include "ComposeWindow.h"
 #include "Desk.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs the example host on a station and looks at what it shows: exampleTest FOLDER USER. 0 when it shows the messages
 // of the station and the one that is selected.
 

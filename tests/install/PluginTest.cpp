@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Loads the plugin as Qt Designer does: pluginTest PLUGIN NAME... 0 when it offers exactly these controls, each with
 // all that the widget box and the property editor show.
 

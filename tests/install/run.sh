@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the library into an empty folder and uses it from there as a stranger would: the example host is built and run, the plugin is
 # loaded as Qt Designer does it, each public header is compiled alone, and what the library shows to others is looked at.
 #   tests/install/run.sh BUILD

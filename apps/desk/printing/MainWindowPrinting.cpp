@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Printing messages and prizes from the desk's main window.
 
 #include "DeskSettings.h"

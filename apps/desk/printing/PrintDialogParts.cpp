@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the print dialog is made of.
 
 #include "DeskSettings.h"

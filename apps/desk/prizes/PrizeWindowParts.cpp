@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The prize window's parts, and what they show.
 
 #include "DeskStation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "common/dialogs/frmGoodInputBox.h"
 
 #include "platform/widgets/SystemColour.h"

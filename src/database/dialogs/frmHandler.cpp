@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "database/dialogs/frmHandler.h"
 
 #include "platform/widgets/Contrast.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "database/watch/ListReads.h"
 
 bool ReadFailures::Take(const dao::Error& error)

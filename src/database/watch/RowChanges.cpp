@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "database/watch/RowChanges.h"
 
 #include "platform/records/Recordset.h"

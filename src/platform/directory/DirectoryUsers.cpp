@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The users of an embedded directory: signing in, and what its technician changes.
 
 #include "platform/directory/DirectoryTables.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/directory/EmbeddedDirectoryUser.h"
 
 #include "platform/directory/DirectoryTables.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The files of the machine, as POSIX has them.
 
 #include "platform/files/FileSystem.h"

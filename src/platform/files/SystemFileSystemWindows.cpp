@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The files of the machine, as Windows has them.
 
 #include "platform/files/FileSystem.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/html/Colours.h"
 #include "platform/html/PageElements.h"
 #include "platform/html/PageTag.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/SnapshotRecordset.h"
 
 #include "platform/records/TextCodec.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/StoreDatabase.h"
 
 #include "platform/records/DynasetRecordset.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/StoreQueryDef.h"
 
 #include "platform/records/StoreDatabase.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/TableRecordset.h"
 
 #include "platform/records/TextCodec.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/widgets/ListView.h"
 
 #include "platform/widgets/TextDelegate.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/widgets/PageView.h"
 
 #include "platform/html/PlainText.h"

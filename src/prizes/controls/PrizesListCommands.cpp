@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The commands of the prizes list. What needs a window is handed to the host in an event.
 
 #include "common/UserInterface.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The query of the prizes list, its filling, and keeping it in step with what other computers change.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The grid's keys and mouse in the prizes list, and the drag of a prize out of it.
 
 #include "platform/widgets/DragData.h"

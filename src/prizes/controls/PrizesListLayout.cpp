@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The controls of the prizes list and where they lie.
 
 #include "platform/widgets/CategoryTreeView.h"

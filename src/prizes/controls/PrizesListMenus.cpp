@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The popup menu of the prizes list and the enabling of its entries.
 
 #include "platform/widgets/FlexGrid.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of the prizes list: what a prize looks like in the grid.
 
 #include "platform/widgets/FlexGrid.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tree of the kinds of prize lists.
 
 #include "platform/widgets/CategoryTreeView.h"

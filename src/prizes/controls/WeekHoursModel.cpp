@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "prizes/controls/WeekHoursModel.h"
 
 #include "prizes/PrizeHour.h"

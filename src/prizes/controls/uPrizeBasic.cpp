@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "prizes/controls/uPrizeBasic.h"
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The user interface as real dialogs.
 
 #include "common/dialogs/DialogUserInterface.h"

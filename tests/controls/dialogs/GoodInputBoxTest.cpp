@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // GoodInputBox: the function that asks for one line of text.
 
 #include "common/dialogs/frmGoodInputBox.h"

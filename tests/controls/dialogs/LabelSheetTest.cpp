@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Labels as they come out on paper.
 
 #include "common/dialogs/LabelSheet.h"

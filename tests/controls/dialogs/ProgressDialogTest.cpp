@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The display of a long piece of work.
 
 #include "common/dialogs/ProgressDialog.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The real file dialog.
 
 #include "common/dialogs/QtFileDialog.h"

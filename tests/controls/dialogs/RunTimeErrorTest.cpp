@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the user is told of a run-time error.
 
 #include "common/GeneralHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog of the directory's users.
 
 #include "common/dialogs/frmDirectoryUsers.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The input box's form in its other modes.
 
 #include "common/dialogs/frmGoodInputBox.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The notice that a backup is under way.
 
 #include "database/dialogs/frmHandler.h"

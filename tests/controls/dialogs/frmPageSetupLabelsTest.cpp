@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog of a sheet of labels.
 
 #include "common/dialogs/frmPageSetupLabels.h"

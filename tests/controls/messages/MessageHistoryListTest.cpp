@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A contact's messages in the real list.
 
 #include "core/support/StationTest.h"

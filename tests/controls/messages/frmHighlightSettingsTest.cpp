@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog of the words that are marked in messages.
 
 #include "messages/dialogs/frmHighlightSettings.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the messages list hands to its host, and deleting.
 
 #include "messageslist/ErrorCatcher.h"

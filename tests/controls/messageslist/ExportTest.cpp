@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Exporting a message to a file.
 
 #include "common/dialogs/RunTimeErrorText.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Mail files from outside that are dropped on the tree.
 
 #include "messageslist/FolderTest.h"

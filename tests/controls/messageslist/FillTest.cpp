@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the grid's rows come about, and which of them is selected afterwards.
 
 #include "messageslist/FilledListTest.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "messageslist/FilledListTest.h"
 
 #include "platform/records/DBEngine.h"

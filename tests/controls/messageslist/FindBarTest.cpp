@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The find bar and the button for a new message.
 
 #include "messageslist/FilledListTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Making, deleting and emptying folders in the tree.
 
 #include "messageslist/FolderTest.h"

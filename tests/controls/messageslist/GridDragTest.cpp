@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Dragging a message out of the grid.
 
 #include "messageslist/FilledListTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keys and mouse on the grid.
 
 #include "messageslist/FilledListTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a message looks like in its row.
 
 #include "messageslist/FilledListTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the controls of the list lie, and what its properties show and hide.
 
 #include "messageslist/FilledListTest.h"

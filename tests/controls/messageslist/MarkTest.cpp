@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Marking messages as read and unread: one, those of the grid, those of the query.
 
 #include "messageslist/MessageCommandTest.h"

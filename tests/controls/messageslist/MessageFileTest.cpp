@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Messages as files: writing and reading .eml.
 
 #include "messageslist/MessageFile.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // When the list is filled, what it guards against meanwhile, and what stands when it is done.
 
 #include "messageslist/FilledListTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keeping in step with other computers, and with what this program itself saves and deletes.
 
 #include "common/ClockHelper.h"

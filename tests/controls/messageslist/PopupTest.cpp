@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The popup of the grid: its entries and which of them are enabled and visible.
 
 #include "messageslist/FilledListTest.h"

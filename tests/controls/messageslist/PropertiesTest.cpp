@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The properties that a host's form stores, and the choice of a folder.
 
 #include "messageslist/FilledListTest.h"

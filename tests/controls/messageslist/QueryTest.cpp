@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The query text, letter for letter, and what it finds.
 
 #include "messageslist/ErrorCatcher.h"

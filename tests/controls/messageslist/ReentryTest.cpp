@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a host does to the list and its station within the list's events, and a file that does not answer for a while.
 
 #include "common/ClockHelper.h"

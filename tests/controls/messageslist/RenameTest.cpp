@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Renaming folders in the tree.
 
 #include "messageslist/ErrorCatcher.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Dragging a folder out of the tree.
 
 #include "messageslist/FolderTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Messages and folders of this program that are dropped on the tree.
 
 #include "messageslist/ErrorCatcher.h"

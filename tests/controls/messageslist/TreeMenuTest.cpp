@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The popup menu of the folders: its entries, and which of them are offered when.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tree of folders in the messages list: what it shows, choosing by mouse and keys, refreshing.
 
 #include "messageslist/FolderTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What other computers store shows, whatever is done here at the same time; and it costs the rows that changed.
 
 #include "common/ClockHelper.h"

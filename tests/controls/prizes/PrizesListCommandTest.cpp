@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The find bar, keys, mouse, menu, drag and commands of the prizes list.
 
 #include "platform/widgets/DragData.h"

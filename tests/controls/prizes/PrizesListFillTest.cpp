@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Filling, polling, and what may happen while a fill lets the window answer.
 
 #include "messageslist/ErrorCatcher.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which prizes each kind shows, and in what words.
 
 #include "platform/widgets/Icons.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "prizes/controls/WeekHours.h"
 
 #include "prizes/cPrize.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "prizes/dialogs/frmHotlist.h"
 
 #include "common/dialogs/DialogUserInterface.h"

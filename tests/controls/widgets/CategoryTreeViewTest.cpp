@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tree whose nodes have keys.
 
 #include "platform/widgets/CategoryTreeView.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a drag carries, and how a drag is run.
 
 #include "platform/widgets/DragData.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/widgets/FlexGridDelegate.h"
 #include "platform/widgets/SystemColour.h"
 #include "widgets/FlexGridFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tab strip, the tool bar, the overlay panel and the find box by themselves.
 
 #include "platform/widgets/FindBox.h"

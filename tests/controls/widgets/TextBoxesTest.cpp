@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Boxes for texts and numbers.
 
 #include "platform/widgets/TextBoxes.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What backups, restores and compactions do with files themselves, on a disk that fails at every call in turn and loses
 // its power. No database is needed for it.
 

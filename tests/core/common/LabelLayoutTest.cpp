@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where labels lie on sheets.
 
 #include "common/LabelLayout.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Backing up an open station.
 
 #include "core/support/StationTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // When automatic backups are made.
 
 #include "database/BackupTimer.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The change stamp of a save, what a list makes of it, and which rows differ.
 
 #include "database/watch/ChangeStamp.h"

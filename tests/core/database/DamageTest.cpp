@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Damaged stations: what the library answers where it is told to answer, and which backup it offers.
 
 #include "common/FileHelper.h"

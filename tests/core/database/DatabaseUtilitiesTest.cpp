@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database as a file: making, reading and compacting it.
 
 #include "core/support/StationTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The page templates beside a database: the refresh at each open, and their names.
 
 #include "common/FileHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening and closing a station.
 
 #include "core/support/StationTest.h"

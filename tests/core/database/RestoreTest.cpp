@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The search for a backup when a database is found corrupted.
 
 #include "common/PendingError.h"

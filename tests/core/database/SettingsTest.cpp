@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Settings of a station, and its details.
 
 #include "core/support/StationTest.h"

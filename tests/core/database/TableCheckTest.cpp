@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Creating and completing the tables of a station database.
 
 #include "database/TableCheck.h"

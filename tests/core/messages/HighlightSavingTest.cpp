@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Highlight words as a message is saved.
 
 #include "core/support/StationTest.h"

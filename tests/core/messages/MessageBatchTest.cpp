@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Several messages stored in one step.
 
 #include "core/support/StationTest.h"

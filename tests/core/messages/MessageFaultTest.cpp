@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A disk that fails at any of the writes behind a message: the message and the change stamp are stored together.
 
 #include "core/support/StationTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The messages to and from one contact, filled into a host's list.
 
 #include "common/ClockHelper.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The keys of messages that stand already, written anew in the form of today.
 
 #include "core/support/StationTest.h"

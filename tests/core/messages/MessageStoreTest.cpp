@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Fetching, saving, copying, moving and deleting messages of a station.
 
 #include "core/support/StationTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The order in which tags are filled, what surrounds them, and what large messages cost.
 
 #include "core/messages/TemplateFilling.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The templates that come with the programs, and the guide to their tags.
 
 #include "core/messages/TemplateMails.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rules of giving prizes away.
 
 #include "prizes/Awarding.h"

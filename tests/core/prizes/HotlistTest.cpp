@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Hotlists of available hours: the settings rows behind the dialog.
 
 #include "core/prizes/PrizeTest.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A disk that fails at any of the writes behind a prize: what was acknowledged is there, what was refused says why.
 
 #include "core/prizes/PrizeTest.h"

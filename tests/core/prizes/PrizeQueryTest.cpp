@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which prizes the kinds of lists show.
 
 #include "prizes/PrizeQuery.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Fetching, saving and deleting prizes.
 
 #include "core/prizes/PrizeTest.h"

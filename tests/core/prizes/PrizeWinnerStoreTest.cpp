@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Awarding prizes: the allocation rule, the counts and the slots.
 
 #include "core/prizes/PrizeTest.h"

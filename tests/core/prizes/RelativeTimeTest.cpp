@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Past moments in the words that a presenter would say.
 
 #include "prizes/RelativeTime.h"

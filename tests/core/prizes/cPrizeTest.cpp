@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A prize in memory: what its setters do, its hours and its dates.
 
 #include "core/prizes/PrizeTest.h"

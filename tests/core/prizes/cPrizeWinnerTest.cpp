@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A winner in memory, made by the store.
 
 #include "core/prizes/PrizeTest.h"

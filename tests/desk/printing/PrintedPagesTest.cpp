@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Pages laid out on paper.
 
 #include "platform/widgets/PrintedPages.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Prizes in the print dialog: from their page, from their windows.
 
 #include "PrizeSheet.h"

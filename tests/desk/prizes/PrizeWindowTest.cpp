@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PrizeDeskTest.h"
 #include "prizes/PrizeHotlist.h"
 #include "prizes/controls/WeekHours.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A desk in a process of its own, driven by words on its standard input: "work" marks, moves and awards without pause,
 // "rest" ends that, "rows" prints what its list shows of the Inbox, "prizes" what its page of prizes shows, "end" ends
 // it. Each answer is one line.

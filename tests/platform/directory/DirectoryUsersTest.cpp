@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a directory's technician changes of its users.
 
 #include "platform/directory/Processes.h"

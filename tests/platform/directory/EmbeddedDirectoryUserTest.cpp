@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/directory/Processes.h"
 #include "platform/directory/TemporaryDirectory.h"
 #include "platform/records/DBEngine.h"

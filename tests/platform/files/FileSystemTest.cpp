@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The machine's files behind the seam: what each operation promises.
 
 #include "platform/files/FileSystem.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Files that appear whole, on a disk that fails at every call in turn and loses its power.
 
 #include "platform/files/WholeFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PageChecker.h"
 #include "platform/html/HtmlTree.h"
 #include "platform/html/PlainText.h"

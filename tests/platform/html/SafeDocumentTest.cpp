@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whole pages made safe, and the style sheets that they may keep.
 
 #include "platform/html/SafeDocument.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/ContentExchange.h"
 
 #include "platform/records/FaultVfs.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Copies of a database that others use.
 
 #include "platform/records/RecordsFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/EngineRegistry.h"
 
 #include "platform/records/engines/sqlite/SqliteEngine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/jetsql/ExpressionParser.h"
 
 #include "platform/records/jetsql/DateLiteral.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "MemoryDatabase.h"
 #include "platform/records/Error.h"
 #include "platform/records/jetsql/Parser.h"

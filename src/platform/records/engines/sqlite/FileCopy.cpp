@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/FileCopy.h"
 
 #include "platform/records/engines/sqlite/ChangeLog.h"

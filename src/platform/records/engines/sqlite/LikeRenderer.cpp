@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The members of ExpressionRenderer that render LIKE.
 
 #include "platform/records/engines/sqlite/ExpressionRenderer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/TextCodec.h"
 #include "platform/records/Values.h"
 #include "platform/records/engines/sqlite/FileFormat.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/StoreScopes.h"
 
 /// The caller's transactions: one of SQLite's, and savepoints for those inside it.
