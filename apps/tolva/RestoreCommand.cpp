@@ -96,7 +96,8 @@ void PrintResult(const Arguments& arguments, QJsonObject result, const StationRe
         Terminal::PrintJson(result);
         return;
     }
-    Terminal::PrintLine(QStringLiteral("before: %1").arg(done.Before ? done.Before->Words() : QStringLiteral("not readable")));
+    Terminal::PrintLine(
+        QStringLiteral("before: %1").arg(done.Before ? done.Before->Words() : QStringLiteral("not readable")));
     Terminal::PrintLine(QStringLiteral("after: %1").arg(done.AfterWords()));
     if (isKept)
         Terminal::PrintLine(QStringLiteral("The old file is kept as %1").arg(done.KeepName));
