@@ -3,7 +3,7 @@
 // Any bytes as a file of business cards: what is read of them is read again from what is written of it, in each
 // version.
 
-#include "VCard.h"
+#include "contacts/VCard.h"
 
 #include <cstdlib>
 

@@ -11,9 +11,9 @@ namespace dao
 class Database;
 }
 
-/// Whether the prizes of a station and its winners agree. They are two tables, written one after the other: a program
-/// that is killed in between leaves a winner who is not counted, a unit that is not given back, or winners of a prize
-/// that is deleted.
+/// Whether the prizes of a station and its winners agree. They are two tables, which other software may write one after
+/// the other: ended in between, it leaves a winner who is not counted, a unit that is not given back, or winners of a
+/// prize that is deleted.
 namespace WinnerCounts
 {
 

@@ -4,9 +4,9 @@
 #include "Addresses.h"
 #include "DisplayText.h"
 #include "HtmlText.h"
-#include "TextMessage.h"
 #include "common/ClockHelper.h"
 #include "database/cTolvaDatabase.h"
+#include "messages/TextMessage.h"
 
 #include <QLocale>
 #include <QMimeDatabase>

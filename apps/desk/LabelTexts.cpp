@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LabelTexts.h"
 
-#include "ContactOrder.h"
 #include "DeskStation.h"
+#include "contacts/ContactOrder.h"
 
 #include <QSet>
 

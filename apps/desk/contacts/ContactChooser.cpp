@@ -2,7 +2,7 @@
 #include "ContactChooser.h"
 
 #include "ContactDialog.h"
-#include "ContactOrder.h"
+#include "contacts/ContactOrder.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/ListView.h"
 

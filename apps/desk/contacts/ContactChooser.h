@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "ContactSearch.h"
+#include "contacts/ContactSearch.h"
 #include "platform/directory/EmbeddedDirectory.h"
 
 #include <QDialog>

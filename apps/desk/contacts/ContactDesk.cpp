@@ -4,8 +4,8 @@
 #include "ContactSaving.h"
 #include "ContactsWindow.h"
 #include "DeskStation.h"
-#include "SenderContact.h"
 #include "Words.h"
+#include "contacts/SenderContact.h"
 #include "platform/widgets/Icons.h"
 
 #include <QAction>

@@ -2,9 +2,9 @@
 #include "ContactHistory.h"
 
 #include "DeskStation.h"
-#include "SenderContact.h"
 #include "common/GeneralHelper.h"
 #include "common/UserInterface.h"
+#include "contacts/SenderContact.h"
 #include "messages/AddressKey.h"
 #include "platform/widgets/ListView.h"
 #include "prizes/PrizeRows.h"

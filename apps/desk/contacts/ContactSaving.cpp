@@ -2,10 +2,10 @@
 #include "ContactSaving.h"
 
 #include "ContactConflict.h"
-#include "ContactDuplicates.h"
 #include "ContactForm.h"
 #include "Words.h"
 #include "common/UserInterface.h"
+#include "contacts/ContactDuplicates.h"
 
 #include <QCoreApplication>
 

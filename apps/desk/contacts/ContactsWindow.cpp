@@ -5,12 +5,12 @@
 #include "ContactFiles.h"
 #include "ContactForm.h"
 #include "ContactHistory.h"
-#include "ContactOrder.h"
 #include "ContactSaving.h"
 #include "DeskStation.h"
 #include "FileNames.h"
 #include "Words.h"
 #include "common/UserInterface.h"
+#include "contacts/ContactOrder.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/ListView.h"
 

@@ -2,11 +2,11 @@
 #include "AwardFlow.h"
 
 #include "DeskStation.h"
-#include "SenderContact.h"
 #include "Words.h"
 #include "common/UserInterface.h"
 #include "contacts/ContactChooser.h"
 #include "contacts/ContactDialog.h"
+#include "contacts/SenderContact.h"
 #include "prizes/PrizeAwards.h"
 #include "prizes/PrizeChooser.h"
 

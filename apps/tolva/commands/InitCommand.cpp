@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// tolva init: makes a station.
+
+#include "Failure.h"
+#include "Station.h"
+#include "StationMaking.h"
+#include "Terminal.h"
+#include "commands/Commands.h"
+#include "common/GeneralHelper.h"
+#include "common/TerminalUserInterface.h"
+
+namespace
+{
+const QString NameOption = QStringLiteral("name");
+const QString PhoneOption = QStringLiteral("phone");
+const QString CountryOption = QStringLiteral("country");
+
+int Run(const Arguments& arguments)
+{
+    for (const QString& option : {NameOption, PhoneOption}) {
+        if (arguments.Value(option).trimmed().isEmpty())
+            throw Failure(exitUsage, QStringLiteral("A station needs --name NAME and --phone NUMBER."));
+    }
+    const QString country = arguments.Value(CountryOption, GeneralHelper::DefaultPhoneRegion());
+    if (GeneralHelper::ToPhoneRegion(country).isEmpty())
+        throw Failure(
+            exitUsage,
+            QStringLiteral("--country takes a country's two letters, such as GB; \"%1\" is none.").arg(country));
+    const QString& folder = arguments.Folder();
+    const QString user = Station::UserName(arguments);
+    TerminalUserInterface terminal;
+    StationMaking::Make(folder, arguments.Value(NameOption), arguments.Value(PhoneOption), user, terminal, country);
+    Terminal::PrintLine(QStringLiteral("Made the station \"%1\" in %2; its first user is %3.")
+                            .arg(arguments.Value(NameOption), folder, user));
+    return exitOK;
+}
+} // namespace
+
+CommandDefinition InitCommand()
+{
+    return {
+        QStringLiteral("init"),
+        QStringLiteral("Makes a new station."),
+        {QStringLiteral("init FOLDER --name NAME --phone NUMBER [--country CODE]")},
+        QStringLiteral(
+            "The folder is made when it is not there. With the station comes a directory of users, in\n"
+            "FOLDER/Directory, with one user who has all rights. A station that stands already is left alone."),
+        {{NameOption, QStringLiteral("NAME"), QStringLiteral("What the station is called.")},
+         {PhoneOption, QStringLiteral("NUMBER"), QStringLiteral("Its telephone number.")},
+         {CountryOption, QStringLiteral("CODE"),
+          QStringLiteral("In whose form numbers are read (else what this computer is set to, else GB).")},
+         {QStringLiteral("user"), QStringLiteral("NAME"),
+          QStringLiteral("The first user (else $TOLVA_USER, else Technician).")}},
+        QStringLiteral("tolva init /srv/station --name \"Harbour FM\" --phone \"01632 960100\""),
+        1,
+        1,
+        Run,
+    };
+}

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// tolva restore and tolva compact: putting another file in the place of a station's.
+
+#include "CollectingUserInterface.h"
+#include "Failure.h"
+#include "Station.h"
+#include "StationPlace.h"
+#include "StationReplacing.h"
+#include "Terminal.h"
+#include "commands/Commands.h"
+#include "common/ClockHelper.h"
+#include "common/FileHelper.h"
+#include "database/BackupFolders.h"
+
+namespace
+{
+const QString JsonOption = QStringLiteral("json");
+const QString YesOption = QStringLiteral("yes");
+
+bool IsConfirmed(const Arguments& arguments, const QString& question)
+{
+    if (arguments.Has(YesOption) || !Terminal::CanAsk())
+        return true;
+    MessageBoxRequest request;
+    request.Text = question;
+    request.Buttons = MessageBoxButtons::YesNo;
+    request.Icon = MessageBoxIcon::Question;
+    request.DefaultAnswer = MessageBoxAnswer::No;
+    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
+}
+
+BackupFolders::Backup NamedBackup(const QString& root, const QString& name)
+{
+    for (const BackupFolders::Backup& backup : BackupFolders::List(root)) {
+        if (backup.Name == name)
+            return backup;
+    }
+    throw Failure(exitData, QStringLiteral("There is no backup \"%1\" in %2. See: tolva backups").arg(name, root));
+}
+
+/// Why none is restored that was not named.
+Failure NoNewest(const QString& root)
+{
+    const Date now = ClockHelper::CurrentTime();
+    for (const BackupFolders::Backup& backup : BackupFolders::List(root)) {
+        if (BackupFolders::IsFromTheFuture(backup, now))
+            return Failure(exitNoInput, QStringLiteral("There is no sound backup in %1 from before now, which is %2 by "
+                                                       "this computer's clock. \"%3\" was made later. Set the clock "
+                                                       "right, or name the backup.")
+                                            .arg(root, now.GeneralDate(), backup.Name));
+    }
+    return Failure(exitNoInput, QStringLiteral("There is no sound backup in %1.").arg(root));
+}
+
+/// The backup to restore, read whole. Failure when there is none that can be.
+BackupFolders::Backup ChooseBackup(const Arguments& arguments, const QString& file)
+{
+    const QString root = BackupFolders::RootOf(file);
+    const QString fileName = FileHelper::FileNameOf(file);
+    if (arguments.Words().size() == 1) {
+        const BackupFolders::Backup newest = BackupFolders::NewestSound(root, fileName);
+        if (newest.Folder.isEmpty())
+            throw NoNewest(root);
+        return newest;
+    }
+    const BackupFolders::Backup named = NamedBackup(root, arguments.Words().at(1));
+    if (!BackupFolders::IsSound(FileHelper::Join(named.Folder, fileName)))
+        throw Failure(exitData, QStringLiteral("The backup \"%1\" is damaged; nothing was changed.").arg(named.Name));
+    return named;
+}
+
+/// Does the work; an end by the user is one by Ctrl-C here.
+template <typename Work>
+StationReplacing::Result Replace(Work&& work)
+{
+    try {
+        return work();
+    } catch (const Failure& failure) {
+        if (failure.Code() != exitInterrupted)
+            throw;
+        throw Failure(exitInterrupted, QStringLiteral("Ended early by Ctrl-C; nothing was changed."));
+    }
+}
+
+void PrintResult(const Arguments& arguments, QJsonObject result, const StationReplacing::Result& done)
+{
+    const auto jsonOf = [](const std::optional<StationCounts>& counts) {
+        return counts ? QJsonValue(counts->Json()) : QJsonValue();
+    };
+    const bool isKept = !done.KeepName.isEmpty();
+    if (arguments.Has(JsonOption)) {
+        result.insert(QStringLiteral("before"), jsonOf(done.Before));
+        result.insert(QStringLiteral("after"), jsonOf(done.After));
+        result.insert(QStringLiteral("kept"), isKept ? QJsonValue(done.KeepName) : QJsonValue());
+        Terminal::PrintJson(result);
+        return;
+    }
+    Terminal::PrintLine(
+        QStringLiteral("before: %1").arg(done.Before ? done.Before->Words() : QStringLiteral("not readable")));
+    Terminal::PrintLine(QStringLiteral("after: %1").arg(done.AfterWords()));
+    if (isKept)
+        Terminal::PrintLine(QStringLiteral("The old file is kept as %1").arg(done.KeepName));
+}
+
+int Restore(const Arguments& arguments)
+{
+    TerminalUserInterface under;
+    CollectingUserInterface terminal(under);
+    const QString file = StationPlace::FileIn(arguments.Folder());
+    const BackupFolders::Backup backup = ChooseBackup(arguments, file);
+    const QString copy = FileHelper::Join(backup.Folder, FileHelper::FileNameOf(file));
+    const StationCounts counts = StationCounts::Of(copy);
+    if (!IsConfirmed(arguments, QStringLiteral("Replace the station in %1 by the backup \"%2\" (%3)? What was filed "
+                                               "since is then only in the file that is kept.")
+                                    .arg(arguments.Folder(), backup.Name, counts.Words()))) {
+        Terminal::Complain(QStringLiteral("Nothing was changed."));
+        return exitDeclined;
+    }
+    PrintResult(arguments, {{QStringLiteral("name"), backup.Name}},
+                Replace([&] { return StationReplacing::Restore(arguments.Folder(), backup); }));
+    return exitOK;
+}
+
+int Compact(const Arguments& arguments)
+{
+    TerminalUserInterface under;
+    CollectingUserInterface terminal(under);
+    const QString& folder = arguments.Folder();
+    if (!StationPlace::HoldsStation(folder))
+        throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
+    if (!IsConfirmed(arguments, QStringLiteral("Compact the station in %1?").arg(folder))) {
+        Terminal::Complain(QStringLiteral("Nothing was changed."));
+        return exitDeclined;
+    }
+    const StationReplacing::Result done = Replace([&] { return StationReplacing::Compact(folder); });
+    PrintResult(arguments,
+                {{QStringLiteral("sizeBefore"), done.SizeBefore}, {QStringLiteral("sizeAfter"), done.SizeAfter}}, done);
+    return exitOK;
+}
+
+const QString NotAskedText =
+    QStringLiteral("Other programs may have the station open. One that works at that moment may end with 75: it has to "
+                   "try again.\n"
+                   "On a terminal you are asked first, unless --yes is given.\n"
+                   "The old file stays beside the new one as Tolva-0001.BAK, or the next free number. What the station "
+                   "held\n"
+                   "before and holds after is printed. --user is taken for the sake of scripts and not used.");
+} // namespace
+
+CommandDefinition RestoreCommand()
+{
+    return {
+        QStringLiteral("restore"),
+        QStringLiteral("Puts a backup in the place of a station."),
+        {QStringLiteral("restore FOLDER [NAME] [--yes] [--json]")},
+        QStringLiteral("NAME is a backup as \"tolva backups\" names it; without it the newest one that is sound is "
+                       "taken. A damaged\n"
+                       "backup is refused.\n") +
+            NotAskedText,
+        {{YesOption, QString(), QStringLiteral("Does not ask.")},
+         {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
+         Station::UserOption()},
+        QStringLiteral("tolva restore /srv/station \"2026-11-21 14.05\""),
+        1,
+        2,
+        Restore,
+    };
+}
+
+CommandDefinition CompactCommand()
+{
+    return {
+        QStringLiteral("compact"),
+        QStringLiteral("Writes a station's file anew, smaller and with its indexes repaired."),
+        {QStringLiteral("compact FOLDER [--yes] [--json]")},
+        NotAskedText,
+        {{YesOption, QString(), QStringLiteral("Does not ask.")},
+         {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
+         Station::UserOption()},
+        QStringLiteral("tolva compact /srv/station"),
+        1,
+        1,
+        Compact,
+    };
+}

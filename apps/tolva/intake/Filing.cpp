@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "intake/Filing.h"
+
+#include "Terminal.h"
+#include "messages/TextMessage.h"
+
+#include <QThread>
+
+#include <utility>
+
+namespace
+{
+/// What a batch holds at most; a larger mail is one alone. The octets also bound what is in memory, and what is written
+/// while the station is locked.
+constexpr std::size_t MessagesOfBatch = 500;
+constexpr qsizetype OctetsOfBatch = qsizetype{4} * 1024 * 1024;
+/// With the commit behind it the station is locked for about half a second.
+constexpr qint64 MillisecondsOfWriting = 400;
+/// Longer than a program that waits for the station sleeps between two looks.
+constexpr qint64 MillisecondsForOthers = 25;
+} // namespace
+
+Filing::Filing(Station& station, qint32 category, Options options)
+    : Station_(station), Category_(category), Options_(options), FiledMails_(station.Database())
+{
+}
+
+void Filing::Add(const IncomingMessage& incoming)
+{
+    if (!incoming.Problem.isEmpty()) {
+        Refuse(incoming.Name, incoming.Problem, exitNoInput);
+        return;
+    }
+    QString problem;
+    const cMessagePtr message = MakeMessageOf(incoming, problem);
+    if (!problem.isEmpty()) {
+        Refuse(incoming.Name, problem, exitData);
+        return;
+    }
+    if (Options_.testFlag(Option::SkipsFiled) && IsFiledAlready(*message, incoming)) {
+        ++Skipped_;
+        if (Options_.testFlag(Option::Verbose))
+            Terminal::PrintLine(QStringLiteral("passed over %1, which is filed already").arg(incoming.Name));
+        return;
+    }
+    if (WaitingOctets_ > 0 && WaitingOctets_ + incoming.Octets.size() > OctetsOfBatch)
+        FileBatch();
+    Waiting_.push_back({incoming, message});
+    WaitingOctets_ += incoming.Octets.size();
+    if (Waiting_.size() == MessagesOfBatch)
+        FileBatch();
+}
+
+void Filing::Finish()
+{
+    while (!Waiting_.empty())
+        FileBatch();
+}
+
+cMessagePtr Filing::MakeMessageOf(const IncomingMessage& incoming, QString& problem) const
+{
+    problem.clear();
+    cMessagePtr message;
+    if (incoming.Kind == IncomingKind::TextMessage) {
+        const TextMessage text = ReadTextMessageFile(incoming.Octets, problem);
+        if (problem.isEmpty())
+            message = MakeMessage(text);
+    } else {
+        // What a mail server hands over is filed whatever it looks like: nobody else has it.
+        problem = incoming.IsHandedOver && !incoming.Octets.isEmpty() ? QString() : WhyNotMail(incoming.Octets);
+        if (problem.isEmpty()) {
+            message = std::make_shared<cMessage>();
+            message->SetMessageType(emtEmail);
+            message->SetCDOMessage(std::make_shared<cdo::Message>(incoming.Octets));
+            if (incoming.IsRead)
+                message->SetFlags(mfRead);
+        }
+    }
+    if (message)
+        message->SetCategory(static_cast<enTolvaMessageCategories>(Category_));
+    return message;
+}
+
+bool Filing::IsFiledAlready(const cMessage& message, const IncomingMessage& incoming)
+{
+    // Twins in one folder: the first of them must be in the station before the second is looked for there.
+    const bool hasTwin = std::any_of(Waiting_.begin(), Waiting_.end(), [&](const Waiting& waiting) {
+        return waiting.Incoming.Octets == incoming.Octets;
+    });
+    if (hasTwin)
+        Finish();
+    return Station_.Try([&] { return FiledMails_.Hold(message); });
+}
+
+void Filing::FileBatch()
+{
+    if (SinceBatch_.isValid() && SinceBatch_.elapsed() < MillisecondsForOthers)
+        QThread::msleep(static_cast<unsigned long>(MillisecondsForOthers - SinceBatch_.elapsed()));
+    if (Waiting_.size() == 1) {
+        FileOneByOne();
+        return;
+    }
+    std::vector<MessageSaving> savings;
+    try {
+        savings = SaveBatch();
+    } catch (const dao::Error& error) {
+        // Locked for longer than the store waits: the single messages would wait as long. And where the disk failed at
+        // the very end of the commit they are in the station, though nobody can promise that they stay.
+        if (error.Number() == dao::errLocked || Waiting_.front().Message->Reference() != 0)
+            FailAll(Waiting_.front().Incoming.Name, error.Number(), error.Description());
+        Station_.Terminal().TakeProblems();
+        FileOneByOne();
+        return;
+    }
+    SinceBatch_.start();
+    QStringList problems = Station_.Terminal().TakeProblems();
+    for (std::size_t i = 0; i < savings.size(); ++i) {
+        const Waiting& waiting = Waiting_[i];
+        if (savings[i].IsSaved())
+            Acknowledge(*waiting.Message, waiting.Incoming.Name, std::exchange(problems, {}));
+        else
+            FailSaving(waiting.Incoming.Name, savings[i].ErrorNumber, savings[i].ErrorDescription);
+        WaitingOctets_ -= waiting.Incoming.Octets.size();
+    }
+    Waiting_.erase(Waiting_.begin(), Waiting_.begin() + static_cast<std::ptrdiff_t>(savings.size()));
+    Terminal::Flush();
+}
+
+std::vector<MessageSaving> Filing::SaveBatch()
+{
+    std::vector<cMessagePtr> messages;
+    messages.reserve(Waiting_.size());
+    for (const Waiting& waiting : Waiting_)
+        messages.push_back(waiting.Message);
+    // First asked behind the first message: waiting for the lock takes nothing of the time.
+    QElapsedTimer clock;
+    return Station_.Database().SaveMessages(messages, [&clock] {
+        if (!clock.isValid())
+            clock.start();
+        return clock.elapsed() < MillisecondsOfWriting;
+    });
+}
+
+/// What a batch could not do: those that can be filed are, and the first that cannot says why.
+void Filing::FileOneByOne()
+{
+    const std::vector<Waiting> waiting = std::exchange(Waiting_, {});
+    WaitingOctets_ = 0;
+    for (const Waiting& one : waiting) {
+        // Made anew: highlight words are marked in the mail that a batch took back.
+        QString problem;
+        Save(waiting.size() == 1 ? one.Message : MakeMessageOf(one.Incoming, problem), one.Incoming.Name);
+    }
+    SinceBatch_.start();
+}
+
+void Filing::Save(const cMessagePtr& message, const QString& name)
+{
+    message->SetCategory(static_cast<enTolvaMessageCategories>(Category_));
+    int number = 0;
+    QString description;
+    bool isSaved = false;
+    try {
+        isSaved = Station_.Database().SaveMessage(message);
+        number = Station_.Database().LastErrorNumber();
+        description = Station_.Database().LastErrorDescription();
+    } catch (const dao::Error& error) {
+        number = error.Number();
+        description = error.Description();
+    }
+    const QStringList problems = Station_.Terminal().TakeProblems();
+    if (isSaved)
+        Acknowledge(*message, name, problems);
+    else
+        FailSaving(name, number, description.isEmpty() ? problems.join(u' ') : description);
+    Terminal::Flush();
+}
+
+void Filing::Acknowledge(const cMessage& message, const QString& name, const QStringList& problems)
+{
+    ++Filed_;
+    FiledMails_.Add(message);
+    if (!Options_.testFlag(Option::Verbose))
+        return;
+    // What went wrong beside the message, such as the stamp that tells other computers of it.
+    for (const QString& problem : problems)
+        Terminal::Complain(problem);
+    Terminal::PrintLine(QStringLiteral("filed %1 as %2").arg(name).arg(message.Reference()));
+}
+
+void Filing::Refuse(const QString& name, const QString& problem, ExitCode code)
+{
+    ++Failed_;
+    Terminal::Complain(QStringLiteral("%1 %2").arg(name, problem));
+    if (ExitCode_ != exitNoInput)
+        ExitCode_ = code;
+}
+
+/// An error of the message itself fails the message; one of the station fails the run, because the next message would
+/// meet it too.
+void Filing::FailSaving(const QString& name, int number, const QString& description)
+{
+    if (!IsErrorOfMessage(number))
+        FailAll(name, number, description);
+    ++Failed_;
+    Terminal::Complain(QStringLiteral("%1 was not filed: %2").arg(name, description));
+    if (ExitCode_ == exitOK)
+        ExitCode_ = exitData;
+}
+
+void Filing::FailAll(const QString& name, int number, const QString& description)
+{
+    ++Failed_;
+    const Failure failure = Station_.FailureOfStation(number, description);
+    throw Failure(failure.Code(), QStringLiteral("%1 was not filed. %2").arg(name, failure.Words()));
+}
+
+void Filing::PrintCounts() const
+{
+    QString line = QStringLiteral("filed %1, failed %2").arg(Filed_).arg(Failed_);
+    if (Options_.testFlag(Option::SkipsFiled))
+        line += QStringLiteral(", passed over %1").arg(Skipped_);
+    Terminal::PrintLine(line);
+}

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "intake/MailSources.h"
+
+#include "Failure.h"
+#include "Terminal.h"
+#include "intake/Maildir.h"
+
+#include <QDir>
+
+namespace
+{
+const QString StandardInputName = QStringLiteral("-");
+
+bool HasExtension(const QString& path, const QString& extension)
+{
+    return path.endsWith(extension, Qt::CaseInsensitive);
+}
+
+/// The whole file in one block of memory. False when it cannot be read.
+bool ReadFile(QFile& file, QByteArray& octets)
+{
+    octets = QByteArray(file.size(), Qt::Uninitialized);
+    qint64 length = 0;
+    while (length < octets.size()) {
+        const qint64 count = file.read(octets.data() + length, octets.size() - length);
+        if (count < 0)
+            return false;
+        if (count == 0)
+            break; // it became shorter meanwhile
+        length += count;
+    }
+    octets.truncate(length);
+    return true;
+}
+} // namespace
+
+MailSources::MailSources(const QStringList& paths)
+{
+    for (const QString& path : paths)
+        AddPath(path);
+}
+
+void MailSources::AddPath(const QString& path)
+{
+    if (path == StandardInputName) {
+        Add({path, FileKind::StandardInput});
+        return;
+    }
+    const QFileInfo information(path);
+    if (!information.exists())
+        throw Failure(exitNoInput, QStringLiteral("There is no file or folder %1. Nothing was filed.").arg(path));
+    if (!information.isDir())
+        Add({path, KindOf(path), false, information.size()});
+    else if (IsMaildir(path))
+        AddMaildir(path);
+    else
+        AddFolder(path);
+}
+
+/// The name decides where it says something, otherwise the first line does.
+MailSources::FileKind MailSources::KindOf(const QString& path)
+{
+    if (HasExtension(path, QStringLiteral(".sms")))
+        return FileKind::TextMessage;
+    if (HasExtension(path, QStringLiteral(".eml")))
+        return FileKind::Mail;
+    return IsMboxFile(path) ? FileKind::Mbox : FileKind::Mail;
+}
+
+void MailSources::AddFolder(const QString& folder)
+{
+    int others = 0;
+    const QFileInfoList entries = QDir(folder).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QFileInfo& entry : entries) {
+        const QString path = entry.filePath();
+        if (entry.isDir())
+            Skipped_.append(QStringLiteral("%1: folders within a folder are not read; name it to file it").arg(path));
+        else if (HasExtension(path, QStringLiteral(".eml")) || HasExtension(path, QStringLiteral(".sms")))
+            Add({path, KindOf(path), false, entry.size()});
+        else
+            ++others;
+    }
+    if (others > 0) {
+        Skipped_.append(QStringLiteral("%1: left out %2 neither in .eml nor in .sms")
+                            .arg(folder, others == 1 ? QStringLiteral("1 file that ends")
+                                                     : QStringLiteral("%1 files that end").arg(others)));
+    }
+}
+
+void MailSources::AddMaildir(const QString& folder)
+{
+    const QList<MaildirFile> files = MaildirFiles(folder);
+    for (const MaildirFile& file : files)
+        Add({file.Path, FileKind::Mail, file.IsSeen, QFileInfo(file.Path).size()});
+}
+
+void MailSources::Add(const SourceFile& file)
+{
+    Files_.append(file);
+    Total_ += file.Size;
+}
+
+bool MailSources::Next(IncomingMessage& incoming)
+{
+    incoming = IncomingMessage();
+    while (!NextOfMbox(incoming)) {
+        if (NextFile_ == Files_.size())
+            return false;
+        const SourceFile& file = Files_.at(NextFile_++);
+        if (file.Kind != FileKind::Mbox) {
+            ReadWhole(file, incoming);
+            Done_ += file.Size;
+            return true;
+        }
+        OpenMbox(file, incoming);
+        if (!incoming.Problem.isEmpty())
+            return true;
+    }
+    return true;
+}
+
+void MailSources::OpenMbox(const SourceFile& file, IncomingMessage& incoming)
+{
+    MboxFile_.setFileName(file.Path);
+    MboxNumber_ = 0;
+    if (MboxFile_.open(QIODevice::ReadOnly)) {
+        Mbox_ = std::make_unique<MboxReader>(MboxFile_);
+        return;
+    }
+    incoming.Name = file.Path;
+    incoming.Problem = QStringLiteral("cannot be read: %1").arg(MboxFile_.errorString());
+}
+
+bool MailSources::NextOfMbox(IncomingMessage& incoming)
+{
+    if (!Mbox_)
+        return false;
+    ++MboxNumber_;
+    incoming.Name = QStringLiteral("%1, message %2").arg(MboxFile_.fileName()).arg(MboxNumber_);
+    const bool isThere = Mbox_->Next(incoming.Octets);
+    if (!isThere && Mbox_->HasFailed())
+        incoming.Problem = QStringLiteral("cannot be read: %1").arg(MboxFile_.errorString());
+    if (!isThere) {
+        Done_ += MboxFile_.size();
+        Mbox_.reset();
+        MboxFile_.close();
+    }
+    return isThere || !incoming.Problem.isEmpty();
+}
+
+void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
+{
+    incoming.IsRead = source.IsRead;
+    incoming.Kind = source.Kind == FileKind::TextMessage ? IncomingKind::TextMessage : IncomingKind::Mail;
+    if (source.Kind == FileKind::StandardInput) {
+        incoming.Name = QStringLiteral("standard input");
+        incoming.IsHandedOver = true;
+        if (!Terminal::ReadInput(incoming.Octets))
+            incoming.Problem = QStringLiteral("cannot be read");
+        // Mail servers put it before what they hand over; of a file every octet is kept.
+        RemoveEnvelopeLine(incoming.Octets);
+    } else {
+        incoming.Name = source.Path;
+        QFile file(source.Path);
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !ReadFile(file, incoming.Octets))
+            incoming.Problem = QStringLiteral("cannot be read: %1").arg(file.errorString());
+    }
+}
