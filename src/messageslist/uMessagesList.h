@@ -17,6 +17,11 @@
 #include <memory>
 #include <vector>
 
+namespace cdo
+{
+class MessageReader;
+}
+
 class CategoryTreeView;
 class FindBox;
 class FlexGrid;
@@ -243,7 +248,7 @@ private:
     void SetGridColumnWidths();
     void SetGridRowHeights();
     void DrawMessageRow(int row, const cMessagePtr& message);
-    void DrawSubject(int row, const cMessage& message, bool& isRead);
+    void DrawSubject(int row, const cMessage& message, const cdo::MessageReader& mail, bool& isRead);
     std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     qint32 ReferenceOfRow(int row) const;
