@@ -199,8 +199,10 @@ void BenchMixedFill(const QString& station, int rows, ShownList& shown)
     const QByteArray maildir = folder + "-maildir";
     MakeMixedMaildir(QFile::decodeName(maildir), rows);
     const QByteArray settings = maildir + "/neomuttrc";
-    WriteFile(QFile::decodeName(settings), "set header_cache='" + maildir + "/cache'\nset sort=reverse-date-sent\n" +
-                                               "set quit=yes\nset sleep_time=0\n");
+    Require(QDir().mkpath(QFile::decodeName(maildir + "/cache")), "the cache cannot be made");
+    WriteFile(QFile::decodeName(settings), "set folder='" + maildir + "'\nset spoolfile='" + maildir +
+                                               "'\nset record=''\nset header_cache='" + maildir +
+                                               "/cache'\nset sort=reverse-date-sent\nset quit=yes\n");
     // The first run, which does not count, writes the cache.
     Compare(
         {name, "neomutt opening them, header cache warm", 0.5, 5, 1},
