@@ -169,6 +169,11 @@ void MakeMixedStation(const QString& folder, int messages)
     MakeStationOf(folder, messages, MixedSample);
 }
 
+QByteArray MixedMail(int number)
+{
+    return MixedSample(number).Mail;
+}
+
 std::unique_ptr<cTolvaDatabase> OpenStation(const QString& folder)
 {
     auto station = std::make_unique<cTolvaDatabase>();

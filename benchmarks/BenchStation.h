@@ -15,6 +15,8 @@ QString SampleSender(int number);
 void MakeStation(const QString& folder, int messages);
 /// The same of mails as they come: about 5 KB each, with subjects from one word to three lines, in several scripts.
 void MakeMixedStation(const QString& folder, int messages);
+/// One of its mails.
+QByteArray MixedMail(int number);
 
 /// The station opened, or the run ends.
 std::unique_ptr<cTolvaDatabase> OpenStation(const QString& folder);

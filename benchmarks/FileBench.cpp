@@ -1,40 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "BareLibraries.h"
 #include "Measure.h"
+#include "Programs.h"
 #include "Subjects.h"
 
 #include <QDir>
 #include <QFile>
 #include <QList>
-#include <QStandardPaths>
-
-#include <cstdio>
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
-/// Runs a program to its good end; what it used.
-rusage RunProgram(const QByteArray& program, const QList<QByteArray>& arguments)
-{
-    QList<char*> words = {const_cast<char*>(program.constData())};
-    for (const QByteArray& argument : arguments)
-        words.append(const_cast<char*>(argument.constData()));
-    words.append(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        execv(program.constData(), words.data());
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage{};
-    Require(wait4(child, &status, 0, &usage) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0,
-            "the program did not do its work");
-    return usage;
-}
-
 /// The program's peak of resident memory, in MB.
 double PeakOf(const QList<QByteArray>& arguments)
 {
@@ -46,26 +21,27 @@ void MakeStationIn(const QByteArray& folder)
     RunProgram(TOLVA_PROGRAM, {"init", folder, "--name", "Bench FM", "--phone", "01632 960100"});
 }
 
-void WriteFile(const QString& name, const QByteArray& octets)
+/// A mail of 5 KB.
+QByteArray MailOfMaildir(int i)
 {
-    QFile file(name);
-    Require(file.open(QIODevice::WriteOnly) && file.write(octets) == octets.size(), "a file cannot be written");
+    const QByteArray number = QByteArray::number(i);
+    QByteArray mail = "From: Listener " + number + " <l" + QByteArray::number(i % 300) +
+                      "@example.org>\nTo: studio@example.org\nSubject: Request " + number +
+                      "\nDate: Fri, 20 Nov 2026 08:00:00 +0000\nMessage-ID: <" + number +
+                      "@example.org>\nMIME-Version: 1.0\nContent-Type: text/plain; charset=utf-8\n\n";
+    for (int word = i; mail.size() < 5000; ++word)
+        mail += "word" + QByteArray::number(word % 997) + (word % 11 == 0 ? '\n' : ' ');
+    return mail;
 }
 
-/// A maildir of mails of 5 KB; the octets of all of them.
+/// A maildir of such mails; the octets of all of them.
 double MakeMaildir(const QString& folder, int count)
 {
     for (const QString& part : {QStringLiteral("/cur"), QStringLiteral("/new"), QStringLiteral("/tmp")})
         Require(QDir().mkpath(folder + part), "the maildir cannot be made");
     double octets = 0;
     for (int i = 0; i < count; ++i) {
-        const QByteArray number = QByteArray::number(i);
-        QByteArray mail = "From: Listener " + number + " <l" + QByteArray::number(i % 300) +
-                          "@example.org>\nTo: studio@example.org\nSubject: Request " + number +
-                          "\nDate: Fri, 20 Nov 2026 08:00:00 +0000\nMessage-ID: <" + number +
-                          "@example.org>\nMIME-Version: 1.0\nContent-Type: text/plain; charset=utf-8\n\n";
-        for (int word = i; mail.size() < 5000; ++word)
-            mail += "word" + QByteArray::number(word % 997) + (word % 11 == 0 ? '\n' : ' ');
+        const QByteArray mail = MailOfMaildir(i);
         WriteFile(folder + QStringLiteral("/new/%1.M1P1.bench").arg(1795000000 + i), mail);
         octets += static_cast<double>(mail.size());
     }
@@ -112,9 +88,8 @@ void BenchFilingAMaildir(const QString& folder, int count)
             static_cast<double>(RunProgram(TOLVA_PROGRAM, {"file", name, QFile::encodeName(maildir)}).ru_oublock) *
             octetsOfBlock;
     };
-    const QByteArray notmuch = QFile::encodeName(QStandardPaths::findExecutable(QStringLiteral("notmuch")));
+    const QByteArray notmuch = FindProgram("notmuch", "the speed of filing a maildir");
     if (notmuch.isEmpty()) {
-        std::fprintf(stderr, "notmuch is not installed, so that the speed of filing a maildir is not compared\n");
         file();
     } else {
         const QString settings = folder + QStringLiteral("/notmuch");
@@ -130,4 +105,42 @@ void BenchFilingAMaildir(const QString& folder, int count)
             file);
     }
     Report("written, filing a maildir", "the mails", octets / megabyte, written / megabyte, 4.0, "MB");
+}
+
+void BenchFilingOneMail(const QString& folder)
+{
+    constexpr int rounds = 15;
+    constexpr int mails = 4; // a round
+    constexpr double mostSyncs = 12;
+    constexpr double octetsOfBlock = 512;
+    const QByteArray station = QFile::encodeName(folder);
+    MakeStationIn(station);
+    const QByteArray mail = QFile::encodeName(folder + QStringLiteral("/one.eml"));
+    WriteFile(QFile::decodeName(mail), MailOfMaildir(1));
+    const QByteArray bare = station + "/bare.db";
+    BareDatabase(QFile::decodeName(bare))
+        .Execute("CREATE TABLE Messages (Reference INTEGER PRIMARY KEY, Subject TEXT, Message TEXT)");
+    double written = 0;
+    Compare(
+        {"filing one mail", "a program: one bare durable commit, and a GMime parse", 2.2, rounds, mails},
+        [&] {
+            for (int i = 0; i < mails; ++i)
+                RunProgram(BARE_FILING, {bare}, mail);
+        },
+        [&] {
+            for (int i = 0; i < mails; ++i)
+                written = static_cast<double>(RunProgram(TOLVA_PROGRAM, {"file", station, "-"}, mail).ru_oublock) *
+                          octetsOfBlock;
+        });
+    Report("written, filing one mail", "the mail", static_cast<double>(MailOfMaildir(1).size()), written, 4.0, "B");
+    const QByteArray log = station + "/syncs";
+    qputenv("LD_PRELOAD", COUNTING_CALLS);
+    qputenv("SYNC_LOG", log);
+    RunProgram(TOLVA_PROGRAM, {"file", station, "-"}, mail);
+    qunsetenv("LD_PRELOAD");
+    qunsetenv("SYNC_LOG");
+    QFile counted(QFile::decodeName(log));
+    Require(counted.open(QIODevice::ReadOnly), "the syncs were not counted");
+    Report("syncs, filing one mail", "the most that may be", mostSyncs, counted.readAll().trimmed().toDouble(), 1.0,
+           "");
 }

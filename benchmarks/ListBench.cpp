@@ -2,11 +2,18 @@
 #include "BareLibraries.h"
 #include "BenchStation.h"
 #include "Measure.h"
+#include "Programs.h"
 #include "Subjects.h"
 #include "messageslist/uMessagesList.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QFile>
+#include <QTableView>
 #include <QTimer>
+#include <QWindow>
 
 #include <malloc.h>
 #include <vector>
@@ -25,8 +32,9 @@ public:
     explicit ShownList(const QString& folder) : Station_(OpenStation(folder))
     {
         List_.resize(1000, 700);
-        List_.setAttribute(Qt::WA_DontShowOnScreen);
         List_.show();
+        while (!List_.windowHandle()->isExposed())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         List_.SetTolvaDatabase(Station_.get());
     }
 
@@ -52,6 +60,34 @@ private:
     std::unique_ptr<cTolvaDatabase> Station_;
     uMessagesList List_;
 };
+
+/// Tells when a widget is painted next.
+class NextPaint : public QObject
+{
+public:
+    explicit NextPaint(QWidget& widget) { widget.installEventFilter(this); }
+    bool IsPainted() const { return IsPainted_; }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        IsPainted_ = IsPainted_ || event->type() == QEvent::Paint;
+        return false;
+    }
+
+private:
+    bool IsPainted_ = false;
+};
+
+/// A maildir of the mails of a mixed station.
+void MakeMixedMaildir(const QString& folder, int count)
+{
+    for (const QString& part : {QStringLiteral("/cur"), QStringLiteral("/new"), QStringLiteral("/tmp")})
+        Require(QDir().mkpath(folder + part), "the maildir cannot be made");
+    for (int i = 0; i < count; ++i)
+        WriteFile(folder + QStringLiteral("/cur/%1.M1P1.bench:2,S").arg(1795000000 + i),
+                  MixedMail(i).replace("\r\n", "\n"));
+}
 
 /// The rows that the list shows, in its order, with the mails' headers parsed: what no list can do without.
 void SelectAndParse(BareDatabase& bare, sqlite3_stmt* all, int rows)
@@ -90,6 +126,34 @@ void ReportMemory(const QString& station, int rows)
     Report("memory of a row", "1 KB", 1024, (filled - used()) / rows, 1.0, "B");
 }
 
+/// The wait for what is painted first when a folder is chosen, and for its rows when they are read.
+void BenchFirstScreen(ShownList& shown)
+{
+    constexpr double most = 100;
+    auto* loading = shown.List().findChild<QWidget*>(QStringLiteral("picLoading"));
+    auto* grid = shown.List().findChild<QTableView*>(QStringLiteral("grdMessages"));
+    Require(loading && grid, "the list has no panel or no grid");
+    QElapsedTimer sinceChoice;
+    double untilPanel = 0;
+    const NextPaint panel(*loading);
+    const auto connection = QObject::connect(&shown.List(), &uMessagesList::FillProgress, [&] {
+        if (panel.IsPainted() && untilPanel == 0)
+            untilPanel = static_cast<double>(sinceChoice.nsecsElapsed()) / 1e6;
+    });
+    sinceChoice.start();
+    shown.List().UpdateDisplay();
+    QObject::disconnect(connection);
+    Require(untilPanel > 0, "the panel was not painted");
+    Report("a folder chosen, its first paint", "0.1 s", most, untilPanel, 1.0, "ms");
+    const NextPaint rows(*grid->viewport());
+    QElapsedTimer sinceRead;
+    sinceRead.start();
+    while (!rows.IsPainted())
+        QCoreApplication::processEvents();
+    Report("its rows read, their first paint", "0.1 s", most, static_cast<double>(sinceRead.nsecsElapsed()) / 1e6, 1.0,
+           "ms");
+}
+
 /// One row of the folder changed on another computer.
 void BenchChange(const QString& folder, int rows, ShownList& shown)
 {
@@ -115,10 +179,37 @@ void BenchChange(const QString& folder, int rows, ShownList& shown)
             sqlite3_reset(light);
             Require(count == rows, "rows are missing");
         },
+        [&] { shown.Tick(); }, change);
+}
+
+/// A fill of mails as they come, against the programs that show the same mails.
+void BenchMixedFill(const QString& station, int rows, ShownList& shown)
+{
+    const std::string name = "UpdateDisplay of " + std::to_string(rows) + " as they come";
+    const QByteArray folder = QFile::encodeName(station);
+    Compare(
+        {name, "tolva list of them", 1.3, 5, 1},
         [&] {
-            change();
-            shown.Tick();
-        });
+            RunProgram(TOLVA_PROGRAM, {"list", folder});
+        },
+        [&] { shown.Fill(rows); });
+    const QByteArray neomutt = FindProgram("neomutt", "the speed of opening a folder");
+    if (neomutt.isEmpty())
+        return;
+    const QByteArray maildir = folder + "-maildir";
+    MakeMixedMaildir(QFile::decodeName(maildir), rows);
+    const QByteArray settings = maildir + "/neomuttrc";
+    Require(QDir().mkpath(QFile::decodeName(maildir + "/cache")), "the cache cannot be made");
+    WriteFile(QFile::decodeName(settings), "set folder='" + maildir + "'\nset spoolfile='" + maildir +
+                                               "'\nset record=''\nset header_cache='" + maildir +
+                                               "/cache'\nset sort=reverse-date-sent\nset quit=yes\n");
+    // The first run, which does not count, writes the cache.
+    Compare(
+        {name, "neomutt opening them, header cache warm", 0.5, 5, 1},
+        [&] {
+            RunOnTerminal(neomutt, {"-n", "-R", "-F", settings, "-f", maildir, "-e", "push <exit>"});
+        },
+        [&] { shown.Fill(rows); });
 }
 
 void BenchTick(const QString& station, ShownList& shown)
@@ -155,6 +246,8 @@ void BenchListing(const QString& folder, const QString& largeStation, int large)
         ShownList mixed(mixedStation);
         mixed.Tick();
         BenchFill(mixedStation, Mixed, " as they come", mixed);
+        BenchMixedFill(mixedStation, Mixed, mixed);
+        BenchFirstScreen(mixed);
     }
     BenchChange(largeStation, large, shown);
     const int times = large / Small;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Measure.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -52,15 +54,18 @@ void PrintHeading()
     std::printf("%-34s %12s %12s %7s %6s  %-5s %s\n", "operation", "floor", "Tolva", "ratio", "limit", "", "the floor");
 }
 
-void Compare(const Comparison& comparison, const std::function<void()>& floor, const std::function<void()>& subject)
+void Compare(const Comparison& comparison, const std::function<void()>& floor, const std::function<void()>& subject,
+             const std::function<void()>& prepare)
 {
     // The first run of each warms caches and does not count.
     floor();
+    prepare();
     subject();
     std::vector<double> floors;
     std::vector<double> subjects;
     for (int round = 0; round < comparison.Rounds; ++round) {
         floors.push_back(Seconds(floor));
+        prepare();
         subjects.push_back(Seconds(subject));
     }
     const double floorTime = Median(floors) / comparison.OperationsARound;
@@ -90,4 +95,10 @@ void Require(bool condition, const char* what)
 int FailedComparisons()
 {
     return failed;
+}
+
+void WriteFile(const QString& name, const QByteArray& octets)
+{
+    QFile file(name);
+    Require(file.open(QIODevice::WriteOnly) && file.write(octets) == octets.size(), "a file cannot be written");
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QByteArray>
+#include <QString>
+
 #include <functional>
 #include <string>
 
@@ -15,8 +18,11 @@ struct Comparison
     int OperationsARound = 1;
 };
 
-/// Runs and prints one comparison; counts it as failed when the ratio is above its limit.
-void Compare(const Comparison& comparison, const std::function<void()>& floor, const std::function<void()>& subject);
+/// Runs and prints one comparison; counts it as failed when the ratio is above its limit. prepare runs in front of each
+/// subject and is not measured.
+void Compare(
+    const Comparison& comparison, const std::function<void()>& floor, const std::function<void()>& subject,
+    const std::function<void()>& prepare = [] {});
 
 /// Prints one figure that is no time, against its limit.
 void Report(const std::string& name, const std::string& floorWords, double floor, double subject, double limit,
@@ -24,6 +30,8 @@ void Report(const std::string& name, const std::string& floorWords, double floor
 
 /// Ends the run with words when a measured operation did not do its work: a wrong answer must not be a quick one.
 void Require(bool condition, const char* what);
+
+void WriteFile(const QString& name, const QByteArray& octets);
 
 void PrintHeading();
 /// Comparisons above their limits.

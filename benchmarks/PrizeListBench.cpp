@@ -8,6 +8,8 @@
 #include "prizes/PrizeHour.h"
 #include "prizes/controls/uPrizesList.h"
 
+#include <QTimer>
+
 #include <vector>
 
 namespace
@@ -91,6 +93,33 @@ void QueryAndRead(sqlite3_stmt* query, sqlite3_stmt* byReference)
     }
     Require(references.size() == Available && octets > 0, "prizes are missing");
 }
+/// One prize of the list changed on another computer.
+void BenchPrizeChange(const QString& folder, BareDatabase& bare, uPrizesList& list)
+{
+    sqlite3_stmt* light = bare.Prepare("SELECT Reference, Title, NumberSupplied, NumberWinners, LastWonDate "
+                                       "FROM Prizes ORDER BY Reference");
+    auto* timer = list.findChild<QTimer*>(QStringLiteral("timerUpdateList"));
+    Require(timer, "the list has no timer");
+    list.SetCategory(plcAllPrizes);
+    const auto other = OpenStation(folder);
+    int supplied = 5;
+    Compare(
+        {"a tick after one prize of " + std::to_string(Prizes), "a bare select of the light columns", 2.0, 9, 1},
+        [&] {
+            qint64 octets = 0;
+            while (sqlite3_step(light) == SQLITE_ROW)
+                octets += ReadRow(light);
+            sqlite3_reset(light);
+            Require(octets > 0, "prizes are missing");
+        },
+        [&] { Require(QMetaObject::invokeMethod(timer, "timeout", Qt::DirectConnection), "the timer does not fire"); },
+        [&] {
+            const cPrizePtr prize = other->GetPrize(Prizes / 2, false);
+            prize->SetNumberSupplied(++supplied);
+            Require(other->SavePrize(prize), "the other computer cannot save");
+        });
+    Require(list.NumberItems() == Prizes, "prizes are missing in the list");
+}
 } // namespace
 
 void BenchPrizes(const QString& folder)
@@ -114,4 +143,5 @@ void BenchPrizes(const QString& folder)
             list.UpdateDisplay();
             Require(list.NumberItems() == Available, "the list does not show the prizes of this hour");
         });
+    BenchPrizeChange(folder, bare, list);
 }

@@ -18,6 +18,8 @@ void BenchStart(const QString& folder, const QString& largeStation);
 void BenchPrizes(const QString& folder);
 void BenchOpening(const QString& smallStation, const QString& largeStation);
 void BenchFiling(const QString& folder, int megabytes);
+/// folder: where a station is made.
+void BenchFilingOneMail(const QString& folder);
 /// folder: where the maildir of that many mails and the stations are made.
 void BenchFilingAMaildir(const QString& folder, int count);
 /// folder: of a station of that size, which is made.

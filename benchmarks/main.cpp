@@ -27,6 +27,7 @@ int main(int argc, char** argv)
     PrintHeading();
     // First, while this process is small: a child's peak counts from the fork on.
     BenchFiling(folder.filePath(QStringLiteral("filing")), megabytes);
+    BenchFilingOneMail(folder.filePath(QStringLiteral("one")));
     BenchFilingAMaildir(folder.filePath(QStringLiteral("maildir")), quick ? 2000 : 20000);
     BenchTemplates(quick ? 1000 : 10000);
     std::fprintf(stderr, "Making a station of %d messages\n", large);

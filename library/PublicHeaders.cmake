@@ -22,6 +22,7 @@ set(publicHeaders
     database/watch/ChangeStamp.h
     database/watch/ListReads.h
     database/watch/RowChanges.h
+    database/watch/StationWatch.h
     messages/MessageSaving.h
     messages/cMessage.h
     messages/cMessages.h

@@ -20,4 +20,10 @@ inline Date LocalDate(const QVariant& value)
     return ClockHelper::UTCToLocal(Date(value.isValid() ? value.toDouble() : 0.0));
 }
 
+/// A stored date of 0 or less is none, like Null.
+inline Date StoredDate(const QVariant& value)
+{
+    return value.toDouble() > 0 ? LocalDate(value) : Date();
+}
+
 } // namespace RowValues

@@ -6,6 +6,7 @@
 #include "common/MachineHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
+#include "database/watch/StationWatch.h"
 #include "platform/directory/clsKVDirectory.h"
 
 #include <QPointer>
@@ -16,7 +17,8 @@ namespace
 constexpr int UserLogClass = 32;
 } // namespace
 
-cTolvaDatabase::cTolvaDatabase() : MessageCategories_(std::make_unique<clsCategory>())
+cTolvaDatabase::cTolvaDatabase()
+    : MessageCategories_(std::make_unique<clsCategory>()), Watch_(std::make_unique<StationWatch>(*this))
 {
     MessageCategories_->SetReference(0);
     MessageCategories_->SetParentReference(0);

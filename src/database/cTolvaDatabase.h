@@ -28,6 +28,7 @@ class ListViewObject;
 class clsKVDirectory;
 class clsKVUser;
 class PendingError;
+class StationWatch;
 
 /// How the computers that share a file lock it.
 enum class LockingMode : qint32
@@ -71,6 +72,8 @@ public:
     /// How often this object has opened a file: what was read before belongs to another opening, and may be another
     /// file's.
     int Openings() const { return Openings_; }
+    /// Through which the lists of this object hear of what other computers change.
+    StationWatch& Watch() const { return *Watch_; }
     /// The settings dialog, unless the user lacks the right. True when it was confirmed.
     bool DisplaySettings();
 
@@ -420,6 +423,7 @@ private:
     StampMove ToldPrizeMove_;
     DatabaseInformation Information_;
     std::unique_ptr<clsCategory> MessageCategories_;
+    std::unique_ptr<StationWatch> Watch_;
     cPageSetup AddressLabelsPageSetup_;
     QString MachineName_;
     qint32 BackupInterval_ = 1440;

@@ -4,14 +4,16 @@
 
 #include "common/ClockHelper.h"
 #include "database/cTolvaDatabase.h"
+#include "database/watch/StationWatch.h"
 #include "messageslist/CategoryTreeFill.h"
-#include "messageslist/uMessagesList.h"
+#include "messageslist/MessagesListHandler.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 
 #include <QScopeGuard>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -20,16 +22,6 @@ namespace
 /// Beyond this a fill is quicker to answer: it gives the window time between the rows.
 constexpr std::size_t MostRowsDrawn = 500;
 constexpr qsizetype MessagesOfARead = 100;
-
-std::vector<ReadRow> ReadAll(dao::Recordset& rows, const QStringList& columns)
-{
-    const LightColumns light(rows, columns);
-    std::vector<ReadRow> read;
-    read.reserve(static_cast<std::size_t>(rows.RecordCount()));
-    for (; !rows.AtEOF(); rows.MoveNext())
-        read.push_back(light.Read());
-    return read;
-}
 
 QString ListOf(const QList<qint32>& references)
 {
@@ -42,12 +34,29 @@ QString ListOf(const QList<qint32>& references)
 
 void uMessagesList::Tick()
 {
+    if (HasDatabase())
+        clsTolvaDatabase_->Watch().Poll(*this);
+}
+
+/// Some list of the station polls, perhaps this one.
+void uMessagesList::TakePoll(const QObject* asker)
+{
+    if (asker != this) {
+        if (!timerUpdateList_->isActive())
+            return;
+        timerUpdateList_->start();
+    }
+    Handle("timerUpdateList", [this] { TakeChanges(); });
+}
+
+void uMessagesList::TakeChanges()
+{
     // It would end the typing of a folder's name in the middle, and take half a find text. It comes with the tick
     // behind.
     if (!HasDatabase() || treeCategories_->IsEditingLabel() || comboFind_->IsBeingTyped())
         return;
     const QPointer<uMessagesList> self(this);
-    const Date stamp = clsTolvaDatabase_->LastMessageChanged();
+    const Date stamp = clsTolvaDatabase_->Watch().MessageStamp();
     if (stamp.IsNone()) {
         // No stamp, or no answer: a station that cannot be reached must say so rather than be written to.
         clsTolvaDatabase_->OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
@@ -65,7 +74,7 @@ void uMessagesList::TakeFolderChanges()
     // What is dragged or has its menu open stays where it is.
     if (DisplayBusy_ || !treeCategories_->DropHighlight().isEmpty())
         return;
-    clsTolvaDatabase_->RefreshCategoryTree();
+    clsTolvaDatabase_->Watch().RefreshFolders();
     if (FolderSignature(clsTolvaDatabase_->MessageCategories()) == ShownFolders_)
         return;
     const QPointer<uMessagesList> self(this);
@@ -85,7 +94,7 @@ bool uMessagesList::DrawChanges(const Query& query, RowsRead& read)
     const auto rows = clsTolvaDatabase_->OpenSnapshot(
         QStringLiteral("SELECT [%1] FROM [Messages] ").arg(ComparedColumns().join(QStringLiteral("], ["))) +
         ClausesOf(query));
-    std::vector<ReadRow> now = ReadAll(*rows, ComparedColumns());
+    std::vector<ReadRow> now = ReadLightRows(*rows, ComparedColumns());
     RowChanges changes = CompareRows(ShownRows_, now);
     if (changes.Differing.size() > MostRowsDrawn)
         return false;

@@ -109,11 +109,12 @@ void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
     grdMessages_->SetTextMatrix(row, colReference, QString::number(message->Reference()));
     RowOfReference_.insert(message->Reference(), row);
     bool isRead = (message->Flags() & mfRead) != 0;
-    DrawSubject(row, *message, isRead);
+    const cdo::MessageReader mail(*message->CDOMessage());
+    DrawSubject(row, *message, mail, isRead);
     const bool isPersonal = message->PersonalToContact() != 0;
     grdMessages_->SetCellPicture(row, colHead, isPersonal ? HeadPicture_ : QIcon());
     grdMessages_->SetTextMatrix(row, colHead, QString());
-    grdMessages_->SetTextMatrix(row, colFrom, cdo::HeaderBeginning(*message->CDOMessage(), "From", LongestCell));
+    grdMessages_->SetTextMatrix(row, colFrom, mail.Header("From", LongestCell));
     const qint32 back = message->Priority() == UrgentPriority ? PureRed : SystemColour::WindowBackground;
     grdMessages_->SetCellBackColour(row, colHead, colSubject, back);
     grdMessages_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
@@ -126,11 +127,11 @@ void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 
 /// The subject, and the date where there is one; a message without a date counts as read, and the row keeps the date
 /// that it showed before.
-void uMessagesList::DrawSubject(int row, const cMessage& message, bool& isRead)
+void uMessagesList::DrawSubject(int row, const cMessage& message, const cdo::MessageReader& mail, bool& isRead)
 {
     const Date stamp = SortOrder_ != mlsoReceived ? message.Sent() : message.Received();
     isRead = isRead || stamp.IsNone();
-    QString text = cdo::HeaderBeginning(*message.CDOMessage(), "Subject", LongestCell).trimmed();
+    QString text = mail.Header("Subject", LongestCell).trimmed();
     if (stamp.IsNone()) {
         if (DoubleHeightRows_)
             text += QLatin1Char('\r');

@@ -5,6 +5,7 @@
 #include "messageslist/uMessagesList.h"
 
 #include "database/cTolvaDatabase.h"
+#include "database/watch/StationWatch.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
@@ -69,8 +70,7 @@ uMessagesList::~uMessagesList()
 
 void uMessagesList::SetTolvaDatabase(cTolvaDatabase* database)
 {
-    if (clsTolvaDatabase_)
-        clsTolvaDatabase_->disconnect(this);
+    DisconnectDatabase();
     clsTolvaDatabase_ = database;
     ++Attachments_;
     LastChangedStamp_.Forget();
@@ -126,6 +126,15 @@ void uMessagesList::ConnectDatabase()
     };
     connect(clsTolvaDatabase_, &cTolvaDatabase::MessageSaved, this, take);
     connect(clsTolvaDatabase_, &cTolvaDatabase::MessageDeleted, this, take);
+    connect(&clsTolvaDatabase_->Watch(), &StationWatch::Polled, this, &uMessagesList::TakePoll);
+}
+
+void uMessagesList::DisconnectDatabase()
+{
+    if (!clsTolvaDatabase_)
+        return;
+    clsTolvaDatabase_->disconnect(this);
+    clsTolvaDatabase_->Watch().disconnect(this);
 }
 
 void uMessagesList::SetCurrentUser(clsKVUser* user)

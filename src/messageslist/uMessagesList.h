@@ -17,6 +17,11 @@
 #include <memory>
 #include <vector>
 
+namespace cdo
+{
+class MessageReader;
+}
+
 class CategoryTreeView;
 class FindBox;
 class FlexGrid;
@@ -43,7 +48,8 @@ enum enMessagesListSortOrder : qint32
 /// TolvaDatabase and takes the events; it opens no editor by itself. It holds no message: a row shows one that was
 /// fetched, and every command fetches it anew. All on the user interface thread.
 ///
-/// What other computers change shows within AutoUpdateInterval: of the messages the rows that differ are drawn, where
+/// What other computers change shows within AutoUpdateInterval, sooner where another list of the station polls more
+/// often: of the messages the rows that differ are drawn, where
 /// the user is stays, and folders come and go. While a long fill runs the window answers: the tree and the tabs wait,
 /// setting another Category abandons the fill. Rows that could not be read are counted below the others and tried again
 /// at each tick.
@@ -193,6 +199,7 @@ private:
 
     // Making and wiring; uMessagesList.cpp.
     void ConnectDatabase();
+    void DisconnectDatabase();
     bool ShowFolderOfUser();
     void SetCurrentUser(clsKVUser* user);
     clsKVUser* CurrentUser() const { return clsCurrentUser_; }
@@ -229,6 +236,8 @@ private:
 
     // What other computers change; MessagesListChanges.cpp.
     void Tick();
+    void TakePoll(const QObject* asker);
+    void TakeChanges();
     void TakeFolderChanges();
     bool DrawChanges(const Query& query, RowsRead& read);
     QHash<qint32, cMessagePtr> ReadMessages(const QList<qint32>& references, RowsRead& read);
@@ -239,7 +248,7 @@ private:
     void SetGridColumnWidths();
     void SetGridRowHeights();
     void DrawMessageRow(int row, const cMessagePtr& message);
-    void DrawSubject(int row, const cMessage& message, bool& isRead);
+    void DrawSubject(int row, const cMessage& message, const cdo::MessageReader& mail, bool& isRead);
     std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     qint32 ReferenceOfRow(int row) const;

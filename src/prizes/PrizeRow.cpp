@@ -13,6 +13,7 @@
 #include <array>
 
 using RowValues::NumberOr;
+using RowValues::StoredDate;
 
 namespace
 {
@@ -53,12 +54,6 @@ const QString& HoursColumn(qint16 weekDay)
         return columns;
     }();
     return names.at(static_cast<std::size_t>(weekDay - 1));
-}
-
-/// A stored date of 0 or less is none, like Null.
-Date StoredDate(const QVariant& value)
-{
-    return value.toDouble() > 0 ? RowValues::LocalDate(value) : Date();
 }
 
 /// None is the number 0, not Null: conditions of other software compare the column with 0.

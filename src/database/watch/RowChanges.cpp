@@ -76,6 +76,16 @@ ReadRow LightColumns::Read() const
     return {Fields_.front()->Value().toInt(), hash == 0 ? 1 : hash};
 }
 
+std::vector<ReadRow> ReadLightRows(dao::Recordset& rows, const QStringList& columns)
+{
+    const LightColumns light(rows, columns);
+    std::vector<ReadRow> read;
+    read.reserve(static_cast<std::size_t>(rows.RecordCount()));
+    for (; !rows.AtEOF(); rows.MoveNext())
+        read.push_back(light.Read());
+    return read;
+}
+
 RowChanges CompareRows(const std::vector<ReadRow>& shown, const std::vector<ReadRow>& now)
 {
     RowChanges changes;

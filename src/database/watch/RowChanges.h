@@ -33,6 +33,9 @@ private:
     std::vector<const dao::Field*> Fields_;
 };
 
+/// All rows of a recordset, in its order.
+std::vector<ReadRow> ReadLightRows(dao::Recordset& rows, const QStringList& columns);
+
 /// What makes a list that shows some rows one that shows others.
 struct RowChanges
 {

@@ -110,7 +110,9 @@ QDateTime ToDateTime(const QByteArray& text)
 
 QByteArray WithJoinedBase64Words(const QByteArray& value)
 {
-    if (!value.contains("=?="))
+    // A word that ends in padding, and another one behind it: most subjects are one word.
+    const qsizetype padded = value.indexOf("=?=");
+    if (padded < 0 || value.indexOf("=?", padded + 3) < 0)
         return value;
     static const QRegularExpression word(QStringLiteral("=\\?([^?\\s]+)\\?[Bb]\\?([^?\\s]*)\\?="));
     QByteArray result;

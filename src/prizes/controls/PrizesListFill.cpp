@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The query of the prizes list, its filling, and keeping it in step with what other computers change.
+// The query of the prizes list, and its filling.
 
 #include "common/ClockHelper.h"
 #include "common/kvGeneral.h"
@@ -26,11 +26,17 @@ namespace
 constexpr int RowsBetweenYields = 25;
 constexpr int RowsOfABlock = 500;
 constexpr int MostRestarts = 5;
-const QString AllOfTable = QStringLiteral("SELECT * FROM [Prizes] ");
-const QString NoneOfTable = QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE ([Reference]=0) ");
+const QString AllColumns = QStringLiteral("*");
+/// What DrawChanges compares.
+const QString LineColumns = QStringLiteral("[Reference], [Title], [NumberSupplied], [NumberWinners], [LastWonDate]");
 } // namespace
 
 void uPrizesList::UpdateDisplay()
+{
+    Display(Reading::AllRows);
+}
+
+void uPrizesList::Display(Reading reading)
 {
     if (!Ready_ || !HasDatabase() || Refreshing_ || RowsFollow_)
         return;
@@ -42,31 +48,24 @@ void uPrizesList::UpdateDisplay()
         if (self && !self->Refreshing_)
             self->ApplyTimer();
     });
-    bool isRead = false;
-    ReadFailures failures;
+    RowsRead read;
     {
         // Ends whatever ends this: an error, the end of the database or of the control itself.
-        const ListReading reading(*this, *treeCategories_, *tbsPrizes_, Refreshing_);
+        const ListReading busy(*this, *treeCategories_, *tbsPrizes_, Refreshing_);
         timerUpdateList_->stop();
 
-        int rowToRestore = grdPrizes_->Row();
-        const qint32 referenceToRestore = rowToRestore >= 1 ? SelectedReference_ : 0;
-        SelectedReference_ = 0;
+        read.RowToRestore = grdPrizes_->Row();
+        read.ReferenceToRestore = read.RowToRestore >= 1 ? SelectedReference_ : 0;
         FindText_ = comboFind_->TakeText();
         // What is stored while the rows are read may be missing in them: the stamp of before says so at the next tick.
         // Until they are read, whatever ends this leaves a list that the next tick puts right.
         const Date stampBefore = clsTolvaDatabase_->LastPrizeChanged();
         LastPrizeStamp_.Forget();
-        if (const auto rows = OpenQuery()) {
-            Fill(*rows, rowToRestore, referenceToRestore, failures);
-            isRead = !failures.IsUnanswered();
-        } else if (!isAbandoned()) {
-            ShowRows(rowToRestore);
-        }
+        ReadRows(reading, read);
         if (!isAbandoned()) {
-            if (isRead && failures.Rows() == 0)
+            if (read.IsRead && read.Failures.Rows() == 0)
                 LastPrizeStamp_.Take(stampBefore, target.Opening);
-            SelectRow(rowToRestore);
+            SelectRow(read.RowToRestore);
         }
     }
     if (isAbandoned()) {
@@ -85,19 +84,44 @@ void uPrizesList::UpdateDisplay()
     TakeSelectionChange();
     if (!self)
         return;
-    SelectControlText(*comboFind_);
-    if (isRead)
+    if (reading == Reading::AllRows)
+        SelectControlText(*comboFind_);
+    if (read.IsRead)
         Q_EMIT DisplayUpdated();
-    else if (failures.IsUnanswered())
-        Q_EMIT DisplayFailed(failures.Error().Number(), failures.Error().Description());
+    else if (read.Failures.IsUnanswered())
+        Q_EMIT DisplayFailed(read.Failures.Error().Number(), read.Failures.Error().Description());
+}
+
+/// Brings the rows on show up to date, or fills the list. Where the query cannot be opened they stay.
+void uPrizesList::ReadRows(Reading reading, RowsRead& read)
+{
+    const QPointer<uPrizesList> self(this);
+    const ReadTarget target = Target();
+    const ListShown wanted{CurrentCategory_, FindText_, target.Opening};
+    const bool isOnShow = wanted == Shown_ && static_cast<int>(ShownRows_.size()) == NumberItems();
+    const bool compares = reading == Reading::ChangedRows && isOnShow;
+    std::unique_ptr<dao::Recordset> rows = OpenQuery(compares ? LineColumns : AllColumns);
+    if (rows && compares) {
+        if (DrawChanges(*rows, read))
+            return;
+        rows = OpenQuery(AllColumns);
+    }
+    if (!self || Target() != target)
+        return;
+    if (!rows) {
+        ShowRowsOrNone(read);
+        return;
+    }
+    Shown_ = wanted;
+    Fill(*rows, read);
 }
 
 /// Null when the query cannot be opened.
-std::unique_ptr<dao::Recordset> uPrizesList::OpenQuery()
+std::unique_ptr<dao::Recordset> uPrizesList::OpenQuery(const QString& columns)
 {
     const QString condition = PrizeQuery::Condition(CurrentCategory_, FindText_, ClockHelper::NowUTC());
     try {
-        return clsTolvaDatabase_->OpenSnapshot(AllOfTable + condition);
+        return clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT %1 FROM [Prizes] ").arg(columns) + condition);
     } catch (const dao::Error& error) {
         WriteDebugLog(QStringLiteral("uPrizesList: the list cannot be read - ") + error.Description());
         Q_EMIT DisplayFailed(error.Number(), error.Description());
@@ -105,7 +129,7 @@ std::unique_ptr<dao::Recordset> uPrizesList::OpenQuery()
     }
 }
 
-void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore, ReadFailures& failures)
+void uPrizesList::Fill(dao::Recordset& rows, RowsRead& read)
 {
     const QPointer<uPrizesList> self(this);
     picLoading_->SetDetail(QString());
@@ -114,7 +138,9 @@ void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 reference
     repaint();
     grdPrizes_->SetRedraw(false);
     Filling_ = true;
+    SelectedReference_ = 0;
     RowOfReference_.clear();
+    ShownRows_.clear();
     int filled = 0;
     const auto finish = qScopeGuard([&] {
         if (!self)
@@ -124,16 +150,17 @@ void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 reference
         if (!HasDatabase())
             filled = 0;
         grdPrizes_->SetRows(filled + 1);
+        ShownRows_.resize(static_cast<std::size_t>(filled));
         grdPrizes_->SetRedraw(true);
         picLoading_->hide();
-        ShowRows(rowToRestore);
-        ShowUnread(*lblUnread_, failures.Rows());
+        ShowRowsOrNone(read);
+        ShowUnread(*lblUnread_, read.Failures.Rows());
     });
-    FillRows(rows, filled, rowToRestore, referenceToRestore, failures);
+    FillRows(rows, filled, read);
+    read.IsRead = !read.Failures.IsUnanswered();
 }
 
-void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore,
-                           ReadFailures& failures)
+void uPrizesList::FillRows(dao::Recordset& rows, int& filled, RowsRead& read)
 {
     const QPointer<uPrizesList> self(this);
     const ReadTarget target = Target();
@@ -149,9 +176,9 @@ void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore,
         }
         const cPrizePtr prize = clsTolvaDatabase_->GetPrize(rows.Collect(QStringLiteral("Reference")).toInt(), false);
         if (!prize && clsTolvaDatabase_->LastErrorNumber() != 0) {
-            if (failures.Take({clsTolvaDatabase_->LastErrorNumber(), clsTolvaDatabase_->LastErrorDescription()}))
+            if (read.Failures.Take({clsTolvaDatabase_->LastErrorNumber(), clsTolvaDatabase_->LastErrorDescription()}))
                 continue;
-            failures.TakeRest(total - filled - failures.Rows());
+            read.Failures.TakeRest(total - filled - read.Failures.Rows());
             return;
         }
         if (!prize)
@@ -159,24 +186,25 @@ void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore,
         ++filled;
         if (filled + 1 > grdPrizes_->Rows())
             grdPrizes_->SetRows(grdPrizes_->Rows() + RowsOfABlock);
+        ShownRows_.emplace_back();
         DisplayPrize(filled, prize);
-        if (referenceToRestore >= 1 && prize->Reference() == referenceToRestore)
-            rowToRestore = filled;
+        if (read.ReferenceToRestore >= 1 && prize->Reference() == read.ReferenceToRestore)
+            read.RowToRestore = filled;
     }
 }
 
 /// Brings the grid, or the words that there is nothing in it, to the front, and keeps the row to restore within it.
-void uPrizesList::ShowRows(int& rowToRestore)
+void uPrizesList::ShowRowsOrNone(RowsRead& read)
 {
     grdPrizes_->raise();
     const bool isEmpty = grdPrizes_->Rows() < 2;
     picNoPrizes_->setVisible(isEmpty);
     if (isEmpty)
         picNoPrizes_->raise();
-    if (rowToRestore < 2)
-        rowToRestore = 1;
-    if (rowToRestore >= grdPrizes_->Rows())
-        rowToRestore = grdPrizes_->Rows() - 1;
+    if (read.RowToRestore < 2)
+        read.RowToRestore = 1;
+    if (read.RowToRestore >= grdPrizes_->Rows())
+        read.RowToRestore = grdPrizes_->Rows() - 1;
 }
 
 bool uPrizesList::RefreshDisplay(qint32 prizeReference)
@@ -210,19 +238,4 @@ void uPrizesList::RefreshAllRows()
     });
     for (int i = 1; i < grdPrizes_->Rows(); ++i)
         DisplayPrize(i, clsTolvaDatabase_->GetPrize(ReferenceOfRow(i), false));
-}
-
-void uPrizesList::Tick()
-{
-    // A fill would take half a find text and select it under the typing hand. It comes with the tick behind.
-    if (!HasDatabase() || comboFind_->IsBeingTyped())
-        return;
-    const Date stamp = clsTolvaDatabase_->LastPrizeChanged();
-    if (stamp.IsNone()) {
-        // No stamp, or no answer: a station that cannot be reached must say so rather than be written to.
-        clsTolvaDatabase_->OpenSnapshot(NoneOfTable);
-        clsTolvaDatabase_->SetLastPrizeChanged(ClockHelper::CurrentTime());
-    }
-    if (stamp.IsNone() || !LastPrizeStamp_.IsStill(stamp, clsTolvaDatabase_->Openings()))
-        UpdateDisplay();
 }

@@ -52,30 +52,53 @@ qint32 uPrizesList::ReferenceOfRow(int row) const
     return grdPrizes_->TextMatrix(row, colReference).toInt();
 }
 
+uPrizesList::Line uPrizesList::LineOf(const cPrize& prize)
+{
+    return {prize.Reference(), prize.Title(), prize.NumberSupplied(), prize.NumberWinners(), prize.LastWonDate()};
+}
+
+ReadRow uPrizesList::AsShown(const Line& line) const
+{
+    // How long ago it was won is another text at another time.
+    const quint64 signature = CurrentCategory_ == plcRecentlyWonPrizes
+                                  ? qHashMulti(1, line.Title, TolvaControlsFN::RelativeTimeText(line.LastWon))
+                                  : qHashMulti(1, line.Title, line.NumberSupplied, line.NumberWinners);
+    return {line.Reference, signature == 0 ? 1 : signature};
+}
+
 void uPrizesList::DisplayPrize(int row, const cPrizePtr& prize)
 {
-    if (row < 1 || row > grdPrizes_->Rows() - 1 || !prize)
+    if (prize)
+        DrawLine(row, LineOf(*prize));
+}
+
+void uPrizesList::DrawLine(int row, const Line& line)
+{
+    if (row < 1 || row > grdPrizes_->Rows() - 1)
         return;
-    grdPrizes_->SetTextMatrix(row, colReference, QString::number(prize->Reference()));
-    RowOfReference_.insert(prize->Reference(), row);
-    QString text = prize->Title().trimmed();
+    grdPrizes_->SetTextMatrix(row, colReference, QString::number(line.Reference));
+    RowOfReference_.insert(line.Reference, row);
+    const auto place = static_cast<std::size_t>(row) - 1;
+    if (place < ShownRows_.size())
+        ShownRows_[place] = AsShown(line);
+    QString text = line.Title.trimmed();
     if (DoubleHeightRows_)
-        text += QLatin1Char('\r') + SecondLine(*prize);
+        text += QLatin1Char('\r') + SecondLine(line);
     grdPrizes_->SetTextMatrix(row, colTitle, text);
     grdPrizes_->SetCellBackColour(row, colTitle, colTitle, SystemColour::WindowBackground);
     grdPrizes_->SetCellForeColour(row, colTitle, colTitle, SystemColour::WindowText);
 }
 
-QString uPrizesList::SecondLine(const cPrize& prize) const
+QString uPrizesList::SecondLine(const Line& line) const
 {
-    const qint64 supplied = prize.NumberSupplied();
-    const qint64 won = prize.NumberWinners();
+    const qint64 supplied = line.NumberSupplied;
+    const qint64 won = line.NumberWinners;
     switch (CurrentCategory_) {
     case plcAvailable:
     case plcAllAvailable:
         return won < supplied ? QStringLiteral("(%1 Available)").arg(supplied - won) : QString();
     case plcRecentlyWonPrizes:
-        return TolvaControlsFN::RelativeTimeText(prize.LastWonDate());
+        return TolvaControlsFN::RelativeTimeText(line.LastWon);
     default:
         return won >= supplied ? QStringLiteral("(All Prizes - %1 - Won)").arg(supplied)
                                : QStringLiteral("(%1 of %2 Won)").arg(won).arg(supplied);

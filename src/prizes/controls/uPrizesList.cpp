@@ -4,6 +4,7 @@
 
 #include "prizes/controls/uPrizesList.h"
 
+#include "database/watch/StationWatch.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
@@ -59,14 +60,15 @@ uPrizesList::~uPrizesList()
 
 void uPrizesList::SetTolvaDatabase(cTolvaDatabase* database)
 {
-    if (clsTolvaDatabase_)
-        clsTolvaDatabase_->disconnect(this);
+    DisconnectDatabase();
     clsTolvaDatabase_ = database;
     ++Attachments_;
     LastPrizeStamp_.Forget();
+    Shown_ = {};
     if (!database) {
         SetCurrentUser(nullptr);
         grdPrizes_->SetRows(1);
+        ShownRows_.clear();
         ShowUnread(*lblUnread_, 0);
         RowOfReference_.clear();
         SelectedReference_ = 0;
@@ -106,12 +108,21 @@ bool uPrizesList::ShowCategoryOfUser()
 
 void uPrizesList::ConnectDatabase()
 {
-    connect(clsTolvaDatabase_, &cTolvaDatabase::PrizeSaved, this, [this](const cPrizePtr& prize) {
+    const auto take = [this](const char* handler) { Handle(handler, [this] { Display(Reading::ChangedRows); }); };
+    connect(clsTolvaDatabase_, &cTolvaDatabase::PrizeSaved, this, [take](const cPrizePtr& prize) {
         if (prize)
-            Handle("PrizeSaved", [this] { UpdateDisplay(); });
+            take("PrizeSaved");
     });
-    connect(clsTolvaDatabase_, &cTolvaDatabase::PrizeDeleted, this,
-            [this] { Handle("PrizeDeleted", [this] { UpdateDisplay(); }); });
+    connect(clsTolvaDatabase_, &cTolvaDatabase::PrizeDeleted, this, [take] { take("PrizeDeleted"); });
+    connect(&clsTolvaDatabase_->Watch(), &StationWatch::Polled, this, &uPrizesList::TakePoll);
+}
+
+void uPrizesList::DisconnectDatabase()
+{
+    if (!clsTolvaDatabase_)
+        return;
+    clsTolvaDatabase_->disconnect(this);
+    clsTolvaDatabase_->Watch().disconnect(this);
 }
 
 void uPrizesList::SetCurrentUser(clsKVUser* user)

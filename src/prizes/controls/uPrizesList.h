@@ -3,6 +3,7 @@
 
 #include "database/cTolvaDatabase.h"
 #include "database/watch/ListReads.h"
+#include "database/watch/RowChanges.h"
 #include "platform/Export.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeListCategory.h"
@@ -13,6 +14,7 @@
 #include <QWidget>
 
 #include <optional>
+#include <vector>
 
 class CategoryTreeView;
 class FindBox;
@@ -34,8 +36,9 @@ struct ListPanes;
 /// edits nothing by itself. It holds no prize: a row shows one that was fetched, and every command fetches it anew. All
 /// on the user interface thread.
 ///
-/// What other computers change shows within AutoUpdateInterval. While a long fill runs the window answers: the tree and
-/// the tab wait, another UpdateDisplay is dropped, setting another Category begins the fill again.
+/// What other computers change shows within AutoUpdateInterval, sooner where another list of the station polls more
+/// often: the rows that differ are drawn, and where the user is stays. While a long fill runs the window answers: the
+/// tree and the tab wait, another UpdateDisplay is dropped, setting another Category begins the fill again.
 ///
 /// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Rows that could not be read are
 /// counted below the others and tried again at each tick. Otherwise events meet their errors
@@ -136,8 +139,42 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    /// How a display comes to its rows.
+    enum class Reading
+    {
+        AllRows,    ///< Every prize is read.
+        ChangedRows ///< Only those that differ from what is on show, when that is the same list.
+    };
+    /// What the rows on show are rows of.
+    struct ListShown
+    {
+        enPrizeListCategory Category = static_cast<enPrizeListCategory>(0);
+        QString FindText;
+        int Opening = 0;
+
+        friend bool operator==(const ListShown&, const ListShown&) = default;
+    };
+    /// What a row shows of its prize; it stands in columns that are no memos.
+    struct Line
+    {
+        qint32 Reference = 0;
+        QString Title;
+        qint32 NumberSupplied = 0;
+        qint32 NumberWinners = 0;
+        Date LastWon;
+    };
+    /// What a reading of rows found, and what is to be selected behind it.
+    struct RowsRead
+    {
+        int RowToRestore = 1;
+        qint32 ReferenceToRestore = 0;
+        bool IsRead = false; ///< The query was opened, and the file answered to its end.
+        ReadFailures Failures;
+    };
+
     // Making, wiring and properties; uPrizesList.cpp.
     void ConnectDatabase();
+    void DisconnectDatabase();
     bool ShowCategoryOfUser();
     void SetCurrentUser(clsKVUser* user);
     bool HasDatabase() const;
@@ -150,20 +187,32 @@ private:
     void ApplyTimer();
 
     // The query and the filling; PrizesListFill.cpp.
-    std::unique_ptr<dao::Recordset> OpenQuery();
-    void Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore, ReadFailures& failures);
-    void FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore,
-                  ReadFailures& failures);
-    void ShowRows(int& rowToRestore);
+    void Display(Reading reading);
+    void ReadRows(Reading reading, RowsRead& read);
+    std::unique_ptr<dao::Recordset> OpenQuery(const QString& columns);
+    void Fill(dao::Recordset& rows, RowsRead& read);
+    void FillRows(dao::Recordset& rows, int& filled, RowsRead& read);
+    void ShowRowsOrNone(RowsRead& read);
     void RefreshAllRows();
+
+    // What other computers change; PrizesListChanges.cpp.
     void Tick();
+    void TakePoll(const QObject* asker);
+    void TakeChanges();
+    bool DrawChanges(dao::Recordset& light, RowsRead& read);
+    static std::vector<Line> ReadLines(dao::Recordset& light);
+    void Arrange(const std::vector<int>& sources, RowsRead& read);
 
     // Rows; PrizesListRows.cpp.
     void MakeGridHeader();
     void SizeColumns();
     void SetGridRowHeights();
+    static Line LineOf(const cPrize& prize);
+    /// Rows of one kind with the same number show the same.
+    ReadRow AsShown(const Line& line) const;
     void DisplayPrize(int row, const cPrizePtr& prize);
-    QString SecondLine(const cPrize& prize) const;
+    void DrawLine(int row, const Line& line);
+    QString SecondLine(const Line& line) const;
     qint32 ReferenceOfRow(int row) const;
     void SelectRow(int row);
     void TakeSelectionChange();
@@ -219,6 +268,8 @@ private:
     qint32 BackColour_ = 0;
     QString FindText_; ///< Of the query on show.
     QHash<qint32, int> RowOfReference_;
+    ListShown Shown_;
+    std::vector<ReadRow> ShownRows_; ///< As they were read; one for each row.
     QPointer<cTolvaDatabase> clsTolvaDatabase_;
     QPointer<clsKVUser> clsCurrentUser_;
 

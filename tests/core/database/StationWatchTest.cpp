@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// One look at a station for all lists that show it.
+
+#include "database/watch/StationWatch.h"
+
+#include "common/ClockHelper.h"
+#include "core/support/StationTest.h"
+
+class StationWatchTest : public StationTest
+{
+protected:
+    void SetUp() override
+    {
+        OpenStation();
+        EXPECT_EQ(Other.OpenTolvaDatabase(Folder.path()), 0);
+        MoveStamps();
+    }
+    /// As another computer does it, a second later.
+    void MoveStamps()
+    {
+        Now.Advance(1);
+        Other.SetLastMessageChanged(ClockHelper::NowUTC());
+        Other.SetLastPrizeChanged(ClockHelper::NowUTC());
+    }
+    StationWatch& Watch() const { return Station->Watch(); }
+    /// What the next listener does in each poll.
+    template <typename Work>
+    void Listen(Work&& work)
+    {
+        QObject::connect(&Watch(), &StationWatch::Polled, &Listener, std::forward<Work>(work));
+    }
+
+    cTolvaDatabase Other;
+    QObject Listener;
+};
+
+TEST_F(StationWatchTest, AllListenersAreToldWhoeverAsks)
+{
+    QList<const QObject*> askers;
+    Listen([&](const QObject* asker) { askers.append(asker); });
+    Listen([&](const QObject* asker) { askers.append(asker); });
+    Watch().Poll(Listener);
+    EXPECT_EQ(askers, QList<const QObject*>({&Listener, &Listener}));
+}
+
+TEST_F(StationWatchTest, OneReadingServesAllListenersOfAPoll)
+{
+    Date messages;
+    Date prizes;
+    Listen([&] {
+        messages = Watch().MessageStamp();
+        prizes = Watch().PrizeStamp();
+        MoveStamps();
+    });
+    Listen([&] {
+        EXPECT_EQ(Watch().MessageStamp(), messages);
+        EXPECT_EQ(Watch().PrizeStamp(), prizes);
+    });
+    Watch().Poll(Listener);
+    EXPECT_FALSE(messages.IsNone());
+    EXPECT_NE(Watch().MessageStamp(), messages) << "behind the poll everybody reads";
+    EXPECT_NE(Watch().PrizeStamp(), prizes);
+}
+
+TEST_F(StationWatchTest, TheStampThatTheFirstListenerGivesIsTheOneOfTheSecond)
+{
+    Other.SetLastMessageChanged(Date());
+    Listen([&] {
+        EXPECT_TRUE(Watch().MessageStamp().IsNone());
+        Station->SetLastMessageChanged(ClockHelper::NowUTC());
+    });
+    Listen([&] { EXPECT_FALSE(Watch().MessageStamp().IsNone()); });
+    Watch().Poll(Listener);
+}
+
+TEST_F(StationWatchTest, FoldersAreLoadedOnceInAPollAndAgainInTheNext)
+{
+    clsCategory folder;
+    folder.SetDescription(QStringLiteral("Requests"));
+    int polls = 0;
+    Listen([&] {
+        Watch().RefreshFolders();
+        if (++polls == 1)
+            EXPECT_TRUE(Other.SaveMessageCategory(folder));
+    });
+    QList<bool> isThere;
+    Listen([&] {
+        Watch().RefreshFolders();
+        isThere.append(Station->MessageCategories().FindCategory(folder.Reference()) != nullptr);
+    });
+    Watch().Poll(Listener);
+    Watch().Poll(Listener);
+    EXPECT_EQ(isThere, QList<bool>({false, true}));
+}
+
+TEST_F(StationWatchTest, APollWithinAPollLeavesNothingOldBehind)
+{
+    bool isNested = false;
+    Date first;
+    Listen([&] {
+        if (std::exchange(isNested, true))
+            return;
+        first = Watch().MessageStamp();
+        MoveStamps();
+        Watch().Poll(Listener);
+    });
+    Date second;
+    Listen([&] { second = Watch().MessageStamp(); });
+    Watch().Poll(Listener);
+    EXPECT_NE(second, first);
+}
+
+TEST_F(StationWatchTest, AListenerMayDestroyTheStation)
+{
+    Listen([&] { Station.reset(); });
+    bool isTold = false;
+    Listen([&] { isTold = true; });
+    Watch().Poll(Listener);
+    EXPECT_FALSE(isTold);
+}
