@@ -25,7 +25,7 @@ public:
         : DatabaseName_(databaseName),
           Random_(QStringLiteral("~[0-9a-f]{12}\\.tmp|\\.copy-[0-9a-f]{1,16}|%1\\.restored-[0-9a-f]{12}")
                       .arg(QRegularExpression::escape(databaseName))),
-          Brief_(QStringLiteral("\\.unfinished-[0-9a-f]{1,16}"))
+          Brief_(QStringLiteral("\\.unfinished-[0-9a-f]{1,16}|TOLVA(-DESK)?[0-9A-F]{1,8}\\.tmp"))
     {
         for (QRegularExpression* names : {&Random_, &Brief_, &Compacted_})
             names->setPattern(QRegularExpression::anchoredPattern(names->pattern()));

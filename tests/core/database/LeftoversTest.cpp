@@ -106,7 +106,8 @@ TEST_F(LeftoversTest, WhatALivingProgramClaimsStaysHoweverOldItIs)
 
 TEST_F(LeftoversTest, WithoutAClaimAFileGoesAfterADay)
 {
-    QStringList names = WorkingNames + QStringList(QStringLiteral(".unfinished-1f"));
+    QStringList names = WorkingNames + QStringList{QStringLiteral(".unfinished-1f"), QStringLiteral("TOLVA-DESK1F.tmp"),
+                                                   QStringLiteral("TOLVA0123ABCD.tmp")};
     names.append(WorkingNames.first() + QStringLiteral("-journal"));
     for (const QString& name : names) {
         Make(name);
