@@ -3,7 +3,7 @@
 
 #include "Failure.h"
 #include "FolderNames.h"
-#include "MessageRecovery.h"
+#include "RowRecovery.h"
 #include "StationPlace.h"
 #include "WinnerCounts.h"
 #include "common/FileHelper.h"
@@ -82,8 +82,36 @@ void CheckShape(dao::Database& database, const TableShape& shape, Findings& find
 
 const QString MailColumn = QStringLiteral("Message");
 
+/// Where a table lies: the station's folder, which has backups, or none for the directory's tables.
+struct Place
+{
+    QString Table;
+    QString Folder;
+};
+
+/// Adds a value of the current row that cannot be read.
+void AddValue(const dao::Recordset& rows, const Place& place, const QString& field, const dao::Error& error,
+              Findings& findings)
+{
+    const auto kind = place.Folder.isEmpty() ? std::nullopt : RowRecovery::KindOf(place.Table);
+    if (!kind || error.Number() != dao::errMemoDamaged) {
+        findings.Add(QStringLiteral("unreadable values"),
+                     QStringLiteral("A value of the field %1 in the table %2 cannot be read: %3")
+                         .arg(field, place.Table, error.Description()));
+        return;
+    }
+    const qint32 reference = rows.Collect(QStringLiteral("Reference")).toInt();
+    const QString what = QStringLiteral("damaged %1s").arg(RowRecovery::NameOf(*kind));
+    // Looking through the backups takes its time.
+    const QString advice = findings.TellsNext(what) ? RowRecovery::Advice(place.Folder, *kind, reference) : QString();
+    findings.Add(what, QStringLiteral("The %1 of %2 %3 cannot be read: %4 %5")
+                           .arg(RowRecovery::TextName(field), RowRecovery::NameOf(*kind))
+                           .arg(reference)
+                           .arg(error.Description(), advice));
+}
+
 /// Reads every value of the current row but the mail, whose octets are read apart.
-void ReadValues(const dao::Recordset& rows, const QString& table, Findings& findings)
+void ReadValues(const dao::Recordset& rows, const Place& place, Findings& findings)
 {
     const dao::Collection<dao::Field>& fields = rows.Fields();
     for (int i = 0; i < fields.Count(); ++i) {
@@ -94,26 +122,25 @@ void ReadValues(const dao::Recordset& rows, const QString& table, Findings& find
         } catch (const dao::Error& error) {
             if (EndsCheck(error))
                 throw;
-            findings.Add(QStringLiteral("unreadable values"),
-                         QStringLiteral("A value of the field %1 in the table %2 cannot be read: %3")
-                             .arg(fields.Item(i).Name(), table, error.Description()));
+            AddValue(rows, place, fields.Item(i).Name(), error, findings);
         }
     }
 }
 
 /// Reads all rows of a table but the messages; the number of rows.
-int CheckTable(dao::Database& database, const QString& name, Findings& findings)
+int CheckTable(dao::Database& database, const Place& place, Findings& findings)
 {
     int count = 0;
     try {
-        const auto rows = database.OpenRecordset(name, dao::dbOpenTable);
+        const auto rows = database.OpenRecordset(place.Table, dao::dbOpenTable);
         for (; !rows->AtEOF(); rows->MoveNext(), ++count)
-            ReadValues(*rows, name, findings);
+            ReadValues(*rows, place, findings);
     } catch (const dao::Error& error) {
         if (EndsCheck(error))
             throw;
-        findings.Add(QStringLiteral("unreadable tables"),
-                     QStringLiteral("The table %1 cannot be read to its end: %2").arg(name, error.Description()));
+        findings.Add(
+            QStringLiteral("unreadable tables"),
+            QStringLiteral("The table %1 cannot be read to its end: %2").arg(place.Table, error.Description()));
     }
     return count;
 }
@@ -159,7 +186,9 @@ private:
                 throw;
             const QString kind = QStringLiteral("damaged messages");
             // Looking through the backups takes its time.
-            const QString advice = Findings_.TellsNext(kind) ? MessageRecovery::Advice(Folder_, reference) : QString();
+            const QString advice = Findings_.TellsNext(kind)
+                                       ? RowRecovery::Advice(Folder_, RowRecovery::Kind::Message, reference)
+                                       : QString();
             Findings_.Add(
                 kind,
                 QStringLiteral("Message %1 cannot be read: %2 %3").arg(reference).arg(error.Description(), advice));
@@ -180,7 +209,7 @@ bool CheckMessages(dao::Database& database, MessageCheck& check, Findings& findi
         const auto rows = database.OpenRecordset(MessagesName, dao::dbOpenTable);
         const int total = rows->RecordCount();
         for (int done = 1; !rows->AtEOF(); rows->MoveNext(), ++done) {
-            ReadValues(*rows, MessagesName, findings);
+            ReadValues(*rows, {MessagesName, QString()}, findings);
             check.Check(*rows);
             if (!progress->Advance(done, total))
                 return false;
@@ -276,7 +305,7 @@ bool CheckStationFile(const QString& folder, Findings& findings, StationCheck::R
                                     MessageCategoriesTableShape(), PrizesTableShape(), PrizeWinnersTableShape()}) {
         CheckShape(*database, shape, findings);
         if (shape.Name != MessagesName)
-            CheckTable(*database, shape.Name, findings);
+            CheckTable(*database, {shape.Name, folder}, findings);
     }
     clsCategory root;
     LoadFolders(*database, root, findings);
@@ -303,7 +332,7 @@ bool CheckDirectory(const QString& file, Findings& findings)
     for (int i = 0; i < database->TableDefs().Count(); ++i)
         names.append(database->TableDefs().Item(i).Name());
     for (const QString& name : names)
-        CheckTable(*database, name, findings);
+        CheckTable(*database, {name, QString()}, findings);
     return CheckPages(file, findings);
 }
 

@@ -8,11 +8,11 @@
 #include "ComposeWindow.h"
 #include "DeskSettings.h"
 #include "Failure.h"
-#include "MessageRecovery.h"
 #include "MessageWindow.h"
 #include "MoveUndo.h"
 #include "NoticeBar.h"
 #include "PreviewPane.h"
+#include "RowRecovery.h"
 #include "StationPlace.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
@@ -130,8 +130,9 @@ void MainWindow::MakeParts()
     Undo_ = new MoveUndo(*Station_, *this);
     AddTabs();
     Preview_ = new PreviewPane(this);
-    Preview_->SetDamageAdvice(
-        [this](qint32 reference) { return MessageRecovery::Advice(Station_->Folder(), reference); });
+    Preview_->SetDamageAdvice([this](qint32 reference) {
+        return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
+    });
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
     Splitter_->addWidget(List_);

@@ -4,9 +4,9 @@
 #include "AttachmentList.h"
 #include "DeskStation.h"
 #include "DisplayText.h"
-#include "MessageRecovery.h"
 #include "NoticeBar.h"
 #include "PreviewPane.h"
+#include "RowRecovery.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
 
@@ -45,7 +45,9 @@ MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, Q
     connect(&View_->Attachments(), &AttachmentList::Saved, this,
             [this](const QString& words) { statusBar()->showMessage(words); });
     statusBar()->setSizeGripEnabled(false);
-    View_->SetDamageAdvice([this](qint32 reference) { return MessageRecovery::Advice(Station_.Folder(), reference); });
+    View_->SetDamageAdvice([this](qint32 reference) {
+        return RowRecovery::Advice(Station_.Folder(), RowRecovery::Kind::Message, reference);
+    });
     View_->Select(message);
     resize(760, 600);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Station.h"
 
-#include "MessageRecovery.h"
+#include "RowRecovery.h"
 #include "StationOpening.h"
 #include "StationPlace.h"
 #include "Terminal.h"
@@ -78,7 +78,7 @@ ExitCode Station::TellDamage(const cMessage& message) const
         return exitOK;
     Terminal::Complain(QStringLiteral("Message %1 is damaged: its mail is not what was saved. %2")
                            .arg(message.Reference())
-                           .arg(MessageRecovery::Advice(Folder_, message.Reference())));
+                           .arg(RowRecovery::Advice(Folder_, RowRecovery::Kind::Message, message.Reference())));
     return exitData;
 }
 

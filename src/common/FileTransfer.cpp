@@ -4,7 +4,7 @@
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
-#include "platform/files/FileSystem.h"
+#include "platform/files/WorkClaim.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
 
@@ -20,13 +20,14 @@ namespace
 {
 constexpr qint64 ChunkSize = qint64(1024) * 1024;
 
-/// A file that goes away again unless it is put in its place.
+/// A file that goes away again unless it is put in its place; claimed while it is made.
 class TemporaryFile
 {
 public:
     explicit TemporaryFile(const QString& folder)
         : Name_(FileHelper::Join(folder, QStringLiteral(".copy-") +
-                                             QString::number(QRandomGenerator::global()->generate64(), 16)))
+                                             QString::number(QRandomGenerator::global()->generate64(), 16))),
+          Claim_(Name_)
     {
     }
     ~TemporaryFile()
@@ -37,6 +38,8 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+    /// Why it cannot be made.
+    const FileStatus& Status() const { return Claim_.Status(); }
     /// Null when it cannot be made.
     std::unique_ptr<FileHandle> Make(FileStatus& status)
     {
@@ -52,6 +55,7 @@ public:
 
 private:
     QString Name_;
+    WorkClaim Claim_; ///< Goes behind the file.
     bool IsMade_ = false;
 };
 
@@ -130,7 +134,12 @@ bool MakeDatabaseCopy(const QString& sourceName, TemporaryFile& copy, const QStr
         return false;
     }
     copy.Adopt();
-    QFile::setPermissions(copy.Name(), QFile::permissions(sourceName));
+    const FileStatus given = FileSystem::Current().CopyAccess(sourceName, copy.Name());
+    if (!given.IsDone()) {
+        // A copy that its owner alone may use is better than none.
+        WriteDebugLog(QStringLiteral("The rights on '%1' could not be given to its copy in '%2': %3")
+                          .arg(sourceName, FileHelper::FolderOf(copy.Name()), given.Words()));
+    }
     return true;
 }
 
@@ -144,7 +153,7 @@ QString Resolved(const QString& file)
 bool CopyToFreeName(const QString& oldName, const QString& newName, const QString& caption)
 {
     TemporaryFile copy(FileHelper::FolderOf(newName));
-    if (!MakeCopy(oldName, copy, caption, nullptr) ||
+    if (!copy.Status().IsDone() || !MakeCopy(oldName, copy, caption, nullptr) ||
         DurableFile::RenameToFreeName(copy.Name(), newName) != DurableFile::RenameResult::Done)
         return false;
     copy.Keep();
@@ -210,6 +219,8 @@ bool FileHelper::CopyWithProgress(const QString& source, const QString& target, 
     if (FolderExists(file) || Resolved(source) == Resolved(file))
         return false;
     TemporaryFile copy(FolderOf(file));
+    if (!copy.Status().IsDone())
+        return Fail(source, copy.Status(), failure);
     const bool isMade = IsDatabase(source) ? MakeDatabaseCopy(source, copy, caption, failure)
                                            : MakeCopy(source, copy, caption, failure);
     if (!isMade)

@@ -11,6 +11,7 @@
 #include "database/BackupFolders.h"
 #include "database/BackupTimer.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "database/Leftovers.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/files/WholeFile.h"
 #include "platform/records/Transaction.h"
@@ -156,6 +157,7 @@ bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
     running = GeneralHelper::SetKeyValue(running, QStringLiteral("By"), MachineName_);
     SetDatabaseSetting(BackupRunningKey, running, None);
 
+    Leftovers::Remove(Information_.Path);
     const QString name = BackupFolders::NameFor(now);
     const QString folder = FileHelper::Join(root, name);
     PendingError failure;

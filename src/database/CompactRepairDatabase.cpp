@@ -9,12 +9,14 @@
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/FileExchange.h"
-#include "platform/files/FileSystem.h"
+#include "database/Leftovers.h"
+#include "platform/files/WorkClaim.h"
 #include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/FileTools.h"
 
 #include <QDir>
-#include <QFile>
+#include <QScopeGuard>
 
 namespace
 {
@@ -51,11 +53,17 @@ bool ConfirmCompacting(const QString& name)
 /// Puts a compacted copy, made under the temporary name, into the file; the name of the old content.
 QString CompactInPlace(const QString& database, const QString& compacted)
 {
+    const WorkClaim claim(compacted);
+    if (!claim.Status().IsDone())
+        throw dao::Error(dao::ErrorNumberOf(claim.Status()),
+                         QStringLiteral("'%1' cannot be made: %2").arg(compacted, claim.Status().Words()));
+    const auto remove = [&] { FileSystem::Current().Remove(compacted); };
+    const auto removed = qScopeGuard(remove);
     FileExchange::Plan plan;
     plan.File = database;
     plan.Replacement = compacted;
     plan.Make = [&](dao::ContentExchange& exchange) {
-        QFile::remove(compacted);
+        remove();
         dao::DBEngine::CompactDatabase(database, compacted);
         exchange.RequireSameRows(compacted);
     };
@@ -80,6 +88,7 @@ bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialo
     const QString database = name.isEmpty() ? ChooseDatabase(dialog, initialFolder) : name;
     if (database.isEmpty() || (!silent && !ConfirmCompacting(database)))
         return false;
+    Leftovers::Remove(database);
     const QString compacted = GetTempFile(FileHelper::FolderOf(database), QStringLiteral("MDB"));
     PendingError pending;
     {
@@ -92,7 +101,6 @@ bool DAO_DatabaseFunctions::CompactRepairDatabase(const QString& name, FileDialo
             if (keptAs)
                 *keptAs = keepName;
         });
-        QFile::remove(compacted);
     }
     if (pending.Number() != 0) {
         if (failure)

@@ -5,13 +5,10 @@
 #include "common/FileHelper.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
+#include "platform/files/FileSystem.h"
 #include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
-
-#include <QFile>
-
-#include <filesystem>
 
 namespace
 {
@@ -52,32 +49,53 @@ bool Exchange(dao::ContentExchange& exchange, const FileExchange::Plan& plan, co
             return true;
     } catch (...) {
         if (IsUnchanged(exchange))
-            QFile::remove(keepName);
+            FileSystem::Current().Remove(keepName);
         throw;
     }
-    QFile::remove(keepName);
+    FileSystem::Current().Remove(keepName);
     return false;
+}
+
+/// Who could use the old file can use the new one, and nobody else.
+void GiveAccess(const QString& file, const QString& replacement)
+{
+    const FileStatus status = FileSystem::Current().CopyAccess(file, replacement);
+    if (!status.IsDone())
+        throw dao::Error(
+            dao::ErrorNumberOf(status),
+            QStringLiteral("The rights on '%1' cannot be given to the new file: %2").arg(file, status.Words()));
 }
 
 /// Gives the old file its keep name as well, or instead where a file has one name only.
 void Keep(const QString& file, const QString& keepName)
 {
-    std::error_code error;
-    std::filesystem::create_hard_link(std::filesystem::path(file.toStdU16String()),
-                                      std::filesystem::path(keepName.toStdU16String()), error);
-    if (error && !RenameWithChecks(file, keepName))
+    if (!FileSystem::Current().Link(file, keepName).IsDone() && !RenameWithChecks(file, keepName))
         throw dao::Error(dao::errCannotOpen, QStringLiteral("The old file cannot be renamed to '%1'.").arg(keepName));
 }
 
-/// Its journal and the like go with the old file: under the new one they would be taken for its own.
-void MoveCompanions(const QString& from, const QString& to)
+/// Its journal and the like go with the old file: under the new one they would be taken for its own. False when one of
+/// them stays.
+bool MoveCompanions(const QString& from, const QString& to)
 {
     const QStringList oldNames = dao::DBEngine::CompanionsOf(from);
     const QStringList newNames = dao::DBEngine::CompanionsOf(to);
     for (qsizetype i = 0; i < oldNames.size(); ++i) {
-        if (FileHelper::FileExists(oldNames.at(i)))
-            DurableFile::RenameOver(oldNames.at(i), newNames.at(i));
+        if (FileHelper::FileExists(oldNames.at(i)) && !DurableFile::RenameOver(oldNames.at(i), newNames.at(i)))
+            return false;
     }
+    return true;
+}
+
+/// Everything goes back to where it was. hasOld: the file was there.
+void PutBack(const QString& file, const QString& keepName, bool hasOld)
+{
+    if (hasOld) {
+        if (FileHelper::FileExists(file))
+            FileSystem::Current().Remove(keepName); // a second name of the old file
+        else
+            DurableFile::RenameOver(keepName, file);
+    }
+    MoveCompanions(keepName, file);
 }
 } // namespace
 
@@ -102,19 +120,11 @@ void FileExchange::ByRename(const QString& file, const QString& replacement, con
     const dao::FileLockout lockout(file);
     const bool hasOld = FileHelper::FileExists(file);
     if (hasOld) {
-        dao::CopyAccess(file, replacement);
+        GiveAccess(file, replacement);
         Keep(file, keepName);
     }
-    MoveCompanions(file, keepName);
-    if (DurableFile::RenameOver(replacement, file))
+    if (MoveCompanions(file, keepName) && DurableFile::RenameOver(replacement, file))
         return;
-    // Back to where it was.
-    if (hasOld) {
-        if (!FileHelper::FileExists(file))
-            DurableFile::RenameOver(keepName, file);
-        else
-            QFile::remove(keepName); // a second name of the old file
-        MoveCompanions(keepName, file);
-    }
+    PutBack(file, keepName, hasOld);
     throw dao::Error(dao::errDiskError, QStringLiteral("'%1' cannot be renamed to '%2'.").arg(replacement, file));
 }

@@ -8,11 +8,13 @@
 #include "database/BackupFolders.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/FileExchange.h"
+#include "database/Leftovers.h"
 #include "database/cTolvaDatabase.h"
+#include "platform/files/WorkClaim.h"
 #include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/FileTools.h"
 
-#include <QFile>
 #include <QUuid>
 
 namespace
@@ -72,6 +74,13 @@ RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const
     // A name of its own: somebody else may be restoring as well.
     const QString restored =
         databaseFile + QStringLiteral(".restored-") + QUuid::createUuid().toString(QUuid::Id128).left(12);
+    Leftovers::Remove(databaseFile);
+    const WorkClaim claim(restored);
+    if (!claim.Status().IsDone()) {
+        failure.Set(dao::ErrorNumberOf(claim.Status()),
+                    QStringLiteral("'%1' cannot be made: %2").arg(restored, claim.Status().Words()));
+        return Outcome::CopyFailed;
+    }
     if (!FileHelper::CopyWithProgress(backupFile, restored, QStringLiteral("Restoring Backup"), &failure) ||
         FileHelper::FileSize(restored) <= 0)
         return Outcome::CopyFailed;
@@ -81,7 +90,7 @@ RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const
             *keptAs = name;
     });
     for (const QString& name : dao::DBEngine::CompanionsOf(restored) + QStringList(restored))
-        QFile::remove(name);
+        FileSystem::Current().Remove(name);
     return isPut ? Outcome::Done : Outcome::NotPut;
 }
 

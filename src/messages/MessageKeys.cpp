@@ -5,9 +5,7 @@
 #include "common/ClockHelper.h"
 #include "database/Collision.h"
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
-
-#include <QScopeGuard>
+#include "platform/records/Transaction.h"
 
 namespace
 {
@@ -70,14 +68,12 @@ int cTolvaDatabase::RewriteMessageKeys(qint32 first, qint32 last)
         const QList<qint32> references = MessagesWithWrongKeys(first, last, country);
         if (references.isEmpty())
             return;
-        dao::DBEngine::BeginTrans();
-        auto rollback = qScopeGuard([] { dao::DBEngine::Rollback(); });
+        dao::Transaction transaction;
         for (const qint32 reference : references)
             changed += rewrite(reference) ? 1 : 0;
         if (changed > 0)
             SetLastMessageChanged(ClockHelper::NowUTC());
-        rollback.dismiss();
-        dao::DBEngine::CommitTrans(dao::dbForceOSFlush);
+        transaction.Commit();
     });
     return changed;
 }

@@ -152,6 +152,11 @@ int unlink(const char* name)
     static const auto real = Real<int (*)(const char*)>("unlink");
     return IsDue(name) ? -1 : real(name);
 }
+int setxattr(const char* name, const char* attribute, const void* value, size_t size, int flags)
+{
+    static const auto real = Real<int (*)(const char*, const char*, const void*, size_t, int)>("setxattr");
+    return IsDue(name) ? -1 : real(name, attribute, value, size, flags);
+}
 int mkdir(const char* name, mode_t mode)
 {
     static const auto real = Real<int (*)(const char*, mode_t)>("mkdir");

@@ -184,6 +184,26 @@ TEST_F(LinkTest, AnExportReplacesNoLinkAndFollowsNone)
     EXPECT_FALSE(QFile::exists(Path(QStringLiteral("nothing"))));
 }
 
+TEST_F(LinkTest, ALinkedStationIsCompactedAndRestoredWhereItLies)
+{
+    const QString linked = Path(QStringLiteral("linked"));
+    ASSERT_TRUE(QDir().mkpath(linked));
+    ASSERT_TRUE(QFile::link(In("Tolva.mdb"), linked + QStringLiteral("/Tolva.mdb")));
+    ASSERT_EQ(QProcess::execute(QStringLiteral("cp"), {QStringLiteral("-r"), In("Directory"), linked}), 0);
+    const auto onLinked = [&](const char* command, const QStringList& words = {}) {
+        const Outcome outcome = Run(QStringList{QString::fromLatin1(command), linked} + words);
+        EXPECT_EQ(outcome.Code, 0) << command << ": " << outcome.Problems.constData();
+    };
+    onLinked("backup");
+    FileMail(Mail("Second"));
+    onLinked("compact", {QStringLiteral("--yes")});
+    ExpectMessages(2);
+    onLinked("restore", {QStringLiteral("--yes")});
+    ExpectMessages(1);
+    EXPECT_TRUE(QFileInfo(linked + QStringLiteral("/Tolva.mdb")).isSymLink());
+    EXPECT_EQ(QDir(linked).entryList({QStringLiteral("*.BAK")}).size(), 2);
+}
+
 TEST_F(LinkTest, AStationThatItsOwnerLinkedIsUsedWhereItIs)
 {
     const QString linked = Path(QStringLiteral("linked"));

@@ -35,6 +35,14 @@ protected:
         const QByteArray line = Expect("backup", {QStringLiteral("--json")});
         return QJsonDocument::fromJson(line).object().value(QStringLiteral("name")).toString();
     }
+    QVariant Setting(const QString& item) const
+    {
+        const auto database = dao::DBEngine::OpenDatabase(File(), 0, true);
+        const auto rows = database->OpenRecordset(QStringLiteral("Settings"), dao::dbOpenTable);
+        rows->SetIndex(QStringLiteral("Main"));
+        rows->Seek(dao::SeekComparison::Equal, {item});
+        return rows->NoMatch() ? QVariant() : rows->Collect(QStringLiteral("Value"));
+    }
     QString InBackup(const QString& name) const
     {
         return Station() + QStringLiteral("/Backups/Tolva/") + name + QStringLiteral("/Tolva.mdb");
@@ -155,6 +163,118 @@ TEST_F(RecoverTest, AMessageThatTookTheNumberOfAnotherIsNotTakenForIt)
         QStringLiteral("UPDATE [Messages] SET [Subject]='Another' WHERE [Reference]=1"));
     Change(File(), "First");
     EXPECT_EQ(OnStation("recover", {QStringLiteral("1")}).Code, 65);
+}
+
+/// A prize and a winner with long texts, and a backup of them.
+class RecoverPrizeTest : public RecoverTest
+{
+protected:
+    void SetUp() override
+    {
+        RecoverTest::SetUp();
+        Expect("prize", {QStringLiteral("add"), QStringLiteral("--title"), QStringLiteral("Mug"),
+                         QStringLiteral("--script"), QStringLiteral("script: song of Mug"), QStringLiteral("--notes"),
+                         QStringLiteral("notes: song of Notes"), QStringLiteral("--supplied"), QStringLiteral("3")});
+        Expect("contacts", {QStringLiteral("add"), QStringLiteral("Ann")});
+        Expect("prize", {QStringLiteral("award"), QStringLiteral("1"), QStringLiteral("--name"), QStringLiteral("Ann"),
+                         QStringLiteral("--notes"), QStringLiteral("award: song of Ann"), QStringLiteral("--yes")});
+        Backup_ = BackUp();
+    }
+    QVariant Stored(const char* table, const char* column) const
+    {
+        const auto database = dao::DBEngine::OpenDatabase(File(), 0, true);
+        return database->OpenRecordset(QString::fromLatin1(table), dao::dbOpenTable)->Collect(QLatin1String(column));
+    }
+    QByteArray Advice(const char* what) const
+    {
+        return "The backup \"" + Backup_.toUtf8() + "\" has it sound; fetch it from there with: tolva recover " +
+               Station().toUtf8() + ' ' + what;
+    }
+
+    QString Backup_;
+};
+
+TEST_F(RecoverPrizeTest, ADamagedTextOfAPrizeIsNamedAndComesBackWithoutTheOthers)
+{
+    Expect("prize", {QStringLiteral("edit"), QStringLiteral("1"), QStringLiteral("--title"), QStringLiteral("Cup"),
+                     QStringLiteral("--notes"), QStringLiteral("written since")});
+    Change(File(), "Mug");
+    const Outcome check = OnStation("check");
+    EXPECT_EQ(check.Code, 65);
+    EXPECT_TRUE(check.Problems.contains("The script of prize 1 cannot be read: ")) << check.Problems.constData();
+    EXPECT_TRUE(check.Problems.contains(Advice("prize 1"))) << check.Problems.constData();
+    EXPECT_TRUE(check.Output.contains("The station is not sound: damaged prizes: 1.")) << check.Output.constData();
+    EXPECT_EQ(OnStation("backup").Code, 65);
+
+    EXPECT_EQ(Expect("recover", {QStringLiteral("prize"), QStringLiteral("1")}),
+              "Prize 1 is back from the backup \"" + Backup_.toUtf8() + "\": script.\n");
+    EXPECT_EQ(Stored("Prizes", "Script").toString(), QStringLiteral("script: song of Mug"));
+    EXPECT_EQ(Stored("Prizes", "Notes").toString(), QStringLiteral("written since"));
+    EXPECT_EQ(Stored("Prizes", "Title").toString(), QStringLiteral("Cup"));
+    EXPECT_EQ(OnStation("check").Code, 0);
+    Expect("backup");
+}
+
+TEST_F(RecoverPrizeTest, ADamagedTextOfAWinnerIsNamedAndComesBack)
+{
+    Change(File(), "Ann");
+    const Outcome check = OnStation("check");
+    EXPECT_EQ(check.Code, 65);
+    EXPECT_TRUE(check.Problems.contains("The notes of winner 1 cannot be read: ")) << check.Problems.constData();
+    EXPECT_TRUE(check.Problems.contains(Advice("winner 1"))) << check.Problems.constData();
+    const QJsonObject told = QJsonDocument::fromJson(Expect("recover", {QStringLiteral("winner"), QStringLiteral("1"),
+                                                                        QStringLiteral("--json")}))
+                                 .object();
+    EXPECT_EQ(told.value(QStringLiteral("kind")).toString(), QStringLiteral("winner"));
+    EXPECT_EQ(told.value(QStringLiteral("from")).toString(), Backup_);
+    EXPECT_EQ(Stored("PrizeWinners", "Notes").toString(), QStringLiteral("award: song of Ann"));
+    EXPECT_EQ(OnStation("check").Code, 0);
+}
+
+TEST_F(RecoverPrizeTest, OtherDesksSeeIt)
+{
+    const QVariant before = Setting(QStringLiteral("Prizes.LastChanged"));
+    Change(File(), "Mug");
+    Expect("recover", {QStringLiteral("prize"), QStringLiteral("1")});
+    EXPECT_NE(Setting(QStringLiteral("Prizes.LastChanged")), before);
+}
+
+TEST_F(RecoverPrizeTest, WithoutDamageASoundBackupOrTheRightNothingIsChanged)
+{
+    const QStringList prize{QStringLiteral("prize"), QStringLiteral("1")};
+    const Outcome sound = OnStation("recover", prize);
+    EXPECT_EQ(sound.Code, 65);
+    EXPECT_TRUE(sound.Problems.contains("Prize 1 is not damaged; nothing was changed.")) << sound.Problems.constData();
+    const Outcome absent = OnStation("recover", {QStringLiteral("winner"), QStringLiteral("9")});
+    EXPECT_EQ(absent.Code, 65);
+    EXPECT_TRUE(absent.Problems.contains("There is no winner 9 in the station")) << absent.Problems.constData();
+    EXPECT_EQ(OnStation("recover", {QStringLiteral("folder"), QStringLiteral("1")}).Code, 64);
+    EXPECT_EQ(OnStation("recover", {QStringLiteral("prize"), QStringLiteral("Mug")}).Code, 64);
+    Change(File(), "Mug");
+    AddUser(QStringLiteral("Reader"), 7);
+    EXPECT_EQ(OnStation("recover", prize + QStringList{QStringLiteral("--user"), QStringLiteral("Reader")}).Code, 77);
+    Change(InBackup(Backup_), "Mug");
+    EXPECT_EQ(OnStation("recover", prize).Problems, "tolva: No backup has prize 1 sound; nothing was changed.\n");
+    EXPECT_TRUE(OnStation("check").Problems.contains("No backup has it sound."));
+}
+
+TEST_F(RecoverPrizeTest, APrizeThatTookTheNumberOfAnotherIsNotTakenForIt)
+{
+    dao::DBEngine::OpenDatabase(File())->Execute(QStringLiteral("UPDATE [Prizes] SET [AddedDate]=1"));
+    dao::DBEngine::OpenDatabase(File())->Execute(QStringLiteral("UPDATE [PrizeWinners] SET [WonDate]=1"));
+    Change(File(), "Mug");
+    Change(File(), "Ann");
+    EXPECT_EQ(OnStation("recover", {QStringLiteral("prize"), QStringLiteral("1")}).Code, 65);
+    EXPECT_EQ(OnStation("recover", {QStringLiteral("winner"), QStringLiteral("1")}).Code, 65);
+}
+
+TEST_F(RecoverPrizeTest, ByForceAllTextsComeBackThoughNoneIsDamaged)
+{
+    Expect("prize", {QStringLiteral("edit"), QStringLiteral("1"), QStringLiteral("--notes"), QStringLiteral("new"),
+                     QStringLiteral("--script"), QStringLiteral("new")});
+    Expect("recover", {QStringLiteral("prize"), QStringLiteral("1"), QStringLiteral("--force")});
+    EXPECT_EQ(Stored("Prizes", "Script").toString(), QStringLiteral("script: song of Mug"));
+    EXPECT_EQ(Stored("Prizes", "Notes").toString(), QStringLiteral("notes: song of Notes"));
 }
 
 TEST_F(RecoverTest, AFileWhosePagesAreMixedUpIsNotWrittenTo)

@@ -162,6 +162,12 @@ std::unique_ptr<FileHandle> FaultyFileSystem::Open(const QString& name, FileAcce
     return std::make_unique<FaultyFile>(*this, std::move(real), name, isWritten);
 }
 
+FileStatus FaultyFileSystem::CopyAccess(const QString& from, const QString& to)
+{
+    const FileStatus status = Answer("copy access");
+    return status.IsDone() ? System().CopyAccess(from, to) : status;
+}
+
 FileStatus FaultyFileSystem::RenameToFreeName(const QString& oldName, const QString& newName)
 {
     FileStatus status = Answer("rename to a free name");

@@ -14,7 +14,7 @@
 /// making to its destruction; the files are real ones.
 ///
 /// Every call that changes something counts: writing, setting a size, sync, close of a file that was opened for
-/// writing, renaming, linking, removing, making a file or a folder, and the sync of a folder.
+/// writing, giving rights, renaming, linking, removing, making a file or a folder, and the sync of a folder.
 class FaultyFileSystem final : public FileSystem
 {
 public:
@@ -41,6 +41,7 @@ public:
     std::unique_ptr<FileHandle> Open(const QString& name, FileAccess access, FileStatus& status) override;
     FileKind KindOf(const QString& name) override { return System().KindOf(name); }
     std::optional<FileAttributes> AttributesOf(const QString& name) override { return System().AttributesOf(name); }
+    FileStatus CopyAccess(const QString& from, const QString& to) override;
     FileStatus RenameToFreeName(const QString& oldName, const QString& newName) override;
     FileStatus RenameOver(const QString& oldName, const QString& newName) override;
     FileStatus Link(const QString& name, const QString& secondName) override;

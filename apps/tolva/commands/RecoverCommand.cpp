@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// tolva recover: one damaged message back from a backup.
+// tolva recover: one damaged message, prize or winner back from a backup.
 
-#include "MessageRecovery.h"
+#include "RowRecovery.h"
 #include "Station.h"
 #include "StationPlace.h"
 #include "Terminal.h"
@@ -11,10 +11,13 @@
 #include "platform/directory/clsKVUser.h"
 #include "platform/records/DBEngine.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace
 {
+using RowRecovery::Kind;
+
 const QString FromOption = QStringLiteral("from");
 const QString ForceOption = QStringLiteral("force");
 const QString JsonOption = QStringLiteral("json");
@@ -25,55 +28,127 @@ void RequireSoundStructure(const Station& station)
     const dao::FileReport report =
         station.Try([&] { return dao::DBEngine::ExamineDatabase(StationPlace::FileIn(station.Folder())); });
     if (!report.IsStructureSound) {
-        throw Failure(exitData, QStringLiteral("More than single messages of the station in %1 is damaged, so that "
+        throw Failure(exitData, QStringLiteral("More than single texts of the station in %1 is damaged, so that "
                                                "nothing may be written to it: put a whole backup in its place with "
                                                "\"tolva restore\". (%2)")
                                     .arg(station.Folder(), report.Faults.value(0)));
     }
 }
 
-void RequireRight(Station& station, const cMessage& message)
+void RequireMessageRight(Station& station, const QString& words)
 {
+    const cMessagePtr message = station.Message(words);
     const clsKVUser* user = station.Directory().CurrentUser();
-    const bool isOwn = user && message.PersonalToContact() == user->Reference();
+    const bool isOwn = user && message->PersonalToContact() == user->Reference();
     station.Require(isOwn ? DirectoryRight::CanEditPersonalMessages : DirectoryRight::CanEditMessages,
                     QStringLiteral("change this message"));
 }
 
+/// What is to be fetched.
+struct Subject
+{
+    Kind Of;
+    qint32 Reference;
+    /// "message 27".
+    QString Name() const { return QStringLiteral("%1 %2").arg(RowRecovery::NameOf(Of)).arg(Reference); }
+    /// "Message 27".
+    QString NameInFront() const
+    {
+        const QString name = Name();
+        return name.at(0).toUpper() + name.mid(1);
+    }
+};
+
+/// REF, prize REF or winner REF, behind the folder.
+Subject SubjectOf(const QStringList& words)
+{
+    if (words.size() == 2)
+        return {Kind::Message, ToReference(words.at(1))};
+    for (const Kind kind : {Kind::Prize, Kind::Winner}) {
+        if (words.at(1) == RowRecovery::NameOf(kind))
+            return {kind, ToReference(words.at(2), RowRecovery::NameOf(kind))};
+    }
+    throw Failure(
+        exitUsage,
+        QStringLiteral("\"%1\" is not understood here. See: tolva recover --help").arg(words.mid(1).join(u' ')));
+}
+
+void RequireRight(Station& station, const Subject& subject)
+{
+    if (subject.Of == Kind::Message)
+        RequireMessageRight(station, QString::number(subject.Reference));
+    else
+        station.Require(DirectoryRight::ManagePrizes, QStringLiteral("manage prizes"));
+}
+
+void RequireDamage(const Station& station, const Subject& subject, bool isForced)
+{
+    switch (station.Try([&] { return RowRecovery::StateOf(station.Folder(), subject.Of, subject.Reference); })) {
+    case RowRecovery::State::NotThere:
+        throw Failure(exitData,
+                      QStringLiteral("There is no %1 in the station in %2.").arg(subject.Name(), station.Folder()));
+    case RowRecovery::State::Sound:
+        if (!isForced) {
+            throw Failure(exitData,
+                          QStringLiteral("%1 is not damaged; nothing was changed. --force puts the backup's "
+                                         "%2 in its place all the same.")
+                              .arg(subject.NameInFront(),
+                                   subject.Of == Kind::Message ? QStringLiteral("mail") : QStringLiteral("texts")));
+        }
+        break;
+    case RowRecovery::State::Damaged:
+        break;
+    }
+}
+
+RowRecovery::Source SourceOf(const Station& station, const Subject& subject, const QString& from)
+{
+    const auto source =
+        station.Try([&] { return RowRecovery::Find(station.Folder(), subject.Of, subject.Reference, from); });
+    if (source)
+        return *source;
+    throw Failure(exitData,
+                  from.isEmpty()
+                      ? QStringLiteral("No backup has %1 sound; nothing was changed.").arg(subject.Name())
+                      : QStringLiteral("There is no backup \"%1\" that has %2 sound; nothing was changed. See: tolva "
+                                       "backups")
+                            .arg(from, subject.Name()));
+}
+
+void Tell(const Subject& subject, const RowRecovery::Source& source, bool asJson)
+{
+    QStringList texts;
+    for (const QString& column : source.Texts.keys())
+        texts.append(RowRecovery::TextName(column));
+    if (asJson) {
+        const QJsonObject result{{QStringLiteral("kind"), RowRecovery::NameOf(subject.Of)},
+                                 {QStringLiteral("reference"), subject.Reference},
+                                 {QStringLiteral("texts"), QJsonArray::fromStringList(texts)},
+                                 {QStringLiteral("from"), source.Backup.Name},
+                                 {QStringLiteral("created"), source.Backup.Created}};
+        Terminal::PrintJson(result);
+        return;
+    }
+    const QString what =
+        subject.Of == Kind::Message ? QString() : QStringLiteral(": ") + texts.join(QStringLiteral(", "));
+    Terminal::PrintLine(
+        QStringLiteral("%1 is back from the backup \"%2\"%3.").arg(subject.NameInFront(), source.Backup.Name, what));
+}
+
 int Run(const Arguments& arguments)
 {
-    const QString& words = arguments.Words().at(1);
-    const qint32 reference = ToReference(words);
+    const Subject subject = SubjectOf(arguments.Words());
     Station station(arguments, Station::AutomaticBackups::Off);
-    const cMessagePtr message = station.Message(words);
-    RequireRight(station, *message);
-    if (!message->IsDamaged() && !arguments.Has(ForceOption)) {
-        throw Failure(exitData, QStringLiteral("Message %1 is not damaged; nothing was changed. --force puts the "
-                                               "backup's mail in its place all the same.")
-                                    .arg(reference));
-    }
-    const QString from = arguments.Value(FromOption);
-    const std::optional<MessageRecovery::Source> source =
-        station.Try([&] { return MessageRecovery::Find(station.Folder(), reference, from); });
-    if (!source) {
-        throw Failure(exitData, from.isEmpty()
-                                    ? QStringLiteral("No backup has message %1 sound; nothing was changed.").arg(words)
-                                    : QStringLiteral("There is no backup \"%1\" that has message %2 sound; nothing was "
-                                                     "changed. See: tolva backups")
-                                          .arg(from, words));
-    }
+    RequireRight(station, subject);
+    RequireDamage(station, subject, arguments.Has(ForceOption));
+    const RowRecovery::Source source = SourceOf(station, subject, arguments.Value(FromOption));
     RequireSoundStructure(station);
-    station.Try([&] { MessageRecovery::PutBack(station.Folder(), reference, *source); });
-    station.Database().SetLastMessageChanged(ClockHelper::NowUTC());
-    if (arguments.Has(JsonOption)) {
-        const QJsonObject result{{QStringLiteral("reference"), reference},
-                                 {QStringLiteral("from"), source->Backup.Name},
-                                 {QStringLiteral("created"), source->Backup.Created}};
-        Terminal::PrintJson(result);
-    } else {
-        Terminal::PrintLine(
-            QStringLiteral("Message %1 is back from the backup \"%2\".").arg(reference).arg(source->Backup.Name));
-    }
+    station.Try([&] { RowRecovery::PutBack(station.Folder(), subject.Of, subject.Reference, source); });
+    if (subject.Of == Kind::Message)
+        station.Database().SetLastMessageChanged(ClockHelper::NowUTC());
+    else
+        station.Database().SetLastPrizeChanged(ClockHelper::NowUTC());
+    Tell(subject, source, arguments.Has(JsonOption));
     return exitOK;
 }
 } // namespace
@@ -82,20 +157,27 @@ CommandDefinition RecoverCommand()
 {
     return {
         QStringLiteral("recover"),
-        QStringLiteral("Fetches one damaged message back from a backup."),
-        {QStringLiteral("recover FOLDER REF [--from NAME] [--force] [--json]")},
+        QStringLiteral("Fetches one damaged message, prize or winner back from a backup."),
+        {QStringLiteral("recover FOLDER REF [--from NAME] [--force] [--json]"),
+         QStringLiteral("recover FOLDER prize REF [--from NAME] [--force] [--json]"),
+         QStringLiteral("recover FOLDER winner WINNER [--from NAME] [--force] [--json]")},
         QStringLiteral(
             "The mail of message REF is taken from the newest backup that has it sound: the same number, received at\n"
             "the same moment from the same sender with the same subject. Its folder and flags stay as they are now.\n"
-            "\"tolva check\" names the messages that are damaged. The user needs the right to edit messages. Nothing\n"
-            "is changed (65) when the message is not damaged, no backup has it, or more of the station is damaged."),
+            "Of a prize it is what is damaged of its script and notes, as they were in the backup; it is the same one\n"
+            "when it was added at the same moment by the same user. Of a winner it is the notes; the prize, the "
+            "contact\n"
+            "and the moment of winning are the same. \"tolva check\" names what is damaged. The user needs the right "
+            "to\n"
+            "edit messages, or to manage prizes. Nothing is changed (65) when it is not damaged, no backup has it, or\n"
+            "more of the station is damaged."),
         {{FromOption, QStringLiteral("NAME"), QStringLiteral("Takes it from this backup.")},
-         {ForceOption, QString(), QStringLiteral("Replaces a mail that is not damaged.")},
+         {ForceOption, QString(), QStringLiteral("Replaces what is not damaged, too.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},
         QStringLiteral("tolva recover /srv/station 27"),
         2,
-        2,
+        3,
         Run,
     };
 }

@@ -8,11 +8,12 @@
 #include <memory>
 #include <optional>
 
-/// What a copy takes over from its original beside the content.
+/// What is known of a file beside its content; what a copy takes over from its original.
 struct FileAttributes
 {
     int Rights = 0;                            ///< As the system counts them.
     std::optional<qint64> ChangedMilliseconds; ///< Since 1970, universal time; nothing to leave it as it is.
+    qint64 Names = 1;                          ///< How many names the file has; never changed by SetAttributes.
 };
 
 enum class FileLock
@@ -95,6 +96,11 @@ public:
     virtual FileKind KindOf(const QString& name) = 0;
     /// Of the file, a link followed; without opening it.
     virtual std::optional<FileAttributes> AttributesOf(const QString& name) = 0;
+    /// Gives a file to those who may use another one and to nobody else: its mode, its access list and, where this
+    /// account may give it away, its owner and group. What cannot be given is left out. A failure when more would be
+    /// left open than is by the other file, or its access list cannot be given; then the file is its owner's alone, as
+    /// far as that can be had.
+    virtual FileStatus CopyAccess(const QString& from, const QString& to) = 0;
     /// Renames in one step unless anything bears the new name (FileError::Exists).
     virtual FileStatus RenameToFreeName(const QString& oldName, const QString& newName) = 0;
     /// Renames in one step over whatever file or link bears the new name. A link is replaced, not followed.

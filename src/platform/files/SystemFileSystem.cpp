@@ -9,6 +9,7 @@
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include <array>
 #include <cerrno>
@@ -17,6 +18,10 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
+
+#ifdef Q_OS_LINUX
+#include <sys/xattr.h>
+#endif
 
 namespace
 {
@@ -255,6 +260,100 @@ FileStatus LinkToFreeName(const QByteArray& oldName, const QByteArray& newName)
     return status;
 }
 
+/// A file's access list in the form in which the system hands it over; empty where there is none.
+class AccessList
+{
+public:
+    explicit AccessList([[maybe_unused]] const QByteArray& name)
+    {
+#ifdef Q_OS_LINUX
+        const ssize_t size = ::getxattr(name.constData(), Attribute, nullptr, 0);
+        if (size > 0)
+            Octets_.resize(size);
+        if (size < 0 || ::getxattr(name.constData(), Attribute, Octets_.data(), static_cast<size_t>(size)) != size)
+            Status_ = errno == ENODATA || errno == EOPNOTSUPP ? FileStatus() : StatusOf(errno);
+#endif
+    }
+
+    bool IsEmpty() const
+    {
+        return Octets_.isEmpty();
+    }
+    /// The owning group gets nothing.
+    void TakeFromGroup()
+    {
+        // A version of four octets, then entries of eight: what it is about, the rights, the account.
+        constexpr qsizetype begin = 4;
+        constexpr qsizetype entry = 8;
+        constexpr quint16 owningGroup = 4;
+        for (qsizetype at = begin; at + entry <= Octets_.size(); at += entry) {
+            if (qFromLittleEndian<quint16>(Octets_.constData() + at) == owningGroup)
+                qToLittleEndian<quint16>(0, Octets_.data() + at + 2);
+        }
+    }
+    /// Gives the file this list and no other, such as one that its folder gives to new files.
+    FileStatus GiveTo([[maybe_unused]] const QByteArray& name) const
+    {
+        if (!Status_.IsDone())
+            return Status_;
+#ifdef Q_OS_LINUX
+        if (!IsEmpty())
+            return StatusOfCall(
+                ::setxattr(name.constData(), Attribute, Octets_.constData(), static_cast<size_t>(Octets_.size()), 0));
+        if (::removexattr(name.constData(), Attribute) != 0 && errno != ENODATA && errno != EOPNOTSUPP)
+            return StatusOf(errno);
+#endif
+        return {};
+    }
+
+private:
+    static constexpr char Attribute[] = "system.posix_acl_access";
+    QByteArray Octets_;
+    FileStatus Status_;
+};
+
+/// Gives a file these rights, or fewer where the file system knows no others.
+FileStatus GiveRights(const QByteArray& name, mode_t rights)
+{
+    if (::chmod(name.constData(), rights) == 0)
+        return {};
+    const FileStatus refused = StatusOf(errno);
+    struct stat status = {};
+    const bool isNarrow = ::stat(name.constData(), &status) == 0 && (status.st_mode & RightsMask & ~rights) == 0;
+    return isNarrow ? FileStatus() : refused;
+}
+
+/// False where the file's group is another one than that.
+bool GiveOwners(const QByteArray& name, const struct stat& owners)
+{
+    // An account that may not give a file away may often still give it to a group of its own.
+    if (::chown(name.constData(), owners.st_uid, owners.st_gid) == 0 ||
+        ::chown(name.constData(), static_cast<uid_t>(-1), owners.st_gid) == 0)
+        return true;
+    struct stat own = {};
+    return ::stat(name.constData(), &own) == 0 && own.st_gid == owners.st_gid;
+}
+
+FileStatus CopyAccessOf(const QByteArray& from, const QByteArray& to)
+{
+    struct stat status = {};
+    if (::stat(from.constData(), &status) != 0)
+        return StatusOf(errno);
+    AccessList list(from);
+    mode_t rights = status.st_mode & RightsMask;
+    if (!GiveOwners(to, status)) {
+        // The group that it has must not get what the old one had. With a list, these bits are the most that anybody
+        // named in it gets.
+        if (list.IsEmpty())
+            rights &= ~static_cast<mode_t>(S_IRWXG);
+        else
+            list.TakeFromGroup();
+    }
+    const FileStatus given = list.GiveTo(to);
+    // Behind chown, which takes bits away.
+    return given.IsDone() ? GiveRights(to, rights) : given;
+}
+
 class SystemFileSystem final : public FileSystem
 {
 public:
@@ -287,7 +386,16 @@ public:
             return std::nullopt;
         const timespec& changed = status.st_mtim;
         return FileAttributes{static_cast<int>(status.st_mode) & RightsMask,
-                              qint64{changed.tv_sec} * 1000 + changed.tv_nsec / 1000000};
+                              qint64{changed.tv_sec} * 1000 + changed.tv_nsec / 1000000,
+                              static_cast<qint64>(status.st_nlink)};
+    }
+    FileStatus CopyAccess(const QString& from, const QString& to) override
+    {
+        const QByteArray target = QFile::encodeName(to);
+        const FileStatus status = CopyAccessOf(QFile::encodeName(from), target);
+        if (!status.IsDone())
+            ::chmod(target.constData(), S_IRUSR | S_IWUSR);
+        return status;
     }
     FileStatus RenameToFreeName(const QString& oldName, const QString& newName) override
     {

@@ -185,6 +185,8 @@ public:
             (qint64{data.ftLastWriteTime.dwHighDateTime} << 32) + qint64{data.ftLastWriteTime.dwLowDateTime};
         return FileAttributes{0, ticks / 10000 - SystemFile::Since1601};
     }
+    /// Files get theirs from their folder.
+    FileStatus CopyAccess(const QString&, const QString&) override { return {}; }
     FileStatus RenameToFreeName(const QString& oldName, const QString& newName) override
     {
         return StatusOfCall(MoveFileExW(Wide(oldName), Wide(newName), MOVEFILE_WRITE_THROUGH));

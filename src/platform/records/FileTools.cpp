@@ -4,17 +4,8 @@
 #include "platform/files/FileSystem.h"
 #include "platform/records/Error.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QUuid>
-
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
-#ifdef Q_OS_LINUX
-#include <sys/xattr.h>
-#endif
 
 namespace dao
 {
@@ -60,8 +51,10 @@ int ErrorNumberOf(const FileStatus& status)
 
 TemporaryFile::TemporaryFile(const QString& target)
     : Name_(QFileInfo(target).absolutePath() + QLatin1String("/~") +
-            QUuid::createUuid().toString(QUuid::Id128).left(12) + QLatin1String(".tmp"))
+            QUuid::createUuid().toString(QUuid::Id128).left(12) + QLatin1String(".tmp")),
+      Claim_(Name_)
 {
+    Require(target, Claim_.Status());
     FileStatus status;
     const auto file = FileSystem::Current().Open(Name_, FileAccess::New, status);
     Require(target, status);
@@ -75,6 +68,11 @@ TemporaryFile::~TemporaryFile()
     if (!IsMoved_)
         FileSystem::Current().Remove(Name_);
     FileSystem::Current().Remove(Name_ + QLatin1String("-journal"));
+}
+
+void TemporaryFile::CopyAccess(const QString& original) const
+{
+    Require(Name_, FileSystem::Current().CopyAccess(original, Name_));
 }
 
 void TemporaryFile::Vacate() const
@@ -112,48 +110,5 @@ void TemporaryFile::MoveTo(const QString& target)
     files.Remove(target);
     Raise(target, synced);
 }
-
-#ifdef Q_OS_UNIX
-namespace
-{
-
-void CopyAccessList([[maybe_unused]] const QByteArray& from, [[maybe_unused]] const QByteArray& to)
-{
-#ifdef Q_OS_LINUX
-    constexpr char Attribute[] = "system.posix_acl_access";
-    const ssize_t size = getxattr(from.constData(), Attribute, nullptr, 0);
-    if (size <= 0)
-        return;
-    QByteArray list(size, '\0');
-    const ssize_t read = getxattr(from.constData(), Attribute, list.data(), static_cast<std::size_t>(list.size()));
-    if (read > 0)
-        setxattr(to.constData(), Attribute, list.constData(), static_cast<std::size_t>(read), 0);
-#endif
-}
-
-} // namespace
-
-void CopyAccess(const QString& from, const QString& to)
-{
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray target = QFile::encodeName(to);
-    struct stat status = {};
-    if (stat(source.constData(), &status) != 0)
-        return;
-    // An account that may not give a file away may often still give it to a group of its own.
-    if (chown(target.constData(), status.st_uid, status.st_gid) != 0 &&
-        chown(target.constData(), static_cast<uid_t>(-1), status.st_gid) != 0) {
-        // The group that it has may be another one. It must not get what the old one had.
-        struct stat own = {};
-        if (stat(target.constData(), &own) != 0 || own.st_gid != status.st_gid)
-            status.st_mode &= ~static_cast<mode_t>(S_IRWXG);
-    }
-    // Behind chown, which takes bits away.
-    chmod(target.constData(), status.st_mode & 07777U);
-    CopyAccessList(source, target);
-}
-#else
-void CopyAccess(const QString&, const QString&) {}
-#endif
 
 } // namespace dao

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "platform/Export.h"
-#include "platform/files/FileStatus.h"
+#include "platform/files/WorkClaim.h"
 
 #include <QString>
 
@@ -14,7 +13,7 @@ namespace dao
 int ErrorNumberOf(const FileStatus& status);
 
 /// A file that is being made under a name of its own beside its target, and takes the target's name once it is whole
-/// and on the disk. Removed, with its journal, unless it was moved.
+/// and on the disk. Removed, with its journal, unless it was moved. Claimed while it is made.
 ///
 /// It is made empty by the constructor, so that nothing that somebody put under its name is ever written to: 3026 when
 /// the disk is full, 3043 when it fails, 3051 when the folder may not be written.
@@ -29,6 +28,8 @@ public:
     const QString& Name() const { return Name_; }
     /// Removes the file, for somebody who makes it anew by himself under that name. Errors: as MoveTo where that fails.
     void Vacate() const;
+    /// Gives it to those who may use the original, and to nobody else; see FileSystem::CopyAccess. Errors: as MoveTo.
+    void CopyAccess(const QString& original) const;
     /// Flushes the file, gives it the name and flushes the folder. An empty file of that name is replaced; 3051 when
     /// another one stands there, 3043 when the disk fails.
     void MoveTo(const QString& target);
@@ -38,11 +39,8 @@ private:
     void ReplaceEmpty(const QString& target) const;
 
     QString Name_;
+    WorkClaim Claim_; ///< Goes behind the file.
     bool IsMoved_ = false;
 };
-
-/// Gives a file the mode, the access list and, where this account may, the owner and group of another: who could use
-/// the one can use the other. What cannot be given is left out.
-TOLVA_EXPORT void CopyAccess(const QString& from, const QString& to);
 
 } // namespace dao

@@ -175,7 +175,7 @@ void ContentReplacement::KeepAs(const QString& keepName, const engine::CopyProgr
     TemporaryFile copy(keepName);
     copy.Vacate();
     CopyFile(File_, copy.Name(), progress);
-    CopyAccess(File_, copy.Name());
+    copy.CopyAccess(File_);
     copy.MoveTo(keepName);
 }
 
