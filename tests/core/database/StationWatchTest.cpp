@@ -81,8 +81,9 @@ TEST_F(StationWatchTest, FoldersAreLoadedOnceInAPollAndAgainInTheNext)
     int polls = 0;
     Listen([&] {
         Watch().RefreshFolders();
-        if (++polls == 1)
+        if (++polls == 1) {
             EXPECT_TRUE(Other.SaveMessageCategory(folder));
+        }
     });
     QList<bool> isThere;
     Listen([&] {
