@@ -7,6 +7,7 @@
 #include "common/FileDialog.h"
 #include "common/FileHelper.h"
 #include "platform/files/WholeFile.h"
+#include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
 
 #include <QDir>
@@ -23,6 +24,8 @@
 namespace
 {
 constexpr int MostRowsShown = 3;
+/// Among which the files to list are looked for; thousands would take seconds.
+constexpr int MostParts = 500;
 constexpr int KindColumn = 2;
 constexpr int LettersWithKind = 45;
 constexpr int AskBeforeOverwriting = 2;
@@ -135,7 +138,15 @@ void AttachmentList::SetMessage(const cMessagePtr& message)
 {
     Message_ = message;
     List_->clear();
-    const QList<cdo::Attachment> files = message ? message->CDOMessage()->Attachments() : QList<cdo::Attachment>();
+    QList<cdo::Attachment> files;
+    bool hasMore = false;
+    Listed_.reset();
+    if (message) {
+        cdo::MessageReader reader(*message->CDOMessage(), MostParts);
+        files = reader.Files();
+        hasMore = reader.HasMoreParts();
+        Listed_ = hasMore ? std::make_shared<cdo::Message>(reader.Octets()) : message->CDOMessage();
+    }
     for (const cdo::Attachment& file : files) {
         auto* item =
             new QTreeWidgetItem(List_, {ShownName(file), FileNames::SizeInWords(file.Size), KindOf(file.ContentType)});
@@ -143,13 +154,16 @@ void AttachmentList::SetMessage(const cMessagePtr& message)
         item->setToolTip(0, ShownName(file));
         item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
     }
-    Caption_->setText(files.size() == 1 ? tr("1 attachment") : tr("%1 attachments").arg(files.size()));
+    if (hasMore)
+        Caption_->setText(tr("The first %1 of many attachments; \"Save all\" saves them all").arg(files.size()));
+    else
+        Caption_->setText(files.size() == 1 ? tr("1 attachment") : tr("%1 attachments").arg(files.size()));
     if (!files.isEmpty()) {
         List_->setCurrentItem(List_->topLevelItem(0));
         const int rows = qBound(2, static_cast<int>(files.size()), MostRowsShown);
         List_->setFixedHeight(rows * qMax(List_->sizeHintForRow(0), 20) + 2 * List_->frameWidth() + 2);
     }
-    setVisible(!files.isEmpty());
+    setVisible(!files.isEmpty() || hasMore);
     UpdateButtons();
 }
 
@@ -164,7 +178,7 @@ std::optional<int> AttachmentList::SelectedIndex() const
 void AttachmentList::UpdateButtons()
 {
     SaveAs_->setEnabled(SelectedIndex().has_value());
-    SaveAll_->setEnabled(List_->topLevelItemCount() > 0);
+    SaveAll_->setEnabled(Message_ != nullptr);
 }
 
 void AttachmentList::SaveSelected()
@@ -173,8 +187,8 @@ void AttachmentList::SaveSelected()
     if (!index)
         return;
     // The selection may move on while the dialog is open.
-    const cMessagePtr message = Message_;
-    const cdo::Attachment file = message->CDOMessage()->Attachments().at(*index);
+    const std::shared_ptr<cdo::Message> mail = Listed_;
+    const cdo::Attachment file = mail->Attachments().at(*index);
     const auto dialog = FileDialog::Create();
     dialog->DialogTitle = tr("Save attachment as...");
     dialog->Filter = QStringLiteral("All Files (*.*)|*.*");
@@ -184,8 +198,7 @@ void AttachmentList::SaveSelected()
     const std::optional<QString> path = FileChoice::ToSave(*dialog);
     if (!path)
         return;
-    const FileStatus status =
-        WholeFile::Write(*path, message->CDOMessage()->AttachmentContent(*index), IfThere::Replace);
+    const FileStatus status = WholeFile::Write(*path, mail->AttachmentContent(*index), IfThere::Replace);
     if (status.IsDone())
         Q_EMIT Saved(tr("Saved %1").arg(*path));
     else

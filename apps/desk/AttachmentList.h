@@ -13,7 +13,7 @@ class QPushButton;
 class QTreeWidget;
 
 /// The files of one message: name, size and kind, to be saved and never opened. Hidden while the message has none. The
-/// names are the senders', cleaned. Owned by its parent.
+/// names are the senders', cleaned. Of a message of thousands of files the first are listed. Owned by its parent.
 class AttachmentList : public QWidget
 {
     Q_OBJECT
@@ -43,6 +43,8 @@ private:
     void UpdateButtons();
 
     cMessagePtr Message_;
+    /// The message, or its first parts, whose files are listed.
+    std::shared_ptr<cdo::Message> Listed_;
     QLabel* Caption_;
     QTreeWidget* List_;
     QPushButton* SaveAs_;

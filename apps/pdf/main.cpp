@@ -111,9 +111,9 @@ int Run(const QStringList& arguments)
     setup.NumbersPages = !parser.isSet(unnumbered);
     const QString html = FileHelper::DecodeText(ReadPage(parser.positionalArguments().first()));
     const PrintedPages pages(MakeDocumentSafe(html), setup);
-    if (pages.LeftOut() > 0)
+    if (pages.HasPlainText())
         Terminal::Complain(
-            QStringLiteral("The page is too long to be laid out whole; its last line says how much is left out."));
+            QStringLiteral("The page is too long to be laid out whole; a line says where it goes on as plain text."));
     QString problem;
     const QByteArray pdf = pages.Pdf(problem);
     if (pdf.isEmpty())

@@ -249,8 +249,8 @@ void PrintDialog::UpdateParts()
         note = IsOfPrize()
                    ? tr("This prize is too large to be laid out; the pages hold its text alone.")
                    : tr("These messages are too large to be laid out together; the pages hold their text alone.");
-    if (Pages_ && Pages_->LeftOut() > 0)
-        note = tr("This is too long to be laid out whole; the last page says how much is left out.");
+    if (Pages_ && Pages_->HasPlainText())
+        note = tr("This is too long to be laid out whole; a line says where it goes on as plain text.");
     Note_->setText(note);
     Note_->setHidden(note.isEmpty());
 }

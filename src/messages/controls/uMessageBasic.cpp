@@ -20,6 +20,8 @@ constexpr qint32 PersonalColour = 0x9CE4FF;
 
 /// Characters of a body that are decoded at once; the pane shows less of them.
 constexpr qsizetype LongestPage = 1'000'000;
+/// In which the bodies and pictures that show at once are looked for; each takes some 50 microseconds.
+constexpr int MostParts = 500;
 
 // Twips.
 constexpr double SmallestWidth = 4000;
@@ -170,9 +172,11 @@ void uMessageBasic::SetMessage(const cMessagePtr& message)
 void uMessageBasic::ShowBody()
 {
     const std::shared_ptr<cdo::Message> mail = Message_->CDOMessage();
-    wbBody_->SetContentLoader(
-        [mail](const QString& contentID, QString* contentType) { return mail->ContentByID(contentID, contentType); });
-    cdo::MessageReader reader(*mail);
+    cdo::MessageReader reader(*mail, MostParts);
+    const auto pictures = reader.HasMoreParts() ? std::make_shared<cdo::Message>(reader.Octets()) : mail;
+    wbBody_->SetContentLoader([pictures](const QString& contentID, QString* contentType) {
+        return pictures->ContentByID(contentID, contentType);
+    });
     bool isWhole = true;
     const QString html = reader.HtmlBeginning(LongestPage, &isWhole);
     if (!html.isEmpty()) {

@@ -21,12 +21,38 @@ QString Beginning(const QString& text, qsizetype mostCharacters)
         return text;
     return text.left(text.at(mostCharacters - 1).isHighSurrogate() ? mostCharacters - 1 : mostCharacters);
 }
+
+/// Where the part behind so many begins; the end of the octets where there are no more. Each line that could be the
+/// boundary of a part counts as one: what the boundaries are is known when all is read.
+qsizetype EndOfParts(const QByteArray& octets, const HeaderBlock& block, int mostParts)
+{
+    static const QByteArray boundary("\n--");
+    const QByteArray type = block.Value(octets, "Content-Type").trimmed().toLower();
+    if (mostParts == 0 || !type.startsWith("multipart/"))
+        return octets.size();
+    qsizetype place = qMax(block.BodyBegin() - 1, qsizetype{0});
+    for (int parts = 0; parts <= mostParts; ++parts, ++place) {
+        place = octets.indexOf(boundary, place);
+        if (place < 0)
+            return octets.size();
+    }
+    return place;
+}
+
+QByteArray FirstParts(const QByteArray& octets, const HeaderBlock& block, int mostParts)
+{
+    const qsizetype end = EndOfParts(octets, block, mostParts);
+    return end < octets.size() ? octets.first(end) : octets;
+}
 } // namespace
 
 class MessageReader::Parsed
 {
 public:
-    explicit Parsed(const QByteArray& octets) : Octets(octets), Block(Octets) {}
+    Parsed(const QByteArray& octets, int mostParts)
+        : Block(octets), Octets(FirstParts(octets, Block, mostParts)), HasMore(Octets.size() < octets.size())
+    {
+    }
 
     const BodyParts& Parts()
     {
@@ -35,16 +61,38 @@ public:
         return *Parts_;
     }
 
-    const QByteArray Octets;
+    /// Whether the body has its end within what is read.
+    bool HasEnd(int part)
+    {
+        constexpr qsizetype LineBreak = 2;
+        return !HasMore ||
+               (part != BodyParts::None && Parts().Leaves().at(part).ContentEnd + LineBreak < Octets.size());
+    }
+
     const HeaderBlock Block;
+    const QByteArray Octets;
+    const bool HasMore;
 
 private:
     std::optional<BodyParts> Parts_;
 };
 
-MessageReader::MessageReader(const Message& message) : Parsed_(std::make_unique<Parsed>(message.Octets())) {}
+MessageReader::MessageReader(const Message& message, int mostParts)
+    : Parsed_(std::make_unique<Parsed>(message.Octets(), mostParts))
+{
+}
 
 MessageReader::~MessageReader() = default;
+
+const QByteArray& MessageReader::Octets() const
+{
+    return Parsed_->Octets;
+}
+
+bool MessageReader::HasMoreParts() const
+{
+    return Parsed_->HasMore;
+}
 
 QString MessageReader::Header(const QByteArray& name, qsizetype mostCharacters) const
 {
@@ -96,16 +144,27 @@ QString MessageReader::HtmlBeginning(qsizetype mostCharacters, bool* isWhole)
 
 QString MessageReader::Beginning(int part, qsizetype mostCharacters, bool* isWhole)
 {
-    *isWhole = true;
+    *isWhole = Parsed_->HasEnd(part);
     if (part == BodyParts::None)
         return QString();
     QString text;
     ReadBody(Parsed_->Octets, Parsed_->Parts().Leaves().at(part), [&](const QString& piece) {
         text += piece;
-        *isWhole = text.size() <= mostCharacters;
-        return *isWhole;
+        return text.size() <= mostCharacters;
     });
+    *isWhole = *isWhole && text.size() <= mostCharacters;
     return cdo::Beginning(text, mostCharacters);
+}
+
+QList<Attachment> MessageReader::Files()
+{
+    QList<Attachment> files;
+    for (const int index : Parsed_->Parts().Files()) {
+        const BodyPart& part = Parsed_->Parts().Leaves().at(index);
+        files.append(
+            {part.FileName, QString::fromLatin1(part.ContentType), part.ContentID, DecodedSize(Parsed_->Octets, part)});
+    }
+    return files;
 }
 
 QString HeaderBeginning(const Message& message, const QByteArray& name, qsizetype mostCharacters)

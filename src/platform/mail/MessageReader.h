@@ -9,14 +9,21 @@ namespace cdo
 {
 
 /// Reads a message for who shows it, in bounded room and time: no header and no body is bounded, and decoding one whole
-/// takes many times its room. Shares the octets that the message had when this was made; parses on first need.
+/// takes many times its room, and finding a hundred thousand parts takes seconds. Shares the octets that the message
+/// had when this was made; parses on first need.
 class TOLVA_EXPORT MessageReader
 {
 public:
-    explicit MessageReader(const Message& message);
+    /// mostParts: of how many parts the message is read, about; what comes behind them is not looked at. 0 for all.
+    explicit MessageReader(const Message& message, int mostParts = 0);
     ~MessageReader();
     MessageReader(const MessageReader&) = delete;
     MessageReader& operator=(const MessageReader&) = delete;
+
+    /// What is read: the message, or its first parts.
+    const QByteArray& Octets() const;
+    /// Whether the message goes on behind the parts that are read.
+    bool HasMoreParts() const;
 
     /// The beginning of a header, decoded as Message has it; whole where it has no more characters than that.
     QString Header(const QByteArray& name, qsizetype mostCharacters = 10'000) const;
@@ -28,6 +35,8 @@ public:
     /// The beginnings of the bodies; isWhole says whether there is no more.
     QString TextBeginning(qsizetype mostCharacters, bool* isWhole);
     QString HtmlBeginning(qsizetype mostCharacters, bool* isWhole);
+    /// The files as Message has them, in its order; IsInline is not found out.
+    QList<Attachment> Files();
 
 private:
     class Parsed;

@@ -3,13 +3,13 @@
 
 #include "platform/ProcessorTime.h"
 #include "platform/files/WholeFile.h"
+#include "platform/html/TagScanner.h"
 #include "platform/widgets/PictureReader.h"
 #include "platform/widgets/TableWidths.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
 #include <QHash>
-#include <QLocale>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QTextBlock>
@@ -30,8 +30,15 @@ constexpr double NumberPoints = 8;
 constexpr double PointsPerInch = 72;
 /// The smallest that a page too wide for its paper gets; the rest would not be read.
 constexpr double LargestShrink = 2.5;
-constexpr qsizetype LongestParagraph = 20'000;
+constexpr qsizetype LongestParagraph = 5000;
 constexpr qint64 MostPixelsOnPage = 8 * PictureReader::MostPixels;
+/// Of the page's source; reading so much takes about a second and cannot be stopped.
+constexpr qsizetype LongestRichText = 8'000'000;
+/// About what laying out takes on a slow machine; a guess that only decides what is not begun any more.
+constexpr std::chrono::nanoseconds TimePerCharacterOfTable(500);
+
+const QString PlainWords =
+    QStringLiteral("[From here on the page stands as plain text: it would take too long to lay out.]");
 
 QSizeF Printable(const PaperSetup& setup)
 {
@@ -112,14 +119,21 @@ private:
 class PrintedPages::Budget
 {
 public:
-    explicit Budget(const LayoutLimits& limits) : Limits_(limits), Begin_(ProcessorTime()) {}
+    explicit Budget(const LayoutLimits& limits) : Limits_(limits), Begin_(ProcessorTime()), Time_(limits.FirstSize) {}
 
+    /// From now on all of the time counts.
+    void BeginSecondSize() { Time_ = Limits_.Budget; }
     bool IsWanted() const { return !Limits_.IsWanted || Limits_.IsWanted(); }
-    bool IsUsedUp() const { return ProcessorTime() - Begin_ > Limits_.Budget; }
+    bool IsUsedUp() const { return Left().count() <= 0; }
+    /// A table is laid out in one step.
+    bool AffordsTable(int characters) const { return characters * TimePerCharacterOfTable <= Left(); }
 
 private:
+    std::chrono::nanoseconds Left() const { return Time_ - (ProcessorTime() - Begin_); }
+
     const LayoutLimits& Limits_;
     std::chrono::nanoseconds Begin_;
+    std::chrono::nanoseconds Time_;
 };
 
 namespace
@@ -184,8 +198,66 @@ void DivideParagraphs(QTextDocument& document)
 }
 } // namespace
 
+namespace
+{
+/// The text of a safe page's source.
+QString TextOf(const QString& html)
+{
+    QString text = TagScanner::TextOf(html);
+    text.replace(QLatin1String("&lt;"), QLatin1String("<"));
+    text.replace(QLatin1String("&gt;"), QLatin1String(">"));
+    text.replace(QLatin1String("&quot;"), QLatin1String("\""));
+    return text.replace(QLatin1String("&amp;"), QLatin1String("&"));
+}
+
+/// What a cursor has selected, with each paragraph and cell on a line of its own.
+QString PlainTextOf(const QTextCursor& cursor)
+{
+    QString text = cursor.selectedText();
+    for (QChar& character : text) {
+        switch (character.unicode()) {
+        case QChar::ParagraphSeparator:
+        case QChar::LineSeparator:
+        case 0xFDD0: // where a frame or a cell begins
+        case 0xFDD1: // where a frame ends
+            character = u'\n';
+            break;
+        case QChar::Nbsp:
+        case QChar::ObjectReplacementCharacter:
+        case u'\t':
+            character = u' ';
+            break;
+        default:
+            break;
+        }
+    }
+    return text;
+}
+} // namespace
+
 PrintedPages::PrintedPages(const SafeDocument& page, const PaperSetup& setup, const LayoutLimits& limits)
     : Setup_(setup), Device_(1, 1, QImage::Format_RGB32), Document_(std::make_unique<Document>())
+{
+    Budget budget(limits);
+    SetDefaults();
+    SetContent(page.Html);
+    const QSizeF size = Printable(setup);
+    if (!LayOut(budget, size))
+        return;
+    const double width = Document_->documentLayout()->documentSize().width();
+    Shrink_ = std::clamp(width / size.width(), 1.0, LargestShrink);
+    budget.BeginSecondSize();
+    if (Shrink_ > 1 && !LayOut(budget, size * Shrink_))
+        return;
+    LaidOutCount_ = Document_->isEmpty() && !Rest_.isEmpty() ? 0 : std::max(Document_->pageCount(), 1);
+    if (!Rest_.isEmpty())
+        Plain_ =
+            PlainPages(PlainWords + QStringLiteral("\n\n") + std::exchange(Rest_, QString()), size / DotsPerMillimetre);
+}
+
+PrintedPages::~PrintedPages() = default;
+
+void PrintedPages::SetDefaults()
 {
     Device_.setDotsPerMeterX(qRound(DotsPerMillimetre * 1000));
     Device_.setDotsPerMeterY(qRound(DotsPerMillimetre * 1000));
@@ -198,58 +270,60 @@ PrintedPages::PrintedPages(const SafeDocument& page, const PaperSetup& setup, co
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     Document_->setDefaultTextOption(option);
     Document_->setDefaultStyleSheet(QStringLiteral("a { color: #000000; text-decoration: underline; }"));
-    Budget budget(limits);
-    // Each change would be laid out by itself.
+    // Each change would be laid out by itself. The first layout has the right size: another one would be made anew.
+    Document_->setPageSize(Printable(Setup_));
     Document_->setLayoutEnabled(false);
-    Document_->setHtml(page.Html);
-    FitTables(*Document_, Printable(setup).width());
-    DivideParagraphs(*Document_);
-    Document_->setLayoutEnabled(true);
-    if (!LayOut(budget, Printable(setup)))
-        return;
-    const double width = Document_->documentLayout()->documentSize().width();
-    Shrink_ = std::clamp(width / Document_->pageSize().width(), 1.0, LargestShrink);
-    if (Shrink_ > 1 && !LayOut(budget, Printable(setup) * Shrink_))
-        return;
-    PageCount_ = std::max(Document_->pageCount(), 1);
 }
 
-PrintedPages::~PrintedPages() = default;
+void PrintedPages::SetContent(const QString& html)
+{
+    // A safe page has a "<" where a tag begins and nowhere else.
+    const qsizetype end = html.size() > LongestRichText ? html.lastIndexOf(u'<', LongestRichText) : html.size();
+    Document_->setHtml(end < html.size() ? html.first(end) : html);
+    if (end < html.size())
+        Rest_ = TextOf(html.sliced(end));
+    FitTables(*Document_, Printable(Setup_).width());
+    DivideParagraphs(*Document_);
+}
 
 /// Step by step, a paragraph or an outermost table each. False when it is not wanted any more.
-bool PrintedPages::LayOut(Budget& budget, const QSizeF& size)
+bool PrintedPages::LayOut(const Budget& budget, const QSizeF& size)
 {
-    Document_->setPageSize(size);
+    if (Document_->isLayoutEnabled())
+        Document_->setPageSize(size);
+    else
+        Document_->setLayoutEnabled(true);
     const QAbstractTextDocumentLayout* layout = Document_->documentLayout();
     for (auto place = Document_->rootFrame()->begin(); !place.atEnd(); ++place) {
-        const QTextFrame* frame = place.currentFrame();
-        const QTextBlock last = frame != nullptr ? Document_->findBlock(frame->lastPosition()) : place.currentBlock();
-        // Whoever asks where a paragraph is has everything up to it laid out.
-        static_cast<void>(layout->blockBoundingRect(last));
         if (!budget.IsWanted())
             return false;
-        if (budget.IsUsedUp()) {
-            LeaveOutBehind(frame != nullptr ? frame->lastPosition() + 1 : last.position() + last.length() - 1);
+        const QTextFrame* frame = place.currentFrame();
+        const QTextBlock block = frame == nullptr ? place.currentBlock() : QTextBlock();
+        const int begin = frame != nullptr ? frame->firstPosition() - 1 : block.position();
+        const int length = frame != nullptr ? frame->lastPosition() - begin : block.length();
+        if (budget.IsUsedUp() || (frame != nullptr && !budget.AffordsTable(length))) {
+            MakePlainBehind(begin);
             break;
         }
+        // Whoever asks where a paragraph is has everything up to it laid out.
+        const QTextBlock last = frame != nullptr ? Document_->findBlock(frame->lastPosition()) : block;
+        static_cast<void>(layout->blockBoundingRect(last));
     }
-    return true;
+    return budget.IsWanted();
 }
 
-void PrintedPages::LeaveOutBehind(int position)
+void PrintedPages::MakePlainBehind(int position)
 {
     const int end = Document_->characterCount() - 1;
     if (position >= end)
         return;
-    LeftOut_ = end - position;
     QTextCursor cursor(Document_.get());
+    // Outside of an edit a cursor has everything up to it laid out.
     cursor.beginEditBlock();
     cursor.setPosition(position);
     cursor.setPosition(end, QTextCursor::KeepAnchor);
+    Rest_.prepend(PlainTextOf(cursor));
     cursor.removeSelectedText();
-    cursor.insertBlock(QTextBlockFormat(), QTextCharFormat());
-    cursor.insertText(QStringLiteral("[The page goes on for %1 characters, which would take too long to lay out.]")
-                          .arg(QLocale().toString(LeftOut_)));
     cursor.endEditBlock();
 }
 
@@ -265,11 +339,22 @@ QString PrintedPages::Title() const
 
 void PrintedPages::PaintPage(QPainter& painter, int page, double dotsPerMillimetre) const
 {
-    if (page < 0 || page >= PageCount_)
+    if (page < 0 || page >= PageCount())
         return;
-    const QSizeF size = Document_->pageSize();
     painter.save();
     painter.translate(Setup_.Margins.left() * dotsPerMillimetre, Setup_.Margins.top() * dotsPerMillimetre);
+    if (page < LaidOutCount_)
+        PaintLaidOut(painter, page, dotsPerMillimetre);
+    else if (HasPlainText())
+        Plain_.PaintPage(painter, page - LaidOutCount_, dotsPerMillimetre);
+    painter.restore();
+    if (Setup_.NumbersPages && PageCount() > 1)
+        PaintNumber(painter, page, dotsPerMillimetre);
+}
+
+void PrintedPages::PaintLaidOut(QPainter& painter, int page, double dotsPerMillimetre) const
+{
+    const QSizeF size = Document_->pageSize();
     const double scale = dotsPerMillimetre / DotsPerMillimetre / Shrink_;
     painter.scale(scale, scale);
     painter.translate(0, -page * size.height());
@@ -278,10 +363,10 @@ void PrintedPages::PaintPage(QPainter& painter, int page, double dotsPerMillimet
     context.palette = QPalette(Qt::black, Qt::white, Qt::white, Qt::black, Qt::gray, Qt::black, Qt::white);
     painter.setClipRect(context.clip, Qt::IntersectClip);
     Document_->documentLayout()->draw(&painter, context);
-    painter.restore();
+}
 
-    if (!Setup_.NumbersPages || PageCount_ == 1)
-        return;
+void PrintedPages::PaintNumber(QPainter& painter, int page, double dotsPerMillimetre) const
+{
     painter.save();
     QFont font = Document_->defaultFont();
     font.setPixelSize(qMax(1, qRound(NumberPoints / PointsPerInch * MillimetresPerInch * dotsPerMillimetre)));
@@ -290,7 +375,7 @@ void PrintedPages::PaintPage(QPainter& painter, int page, double dotsPerMillimet
     const QSizeF paper = Setup_.Paper * dotsPerMillimetre;
     const double margin = Setup_.Margins.bottom() * dotsPerMillimetre;
     painter.drawText(QRectF(0, paper.height() - margin, paper.width(), margin), Qt::AlignCenter,
-                     QStringLiteral("Page %1 of %2").arg(page + 1).arg(PageCount_));
+                     QStringLiteral("Page %1 of %2").arg(page + 1).arg(PageCount()));
     painter.restore();
 }
 
@@ -303,12 +388,12 @@ bool PrintedPages::Print(QPagedPaintDevice& device, const PageStep& step, int fi
     QPainter painter;
     if (!device.setPageLayout(layout) || !painter.begin(&device))
         return false;
-    if (last < 0 || last >= PageCount_)
-        last = PageCount_ - 1;
+    if (last < 0 || last >= PageCount())
+        last = PageCount() - 1;
     const double dotsAcross = device.logicalDpiX() / MillimetresPerInch;
     painter.scale(1, double(device.logicalDpiY()) / device.logicalDpiX());
     for (int page = first; page <= last; ++page) {
-        if ((step && !step(page, PageCount_)) || (page > first && !device.newPage()))
+        if ((step && !step(page, PageCount())) || (page > first && !device.newPage()))
             return false;
         PaintPage(painter, page, dotsAcross);
     }

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "platform/html/SafeDocument.h"
+#include "platform/widgets/PlainPages.h"
 
 #include <QImage>
 #include <QMarginsF>
 #include <QSizeF>
 #include <QTextDocument>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -33,8 +35,11 @@ struct PaperSetup
 /// How long a layout may take.
 struct LayoutLimits
 {
-    /// Of the thread's processor time; what is not laid out then is left out of the pages, and their last line says so.
-    std::chrono::milliseconds Budget = std::chrono::seconds(30);
+    /// Of the thread's processor time; what is not laid out then stands on the pages as plain text.
+    std::chrono::milliseconds Budget = std::chrono::seconds(5);
+    /// The part of it that the paper's own size may take. A page that is too wide is laid out once more for a larger
+    /// one.
+    std::chrono::milliseconds FirstSize = std::chrono::seconds(3);
     /// Asked between the steps; false from it ends the layout, whose pages are then of no use.
     std::function<bool()> IsWanted;
 };
@@ -43,8 +48,9 @@ struct LayoutLimits
 /// those within the page. What is wider than the paper is made narrower. Black on white, whatever the desktop's theme
 /// is.
 ///
-/// Laying out takes its time with the length of the page, up to a budget; it may be made in a thread of its own and
-/// then be moved to the one that shows it.
+/// Laying out takes its time with the length of the page, up to a budget. What is beyond it follows on pages of its own
+/// as plain text (PlainPages), below a line that says so: every word of the page is on the paper. It may be made in a
+/// thread of its own and then be moved to the one that shows it.
 class PrintedPages
 {
 public:
@@ -58,10 +64,10 @@ public:
 
     const PaperSetup& Setup() const { return Setup_; }
     QString Title() const;
-    /// How many characters of the page did not get onto paper within the budget.
-    qsizetype LeftOut() const { return LeftOut_; }
+    /// Whether a part of the page stands as plain text.
+    bool HasPlainText() const { return Plain_.PageCount() > 0; }
     /// At least 1.
-    int PageCount() const { return PageCount_; }
+    int PageCount() const { return std::max(1, LaidOutCount_ + Plain_.PageCount()); }
     /// Draws one page, 0 for the first, with the paper's corner at the painter's origin. Paints no ground.
     void PaintPage(QPainter& painter, int page, double dotsPerMillimetre) const;
 
@@ -80,14 +86,20 @@ private:
     class Document;
     class Budget;
 
-    bool LayOut(Budget& budget, const QSizeF& size);
-    void LeaveOutBehind(int position);
+    void SetDefaults();
+    void SetContent(const QString& html);
+    bool LayOut(const Budget& budget, const QSizeF& size);
+    void MakePlainBehind(int position);
+    void PaintLaidOut(QPainter& painter, int page, double dotsPerMillimetre) const;
+    void PaintNumber(QPainter& painter, int page, double dotsPerMillimetre) const;
 
     PaperSetup Setup_;
     /// Gives the layout a resolution of its own.
     QImage Device_;
     std::unique_ptr<Document> Document_;
     double Shrink_ = 1;
-    qsizetype LeftOut_ = 0;
-    int PageCount_ = 1;
+    /// What follows as plain text.
+    QString Rest_;
+    int LaidOutCount_ = 0;
+    PlainPages Plain_;
 };

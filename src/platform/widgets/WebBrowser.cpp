@@ -20,8 +20,9 @@
 
 namespace
 {
-/// Laying out so much takes about a quarter of a second.
-constexpr qsizetype FirstPart = 200'000;
+/// A page of so much is laid out at once, in a tenth or two of a second; of a longer one the first part.
+constexpr qsizetype LongestWhole = 200'000;
+constexpr qsizetype FirstPart = 50'000;
 constexpr double HtmlPoints = 10.5;
 constexpr int MostZoomSteps = 8;
 
@@ -37,6 +38,13 @@ QPushButton* MakeButton(QWidget* parent, const char* name, const QString& text)
     button->setObjectName(QLatin1String(name));
     button->setAutoDefault(false);
     return button;
+}
+
+QString Beginning(const QString& text, qsizetype length)
+{
+    if (text.size() <= length)
+        return text;
+    return text.left(text.at(length - 1).isHighSurrogate() ? length - 1 : length);
 }
 
 QString SizeText(qsizetype size)
@@ -158,11 +166,13 @@ void WebBrowser::ShowSafePage()
     options.KeepsColours = IsOnLightGround();
     options.BasePoints = HtmlPoints;
     options.Scale = std::pow(1.1, ZoomSteps_);
-    options.MaxCharacters = ShowsAll_ ? 0 : FirstPart;
+    const bool isLong = !ShowsAll_ && Content_.size() > LongestWhole;
+    options.MaxCharacters = ShowsAll_ ? 0 : isLong ? FirstPart : LongestWhole;
     options.HasPicture = [this](const QString& id) {
         return !View_->Picture(QStringLiteral("cid:") + QString::fromLatin1(QUrl::toPercentEncoding(id))).isNull();
     };
-    SafePage page = MakeSafe(Content_, options);
+    // Reading the source takes its time as well.
+    SafePage page = MakeSafe(isLong ? Beginning(Content_, LongestWhole) : Content_, options);
     EmbeddedPictures_ = page.EmbeddedPictures;
     for (qsizetype i = 0; i < EmbeddedPictures_.size(); ++i)
         page.MissingPictures += View_->Picture(QStringLiteral("embedded:%1").arg(i)).isNull() ? 1 : 0;
@@ -170,7 +180,7 @@ void WebBrowser::ShowSafePage()
     QFont pageFont = font();
     pageFont.setPointSizeF(HtmlPoints * options.Scale);
     View_->ShowPage(page.Html, pageFont, IsOnLightGround() ? LightPalette() : palette());
-    ShowNotice(Withheld(page), page.IsCutShort || Whole_);
+    ShowNotice(Withheld(page), page.IsCutShort || isLong || Whole_);
 }
 
 void WebBrowser::ShowPlainBody()
@@ -178,12 +188,10 @@ void WebBrowser::ShowPlainBody()
     QFont textFont = ShowsSource_ ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : font();
     const double points = font().pointSizeF() > 0 ? font().pointSizeF() : HtmlPoints;
     textFont.setPointSizeF(points * std::pow(1.1, ZoomSteps_));
-    qsizetype length = Content_.size();
-    if (!ShowsAll_ && length > FirstPart)
-        length = Content_.at(FirstPart - 1).isHighSurrogate() ? FirstPart - 1 : FirstPart;
+    const bool isLong = !ShowsAll_ && Content_.size() > LongestWhole;
     View_->SetPictureSource({});
-    View_->ShowPlain(Content_.left(length), textFont, palette());
-    ShowNotice({}, length < Content_.size() || Whole_);
+    View_->ShowPlain(isLong ? Beginning(Content_, FirstPart) : Content_, textFont, palette());
+    ShowNotice({}, isLong || Whole_);
 }
 
 QStringList WebBrowser::Withheld(const SafePage& page) const
