@@ -7,20 +7,36 @@
 #include "common/FileHelper.h"
 #include "common/kvGeneral.h"
 #include "database/BackupFolders.h"
+#include "platform/files/FileSystem.h"
 
 namespace
 {
+/// The folder, or the first on the way up from it that is there.
+QString NearestFolder(const QString& folder)
+{
+    QString nearest = folder;
+    while (!FileHelper::FolderExists(nearest) && FileHelper::FolderOf(nearest).size() < nearest.size())
+        nearest = FileHelper::FolderOf(nearest);
+    return nearest;
+}
+
 /// Why there is no backup.
 Failure WhyNone(const cTolvaDatabase& database, const QString& folder)
 {
     const int number = database.LastErrorNumber();
     if (number == dao::errCancelled)
         return Failure(exitInterrupted, QStringLiteral("Ended early; no backup was made."));
-    // The path is that of the backup's folder, which could not be made.
-    if (number != 0 && number != dao::errNotAValidPath)
-        return StationOpening::FailureOf(folder, number, database.LastErrorDescription());
     const QString file = StationPlace::FileIn(folder);
     const QString root = BackupFolders::RootOf(file);
+    // A path is that of the backup's folder, which could not be made; a file that cannot be opened may be the copy.
+    if (number == 0 || number == dao::errNotAValidPath || number == dao::errCannotOpen) {
+        const FileStatus may = FileSystem::Current().MayWrite(NearestFolder(root));
+        if (!may.IsDone())
+            return Failure(exitNoPermission,
+                           QStringLiteral("The backup could not be written into %1: %2").arg(root, may.Words()));
+    }
+    if (number != 0 && number != dao::errNotAValidPath)
+        return StationOpening::FailureOf(folder, number, database.LastErrorDescription());
     if (const QString link = BackupFolders::LinkInTheWay(file); !link.isEmpty())
         return Failure(exitCannotCreate, QStringLiteral("No backup was made: %1 is a link, and nothing is written "
                                                         "through one. Take it away; another disk can be mounted "

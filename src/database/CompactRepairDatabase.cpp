@@ -65,6 +65,7 @@ QString CompactInPlace(const QString& database, const QString& compacted)
     plan.Make = [&](dao::ContentExchange& exchange) {
         remove();
         dao::DBEngine::CompactDatabase(database, compacted);
+        FileExchange::GiveAccess(database, compacted);
         exchange.RequireSameRows(compacted);
     };
     plan.KeepName = [&] { return DAO_DatabaseFunctions::FreeKeepName(database); };

@@ -56,16 +56,6 @@ bool Exchange(dao::ContentExchange& exchange, const FileExchange::Plan& plan, co
     return false;
 }
 
-/// Who could use the old file can use the new one, and nobody else.
-void GiveAccess(const QString& file, const QString& replacement)
-{
-    const FileStatus status = FileSystem::Current().CopyAccess(file, replacement);
-    if (!status.IsDone())
-        throw dao::Error(
-            dao::ErrorNumberOf(status),
-            QStringLiteral("The rights on '%1' cannot be given to the new file: %2").arg(file, status.Words()));
-}
-
 /// Gives the old file its keep name as well, or instead where a file has one name only.
 void Keep(const QString& file, const QString& keepName)
 {
@@ -98,6 +88,15 @@ void PutBack(const QString& file, const QString& keepName, bool hasOld)
     MoveCompanions(keepName, file);
 }
 } // namespace
+
+void FileExchange::GiveAccess(const QString& file, const QString& other)
+{
+    const FileStatus status = FileSystem::Current().CopyAccess(file, other);
+    if (!status.IsDone())
+        throw dao::Error(
+            dao::ErrorNumberOf(status),
+            QStringLiteral("The rights on '%1' cannot be given to '%2': %3").arg(file, other, status.Words()));
+}
 
 QString FileExchange::InPlace(const Plan& plan)
 {

@@ -27,6 +27,9 @@ struct Plan
     std::function<QString()> KeepName;
 };
 
+/// Who may use the one file may use the other, and nobody else. dao::Error when that cannot be.
+void GiveAccess(const QString& file, const QString& other);
+
 /// Answers the keep name. Others go on working, but for the moment of the exchange; after two attempts in which
 /// somebody wrote, writers are kept out from the beginning. dao::Error when nothing was changed: 3260 when others left
 /// no moment for it.

@@ -9,9 +9,10 @@
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/DatabaseTarget.h"
 #include "database/TableCheck.h"
+#include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/FileTools.h"
 
-#include <QFile>
 #include <QUuid>
 
 namespace
@@ -55,16 +56,18 @@ qint16 CreateOnServer(const QString& name, const QString& connect, bool silent)
 void RemoveEmptyFile(const QString& fileName)
 {
     const QString aside = fileName + QStringLiteral(".empty-") + QUuid::createUuid().toString(QUuid::Id128);
-    QFile file(fileName);
-    if (!file.rename(aside)) {
+    FileSystem& files = FileSystem::Current();
+    const FileStatus status = files.RenameToFreeName(fileName, aside);
+    if (!status.IsDone()) {
         if (FileHelper::FileSize(fileName) == 0)
-            throw dao::Error(dao::errCannotOpen, file.errorString());
+            throw dao::Error(dao::ErrorNumberOf(status),
+                             QStringLiteral("'%1' cannot be removed: %2").arg(fileName, status.Words()));
         return;
     }
     if (FileHelper::FileSize(aside) > 0)
         FileHelper::RenameWithProgress(aside, fileName, QString());
     else
-        QFile::remove(aside);
+        files.Remove(aside);
 }
 
 /// 0, -1 when the user declines, or the number of the error that stopped it.

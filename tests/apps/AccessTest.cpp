@@ -5,6 +5,7 @@
 #include "CommandLineTest.h"
 
 #ifdef Q_OS_LINUX
+#include <QDirIterator>
 #include <QtEndian>
 
 #include <array>
@@ -187,6 +188,47 @@ TEST_F(AccessTest, WhoMayNotGiveAFileItsGroupGivesHisOwnGroupNothing)
         EXPECT_EQ(ListOn(kept).toHex(), expected.toHex());
         EXPECT_EQ(OnStation("check").Code, 0);
     }
+}
+
+TEST_F(AccessTest, WhatIsBeingMadeIsNeverOpenToMoreThanTheStation)
+{
+    ASSERT_EQ(::chmod(File().toUtf8().constData(), 0600), 0);
+    Expect("backup");
+    const mode_t mask = ::umask(022);
+    int seen = 0;
+    for (const char* command : {"compact", "backup", "restore"}) {
+        for (int call = 1;; call += 1 + call / 12) {
+            QProcess victim;
+            QStringList words{QString::fromLatin1(command), Station()};
+            if (QByteArray(command) != "backup")
+                words.append(QStringLiteral("--yes"));
+            Prepare(victim, words);
+            QProcessEnvironment environment = victim.processEnvironment();
+            environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(FAILING_CALLS));
+            environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+            environment.insert(QStringLiteral("KILL_AT"), QString::number(call));
+            victim.setProcessEnvironment(environment);
+            victim.start();
+            ASSERT_TRUE(victim.waitForFinished());
+            QDirIterator files(Station(),
+                               {QStringLiteral("*.tmp"), QStringLiteral("*.MDB"), QStringLiteral("*.mdb"),
+                                QStringLiteral(".copy-*"), QStringLiteral("*.restored-*"), QStringLiteral("*.BAK")},
+                               QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+            while (files.hasNext()) {
+                const QString name = files.next();
+                if (name.contains(QStringLiteral("/Directory/")) || files.fileInfo().size() == 0)
+                    continue;
+                ++seen;
+                EXPECT_EQ(StatusOf(name).st_mode & 0077U, 0U) << command << call << ' ' << name.toStdString();
+            }
+            for (const QString& kept : Kept())
+                QFile::remove(kept);
+            if (victim.exitStatus() == QProcess::NormalExit)
+                break;
+        }
+    }
+    ::umask(mask);
+    EXPECT_GT(seen, 100);
 }
 
 TEST_F(AccessTest, AListThatCannotBeGivenOpensNothingAndIsSaid)

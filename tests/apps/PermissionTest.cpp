@@ -81,6 +81,22 @@ TEST_F(PermissionTest, ACompactionThatMayNotWriteDoesNotAskForRoom)
     EXPECT_FALSE(outcome.Problems.contains("locked"));
 }
 
+TEST_F(PermissionTest, ABackupWhoseFolderMayNotBeWrittenSaysSoAndIsNotCalledLocked)
+{
+    Expect("backup");
+    OpenToEverybody();
+    const QString backups = Station() + QStringLiteral("/Backups/Tolva");
+    for (const QFileInfo& folder : QDir(backups).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
+        Close(folder.filePath()); // a backup of the same minute would go there
+    Close(backups);
+    const Outcome outcome = Nobody("backup");
+    EXPECT_EQ(outcome.Code, 77) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Problems.contains("could not be written into " + backups.toUtf8() +
+                                          ": this account may not write there"))
+        << outcome.Problems.constData();
+    EXPECT_FALSE(outcome.Problems.contains("locked"));
+}
+
 TEST_F(PermissionTest, AFileThatMayNotBeWrittenIsNotReplacedThoughItsFolderMay)
 {
     OpenToEverybody();

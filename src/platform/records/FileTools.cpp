@@ -13,7 +13,9 @@ namespace dao
 namespace
 {
 
+/// As the engine makes its files: no wider than this whatever the account's mask allows.
 constexpr int MostRights = 0644;
+constexpr int RightsOfOwner = 0600;
 
 [[noreturn]] void Raise(const QString& path, const FileStatus& status)
 {
@@ -26,12 +28,14 @@ void Require(const QString& path, const FileStatus& status)
         Raise(path, status);
 }
 
-/// Puts what another hand wrote into the file on the disk.
-void Flush(const QString& path)
+/// Puts what another hand wrote into the file on the disk, and gives it these rights, if any.
+void Finish(const QString& path, std::optional<int> rights)
 {
     FileStatus status;
     const auto file = FileSystem::Current().Open(path, FileAccess::Read, status);
     Require(path, status);
+    if (rights)
+        file->SetAttributes({*rights, std::nullopt});
     Require(path, file->Sync());
 }
 
@@ -58,9 +62,9 @@ TemporaryFile::TemporaryFile(const QString& target)
     FileStatus status;
     const auto file = FileSystem::Current().Open(Name_, FileAccess::New, status);
     Require(target, status);
-    // As the engine makes its files: no wider than this whatever the account's mask allows.
     if (const auto attributes = FileSystem::Current().AttributesOf(Name_))
-        file->SetAttributes({attributes->Rights & MostRights, std::nullopt});
+        Rights_ = attributes->Rights & MostRights;
+    file->SetAttributes({RightsOfOwner, std::nullopt});
 }
 
 TemporaryFile::~TemporaryFile()
@@ -70,9 +74,17 @@ TemporaryFile::~TemporaryFile()
     FileSystem::Current().Remove(Name_ + QLatin1String("-journal"));
 }
 
-void TemporaryFile::CopyAccess(const QString& original) const
+void TemporaryFile::CopyAccess(const QString& original)
 {
+    Rights_.reset();
     Require(Name_, FileSystem::Current().CopyAccess(original, Name_));
+}
+
+void TemporaryFile::LimitRights(const QString& original)
+{
+    const auto attributes = FileSystem::Current().AttributesOf(original);
+    if (attributes && Rights_)
+        Rights_ = *Rights_ & attributes->Rights;
 }
 
 void TemporaryFile::Vacate() const
@@ -99,7 +111,7 @@ void TemporaryFile::ReplaceEmpty(const QString& target) const
 void TemporaryFile::MoveTo(const QString& target)
 {
     FileSystem& files = FileSystem::Current();
-    Flush(Name_);
+    Finish(Name_, Rights_);
     ReplaceEmpty(target);
     // A rename that does not replace: somebody else's file of that name, made meanwhile, stays.
     Require(target, files.RenameToFreeName(Name_, target));

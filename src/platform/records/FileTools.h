@@ -15,8 +15,9 @@ int ErrorNumberOf(const FileStatus& status);
 /// A file that is being made under a name of its own beside its target, and takes the target's name once it is whole
 /// and on the disk. Removed, with its journal, unless it was moved. Claimed while it is made.
 ///
-/// It is made empty by the constructor, so that nothing that somebody put under its name is ever written to: 3026 when
-/// the disk is full, 3043 when it fails, 3051 when the folder may not be written.
+/// It is its owner's alone until it is moved. It is made empty by the constructor, so that nothing that somebody put
+/// under its name is ever written to: 3026 when the disk is full, 3043 when it fails, 3051 when the folder may not be
+/// written.
 class TemporaryFile
 {
 public:
@@ -26,10 +27,12 @@ public:
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const QString& Name() const { return Name_; }
+    /// Nobody gets what the original does not give, of what new files usually give.
+    void LimitRights(const QString& original);
     /// Removes the file, for somebody who makes it anew by himself under that name. Errors: as MoveTo where that fails.
     void Vacate() const;
     /// Gives it to those who may use the original, and to nobody else; see FileSystem::CopyAccess. Errors: as MoveTo.
-    void CopyAccess(const QString& original) const;
+    void CopyAccess(const QString& original);
     /// Flushes the file, gives it the name and flushes the folder. An empty file of that name is replaced; 3051 when
     /// another one stands there, 3043 when the disk fails.
     void MoveTo(const QString& target);
@@ -39,7 +42,8 @@ private:
     void ReplaceEmpty(const QString& target) const;
 
     QString Name_;
-    WorkClaim Claim_; ///< Goes behind the file.
+    WorkClaim Claim_;           ///< Goes behind the file.
+    std::optional<int> Rights_; ///< That it is moved with; nothing to leave what it has.
     bool IsMoved_ = false;
 };
 

@@ -4,6 +4,7 @@
 
 #include "platform/records/RecordsFixture.h"
 #include "platform/records/engines/EngineRegistry.h"
+#include "support/FaultyFileSystem.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -173,6 +174,24 @@ TEST_P(Copies, ACancelledCopyLeavesNothing)
                   [&] { DBEngine::CopyDatabase(FileName(), Target(), [&](qint64, qint64) { return ++calls < 5; }); }),
               errCancelled);
     ExpectNothingLeft();
+}
+
+TEST_P(Copies, ADiskThatIsFullAtAnyCallLeavesNothingAndIsSaid)
+{
+    for (int number = 1;; ++number) {
+        FaultyFileSystem files;
+        files.FailAt(number, FileError::Full, FaultyFileSystem::Fault::Tears);
+        const int error = ErrorNumberOf([&] { DBEngine::CopyDatabase(FileName(), Target(), {}); });
+        if (files.Calls() < number) {
+            EXPECT_EQ(error, 0);
+            EXPECT_GT(number, 5);
+            break;
+        }
+        SCOPED_TRACE(files.NameOfCall(number).constData());
+        EXPECT_EQ(error, errDiskFull);
+        ExpectNothingLeft();
+    }
+    ExpectWhole(Target());
 }
 
 TEST_P(Copies, AFileInTheWayIsNotTouched)

@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/FileCopy.h"
 
+#include "platform/files/FileSystem.h"
+#include "platform/records/FileTools.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/SqliteConnection.h"
 
-#include <QFile>
 #include <QSet>
 
 #include <algorithm>
-
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
 
 namespace dao::sqlite
 {
@@ -25,6 +22,8 @@ constexpr qint64 OneLockSize = qint64{16} * 1024 * 1024;
 constexpr qint64 LastChangesSize = qint64{4} * 1024 * 1024;
 /// What waits for the disk at any time: a writer's sync of its own few pages may have to wait for all of it.
 constexpr qint64 UnsyncedSize = qint64{16} * 1024 * 1024;
+/// A copy is its owner's alone while it is made.
+constexpr int RightsOfOwner = 0600;
 constexpr int LogAttempts = 3;
 constexpr int MostRounds = 50;
 constexpr int LockAttempts = 6;
@@ -98,18 +97,21 @@ class Copier
 {
 public:
     Copier(const QString& source, const QString& target, const engine::CopyProgress& progress)
-        : Connection_(source, Connection::Mode::ReadWrite), Target_(target), Progress_(progress)
+        : Connection_(source, Connection::Mode::ReadWrite), TargetName_(target), Progress_(progress)
     {
         Connection_.WaitEagerly();
         PageSize_ = Connection_.Number("PRAGMA page_size");
-        if (!Target_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
-            throw Error(errCannotOpen, QStringLiteral("Cannot write '%1': %2").arg(target, Target_.errorString()));
+        FileStatus status;
+        Target_ = FileSystem::Current().Open(target, FileAccess::New, status);
+        if (!Target_)
+            throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(target, status.Words()));
+        Target_->SetAttributes({RightsOfOwner, std::nullopt});
     }
 
     ~Copier()
     {
         if (!IsDone_)
-            Target_.remove();
+            FileSystem::Current().Remove(TargetName_);
     }
     Copier(const Copier&) = delete;
     Copier& operator=(const Copier&) = delete;
@@ -255,40 +257,32 @@ private:
 
     void Write(const Range& range)
     {
-        if (!Target_.seek(range.Offset) || Target_.write(Buffer_.constData(), range.Size) != range.Size)
-            RaiseUnwritable();
+        Require(Target_->WriteAt(range.Offset, Buffer_.constData(), range.Size));
         Unsynced_ += range.Size;
         if (Unsynced_ >= UnsyncedSize)
             Sync();
     }
-    void Cut(qint64 size)
-    {
-        if (!Target_.resize(size))
-            RaiseUnwritable();
-    }
+    void Cut(qint64 size) { Require(Target_->SetSize(size)); }
     void Sync()
     {
-#ifdef Q_OS_UNIX
-        if (Unsynced_ > 0 && ::fsync(Target_.handle()) != 0)
-            RaiseUnwritable();
-#else
-        Target_.flush();
-#endif
+        if (Unsynced_ > 0)
+            Require(Target_->Sync());
         Unsynced_ = 0;
     }
     void Finish()
     {
         Unsynced_ = 1;
         Sync();
-        Target_.close();
+        Require(Target_->Close());
         IsDone_ = true;
     }
-    [[noreturn]] void RaiseUnwritable() const
+    void Require(const FileStatus& status) const
     {
-        if (Target_.error() == QFileDevice::ResourceError)
+        if (status.Error() == FileError::Full)
             throw Error(errDiskFull,
-                        QStringLiteral("Not enough space on disk for '%1': the disk is full.").arg(Target_.fileName()));
-        throw Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(Target_.fileName()));
+                        QStringLiteral("Not enough space on disk for '%1': the disk is full.").arg(TargetName_));
+        if (!status.IsDone())
+            throw Error(errDiskError, QStringLiteral("Disk or network error on '%1'.").arg(TargetName_));
     }
 
     void Advance(qint64 done, qint64 total)
@@ -298,7 +292,8 @@ private:
     }
 
     Connection Connection_;
-    QFile Target_;
+    QString TargetName_;
+    std::unique_ptr<FileHandle> Target_;
     const engine::CopyProgress& Progress_;
     QByteArray Buffer_;
     qint64 PageSize_ = 0;

@@ -14,7 +14,7 @@ namespace dao::sqlite
 /// so little is left that it can be read under one lock. Where that does not succeed, such as when a program that keeps
 /// no change log writes all the time, a last run holds the lock from beginning to end.
 ///
-/// The copy is on the disk then. Errors as in Engine::Copy; they leave no target.
+/// The copy is on the disk then, and its owner's alone. Errors as in Engine::Copy; they leave no target.
 void CopyFile(const QString& source, const QString& target, const engine::CopyProgress& progress);
 
 } // namespace dao::sqlite

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/SqliteEngine.h"
 
+#include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
@@ -13,7 +14,6 @@
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqliteStore.h"
 
-#include <QFile>
 #include <QtEndian>
 
 namespace dao::sqlite
@@ -118,6 +118,7 @@ void SqliteEngine::Compact(const QString& source, const QString& target)
         throw;
     }
     FinishCompaction(file.Name());
+    file.LimitRights(source);
     file.MoveTo(target);
 }
 
@@ -132,7 +133,7 @@ void SqliteEngine::Copy(const QString& source, const QString& target, const engi
     try {
         RequireNotDamaged(source, ExamineFile(target, progress));
     } catch (...) {
-        QFile::remove(target);
+        FileSystem::Current().Remove(target);
         throw;
     }
 }
