@@ -62,9 +62,10 @@ void MakeFile(const QString& folder, const QString& name, const QString& phoneNu
     const QStringList problems = userInterface.TakeProblems();
     database.CloseTolvaDatabase();
     if (result != 0 || !isStored) {
-        const int number = problems.isEmpty() ? 0 : ErrorNumberIn(problems.last());
+        const int number = problems.isEmpty() ? database.LastErrorNumber() : ErrorNumberIn(problems.last());
         const ExitCode code = number == 0 ? exitCannotCreate : ExitCodeOf(number);
-        throw Failure(code, QStringLiteral("The station could not be made: %1").arg(problems.join(u' ')));
+        throw Failure(code, QStringLiteral("The station could not be made: %1")
+                                .arg(problems.isEmpty() ? database.LastErrorDescription() : problems.join(u' ')));
     }
 }
 

@@ -47,7 +47,9 @@ void StationOpening::Open(cTolvaDatabase& database, const QString& folder, Colle
     // An open that meets a restore begins again as well.
     for (int attempt = 1; attempt < OpenAttempts && (IsCollision(result) || result == dao::errFileReplaced); ++attempt)
         result = TryOpen(database, folder, userInterface);
-    const QStringList problems = userInterface.TakeProblems();
+    QStringList problems = userInterface.TakeProblems();
+    if (problems.isEmpty() && database.LastErrorNumber() != 0)
+        problems.append(database.LastErrorDescription());
     if (result != 0)
         Fail(folder, result, problems);
     GeneralHelper::SetPhoneRegion(database.StationCountry());

@@ -174,7 +174,7 @@ QString DeskStation::Name() const
 QString DeskStation::MarkAsRead(qint32 reference)
 {
     try {
-        const cMessagePtr message = Database_.GetMessage(reference);
+        const cMessagePtr message = Database_.ReadMessage(reference);
         const clsKVUser* user = Directory_.CurrentUser();
         if (!message || !user || (message->Flags() & mfRead) != 0)
             return QString();

@@ -39,7 +39,7 @@ DraftStore::Outcome DraftStore::SaveInTransaction(const Composition& composition
                                                   Conflict conflict, cMessagePtr& written)
 {
     cTolvaDatabase& database = Station_.Database();
-    const cMessagePtr stored = Reference() == 0 ? nullptr : database.GetMessage(Reference());
+    const cMessagePtr stored = Reference() == 0 ? nullptr : database.ReadMessage(Reference());
     if (conflict == Conflict::Stop) {
         if (const std::optional<Outcome> difference = Compare(stored)) {
             Stored_ = *difference == Outcome::Changed ? stored : nullptr;

@@ -396,7 +396,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
 cMessagePtr MainWindow::SelectedMessage()
 {
     const qint32 reference = List_->SelectedReference();
-    cMessagePtr message = reference > 0 ? Station_->Database().GetMessage(reference) : nullptr;
+    cMessagePtr message = reference > 0 ? Station_->Database().ReadMessage(reference) : nullptr;
     if (!message && reference > 0)
         CheckSelectedIsThere();
     return message;
@@ -406,7 +406,7 @@ void MainWindow::CheckSelectedIsThere()
 {
     Run([this] {
         const qint32 reference = List_->SelectedReference();
-        if (reference <= 0 || Station_->Database().GetMessage(reference))
+        if (reference <= 0 || Station_->Database().ReadMessage(reference))
             return;
         statusBar()->showMessage(tr("That message is not there any more: it was deleted on another computer."),
                                  MessageMilliseconds);
@@ -483,7 +483,7 @@ void MainWindow::ConnectContacts()
             [this] { Run([this] { Contacts_->ShowSender(SelectedMessage()); }); });
     connect(Contacts_, &ContactDesk::MessageWanted, this, [this](qint32 reference) {
         Run([&] {
-            if (const cMessagePtr message = Station_->Database().GetMessage(reference))
+            if (const cMessagePtr message = Station_->Database().ReadMessage(reference))
                 TakeOpenMessage(message);
             else
                 Words::Tell(tr("That message is not there any more: it was deleted on another computer."));

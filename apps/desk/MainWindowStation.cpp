@@ -11,6 +11,7 @@
 #include "StationCheck.h"
 #include "StationPlace.h"
 #include "common/UserInterface.h"
+#include "database/LastError.h"
 #include "messages/dialogs/frmHighlightSettings.h"
 #include "messageslist/uMessagesList.h"
 #include "prizes/PrizeDesk.h"
@@ -129,7 +130,9 @@ void MainWindow::ChangeLabels()
 {
     Run([this] {
         cTolvaDatabase& database = Station_->Database();
-        database.ReadDatabaseSettings();
+        // What could not be read must not be written back.
+        if (!database.ReadDatabaseSettings())
+            RaiseLastError(database);
         const cPageSetup before = database.AddressLabelsPageSetup();
         database.AddressLabelsPageSetup().DisplayPageSetupLabels();
         if (!IsSame(before, database.AddressLabelsPageSetup()))
@@ -182,12 +185,11 @@ void MainWindow::CheckFile()
             return;
         }
         const auto counts = StationReplacing::CountsOf(StationPlace::FileIn(Station_->Folder()));
-        const QString headline = report.IsSound()
-                                     ? tr("The station is sound: %1.")
-                                           .arg(counts ? counts->Words() : tr("in use by others"))
-                                     : tr("The station is not sound: %1. \u201CBackups...\u201D in the menu "
-                                          "\u201CStation\u201D restores an earlier state.")
-                                           .arg(report.Summary);
+        const QString headline =
+            report.IsSound() ? tr("The station is sound: %1.").arg(counts ? counts->Words() : tr("in use by others"))
+                             : tr("The station is not sound: %1. \u201CBackups...\u201D in the menu "
+                                  "\u201CStation\u201D restores an earlier state.")
+                                   .arg(report.Summary);
         ReportDialog dialog(tr("Check the file"), headline, DetailsOf(report, problems), this);
         dialog.exec();
     });

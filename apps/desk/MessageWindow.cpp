@@ -94,7 +94,7 @@ void MessageWindow::CheckStored()
     if (!Station_.Database().IsOpen() || Message_->Reference() == 0)
         return;
     try {
-        const cMessagePtr stored = Station_.Database().GetMessage(Message_->Reference());
+        const cMessagePtr stored = Station_.Database().ReadMessage(Message_->Reference());
         if (!stored) {
             Notice_->Show(tr("This message was deleted meanwhile. What you see is how it was when you opened it."));
         } else if (stored->Category() != Message_->Category()) {

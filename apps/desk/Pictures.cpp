@@ -197,7 +197,7 @@ private:
     void SelectOneWithFiles()
     {
         for (int row = 1; row < Grid().Rows() && row < 60; ++row) {
-            const cMessagePtr message = Window().Station().Database().GetMessage(Grid().TextMatrix(row, 0).toInt());
+            const cMessagePtr message = Window().Station().Database().ReadMessage(Grid().TextMatrix(row, 0).toInt());
             if (message && !message->CDOMessage()->Attachments().isEmpty()) {
                 Select(row);
                 return;

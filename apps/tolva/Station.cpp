@@ -66,7 +66,7 @@ Failure Station::FailureOfStation(int errorNumber, const QString& description) c
 cMessagePtr Station::Message(const QString& words)
 {
     const qint32 reference = ToReference(words);
-    const cMessagePtr message = Try([&] { return Database_.GetMessage(reference); });
+    const cMessagePtr message = Try([&] { return Database_.ReadMessage(reference); });
     if (!message)
         throw Failure(exitData, QStringLiteral("There is no message %1 in the station in %2.").arg(words, Folder_));
     return message;
@@ -97,7 +97,7 @@ Failure Station::WhyNot(qint32 reference, const QString& words)
     if (Database_.LastErrorNumber() != 0)
         return FailureOfStation(Database_.LastErrorNumber(), Database_.LastErrorDescription());
     try {
-        const cMessagePtr message = Try([&] { return Database_.GetMessage(reference); });
+        const cMessagePtr message = Try([&] { return Database_.ReadMessage(reference); });
         if (!message) {
             return Failure(exitData,
                            QStringLiteral("There is no message %1 in the station in %2.").arg(reference).arg(Folder_));

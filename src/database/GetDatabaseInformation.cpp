@@ -82,13 +82,13 @@ void ReadDatabase(dao::Database& database, const QString& name, DatabaseInformat
     if (!pending.Try([&] {
             recordset = database.OpenRecordset(QStringLiteral("Description"));
             isEmpty = recordset->AtEOF();
+            if (isLocal)
+                information.EngineVersion = database.Version();
         })) {
         if (reportErrors)
             Report(QStringLiteral("opening the description information in the database\n\n") + name, pending, false);
         return;
     }
-    if (isLocal)
-        information.EngineVersion = database.Version();
     if (!isEmpty) {
         ReadRow(*recordset, information, pending);
     } else if (reportErrors) {

@@ -50,6 +50,7 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QSt
     // The arguments may be this object's own properties, which closing empties.
     const QString location = givenLocation;
     const QString connect = givenConnect;
+    KeepLastError(PendingError());
     WriteDebugLog(QStringLiteral("Closing any previous Database"));
     CloseTolvaDatabase();
     if (location.isEmpty())
@@ -88,18 +89,40 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QSt
         AskForStationName(pending);
 
     WriteDebugLog(QStringLiteral("Checking Settings Table"));
+    CheckSettingsIndex();
+    if (!pending.Try([&] { BringUpToDate(location); })) {
+        KeepLastError(pending);
+        return FailOpen(NameAndPath() + QStringLiteral(" - ") + pending.Description(), pending.Number());
+    }
+
+    WriteDebugLog(QStringLiteral("Reading Database Settings"));
+    const bool areSettingsRead = ReadDatabaseSettings();
+    const qint32 failure = areSettingsRead ? -1 : LastErrorNumber_;
+    const bool isReady = InsistOnStationDetails(areSettingsRead);
+    LogDatabaseEvent(auditOpened, OpenedTitle, NameAndPath(), isReady ? 1 : 0);
+    return isReady ? 0 : failure;
+}
+
+/// The one step of the open whose error goes to the caller, with the reason of the open before it where that failed.
+void cTolvaDatabase::CheckSettingsIndex() const
+{
+    if (!Database_ && LastErrorNumber_ != 0)
+        throw dao::Error(LastErrorNumber_, LastErrorDescription_);
     const auto settings = OpenTable(OpenedDatabase(), QStringLiteral("Settings"));
     settings->SetIndex(QStringLiteral("Main"));
     settings->Close();
+}
+
+void cTolvaDatabase::BringUpToDate(const QString& location)
+{
     if (Information_.Version < StructureVersion)
         WriteStructureVersion();
     RefreshHTMLTemplates(location);
+}
 
-    WriteDebugLog(QStringLiteral("Reading Database Settings"));
-    const bool isReady = InsistOnStationDetails(ReadDatabaseSettings());
-    LogDatabaseEvent(auditOpened, OpenedTitle, QStringLiteral("%1 (%2)").arg(Description(), Information_.Path),
-                     isReady ? 1 : 0);
-    return isReady ? 0 : -1;
+QString cTolvaDatabase::NameAndPath() const
+{
+    return QStringLiteral("%1 (%2)").arg(Description(), Information_.Path);
 }
 
 /// The first opener fixes the locking mode for all later ones, so a connection that asks for record locks stands
@@ -127,7 +150,8 @@ void cTolvaDatabase::OpenWithLockingMode(const QString& fileName, PendingError& 
     }
     WriteDebugLog(QStringLiteral("Opening database (DAO)"));
     ++Openings_;
-    pending.Try([&] { Database_ = dao::DBEngine::OpenDatabase(fileName); });
+    if (!pending.Try([&] { Database_ = dao::DBEngine::OpenDatabase(fileName); }))
+        KeepLastError(pending);
     if (connection) {
         WriteDebugLog(QStringLiteral("Closing database (ADO)"));
         PendingError ignored;
@@ -203,8 +227,7 @@ qint32 cTolvaDatabase::CloseTolvaDatabase()
             Database_.reset();
         }
     }
-    LogDatabaseEvent(auditClosed, QStringLiteral("Tolva Database Closed"),
-                     QStringLiteral("%1 (%2)").arg(Description(), Information_.Path), 1);
+    LogDatabaseEvent(auditClosed, QStringLiteral("Tolva Database Closed"), NameAndPath(), 1);
     Information_.EngineVersion = QStringLiteral("0");
     Information_.Version = 0;
     Information_.Type = 0;

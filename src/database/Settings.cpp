@@ -63,13 +63,14 @@ std::unique_ptr<dao::Recordset> OpenSettings(dao::Database& database)
 
 QVariant cTolvaDatabase::DatabaseSetting(const QString& itemName, const QVariant& defaultValue) const
 {
-    try {
+    // Reading a setting never fails: its caller goes on with the default.
+    QVariant value = defaultValue;
+    PendingError ignored;
+    ignored.Try([&] {
         const auto recordset = OpenSettings(OpenedDatabase());
-        return DAO_DatabaseFunctions::ReadSettingValue(recordset.get(), itemName, defaultValue);
-    } catch (const dao::Error&) {
-        // Reading a setting never fails: its caller goes on with the default.
-        return defaultValue;
-    }
+        value = DAO_DatabaseFunctions::ReadSettingValue(recordset.get(), itemName, defaultValue);
+    });
+    return value;
 }
 
 void cTolvaDatabase::SetDatabaseSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue)
@@ -80,14 +81,17 @@ void cTolvaDatabase::SetDatabaseSetting(const QString& itemName, const QVariant&
 int cTolvaDatabase::StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue,
                                  bool silent)
 {
-    try {
+    int number = 0;
+    PendingError pending;
+    const bool isLocated = pending.Try([&] {
         const auto recordset = OpenSettings(OpenedDatabase());
-        return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, silent);
-    } catch (const dao::Error& error) {
-        ReportProblem(QStringLiteral("locating the database setting : ") + itemName, error.Number(), silent,
-                      error.Description());
-        return error.Number();
-    }
+        number = DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), itemName, value, defaultValue, silent);
+    });
+    if (isLocated)
+        return number;
+    ReportProblem(QStringLiteral("locating the database setting : ") + itemName, pending.Number(), silent,
+                  pending.Description());
+    return pending.Number();
 }
 
 /// Moves a change stamp in the transaction of its change, and commits. Where every change is stamped, what closing
@@ -113,17 +117,25 @@ bool cTolvaDatabase::CommitWithStamp(dao::Transaction& transaction, const QStrin
 
 bool cTolvaDatabase::ReadDatabaseSettings()
 {
+    KeepLastError(PendingError());
+    if (!Database_)
+        return false;
     BackupInterval_ = SettingNumber(DatabaseSetting(BackupIntervalKey, BackupIntervalDefault), BackupIntervalDefault);
     EnableAutoBackup_ =
         SettingFlag(DatabaseSetting(EnableAutoBackupKey, EnableAutoBackupDefault), EnableAutoBackupDefault);
     ReadHighlightSettings();
     bool areLabelsRead = false;
     AddressLabelsPageSetup_.ReadSettings(this, LabelsPrefix, areLabelsRead);
-    UpdateCategoryTree();
-    SaveFixedCategories();
-    UpdateCategoryTree();
-    UpdateBackupTimer();
-    return true;
+    PendingError pending;
+    const bool areFoldersRead = pending.Try([this] {
+        UpdateCategoryTree();
+        SaveFixedCategories();
+        UpdateCategoryTree();
+    });
+    KeepLastError(pending);
+    if (areFoldersRead)
+        UpdateBackupTimer();
+    return areFoldersRead;
 }
 
 void cTolvaDatabase::ReadHighlightSettings()

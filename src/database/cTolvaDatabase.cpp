@@ -91,8 +91,12 @@ bool cTolvaDatabase::LogDatabaseEvent(int kind, const QString& title, const QStr
         return false;
     const auto isLogged = std::make_shared<bool>(true);
     dao::Transaction::AfterCommit([self = QPointer<const cTolvaDatabase>(this), isLogged, kind, title, text, code] {
-        clsKVUser* user = self ? self->CurrentUser() : nullptr;
-        *isLogged = user && user->LogEvent(UserLogClass, kind, title, text, code, 0);
+        // Whatever the host's log meets, the change that it tells of stands.
+        PendingError ignored;
+        ignored.Try([&] {
+            clsKVUser* user = self ? self->CurrentUser() : nullptr;
+            *isLogged = user && user->LogEvent(UserLogClass, kind, title, text, code, 0);
+        });
     });
     return *isLogged;
 }

@@ -60,8 +60,9 @@ public:
     /// Opens "Tolva.mdb" in the folder, making a missing file, and brings its structure up to date; closes what was
     /// open before. connect: empty for a local file. 0 when open and configured, otherwise -1 or an error number
     /// (negated when the file failed its validation). With -1 for incomplete settings the database stays open until it
-    /// is closed. dao::Error when the file cannot be used in a way that has no number of its own, such as a Settings
-    /// table without its index.
+    /// is closed; so it does with the error number of settings or folders that cannot be read, whose words
+    /// LastErrorDescription holds. dao::Error for one thing, which has no number of its own: the Settings table cannot
+    /// be opened by its index, or the file itself could not be opened once its information had been read.
     qint32 OpenTolvaDatabase(const QString& location, const QString& connect = QString());
     /// Always 0; does nothing on a closed object.
     qint32 CloseTolvaDatabase();
@@ -100,8 +101,8 @@ public:
     clsKVDirectory* DirectoryDatabase() const { return DirectoryDatabase_; }
     void SetDirectoryDatabase(clsKVDirectory* directory) { DirectoryDatabase_ = directory; }
 
-    /// Why the last operation that answered false did so: an error number of dao::ErrorNumber, and its words. 0 when no
-    /// error stood behind it.
+    /// Why the last operation that answered false or nothing did so: an error number of dao::ErrorNumber, and its
+    /// words. 0 when no error stood behind it.
     int LastErrorNumber() const { return LastErrorNumber_; }
     const QString& LastErrorDescription() const { return LastErrorDescription_; }
 
@@ -118,7 +119,8 @@ public:
     /// Stores the value in its text form at once; a value equal to the default deletes the row. A failure is shown to
     /// the user.
     void SetDatabaseSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue);
-    /// Reads what this object keeps in memory, refreshes the fixed folders and the folder tree. Always true.
+    /// Reads what this object keeps in memory, refreshes the fixed folders and the folder tree. False when the folders
+    /// could not be read or put right (LastErrorNumber), and on a closed object.
     bool ReadDatabaseSettings();
     /// Stores the backup options, the highlight font and words, and the label geometry. Always true.
     bool WriteDatabaseSettings();
@@ -178,13 +180,17 @@ public:
 
     // Messages.
 
-    /// Null when there is no such message, for reference 0 and on a closed object.
+    /// Null when there is no such message, for reference 0 and on a closed object, and when it cannot be read
+    /// (LastErrorNumber).
     cMessagePtr GetMessage(qint32 reference);
+    /// The same for callers to whom a message that cannot be read is another thing than one that is gone: dao::Error
+    /// for what cannot be read.
+    cMessagePtr ReadMessage(qint32 reference);
     /// The message of the current row of a snapshot of all columns; null when it was deleted since the snapshot. For
     /// lists: one statement serves all rows. dao::Error for what cannot be read.
     cMessagePtr GetMessage(dao::Recordset& row);
-    /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, and for more
-    /// messages than a collection holds (32,767).
+    /// The messages that a condition selects, read whole; an empty query selects all. Null on an error, which is
+    /// errOverflow for more messages than a collection holds (32,767).
     std::unique_ptr<cMessages> GetMessages(const QString& sqlQuery);
     /// A snapshot of these columns of the messages that meet a condition (as after WHERE; empty for all), in an order
     /// (as after ORDER BY; empty for none). For lists and counts: however many messages there are, a mail's text is
@@ -194,8 +200,8 @@ public:
                                                     const QString& order = QString()) const;
     /// A snapshot of any SELECT. dao::Error as above.
     std::unique_ptr<dao::Recordset> OpenSnapshot(const QString& sql) const;
-    /// Stores a new or changed message; it is on the disk when this returns true. dao::Error when the row cannot be
-    /// started at all (locked by another computer: 3260).
+    /// Stores a new or changed message; it is on the disk when this returns true. Otherwise LastErrorNumber tells why
+    /// (locked by another computer: 3260).
     bool SaveMessage(const cMessagePtr& message);
     /// Stores messages in one step: all that are answered for are on the disk when this returns. Their rows and one
     /// change stamp are one transaction of the station, which is locked for as long; behind it come their entries in
@@ -235,18 +241,22 @@ public:
 
     /// Root of the tree as it was last loaded. Held nodes go stale at UpdateCategoryTree.
     clsCategory& MessageCategories() { return *MessageCategories_; }
+    // Folders that cannot be read or stored are a dao::Error of these, DeleteMessageCategory apart; on a closed object
+    // they answer nothing.
+
     /// One folder with all below it, freshly from the table; null for a reference that no folder can have (0 or less,
     /// above 32,767).
     std::unique_ptr<clsCategory> GetMessageCategory(qint32 reference);
     /// Adds (Reference below 1, filled afterwards) or changes a folder. updateSubCategories: the stored children are
-    /// replaced by those of the object. The tree is not refreshed. dao::Error on a failure.
+    /// replaced by those of the object. The tree is not refreshed. dao::Error on a failure, also when no number up to
+    /// 32,767 is left (6).
     bool SaveMessageCategory(clsCategory& category, bool updateSubCategories = true);
     /// False for a folder with sub-folders or messages, and for a reference that no folder can have. An absent one
     /// counts as deleted.
     bool DeleteMessageCategory(qint32 reference);
     void UpdateCategoryTree();
     /// Loads the tree where the stored one differs from it, by whatever computer; true then. Otherwise held nodes stay
-    /// good. dao::Error as UpdateCategoryTree.
+    /// good.
     bool RefreshCategoryTree();
     /// The highest reference in use, 0 for none.
     qint16 LastMessageCategoryReference() const;
@@ -255,8 +265,8 @@ public:
     /// phoneNumbers: "|" between the entries; with neither, every message, with numbers alone that are none, no
     /// message. The columns' keys are fields of Messages, or, behind the first, FOLDER, or SENT; a cell of another key
     /// stays empty. Items have the keys "m" + a message's reference. The list stays as it is when no database is open,
-    /// it has no columns, or it is no list view. dao::Error when the messages cannot be read at all; the list is empty
-    /// then.
+    /// it has no columns, or it is no list view. Messages that cannot be read are missing, and LastErrorNumber tells
+    /// why.
     void FillMessagesListView(ListViewObject* lvwMessages, const QString& emailAddresses, const QString& phoneNumbers);
 
     // Prizes.
@@ -305,6 +315,8 @@ public:
     /// -1 for no contact, on a closed object, and when they cannot be counted (LastErrorNumber).
     qint32 GetNumberWinsForContact(qint32 contactReference);
 
+    // The hotlists. Settings that cannot be opened are a dao::Error of both.
+
     /// The hours that the user chose from the hotlists, in the form in which they were saved; empty when none was
     /// chosen. parentForm: the window that the dialog belongs to, or null.
     QString LoadAvailableHoursHotlist(QObject* parentForm);
@@ -339,10 +351,13 @@ private:
     qint32 FailOpen(const QString& text, qint32 result);
     void OpenWithLockingMode(const QString& fileName, PendingError& pending);
     void AskForStationName(PendingError& pending);
+    void CheckSettingsIndex() const;
+    void BringUpToDate(const QString& location);
     void WriteStructureVersion();
     void RefreshHTMLTemplates(const QString& location); // in HTMLTemplates.cpp
     bool InsistOnStationDetails(bool settingsRead);
     void WriteLastAccess();
+    QString NameAndPath() const;
 
     qint32 OfferBackupOfCorruptedDatabase(const QString& fileName, const QString& connect, qint32 failure);
 
@@ -386,7 +401,7 @@ private:
     };
     bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
                           PendingError& pending);
-    bool MayEditMessage(const cMessage& message) const;
+    bool MayEditMessage(const cMessage& message);
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
 
     // Prizes.

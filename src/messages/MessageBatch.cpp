@@ -5,9 +5,10 @@
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
+#include "database/watch/ToldMove.h"
 #include "platform/records/Transaction.h"
 
-#include <QScopedValueRollback>
+#include <QPointer>
 
 #include <algorithm>
 #include <functional>
@@ -68,14 +69,15 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
         // A disk that fails in the last step of a commit has the rows all the same, or may have them.
         PendingError pending;
         bool isThere = false;
-        const bool isKnown = pending.Try([&] { isThere = GetMessage(FirstSaved(messages, savings)) != nullptr; });
+        const bool isKnown = pending.Try([&] { isThere = ReadMessage(FirstSaved(messages, savings)) != nullptr; });
         if (isKnown && !isThere)
             PutBack(messages, before);
         throw;
     }
     LogSavings(messages, savings);
-    const QScopedValueRollback<StampMove> told(ToldMessageMove_, CommittedMove_);
-    for (std::size_t i = 0; RaiseEvents_ && i < savings.size(); ++i) {
+    const QPointer<cTolvaDatabase> self(this);
+    const ToldMove told(*this, ToldMessageMove_, CommittedMove_);
+    for (std::size_t i = 0; self && RaiseEvents_ && i < savings.size(); ++i) {
         if (!savings[i].IsSaved())
             continue;
         WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));

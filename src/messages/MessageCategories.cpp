@@ -110,17 +110,19 @@ bool cTolvaDatabase::RefreshCategoryTree()
 
 std::unique_ptr<clsCategory> cTolvaDatabase::GetMessageCategory(qint32 reference)
 {
-    if (reference <= 0 || reference > HighestReference)
+    if (!Database_ || reference <= 0 || reference > HighestReference)
         return nullptr;
     auto category = std::make_unique<clsCategory>();
     category->SetReference(ToReference(reference));
-    category->LoadCategories(OpenedDatabase(), CategoriesTitle, CategoriesTable);
+    category->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
     return category;
 }
 
 qint16 cTolvaDatabase::LastMessageCategoryReference() const
 {
-    const auto recordset = OpenCategories(OpenedDatabase());
+    if (!Database_)
+        return 0;
+    const auto recordset = OpenCategories(*Database_);
     if (recordset->AtEOF())
         return 0;
     recordset->MoveLast();
@@ -133,6 +135,8 @@ qint16 cTolvaDatabase::LastMessageCategoryReference() const
 
 bool cTolvaDatabase::SaveMessageCategory(clsCategory& category, bool updateSubCategories)
 {
+    if (!Database_)
+        return false;
     // A new number is above all others, and no other computer may take it meanwhile.
     dao::Transaction transaction = BeginChange();
     if (updateSubCategories)

@@ -203,18 +203,18 @@ void cTolvaDatabase::FillMessagesListView(ListViewObject* lvwMessages, const QSt
     if (lvwMessages->ColumnCount() <= 0)
         return;
     lvwMessages->ClearItems();
-    const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), StationCountry());
-    // A snapshot packs the rows without the mails; their text is read only for a column that shows it.
-    const auto rows =
-        OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where + QStringLiteral(" ORDER BY [Sent] DESC"));
-    std::vector<HistoryColumn> columns = ColumnsOf(*lvwMessages, *rows, *MessageCategories_);
-    const dao::Field& reference = (*rows)[QStringLiteral("Reference")];
     PendingError pending;
     pending.Try([&] {
+        const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), StationCountry());
+        // A snapshot packs the rows without the mails; their text is read only for a column that shows it.
+        const auto rows =
+            OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where + QStringLiteral(" ORDER BY [Sent] DESC"));
+        std::vector<HistoryColumn> columns = ColumnsOf(*lvwMessages, *rows, *MessageCategories_);
+        const dao::Field& reference = (*rows)[QStringLiteral("Reference")];
         for (; !rows->AtEOF(); rows->MoveNext())
             AddRow(*lvwMessages, QStringLiteral("m%1").arg(reference.Value().toInt()), columns);
     });
-    if (pending.Number() != 0)
+    KeepLastError(pending);
+    if (pending)
         WriteDebugLog(QStringLiteral("FillMessagesListView: ") + pending.Description());
-    rows->Close();
 }

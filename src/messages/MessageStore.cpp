@@ -6,10 +6,9 @@
 #include "common/kvGeneral.h"
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
+#include "database/watch/ToldMove.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/mail/MessageReader.h"
-
-#include <QScopedValueRollback>
 
 namespace
 {
@@ -36,17 +35,18 @@ QString SubjectOf(const cMessagePtr& message)
 {
     return cdo::HeaderBeginning(*message->CDOMessage(), "Subject");
 }
-
-/// The message for an operation that answers rather than throws; null with the error in pending when it cannot be read.
-cMessagePtr ReadFor(cTolvaDatabase& database, qint32 reference, PendingError& pending)
-{
-    cMessagePtr message;
-    pending.Try([&] { message = database.GetMessage(reference); });
-    return message;
-}
 } // namespace
 
 cMessagePtr cTolvaDatabase::GetMessage(qint32 reference)
+{
+    cMessagePtr message;
+    PendingError pending;
+    pending.Try([&] { message = ReadMessage(reference); });
+    KeepLastError(pending);
+    return message;
+}
+
+cMessagePtr cTolvaDatabase::ReadMessage(qint32 reference)
 {
     if (reference == 0 || !Database_)
         return nullptr;
@@ -85,21 +85,24 @@ std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
         return nullptr;
 
     auto messages = std::make_unique<cMessages>();
-    for (; !recordset->AtEOF(); recordset->MoveNext()) {
-        cMessagePtr message;
-        if (!pending.Try([&] { message = GetMessage(*recordset); })) {
-            KeepLastError(pending);
-            return nullptr;
+    bool isWhole = true;
+    pending.Try([&] {
+        for (; isWhole && !recordset->AtEOF(); recordset->MoveNext()) {
+            const cMessagePtr message = GetMessage(*recordset);
+            if (!message)
+                continue; // deleted meanwhile
+            isWhole = messages->Add(message);
         }
-        if (!message)
-            continue; // deleted meanwhile
-        if (!messages->Add(message)) {
-            WriteDebugLog(QStringLiteral("GetMessages: %1 messages are more than a collection holds")
-                              .arg(recordset->RecordCount()));
-            return nullptr;
+        if (!isWhole) {
+            const int count = recordset->RecordCount();
+            WriteDebugLog(QStringLiteral("GetMessages: %1 messages are more than a collection holds").arg(count));
+            pending.Set(dao::errOverflow, QStringLiteral("These are %1 messages, and 32,767 are the most that can be "
+                                                         "read together.")
+                                              .arg(count));
         }
-    }
-    return messages;
+    });
+    KeepLastError(pending);
+    return isWhole && !pending ? std::move(messages) : nullptr;
 }
 
 std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessageRows(const QStringList& columns, const QString& condition,
@@ -135,18 +138,20 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
         ReportProblem(QStringLiteral("saving a Message because no Message was supplied to save"), 0, SilentMode_);
         return false;
     }
-    const auto recordset = OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable);
     // Both change with the write.
     const bool wasEdited = message->Edited();
     const bool isNew = message->Reference() == 0;
 
     PendingError pending;
-    const bool saved = StoreMessage(*message, *recordset, pending);
+    std::unique_ptr<dao::Recordset> recordset;
+    pending.Try([&] { recordset = OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable); });
+    const bool saved = recordset && StoreMessage(*message, *recordset, pending);
+    recordset.reset();
     if (saved) {
         LogMessageSaving(*message, {isNew, 0, QString()});
         if (RaiseEvents_) {
             WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
-            const QScopedValueRollback<StampMove> told(ToldMessageMove_, CommittedMove_);
+            const ToldMove told(*this, ToldMessageMove_, CommittedMove_);
             Q_EMIT MessageSaved(message, wasEdited);
         }
     } else {
@@ -154,7 +159,6 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
         LogMessageSaving(*message, {isNew, pending.Number(), pending.Description()});
         KeepLastError(pending);
     }
-    recordset->Close();
     WriteDebugLog(QStringLiteral("Finished SaveMessage"));
     return saved;
 }
@@ -172,16 +176,19 @@ bool cTolvaDatabase::LogMessageSaving(const cMessage& message, const MessageSavi
 bool cTolvaDatabase::StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending)
 {
     const qint32 reference = message.Reference();
-    dao::Transaction transaction;
-    if (!message.WriteToRecordSet(&recordset, HighlightWords_, MessageHighlightFont_, KeyCountry(message.MessageType()),
-                                  pending))
-        return false;
-    WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
-    if (CommitWithStamp(transaction, LastChangedSetting, pending))
-        return true;
-    // The row is not there after all: the next try is to make a new one.
-    message.SetReference(reference);
-    return false;
+    bool isStored = false;
+    pending.Try([&] {
+        dao::Transaction transaction;
+        if (!message.WriteToRecordSet(&recordset, HighlightWords_, MessageHighlightFont_,
+                                      KeyCountry(message.MessageType()), pending))
+            return;
+        WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
+        isStored = CommitWithStamp(transaction, LastChangedSetting, pending);
+        // Otherwise the row is not there after all: the next try is to make a new one.
+        if (!isStored)
+            message.SetReference(reference);
+    });
+    return isStored;
 }
 
 /// The checks that copying and moving share; null when one of them fails.
@@ -191,9 +198,7 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
     // The tree finds 0 too: its root, which is no folder.
     if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !MessageCategories_->FindCategory(newCategory))
         return nullptr;
-    PendingError pending;
-    cMessagePtr message = ReadFor(*this, reference, pending);
-    KeepLastError(pending);
+    cMessagePtr message = GetMessage(reference);
     return message && MayEditMessage(*message) ? message : nullptr;
 }
 
@@ -268,8 +273,7 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     if (Location().isEmpty() || reference <= 0)
         return false;
     PendingError pending;
-    const cMessagePtr message = ReadFor(*this, reference, pending);
-    KeepLastError(pending);
+    const cMessagePtr message = GetMessage(reference);
     if (!message || !MayEditMessage(*message))
         return false;
     const auto remove = [deletePermanently](dao::Recordset& row) {
@@ -297,8 +301,7 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
     if (Location().isEmpty() || reference <= 0)
         return false;
     PendingError pending;
-    const cMessagePtr message = ReadFor(*this, reference, pending);
-    KeepLastError(pending);
+    const cMessagePtr message = GetMessage(reference);
     if (!message || !MayEditMessage(*message))
         return false;
     const auto change = [&](dao::Recordset& row) {
@@ -313,7 +316,7 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
     const bool changed = pending.Number() == 0;
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
     if (changed && RaiseEvents_) {
-        const QScopedValueRollback<StampMove> told(ToldMessageMove_, CommittedMove_);
+        const ToldMove told(*this, ToldMessageMove_, CommittedMove_);
         Q_EMIT MessageSaved(message, true);
     }
     return changed;
@@ -344,14 +347,21 @@ void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const Q
 }
 
 /// Messages personal to the user go by one right, all others, those of other people too, by another.
-bool cTolvaDatabase::MayEditMessage(const cMessage& message) const
+bool cTolvaDatabase::MayEditMessage(const cMessage& message)
 {
     if (FixedCategoryBusy_)
         return true;
-    const clsKVUser* user = CurrentUser();
-    if (!user)
-        return false;
-    return message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages() : user->CanEditMessages();
+    bool isAllowed = false;
+    PendingError pending;
+    pending.Try([&] {
+        const clsKVUser* user = CurrentUser();
+        if (!user)
+            return;
+        isAllowed = message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages()
+                                                                     : user->CanEditMessages();
+    });
+    KeepLastError(pending);
+    return isAllowed;
 }
 
 Date cTolvaDatabase::LastMessageChanged() const

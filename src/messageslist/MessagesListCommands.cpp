@@ -3,7 +3,7 @@
 // The commands of the messages list. What needs a window is handed to the host in an event.
 
 #include "common/FileDialog.h"
-#include "database/cTolvaDatabase.h"
+#include "database/LastError.h"
 #include "messageslist/MessageFile.h"
 #include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
@@ -56,7 +56,7 @@ QString ProposedFileName(QString subject)
 
 cMessagePtr uMessagesList::SelectedMessage() const
 {
-    return clsTolvaDatabase_ ? clsTolvaDatabase_->GetMessage(CurrentSelectedReference_) : nullptr;
+    return clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(CurrentSelectedReference_) : nullptr;
 }
 
 void uMessagesList::NewMessageCommand()
@@ -157,7 +157,13 @@ void uMessagesList::DeleteCommand()
         if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
             return;
     }
-    if (!database || !database->DeleteMessage(message->Reference(), permanently) || !self)
+    if (!database)
+        return;
+    if (!database->DeleteMessage(message->Reference(), permanently)) {
+        RaiseLastError(*database);
+        return;
+    }
+    if (!self)
         return;
     const enTolvaMessageCategories from = message->Category();
     message->SetCategory(tmcDeleted);
@@ -175,7 +181,10 @@ void uMessagesList::MarkCommand(bool read)
         return;
     SetRead(*message, read);
     const QPointer<uMessagesList> self(this);
-    if (clsTolvaDatabase_->SaveMessage(message) && self)
+    cTolvaDatabase& database = *clsTolvaDatabase_;
+    if (!database.SaveMessage(message))
+        RaiseLastError(database);
+    else if (self)
         UpdateRowBold(message);
 }
 
@@ -215,11 +224,12 @@ void uMessagesList::MarkAllRows(bool read)
             continue;
         if (!progress->Advance(row, rows) || !self || Target() != target)
             return;
-        const cMessagePtr message = clsTolvaDatabase_->GetMessage(ReferenceOfRow(row));
+        const cMessagePtr message = clsTolvaDatabase_->ReadMessage(ReferenceOfRow(row));
         if (!message)
             continue;
         SetRead(*message, read);
-        clsTolvaDatabase_->SaveMessage(message);
+        if (!clsTolvaDatabase_->SaveMessage(message))
+            RaiseLastError(*clsTolvaDatabase_);
         if (!self || Target() != target)
             return;
         grdMessages_->SetCellFontBold(row, colHead, colSubject, !read);
@@ -236,12 +246,17 @@ void uMessagesList::MarkAllOfQuery(bool read)
             database->SetRaiseEvents(true);
     });
     const auto messages = database->GetMessages(CurrentQuery_);
-    if (!messages)
+    if (!messages) {
+        // Without a folder and a find text the query is none, and marks nothing.
+        if (database->LastErrorNumber() != dao::errSyntax)
+            RaiseLastError(*database);
         return;
+    }
     for (int i = 1; i <= messages->Count(); ++i) { // an index of 16 bits would not end after 32,767
         const cMessagePtr message = messages->Message(static_cast<qint16>(i));
         SetRead(*message, read);
-        database->SaveMessage(message);
+        if (!database->SaveMessage(message))
+            RaiseLastError(*database);
     }
     if (self)
         Q_EMIT UpdateDisplay(CurrentQuery_);

@@ -3,7 +3,7 @@
 // What is dragged onto the tree of folders: messages of this program, its folders, and mail files from outside.
 
 #include "common/kvGeneral.h"
-#include "database/cTolvaDatabase.h"
+#include "database/LastError.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessageFile.h"
 #include "messageslist/MessagesListHandler.h"
@@ -102,13 +102,16 @@ void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::Dr
 {
     if (!MayEditMessages())
         return;
-    const cMessagePtr message = clsTolvaDatabase_->GetMessage(ReferenceIn(text));
+    const cMessagePtr message = clsTolvaDatabase_->ReadMessage(ReferenceIn(text));
     if (!message)
         return;
     const enTolvaMessageCategories from = message->Category();
     message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
     const QPointer<uMessagesList> self(this);
-    const bool isSaved = clsTolvaDatabase_->SaveMessage(message);
+    cTolvaDatabase& database = *clsTolvaDatabase_;
+    const bool isSaved = database.SaveMessage(message);
+    if (!isSaved)
+        RaiseLastError(database);
     effect = Qt::MoveAction;
     if (!self)
         return;
@@ -148,7 +151,9 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     if (const cMessagePtr message = LoadMessageFromEml(*file)) {
         message->SetReference(0);
         message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
-        clsTolvaDatabase_->SaveMessage(message);
+        cTolvaDatabase& database = *clsTolvaDatabase_;
+        if (!database.SaveMessage(message))
+            RaiseLastError(database);
     } else {
         Q_EMIT ImportRefused(*file);
     }

@@ -214,7 +214,7 @@ bool uMessagesList::RedrawRow(qint32 messageReference)
     if (row < 1 || row >= grdMessages_->Rows())
         return false;
     ForgetRow(row);
-    DrawMessageRow(row, clsTolvaDatabase_->GetMessage(messageReference));
+    DrawMessageRow(row, clsTolvaDatabase_->ReadMessage(messageReference));
     LastChangedStamp_.Follow(clsTolvaDatabase_->ToldMessageMove());
     return true;
 }
@@ -239,6 +239,6 @@ void uMessagesList::RefreshAllRows()
     });
     for (int i = 1; i < grdMessages_->Rows(); ++i) {
         ForgetRow(i);
-        DrawMessageRow(i, clsTolvaDatabase_->GetMessage(ReferenceOfRow(i)));
+        DrawMessageRow(i, clsTolvaDatabase_->ReadMessage(ReferenceOfRow(i)));
     }
 }

@@ -112,7 +112,7 @@ QStringList uMessagesList::WritePromisedFile(qint32 reference)
 {
     QStringList files;
     Handle("grdMessages_OLESetData", [&] {
-        const cMessagePtr message = clsTolvaDatabase_ ? clsTolvaDatabase_->GetMessage(reference) : nullptr;
+        const cMessagePtr message = clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(reference) : nullptr;
         const QString temporary = GetTempFile(QString(), QStringLiteral("TMP"));
         if (!message || temporary.isEmpty())
             return;

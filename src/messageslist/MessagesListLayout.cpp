@@ -123,13 +123,21 @@ void uMessagesList::ConnectTree()
 {
     connect(treeCategories_, &CategoryTreeView::NodeClick, this,
             [this](const QString& key) { Handle("treeCategories_NodeClick", [&] { TakeNodeClick(key); }); });
-    connect(treeCategories_, &CategoryTreeView::KeyDown, this, &uMessagesList::TakeTreeKey);
+    // The rights are those of the host's directory.
+    connect(treeCategories_, &CategoryTreeView::KeyDown, this,
+            [this](QKeyEvent* event) { Handle("treeCategories_KeyDown", [&] { TakeTreeKey(event); }); });
     connect(treeCategories_, &CategoryTreeView::MouseDown, this, &uMessagesList::TakeTreeMouseDown);
-    connect(treeCategories_, &CategoryTreeView::MouseMove, this, &uMessagesList::TakeTreeMouseMove);
+    connect(treeCategories_, &CategoryTreeView::MouseMove, this,
+            [this](Qt::MouseButtons buttons, const QPointF& twips) {
+                Handle("treeCategories_MouseMove", [&] { TakeTreeMouseMove(buttons, twips); });
+            });
     connect(treeCategories_, &CategoryTreeView::MouseUp, this, &uMessagesList::TakeTreeMouseUp);
     connect(treeCategories_, &CategoryTreeView::BeforeLabelEdit, this, &uMessagesList::BeforeRename);
     connect(treeCategories_, &CategoryTreeView::AfterLabelEdit, this, &uMessagesList::Rename);
-    connect(treeCategories_, &CategoryTreeView::DragOver, this, &uMessagesList::TakeDragOver);
+    connect(treeCategories_, &CategoryTreeView::DragOver, this,
+            [this](const QMimeData& dragged, const QPointF& twips, Qt::DropAction& effect) {
+                Handle("treeCategories_OLEDragOver", [&] { TakeDragOver(dragged, twips, effect); });
+            });
     connect(treeCategories_, &CategoryTreeView::DragLeft, this,
             [this] { treeCategories_->SetDropHighlight(QString()); });
     connect(treeCategories_, &CategoryTreeView::Dropped, this,

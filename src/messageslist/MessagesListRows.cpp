@@ -189,7 +189,7 @@ void uMessagesList::UpdateRowBold(const cMessagePtr& message)
         return;
     }
     for (int row = 1; row < grdMessages_->Rows(); ++row)
-        embolden(row, clsTolvaDatabase_ ? clsTolvaDatabase_->GetMessage(ReferenceOfRow(row)) : nullptr);
+        embolden(row, clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(ReferenceOfRow(row)) : nullptr);
 }
 
 /// Makes a row current from its first column; the cell-change handler tells the host unless the list is busy.
@@ -221,6 +221,6 @@ void uMessagesList::TakeCellChange()
     CurrentSelectedReference_ = ReferenceOfRow(row);
     if (!clsTolvaDatabase_)
         return;
-    if (const cMessagePtr message = clsTolvaDatabase_->GetMessage(CurrentSelectedReference_))
+    if (const cMessagePtr message = clsTolvaDatabase_->ReadMessage(CurrentSelectedReference_))
         Q_EMIT MessageSelected(message);
 }

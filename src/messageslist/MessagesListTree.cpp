@@ -2,7 +2,8 @@
 
 // The tree of folders in the messages list: choosing, renaming, making, deleting and emptying folders.
 
-#include "database/cTolvaDatabase.h"
+#include "common/PendingError.h"
+#include "database/LastError.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
@@ -59,12 +60,10 @@ void uMessagesList::TakeTreeKey(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_F5) {
         event->accept();
-        Handle("treeCategories_KeyDown", [this] {
-            // What other computers did to the folders shows here first.
-            if (HasDatabase())
-                clsTolvaDatabase_->UpdateCategoryTree();
-            UpdateCategories();
-        });
+        // What other computers did to the folders shows here first.
+        if (HasDatabase())
+            clsTolvaDatabase_->UpdateCategoryTree();
+        UpdateCategories();
     } else if (event->key() == Qt::Key_F2) {
         event->accept();
         if (MayEditCategories())
@@ -229,8 +228,7 @@ void uMessagesList::DeleteFolder()
     if (!self || Target() != target)
         return;
     if (!clsTolvaDatabase_->DeleteMessageCategory(CurrentCategory_)) {
-        if (clsTolvaDatabase_->LastErrorNumber() != 0)
-            throw dao::Error(clsTolvaDatabase_->LastErrorNumber(), clsTolvaDatabase_->LastErrorDescription());
+        RaiseLastError(*clsTolvaDatabase_);
         return;
     }
     if (CategoryOfKey(parentKey) > 0)
@@ -252,6 +250,13 @@ void uMessagesList::EmptyFolder()
         return;
     if (!self || Target() != target)
         return;
-    clsTolvaDatabase_->DeleteMessagesOfCategory(CurrentCategory_);
+    PendingError failure;
+    failure.Try([this] {
+        if (!clsTolvaDatabase_->DeleteMessagesOfCategory(CurrentCategory_))
+            RaiseLastError(*clsTolvaDatabase_);
+    });
+    // The rows are what is stored, whatever came of it.
     UpdateDisplay();
+    if (failure)
+        throw dao::Error(failure.Number(), failure.Description());
 }

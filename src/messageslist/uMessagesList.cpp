@@ -4,6 +4,7 @@
 
 #include "messageslist/uMessagesList.h"
 
+#include "common/PendingError.h"
 #include "database/cTolvaDatabase.h"
 #include "database/watch/StationWatch.h"
 #include "messageslist/CategoryTreeFill.h"
@@ -175,7 +176,9 @@ void uMessagesList::TakePreferencesChange(int flags, const QString& name)
     if ((flags & PreferencesFlag) == 0)
         return;
     const QPointer<uMessagesList> self(this);
-    try {
+    // The next tick, or the user's next step, meets it again and tells it.
+    PendingError ignored;
+    ignored.Try([&] {
         if (name.isEmpty()) {
             UpdateCategories();
             if (self)
@@ -183,9 +186,7 @@ void uMessagesList::TakePreferencesChange(int flags, const QString& name)
         } else if (name.toLower() == SortOrderPreference) {
             UpdateDisplay();
         }
-    } catch (const dao::Error&) {
-        // The next tick, or the user's next step, meets it again and tells it.
-    }
+    });
 }
 
 void uMessagesList::ResetDisplay()
@@ -229,7 +230,7 @@ void uMessagesList::SetDoubleHeightRows(bool twoLines)
     SetGridRowHeights();
     LayOutMessages();
     const QPointer<uMessagesList> self(this);
-    UpdateDisplay();
+    Handle("DoubleHeightRows", [this] { UpdateDisplay(); });
     if (self)
         TellContainer(Key::DoubleHeightRows);
 }

@@ -3,8 +3,8 @@
 
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
+#include "database/LastError.h"
 #include "database/SettingText.h"
-#include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeHour.h"
@@ -17,11 +17,6 @@ namespace
 {
 const QString NeedsRightKey = QStringLiteral("Prizes.AwardNeedsRight");
 const QString EligibleDaysKey = QStringLiteral("Prizes.EligibleDays");
-
-[[noreturn]] void RaiseLastError(const cTolvaDatabase& database)
-{
-    throw dao::Error(database.LastErrorNumber(), database.LastErrorDescription());
-}
 
 const clsKVUser* UserOf(const cTolvaDatabase& database)
 {
@@ -77,7 +72,7 @@ Awarding::Obstacle Awarding::WhyNotAwardable(qint32 prize)
         return Obstacle::NoRight;
     Settle(prize);
     const cPrizePtr stored = Database_.GetPrize(prize, false);
-    if (!stored && Database_.LastErrorNumber() != 0)
+    if (!stored)
         RaiseLastError(Database_);
     return stored ? StockObstacle(*stored) : Obstacle::PrizeGone;
 }
@@ -181,10 +176,10 @@ AwardStanding Awarding::Standing(qint32 prize)
     if (standing.Stored < 0)
         RaiseLastError(Database_);
     const cPrizePtr stored = Database_.GetPrize(prize, false);
-    if (!stored && Database_.LastErrorNumber() != 0)
+    if (!stored) {
         RaiseLastError(Database_);
-    if (!stored)
         return standing;
+    }
     standing.IsPrizeThere = true;
     standing.Title = stored->Title();
     standing.Units = stored->NumberSupplied();
@@ -200,7 +195,7 @@ AwardStanding Awarding::Settle(qint32 prize)
         standing.IsPrizeThere && standing.Stored >= standing.Units && standing.Counted < standing.Stored;
     if (!isShort)
         return standing;
-    if (!Database_.CountStoredWinners(prize) && Database_.LastErrorNumber() != 0)
+    if (!Database_.CountStoredWinners(prize))
         RaiseLastError(Database_);
     return Standing(prize);
 }

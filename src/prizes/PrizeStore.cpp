@@ -7,9 +7,8 @@
 #include "common/kvGeneral.h"
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
+#include "database/watch/ToldMove.h"
 #include "platform/directory/clsKVUser.h"
-
-#include <QScopedValueRollback>
 
 #include <optional>
 
@@ -94,8 +93,14 @@ bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
         WriteDebugLog(QStringLiteral("Exiting as no Prize Supplied"), DetailLevel);
         return false;
     }
-    dao::Transaction transaction;
-    return StorePrize(prize, transaction);
+    std::optional<dao::Transaction> transaction;
+    PendingError pending;
+    if (!pending.Try([&] { transaction.emplace(); })) {
+        WriteDebugLog(QStringLiteral("Couldn't save Prize - ") + pending.Description(), -1);
+        KeepLastError(pending);
+        return false;
+    }
+    return StorePrize(prize, *transaction);
 }
 
 /// The row and the change stamp, and with them what the transaction holds already, together or not at all; then what
@@ -137,7 +142,7 @@ void cTolvaDatabase::TellOfPrize(const cPrizePtr& prize, bool isNew, bool saved,
         LogDatabaseEvent(kind, title, prize->Title(), 1);
         if (RaiseEvents_) {
             WriteDebugLog(QStringLiteral("Raising PrizeSaved Event"), -1);
-            const QScopedValueRollback<StampMove> told(ToldPrizeMove_, CommittedMove_);
+            const ToldMove told(*this, ToldPrizeMove_, CommittedMove_);
             Q_EMIT PrizeSaved(prize, wasEdited);
         }
         return;

@@ -9,6 +9,8 @@
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <optional>
 #include <vector>
@@ -225,8 +227,11 @@ bool cTolvaDatabase::DeletePrizeWinner(qint32 reference)
     const QString text = WinnerLogText(winnerReference, prize.get());
     const QString title = QStringLiteral("Prize Winner Deleted");
     recordset->Close();
+    // The prize that got its unit back is told, and whoever hears of it may destroy this object.
+    const QPointer<cTolvaDatabase> self(this);
     const bool isDeleted = DeleteStoredWinner(reference);
-    LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, isDeleted ? 1 : 0);
+    if (self)
+        LogDatabaseEvent(auditPrizeWinnerDeleted, title, text, isDeleted ? 1 : 0);
     return isDeleted;
 }
 

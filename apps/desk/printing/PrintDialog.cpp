@@ -128,7 +128,7 @@ bool PrintDialog::Prepare()
         for (const qint32 reference : std::as_const(Job_.References)) {
             if (progress && !progress->Advance(done++, Job_.References.size()))
                 return;
-            const cMessagePtr message = Station_.Database().GetMessage(reference);
+            const cMessagePtr message = Station_.Database().ReadMessage(reference);
             if (!message)
                 continue; // deleted meanwhile
             if (!Messages_.Add(message))

@@ -67,7 +67,7 @@ int Export(const Arguments& arguments, Station& station)
     PendingExport folder(arguments.Value(ExportOption), arguments.Has(ForceOption));
     const QList<MessageRow> pending = station.Try([&] { return PendingRows(arguments, station); });
     for (const MessageRow& row : pending) {
-        const cMessagePtr message = station.Try([&] { return station.Database().GetMessage(row.Reference); });
+        const cMessagePtr message = station.Try([&] { return station.Database().ReadMessage(row.Reference); });
         // Somebody may have taken it back since the list was read.
         if (message && message->Category() == tmcOutbox && (message->Flags() & mfSendPending) != 0)
             folder.Write(*message);

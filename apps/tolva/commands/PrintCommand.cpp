@@ -53,7 +53,7 @@ bool PrepareFolder(PagePrinting::PreparedMessages& prepared, Station& station, c
     for (const qint32 reference : references) {
         if (!progress->Advance(done++, references.size()))
             return false;
-        const cMessagePtr message = station.Try([&] { return station.Database().GetMessage(reference); });
+        const cMessagePtr message = station.Try([&] { return station.Database().ReadMessage(reference); });
         if (message && !prepared.Add(message))
             throw Failure(exitData, QStringLiteral("These are more messages than one page takes (32,767)."));
     }

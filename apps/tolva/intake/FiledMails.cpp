@@ -53,7 +53,7 @@ void FiledMails::ReadAll()
 
 bool FiledMails::IsSame(const cMessage& message, qint32 reference)
 {
-    const cMessagePtr stored = Database_.GetMessage(reference);
+    const cMessagePtr stored = Database_.ReadMessage(reference);
     if (!stored || stored->MessageType() != message.MessageType())
         return false;
     const cdo::Message& theirs = *stored->CDOMessage();

@@ -3,6 +3,7 @@
 // The query of the prizes list, and its filling.
 
 #include "common/ClockHelper.h"
+#include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/CategoryTreeView.h"
@@ -156,15 +157,24 @@ void uPrizesList::Fill(dao::Recordset& rows, RowsRead& read)
         ShowRowsOrNone(read);
         ShowUnread(*lblUnread_, read.Failures.Rows());
     });
-    FillRows(rows, filled, read);
+    // The query's own rows may fail as the prizes may: what was not read is counted.
+    PendingError failure;
+    int total = 0;
+    failure.Try([&] {
+        total = rows.RecordCount();
+        FillRows(rows, total, filled, read);
+    });
+    if (failure) {
+        read.Failures.Take({failure.Number(), failure.Description()});
+        read.Failures.TakeRest(std::max(0, total - filled - read.Failures.Rows()));
+    }
     read.IsRead = !read.Failures.IsUnanswered();
 }
 
-void uPrizesList::FillRows(dao::Recordset& rows, int& filled, RowsRead& read)
+void uPrizesList::FillRows(dao::Recordset& rows, int total, int& filled, RowsRead& read)
 {
     const QPointer<uPrizesList> self(this);
     const ReadTarget target = Target();
-    const int total = rows.RecordCount();
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (filled % RowsBetweenYields == 1) {
             picLoading_->SetDetail(

@@ -186,9 +186,14 @@ void uPrizeBasic::ConnectControls()
             Prize_->SetEdited(true);
     });
     connect(lvwWinners_, &ListView::ItemClick, this, &uPrizeBasic::TakeItemClick);
-    connect(lvwWinners_, &ListView::ItemActivated, this, &uPrizeBasic::TakeShowWinner);
-    connect(cmdAddWinner_, &QPushButton::clicked, this, &uPrizeBasic::TakeAddWinner);
-    connect(cmdShowWinner_, &QPushButton::clicked, this, &uPrizeBasic::TakeShowWinner);
+    // What the host does in these events may fail.
+    const auto showWinner = [this] {
+        RunEventHandler(QStringLiteral("uPrizeBasic.cmdShowWinner_Click"), [this] { TakeShowWinner(); });
+    };
+    connect(lvwWinners_, &ListView::ItemActivated, this, showWinner);
+    connect(cmdAddWinner_, &QPushButton::clicked, this,
+            [this] { RunEventHandler(QStringLiteral("uPrizeBasic.cmdAddWinner_Click"), [this] { TakeAddWinner(); }); });
+    connect(cmdShowWinner_, &QPushButton::clicked, this, showWinner);
     connect(tmrRefresh_, &QTimer::timeout, this,
             [this] { RunEventHandler(QStringLiteral("uPrizeBasic.tmrRefresh"), [this] { ShowWinners(); }); });
 }

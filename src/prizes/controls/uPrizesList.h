@@ -43,7 +43,7 @@ struct ListPanes;
 /// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Rows that could not be read are
 /// counted below the others and tried again at each tick. Otherwise events meet their errors
 /// by handing them to UserInterface::RunTimeError with the handler's name ("uPrizesList.…") as their source, and
-/// operations that a host calls throw them (dao::Error).
+/// operations that a host calls show nothing of them.
 class TOLVA_EXPORT uPrizesList : public QWidget
 {
     Q_OBJECT
@@ -191,7 +191,7 @@ private:
     void ReadRows(Reading reading, RowsRead& read);
     std::unique_ptr<dao::Recordset> OpenQuery(const QString& columns);
     void Fill(dao::Recordset& rows, RowsRead& read);
-    void FillRows(dao::Recordset& rows, int& filled, RowsRead& read);
+    void FillRows(dao::Recordset& rows, int total, int& filled, RowsRead& read);
     void ShowRowsOrNone(RowsRead& read);
     void RefreshAllRows();
 

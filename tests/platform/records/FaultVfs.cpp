@@ -15,6 +15,7 @@ struct State
     int Code = 0;
     bool IsLasting = false;
     bool HasFailed = false;
+    bool SkipsSyncs = false;
     std::array<int, 4> Calls{};
 };
 
@@ -70,7 +71,9 @@ int Truncate(sqlite3_file* file, sqlite3_int64 size)
 int Sync(sqlite3_file* file, int flags)
 {
     const int code = Count(FaultVfs::Operation::Sync);
-    return code != SQLITE_OK ? code : RealOf(file)->pMethods->xSync(RealOf(file), flags);
+    if (code != SQLITE_OK || state.SkipsSyncs)
+        return code;
+    return RealOf(file)->pMethods->xSync(RealOf(file), flags);
 }
 int FileSize(sqlite3_file* file, sqlite3_int64* size)
 {
@@ -174,6 +177,11 @@ void FaultVfs::Heal()
     state.FailNumber = 0;
     state.HasFailed = false;
     state.Calls = {};
+}
+
+void FaultVfs::SkipSyncs()
+{
+    state.SkipsSyncs = true;
 }
 
 bool FaultVfs::HasFailed() const

@@ -27,6 +27,8 @@ public:
     /// later one too.
     void FailAt(Operation operation, int number, int code, bool isLasting = false);
     void Heal();
+    /// From now on nothing waits for the disk: for tests of many small changes that lose no power.
+    void SkipSyncs();
     /// Whether the failure came since FailAt.
     bool HasFailed() const;
     /// Calls of that kind since FailAt or Heal.
