@@ -333,9 +333,15 @@ BoundExpression ExpressionBinder::BindAmong(const Operation& operation)
     std::vector<BoundExpression> operands;
     operands.reserve(operation.Operands.size());
     operands.push_back(Value(operation.Operands[0]));
-    const ValueType type = operands.front().Type;
-    for (std::size_t i = 1; i < operation.Operands.size(); ++i)
+    // What has no type of its own takes that of the first beside it that has one.
+    ValueType type = operands.front().Type;
+    for (std::size_t i = 1; i < operation.Operands.size(); ++i) {
         operands.push_back(ComparedWith(type, operation.Operands[i]));
+        if (type == ValueType::Unknown)
+            type = operands.back().Type;
+    }
+    for (BoundExpression& operand : operands)
+        operand = Converted(std::move(operand), type);
     return MakeChain(operation.Kind, std::move(operands));
 }
 

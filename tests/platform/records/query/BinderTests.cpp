@@ -72,6 +72,9 @@ TEST_F(Binder, ParametersAreTakenAsWhatTheyAreComparedWith)
     EXPECT_EQ(Operand<BoundParameter>(Where(QStringLiteral("[p] = Subject")), 0).Use, ParameterUse::AsText);
     EXPECT_EQ(Operand<BoundParameter>(Where(QStringLiteral("[p] = 5")), 0).Use, ParameterUse::AsNumber);
     EXPECT_EQ(Operand<BoundParameter>(Where(QStringLiteral("5 = [p]")), 1).Use, ParameterUse::AsNumber);
+    const query::BoundExpression among = Where(QStringLiteral("[p] IN (NULL, [q], 5)"));
+    EXPECT_EQ(Operand<BoundParameter>(among, 0).Use, ParameterUse::AsNumber);
+    EXPECT_EQ(Operand<BoundParameter>(among, 2).Use, ParameterUse::AsNumber);
     const query::BoundExpression sum = Where(QStringLiteral("'' = Subject + [p]"));
     EXPECT_EQ(Operand<BoundParameter>(OperationOf(sum).Operands.at(1), 1).Use, ParameterUse::AsText);
     EXPECT_EQ(Operand<BoundParameter>(Where(QStringLiteral("[p] IS NULL")), 0).Use, ParameterUse::AsIs);

@@ -112,8 +112,8 @@ bool AreAlike(const CellView& left, const CellView& right)
 class QueryAgreement : public testing::TestWithParam<QString>
 {
 protected:
-    static constexpr int SelectRounds = 4000;
-    static constexpr int ChangeRounds = 1000;
+    static constexpr int SelectRounds = 3000;
+    static constexpr int ChangeRounds = 400;
 
     QueryAgreement() : Seed_(RandomSeed()), Random_(Seed_)
     {

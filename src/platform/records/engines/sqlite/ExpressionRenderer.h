@@ -34,7 +34,8 @@ private:
     Piece RenderAggregate(const query::BoundAggregate& aggregate);
     Piece RenderOperation(const query::BoundOperation& operation, query::ValueType type);
     Piece RenderChain(const Operands& operands, const char* symbol);
-    Piece RenderComparison(const Operands& operands, const char* symbol);
+    Piece RenderComparison(const Operands& operands, jetsql::Operator kind);
+    Piece ComparedValue(const query::BoundExpression& operand, jetsql::Operator kind);
     Piece RenderLike(const Operands& operands);
     Piece RenderBetween(const Operands& operands, const char* word);
     Piece RenderIn(const Operands& operands, const char* word);
