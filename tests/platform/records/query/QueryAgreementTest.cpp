@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RandomQueries.h"
-#include "platform/records/DBEngine.h"
 #include "platform/records/RecordsFixture.h"
 #include "platform/records/engines/EngineRegistry.h"
 #include "platform/records/jetsql/Parser.h"
@@ -118,10 +117,8 @@ protected:
     QueryAgreement() : Seed_(RandomSeed()), Random_(Seed_)
     {
         std::cout << "seed (TOLVA_TEST_SEED): " << Seed_ << '\n';
-        engine::Engine& engine = engine::EngineRegistry::Instance().Named(GetParam());
-        const QString file = Folder_.filePath(QStringLiteral("Test.mdb"));
-        engine.Create(file);
-        Store_ = engine.Open(file, QString(), false);
+        Place_ = MakeDatabase(GetParam(), Folder_.path());
+        Store_ = engine::EngineRegistry::Instance().Named(GetParam()).Open(Place_.Name, Place_.Connect, false);
         Store_->AddTable(RandomQueries::FirstTable());
         Store_->AddTable(RandomQueries::SecondTable());
         Schema_ = Store_->CurrentSchema();
@@ -184,6 +181,7 @@ protected:
     unsigned Seed_;
     RandomQueries Random_;
     QTemporaryDir Folder_;
+    DatabasePlace Place_;
     std::unique_ptr<engine::Store> Store_;
     engine::SchemaPtr Schema_;
     std::unique_ptr<MemoryRows> Rows_;
