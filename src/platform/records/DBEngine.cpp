@@ -54,14 +54,14 @@ std::unique_ptr<Database> DBEngine::OpenDatabase(const QString& name, int, bool 
     return std::make_unique<StoreDatabase>(name, connect, std::move(session));
 }
 
-std::unique_ptr<Database> DBEngine::CreateDatabase(const QString& name, const QString&)
+std::unique_ptr<Database> DBEngine::CreateDatabase(const QString& name, const QString&, const QString& engine)
 {
     if (name.isEmpty())
         throw Error(errNotAValidPath, QStringLiteral("'' is not a valid path."));
     RequireFolder(name);
     if (QFileInfo::exists(name))
         throw Error(errCannotOpen, QStringLiteral("Cannot create '%1': it exists already.").arg(name));
-    engine::EngineRegistry::Instance().Default().Create(QFileInfo(name).absoluteFilePath());
+    engine::EngineRegistry::Instance().ForNewFiles(engine).Create(QFileInfo(name).absoluteFilePath());
     return OpenDatabase(name);
 }
 

@@ -43,9 +43,11 @@ public:
     /// permission or in use.
     static std::unique_ptr<Database> OpenDatabase(const QString& name, int options = 0, bool readOnly = false,
                                                   const QString& connect = QString());
-    /// Makes a new file in the default engine's format; 3051 when a file of that name stands already. locale: accepted
-    /// and not used by engines that store Unicode.
-    static std::unique_ptr<Database> CreateDatabase(const QString& name, const QString& locale);
+    /// Makes a new file; 3051 when a file of that name stands already. locale: accepted and not used by engines that
+    /// store Unicode. engine: the name of the engine in whose format it is, empty for the usual one; 3265, with the
+    /// names there are, when none of that name makes files.
+    static std::unique_ptr<Database> CreateDatabase(const QString& name, const QString& locale,
+                                                    const QString& engine = QString());
     /// Writes a compacted, checked copy of source under target, which must not exist (or be empty). Source is left
     /// alone. Raises 3049 when a table cannot be read; then no target is left behind.
     static void CompactDatabase(const QString& source, const QString& target);

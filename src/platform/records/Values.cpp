@@ -130,7 +130,7 @@ double Real(const QVariant& value, const engine::Column& column)
             RaiseOverflow(column);
         number = static_cast<double>(static_cast<float>(number));
     }
-    if (column.Type == dbDate && !(number >= FirstDate && number < BehindLastDate))
+    if (column.Type == dbDate && !IsStorableDate(number))
         RaiseOverflow(column);
     return number;
 }
@@ -246,6 +246,11 @@ QVariant FromCell(const CellView& cell, DataTypeEnum type)
     if (cell.Integer >= std::numeric_limits<qint32>::min() && cell.Integer <= std::numeric_limits<qint32>::max())
         return static_cast<int>(cell.Integer);
     return cell.Integer;
+}
+
+bool IsStorableDate(double day)
+{
+    return day >= FirstDate && day < BehindLastDate;
 }
 
 int OctetsOfType(DataTypeEnum type)

@@ -22,6 +22,9 @@ StoredValue ToStoredKey(const QVariant& value, const engine::Column& column);
 QVariant FromStoredValue(const StoredValue& value, DataTypeEnum type);
 QVariant FromCell(const CellView& cell, DataTypeEnum type);
 
+/// Whether a day number is a date of the years 100 to 9999.
+bool IsStorableDate(double day);
+
 /// Octets that a number of this type takes; 0 for text and memo.
 int OctetsOfType(DataTypeEnum type);
 

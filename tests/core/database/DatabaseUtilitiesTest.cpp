@@ -215,6 +215,24 @@ TEST_F(DatabaseUtilitiesTest, AFailedCompactionLeavesEverythingAsItWas)
     EXPECT_EQ(Files(), QStringList{QStringLiteral("Tolva.mdb")});
 }
 
+TEST_F(DatabaseUtilitiesTest, TheMachineNamesTheEngineOfNewFiles)
+{
+    const QString key = QStringLiteral("SOFTWARE\\Kelvarin\\Utils\\Databases");
+    const QString value = QStringLiteral("NewDatabaseEngine");
+    Machine.Set(key, value, QStringLiteral("abacus"));
+    Ui.ExpectWarning(QStringLiteral("There was a problem creating the new database and the error's description was "
+                                    "reported as : \n\n\"No database engine that makes new files is named 'abacus'. "
+                                    "Use one of these: sqlite. (3265)\""));
+    EXPECT_EQ(Validate(FileName()), dao::errItemNotFound);
+    EXPECT_FALSE(QFile::exists(FileName()));
+    Machine.Set(key, value, QStringLiteral("SQLite"));
+    EXPECT_EQ(Validate(FileName()), 0);
+    // What a file is, it tells itself.
+    Machine.Set(key, value, QStringLiteral("abacus"));
+    EXPECT_EQ(Validate(FileName()), 0);
+    EXPECT_EQ(Read(FileName()).Type, 31);
+}
+
 TEST_F(DatabaseUtilitiesTest, WithoutAHostsDialogNobodyChoosesAFile)
 {
     const auto dialog = FileDialog::Create();

@@ -312,6 +312,6 @@ TEST_P(ContentExchanging, AFileThatIsNotThereAnyMoreIsNotCalledPutBack)
 }
 #endif
 
-INSTANTIATE_FOR_ENGINES(ContentExchanging);
+INSTANTIATE_FOR_FILE_ENGINES(ContentExchanging);
 
 } // namespace

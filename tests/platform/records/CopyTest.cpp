@@ -237,4 +237,4 @@ TEST_P(Copies, ALogThatADeadCopyLeftIsTakenOver)
     EXPECT_FALSE(log.exists());
 }
 
-INSTANTIATE_FOR_ENGINES(Copies);
+INSTANTIATE_FOR_FILE_ENGINES(Copies);

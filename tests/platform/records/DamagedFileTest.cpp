@@ -151,6 +151,6 @@ TEST_P(DamagedFile, AnUnreadableFileCannotBeOpened)
     EXPECT_EQ(Use(FileName()), errCannotOpen);
 }
 
-INSTANTIATE_FOR_ENGINES(DamagedFile);
+INSTANTIATE_FOR_FILE_ENGINES(DamagedFile);
 
 } // namespace

@@ -201,6 +201,6 @@ TEST_P(DatabaseFile, NoEngineServesAConnectString)
               errObjectInvalid);
 }
 
-INSTANTIATE_FOR_ENGINES(DatabaseFile);
+INSTANTIATE_FOR_FILE_ENGINES(DatabaseFile);
 
 } // namespace

@@ -55,6 +55,33 @@ private:
     bool IsAvailable_;
 };
 
+/// Makes files, by the usual engine's hands, and remembers which.
+class FileMaker final : public engine::Engine
+{
+public:
+    explicit FileMaker(QStringList& made) : Made_(made) {}
+
+    QString Name() const override { return QStringLiteral("test files"); }
+    Capability Capabilities() const override { return {.Creates = true, .IsServer = false}; }
+    bool IsAvailable(QString&) const override { return true; }
+    bool RecognisesFile(const QByteArray&) const override { return false; }
+    bool RecognisesConnect(const QString&) const override { return false; }
+    std::unique_ptr<engine::Store> Open(const QString&, const QString&, bool) override { return nullptr; }
+    void Create(const QString& fileName) override
+    {
+        engine::EngineRegistry::Instance().ForNewFiles(QString()).Create(fileName);
+        Made_ += fileName;
+    }
+    void Compact(const QString&, const QString&) override {}
+    void Copy(const QString&, const QString&, const engine::CopyProgress&) override {}
+    dao::FileReport Examine(const QString&, const engine::CopyProgress&) override { return {}; }
+    QStringList CompanionsOf(const QString&) const override { return {}; }
+    std::unique_ptr<Connection> OpenConnection(const QString&, int, bool, const QString&) override { return nullptr; }
+
+private:
+    QStringList& Made_;
+};
+
 /// An engine in the registry for the length of a test.
 class Registered
 {
@@ -106,7 +133,44 @@ TEST(EngineRegistry, NamesAreTakenOnce)
               errTableExists);
     EXPECT_EQ(ErrorNumberOf([&] { registry.Named(QStringLiteral("absent")); }), errItemNotFound);
     EXPECT_EQ(ErrorNumberOf([&] { registry.Unregister(QStringLiteral("absent")); }), errItemNotFound);
-    EXPECT_EQ(registry.Default().Name(), QStringLiteral("sqlite"));
+}
+
+TEST(EngineRegistry, NewFilesAreMadeByTheEngineThatIsNamed)
+{
+    QStringList made;
+    const Registered maker(std::make_unique<FileMaker>(made));
+    const QTemporaryDir folder;
+    const auto create = [&](const char* file, const QString& engine) {
+        return DBEngine::CreateDatabase(folder.filePath(QString::fromLatin1(file)), QString(), engine);
+    };
+    create("usual.mdb", QString());
+    create("named.mdb", QStringLiteral(" SQLite "));
+    EXPECT_EQ(made, QStringList());
+    create("made.mdb", QStringLiteral("test files"));
+    EXPECT_EQ(made, QStringList{folder.filePath(QStringLiteral("made.mdb"))});
+    EXPECT_TRUE(DBEngine::IsDatabase(folder.filePath(QStringLiteral("usual.mdb"))));
+}
+
+TEST(EngineRegistry, AnUnknownEngineIsAnErrorThatListsThoseThereAre)
+{
+    QStringList made;
+    QStringList statements;
+    const Registered maker(std::make_unique<FileMaker>(made));
+    const Registered server(std::make_unique<ServerEngine>(statements, true));
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("New.mdb"));
+    for (const char* name : {"absent", "test server"}) {
+        try {
+            DBEngine::CreateDatabase(file, QString(), QString::fromLatin1(name));
+            ADD_FAILURE() << name << " made a file";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Number(), errItemNotFound);
+            EXPECT_EQ(error.Description(), QStringLiteral("No database engine that makes new files is named '%1'. Use "
+                                                          "one of these: sqlite, test files.")
+                                               .arg(QString::fromLatin1(name)));
+        }
+        EXPECT_FALSE(QFileInfo::exists(file));
+    }
 }
 
 } // namespace

@@ -72,6 +72,6 @@ TEST_P(FilesBeside, ADatabaseThatWasRenamedWhileOpenLeavesItsOldNameAlone)
     EXPECT_TRUE(QFile::exists(journal.fileName()));
 }
 
-INSTANTIATE_FOR_ENGINES(FilesBeside);
+INSTANTIATE_FOR_FILE_ENGINES(FilesBeside);
 
 } // namespace

@@ -394,6 +394,6 @@ TEST_P(PageSweep, AnIndexThatDoesNotMatchIsNoDamageAndCompactingRepairsIt)
     EXPECT_EQ(mails, static_cast<int>(Mails_.size()));
 }
 
-INSTANTIATE_FOR_ENGINES(PageSweep);
+INSTANTIATE_FOR_FILE_ENGINES(PageSweep);
 
 } // namespace

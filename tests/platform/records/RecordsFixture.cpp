@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/RecordsFixture.h"
 
-#include "platform/records/engines/EngineRegistry.h"
-
-#include <iostream>
-
-RecordsFixture::RecordsFixture()
+RecordsFixture::RecordsFixture() : Place_(MakeDatabase(GetParam(), Folder_.path()))
 {
-    dao::engine::EngineRegistry::Instance().Named(GetParam()).Create(FileName());
-    Database_ = dao::DBEngine::OpenDatabase(FileName());
+    Database_ = OpenAgain();
+}
+
+std::unique_ptr<dao::Database> RecordsFixture::OpenAgain() const
+{
+    return dao::DBEngine::OpenDatabase(Place_.Name, 0, false, Place_.Connect);
 }
 
 void RecordsFixture::Reopen()
 {
     Database_.reset();
-    Database_ = dao::DBEngine::OpenDatabase(FileName());
+    Database_ = OpenAgain();
 }
 
 void RecordsFixture::MakeMessages()
@@ -56,21 +56,6 @@ int RecordsFixture::AddMessage(const QString& subject, const QVariant& memo)
     messages->SetCollect(QStringLiteral("Message"), memo);
     messages->Update();
     return reference;
-}
-
-std::vector<QString> FileEngines()
-{
-    std::vector<QString> names;
-    for (const auto& engine : dao::engine::EngineRegistry::Instance().Engines()) {
-        QString reason;
-        if (!engine->Capabilities().Creates)
-            continue;
-        if (engine->IsAvailable(reason))
-            names.push_back(engine->Name());
-        else
-            std::cerr << "engine " << qPrintable(engine->Name()) << " not tested: " << qPrintable(reason) << '\n';
-    }
-    return names;
 }
 
 std::string EngineTestName(const testing::TestParamInfo<QString>& info)

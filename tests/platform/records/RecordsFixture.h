@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/records/DBEngine.h"
+#include "platform/records/TestedEngines.h"
 
 #include <QTemporaryDir>
 
@@ -9,18 +10,20 @@
 
 #include <functional>
 
-/// A folder with a database in it, made anew for each test by the engine whose name is the test's parameter: one body
-/// of tests for all engines.
+/// A folder, and a database made anew for each test by the engine whose name is the test's parameter: one body of tests
+/// for all engines.
 class RecordsFixture : public testing::TestWithParam<QString>
 {
 protected:
     RecordsFixture();
 
     QString Path(const QString& name) const { return Folder_.filePath(name); }
-    QString FileName() const { return Path(QStringLiteral("Test.mdb")); }
+    /// Of an engine whose databases are files.
+    const QString& FileName() const { return Place_.Name; }
+    const DatabasePlace& Place() const { return Place_; }
     dao::Database& Db() { return *Database_; }
-    /// Another connection to the same file, as another process would have.
-    std::unique_ptr<dao::Database> OpenAgain() const { return dao::DBEngine::OpenDatabase(FileName()); }
+    /// Another connection to the same database, as another process would have.
+    std::unique_ptr<dao::Database> OpenAgain() const;
     void Reopen();
 
     /// "Messages": a counter (index Main), texts, numbers of all types, a date, a truth value and a memo.
@@ -33,13 +36,15 @@ protected:
 
 private:
     QTemporaryDir Folder_;
+    DatabasePlace Place_;
 };
 
-/// The engines that make files on this machine.
-std::vector<QString> FileEngines();
 std::string EngineTestName(const testing::TestParamInfo<QString>& info);
 
 #define INSTANTIATE_FOR_ENGINES(Suite)                                                                                 \
+    INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(AllEngines()), EngineTestName)
+/// For suites about what a database is as a file.
+#define INSTANTIATE_FOR_FILE_ENGINES(Suite)                                                                            \
     INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(FileEngines()), EngineTestName)
 
 /// The number of the error that a statement raises, 0 for none.

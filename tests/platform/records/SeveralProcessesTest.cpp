@@ -173,6 +173,6 @@ TEST_P(SeveralProcesses, OfTwoThatCreateTheSameFileAtOnceOneIsRefused)
     EXPECT_EQ(QDir(Path(QString())).entryList({QStringLiteral("~*")}).size(), 0);
 }
 
-INSTANTIATE_FOR_ENGINES(SeveralProcesses);
+INSTANTIATE_FOR_FILE_ENGINES(SeveralProcesses);
 
 } // namespace

@@ -49,10 +49,10 @@ protected:
 TEST_P(Structure, ANewFileHasNoTables)
 {
     EXPECT_EQ(Db().TableDefs().Count(), 0);
-    EXPECT_EQ(Db().Name(), FileName());
+    EXPECT_EQ(Db().Name(), Place().Name);
     EXPECT_TRUE(Db().Updatable());
     EXPECT_FALSE(Db().Version().isEmpty());
-    EXPECT_EQ(Db().Connect(), QString());
+    EXPECT_EQ(Db().Connect(), Place().Connect);
 }
 
 TEST_P(Structure, EverythingDefinedSurvivesReopening)

@@ -11,6 +11,8 @@ namespace dao::engine
 namespace
 {
 
+constexpr char UsualEngine[] = "sqlite";
+
 Engine& RequireAvailable(Engine& engine)
 {
     QString reason;
@@ -63,13 +65,26 @@ Engine& EngineRegistry::Named(const QString& name) const
     throw Error(errItemNotFound, QStringLiteral("No engine is named '%1'.").arg(name));
 }
 
-Engine& EngineRegistry::Default() const
+QStringList EngineRegistry::MakersOfFiles() const
 {
+    QStringList names;
     for (const auto& engine : Engines_) {
         if (engine->Capabilities().Creates)
+            names.append(engine->Name());
+    }
+    return names;
+}
+
+Engine& EngineRegistry::ForNewFiles(const QString& name) const
+{
+    const QString wanted = name.trimmed().isEmpty() ? QString::fromLatin1(UsualEngine) : name.trimmed();
+    for (const auto& engine : Engines_) {
+        if (engine->Capabilities().Creates && engine->Name().compare(wanted, Qt::CaseInsensitive) == 0)
             return RequireAvailable(*engine);
     }
-    throw Error(errNotSupported, QStringLiteral("No database engine makes new files."));
+    throw Error(errItemNotFound, QStringLiteral("No database engine that makes new files is named '%1'. Use one of "
+                                                "these: %2.")
+                                     .arg(wanted, MakersOfFiles().join(QStringLiteral(", "))));
 }
 
 Engine& EngineRegistry::ForFile(const QByteArray& firstOctets) const

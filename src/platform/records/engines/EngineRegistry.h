@@ -21,8 +21,9 @@ public:
     const std::vector<std::unique_ptr<Engine>>& Engines() const { return Engines_; }
     /// Error 3265.
     Engine& Named(const QString& name) const;
-    /// The engine in whose format new files are made: the first that makes files.
-    Engine& Default() const;
+    /// The engine that makes new files: the one of that name in any case, the usual one for an empty name. Errors: 3265
+    /// when no engine of that name makes files, with the names of those that do; 3251 when it is not available.
+    Engine& ForNewFiles(const QString& name) const;
     /// Error 3343 when no engine recognises the file, 3251 when the one that does is not available.
     Engine& ForFile(const QByteArray& firstOctets) const;
     /// Error 3251 when no engine serves the connect string or the one that does is not available.
@@ -34,6 +35,7 @@ public:
 
 private:
     EngineRegistry();
+    QStringList MakersOfFiles() const;
 
     std::vector<std::unique_ptr<Engine>> Engines_;
 };

@@ -4,6 +4,8 @@
 #include "platform/records/Error.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 #include "platform/records/jetsql/Parser.h"
+#include "platform/records/query/ParameterTable.h"
+#include "platform/records/query/StoredValues.h"
 
 #include <stdexcept>
 
@@ -59,6 +61,18 @@ void Bind(sqlite3_stmt* statement, int index, const QVariant& value)
     }
 }
 
+void Bind(sqlite3_stmt* statement, int index, const StoredValue& value)
+{
+    if (const auto* text = std::get_if<QByteArray>(&value))
+        sqlite3_bind_text(statement, index, text->constData(), static_cast<int>(text->size()), SQLITE_TRANSIENT);
+    else if (const auto* whole = std::get_if<qint64>(&value))
+        sqlite3_bind_int64(statement, index, *whole);
+    else if (const auto* real = std::get_if<double>(&value))
+        sqlite3_bind_double(statement, index, *real);
+    else
+        sqlite3_bind_null(statement, index);
+}
+
 QVariant ColumnValue(sqlite3_stmt* statement, int column)
 {
     switch (sqlite3_column_type(statement, column)) {
@@ -91,6 +105,15 @@ const char* StorageType(DataTypeEnum type)
 }
 } // namespace
 
+engine::TablePtr MakeTable(const QString& name, std::vector<engine::Column> columns)
+{
+    auto table = std::make_shared<engine::Table>();
+    table->Name = name;
+    table->Columns = std::move(columns);
+    table->Complete();
+    return table;
+}
+
 MemoryDatabase::MemoryDatabase()
 {
     sqlite3* connection = nullptr;
@@ -100,16 +123,16 @@ MemoryDatabase::MemoryDatabase()
     sqlite::RegisterSqlFunctions(connection);
 }
 
-void MemoryDatabase::AddTable(const sqlite::TableInfo& table)
+void MemoryDatabase::AddTable(const engine::TablePtr& table)
 {
     QByteArrayList columns;
-    for (const sqlite::ColumnInfo& column : table.Columns)
+    for (const engine::Column& column : table->Columns)
         columns.append(sqlite::QuoteName(column.Name) + ' ' + StorageType(column.Type));
     columns.append("\"hidden\" INTEGER NOT NULL DEFAULT 1");
-    const QByteArray text = "CREATE TABLE " + sqlite::QuoteName(table.Name) + " (" + columns.join(", ") + ')';
+    const QByteArray text = "CREATE TABLE " + sqlite::QuoteName(table->Name) + " (" + columns.join(", ") + ')';
     if (sqlite3_step(Prepare(Connection_.get(), text).get()) != SQLITE_DONE)
         Fail(Connection_.get(), text);
-    Tables_.push_back(std::make_unique<sqlite::TableInfo>(table));
+    Schema_.Tables.push_back(table);
 }
 
 void MemoryDatabase::Insert(const QString& table, const ResultRow& values)
@@ -120,32 +143,33 @@ void MemoryDatabase::Insert(const QString& table, const ResultRow& values)
     text += "1)";
     const StatementPointer statement = Prepare(Connection_.get(), text);
     for (std::size_t i = 0; i < values.size(); ++i)
-        Bind(statement.get(), static_cast<int>(i) + 1, values[i]);
+        ::Bind(statement.get(), static_cast<int>(i) + 1, values[i]);
     if (sqlite3_step(statement.get()) != SQLITE_DONE)
         Fail(Connection_.get(), text);
 }
 
-const sqlite::TableInfo* MemoryDatabase::FindTable(const QString& name) const
+query::BoundSelect MemoryDatabase::Bind(QStringView select) const
 {
-    for (const auto& table : Tables_) {
-        if (table->Name.compare(name, Qt::CaseInsensitive) == 0)
-            return table.get();
-    }
-    return nullptr;
+    return query::BindSelect(jetsql::ParseSelect(select), Schema_);
 }
 
-std::vector<ResultRow> MemoryDatabase::Run(const sqlite::RenderedSql& sql, const QMap<QString, QVariant>& parameters)
+std::vector<ResultRow> MemoryDatabase::Run(const sqlite::RenderedSql& sql, const query::BoundParameters& names,
+                                           const QMap<QString, QVariant>& parameters)
 {
+    engine::ParameterValues values;
+    for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter)
+        values.push_back({parameter.key(), parameter.value()});
+    const query::ParameterTable table(names, values);
     const StatementPointer statement = Prepare(Connection_.get(), sql.Text);
     for (std::size_t i = 0; i < sql.Bindings.size(); ++i) {
         const int index = static_cast<int>(i) + 1;
         const sqlite::Binding& binding = sql.Bindings[i];
         if (const auto* pattern = std::get_if<std::shared_ptr<const jetsql::LikePattern>>(&binding))
             sqlite::BindLikePattern(statement.get(), index, *pattern);
-        else if (const auto* parameter = std::get_if<sqlite::NamedParameter>(&binding))
-            Bind(statement.get(), index, parameters.value(sql.Parameters.at(parameter->Index)));
+        else if (const auto* parameter = std::get_if<query::BoundParameter>(&binding))
+            ::Bind(statement.get(), index, table.At(*parameter));
         else
-            Bind(statement.get(), index, std::get<QVariant>(binding));
+            ::Bind(statement.get(), index, std::get<StoredValue>(binding));
     }
     std::vector<ResultRow> rows;
     int result = sqlite3_step(statement.get());
@@ -163,7 +187,8 @@ std::vector<ResultRow> MemoryDatabase::Run(const sqlite::RenderedSql& sql, const
 std::vector<ResultRow> MemoryDatabase::Select(const QString& text, const QMap<QString, QVariant>& parameters,
                                               const sqlite::SelectOptions& options)
 {
-    return Run(sqlite::RenderSelect(jetsql::ParseSelect(text), *this, options), parameters);
+    const query::BoundSelect select = Bind(text);
+    return Run(sqlite::RenderSelect(select, options), select.Parameters, parameters);
 }
 
 std::string MemoryDatabase::List(const QString& text, const QMap<QString, QVariant>& parameters)
@@ -176,10 +201,7 @@ std::string MemoryDatabase::List(const QString& text, const QMap<QString, QVaria
 
 int MemoryDatabase::Change(const QString& text, const QMap<QString, QVariant>& parameters)
 {
-    const jetsql::Statement statement = jetsql::ParseStatement(text);
-    if (const auto* update = std::get_if<jetsql::UpdateStatement>(&statement))
-        Run(sqlite::RenderUpdate(*update, *this, "\"hidden\" = \"hidden\" + 1"), parameters);
-    else
-        Run(sqlite::RenderDelete(std::get<jetsql::DeleteStatement>(statement), *this), parameters);
+    const query::BoundChange change = query::BindChange(jetsql::ParseStatement(text), Schema_);
+    Run(sqlite::RenderChange(change, "\"hidden\" = \"hidden\" + 1"), change.Parameters, parameters);
     return sqlite3_changes(Connection_.get());
 }

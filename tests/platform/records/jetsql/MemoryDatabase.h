@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/records/engines/sqlite/SqlRenderer.h"
+#include "platform/records/query/Binder.h"
 
 #include <QMap>
 
@@ -12,19 +13,24 @@
 
 using ResultRow = std::vector<QVariant>;
 
+/// A table of a schema, ready for use.
+dao::engine::TablePtr MakeTable(const QString& name, std::vector<dao::engine::Column> columns);
+
 /// An SQLite database in memory with the functions of the renderer, tables to render against, and a way to run what was
 /// rendered.
-class MemoryDatabase : public dao::sqlite::Schema
+class MemoryDatabase
 {
 public:
     MemoryDatabase();
 
     /// Text columns are declared without the collation, for rendered queries must not rest on it. A column "hidden",
-    /// which is not in the table info, stands at the end.
-    void AddTable(const dao::sqlite::TableInfo& table);
+    /// which is not in the schema, stands at the end.
+    void AddTable(const dao::engine::TablePtr& table);
     /// Values in order of the columns. A QByteArray is stored as a BLOB.
     void Insert(const QString& table, const ResultRow& values);
-    const dao::sqlite::TableInfo* FindTable(const QString& name) const override;
+    const dao::engine::Schema& Schema() const { return Schema_; }
+
+    dao::query::BoundSelect Bind(QStringView select) const;
 
     /// Renders, prepares and steps a SELECT.
     std::vector<ResultRow> Select(const QString& text, const QMap<QString, QVariant>& parameters = {},
@@ -33,7 +39,8 @@ public:
     std::string List(const QString& text, const QMap<QString, QVariant>& parameters = {});
     /// Renders and runs an UPDATE or DELETE; the number of rows changed. Throws what a function refused.
     int Change(const QString& text, const QMap<QString, QVariant>& parameters = {});
-    std::vector<ResultRow> Run(const dao::sqlite::RenderedSql& sql, const QMap<QString, QVariant>& parameters = {});
+    std::vector<ResultRow> Run(const dao::sqlite::RenderedSql& sql, const dao::query::BoundParameters& names = {},
+                               const QMap<QString, QVariant>& parameters = {});
     sqlite3* Connection() const { return Connection_.get(); }
 
 private:
@@ -42,5 +49,5 @@ private:
         void operator()(sqlite3* connection) const { sqlite3_close(connection); }
     };
     std::unique_ptr<sqlite3, Closer> Connection_;
-    std::vector<std::unique_ptr<dao::sqlite::TableInfo>> Tables_;
+    dao::engine::Schema Schema_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MemoryDatabase.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
+#include "platform/records/query/StoredValues.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,7 @@
 #include <random>
 
 using namespace dao;
-using sqlite::CompareText;
+using query::CompareText;
 
 namespace
 {
@@ -79,7 +80,7 @@ TEST(SqlFunctions, AnyOctetsHaveATotalOrder)
 TEST(SqlFunctions, ACollatedIndexFindsWhatEqualityFinds)
 {
     MemoryDatabase database;
-    database.AddTable({QStringLiteral("T"), {{QStringLiteral("a"), dbText, 255, true}}});
+    database.AddTable(MakeTable(QStringLiteral("T"), {{QStringLiteral("a"), dbText, 255, 0, true}}));
     ASSERT_EQ(sqlite3_exec(database.Connection(), "CREATE INDEX i ON T (a COLLATE JET)", nullptr, nullptr, nullptr),
               SQLITE_OK);
     for (const char* text : {"b", "É", "a", "é", "A"})
@@ -88,8 +89,7 @@ TEST(SqlFunctions, ACollatedIndexFindsWhatEqualityFinds)
     EXPECT_EQ(database.List(QStringLiteral("SELECT COUNT(*) FROM T WHERE a < 'B'")), "2");
     const auto rendered = database.Run({"EXPLAIN QUERY PLAN SELECT 1 FROM \"T\" AS \"T\" WHERE (\"T\".\"a\" COLLATE "
                                         "JET = ?1)",
-                                        {QVariant(QStringLiteral("x"))},
-                                        {}});
+                                        {StoredValue(QByteArrayLiteral("x"))}});
     EXPECT_TRUE(rendered.at(0).at(3).toString().contains(QStringLiteral("USING COVERING INDEX i")))
         << rendered.at(0).at(3).toString().toStdString();
 }
@@ -108,7 +108,7 @@ TEST(SqlFunctions, OnlyRefusedValuesAreErrorsOfTheStore)
 TEST(SqlFunctions, NumbersHaveTheirShortTextForm)
 {
     MemoryDatabase database;
-    database.AddTable({QStringLiteral("T"), {{QStringLiteral("a"), dbDouble}}});
+    database.AddTable(MakeTable(QStringLiteral("T"), {{QStringLiteral("a"), dbDouble}}));
     for (const double number : {5.0, 0.1, -2.5, 1e20, 0.0})
         database.Insert(QStringLiteral("T"), {number});
     EXPECT_EQ(database.List(QStringLiteral("SELECT a & '' FROM T")), "5 0.1 -2.5 1e+20 0");

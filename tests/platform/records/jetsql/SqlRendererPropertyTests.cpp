@@ -164,12 +164,11 @@ TEST(SqlRendererProperty, RandomConditionsKeepTheRowsThatTheModelKeeps)
     SCOPED_TRACE(seed);
     RandomTree random(seed);
     MemoryDatabase database;
-    database.AddTable({QStringLiteral("R"),
-                       {{QStringLiteral("Id"), dbLong},
-                        {QStringLiteral("N"), dbDouble},
-                        {QStringLiteral("M"), dbDouble},
-                        {QStringLiteral("S"), dbText, 255, true},
-                        {QStringLiteral("T"), dbMemo, 0, true}}});
+    database.AddTable(MakeTable(QStringLiteral("R"), {{QStringLiteral("Id"), dbLong},
+                                                      {QStringLiteral("N"), dbDouble},
+                                                      {QStringLiteral("M"), dbDouble},
+                                                      {QStringLiteral("S"), dbText, 255, 0, true},
+                                                      {QStringLiteral("T"), dbMemo, 0, 0, true}}));
     std::vector<PredicateModel::Row> rows;
     for (int i = 0; i < 40; ++i) {
         rows.push_back(RandomRow(random));

@@ -14,18 +14,17 @@ class SqlRenderer : public testing::Test
 protected:
     SqlRenderer()
     {
-        Database.AddTable({QStringLiteral("Messages"),
-                           {{QStringLiteral("Reference"), dbLong},
-                            {QStringLiteral("Subject"), dbText, 20, true},
-                            {QStringLiteral("Sent"), dbDate},
-                            {QStringLiteral("Category"), dbInteger},
-                            {QStringLiteral("Done"), dbBoolean},
-                            {QStringLiteral("Message"), dbMemo, 0, false}}});
-        Database.AddTable({QStringLiteral("Winners"),
-                           {{QStringLiteral("Reference"), dbLong},
-                            {QStringLiteral("MessageReference"), dbLong},
-                            {QStringLiteral("Notes"), dbMemo, 0, true}}});
-        Database.AddTable({QStringLiteral("Odd \"name\"; --"), {{QStringLiteral("a\"b' --"), dbText, 255, true}}});
+        Database.AddTable(MakeTable(QStringLiteral("Messages"), {{QStringLiteral("Reference"), dbLong},
+                                                                 {QStringLiteral("Subject"), dbText, 20, 0, true},
+                                                                 {QStringLiteral("Sent"), dbDate},
+                                                                 {QStringLiteral("Category"), dbInteger},
+                                                                 {QStringLiteral("Done"), dbBoolean},
+                                                                 {QStringLiteral("Message"), dbMemo, 0, 0, false}}));
+        Database.AddTable(MakeTable(QStringLiteral("Winners"), {{QStringLiteral("Reference"), dbLong},
+                                                                {QStringLiteral("MessageReference"), dbLong},
+                                                                {QStringLiteral("Notes"), dbMemo, 0, 0, true}}));
+        Database.AddTable(
+            MakeTable(QStringLiteral("Odd \"name\"; --"), {{QStringLiteral("a\"b' --"), dbText, 255, 0, true}}));
         AddMessage(1, QStringLiteral("Hello"), 46347.5, 1, -1, QStringLiteral("body one"));
         AddMessage(2, QStringLiteral("HELLO again"), 46348.0, 5, 0, QVariant());
         AddMessage(3, QVariant(), QVariant(), QVariant(), 0, QStringLiteral("ÉTÉ"));
@@ -54,7 +53,7 @@ protected:
         try {
             const jetsql::Statement statement = jetsql::ParseStatement(QString::fromUtf8(text));
             if (const auto* select = std::get_if<jetsql::SelectStatement>(&statement))
-                sqlite::RenderSelect(*select, Database);
+                sqlite::RenderSelect(query::BindSelect(*select, Database.Schema()));
             else
                 Database.Change(QString::fromUtf8(text));
         } catch (const Error& error) {
@@ -67,9 +66,8 @@ protected:
     QStringList ColumnNames(const char* text)
     {
         QStringList names;
-        for (const sqlite::OutputColumn& column :
-             sqlite::RenderSelect(jetsql::ParseSelect(QString::fromUtf8(text)), Database).Columns)
-            names.append(column.Name);
+        for (const engine::ResultColumn& column : Database.Bind(QString::fromUtf8(text)).Shape.Columns)
+            names.append(column.Definition.Name);
         return names;
     }
 
@@ -79,17 +77,18 @@ protected:
 
 TEST_F(SqlRenderer, StarListsTheTablesColumnsAndNotTheHiddenOnes)
 {
-    const auto rendered = sqlite::RenderSelect(jetsql::ParseSelect(u"select * from MESSAGES"), Database);
+    const query::BoundSelect select = Database.Bind(u"select * from MESSAGES");
+    const auto rendered = sqlite::RenderSelect(select);
     EXPECT_EQ(rendered.Text,
               "SELECT \"Messages\".\"Reference\", \"Messages\".\"Subject\", \"Messages\".\"Sent\", "
               "\"Messages\".\"Category\", \"Messages\".\"Done\", \"Messages\".\"Message\" FROM \"Messages\" AS "
               "\"Messages\"");
-    EXPECT_TRUE(rendered.Updatable);
-    EXPECT_EQ(rendered.Columns.at(1).Name, QStringLiteral("Subject"));
-    EXPECT_EQ(rendered.Columns.at(1).Table, QStringLiteral("Messages"));
-    EXPECT_EQ(rendered.Columns.at(1).Type, dbText);
-    EXPECT_EQ(rendered.Columns.at(1).Size, 20);
-    EXPECT_EQ(rendered.Columns.at(5).SqlColumn, 5);
+    EXPECT_TRUE(select.Shape.Updatable);
+    EXPECT_EQ(select.Shape.Sources.at(0)->Name, QStringLiteral("Messages"));
+    EXPECT_EQ(select.Shape.Columns.at(1).Definition, select.Shape.Sources.at(0)->Columns.at(1));
+    EXPECT_EQ(select.Shape.Columns.at(1).Source, 0);
+    EXPECT_EQ(select.Shape.Columns.at(1).SourceColumn, 1);
+    EXPECT_EQ(rendered.SqlColumns.at(5), 5);
 }
 
 TEST_F(SqlRenderer, ComparesNumbersTextsAndDates)
@@ -150,9 +149,8 @@ TEST_F(SqlRenderer, LikeMatchesTextsAndNumbers)
 TEST_F(SqlRenderer, AlternativesWithOnePatternOrOneSetOfTextsBecomeOneCall)
 {
     const auto rendered = sqlite::RenderSelect(
-        jetsql::ParseSelect(u"SELECT Reference FROM Messages WHERE Subject LIKE '*a*' OR Message LIKE '*a*' OR Subject "
-                            "LIKE '*b*' OR Message LIKE '*b*' OR Category=1"),
-        Database);
+        Database.Bind(u"SELECT Reference FROM Messages WHERE Subject LIKE '*a*' OR Message LIKE '*a*' OR Subject "
+                      "LIKE '*b*' OR Message LIKE '*b*' OR Category=1"));
     EXPECT_TRUE(rendered.Text.endsWith(" WHERE ((\"Messages\".\"Category\" = ?1) OR jet_like(?2, "
                                        "\"Messages\".\"Subject\", \"Messages\".\"Message\"))"))
         << rendered.Text.constData();
@@ -228,7 +226,7 @@ TEST_F(SqlRenderer, Aggregates)
     EXPECT_EQ(ErrorOf("SELECT COUNT(*), Subject FROM Messages"), 3075);
     EXPECT_EQ(ColumnNames("SELECT COUNT(*), MAX(Sent) AS Latest FROM Messages"),
               (QStringList{QStringLiteral("Expr1000"), QStringLiteral("Latest")}));
-    EXPECT_FALSE(sqlite::RenderSelect(jetsql::ParseSelect(u"SELECT COUNT(*) FROM Messages"), Database).Updatable);
+    EXPECT_FALSE(Database.Bind(u"SELECT COUNT(*) FROM Messages").Shape.Updatable);
 }
 
 TEST_F(SqlRenderer, JoinsNameTheirColumnsByTableWhereNamesRepeat)
@@ -246,7 +244,7 @@ TEST_F(SqlRenderer, JoinsNameTheirColumnsByTableWhereNamesRepeat)
     EXPECT_EQ(rows.at(0).at(0), QVariant(qint64{1}));
     EXPECT_FALSE(rows.at(0).at(2).isValid());
     EXPECT_EQ(rows.at(1).at(2), QVariant(qint64{11}));
-    EXPECT_FALSE(sqlite::RenderSelect(jetsql::ParseSelect(text), Database).Updatable);
+    EXPECT_FALSE(Database.Bind(text).Shape.Updatable);
 }
 
 TEST_F(SqlRenderer, JoinsUseAliases)
@@ -265,10 +263,8 @@ TEST_F(SqlRenderer, LeadingColumnsComeBeforeTheOutputForEachTable)
     sqlite::SelectOptions options;
     options.LeadingColumns = {QStringLiteral("rowid"), QStringLiteral("hidden")};
     options.Columns = sqlite::SelectOptions::Output::WithoutMemos;
-    const auto rendered =
-        sqlite::RenderSelect(jetsql::ParseSelect(u"SELECT Message, Subject FROM Messages"), Database, options);
-    EXPECT_EQ(rendered.Columns.at(0).SqlColumn, -1);
-    EXPECT_EQ(rendered.Columns.at(1).SqlColumn, 2);
+    const auto rendered = sqlite::RenderSelect(Database.Bind(u"SELECT Message, Subject FROM Messages"), options);
+    EXPECT_EQ(rendered.SqlColumns, (std::vector<int>{-1, 2}));
     const auto rows = Database.Run(rendered);
     EXPECT_EQ(rows.at(1), (ResultRow{qint64{2}, qint64{1}, QStringLiteral("HELLO again")}));
 
@@ -279,15 +275,14 @@ TEST_F(SqlRenderer, LeadingColumnsComeBeforeTheOutputForEachTable)
                                       {}, options);
     EXPECT_EQ(keys.at(0), (ResultRow{qint64{1}, qint64{1}, QVariant(), QVariant()}));
     EXPECT_EQ(keys.at(1), (ResultRow{qint64{4}, qint64{1}, qint64{3}, qint64{1}}));
-    EXPECT_THROW(sqlite::RenderSelect(jetsql::ParseSelect(u"SELECT COUNT(*) FROM Messages"), Database, options), Error);
+    EXPECT_THROW(sqlite::RenderSelect(Database.Bind(u"SELECT COUNT(*) FROM Messages"), options), Error);
 }
 
 TEST_F(SqlRenderer, NamesThatAreNoColumnsAreParameters)
 {
     const QString text = QStringLiteral("SELECT Reference FROM Messages WHERE Category=[Which?] OR Subject=[the text] "
                                         "OR Sent=[Which?] OR Subject LIKE [pattern] OR Message = [the text]");
-    const auto rendered = sqlite::RenderSelect(jetsql::ParseSelect(text), Database);
-    EXPECT_EQ(rendered.Parameters,
+    EXPECT_EQ(Database.Bind(text).Parameters.Names,
               (QStringList{QStringLiteral("Which?"), QStringLiteral("the text"), QStringLiteral("pattern")}));
     EXPECT_EQ(Database.List(text, {{QStringLiteral("Which?"), QStringLiteral("5")},
                                    {QStringLiteral("the text"), qint64{5}},

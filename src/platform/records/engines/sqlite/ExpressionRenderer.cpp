@@ -5,17 +5,15 @@
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
 #include <algorithm>
-#include <initializer_list>
 
 namespace dao::sqlite
 {
 
 using jetsql::AggregateFunction;
-using jetsql::Expression;
-using jetsql::Literal;
-using jetsql::Name;
-using jetsql::Operation;
 using jetsql::Operator;
+using query::BoundExpression;
+using query::BoundOperation;
+using query::ValueType;
 
 namespace
 {
@@ -25,6 +23,8 @@ constexpr int maximumParserStack = 80;
 constexpr int maximumTreeDepth = 900;
 // Operands joined in one go: wide enough for few parentheses, narrow enough for shallow trees.
 constexpr std::size_t chainWidth = 8;
+// SQLite's functions take at most 127 arguments.
+constexpr std::size_t maximumLikeTexts = 100;
 
 const char* SymbolOf(Operator kind)
 {
@@ -43,222 +43,110 @@ const char* SymbolOf(Operator kind)
         return ">=";
     }
 }
-} // namespace
 
-void RaiseTypeMismatch(qsizetype position)
-{
-    throw Error(errTypeMismatch,
-                QStringLiteral("Type mismatch in the query at character %1: the values there cannot be compared or "
-                               "computed with each other.")
-                    .arg(position + 1));
-}
-
-ValueType ExpressionRenderer::TypeOf(DataTypeEnum type)
-{
-    switch (type) {
-    case dbText:
-    case dbMemo:
-        return ValueType::Text;
-    case dbDate:
-        return ValueType::Date;
-    default:
-        return ValueType::Number;
-    }
-}
-
-void ExpressionRenderer::AddTable(const TableInfo& table, const jetsql::TableReference& reference)
-{
-    const QString& qualifier = reference.Alias.isEmpty() ? table.Name : reference.Alias;
-    if (FindTable(qualifier) >= 0)
-        throw Error(errSyntax, QStringLiteral("Syntax error in the query: '%1' is named twice behind FROM, at "
-                                              "character %2.")
-                                   .arg(qualifier)
-                                   .arg(reference.Position + 1));
-    Tables_.push_back({&table, qualifier});
-}
-
-int ExpressionRenderer::FindTable(const QString& qualifier) const
-{
-    for (std::size_t i = 0; i < Tables_.size(); ++i) {
-        if (Tables_[i].Qualifier.compare(qualifier, Qt::CaseInsensitive) == 0)
-            return static_cast<int>(i);
-    }
-    return -1;
-}
-
-namespace
-{
-const ColumnInfo* FindColumn(const TableInfo& table, const QString& name)
-{
-    for (const ColumnInfo& column : table.Columns) {
-        if (column.Name.compare(name, Qt::CaseInsensitive) == 0)
-            return &column;
-    }
-    return nullptr;
-}
-
-[[noreturn]] void RaiseUnknownColumn(const QString& name, qsizetype position, const QString& reason)
-{
-    throw Error(
-        errTooFewParameters,
-        QStringLiteral("The name '%1' at character %2 of the query %3.").arg(name).arg(position + 1).arg(reason));
-}
-} // namespace
-
-std::optional<ColumnReference> ExpressionRenderer::Resolve(const Name& name, qsizetype position) const
-{
-    if (!name.Table.isEmpty()) {
-        const int index = FindTable(name.Table);
-        const ColumnInfo* column =
-            index < 0 ? nullptr : FindColumn(*Tables_[static_cast<std::size_t>(index)].Table, name.Field);
-        if (column == nullptr)
-            RaiseUnknownColumn(name.Table + u'.' + name.Field, position, QStringLiteral("is no column of its tables"));
-        return ColumnReference{index, column};
-    }
-    std::optional<ColumnReference> found;
-    for (std::size_t i = 0; i < Tables_.size(); ++i) {
-        if (const ColumnInfo* column = FindColumn(*Tables_[i].Table, name.Field)) {
-            if (found)
-                RaiseUnknownColumn(name.Field, position, QStringLiteral("is a column of more than one of its tables"));
-            found = ColumnReference{static_cast<int>(i), column};
-        }
-    }
-    const qsizetype dot = name.Field.indexOf(u'.');
-    if (!found && dot > 0 && FindTable(name.Field.left(dot)) >= 0)
-        return Resolve({name.Field.left(dot), name.Field.mid(dot + 1)}, position);
-    return found;
-}
-
-QByteArray ExpressionRenderer::Column(const ColumnReference& reference) const
-{
-    const ScopeTable& table = Tables_[static_cast<std::size_t>(reference.TableIndex)];
-    return QuoteName(table.Qualifier) + '.' + QuoteName(reference.Column->Name);
-}
-
-QByteArray ExpressionRenderer::Condition(const Expression& expression)
-{
-    return TruthOf(expression).Text;
-}
-
-Piece ExpressionRenderer::Value(const Expression& expression)
-{
-    Piece piece = Render(expression);
-    if (!piece.IsTruth)
-        return piece;
-    Piece value = AsType(piece, ValueType::Number);
-    value.Text = "(-" + piece.Text + ')';
-    value.IsTruth = false;
-    Adopt(value, piece, 2);
-    return Checked(value);
-}
-
-QByteArray ExpressionRenderer::Comparable(const Piece& value)
-{
-    return IsNumeric(value.Type) ? value.Text : value.Text + " COLLATE " + CollationName;
-}
-
-QByteArray ExpressionRenderer::Comparable(const Expression& expression)
-{
-    return Comparable(Value(expression));
-}
-
-Piece ExpressionRenderer::TruthOf(const Expression& expression)
-{
-    Piece piece = Render(expression);
-    if (piece.Type == ValueType::Text)
-        RaiseTypeMismatch(expression.Position);
-    return piece;
-}
-
-Piece ExpressionRenderer::Render(const Expression& expression)
-{
-    if (const Literal* literal = AsLiteral(expression))
-        return Bind(literal->Value, TypeOfLiteral(*literal));
-    if (const Name* name = std::get_if<Name>(&expression.Node))
-        return RenderName(*name, expression.Position);
-    if (const Operation* operation = std::get_if<Operation>(&expression.Node))
-        return Checked(RenderOperation(*operation));
-    return Checked(RenderAggregate(std::get<jetsql::Aggregate>(expression.Node)));
-}
-
-const Piece& ExpressionRenderer::Checked(const Piece& piece)
+Piece Checked(Piece piece)
 {
     if (piece.ParserStack > maximumParserStack || piece.TreeDepth > maximumTreeDepth)
         throw Error(errSyntax, QStringLiteral("Syntax error in the query: an expression is too complex."));
     return piece;
 }
 
-Piece ExpressionRenderer::RenderName(const Name& name, qsizetype position)
+QByteArray Collated(const QByteArray& text, ValueType type)
 {
+    return IsNumeric(type) ? text : text + " COLLATE " + CollationName;
+}
+} // namespace
+
+QByteArray ExpressionRenderer::Condition(const BoundExpression& expression)
+{
+    return Render(expression).Text;
+}
+
+Piece ExpressionRenderer::Value(const BoundExpression& expression)
+{
+    const Piece piece = Render(expression);
+    return IsTruth(expression) ? Checked(Prefixed("-", piece)) : piece;
+}
+
+QByteArray ExpressionRenderer::Comparable(const BoundExpression& expression)
+{
+    return Collated(Value(expression).Text, expression.Type);
+}
+
+Piece ExpressionRenderer::Render(const BoundExpression& expression)
+{
+    if (const auto* constant = std::get_if<query::BoundConstant>(&expression.Node))
+        return Bind(constant->Value);
+    if (const auto* column = std::get_if<query::BoundColumn>(&expression.Node))
+        return RenderColumn(*column);
+    if (const auto* parameter = std::get_if<query::BoundParameter>(&expression.Node))
+        return Bind(*parameter);
+    if (const auto* pattern = std::get_if<query::BoundPattern>(&expression.Node))
+        return BindPattern(*pattern);
+    if (const auto* aggregate = std::get_if<query::BoundAggregate>(&expression.Node))
+        return Checked(RenderAggregate(*aggregate));
+    return Checked(RenderOperation(std::get<BoundOperation>(expression.Node), expression.Type));
+}
+
+Piece ExpressionRenderer::RenderColumn(const query::BoundColumn& column) const
+{
+    const query::BoundSource& source = Sources_[static_cast<std::size_t>(column.Source)];
     Piece piece;
+    piece.Text = QuoteName(source.Qualifier) + '.' +
+                 QuoteName(source.Table->Columns[static_cast<std::size_t>(column.Column)].Name);
     piece.ParserStack = 3;
     piece.TreeDepth = 3;
-    if (const std::optional<ColumnReference> reference = Resolve(name, position)) {
-        piece.Text = Column(*reference);
-        piece.Type = TypeOf(reference->Column->Type);
-        return piece;
-    }
-    QStringList& parameters = Result_.Parameters;
-    auto known = std::find_if(parameters.begin(), parameters.end(), [&](const QString& parameter) {
-        return parameter.compare(name.Field, Qt::CaseInsensitive) == 0;
-    });
-    const int index = static_cast<int>(known - parameters.begin());
-    if (known == parameters.end())
-        parameters.append(name.Field);
-    Result_.Bindings.emplace_back(NamedParameter{index});
-    piece.Text = '?' + QByteArray::number(static_cast<qlonglong>(Result_.Bindings.size()));
-    piece.IsParameter = true;
     return piece;
 }
 
-Piece ExpressionRenderer::RenderAggregate(const jetsql::Aggregate& aggregate)
+Piece ExpressionRenderer::RenderAggregate(const query::BoundAggregate& aggregate)
 {
     if (aggregate.Operand.empty()) {
         Piece all;
         all.Text = "COUNT(*)";
         all.ParserStack = 5;
-        return AsType(all, ValueType::Number);
+        return all;
     }
-    if (aggregate.Function == AggregateFunction::Sum)
-        return AsType(Call("SUM", {NumberOf(aggregate.Operand.front())}), ValueType::Number);
-    Piece operand = Value(aggregate.Operand.front());
-    if (aggregate.Function == AggregateFunction::Count)
-        return AsType(Call("COUNT", {operand}), ValueType::Number);
-    const ValueType type = operand.Type;
-    operand.Text = Comparable(operand);
-    return AsType(Call(aggregate.Function == AggregateFunction::Maximum ? "MAX" : "MIN", {operand}), type);
+    const BoundExpression& operand = aggregate.Operand.front();
+    Piece value = Value(operand);
+    switch (aggregate.Function) {
+    case AggregateFunction::Count:
+        return Call("COUNT", {value});
+    case AggregateFunction::Sum:
+        return Call("SUM", {value});
+    case AggregateFunction::Maximum:
+    case AggregateFunction::Minimum:
+        break;
+    }
+    value.Text = Collated(value.Text, operand.Type);
+    return Call(aggregate.Function == AggregateFunction::Maximum ? "MAX" : "MIN", {value});
 }
 
-Piece ExpressionRenderer::RenderOperation(const Operation& operation)
+Piece ExpressionRenderer::RenderOperation(const BoundOperation& operation, ValueType type)
 {
     const Operands& operands = operation.Operands;
     switch (operation.Kind) {
     case Operator::Or:
-        return RenderOr(operands);
+        return RenderChain(operands, "OR");
     case Operator::And:
-        return RenderAnd(operands);
+        return RenderChain(operands, "AND");
     case Operator::Not:
-        return RenderNot(operands[0]);
+        return Prefixed("NOT ", Render(operands[0]));
     case Operator::Equal:
     case Operator::NotEqual:
     case Operator::Less:
     case Operator::LessOrEqual:
     case Operator::Greater:
     case Operator::GreaterOrEqual:
-        return RenderComparison(operands, SymbolOf(operation.Kind));
+        return RenderComparison(operands, operation.Kind);
     case Operator::Like:
-        return RenderLike(operands[0], operands[1]);
-    case Operator::NotLike: {
-        Piece like = RenderLike(operands[0], operands[1]);
-        like.Text = "(NOT " + like.Text + ')';
-        like.ParserStack += 2;
-        ++like.TreeDepth;
-        return like;
-    }
+        return RenderLike(operands);
+    case Operator::NotLike:
+        return Prefixed("NOT ", RenderLike(operands));
     case Operator::IsNull:
-        return RenderIsNull(operands[0], "IS NULL");
+        return Infix(Render(operands[0]), "IS", {"NULL"});
     case Operator::IsNotNull:
-        return RenderIsNull(operands[0], "IS NOT NULL");
+        return Infix(Render(operands[0]), "IS NOT", {"NULL"});
     case Operator::Between:
         return RenderBetween(operands, "BETWEEN");
     case Operator::NotBetween:
@@ -267,51 +155,33 @@ Piece ExpressionRenderer::RenderOperation(const Operation& operation)
         return RenderIn(operands, "IN");
     case Operator::NotIn:
         return RenderIn(operands, "NOT IN");
-    case Operator::Concatenate:
-        return RenderConcatenation(operands);
+    case Operator::Concatenate: {
+        const Piece left = Value(operands[0]);
+        return Call("jet_concatenate", {left, Value(operands[1])});
+    }
     case Operator::Add:
-        return RenderAddition(operands);
+        return RenderInfix(operands, type == ValueType::Text ? "||" : "+");
     case Operator::Subtract:
-        return RenderSubtraction(operands);
+        return RenderInfix(operands, "-");
     case Operator::Modulo:
         return RenderModulo(operands);
     case Operator::Multiply:
-        return RenderArithmetic(operands, "*", ValueType::Number);
+        return RenderInfix(operands, "*");
     case Operator::Divide:
         return RenderDivision(operands);
     case Operator::Negate:
-        return RenderNegation(operands[0]);
+        return Prefixed("-", Value(operands[0]));
     }
     return {};
 }
 
-Piece ExpressionRenderer::RenderNot(const Expression& operand)
-{
-    const Piece truth = TruthOf(operand);
-    Piece result;
-    result.Text = "(NOT " + truth.Text + ')';
-    Adopt(result, truth, 2);
-    return AsTruth(result);
-}
-
-Piece ExpressionRenderer::RenderAnd(const Operands& operands)
+Piece ExpressionRenderer::RenderChain(const Operands& operands, const char* symbol)
 {
     std::vector<Piece> pieces;
     pieces.reserve(operands.size());
-    for (const Expression& operand : operands)
-        pieces.push_back(TruthOf(operand));
-    return Chain(std::move(pieces), "AND");
-}
-
-Piece ExpressionRenderer::RenderOr(const Operands& operands)
-{
-    std::vector<Piece> pieces;
-    for (const Expression& operand : operands) {
-        if (PlainPattern(operand) == nullptr)
-            pieces.push_back(TruthOf(operand));
-    }
-    RenderPlainLikes(operands, pieces);
-    return Chain(std::move(pieces), "OR");
+    for (const BoundExpression& operand : operands)
+        pieces.push_back(Render(operand));
+    return Chain(std::move(pieces), symbol);
 }
 
 Piece ExpressionRenderer::Chain(std::vector<Piece> pieces, const char* symbol)
@@ -343,86 +213,70 @@ Piece ExpressionRenderer::Chain(std::vector<Piece> pieces, const char* symbol)
         }
         pieces = std::move(joined);
     }
-    return AsTruth(std::move(pieces.front()));
+    return std::move(pieces.front());
 }
 
-Piece ExpressionRenderer::RenderIsNull(const Expression& operand, const char* test)
+Piece ExpressionRenderer::RenderComparison(const Operands& operands, Operator kind)
 {
-    const Piece value = Render(operand);
-    Piece result;
-    result.Text = '(' + value.Text + ' ' + test + ')';
-    result.ParserStack = 4;
-    Adopt(result, value, 1);
-    return AsTruth(result);
-}
-
-Piece ExpressionRenderer::RenderComparison(const Operands& operands, const char* symbol)
-{
-    Piece left;
-    Piece right;
-    if (AsLiteral(operands[0]) != nullptr) {
-        right = Value(operands[1]);
-        left = ComparedWith(right.Type, operands[0]);
-    } else {
-        left = Value(operands[0]);
-        right = ComparedWith(left.Type, operands[1]);
-        if (left.IsParameter)
-            left = ComparedWith(right.Type, operands[0]);
-    }
-    if (!IsNumeric(left.Type) && !IsNumeric(right.Type)) {
-        left.Text = Comparable(left);
+    Piece left = ComparedValue(operands[0], kind);
+    const Piece right = ComparedValue(operands[1], kind);
+    if (!IsNumeric(operands[0].Type) && !IsNumeric(operands[1].Type)) {
+        left.Text = Collated(left.Text, operands[0].Type);
         left.ParserStack = std::max(left.ParserStack, 3);
         ++left.TreeDepth;
     }
-    return AsTruth(Infix(left, symbol, right));
+    return Infix(left, SymbolOf(kind), right);
 }
 
-Piece ExpressionRenderer::ComparedWith(ValueType type, const Expression& expression)
+/// SQLite joins over a column without an index by an index and a Bloom filter that it makes for the query. The filter
+/// goes by the length of texts, and loses rows where two spellings of one text take different room: the Kelvin sign is
+/// three octets, the k that it equals one. A plus in front of the column keeps SQLite from making either.
+Piece ExpressionRenderer::ComparedValue(const BoundExpression& operand, Operator kind)
 {
-    if (const Literal* literal = AsLiteral(expression))
-        return Constant(*literal, type, expression.Position);
-    Piece piece = Value(expression);
-    if (piece.IsParameter && type == ValueType::Text)
-        return AsType(Call("jet_text", {piece}), ValueType::Text);
-    if (piece.IsParameter && IsNumeric(type))
-        return NumberOf(expression);
-    if ((type == ValueType::Text && IsNumeric(piece.Type)) || (IsNumeric(type) && piece.Type == ValueType::Text))
-        RaiseTypeMismatch(expression.Position);
-    return piece;
+    Piece piece = Value(operand);
+    const auto* column = std::get_if<query::BoundColumn>(&operand.Node);
+    if (column == nullptr || kind != Operator::Equal || operand.Type != ValueType::Text || Sources_.size() == 1)
+        return piece;
+    const engine::Table& table = *Sources_[static_cast<std::size_t>(column->Source)].Table;
+    const bool isIndexed = std::any_of(table.Indexes.begin(), table.Indexes.end(),
+                                       [column](const auto& index) { return index.Columns.front() == column->Column; });
+    return isIndexed ? piece : Prefixed("+", piece);
 }
 
-Piece ExpressionRenderer::Constant(const Literal& literal, ValueType wanted, qsizetype position)
+Piece ExpressionRenderer::RenderLike(const Operands& operands)
 {
-    const ValueType own = TypeOfLiteral(literal);
-    if (own == ValueType::Unknown || wanted == ValueType::Unknown)
-        return Bind(literal.Value, own);
-    if (wanted == ValueType::Text && own == ValueType::Number)
-        return Bind(NumberText(literal.Value), ValueType::Text);
-    if (IsNumeric(wanted) && own == ValueType::Text) {
-        bool valid = false;
-        const double number = literal.Value.toString().trimmed().toDouble(&valid);
-        if (!valid)
-            RaiseTypeMismatch(position);
-        return Bind(number, ValueType::Number);
+    const Piece pattern = Value(operands[0]);
+    std::vector<Piece> calls;
+    for (std::size_t start = 1; start < operands.size(); start += maximumLikeTexts) {
+        Piece call;
+        call.Text = "jet_like(" + pattern.Text;
+        Adopt(call, pattern, 5);
+        const std::size_t end = std::min(operands.size(), start + maximumLikeTexts);
+        for (std::size_t i = start; i < end; ++i) {
+            const Piece text = Value(operands[i]);
+            call.Text += ", " + text.Text;
+            Adopt(call, text, 5);
+        }
+        call.Text += ')';
+        calls.push_back(std::move(call));
     }
-    if ((wanted == ValueType::Text) != (own == ValueType::Text))
-        RaiseTypeMismatch(position);
-    return Bind(literal.Value, own);
+    return Chain(std::move(calls), "OR");
 }
 
 Piece ExpressionRenderer::RenderBetween(const Operands& operands, const char* word)
 {
-    Piece value = Value(operands[0]);
-    const Piece lower = ComparedWith(value.Type, operands[1]);
-    const Piece upper = ComparedWith(value.Type, operands[2]);
+    const Piece value = Value(operands[0]);
+    const Piece lower = Value(operands[1]);
+    const Piece upper = Value(operands[2]);
     Piece result;
     Adopt(result, value, 1);
     Adopt(result, lower, 3);
     Adopt(result, upper, 5);
     result.ParserStack = std::max(result.ParserStack, 6);
     result.TreeDepth += 2;
-    result.Text = '(' + Comparable(value) + ' ' + word + ' ' + lower.Text + " AND " + upper.Text + ')';
-    return AsTruth(result);
+    result.Text =
+        '(' + Collated(value.Text, operands[0].Type) + ' ' + word + ' ' + lower.Text + " AND " + upper.Text + ')';
+    return result;
 }
 
 Piece ExpressionRenderer::RenderIn(const Operands& operands, const char* word)
@@ -430,9 +284,9 @@ Piece ExpressionRenderer::RenderIn(const Operands& operands, const char* word)
     const Piece value = Value(operands[0]);
     Piece result;
     Adopt(result, value, 1);
-    result.Text = '(' + Comparable(value) + ' ' + word + " (";
+    result.Text = '(' + Collated(value.Text, operands[0].Type) + ' ' + word + " (";
     for (std::size_t i = 1; i < operands.size(); ++i) {
-        const Piece candidate = ComparedWith(value.Type, operands[i]);
+        const Piece candidate = Value(operands[i]);
         if (i > 1)
             result.Text += ", ";
         result.Text += candidate.Text;
@@ -440,94 +294,52 @@ Piece ExpressionRenderer::RenderIn(const Operands& operands, const char* word)
     }
     result.Text += "))";
     ++result.TreeDepth;
-    return AsTruth(result);
+    return result;
 }
 
-Piece ExpressionRenderer::RenderConcatenation(const Operands& operands)
-{
-    const Piece left = TextToMatch(operands[0]);
-    const Piece right = TextToMatch(operands[1]);
-    return AsType(Call("jet_concatenate", {left, right}), ValueType::Text);
-}
-
-Piece ExpressionRenderer::RenderAddition(const Operands& operands)
+Piece ExpressionRenderer::RenderInfix(const Operands& operands, const char* symbol)
 {
     const Piece left = Value(operands[0]);
-    if (left.Type != ValueType::Text)
-        return RenderArithmetic(operands, "+", ValueType::Number);
-    const Piece right = Value(operands[1]);
-    if (IsNumeric(right.Type))
-        RaiseTypeMismatch(operands[1].Position);
-    return AsType(Infix(left, "||", right), ValueType::Text);
-}
-
-Piece ExpressionRenderer::RenderArithmetic(const Operands& operands, const char* symbol, ValueType type)
-{
-    const Piece left = NumberOf(operands[0]);
-    const Piece right = NumberOf(operands[1]);
-    const bool isDate = left.Type == ValueType::Date || right.Type == ValueType::Date;
-    return AsType(Infix(left, symbol, right), isDate ? ValueType::Date : type);
-}
-
-/// The time between two days is a number; a day before or after another by a number is a day.
-Piece ExpressionRenderer::RenderSubtraction(const Operands& operands)
-{
-    const Piece left = NumberOf(operands[0]);
-    const Piece right = NumberOf(operands[1]);
-    const bool isDate = left.Type == ValueType::Date && right.Type != ValueType::Date;
-    return AsType(Infix(left, "-", right), isDate ? ValueType::Date : ValueType::Number);
+    return Infix(left, symbol, Value(operands[1]));
 }
 
 Piece ExpressionRenderer::RenderModulo(const Operands& operands)
 {
-    const auto whole = [this](const Expression& operand) {
-        Piece number = NumberOf(operand);
+    const auto whole = [this](const BoundExpression& operand) {
+        Piece number = Value(operand);
         number.Text = "CAST(ROUND(" + number.Text + ") AS INTEGER)";
         number.ParserStack += 7;
         number.TreeDepth += 2;
         return number;
     };
     const Piece left = whole(operands[0]);
-    return AsType(Infix(left, "%", whole(operands[1])), ValueType::Number);
+    return Infix(left, "%", whole(operands[1]));
 }
 
 Piece ExpressionRenderer::RenderDivision(const Operands& operands)
 {
-    Piece left = NumberOf(operands[0]);
+    Piece left = Value(operands[0]);
     left.Text = "CAST(" + left.Text + " AS REAL)";
     left.ParserStack = std::max(left.ParserStack + 2, 5);
     ++left.TreeDepth;
-    return AsType(Infix(left, "/", NumberOf(operands[1])), ValueType::Number);
+    return Infix(left, "/", Value(operands[1]));
 }
 
-Piece ExpressionRenderer::RenderNegation(const Expression& operand)
+Piece ExpressionRenderer::Bind(Binding binding)
 {
-    const Piece number = NumberOf(operand);
-    Piece result;
-    result.Text = "(-" + number.Text + ')';
-    Adopt(result, number, 2);
-    return AsType(result, ValueType::Number);
-}
-
-Piece ExpressionRenderer::NumberOf(const Expression& expression)
-{
-    if (const Literal* literal = AsLiteral(expression))
-        return Constant(*literal, ValueType::Number, expression.Position);
-    const Piece piece = Value(expression);
-    if (piece.Type == ValueType::Text)
-        RaiseTypeMismatch(expression.Position);
-    if (piece.Type != ValueType::Unknown)
-        return piece;
-    const QByteArray furtherArguments = ", " + QByteArray::number(dbDouble) + ", 0, 0";
-    return AsType(Call("jet_store", {piece}, furtherArguments.constData()), ValueType::Number);
-}
-
-Piece ExpressionRenderer::Bind(const QVariant& value, ValueType type)
-{
-    Result_.Bindings.emplace_back(value);
+    Result_.Bindings.push_back(std::move(binding));
     Piece piece;
     piece.Text = '?' + QByteArray::number(static_cast<qlonglong>(Result_.Bindings.size()));
-    piece.Type = type;
+    return piece;
+}
+
+Piece ExpressionRenderer::BindPattern(const query::BoundPattern& pattern)
+{
+    QByteArray& place = Patterns_[pattern.Texts];
+    if (place.isEmpty())
+        place = Bind(pattern.Compiled).Text;
+    Piece piece;
+    piece.Text = place;
     return piece;
 }
 

@@ -6,7 +6,6 @@
 
 #include <memory>
 #include <optional>
-#include <string_view>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -15,17 +14,14 @@ struct sqlite3_stmt;
 namespace dao::sqlite
 {
 
-/// Compares texts without regard to case in all of Unicode (simple folding). A total order over any octets; what is
-/// no UTF-8 sorts behind all characters.
+/// The collation of query::CompareText.
 inline constexpr char CollationName[] = "JET";
-int CompareText(std::string_view left, std::string_view right);
 
 /// Makes the collation and the functions known to a connection. Call once after opening it, before any table that
 /// uses the collation is touched. Error 3049 when SQLite refuses.
 ///
 /// jet_like(pattern, text...): 1 when any of the texts meets the pattern, else Null when any or the pattern is Null,
 /// else 0. Texts may be stored as TEXT or BLOB in UTF-8; numbers count by their text form.
-/// jet_text(value): the text form of a number, a text as it stands, Null for Null.
 /// jet_concatenate(left, right): the texts joined, Null as empty unless both are Null.
 /// jet_store(value, type, size, allow zero length): the value as a column of that type stores it.
 /// jet_check(memo, row id): what stands beside the memo in its check column; Null for Null.

@@ -7,6 +7,7 @@
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
+#include "platform/records/query/StoredValues.h"
 
 #include <QRandomGenerator>
 
@@ -42,52 +43,6 @@ enum StatementKind : quint64
 constexpr int LeadingColumns = 3;
 /// Octets in UTF-8; from here on a memo is worth a second look for taking less room.
 constexpr std::size_t LargeMemo = 1024 * 1024;
-
-bool IsNullValue(const StoredValue& value)
-{
-    return std::holds_alternative<std::monostate>(value);
-}
-
-/// As SQLite orders them in an index: Null, numbers, texts.
-int CompareStored(const StoredValue& left, const StoredValue& right)
-{
-    const auto rank = [](const StoredValue& value) {
-        return std::holds_alternative<QByteArray>(value) ? 2 : static_cast<int>(!IsNullValue(value));
-    };
-    if (rank(left) != rank(right))
-        return rank(left) - rank(right);
-    if (rank(left) == 2) {
-        const auto view = [](const StoredValue& value) {
-            const auto& text = std::get<QByteArray>(value);
-            return std::string_view(text.constData(), static_cast<std::size_t>(text.size()));
-        };
-        return CompareText(view(left), view(right));
-    }
-    const auto* leftInteger = std::get_if<qint64>(&left);
-    const auto* rightInteger = std::get_if<qint64>(&right);
-    if (leftInteger != nullptr && rightInteger != nullptr)
-        return *leftInteger < *rightInteger ? -1 : static_cast<int>(*leftInteger > *rightInteger);
-    const auto number = [](const StoredValue& value) {
-        const auto* integer = std::get_if<qint64>(&value);
-        const auto* real = std::get_if<double>(&value);
-        return integer != nullptr ? static_cast<double>(*integer) : real != nullptr ? *real : 0;
-    };
-    return number(left) < number(right) ? -1 : static_cast<int>(number(left) > number(right));
-}
-
-StoredValue ToStored(const CellView& cell)
-{
-    switch (cell.CellKind) {
-    case CellView::Kind::Integer:
-        return cell.Integer;
-    case CellView::Kind::Real:
-        return cell.Real;
-    case CellView::Kind::Text:
-        return QByteArray(cell.Text.data(), static_cast<qsizetype>(cell.Text.size()));
-    default:
-        return {};
-    }
-}
 
 } // namespace
 
@@ -192,8 +147,8 @@ QByteArray TableAccess::StretchText(int index, const Stretch& stretch, Direction
     }
     QList<QByteArray> conditions;
     for (std::size_t i = 0; i < stretch.Equal; ++i)
-        conditions += names[i] + (IsNullValue(keys[i]) ? QByteArrayLiteral(" IS NULL")
-                                                       : " = ?" + QByteArray::number(static_cast<int>(i) + 1));
+        conditions += names[i] + (query::IsNull(keys[i]) ? QByteArrayLiteral(" IS NULL")
+                                                         : " = ?" + QByteArray::number(static_cast<int>(i) + 1));
     const QByteArray parameter = '?' + QByteArray::number(static_cast<int>(stretch.Equal) + 1);
     const QByteArray bounded = stretch.Equal < names.size() ? names[stretch.Equal] : QByteArray(RowIdName);
     switch (stretch.Limit) {
@@ -232,7 +187,7 @@ bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direc
 {
     quint64 nulls = 0;
     for (std::size_t i = 0; i < stretch.Equal; ++i)
-        nulls |= static_cast<quint64>(IsNullValue(keys[i])) << i;
+        nulls |= static_cast<quint64>(query::IsNull(keys[i])) << i;
     quint64 key = static_cast<quint64>(index + 1);
     key = key << 16 | nulls;
     key = key << 8 | stretch.Equal;
@@ -243,7 +198,7 @@ bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direc
     const Statement& statement = Prepared(key, [&] { return StretchText(index, stretch, direction, keys, memos); });
     StatementUse use(statement);
     for (std::size_t i = 0; i < stretch.Equal; ++i) {
-        if (!IsNullValue(keys[i]))
+        if (!query::IsNull(keys[i]))
             use.Bind(static_cast<int>(i) + 1, keys[i]);
     }
     const int next = static_cast<int>(stretch.Equal) + 1;
@@ -270,7 +225,7 @@ std::vector<StoredValue> TableAccess::KeysOf(int index, const Row& row) const
     std::vector<StoredValue> keys;
     if (const IndexKey* key = IndexAt(index)) {
         for (const int column : key->Columns)
-            keys.push_back(ToStored(RowReader::At(row.Cells.data(), column)));
+            keys.push_back(query::Kept(query::ViewOf(RowReader::At(row.Cells.data(), column))));
     }
     return keys;
 }
@@ -296,7 +251,7 @@ void TableAccess::RequireProgress(int index, Direction direction, std::span<cons
     int order = 0;
     const std::vector<StoredValue> foundKeys = KeysOf(index, found);
     for (std::size_t i = 0; i < keys.size() && order == 0; ++i)
-        order = CompareStored(foundKeys[i], keys[i]);
+        order = query::CompareStored(foundKeys[i], keys[i]);
     if (order == 0)
         order = found.Id < id ? -1 : static_cast<int>(found.Id > id);
     if (direction == Direction::Forward ? order > 0 : order < 0)
@@ -314,12 +269,12 @@ bool TableAccess::ReadBehind(int index, Direction direction, std::span<const Sto
     if (key != nullptr && IsRowIdOrder(*Table_, *key))
         return ReadStretch(-1, {0, isForward ? Bound::RowAbove : Bound::RowBelow}, direction, {}, id, memos, row);
     // A unique key without Nulls has no second row.
-    const bool mayRepeat = key == nullptr || !key->Unique || std::any_of(keys.begin(), keys.end(), IsNullValue);
+    const bool mayRepeat = key == nullptr || !key->Unique || std::any_of(keys.begin(), keys.end(), query::IsNull);
     const Bound rowBound = isForward ? Bound::RowAbove : Bound::RowBelow;
     if (mayRepeat && ReadStretch(index, {keys.size(), rowBound}, direction, keys, id, memos, row))
         return true;
     for (std::size_t equal = keys.size(); equal-- > 0;) {
-        const bool isNull = IsNullValue(keys[equal]);
+        const bool isNull = query::IsNull(keys[equal]);
         if (isForward) {
             if (ReadStretch(index, {equal, isNull ? Bound::IsNotNull : Bound::Above}, direction, keys, id, memos, row))
                 return true;
@@ -344,7 +299,7 @@ bool TableAccess::Seek(int index, SeekComparison comparison, std::span<const Sto
     if (comparison == SeekComparison::Equal)
         return false;
     for (std::size_t equal = keys.size(); equal-- > 0;) {
-        const bool isNull = IsNullValue(keys[equal]);
+        const bool isNull = query::IsNull(keys[equal]);
         if (isForward) {
             if (ReadStretch(index, {equal, isNull ? Bound::IsNotNull : Bound::Above}, direction, keys, 0, memos, row))
                 return true;

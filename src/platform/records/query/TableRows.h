@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/records/engines/Engine.h"
+
+#include <functional>
+
+namespace dao::query
+{
+
+/// The rows of tables as a run of a query needs them, from an engine that has no query language of its own. Lives as
+/// long as the run, during which the rows must not change.
+class TableRows
+{
+public:
+    /// Told one row after the other; answers false to stop.
+    using Visitor = std::function<bool(const Row&)>;
+
+    TableRows() = default;
+    virtual ~TableRows() = default;
+    TableRows(const TableRows&) = delete;
+    TableRows& operator=(const TableRows&) = delete;
+
+    /// Each row in order of entry, its memos deferred or not. The row is gone when visit returns.
+    virtual void ForEachRow(const engine::TablePtr& table, const Visitor& visit) = 0;
+    /// A memo that was deferred, as it stands; Null for Null.
+    virtual StoredValue Memo(const engine::TablePtr& table, int column, qint64 id) = 0;
+};
+
+/// The same through the store's own access to rows.
+class StoreRows final : public TableRows
+{
+public:
+    explicit StoreRows(engine::Store& store) : Store_(store) {}
+
+    void ForEachRow(const engine::TablePtr& table, const Visitor& visit) override;
+    StoredValue Memo(const engine::TablePtr& table, int column, qint64 id) override;
+
+private:
+    engine::Store& Store_;
+};
+
+} // namespace dao::query

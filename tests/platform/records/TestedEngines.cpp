@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/records/TestedEngines.h"
+
+#include "platform/records/ServedEngine.h"
+#include "platform/records/engines/EngineRegistry.h"
+
+#include <QDir>
+
+#include <iostream>
+
+namespace
+{
+
+dao::engine::EngineRegistry& Registry()
+{
+    return dao::engine::EngineRegistry::Instance();
+}
+
+bool IsAvailable(const dao::engine::Engine& engine)
+{
+    QString reason;
+    if (engine.IsAvailable(reason))
+        return true;
+    std::cerr << "engine " << qPrintable(engine.Name()) << " not tested: " << qPrintable(reason) << '\n';
+    return false;
+}
+
+/// A file named Test.mdb in the test's folder.
+TestedEngine FileEngine(const QString& name)
+{
+    return {name, [name](const QString& folder) {
+                const QString file = QDir(folder).filePath(QStringLiteral("Test.mdb"));
+                Registry().Named(name).Create(file);
+                return DatabasePlace{file, QString()};
+            }};
+}
+
+std::vector<TestedEngine> FindEngines()
+{
+    std::vector<TestedEngine> engines;
+    for (const auto& engine : Registry().Engines()) {
+        if (engine->Capabilities().Creates && IsAvailable(*engine))
+            engines.push_back(FileEngine(engine->Name()));
+    }
+    Registry().Register(MakeServedEngine());
+    engines.push_back({ServedEngineName(), MakeServedDatabase});
+    return engines;
+}
+
+} // namespace
+
+const std::vector<TestedEngine>& TestedEngines()
+{
+    static const std::vector<TestedEngine> engines = FindEngines();
+    return engines;
+}
+
+std::vector<QString> AllEngines()
+{
+    std::vector<QString> names;
+    for (const TestedEngine& engine : TestedEngines())
+        names.push_back(engine.Name);
+    return names;
+}
+
+std::vector<QString> FileEngines()
+{
+    std::vector<QString> names = AllEngines();
+    std::erase_if(names, [](const QString& name) { return !Registry().Named(name).Capabilities().Creates; });
+    return names;
+}
+
+DatabasePlace MakeDatabase(const QString& engine, const QString& folder)
+{
+    for (const TestedEngine& tested : TestedEngines()) {
+        if (tested.Name == engine)
+            return tested.MakeDatabase(folder);
+    }
+    throw std::invalid_argument("no engine under test is named " + engine.toStdString());
+}
