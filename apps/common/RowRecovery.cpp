@@ -86,6 +86,15 @@ public:
         return damaged;
     }
     const QStringList& Texts() const { return Form_.Texts; }
+    /// What stands there, whatever was saved: a query's expressions see it so.
+    QString AsStored(const QString& column) const
+    {
+        const auto rows = Database_->OpenRecordset(
+            QStringLiteral("SELECT [%1] & '' AS [Text] FROM [%2] WHERE [Reference]=%3")
+                .arg(column, Form_.Table, Rows_->Collect(QStringLiteral("Reference")).toString()),
+            dao::dbOpenSnapshot);
+        return rows->Collect(QStringLiteral("Text")).toString();
+    }
 
 private:
     bool IsDamaged(const QString& column) const
@@ -201,12 +210,28 @@ std::optional<RowRecovery::Source> RowRecovery::Find(const QString& folder, Kind
     return std::nullopt;
 }
 
+std::optional<RowRecovery::Source> RowRecovery::AsStored(const QString& folder, Kind kind, qint32 reference)
+{
+    const RowInFile row(StationPlace::FileIn(folder), kind, reference, RowInFile::Access::Read);
+    if (kind == Kind::Message || !row.IsThere())
+        return std::nullopt;
+    Source source{{}, {}, true, row.Identity()};
+    for (const QString& column : row.DamagedTexts())
+        source.Texts.insert(column, row.AsStored(column));
+    return source.Texts.isEmpty() ? std::nullopt : std::optional(source);
+}
+
 QString RowRecovery::Advice(const QString& folder, Kind kind, qint32 reference)
 {
     const std::optional<Source> source = Find(folder, kind, reference);
-    if (!source)
-        return QStringLiteral("No backup has it sound.");
     const QString what = kind == Kind::Message ? QString() : NameOf(kind) + u' ';
+    const QString none = QStringLiteral("No backup has it sound.");
+    if (!source && kind == Kind::Message)
+        return none;
+    if (!source)
+        return none + QStringLiteral(" What is left of it is kept with: tolva recover %1 %2%3 --as-stored")
+                          .arg(folder, what)
+                          .arg(reference);
     return QStringLiteral("The backup \"%1\" has it sound; fetch it from there with: tolva recover %2 %3%4")
         .arg(source->Backup.Name, folder, what)
         .arg(reference);

@@ -27,13 +27,13 @@ enum class State
     Damaged
 };
 
-/// A backup that holds the texts sound.
+/// Where the texts come from.
 struct Source
 {
-    BackupFolders::Backup Backup;
-    QVariantMap Texts;     ///< By column.
-    bool AreDamaged;       ///< In the station; otherwise none of its texts was.
-    QVariantList Identity; ///< What makes it the same row there and here.
+    BackupFolders::Backup Backup; ///< Without a name: from the station itself.
+    QVariantMap Texts;            ///< By column.
+    bool AreDamaged;              ///< In the station; otherwise none of its texts was.
+    QVariantList Identity;        ///< What makes it the same row there and here.
 };
 
 /// Of what kind the rows of a table are, and nothing for other tables.
@@ -53,8 +53,12 @@ State StateOf(const QString& folder, Kind kind, qint32 reference);
 /// passed over. Nothing when there is none, or no such row in the station.
 std::optional<Source> Find(const QString& folder, Kind kind, qint32 reference, const QString& name = QString());
 
+/// What stands of the damaged texts in the station, for right, where no backup has them. Never of a message, whose
+/// octets are to be those that came. Nothing where none is damaged, or there is no such row.
+std::optional<Source> AsStored(const QString& folder, Kind kind, qint32 reference);
+
 /// What to do about a damaged row, in a sentence: the backup that has it sound and the command that fetches it, or that
-/// none has it.
+/// none has it, and what can be done then.
 QString Advice(const QString& folder, Kind kind, qint32 reference);
 
 /// Puts the texts into the row, in one transaction. dao::Error when that fails, 3197 and 3167 when somebody else

@@ -255,7 +255,26 @@ TEST_F(RecoverPrizeTest, WithoutDamageASoundBackupOrTheRightNothingIsChanged)
     EXPECT_EQ(OnStation("recover", prize + QStringList{QStringLiteral("--user"), QStringLiteral("Reader")}).Code, 77);
     Change(InBackup(Backup_), "Mug");
     EXPECT_EQ(OnStation("recover", prize).Problems, "tolva: No backup has prize 1 sound; nothing was changed.\n");
-    EXPECT_TRUE(OnStation("check").Problems.contains("No backup has it sound."));
+    EXPECT_TRUE(OnStation("check").Problems.contains("No backup has it sound. What is left of it is kept with: tolva "
+                                                     "recover " +
+                                                     Station().toUtf8() + " prize 1 --as-stored"));
+}
+
+TEST_F(RecoverPrizeTest, WhatIsLeftOfItIsTakenForRightOnDemand)
+{
+    Expect("prize", {QStringLiteral("edit"), QStringLiteral("1"), QStringLiteral("--notes"),
+                     QString::fromUtf8("caf\u00e9: song of Cafe \u2026")});
+    Change(File(), "Cafe");
+    Change(File(), "Ann");
+    const QStringList asStored{QStringLiteral("--as-stored")};
+    EXPECT_EQ(Expect("recover", QStringList{QStringLiteral("prize"), QStringLiteral("1")} + asStored),
+              "Prize 1 is taken as it stands: notes. Read it, and mend what is wrong.\n");
+    Expect("recover", QStringList{QStringLiteral("winner"), QStringLiteral("1")} + asStored);
+    EXPECT_EQ(Stored("Prizes", "Notes").toString(), QString::fromUtf8("caf\u00e9: Song of Cafe \u2026"));
+    EXPECT_EQ(Stored("PrizeWinners", "Notes").toString(), QStringLiteral("award: Song of Ann"));
+    EXPECT_EQ(OnStation("check").Code, 0);
+    EXPECT_EQ(OnStation("recover", QStringList{QStringLiteral("prize"), QStringLiteral("1")} + asStored).Code, 65);
+    EXPECT_EQ(OnStation("recover", QStringList{QStringLiteral("1")} + asStored).Code, 64);
 }
 
 TEST_F(RecoverPrizeTest, APrizeThatTookTheNumberOfAnotherIsNotTakenForIt)

@@ -20,6 +20,7 @@ using RowRecovery::Kind;
 
 const QString FromOption = QStringLiteral("from");
 const QString ForceOption = QStringLiteral("force");
+const QString AsStoredOption = QStringLiteral("as-stored");
 const QString JsonOption = QStringLiteral("json");
 
 /// Writing into a file whose pages do not hold together may take from other rows what is theirs.
@@ -115,6 +116,38 @@ RowRecovery::Source SourceOf(const Station& station, const Subject& subject, con
                             .arg(from, subject.Name()));
 }
 
+/// What is left in the station, which is taken for right.
+RowRecovery::Source LeftOf(const Station& station, const Subject& subject)
+{
+    const auto left =
+        station.Try([&] { return RowRecovery::AsStored(station.Folder(), subject.Of, subject.Reference); });
+    if (!left)
+        throw Failure(exitData, QStringLiteral("%1 is not damaged; nothing was changed.").arg(subject.NameInFront()));
+    return *left;
+}
+
+void RequireFitting(const Arguments& arguments, const Subject& subject)
+{
+    if (!arguments.Has(AsStoredOption))
+        return;
+    if (subject.Of == Kind::Message)
+        throw Failure(exitUsage, QStringLiteral("A mail is not taken as it stands: what is left of it can be exported, "
+                                                "and the message deleted. See: tolva recover --help"));
+    if (arguments.Has(FromOption) || arguments.Has(ForceOption))
+        throw Failure(exitUsage, QStringLiteral("--as-stored takes nothing from a backup, so that --from and --force "
+                                                "do not go with it. See: tolva recover --help"));
+}
+
+/// The words for the end.
+QString DoneWords(const Subject& subject, const RowRecovery::Source& source, const QString& texts)
+{
+    if (source.Backup.Name.isEmpty())
+        return QStringLiteral("%1 is taken as it stands: %2. Read it, and mend what is wrong.")
+            .arg(subject.NameInFront(), texts);
+    const QString what = subject.Of == Kind::Message ? QString() : QStringLiteral(": ") + texts;
+    return QStringLiteral("%1 is back from the backup \"%2\"%3.").arg(subject.NameInFront(), source.Backup.Name, what);
+}
+
 void Tell(const Subject& subject, const RowRecovery::Source& source, bool asJson)
 {
     QStringList texts;
@@ -129,19 +162,19 @@ void Tell(const Subject& subject, const RowRecovery::Source& source, bool asJson
         Terminal::PrintJson(result);
         return;
     }
-    const QString what =
-        subject.Of == Kind::Message ? QString() : QStringLiteral(": ") + texts.join(QStringLiteral(", "));
-    Terminal::PrintLine(
-        QStringLiteral("%1 is back from the backup \"%2\"%3.").arg(subject.NameInFront(), source.Backup.Name, what));
+    Terminal::PrintLine(DoneWords(subject, source, texts.join(QStringLiteral(", "))));
 }
 
 int Run(const Arguments& arguments)
 {
     const Subject subject = SubjectOf(arguments.Words());
+    RequireFitting(arguments, subject);
     Station station(arguments, Station::AutomaticBackups::Off);
     RequireRight(station, subject);
     RequireDamage(station, subject, arguments.Has(ForceOption));
-    const RowRecovery::Source source = SourceOf(station, subject, arguments.Value(FromOption));
+    const RowRecovery::Source source = arguments.Has(AsStoredOption)
+                                           ? LeftOf(station, subject)
+                                           : SourceOf(station, subject, arguments.Value(FromOption));
     RequireSoundStructure(station);
     station.Try([&] { RowRecovery::PutBack(station.Folder(), subject.Of, subject.Reference, source); });
     if (subject.Of == Kind::Message)
@@ -159,8 +192,8 @@ CommandDefinition RecoverCommand()
         QStringLiteral("recover"),
         QStringLiteral("Fetches one damaged message, prize or winner back from a backup."),
         {QStringLiteral("recover FOLDER REF [--from NAME] [--force] [--json]"),
-         QStringLiteral("recover FOLDER prize REF [--from NAME] [--force] [--json]"),
-         QStringLiteral("recover FOLDER winner WINNER [--from NAME] [--force] [--json]")},
+         QStringLiteral("recover FOLDER prize REF [--from NAME] [--force] [--as-stored] [--json]"),
+         QStringLiteral("recover FOLDER winner WINNER [--from NAME] [--force] [--as-stored] [--json]")},
         QStringLiteral(
             "The mail of message REF is taken from the newest backup that has it sound: the same number, received at\n"
             "the same moment from the same sender with the same subject. Its folder and flags stay as they are now.\n"
@@ -173,6 +206,7 @@ CommandDefinition RecoverCommand()
             "more of the station is damaged."),
         {{FromOption, QStringLiteral("NAME"), QStringLiteral("Takes it from this backup.")},
          {ForceOption, QString(), QStringLiteral("Replaces what is not damaged, too.")},
+         {AsStoredOption, QString(), QStringLiteral("Takes what is left of a prize or winner for right.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},
         QStringLiteral("tolva recover /srv/station 27"),

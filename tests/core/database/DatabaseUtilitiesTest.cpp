@@ -2,9 +2,12 @@
 
 // A database as a file: making, reading and compacting it.
 
+#include "common/PendingError.h"
 #include "core/support/StationTest.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "database/Leftovers.h"
 #include "platform/records/DBEngine.h"
+#include "support/FaultyFileSystem.h"
 #include "support/ScriptedFileDialog.h"
 
 #include <QDir>
@@ -45,6 +48,7 @@ protected:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(octets);
     }
+    QStringList AllFiles() const { return QDir(Folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
     QStringList Files() const { return QDir(Folder.path()).entryList(QDir::Files, QDir::Name); }
 };
 
@@ -264,4 +268,32 @@ TEST_F(DatabaseUtilitiesTest, WithoutANameTheDialogAsks)
     ASSERT_EQ(Validate(FileName()), 0);
     user.ExpectOpen(FileName());
     EXPECT_TRUE(CompactRepairDatabase(QString(), FileDialog::Create().get(), Folder.path(), true));
+}
+
+TEST_F(DatabaseUtilitiesTest, ACompactionOnADiskThatFailsAtAnyCallIsDoneWholeOrNotAtAll)
+{
+    ASSERT_EQ(Validate(FileName(), true, QStringLiteral("Before")), 0);
+    int failures = 0;
+    for (int number = 1;; ++number) {
+        PendingError failure;
+        QString kept;
+        FaultyFileSystem files;
+        files.FailAt(number, FileError::Full, FaultyFileSystem::Fault::Tears);
+        const bool isDone = CompactRepairDatabase(FileName(), nullptr, QString(), true, &failure, &kept);
+        if (files.Calls() < number) {
+            EXPECT_TRUE(isDone);
+            break;
+        }
+        SCOPED_TRACE(testing::Message() << number << ": " << files.NameOfCall(number).constData());
+        EXPECT_EQ(failure.Number() == 0, isDone);
+        EXPECT_EQ(QFile::exists(kept), isDone);
+        if (isDone)
+            QFile::remove(kept);
+        failures += isDone ? 0 : 1;
+        EXPECT_NO_THROW(dao::DBEngine::CheckDatabase(FileName()));
+        EXPECT_EQ(Read(FileName()).Description, QStringLiteral("Before"));
+        Leftovers::Remove(FileName()); // what could not be removed then
+        EXPECT_EQ(AllFiles(), QStringList(QStringLiteral("Tolva.mdb")));
+    }
+    EXPECT_GT(failures, 8);
 }
