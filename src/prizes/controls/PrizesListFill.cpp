@@ -3,7 +3,6 @@
 // The query of the prizes list, its filling, and keeping it in step with what other computers change.
 
 #include "common/ClockHelper.h"
-#include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/CategoryTreeView.h"
@@ -130,24 +129,15 @@ void uPrizesList::Fill(dao::Recordset& rows, int& rowToRestore, qint32 reference
         ShowRows(rowToRestore);
         ShowUnread(*lblUnread_, failures.Rows());
     });
-    // The query's own rows may fail as the prizes may: what was not read is counted.
-    PendingError failure;
-    int total = 0;
-    failure.Try([&] {
-        total = rows.RecordCount();
-        FillRows(rows, total, filled, rowToRestore, referenceToRestore, failures);
-    });
-    if (failure) {
-        failures.Take({failure.Number(), failure.Description()});
-        failures.TakeRest(std::max(0, total - filled - failures.Rows()));
-    }
+    FillRows(rows, filled, rowToRestore, referenceToRestore, failures);
 }
 
-void uPrizesList::FillRows(dao::Recordset& rows, int total, int& filled, int& rowToRestore, qint32 referenceToRestore,
+void uPrizesList::FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore,
                            ReadFailures& failures)
 {
     const QPointer<uPrizesList> self(this);
     const ReadTarget target = Target();
+    const int total = rows.RecordCount();
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (filled % RowsBetweenYields == 1) {
             picLoading_->SetDetail(

@@ -40,7 +40,7 @@ struct ListPanes;
 /// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Rows that could not be read are
 /// counted below the others and tried again at each tick. Otherwise events meet their errors
 /// by handing them to UserInterface::RunTimeError with the handler's name ("uPrizesList.…") as their source, and
-/// operations that a host calls show nothing of them.
+/// operations that a host calls throw nothing.
 class TOLVA_EXPORT uPrizesList : public QWidget
 {
     Q_OBJECT
@@ -152,7 +152,7 @@ private:
     // The query and the filling; PrizesListFill.cpp.
     std::unique_ptr<dao::Recordset> OpenQuery();
     void Fill(dao::Recordset& rows, int& rowToRestore, qint32 referenceToRestore, ReadFailures& failures);
-    void FillRows(dao::Recordset& rows, int total, int& filled, int& rowToRestore, qint32 referenceToRestore,
+    void FillRows(dao::Recordset& rows, int& filled, int& rowToRestore, qint32 referenceToRestore,
                   ReadFailures& failures);
     void ShowRows(int& rowToRestore);
     void RefreshAllRows();
