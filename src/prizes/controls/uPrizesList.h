@@ -43,7 +43,7 @@ struct ListPanes;
 /// A query that cannot be opened leaves the list as it was; DisplayFailed tells it. Rows that could not be read are
 /// counted below the others and tried again at each tick. Otherwise events meet their errors
 /// by handing them to UserInterface::RunTimeError with the handler's name ("uPrizesList.…") as their source, and
-/// operations that a host calls show nothing of them.
+/// operations that a host calls throw nothing.
 class TOLVA_EXPORT uPrizesList : public QWidget
 {
     Q_OBJECT

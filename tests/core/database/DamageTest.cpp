@@ -3,12 +3,14 @@
 // Damaged stations: what the library answers where it is told to answer, and which backup it offers.
 
 #include "common/FileHelper.h"
+#include "core/support/PatientUser.h"
 #include "core/support/StationTest.h"
 #include "database/BackupFolders.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "platform/records/DBEngine.h"
 
 #include <QFile>
+#include <QScopeGuard>
 
 using namespace dao;
 
@@ -193,5 +195,56 @@ TEST_F(DamageTest, AnyPageMayBeUnreadable)
                 QFile::remove(Folder.filePath(kept));
         }
     }
+}
+
+/// Raises only where it is told to: at the index of the settings, which stands on a page or two. Behind an open that
+/// went well everything answers, and no damaged mail passes for one that is gone.
+TEST_F(DamageTest, AStationAnyPageOfWhichIsDamagedOpensOrSaysWhyAndAnswers)
+{
+    Station->CloseTolvaDatabase();
+    const QByteArray whole = Read(FileName());
+    PatientUser patient;
+    UserInterface::SetCurrent(&patient);
+    const auto restore = qScopeGuard([this] { UserInterface::SetCurrent(&Ui); });
+    int opened = 0;
+    int refused = 0;
+    int raised = 0;
+    for (qsizetype page = 0; page < whole.size() / PageSize; ++page) {
+        for (const QByteArray& octets :
+             {WithPage(whole, page, QByteArray(PageSize, '\x5A')), WithPage(whole, page, QByteArray(PageSize, '\0')),
+              whole.left(page * PageSize)}) {
+            SCOPED_TRACE(page);
+            if (octets.isEmpty())
+                continue; // an empty file is an absent one, which the open makes
+            Write(FileName(), octets);
+            patient.Boxes.clear();
+            int answer = -1;
+            try {
+                answer = Station->OpenTolvaDatabase(Folder.path());
+                (answer == 0 ? opened : refused) += 1;
+            } catch (const Error& error) {
+                EXPECT_EQ(error.Number(), errFileDamaged) << qPrintable(error.Description());
+                ++raised;
+            }
+            const bool isAnswered = Station->LastErrorNumber() != 0 || !patient.Boxes.isEmpty();
+            EXPECT_TRUE(answer == 0 || answer == -1 || isAnswered) << answer;
+            for (const qint32 reference : std::as_const(References)) {
+                if (answer == 0 && !Station->GetMessage(reference)) {
+                    EXPECT_NE(Station->LastErrorNumber(), 0) << reference;
+                }
+            }
+            if (answer == 0 && !Station->GetMessages(QString())) {
+                EXPECT_NE(Station->LastErrorNumber(), 0);
+            }
+            EXPECT_EQ(Station->CloseTolvaDatabase(), 0);
+            for (const QString& kept : QDir(Folder.path()).entryList({QStringLiteral("*.BAK")}))
+                QFile::remove(Folder.filePath(kept));
+        }
+    }
+    EXPECT_GT(opened, 0);
+    EXPECT_GT(refused, 0);
+    EXPECT_LE(raised, 6) << "of " << opened + refused + raised;
+    Write(FileName(), whole);
+    EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
 }
 } // namespace

@@ -161,20 +161,24 @@ protected:
     void ExpectThatTheStationWorks();
 };
 
-std::vector<Operation> Operations()
+using T = FailingStation;
+using Run = std::function<bool()>;
+
+/// An operation that needs nothing but an open station.
+template <typename Work>
+auto Opened(Work work)
 {
-    using T = FailingStation;
-    using Run = std::function<bool()>;
-    const auto opened = [](auto work) {
-        return [work](T& t) -> Run { return [&t, work] { return work(t.Database()); }; };
-    };
+    return [work](T& t) -> Run { return [&t, work] { return work(t.Database()); }; };
+}
+
+std::vector<Operation> StationOperations()
+{
     return {
-        // The station.
-        {"Close", Border::AnswersByItself, opened([](cTolvaDatabase& d) { return d.CloseTolvaDatabase() == 0; })},
+        {"Close", Border::AnswersByItself, Opened([](cTolvaDatabase& d) { return d.CloseTolvaDatabase() == 0; })},
         {"Validate", Border::AnswersByItself,
          [](T& t) -> Run { return [&t] { return t.Database().ValidateTolvaDatabase(t.File()) == 0; }; }},
         {"LockingMode", Border::AnswersByItself,
-         opened([](cTolvaDatabase& d) { return d.DatabaseLockingMode() != LockingMode::Unknown; })},
+         Opened([](cTolvaDatabase& d) { return d.DatabaseLockingMode() != LockingMode::Unknown; })},
         {"ValidateFile", Border::AnswersByItself,
          [](T& t) -> Run {
              return [&t] {
@@ -194,24 +198,29 @@ std::vector<Operation> Operations()
              t.Database().CloseTolvaDatabase();
              return [&t] { return DAO_DatabaseFunctions::CompactRepairDatabase(t.File(), nullptr, QString(), true); };
          }},
-        // Settings.
-        {"ReadSettings", Border::Answers, opened([](cTolvaDatabase& d) { return d.ReadDatabaseSettings(); })},
-        {"WriteSettings", Border::AnswersByItself, opened([](cTolvaDatabase& d) { return d.WriteDatabaseSettings(); })},
-        {"Setting", Border::AnswersByItself, opened([](cTolvaDatabase& d) {
+    };
+}
+
+std::vector<Operation> SettingOperations()
+{
+    return {
+        {"ReadSettings", Border::Answers, Opened([](cTolvaDatabase& d) { return d.ReadDatabaseSettings(); })},
+        {"WriteSettings", Border::AnswersByItself, Opened([](cTolvaDatabase& d) { return d.WriteDatabaseSettings(); })},
+        {"Setting", Border::AnswersByItself, Opened([](cTolvaDatabase& d) {
              return d.DatabaseSetting(QStringLiteral("Station.Name"), QStringLiteral("x")) != QStringLiteral("y");
          })},
-        {"SetSetting", Border::AnswersByItself, opened([](cTolvaDatabase& d) {
+        {"SetSetting", Border::AnswersByItself, Opened([](cTolvaDatabase& d) {
              d.SetDatabaseSetting(QStringLiteral("Any"), QStringLiteral("value"), QString());
              d.SetDatabaseSetting(QStringLiteral("Any"), QString(), QString());
              return true;
          })},
-        {"Backups", Border::AnswersByItself, opened([](cTolvaDatabase& d) {
+        {"Backups", Border::AnswersByItself, Opened([](cTolvaDatabase& d) {
              d.SetEnableAutoBackup(!d.EnableAutoBackup());
              d.SetBackupInterval(d.BackupInterval() == 60 ? 1440 : 60);
              d.SetBackupExpiryDays(static_cast<qint16>(d.BackupExpiryDays() + 1));
              return true;
          })},
-        {"StationDetails", Border::AnswersByItself, opened([](cTolvaDatabase& d) {
+        {"StationDetails", Border::AnswersByItself, Opened([](cTolvaDatabase& d) {
              d.SetStationName(d.StationName() + QStringLiteral("!"));
              d.SetStationAddress(d.StationAddressString());
              d.SetStationCountry(d.StationCountry());
@@ -222,7 +231,12 @@ std::vector<Operation> Operations()
              t.TakeAnotherObject();
              return [&t] { return t.Database().BackupDatabase(true); };
          }},
-        // Messages.
+    };
+}
+
+std::vector<Operation> MessageOperations()
+{
+    return {
         {"GetMessage", Border::Answers,
          [](T& t) -> Run {
              return [&t, reference = t.NewMessage()] { return t.Database().GetMessage(reference) != nullptr; };
@@ -282,7 +296,7 @@ std::vector<Operation> Operations()
              t.NewMessage();
              return [&t] { return t.Database().DeleteMessagesOfCategory(tmcInbox); };
          }},
-        {"MessageStamp", Border::AnswersByItself, opened([](cTolvaDatabase& d) {
+        {"MessageStamp", Border::AnswersByItself, Opened([](cTolvaDatabase& d) {
              d.SetLastMessageChanged(d.LastMessageChanged());
              return true;
          })},
@@ -305,10 +319,15 @@ std::vector<Operation> Operations()
                              .isNull();
              };
          }},
-        // Folders.
+    };
+}
+
+std::vector<Operation> FolderOperations()
+{
+    return {
         {"GetFolder", Border::Raises,
-         opened([](cTolvaDatabase& d) { return d.GetMessageCategory(tmcInbox) != nullptr; })},
-        {"SaveFolder", Border::Raises, opened([](cTolvaDatabase& d) {
+         Opened([](cTolvaDatabase& d) { return d.GetMessageCategory(tmcInbox) != nullptr; })},
+        {"SaveFolder", Border::Raises, Opened([](cTolvaDatabase& d) {
              clsCategory folder;
              folder.SetDescription(QStringLiteral("Requests"));
              return d.SaveMessageCategory(folder, true);
@@ -317,13 +336,18 @@ std::vector<Operation> Operations()
          [](T& t) -> Run {
              return [&t, reference = t.NewFolder()] { return t.Database().DeleteMessageCategory(reference); };
          }},
-        {"FolderTree", Border::Raises, opened([](cTolvaDatabase& d) {
+        {"FolderTree", Border::Raises, Opened([](cTolvaDatabase& d) {
              d.UpdateCategoryTree();
              return !d.RefreshCategoryTree();
          })},
         {"LastFolder", Border::Raises,
-         opened([](cTolvaDatabase& d) { return d.LastMessageCategoryReference() >= tmcAutomatic; })},
-        // Prizes.
+         Opened([](cTolvaDatabase& d) { return d.LastMessageCategoryReference() >= tmcAutomatic; })},
+    };
+}
+
+std::vector<Operation> PrizeOperations()
+{
+    return {
         {"GetPrize", Border::Answers,
          [](T& t) -> Run {
              const cPrizePtr prize = t.NewPrize();
@@ -401,7 +425,7 @@ std::vector<Operation> Operations()
              t.NewWinner(t.NewPrize());
              return [&t] { return t.Database().GetNumberWinsForContact(11) >= 1; };
          }},
-        {"PrizeStamp", Border::AnswersByItself, opened([](cTolvaDatabase& d) {
+        {"PrizeStamp", Border::AnswersByItself, Opened([](cTolvaDatabase& d) {
              d.SetLastPrizeChanged(d.LastPrizeChanged());
              return true;
          })},
@@ -411,8 +435,17 @@ std::vector<Operation> Operations()
              return [&t] { return t.Database().LoadAvailableHoursHotlist(nullptr) == QStringLiteral("ABC"); };
          }},
         {"SaveHotlist", Border::Raises,
-         opened([](cTolvaDatabase& d) { return d.SaveAvailableHoursHotlist(QStringLiteral("A"), nullptr); })},
+         Opened([](cTolvaDatabase& d) { return d.SaveAvailableHoursHotlist(QStringLiteral("A"), nullptr); })},
     };
+}
+
+std::vector<Operation> Operations()
+{
+    std::vector<Operation> all;
+    for (const auto& part :
+         {StationOperations(), SettingOperations(), MessageOperations(), FolderOperations(), PrizeOperations()})
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
 }
 
 bool FailingAccessTest::RunWithFailure(const std::function<bool()>& operation, bool& isDone)
