@@ -47,7 +47,7 @@ public:
     {
         if (Opens_++ % 2 == 1)
             throw Error(errFileDamaged, QStringLiteral("It fell apart."));
-        return engine::EngineRegistry::Instance().Default().Open(Real_, QString(), false);
+        return engine::EngineRegistry::Instance().ForNewFiles(QString()).Open(Real_, QString(), false);
     }
     void Create(const QString&) override {}
     void Compact(const QString&, const QString&) override {}

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/query/CurrentRows.h"
+#include "platform/records/query/KeyCondition.h"
 #include "platform/records/query/QueryRun.h"
 #include "platform/records/query/StoredValues.h"
 
@@ -13,7 +14,7 @@ std::vector<ChangedRow> PlanChange(const BoundChange& change, const engine::Para
     CurrentRows current({change.Source.Table}, rows);
     const Evaluator evaluator(current, values);
     std::vector<ChangedRow> plan;
-    rows.ForEachRow(change.Source.Table, [&](const Row& row) {
+    ForEachCandidate(change.Source, change.Where, evaluator, rows, [&](const Row& row) {
         current.Set(0, &row);
         if (change.Where && !evaluator.Holds(*change.Where))
             return true;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "platform/records/query/Evaluator.h"
-#include "platform/records/query/TableRows.h"
+#include "platform/records/query/KeyCondition.h"
 
 #include <string>
 #include <unordered_map>
@@ -22,14 +21,12 @@ public:
     const std::vector<const Row*>& Candidates(const Evaluator& before) const;
 
 private:
-    void FindKey(const BoundExpression& condition, int number);
     void IndexRows(TableRows& rows);
 
     const BoundSource& Source_;
     std::vector<Row> Rows_;
     std::vector<const Row*> AllRows_; ///< Where the condition gives no key.
-    const BoundColumn* KeyColumn_ = nullptr;
-    const BoundExpression* KeyValue_ = nullptr;
+    KeyCondition Key_;
     std::unordered_map<std::string, std::vector<const Row*>> RowsByKey_;
 };
 

@@ -51,7 +51,7 @@ public:
     {
         if (Left_ == 0)
             return;
-        Rows_.ForEachRow(Select_.Sources.front().Table, [this](const Row& row) {
+        ForEachCandidate(Select_.Sources.front(), Select_.Where, Evaluator_, Rows_, [this](const Row& row) {
             Current_.Set(0, &row);
             Walk(1);
             return Left_ > 0;

@@ -2,7 +2,9 @@
 #include "platform/records/query/TableRows.h"
 
 #include "platform/records/TextCodec.h"
+#include "platform/records/query/StoredValues.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace dao::query
@@ -11,6 +13,26 @@ namespace dao::query
 namespace
 {
 constexpr int OrderOfEntry = -1;
+
+/// The index of that column alone: its rows of one value are in order of entry. -1 for none.
+int IndexOver(const engine::Table& table, int column)
+{
+    const std::vector<int> wanted{column};
+    const auto found = std::find_if(table.Indexes.begin(), table.Indexes.end(),
+                                    [&](const engine::IndexKey& index) { return index.Columns == wanted; });
+    return found == table.Indexes.end() ? -1 : static_cast<int>(found - table.Indexes.begin());
+}
+
+/// What a column of numbers holds that equals a number; none for a number that its type cannot hold.
+StoredValue KeyFor(const engine::Column& column, const StoredValue& number)
+{
+    try {
+        StoredValue held = AsHeldBy(column, number);
+        return CompareStored(held, number) == 0 ? held : StoredValue();
+    } catch (const Error&) {
+        return {};
+    }
+}
 } // namespace
 
 void StoreRows::ForEachRow(const engine::TablePtr& table, const Visitor& visit)
@@ -21,6 +43,25 @@ void StoreRows::ForEachRow(const engine::TablePtr& table, const Visitor& visit)
     bool isThere = Store_.ReadEnd(table, OrderOfEntry, Direction::Forward, MemoFetch::Deferred, row);
     while (isThere && visit(row))
         isThere = Store_.ReadNext(table, OrderOfEntry, Direction::Forward, MemoFetch::Deferred, row);
+}
+
+bool StoreRows::ForEachRowWith(const engine::TablePtr& table, int column, const StoredValue& value,
+                               const Visitor& visit)
+{
+    const int index = IndexOver(*table, column);
+    const engine::Column& definition = table->Columns[static_cast<std::size_t>(column)];
+    const bool isText = definition.Type == dbText || definition.Type == dbMemo;
+    if (index < 0 || isText != std::holds_alternative<QByteArray>(value))
+        return false;
+    const StoredValue key = isText ? value : KeyFor(definition, value);
+    Row row;
+    bool isThere = !IsNull(key) && Store_.Seek(table, index, SeekComparison::Equal, std::span(&key, 1),
+                                               engine::MemoFetch::Deferred, row);
+    while (isThere && visit(row)) {
+        isThere = Store_.ReadNext(table, index, engine::Direction::Forward, engine::MemoFetch::Deferred, row) &&
+                  CompareStored(ViewOf(RowReader::At(row.Cells.data(), column)), key) == 0;
+    }
+    return true;
 }
 
 StoredValue StoreRows::Memo(const engine::TablePtr& table, int column, qint64 id)

@@ -23,17 +23,26 @@ public:
 
     /// Each row in order of entry, its memos deferred or not. The row is gone when visit returns.
     virtual void ForEachRow(const engine::TablePtr& table, const Visitor& visit) = 0;
+    /// Each row whose column equals the value (not Null), in order of entry, and perhaps others. Answers false, having
+    /// visited none, when no index finds them.
+    virtual bool ForEachRowWith(const engine::TablePtr& /*table*/, int /*column*/, const StoredValue& /*value*/,
+                                const Visitor& /*visit*/)
+    {
+        return false;
+    }
     /// A memo that was deferred, as it stands; Null for Null.
     virtual StoredValue Memo(const engine::TablePtr& table, int column, qint64 id) = 0;
 };
 
-/// The same through the store's own access to rows.
+/// The same through the store's own access to rows, and its indexes of one column.
 class StoreRows final : public TableRows
 {
 public:
     explicit StoreRows(engine::Store& store) : Store_(store) {}
 
     void ForEachRow(const engine::TablePtr& table, const Visitor& visit) override;
+    bool ForEachRowWith(const engine::TablePtr& table, int column, const StoredValue& value,
+                        const Visitor& visit) override;
     StoredValue Memo(const engine::TablePtr& table, int column, qint64 id) override;
 
 private:

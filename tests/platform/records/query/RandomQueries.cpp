@@ -330,6 +330,18 @@ QString RandomQueries::Aggregates()
     return items.join(QStringLiteral(", "));
 }
 
+QString RandomQueries::Where(int depth)
+{
+    if (OneIn(6))
+        return QString();
+    const QString keyed = HasFirst_  ? QStringLiteral("Id = ") + Number(0)
+                          : OneIn(2) ? QStringLiteral("U.S = ") + Text(0)
+                                     : Number(0) + QStringLiteral(" = Ref");
+    if (OneIn(5))
+        return QStringLiteral(" WHERE ") + keyed + (OneIn(2) ? QString() : QStringLiteral(" AND ") + Number(1));
+    return QStringLiteral(" WHERE ") + Condition(depth);
+}
+
 RandomQueries::Select RandomQueries::MakeSelect()
 {
     Select select;
@@ -337,7 +349,7 @@ RandomQueries::Select RandomQueries::MakeSelect()
     IsTame_ = isAggregate;
     const QString source = Source();
     const QString items = isAggregate ? Aggregates() : Items();
-    const QString where = OneIn(5) ? QString() : QStringLiteral(" WHERE ") + Condition(3);
+    const QString where = Where(3);
     QStringList order;
     for (int count = Below(3); count > 0 && !isAggregate; --count)
         order.append(Anything(1) + (OneIn(2) ? QStringLiteral(" DESC") : QString()));
@@ -362,7 +374,7 @@ RandomQueries::Change RandomQueries::MakeChange()
     HasFirst_ = OneIn(2);
     HasSecond_ = !HasFirst_;
     const QString table = HasFirst_ ? QStringLiteral("T") : QStringLiteral("U");
-    const QString where = OneIn(8) ? QString() : QStringLiteral(" WHERE ") + Condition(2);
+    const QString where = Where(2);
     if (OneIn(4)) {
         change.Text = QStringLiteral("DELETE FROM ") + table + where;
         return change;

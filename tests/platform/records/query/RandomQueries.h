@@ -53,6 +53,7 @@ private:
     QString Items();
     QString Aggregates();
     QString Source();
+    QString Where(int depth);
 
     std::mt19937 Random_;
     bool HasFirst_ = true;  ///< What the query under way names behind FROM.
