@@ -2,10 +2,9 @@
 
 // Mails that are as large as no mail should be, selected in the window: it answers all the while.
 
-#include "AttachmentList.h"
+#include "LongestGap.h"
 #include "PreviewPane.h"
 #include "WindowTest.h"
-#include "platform/ProcessorTime.h"
 #include "platform/widgets/FlexGrid.h"
 
 #include <QLabel>
@@ -18,34 +17,6 @@ constexpr int FiftyMegabytes = 50'000'000;
 /// A tenth of a second is what is wanted; slow machines get more.
 constexpr std::chrono::milliseconds LongestWork(250);
 constexpr qint64 LongestWait = 2000;
-
-/// The longest time for which the event loop did not run: what this thread worked, so that a busy machine fails no
-/// test, and what passed.
-class LongestGap
-{
-public:
-    LongestGap()
-    {
-        Since_.start();
-        QObject::connect(&Timer_, &QTimer::timeout, &Timer_, [this] { Take(); });
-        Timer_.start(1);
-    }
-    void Take()
-    {
-        Passed = std::max(Passed, Since_.restart());
-        const auto now = ProcessorTime();
-        const auto work = std::chrono::duration_cast<std::chrono::milliseconds>(now - std::exchange(Begin_, now));
-        Worked = std::max(Worked, work);
-    }
-
-    qint64 Passed = 0; ///< Milliseconds.
-    std::chrono::milliseconds Worked{0};
-
-private:
-    QTimer Timer_;
-    QElapsedTimer Since_;
-    std::chrono::nanoseconds Begin_ = ProcessorTime();
-};
 
 class LargeMailTest : public WindowTest
 {
