@@ -2,7 +2,7 @@
 
 // Mails that are as large as no mail should be, selected in the window: it answers all the while.
 
-#include "AttachmentList.h"
+#include "LongestGap.h"
 #include "PreviewPane.h"
 #include "WindowTest.h"
 #include "platform/widgets/FlexGrid.h"
@@ -14,30 +14,9 @@
 namespace
 {
 constexpr int FiftyMegabytes = 50'000'000;
-
-/// The longest time for which the event loop did not run.
-class LongestGap
-{
-public:
-    LongestGap()
-    {
-        Since_.start();
-        QObject::connect(&Timer_, &QTimer::timeout, &Timer_, [this] { Take(); });
-        Timer_.start(1);
-    }
-    qint64 Milliseconds()
-    {
-        Take();
-        return Longest_;
-    }
-
-private:
-    void Take() { Longest_ = std::max(Longest_, Since_.restart()); }
-
-    QTimer Timer_;
-    QElapsedTimer Since_;
-    qint64 Longest_ = 0;
-};
+/// A tenth of a second is what is wanted; slow machines get more.
+constexpr std::chrono::milliseconds LongestWork(250);
+constexpr qint64 LongestWait = 2000;
 
 class LargeMailTest : public WindowTest
 {
@@ -76,24 +55,23 @@ protected:
         ASSERT_TRUE(WaitUntil([&] { return isOnShow(large); }, 60'000));
         Window->grab();
         QCoreApplication::processEvents();
-        Gap = gap.Milliseconds();
-        RecordProperty("LongestGapInMilliseconds", static_cast<int>(Gap));
+        gap.Take();
+        RecordProperty("LongestGapInMilliseconds", static_cast<int>(gap.Passed));
+        RecordProperty("LongestWorkInMilliseconds", static_cast<int>(gap.Worked.count()));
+        EXPECT_LT(gap.Worked, LongestWork);
+        EXPECT_LT(gap.Passed, LongestWait) << "it waits for something";
     }
     QString Text() const { return Pane->findChild<QTextBrowser*>()->toPlainText(); }
     QString Notice() const { return Pane->findChild<QLabel*>(QStringLiteral("lblNotice"))->text(); }
 
     PreviewPane* Pane = nullptr;
-    qint64 Gap = 0;
 };
 
-/// A tenth of a second is promised; a busy machine gets more.
-constexpr qint64 LongestWait = 250;
 } // namespace
 
 TEST_F(LargeMailTest, ATextOfFiftyMegabytesInOneLineNeverHoldsTheWindow)
 {
     Show("From: a@example.org\r\nSubject: Text\r\n\r\n" + Repeated("some words ") + "\r\n");
-    EXPECT_LT(Gap, LongestWait);
     EXPECT_TRUE(Text().startsWith(QStringLiteral("some words")));
     EXPECT_TRUE(Notice().contains(QStringLiteral("very long (more than"))) << Notice().toStdString();
 }
@@ -102,7 +80,6 @@ TEST_F(LargeMailTest, APageOfFiftyMegabytesNeverHoldsTheWindow)
 {
     Show("From: a@example.org\r\nSubject: Page\r\nContent-Type: text/html\r\n\r\n" +
          Repeated("<p>some <b>words</b> and <a href=\"https://example.org\">a link</a></p>\r\n"));
-    EXPECT_LT(Gap, LongestWait);
     EXPECT_TRUE(Text().startsWith(QStringLiteral("some words")));
     EXPECT_TRUE(Notice().contains(QStringLiteral("very long (more than"))) << Notice().toStdString();
 }
@@ -110,14 +87,12 @@ TEST_F(LargeMailTest, APageOfFiftyMegabytesNeverHoldsTheWindow)
 TEST_F(LargeMailTest, ASubjectOfFiftyMegabytesNeverHoldsTheWindow)
 {
     Show("From: a@example.org\r\nSubject: " + Repeated("some words ") + "\r\n\r\nthe text\r\n");
-    EXPECT_LT(Gap, LongestWait);
     EXPECT_EQ(Text().trimmed(), QStringLiteral("the text"));
 }
 
 TEST_F(LargeMailTest, AHundredThousandAttachmentsNeverHoldTheWindowAndTheFirstAreListed)
 {
     Show(WithAttachments(100'000));
-    EXPECT_LT(Gap, LongestWait);
     EXPECT_EQ(Text().trimmed(), QStringLiteral("the text"));
     EXPECT_EQ(Notice(), QString()) << "the text is whole";
     const auto* list = Pane->findChild<QTreeWidget*>(QStringLiteral("attachmentsList"));

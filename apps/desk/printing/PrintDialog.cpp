@@ -119,8 +119,8 @@ bool PrintDialog::Prepare()
     const bool hasWorked = Run([&] {
         if (Job_.Message) {
             Subject_ = cdo::HeaderBeginning(*Job_.Message->CDOMessage(), "Subject", LongestName);
-            isWhole = Messages_.Add(Job_.Message);
-            return;
+            isWhole = true;
+            return TakeSingle(*Job_.Message);
         }
         const BusyPointer busy;
         const auto progress = IsOfMany() ? UserInterface::Current().Progress(tr("Reading messages")) : nullptr;
@@ -131,23 +131,33 @@ bool PrintDialog::Prepare()
             const cMessagePtr message = Station_.Database().ReadMessage(reference);
             if (!message)
                 continue; // deleted meanwhile
-            if (!Messages_.Add(message))
+            if (!IsOfMany())
+                TakeSingle(*message);
+            else if (!Messages_->Add(message))
                 throw Failure(exitData, tr("These are more messages than can be printed at once (32,767). Choose a "
                                            "folder with fewer, or find some of them."));
             Subject_ = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestName);
         }
-        if (Messages_.Count() == 0)
+        Withheld_ = Messages_->CountWithheld();
+        if (CountMessages() == 0)
             throw Failure(exitData, tr("There is no message to print."));
         isWhole = true;
     });
     return hasWorked && isWhole;
 }
 
+/// A copy, since the message's own windows go on with it.
+void PrintDialog::TakeSingle(const cMessage& message)
+{
+    Single_ = message.Copy();
+    Single_->SetReference(message.Reference());
+}
+
 void PrintDialog::Fill()
 {
     if (!HasContent())
         return;
-    Filled_.reset();
+    Filled_ = nullptr;
     Document_.reset();
     Pages_.reset();
     Sheet_->SetPages(nullptr);
@@ -173,7 +183,22 @@ void PrintDialog::FillPage()
     options.UnreadIsBold = Bold_->isChecked();
     options.PendingIsItalic = Italic_->isChecked();
     options.PageEach = PageEach_->isChecked();
-    Filled_ = Messages_.FilledTemplate(pageTemplate, options);
+    // A list's template shows the busy pointer, which is this thread's alone.
+    const bool isList = pageTemplate.Text.contains(QStringLiteral("<ZRT_MESSAGES_"));
+    if (Single_ && !isList) {
+        Filled_ = [messages = Messages_, single = Single_, pageTemplate, options] {
+            if (messages->Count() == 0)
+                messages->Add(single);
+            return messages->FilledTemplate(pageTemplate, options);
+        };
+        return;
+    }
+    if (Single_) {
+        // Those before may be in use.
+        Messages_ = std::make_shared<PagePrinting::PreparedMessages>();
+        Messages_->Add(Single_);
+    }
+    Filled_ = [page = Messages_->FilledTemplate(pageTemplate, options)] { return page; };
 }
 
 PaperSetup PrintDialog::Paper() const
@@ -195,7 +220,7 @@ void PrintDialog::LayOut()
     QThreadPool::globalInstance()->start([document = Document_, filled = Filled_, setup = Paper(), isWanted = IsWanted_,
                                           dialog = QPointer<PrintDialog>(this), home = thread()]() mutable {
         if (!document)
-            document = std::make_shared<SafeDocument>(MakeDocumentSafe(*filled));
+            document = std::make_shared<SafeDocument>(MakeDocumentSafe(filled()));
         LayoutLimits limits;
         limits.IsWanted = [isWanted] { return isWanted->load(); };
         auto pages = std::make_shared<PrintedPages>(*document, setup, limits);
@@ -214,7 +239,8 @@ void PrintDialog::TakePages(const std::shared_ptr<const SafeDocument>& document,
     if (std::exchange(MustLayOutAgain_, false))
         return LayOut();
     Document_ = document;
-    Filled_.reset();
+    Filled_ = nullptr;
+    Withheld_ = Messages_->CountWithheld();
     Pages_ = pages;
     Sheet_->SetPages(Pages_);
     UpdateParts();
@@ -224,7 +250,8 @@ QString PrintDialog::ContentWords() const
 {
     if (IsOfPrize())
         return tr("1 prize");
-    return Messages_.Count() == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(Messages_.Count()));
+    const int count = CountMessages();
+    return count == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(count));
 }
 
 void PrintDialog::UpdateParts()
@@ -244,7 +271,7 @@ void PrintDialog::UpdateParts()
         Count_->setText(tr("%1 on %2").arg(ContentWords(), pageWords));
     else
         Count_->setText(IsLayingOut_ || !HasContent() ? tr("The pages are being laid out...") : QString());
-    QString note = PagePrinting::WithheldWords(Messages_.CountWithheld());
+    QString note = PagePrinting::WithheldWords(Withheld_);
     if (Document_ && Document_->IsTextOnly)
         note = IsOfPrize()
                    ? tr("This prize is too large to be laid out; the pages hold its text alone.")
@@ -313,7 +340,7 @@ void PrintDialog::Print()
 
 QString PrintDialog::FileName() const
 {
-    const bool isOfOne = IsOfPrize() || Messages_.Count() == 1;
+    const bool isOfOne = IsOfPrize() || CountMessages() == 1;
     const QString name = isOfOne && !Subject_.trimmed().isEmpty() ? Subject_ : Template_->currentText();
     return FileNames::Cleaned(name + QStringLiteral(".pdf"));
 }

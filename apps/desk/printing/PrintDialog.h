@@ -8,6 +8,7 @@
 #include <QDialog>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -65,13 +66,15 @@ private:
     bool IsOfMany() const;
     bool IsOfPrize() const { return Job_.Prize.has_value(); }
     PagePrinting::TemplateKind Kind() const;
-    bool HasContent() const { return IsOfPrize() || Messages_.Count() > 0; }
+    bool HasContent() const { return IsOfPrize() || CountMessages() > 0; }
+    int CountMessages() const { return Single_ ? 1 : Messages_->Count(); }
     QString ContentWords() const;
     void FillPage();
     QString TemplateState() const;
     void Remember();
     void Start();
     bool Prepare();
+    void TakeSingle(const cMessage& message);
     void Fill();
     void LayOut();
     void TakePages(const std::shared_ptr<const SafeDocument>& document, const std::shared_ptr<PrintedPages>& pages);
@@ -84,9 +87,13 @@ private:
     DeskStation& Station_;
     DeskSettings& Settings_;
     PrintJob Job_;
-    PagePrinting::PreparedMessages Messages_;
+    /// A layout that runs has them for itself if there is a single one, which is prepared there: a large mail takes
+    /// seconds.
+    std::shared_ptr<PagePrinting::PreparedMessages> Messages_ = std::make_shared<PagePrinting::PreparedMessages>();
+    cMessagePtr Single_;
+    int Withheld_ = 0;                             ///< Messages of whose content something was left out.
     QString Subject_;                              ///< Of a single message; a prize's title.
-    std::optional<QString> Filled_;                ///< The filled template, until it has been made safe.
+    std::function<QString()> Filled_;              ///< The filled template, until it has been made safe.
     std::shared_ptr<const SafeDocument> Document_; ///< Null until then.
     /// False ends the layout that runs.
     std::shared_ptr<std::atomic_bool> IsWanted_ = std::make_shared<std::atomic_bool>(true);

@@ -32,8 +32,8 @@ constexpr double PointsPerInch = 72;
 constexpr double LargestShrink = 2.5;
 constexpr qsizetype LongestParagraph = 5000;
 constexpr qint64 MostPixelsOnPage = 8 * PictureReader::MostPixels;
-/// Of the page's source; reading so much takes about a second and cannot be stopped.
-constexpr qsizetype LongestRichText = 8'000'000;
+/// Of the page's source; reading and dividing so much takes up to three seconds and cannot be stopped.
+constexpr qsizetype LongestRichText = 2'500'000;
 /// About what laying out takes on a slow machine; a guess that only decides what is not begun any more.
 constexpr std::chrono::nanoseconds TimePerCharacterOfTable(500);
 

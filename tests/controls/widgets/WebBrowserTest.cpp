@@ -252,6 +252,9 @@ TEST_F(WebBrowserTest, ABombShowsItsTextInBoundedTime)
     QElapsedTimer timer;
     timer.start();
     Pane.ShowHTML(QStringLiteral("<div>").repeated(200'000) + QStringLiteral("the end"));
+    EXPECT_EQ(Notice(), QStringLiteral("This message is very long (976.6 kB); the beginning is shown. This page is "
+                                       "built in an unusual way; only its text is shown."));
+    Click("cmdShowAll");
     EXPECT_EQ(Notice(), QStringLiteral("This page is built in an unusual way; only its text is shown."));
     EXPECT_TRUE(Text().contains(QStringLiteral("the end")));
     Pane.ShowHTML(QStringLiteral("<table><tr><td>").repeated(12) + QStringLiteral("word ").repeated(20'000));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "printing/PrintDialog.h"
 
+#include "LongestGap.h"
 #include "MessageWindow.h"
 #include "WindowTest.h"
 #include "platform/widgets/FlexGrid.h"
@@ -259,6 +260,33 @@ TEST_F(PrintDialogTest, ClosingWhilePagesAreLaidOutIsSafe)
     Dialog.reset();
     QThreadPool::globalInstance()->waitForDone();
     QCoreApplication::processEvents();
+}
+
+TEST_F(PrintDialogTest, TheWindowAnswersWhileALargeMailIsLaidOutAndClosesAtOnce)
+{
+    const QByteArray page = "From: a@example.org\r\nSubject: x\r\nContent-Type: text/html\r\n\r\n<table><tr><td>" +
+                            QByteArray("some <b>words</b> in a cell\r\n").repeated(6'000'000 / 28);
+    const QByteArray text = Mail("Long", QByteArray("A line of a long text.\r\n").repeated(6'000'000 / 24));
+    for (const QByteArray& mail : {page, text}) {
+        const qint32 reference = FileMail(mail);
+        LongestGap gap;
+        Dialog = std::make_unique<PrintDialog>(Station, *Settings, PrintJob{{reference}, nullptr});
+        Dialog->show();
+        ASSERT_TRUE(WaitUntil([this] { return Words("count") == QStringLiteral("The pages are being laid out..."); }));
+        for (int i = 0; i < 20; ++i)
+            QTest::qWait(5);
+        EXPECT_FALSE(Dialog->IsLaidOut()) << "there is something to stop";
+        QElapsedTimer closing;
+        closing.start();
+        Click("close");
+        EXPECT_FALSE(Dialog->isVisible());
+        Dialog.reset();
+        EXPECT_LT(closing.elapsed(), 100);
+        gap.Take();
+        RecordProperty("LongestWorkInMilliseconds", static_cast<int>(gap.Worked.count()));
+        EXPECT_LT(gap.Worked, std::chrono::milliseconds(250));
+        QThreadPool::globalInstance()->waitForDone();
+    }
 }
 
 TEST_F(PrintDialogTest, TheMainWindowPrintsTheSelectedMessageAndAllOnShow)
