@@ -16,11 +16,6 @@ double PeakOf(const QList<QByteArray>& arguments)
     return static_cast<double>(RunProgram(TOLVA_PROGRAM, arguments).ru_maxrss) / 1024.0;
 }
 
-void MakeStationIn(const QByteArray& folder)
-{
-    RunProgram(TOLVA_PROGRAM, {"init", folder, "--name", "Bench FM", "--phone", "01632 960100"});
-}
-
 /// A mail of 5 KB.
 QByteArray MailOfMaildir(int i)
 {

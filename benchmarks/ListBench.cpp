@@ -242,6 +242,7 @@ void BenchListing(const QString& folder, const QString& largeStation, int large)
     BenchFill(largeStation, large, std::string(), shown);
     {
         const QString mixedStation = folder + QStringLiteral("-mixed");
+        MakeStationIn(QFile::encodeName(mixedStation));
         MakeMixedStation(mixedStation, Mixed);
         ShownList mixed(mixedStation);
         mixed.Tick();

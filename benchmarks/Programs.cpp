@@ -63,6 +63,11 @@ void RunOnTerminal(const QByteArray& program, const QList<QByteArray>& arguments
     WaitFor(child);
 }
 
+void MakeStationIn(const QByteArray& folder)
+{
+    RunProgram(TOLVA_PROGRAM, {"init", folder, "--name", "Bench FM", "--phone", "01632 960100"});
+}
+
 QByteArray FindProgram(const QByteArray& name, const char* whatIsNotCompared)
 {
     const QByteArray path = QFile::encodeName(QStandardPaths::findExecutable(QString::fromLatin1(name)));

@@ -52,7 +52,7 @@ QString FormatPiece(QChar letter, qsizetype length, const QDateTime& moment, boo
         if (length == 6)
             return locale.toString(date, QLocale::LongFormat);
         if (length == 5)
-            return locale.toString(date, LocaleDates::ShortDateFormat(locale));
+            return LocaleDates::ShortDate(date, locale);
         if (length > 2)
             return locale.dayName(date.dayOfWeek(), length == 3 ? QLocale::ShortFormat : QLocale::LongFormat);
         return Padded(date.day(), width);
@@ -120,7 +120,7 @@ QString Date::GeneralDate() const
         return {};
     const QLocale locale;
     const QDateTime moment = Moment(DayNumber_, Qt::UTC); // no zone: every time of day exists
-    const QString date = locale.toString(moment.date(), LocaleDates::ShortDateFormat(locale));
+    const QString date = LocaleDates::ShortDate(moment.date(), locale);
     if (moment.time().msecsSinceStartOfDay() < 1000)
         return date;
     return date + u' ' + locale.toString(moment.time(), LocaleDates::LongTimeFormat(locale));

@@ -315,9 +315,7 @@ std::optional<LocaleDates::Moment> Reader::Read(const QString& plain) const
         return LocaleDates::Moment{QDate(), *time};
     return std::nullopt;
 }
-} // namespace
-
-QString LocaleDates::ShortDateFormat(const QLocale& locale)
+QString MakeShortDateFormat(const QLocale& locale)
 {
     QList<FormatToken> tokens = Tokens(locale.dateFormat(QLocale::ShortFormat));
     for (FormatToken& token : tokens) {
@@ -327,7 +325,7 @@ QString LocaleDates::ShortDateFormat(const QLocale& locale)
     return FormatOf(tokens);
 }
 
-QString LocaleDates::LongTimeFormat(const QLocale& locale)
+QString MakeLongTimeFormat(const QLocale& locale)
 {
     static const QString brackets = QStringLiteral("()[] ");
     QList<FormatToken> tokens = Tokens(locale.timeFormat(QLocale::LongFormat));
@@ -342,6 +340,51 @@ QString LocaleDates::LongTimeFormat(const QLocale& locale)
         break;
     }
     return FormatOf(tokens);
+}
+
+/// Both take long to make, and a list asks for them with each of its rows.
+struct DateFormats
+{
+    explicit DateFormats(const QLocale& locale)
+        : Locale(locale), ShortDate(MakeShortDateFormat(locale)), LongTime(MakeLongTimeFormat(locale))
+    {
+    }
+
+    QLocale Locale;
+    QString ShortDate;
+    QString LongTime;
+    // The day that was written last: lists are sorted by it.
+    QDate Day;
+    QString DayText;
+};
+
+DateFormats& FormatsOf(const QLocale& locale)
+{
+    thread_local std::optional<DateFormats> formats;
+    if (!formats || formats->Locale != locale)
+        formats.emplace(locale);
+    return *formats;
+}
+} // namespace
+
+QString LocaleDates::ShortDateFormat(const QLocale& locale)
+{
+    return FormatsOf(locale).ShortDate;
+}
+
+QString LocaleDates::LongTimeFormat(const QLocale& locale)
+{
+    return FormatsOf(locale).LongTime;
+}
+
+QString LocaleDates::ShortDate(QDate date, const QLocale& locale)
+{
+    DateFormats& formats = FormatsOf(locale);
+    if (formats.Day != date) {
+        formats.Day = date;
+        formats.DayText = locale.toString(date, formats.ShortDate);
+    }
+    return formats.DayText;
 }
 
 std::optional<LocaleDates::Moment> LocaleDates::Parse(const QString& text, const QLocale& locale)

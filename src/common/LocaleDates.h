@@ -21,6 +21,8 @@ struct Moment
 /// The locale's short date in Qt's format letters, with the year always in four digits: what is stored as text is
 /// read back in every century.
 QString ShortDateFormat(const QLocale& locale);
+/// A date in that format.
+QString ShortDate(QDate date, const QLocale& locale);
 /// The locale's long time in Qt's format letters without the name of the time zone.
 QString LongTimeFormat(const QLocale& locale);
 

@@ -3,7 +3,15 @@
 
 #include "database/cTolvaDatabase.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QPointer>
+
+namespace
+{
+/// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
+constexpr qint64 ClockStepMilliseconds = 2500;
+} // namespace
 
 void StationWatch::Poll(const QObject& asker)
 {
@@ -40,7 +48,19 @@ void StationWatch::RefreshFolders()
 {
     if (Seen_ && Seen_->AreFoldersLoaded)
         return;
-    Station_.RefreshCategoryTree();
+    const QFileInfo file(Station_.Information().Path);
+    const FileLook look{file.lastModified().toMSecsSinceEpoch(), file.size()};
+    if (look != Look_ || LookOfOpening_ != Station_.Openings()) {
+        Look_ = look;
+        LookOfOpening_ = Station_.Openings();
+        SinceLook_.start();
+        AreFoldersCertain_ = false;
+    }
+    if (!AreFoldersCertain_) {
+        const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
+        Station_.RefreshCategoryTree();
+        AreFoldersCertain_ = isOld;
+    }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;
 }

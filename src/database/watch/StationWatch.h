@@ -4,6 +4,7 @@
 #include "common/Date.h"
 #include "platform/Export.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 #include <optional>
@@ -28,8 +29,8 @@ public:
     /// never kept, for the first listener gives the station a stamp then.
     Date MessageStamp();
     Date PrizeStamp();
-    /// Loads the tree of folders where the stored one differs from it, once while a poll is told. dao::Error when it
-    /// cannot be read.
+    /// Loads the tree of folders where the stored one differs from it, once while a poll is told, and not while nobody
+    /// writes to the file. dao::Error when it cannot be read.
     void RefreshFolders();
 
 Q_SIGNALS:
@@ -44,9 +45,22 @@ private:
         bool AreFoldersLoaded = false;
     };
 
+    /// What the file's entry in its folder says: nothing was written to it as long as both are the same.
+    struct FileLook
+    {
+        qint64 Modified = 0; ///< Milliseconds.
+        qint64 Size = 0;
+
+        friend bool operator==(const FileLook&, const FileLook&) = default;
+    };
+
     template <typename Read>
     Date StampOf(std::optional<Date> Seen::*kept, Read&& read);
 
     cTolvaDatabase& Station_;
     std::optional<Seen> Seen_; ///< While a poll is told.
+    FileLook Look_;            ///< As the folders were loaded last.
+    int LookOfOpening_ = 0;
+    QElapsedTimer SinceLook_;        ///< That the file looks so.
+    bool AreFoldersCertain_ = false; ///< Loaded when the file had looked so for a while.
 };

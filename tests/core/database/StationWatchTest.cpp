@@ -7,6 +7,9 @@
 #include "common/ClockHelper.h"
 #include "core/support/StationTest.h"
 
+#include <QDeadlineTimer>
+#include <QThread>
+
 class StationWatchTest : public StationTest
 {
 protected:
@@ -93,6 +96,30 @@ TEST_F(StationWatchTest, FoldersAreLoadedOnceInAPollAndAgainInTheNext)
     Watch().Poll(Listener);
     Watch().Poll(Listener);
     EXPECT_EQ(isThere, QList<bool>({false, true}));
+}
+
+TEST_F(StationWatchTest, FoldersAreNotReadWhileNobodyWritesAndAreBehindAWrite)
+{
+    // A tree in memory that differs from the stored one is loaded anew, as long as the file is read.
+    const QString other = QStringLiteral("Not stored");
+    clsCategory* const inbox = Station->MessageCategories().FindCategory(tmcInbox);
+    ASSERT_NE(inbox, nullptr);
+    const auto isRead = [&] {
+        Station->MessageCategories().FindCategory(tmcInbox)->SetDescription(other);
+        Watch().RefreshFolders();
+        return Station->MessageCategories().FindCategory(tmcInbox)->Description() != other;
+    };
+    EXPECT_TRUE(isRead());
+    const QDeadlineTimer deadline(20'000);
+    while (isRead() && !deadline.hasExpired())
+        QThread::msleep(20);
+    ASSERT_FALSE(deadline.hasExpired());
+    EXPECT_FALSE(isRead());
+    clsCategory folder;
+    folder.SetDescription(QStringLiteral("Requests"));
+    EXPECT_TRUE(Other.SaveMessageCategory(folder));
+    EXPECT_TRUE(isRead());
+    EXPECT_NE(Station->MessageCategories().FindCategory(folder.Reference()), nullptr);
 }
 
 TEST_F(StationWatchTest, APollWithinAPollLeavesNothingOldBehind)
