@@ -181,7 +181,7 @@ TEST(PrintedPagesTest, APageIsLaidOutOnceForASize)
         QStringLiteral("<table>") + QStringLiteral("<tr><td>a<td>cell with some more words<td>c").repeated(1500));
     auto bare = std::chrono::nanoseconds::max();
     auto pages = bare;
-    for (int round = 0; round < 3; ++round) {
+    for (int round = 0; round < 5; ++round) {
         bare = std::min(bare, TimeOf([&] {
                             QTextDocument once;
                             once.setPageSize({680, 1000});
@@ -192,6 +192,7 @@ TEST(PrintedPagesTest, APageIsLaidOutOnceForASize)
                         }));
         pages = std::min(pages, TimeOf([&] { EXPECT_GT(PrintedPages(document, {}).PageCount(), 1); }));
     }
+    RecordProperty("TimesTheBareLayoutInPercent", static_cast<int>(pages * 100 / bare));
     EXPECT_LT(pages, bare * 3 / 2);
 }
 
