@@ -175,7 +175,6 @@ void uPrizesList::FillRows(dao::Recordset& rows, int total, int& filled, RowsRea
 {
     const QPointer<uPrizesList> self(this);
     const ReadTarget target = Target();
-    const int total = rows.RecordCount();
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (filled % RowsBetweenYields == 1) {
             picLoading_->SetDetail(
