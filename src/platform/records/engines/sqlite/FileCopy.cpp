@@ -70,6 +70,7 @@ struct Range
 std::vector<Range> RangesOf(const std::vector<ChangeRecord>& records)
 {
     std::vector<Range> ranges;
+    ranges.reserve(records.size());
     for (const ChangeRecord& record : records)
         ranges.push_back({record.Offset, record.Size});
     std::sort(ranges.begin(), ranges.end(), [](const Range& a, const Range& b) { return a.Offset < b.Offset; });
