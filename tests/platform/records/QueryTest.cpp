@@ -223,6 +223,64 @@ TEST_P(Query, UpdateQueriesRefuseWhatDoesNotFit)
               QStringLiteral("1,2,3,4,5,6"));
 }
 
+TEST_P(Query, NothingIsStoredThatItsFieldCannotHold)
+{
+    for (const char* change : {"[Sum]=1E308*10", "[Sum]=-1E308*10", "[Sent]=1E9", "[Rate]=1E39"}) {
+        EXPECT_EQ(ErrorNumberOf(
+                      [&] { Db().Execute(QStringLiteral("UPDATE [Messages] SET ") + QString::fromLatin1(change)); }),
+                  errOverflow)
+            << change;
+    }
+    EXPECT_EQ(References(*Open(QStringLiteral("SELECT * FROM [Messages] WHERE [Sum] IS NULL AND [Sent] IS NULL"))),
+              QStringLiteral("1,2,3,4,5,6"));
+}
+
+TEST_P(Query, ACounterIsNotSetUnderAQualifiedName)
+{
+    for (const char* name : {"Reference", "Messages.Reference", "[Messages.Reference]"}) {
+        EXPECT_EQ(ErrorNumberOf([&] {
+                      Db().Execute(
+                          QStringLiteral("UPDATE Messages SET %1=9 WHERE Reference=1").arg(QString::fromLatin1(name)));
+                  }),
+                  errNotSupported)
+            << name;
+    }
+}
+
+TEST_P(Query, ASumThatIsTooLargeIsAnOverflow)
+{
+    EXPECT_EQ(
+        ErrorNumberOf([&] { Open(QStringLiteral("SELECT SUM(9223372036854775807) FROM Messages"), dbOpenSnapshot); }),
+        errOverflow);
+}
+
+TEST_P(Query, AJoinFindsTextsWhoseSpellingTakesAnotherNumberOfOctets)
+{
+    std::vector<std::unique_ptr<Field>> fields;
+    fields.push_back(MakeField(QStringLiteral("Word"), dbText));
+    AddTable(Db(), QStringLiteral("Words"), std::move(fields));
+    const auto words = OpenTable(QStringLiteral("Words"));
+    for (int i = 0; i < 40; ++i) {
+        words->AddNew();
+        words->SetCollect(QStringLiteral("Word"), i == 30 ? QStringLiteral("300 k") : QString::number(i));
+        words->Update();
+    }
+    AddMessage(QStringLiteral("300 ") + QChar(0x212A)); // The Kelvin sign, which is a K.
+    const auto rows = Open(QStringLiteral("SELECT Reference FROM Messages INNER JOIN Words ON Subject = Word"));
+    EXPECT_EQ(References(*rows), QStringLiteral("7"));
+}
+
+TEST_P(Query, AParameterIsConvertedBeforeTheFirstRow)
+{
+    Db().Execute(QStringLiteral("DELETE FROM Messages"));
+    const auto query = Db().CreateQueryDef(QString(), QStringLiteral("SELECT * FROM Messages WHERE Category IN (1, "
+                                                                     "[p]) OR [p] BETWEEN 1 AND Category"));
+    query->Parameters().Item(0).SetValue(QStringLiteral("some"));
+    EXPECT_EQ(ErrorNumberOf([&] { query->OpenRecordset(); }), errDataTypeConversion);
+    query->Parameters().Item(0).SetValue(QStringLiteral(" 5 "));
+    EXPECT_EQ(query->OpenRecordset()->RecordCount(), 0);
+}
+
 TEST_P(Query, ErrorsOfTheText)
 {
     EXPECT_EQ(ErrorNumberOf([&] { Open(QStringLiteral("Absent")); }), errTableNotFound);

@@ -108,6 +108,8 @@ std::optional<bool> IsLike(const jetsql::LikePattern& pattern, const StoredValue
 {
     if (IsNull(text))
         return std::nullopt;
+    if (!IsNumber(text))
+        return pattern.MatchesUtf8(TextIn(text));
     const StoredValue asText = AsText(text);
     return pattern.MatchesUtf8(TextIn(asText));
 }

@@ -191,6 +191,7 @@ TEST_P(QueryAgreement, TheEngineSelectsTheRowsAndRaisesTheErrorsOfTheEvaluator)
 {
     int failed = 0;
     int withRows = 0;
+    int tooComplex = 0;
     for (int round = 0; round < SelectRounds && !HasFailure(); ++round) {
         const RandomQueries::Select made = Random_.MakeSelect();
         const engine::ParameterValues parameters = Random_.MakeParameters();
@@ -216,8 +217,10 @@ TEST_P(QueryAgreement, TheEngineSelectsTheRowsAndRaisesTheErrorsOfTheEvaluator)
             std::sort(selected.Rows.begin(), selected.Rows.end());
         }
         // An expression may be too much for an engine that hands it on to a database.
-        if (selected.Error == errSyntax && evaluated.Error == 0)
+        if (selected.Error == errSyntax && evaluated.Error == 0) {
+            ++tooComplex;
             continue;
+        }
         SCOPED_TRACE(testing::Message() << "seed " << Seed_ << " round " << round << '\n'
                                         << made.Text.toStdString() << "\nevaluated: " << Shown(evaluated, columns)
                                         << "selected: " << Shown(selected, columns));
@@ -242,6 +245,7 @@ TEST_P(QueryAgreement, TheEngineSelectsTheRowsAndRaisesTheErrorsOfTheEvaluator)
     // A generator that makes nothing but errors, or none, would prove nothing.
     EXPECT_GT(withRows, SelectRounds / 4);
     EXPECT_GT(failed, SelectRounds / 50);
+    EXPECT_LT(tooComplex, SelectRounds / 50);
 }
 
 TEST_P(QueryAgreement, TheEngineChangesTheRowsThatTheEvaluatorPlans)
@@ -257,8 +261,6 @@ TEST_P(QueryAgreement, TheEngineChangesTheRowsThatTheEvaluatorPlans)
             return query::ApplyChange(bound, query::PlanChange(bound, parameters, *Rows_), *Store_);
         });
         const Outcome executed = Tried([&] { return Store_->Execute(statement, parameters); });
-        if (executed.Error == errSyntax && planned.Error == 0)
-            continue;
         SCOPED_TRACE(testing::Message() << "seed " << Seed_ << " round " << round << '\n'
                                         << made.Text.toStdString() << "\nplanned: " << Shown(planned, 0)
                                         << "executed: " << Shown(executed, 0));
