@@ -246,6 +246,8 @@ TEST_F(PolledListsTest, AListThatWasJustToldBeginsItsIntervalAnew)
     OpenStation();
     AttachBoth();
     Messages.SetAutoUpdateInterval(60);
+    MessagesTimer().setTimerType(Qt::PreciseTimer); // coarse ones are rounded by up to a second
+    MessagesTimer().start();
     ASSERT_TRUE(QTest::qWaitFor([this] { return MessagesTimer().remainingTime() <= 59'900; }));
     const int before = MessagesTimer().remainingTime();
     int behind = 0;

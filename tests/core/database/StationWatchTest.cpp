@@ -102,8 +102,7 @@ TEST_F(StationWatchTest, FoldersAreNotReadWhileNobodyWritesAndAreBehindAWrite)
 {
     // A tree in memory that differs from the stored one is loaded anew, as long as the file is read.
     const QString other = QStringLiteral("Not stored");
-    clsCategory* const inbox = Station->MessageCategories().FindCategory(tmcInbox);
-    ASSERT_NE(inbox, nullptr);
+    ASSERT_NE(Station->MessageCategories().FindCategory(tmcInbox), nullptr);
     const auto isRead = [&] {
         Station->MessageCategories().FindCategory(tmcInbox)->SetDescription(other);
         Watch().RefreshFolders();
