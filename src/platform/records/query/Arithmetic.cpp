@@ -98,7 +98,7 @@ StoredValue Concatenation(const StoredValue& left, const StoredValue& right)
     const std::string_view first = TextIn(leftText);
     const std::string_view second = TextIn(rightText);
     QByteArray joined;
-    joined.reserve(static_cast<qsizetype>(first.size() + second.size()));
+    joined.reserve(static_cast<qsizetype>(first.size()) + static_cast<qsizetype>(second.size()));
     joined.append(first.data(), static_cast<qsizetype>(first.size()));
     joined.append(second.data(), static_cast<qsizetype>(second.size()));
     return joined;

@@ -8,7 +8,6 @@
 #include "platform/records/query/StoredValues.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iostream>
 
 using namespace dao;
@@ -97,14 +96,10 @@ std::string Shown(const Outcome& outcome, std::size_t columns)
     return shown;
 }
 
-/// Equal but for the last digits of what a sum rounds, and for which of several spellings a MAX of texts names.
+/// Equal but for which of several spellings a MAX of texts names.
 bool AreAlike(const CellView& left, const CellView& right)
 {
-    if (left.CellKind != right.CellKind)
-        return false;
-    if (left.CellKind == CellView::Kind::Real && std::isfinite(left.Real))
-        return std::abs(left.Real - right.Real) <= 1e-12 * std::max(std::abs(left.Real), std::abs(right.Real));
-    return query::CompareStored(query::ViewOf(left), query::ViewOf(right)) == 0;
+    return left.CellKind == right.CellKind && query::CompareStored(query::ViewOf(left), query::ViewOf(right)) == 0;
 }
 
 /// A store with two tables of random rows, and the same rows for the evaluator.

@@ -133,7 +133,7 @@ QString RandomQueries::NumberLiteral()
 QString RandomQueries::Number(int depth)
 {
     static const QStringList operators = {QStringLiteral(" + "), QStringLiteral(" - "), QStringLiteral(" * "),
-                                          QStringLiteral(" / "), QStringLiteral(" MOD ")};
+                                          QStringLiteral(" MOD "), QStringLiteral(" / ")};
     switch (Below(depth <= 0 ? 6 : 10)) {
     case 0:
         return NumberLiteral();
@@ -145,8 +145,11 @@ QString RandomQueries::Number(int depth)
         return u'(' + Condition(depth - 2) + u')';
     case 8:
     case 9:
-        return u'(' + Number(depth - 1) + OneOf(operators) + Number(depth - 1) + u')';
+        return u'(' + Number(depth - 1) + operators.at(Below(IsTame_ ? 4 : 5)) + Number(depth - 1) + u')';
     default:
+        if (IsTame_)
+            return Column({QStringLiteral("Id"), QStringLiteral("N"), QStringLiteral("L"), QStringLiteral("B")},
+                          {QStringLiteral("Key"), QStringLiteral("Ref")});
         return Column(
             {QStringLiteral("Id"), QStringLiteral("N"), QStringLiteral("L"), QStringLiteral("D"), QStringLiteral("B")},
             {QStringLiteral("Key"), QStringLiteral("Ref"), QStringLiteral("R")});
@@ -317,7 +320,9 @@ QString RandomQueries::Aggregates()
             items.append(QStringLiteral("COUNT(*)"));
             break;
         case 1:
+            IsTame_ = true;
             items.append(QStringLiteral("SUM(%1)").arg(Number(2)));
+            IsTame_ = false;
             break;
         case 2:
             items.append(QStringLiteral("COUNT(%1)").arg(Anything(2)));
@@ -346,7 +351,6 @@ RandomQueries::Select RandomQueries::MakeSelect()
 {
     Select select;
     const bool isAggregate = OneIn(5);
-    IsTame_ = isAggregate;
     const QString source = Source();
     const QString items = isAggregate ? Aggregates() : Items();
     const QString where = Where(3);
@@ -360,7 +364,6 @@ RandomQueries::Select RandomQueries::MakeSelect()
         if (HasSecond_)
             order.append(QStringLiteral("Key DESC"));
     }
-    IsTame_ = false;
     const QString top = select.IsOrdered && OneIn(4) ? QStringLiteral("TOP %1 ").arg(Below(9)) : QString();
     select.Text = QStringLiteral("SELECT ") + top + items + QStringLiteral(" FROM ") + source + where;
     if (!order.isEmpty())

@@ -58,5 +58,5 @@ private:
     std::mt19937 Random_;
     bool HasFirst_ = true;  ///< What the query under way names behind FROM.
     bool HasSecond_ = true; ///< Either or both.
-    bool IsTame_ = false;   ///< Whether numbers have to stay where the order of a sum does not matter.
+    bool IsTame_ = false;   ///< Whether numbers have to be such that a sum is exact in any order.
 };
