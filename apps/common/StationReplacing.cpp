@@ -116,8 +116,8 @@ StationReplacing::Result StationReplacing::Restore(const QString& folder, const 
     result.SizeBefore = FileHelper::FileSize(file);
     const QString keepName = PutInPlace(folder, file, copy);
     // What was put back was read whole before. Others may have filed into it already, so that it is not compared.
-    result.After = CountsAfter(
-        file, QStringLiteral("The restored station cannot be read. The old file is kept as %1."), keepName);
+    result.After =
+        CountsAfter(file, QStringLiteral("The restored station cannot be read. The old file is kept as %1."), keepName);
     result.SizeAfter = FileHelper::FileSize(file);
     result.KeepName = KeptName(keepName);
     return result;
