@@ -118,7 +118,8 @@ private:
 class Faulty final : public Engine
 {
 public:
-    QString Name() const override { return QStringLiteral("faulty"); }
+    /// The real one's, for it is asked for by that name.
+    QString Name() const override { return Real_->Name(); }
     Capability Capabilities() const override { return Real_->Capabilities(); }
     bool IsAvailable(QString& reason) const override { return Real_->IsAvailable(reason); }
     bool RecognisesFile(const QByteArray& firstOctets) const override { return Real_->RecognisesFile(firstOctets); }
@@ -187,7 +188,7 @@ FaultyEngine::FaultyEngine()
 FaultyEngine::~FaultyEngine()
 {
     EngineRegistry& registry = EngineRegistry::Instance();
-    registry.Unregister(QStringLiteral("faulty"));
+    registry.Unregister(sqlite::MakeSqliteEngine()->Name());
     registry.Register(sqlite::MakeSqliteEngine());
     state = {};
 }
