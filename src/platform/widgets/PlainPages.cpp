@@ -2,8 +2,8 @@
 #include "platform/widgets/PlainPages.h"
 
 #include <QFont>
-#include <QFontMetricsF>
 #include <QPainter>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -52,6 +52,14 @@ qsizetype EndOfLine(const QString& text, qsizetype begin, int columns)
     }
     return text.size();
 }
+
+QTextOption LeftInOneLine()
+{
+    QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
+    option.setTextDirection(Qt::LeftToRight);
+    option.setWrapMode(QTextOption::NoWrap);
+    return option;
+}
 } // namespace
 
 PlainPages::PlainPages(const QString& text, const QSizeF& size)
@@ -75,7 +83,6 @@ void PlainPages::PaintPage(QPainter& painter, int page, double dotsPerMillimetre
     painter.save();
     painter.setFont(font);
     painter.setPen(Qt::black);
-    const QFontMetricsF metrics(font, painter.device());
     const double room = Size_.width() * dotsPerMillimetre;
     const qsizetype first = page * LinesOnPage_;
     const qsizetype last = std::min(first + LinesOnPage_, Begins_.size());
@@ -86,12 +93,17 @@ void PlainPages::PaintPage(QPainter& painter, int page, double dotsPerMillimetre
             words.chop(1);
         if (words.isEmpty())
             continue;
-        const double width = metrics.horizontalAdvance(words);
+        // Shaped once, to measure it and to draw it: that is what costs time with many scripts.
+        QTextLayout layout(words, font, painter.device());
+        layout.setTextOption(LeftInOneLine());
+        layout.beginLayout();
+        QTextLine whole = layout.createLine();
+        layout.endLayout();
         painter.save();
-        painter.translate(0, static_cast<double>(line - first) * LineHeight * dotsPerMillimetre + metrics.ascent());
-        if (width > room)
-            painter.scale(room / width, 1);
-        painter.drawText(QPointF(0, 0), words);
+        painter.translate(0, static_cast<double>(line - first) * LineHeight * dotsPerMillimetre);
+        if (whole.naturalTextWidth() > room)
+            painter.scale(room / whole.naturalTextWidth(), 1);
+        layout.draw(&painter, QPointF(0, 0));
         painter.restore();
     }
     painter.restore();
