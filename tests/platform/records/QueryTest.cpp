@@ -270,6 +270,25 @@ TEST_P(Query, AJoinFindsTextsWhoseSpellingTakesAnotherNumberOfOctets)
     EXPECT_EQ(References(*rows), QStringLiteral("7"));
 }
 
+TEST_P(Query, AJoinFindsTextsOfAListWhoseSpellingTakesAnotherNumberOfOctets)
+{
+    std::vector<std::unique_ptr<Field>> fields;
+    fields.push_back(MakeField(QStringLiteral("Word"), dbText));
+    AddTable(Db(), QStringLiteral("Words"), std::move(fields));
+    const auto words = OpenTable(QStringLiteral("Words"));
+    for (int i = 0; i < 40; ++i) {
+        words->AddNew();
+        words->SetCollect(QStringLiteral("Word"),
+                          i == 30 ? QStringLiteral("300 ") + QChar(0x212A) : QString::number(i));
+        words->Update();
+    }
+    const auto all = Open(QStringLiteral("SELECT Reference FROM Messages"));
+    const auto rows =
+        Open(QStringLiteral("SELECT Reference FROM Messages LEFT JOIN Words ON Word IN ('300 k') WHERE Word >= '3'"));
+    EXPECT_GT(all->RecordCount(), 0);
+    EXPECT_EQ(rows->RecordCount(), all->RecordCount());
+}
+
 TEST_P(Query, AParameterIsConvertedBeforeTheFirstRow)
 {
     Db().Execute(QStringLiteral("DELETE FROM Messages"));

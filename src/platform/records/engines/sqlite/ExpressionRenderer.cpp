@@ -281,12 +281,13 @@ Piece ExpressionRenderer::RenderBetween(const Operands& operands, const char* wo
 
 Piece ExpressionRenderer::RenderIn(const Operands& operands, const char* word)
 {
-    const Piece value = Value(operands[0]);
+    // With one candidate SQLite takes it for a comparison.
+    const Piece value = ComparedValue(operands[0], Operator::Equal);
     Piece result;
     Adopt(result, value, 1);
     result.Text = '(' + Collated(value.Text, operands[0].Type) + ' ' + word + " (";
     for (std::size_t i = 1; i < operands.size(); ++i) {
-        const Piece candidate = Value(operands[i]);
+        const Piece candidate = ComparedValue(operands[i], Operator::Equal);
         if (i > 1)
             result.Text += ", ";
         result.Text += candidate.Text;
