@@ -236,18 +236,22 @@ bool ListView::SelectKey(const QString& key)
     QTreeWidgetItem* item = Items_.value(key);
     if (item == nullptr && !key.isEmpty())
         return false;
+    // Told when it is done: whoever hears of it may fill the list anew, and the item would be gone in the middle.
+    IsSelecting_ = true;
     setCurrentItem(item);
     if (item != nullptr)
         scrollToItem(item);
     else
         clearSelection();
+    IsSelecting_ = false;
+    TellSelection();
     return true;
 }
 
 void ListView::TellSelection()
 {
     const QString key = SelectedKey();
-    if (key == ToldKey_)
+    if (IsSelecting_ || key == ToldKey_)
         return;
     ToldKey_ = key;
     Q_EMIT SelectedKeyChanged(key);

@@ -78,5 +78,6 @@ private:
 
     QStringList ColumnKeys_;
     QString ToldKey_;
+    bool IsSelecting_ = false; ///< SelectKey is at work.
     QHash<QString, QTreeWidgetItem*> Items_;
 };
