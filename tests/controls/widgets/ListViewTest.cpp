@@ -182,6 +182,38 @@ TEST_F(ListViewTest, AClickSelectsAndIsTold)
     EXPECT_EQ(List.SelectedKey(), QStringLiteral("c")) << "the empty space below changes nothing";
 }
 
+/// Scrolling to the entry is the last that is done with it: whoever hears of it may fill the list anew.
+TEST_F(ListViewTest, SelectingByKeyIsToldWhenItIsDone)
+{
+    for (int i = 0; i < 100; ++i)
+        List.AddItem(QString::number(i), {QString::number(i)});
+    Show();
+    bool isSeen = false;
+    QObject::connect(&List, &ListView::SelectedKeyChanged, &List,
+                     [&](const QString& key) { isSeen = List.viewport()->rect().contains(Centre(key.toInt())); });
+    List.SelectKey(QStringLiteral("90"));
+    EXPECT_TRUE(isSeen);
+}
+
+TEST_F(ListViewTest, WhoeverHearsOfASelectionMayFillTheListAnew)
+{
+    AddThree();
+    Show();
+    int times = 0;
+    QObject::connect(&List, &ListView::SelectedKeyChanged, &List, [&](const QString& key) {
+        if (key.isEmpty())
+            return;
+        ++times;
+        List.Clear();
+        AddThree();
+    });
+    Click(1);
+    EXPECT_TRUE(List.SelectKey(QStringLiteral("b")));
+    QTest::keyClick(&List, Qt::Key_End);
+    EXPECT_GE(times, 2);
+    EXPECT_EQ(List.Keys(), (QStringList{QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("a")}));
+}
+
 TEST_F(ListViewTest, ADoubleClickActivates)
 {
     AddThree();
