@@ -174,11 +174,13 @@ QString DeskStation::Name() const
 QString DeskStation::MarkAsRead(qint32 reference)
 {
     try {
-        const cMessagePtr message = Database_.ReadMessage(reference);
+        // Not the message, whose mail may be large.
+        const auto row = Database_.OpenMessageRows({QStringLiteral("Flags"), QStringLiteral("PersonalToContact")},
+                                                   QStringLiteral("[Reference]=%1").arg(reference));
         const clsKVUser* user = Directory_.CurrentUser();
-        if (!message || !user || (message->Flags() & mfRead) != 0)
+        if (row->AtEOF() || !user || (row->Collect(QStringLiteral("Flags")).toInt() & mfRead) != 0)
             return QString();
-        const bool isOwn = message->PersonalToContact() == user->Reference();
+        const bool isOwn = row->Collect(QStringLiteral("PersonalToContact")).toInt() == user->Reference();
         if (!(isOwn ? user->CanEditPersonalMessages() : user->CanEditMessages()))
             return QString();
         if (Database_.ChangeMessageFlags(reference, mfRead, 0) || Database_.LastErrorNumber() == 0)

@@ -89,9 +89,21 @@ struct KeyColumn
     QString Addresses;
 };
 
+/// The addresses of a field as far as a key can hold them and far beyond; never half an address.
+QString Addresses(const cdo::MessageReader& reader, const char* field)
+{
+    constexpr qsizetype LongestList = 100'000;
+    bool isWhole = true;
+    const QString list = reader.Header(field, LongestList, &isWhole);
+    return isWhole ? list : list.left(qMax(list.lastIndexOf(u','), qsizetype{0}));
+}
+
 QList<KeyColumn> KeyColumns(const cdo::Message& mail)
 {
-    return {{Column::FromKey, mail.From()}, {Column::ToKey, mail.To()}, {Column::CcKey, mail.CC()}};
+    const cdo::MessageReader reader(mail);
+    return {{Column::FromKey, Addresses(reader, "From")},
+            {Column::ToKey, Addresses(reader, "To")},
+            {Column::CcKey, Addresses(reader, "Cc")}};
 }
 
 /// The key as it fits into its column.

@@ -3,6 +3,7 @@
 // The message operations of cTolvaDatabase: fetching, saving, copying, moving, deleting, and the change stamp.
 
 #include "common/PendingError.h"
+#include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
@@ -244,6 +245,7 @@ bool cTolvaDatabase::CopyMessage(qint32 reference, enTolvaMessageCategories newC
 
 bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newCategory)
 {
+    const BusyPointer busy;
     const cMessagePtr message = MessageForChange(reference, newCategory);
     if (!message)
         return false;
@@ -269,6 +271,7 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
 
 bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
 {
+    const BusyPointer busy;
     KeepLastError(PendingError());
     if (Location().isEmpty() || reference <= 0)
         return false;
@@ -297,6 +300,7 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
 
 bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear)
 {
+    const BusyPointer busy; // a row holds its mail, however large
     KeepLastError(PendingError());
     if (Location().isEmpty() || reference <= 0)
         return false;

@@ -63,6 +63,28 @@ TEST_F(ShowTest, JsonHoldsBodiesAndAttachments)
     EXPECT_EQ(attachment.value(QStringLiteral("size")).toInt(), 3);
 }
 
+TEST_F(ShowTest, WhatIsCutIsSaid)
+{
+    QByteArray mail = "From: a@example.org\r\nTo: " + QByteArray("somebody <b@example.org>, ").repeated(10'000) +
+                      "last@example.org\r\nSubject: Files\r\nMIME-Version: 1.0\r\n"
+                      "Content-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n\r\nhello\r\n";
+    for (int i = 0; i < 3000; ++i)
+        mail += "--b\r\nContent-Type: application/pdf; name=a" + QByteArray::number(i) + ".pdf\r\n\r\ncontent\r\n";
+    const QString one = FileMail(mail + "--b--\r\n");
+    const QJsonObject shown = QJsonDocument::fromJson(Expect("show", {one, QStringLiteral("--json")})).object();
+    EXPECT_EQ(shown.value(u"shortened").toArray(), (QJsonArray{QStringLiteral("to"), QStringLiteral("attachments")}));
+    EXPECT_EQ(shown.value(u"to").toString().size(), 100'000);
+    EXPECT_EQ(shown.value(u"text").toString(), QStringLiteral("hello"));
+    const qsizetype listed = shown.value(u"attachments").toArray().size();
+    EXPECT_GT(listed, 900);
+    EXPECT_LT(listed, 1100);
+
+    const QByteArray plain = Expect("show", {one});
+    EXPECT_TRUE(plain.contains(" [It goes on.]\n")) << plain.left(500).constData();
+    EXPECT_TRUE(plain.contains("[There are more. All of them: tolva export FOLDER 1 FILE]\n"));
+    EXPECT_EQ(Expect("show", {one, QStringLiteral("--raw")}), mail + "--b--\r\n");
+}
+
 TEST_F(ShowTest, EveryOddMailShowsInAllForms)
 {
     OnStation("file", {QStringLiteral(TOLVA_TEST_DATA "/mail")});
@@ -124,6 +146,9 @@ TEST_F(ShowTest, AMailOfAHundredMegabytesIsShownAndExportedInThreeTimesItsRoom)
                   "Content-Type: application/pdf; name=a.pdf\r\nContent-Transfer-Encoding: base64\r\n\r\n",
          coded + "\r\n"},
         {"From: a@example.org\r\nSubject: ", "word "},
+        {"From: a@example.org\r\nSubject: Many\r\nTo: ", "somebody <b@example.org>, "},
+        {header + "MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n\r\nhello\r\n",
+         "--b\r\nContent-Type: application/pdf; name=a.pdf\r\n\r\ncontent\r\n"},
     };
     const QString path = Path(QStringLiteral("large.eml"));
     for (const auto& [begin, rest] : mails) {
@@ -140,6 +165,9 @@ TEST_F(ShowTest, AMailOfAHundredMegabytesIsShownAndExportedInThreeTimesItsRoom)
         const QString reference = QString::number(Messages().size());
         const QString registry = Path(QStringLiteral("Tolva.ini"));
         EXPECT_LT(PeakOf({QStringLiteral("show"), Station(), reference}, registry), 3 * Size + Base)
+            << begin.constData();
+        EXPECT_LT(PeakOf({QStringLiteral("show"), Station(), reference, QStringLiteral("--json")}, registry),
+                  3 * Size + Base)
             << begin.constData();
         EXPECT_LT(PeakOf({QStringLiteral("export"), Station(), reference, Path(QStringLiteral("out.eml")),
                           QStringLiteral("--force")},

@@ -24,12 +24,25 @@ const QString RawOption = QStringLiteral("raw");
 const QString JsonOption = QStringLiteral("json");
 constexpr qsizetype MostBlanks = 1000;
 constexpr qsizetype LongestPage = 4'000'000;
+/// Of a mail of more parts the first are shown.
+constexpr int MostParts = 1000;
+/// Characters of a field in JSON.
+constexpr qsizetype LongestField = 100'000;
+/// Characters of a field in the plain form.
+constexpr qsizetype LongestLine = 10'000;
 const QString DateFormat = QStringLiteral("ddd dd mmm yyyy hh:nn:ss");
 
 void PrintField(const QString& name, const QString& value)
 {
     if (!value.isEmpty())
         Terminal::PrintLine(QStringLiteral("%1 %2").arg((name + u':').leftJustified(12), OneLine(value)));
+}
+
+void PrintHeader(const cdo::MessageReader& reader, const char* name)
+{
+    bool isWhole = true;
+    const QString value = reader.Header(name, LongestLine, &isWhole);
+    PrintField(QLatin1String(name), isWhole ? value : value + QStringLiteral(" [It goes on.]"));
 }
 
 QString FlagWords(const cMessage& message)
@@ -105,28 +118,31 @@ void PrintBody(cdo::MessageReader& reader, qint32 reference)
 void PrintPlain(Station& station, const cMessage& message)
 {
     const cdo::Message& mail = *message.CDOMessage();
-    cdo::MessageReader reader(mail);
+    cdo::MessageReader reader(mail, MostParts);
     PrintField(QStringLiteral("Message"), QString::number(message.Reference()));
     PrintField(QStringLiteral("Folder"), FolderPath(FolderPaths(station.Folders()), message.Category()));
     PrintField(QStringLiteral("Flags"), FlagWords(message));
-    PrintField(QStringLiteral("From"), reader.Header("From"));
-    PrintField(QStringLiteral("To"), reader.Header("To"));
-    PrintField(QStringLiteral("Cc"), reader.Header("Cc"));
-    PrintField(QStringLiteral("Reply-To"), reader.Header("Reply-To"));
-    PrintField(QStringLiteral("Subject"), reader.Header("Subject"));
+    for (const char* name : {"From", "To", "Cc", "Reply-To", "Subject"})
+        PrintHeader(reader, name);
     PrintField(QStringLiteral("Sent"), message.Sent().Format(DateFormat));
     PrintField(QStringLiteral("Received"), message.Received().Format(DateFormat));
-    const QList<cdo::Attachment> attachments = mail.Attachments();
+    const QList<cdo::Attachment> attachments = reader.Files();
     for (const cdo::Attachment& attachment : attachments)
         PrintField(QStringLiteral("Attachment"), AttachmentWords(attachment));
+    if (reader.HasMoreParts()) {
+        PrintField(QStringLiteral("Attachment"), QStringLiteral("[There are more. All of them: tolva export FOLDER %1 "
+                                                                "FILE]")
+                                                     .arg(message.Reference()));
+    }
     Terminal::PrintLine(QString());
     PrintBody(reader, message.Reference());
 }
 
-QJsonArray JsonAttachments(const cdo::Message& mail)
+QJsonArray JsonAttachments(cdo::MessageReader& reader)
 {
     QJsonArray array;
-    const QList<cdo::Attachment> attachments = mail.Attachments();
+    bool isWhole = true;
+    const QList<cdo::Attachment> attachments = reader.Files(reader.HtmlBeginning(LongestPage, &isWhole));
     for (const cdo::Attachment& attachment : attachments) {
         array.append(QJsonObject{{QStringLiteral("name"), attachment.FileName},
                                  {QStringLiteral("type"), attachment.ContentType},
@@ -145,20 +161,29 @@ void PrintJsonPiece(const QString& piece)
     Terminal::PrintOctets(HarmlessText::Json(array.sliced(Frame, array.size() - 2 * Frame)));
 }
 
-/// The bodies are printed as they are decoded, so that one of megabytes takes no room.
+/// The bodies are printed as they are decoded, so that one of megabytes takes no room; fields and attachments beyond
+/// any use are cut, which "shortened" names.
 void PrintJson(Station& station, const cMessage& message)
 {
-    const cdo::Message& mail = *message.CDOMessage();
+    cdo::MessageReader reader(*message.CDOMessage(), MostParts);
+    QJsonArray shortened;
+    const auto header = [&](const char* name, const QString& member) {
+        bool isWhole = true;
+        QString value = reader.Header(name, LongestField, &isWhole);
+        if (!isWhole)
+            shortened.append(member);
+        return std::pair<QString, QJsonValue>(member, value);
+    };
     const auto date = [](Date local) { return JsonDate(ClockHelper::LocalToUTC(local)); };
-    const QJsonObject object{
+    QJsonObject object{
         {QStringLiteral("reference"), message.Reference()},
         {QStringLiteral("category"), FolderPath(FolderPaths(station.Folders()), message.Category())},
-        {QStringLiteral("from"), mail.From()},
-        {QStringLiteral("to"), mail.To()},
-        {QStringLiteral("cc"), mail.CC()},
-        {QStringLiteral("replyTo"), mail.ReplyTo()},
-        {QStringLiteral("subject"), mail.Subject()},
-        {QStringLiteral("messageId"), mail.MessageID()},
+        header("From", QStringLiteral("from")),
+        header("To", QStringLiteral("to")),
+        header("Cc", QStringLiteral("cc")),
+        header("Reply-To", QStringLiteral("replyTo")),
+        header("Subject", QStringLiteral("subject")),
+        header("Message-ID", QStringLiteral("messageId")),
         {QStringLiteral("sent"), date(message.Sent())},
         {QStringLiteral("received"), date(message.Received())},
         {QStringLiteral("sendAfter"), date(message.SendAfter())},
@@ -168,9 +193,11 @@ void PrintJson(Station& station, const cMessage& message)
         {QStringLiteral("priority"), message.Priority()},
         {QStringLiteral("personalToContact"), message.PersonalToContact()},
         {QStringLiteral("damaged"), message.IsDamaged()},
-        {QStringLiteral("attachments"), JsonAttachments(mail)},
+        {QStringLiteral("attachments"), JsonAttachments(reader)},
     };
-    cdo::MessageReader reader(mail);
+    if (reader.HasMoreParts())
+        shortened.append(QStringLiteral("attachments"));
+    object.insert(QStringLiteral("shortened"), shortened);
     QByteArray members = HarmlessText::Json(QJsonDocument(object).toJson(QJsonDocument::Compact));
     members.chop(1); // its closing bracket
     Terminal::PrintOctets(members + ",\"html\":\"");

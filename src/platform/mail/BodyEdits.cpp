@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/mail/BodyEdits.h"
 
+#include "platform/Ascii.h"
 #include "platform/mail/CharacterSets.h"
 #include "platform/mail/MimeWriter.h"
 
@@ -30,11 +31,6 @@ QByteArray SplicedPart(const QByteArray& octets, qsizetype begin, qsizetype end,
 {
     const bool isAtBoundary = end < octets.size() && octets.at(end) != '\r' && octets.at(end) != '\n';
     return Spliced(octets, begin, end, isAtBoundary ? replacement + LineBreakOf(octets) : replacement);
-}
-
-bool IsAscii(QByteArrayView octets)
-{
-    return std::all_of(octets.begin(), octets.end(), [](char c) { return static_cast<uchar>(c) < 0x80; });
 }
 
 bool IsSevenBit(const BodyPart& part)

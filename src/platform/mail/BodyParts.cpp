@@ -3,6 +3,8 @@
 
 #include "platform/mail/HeaderText.h"
 
+#include <QUrl>
+
 #include <algorithm>
 
 namespace cdo
@@ -417,6 +419,17 @@ qint64 DecodedSize(QByteArrayView octets, const BodyPart& part)
         size += std::count_if(piece.begin(), piece.end(), IsBase64Digit) * 6 / 8;
     });
     return size;
+}
+
+bool IsInline(const BodyPart& part, const QString& html)
+{
+    if (part.PartDisposition == Disposition::Inline)
+        return true;
+    if (part.ContentID.isEmpty())
+        return false;
+    const QString encoded = QString::fromLatin1(QUrl::toPercentEncoding(part.ContentID, "@"));
+    return html.contains(QStringLiteral("cid:") + part.ContentID, Qt::CaseInsensitive) ||
+           html.contains(QStringLiteral("cid:") + encoded, Qt::CaseInsensitive);
 }
 
 } // namespace cdo

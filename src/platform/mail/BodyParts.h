@@ -34,6 +34,9 @@ struct BodyPart
     int Parent = -1;            ///< The multipart that it stands in; -1 for the message itself.
 };
 
+/// Disposition "inline", or referred to by its content id from the page.
+bool IsInline(const BodyPart& part, const QString& html);
+
 struct Multipart
 {
     QByteArray ContentType; ///< Lower case.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/mail/CharacterSets.h"
 
+#include "platform/Ascii.h"
 #include "platform/mail/GMimeSupport.h"
 
 #include <QHash>
@@ -113,11 +114,6 @@ bool IsKnown(const QByteArray& name)
     // The converter's own syntax (options behind a slash, an empty name for the locale's) is not for senders.
     return !name.isEmpty() && !name.contains('/') && !name.contains('\0') &&
            Converter(NativeUtf16, name.constData()).IsValid();
-}
-
-bool IsAscii(QByteArrayView octets)
-{
-    return std::all_of(octets.begin(), octets.end(), [](char c) { return static_cast<uchar>(c) < 0x80; });
 }
 
 bool HasControlsAbove7F(QByteArrayView octets)

@@ -173,7 +173,7 @@ QList<Attachment> Message::Attachments() const
     for (const int index : files) {
         const BodyPart& part = Content_->Parts().Leaves().at(index);
         attachments.append({part.FileName, QString::fromLatin1(part.ContentType), part.ContentID,
-                            DecodedSize(Content_->Octets(), part), Content_->IsInline(part, html)});
+                            DecodedSize(Content_->Octets(), part), cdo::IsInline(part, html)});
     }
     return attachments;
 }

@@ -160,17 +160,6 @@ const BodyPart* Message::Content::PartByID(const QString& contentID)
     return nullptr;
 }
 
-bool Message::Content::IsInline(const BodyPart& part, const QString& html) const
-{
-    if (part.PartDisposition == Disposition::Inline)
-        return true;
-    if (part.ContentID.isEmpty())
-        return false;
-    const QString encoded = QString::fromLatin1(QUrl::toPercentEncoding(part.ContentID, "@"));
-    return html.contains(QStringLiteral("cid:") + part.ContentID, Qt::CaseInsensitive) ||
-           html.contains(QStringLiteral("cid:") + encoded, Qt::CaseInsensitive);
-}
-
 int Message::Content::Priority()
 {
     const QString importance = Text("Importance").toLower();

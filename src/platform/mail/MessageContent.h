@@ -34,7 +34,6 @@ public:
     /// The leaf of one attachment; null when there is no such index.
     const BodyPart* File(int index);
     const BodyPart* PartByID(const QString& contentID);
-    bool IsInline(const BodyPart& part, const QString& html) const;
 
     /// -1 low, 0 normal, 1 high.
     int Priority();

@@ -94,8 +94,10 @@ bool MessageReader::HasMoreParts() const
     return Parsed_->HasMore;
 }
 
-QString MessageReader::Header(const QByteArray& name, qsizetype mostCharacters) const
+QString MessageReader::Header(const QByteArray& name, qsizetype mostCharacters, bool* isWhole) const
 {
+    if (isWhole != nullptr)
+        *isWhole = true;
     const HeaderField* field = Parsed_->Block.Find(Parsed_->Octets, name);
     if (field == nullptr)
         return QString();
@@ -108,7 +110,10 @@ QString MessageReader::Header(const QByteArray& name, qsizetype mostCharacters) 
     // Not within an encoded word.
     if (length > most)
         value.truncate(qMax(value.lastIndexOf(' '), most - LongestEncodedWord));
-    return cdo::Beginning(IsAddressField(name) ? DecodeAddresses(value) : DecodeHeader(value), mostCharacters);
+    const QString text = IsAddressField(name) ? DecodeAddresses(value) : DecodeHeader(value);
+    if (isWhole != nullptr)
+        *isWhole = length <= most && text.size() <= mostCharacters;
+    return cdo::Beginning(text, mostCharacters);
 }
 
 bool MessageReader::ReadText(const std::function<void(const QString& piece)>& take)
@@ -156,20 +161,20 @@ QString MessageReader::Beginning(int part, qsizetype mostCharacters, bool* isWho
     return cdo::Beginning(text, mostCharacters);
 }
 
-QList<Attachment> MessageReader::Files()
+QList<Attachment> MessageReader::Files(const QString& html)
 {
     QList<Attachment> files;
     for (const int index : Parsed_->Parts().Files()) {
         const BodyPart& part = Parsed_->Parts().Leaves().at(index);
-        files.append(
-            {part.FileName, QString::fromLatin1(part.ContentType), part.ContentID, DecodedSize(Parsed_->Octets, part)});
+        files.append({part.FileName, QString::fromLatin1(part.ContentType), part.ContentID,
+                      DecodedSize(Parsed_->Octets, part), IsInline(part, html)});
     }
     return files;
 }
 
-QString HeaderBeginning(const Message& message, const QByteArray& name, qsizetype mostCharacters)
+QString HeaderBeginning(const Message& message, const QByteArray& name, qsizetype mostCharacters, bool* isWhole)
 {
-    return MessageReader(message).Header(name, mostCharacters);
+    return MessageReader(message).Header(name, mostCharacters, isWhole);
 }
 
 } // namespace cdo

@@ -25,8 +25,9 @@ public:
     /// Whether the message goes on behind the parts that are read.
     bool HasMoreParts() const;
 
-    /// The beginning of a header, decoded as Message has it; whole where it has no more characters than that.
-    QString Header(const QByteArray& name, qsizetype mostCharacters = 10'000) const;
+    /// The beginning of a header, decoded as Message has it; whole where it has no more characters than that, which
+    /// isWhole says.
+    QString Header(const QByteArray& name, qsizetype mostCharacters = 10'000, bool* isWhole = nullptr) const;
 
     /// The plain text body as Message has it, piece by piece; false when there is none.
     bool ReadText(const std::function<void(const QString& piece)>& take);
@@ -35,8 +36,9 @@ public:
     /// The beginnings of the bodies; isWhole says whether there is no more.
     QString TextBeginning(qsizetype mostCharacters, bool* isWhole);
     QString HtmlBeginning(qsizetype mostCharacters, bool* isWhole);
-    /// The files as Message has them, in its order; IsInline is not found out.
-    QList<Attachment> Files();
+    /// The files as Message has them, in its order. html: the page, or as much of it as is worth the time, that may
+    /// refer to them and so make them inline.
+    QList<Attachment> Files(const QString& html = QString());
 
 private:
     class Parsed;
@@ -47,6 +49,7 @@ private:
 };
 
 /// The beginning of one header.
-QString TOLVA_EXPORT HeaderBeginning(const Message& message, const QByteArray& name, qsizetype mostCharacters = 10'000);
+QString TOLVA_EXPORT HeaderBeginning(const Message& message, const QByteArray& name, qsizetype mostCharacters = 10'000,
+                                     bool* isWhole = nullptr);
 
 } // namespace cdo

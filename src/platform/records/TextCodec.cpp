@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/TextCodec.h"
 
+#include "platform/Ascii.h"
 #include "platform/records/Error.h"
-
-#include <cstring>
 
 namespace dao
 {
@@ -96,32 +95,9 @@ QString TextFromUtf8(std::string_view utf8)
     return text;
 }
 
-bool IsAscii(std::string_view octets)
-{
-    // Blocks large enough for the compiler to make vector operations of them.
-    constexpr std::size_t Words = 16;
-    constexpr std::size_t Block = Words * sizeof(quint64);
-    const char* at = octets.data();
-    std::size_t left = octets.size();
-    for (; left >= Block; left -= Block, at += Block) {
-        quint64 words[Words];
-        std::memcpy(words, at, Block);
-        quint64 seen = 0;
-        for (const quint64 word : words)
-            seen |= word;
-        if ((seen & Q_UINT64_C(0x8080808080808080)) != 0)
-            return false;
-    }
-    for (; left > 0; --left, ++at) {
-        if ((static_cast<unsigned char>(*at) & 0x80) != 0)
-            return false;
-    }
-    return true;
-}
-
 QByteArray OctetsToUtf8(const QByteArray& octets)
 {
-    if (IsAscii({octets.constData(), static_cast<std::size_t>(octets.size())}))
+    if (IsAscii(octets))
         return octets;
     qsizetype wide = 0;
     for (const char octet : octets)
@@ -142,7 +118,7 @@ QByteArray OctetsToUtf8(const QByteArray& octets)
 
 QByteArray OctetsFromUtf8(const QByteArray& utf8)
 {
-    if (IsAscii({utf8.constData(), static_cast<std::size_t>(utf8.size())}))
+    if (IsAscii(utf8))
         return utf8;
     QByteArray octets(utf8.size(), Qt::Uninitialized);
     char* out = octets.data();

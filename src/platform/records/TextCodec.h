@@ -24,6 +24,4 @@ QByteArray OctetsIfAll(std::string_view utf8);
 /// The same of what may be no such text: what is no character up to U+00FF stays as its octets are.
 QByteArray OctetsFromAnything(const QByteArray& utf8);
 
-bool IsAscii(std::string_view octets);
-
 } // namespace dao

@@ -84,8 +84,8 @@ struct StoredMemo
     bool HasRow = false;    ///< False for a row that is gone.
     bool IsDamaged = false; ///< Not what was saved: it was changed on the disk.
     QByteArray Utf8;        ///< As it stands there; a null array for Null.
-    /// Instead of Utf8 for a large one all of whose characters are octets (U+0000 to U+00FF) and not all ASCII: a mail
-    /// in UTF-8 would take twice its room there, and more for each copy that is made of it.
+    /// Instead of Utf8, where the engine likes, for a large one all of whose characters are octets (U+0000 to U+00FF):
+    /// a mail that is not in ASCII would take twice its room there, and more for each copy that is made of it.
     QByteArray Octets;
 
     qsizetype Size() const { return Utf8.size() + Octets.size(); }

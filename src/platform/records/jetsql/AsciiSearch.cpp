@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/jetsql/AsciiSearch.h"
 
+#include "platform/Ascii.h"
 #include "platform/records/jetsql/CaseFolding.h"
 
 #include <algorithm>
@@ -15,23 +16,6 @@
 
 namespace dao::jetsql
 {
-namespace
-{
-bool IsAscii(std::string_view text)
-{
-    const char* next = text.data();
-    std::size_t left = text.size();
-    std::uint64_t seen = 0;
-    for (; left >= sizeof seen; left -= sizeof seen, next += sizeof seen) {
-        std::uint64_t block = 0;
-        std::memcpy(&block, next, sizeof block);
-        seen |= block;
-    }
-    for (; left > 0; --left, ++next)
-        seen |= static_cast<unsigned char>(*next);
-    return (seen & 0x8080808080808080U) == 0;
-}
-} // namespace
 
 AsciiSearch::AsciiSearch(std::string folded)
     : Needle_(std::move(folded)),

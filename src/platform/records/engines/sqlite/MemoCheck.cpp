@@ -91,11 +91,18 @@ quint32 Crc32c(std::string_view octets, quint32 sum)
     return Crc32cByTable(octets, sum);
 }
 
-qint64 MemoCheck(qint64 rowId, std::string_view utf8)
+MemoSum::MemoSum(qint64 rowId)
 {
     std::array<char, sizeof(qint64)> id{};
     qToLittleEndian(rowId, id.data());
-    return Crc32c(utf8, Crc32c({id.data(), id.size()}));
+    Sum_ = Crc32c({id.data(), id.size()});
+}
+
+qint64 MemoCheck(qint64 rowId, std::string_view utf8)
+{
+    MemoSum sum(rowId);
+    sum.Add(utf8);
+    return sum.Value();
 }
 
 } // namespace dao::sqlite

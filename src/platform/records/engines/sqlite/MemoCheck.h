@@ -20,4 +20,16 @@ quint32 Crc32cByTable(std::string_view octets, quint32 sum = 0);
 /// octets, so that the memo of one row does not pass for that of another.
 qint64 MemoCheck(qint64 rowId, std::string_view utf8);
 
+/// The same of a memo that comes in pieces.
+class MemoSum
+{
+public:
+    explicit MemoSum(qint64 rowId);
+    void Add(std::string_view utf8) { Sum_ = Crc32c(utf8, Sum_); }
+    qint64 Value() const { return Sum_; }
+
+private:
+    quint32 Sum_;
+};
+
 } // namespace dao::sqlite

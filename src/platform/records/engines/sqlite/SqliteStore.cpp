@@ -277,7 +277,7 @@ std::vector<engine::StoredMemo> SqliteStore::ReadMemos(const TablePtr& table, in
     TableAccess& access = Access(table);
     std::vector<engine::StoredMemo> memos;
     if (isRun) {
-        memos = access.ReadMemoRange(column, ids, octetBudget);
+        memos = access.Memos().ReadRange(column, ids, octetBudget);
         RequireSameFile();
         return memos;
     }
@@ -286,7 +286,7 @@ std::vector<engine::StoredMemo> SqliteStore::ReadMemos(const TablePtr& table, in
     for (const qint64 id : ids) {
         if (octets > octetBudget)
             break;
-        memos.push_back(access.ReadMemo(column, id));
+        memos.push_back(access.Memos().Read(column, id));
         octets += memos.back().Size();
     }
     RequireSameFile();

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/TableAccess.h"
 
-#include "platform/records/TextCodec.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
-#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
@@ -34,20 +32,20 @@ enum StatementKind : quint64
     RowInsert,
     RowDelete,
     HighestRow,
-    MemoById,            ///< Plus the column's place.
-    MemoRange = 1 << 15, ///< Plus the column's place.
     FirstStretch = 1 << 16
 };
 
 /// Columns before the table's own in what is read.
 constexpr int LeadingColumns = 3;
-/// Octets in UTF-8; from here on a memo is worth a second look for taking less room.
-constexpr std::size_t LargeMemo = 1024 * 1024;
 
 } // namespace
 
 TableAccess::TableAccess(Connection& connection, engine::TablePtr table, bool hasChecks)
-    : Connection_(connection), Table_(std::move(table)), Name_(QuoteName(Table_->Name)), HasChecks_(hasChecks)
+    : Connection_(connection),
+      Table_(std::move(table)),
+      Name_(QuoteName(Table_->Name)),
+      HasChecks_(hasChecks),
+      Memos_(connection, Table_, hasChecks)
 {
     for (const Column& column : Table_->Columns)
         IsReadApart_.push_back(column.IsMemo());
@@ -81,7 +79,9 @@ QByteArray TableAccess::ReadColumns(MemoFetch memos) const
         if (!IsReadApart_[i] && !column.IsMemo()) {
             columns += ", " + QuoteName(column.Name);
         } else if (!IsReadApart_[i]) {
-            columns += ", " + MemoColumns(static_cast<int>(i));
+            columns += ", " + QuoteName(column.Name);
+            if (HasChecks_)
+                columns += ", " + CheckColumn(column);
         } else if (memos == MemoFetch::SmallOnes) {
             columns += whenSmall + QuoteName(column.Name) + " END";
             if (HasChecks_)
@@ -89,21 +89,6 @@ QByteArray TableAccess::ReadColumns(MemoFetch memos) const
         }
     }
     return columns;
-}
-
-QByteArray TableAccess::MemoColumns(int column) const
-{
-    const Column& memo = Table_->Columns[static_cast<std::size_t>(column)];
-    return HasChecks_ ? QuoteName(memo.Name) + ", " + CheckColumn(memo) : QuoteName(memo.Name);
-}
-
-bool TableAccess::IsAsSaved(const StatementUse& use, int place, qint64 id) const
-{
-    if (!HasChecks_)
-        return true;
-    if (use.IsNull(place) || use.IsNull(place + 1))
-        return use.IsNull(place) && use.IsNull(place + 1);
-    return use.Integer(place + 1) == MemoCheck(id, use.Text(place));
 }
 
 void TableAccess::Take(const StatementUse& use, MemoFetch memos, Row& row) const
@@ -114,17 +99,18 @@ void TableAccess::Take(const StatementUse& use, MemoFetch memos, Row& row) const
     RowPacker packer(row.Cells);
     const bool hasMemos = memos == MemoFetch::SmallOnes && !use.IsNull(2) && use.Integer(2) <= SmallMemoOctets;
     const int memoPlaces = HasChecks_ ? 2 : 1;
+    const auto isAsSaved = [&](int place) { return !HasChecks_ || IsMemoAsSaved(use, place, row.Id); };
     int place = LeadingColumns;
     for (std::size_t i = 0; i < IsReadApart_.size(); ++i) {
         const bool isMemo = Table_->Columns[i].IsMemo();
-        if (!IsReadApart_[i] && isMemo && !IsAsSaved(use, place, row.Id)) {
+        if (!IsReadApart_[i] && isMemo && !isAsSaved(place)) {
             throw Error(errMemoDamaged,
                         QStringLiteral("The content of the field '%1' is damaged: it was changed on the "
                                        "disk since it was saved.")
                             .arg(Table_->Columns[i].Name));
         }
         // A memo that is not what was saved is left to whoever asks for it: the rest of its row is to be had.
-        if (!IsReadApart_[i] || (hasMemos && IsAsSaved(use, place, row.Id)))
+        if (!IsReadApart_[i] || (hasMemos && isAsSaved(place)))
             use.PackCell(place, packer);
         else
             packer.AddDeferred();
@@ -323,60 +309,6 @@ bool TableAccess::ReadRow(qint64 id, MemoFetch memos, Row& row)
         return false;
     Take(use, memos, row);
     return true;
-}
-
-engine::StoredMemo TableAccess::ReadMemo(int column, qint64 id)
-{
-    const Statement& statement = Prepared(MemoById + static_cast<quint64>(column), [&] {
-        return "SELECT " + MemoColumns(column) + " FROM " + Name_ + " WHERE " + RowIdName + " = ?";
-    });
-    StatementUse use(statement);
-    use.Bind(1, id);
-    if (!use.Step())
-        return {};
-    return TakeMemo(use, 0, id);
-}
-
-engine::StoredMemo TableAccess::TakeMemo(const StatementUse& use, int place, qint64 id) const
-{
-    engine::StoredMemo memo{.HasRow = true, .IsDamaged = !IsAsSaved(use, place, id), .Utf8 = {}, .Octets = {}};
-    if (use.IsNull(place))
-        return memo;
-    const std::string_view text = use.Text(place);
-    if (text.size() > LargeMemo && !IsAscii(text)) {
-        memo.Octets = OctetsIfAll(text);
-        if (!memo.Octets.isNull())
-            return memo;
-    }
-    // An empty text is not Null, and QByteArray tells the two apart by its pointer.
-    memo.Utf8 = text.empty() ? QByteArrayLiteral("") : QByteArray(text.data(), static_cast<qsizetype>(text.size()));
-    return memo;
-}
-
-std::vector<engine::StoredMemo> TableAccess::ReadMemoRange(int column, std::span<const qint64> ids, qint64 octetBudget)
-{
-    const Statement& statement = Prepared(MemoRange + static_cast<quint64>(column), [&] {
-        return "SELECT " + QByteArray(RowIdName) + ", " + MemoColumns(column) + " FROM " + Name_ +
-               " NOT INDEXED WHERE " + RowIdName + " BETWEEN ? AND ? ORDER BY " + RowIdName;
-    });
-    std::vector<engine::StoredMemo> memos;
-    memos.reserve(ids.size());
-    StatementUse use(statement);
-    use.Bind(1, ids.front());
-    use.Bind(2, ids.back());
-    qint64 octets = 0;
-    while (octets <= octetBudget && use.Step()) {
-        const qint64 id = use.Integer(0);
-        while (memos.size() < ids.size() && ids[memos.size()] < id)
-            memos.emplace_back();
-        if (memos.size() == ids.size() || ids[memos.size()] != id)
-            continue;
-        memos.push_back(TakeMemo(use, 1, id));
-        octets += memos.back().Size();
-    }
-    if (octets <= octetBudget)
-        memos.resize(ids.size());
-    return memos;
 }
 
 qint64 TableAccess::CountRows()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/records/engines/Engine.h"
+#include "platform/records/engines/sqlite/MemoAccess.h"
 #include "platform/records/engines/sqlite/SqliteConnection.h"
 
 #include <unordered_map>
@@ -22,10 +23,7 @@ public:
     bool Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, engine::MemoFetch memos,
               Row& row);
     bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
-    engine::StoredMemo ReadMemo(int column, qint64 id);
-    /// The same for rows whose ids rise, in one run from the first to the last. Stops early, after one row at least,
-    /// when octetBudget is used up.
-    std::vector<engine::StoredMemo> ReadMemoRange(int column, std::span<const qint64> ids, qint64 octetBudget);
+    MemoAccess& Memos() { return Memos_; }
     qint64 CountRows();
 
     qint64 Insert(std::span<const engine::Assignment> values);
@@ -61,11 +59,6 @@ private:
                            std::span<const StoredValue> keys, engine::MemoFetch memos) const;
     std::vector<StoredValue> KeysOf(int index, const Row& row) const;
 
-    /// The memo and, behind it where there are checks, its check. column: the memo's place in the table.
-    QByteArray MemoColumns(int column) const;
-    /// place: of those in what was read.
-    engine::StoredMemo TakeMemo(const StatementUse& use, int place, qint64 id) const;
-    bool IsAsSaved(const StatementUse& use, int place, qint64 id) const;
     qint64 NextRowId();
     /// 3049 unless the row that was found lies behind the one that the walk came from: in a damaged file it need not.
     void RequireProgress(int index, engine::Direction direction, std::span<const StoredValue> keys, qint64 id,
@@ -83,6 +76,7 @@ private:
     engine::TablePtr Table_;
     QByteArray Name_; ///< Quoted.
     bool HasChecks_;
+    MemoAccess Memos_;
     /// By column. A memo is read with its row only where it is small; but one that an index orders by is read always,
     /// because the row's place in that index is told by it.
     std::vector<bool> IsReadApart_;
