@@ -16,6 +16,7 @@ namespace
 constexpr int FiftyMegabytes = 50'000'000;
 /// A tenth of a second is what is wanted; slow machines get more.
 constexpr std::chrono::milliseconds LongestWork(250);
+constexpr std::chrono::milliseconds LongestMarking(750);
 constexpr qint64 LongestWait = 2000;
 
 class LargeMailTest : public WindowTest
@@ -56,28 +57,29 @@ protected:
         Window->grab();
         QCoreApplication::processEvents();
         gap.Take();
-        ExpectShort(gap, "Selecting");
+        RecordProperty("LongestGapInMilliseconds", static_cast<int>(gap.Passed));
+        RecordProperty("LongestWorkInMilliseconds", static_cast<int>(gap.Worked.count()));
+        EXPECT_LT(gap.Worked, LongestWork);
+        EXPECT_LT(gap.Passed, LongestWait) << "it waits for something";
         if (HasFatalFailure())
             return;
 
-        // Some time later it is marked as read, and nothing of it is read for that by this test.
+        // Some time later it is marked as read, which writes its row: the pointer says so.
+        bool wasBusy = false;
+        QObject::connect(&Window->Station().Database(), &cTolvaDatabase::MessageSaved, Window.get(),
+                         [this, &wasBusy] { wasBusy = Ui.IsBusy(); });
         LongestGap marking;
         ASSERT_TRUE(WaitUntil([&] { return FlagsOf(large) == mfRead; }, 60'000));
         marking.Take();
-        ExpectShort(marking, "Marking");
+        RecordProperty("MarkingWorkInMilliseconds", static_cast<int>(marking.Worked.count()));
+        EXPECT_LT(marking.Worked, LongestMarking);
+        EXPECT_TRUE(wasBusy);
     }
     qint32 FlagsOf(qint32 reference)
     {
         const auto row = Station.Database().OpenMessageRows({QStringLiteral("Flags")},
                                                             QStringLiteral("[Reference]=%1").arg(reference));
         return row->Collect(QStringLiteral("Flags")).toInt();
-    }
-    static void ExpectShort(const LongestGap& gap, const std::string& what)
-    {
-        RecordProperty(what + "GapInMilliseconds", static_cast<int>(gap.Passed));
-        RecordProperty(what + "WorkInMilliseconds", static_cast<int>(gap.Worked.count()));
-        EXPECT_LT(gap.Worked, LongestWork) << what;
-        EXPECT_LT(gap.Passed, LongestWait) << what << " waits for something";
     }
     QString Text() const { return Pane->findChild<QTextBrowser*>()->toPlainText(); }
     QString Notice() const { return Pane->findChild<QLabel*>(QStringLiteral("lblNotice"))->text(); }
