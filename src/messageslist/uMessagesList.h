@@ -17,15 +17,11 @@
 #include <memory>
 #include <vector>
 
-namespace cdo
-{
-class MessageReader;
-}
-
 class CategoryTreeView;
 class FindBox;
 class FlexGrid;
 struct ListPanes;
+struct MessageLook;
 class OverlayPanel;
 class PropertyBag;
 class QAction;
@@ -188,12 +184,11 @@ private:
         ReadFailures Failures;
     };
 
-    /// What cuts subjects to a width, and for which look of the list.
+    /// What cuts subjects to a width, and for which surface.
     struct Fitting
     {
-        QFont Font;
+        QFont Surface;
         double Width = 0;
-        bool HasDateLine = false;
         std::shared_ptr<const std::function<QString(const QString&)>> Fit;
     };
 
@@ -248,7 +243,8 @@ private:
     void SetGridColumnWidths();
     void SetGridRowHeights();
     void DrawMessageRow(int row, const cMessagePtr& message);
-    void DrawSubject(int row, const cMessage& message, const cdo::MessageReader& mail, bool& isRead);
+    void DrawMessageRow(int row, const MessageLook& look);
+    void DrawTexts(int row, const MessageLook& look, Date stamp, bool bold);
     std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     qint32 ReferenceOfRow(int row) const;
