@@ -328,7 +328,7 @@ private:
     int ShownOpening_ = 0;
     int Restarts_ = 0;               ///< Of a display whose host chose something else in it, one in the other.
     std::vector<ReadRow> ShownRows_; ///< As they were read; one for each row.
-    QByteArray ShownFolders_;        ///< Of the tree.
+    quint64 ShownFolders_ = 0;       ///< Signature of the tree.
     QPointF GridDragStart_;          ///< Twips; none for x 0.
     QPointF TreeDragStart_;
     bool DoubleHeightRows_ = true;
