@@ -5,8 +5,7 @@
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/Icons.h"
 
-#include <QCryptographicHash>
-#include <QDataStream>
+#include <QHash>
 #include <QScrollBar>
 #include <QSet>
 
@@ -76,19 +75,18 @@ void FillTree(const clsCategory& root, CategoryTreeView& tree, const QString& pr
     tree.setUpdatesEnabled(true);
 }
 
-QByteArray FolderSignature(const clsCategory& root)
+quint64 FolderSignature(const clsCategory& root)
 {
-    QByteArray all;
-    QDataStream stream(&all, QIODevice::WriteOnly);
+    std::size_t signature = 1;
     std::vector<const clsCategory*> waiting{&root};
     for (std::size_t next = 0; next < waiting.size(); ++next) {
         const clsCategory& parent = *waiting[next];
-        stream << parent.Reference() << parent.SubCategoryCount();
+        signature = qHashMulti(signature, parent.Reference(), parent.SubCategoryCount());
         for (int i = 1; i <= parent.SubCategoryCount(); ++i) {
             const clsCategory* const category = parent.SubCategory(i);
-            stream << category->Description() << category->IconReference();
+            signature = qHashMulti(signature, category->Description(), category->IconReference());
             waiting.push_back(category);
         }
     }
-    return QCryptographicHash::hash(all, QCryptographicHash::Sha1);
+    return signature;
 }

@@ -16,4 +16,4 @@ qint32 CategoryOfKey(const QString& key);
 void FillTree(const clsCategory& root, CategoryTreeView& tree, const QString& prefix);
 
 /// The same for two trees of folders that look the same.
-QByteArray FolderSignature(const clsCategory& root);
+quint64 FolderSignature(const clsCategory& root);

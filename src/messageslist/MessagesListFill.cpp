@@ -3,6 +3,7 @@
 // Filling the messages list.
 
 #include "database/cTolvaDatabase.h"
+#include "messageslist/MessageLook.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/records/Recordset.h"
@@ -160,6 +161,8 @@ int uMessagesList::FillRows(dao::Recordset& rows, RowsRead& read)
     const ReadTarget target = Target();
     const int total = rows.RecordCount();
     const LightColumns light(rows, ComparedColumns());
+    MessageLooks looks(*clsTolvaDatabase_, rows);
+    RowOfReference_.reserve(total);
     int filled = 0;
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (filled % RowsBetweenYields == 1) {
@@ -170,23 +173,23 @@ int uMessagesList::FillRows(dao::Recordset& rows, RowsRead& read)
             if (!self || Target() != target)
                 return filled;
         }
-        cMessagePtr message;
+        std::optional<MessageLook> look;
         try {
-            message = clsTolvaDatabase_->GetMessage(rows);
+            look = looks.Read();
         } catch (const dao::Error& error) {
             if (read.Failures.Take(error))
                 continue;
             read.Failures.TakeRest(total - filled - read.Failures.Rows());
             return filled;
         }
-        if (!message)
+        if (!look)
             continue;
         ++filled;
         if (filled + 1 > grdMessages_->Rows())
             grdMessages_->SetRows(grdMessages_->Rows() + RowsOfABlock);
         ShownRows_.push_back(light.Read());
-        DrawMessageRow(filled, message);
-        if (read.ReferenceToRestore >= 1 && message->Reference() == read.ReferenceToRestore)
+        DrawMessageRow(filled, *look);
+        if (read.ReferenceToRestore >= 1 && look->Reference == read.ReferenceToRestore)
             read.RowToRestore = filled;
     }
     return filled;

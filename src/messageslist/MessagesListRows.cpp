@@ -4,11 +4,13 @@
 
 #include "common/GeneralHelper.h"
 #include "database/cTolvaDatabase.h"
+#include "messageslist/MessageLook.h"
 #include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
-#include "platform/mail/MessageReader.h"
+#include "platform/mail/RawHeaders.h"
 #include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/FlexGridModel.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/Twips.h"
@@ -25,28 +27,66 @@ constexpr double SubjectMargin = 120;
 constexpr double RowMargin = 90;
 constexpr double DateWidth = 1500;
 constexpr double DateSerialWidth = 1900;
-/// Characters of a header that are decoded and measured; more than any row is wide.
-constexpr qsizetype LongestCell = 1000;
+/// Octets of the header fields of a row that are kept until somebody sees it. Longer ones take less room as texts.
+constexpr qsizetype LongestKept = 2000;
 constexpr int UrgentPriority = 1;
 constexpr qint32 PureRed = 255;
 const QString DateFormat = QStringLiteral("ddd dd mmm hh:nn");
 
 /// What a row shows to the eye only, in words.
-QString SpokenState(const cMessage& message, bool isRead)
+QString SpokenState(const MessageLook& look, bool isRead)
 {
     QStringList words;
     if (!isRead)
         words.append(uMessagesList::tr("unread"));
-    if (message.Priority() == UrgentPriority)
+    if (look.Priority == UrgentPriority)
         words.append(uMessagesList::tr("urgent"));
-    if (message.PersonalToContact() != 0)
+    if (look.PersonalToContact != 0)
         words.append(uMessagesList::tr("personal"));
-    if (message.HasHighlightWords())
+    if (look.HasHighlightWords)
         words.append(uMessagesList::tr("highlighted"));
-    if (message.MessageType() == emtSMS)
+    if (look.MessageType == emtSMS)
         words.append(uMessagesList::tr("text message"));
     return words.join(QStringLiteral(", "));
 }
+
+/// The texts of a message's row: decoding them, writing its date in words and measuring the subject cost more than all
+/// the rest of the row.
+class MessageTexts final : public LateTexts
+{
+public:
+    using Fitting = std::shared_ptr<const std::function<QString(const QString&)>>;
+
+    MessageTexts(const MessageLook& look, Date stamp, bool hasDateLine, Fitting fitting)
+        : Subject_(look.Subject),
+          From_(look.From),
+          Stamp_(stamp),
+          HasDateLine_(hasDateLine),
+          Fitting_(std::move(fitting))
+    {
+    }
+
+    /// A row without a date keeps the one that it showed before.
+    void Make(const Set& set) const override
+    {
+        QString date;
+        if (!Stamp_.IsNone()) {
+            date = Stamp_.Format(DateFormat);
+            set(colDate, date);
+            set(colDateSerial, Stamp_.GeneralDate());
+        }
+        const QString subject = (*Fitting_)(cdo::DecodedHeader("Subject", Subject_, LongestCell).trimmed());
+        set(colSubject, HasDateLine_ ? subject + QLatin1Char('\r') + date : subject);
+        set(colFrom, cdo::DecodedHeader("From", From_, LongestCell));
+    }
+
+private:
+    QByteArray Subject_;
+    QByteArray From_;
+    Date Stamp_;
+    bool HasDateLine_;
+    Fitting Fitting_;
+};
 } // namespace
 
 void uMessagesList::MakeGridHeader()
@@ -102,66 +142,59 @@ qint32 uMessagesList::ReferenceOfRow(int row) const
 /// Tells nobody, and leaves the current row as it is.
 void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 {
-    if (row < 1 || row > grdMessages_->Rows() - 1 || !message)
+    if (message)
+        DrawMessageRow(row, LookOf(*message));
+}
+
+void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
+{
+    if (row < 1 || row > grdMessages_->Rows() - 1)
         return;
     if (DoubleHeightRows_)
         grdMessages_->SetRowHeight(row, grdMessages_->RowHeight(0));
-    grdMessages_->SetTextMatrix(row, colReference, QString::number(message->Reference()));
-    RowOfReference_.insert(message->Reference(), row);
-    bool isRead = (message->Flags() & mfRead) != 0;
-    const cdo::MessageReader mail(*message->CDOMessage());
-    DrawSubject(row, *message, mail, isRead);
-    const bool isPersonal = message->PersonalToContact() != 0;
-    grdMessages_->SetCellPicture(row, colHead, isPersonal ? HeadPicture_ : QIcon());
+    grdMessages_->SetTextMatrix(row, colReference, QString::number(look.Reference));
+    RowOfReference_.insert(look.Reference, row);
+    const Date stamp = SortOrder_ != mlsoReceived ? look.Sent : look.Received;
+    // A message without a date counts as read.
+    const bool isRead = (look.Flags & mfRead) != 0 || stamp.IsNone();
+    DrawTexts(row, look, stamp, !isRead);
+    grdMessages_->SetCellPicture(row, colHead, look.PersonalToContact != 0 ? HeadPicture_ : QIcon());
     grdMessages_->SetTextMatrix(row, colHead, QString());
-    grdMessages_->SetTextMatrix(row, colFrom, mail.Header("From", LongestCell));
-    const qint32 back = message->Priority() == UrgentPriority ? PureRed : SystemColour::WindowBackground;
+    const qint32 back = look.Priority == UrgentPriority ? PureRed : SystemColour::WindowBackground;
     grdMessages_->SetCellBackColour(row, colHead, colSubject, back);
     grdMessages_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
     grdMessages_->SetCellFontBold(row, colHead, colSubject, !isRead);
-    if (message->HasHighlightWords()) {
+    if (look.HasHighlightWords)
         grdMessages_->SetCellForeColour(row, colSubject, colSubject, clsTolvaDatabase_->MessageHighlightFont().Colour);
-    }
-    grdMessages_->SetRowAccessibleText(row, SpokenState(*message, isRead));
+    grdMessages_->SetRowAccessibleText(row, SpokenState(look, isRead));
 }
 
-/// The subject, and the date where there is one; a message without a date counts as read, and the row keeps the date
-/// that it showed before.
-void uMessagesList::DrawSubject(int row, const cMessage& message, const cdo::MessageReader& mail, bool& isRead)
+void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool bold)
 {
-    const Date stamp = SortOrder_ != mlsoReceived ? message.Sent() : message.Received();
-    isRead = isRead || stamp.IsNone();
-    QString text = mail.Header("Subject", LongestCell).trimmed();
-    if (stamp.IsNone()) {
-        if (DoubleHeightRows_)
-            text += QLatin1Char('\r');
-    } else {
-        const QString date = stamp.Format(DateFormat);
-        grdMessages_->SetTextMatrix(row, colDate, date);
-        grdMessages_->SetTextMatrix(row, colDateSerial, stamp.GeneralDate());
-        if (DoubleHeightRows_)
-            text += QLatin1Char('\r') + date;
-    }
-    grdMessages_->SetTextToFit(row, colSubject, text, SubjectFitting(!isRead));
+    // The date that such a row keeps may not have been made yet.
+    if (stamp.IsNone())
+        grdMessages_->TextMatrix(row, colDate);
+    grdMessages_->SetLateTexts(row, colSubject,
+                               std::make_unique<MessageTexts>(look, stamp, DoubleHeightRows_, SubjectFitting(bold)));
+    if (look.Subject.size() + look.From.size() > LongestKept)
+        grdMessages_->TextMatrix(row, colSubject);
 }
 
 /// What cuts a subject to the width that the column has now. The rows that are never seen need not be measured.
 std::shared_ptr<const std::function<QString(const QString&)>> uMessagesList::SubjectFitting(bool bold)
 {
+    const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
+    Fitting& kept = Fittings_[bold ? 1 : 0];
+    if (kept.Fit && kept.Surface == picMessages_->font() && kept.Width == width)
+        return kept.Fit;
     // A bold text is wider than the surface's own.
     QFont font = picMessages_->font();
     font.setBold(bold);
-    const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
-    Fitting& kept = Fittings_[bold ? 1 : 0];
-    if (kept.Fit && kept.Font == font && kept.Width == width && kept.HasDateLine == DoubleHeightRows_)
-        return kept.Fit;
-    const auto fit = [metrics = QFontMetricsF(font), width, hasDateLine = DoubleHeightRows_](const QString& text) {
-        const qsizetype end = hasDateLine ? text.lastIndexOf(QLatin1Char('\r')) : text.size();
-        const QString subject = GeneralHelper::FitTextToWidth(
-            [&](const QString& part) { return metrics.horizontalAdvance(part); }, text.left(end), width);
-        return subject + text.mid(end);
+    const auto fit = [metrics = QFontMetricsF(font), width](const QString& subject) {
+        return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
+                                             subject, width);
     };
-    kept = {font, width, DoubleHeightRows_, std::make_shared<const std::function<QString(const QString&)>>(fit)};
+    kept = {picMessages_->font(), width, std::make_shared<const std::function<QString(const QString&)>>(fit)};
     return kept.Fit;
 }
 
@@ -180,7 +213,7 @@ void uMessagesList::UpdateRowBold(const cMessagePtr& message)
         if (grdMessages_->CellFontBold(row, colHead) == isRead)
             grdMessages_->SetCellFontBold(row, colHead, colSubject, !isRead);
         if (shown)
-            grdMessages_->SetRowAccessibleText(row, SpokenState(*shown, isRead));
+            grdMessages_->SetRowAccessibleText(row, SpokenState(StateOf(*shown), isRead));
     };
     if (message) {
         const int row = RowOfReference_.value(message->Reference());

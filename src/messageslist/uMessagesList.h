@@ -17,15 +17,11 @@
 #include <memory>
 #include <vector>
 
-namespace cdo
-{
-class MessageReader;
-}
-
 class CategoryTreeView;
 class FindBox;
 class FlexGrid;
 struct ListPanes;
+struct MessageLook;
 class OverlayPanel;
 class PropertyBag;
 class QAction;
@@ -188,12 +184,11 @@ private:
         ReadFailures Failures;
     };
 
-    /// What cuts subjects to a width, and for which look of the list.
+    /// What cuts subjects to a width, and for which surface.
     struct Fitting
     {
-        QFont Font;
+        QFont Surface;
         double Width = 0;
-        bool HasDateLine = false;
         std::shared_ptr<const std::function<QString(const QString&)>> Fit;
     };
 
@@ -248,7 +243,8 @@ private:
     void SetGridColumnWidths();
     void SetGridRowHeights();
     void DrawMessageRow(int row, const cMessagePtr& message);
-    void DrawSubject(int row, const cMessage& message, const cdo::MessageReader& mail, bool& isRead);
+    void DrawMessageRow(int row, const MessageLook& look);
+    void DrawTexts(int row, const MessageLook& look, Date stamp, bool bold);
     std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     qint32 ReferenceOfRow(int row) const;
@@ -332,7 +328,7 @@ private:
     int ShownOpening_ = 0;
     int Restarts_ = 0;               ///< Of a display whose host chose something else in it, one in the other.
     std::vector<ReadRow> ShownRows_; ///< As they were read; one for each row.
-    QByteArray ShownFolders_;        ///< Of the tree.
+    quint64 ShownFolders_ = 0;       ///< Signature of the tree.
     QPointF GridDragStart_;          ///< Twips; none for x 0.
     QPointF TreeDragStart_;
     bool DoubleHeightRows_ = true;

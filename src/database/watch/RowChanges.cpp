@@ -5,21 +5,12 @@
 
 #include <QHash>
 
-#include <bit>
-
 namespace
 {
 quint64 Mixed(quint64 hash, quint64 value)
 {
     hash = (hash ^ value) * 0x9E3779B97F4A7C15ULL;
     return hash ^ (hash >> 29);
-}
-
-quint64 NumberOf(const QVariant& value)
-{
-    if (value.typeId() == QMetaType::QString)
-        return qHash(value.toString(), 1);
-    return value.isNull() ? 2 : std::bit_cast<quint64>(value.toDouble());
 }
 
 /// The rows between those that are the same at both ends.
@@ -72,7 +63,7 @@ ReadRow LightColumns::Read() const
 {
     quint64 hash = 1;
     for (const dao::Field* field : Fields_)
-        hash = Mixed(hash, NumberOf(field->Value()));
+        hash = Mixed(hash, field->Hash());
     return {Fields_.front()->Value().toInt(), hash == 0 ? 1 : hash};
 }
 

@@ -3,15 +3,26 @@
 
 #include "database/cTolvaDatabase.h"
 
-#include <QDateTime>
-#include <QFileInfo>
 #include <QPointer>
+
+#include <filesystem>
 
 namespace
 {
 /// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
 constexpr qint64 ClockStepMilliseconds = 2500;
 } // namespace
+
+/// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
+StationWatch::FileLook StationWatch::LookAt(const QString& name)
+{
+    const std::filesystem::path file(name.toStdU16String());
+    std::error_code unreadable;
+    const auto modified = std::filesystem::last_write_time(file, unreadable);
+    const auto size = std::filesystem::file_size(file, unreadable);
+    // What cannot be looked at is told by the reading.
+    return {static_cast<qint64>(modified.time_since_epoch().count()), unreadable ? -1 : static_cast<qint64>(size)};
+}
 
 void StationWatch::Poll(const QObject& asker)
 {
@@ -48,8 +59,7 @@ void StationWatch::RefreshFolders()
 {
     if (Seen_ && Seen_->AreFoldersLoaded)
         return;
-    const QFileInfo file(Station_.Information().Path);
-    const FileLook look{file.lastModified().toMSecsSinceEpoch(), file.size()};
+    const FileLook look = LookAt(Station_.Information().Path);
     if (look != Look_ || LookOfOpening_ != Station_.Openings()) {
         Look_ = look;
         LookOfOpening_ = Station_.Openings();

@@ -48,12 +48,13 @@ private:
     /// What the file's entry in its folder says: nothing was written to it as long as both are the same.
     struct FileLook
     {
-        qint64 Modified = 0; ///< Milliseconds.
+        qint64 Modified = 0; ///< In steps of the file system's clock.
         qint64 Size = 0;
 
         friend bool operator==(const FileLook&, const FileLook&) = default;
     };
 
+    static FileLook LookAt(const QString& name);
     template <typename Read>
     Date StampOf(std::optional<Date> Seen::*kept, Read&& read);
 

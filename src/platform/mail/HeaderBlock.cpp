@@ -52,6 +52,8 @@ HeaderBlock::HeaderBlock(QByteArrayView octets, qsizetype begin)
         position = LineEnd(octets, position);
     Begin_ = position;
 
+    constexpr qsizetype UsualFields = 16;
+    Fields_.reserve(UsualFields);
     qsizetype firstOther = -1;
     qsizetype fieldsBeforeOther = 0;
     bool inField = false;

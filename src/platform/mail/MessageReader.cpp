@@ -3,6 +3,7 @@
 
 #include "platform/mail/BodyParts.h"
 #include "platform/mail/HeaderText.h"
+#include "platform/mail/RawHeaders.h"
 
 #include <optional>
 
@@ -11,17 +12,6 @@ namespace cdo
 
 namespace
 {
-/// A character in an encoded word of its own, the longest that mailers write.
-constexpr qsizetype OctetsOfCharacter = 20;
-constexpr qsizetype LongestEncodedWord = 1000;
-
-QString Beginning(const QString& text, qsizetype mostCharacters)
-{
-    if (text.size() <= mostCharacters)
-        return text;
-    return text.left(text.at(mostCharacters - 1).isHighSurrogate() ? mostCharacters - 1 : mostCharacters);
-}
-
 /// Where the part behind so many begins; the end of the octets where there are no more. Each line that could be the
 /// boundary of a part counts as one: what the boundaries are is known when all is read.
 qsizetype EndOfParts(const QByteArray& octets, const HeaderBlock& block, int mostParts)
@@ -101,19 +91,8 @@ QString MessageReader::Header(const QByteArray& name, qsizetype mostCharacters, 
     const HeaderField* field = Parsed_->Block.Find(Parsed_->Octets, name);
     if (field == nullptr)
         return QString();
-    qsizetype begin = field->ValueBegin;
-    while (begin < field->End && g_ascii_isspace(Parsed_->Octets.at(begin)))
-        ++begin;
-    const qsizetype length = field->End - begin;
-    const qsizetype most = mostCharacters * OctetsOfCharacter + LongestEncodedWord;
-    QByteArray value = Parsed_->Octets.mid(begin, qMin(length, most));
-    // Not within an encoded word.
-    if (length > most)
-        value.truncate(qMax(value.lastIndexOf(' '), most - LongestEncodedWord));
-    const QString text = IsAddressField(name) ? DecodeAddresses(value) : DecodeHeader(value);
-    if (isWhole != nullptr)
-        *isWhole = length <= most && text.size() <= mostCharacters;
-    return cdo::Beginning(text, mostCharacters);
+    const QByteArray raw = RawHeader(Parsed_->Octets, *field, mostCharacters, isWhole);
+    return DecodedHeader(name, raw, mostCharacters, isWhole);
 }
 
 bool MessageReader::ReadText(const std::function<void(const QString& piece)>& take)
@@ -158,7 +137,7 @@ QString MessageReader::Beginning(int part, qsizetype mostCharacters, bool* isWho
         return text.size() <= mostCharacters;
     });
     *isWhole = *isWhole && text.size() <= mostCharacters;
-    return cdo::Beginning(text, mostCharacters);
+    return Cut(text, mostCharacters);
 }
 
 QList<Attachment> MessageReader::Files(const QString& html)

@@ -46,6 +46,16 @@ QByteArray Field::Octets(MemoTrust trust) const
     return Require(Recordset_).OctetsOf(Ordinal_, trust);
 }
 
+MemoBeginning Field::Beginning(qsizetype mostOctets) const
+{
+    return Require(Recordset_).BeginningOf(Ordinal_, mostOctets);
+}
+
+quint64 Field::Hash() const
+{
+    return Require(Recordset_).HashOf(Ordinal_);
+}
+
 void Field::SetOctets(const QByteArray& octets)
 {
     Require(Recordset_).SetOctetsOf(Ordinal_, octets);

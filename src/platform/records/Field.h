@@ -20,6 +20,13 @@ enum class MemoTrust
     AsStored
 };
 
+/// The beginning of a memo as it stands in the file.
+struct MemoBeginning
+{
+    QByteArray Utf8; ///< May end within a character. A null array for Null.
+    bool IsWhole = false;
+};
+
 /// A field: the definition of a column in a TableDef or an Index, or a column of a Recordset's current row. Owned by
 /// the collection it stands in.
 class TOLVA_EXPORT Field
@@ -51,6 +58,13 @@ public:
     /// without the cost of widening megabytes. Null array for Null. Error 13 when a character is above U+00FF.
     /// AsStored: no error 3428 and no error 13; what is no such character comes as the octets that stand in the file.
     QByteArray Octets(MemoTrust trust = MemoTrust::Verified) const;
+    /// The first octets of a text or memo, about so many, as they stand in the file: for who shows what a memo begins
+    /// with, of many rows. They are not checked against what was saved, which takes the whole memo. Where its engine
+    /// can, a recordset of a query reads no more than that. Errors as for Value, but 3428.
+    MemoBeginning Beginning(qsizetype mostOctets) const;
+    /// A number made of the value: the same for the same value of this field in recordsets of one type. Costs less than
+    /// the value.
+    quint64 Hash() const;
     /// The same value as SetValue with each octet as the character U+0000 to U+00FF. A null array stores Null.
     void SetOctets(const QByteArray& octets);
 

@@ -156,8 +156,8 @@ void QueryRecordset::FindFirst(const QString& criteria)
     }
 }
 
-const engine::StoredMemo& MemoWindow::Read(engine::Store& store, const engine::TablePtr& table, int column, int row,
-                                           int rows, const KeyAt& keyAt)
+template <typename Memo>
+const Memo& ReadAhead<Memo>::At(int row, int rows, const KeyAt& keyAt, const Fetch& fetch)
 {
     const int behind = First_ + static_cast<int>(Memos_.size());
     if (row < First_ || row >= behind) {
@@ -168,17 +168,36 @@ const engine::StoredMemo& MemoWindow::Read(engine::Store& store, const engine::T
             ids.push_back(keyAt(next));
         Memos_.clear();
         try {
-            Memos_ = store.ReadMemos(table, column, ids, BatchOctets);
+            Memos_ = fetch(ids);
         } catch (const Error& error) {
             // One of those behind it cannot be read, which is no reason to withhold this one.
             if (error.Number() != errFileDamaged || ids.size() == 1)
                 throw;
             Batch_ = 1;
-            Memos_ = store.ReadMemos(table, column, std::span(ids).first(1), BatchOctets);
+            Memos_ = fetch(std::span(ids).first(1));
         }
         First_ = row;
     }
     return Memos_[static_cast<std::size_t>(row - First_)];
+}
+
+const engine::StoredMemo& MemoWindow::Read(engine::Store& store, const engine::TablePtr& table, int column, int row,
+                                           int rows, const KeyAt& keyAt)
+{
+    return Memos_.At(row, rows, keyAt,
+                     [&](std::span<const qint64> ids) { return store.ReadMemos(table, column, ids, BatchOctets); });
+}
+
+const std::optional<MemoBeginning>& MemoWindow::ReadBeginning(engine::Store& store, const engine::TablePtr& table,
+                                                              int column, qsizetype mostOctets, int row, int rows,
+                                                              const KeyAt& keyAt)
+{
+    if (mostOctets != MostOctets_)
+        Beginnings_.Clear();
+    MostOctets_ = mostOctets;
+    return Beginnings_.At(row, rows, keyAt, [&](std::span<const qint64> ids) {
+        return store.ReadMemoBeginnings(table, column, ids, mostOctets);
+    });
 }
 
 } // namespace dao

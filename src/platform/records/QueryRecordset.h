@@ -73,20 +73,43 @@ private:
     bool HasLeft_ = false;
 };
 
-/// Memos of listed rows, fetched ahead in batches that grow while rows are walked one after the other.
-class MemoWindow
+/// What is read of listed rows by their ids, fetched ahead in batches that grow while rows are walked one after the
+/// other.
+template <typename Memo>
+class ReadAhead
 {
 public:
     using KeyAt = std::function<qint64(int row)>;
+    /// Reads of these rows, in their order, as many as it wants to at a time, and one at least.
+    using Fetch = std::function<std::vector<Memo>(std::span<const qint64> ids)>;
 
-    /// The memo of a row. rows: how many there are.
-    const engine::StoredMemo& Read(engine::Store& store, const engine::TablePtr& table, int column, int row, int rows,
-                                   const KeyAt& keyAt);
+    /// What is read of a row. rows: how many there are.
+    const Memo& At(int row, int rows, const KeyAt& keyAt, const Fetch& fetch);
+    void Clear() { Memos_.clear(); }
 
 private:
     int First_ = 0;
     int Batch_ = 1;
-    std::vector<engine::StoredMemo> Memos_;
+    std::vector<Memo> Memos_;
+};
+
+/// Memos of listed rows.
+class MemoWindow
+{
+public:
+    using KeyAt = ReadAhead<engine::StoredMemo>::KeyAt;
+
+    /// The memo of a row. rows: how many there are.
+    const engine::StoredMemo& Read(engine::Store& store, const engine::TablePtr& table, int column, int row, int rows,
+                                   const KeyAt& keyAt);
+    /// The beginning of it; nothing for a row that is gone.
+    const std::optional<MemoBeginning>& ReadBeginning(engine::Store& store, const engine::TablePtr& table, int column,
+                                                      qsizetype mostOctets, int row, int rows, const KeyAt& keyAt);
+
+private:
+    ReadAhead<engine::StoredMemo> Memos_;
+    ReadAhead<std::optional<MemoBeginning>> Beginnings_;
+    qsizetype MostOctets_ = 0; ///< Of each beginning.
 };
 
 inline constexpr int LargestBatch = 64;

@@ -96,6 +96,8 @@ private:
     virtual void SetValueOf(int ordinal, const QVariant& value) = 0;
     virtual QByteArray OctetsOf(int ordinal, MemoTrust trust) const = 0;
     virtual void SetOctetsOf(int ordinal, const QByteArray& octets) = 0;
+    virtual MemoBeginning BeginningOf(int ordinal, qsizetype mostOctets) const = 0;
+    virtual quint64 HashOf(int ordinal) const = 0;
 };
 
 } // namespace dao

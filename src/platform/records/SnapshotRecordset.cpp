@@ -5,6 +5,7 @@
 #include "platform/records/Values.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace dao
 {
@@ -63,9 +64,21 @@ std::span<const qint64> SnapshotRecordset::KeysAt(int row) const
     return std::span(Keys_).subspan(static_cast<std::size_t>(row) * count, count);
 }
 
+CellView SnapshotRecordset::CellAt(int ordinal) const
+{
+    return RowReader::At(Rows_[static_cast<std::size_t>(CurrentRow())], ordinal);
+}
+
+/// False for the memo of a row that an outer join did not find.
+bool SnapshotRecordset::HasSource(int ordinal) const
+{
+    const int source = ResultColumnAt(ordinal).Source;
+    return source < 0 || KeysAt(CurrentRow())[static_cast<std::size_t>(source)] != engine::NoRow;
+}
+
 QVariant SnapshotRecordset::StoredValueAt(int ordinal) const
 {
-    const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(CurrentRow())], ordinal);
+    const CellView cell = CellAt(ordinal);
     if (cell.CellKind != CellView::Kind::Deferred)
         return FromCell(cell, ColumnAt(ordinal).Type);
     return TextOf(StoredMemoAt(ordinal, MemoTrust::Verified));
@@ -73,20 +86,52 @@ QVariant SnapshotRecordset::StoredValueAt(int ordinal) const
 
 engine::StoredMemo SnapshotRecordset::StoredMemoAt(int ordinal, MemoTrust trust) const
 {
-    const int row = CurrentRow();
-    const CellView cell = RowReader::At(Rows_[static_cast<std::size_t>(row)], ordinal);
+    const CellView cell = CellAt(ordinal);
     if (cell.CellKind == CellView::Kind::Null)
         return {};
     if (cell.CellKind == CellView::Kind::Text)
         return MemoOf(cell.Text);
+    if (!HasSource(ordinal))
+        return {};
     const engine::ResultColumn& column = ResultColumnAt(ordinal);
     const auto source = static_cast<std::size_t>(column.Source);
-    if (KeysAt(row)[source] == engine::NoRow)
-        return {};
-    const engine::StoredMemo& memo =
-        Memos_[static_cast<std::size_t>(ordinal)].Read(Open(), Shape().Sources[source], column.SourceColumn, row,
-                                                       Rows(), [&](int other) { return KeysAt(other)[source]; });
+    const engine::StoredMemo& memo = Memos_[static_cast<std::size_t>(ordinal)].Read(
+        Open(), Shape().Sources[source], column.SourceColumn, CurrentRow(), Rows(),
+        [&](int other) { return KeysAt(other)[source]; });
     return Accepted(memo, ordinal, trust);
+}
+
+MemoBeginning SnapshotRecordset::StoredBeginningAt(int ordinal, qsizetype mostOctets) const
+{
+    if (CellAt(ordinal).CellKind != CellView::Kind::Deferred || !HasSource(ordinal))
+        return StoreRecordset::StoredBeginningAt(ordinal, mostOctets);
+    const engine::ResultColumn& column = ResultColumnAt(ordinal);
+    const auto source = static_cast<std::size_t>(column.Source);
+    const std::optional<MemoBeginning>& beginning = Memos_[static_cast<std::size_t>(ordinal)].ReadBeginning(
+        Open(), Shape().Sources[source], column.SourceColumn, mostOctets, CurrentRow(), Rows(),
+        [&](int other) { return KeysAt(other)[source]; });
+    if (!beginning)
+        RaiseDeleted();
+    return *beginning;
+}
+
+quint64 SnapshotRecordset::HashOf(int ordinal) const
+{
+    Open();
+    const CellView cell = CellAt(ordinal);
+    switch (cell.CellKind) {
+    case CellView::Kind::Null:
+        return 0;
+    case CellView::Kind::Integer:
+        return std::bit_cast<quint64>(cell.Integer);
+    case CellView::Kind::Real:
+        return std::bit_cast<quint64>(cell.Real);
+    case CellView::Kind::Text:
+        return qHashBits(cell.Text.data(), cell.Text.size(), 1);
+    case CellView::Kind::Deferred:
+        break;
+    }
+    return StoreRecordset::HashOf(ordinal);
 }
 
 void SnapshotRecordset::Release()

@@ -24,6 +24,8 @@ protected:
     void RowWasAdded(qint64) override {}
     QVariant StoredValueAt(int ordinal) const override;
     engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const override;
+    MemoBeginning StoredBeginningAt(int ordinal, qsizetype mostOctets) const override;
+    quint64 HashOf(int ordinal) const override;
     void Release() override;
     int Rows() const override { return static_cast<int>(Rows_.size()); }
     bool IsGone(int) const override { return false; }
@@ -31,6 +33,8 @@ protected:
     void ForgetValues() const override {}
 
 private:
+    CellView CellAt(int ordinal) const;
+    bool HasSource(int ordinal) const;
     void Append(std::span<const qint64> keys, std::string_view cells);
 
     std::vector<std::unique_ptr<char[]>> Chunks_; ///< Where the rows' cells lie.

@@ -240,6 +240,27 @@ QByteArray StoreRecordset::OctetsOf(int ordinal, MemoTrust trust) const
     return trust == MemoTrust::AsStored ? OctetsFromAnything(memo.Utf8) : OctetsFromUtf8(memo.Utf8);
 }
 
+MemoBeginning StoreRecordset::StoredBeginningAt(int ordinal, qsizetype mostOctets) const
+{
+    return engine::BeginningOf(StoredMemoAt(ordinal, MemoTrust::AsStored), mostOctets);
+}
+
+MemoBeginning StoreRecordset::BeginningOf(int ordinal, qsizetype mostOctets) const
+{
+    Open();
+    if (ColumnAt(ordinal).IsMemo() && Mode_ == EditMode::None)
+        return StoredBeginningAt(ordinal, mostOctets);
+    const QVariant value = ValueOf(ordinal);
+    return value.isValid() ? engine::BeginningOf(MemoOf(TextToUtf8(value.toString()).toStdString()), mostOctets)
+                           : MemoBeginning{{}, true};
+}
+
+quint64 StoreRecordset::HashOf(int ordinal) const
+{
+    const QVariant value = ValueOf(ordinal);
+    return value.isValid() ? qHash(value.toString(), 1) : 0;
+}
+
 void StoreRecordset::SetOctetsOf(int ordinal, const QByteArray& octets)
 {
     auto& buffered = BufferFor(ordinal);

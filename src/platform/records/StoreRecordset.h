@@ -50,6 +50,9 @@ protected:
     /// A memo of the current row. 3428 for one that is damaged and not to be had as it is.
     virtual engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const = 0;
     /// What StoredMemoAt answers for a memo that was read.
+    /// The beginning of a value of the current row; here of one that is read whole.
+    virtual MemoBeginning StoredBeginningAt(int ordinal, qsizetype mostOctets) const;
+    quint64 HashOf(int ordinal) const override;
     engine::StoredMemo Accepted(const engine::StoredMemo& memo, int ordinal, MemoTrust trust) const;
     static engine::StoredMemo MemoOf(std::string_view utf8);
     /// As the value of its field.
@@ -74,6 +77,7 @@ private:
     void SetValueOf(int ordinal, const QVariant& value) override;
     QByteArray OctetsOf(int ordinal, MemoTrust trust) const override;
     void SetOctetsOf(int ordinal, const QByteArray& octets) override;
+    MemoBeginning BeginningOf(int ordinal, qsizetype mostOctets) const override;
 
     const std::optional<StoredValue>* Buffered(int ordinal) const;
     std::optional<StoredValue>& BufferFor(int ordinal);

@@ -107,9 +107,9 @@ void FlexGrid::SetTextMatrix(int row, int col, const QString& text)
     Model_->SetText(row, col, text);
 }
 
-void FlexGrid::SetTextToFit(int row, int col, const QString& text, const std::shared_ptr<const TextFitting>& fitting)
+void FlexGrid::SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts)
 {
-    Model_->SetTextToFit(row, col, text, fitting);
+    Model_->SetLateTexts(row, firstCol, std::move(texts));
 }
 
 // ---- The current cell

@@ -3,11 +3,11 @@
 
 #include <QTableView>
 
-#include <functional>
 #include <memory>
 #include <vector>
 
 class FlexGridModel;
+class LateTexts;
 
 /// A table that is filled cell by cell, with whole rows selected one at a time. Row 0 is the header: its texts are the
 /// headings above the columns, and Rows() counts it. Rows and columns outside the table read as empty (0, false) and
@@ -39,10 +39,9 @@ public:
     /// A carriage return or line feed begins a second line where setWordWrap is on, and is a blank where it is off.
     QString TextMatrix(int row, int col) const;
     void SetTextMatrix(int row, int col, const QString& text);
-    /// The same with the text that fitting makes of text, which costs nothing until somebody asks for it or sees it: of
-    /// a long list few rows are ever seen. For one column of the grid. fitting gives the same whenever it is called.
-    void SetTextToFit(int row, int col, const QString& text,
-                      const std::shared_ptr<const std::function<QString(const QString&)>>& fitting);
+    /// Texts of the row's cells from that column on, the same one for all rows, which cost nothing until somebody asks
+    /// for one of the row or sees it. Takes the place of texts that were set so before and that nobody has asked for.
+    void SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts);
 
     /// The current row, shown as selected whole; 0 when there is none. Setting never scrolls.
     int Row() const { return Row_; }

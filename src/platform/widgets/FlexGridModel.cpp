@@ -61,7 +61,7 @@ void FlexGridModel::ResizeRows(int rows)
     StyleOfCell_.resize(cells);
     Heights_.resize(count, -1);
     AccessibleOfRow_.resize(count);
-    FittingOfRow_.resize(count);
+    LateOfRow_.resize(count);
     Rows_ = rows;
     if (rows == 1)
         ForgetShared();
@@ -76,7 +76,7 @@ void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
     std::deque<qint32> styles(count * cols);
     std::deque<float> heights(count, -1);
     std::deque<qint32> accessible(count);
-    std::deque<std::shared_ptr<const TextFitting>> fittings(count);
+    std::deque<std::unique_ptr<const LateTexts>> late(count);
     for (size_t row = 0; row < count; ++row) {
         const int source = row == 0 ? 0 : sources[row - 1] + 1;
         if (source < 0 || (row > 0 && source < 1) || source >= Rows_)
@@ -88,7 +88,7 @@ void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
         }
         heights[row] = Heights_[static_cast<size_t>(source)];
         accessible[row] = AccessibleOfRow_[static_cast<size_t>(source)];
-        fittings[row] = std::move(FittingOfRow_[static_cast<size_t>(source)]);
+        late[row] = std::move(LateOfRow_[static_cast<size_t>(source)]);
     }
     for (size_t row = 1; row < count; ++row) {
         if (row >= Heights_.size() || heights[row] != Heights_[row])
@@ -98,7 +98,7 @@ void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
     StyleOfCell_.swap(styles);
     Heights_.swap(heights);
     AccessibleOfRow_.swap(accessible);
-    FittingOfRow_.swap(fittings);
+    LateOfRow_.swap(late);
     Rows_ = static_cast<int>(count);
     ChangedRows_.Add(1, Rows_ - 1);
 }
@@ -198,37 +198,38 @@ QString FlexGridModel::Text(int row, int col) const
 {
     if (!IsCell(row, col))
         return {};
-    if (col == FittingCol_)
-        Fit(row);
+    MakeTexts(row, col);
     return Texts_[CellAt(row, col)];
 }
 
-void FlexGridModel::Fit(int row) const
+/// Before the text of that column is looked at or set.
+void FlexGridModel::MakeTexts(int row, int col) const
 {
-    const auto fitting = std::exchange(FittingOfRow_[static_cast<size_t>(row)], nullptr);
-    if (!fitting)
+    if (col < FirstLateCol_)
         return;
-    QString& text = Texts_[CellAt(row, FittingCol_)];
-    text = WithoutReserve((*fitting)(text));
+    const auto late = std::exchange(LateOfRow_[static_cast<size_t>(row)], nullptr);
+    if (!late)
+        return;
+    late->Make([this, row](int made, const QString& text) {
+        if (made >= FirstLateCol_ && made < Cols_)
+            Texts_[CellAt(row, made)] = WithoutReserve(text);
+    });
 }
 
-void FlexGridModel::SetTextToFit(int row, int col, const QString& text,
-                                 const std::shared_ptr<const TextFitting>& fitting)
+void FlexGridModel::SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts)
 {
-    if (row < 1 || !IsCell(row, col))
+    if (row < 1 || !IsCell(row, firstCol))
         return;
-    FittingCol_ = col;
-    FittingOfRow_[static_cast<size_t>(row)] = fitting;
-    Texts_[CellAt(row, col)] = WithoutReserve(text);
-    Changed(row, col, col);
+    FirstLateCol_ = firstCol;
+    LateOfRow_[static_cast<size_t>(row)] = std::move(texts);
+    Changed(row, firstCol, Cols_ - 1);
 }
 
 void FlexGridModel::SetText(int row, int col, const QString& text)
 {
     if (!IsCell(row, col))
         return;
-    if (col == FittingCol_)
-        Fit(row);
+    MakeTexts(row, col);
     QString& present = Texts_[CellAt(row, col)];
     if (present == text)
         return;
@@ -253,6 +254,8 @@ void FlexGridModel::ChangeStyles(int row, int firstCol, int lastCol, Change chan
         CellStyle style = Style(row, col);
         change(style);
         qint32& present = StyleOfCell_[CellAt(row, col)];
+        if (style == Styles_[static_cast<size_t>(present)])
+            continue;
         const qint32 wanted = StyleIndex(style);
         changed = changed || wanted != present;
         present = wanted;

@@ -28,8 +28,20 @@ struct CellStyle
     }
 };
 
-/// Makes the text that a cell shows of the text that it was given.
-using TextFitting = std::function<QString(const QString&)>;
+/// Texts of a row that are made when somebody asks for one of them or sees it: of a long list few rows are ever seen.
+class LateTexts
+{
+public:
+    using Set = std::function<void(int col, const QString& text)>;
+
+    LateTexts() = default;
+    virtual ~LateTexts() = default;
+    LateTexts(const LateTexts&) = delete;
+    LateTexts& operator=(const LateTexts&) = delete;
+
+    /// Sets the texts of some cells; the others keep theirs.
+    virtual void Make(const Set& set) const = 0;
+};
 
 /// Rows that something happened to. Coarse on purpose: the first and the last one.
 class RowRange
@@ -70,8 +82,8 @@ public:
 
     QString Text(int row, int col) const;
     void SetText(int row, int col, const QString& text);
-    /// FlexGrid::SetTextToFit.
-    void SetTextToFit(int row, int col, const QString& text, const std::shared_ptr<const TextFitting>& fitting);
+    /// FlexGrid::SetLateTexts.
+    void SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts);
     /// The default style outside the table, and for the header row.
     const CellStyle& Style(int row, int col) const;
     void SetBackColour(int row, int firstCol, int lastCol, qint32 colour);
@@ -108,7 +120,7 @@ private:
     void ResizeRows(int rows);
     void ResizeCols(int cols);
     void ForgetShared();
-    void Fit(int row) const;
+    void MakeTexts(int row, int col) const;
     void TellRowCount();
     void Changed(int row, int firstCol, int lastCol);
     qint32 StyleIndex(const CellStyle& style);
@@ -128,10 +140,9 @@ private:
 
     // Queues rather than vectors: they grow in small pieces, without copying and without a reserve of half their size.
     mutable std::deque<QString> Texts_;
-    /// What the row's text in FittingCol_ has yet to go through; null for nothing.
-    mutable std::deque<std::shared_ptr<const TextFitting>> FittingOfRow_ =
-        std::deque<std::shared_ptr<const TextFitting>>(1);
-    int FittingCol_ = -1;
+    /// What the row's texts from FirstLateCol_ on have yet to be made by; null for nothing.
+    mutable std::deque<std::unique_ptr<const LateTexts>> LateOfRow_ = std::deque<std::unique_ptr<const LateTexts>>(1);
+    int FirstLateCol_ = 0;
     std::deque<qint32> StyleOfCell_;
     std::deque<float> Heights_ = {-1};
     std::deque<qint32> AccessibleOfRow_ = {0};

@@ -82,6 +82,11 @@ public:
     {
         return Counted().ReadMemos(table, column, ids, octetBudget);
     }
+    std::vector<std::optional<dao::MemoBeginning>>
+    ReadMemoBeginnings(const TablePtr& table, int column, std::span<const qint64> ids, qsizetype mostOctets) override
+    {
+        return Counted().ReadMemoBeginnings(table, column, ids, mostOctets);
+    }
     int CountRows(const TablePtr& table) override { return Counted().CountRows(table); }
     qint64 DrawCounter(const TablePtr& table) override { return Counted().DrawCounter(table); }
     qint64 Insert(const TablePtr& table, std::span<const Assignment> values) override

@@ -91,6 +91,9 @@ struct StoredMemo
     qsizetype Size() const { return Utf8.size() + Octets.size(); }
 };
 
+/// As much of a memo as was asked for.
+MemoBeginning BeginningOf(const StoredMemo& memo, qsizetype mostOctets);
+
 struct ParameterValue
 {
     QString Name;
@@ -143,6 +146,11 @@ public:
     /// A memo of each of these rows. Stops early, after one row at least, when octetBudget is used up.
     virtual std::vector<StoredMemo> ReadMemos(const TablePtr& table, int column, std::span<const qint64> ids,
                                               qint64 octetBudget) = 0;
+    /// The first octets of a memo of each of these rows, at most so many of each, unchecked; nothing for a row that is
+    /// gone. May stop early, after one row at least. What is here reads the memos whole, for an engine that cannot read
+    /// a part of one.
+    virtual std::vector<std::optional<MemoBeginning>>
+    ReadMemoBeginnings(const TablePtr& table, int column, std::span<const qint64> ids, qsizetype mostOctets);
     virtual int CountRows(const TablePtr& table) = 0;
 
     /// The next number of the table's counter; never the same again.

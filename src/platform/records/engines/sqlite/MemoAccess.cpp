@@ -4,6 +4,7 @@
 #include "platform/Ascii.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
+#include "platform/records/engines/sqlite/MemoBlob.h"
 #include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
@@ -33,34 +34,6 @@ enum MemoPlace
     CheckPlace
 };
 
-/// An open value of SQLite's that is read in pieces.
-class OpenValue
-{
-public:
-    OpenValue(Connection& connection, const QString& table, const QString& column, qint64 id) : Connection_(connection)
-    {
-        const int code = sqlite3_blob_open(connection.Handle(), "main", table.toUtf8().constData(),
-                                           column.toUtf8().constData(), id, 0, &Handle_);
-        if (code != SQLITE_OK)
-            connection.Raise(code);
-    }
-    ~OpenValue() { sqlite3_blob_close(Handle_); }
-    OpenValue(const OpenValue&) = delete;
-    OpenValue& operator=(const OpenValue&) = delete;
-
-    int Size() const { return sqlite3_blob_bytes(Handle_); }
-    void Read(char* to, int count, int from) const
-    {
-        const int code = sqlite3_blob_read(Handle_, to, count, from);
-        if (code != SQLITE_OK)
-            Connection_.Raise(code);
-    }
-
-private:
-    Connection& Connection_;
-    sqlite3_blob* Handle_ = nullptr;
-};
-
 std::string_view View(const QByteArray& octets)
 {
     return {octets.constData(), static_cast<std::size_t>(octets.size())};
@@ -84,10 +57,10 @@ QByteArray MemoAccess::Columns(int column) const
 {
     const Column& memo = Table_->Columns[static_cast<std::size_t>(column)];
     const QByteArray name = QuoteName(memo.Name);
-    const QByteArray isLarge = QByteArray(OctetsColumn) + " > " + QByteArray::number(LargeMemo);
     // typeof() looks at the value's kind alone.
-    QByteArray columns =
-        isLarge + " AND typeof(" + name + ") <> 'null', CASE WHEN " + isLarge + " THEN NULL ELSE " + name + " END";
+    const QByteArray isLarge = '(' + QByteArray(OctetsColumn) + " > " + QByteArray::number(LargeMemo) + " AND typeof(" +
+                               name + ") IN ('text', 'blob'))";
+    QByteArray columns = isLarge + ", CASE WHEN " + isLarge + " THEN NULL ELSE " + name + " END";
     if (HasChecks_)
         columns += ", " + CheckColumn(memo);
     return columns;
@@ -150,7 +123,9 @@ StoredMemo MemoAccess::Take(const StatementUse& use, int column, qint64 id)
 
 StoredMemo MemoAccess::TakeLarge(const StatementUse& use, int column, qint64 id)
 {
-    const OpenValue value(Connection_, Table_->Name, Table_->Columns[static_cast<std::size_t>(column)].Name, id);
+    MemoBlob value(Connection_, *Table_, column);
+    if (!value.MoveTo(id))
+        Connection_.Raise(SQLITE_CORRUPT); // the row was there, and is held
     QByteArray utf8(value.Size(), Qt::Uninitialized);
     char* const to = utf8.data();
     MemoSum sum(id);

@@ -3,6 +3,7 @@
 
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/FileIdentity.h"
+#include "platform/records/engines/sqlite/MemoBlob.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/StoreScopes.h"
 
@@ -291,6 +292,26 @@ std::vector<engine::StoredMemo> SqliteStore::ReadMemos(const TablePtr& table, in
     }
     RequireSameFile();
     return memos;
+}
+
+std::vector<std::optional<MemoBeginning>>
+SqliteStore::ReadMemoBeginnings(const TablePtr& table, int column, std::span<const qint64> ids, qsizetype mostOctets)
+{
+    ReadScope scope(*this, ids.size() > 1);
+    TableAccess& access = Access(table);
+    MemoBlob blob(Connection_, *table, column);
+    std::vector<std::optional<MemoBeginning>> beginnings;
+    beginnings.reserve(ids.size());
+    for (const qint64 id : ids) {
+        beginnings.push_back(blob.Beginning(id, mostOctets));
+        if (beginnings.back())
+            continue;
+        const engine::StoredMemo memo = access.Memos().Read(column, id);
+        if (memo.HasRow)
+            beginnings.back() = engine::BeginningOf(memo, mostOctets);
+    }
+    RequireSameFile();
+    return beginnings;
 }
 
 int SqliteStore::CountRows(const TablePtr& table)

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "messageslist/MessageLook.h"
+
+#include "database/RowValues.h"
+#include "database/cTolvaDatabase.h"
+#include "platform/mail/RawHeaders.h"
+#include "platform/records/Recordset.h"
+
+#include <algorithm>
+
+using RowValues::LocalDate;
+using RowValues::NumberOr;
+
+namespace
+{
+/// Mails that came a short way have their header in the first; each that has a longer one doubles it, up to the last.
+constexpr qsizetype FirstBeginning = 1024;
+constexpr qsizetype LongestBeginning = 32 * 1024;
+
+const QList<QByteArray>& HeaderNames()
+{
+    static const QList<QByteArray> names = {"Subject", "From"};
+    return names;
+}
+
+void TakeHeader(MessageLook& look, const QList<QByteArray>& values)
+{
+    look.Subject = values.at(0);
+    look.From = values.at(1);
+}
+} // namespace
+
+MessageLook StateOf(const cMessage& message)
+{
+    MessageLook look;
+    look.Reference = message.Reference();
+    look.MessageType = message.MessageType();
+    look.Flags = message.Flags();
+    look.Priority = message.Priority();
+    look.PersonalToContact = message.PersonalToContact();
+    look.HasHighlightWords = message.HasHighlightWords();
+    look.Sent = message.Sent();
+    look.Received = message.Received();
+    return look;
+}
+
+MessageLook LookOf(const cMessage& message)
+{
+    MessageLook look = StateOf(message);
+    TakeHeader(look, cdo::RawHeaders(message.CDOMessage()->Octets(), HeaderNames(), LongestCell));
+    return look;
+}
+
+MessageLooks::MessageLooks(cTolvaDatabase& database, dao::Recordset& rows)
+    : Database_(database),
+      Rows_(rows),
+      Reference_(rows[QStringLiteral("Reference")]),
+      MessageType_(rows[QStringLiteral("MessageType")]),
+      Flags_(rows[QStringLiteral("Flags")]),
+      Priority_(rows[QStringLiteral("Priority")]),
+      PersonalToContact_(rows[QStringLiteral("PersonalToContact")]),
+      HasHighlightWords_(rows[QStringLiteral("HasHighlightWords")]),
+      Sent_(rows[QStringLiteral("Sent")]),
+      Received_(rows[QStringLiteral("Received")]),
+      Message_(rows[QStringLiteral("Message")]),
+      BeginningOctets_(FirstBeginning)
+{
+}
+
+std::optional<MessageLook> MessageLooks::Read()
+{
+    MessageLook look;
+    if (!ReadHeader(look)) {
+        const cMessagePtr message = Database_.GetMessage(Rows_);
+        return message ? std::optional(LookOf(*message)) : std::nullopt;
+    }
+    look.Reference = NumberOr(Reference_.Value(), 0);
+    look.MessageType = static_cast<enMsgType>(NumberOr(MessageType_.Value(), emtEmail));
+    look.Flags = NumberOr(Flags_.Value(), 0);
+    look.Priority = NumberOr(Priority_.Value(), 0);
+    look.PersonalToContact = NumberOr(PersonalToContact_.Value(), 0);
+    look.HasHighlightWords = NumberOr(HasHighlightWords_.Value(), 0) != 0;
+    look.Sent = LocalDate(Sent_.Value());
+    look.Received = LocalDate(Received_.Value());
+    return look;
+}
+
+/// False where the beginning of the mail does not tell, or cannot be read: then the whole mail says what there is.
+bool MessageLooks::ReadHeader(MessageLook& look)
+{
+    dao::MemoBeginning beginning;
+    try {
+        beginning = Message_.Beginning(BeginningOctets_);
+    } catch (const dao::Error& error) {
+        if (error.Number() != dao::errRecordDeleted && error.Number() != dao::errFileDamaged)
+            throw;
+        return false;
+    }
+    const auto values = cdo::RawHeadersOfBeginning(beginning.Utf8, beginning.IsWhole, HeaderNames(), LongestCell);
+    if (!values) {
+        BeginningOctets_ = std::min(BeginningOctets_ * 2, LongestBeginning);
+        return false;
+    }
+    TakeHeader(look, *values);
+    return true;
+}
