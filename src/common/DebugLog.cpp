@@ -2,8 +2,8 @@
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
+#include "common/MachineSettings.h"
 #include "common/ProcessMemory.h"
-#include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "common/kvGeneralState.h"
@@ -45,10 +45,7 @@ QString Folder(DebugLog& log)
 {
     if (GeneralHelper::DebugPath().isEmpty() && !log.DebugPathChecked) {
         log.DebugPathChecked = true;
-        GeneralHelper::SetDebugPath(ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                                                     QStringLiteral("SOFTWARE\\Kelvarin"),
-                                                                     QStringLiteral("DebugPath"), QString())
-                                        .toString());
+        GeneralHelper::SetDebugPath(MachineSettings::DebugPath());
     }
     return GeneralHelper::DebugPath().isEmpty() ? DefaultFolder() : GeneralHelper::DebugPath();
 }

@@ -4,8 +4,8 @@
 
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
+#include "common/MachineSettings.h"
 #include "common/PendingError.h"
-#include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/Collision.h"
@@ -25,13 +25,6 @@ enum AuditKind
 const QString OpenedTitle = QStringLiteral("Tolva Database Opened");
 const QString LastAccessed = QStringLiteral("LastAccessed");
 const QString LastAccessedSoftware = QStringLiteral("LastAccessedSoftware");
-const QString MachineKey = QStringLiteral("SOFTWARE\\Kelvarin");
-
-bool MachineFlag(const QString& key, const QString& value, bool defaultValue)
-{
-    return ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine), key, value, defaultValue)
-        .toBool();
-}
 
 std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString& name)
 {
@@ -75,8 +68,7 @@ qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QSt
             return result;
     }
 
-    if (MachineFlag(MachineKey, QStringLiteral("AlwaysValidateDatabases"), false) ||
-        Information_.Version < StructureVersion) {
+    if (MachineSettings::AlwaysValidatesDatabases() || Information_.Version < StructureVersion) {
         WriteDebugLog(QStringLiteral("Updating Database Structure"));
         if (const int code = ValidateTolvaDatabase(fileName))
             return FailOpen(QStringLiteral("'%1' - Couldn't validate the Database's Structure").arg(fileName), code);
@@ -130,7 +122,7 @@ QString cTolvaDatabase::NameAndPath() const
 void cTolvaDatabase::OpenWithLockingMode(const QString& fileName, PendingError& pending)
 {
     std::unique_ptr<ado::Connection> connection;
-    if (MachineFlag(MachineKey + QStringLiteral("\\Utils\\Databases"), QStringLiteral("UseRecordLevelLocking"), true)) {
+    if (MachineSettings::UsesRecordLevelLocking()) {
         WriteDebugLog(QStringLiteral("Opening ADO Connection to Database"));
         connection = std::make_unique<ado::Connection>();
         PendingError failure;
