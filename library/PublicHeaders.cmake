@@ -17,6 +17,7 @@ set(publicHeaders
     common/kvGeneral.h
     database/DAO_DatabaseFunctions.h
     database/DatabaseInformation.h
+    database/LockingMode.h
     database/RestoreBackup.h
     database/cTolvaDatabase.h
     database/watch/ChangeStamp.h

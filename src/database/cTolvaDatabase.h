@@ -6,6 +6,7 @@
 #include "common/cPageSetup.h"
 #include "common/clsFont.h"
 #include "database/DatabaseInformation.h"
+#include "database/LockingMode.h"
 #include "database/watch/ChangeStamp.h"
 #include "messages/MessageSaving.h"
 #include "messages/cMessage.h"
@@ -23,20 +24,16 @@
 #include <optional>
 #include <vector>
 
-class BackupTimer;
+class BackupStore;
+class HighlightSettings;
 class ListViewObject;
+class PendingError;
+class SettingsStore;
+class StationContext;
+class StationDetails;
+class StationWatch;
 class clsKVDirectory;
 class clsKVUser;
-class PendingError;
-class StationWatch;
-
-/// How the computers that share a file lock it.
-enum class LockingMode : qint32
-{
-    Unknown = -1,
-    PageLevel = 0,
-    RecordLevel = 1
-};
 
 /// The one object through which a host and every control reach a station's database. The host owns it, sets
 /// DirectoryDatabase, opens it on a folder and keeps it while controls use it; destroying it closes the file. All on
@@ -69,10 +66,10 @@ public:
     /// Creates or completes all tables of a file. It opens the file by itself. 0 or an error number, which the user has
     /// been told.
     qint16 ValidateTolvaDatabase(const QString& fileName);
-    bool IsOpen() const { return Database_ != nullptr; }
+    bool IsOpen() const;
     /// How often this object has opened a file: what was read before belongs to another opening, and may be another
     /// file's.
-    int Openings() const { return Openings_; }
+    int Openings() const;
     /// Through which the lists of this object hear of what other computers change.
     StationWatch& Watch() const { return *Watch_; }
     /// The settings dialog, unless the user lacks the right. True when it was confirmed.
@@ -82,35 +79,35 @@ public:
     static int DebugMode();
     static void SetDebugMode(int level);
 
-    const QString& Description() const { return Information_.Description; }
-    const QString& Location() const { return Information_.Location; }
-    const DatabaseInformation& Information() const { return Information_; }
+    const QString& Description() const;
+    const QString& Location() const;
+    const DatabaseInformation& Information() const;
     /// The file's name without its extension.
     QString DatabaseReference() const;
     /// What is in force now; Unknown when nothing is open.
     LockingMode DatabaseLockingMode() const;
 
     /// Without message boxes for failures; the log is written all the same.
-    bool SilentMode() const { return SilentMode_; }
-    void SetSilentMode(bool silent) { SilentMode_ = silent; }
+    bool SilentMode() const;
+    void SetSilentMode(bool silent);
     /// False stops the four events of this object. Starts true.
-    bool RaiseEvents() const { return RaiseEvents_; }
-    void SetRaiseEvents(bool raise) { RaiseEvents_ = raise; }
+    bool RaiseEvents() const;
+    void SetRaiseEvents(bool raise);
 
     /// The host's directory, which the host owns; null for none.
-    clsKVDirectory* DirectoryDatabase() const { return DirectoryDatabase_; }
-    void SetDirectoryDatabase(clsKVDirectory* directory) { DirectoryDatabase_ = directory; }
+    clsKVDirectory* DirectoryDatabase() const;
+    void SetDirectoryDatabase(clsKVDirectory* directory);
 
     /// Why the last operation that answered false or nothing did so: an error number of dao::ErrorNumber, and its
     /// words. 0 when no error stood behind it.
-    int LastErrorNumber() const { return LastErrorNumber_; }
-    const QString& LastErrorDescription() const { return LastErrorDescription_; }
+    int LastErrorNumber() const;
+    const QString& LastErrorDescription() const;
 
     /// A transaction of the caller's that has the writer's lock of the station from the beginning: what is read in it
     /// stays as it is read until it ends, and all operations in it become durable in its commit. Events are raised as
     /// they come, the user log follows the commit. Nothing may wait for the user in it. dao::Error: 3260 when another
     /// computer has the lock for too long, 3420 on a closed object.
-    dao::Transaction BeginChange() const { return dao::Transaction(OpenedDatabase()); }
+    dao::Transaction BeginChange() const;
 
     // Settings: named values that all computers share.
 
@@ -125,10 +122,10 @@ public:
     /// Stores the backup options, the highlight font and words, and the label geometry. Always true.
     bool WriteDatabaseSettings();
 
-    bool EnableAutoBackup() const { return EnableAutoBackup_; }
+    bool EnableAutoBackup() const;
     void SetEnableAutoBackup(bool enable);
     /// Minutes: 60 or 1440.
-    qint32 BackupInterval() const { return BackupInterval_; }
+    qint32 BackupInterval() const;
     void SetBackupInterval(qint32 minutes);
     /// Days; 0 keeps every backup.
     qint16 BackupExpiryDays() const;
@@ -142,12 +139,12 @@ public:
     bool BackupDatabase(bool forceBackup);
     /// False: this object makes no backup by itself, whatever the station's setting says. For stations in the making
     /// and for tools that open one for a moment. Counts from the next reading of the settings. Starts true.
-    bool MakesAutomaticBackups() const { return MakesAutomaticBackups_; }
-    void SetMakesAutomaticBackups(bool makes) { MakesAutomaticBackups_ = makes; }
+    bool MakesAutomaticBackups() const;
+    void SetMakesAutomaticBackups(bool makes);
     /// True: moving and deleting a message, emptying a folder and deleting a prize move the change stamp as saving
     /// does, so that other computers see it at once. It is stored together with the change. Starts false.
-    bool StampsEveryChange() const { return StampsEveryChange_; }
-    void SetStampsEveryChange(bool stamps) { StampsEveryChange_ = stamps; }
+    bool StampsEveryChange() const;
+    void SetStampsEveryChange(bool stamps);
 
     QString StationName() const;
     void SetStationName(const QString& name);
@@ -173,7 +170,9 @@ public:
     QString CurrentSongFullName() const;
     void SetCurrentSongFullName(const QString& song);
 
-    clsFont& MessageHighlightFont() { return MessageHighlightFont_; }
+    clsFont& MessageHighlightFont();
+    /// The font with its words, for the dialog that changes both.
+    HighlightSettings& Highlights() { return *Highlights_; }
     cPageSetup& AddressLabelsPageSetup() { return AddressLabelsPageSetup_; }
     /// What a station's label sheet measures until it is changed.
     static void SetLabelDefaults(cPageSetup& pageSetup);
@@ -342,52 +341,13 @@ Q_SIGNALS:
     void PrizeDeleted(const cPrizePtr& Prize);
 
 private:
-    friend class cMessage;
-    friend class frmHighlightSettings;
-
-    static constexpr qint32 TolvaDatabaseType = 31;
-
-    // Steps of the open, in OpenTolvaDatabase.cpp.
-    qint32 FailOpen(const QString& text, qint32 result);
-    void OpenWithLockingMode(const QString& fileName, PendingError& pending);
-    void AskForStationName(PendingError& pending);
-    void CheckSettingsIndex() const;
-    void BringUpToDate(const QString& location);
-    void WriteStructureVersion();
-    void RefreshHTMLTemplates(const QString& location); // in HTMLTemplates.cpp
     bool InsistOnStationDetails(bool settingsRead);
-    void WriteLastAccess();
-    QString NameAndPath() const;
-
-    qint32 OfferBackupOfCorruptedDatabase(const QString& fileName, const QString& connect, qint32 failure);
-
-    // Backups, in Backup.cpp.
-    bool IsBackupAnnounced(Date now) const;
-    bool IsBackupRecent(Date now) const;
-    bool MakeBackup(Date now, bool forceBackup);
-    void UpdateBackupTimer();
-    void UnloadBackupTimer();
-
-    // Structure, in ValidateTolvaDatabase.cpp.
-    int CheckMessagesTable(dao::Database& database) const;
-    int CheckMessageCategoriesTable(dao::Database& database) const;
-    int CheckPrizesTable(dao::Database& database) const;
-    int CheckPrizeWinnersTable(dao::Database& database) const;
-
-    // Settings.
-    /// 0 or an error number, which the user has been told.
-    int StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue, bool silent = false);
     bool CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending);
-    void ReadHighlightSettings();
-    /// Stores the highlight font and words and takes them over; false at the first that could not be stored.
-    bool StoreHighlightSettings(const clsFont& font, const QString& words);
-    const QString& HighlightWords() const { return HighlightWords_; }
-    void SetHighlightWords(const QString& words);
 
     // Messages and folders.
+    void SaveFixedCategories();
     void SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
                            qint32 backColour, const QString& iconReference);
-    void SaveFixedCategories();
     void StoreCategory(clsCategory& category);
     void StoreCategoryTree(clsCategory& category);
     QString KeyCountry(enMsgType type);
@@ -431,28 +391,24 @@ private:
     bool LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const;
     void KeepLastError(const PendingError& pending);
 
-    std::unique_ptr<dao::Database> Database_;
-    int Openings_ = 0;
+    std::unique_ptr<StationContext> Station_;
+    std::unique_ptr<SettingsStore> Settings_;
+    std::unique_ptr<StationDetails> Details_;
+    std::unique_ptr<HighlightSettings> Highlights_;
+    std::unique_ptr<BackupStore> Backups_;
+    std::unique_ptr<StationWatch> Watch_;
+    cPageSetup AddressLabelsPageSetup_;
+
+    std::unique_ptr<dao::Database>& Database_;
+    clsKVDirectory*& DirectoryDatabase_;
+    bool& SilentMode_;
+    bool& RaiseEvents_;
+    bool& StampsEveryChange_;
+    const clsFont& MessageHighlightFont_;
+    const QString& HighlightWords_;
     StampMove CommittedMove_; ///< Of the last CommitWithStamp.
     StampMove ToldMessageMove_;
     StampMove ToldPrizeMove_;
-    DatabaseInformation Information_;
     std::unique_ptr<clsCategory> MessageCategories_;
-    std::unique_ptr<StationWatch> Watch_;
-    cPageSetup AddressLabelsPageSetup_;
-    QString MachineName_;
-    qint32 BackupInterval_ = 1440;
-    bool EnableAutoBackup_ = true;
-    bool BackupInProgress_ = false;
-    bool MakesAutomaticBackups_ = true;
-    bool StampsEveryChange_ = false;
-    std::shared_ptr<BackupTimer> BackupTimer_;
-    clsFont MessageHighlightFont_;
-    QString HighlightWords_;
-    bool SilentMode_ = false;
-    bool RaiseEvents_ = true;
     bool FixedCategoryBusy_ = false;
-    clsKVDirectory* DirectoryDatabase_ = nullptr;
-    int LastErrorNumber_ = 0;
-    QString LastErrorDescription_;
 };

@@ -224,7 +224,7 @@ bool cTolvaDatabase::DeleteStoredPrize(qint32 reference, dao::Recordset& prizes,
         isDeleted = !pending;
     });
     // The failure of a winner stands behind that of the commit, if both failed, and is the one to tell.
-    if (!isDeleted && LastErrorNumber_ == 0)
+    if (!isDeleted && LastErrorNumber() == 0)
         KeepLastError(pending);
     return isDeleted;
 }

@@ -120,7 +120,7 @@ bool cTolvaDatabase::SavePrizeWinner(const cPrizeWinnerPtr& prizeWinner)
     // Whether a unit is left is read under the lock under which it is taken.
     std::optional<dao::Transaction> transaction;
     if (!BeginWinnerChange(transaction)) {
-        WriteDebugLog(QStringLiteral("Couldn't save Prize Winner - ") + LastErrorDescription_, -1);
+        WriteDebugLog(QStringLiteral("Couldn't save Prize Winner - ") + LastErrorDescription(), -1);
         return false;
     }
     const cPrizePtr prize = GetPrize(prizeWinner->PrizeReference(), true);
@@ -261,7 +261,7 @@ bool cTolvaDatabase::DeleteStoredWinner(qint32 reference)
         LogStartOfSave(prize);
         return StorePrize(prize, *transaction);
     }
-    if (LastErrorNumber_ != 0)
+    if (LastErrorNumber() != 0)
         return false;
     pending.Try([&] { transaction->Commit(); });
     KeepLastError(pending);
