@@ -15,12 +15,16 @@
 #include "database/watch/StationWatch.h"
 #include "messages/HighlightSettings.h"
 #include "platform/directory/clsKVUser.h"
+#include "prizes/PrizeStore.h"
+#include "prizes/WinnerStore.h"
 
 cTolvaDatabase::cTolvaDatabase()
     : Station_(std::make_unique<StationContext>()),
       Settings_(std::make_unique<SettingsStore>(*Station_)),
       Details_(std::make_unique<StationDetails>(*Station_, *Settings_)),
       Highlights_(std::make_unique<HighlightSettings>(*Settings_)),
+      Prizes_(std::make_unique<PrizeStore>(*Station_, *Settings_)),
+      Winners_(std::make_unique<WinnerStore>(*Station_, *Prizes_)),
       Backups_(std::make_unique<BackupStore>(*Station_, *Settings_)),
       Watch_(std::make_unique<StationWatch>(*this)),
       Database_(Station_->Database),
@@ -36,6 +40,8 @@ cTolvaDatabase::cTolvaDatabase()
     MessageCategories_->SetParentReference(0);
     MessageCategories_->SetDescription(QStringLiteral("All Categories"));
     SetLabelDefaults(AddressLabelsPageSetup_);
+    connect(Prizes_.get(), &PrizeStore::PrizeSaved, this, &cTolvaDatabase::PrizeSaved);
+    connect(Prizes_.get(), &PrizeStore::PrizeDeleted, this, &cTolvaDatabase::PrizeDeleted);
 }
 
 cTolvaDatabase::~cTolvaDatabase()

@@ -28,10 +28,12 @@ class BackupStore;
 class HighlightSettings;
 class ListViewObject;
 class PendingError;
+class PrizeStore;
 class SettingsStore;
 class StationContext;
 class StationDetails;
 class StationWatch;
+class WinnerStore;
 class clsKVDirectory;
 class clsKVUser;
 
@@ -274,7 +276,7 @@ public:
     Date LastPrizeChanged() const;
     void SetLastPrizeChanged(Date changeDate);
     /// As ToldMessageMove, for PrizeSaved.
-    const StampMove& ToldPrizeMove() const { return ToldPrizeMove_; }
+    const StampMove& ToldPrizeMove() const;
     /// Null when there is no such prize, for reference 0 and on a closed object, and when it cannot be read
     /// (LastErrorNumber). getWinners: fills its slots too.
     cPrizePtr GetPrize(qint32 prizeReference, bool getWinners);
@@ -364,26 +366,9 @@ private:
     bool MayEditMessage(const cMessage& message);
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
 
-    // Prizes.
-    std::unique_ptr<dao::Recordset> OpenForPrizeSave(const QString& table, PendingError& pending);
-    static void LogStartOfSave(const cPrizePtr& prize);
-    bool StorePrize(const cPrizePtr& prize, dao::Transaction& transaction);
-    void TellOfPrize(const cPrizePtr& prize, bool isNew, bool saved, bool wasEdited, const PendingError& pending);
-    bool DeleteStoredPrize(qint32 reference, dao::Recordset& prizes, PendingError& pending);
-    void DeleteWinnersOf(qint32 prizeReference);
-    bool BeginWinnerChange(std::optional<dao::Transaction>& transaction);
-    bool StorePrizeWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction);
-    bool CountWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction);
-    bool TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize, dao::Transaction& transaction);
-    bool DeleteStoredWinner(qint32 reference);
-    bool TakeStoredCount(qint32 prizeReference, bool mayLower);
-    QString WinnerLogText(qint32 winnerReference, const cPrize* prize) const;
-
     /// The open database; dao::Error 3420 on a closed object.
     dao::Database& OpenedDatabase() const;
     clsKVUser* CurrentUser() const;
-    /// 0 for nobody.
-    qint32 CurrentUserReference() const;
     std::vector<MessageSaving> WriteMessages(const std::vector<cMessagePtr>& messages,
                                              const std::function<bool()>& goesOn);
     bool LogMessageSaving(const cMessage& message, const MessageSaving& saving) const;
@@ -395,6 +380,8 @@ private:
     std::unique_ptr<SettingsStore> Settings_;
     std::unique_ptr<StationDetails> Details_;
     std::unique_ptr<HighlightSettings> Highlights_;
+    std::unique_ptr<PrizeStore> Prizes_;
+    std::unique_ptr<WinnerStore> Winners_;
     std::unique_ptr<BackupStore> Backups_;
     std::unique_ptr<StationWatch> Watch_;
     cPageSetup AddressLabelsPageSetup_;
@@ -408,7 +395,6 @@ private:
     const QString& HighlightWords_;
     StampMove CommittedMove_; ///< Of the last CommitWithStamp.
     StampMove ToldMessageMove_;
-    StampMove ToldPrizeMove_;
     std::unique_ptr<clsCategory> MessageCategories_;
     bool FixedCategoryBusy_ = false;
 };
