@@ -13,6 +13,7 @@
 #include "database/StationFile.h"
 #include "database/StationStructure.h"
 #include "database/watch/StationWatch.h"
+#include "messages/FolderStore.h"
 #include "messages/HighlightSettings.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeStore.h"
@@ -23,6 +24,7 @@ cTolvaDatabase::cTolvaDatabase()
       Settings_(std::make_unique<SettingsStore>(*Station_)),
       Details_(std::make_unique<StationDetails>(*Station_, *Settings_)),
       Highlights_(std::make_unique<HighlightSettings>(*Settings_)),
+      Folders_(std::make_unique<FolderStore>(*Station_)),
       Prizes_(std::make_unique<PrizeStore>(*Station_, *Settings_)),
       Winners_(std::make_unique<WinnerStore>(*Station_, *Prizes_)),
       Backups_(std::make_unique<BackupStore>(*Station_, *Settings_)),
@@ -33,12 +35,8 @@ cTolvaDatabase::cTolvaDatabase()
       RaiseEvents_(Station_->RaisesEvents),
       StampsEveryChange_(Station_->StampsEveryChange),
       MessageHighlightFont_(Highlights_->Font()),
-      HighlightWords_(Highlights_->Words()),
-      MessageCategories_(std::make_unique<clsCategory>())
+      HighlightWords_(Highlights_->Words())
 {
-    MessageCategories_->SetReference(0);
-    MessageCategories_->SetParentReference(0);
-    MessageCategories_->SetDescription(QStringLiteral("All Categories"));
     SetLabelDefaults(AddressLabelsPageSetup_);
     connect(Prizes_.get(), &PrizeStore::PrizeSaved, this, &cTolvaDatabase::PrizeSaved);
     connect(Prizes_.get(), &PrizeStore::PrizeDeleted, this, &cTolvaDatabase::PrizeDeleted);

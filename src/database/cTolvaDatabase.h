@@ -25,6 +25,7 @@
 #include <vector>
 
 class BackupStore;
+class FolderStore;
 class HighlightSettings;
 class ListViewObject;
 class PendingError;
@@ -241,7 +242,7 @@ public:
     // Folders.
 
     /// Root of the tree as it was last loaded. Held nodes go stale at UpdateCategoryTree.
-    clsCategory& MessageCategories() { return *MessageCategories_; }
+    clsCategory& MessageCategories();
     // Folders that cannot be read or stored are a dao::Error of these, DeleteMessageCategory apart; on a closed object
     // they answer nothing.
 
@@ -346,12 +347,6 @@ private:
     bool InsistOnStationDetails(bool settingsRead);
     bool CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending);
 
-    // Messages and folders.
-    void SaveFixedCategories();
-    void SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
-                           qint32 backColour, const QString& iconReference);
-    void StoreCategory(clsCategory& category);
-    void StoreCategoryTree(clsCategory& category);
     QString KeyCountry(enMsgType type);
     QList<qint32> MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const;
     bool StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending);
@@ -380,6 +375,7 @@ private:
     std::unique_ptr<SettingsStore> Settings_;
     std::unique_ptr<StationDetails> Details_;
     std::unique_ptr<HighlightSettings> Highlights_;
+    std::unique_ptr<FolderStore> Folders_;
     std::unique_ptr<PrizeStore> Prizes_;
     std::unique_ptr<WinnerStore> Winners_;
     std::unique_ptr<BackupStore> Backups_;
@@ -395,6 +391,4 @@ private:
     const QString& HighlightWords_;
     StampMove CommittedMove_; ///< Of the last CommitWithStamp.
     StampMove ToldMessageMove_;
-    std::unique_ptr<clsCategory> MessageCategories_;
-    bool FixedCategoryBusy_ = false;
 };

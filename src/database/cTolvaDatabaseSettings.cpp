@@ -9,6 +9,7 @@
 #include "database/StationContext.h"
 #include "database/StationDetails.h"
 #include "database/cTolvaDatabase.h"
+#include "messages/FolderStore.h"
 #include "messages/HighlightSettings.h"
 
 QVariant cTolvaDatabase::DatabaseSetting(const QString& itemName, const QVariant& defaultValue) const
@@ -31,9 +32,9 @@ bool cTolvaDatabase::ReadDatabaseSettings()
     LabelSettings::Read(*Settings_, AddressLabelsPageSetup_);
     PendingError pending;
     const bool areFoldersRead = pending.Try([this] {
-        UpdateCategoryTree();
-        SaveFixedCategories();
-        UpdateCategoryTree();
+        Folders_->Load();
+        Folders_->PutFixedFoldersRight();
+        Folders_->Load();
     });
     Station_->LastError = pending;
     if (areFoldersRead)

@@ -8,6 +8,7 @@
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
+#include "messages/FolderStore.h"
 #include "platform/directory/clsCategory.h"
 #include "platform/records/Recordset.h"
 
@@ -209,7 +210,7 @@ void cTolvaDatabase::FillMessagesListView(ListViewObject* lvwMessages, const QSt
         // A snapshot packs the rows without the mails; their text is read only for a column that shows it.
         const auto rows =
             OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where + QStringLiteral(" ORDER BY [Sent] DESC"));
-        std::vector<HistoryColumn> columns = ColumnsOf(*lvwMessages, *rows, *MessageCategories_);
+        std::vector<HistoryColumn> columns = ColumnsOf(*lvwMessages, *rows, Folders_->Tree());
         const dao::Field& reference = (*rows)[QStringLiteral("Reference")];
         for (; !rows->AtEOF(); rows->MoveNext())
             AddRow(*lvwMessages, QStringLiteral("m%1").arg(reference.Value().toInt()), columns);

@@ -7,6 +7,7 @@
 #include "database/SettingText.h"
 #include "database/cTolvaDatabase.h"
 #include "database/watch/ToldMove.h"
+#include "messages/FolderStore.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/mail/MessageReader.h"
 
@@ -196,7 +197,7 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
 {
     KeepLastError(PendingError());
     // The tree finds 0 too: its root, which is no folder.
-    if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !MessageCategories_->FindCategory(newCategory))
+    if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !Folders_->Tree().FindCategory(newCategory))
         return nullptr;
     cMessagePtr message = GetMessage(reference);
     return message && MayEditMessage(*message) ? message : nullptr;
@@ -257,7 +258,7 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
     if (!ChangeMessageRow(reference, move, Stamp::MovesIfWanted, pending))
         return false;
     message->SetCategory(newCategory);
-    const clsCategory* category = MessageCategories_->FindCategory(newCategory);
+    const clsCategory* category = Folders_->Tree().FindCategory(newCategory);
     const QString target = category ? QStringLiteral(" ") + category->Description()
                                     : QStringLiteral(" (%1)").arg(static_cast<int>(newCategory));
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"),
@@ -349,8 +350,6 @@ void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const Q
 /// Messages personal to the user go by one right, all others, those of other people too, by another.
 bool cTolvaDatabase::MayEditMessage(const cMessage& message)
 {
-    if (FixedCategoryBusy_)
-        return true;
     bool isAllowed = false;
     PendingError pending;
     pending.Try([&] {
