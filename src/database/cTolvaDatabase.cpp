@@ -15,6 +15,7 @@
 #include "database/watch/StationWatch.h"
 #include "messages/FolderStore.h"
 #include "messages/HighlightSettings.h"
+#include "messages/MessageStore.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeStore.h"
 #include "prizes/WinnerStore.h"
@@ -25,19 +26,15 @@ cTolvaDatabase::cTolvaDatabase()
       Details_(std::make_unique<StationDetails>(*Station_, *Settings_)),
       Highlights_(std::make_unique<HighlightSettings>(*Settings_)),
       Folders_(std::make_unique<FolderStore>(*Station_)),
+      Messages_(std::make_unique<MessageStore>(*Station_, *Settings_, *Details_, *Folders_, *Highlights_)),
       Prizes_(std::make_unique<PrizeStore>(*Station_, *Settings_)),
       Winners_(std::make_unique<WinnerStore>(*Station_, *Prizes_)),
       Backups_(std::make_unique<BackupStore>(*Station_, *Settings_)),
-      Watch_(std::make_unique<StationWatch>(*this)),
-      Database_(Station_->Database),
-      DirectoryDatabase_(Station_->Directory),
-      SilentMode_(Station_->IsSilent),
-      RaiseEvents_(Station_->RaisesEvents),
-      StampsEveryChange_(Station_->StampsEveryChange),
-      MessageHighlightFont_(Highlights_->Font()),
-      HighlightWords_(Highlights_->Words())
+      Watch_(std::make_unique<StationWatch>(*this))
 {
     SetLabelDefaults(AddressLabelsPageSetup_);
+    connect(Messages_.get(), &MessageStore::MessageSaved, this, &cTolvaDatabase::MessageSaved);
+    connect(Messages_.get(), &MessageStore::MessageDeleted, this, &cTolvaDatabase::MessageDeleted);
     connect(Prizes_.get(), &PrizeStore::PrizeSaved, this, &cTolvaDatabase::PrizeSaved);
     connect(Prizes_.get(), &PrizeStore::PrizeDeleted, this, &cTolvaDatabase::PrizeDeleted);
 }
@@ -218,6 +215,11 @@ dao::Transaction cTolvaDatabase::BeginChange() const
     return dao::Transaction(Station_->OpenedDatabase());
 }
 
+std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenSnapshot(const QString& sql) const
+{
+    return Station_->OpenSnapshot(sql);
+}
+
 // Page templates.
 
 QString cTolvaDatabase::HTMLTemplatesLocation() const
@@ -233,26 +235,4 @@ QStringList cTolvaDatabase::GetHTMLTemplateReferences(const QString& prefix) con
 QString cTolvaDatabase::GetHTMLTemplateFileName(const QString& prefix, const QString& reference) const
 {
     return IsOpen() && !Location().isEmpty() ? HTMLTemplates::FileName(Location(), prefix, reference) : QString();
-}
-
-// What the operations on messages and prizes share.
-
-dao::Database& cTolvaDatabase::OpenedDatabase() const
-{
-    return Station_->OpenedDatabase();
-}
-
-clsKVUser* cTolvaDatabase::CurrentUser() const
-{
-    return Station_->CurrentUser();
-}
-
-bool cTolvaDatabase::LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const
-{
-    return Station_->LogEvent(kind, title, text, code);
-}
-
-void cTolvaDatabase::KeepLastError(const PendingError& pending)
-{
-    Station_->LastError = pending;
 }

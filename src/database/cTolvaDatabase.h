@@ -28,7 +28,7 @@ class BackupStore;
 class FolderStore;
 class HighlightSettings;
 class ListViewObject;
-class PendingError;
+class MessageStore;
 class PrizeStore;
 class SettingsStore;
 class StationContext;
@@ -36,15 +36,13 @@ class StationDetails;
 class StationWatch;
 class WinnerStore;
 class clsKVDirectory;
-class clsKVUser;
 
 /// The one object through which a host and every control reach a station's database. The host owns it, sets
 /// DirectoryDatabase, opens it on a folder and keeps it while controls use it; destroying it closes the file. All on
 /// the user interface thread. Every change is on the disk when its operation returns, and nothing is cached between
 /// calls but the folder tree and the highlight settings.
 ///
-/// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in
-/// messages/, prizes in prizes/.
+/// It forwards to stores, each of which owns its subject.
 class TOLVA_EXPORT cTolvaDatabase : public QObject
 {
     Q_OBJECT
@@ -237,7 +235,7 @@ public:
     Date LastMessageChanged() const;
     void SetLastMessageChanged(Date changeDate);
     /// How the save that MessageSaved tells of moved the stamp; of nothing when it did not, and outside the event.
-    const StampMove& ToldMessageMove() const { return ToldMessageMove_; }
+    const StampMove& ToldMessageMove() const;
 
     // Folders.
 
@@ -345,50 +343,16 @@ Q_SIGNALS:
 
 private:
     bool InsistOnStationDetails(bool settingsRead);
-    bool CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending);
-
-    QString KeyCountry(enMsgType type);
-    QList<qint32> MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const;
-    bool StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending);
-    cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
-    enum class Stamp
-    {
-        Moves,
-        MovesIfWanted ///< StampsEveryChange decides.
-    };
-    bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
-                          PendingError& pending);
-    bool MayEditMessage(const cMessage& message);
-    void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
-
-    /// The open database; dao::Error 3420 on a closed object.
-    dao::Database& OpenedDatabase() const;
-    clsKVUser* CurrentUser() const;
-    std::vector<MessageSaving> WriteMessages(const std::vector<cMessagePtr>& messages,
-                                             const std::function<bool()>& goesOn);
-    bool LogMessageSaving(const cMessage& message, const MessageSaving& saving) const;
-    void LogSavings(const std::vector<cMessagePtr>& messages, const std::vector<MessageSaving>& savings) const;
-    bool LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const;
-    void KeepLastError(const PendingError& pending);
 
     std::unique_ptr<StationContext> Station_;
     std::unique_ptr<SettingsStore> Settings_;
     std::unique_ptr<StationDetails> Details_;
     std::unique_ptr<HighlightSettings> Highlights_;
     std::unique_ptr<FolderStore> Folders_;
+    std::unique_ptr<MessageStore> Messages_;
     std::unique_ptr<PrizeStore> Prizes_;
     std::unique_ptr<WinnerStore> Winners_;
     std::unique_ptr<BackupStore> Backups_;
     std::unique_ptr<StationWatch> Watch_;
     cPageSetup AddressLabelsPageSetup_;
-
-    std::unique_ptr<dao::Database>& Database_;
-    clsKVDirectory*& DirectoryDatabase_;
-    bool& SilentMode_;
-    bool& RaiseEvents_;
-    bool& StampsEveryChange_;
-    const clsFont& MessageHighlightFont_;
-    const QString& HighlightWords_;
-    StampMove CommittedMove_; ///< Of the last CommitWithStamp.
-    StampMove ToldMessageMove_;
 };

@@ -193,13 +193,3 @@ void cTolvaDatabase::SetCurrentSongFullName(const QString& song)
 {
     Details_->SetCurrentSong(song);
 }
-
-QString cTolvaDatabase::KeyCountry(enMsgType type)
-{
-    return Details_->KeyCountry(type);
-}
-
-bool cTolvaDatabase::CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending)
-{
-    return Settings_->CommitWithStamp(transaction, {stamp, QString()}, pending, CommittedMove_);
-}
