@@ -19,6 +19,7 @@ set(publicHeaders
     database/DatabaseInformation.h
     database/LockingMode.h
     database/RestoreBackup.h
+    database/StationDialogs.h
     database/cTolvaDatabase.h
     database/watch/ChangeStamp.h
     database/watch/ListReads.h

@@ -14,6 +14,7 @@
 #include "database/Leftovers.h"
 #include "database/SettingsStore.h"
 #include "database/StationContext.h"
+#include "database/StationDialogs.h"
 #include "platform/files/WholeFile.h"
 #include "platform/records/Transaction.h"
 
@@ -37,7 +38,7 @@ private:
     static void Show(bool shown)
     {
         PendingError ignored;
-        ignored.Try([shown] { UserInterface::Current().SetBackupNotice(shown); });
+        ignored.Try([shown] { StationDialogs::InForce().SetBackupNotice(shown); });
     }
 };
 

@@ -11,7 +11,7 @@
 #include <memory>
 
 /// The timer behind the automatic backups of an open station. Made and kept by BackupStore from the reading of the
-/// settings to the closing; what is shown of a backup is UserInterface::SetBackupNotice.
+/// settings to the closing; what is shown of a backup is StationDialogs::SetBackupNotice.
 class BackupTimer : public QObject, public std::enable_shared_from_this<BackupTimer>
 {
     Q_OBJECT

@@ -10,6 +10,7 @@
 #include "database/SettingsStore.h"
 #include "database/StationContext.h"
 #include "database/StationDetails.h"
+#include "database/StationDialogs.h"
 #include "database/StationFile.h"
 #include "database/StationStructure.h"
 #include "database/watch/StationWatch.h"
@@ -108,7 +109,7 @@ bool cTolvaDatabase::DisplaySettings()
              MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
         return false;
     }
-    return UserInterface::Current().DatabaseSettings(*this);
+    return StationDialogs::InForce().DatabaseSettings(*this);
 }
 
 // What stands of the station and of this object.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "prizes/Hotlists.h"
 
-#include "common/UserInterface.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/StationContext.h"
+#include "database/StationDialogs.h"
 
 namespace
 {
@@ -22,7 +22,7 @@ QString Hotlists::LoadAvailableHours(StationContext& station, QObject* parentFor
     if (!station.Database)
         return {};
     const auto recordset = OpenSettings(*station.Database);
-    const QString key = UserInterface::Current().GetHotlist(AvailableHours, *recordset, false, parentForm);
+    const QString key = StationDialogs::InForce().GetHotlist(AvailableHours, *recordset, false, parentForm);
     if (key.isEmpty())
         return {};
     return DAO_DatabaseFunctions::ReadSettingValue(recordset.get(), key, QString()).toString();
@@ -33,7 +33,7 @@ bool Hotlists::SaveAvailableHours(StationContext& station, const QString& availa
     if (!station.Database)
         return false;
     const auto recordset = OpenSettings(*station.Database);
-    const QString key = UserInterface::Current().GetHotlist(AvailableHours, *recordset, true, parentForm);
+    const QString key = StationDialogs::InForce().GetHotlist(AvailableHours, *recordset, true, parentForm);
     if (key.isEmpty())
         return false;
     // A hotlist has no default: it keeps its row, and so its name, also without an hour.
