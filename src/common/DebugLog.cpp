@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "common/DebugLog.h"
+
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
@@ -6,7 +8,6 @@
 #include "common/ProcessMemory.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
-#include "common/kvGeneralState.h"
 
 #include <QCoreApplication>
 #include <QDir>
