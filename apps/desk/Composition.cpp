@@ -3,7 +3,7 @@
 
 #include "Addresses.h"
 #include "DisplayText.h"
-#include "HtmlText.h"
+#include "TextOfHtml.h"
 #include "common/ClockHelper.h"
 #include "database/StationSettings.h"
 #include "database/cTolvaDatabase.h"

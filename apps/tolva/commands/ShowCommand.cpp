@@ -4,9 +4,9 @@
 
 #include "DisplayText.h"
 #include "FolderNames.h"
-#include "HtmlText.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "TextOfHtml.h"
 #include "commands/Commands.h"
 #include "commands/MessageRow.h"
 #include "common/ClockHelper.h"
