@@ -3,7 +3,7 @@
 // tolva show: one message.
 
 #include "DisplayText.h"
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "TextOfHtml.h"
