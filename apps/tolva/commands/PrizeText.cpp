@@ -2,7 +2,7 @@
 #include "commands/PrizeText.h"
 
 #include "DisplayText.h"
-#include "commands/MessageRow.h"
+#include "commands/JsonDate.h"
 #include "common/ClockHelper.h"
 #include "prizes/PrizeHour.h"
 

@@ -8,6 +8,7 @@
 #include "Terminal.h"
 #include "TextOfHtml.h"
 #include "commands/Commands.h"
+#include "commands/JsonDate.h"
 #include "commands/MessageRow.h"
 #include "common/ClockHelper.h"
 #include "common/HarmlessText.h"
