@@ -3,6 +3,7 @@
 
 #include "Measure.h"
 #include "common/UserInterface.h"
+#include "database/StationDialogs.h"
 #include "messages/AddressKey.h"
 #include "platform/records/DBEngine.h"
 
@@ -14,19 +15,17 @@
 namespace
 {
 /// Gives a new station the details that it insists on.
-class BenchUserInterface : public UserInterface
+class BenchUserInterface : public UserInterface, public StationDialogs
 {
 public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest&) override { return MessageBoxAnswer::OK; }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     void PageSetupLabels(cPageSetup&) override {}
-    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
     bool DatabaseSettings(cTolvaDatabase& database) override
     {
         database.SetStationPhoneNumber(QStringLiteral("01632 960100"));
         return true;
     }
-    void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<NoProgress>(); }
     void Yield() override { QCoreApplication::processEvents(); }

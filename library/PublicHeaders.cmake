@@ -17,7 +17,9 @@ set(publicHeaders
     common/kvGeneral.h
     database/DAO_DatabaseFunctions.h
     database/DatabaseInformation.h
+    database/LockingMode.h
     database/RestoreBackup.h
+    database/StationDialogs.h
     database/cTolvaDatabase.h
     database/watch/ChangeStamp.h
     database/watch/ListReads.h

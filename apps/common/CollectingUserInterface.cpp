@@ -44,7 +44,7 @@ void CollectingUserInterface::PageSetupLabels(cPageSetup& pageSetup)
 QString CollectingUserInterface::GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode,
                                             QObject* parentForm)
 {
-    return Under_.GetHotlist(hotListType, settings, saveMode, parentForm);
+    return StationDialogs::Of(Under_).GetHotlist(hotListType, settings, saveMode, parentForm);
 }
 
 bool CollectingUserInterface::DatabaseSettings(cTolvaDatabase& database)
@@ -59,7 +59,7 @@ void CollectingUserInterface::SetBusyPointer(bool busy)
 
 void CollectingUserInterface::SetBackupNotice(bool shown)
 {
-    Under_.SetBackupNotice(shown);
+    StationDialogs::Of(Under_).SetBackupNotice(shown);
 }
 
 std::unique_ptr<ProgressDisplay> CollectingUserInterface::Progress(const QString& caption)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/UserInterface.h"
+#include "database/StationDialogs.h"
 
 #include <QStringList>
 
@@ -10,7 +11,7 @@
 /// Stands in front of another user interface: boxes that only tell something are collected, so that the program
 /// decides whether they matter and says it in its own words; questions go through. The dialog of the station's settings
 /// is answered by the program.
-class CollectingUserInterface final : public UserInterface
+class CollectingUserInterface final : public UserInterface, public StationDialogs
 {
 public:
     /// Puts itself in force for its life; what was in force is back afterwards. under: asked the questions, outlives

@@ -8,9 +8,6 @@
 
 namespace
 {
-constexpr int HoursOfDay = 24;
-constexpr int DaysOfWeek = 7;
-
 using Values = QHash<QString, QString>;
 
 /// In one pass over the template, so that a value that looks like a tag stays what it is.
@@ -87,47 +84,7 @@ QString FillPrize(const QString& block, const PrizePage::Prize& prize, const Val
     return ReplaceBlocks(block, QStringLiteral("WINNERS_REPEAT"), fillWinners,
                          [&](const QString& rest) { return ReplaceTags(rest, values); });
 }
-
-/// "08:00-12:00, 20:00-24:00"; empty for no hour.
-QString RangesOf(const QString& hours)
-{
-    QStringList ranges;
-    const auto isOn = [&](int hour) { return hour < hours.size() && hours.at(hour) == QChar(u'A' + hour); };
-    for (int hour = 0; hour < HoursOfDay;) {
-        if (!isOn(hour)) {
-            ++hour;
-            continue;
-        }
-        const int first = hour;
-        while (hour < HoursOfDay && isOn(hour))
-            ++hour;
-        ranges.append(QStringLiteral("%1:00\u2013%2:00").arg(first, 2, 10, QChar(u'0')).arg(hour, 2, 10, QChar(u'0')));
-    }
-    return ranges.join(QStringLiteral(", "));
-}
 } // namespace
-
-QString PrizePage::HoursInWords(const QStringList& hoursOfDays)
-{
-    static const QStringList names = {
-        QStringLiteral("Monday"), QStringLiteral("Tuesday"),  QStringLiteral("Wednesday"), QStringLiteral("Thursday"),
-        QStringLiteral("Friday"), QStringLiteral("Saturday"), QStringLiteral("Sunday")};
-    const QString allDay = QStringLiteral("00:00\u201324:00");
-    QStringList parts;
-    for (int day = 0; day < DaysOfWeek;) {
-        const QString ranges = RangesOf(hoursOfDays.value(day));
-        const int first = day;
-        while (day < DaysOfWeek && RangesOf(hoursOfDays.value(day)) == ranges)
-            ++day;
-        if (first == 0 && day == DaysOfWeek && (ranges.isEmpty() || ranges == allDay))
-            return ranges.isEmpty() ? QStringLiteral("Never") : QStringLiteral("At any time");
-        if (ranges.isEmpty())
-            continue;
-        const QString last = day - first > 1 ? QStringLiteral(" to ") + names.at(day - 1) : QString();
-        parts.append(names.at(first) + last + u' ' + ranges);
-    }
-    return parts.join(QStringLiteral("; "));
-}
 
 SafeDocument PrizePage::Fill(const QString& pageTemplate, const QList<Prize>& prizes)
 {

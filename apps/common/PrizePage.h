@@ -30,15 +30,11 @@ struct Prize
     QString Supplier;
     QString Start;
     QString End;
-    QString Hours; ///< HoursInWords.
+    QString Hours; ///< When it may go out, in words.
     qint32 Supplied = 0;
     qint32 Won = 0;
     QList<Winner> Winners;
 };
-
-/// When a prize may go out, of the hours of each day as cPrize keeps them, Monday first: "Monday to Friday 08:00–12:00;
-/// Saturday 10:00–11:00", "At any time" or "Never".
-QString HoursInWords(const QStringList& hoursOfDays);
 
 /// The template filled and made safe. Its tags stand for text, which is encoded; a value is never searched for tags.
 /// What stands between <ZRT_PRIZES_REPEAT> and its end tag comes once for each prize, and what stands in that between

@@ -4,13 +4,12 @@
 #include "database/RowValues.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/clsKVDirectory.h"
+#include "prizes/HoursText.h"
 
 #include <cmath>
 
 namespace
 {
-constexpr qint16 DaysOfWeek = 7;
-
 /// Empty for nobody.
 QString NameOf(const clsKVDirectory& directory, qint32 contact)
 {
@@ -31,13 +30,12 @@ QString MomentOf(Date date)
 }
 
 /// The hours go by universal time. Paper is read at any time of the year, so it always says so.
-QString HoursOf(const cPrize& prize)
+QString HoursWords(const cPrize& prize)
 {
-    QStringList days;
-    for (qint16 day = 1; day <= DaysOfWeek; ++day)
-        days.append(prize.AvailableHours(day));
-    const QString words = PrizePage::HoursInWords(days);
-    return words.contains(u':') ? words + QStringLiteral(" (universal time)") : words;
+    const QString words = HoursText::InWords(HoursText::HoursOf(prize));
+    const QString sentence = words.left(1).toUpper() + words.mid(1);
+    const bool isLimited = words != HoursText::AtAnyTime && words != HoursText::Never;
+    return isLimited ? sentence + QStringLiteral(" (universal time)") : sentence;
 }
 
 /// The slots of a prize stop at its count, which a crash may have left behind; the rows are what was won.
@@ -76,7 +74,7 @@ std::optional<PrizePage::Prize> PrizeSheet::Read(cTolvaDatabase& database, const
     prize.Supplier = NameOf(directory, stored->SupplierReference());
     prize.Start = MomentOf(stored->StartDate());
     prize.End = MomentOf(stored->EndDate());
-    prize.Hours = HoursOf(*stored);
+    prize.Hours = HoursWords(*stored);
     prize.Supplied = stored->NumberSupplied();
     prize.Winners = WinnersOf(database, directory, reference);
     // A winner who is not counted has his unit all the same; one that is counted and has no row took one.

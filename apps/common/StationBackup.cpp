@@ -7,6 +7,7 @@
 #include "common/FileHelper.h"
 #include "common/kvGeneral.h"
 #include "database/BackupFolders.h"
+#include "database/StationSettings.h"
 #include "platform/files/FileSystem.h"
 
 namespace
@@ -48,7 +49,8 @@ Failure WhyNone(const cTolvaDatabase& database, const QString& folder)
 /// The folder that the station's last backup went to.
 QString LastBackupName(const cTolvaDatabase& database)
 {
-    const QString last = database.DatabaseSetting(QStringLiteral("Backups.LastBackup"), QStringLiteral("")).toString();
+    const QString last =
+        database.DatabaseSetting(StationSettings::LastBackup.Key, StationSettings::LastBackup.Default).toString();
     return GetKeyValue(last, QStringLiteral("Name"), QStringLiteral(" "));
 }
 } // namespace

@@ -2,7 +2,7 @@
 #include "StationCheck.h"
 
 #include "Failure.h"
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "RowRecovery.h"
 #include "StationPlace.h"
 #include "WinnerCounts.h"

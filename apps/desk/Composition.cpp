@@ -3,8 +3,9 @@
 
 #include "Addresses.h"
 #include "DisplayText.h"
-#include "HtmlText.h"
+#include "TextOfHtml.h"
 #include "common/ClockHelper.h"
+#include "database/StationSettings.h"
 #include "database/cTolvaDatabase.h"
 #include "messages/TextMessage.h"
 
@@ -16,7 +17,6 @@
 
 namespace
 {
-const QString EmailSetting = QStringLiteral("Station.EmailAddress");
 
 /// A thread's newest members are enough to find it; a header that grows for ever is refused on its way.
 constexpr qsizetype MostReferences = 20;
@@ -175,7 +175,8 @@ std::shared_ptr<cdo::Message> MailOf(const Composition& composition, const Write
 
 Writer Composing::WriterOf(const cTolvaDatabase& database)
 {
-    return {database.StationName(), database.DatabaseSetting(EmailSetting, QString()).toString().trimmed(),
+    const StationSettings::TextSetting& email = StationSettings::StationEmailAddress;
+    return {database.StationName(), database.DatabaseSetting(email.Key, email.Default).toString().trimmed(),
             database.StationSMSPhoneNumber()};
 }
 

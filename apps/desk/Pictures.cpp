@@ -69,9 +69,6 @@ public:
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     void PageSetupLabels(cPageSetup&) override {}
-    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
-    bool DatabaseSettings(cTolvaDatabase&) override { return false; }
-    void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override
     {

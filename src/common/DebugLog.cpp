@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "common/DebugLog.h"
+
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
+#include "common/MachineSettings.h"
 #include "common/ProcessMemory.h"
-#include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
-#include "common/kvGeneralState.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -45,10 +46,7 @@ QString Folder(DebugLog& log)
 {
     if (GeneralHelper::DebugPath().isEmpty() && !log.DebugPathChecked) {
         log.DebugPathChecked = true;
-        GeneralHelper::SetDebugPath(ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                                                     QStringLiteral("SOFTWARE\\Kelvarin"),
-                                                                     QStringLiteral("DebugPath"), QString())
-                                        .toString());
+        GeneralHelper::SetDebugPath(MachineSettings::DebugPath());
     }
     return GeneralHelper::DebugPath().isEmpty() ? DefaultFolder() : GeneralHelper::DebugPath();
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/GeneralHelper.h"
-#include "common/ProfileHelper.h"
+#include "common/MachineSettings.h"
 
 #include <phonenumbers/logger.h>
 #include <phonenumbers/phonenumber.pb.h>
@@ -101,10 +101,7 @@ void GeneralHelper::SetPhoneRegion(const QString& region)
 
 QString GeneralHelper::DefaultPhoneRegion()
 {
-    const QString country = ToPhoneRegion(ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                                                           QStringLiteral("SOFTWARE\\Kelvarin"),
-                                                                           QStringLiteral("Country"), DefaultRegion)
-                                              .toString());
+    const QString country = ToPhoneRegion(MachineSettings::Country());
     return country.isEmpty() ? DefaultRegion : country;
 }
 

@@ -263,13 +263,6 @@ int TerminalUserInterface::InputBox(const InputBoxRequest& request, QString& res
     }
 }
 
-bool TerminalUserInterface::DatabaseSettings(cTolvaDatabase&)
-{
-    return false;
-}
-
-void TerminalUserInterface::SetBackupNotice(bool) {}
-
 void TerminalUserInterface::SetBusyPointer(bool) {}
 
 std::unique_ptr<ProgressDisplay> TerminalUserInterface::Progress(const QString& caption)

@@ -24,13 +24,8 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override;
     int InputBox(const InputBoxRequest& request, QString& result) override;
     void PageSetupLabels(cPageSetup&) override {}
-    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
-    /// Always false: settings are given by commands, not by a dialog.
-    bool DatabaseSettings(cTolvaDatabase& database) override;
     /// Nothing: the line of the progress says it.
     void SetBusyPointer(bool busy) override;
-    /// Nothing: the line of the progress says it.
-    void SetBackupNotice(bool shown) override;
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override;
     void Yield() override;
     void RunTimeError(const dao::Error& error) override;

@@ -27,9 +27,6 @@ public:
     }
 
     void PageSetupLabels(cPageSetup&) override {}
-    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
-    bool DatabaseSettings(cTolvaDatabase&) override { return false; }
-    void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<SilentProgress>(); }
     void Yield() override {}

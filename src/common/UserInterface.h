@@ -9,13 +9,6 @@
 #include <memory>
 
 class cPageSetup;
-class cTolvaDatabase;
-class QObject;
-
-namespace dao
-{
-class Recordset;
-}
 
 enum class MessageBoxButtons
 {
@@ -68,7 +61,8 @@ public:
 };
 
 /// The only road from the logic to the user. The programs install their own at start: real dialogs, or the terminal,
-/// which answers "no" where there is nobody to ask. Used on the user interface thread alone.
+/// which answers "no" where there is nobody to ask. The dialogs of a station are a matter of StationDialogs, from which
+/// a class with such dialogs derives as well. Used on the user interface thread alone.
 class TOLVA_EXPORT UserInterface
 {
 public:
@@ -86,14 +80,6 @@ public:
     virtual int InputBox(const InputBoxRequest& request, QString& result) = 0;
     /// The dialog of a sheet of labels, which changes it when the user confirms.
     virtual void PageSetupLabels(cPageSetup& pageSetup) = 0;
-    /// The dialog of the station's settings. False when the user cancelled it. Closing its window counts as confirmed,
-    /// though it stores nothing.
-    virtual bool DatabaseSettings(cTolvaDatabase& database) = 0;
-    /// The dialog that chooses a hotlist to load, or names one to save. hotListType: 0, the hours of prizes (prefix
-    /// "HR."). settings: the table Settings, on its index Main. The whole Item, or empty when the user chose none.
-    virtual QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) = 0;
-    /// Shows or hides the window that says that a backup is being made by itself. A failure stops nothing.
-    virtual void SetBackupNotice(bool shown) = 0;
 
     /// Called by BusyPointer and DefaultPointer alone, true and false in turn.
     virtual void SetBusyPointer(bool busy) = 0;

@@ -3,9 +3,7 @@
 
 #include "platform/Export.h"
 
-#include <QString>
-
-class cTolvaDatabase;
+#include <QtGlobal>
 
 /// Geometry of a sheet of address labels: counts, and lengths in millimetres. Owned by the database object, whose
 /// settings keep it; LabelSheet prints by it.
@@ -34,13 +32,6 @@ public:
     void DisplayPageSetupLabels();
 
 private:
-    friend class cTolvaDatabase;
-
-    /// Reads or writes the settings prefix + "." + property, and sets success then; nothing happens without a database.
-    /// A setting that is absent has the value of cTolvaDatabase::SetLabelDefaults.
-    void ReadSettings(const cTolvaDatabase* database, const QString& prefix, bool& success);
-    void WriteSettings(cTolvaDatabase* database, const QString& prefix, bool& success) const;
-
     qint32 TopMargin_ = 10;
     qint32 BottomMargin_ = 10;
     qint32 LeftMargin_ = 10;

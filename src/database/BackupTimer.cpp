@@ -4,7 +4,7 @@
 #include "common/ClockHelper.h"
 #include "common/RandomSource.h"
 #include "common/UserInterface.h"
-#include "database/cTolvaDatabase.h"
+#include "platform/records/Error.h"
 
 #include <cmath>
 
@@ -34,7 +34,8 @@ std::optional<MinuteRange> RangeFor(qint32 backupInterval)
 }
 } // namespace
 
-BackupTimer::BackupTimer(cTolvaDatabase& database) : clsTolvaDatabase_(&database)
+BackupTimer::BackupTimer(const QObject& owner, std::function<void()> makeBackup)
+    : Owner_(&owner), MakeBackup_(std::move(makeBackup))
 {
     tmrBackup_.setInterval(FirstTickMilliseconds);
     connect(&tmrBackup_, &QTimer::timeout, this, &BackupTimer::Tick);
@@ -49,14 +50,14 @@ void BackupTimer::Start(qint32 backupInterval)
     }
     const auto self = shared_from_this();
     Tick();
-    if (clsTolvaDatabase_)
+    if (Owner_)
         tmrBackup_.start();
 }
 
 void BackupTimer::Stop()
 {
     tmrBackup_.stop();
-    clsTolvaDatabase_.clear();
+    Owner_.clear();
 }
 
 void BackupTimer::Tick()
@@ -64,16 +65,16 @@ void BackupTimer::Tick()
     // The station may be closed by what runs while a backup shows its progress.
     const auto self = shared_from_this();
     tmrBackup_.setInterval(TickMilliseconds);
-    if (!clsTolvaDatabase_ || ClockHelper::SecondsSince(LastCheck_) <= CheckInterval_)
+    if (!Owner_ || ClockHelper::SecondsSince(LastCheck_) <= CheckInterval_)
         return;
     tmrBackup_.stop();
     LastCheck_ = ClockHelper::CurrentTime();
     try {
-        clsTolvaDatabase_->BackupDatabase(false);
+        MakeBackup_();
     } catch (const dao::Error& error) {
         UserInterface::Current().RunTimeError(
             dao::Error(error.Number(), error.Description(), QStringLiteral("BackupTimer.tmrBackup_Timer")));
     }
-    if (clsTolvaDatabase_)
+    if (Owner_)
         tmrBackup_.start();
 }

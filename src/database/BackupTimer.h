@@ -7,18 +7,18 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
-class cTolvaDatabase;
-
-/// The timer behind the automatic backups of an open station. Made and kept by cTolvaDatabase from the reading of its
-/// settings to its closing; what is shown of a backup is UserInterface::SetBackupNotice.
+/// The timer behind the automatic backups of an open station. Made and kept by BackupStore from the reading of the
+/// settings to the closing; what is shown of a backup is StationDialogs::SetBackupNotice.
 class BackupTimer : public QObject, public std::enable_shared_from_this<BackupTimer>
 {
     Q_OBJECT
 
 public:
-    explicit BackupTimer(cTolvaDatabase& database);
+    /// makeBackup: looks whether a backup is due, and makes it. Not called once owner is gone.
+    BackupTimer(const QObject& owner, std::function<void()> makeBackup);
 
     /// Spreads the checks over a random time for the interval between backups (minutes), so that computers that share
     /// a station do not all look at the same moment, looks at once if it is time, and runs from then on.
@@ -36,7 +36,8 @@ public:
     void Tick();
 
 private:
-    QPointer<cTolvaDatabase> clsTolvaDatabase_;
+    QPointer<const QObject> Owner_;
+    std::function<void()> MakeBackup_;
     QTimer tmrBackup_;
     qint32 CheckInterval_ = 1800;
     Date LastCheck_;

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// The page templates beside a database: brought up to date from the installed set at each open, and found by name.
+#include "database/HTMLTemplates.h"
 
 #include "common/FileHelper.h"
 #include "common/LibraryFolder.h"
 #include "common/ProfileHelper.h"
 #include "common/kvGeneral.h"
-#include "database/cTolvaDatabase.h"
 #include "platform/files/FileSystem.h"
 
 #include <QDateTime>
@@ -66,7 +64,7 @@ QString PrefixPart(const QString& prefix)
 }
 } // namespace
 
-void cTolvaDatabase::RefreshHTMLTemplates(const QString& location)
+void HTMLTemplates::Refresh(const QString& location)
 {
     const QString folder = TemplatesBeside(location);
     if (FileSystem::Current().KindOf(folder) == FileKind::Link) {
@@ -85,18 +83,16 @@ void cTolvaDatabase::RefreshHTMLTemplates(const QString& location)
         RefreshTemplate(FileHelper::Join(installed, name), folder);
 }
 
-QString cTolvaDatabase::HTMLTemplatesLocation() const
+QString HTMLTemplates::FolderOf(const QString& location)
 {
-    return Information_.Location.isEmpty() ? QString() : TemplatesBeside(Information_.Location);
+    return location.isEmpty() ? QString() : TemplatesBeside(location);
 }
 
-QStringList cTolvaDatabase::GetHTMLTemplateReferences(const QString& prefix) const
+QStringList HTMLTemplates::References(const QString& location, const QString& prefix)
 {
-    if (!Database_ || Information_.Location.isEmpty())
-        return {};
     const QString start = PrefixPart(prefix);
     QStringList references;
-    for (const QString& name : QDir(HTMLTemplatesLocation()).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase)) {
+    for (const QString& name : QDir(TemplatesBeside(location)).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase)) {
         if (name.startsWith(start, Qt::CaseInsensitive) && name.endsWith(Extension, Qt::CaseInsensitive) &&
             name.size() >= start.size() + Extension.size() && IsPlainName(name))
             references.append(name.sliced(start.size()).chopped(Extension.size()));
@@ -104,12 +100,10 @@ QStringList cTolvaDatabase::GetHTMLTemplateReferences(const QString& prefix) con
     return references;
 }
 
-QString cTolvaDatabase::GetHTMLTemplateFileName(const QString& prefix, const QString& reference) const
+QString HTMLTemplates::FileName(const QString& location, const QString& prefix, const QString& reference)
 {
-    if (!Database_ || Information_.Location.isEmpty())
-        return {};
     const QString name = PrefixPart(prefix) + reference + Extension;
     if (!IsPlainName(name))
         return {};
-    return ProfileHelper::ExistingFile(FileHelper::Join(HTMLTemplatesLocation(), name));
+    return ProfileHelper::ExistingFile(FileHelper::Join(TemplatesBeside(location), name));
 }

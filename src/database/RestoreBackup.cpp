@@ -3,13 +3,8 @@
 
 #include "common/FileHelper.h"
 #include "common/PendingError.h"
-#include "common/UserInterface.h"
-#include "common/kvGeneral.h"
-#include "database/BackupFolders.h"
-#include "database/DAO_DatabaseFunctions.h"
 #include "database/FileExchange.h"
 #include "database/Leftovers.h"
-#include "database/cTolvaDatabase.h"
 #include "platform/files/WorkClaim.h"
 #include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
@@ -19,12 +14,6 @@
 
 namespace
 {
-MessageBoxAnswer Ask(const QString& text)
-{
-    return UserInterface::Current().MessageBox(
-        {text, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No});
-}
-
 /// What stands in the way of putting something into a file, rather than in its place: it is missing, or cannot be read.
 bool NeedsRename(int errorNumber)
 {
@@ -92,50 +81,4 @@ RestoreBackup::Outcome RestoreBackup::Replace(const QString& databaseFile, const
     for (const QString& name : dao::DBEngine::CompanionsOf(restored) + QStringList(restored))
         FileSystem::Current().Remove(name);
     return isPut ? Outcome::Done : Outcome::NotPut;
-}
-
-/// Offers the newest backup that reads in place of a database that does not. failure: what reading it gave. 0 when the
-/// database was replaced and reads again.
-qint32 cTolvaDatabase::OfferBackupOfCorruptedDatabase(const QString& fileName, const QString& connect, qint32 failure)
-{
-    if (Ask(QStringLiteral("Your Tolva database is corrupted and cannot be repaired.\n\n"
-                           "Do you want this program to search for recent automatic backups?")) !=
-        MessageBoxAnswer::Yes)
-        return failure;
-    const BackupFolders::Backup best =
-        BackupFolders::NewestSound(BackupFolders::RootOf(fileName), FileHelper::FileNameOf(fileName));
-    if (best.Folder.isEmpty())
-        return failure;
-    if (Ask(QStringLiteral("A valid backup has been found that was created: %1\n\n"
-                           "Do you want replace the corrupted database with this backup?\n\n"
-                           "WARNING! You must quit from all copies of Tolva and Tolva Server before restoring from a "
-                           "Backup")
-                .arg(best.CreatedDate.Format(QStringLiteral("dddddd hh:nn")))) != MessageBoxAnswer::Yes)
-        return -1;
-    const QString keepName = RestoreBackup::KeepNameOf(fileName);
-    if (FileHelper::FileExists(keepName) &&
-        !FileHelper::DeleteWithProgress(keepName, QStringLiteral("Removing old files..."))) {
-        UserInterface::Current().MessageBox(
-            {QStringLiteral("An old corrupted file cannot be deleted to make way for a duplicate of the current "
-                            "corrupted database. \n\n") +
-                 keepName,
-             QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
-        return -1;
-    }
-    PendingError pending;
-    switch (RestoreBackup::Replace(
-        fileName, FileHelper::Join(best.Folder, FileHelper::FileNameOf(fileName)), [&] { return keepName; }, pending)) {
-    case RestoreBackup::Outcome::Done:
-        break;
-    case RestoreBackup::Outcome::NotPut:
-        ReportProblem(QStringLiteral("renaming the old corrupted database"), pending.Number(), SilentMode_,
-                      pending.Description());
-        return -1;
-    case RestoreBackup::Outcome::CopyFailed:
-        return -1;
-    }
-    QString title = QStringLiteral("Kelvarin Tolva Database");
-    if (const int code = DAO_DatabaseFunctions::ValidateDatabase(fileName, TolvaDatabaseType, false, title, connect))
-        return -code;
-    return DAO_DatabaseFunctions::GetDatabaseInformation(fileName, Information_, true, QString());
 }

@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// What a station is called and where it is reached, and what it plays: properties of cTolvaDatabase.
+#include "database/StationDetails.h"
 
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
-#include "database/cTolvaDatabase.h"
+#include "database/SettingsStore.h"
+#include "database/StationContext.h"
+
+using StationSettings::StationCountry;
 
 namespace
 {
-const QString NameKey = QStringLiteral("Station.Name");
-const QString AddressKey = QStringLiteral("Station.Address");
-const QString PhoneNumberKey = QStringLiteral("Station.PhoneNumber");
-const QString SMSPhoneNumberKey = QStringLiteral("Station.SMSPhoneNumber");
-const QString CountryKey = QStringLiteral("Station.Country");
-const QString CompanyNumberKey = QStringLiteral("Station.CompanyNumber");
-const QString VATNumberKey = QStringLiteral("Station.VATNumber");
 const QString CurrentSongKey = QStringLiteral("CurrentSongFullName");
 
 QString SongFile(const QString& databasePath)
@@ -26,103 +21,41 @@ QString SongFile(const QString& databasePath)
 }
 } // namespace
 
-// The name is read with a default that it is not written with: an emptied name reads as the default again.
-QString cTolvaDatabase::StationName() const
+QString StationDetails::Country() const
 {
-    return DatabaseSetting(NameKey, QStringLiteral("Radio Station")).toString();
-}
-
-void cTolvaDatabase::SetStationName(const QString& name)
-{
-    SetDatabaseSetting(NameKey, name, QString());
-}
-
-QString cTolvaDatabase::StationAddress() const
-{
-    return DatabaseSetting(AddressKey, QString()).toString();
-}
-
-void cTolvaDatabase::SetStationAddress(const QString& address)
-{
-    SetDatabaseSetting(AddressKey, address, QString());
-}
-
-QString cTolvaDatabase::StationPhoneNumber() const
-{
-    return DatabaseSetting(PhoneNumberKey, QString()).toString();
-}
-
-void cTolvaDatabase::SetStationPhoneNumber(const QString& number)
-{
-    SetDatabaseSetting(PhoneNumberKey, number, QString());
-}
-
-QString cTolvaDatabase::StationSMSPhoneNumber() const
-{
-    return DatabaseSetting(SMSPhoneNumberKey, QString()).toString();
-}
-
-void cTolvaDatabase::SetStationSMSPhoneNumber(const QString& number)
-{
-    SetDatabaseSetting(SMSPhoneNumberKey, number, QString());
-}
-
-QString cTolvaDatabase::StationCompanyNumber() const
-{
-    return DatabaseSetting(CompanyNumberKey, QString()).toString();
-}
-
-void cTolvaDatabase::SetStationCompanyNumber(const QString& number)
-{
-    SetDatabaseSetting(CompanyNumberKey, number, QString());
-}
-
-QString cTolvaDatabase::StationVATNumber() const
-{
-    return DatabaseSetting(VATNumberKey, QString()).toString();
-}
-
-void cTolvaDatabase::SetStationVATNumber(const QString& number)
-{
-    SetDatabaseSetting(VATNumberKey, number, QString());
-}
-
-QString cTolvaDatabase::StationCountry() const
-{
-    const QString country = GeneralHelper::ToPhoneRegion(DatabaseSetting(CountryKey, QString()).toString());
+    const QString country = GeneralHelper::ToPhoneRegion(Settings_.Read(StationCountry));
     return country.isEmpty() ? GeneralHelper::DefaultPhoneRegion() : country;
 }
 
-void cTolvaDatabase::SetStationCountry(const QString& country)
+void StationDetails::SetCountry(const QString& country)
 {
     const QString region = GeneralHelper::ToPhoneRegion(country);
     if (!region.isEmpty())
-        SetDatabaseSetting(CountryKey, region, QString());
+        Settings_.Write(StationCountry, region);
 }
 
-/// The country for the keys of a message of that type. The first text message stores it, so that computers with other
-/// defaults write the same keys.
-QString cTolvaDatabase::KeyCountry(enMsgType type)
+QString StationDetails::KeyCountry(enMsgType type)
 {
     if (type != emtSMS)
         return QString();
-    const QString country = StationCountry();
-    if (DatabaseSetting(CountryKey, QString()).toString().isEmpty()) {
+    const QString country = Country();
+    if (Settings_.Read(StationCountry).isEmpty()) {
         PendingError ignored; // somebody else may store his at this moment; whoever comes first, it is read again
         ignored.Try([&] {
-            const auto settings = OpenedDatabase().OpenRecordset(QStringLiteral("Settings"), dao::dbOpenTable);
-            DAO_DatabaseFunctions::WriteSettingValue(settings.get(), CountryKey, country, QString(), true);
+            const auto settings = Station_.OpenedDatabase().OpenRecordset(QStringLiteral("Settings"), dao::dbOpenTable);
+            DAO_DatabaseFunctions::WriteSettingValue(settings.get(), StationCountry.Key, country,
+                                                     StationCountry.Default, true);
         });
     }
-    return StationCountry();
+    return Country();
 }
 
-QString cTolvaDatabase::StationAddressString(const QString& separator) const
+QString StationDetails::OnOneLine(const QString& address, const QString& separator)
 {
-    QString address = StationAddress();
-    address.replace(QLatin1String("\r\n"), QLatin1String("\r")).replace(QLatin1Char('\n'), QLatin1Char('\r'));
+    QString text = address;
+    text.replace(QLatin1String("\r\n"), QLatin1String("\r")).replace(QLatin1Char('\n'), QLatin1Char('\r'));
     QStringList lines;
-    const QStringList typed = address.split(QLatin1Char('\r'));
+    const QStringList typed = text.split(QLatin1Char('\r'));
     for (const QString& typedLine : typed) {
         QString line = typedLine.trimmed();
         // A comma typed at a line's end is not doubled.
@@ -136,11 +69,11 @@ QString cTolvaDatabase::StationAddressString(const QString& separator) const
     return lines.join(separator + QLatin1Char(' '));
 }
 
-QString cTolvaDatabase::CurrentSongFullName() const
+QString StationDetails::CurrentSong() const
 {
-    if (!Database_)
+    if (!Station_.Database)
         return QString();
-    const QString file = SongFile(Information_.Path);
+    const QString file = SongFile(Station_.Information.Path);
     if (FileHelper::FileSize(file) <= 0)
         return QString();
     QString text = FileHelper::ReadTextFile(file);
@@ -161,10 +94,10 @@ QString cTolvaDatabase::CurrentSongFullName() const
     return QString();
 }
 
-void cTolvaDatabase::SetCurrentSongFullName(const QString& song)
+void StationDetails::SetCurrentSong(const QString& song)
 {
-    if (!Database_)
+    if (!Station_.Database)
         return;
-    FileHelper::WriteTextFile(SongFile(Information_.Path),
+    FileHelper::WriteTextFile(SongFile(Station_.Information.Path),
                               GeneralHelper::SetLineKeyValue(QString(), CurrentSongKey, song));
 }

@@ -3,8 +3,8 @@
 // Creating a database file, and completing the Description table that every database has.
 
 #include "common/FileHelper.h"
+#include "common/MachineSettings.h"
 #include "common/PendingError.h"
-#include "common/ProfileHelper.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
@@ -71,15 +71,6 @@ void RemoveEmptyFile(const QString& fileName)
         files.Remove(aside);
 }
 
-/// The name of the engine that this machine makes new files with; empty for the usual one.
-QString EngineOfNewFiles()
-{
-    return ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                            QStringLiteral("SOFTWARE\\Kelvarin\\Utils\\Databases"),
-                                            QStringLiteral("NewDatabaseEngine"), QString())
-        .toString();
-}
-
 /// 0, -1 when the user declines, or the number of the error that stopped it.
 qint16 CreateLocalFile(const QString& fileName, bool silent)
 {
@@ -100,7 +91,8 @@ qint16 CreateLocalFile(const QString& fileName, bool silent)
             return Report(QStringLiteral("deleting the old file"), pending, false);
     }
     pending.Try([&] {
-        dao::DBEngine::CreateDatabase(fileName, QStringLiteral(";LANGID=0x0409;CP=1252;COUNTRY=0"), EngineOfNewFiles())
+        dao::DBEngine::CreateDatabase(fileName, QStringLiteral(";LANGID=0x0409;CP=1252;COUNTRY=0"),
+                                      MachineSettings::EngineOfNewDatabases())
             ->Close();
     });
     // Another computer that opens the same new folder may have been quicker; its file got the name when it was whole.

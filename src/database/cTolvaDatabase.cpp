@@ -3,45 +3,125 @@
 
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
-#include "common/MachineHelper.h"
-#include "common/PendingError.h"
 #include "common/UserInterface.h"
+#include "common/kvGeneral.h"
+#include "database/BackupStore.h"
+#include "database/HTMLTemplates.h"
+#include "database/SettingsStore.h"
+#include "database/StationContext.h"
+#include "database/StationDetails.h"
+#include "database/StationDialogs.h"
+#include "database/StationFile.h"
+#include "database/StationStructure.h"
 #include "database/watch/StationWatch.h"
-#include "platform/directory/clsKVDirectory.h"
-
-#include <QPointer>
-
-namespace
-{
-/// This library's number in the class column of a directory's user log.
-constexpr int UserLogClass = 32;
-} // namespace
+#include "messages/FolderStore.h"
+#include "messages/HighlightSettings.h"
+#include "messages/MessageStore.h"
+#include "platform/directory/clsKVUser.h"
+#include "prizes/PrizeStore.h"
+#include "prizes/WinnerStore.h"
 
 cTolvaDatabase::cTolvaDatabase()
-    : MessageCategories_(std::make_unique<clsCategory>()), Watch_(std::make_unique<StationWatch>(*this))
+    : Station_(std::make_unique<StationContext>()),
+      Settings_(std::make_unique<SettingsStore>(*Station_)),
+      Details_(std::make_unique<StationDetails>(*Station_, *Settings_)),
+      Highlights_(std::make_unique<HighlightSettings>(*Settings_)),
+      Folders_(std::make_unique<FolderStore>(*Station_)),
+      Messages_(std::make_unique<MessageStore>(*Station_, *Settings_, *Details_, *Folders_, *Highlights_)),
+      Prizes_(std::make_unique<PrizeStore>(*Station_, *Settings_)),
+      Winners_(std::make_unique<WinnerStore>(*Station_, *Prizes_)),
+      Backups_(std::make_unique<BackupStore>(*Station_, *Settings_)),
+      Watch_(std::make_unique<StationWatch>(*this))
 {
-    MessageCategories_->SetReference(0);
-    MessageCategories_->SetParentReference(0);
-    MessageCategories_->SetDescription(QStringLiteral("All Categories"));
     SetLabelDefaults(AddressLabelsPageSetup_);
-    MachineName_ = MachineHelper::ComputerName();
+    connect(Messages_.get(), &MessageStore::MessageSaved, this, &cTolvaDatabase::MessageSaved);
+    connect(Messages_.get(), &MessageStore::MessageDeleted, this, &cTolvaDatabase::MessageDeleted);
+    connect(Prizes_.get(), &PrizeStore::PrizeSaved, this, &cTolvaDatabase::PrizeSaved);
+    connect(Prizes_.get(), &PrizeStore::PrizeDeleted, this, &cTolvaDatabase::PrizeDeleted);
 }
 
 cTolvaDatabase::~cTolvaDatabase()
 {
-    if (Database_)
+    if (IsOpen())
         CloseTolvaDatabase();
-    UnloadBackupTimer();
+    Backups_->StopTimer();
 }
 
-void cTolvaDatabase::SetLabelDefaults(cPageSetup& pageSetup)
+// Opening and closing.
+
+qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QString& givenConnect)
 {
-    pageSetup.SetNumberColumns(2);
-    pageSetup.SetNumberRows(4);
-    pageSetup.SetColumnWidth(104);
-    pageSetup.SetRowHeight(68);
-    pageSetup.SetTopMargin(20);
-    pageSetup.SetLeftMargin(20);
+    // The arguments may be this object's own properties, which closing empties.
+    const QString location = givenLocation;
+    const QString connect = givenConnect;
+    Station_->LastError = {};
+    WriteDebugLog(QStringLiteral("Closing any previous Database"));
+    CloseTolvaDatabase();
+    StationFile file(*Station_);
+    if (const qint32 result = file.Open(location, connect))
+        return result;
+    WriteDebugLog(QStringLiteral("Reading Database Settings"));
+    const bool areSettingsRead = ReadDatabaseSettings();
+    const qint32 failure = areSettingsRead ? -1 : LastErrorNumber();
+    const bool isReady = InsistOnStationDetails(areSettingsRead);
+    file.LogOpening(file.NameAndPath(), isReady);
+    return isReady ? 0 : failure;
+}
+
+bool cTolvaDatabase::InsistOnStationDetails(bool settingsRead)
+{
+    if (!settingsRead || (!StationPhoneNumber().isEmpty() && !StationName().isEmpty()))
+        return settingsRead;
+    UserInterface::Current().MessageBox(
+        {QStringLiteral("You must enter a Name and Phone Number for your station before you can continue"), QString(),
+         MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK});
+    return DisplaySettings();
+}
+
+qint32 cTolvaDatabase::CloseTolvaDatabase()
+{
+    if (Information().Path.isEmpty())
+        return 0;
+    StationFile file(*Station_);
+    {
+        const BusyPointer busy;
+        WriteDebugLog(QStringLiteral("Unloading Handler Form"), 5);
+        Backups_->StopTimer();
+        file.Close();
+    }
+    file.LogClosing();
+    file.Forget();
+    WriteDebugLog(QStringLiteral("Database Closed"));
+    return 0;
+}
+
+qint16 cTolvaDatabase::ValidateTolvaDatabase(const QString& fileName)
+{
+    return StationStructure::Validate(fileName, SilentMode());
+}
+
+bool cTolvaDatabase::DisplaySettings()
+{
+    const clsKVUser* user = Station_->CurrentUser();
+    if (user && !user->ChangeSettings()) {
+        UserInterface::Current().MessageBox(
+            {QStringLiteral("You are not allowed to use or alter the Tolva Database's Settings"), QString(),
+             MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
+        return false;
+    }
+    return StationDialogs::InForce().DatabaseSettings(*this);
+}
+
+// What stands of the station and of this object.
+
+bool cTolvaDatabase::IsOpen() const
+{
+    return Station_->Database != nullptr;
+}
+
+int cTolvaDatabase::Openings() const
+{
+    return Station_->Openings;
 }
 
 int cTolvaDatabase::DebugMode()
@@ -54,55 +134,106 @@ void cTolvaDatabase::SetDebugMode(int level)
     GeneralHelper::SetDebugMode(level);
 }
 
+const QString& cTolvaDatabase::Description() const
+{
+    return Station_->Information.Description;
+}
+
+const QString& cTolvaDatabase::Location() const
+{
+    return Station_->Information.Location;
+}
+
+const DatabaseInformation& cTolvaDatabase::Information() const
+{
+    return Station_->Information;
+}
+
 QString cTolvaDatabase::DatabaseReference() const
 {
-    return FileHelper::WithoutExtension(Information_.FileName);
+    return FileHelper::WithoutExtension(Information().FileName);
 }
 
-bool cTolvaDatabase::DisplaySettings()
+LockingMode cTolvaDatabase::DatabaseLockingMode() const
 {
-    const clsKVUser* user = CurrentUser();
-    if (user && !user->ChangeSettings()) {
-        UserInterface::Current().MessageBox(
-            {QStringLiteral("You are not allowed to use or alter the Tolva Database's Settings"), QString(),
-             MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
-        return false;
-    }
-    return UserInterface::Current().DatabaseSettings(*this);
+    if (Location().isEmpty() || !IsOpen())
+        return LockingMode::Unknown;
+    return StationStructure::LockingModeOf(*Station_->Database);
 }
 
-dao::Database& cTolvaDatabase::OpenedDatabase() const
+bool cTolvaDatabase::SilentMode() const
 {
-    if (!Database_)
-        throw dao::Error(dao::errObjectInvalid, QStringLiteral("No Tolva Database has been opened."));
-    return *Database_;
+    return Station_->IsSilent;
 }
 
-clsKVUser* cTolvaDatabase::CurrentUser() const
+void cTolvaDatabase::SetSilentMode(bool silent)
 {
-    return DirectoryDatabase_ ? DirectoryDatabase_->CurrentUser() : nullptr;
+    Station_->IsSilent = silent;
 }
 
-/// Without a directory or a signed-in user there is no log to write to. In a transaction the entry follows the commit:
-/// it lies in another file, whose failure is not the change's.
-bool cTolvaDatabase::LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const
+bool cTolvaDatabase::RaiseEvents() const
 {
-    if (!CurrentUser())
-        return false;
-    const auto isLogged = std::make_shared<bool>(true);
-    dao::Transaction::AfterCommit([self = QPointer<const cTolvaDatabase>(this), isLogged, kind, title, text, code] {
-        // Whatever the host's log meets, the change that it tells of stands.
-        PendingError ignored;
-        ignored.Try([&] {
-            clsKVUser* user = self ? self->CurrentUser() : nullptr;
-            *isLogged = user && user->LogEvent(UserLogClass, kind, title, text, code, 0);
-        });
-    });
-    return *isLogged;
+    return Station_->RaisesEvents;
 }
 
-void cTolvaDatabase::KeepLastError(const PendingError& pending)
+void cTolvaDatabase::SetRaiseEvents(bool raise)
 {
-    LastErrorNumber_ = pending.Number();
-    LastErrorDescription_ = pending.Description();
+    Station_->RaisesEvents = raise;
+}
+
+bool cTolvaDatabase::StampsEveryChange() const
+{
+    return Station_->StampsEveryChange;
+}
+
+void cTolvaDatabase::SetStampsEveryChange(bool stamps)
+{
+    Station_->StampsEveryChange = stamps;
+}
+
+clsKVDirectory* cTolvaDatabase::DirectoryDatabase() const
+{
+    return Station_->Directory;
+}
+
+void cTolvaDatabase::SetDirectoryDatabase(clsKVDirectory* directory)
+{
+    Station_->Directory = directory;
+}
+
+int cTolvaDatabase::LastErrorNumber() const
+{
+    return Station_->LastError.Number();
+}
+
+const QString& cTolvaDatabase::LastErrorDescription() const
+{
+    return Station_->LastError.Description();
+}
+
+dao::Transaction cTolvaDatabase::BeginChange() const
+{
+    return dao::Transaction(Station_->OpenedDatabase());
+}
+
+std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenSnapshot(const QString& sql) const
+{
+    return Station_->OpenSnapshot(sql);
+}
+
+// Page templates.
+
+QString cTolvaDatabase::HTMLTemplatesLocation() const
+{
+    return HTMLTemplates::FolderOf(Location());
+}
+
+QStringList cTolvaDatabase::GetHTMLTemplateReferences(const QString& prefix) const
+{
+    return IsOpen() && !Location().isEmpty() ? HTMLTemplates::References(Location(), prefix) : QStringList();
+}
+
+QString cTolvaDatabase::GetHTMLTemplateFileName(const QString& prefix, const QString& reference) const
+{
+    return IsOpen() && !Location().isEmpty() ? HTMLTemplates::FileName(Location(), prefix, reference) : QString();
 }

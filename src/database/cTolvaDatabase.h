@@ -6,6 +6,7 @@
 #include "common/cPageSetup.h"
 #include "common/clsFont.h"
 #include "database/DatabaseInformation.h"
+#include "database/LockingMode.h"
 #include "database/watch/ChangeStamp.h"
 #include "messages/MessageSaving.h"
 #include "messages/cMessage.h"
@@ -23,28 +24,25 @@
 #include <optional>
 #include <vector>
 
-class BackupTimer;
+class BackupStore;
+class FolderStore;
+class HighlightSettings;
 class ListViewObject;
-class clsKVDirectory;
-class clsKVUser;
-class PendingError;
+class MessageStore;
+class PrizeStore;
+class SettingsStore;
+class StationContext;
+class StationDetails;
 class StationWatch;
-
-/// How the computers that share a file lock it.
-enum class LockingMode : qint32
-{
-    Unknown = -1,
-    PageLevel = 0,
-    RecordLevel = 1
-};
+class WinnerStore;
+class clsKVDirectory;
 
 /// The one object through which a host and every control reach a station's database. The host owns it, sets
 /// DirectoryDatabase, opens it on a folder and keeps it while controls use it; destroying it closes the file. All on
 /// the user interface thread. Every change is on the disk when its operation returns, and nothing is cached between
 /// calls but the folder tree and the highlight settings.
 ///
-/// The sources stand beside their subjects: opening, structure and settings in database/, messages and folders in
-/// messages/, prizes in prizes/.
+/// It forwards to stores, each of which owns its subject.
 class TOLVA_EXPORT cTolvaDatabase : public QObject
 {
     Q_OBJECT
@@ -69,10 +67,10 @@ public:
     /// Creates or completes all tables of a file. It opens the file by itself. 0 or an error number, which the user has
     /// been told.
     qint16 ValidateTolvaDatabase(const QString& fileName);
-    bool IsOpen() const { return Database_ != nullptr; }
+    bool IsOpen() const;
     /// How often this object has opened a file: what was read before belongs to another opening, and may be another
     /// file's.
-    int Openings() const { return Openings_; }
+    int Openings() const;
     /// Through which the lists of this object hear of what other computers change.
     StationWatch& Watch() const { return *Watch_; }
     /// The settings dialog, unless the user lacks the right. True when it was confirmed.
@@ -82,35 +80,35 @@ public:
     static int DebugMode();
     static void SetDebugMode(int level);
 
-    const QString& Description() const { return Information_.Description; }
-    const QString& Location() const { return Information_.Location; }
-    const DatabaseInformation& Information() const { return Information_; }
+    const QString& Description() const;
+    const QString& Location() const;
+    const DatabaseInformation& Information() const;
     /// The file's name without its extension.
     QString DatabaseReference() const;
     /// What is in force now; Unknown when nothing is open.
     LockingMode DatabaseLockingMode() const;
 
     /// Without message boxes for failures; the log is written all the same.
-    bool SilentMode() const { return SilentMode_; }
-    void SetSilentMode(bool silent) { SilentMode_ = silent; }
+    bool SilentMode() const;
+    void SetSilentMode(bool silent);
     /// False stops the four events of this object. Starts true.
-    bool RaiseEvents() const { return RaiseEvents_; }
-    void SetRaiseEvents(bool raise) { RaiseEvents_ = raise; }
+    bool RaiseEvents() const;
+    void SetRaiseEvents(bool raise);
 
     /// The host's directory, which the host owns; null for none.
-    clsKVDirectory* DirectoryDatabase() const { return DirectoryDatabase_; }
-    void SetDirectoryDatabase(clsKVDirectory* directory) { DirectoryDatabase_ = directory; }
+    clsKVDirectory* DirectoryDatabase() const;
+    void SetDirectoryDatabase(clsKVDirectory* directory);
 
     /// Why the last operation that answered false or nothing did so: an error number of dao::ErrorNumber, and its
     /// words. 0 when no error stood behind it.
-    int LastErrorNumber() const { return LastErrorNumber_; }
-    const QString& LastErrorDescription() const { return LastErrorDescription_; }
+    int LastErrorNumber() const;
+    const QString& LastErrorDescription() const;
 
     /// A transaction of the caller's that has the writer's lock of the station from the beginning: what is read in it
     /// stays as it is read until it ends, and all operations in it become durable in its commit. Events are raised as
     /// they come, the user log follows the commit. Nothing may wait for the user in it. dao::Error: 3260 when another
     /// computer has the lock for too long, 3420 on a closed object.
-    dao::Transaction BeginChange() const { return dao::Transaction(OpenedDatabase()); }
+    dao::Transaction BeginChange() const;
 
     // Settings: named values that all computers share.
 
@@ -125,10 +123,10 @@ public:
     /// Stores the backup options, the highlight font and words, and the label geometry. Always true.
     bool WriteDatabaseSettings();
 
-    bool EnableAutoBackup() const { return EnableAutoBackup_; }
+    bool EnableAutoBackup() const;
     void SetEnableAutoBackup(bool enable);
     /// Minutes: 60 or 1440.
-    qint32 BackupInterval() const { return BackupInterval_; }
+    qint32 BackupInterval() const;
     void SetBackupInterval(qint32 minutes);
     /// Days; 0 keeps every backup.
     qint16 BackupExpiryDays() const;
@@ -142,12 +140,12 @@ public:
     bool BackupDatabase(bool forceBackup);
     /// False: this object makes no backup by itself, whatever the station's setting says. For stations in the making
     /// and for tools that open one for a moment. Counts from the next reading of the settings. Starts true.
-    bool MakesAutomaticBackups() const { return MakesAutomaticBackups_; }
-    void SetMakesAutomaticBackups(bool makes) { MakesAutomaticBackups_ = makes; }
+    bool MakesAutomaticBackups() const;
+    void SetMakesAutomaticBackups(bool makes);
     /// True: moving and deleting a message, emptying a folder and deleting a prize move the change stamp as saving
     /// does, so that other computers see it at once. It is stored together with the change. Starts false.
-    bool StampsEveryChange() const { return StampsEveryChange_; }
-    void SetStampsEveryChange(bool stamps) { StampsEveryChange_ = stamps; }
+    bool StampsEveryChange() const;
+    void SetStampsEveryChange(bool stamps);
 
     QString StationName() const;
     void SetStationName(const QString& name);
@@ -173,7 +171,9 @@ public:
     QString CurrentSongFullName() const;
     void SetCurrentSongFullName(const QString& song);
 
-    clsFont& MessageHighlightFont() { return MessageHighlightFont_; }
+    clsFont& MessageHighlightFont();
+    /// The font with its words, for the dialog that changes both.
+    HighlightSettings& Highlights() { return *Highlights_; }
     cPageSetup& AddressLabelsPageSetup() { return AddressLabelsPageSetup_; }
     /// What a station's label sheet measures until it is changed.
     static void SetLabelDefaults(cPageSetup& pageSetup);
@@ -235,12 +235,12 @@ public:
     Date LastMessageChanged() const;
     void SetLastMessageChanged(Date changeDate);
     /// How the save that MessageSaved tells of moved the stamp; of nothing when it did not, and outside the event.
-    const StampMove& ToldMessageMove() const { return ToldMessageMove_; }
+    const StampMove& ToldMessageMove() const;
 
     // Folders.
 
     /// Root of the tree as it was last loaded. Held nodes go stale at UpdateCategoryTree.
-    clsCategory& MessageCategories() { return *MessageCategories_; }
+    clsCategory& MessageCategories();
     // Folders that cannot be read or stored are a dao::Error of these, DeleteMessageCategory apart; on a closed object
     // they answer nothing.
 
@@ -275,7 +275,7 @@ public:
     Date LastPrizeChanged() const;
     void SetLastPrizeChanged(Date changeDate);
     /// As ToldMessageMove, for PrizeSaved.
-    const StampMove& ToldPrizeMove() const { return ToldPrizeMove_; }
+    const StampMove& ToldPrizeMove() const;
     /// Null when there is no such prize, for reference 0 and on a closed object, and when it cannot be read
     /// (LastErrorNumber). getWinners: fills its slots too.
     cPrizePtr GetPrize(qint32 prizeReference, bool getWinners);
@@ -342,117 +342,17 @@ Q_SIGNALS:
     void PrizeDeleted(const cPrizePtr& Prize);
 
 private:
-    friend class cMessage;
-    friend class frmHighlightSettings;
-
-    static constexpr qint32 TolvaDatabaseType = 31;
-
-    // Steps of the open, in OpenTolvaDatabase.cpp.
-    qint32 FailOpen(const QString& text, qint32 result);
-    void OpenWithLockingMode(const QString& fileName, PendingError& pending);
-    void AskForStationName(PendingError& pending);
-    void CheckSettingsIndex() const;
-    void BringUpToDate(const QString& location);
-    void WriteStructureVersion();
-    void RefreshHTMLTemplates(const QString& location); // in HTMLTemplates.cpp
     bool InsistOnStationDetails(bool settingsRead);
-    void WriteLastAccess();
-    QString NameAndPath() const;
 
-    qint32 OfferBackupOfCorruptedDatabase(const QString& fileName, const QString& connect, qint32 failure);
-
-    // Backups, in Backup.cpp.
-    bool IsBackupAnnounced(Date now) const;
-    bool IsBackupRecent(Date now) const;
-    bool MakeBackup(Date now, bool forceBackup);
-    void UpdateBackupTimer();
-    void UnloadBackupTimer();
-
-    // Structure, in ValidateTolvaDatabase.cpp.
-    int CheckMessagesTable(dao::Database& database) const;
-    int CheckMessageCategoriesTable(dao::Database& database) const;
-    int CheckPrizesTable(dao::Database& database) const;
-    int CheckPrizeWinnersTable(dao::Database& database) const;
-
-    // Settings.
-    /// 0 or an error number, which the user has been told.
-    int StoreSetting(const QString& itemName, const QVariant& value, const QVariant& defaultValue, bool silent = false);
-    bool CommitWithStamp(dao::Transaction& transaction, const QString& stamp, PendingError& pending);
-    void ReadHighlightSettings();
-    /// Stores the highlight font and words and takes them over; false at the first that could not be stored.
-    bool StoreHighlightSettings(const clsFont& font, const QString& words);
-    const QString& HighlightWords() const { return HighlightWords_; }
-    void SetHighlightWords(const QString& words);
-
-    // Messages and folders.
-    void SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
-                           qint32 backColour, const QString& iconReference);
-    void SaveFixedCategories();
-    void StoreCategory(clsCategory& category);
-    void StoreCategoryTree(clsCategory& category);
-    QString KeyCountry(enMsgType type);
-    QList<qint32> MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const;
-    bool StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending);
-    cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
-    enum class Stamp
-    {
-        Moves,
-        MovesIfWanted ///< StampsEveryChange decides.
-    };
-    bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
-                          PendingError& pending);
-    bool MayEditMessage(const cMessage& message);
-    void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
-
-    // Prizes.
-    std::unique_ptr<dao::Recordset> OpenForPrizeSave(const QString& table, PendingError& pending);
-    static void LogStartOfSave(const cPrizePtr& prize);
-    bool StorePrize(const cPrizePtr& prize, dao::Transaction& transaction);
-    void TellOfPrize(const cPrizePtr& prize, bool isNew, bool saved, bool wasEdited, const PendingError& pending);
-    bool DeleteStoredPrize(qint32 reference, dao::Recordset& prizes, PendingError& pending);
-    void DeleteWinnersOf(qint32 prizeReference);
-    bool BeginWinnerChange(std::optional<dao::Transaction>& transaction);
-    bool StorePrizeWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction);
-    bool CountWinner(const cPrizeWinnerPtr& winner, const cPrizePtr& prize, dao::Transaction& transaction);
-    bool TakeWonDate(cPrizeWinner& winner, const cPrizePtr& prize, dao::Transaction& transaction);
-    bool DeleteStoredWinner(qint32 reference);
-    bool TakeStoredCount(qint32 prizeReference, bool mayLower);
-    QString WinnerLogText(qint32 winnerReference, const cPrize* prize) const;
-
-    /// The open database; dao::Error 3420 on a closed object.
-    dao::Database& OpenedDatabase() const;
-    clsKVUser* CurrentUser() const;
-    /// 0 for nobody.
-    qint32 CurrentUserReference() const;
-    std::vector<MessageSaving> WriteMessages(const std::vector<cMessagePtr>& messages,
-                                             const std::function<bool()>& goesOn);
-    bool LogMessageSaving(const cMessage& message, const MessageSaving& saving) const;
-    void LogSavings(const std::vector<cMessagePtr>& messages, const std::vector<MessageSaving>& savings) const;
-    bool LogDatabaseEvent(int kind, const QString& title, const QString& text, int code) const;
-    void KeepLastError(const PendingError& pending);
-
-    std::unique_ptr<dao::Database> Database_;
-    int Openings_ = 0;
-    StampMove CommittedMove_; ///< Of the last CommitWithStamp.
-    StampMove ToldMessageMove_;
-    StampMove ToldPrizeMove_;
-    DatabaseInformation Information_;
-    std::unique_ptr<clsCategory> MessageCategories_;
+    std::unique_ptr<StationContext> Station_;
+    std::unique_ptr<SettingsStore> Settings_;
+    std::unique_ptr<StationDetails> Details_;
+    std::unique_ptr<HighlightSettings> Highlights_;
+    std::unique_ptr<FolderStore> Folders_;
+    std::unique_ptr<MessageStore> Messages_;
+    std::unique_ptr<PrizeStore> Prizes_;
+    std::unique_ptr<WinnerStore> Winners_;
+    std::unique_ptr<BackupStore> Backups_;
     std::unique_ptr<StationWatch> Watch_;
     cPageSetup AddressLabelsPageSetup_;
-    QString MachineName_;
-    qint32 BackupInterval_ = 1440;
-    bool EnableAutoBackup_ = true;
-    bool BackupInProgress_ = false;
-    bool MakesAutomaticBackups_ = true;
-    bool StampsEveryChange_ = false;
-    std::shared_ptr<BackupTimer> BackupTimer_;
-    clsFont MessageHighlightFont_;
-    QString HighlightWords_;
-    bool SilentMode_ = false;
-    bool RaiseEvents_ = true;
-    bool FixedCategoryBusy_ = false;
-    clsKVDirectory* DirectoryDatabase_ = nullptr;
-    int LastErrorNumber_ = 0;
-    QString LastErrorDescription_;
 };

@@ -2,7 +2,7 @@
 #include "messages/HTMLTags.h"
 
 #include "common/GeneralHelper.h"
-#include "common/ProfileHelper.h"
+#include "common/MachineSettings.h"
 #include "common/TemplateHelper.h"
 #include "messages/HTMLTagsPreview.h"
 #include "messages/cMessage.h"
@@ -59,13 +59,6 @@ const QString SectionEndTag = QStringLiteral("</ZRT_MESSAGE_PERSONALSECTION>");
 
 constexpr qsizetype ShortSubject = 65;
 constexpr qsizetype MostGrowth = 1'000'000;
-
-bool MasksNumbers()
-{
-    return ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                            QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), 0)
-               .toInt() != 0;
-}
 
 QString Shortened(const QString& subject)
 {
@@ -288,7 +281,7 @@ const QString& HTMLTags::TextBody()
 QString HTMLTags::Masked(const QString& address)
 {
     if (!MasksNumbers_)
-        MasksNumbers_ = MasksNumbers();
+        MasksNumbers_ = MachineSettings::MasksPhoneNumbers();
     return *MasksNumbers_ ? QStringLiteral("0XXX-XXXXXX") : address;
 }
 

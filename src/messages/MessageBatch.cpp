@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Storing several messages in one step, and finding one by what would be stored of it.
+// Storing several messages in one step.
 
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
-#include "database/cTolvaDatabase.h"
+#include "database/StationContext.h"
+#include "database/StationDetails.h"
 #include "database/watch/ToldMove.h"
+#include "messages/HighlightSettings.h"
+#include "messages/MessageStore.h"
 #include "platform/records/Transaction.h"
 
 #include <QPointer>
@@ -47,22 +50,22 @@ qint32 FirstSaved(const std::vector<cMessagePtr>& messages, const std::vector<Me
 }
 } // namespace
 
-std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessagePtr>& messages,
-                                                        const std::function<bool()>& goesOn)
+std::vector<MessageSaving> MessageStore::SaveMessages(const std::vector<cMessagePtr>& messages,
+                                                      const std::function<bool()>& goesOn)
 {
-    KeepLastError(PendingError());
+    Station_.LastError = {};
     const std::vector<Before> before = StateOf(messages);
     std::vector<MessageSaving> savings;
     CommittedMove_ = {};
     try {
-        dao::Transaction transaction(OpenedDatabase());
+        dao::Transaction transaction(Station_.OpenedDatabase());
         savings = WriteMessages(messages, goesOn);
         if (FirstSaved(messages, savings) == 0) {
             transaction.Commit();
         } else {
             WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
             PendingError pending;
-            if (!CommitWithStamp(transaction, QStringLiteral("Messages.LastChanged"), pending))
+            if (!CommitWithStamp(transaction, pending))
                 throw dao::Error(pending.Number(), pending.Description());
         }
     } catch (...) {
@@ -75,9 +78,9 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
         throw;
     }
     LogSavings(messages, savings);
-    const QPointer<cTolvaDatabase> self(this);
-    const ToldMove told(*this, ToldMessageMove_, CommittedMove_);
-    for (std::size_t i = 0; self && RaiseEvents_ && i < savings.size(); ++i) {
+    const QPointer<MessageStore> self(this);
+    const ToldMove told(*this, ToldMove_, CommittedMove_);
+    for (std::size_t i = 0; self && Station_.RaisesEvents && i < savings.size(); ++i) {
         if (!savings[i].IsSaved())
             continue;
         WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
@@ -86,10 +89,10 @@ std::vector<MessageSaving> cTolvaDatabase::SaveMessages(const std::vector<cMessa
     return savings;
 }
 
-std::vector<MessageSaving> cTolvaDatabase::WriteMessages(const std::vector<cMessagePtr>& messages,
-                                                         const std::function<bool()>& goesOn)
+std::vector<MessageSaving> MessageStore::WriteMessages(const std::vector<cMessagePtr>& messages,
+                                                       const std::function<bool()>& goesOn)
 {
-    const auto recordset = OpenedDatabase().OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
+    const auto recordset = Station_.OpenedDatabase().OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
     std::vector<MessageSaving> savings;
     for (const cMessagePtr& message : messages) {
         if (!savings.empty() && !goesOn())
@@ -98,8 +101,8 @@ std::vector<MessageSaving> cTolvaDatabase::WriteMessages(const std::vector<cMess
         PendingError pending;
         pending.Try([&] {
             PendingError ofUpdate;
-            if (!message->WriteToRecordSet(recordset.get(), HighlightWords_, MessageHighlightFont_,
-                                           KeyCountry(message->MessageType()), ofUpdate))
+            if (!message->WriteToRecordSet(recordset.get(), Highlights_.Words(), Highlights_.Font(),
+                                           Details_.KeyCountry(message->MessageType()), ofUpdate))
                 throw dao::Error(ofUpdate.Number(), ofUpdate.Description());
         });
         if (pending.Number() != 0 && !IsErrorOfMessage(pending.Number()))
@@ -111,8 +114,7 @@ std::vector<MessageSaving> cTolvaDatabase::WriteMessages(const std::vector<cMess
 
 /// All entries in one step, which comes behind the messages': no entry tells of a message that is not there. Where one
 /// cannot be written, mostly because another computer holds the directory, the others would wait as long in vain.
-void cTolvaDatabase::LogSavings(const std::vector<cMessagePtr>& messages,
-                                const std::vector<MessageSaving>& savings) const
+void MessageStore::LogSavings(const std::vector<cMessagePtr>& messages, const std::vector<MessageSaving>& savings) const
 {
     PendingError pending;
     pending.Try([&] {
@@ -127,7 +129,7 @@ void cTolvaDatabase::LogSavings(const std::vector<cMessagePtr>& messages,
         WriteDebugLog(QStringLiteral("Couldn't write the user log - ") + pending.Description());
 }
 
-QByteArray cTolvaDatabase::OctetsToStore(const cMessage& message) const
+QByteArray MessageStore::OctetsToStore(const cMessage& message) const
 {
-    return message.OctetsToStore(HighlightWords_, MessageHighlightFont_);
+    return message.OctetsToStore(Highlights_.Words(), Highlights_.Font());
 }

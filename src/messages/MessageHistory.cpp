@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// cTolvaDatabase::FillMessagesListView: what a contact and the station wrote to each other.
+#include "messages/MessageHistory.h"
 
 #include "common/ClockHelper.h"
 #include "common/GeneralHelper.h"
 #include "common/ListViewObject.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
-#include "database/cTolvaDatabase.h"
+#include "database/StationContext.h"
+#include "database/StationDetails.h"
 #include "platform/directory/clsCategory.h"
 #include "platform/records/Recordset.h"
 
@@ -195,26 +195,26 @@ void AddRow(ListViewObject& list, const QString& key, std::vector<HistoryColumn>
 }
 } // namespace
 
-void cTolvaDatabase::FillMessagesListView(ListViewObject* lvwMessages, const QString& emailAddresses,
-                                          const QString& phoneNumbers)
+void MessageHistory::Fill(StationContext& station, const clsCategory& folders, const StationDetails& details,
+                          ListViewObject* list, const QString& emailAddresses, const QString& phoneNumbers)
 {
-    if (!Database_ || !lvwMessages || lvwMessages->TypeName() != QLatin1String("ListView"))
+    if (!station.Database || !list || list->TypeName() != QLatin1String("ListView"))
         return;
-    if (lvwMessages->ColumnCount() <= 0)
+    if (list->ColumnCount() <= 0)
         return;
-    lvwMessages->ClearItems();
+    list->ClearItems();
     PendingError pending;
     pending.Try([&] {
-        const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), StationCountry());
+        const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), details.Country());
         // A snapshot packs the rows without the mails; their text is read only for a column that shows it.
-        const auto rows =
-            OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where + QStringLiteral(" ORDER BY [Sent] DESC"));
-        std::vector<HistoryColumn> columns = ColumnsOf(*lvwMessages, *rows, *MessageCategories_);
+        const auto rows = station.OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where +
+                                               QStringLiteral(" ORDER BY [Sent] DESC"));
+        std::vector<HistoryColumn> columns = ColumnsOf(*list, *rows, folders);
         const dao::Field& reference = (*rows)[QStringLiteral("Reference")];
         for (; !rows->AtEOF(); rows->MoveNext())
-            AddRow(*lvwMessages, QStringLiteral("m%1").arg(reference.Value().toInt()), columns);
+            AddRow(*list, QStringLiteral("m%1").arg(reference.Value().toInt()), columns);
     });
-    KeepLastError(pending);
+    station.LastError = pending;
     if (pending)
         WriteDebugLog(QStringLiteral("FillMessagesListView: ") + pending.Description());
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// cTolvaDatabase::RewriteMessageKeys: search keys in the form of today for messages that were saved in another one.
+// MessageStore::RewriteMessageKeys: search keys in the form of today for messages that were saved in another one.
 
 #include "common/ClockHelper.h"
 #include "database/Collision.h"
-#include "database/cTolvaDatabase.h"
+#include "database/StationContext.h"
+#include "database/StationDetails.h"
+#include "messages/MessageStore.h"
 #include "platform/records/Transaction.h"
 
 namespace
@@ -30,7 +32,7 @@ void WriteKeys(dao::Recordset& row, const QMap<QString, QString>& keys)
 } // namespace
 
 /// Nobody waits for this: it only reads.
-QList<qint32> cTolvaDatabase::MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const
+QList<qint32> MessageStore::MessagesWithWrongKeys(qint32 first, qint32 last, const QString& country) const
 {
     const QStringList columns = {QStringLiteral("Reference"), QStringLiteral("MessageType"), QStringLiteral("FromKey"),
                                  QStringLiteral("ToKey"),     QStringLiteral("CcKey"),       QStringLiteral("Message")};
@@ -48,12 +50,12 @@ QList<qint32> cTolvaDatabase::MessagesWithWrongKeys(qint32 first, qint32 last, c
     return references;
 }
 
-int cTolvaDatabase::RewriteMessageKeys(qint32 first, qint32 last)
+int MessageStore::RewriteMessageKeys(qint32 first, qint32 last)
 {
-    const QString country = KeyCountry(emtSMS);
+    const QString country = Details_.KeyCountry(emtSMS);
     // As the row stands now: somebody may have saved or deleted it since it was looked at.
     const auto rewrite = [&](qint32 reference) {
-        const auto row = OpenedDatabase().OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
+        const auto row = Station_.OpenedDatabase().OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
         row->SetIndex(QStringLiteral("Main"));
         row->Seek(dao::SeekComparison::Equal, {reference});
         const QMap<QString, QString> keys =
@@ -72,7 +74,7 @@ int cTolvaDatabase::RewriteMessageKeys(qint32 first, qint32 last)
         for (const qint32 reference : references)
             changed += rewrite(reference) ? 1 : 0;
         if (changed > 0)
-            SetLastMessageChanged(ClockHelper::NowUTC());
+            SetLastChanged(ClockHelper::NowUTC());
         transaction.Commit();
     });
     return changed;

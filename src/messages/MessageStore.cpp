@@ -1,22 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "messages/MessageStore.h"
 
-// The message operations of cTolvaDatabase: fetching, saving, copying, moving, deleting, and the change stamp.
-
+#include "common/GeneralHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
-#include "database/SettingText.h"
-#include "database/cTolvaDatabase.h"
+#include "database/SettingsStore.h"
+#include "database/StationContext.h"
+#include "database/StationDetails.h"
 #include "database/watch/ToldMove.h"
-#include "platform/directory/clsKVDirectory.h"
+#include "messages/FolderStore.h"
+#include "messages/HighlightSettings.h"
+#include "platform/directory/clsKVUser.h"
 #include "platform/mail/MessageReader.h"
+#include "platform/records/Transaction.h"
 
 namespace
 {
 const QString MessagesTable = QStringLiteral("Messages");
 const QString MainIndex = QStringLiteral("Main");
 const QString FlagsColumn = QStringLiteral("Flags");
-const QString LastChangedSetting = QStringLiteral("Messages.LastChanged");
 
 /// Kinds of the user log.
 enum AuditKind
@@ -38,25 +41,31 @@ QString SubjectOf(const cMessagePtr& message)
 }
 } // namespace
 
-cMessagePtr cTolvaDatabase::GetMessage(qint32 reference)
+MessageStore::MessageStore(StationContext& station, SettingsStore& settings, StationDetails& details,
+                           FolderStore& folders, HighlightSettings& highlights)
+    : Station_(station), Settings_(settings), Details_(details), Folders_(folders), Highlights_(highlights)
+{
+}
+
+cMessagePtr MessageStore::GetMessage(qint32 reference)
 {
     cMessagePtr message;
     PendingError pending;
     pending.Try([&] { message = ReadMessage(reference); });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     return message;
 }
 
-cMessagePtr cTolvaDatabase::ReadMessage(qint32 reference)
+cMessagePtr MessageStore::ReadMessage(qint32 reference)
 {
-    if (reference == 0 || !Database_)
+    if (reference == 0 || !Station_.Database)
         return nullptr;
-    const auto recordset = Database_->OpenRecordset(MessagesTable, dao::dbOpenTable);
+    const auto recordset = Station_.Database->OpenRecordset(MessagesTable, dao::dbOpenTable);
     auto message = std::make_shared<cMessage>();
     return message->ReadFromRecordSet(reference, recordset.get()) ? message : nullptr;
 }
 
-cMessagePtr cTolvaDatabase::GetMessage(dao::Recordset& row)
+cMessagePtr MessageStore::GetMessage(dao::Recordset& row)
 {
     auto message = std::make_shared<cMessage>();
     try {
@@ -68,9 +77,9 @@ cMessagePtr cTolvaDatabase::GetMessage(dao::Recordset& row)
     }
 }
 
-std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
+std::unique_ptr<cMessages> MessageStore::GetMessages(const QString& sqlQuery)
 {
-    if (!Database_)
+    if (!Station_.Database)
         return nullptr;
     QString query = sqlQuery.trimmed();
     if (!query.isEmpty() && query.left(5).toUpper() != QLatin1String("WHERE"))
@@ -79,9 +88,10 @@ std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
     PendingError pending;
     std::unique_ptr<dao::Recordset> recordset;
     pending.Try([&] {
-        recordset = Database_->OpenRecordset(QStringLiteral("SELECT * FROM [Messages] ") + query, dao::dbOpenSnapshot);
+        recordset =
+            Station_.Database->OpenRecordset(QStringLiteral("SELECT * FROM [Messages] ") + query, dao::dbOpenSnapshot);
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     if (!recordset)
         return nullptr;
 
@@ -102,41 +112,37 @@ std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
                                               .arg(count));
         }
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     return isWhole && !pending ? std::move(messages) : nullptr;
 }
 
-std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessageRows(const QStringList& columns, const QString& condition,
-                                                                const QString& order) const
+std::unique_ptr<dao::Recordset> MessageStore::OpenMessageRows(const QStringList& columns, const QString& condition,
+                                                              const QString& order) const
 {
     QString query = QStringLiteral("SELECT [%1] FROM [Messages]").arg(columns.join(QStringLiteral("], [")));
     if (!condition.isEmpty())
         query += QStringLiteral(" WHERE ") + condition;
     if (!order.isEmpty())
         query += QStringLiteral(" ORDER BY ") + order;
-    return OpenSnapshot(query);
+    return Station_.OpenSnapshot(query);
 }
 
-std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenSnapshot(const QString& sql) const
+bool MessageStore::SaveMessage(const cMessagePtr& message)
 {
-    return OpenedDatabase().OpenRecordset(sql, dao::dbOpenSnapshot);
-}
-
-bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
-{
-    KeepLastError(PendingError());
-    if (DebugMode() != 0) {
+    Station_.LastError = {};
+    if (GeneralHelper::DebugMode() != 0) {
         WriteDebugLog(message ? QStringLiteral("Started SaveMessage - Reference:%1 Message:%2")
                                     .arg(QString::number(message->Reference()), SubjectOf(message))
                               : QStringLiteral("Started SaveMessage - No Message Object"));
     }
-    if (Location().isEmpty()) {
-        ReportProblem(QStringLiteral("saving a Message because no Tolva Database has been opened"), 0, SilentMode_);
+    if (Station_.Information.Location.isEmpty()) {
+        ReportProblem(QStringLiteral("saving a Message because no Tolva Database has been opened"), 0,
+                      Station_.IsSilent);
         WriteDebugLog(QStringLiteral("No Database File so exiting"));
         return false;
     }
     if (!message) {
-        ReportProblem(QStringLiteral("saving a Message because no Message was supplied to save"), 0, SilentMode_);
+        ReportProblem(QStringLiteral("saving a Message because no Message was supplied to save"), 0, Station_.IsSilent);
         return false;
     }
     // Both change with the write.
@@ -145,28 +151,28 @@ bool cTolvaDatabase::SaveMessage(const cMessagePtr& message)
 
     PendingError pending;
     std::unique_ptr<dao::Recordset> recordset;
-    pending.Try([&] { recordset = OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable); });
+    pending.Try([&] { recordset = Station_.OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable); });
     const bool saved = recordset && StoreMessage(*message, *recordset, pending);
     recordset.reset();
     if (saved) {
         LogMessageSaving(*message, {isNew, 0, QString()});
-        if (RaiseEvents_) {
+        if (Station_.RaisesEvents) {
             WriteDebugLog(QStringLiteral("Raising MessageSaved Event"));
-            const ToldMove told(*this, ToldMessageMove_, CommittedMove_);
+            const ToldMove told(*this, ToldMove_, CommittedMove_);
             Q_EMIT MessageSaved(message, wasEdited);
         }
     } else {
         WriteDebugLog(QStringLiteral("Couldn't save Message - ") + pending.Description());
         LogMessageSaving(*message, {isNew, pending.Number(), pending.Description()});
-        KeepLastError(pending);
+        Station_.LastError = pending;
     }
     WriteDebugLog(QStringLiteral("Finished SaveMessage"));
     return saved;
 }
 
-bool cTolvaDatabase::LogMessageSaving(const cMessage& message, const MessageSaving& saving) const
+bool MessageStore::LogMessageSaving(const cMessage& message, const MessageSaving& saving) const
 {
-    return LogDatabaseEvent(
+    return Station_.LogEvent(
         saving.IsNew ? auditMessageAdded : auditMessageEdited,
         saving.IsNew ? QStringLiteral("Message Added") : QStringLiteral("Message Edited"),
         WithError(cdo::HeaderBeginning(*message.CDOMessage(), "Subject"), saving.ErrorNumber, saving.ErrorDescription),
@@ -174,17 +180,17 @@ bool cTolvaDatabase::LogMessageSaving(const cMessage& message, const MessageSavi
 }
 
 /// The row and the change stamp, together or not at all.
-bool cTolvaDatabase::StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending)
+bool MessageStore::StoreMessage(cMessage& message, dao::Recordset& recordset, PendingError& pending)
 {
     const qint32 reference = message.Reference();
     bool isStored = false;
     pending.Try([&] {
         dao::Transaction transaction;
-        if (!message.WriteToRecordSet(&recordset, HighlightWords_, MessageHighlightFont_,
-                                      KeyCountry(message.MessageType()), pending))
+        if (!message.WriteToRecordSet(&recordset, Highlights_.Words(), Highlights_.Font(),
+                                      Details_.KeyCountry(message.MessageType()), pending))
             return;
         WriteDebugLog(QStringLiteral("Setting LastMessageFiled"));
-        isStored = CommitWithStamp(transaction, LastChangedSetting, pending);
+        isStored = CommitWithStamp(transaction, pending);
         // Otherwise the row is not there after all: the next try is to make a new one.
         if (!isStored)
             message.SetReference(reference);
@@ -193,11 +199,12 @@ bool cTolvaDatabase::StoreMessage(cMessage& message, dao::Recordset& recordset, 
 }
 
 /// The checks that copying and moving share; null when one of them fails.
-cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCategories newCategory)
+cMessagePtr MessageStore::MessageForChange(qint32 reference, enTolvaMessageCategories newCategory)
 {
-    KeepLastError(PendingError());
+    Station_.LastError = {};
     // The tree finds 0 too: its root, which is no folder.
-    if (Location().isEmpty() || reference <= 0 || newCategory <= 0 || !MessageCategories_->FindCategory(newCategory))
+    if (Station_.Information.Location.isEmpty() || reference <= 0 || newCategory <= 0 ||
+        !Folders_.Tree().FindCategory(newCategory))
         return nullptr;
     cMessagePtr message = GetMessage(reference);
     return message && MayEditMessage(*message) ? message : nullptr;
@@ -205,15 +212,15 @@ cMessagePtr cTolvaDatabase::MessageForChange(qint32 reference, enTolvaMessageCat
 
 /// Runs a change on a message's row. False when the table cannot be opened or the row is gone; otherwise what went
 /// wrong, if anything did, is in pending and belongs into the user log.
-bool cTolvaDatabase::ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
-                                      PendingError& pending)
+bool MessageStore::ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
+                                    PendingError& pending)
 {
     std::unique_ptr<dao::Recordset> recordset;
     const bool opened = pending.Try([&] {
-        recordset = OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable);
+        recordset = Station_.OpenedDatabase().OpenRecordset(MessagesTable, dao::dbOpenTable);
         recordset->SetIndex(MainIndex);
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     if (!opened)
         return false;
     bool isThere = true;
@@ -224,15 +231,15 @@ bool cTolvaDatabase::ChangeMessageRow(qint32 reference, const std::function<void
         if (!isThere)
             return;
         change(*recordset);
-        if (stamp == Stamp::Moves || StampsEveryChange_)
-            CommitWithStamp(transaction, LastChangedSetting, pending);
+        if (stamp == Stamp::Moves || Station_.StampsEveryChange)
+            CommitWithStamp(transaction, pending);
         else
             transaction.Commit();
     });
     return isThere;
 }
 
-bool cTolvaDatabase::CopyMessage(qint32 reference, enTolvaMessageCategories newCategory)
+bool MessageStore::CopyMessage(qint32 reference, enTolvaMessageCategories newCategory)
 {
     const cMessagePtr message = MessageForChange(reference, newCategory);
     if (!message)
@@ -243,7 +250,7 @@ bool cTolvaDatabase::CopyMessage(qint32 reference, enTolvaMessageCategories newC
     return SaveMessage(copy);
 }
 
-bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newCategory)
+bool MessageStore::MoveMessage(qint32 reference, enTolvaMessageCategories newCategory)
 {
     const BusyPointer busy;
     const cMessagePtr message = MessageForChange(reference, newCategory);
@@ -259,21 +266,21 @@ bool cTolvaDatabase::MoveMessage(qint32 reference, enTolvaMessageCategories newC
     if (!ChangeMessageRow(reference, move, Stamp::MovesIfWanted, pending))
         return false;
     message->SetCategory(newCategory);
-    const clsCategory* category = MessageCategories_->FindCategory(newCategory);
+    const clsCategory* category = Folders_.Tree().FindCategory(newCategory);
     const QString target = category ? QStringLiteral(" ") + category->Description()
                                     : QStringLiteral(" (%1)").arg(static_cast<int>(newCategory));
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"),
                         SubjectOf(message) + QStringLiteral(" Moved to Category") + target, pending);
-    if (pending.Number() == 0 && RaiseEvents_)
+    if (pending.Number() == 0 && Station_.RaisesEvents)
         Q_EMIT MessageSaved(message, true);
     return pending.Number() == 0;
 }
 
-bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
+bool MessageStore::DeleteMessage(qint32 reference, bool deletePermanently)
 {
     const BusyPointer busy;
-    KeepLastError(PendingError());
-    if (Location().isEmpty() || reference <= 0)
+    Station_.LastError = {};
+    if (Station_.Information.Location.isEmpty() || reference <= 0)
         return false;
     PendingError pending;
     const cMessagePtr message = GetMessage(reference);
@@ -293,16 +300,16 @@ bool cTolvaDatabase::DeleteMessage(qint32 reference, bool deletePermanently)
     // 0 tells a list that the message is gone, 5 that it went to the bin.
     message->SetCategory(deletePermanently ? static_cast<enTolvaMessageCategories>(0) : tmcDeleted);
     FinishMessageChange(auditMessageDeleted, QStringLiteral("Message Deleted"), SubjectOf(message), pending);
-    if (pending.Number() == 0 && RaiseEvents_)
+    if (pending.Number() == 0 && Station_.RaisesEvents)
         Q_EMIT MessageDeleted(message);
     return pending.Number() == 0;
 }
 
-bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear)
+bool MessageStore::ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear)
 {
     const BusyPointer busy; // a row holds its mail, however large
-    KeepLastError(PendingError());
-    if (Location().isEmpty() || reference <= 0)
+    Station_.LastError = {};
+    if (Station_.Information.Location.isEmpty() || reference <= 0)
         return false;
     PendingError pending;
     const cMessagePtr message = GetMessage(reference);
@@ -319,61 +326,63 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
         return false;
     const bool changed = pending.Number() == 0;
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
-    if (changed && RaiseEvents_) {
-        const ToldMove told(*this, ToldMessageMove_, CommittedMove_);
+    if (changed && Station_.RaisesEvents) {
+        const ToldMove told(*this, ToldMove_, CommittedMove_);
         Q_EMIT MessageSaved(message, true);
     }
     return changed;
 }
 
-bool cTolvaDatabase::DeleteMessagesOfCategory(enTolvaMessageCategories category)
+bool MessageStore::DeleteMessagesOfCategory(enTolvaMessageCategories category)
 {
     PendingError pending;
     pending.Try([&] {
         dao::Transaction transaction;
-        OpenedDatabase().Execute(
+        Station_.OpenedDatabase().Execute(
             QStringLiteral("DELETE FROM [Messages] WHERE [Category]=%1").arg(static_cast<int>(category)));
-        if (StampsEveryChange_)
-            CommitWithStamp(transaction, LastChangedSetting, pending);
+        if (Station_.StampsEveryChange)
+            CommitWithStamp(transaction, pending);
         else
             transaction.Commit();
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     return pending.Number() == 0;
 }
 
-void cTolvaDatabase::FinishMessageChange(int kind, const QString& title, const QString& text,
-                                         const PendingError& pending)
+void MessageStore::FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending)
 {
-    LogDatabaseEvent(kind, title, WithError(text, pending.Number(), pending.Description()),
-                     pending.Number() == 0 ? 1 : 0);
-    KeepLastError(pending);
+    Station_.LogEvent(kind, title, WithError(text, pending.Number(), pending.Description()),
+                      pending.Number() == 0 ? 1 : 0);
+    Station_.LastError = pending;
 }
 
 /// Messages personal to the user go by one right, all others, those of other people too, by another.
-bool cTolvaDatabase::MayEditMessage(const cMessage& message)
+bool MessageStore::MayEditMessage(const cMessage& message)
 {
-    if (FixedCategoryBusy_)
-        return true;
     bool isAllowed = false;
     PendingError pending;
     pending.Try([&] {
-        const clsKVUser* user = CurrentUser();
+        const clsKVUser* user = Station_.CurrentUser();
         if (!user)
             return;
         isAllowed = message.PersonalToContact() == user->Reference() ? user->CanEditPersonalMessages()
                                                                      : user->CanEditMessages();
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     return isAllowed;
 }
 
-Date cTolvaDatabase::LastMessageChanged() const
+bool MessageStore::CommitWithStamp(dao::Transaction& transaction, PendingError& pending)
 {
-    return StampDate(DatabaseSetting(LastChangedSetting, QString()));
+    return Settings_.CommitWithStamp(transaction, StationSettings::MessagesLastChanged, pending, CommittedMove_);
 }
 
-void cTolvaDatabase::SetLastMessageChanged(Date changeDate)
+Date MessageStore::LastChanged() const
 {
-    SetDatabaseSetting(LastChangedSetting, StampText(changeDate), QString());
+    return Settings_.Stamp(StationSettings::MessagesLastChanged);
+}
+
+void MessageStore::SetLastChanged(Date changeDate)
+{
+    Settings_.SetStamp(StationSettings::MessagesLastChanged, changeDate);
 }

@@ -102,7 +102,7 @@ Q_SIGNALS:
     void MessageEdited(bool Edited);
 
 private:
-    friend class cTolvaDatabase;
+    friend class MessageStore;
 
     /// Reads the row with this reference, or the current row for 0. False when it is not there; the object is then
     /// untouched.

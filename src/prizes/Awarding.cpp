@@ -5,6 +5,7 @@
 #include "common/UserInterface.h"
 #include "database/LastError.h"
 #include "database/SettingText.h"
+#include "database/StationSettings.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/directory/clsKVUser.h"
 #include "prizes/PrizeHour.h"
@@ -15,8 +16,6 @@
 
 namespace
 {
-const QString NeedsRightKey = QStringLiteral("Prizes.AwardNeedsRight");
-const QString EligibleDaysKey = QStringLiteral("Prizes.EligibleDays");
 
 const clsKVUser* UserOf(const cTolvaDatabase& database)
 {
@@ -31,6 +30,16 @@ auto Silently(cTolvaDatabase& database)
     return qScopeGuard([&database, silent] { database.SetSilentMode(silent); });
 }
 
+qint32 NumberOf(const cTolvaDatabase& database, const StationSettings::NumberSetting& setting)
+{
+    return SettingNumber(database.DatabaseSetting(setting.Key, setting.Default), setting.Default);
+}
+
+void Store(cTolvaDatabase& database, const StationSettings::NumberSetting& setting, qint32 value)
+{
+    database.SetDatabaseSetting(setting.Key, value, setting.Default);
+}
+
 Awarding::Obstacle StockObstacle(const cPrize& prize)
 {
     if (prize.NumberSupplied() <= 0)
@@ -41,24 +50,23 @@ Awarding::Obstacle StockObstacle(const cPrize& prize)
 
 bool Awarding::NeedsRight() const
 {
-    return SettingNumber(Database_.DatabaseSetting(NeedsRightKey, 0), 0) != 0;
+    return NumberOf(Database_, StationSettings::AwardNeedsRight) != 0;
 }
 
 void Awarding::SetNeedsRight(bool needsRight)
 {
-    Database_.SetDatabaseSetting(NeedsRightKey, needsRight ? 1 : 0, 0);
+    Store(Database_, StationSettings::AwardNeedsRight, needsRight ? 1 : 0);
 }
 
 int Awarding::EligibleDays() const
 {
-    const qint32 days =
-        SettingNumber(Database_.DatabaseSetting(EligibleDaysKey, DefaultEligibleDays), DefaultEligibleDays);
-    return days < 0 ? DefaultEligibleDays : qMin(days, MostEligibleDays);
+    const qint32 days = NumberOf(Database_, StationSettings::EligibleDays);
+    return days < 0 ? StationSettings::EligibleDays.Default : qMin(days, MostEligibleDays);
 }
 
 void Awarding::SetEligibleDays(int days)
 {
-    Database_.SetDatabaseSetting(EligibleDaysKey, days, DefaultEligibleDays);
+    Store(Database_, StationSettings::EligibleDays, days);
 }
 
 Awarding::Obstacle Awarding::WhyNotAwardable(qint32 prize)

@@ -34,7 +34,6 @@ class TOLVA_EXPORT Awarding
 public:
     /// A winner's field has 16 bits.
     static constexpr qint32 HighestWinnerReference = 32767;
-    static constexpr int DefaultEligibleDays = 30;
     static constexpr int MostEligibleDays = 3650;
 
     explicit Awarding(cTolvaDatabase& database) : Database_(database) {}

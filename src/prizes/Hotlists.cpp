@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "prizes/Hotlists.h"
 
-// The hotlists of available hours: cTolvaDatabase stores them among the settings, under names that the user gives.
-
-#include "common/UserInterface.h"
 #include "database/DAO_DatabaseFunctions.h"
-#include "database/cTolvaDatabase.h"
+#include "database/StationContext.h"
+#include "database/StationDialogs.h"
 
 namespace
 {
@@ -18,26 +17,27 @@ std::unique_ptr<dao::Recordset> OpenSettings(dao::Database& database)
 }
 } // namespace
 
-QString cTolvaDatabase::LoadAvailableHoursHotlist(QObject* parentForm)
+QString Hotlists::LoadAvailableHours(StationContext& station, QObject* parentForm)
 {
-    if (!Database_)
+    if (!station.Database)
         return {};
-    const auto recordset = OpenSettings(*Database_);
-    const QString key = UserInterface::Current().GetHotlist(AvailableHours, *recordset, false, parentForm);
+    const auto recordset = OpenSettings(*station.Database);
+    const QString key = StationDialogs::InForce().GetHotlist(AvailableHours, *recordset, false, parentForm);
     if (key.isEmpty())
         return {};
     return DAO_DatabaseFunctions::ReadSettingValue(recordset.get(), key, QString()).toString();
 }
 
-bool cTolvaDatabase::SaveAvailableHoursHotlist(const QString& availableHours, QObject* parentForm)
+bool Hotlists::SaveAvailableHours(StationContext& station, const QString& availableHours, QObject* parentForm)
 {
-    if (!Database_)
+    if (!station.Database)
         return false;
-    const auto recordset = OpenSettings(*Database_);
-    const QString key = UserInterface::Current().GetHotlist(AvailableHours, *recordset, true, parentForm);
+    const auto recordset = OpenSettings(*station.Database);
+    const QString key = StationDialogs::InForce().GetHotlist(AvailableHours, *recordset, true, parentForm);
     if (key.isEmpty())
         return false;
     // A hotlist has no default: it keeps its row, and so its name, also without an hour.
     const QString noDefault = availableHours + u'-';
-    return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), key, availableHours, noDefault, SilentMode_) == 0;
+    return DAO_DatabaseFunctions::WriteSettingValue(recordset.get(), key, availableHours, noDefault,
+                                                    station.IsSilent) == 0;
 }

@@ -77,6 +77,14 @@ QString Days(const std::bitset<DaysAWeek>& days)
 }
 } // namespace
 
+WeekOfHours HoursText::HoursOf(const cPrize& prize)
+{
+    WeekOfHours hours;
+    for (qint16 day = 1; day <= DaysAWeek; ++day)
+        hours.at(static_cast<std::size_t>(day - 1)) = prize.AvailableHours(day);
+    return hours;
+}
+
 QString HoursText::DayName(int weekDay)
 {
     static const std::array<QString, DaysAWeek> names{
@@ -103,8 +111,8 @@ QString HoursText::InWords(const WeekOfHours& hours)
             equal.set(other, week.at(other) == week.at(day));
         told |= equal;
         if (equal.all() && week.at(day).all())
-            return QStringLiteral("at any time");
+            return AtAnyTime;
         parts.append(Days(equal) + QLatin1Char(' ') + Ranges(week.at(day)));
     }
-    return parts.isEmpty() ? QStringLiteral("never") : parts.join(QStringLiteral("; "));
+    return parts.isEmpty() ? Never : parts.join(QStringLiteral("; "));
 }

@@ -7,6 +7,8 @@
 
 #include <array>
 
+class cPrize;
+
 /// The hours of a week in which a prize may go out, Monday first, each day in the form of cPrize::AvailableHours.
 using WeekOfHours = std::array<QString, 7>;
 
@@ -14,7 +16,12 @@ using WeekOfHours = std::array<QString, 7>;
 namespace HoursText
 {
 
-/// "at any time", "never", or days with equal hours together: "Monday to Friday 09:00 to 17:00; Saturday 06:00 to 09:00
+inline const QString AtAnyTime = QStringLiteral("at any time");
+inline const QString Never = QStringLiteral("never");
+
+TOLVA_EXPORT WeekOfHours HoursOf(const cPrize& prize);
+
+/// AtAnyTime, Never, or days with equal hours together: "Monday to Friday 09:00 to 17:00; Saturday 06:00 to 09:00
 /// and 18:00 to midnight". Days without hours are left out; a whole day is "all day", seven equal ones are "every day".
 TOLVA_EXPORT QString InWords(const WeekOfHours& hours);
 

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// What prizes have to do with one contact: cTolvaDatabase fills the host's list of them and counts the wins.
+#include "prizes/PrizeHistory.h"
 
 #include "common/ListViewObject.h"
 #include "common/PendingError.h"
 #include "database/RowValues.h"
-#include "database/cTolvaDatabase.h"
+#include "database/StationContext.h"
 
 namespace
 {
@@ -111,17 +110,17 @@ private:
 };
 } // namespace
 
-void cTolvaDatabase::FillPrizesListView(ListViewObject* lvwPrizes, qint32 contactReference)
+void PrizeHistory::Fill(StationContext& station, ListViewObject* list, qint32 contactReference)
 {
-    if (!Database_ || !lvwPrizes || lvwPrizes->TypeName() != ListViewType || lvwPrizes->ColumnCount() == 0)
+    if (!station.Database || !list || list->TypeName() != ListViewType || list->ColumnCount() == 0)
         return;
-    lvwPrizes->ClearItems();
+    list->ClearItems();
     PendingError pending;
     pending.Try([&] {
-        const auto rows = OpenSnapshot(HistoryQuery(contactReference));
+        const auto rows = station.OpenSnapshot(HistoryQuery(contactReference));
         std::vector<HistoryColumn> columns;
-        for (int i = 0; i < lvwPrizes->ColumnCount(); ++i)
-            columns.emplace_back(lvwPrizes->ColumnKey(i), i == 0, *rows);
+        for (int i = 0; i < list->ColumnCount(); ++i)
+            columns.emplace_back(list->ColumnKey(i), i == 0, *rows);
         for (; !rows->AtEOF(); rows->MoveNext()) {
             const HistoryRow row(*rows);
             QStringList texts;
@@ -131,23 +130,23 @@ void cTolvaDatabase::FillPrizesListView(ListViewObject* lvwPrizes, qint32 contac
                 sortValues.append(column.SortValue());
             }
             // A prize that its supplier sees once for each of its winners has one item.
-            lvwPrizes->AddListItem(row.ItemKey(contactReference), texts, sortValues);
+            list->AddListItem(row.ItemKey(contactReference), texts, sortValues);
         }
     });
-    KeepLastError(pending);
+    station.LastError = pending;
 }
 
-qint32 cTolvaDatabase::GetNumberWinsForContact(qint32 contactReference)
+qint32 PrizeHistory::NumberOfWins(StationContext& station, qint32 contactReference)
 {
-    if (!Database_ || contactReference <= 0)
+    if (!station.Database || contactReference <= 0)
         return -1;
     qint32 count = -1;
     PendingError pending;
     pending.Try([&] {
-        const auto wins = OpenSnapshot(
+        const auto wins = station.OpenSnapshot(
             QStringLiteral("SELECT * FROM [PrizeWinners] WHERE [WinnerReference]=%1").arg(contactReference));
         count = wins->RecordCount();
     });
-    KeepLastError(pending);
+    station.LastError = pending;
     return count;
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "prizes/PrizeStore.h"
 
-// The prize operations of cTolvaDatabase: fetching, saving, deleting, and the change stamp.
-
+#include "common/GeneralHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
-#include "database/SettingText.h"
-#include "database/cTolvaDatabase.h"
+#include "database/SettingsStore.h"
+#include "database/StationContext.h"
 #include "database/watch/ToldMove.h"
 #include "platform/directory/clsKVUser.h"
 
@@ -16,7 +16,6 @@ namespace
 {
 const QString PrizesTable = QStringLiteral("Prizes");
 const QString MainIndex = QStringLiteral("Main");
-const QString LastChangedSetting = QStringLiteral("Prizes.LastChanged");
 constexpr int DetailLevel = 5;
 
 /// Kinds of the user log.
@@ -28,36 +27,32 @@ enum AuditKind
 };
 } // namespace
 
-Date cTolvaDatabase::LastPrizeChanged() const
+Date PrizeStore::LastChanged() const
 {
-    return StampDate(DatabaseSetting(LastChangedSetting, QString()));
+    return Settings_.Stamp(StationSettings::PrizesLastChanged);
 }
 
-void cTolvaDatabase::SetLastPrizeChanged(Date changeDate)
+void PrizeStore::SetLastChanged(Date changeDate)
 {
-    SetDatabaseSetting(LastChangedSetting, StampText(changeDate), QString());
+    Settings_.SetStamp(StationSettings::PrizesLastChanged, changeDate);
 }
 
-cPrizePtr cTolvaDatabase::GetPrize(qint32 prizeReference, bool getWinners)
+cPrizePtr PrizeStore::Get(qint32 prizeReference)
 {
-    if (prizeReference == 0 || !Database_)
+    if (prizeReference == 0 || !Station_.Database)
         return nullptr;
     auto prize = std::make_shared<cPrize>();
     bool isThere = false;
     PendingError pending;
     pending.Try([&] {
-        const auto recordset = Database_->OpenRecordset(PrizesTable, dao::dbOpenTable);
+        const auto recordset = Station_.Database->OpenRecordset(PrizesTable, dao::dbOpenTable);
         isThere = prize->ReadFromRecordSet(prizeReference, recordset.get());
     });
-    KeepLastError(pending);
-    if (!isThere)
-        return nullptr;
-    if (getWinners && prize->NumberWinners() >= 1)
-        GetPrizeWinners(prize);
-    return prize;
+    Station_.LastError = pending;
+    return isThere ? prize : nullptr;
 }
 
-cPrizePtr cTolvaDatabase::GetPrize(dao::Recordset& row)
+cPrizePtr PrizeStore::Get(dao::Recordset& row)
 {
     auto prize = std::make_shared<cPrize>();
     try {
@@ -69,9 +64,9 @@ cPrizePtr cTolvaDatabase::GetPrize(dao::Recordset& row)
     }
 }
 
-void cTolvaDatabase::LogStartOfSave(const cPrizePtr& prize)
+void PrizeStore::LogStartOfSave(const cPrizePtr& prize)
 {
-    if (DebugMode() == 0)
+    if (GeneralHelper::DebugMode() == 0)
         return;
     WriteDebugLog(prize ? QStringLiteral("Started SavePrize Reference: %1 Prize:%2")
                               .arg(QString::number(prize->Reference()), prize->Title())
@@ -79,17 +74,18 @@ void cTolvaDatabase::LogStartOfSave(const cPrizePtr& prize)
                   DetailLevel);
 }
 
-bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
+bool PrizeStore::Save(const cPrizePtr& prize)
 {
-    KeepLastError(PendingError());
+    Station_.LastError = {};
     LogStartOfSave(prize);
-    if (Location().isEmpty()) {
-        ReportProblem(QStringLiteral("saving a Prize because no Tolva Database has been opened"), 0, SilentMode_);
+    if (Station_.Information.Location.isEmpty()) {
+        ReportProblem(QStringLiteral("saving a Prize because no Tolva Database has been opened"), 0, Station_.IsSilent);
         WriteDebugLog(QStringLiteral("Exiting as No Database File"), DetailLevel);
         return false;
     }
     if (!prize) {
-        ReportProblem(QStringLiteral("saving a Prize because no Prize details were supplied to save"), 0, SilentMode_);
+        ReportProblem(QStringLiteral("saving a Prize because no Prize details were supplied to save"), 0,
+                      Station_.IsSilent);
         WriteDebugLog(QStringLiteral("Exiting as no Prize Supplied"), DetailLevel);
         return false;
     }
@@ -97,88 +93,84 @@ bool cTolvaDatabase::SavePrize(const cPrizePtr& prize)
     PendingError pending;
     if (!pending.Try([&] { transaction.emplace(); })) {
         WriteDebugLog(QStringLiteral("Couldn't save Prize - ") + pending.Description(), -1);
-        KeepLastError(pending);
+        Station_.LastError = pending;
         return false;
     }
-    return StorePrize(prize, *transaction);
+    return StoreRow(prize, *transaction);
 }
 
-/// The row and the change stamp, and with them what the transaction holds already, together or not at all; then what
-/// tells of it. Ends the transaction.
-bool cTolvaDatabase::StorePrize(const cPrizePtr& prize, dao::Transaction& transaction)
+bool PrizeStore::Store(const cPrizePtr& prize, dao::Transaction& transaction)
+{
+    LogStartOfSave(prize);
+    return StoreRow(prize, transaction);
+}
+
+bool PrizeStore::StoreRow(const cPrizePtr& prize, dao::Transaction& transaction)
 {
     std::optional<BusyPointer> busy(std::in_place);
     PendingError pending;
-    const auto recordset = OpenForPrizeSave(PrizesTable, pending);
+    const auto recordset = OpenForSave(PrizesTable, pending);
     if (!recordset)
         return false;
     // Both change with the write.
     const bool wasEdited = prize->Edited();
     const qint32 reference = prize->Reference();
     if (prize->AddedByReference() == 0)
-        prize->SetAddedByReference(CurrentUserReference());
+        prize->SetAddedByReference(Station_.CurrentUserReference());
     bool saved = prize->WriteToRecordSet(recordset.get(), pending, busy);
     if (saved) {
         WriteDebugLog(QStringLiteral("Setting LastPrizeFiled"), -1);
-        saved = CommitWithStamp(transaction, LastChangedSetting, pending);
+        saved = Settings_.CommitWithStamp(transaction, StationSettings::PrizesLastChanged, pending, CommittedMove_);
         // The row is not there after all: the next try is to make a new one.
         if (!saved)
             prize->SetReference(reference);
     }
     transaction.Rollback();
-    TellOfPrize(prize, reference == 0, saved, wasEdited, pending);
+    Tell(prize, reference == 0, saved, wasEdited, pending);
     recordset->Close();
     WriteDebugLog(QStringLiteral("Finished SavePrize"), DetailLevel);
     return saved;
 }
 
 /// The entry in the user log and the event of a prize that was saved, or could not be.
-void cTolvaDatabase::TellOfPrize(const cPrizePtr& prize, bool isNew, bool saved, bool wasEdited,
-                                 const PendingError& pending)
+void PrizeStore::Tell(const cPrizePtr& prize, bool isNew, bool saved, bool wasEdited, const PendingError& pending)
 {
     const int kind = isNew ? auditPrizeAdded : auditPrizeEdited;
     const QString title = isNew ? QStringLiteral("Prize Added") : QStringLiteral("Prize Edited");
     if (saved) {
-        LogDatabaseEvent(kind, title, prize->Title(), 1);
-        if (RaiseEvents_) {
+        Station_.LogEvent(kind, title, prize->Title(), 1);
+        if (Station_.RaisesEvents) {
             WriteDebugLog(QStringLiteral("Raising PrizeSaved Event"), -1);
-            const ToldMove told(*this, ToldPrizeMove_, CommittedMove_);
+            const ToldMove told(*this, ToldMove_, CommittedMove_);
             Q_EMIT PrizeSaved(prize, wasEdited);
         }
         return;
     }
     WriteDebugLog(QStringLiteral("Couldn't save Prize - ") + pending.Description(), -1);
     const QString reason = pending ? QStringLiteral(" - ") + pending.Description() : QString();
-    LogDatabaseEvent(kind, title, prize->Title() + reason, 0);
-    KeepLastError(pending);
+    Station_.LogEvent(kind, title, prize->Title() + reason, 0);
+    Station_.LastError = pending;
 }
 
-/// Opens a table for a save, which ends here, with the reason kept, when it answers nothing. The log calls either table
-/// Prizes.
-std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenForPrizeSave(const QString& table, PendingError& pending)
+/// The log calls either table Prizes.
+std::unique_ptr<dao::Recordset> PrizeStore::OpenForSave(const QString& table, PendingError& pending)
 {
     WriteDebugLog(QStringLiteral("Opening Prizes table in database"), DetailLevel);
     std::unique_ptr<dao::Recordset> recordset;
-    pending.Try([&] { recordset = OpenedDatabase().OpenRecordset(table, dao::dbOpenTable); });
+    pending.Try([&] { recordset = Station_.OpenedDatabase().OpenRecordset(table, dao::dbOpenTable); });
     if (!recordset) {
         WriteDebugLog(QStringLiteral("Failed to open - ") + pending.Description(), DetailLevel);
-        KeepLastError(pending);
+        Station_.LastError = pending;
     }
     return recordset;
 }
 
-qint32 cTolvaDatabase::CurrentUserReference() const
+bool PrizeStore::Delete(qint32 reference)
 {
-    const clsKVUser* user = CurrentUser();
-    return user ? user->Reference() : 0;
-}
-
-bool cTolvaDatabase::DeletePrize(qint32 reference)
-{
-    KeepLastError(PendingError());
-    if (Location().isEmpty() || reference <= 0)
+    Station_.LastError = {};
+    if (Station_.Information.Location.isEmpty() || reference <= 0)
         return false;
-    const cPrizePtr prize = GetPrize(reference, false);
+    const cPrizePtr prize = Get(reference);
     if (!prize)
         return false;
     PendingError pending;
@@ -186,30 +178,30 @@ bool cTolvaDatabase::DeletePrize(qint32 reference)
     std::unique_ptr<dao::Recordset> recordset;
     bool isThere = false;
     pending.Try([&] {
-        const clsKVUser* user = CurrentUser();
+        const clsKVUser* user = Station_.CurrentUser();
         isAllowed = user && user->ManagePrizes();
         if (!isAllowed)
             return;
-        recordset = OpenedDatabase().OpenRecordset(PrizesTable, dao::dbOpenTable);
+        recordset = Station_.OpenedDatabase().OpenRecordset(PrizesTable, dao::dbOpenTable);
         recordset->SetIndex(MainIndex);
         recordset->Seek(dao::SeekComparison::Equal, {reference});
         isThere = !recordset->NoMatch();
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     if (!isAllowed || pending)
         return false;
     // Gone in this moment: nobody needs to hear of it from here.
     if (!isThere)
         return true;
-    const bool isDeleted = DeleteStoredPrize(reference, *recordset, pending);
-    LogDatabaseEvent(auditPrizeDeleted, QStringLiteral("Prize Deleted"), prize->Title(), isDeleted ? 1 : 0);
-    if (isDeleted && RaiseEvents_)
+    const bool isDeleted = DeleteStored(reference, *recordset, pending);
+    Station_.LogEvent(auditPrizeDeleted, QStringLiteral("Prize Deleted"), prize->Title(), isDeleted ? 1 : 0);
+    if (isDeleted && Station_.RaisesEvents)
         Q_EMIT PrizeDeleted(prize);
     return isDeleted;
 }
 
 /// The row on which prizes stands, then the prize's winners, and the stamp where it is wanted, together or not at all.
-bool cTolvaDatabase::DeleteStoredPrize(qint32 reference, dao::Recordset& prizes, PendingError& pending)
+bool PrizeStore::DeleteStored(qint32 reference, dao::Recordset& prizes, PendingError& pending)
 {
     bool isDeleted = false;
     pending.Try([&] {
@@ -217,28 +209,29 @@ bool cTolvaDatabase::DeleteStoredPrize(qint32 reference, dao::Recordset& prizes,
         prizes.Delete();
         prizes.Close();
         DeleteWinnersOf(reference);
-        if (StampsEveryChange_)
-            isDeleted = CommitWithStamp(transaction, LastChangedSetting, pending);
+        if (Station_.StampsEveryChange)
+            isDeleted =
+                Settings_.CommitWithStamp(transaction, StationSettings::PrizesLastChanged, pending, CommittedMove_);
         else
             transaction.Commit();
         isDeleted = !pending;
     });
     // The failure of a winner stands behind that of the commit, if both failed, and is the one to tell.
-    if (!isDeleted && LastErrorNumber_ == 0)
-        KeepLastError(pending);
+    if (!isDeleted && Station_.LastError.Number() == 0)
+        Station_.LastError = pending;
     return isDeleted;
 }
 
 /// Goes on after a winner that cannot be deleted: the prize is gone, and what fails is kept as the last error.
-void cTolvaDatabase::DeleteWinnersOf(qint32 prizeReference)
+void PrizeStore::DeleteWinnersOf(qint32 prizeReference)
 {
     PendingError pending;
     pending.Try([&] {
-        const auto winners = OpenedDatabase().OpenRecordset(
+        const auto winners = Station_.OpenedDatabase().OpenRecordset(
             QStringLiteral("SELECT * FROM [PrizeWinners] WHERE [PrizeReference]=%1").arg(prizeReference));
         for (; !winners->AtEOF(); winners->MoveNext())
             pending.Try([&] { winners->Delete(); });
         winners->Close();
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
 }

@@ -98,7 +98,8 @@ Q_SIGNALS:
     void PrizeEdited(bool Edited);
 
 private:
-    friend class cTolvaDatabase;
+    friend class PrizeStore;
+    friend class WinnerStore;
 
     void SetReference(qint32 reference);
     void SetNumberWinners(qint32 number);

@@ -69,7 +69,7 @@ Q_SIGNALS:
     void PrizeWinnerEdited(bool Edited);
 
 private:
-    friend class cTolvaDatabase;
+    friend class WinnerStore;
     cPrizeWinner();
 
     void SetReference(qint32 reference);

@@ -54,7 +54,7 @@ TEST_F(PrizePrintTest, ASheetHoldsThePrizeItsSupplierItsHoursAndItsWinners)
     for (const char* words :
          {"<h1>Hamper</h1>", "<b>2</b> of 3", "A hamper,\nas large as a dog.", "In the blue cupboard",
           "The Harbour &amp; Sons Inn", "Ann &lt;Angove&gt;", "Calls for it on Monday", "1 June 2026, 08:30",
-          "Monday to Sunday 09:00\u201317:00 (universal time)"})
+          "Every day 09:00 to 17:00 (universal time)"})
         EXPECT_TRUE(page.contains(QString::fromUtf8(words))) << words << '\n' << page.toStdString();
     EXPECT_FALSE(page.contains(QStringLiteral("ZRT_"), Qt::CaseInsensitive));
 }
@@ -65,6 +65,14 @@ TEST_F(PrizePrintTest, APrizeWithoutLimitsSaysNothingOfUniversalTime)
     const QString page = PageOf();
     EXPECT_TRUE(page.contains(QStringLiteral("At any time")));
     EXPECT_FALSE(page.contains(QStringLiteral("universal time")));
+}
+
+TEST_F(PrizePrintTest, WholeDaysOfUniversalTimeSaySo)
+{
+    Expect("prize", {QStringLiteral("edit"), Prize, QStringLiteral("--hours"), QStringLiteral("none")});
+    Expect("prize", {QStringLiteral("hours"), Prize, QStringLiteral("--day"), QStringLiteral("sat"),
+                     QStringLiteral("--set"), QStringLiteral("all")});
+    EXPECT_TRUE(PageOf().contains(QStringLiteral("Saturday all day (universal time)")));
 }
 
 TEST_F(PrizePrintTest, AWinnerWhoIsNotInTheDirectoryAnyMoreHasANumber)

@@ -21,9 +21,6 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest&) override { return MessageBoxAnswer::OK; }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     void PageSetupLabels(cPageSetup&) override {}
-    QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return {}; }
-    bool DatabaseSettings(cTolvaDatabase&) override { return false; }
-    void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return nullptr; }
     void Yield() override {}

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/UserInterface.h"
+#include "database/StationDialogs.h"
 
 #include <QList>
 #include <QStringList>
@@ -15,7 +16,7 @@
 /// run-time error that was not written down, for one that differs in its text, buttons, icon, default or title, for one
 /// that did not come, and for a busy pointer that was left on. In force from its making to its destruction; the
 /// interface that was in force before is back then.
-class ScriptedUserInterface final : public UserInterface
+class ScriptedUserInterface final : public UserInterface, public StationDialogs
 {
 public:
     ScriptedUserInterface();

@@ -3,7 +3,7 @@
 // tolva move, copy, delete and mark: changes of messages.
 
 #include "DisplayText.h"
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"

@@ -2,7 +2,7 @@
 
 // tolva file: puts messages that arrived into the station.
 
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"

@@ -3,7 +3,7 @@
 // tolva folders: the tree of folders, and its changes.
 
 #include "DisplayText.h"
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"

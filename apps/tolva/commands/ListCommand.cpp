@@ -3,7 +3,7 @@
 // tolva list: what messages there are.
 
 #include "FindText.h"
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"

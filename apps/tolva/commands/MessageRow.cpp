@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/MessageRow.h"
 
+#include "commands/JsonDate.h"
 #include "platform/records/Recordset.h"
 
 #include <QJsonArray>
@@ -67,13 +68,6 @@ QString FlagLetters(const MessageRow& row)
     letters += letter(row.Priority > 0, u'!');
     letters += letter(row.IsSMS, u'S');
     return letters;
-}
-
-QJsonValue JsonDate(Date universal)
-{
-    if (universal.IsNone())
-        return QJsonValue();
-    return universal.ToDateTime(Qt::UTC).toString(Qt::ISODate);
 }
 
 QJsonArray JsonFlags(qint32 flags)

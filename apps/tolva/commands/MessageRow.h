@@ -41,8 +41,6 @@ QString FlagLetters(const MessageRow& row);
 /// One line of "list --json". category: the folder's path.
 QJsonObject ToJson(const MessageRow& row, const QString& category);
 
-/// ISO 8601 in universal time, null for none.
-QJsonValue JsonDate(Date universal);
 /// The names of the flags that are set.
 QJsonArray JsonFlags(qint32 flags);
 QString TypeName(bool isSMS);

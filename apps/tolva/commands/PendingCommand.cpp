@@ -2,7 +2,7 @@
 
 // tolva pending: the messages that wait to be sent, for a mailer that sends them.
 
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"

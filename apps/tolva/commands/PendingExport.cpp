@@ -2,8 +2,8 @@
 #include "commands/PendingExport.h"
 
 #include "FileOutput.h"
-#include "HtmlText.h"
 #include "Terminal.h"
+#include "TextOfHtml.h"
 #include "common/FileHelper.h"
 
 #include <QFile>

@@ -2,7 +2,7 @@
 
 // tolva print: messages on pages, as an HTML page or a PDF file.
 
-#include "FolderNames.h"
+#include "FolderPaths.h"
 #include "PagePrinting.h"
 #include "Station.h"
 #include "Terminal.h"

@@ -5,7 +5,7 @@
 #include "AwardCheck.h"
 #include "DisplayText.h"
 #include "Terminal.h"
-#include "commands/MessageRow.h"
+#include "commands/JsonDate.h"
 #include "commands/PrizeForms.h"
 #include "commands/PrizeText.h"
 #include "contacts/ContactSearch.h"

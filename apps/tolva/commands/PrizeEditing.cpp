@@ -181,7 +181,7 @@ int PrizeForms::Show(Station& station, const Arguments& arguments)
     PrintField(QStringLiteral("Stock"), StockWords(*prize));
     PrintField(QStringLiteral("From"), prize->StartDate().Format(DateFormat));
     PrintField(QStringLiteral("Until"), prize->EndDate().Format(DateFormat));
-    PrintField(QStringLiteral("Hours"), HoursText::InWords(HoursOf(*prize)));
+    PrintField(QStringLiteral("Hours"), HoursText::InWords(HoursText::HoursOf(*prize)));
     PrintField(QStringLiteral("Last won"), prize->LastWonDate().Format(DateFormat));
     PrintField(QStringLiteral("Supplier"), ContactName(station, prize->SupplierReference()));
     PrintField(QStringLiteral("Added"),

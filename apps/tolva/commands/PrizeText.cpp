@@ -2,7 +2,7 @@
 #include "commands/PrizeText.h"
 
 #include "DisplayText.h"
-#include "commands/MessageRow.h"
+#include "commands/JsonDate.h"
 #include "common/ClockHelper.h"
 #include "prizes/PrizeHour.h"
 
@@ -93,14 +93,6 @@ QString UserNameOf(Station& station, qint32 reference)
     return user != users.end() ? user->Name : QStringLiteral("user %1").arg(reference);
 }
 
-WeekOfHours HoursOf(const cPrize& prize)
-{
-    WeekOfHours hours;
-    for (qint16 day = 1; day <= PrizeHour::DaysAWeek; ++day)
-        hours.at(static_cast<std::size_t>(day - 1)) = prize.AvailableHours(day);
-    return hours;
-}
-
 QString ParseHours(const QString& typed)
 {
     const QString words = typed.trimmed().toLower();
@@ -145,7 +137,7 @@ QJsonObject ToJson(const cPrize& prize)
 {
     const auto date = [](Date local) { return JsonDate(ClockHelper::LocalToUTC(local)); };
     QJsonArray hours;
-    for (const QString& day : HoursOf(prize))
+    for (const QString& day : HoursText::HoursOf(prize))
         hours.append(day);
     return {
         {QStringLiteral("reference"), prize.Reference()},

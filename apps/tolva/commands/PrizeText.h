@@ -24,7 +24,6 @@ Failure WhyNotStored(const Station& station, const cTolvaDatabase& database);
 QString ContactName(Station& station, qint32 reference);
 QString UserNameOf(Station& station, qint32 reference);
 
-WeekOfHours HoursOf(const cPrize& prize);
 /// "9-17", "6-9,18-24", "9", "all" or "none" as the hours of one day. Failure (usage) for anything else.
 QString ParseHours(const QString& typed);
 

@@ -7,7 +7,7 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
-#include "commands/MessageRow.h"
+#include "commands/JsonDate.h"
 #include "common/ClockHelper.h"
 #include "prizes/PrizeQuery.h"
 

@@ -7,72 +7,17 @@
 #include "commands/Commands.h"
 #include "common/GeneralHelper.h"
 #include "database/SettingText.h"
+#include "database/StationSettings.h"
 
 #include <optional>
 
 namespace
 {
-const QString CountryKey = QStringLiteral("Station.Country");
-
-struct KnownSetting
-{
-    QString Key;
-    QVariant Default;
-};
-
-/// The keys that the system itself reads, with the defaults it reads them with.
-const QList<KnownSetting>& KnownSettings()
-{
-    static const QString none = QStringLiteral("");
-    static const cPageSetup labels = [] {
-        cPageSetup pageSetup;
-        cTolvaDatabase::SetLabelDefaults(pageSetup);
-        return pageSetup;
-    }();
-    static const QList<KnownSetting> settings = {
-        {QStringLiteral("Backups.Interval"), 1440},
-        {QStringLiteral("Backups.EnableAutoBackup"), true},
-        {QStringLiteral("Backups.ExpiryDays"), 7},
-        {QStringLiteral("Backups.BackupRunning"), none},
-        {QStringLiteral("Backups.LastBackup"), none},
-        {QStringLiteral("Messages.HighLightTextColour"), 255},
-        {QStringLiteral("Messages.HighLightBold"), 1},
-        {QStringLiteral("Messages.HighLightItalic"), 0},
-        {QStringLiteral("Messages.HighLightUnderLine"), 0},
-        {QStringLiteral("Messages.HighLightStrikeThru"), 0},
-        {QStringLiteral("Messages.HighLightSize"), 3},
-        {QStringLiteral("Messages.HighlightFont"), QStringLiteral("Tahoma")},
-        {QStringLiteral("Messages.HighlightWords"), none},
-        {QStringLiteral("Messages.LastChanged"), none},
-        {QStringLiteral("Prizes.AwardNeedsRight"), 0},
-        {QStringLiteral("Prizes.EligibleDays"), 30},
-        {QStringLiteral("Prizes.LastChanged"), none},
-        {QStringLiteral("Station.Name"), QStringLiteral("Radio Station")},
-        {QStringLiteral("Station.Address"), none},
-        {QStringLiteral("Station.PhoneNumber"), none},
-        {QStringLiteral("Station.SMSPhoneNumber"), none},
-        {QStringLiteral("Station.EmailAddress"), none},
-        {CountryKey, none},
-        {QStringLiteral("Station.CompanyNumber"), none},
-        {QStringLiteral("Station.VATNumber"), none},
-        {QStringLiteral("SMS.CurrentSong"), QStringLiteral("SONG")},
-        {QStringLiteral("SMS.BuyCurrentSong"), QStringLiteral("BUY")},
-        {QStringLiteral("BuyNow.AmazonID"), none},
-        {QStringLiteral("AddressLabels.NumberColumns"), labels.NumberColumns()},
-        {QStringLiteral("AddressLabels.NumberRows"), labels.NumberRows()},
-        {QStringLiteral("AddressLabels.ColumnWidth"), labels.ColumnWidth()},
-        {QStringLiteral("AddressLabels.RowHeight"), labels.RowHeight()},
-        {QStringLiteral("AddressLabels.TopMargin"), labels.TopMargin()},
-        {QStringLiteral("AddressLabels.BottomMargin"), labels.BottomMargin()},
-        {QStringLiteral("AddressLabels.LeftMargin"), labels.LeftMargin()},
-        {QStringLiteral("AddressLabels.RightMargin"), labels.RightMargin()},
-    };
-    return settings;
-}
+using KnownSetting = StationSettings::Setting<QVariant>;
 
 std::optional<KnownSetting> Find(const QString& key)
 {
-    for (const KnownSetting& setting : KnownSettings()) {
+    for (const KnownSetting& setting : StationSettings::All()) {
         if (setting.Key.compare(key, Qt::CaseInsensitive) == 0)
             return setting;
     }
@@ -83,7 +28,7 @@ std::optional<KnownSetting> Find(const QString& key)
 QString CheckedValue(const KnownSetting& setting, const QString& typed)
 {
     const QString value = typed.trimmed();
-    if (setting.Key == CountryKey) {
+    if (setting.Key == StationSettings::StationCountry.Key) {
         const QString country = GeneralHelper::ToPhoneRegion(value);
         if (country.isEmpty())
             throw Failure(
@@ -124,7 +69,7 @@ void Store(Station& station, const KnownSetting& setting, const QString& typed)
 
 QString ValueInForce(Station& station, const KnownSetting& setting)
 {
-    if (setting.Key == CountryKey)
+    if (setting.Key == StationSettings::StationCountry.Key)
         return station.Database().StationCountry();
     return SettingText(station.Database().DatabaseSetting(setting.Key, setting.Default));
 }

@@ -3,11 +3,12 @@
 // tolva show: one message.
 
 #include "DisplayText.h"
-#include "FolderNames.h"
-#include "HtmlText.h"
+#include "FolderPaths.h"
 #include "Station.h"
 #include "Terminal.h"
+#include "TextOfHtml.h"
 #include "commands/Commands.h"
+#include "commands/JsonDate.h"
 #include "commands/MessageRow.h"
 #include "common/ClockHelper.h"
 #include "common/HarmlessText.h"

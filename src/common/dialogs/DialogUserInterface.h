@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/UserInterface.h"
+#include "database/StationDialogs.h"
 #include "platform/Export.h"
 
 #include <QSet>
@@ -15,7 +16,7 @@ class frmHandler;
 ///
 /// Made by the program's main after its QApplication, put in force by UserInterface::SetCurrent, and alive while it is.
 /// A host derives from it to meet run-time errors itself.
-class TOLVA_EXPORT DialogUserInterface : public UserInterface
+class TOLVA_EXPORT DialogUserInterface : public UserInterface, public StationDialogs
 {
 public:
     DialogUserInterface();

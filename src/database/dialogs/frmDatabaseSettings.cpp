@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "database/dialogs/frmDatabaseSettings.h"
 
+#include "database/StationSettings.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/widgets/DialogSize.h"
 #include "platform/widgets/SystemColour.h"
@@ -30,10 +31,6 @@ constexpr int LongestAmazonID = 250;
 constexpr int LongestExpiry = 3;
 constexpr qint32 Hourly = 60;
 constexpr qint32 Daily = 1440;
-
-const QString SMSCurrentSongKey = QStringLiteral("SMS.CurrentSong");
-const QString SMSBuyCurrentSongKey = QStringLiteral("SMS.BuyCurrentSong");
-const QString AmazonIDKey = QStringLiteral("BuyNow.AmazonID");
 
 /// Blanks go, and nothing else.
 QString Trim(const QString& text)
@@ -258,12 +255,12 @@ void frmDatabaseSettings::Fill(const cTolvaDatabase& database)
     txtStationSMSPhoneNumber_->SetLimitedText(database.StationSMSPhoneNumber(), LongestDetail);
     txtStationCompanyNumber_->SetLimitedText(database.StationCompanyNumber(), LongestDetail);
     txtStationVATNumber_->SetLimitedText(database.StationVATNumber(), LongestDetail);
-    const auto setting = [&](const QString& key, const QString& defaultValue) {
-        return database.DatabaseSetting(key, defaultValue).toString();
+    const auto text = [&](const StationSettings::TextSetting& setting) {
+        return database.DatabaseSetting(setting.Key, setting.Default).toString();
     };
-    txtSMSCurrentSong_->SetLimitedText(setting(SMSCurrentSongKey, QStringLiteral("SONG")), LongestKeyword);
-    txtSMSBuyCurrentSong_->SetLimitedText(setting(SMSBuyCurrentSongKey, QStringLiteral("BUY")), LongestKeyword);
-    txtAmazonID_->SetLimitedText(setting(AmazonIDKey, QString()), LongestAmazonID);
+    txtSMSCurrentSong_->SetLimitedText(text(StationSettings::SMSCurrentSong), LongestKeyword);
+    txtSMSBuyCurrentSong_->SetLimitedText(text(StationSettings::SMSBuyCurrentSong), LongestKeyword);
+    txtAmazonID_->SetLimitedText(text(StationSettings::AmazonID), LongestAmazonID);
     lblCurrentSong_->setText(u' ' + database.CurrentSongFullName());
     chkAllowBackup_->setChecked(database.EnableAutoBackup());
     EnableBackupOptions();
@@ -329,9 +326,9 @@ void frmDatabaseSettings::Store(cTolvaDatabase& database) const
     database.SetStationCompanyNumber(Trim(txtStationCompanyNumber_->text()));
     database.SetStationVATNumber(Trim(txtStationVATNumber_->text()));
     // The default is empty here: an emptied keyword is not stored, and the one that stations begin with is back.
-    database.SetDatabaseSetting(SMSCurrentSongKey, txtSMSCurrentSong_->text(), QString());
-    database.SetDatabaseSetting(SMSBuyCurrentSongKey, txtSMSBuyCurrentSong_->text(), QString());
-    database.SetDatabaseSetting(AmazonIDKey, txtAmazonID_->text(), QString());
+    database.SetDatabaseSetting(StationSettings::SMSCurrentSong.Key, txtSMSCurrentSong_->text(), QString());
+    database.SetDatabaseSetting(StationSettings::SMSBuyCurrentSong.Key, txtSMSBuyCurrentSong_->text(), QString());
+    database.SetDatabaseSetting(StationSettings::AmazonID.Key, txtAmazonID_->text(), QString());
     database.SetEnableAutoBackup(chkAllowBackup_->isChecked());
     database.SetBackupInterval(optBackupDaily_->isChecked() ? Daily : Hourly);
     database.SetBackupExpiryDays(static_cast<qint16>(txtBackupExpiry_->Number()));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "messages/controls/uMessageBasic.h"
 
-#include "common/ProfileHelper.h"
+#include "common/MachineSettings.h"
 #include "messages/controls/ValueLabel.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Contrast.h"
@@ -37,13 +37,6 @@ enum Row
     ToRow,
     SubjectRow
 };
-
-bool MasksPhoneNumbers()
-{
-    return ProfileHelper::ReadRegistryValue(QLatin1String(ProfileHelper::LocalMachine),
-                                            QStringLiteral("SOFTWARE\\Kelvarin"), QStringLiteral("MaskPhoneNumbers"), 0)
-               .toInt() != 0;
-}
 } // namespace
 
 uMessageBasic::uMessageBasic(QWidget* parent)
@@ -160,7 +153,7 @@ void uMessageBasic::SetMessage(const cMessagePtr& message)
     }
     const cdo::Message& mail = *message->CDOMessage();
     const cdo::MessageReader reader(mail);
-    const bool isMasked = message->MessageType() == emtSMS && MasksPhoneNumbers();
+    const bool isMasked = message->MessageType() == emtSMS && MachineSettings::MasksPhoneNumbers();
     const QString mask = QStringLiteral("0XXX-XXXXXX");
     Values_[DateRow]->SetValue(message->ReceivedString());
     Values_[ToRow]->SetValue(isMasked ? mask : reader.Header("To"));

@@ -4,6 +4,7 @@
 #include "common/UserInterface.h"
 #include "database/cTolvaDatabase.h"
 #include "messages/HighlightMarking.h"
+#include "messages/HighlightSettings.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/html/SafeHtml.h"
 #include "platform/widgets/DialogSize.h"
@@ -63,8 +64,8 @@ frmHighlightSettings::frmHighlightSettings(cTolvaDatabase& database, QWidget* ow
     MakePreview();
     MakeButtons();
     LayOut();
-    database.ReadHighlightSettings();
-    Fill(database.HighlightWords(), database.MessageHighlightFont());
+    database.Highlights().Read();
+    Fill(database.Highlights().Words(), database.Highlights().Font());
     txtWords_->setFocus();
     DialogSize::FitContents(*this);
 }
@@ -260,7 +261,7 @@ void frmHighlightSettings::UpdatePreview()
 void frmHighlightSettings::OK()
 {
     // A failure was shown by the station.
-    if (Database_ && Database_->StoreHighlightSettings(Font(), Words()))
+    if (Database_ && Database_->Highlights().Store(Font(), Words()))
         accept();
 }
 

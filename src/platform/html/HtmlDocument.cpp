@@ -4,7 +4,7 @@
 #include "platform/html/HtmlMarkup.h"
 #include "platform/html/HtmlNodes.h"
 #include "platform/html/HtmlRoundTrip.h"
-#include "platform/html/HtmlText.h"
+#include "platform/html/InnerText.h"
 
 QString HtmlElement::TagName() const
 {
@@ -36,12 +36,12 @@ void HtmlElement::SetInnerHTML(const QString& html)
 
 QString HtmlElement::InnerText() const
 {
-    return IsNull() ? QString() : HtmlText::Of(Node_, HtmlText::Extent::Whole);
+    return IsNull() ? QString() : InnerText::Of(Node_, InnerText::Extent::Whole);
 }
 
 QString HtmlElement::FirstLine() const
 {
-    return IsNull() ? QString() : HtmlText::Of(Node_, HtmlText::Extent::FirstLine);
+    return IsNull() ? QString() : InnerText::Of(Node_, InnerText::Extent::FirstLine);
 }
 
 std::vector<HtmlElement> HtmlElement::All() const
@@ -135,7 +135,7 @@ HtmlNode* HtmlDocument::TitleNode()
 QString HtmlDocument::Title()
 {
     const HtmlNode* title = TitleNode();
-    return title == nullptr ? QString() : HtmlText::Of(title, HtmlText::Extent::Whole).simplified();
+    return title == nullptr ? QString() : InnerText::Of(title, InnerText::Extent::Whole).simplified();
 }
 
 void HtmlDocument::SetTitle(const QString& title)

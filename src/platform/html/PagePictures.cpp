@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/html/PageElements.h"
-#include "platform/html/PageTag.h"
 #include "platform/html/PageWriter.h"
 #include "platform/html/SafeLink.h"
+#include "platform/html/StartTag.h"
 
 #include <QSet>
 #include <QUrl>
@@ -54,7 +54,7 @@ void PageWriter::WriteImage(const GumboInternalNode* node)
     if (shown.isEmpty())
         return WriteMissingImage(node, source);
 
-    PageTag tag;
+    StartTag tag;
     tag.SetName(QStringLiteral("img"));
     tag.Add("src", shown);
     const QString alternative = Attribute(node, "alt").simplified().left(1000);
@@ -86,7 +86,7 @@ void PageWriter::WriteMissingImage(const GumboInternalNode* node, const QString&
     const auto isTiny = [node](const char* side) { return WholeNumber(Attribute(node, side), 0, 100000, 100) <= 4; };
     if (isDecoration || isTiny("width") || isTiny("height") || source.isEmpty())
         return;
-    PageTag tag;
+    StartTag tag;
     tag.SetName(QStringLiteral("span"));
     const QString host = QUrl(source).host();
     tag.Add("title", host.isEmpty() ? QStringLiteral("Picture not shown")

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/html/Colours.h"
 #include "platform/html/PageElements.h"
-#include "platform/html/PageTag.h"
 #include "platform/html/PageWriter.h"
+#include "platform/html/StartTag.h"
 
 #include <gumbo.h>
 
 using namespace PageElements;
 
-void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag)
+void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, StartTag* tag)
 {
     const PageStyle style = ReadStyle(Attribute(node, "style"));
     const int border = style.BorderWidth.value_or(WholeNumber(Attribute(node, "border"), 0, 8, 0));
@@ -32,7 +32,7 @@ void PageWriter::OpenTable(const GumboInternalNode* node, Frame* frame, PageTag*
 }
 
 /// False when the row has no room for the cell.
-bool PageWriter::OpenCell(const GumboInternalNode* node, PageTag* tag)
+bool PageWriter::OpenCell(const GumboInternalNode* node, StartTag* tag)
 {
     Frame& row = Stack_.last();
     const int span = SpanOf(node, "colspan");

@@ -3,8 +3,8 @@
 
 #include "platform/html/Colours.h"
 #include "platform/html/PageElements.h"
-#include "platform/html/PageTag.h"
 #include "platform/html/SafeLink.h"
+#include "platform/html/StartTag.h"
 
 #include <QHash>
 #include <QSet>
@@ -150,7 +150,7 @@ void PageWriter::WriteElement(const GumboInternalNode* node)
         OpenElement(node, name);
 }
 
-void PageWriter::ApplyFontSize(const PageStyle& style, Frame* frame, PageTag* tag)
+void PageWriter::ApplyFontSize(const PageStyle& style, Frame* frame, StartTag* tag)
 {
     const double before = frame->Points;
     if (style.FontPoints)
@@ -163,7 +163,7 @@ void PageWriter::ApplyFontSize(const PageStyle& style, Frame* frame, PageTag* ta
         tag->AddStyle("font-size", QStringLiteral("%1pt").arg(frame->Points * Options_.Scale, 0, 'f', 1));
 }
 
-void PageWriter::ApplyColours(const PageStyle& style, Frame* frame, PageTag* tag)
+void PageWriter::ApplyColours(const PageStyle& style, Frame* frame, StartTag* tag)
 {
     frame->HasUnknownGround |= style.HasRemoteContent && !style.Background;
     if (!Options_.KeepsColours)
@@ -179,7 +179,7 @@ void PageWriter::ApplyColours(const PageStyle& style, Frame* frame, PageTag* tag
         tag->AddStyle("color", Colours::Text(*style.Colour));
 }
 
-void PageWriter::ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, PageTag* tag)
+void PageWriter::ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, StartTag* tag)
 {
     ApplyFontSize(style, frame, tag);
     ApplyColours(style, frame, tag);
@@ -218,7 +218,7 @@ void PageWriter::ApplyStyle(const PageStyle& style, const QString& name, Frame* 
     }
 }
 
-void PageWriter::OpenLink(const GumboInternalNode* node, Frame* frame, PageTag* tag)
+void PageWriter::OpenLink(const GumboInternalNode* node, Frame* frame, StartTag* tag)
 {
     if (gumbo_get_attribute(&node->v.element.attributes, "href") == nullptr)
         return tag->SetName(QStringLiteral("span"));
@@ -241,7 +241,7 @@ void PageWriter::GoThrough(const GumboInternalNode* node, const QString& name)
         Stack_.append(frame);
         return;
     }
-    PageTag tag;
+    StartTag tag;
     tag.SetName(name);
     frame.Depth = 1;
     frame.IsBlock = false;
@@ -256,7 +256,7 @@ void PageWriter::OpenCaption(const GumboInternalNode* node)
     Frame frame = InheritedFrame(node);
     frame.IsTable = false;
     ++frame.Depth;
-    PageTag tag;
+    StartTag tag;
     tag.SetName(QStringLiteral("td"));
     tag.Add("colspan", QString::number(CaptionSpan));
     Page_->Html += QStringLiteral("<tr>");
@@ -326,7 +326,7 @@ void PageWriter::OpenElement(const GumboInternalNode* node, const QString& name)
     }
     frame.IsBlock = role != Role::Inline;
     ++frame.Depth;
-    PageTag tag;
+    StartTag tag;
     tag.SetName(role == element.ElementRole ? QLatin1String(element.Written) : QLatin1String("div"));
     if (Options_.KeepsParagraphs && (name == QLatin1String("font") || IsParagraph(node, name)))
         tag.SetName(name);
@@ -348,7 +348,7 @@ void PageWriter::OpenElement(const GumboInternalNode* node, const QString& name)
 }
 
 void PageWriter::OpenIndented(const GumboInternalNode* node, const QString& name, PageStyle* style, Frame* frame,
-                              PageTag* tag)
+                              StartTag* tag)
 {
     if (name == QLatin1String("blockquote")) {
         const bool isIndented = ++frame->Quotes <= DeepestQuote;
@@ -365,7 +365,7 @@ void PageWriter::OpenIndented(const GumboInternalNode* node, const QString& name
     }
 }
 
-void PageWriter::Push(Frame frame, const PageTag& tag)
+void PageWriter::Push(Frame frame, const StartTag& tag)
 {
     Page_->Html += tag.Text();
     frame.EndTag = QStringLiteral("</%1>").arg(tag.Name());

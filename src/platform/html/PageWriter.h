@@ -10,7 +10,7 @@
 #include <optional>
 
 struct GumboInternalNode;
-class PageTag;
+class StartTag;
 
 /// Writes a safe page from a parsed one. Works through the tree with a stack of its own, so that no depth of nesting
 /// is too deep. For one page each.
@@ -50,19 +50,20 @@ private:
     PageStyle CountedStyle(const GumboInternalNode* node, const QString& name);
     static bool IsParagraph(const GumboInternalNode* node, const QString& name);
     void OpenElement(const GumboInternalNode* node, const QString& name);
-    void OpenLink(const GumboInternalNode* node, Frame* frame, PageTag* tag);
-    void OpenTable(const GumboInternalNode* node, Frame* frame, PageTag* tag);
-    bool OpenCell(const GumboInternalNode* node, PageTag* tag);
-    void OpenIndented(const GumboInternalNode* node, const QString& name, PageStyle* style, Frame* frame, PageTag* tag);
+    void OpenLink(const GumboInternalNode* node, Frame* frame, StartTag* tag);
+    void OpenTable(const GumboInternalNode* node, Frame* frame, StartTag* tag);
+    bool OpenCell(const GumboInternalNode* node, StartTag* tag);
+    void OpenIndented(const GumboInternalNode* node, const QString& name, PageStyle* style, Frame* frame,
+                      StartTag* tag);
     void WriteImage(const GumboInternalNode* node);
     void WriteMissingImage(const GumboInternalNode* node, const QString& source);
     QString EmbeddedPicture(const QString& source);
     bool IsWithheld(const GumboInternalNode* node, const QString& name);
     void CountAttributes(const GumboInternalNode* node);
-    void ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, PageTag* tag);
-    void ApplyFontSize(const PageStyle& style, Frame* frame, PageTag* tag);
-    void ApplyColours(const PageStyle& style, Frame* frame, PageTag* tag);
-    void Push(Frame frame, const PageTag& tag);
+    void ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, StartTag* tag);
+    void ApplyFontSize(const PageStyle& style, Frame* frame, StartTag* tag);
+    void ApplyColours(const PageStyle& style, Frame* frame, StartTag* tag);
+    void Push(Frame frame, const StartTag& tag);
     void Pop();
     bool IsFull() const;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "prizes/dialogs/frmHotlist.h"
 
+#include "database/StationSettings.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/DialogSize.h"
 #include "platform/widgets/TextBoxes.h"
@@ -21,7 +22,6 @@
 namespace
 {
 constexpr qint32 HoursOfPrizes = 0;
-const QString HoursPrefix = QStringLiteral("HR.");
 const QString ItemField = QStringLiteral("Item");
 
 // Twips.
@@ -116,7 +116,7 @@ QString frmHotlist::GetHotlist(qint32 hotListType, dao::Recordset* recordset, bo
         return {};
     Recordset_ = recordset;
     SaveMode_ = saveMode;
-    Prefix_ = hotListType == HoursOfPrizes ? HoursPrefix : QString();
+    Prefix_ = hotListType == HoursOfPrizes ? StationSettings::HotlistPrefix : QString();
     Error_ = nullptr;
     txtHotlistName_->clear();
     PrepareMode();

@@ -15,6 +15,11 @@ class QMenu;
 class QPushButton;
 class TextBox;
 
+namespace dao
+{
+class Recordset;
+}
+
 /// Chooses a hotlist to load, or names one to save: selections of hours that the station keeps among its settings. Made
 /// for one call of GetHotlist. A hotlist that is deleted here is gone at once, whether the dialog ends in OK or in
 /// Cancel. On the user interface thread.

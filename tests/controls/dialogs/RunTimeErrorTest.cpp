@@ -2,10 +2,10 @@
 
 // What the user is told of a run-time error.
 
+#include "common/DebugLog.h"
 #include "common/GeneralHelper.h"
 #include "common/dialogs/DialogUserInterface.h"
 #include "common/dialogs/RunTimeErrorText.h"
-#include "common/kvGeneralState.h"
 #include "controls/support/WhenShown.h"
 
 #include <QDir>

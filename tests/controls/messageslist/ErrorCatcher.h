@@ -2,13 +2,14 @@
 #pragma once
 
 #include "common/UserInterface.h"
+#include "database/StationDialogs.h"
 
 #include <QList>
 #include <QStringList>
 
 /// Takes the run-time errors that event handlers meet, with what raised them, and leaves everything else to the
 /// interface that was in force before. In force from its making to its destruction.
-class ErrorCatcher final : public UserInterface
+class ErrorCatcher final : public UserInterface, public StationDialogs
 {
 public:
     ErrorCatcher() : Before_(Current()) { SetCurrent(this); }
@@ -25,10 +26,13 @@ public:
     void PageSetupLabels(cPageSetup& pageSetup) override { Before_.PageSetupLabels(pageSetup); }
     QString GetHotlist(qint32 hotListType, dao::Recordset& settings, bool saveMode, QObject* parentForm) override
     {
-        return Before_.GetHotlist(hotListType, settings, saveMode, parentForm);
+        return StationDialogs::Of(Before_).GetHotlist(hotListType, settings, saveMode, parentForm);
     }
-    bool DatabaseSettings(cTolvaDatabase& database) override { return Before_.DatabaseSettings(database); }
-    void SetBackupNotice(bool shown) override { Before_.SetBackupNotice(shown); }
+    bool DatabaseSettings(cTolvaDatabase& database) override
+    {
+        return StationDialogs::Of(Before_).DatabaseSettings(database);
+    }
+    void SetBackupNotice(bool shown) override { StationDialogs::Of(Before_).SetBackupNotice(shown); }
     void SetBusyPointer(bool busy) override { Before_.SetBusyPointer(busy); }
     std::unique_ptr<ProgressDisplay> Progress(const QString& caption) override { return Before_.Progress(caption); }
     void Yield() override { Before_.Yield(); }

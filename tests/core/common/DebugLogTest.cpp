@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "common/DebugLog.h"
+
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
 #include "common/kvGeneral.h"
-#include "common/kvGeneralState.h"
 #include "support/FixedClock.h"
 #include "support/ScriptedRegistry.h"
 #include "support/ScriptedUserInterface.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/kvGeneral.h"
 
+#include "common/DebugLog.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
-#include "common/kvGeneralState.h"
 #include "support/FixedClock.h"
 #include "support/ScriptedUserInterface.h"
 

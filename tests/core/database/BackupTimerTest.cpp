@@ -32,7 +32,7 @@ protected:
     void SetUp() override
     {
         OpenStation();
-        Timer = std::make_shared<BackupTimer>(*Station);
+        Timer = std::make_shared<BackupTimer>(*Station, [this] { Station->BackupDatabase(false); });
     }
     qsizetype Backups() const { return BackupFolders::List(BackupFolders::RootOf(FileName())).size(); }
     /// As a program does that is started.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "common/DebugLog.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
-#include "common/kvGeneralState.h"
 #include "core/support/StationTest.h"
 #include "platform/records/DBEngine.h"
 

@@ -2,13 +2,14 @@
 #pragma once
 
 #include "common/UserInterface.h"
+#include "database/StationDialogs.h"
 
 #include <QList>
 #include <QStringList>
 
 /// A user who gives every question the same answer, and takes note of what he is told. Where any number of failures may
 /// be told. Put in force with UserInterface::SetCurrent.
-class PatientUser final : public UserInterface
+class PatientUser final : public UserInterface, public StationDialogs
 {
 public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override
@@ -18,9 +19,7 @@ public:
     }
     int InputBox(const InputBoxRequest&, QString&) override { return -1; }
     void PageSetupLabels(cPageSetup&) override {}
-    bool DatabaseSettings(cTolvaDatabase&) override { return false; }
     QString GetHotlist(qint32, dao::Recordset&, bool, QObject*) override { return QStringLiteral("HR.Morning"); }
-    void SetBackupNotice(bool) override {}
     void SetBusyPointer(bool) override {}
     std::unique_ptr<ProgressDisplay> Progress(const QString&) override { return std::make_unique<NoDisplay>(); }
     void Yield() override {}

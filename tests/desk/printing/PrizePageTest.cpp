@@ -22,15 +22,6 @@ PrizePage::Prize Hamper()
     return prize;
 }
 
-/// The hours from one to the other.
-QString Hours(int from, int to)
-{
-    QString text(24, u' ');
-    for (int hour = from; hour < to; ++hour)
-        text[hour] = QChar(u'A' + hour);
-    return text;
-}
-
 QString Sheet()
 {
     return FileHelper::ReadTextFile(
@@ -68,21 +59,4 @@ TEST(PrizePageTest, ATemplateWithoutAListIsFilledFromTheFirstPrize)
             .Html;
     EXPECT_TRUE(page.contains(
         QStringLiteral("<p>Hamper &amp; &lt;cheese&gt;: <b>Ann Tregenza</b><b>Bryn &lt;ZRT_PRIZE_TITLE&gt;</b></p>")));
-}
-
-TEST(PrizePageTest, HoursAreToldInWords)
-{
-    const QString never(24, u' ');
-    QStringList week(7, Hours(0, 24));
-    EXPECT_EQ(PrizePage::HoursInWords(week), QStringLiteral("At any time"));
-    EXPECT_EQ(PrizePage::HoursInWords(QStringList(7, never)), QStringLiteral("Never"));
-    EXPECT_EQ(PrizePage::HoursInWords({}), QStringLiteral("Never"));
-    week = QStringList(5, Hours(8, 12)) + QStringList{Hours(0, 24), never};
-    EXPECT_EQ(PrizePage::HoursInWords(week),
-              QStringLiteral("Monday to Friday 08:00\u201312:00; Saturday 00:00\u201324:00"));
-    week = QStringList(7, never);
-    week[2] = Hours(8, 9);
-    week[2][22] = u'W';
-    week[2][23] = u'X';
-    EXPECT_EQ(PrizePage::HoursInWords(week), QStringLiteral("Wednesday 08:00\u201309:00, 22:00\u201324:00"));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeDeskTest.h"
 #include "StationPlace.h"
+#include "database/StationDialogs.h"
 #include "platform/records/DBEngine.h"
 #include "prizes/PrizeAwards.h"
 
@@ -14,7 +15,7 @@ namespace
 {
 /// The user interface in force, with something that happens when the pointer becomes busy: after the store has read
 /// how many are left, and before it writes the winner.
-class BusyHook final : public UserInterface
+class BusyHook final : public UserInterface, public StationDialogs
 {
 public:
     explicit BusyHook(std::function<void()> action) : Before_(UserInterface::Current()), Action_(std::move(action))
@@ -25,12 +26,15 @@ public:
     MessageBoxAnswer MessageBox(const MessageBoxRequest& request) override { return Before_.MessageBox(request); }
     int InputBox(const InputBoxRequest& request, QString& result) override { return Before_.InputBox(request, result); }
     void PageSetupLabels(cPageSetup& pageSetup) override { Before_.PageSetupLabels(pageSetup); }
-    bool DatabaseSettings(cTolvaDatabase& database) override { return Before_.DatabaseSettings(database); }
+    bool DatabaseSettings(cTolvaDatabase& database) override
+    {
+        return StationDialogs::Of(Before_).DatabaseSettings(database);
+    }
     QString GetHotlist(qint32 type, dao::Recordset& settings, bool saveMode, QObject* parent) override
     {
-        return Before_.GetHotlist(type, settings, saveMode, parent);
+        return StationDialogs::Of(Before_).GetHotlist(type, settings, saveMode, parent);
     }
-    void SetBackupNotice(bool shown) override { Before_.SetBackupNotice(shown); }
+    void SetBackupNotice(bool shown) override { StationDialogs::Of(Before_).SetBackupNotice(shown); }
     void SetBusyPointer(bool busy) override
     {
         Before_.SetBusyPointer(busy);

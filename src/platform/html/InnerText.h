@@ -4,7 +4,7 @@
 #include "platform/html/HtmlNode.h"
 
 /// The text of a tree as a reader sees it (HTML5, "innerText"), by what the elements are; style sheets do not count.
-namespace HtmlText
+namespace InnerText
 {
 enum class Extent
 {
@@ -13,4 +13,4 @@ enum class Extent
 };
 
 QString Of(const HtmlNode* element, Extent extent);
-} // namespace HtmlText
+} // namespace InnerText

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/html/HtmlText.h"
+#include "platform/html/InnerText.h"
 
 namespace
 {
@@ -70,10 +70,10 @@ bool IsLastRow(const HtmlNode* row)
 class Collector
 {
 public:
-    explicit Collector(HtmlText::Extent extent) : Extent_(extent) {}
+    explicit Collector(InnerText::Extent extent) : Extent_(extent) {}
 
     const QString& Text() const { return Text_; }
-    bool IsDone() const { return Extent_ == HtmlText::Extent::FirstLine && HasLineEnd_; }
+    bool IsDone() const { return Extent_ == InnerText::Extent::FirstLine && HasLineEnd_; }
 
     void Add(const QString& text, bool preserves)
     {
@@ -169,10 +169,10 @@ private:
         }
         LineEnds_ = 0;
         Text_ += text;
-        HasLineEnd_ = HasLineEnd_ || (Extent_ == HtmlText::Extent::FirstLine && text.contains(u'\n'));
+        HasLineEnd_ = HasLineEnd_ || (Extent_ == InnerText::Extent::FirstLine && text.contains(u'\n'));
     }
 
-    HtmlText::Extent Extent_;
+    InnerText::Extent Extent_;
     QString Text_;
     int LineEnds_ = 0;      ///< To stand before the next text.
     bool HasBlank_ = false; ///< To stand before the next text of the same line.
@@ -180,7 +180,7 @@ private:
     bool HasLineEnd_ = false;
 };
 
-QString RenderedText(const HtmlNode* element, HtmlText::Extent extent)
+QString RenderedText(const HtmlNode* element, InnerText::Extent extent)
 {
     Collector collector(extent);
     if (element->Has(HtmlTrait::Replaced))
@@ -225,7 +225,7 @@ QString ContentText(const HtmlNode* element)
 }
 } // namespace
 
-QString HtmlText::Of(const HtmlNode* element, Extent extent)
+QString InnerText::Of(const HtmlNode* element, Extent extent)
 {
     const QString text = IsRendered(element) ? RenderedText(element, extent) : ContentText(element);
     if (extent == Extent::Whole)

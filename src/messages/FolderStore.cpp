@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// The folders of messages: the category operations of cTolvaDatabase.
+#include "messages/FolderStore.h"
 
 #include "common/PendingError.h"
-#include "common/kvGeneral.h"
 #include "database/Collision.h"
-#include "database/cTolvaDatabase.h"
-
-#include <QScopedValueRollback>
+#include "database/StationContext.h"
+#include "platform/records/Transaction.h"
 
 #include <limits>
 #include <tuple>
@@ -87,42 +84,52 @@ bool AreSameTrees(const clsCategory& a, const clsCategory& b)
 }
 } // namespace
 
-void cTolvaDatabase::UpdateCategoryTree()
+FolderStore::FolderStore(StationContext& station) : Station_(station), Tree_(std::make_unique<clsCategory>())
 {
-    if (!Database_)
-        return;
-    auto root = std::make_unique<clsCategory>();
-    root->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
-    MessageCategories_ = std::move(root);
+    Tree_->SetReference(0);
+    Tree_->SetParentReference(0);
+    Tree_->SetDescription(QStringLiteral("All Categories"));
 }
 
-bool cTolvaDatabase::RefreshCategoryTree()
+std::unique_ptr<clsCategory> FolderStore::LoadTree() const
 {
-    if (!Database_)
-        return false;
     auto root = std::make_unique<clsCategory>();
-    root->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
-    if (AreSameTrees(*root, *MessageCategories_))
+    root->LoadCategories(*Station_.Database, CategoriesTitle, CategoriesTable);
+    return root;
+}
+
+void FolderStore::Load()
+{
+    if (Station_.Database)
+        Tree_ = LoadTree();
+}
+
+bool FolderStore::Refresh()
+{
+    if (!Station_.Database)
         return false;
-    MessageCategories_ = std::move(root);
+    std::unique_ptr<clsCategory> root = LoadTree();
+    if (AreSameTrees(*root, *Tree_))
+        return false;
+    Tree_ = std::move(root);
     return true;
 }
 
-std::unique_ptr<clsCategory> cTolvaDatabase::GetMessageCategory(qint32 reference)
+std::unique_ptr<clsCategory> FolderStore::Get(qint32 reference) const
 {
-    if (!Database_ || reference <= 0 || reference > HighestReference)
+    if (!Station_.Database || reference <= 0 || reference > HighestReference)
         return nullptr;
     auto category = std::make_unique<clsCategory>();
     category->SetReference(ToReference(reference));
-    category->LoadCategories(*Database_, CategoriesTitle, CategoriesTable);
+    category->LoadCategories(*Station_.Database, CategoriesTitle, CategoriesTable);
     return category;
 }
 
-qint16 cTolvaDatabase::LastMessageCategoryReference() const
+qint16 FolderStore::LastReference() const
 {
-    if (!Database_)
+    if (!Station_.Database)
         return 0;
-    const auto recordset = OpenCategories(*Database_);
+    const auto recordset = OpenCategories(*Station_.Database);
     if (recordset->AtEOF())
         return 0;
     recordset->MoveLast();
@@ -133,52 +140,52 @@ qint16 cTolvaDatabase::LastMessageCategoryReference() const
     return recordset->AtBOF() ? qint16{0} : ToReference(qMax(0, reference()));
 }
 
-bool cTolvaDatabase::SaveMessageCategory(clsCategory& category, bool updateSubCategories)
+bool FolderStore::Save(clsCategory& folder, bool updateSubFolders)
 {
-    if (!Database_)
+    if (!Station_.Database)
         return false;
     // A new number is above all others, and no other computer may take it meanwhile.
-    dao::Transaction transaction = BeginChange();
-    if (updateSubCategories)
-        StoreCategoryTree(category);
+    dao::Transaction transaction(*Station_.Database);
+    if (updateSubFolders)
+        StoreWithSubFolders(folder);
     else
-        StoreCategory(category);
+        Store(folder);
     transaction.Commit();
     return true;
 }
 
-void cTolvaDatabase::StoreCategory(clsCategory& category)
+void FolderStore::Store(clsCategory& folder)
 {
-    const auto recordset = OpenCategories(OpenedDatabase());
-    if (category.Reference() < 1)
-        category.SetReference(ToReference(LastMessageCategoryReference() + 1));
-    recordset->Seek(dao::SeekComparison::Equal, {category.Reference()});
+    const auto recordset = OpenCategories(Station_.OpenedDatabase());
+    if (folder.Reference() < 1)
+        folder.SetReference(ToReference(LastReference() + 1));
+    recordset->Seek(dao::SeekComparison::Equal, {folder.Reference()});
     if (!recordset->NoMatch()) {
         recordset->Edit();
     } else {
         recordset->AddNew();
-        recordset->SetCollect(QStringLiteral("Reference"), category.Reference());
+        recordset->SetCollect(QStringLiteral("Reference"), folder.Reference());
     }
-    WriteCategory(*recordset, category);
+    WriteCategory(*recordset, folder);
     recordset->Update();
 }
 
 /// The stored children go and those of the object come: what was taken out in memory disappears, the others keep their
 /// references and so their messages.
-void cTolvaDatabase::StoreCategoryTree(clsCategory& category)
+void FolderStore::StoreWithSubFolders(clsCategory& folder)
 {
-    StoreCategory(category);
-    const auto children = Database_->OpenRecordset(
+    Store(folder);
+    const auto children = Station_.Database->OpenRecordset(
         QStringLiteral("SELECT * FROM [MessageCategories] WHERE ParentReference=%1 ORDER BY [Reference]")
-            .arg(category.Reference()),
+            .arg(folder.Reference()),
         dao::dbOpenDynaset);
     for (; !children->AtEOF(); children->MoveNext())
         children->Delete();
-    for (int i = 1; i <= category.SubCategoryCount(); ++i)
-        StoreCategoryTree(*category.SubCategory(i));
+    for (int i = 1; i <= folder.SubCategoryCount(); ++i)
+        StoreWithSubFolders(*folder.SubCategory(i));
 }
 
-bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
+bool FolderStore::Delete(qint32 reference)
 {
     if (reference <= 0)
         return false;
@@ -186,58 +193,54 @@ bool cTolvaDatabase::DeleteMessageCategory(qint32 reference)
     PendingError pending;
     pending.Try([&] {
         // Nobody files into the folder between the look and the deletion.
-        dao::Transaction transaction = BeginChange();
-        const auto category = GetMessageCategory(reference);
-        if (!category || category->SubCategoryCount() >= 1)
+        dao::Transaction transaction(Station_.OpenedDatabase());
+        const auto folder = Get(reference);
+        if (!folder || folder->SubCategoryCount() >= 1)
             return;
-        const auto messages =
-            OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(reference));
+        const auto messages = Station_.OpenSnapshot(
+            QStringLiteral("SELECT [Reference] FROM [Messages] WHERE [Category]=%1").arg(reference));
         if (messages->RecordCount() != 0)
             return;
-        const auto recordset = OpenCategories(*Database_);
+        const auto recordset = OpenCategories(*Station_.Database);
         recordset->Seek(dao::SeekComparison::Equal, {reference});
         if (!recordset->NoMatch())
             recordset->Delete();
         recordset->Close();
         transaction.Commit();
         isGone = true;
-        UpdateCategoryTree();
+        Load();
     });
-    KeepLastError(pending);
+    Station_.LastError = pending;
     return isGone;
 }
 
-/// Makes sure that the row of a fixed folder is as it should be. One that is already so is not written: every computer
-/// that opens the station comes by here, and must not wait for the others or change a row under their hands.
-void cTolvaDatabase::SaveFixedCategory(enTolvaMessageCategories reference, const QString& description, qint32 killHours,
-                                       qint32 backColour, const QString& iconReference)
+/// One that is already so is not written: every computer that opens the station comes by here, and must not wait for
+/// the others or change a row under their hands.
+void FolderStore::SaveFixed(enTolvaMessageCategories reference, const QString& description,
+                            const QString& iconReference)
 {
-    clsCategory category;
-    category.SetReference(static_cast<qint16>(reference));
-    category.SetDescription(description);
-    category.SetBackColour(backColour);
-    category.SetEndHours(0);
-    category.SetKillHours(killHours);
-    category.SetIconReference(iconReference);
-    category.SetUserLong(True);
-    const clsCategory* stored = MessageCategories_->FindCategory(reference);
-    if (stored && HoldsTheSame(*stored, category))
-        return;
-    const QScopedValueRollback<bool> busy(FixedCategoryBusy_, true);
-    SaveMessageCategory(category, false);
+    clsCategory folder;
+    folder.SetReference(static_cast<qint16>(reference));
+    folder.SetDescription(description);
+    folder.SetBackColour(WindowColour);
+    folder.SetEndHours(0);
+    folder.SetKillHours(0);
+    folder.SetIconReference(iconReference);
+    folder.SetUserLong(True);
+    const clsCategory* stored = Tree_->FindCategory(reference);
+    if (!stored || !HoldsTheSame(*stored, folder))
+        Save(folder, false);
 }
 
-/// Put right at every start, in one transaction, from a tree that has just been read: a renamed fixed folder gets its
-/// title back, a deleted one returns.
-void cTolvaDatabase::SaveFixedCategories()
+void FolderStore::PutFixedFoldersRight()
 {
-    struct FixedCategory
+    struct FixedFolder
     {
         enTolvaMessageCategories Reference;
         const char* Description;
         const char* IconReference;
     };
-    constexpr FixedCategory fixed[] = {
+    constexpr FixedFolder fixed[] = {
         {tmcInbox, "Inbox", ""},
         {tmcOutbox, "Outbox", "foldersending"},
         {tmcSaved, "Saved", "foldersaved"},
@@ -248,10 +251,8 @@ void cTolvaDatabase::SaveFixedCategories()
     };
     UntilNobodyInterferes([&] {
         dao::Transaction transaction;
-        for (const FixedCategory& category : fixed) {
-            SaveFixedCategory(category.Reference, QLatin1String(category.Description), 0, WindowColour,
-                              QLatin1String(category.IconReference));
-        }
+        for (const FixedFolder& folder : fixed)
+            SaveFixed(folder.Reference, QLatin1String(folder.Description), QLatin1String(folder.IconReference));
         transaction.Commit();
     });
 }

@@ -4,7 +4,7 @@
 #include "platform/html/PlainText.h"
 
 /// One start tag under way; the only place where attributes are written.
-class PageTag
+class StartTag
 {
 public:
     void SetName(const QString& name) { Name_ = name; }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// Backing up an open station.
+#include "database/BackupStore.h"
 
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
+#include "common/MachineHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
 #include "common/kvGeneral.h"
@@ -12,15 +12,14 @@
 #include "database/BackupTimer.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/Leftovers.h"
-#include "database/cTolvaDatabase.h"
+#include "database/SettingsStore.h"
+#include "database/StationContext.h"
+#include "database/StationDialogs.h"
 #include "platform/files/WholeFile.h"
 #include "platform/records/Transaction.h"
 
 namespace
 {
-const QString BackupRunningKey = QStringLiteral("Backups.BackupRunning");
-const QString LastBackupKey = QStringLiteral("Backups.LastBackup");
-const QString None = QStringLiteral("");
 const QString Blank = QStringLiteral(" ");
 constexpr qint64 MillisecondsAMinute = 60000;
 constexpr qint64 MillisecondsADay = 86400000;
@@ -39,7 +38,7 @@ private:
     static void Show(bool shown)
     {
         PendingError ignored;
-        ignored.Try([shown] { UserInterface::Current().SetBackupNotice(shown); });
+        ignored.Try([shown] { StationDialogs::InForce().SetBackupNotice(shown); });
     }
 };
 
@@ -97,27 +96,75 @@ void DeleteExpired(const Expired& expired, const QString& root, const QString& f
 }
 } // namespace
 
-bool cTolvaDatabase::BackupDatabase(bool forceBackup)
+BackupStore::BackupStore(StationContext& station, SettingsStore& settings)
+    : Station_(station),
+      Settings_(settings),
+      MachineName_(MachineHelper::ComputerName()),
+      Interval_(StationSettings::BackupInterval.Default),
+      IsAutomatic_(StationSettings::EnableAutoBackup.Default)
 {
-    if (Information_.Path.isEmpty() || !Database_ || BackupInProgress_)
+}
+
+BackupStore::~BackupStore()
+{
+    StopTimer();
+}
+
+void BackupStore::ReadSettings()
+{
+    Interval_ = Settings_.Read(StationSettings::BackupInterval);
+    IsAutomatic_ = Settings_.Read(StationSettings::EnableAutoBackup);
+}
+
+void BackupStore::WriteSettings()
+{
+    Settings_.Write(StationSettings::BackupInterval, Interval_);
+    Settings_.Write(StationSettings::EnableAutoBackup, IsAutomatic_);
+}
+
+void BackupStore::SetAutomatic(bool automatic)
+{
+    IsAutomatic_ = automatic;
+    Settings_.Write(StationSettings::EnableAutoBackup, automatic);
+}
+
+void BackupStore::SetInterval(qint32 minutes)
+{
+    Interval_ = minutes;
+    Settings_.Write(StationSettings::BackupInterval, minutes);
+}
+
+qint16 BackupStore::ExpiryDays() const
+{
+    return static_cast<qint16>(Settings_.Read(StationSettings::BackupExpiryDays));
+}
+
+void BackupStore::SetExpiryDays(qint16 days)
+{
+    Settings_.Write(StationSettings::BackupExpiryDays, days);
+}
+
+bool BackupStore::Make(bool forceBackup)
+{
+    if (Station_.Information.Path.isEmpty() || !Station_.Database || IsBegun_)
         return false;
-    BackupInProgress_ = true;
+    IsBegun_ = true;
     const Date now = ClockHelper::CurrentTime();
-    if (!forceBackup && (IsBackupAnnounced(now) || IsBackupRecent(now))) {
-        BackupInProgress_ = false;
+    if (!forceBackup && (IsAnnounced(now) || IsRecent(now))) {
+        IsBegun_ = false;
         return false;
     }
-    // From here on it stays set: an object makes one backup in its life.
+    // From here on it stays set.
     if (forceBackup)
-        return MakeBackup(now, true);
+        return MakeAnnounced(now, true);
     const NoticeScope notice;
-    return MakeBackup(now, false);
+    return MakeAnnounced(now, false);
 }
 
 /// By another computer, a short while ago. What this one announced itself is left from a crash.
-bool cTolvaDatabase::IsBackupAnnounced(Date now) const
+bool BackupStore::IsAnnounced(Date now) const
 {
-    const QString running = DatabaseSetting(BackupRunningKey, None).toString();
+    const QString running = Settings_.Read(StationSettings::BackupRunning);
     if (running.isEmpty() || GetKeyValue(running, QStringLiteral("By"), Blank).trimmed() == MachineName_.trimmed())
         return false;
     const auto started = Date::Parse(GetKeyValue(running, QStringLiteral("Started"), Blank));
@@ -127,16 +174,16 @@ bool cTolvaDatabase::IsBackupAnnounced(Date now) const
 }
 
 /// Whether the day, or the hour, has its backup.
-bool cTolvaDatabase::IsBackupRecent(Date now) const
+bool BackupStore::IsRecent(Date now) const
 {
-    const QString last = DatabaseSetting(LastBackupKey, None).toString();
+    const QString last = Settings_.Read(StationSettings::LastBackup);
     const auto run = Date::Parse(GetKeyValue(last, QStringLiteral("Run"), Blank));
     if (!run)
         return false;
     const QDateTime then = run->ToDateTime(Qt::UTC);
     const QDateTime present = now.ToDateTime(Qt::UTC);
     const bool isToday = then.date() == present.date();
-    switch (BackupInterval_) {
+    switch (Interval_) {
     case 1440:
         return isToday;
     case 60:
@@ -147,57 +194,60 @@ bool cTolvaDatabase::IsBackupRecent(Date now) const
 }
 
 /// The backup itself, announced while it runs.
-bool cTolvaDatabase::MakeBackup(Date now, bool forceBackup)
+bool BackupStore::MakeAnnounced(Date now, bool forceBackup)
 {
-    const QString root = BackupFolders::RootOf(Location(), DatabaseReference());
-    const int expiryDays = BackupExpiryDays();
+    const DatabaseInformation& information = Station_.Information;
+    const QString root =
+        BackupFolders::RootOf(information.Location, FileHelper::WithoutExtension(information.FileName));
+    const int expiryDays = ExpiryDays();
     const Expired expired = expiryDays > 0 ? FindExpired(root, now, expiryDays) : Expired();
 
     QString running = GeneralHelper::SetKeyValue(QString(), QStringLiteral("Started"), now.GeneralDate());
     running = GeneralHelper::SetKeyValue(running, QStringLiteral("By"), MachineName_);
-    SetDatabaseSetting(BackupRunningKey, running, None);
+    Settings_.Write(StationSettings::BackupRunning, running);
 
-    Leftovers::Remove(Information_.Path);
+    Leftovers::Remove(information.Path);
     const QString name = BackupFolders::NameFor(now);
     const QString folder = FileHelper::Join(root, name);
     PendingError failure;
-    const bool hasFolder = MakeFolder(Information_.Path, folder, failure);
+    const bool hasFolder = MakeFolder(information.Path, folder, failure);
     dao::Transaction().Commit();
     const bool isMade =
         hasFolder &&
-        FileHelper::CopyWithProgress(Information_.Path, folder, QStringLiteral("Backing up the Database"), &failure) &&
+        FileHelper::CopyWithProgress(information.Path, folder, QStringLiteral("Backing up the Database"), &failure) &&
         BackupFolders::WriteDetails(folder, now, MachineName_);
-    KeepLastError(failure);
-    if (!Database_) // closed by the host while the copy showed its progress
+    Station_.LastError = failure;
+    if (!Station_.Database) // closed by the host while the copy showed its progress
         return isMade;
     if (isMade) {
-        SetDatabaseSetting(LastBackupKey, DAO_DatabaseFunctions::RecordLastBackup(Database_.get(), now, name), None);
+        Settings_.Write(StationSettings::LastBackup,
+                        DAO_DatabaseFunctions::RecordLastBackup(Station_.Database.get(), now, name));
         // Only now: what was there before goes when its successor has been read whole and can be found again.
-        DeleteExpired(expired, root, FileHelper::FileNameOf(Information_.Path), folder);
+        DeleteExpired(expired, root, FileHelper::FileNameOf(information.Path), folder);
     } else if (forceBackup) {
         UserInterface::Current().MessageBox({QStringLiteral("A backup of the Directory database could not be be made"),
                                              QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation,
                                              MessageBoxAnswer::OK});
     }
-    SetDatabaseSetting(BackupRunningKey, None, None);
+    Settings_.Write(StationSettings::BackupRunning, QString());
     return isMade;
 }
 
-void cTolvaDatabase::UpdateBackupTimer()
+void BackupStore::UpdateTimer()
 {
-    if (!EnableAutoBackup_ || !MakesAutomaticBackups_) {
-        UnloadBackupTimer();
+    if (!IsAutomatic_ || !MakesAutomaticBackups_) {
+        StopTimer();
         return;
     }
-    if (!BackupTimer_)
-        BackupTimer_ = std::make_shared<BackupTimer>(*this);
-    BackupTimer_->Start(BackupInterval_);
+    if (!Timer_)
+        Timer_ = std::make_shared<BackupTimer>(*this, [this] { Make(false); });
+    Timer_->Start(Interval_);
 }
 
-void cTolvaDatabase::UnloadBackupTimer()
+void BackupStore::StopTimer()
 {
-    if (!BackupTimer_)
+    if (!Timer_)
         return;
-    BackupTimer_->Stop();
-    BackupTimer_.reset();
+    Timer_->Stop();
+    Timer_.reset();
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FolderNames.h"
+#include "FolderPaths.h"
 
 #include "Failure.h"
 #include "platform/directory/clsCategory.h"

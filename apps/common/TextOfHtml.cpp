@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "HtmlText.h"
+#include "TextOfHtml.h"
 
 #include <QHash>
 #include <QRegularExpression>
