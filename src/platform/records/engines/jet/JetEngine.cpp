@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/jet/JetEngine.h"
+
+#include "platform/records/DBEngine.h"
+#include "platform/records/engines/jet/JetStore.h"
+
+namespace dao::jet
+{
+
+namespace
+{
+
+class JetEngine final : public engine::Engine
+{
+public:
+    QString Name() const override { return QStringLiteral("jet"); }
+    Capability Capabilities() const override { return {.Creates = false, .IsServer = false}; }
+    bool IsAvailable(QString&) const override { return true; }
+    bool RecognisesFile(const QByteArray& firstOctets) const override { return IsOfFamily(firstOctets); }
+    bool RecognisesConnect(const QString&) const override { return false; }
+
+    std::unique_ptr<engine::Store> Open(const QString& name, const QString&, bool) override
+    {
+        return std::make_unique<JetStore>(name);
+    }
+    void Create(const QString&) override { RaiseNoWriting(); }
+    void Compact(const QString&, const QString&) override { RaiseNoWriting(); }
+    void Copy(const QString&, const QString&, const engine::CopyProgress&) override { RaiseNoWriting(); }
+    FileReport Examine(const QString&, const engine::CopyProgress&) override { RaiseNoWriting(); }
+    QStringList CompanionsOf(const QString&) const override { return {}; }
+    std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine serves no connections."));
+    }
+
+private:
+    [[noreturn]] static void RaiseNoWriting()
+    {
+        throw Error(errNotSupported, QStringLiteral("Jet files can be read here and not be made or changed."));
+    }
+};
+
+} // namespace
+
+std::unique_ptr<engine::Engine> MakeJetEngine()
+{
+    return std::make_unique<JetEngine>();
+}
+
+} // namespace dao::jet
