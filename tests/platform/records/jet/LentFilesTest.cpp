@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/jet/Catalogue.h"
+#include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/IndexTree.h"
 #include "platform/records/engines/jet/KeyForm.h"
 #include "platform/records/engines/jet/LongValue.h"
@@ -332,4 +333,13 @@ TEST_F(LentJetFiles, ReadAsAnIndependentReaderSaysAndEveryKeyIsMadeAgain)
     EXPECT_EQ(unknown, 0) << "keys whose text has a character without a known weight";
     EXPECT_GT(keys, 0);
     RecordProperty("keys", keys);
+}
+
+TEST_F(LentJetFiles, AreFoundSoundAsTheyAre)
+{
+    for (const QFileInfo& info : Files_) {
+        const FileReport report = ExamineFile(info.filePath(), {});
+        EXPECT_EQ(report.Verdict, FileReport::State::Sound)
+            << qPrintable(info.fileName()) << ": " << qPrintable(report.Faults.join(u'\n'));
+    }
 }

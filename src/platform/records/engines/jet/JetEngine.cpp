@@ -2,6 +2,8 @@
 #include "platform/records/engines/jet/JetEngine.h"
 
 #include "platform/records/DBEngine.h"
+#include "platform/records/engines/jet/FileCheck.h"
+#include "platform/records/engines/jet/FileCopy.h"
 #include "platform/records/engines/jet/JetStore.h"
 
 namespace dao::jet
@@ -25,8 +27,14 @@ public:
     }
     void Create(const QString&) override { RaiseNoWriting(); }
     void Compact(const QString&, const QString&) override { RaiseNoWriting(); }
-    void Copy(const QString&, const QString&, const engine::CopyProgress&) override { RaiseNoWriting(); }
-    FileReport Examine(const QString&, const engine::CopyProgress&) override { RaiseNoWriting(); }
+    void Copy(const QString& source, const QString& target, const engine::CopyProgress& progress) override
+    {
+        CopyFile(source, target, progress);
+    }
+    FileReport Examine(const QString& fileName, const engine::CopyProgress& progress) override
+    {
+        return ExamineFile(fileName, progress);
+    }
     QStringList CompanionsOf(const QString&) const override { return {}; }
     std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {

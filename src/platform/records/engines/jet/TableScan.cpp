@@ -10,16 +10,15 @@ namespace dao::jet
 
 namespace
 {
-constexpr std::size_t LongestPath = 16;
+constexpr int LongestPath = 16;
 } // namespace
 
 std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, RowPlace place)
 {
-    std::vector<RowPlace> path;
-    while (path.size() < LongestPath) {
-        path.push_back(place);
+    const RowPlace known = place;
+    for (int step = 0; step < LongestPath; ++step) {
         DataPage page(file, place.Page);
-        const bool isFirst = path.size() == 1;
+        const bool isFirst = step == 0;
         if (page.Owner() != table.Page()) {
             if (isFirst)
                 return std::nullopt;
@@ -40,10 +39,9 @@ std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, Ro
                             .arg(place.Row)
                             .arg(place.Page));
         }
-        return FoundRow{std::move(page), slot, std::move(path)};
+        return FoundRow{std::move(page), slot, place};
     }
-    throw Fault(
-        QStringLiteral("the way to row %1 of page %2 does not end").arg(path.front().Row).arg(path.front().Page));
+    throw Fault(QStringLiteral("the way to row %1 of page %2 does not end").arg(known.Row).arg(known.Page));
 }
 
 TableScan::TableScan(PageFile& file, const TableDefinition& table)

@@ -14,7 +14,7 @@ struct FoundRow
 {
     DataPage Page;
     DataPage::Slot Slot;
-    std::vector<RowPlace> Path; ///< Where it is known to stand, and each place that leads on from there.
+    RowPlace Stands;
 
     OctetView Octets() const { return Page.RowAt(Slot); }
 };
