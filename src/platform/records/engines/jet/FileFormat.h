@@ -14,6 +14,7 @@ inline constexpr int LargestLongRow = 4076; ///< On a page of long values.
 inline constexpr int LargestInline = 64;    ///< Octets of a long value that stand in their row.
 inline constexpr int MostColumns = 255;
 inline constexpr int MostRowsOfPage = 255;
+inline constexpr int DefinitionHeader = 8;       ///< Octets in front of each page of a table's definition.
 inline constexpr int IndexRoom = 3616;           ///< Octets of entries on an index page.
 inline constexpr int IndexEntriesAt = 480;       ///< Where they begin.
 inline constexpr int IndexBitmapAt = 27;         ///< A bit for each octet of them: an entry ends here.
@@ -85,5 +86,6 @@ enum class ObjectType : qint16
 inline constexpr quint32 SystemObject = 0x80000002; ///< Either bit of an object's flags.
 inline constexpr quint32 CatalogueDefinition = 2;   ///< The page that defines the table of all objects.
 inline constexpr quint32 GlobalMapPointer = 0x100;  ///< Page 1, row 0.
+inline constexpr quint16 GeneralSortOrder = 0x0409;
 
 } // namespace dao::jet

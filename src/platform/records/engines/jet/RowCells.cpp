@@ -146,7 +146,7 @@ StoredValue RowCells::Value(const ColumnDefinition& column) const
     case ColumnType::Guid:
         return GuidAsText(*octets);
     case ColumnType::Numeric:
-        return NumericAsText(*octets, column.Scale);
+        return NumericAsText(*octets, column.Scale());
     case ColumnType::Memo:
     case ColumnType::Ole:
         return QByteArrayLiteral("");

@@ -9,7 +9,6 @@ namespace dao::jet
 namespace
 {
 
-constexpr int PageHeader = 8; // Of each page of a definition.
 constexpr int NextPageAt = 4;
 constexpr int LengthAt = 8;
 constexpr int FixedPart = 63;
@@ -33,7 +32,7 @@ QByteArray ReadPages(PageFile& file, quint32 first, std::vector<quint32>& pages)
             throw Fault(QStringLiteral("the definition on page %1 does not end").arg(first));
         const QByteArray page = file.Page(number, PageType::Definition);
         pages.push_back(number);
-        octets += pages.size() == 1 ? page : page.mid(PageHeader);
+        octets += pages.size() == 1 ? page : page.mid(DefinitionHeader);
         number = OctetView(page).U32(NextPageAt);
     }
     const quint32 length = OctetView(octets).U32(LengthAt);
@@ -78,7 +77,7 @@ ColumnDefinition ColumnFrom(const OctetView& octets)
     column.Number = octets.U16(5);
     column.VariableIndex = octets.U16(7);
     column.Ordinal = octets.U16(9);
-    column.Scale = octets.U8(12);
+    column.SortOrder = octets.U16(11);
     column.Flags = octets.U8(15);
     column.FurtherFlags = octets.U8(16);
     column.FixedOffset = octets.U16(21);
@@ -108,6 +107,8 @@ IndexName IndexNameFrom(const OctetView& octets)
     name.Relation = octets.U8(12);
     name.OtherIndex = octets.Read<qint32>(13);
     name.OtherTable = octets.U32(17);
+    name.UpdateCascade = octets.U8(21);
+    name.DeleteCascade = octets.U8(22);
     name.Kind = octets.U8(23);
     return name;
 }

@@ -18,13 +18,15 @@ struct ColumnDefinition
     quint8 Flags = 0;
     quint8 FurtherFlags = 0;
     quint16 FixedOffset = 0;
-    quint16 Length = 0;   ///< In octets.
-    quint8 Scale = 0;     ///< Digits behind the point, of a decimal number.
+    quint16 Length = 0; ///< In octets.
+    /// Of a decimal number its digits, and above them those behind the point.
+    quint16 SortOrder = GeneralSortOrder;
     quint32 OwnedMap = 0; ///< The maps of the pages of long values; 0 for none.
     quint32 FreeMap = 0;
 
     bool Is(ColumnType type) const { return Type == static_cast<quint8>(type); }
     bool IsFixed() const { return (Flags & FixedColumn) != 0; }
+    int Scale() const { return SortOrder >> 8; }
     bool IsLong() const { return Is(ColumnType::Memo) || Is(ColumnType::Ole); }
 };
 
@@ -52,6 +54,8 @@ struct IndexName
     quint8 Relation = 0;
     qint32 OtherIndex = -1;
     quint32 OtherTable = 0;
+    quint8 UpdateCascade = 4; ///< 4 where there is none.
+    quint8 DeleteCascade = 4;
     quint8 Kind = 0; ///< Primary or Foreign.
 
     static constexpr quint8 Primary = 1;
