@@ -88,6 +88,7 @@ ExitCode ExitCodeOf(int errorNumber)
     case dao::errNotAValidPath:
         return exitNoInput;
     case dao::errCannotOpen:
+    case dao::errReadOnly:
         return exitNoPermission;
     case dao::errDiskFull:
     case dao::errDiskError:
@@ -132,6 +133,10 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
                          .arg(description));
     case dao::errCannotOpen:
         return words(QStringLiteral("cannot be opened: this account may not read and write it. (%1)").arg(description));
+    case dao::errReadOnly:
+        return words(QStringLiteral("can be read and not be changed: its file has a format that this program only "
+                                    "reads. (%1)")
+                         .arg(description));
     case dao::errDiskFull:
         return words(QStringLiteral("cannot be written: the disk is full."));
     case dao::errDiskError:

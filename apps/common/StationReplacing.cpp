@@ -60,6 +60,7 @@ Failure WhyNotCompacted(const QString& folder, const QString& file, const Pendin
     case dao::errLocked:
     case dao::errFileReplaced:
     case dao::errDiskFull:
+    case dao::errReadOnly:
         return StationOpening::FailureOf(folder, failure.Number(), failure.Description());
     default:
         break;

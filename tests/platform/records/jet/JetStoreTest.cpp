@@ -170,13 +170,13 @@ TEST_F(JetStore, RefusesEveryChangeInWords)
     WriteJet();
     const QByteArray before = OctetsOf(JetName());
     const auto recordset = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
-    EXPECT_EQ(::ErrorNumberOf([&] { recordset->AddNew(); }), errCannotOpen);
-    EXPECT_EQ(::ErrorNumberOf([&] { recordset->Edit(); }), errCannotOpen);
-    EXPECT_EQ(::ErrorNumberOf([&] { recordset->Delete(); }), errCannotOpen);
-    EXPECT_NE(::ErrorNumberOf([&] { Jet().Execute(QStringLiteral("DELETE FROM Messages")); }), 0);
+    EXPECT_EQ(::ErrorNumberOf([&] { recordset->AddNew(); }), errReadOnly);
+    EXPECT_EQ(::ErrorNumberOf([&] { recordset->Edit(); }), errReadOnly);
+    EXPECT_EQ(::ErrorNumberOf([&] { recordset->Delete(); }), errReadOnly);
+    EXPECT_EQ(::ErrorNumberOf([&] { Jet().Execute(QStringLiteral("DELETE FROM Messages")); }), errReadOnly);
     std::vector<std::unique_ptr<Field>> fields;
     fields.push_back(MakeField(QStringLiteral("A"), dbLong));
-    EXPECT_NE(::ErrorNumberOf([&] { AddTable(Jet(), QStringLiteral("New"), std::move(fields)); }), 0);
+    EXPECT_EQ(::ErrorNumberOf([&] { AddTable(Jet(), QStringLiteral("New"), std::move(fields)); }), errReadOnly);
     EXPECT_EQ(OctetsOf(JetName()), before);
 }
 

@@ -30,3 +30,16 @@ TEST_F(JetWriter, WritesWhatIsReadBackValueByValue)
     EXPECT_EQ(AllRows(Jet(), QStringLiteral("Messages"), QStringLiteral("When")),
               AllRows(Source(), QStringLiteral("Messages"), QStringLiteral("When")));
 }
+
+TEST_F(JetWriter, CompactsAFileWithoutChangingWhatItHolds)
+{
+    MakeMessages();
+    AddMessages(400);
+    WriteJet();
+    const QStringList before = AllRows(Jet(), QStringLiteral("Messages"), QStringLiteral("Subject"));
+    const QString compacted = Path(QStringLiteral("Compacted.mdb"));
+    DBEngine::CompactDatabase(JetName(), compacted);
+    const auto database = DBEngine::OpenDatabase(compacted);
+    EXPECT_EQ(AllRows(*database, QStringLiteral("Messages"), QStringLiteral("Subject")), before);
+    EXPECT_EQ(DBEngine::ExamineDatabase(compacted).Verdict, FileReport::State::Sound);
+}

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/DBEngine.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/jet/Catalogue.h"
 #include "platform/records/engines/jet/FileCheck.h"
@@ -11,6 +12,7 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
+#include <QTemporaryDir>
 #include <QTextStream>
 
 #include <gtest/gtest.h>
@@ -341,5 +343,33 @@ TEST_F(LentJetFiles, AreFoundSoundAsTheyAre)
         const FileReport report = ExamineFile(info.filePath(), {});
         EXPECT_EQ(report.Verdict, FileReport::State::Sound)
             << qPrintable(info.fileName()) << ": " << qPrintable(report.Faults.join(u'\n'));
+    }
+}
+
+TEST_F(LentJetFiles, AreCompactedWithAllTheyHold)
+{
+    const QTemporaryDir folder;
+    for (const QFileInfo& info : Files_) {
+        SCOPED_TRACE(qPrintable(info.fileName()));
+        const QString compacted = folder.filePath(info.fileName());
+        DBEngine::CompactDatabase(info.filePath(), compacted);
+        EXPECT_EQ(ExamineFile(compacted, {}).Verdict, FileReport::State::Sound);
+        EXPECT_LE(QFileInfo(compacted).size(), info.size());
+        PageFile before(info.filePath());
+        PageFile after(compacted);
+        QStringList lines[2];
+        for (PageFile* file : {&before, &after}) {
+            for (const CatalogueObject& object : ReadCatalogue(*file)) {
+                if (object.IsTable())
+                    TableText(*file, object, lines[file == &after]).Add();
+            }
+            lines[file == &after].replaceInStrings(
+                QRegularExpression(QStringLiteral("^(TABLE .*) rowsInTdef=\\d+|^(  COL )\\d+| uniqueCount=\\d+$")),
+                QStringLiteral("\\1\\2"));
+            lines[file == &after].sort();
+        }
+        EXPECT_EQ(lines[1].size(), lines[0].size());
+        for (qsizetype i = 0; i < lines[0].size(); ++i)
+            EXPECT_EQ(lines[1].value(i).toStdString(), lines[0].at(i).toStdString());
     }
 }

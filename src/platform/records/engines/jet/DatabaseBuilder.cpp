@@ -193,7 +193,7 @@ void DatabaseBuilder::Finish()
     WriteRights();
     WriteEmpty(CatalogueDefinition + 2, NameOf(SystemObjects[6]), QueriesShape());
     WriteEmpty(CatalogueDefinition + 3, NameOf(SystemObjects[7]), RelationsShape());
-    Pages_.Finish(Created_);
+    Pages_.Finish(MakeFirstPage(Created_));
 }
 
 namespace

@@ -54,7 +54,8 @@ void AppendColumn(QByteArray& octets, const ColumnDefinition& column)
     Append(octets, column.VariableIndex);
     Append(octets, column.Ordinal);
     Append(octets, column.SortOrder);
-    Append(octets, quint16(0));
+    Append(octets, quint8(0));
+    Append(octets, column.SortVersion);
     Append(octets, column.Flags);
     Append(octets, column.FurtherFlags);
     Append(octets, quint32(0));

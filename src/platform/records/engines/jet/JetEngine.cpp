@@ -2,7 +2,9 @@
 #include "platform/records/engines/jet/JetEngine.h"
 
 #include "platform/records/DBEngine.h"
+#include "platform/records/FileTools.h"
 #include "platform/records/engines/jet/FileCheck.h"
+#include "platform/records/engines/jet/FileCompaction.h"
 #include "platform/records/engines/jet/FileCopy.h"
 #include "platform/records/engines/jet/JetStore.h"
 
@@ -25,8 +27,17 @@ public:
     {
         return std::make_unique<JetStore>(name);
     }
-    void Create(const QString&) override { RaiseNoWriting(); }
-    void Compact(const QString&, const QString&) override { RaiseNoWriting(); }
+    void Create(const QString&) override
+    {
+        throw Error(errNotSupported, QStringLiteral("Jet files can be read here, and not be made to be worked in."));
+    }
+    void Compact(const QString& source, const QString& target) override
+    {
+        TemporaryFile file(target);
+        CompactFile(source, file.Name());
+        file.LimitRights(source);
+        file.MoveTo(target);
+    }
     void Copy(const QString& source, const QString& target, const engine::CopyProgress& progress) override
     {
         CopyFile(source, target, progress);
@@ -39,12 +50,6 @@ public:
     std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {
         throw Error(errNotSupported, QStringLiteral("This database engine serves no connections."));
-    }
-
-private:
-    [[noreturn]] static void RaiseNoWriting()
-    {
-        throw Error(errNotSupported, QStringLiteral("Jet files can be read here and not be made or changed."));
     }
 };
 

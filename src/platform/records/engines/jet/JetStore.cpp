@@ -104,7 +104,7 @@ void JetStore::EndTransaction()
 
 void JetStore::RaiseReadOnly() const
 {
-    throw Error(errNotSupported,
+    throw Error(errReadOnly,
                 QStringLiteral("'%1' is a Jet file, which can be read here and not changed.").arg(File_.Name()));
 }
 

@@ -8,7 +8,7 @@
 namespace dao::jet
 {
 
-/// One open file, to be read. What would change it is error 3251. Damage is 3049, in words.
+/// One open file, to be read. What would change it is error 3027. Damage is 3049, in words.
 ///
 /// Nothing keeps other programs from changing the file meanwhile: each operation begins by looking whether they did,
 /// and a query that they changed the file under is 3260.

@@ -153,7 +153,7 @@ bool AppendValue(const ColumnDefinition& column, bool isAscending, const StoredV
     key.append(isAscending ? AscendingValue : DescendingValue);
     const auto type = static_cast<ColumnType>(column.Type);
     if (type == ColumnType::Text || type == ColumnType::Memo)
-        return AppendText(value, isAscending, key);
+        return column.HasGeneralOrder() && AppendText(value, isAscending, key);
     if (type == ColumnType::Binary)
         return AppendOctets(value, isAscending, key);
     const qsizetype before = key.size();

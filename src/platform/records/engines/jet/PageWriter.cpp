@@ -48,7 +48,8 @@ QByteArray EmptyBitmap(bool isSet)
 
 } // namespace
 
-PageWriter::PageWriter(const QString& fileName) : Name_(fileName), NextPage_(FirstFreePage)
+PageWriter::PageWriter(const QString& fileName, std::vector<quint32> reserved)
+    : Name_(fileName), Reserved_(std::move(reserved)), NextPage_(FirstFreePage)
 {
     FileStatus status;
     File_ = FileSystem::Current().Open(fileName, FileAccess::Change, status);
@@ -64,9 +65,21 @@ void PageWriter::Require(const FileStatus& status) const
 
 quint32 PageWriter::Allocate()
 {
-    if (NextPage_ == LargestPageCount)
+    while (IsReserved(NextPage_))
+        ++NextPage_;
+    if (NextPage_ >= LargestPageCount)
         throw Error(errNotSupported, QStringLiteral("A Jet file holds 2 GB at most, and this database is larger."));
     return NextPage_++;
+}
+
+bool PageWriter::IsReserved(quint32 page) const
+{
+    return std::binary_search(Reserved_.begin(), Reserved_.end(), page);
+}
+
+quint32 PageWriter::PageCount() const
+{
+    return Reserved_.empty() ? NextPage_ : std::max(NextPage_, Reserved_.back() + 1);
 }
 
 void PageWriter::Write(quint32 number, const QByteArray& page)
@@ -123,22 +136,22 @@ QByteArray PageWriter::GlobalMapRow()
     QByteArray row(MapRowSize, '\xFF');
     Put(row, 0, quint32(0));
     Put(row, 4, quint8(0));
-    if (NextPage_ <= InlinePages) {
-        for (quint32 page = 0; page < NextPage_; ++page)
-            SetBit(row, MapBitsAt, page, false);
+    if (PageCount() <= InlinePages) {
+        for (quint32 page = 0; page < PageCount(); ++page)
+            SetBit(row, MapBitsAt, page, !IsUsed(page));
         return row;
     }
     row = EmptyMap();
     Put(row, 0, ReferringMap);
     // The map's own pages are used as well.
     std::vector<quint32> bitmaps;
-    while (quint64(bitmaps.size()) * PagesOfBitmap < NextPage_)
+    while (quint64(bitmaps.size()) * PagesOfBitmap < PageCount())
         bitmaps.push_back(Allocate());
     for (std::size_t place = 0; place < bitmaps.size(); ++place) {
         QByteArray bitmap = EmptyBitmap(true);
         const quint32 first = static_cast<quint32>(place) * PagesOfBitmap;
-        for (quint32 page = first; page < std::min(NextPage_, first + PagesOfBitmap); ++page)
-            SetBit(bitmap, BitmapAt, page - first, false);
+        for (quint32 page = first; page < std::min(PageCount(), first + PagesOfBitmap); ++page)
+            SetBit(bitmap, BitmapAt, page - first, !IsUsed(page));
         Write(bitmaps[place], bitmap);
         Put(row, 1 + 4 * static_cast<qsizetype>(place), bitmaps[place]);
     }
@@ -159,7 +172,15 @@ void PageWriter::WriteMaps()
     Write(GlobalMapPage, MakeDataPage(GlobalMapPage, {global, EmptyMap()}));
 }
 
-void PageWriter::WriteHeader(double created)
+void PageWriter::Finish(const QByteArray& firstPage)
+{
+    WriteMaps();
+    Write(0, firstPage);
+    Require(File_->Sync());
+    Require(File_->Close());
+}
+
+QByteArray MakeFirstPage(double created)
 {
     QByteArray page(PageSize, '\0');
     Put(page, 0, quint32(0x100));
@@ -182,15 +203,7 @@ void PageWriter::WriteHeader(double created)
     std::memcpy(page.data() + 0x9C, "4.0", 4);
     for (int at = CommitCountsAt; at < CommitCountsAt + CommitCountsSize; at += 2)
         Put(page, at, UntouchedCommits);
-    Write(0, page);
-}
-
-void PageWriter::Finish(double created)
-{
-    WriteMaps();
-    WriteHeader(created);
-    Require(File_->Sync());
-    Require(File_->Close());
+    return page;
 }
 
 QByteArray MakeDataPage(quint32 owner, const std::vector<QByteArray>& rows)

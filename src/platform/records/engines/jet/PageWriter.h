@@ -25,13 +25,14 @@ void Append(QByteArray& octets, Number number)
 }
 
 /// Writes a whole new file: pages one behind the other, and the maps of whose they are. The pages that have a place of
-/// their own, up to the definitions of the format's four tables, are kept free. Errors: 3026 and 3043 for the disk,
-/// 3251 when the file would be larger than such a file can be.
+/// their own, up to the definitions of the format's four tables, are kept free, and others that somebody wants. Errors:
+/// 3026 and 3043 for the disk, 3251 when the file would be larger than such a file can be.
 class PageWriter
 {
 public:
     /// The file is there, and nobody else writes to it.
-    explicit PageWriter(const QString& fileName);
+    /// reserved: pages that are given to nobody, in order.
+    explicit PageWriter(const QString& fileName, std::vector<quint32> reserved = {});
 
     /// The number of a page that nobody has.
     quint32 Allocate();
@@ -42,8 +43,8 @@ public:
     quint32 AddMap();
     /// Pages rise within a map.
     void AddToMap(quint32 map, quint32 page);
-    /// Writes the maps and the first page, and puts the file on the disk. created: a day number.
-    void Finish(double created);
+    /// Writes the maps and the first page, and puts the file on the disk.
+    void Finish(const QByteArray& firstPage);
 
 private:
     struct Map
@@ -56,15 +57,21 @@ private:
     QByteArray MapRow(const Map& map);
     QByteArray GlobalMapRow();
     void WriteMaps();
-    void WriteHeader(double created);
+    bool IsReserved(quint32 page) const;
+    /// How many pages the file has, and whether one of them is used.
+    quint32 PageCount() const;
+    bool IsUsed(quint32 page) const { return page < NextPage_ || IsReserved(page); }
     void Require(const FileStatus& status) const;
 
     QString Name_;
     std::unique_ptr<FileHandle> File_;
+    std::vector<quint32> Reserved_;
     quint32 NextPage_;
     std::vector<Map> Maps_; ///< In order of their pointers.
 };
 
+/// The first page of a new file. created: a day number.
+QByteArray MakeFirstPage(double created);
 /// A page of rows with these on it. owner: what stands in it as its owner.
 QByteArray MakeDataPage(quint32 owner, const std::vector<QByteArray>& rows);
 

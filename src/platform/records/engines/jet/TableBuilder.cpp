@@ -37,7 +37,7 @@ TableBuilder::TableBuilder(PageWriter& pages, quint32 page, const QString& name,
         Indexes_.emplace_back(pages, page, index);
 }
 
-void TableBuilder::AddRow(std::span<const NewCell> cells)
+void TableBuilder::AddRow(std::span<const NewCell> cells, std::span<const std::optional<QByteArray>> knownKeys)
 {
     std::vector<std::optional<QByteArray>> octets;
     octets.reserve(cells.size());
@@ -54,7 +54,7 @@ void TableBuilder::AddRow(std::span<const NewCell> cells)
             RaiseCounter(number != nullptr && *number > 0 ? static_cast<quint32>(*number) : 0);
         }
     }
-    AddEntries(cells, Rows_.Add(MakeRow(Table_, octets)));
+    AddEntries(cells, knownKeys, Rows_.Add(MakeRow(Table_, octets)));
     ++Table_.RowCount;
 }
 
@@ -63,7 +63,8 @@ void TableBuilder::RaiseCounter(quint32 counter)
     Table_.Counter = std::max(Table_.Counter, counter);
 }
 
-void TableBuilder::AddEntries(std::span<const NewCell> cells, RowPlace place)
+void TableBuilder::AddEntries(std::span<const NewCell> cells, std::span<const std::optional<QByteArray>> knownKeys,
+                              RowPlace place)
 {
     for (std::size_t i = 0; i < Indexes_.size(); ++i) {
         const IndexDefinition& index = Table_.Indexes[i];
@@ -80,7 +81,9 @@ void TableBuilder::AddEntries(std::span<const NewCell> cells, RowPlace place)
                             QStringLiteral("The field '%1' of the table '%2' cannot be Null.").arg(column.Name, Name_));
             isNull = isNull && isNullHere;
         }
-        const std::optional<QByteArray> key = MakeKey(Table_, index, values);
+        std::optional<QByteArray> key = MakeKey(Table_, index, values);
+        if (!key && i < knownKeys.size())
+            key = knownKeys[i];
         if (!key)
             throw Error(errNotSupported,
                         QStringLiteral("A text in the table '%1' has characters whose place in the order of a Jet file "

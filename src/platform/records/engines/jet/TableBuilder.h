@@ -23,7 +23,8 @@ public:
 
     /// cells: in the order of the definition's columns. Errors: 3163 a row is too long, 94 Null in an index that may
     /// have none, 3251 a text that cannot be put in order.
-    void AddRow(std::span<const NewCell> cells);
+    /// knownKeys: for each index the key that a text of unknown order has in it, as far as it is known.
+    void AddRow(std::span<const NewCell> cells, std::span<const std::optional<QByteArray>> knownKeys = {});
     /// Raises the number behind which the counter goes on.
     void RaiseCounter(quint32 counter);
     /// No row is added afterwards. Error 3022 when an index that may not repeats a value.
@@ -31,7 +32,8 @@ public:
     void WriteDefinition();
 
 private:
-    void AddEntries(std::span<const NewCell> cells, RowPlace place);
+    void AddEntries(std::span<const NewCell> cells, std::span<const std::optional<QByteArray>> knownKeys,
+                    RowPlace place);
 
     PageWriter& Pages_;
     QString Name_;

@@ -78,6 +78,7 @@ ColumnDefinition ColumnFrom(const OctetView& octets)
     column.VariableIndex = octets.U16(7);
     column.Ordinal = octets.U16(9);
     column.SortOrder = octets.U16(11);
+    column.SortVersion = octets.U8(14);
     column.Flags = octets.U8(15);
     column.FurtherFlags = octets.U8(16);
     column.FixedOffset = octets.U16(21);

@@ -21,12 +21,15 @@ struct ColumnDefinition
     quint16 Length = 0; ///< In octets.
     /// Of a decimal number its digits, and above them those behind the point.
     quint16 SortOrder = GeneralSortOrder;
+    quint8 SortVersion = 0;
     quint32 OwnedMap = 0; ///< The maps of the pages of long values; 0 for none.
     quint32 FreeMap = 0;
 
     bool Is(ColumnType type) const { return Type == static_cast<quint8>(type); }
     bool IsFixed() const { return (Flags & FixedColumn) != 0; }
     int Scale() const { return SortOrder >> 8; }
+    /// Whether its texts stand in indexes in the one order that is known.
+    bool HasGeneralOrder() const { return SortOrder == GeneralSortOrder && SortVersion == 0; }
     bool IsLong() const { return Is(ColumnType::Memo) || Is(ColumnType::Ole); }
 };
 
