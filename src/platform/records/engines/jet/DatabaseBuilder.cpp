@@ -246,6 +246,7 @@ void WriteWholeStore(engine::Store& store, const QString& fileName)
     for (const engine::TablePtr& table : schema->Tables) {
         TableBuilder& target = builder.AddTable(*table);
         CopyRows(store, table, target);
+        target.RaiseCounter(static_cast<quint32>(store.LastCounter(table)));
         target.FinishRows();
     }
     builder.Finish();

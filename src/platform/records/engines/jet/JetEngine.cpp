@@ -8,6 +8,9 @@
 #include "platform/records/engines/jet/FileCopy.h"
 #include "platform/records/engines/jet/JetStore.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 namespace dao::jet
 {
 
@@ -46,12 +49,28 @@ public:
     {
         return ExamineFile(fileName, progress);
     }
+    std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override;
     QStringList CompanionsOf(const QString&) const override { return {}; }
     std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {
         throw Error(errNotSupported, QStringLiteral("This database engine serves no connections."));
     }
 };
+
+/// Office programs note there who has the file open, and take it away when the last of them closes it. They would go on
+/// in the old file.
+std::unique_ptr<engine::FileLock> JetEngine::LockOut(const QString& fileName)
+{
+    QFile file(fileName);
+    const QFileInfo info(fileName);
+    const QString users = info.path() + u'/' + info.completeBaseName() + QStringLiteral(".ldb");
+    if (!file.open(QIODevice::ReadOnly) || !IsOfFamily(file.read(HeaderOctets)) ||
+        FileSystem::Current().KindOf(users) == FileKind::None)
+        return nullptr;
+    throw Error(errNotSupported, QStringLiteral("another program has it open, for '%1' is there. Close it there. If "
+                                                "nobody has it open, a program left that file behind: take it away")
+                                     .arg(users));
+}
 
 } // namespace
 

@@ -89,6 +89,21 @@ void AddIndexes(const TableDefinition& definition, engine::Table& table)
 
 } // namespace
 
+namespace
+{
+
+/// What cannot be read of them says nothing: the table's rows are to be had, and an examination tells.
+QHash<QString, ColumnProperties> ReadableProperties(PageFile& file, const CatalogueObject& object)
+{
+    try {
+        return PropertiesOf(file, object);
+    } catch (const Fault&) {
+        return {};
+    }
+}
+
+} // namespace
+
 engine::SchemaPtr ReadSchema(PageFile& file)
 {
     auto schema = std::make_shared<engine::Schema>();
@@ -99,7 +114,7 @@ engine::SchemaPtr ReadSchema(PageFile& file)
         auto table = std::make_shared<engine::Table>();
         table->Id = definition.Page();
         table->Name = object.Name;
-        AddColumns(definition, PropertiesOf(file, object), *table);
+        AddColumns(definition, ReadableProperties(file, object), *table);
         table->Complete();
         AddIndexes(definition, *table);
         schema->Tables.push_back(std::move(table));

@@ -128,6 +128,11 @@ void JetStore::LockForChange()
     RaiseReadOnly();
 }
 
+void JetStore::RaiseCounter(const engine::TablePtr&, qint64)
+{
+    RaiseReadOnly();
+}
+
 qint64 JetStore::DrawCounter(const engine::TablePtr&)
 {
     RaiseReadOnly();
@@ -205,6 +210,11 @@ std::vector<engine::StoredMemo> JetStore::ReadMemos(const engine::TablePtr& tabl
 int JetStore::CountRows(const engine::TablePtr& table)
 {
     return Run([&] { return ReaderOf(table).CountRows(); });
+}
+
+qint64 JetStore::LastCounter(const engine::TablePtr& table)
+{
+    return Run([&] { return ReaderOf(table).LastCounter(); });
 }
 
 engine::ResultShape JetStore::Describe(const jetsql::SelectStatement& select)

@@ -52,6 +52,9 @@ void PageFile::Open()
     PageCount_ = static_cast<quint32>(std::clamp<qint64>(Size_ / PageSize, 0, LargestPageCount));
     // The header of the older format is shorter than a page of this one, and is to be refused in its own words.
     const QByteArray first = ReadAt(0, std::min<qint64>(PageSize, std::max<qint64>(Size_, 0)));
+    if (first.size() >= HeaderOctets && !IsOfFamily(first))
+        throw Error(errFileReplaced,
+                    QStringLiteral("The database '%1' was replaced by another file. Open it anew.").arg(Name_));
     if (first.size() < HeaderOctets)
         throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged: it is too short.").arg(Name_));
     Header_ = ReadHeader(OctetView(first));

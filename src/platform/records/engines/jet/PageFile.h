@@ -32,7 +32,7 @@ public:
     /// The same, a Fault when it is of another kind.
     QByteArray Page(quint32 number, PageType type);
     /// To be called before each operation: whether the file was changed since the last call. All pages are read anew
-    /// then. Errors: those of the constructor.
+    /// then. Errors: those of the constructor, and 3734 when a file of another format has the name.
     bool NoteChanges();
 
 private:

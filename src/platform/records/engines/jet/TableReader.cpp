@@ -101,8 +101,21 @@ void TableReader::Take(const FoundRow& found, qint64 id, MemoFetch memos, Row& r
         else if (memos == MemoFetch::Deferred || longOctets > SmallMemos)
             packer.AddDeferred();
         else
-            Pack(ShownLongValue(*column, ReadLongValue(File_, *stored)), packer);
+            PackMemo(*column, *stored, packer);
     }
+}
+
+void TableReader::PackMemo(const ColumnDefinition& column, const OctetView& stored, RowPacker& packer) const
+{
+    QByteArray text;
+    try {
+        text = ShownLongValue(column, ReadLongValue(File_, stored));
+    } catch (const Fault&) {
+        // Left to whoever asks for it: the rest of its row is to be had.
+        packer.AddDeferred();
+        return;
+    }
+    Pack(text, packer);
 }
 
 bool TableReader::ReadRow(qint64 id, MemoFetch memos, Row& row)
@@ -148,6 +161,23 @@ int TableReader::CountRows()
     if (!RowCount_)
         RowCount_ = static_cast<int>(Scan().Count());
     return *RowCount_;
+}
+
+qint64 TableReader::LastCounter()
+{
+    const int counter = Table_->CounterColumn();
+    if (counter < 0)
+        return 0;
+    // Real files have counters behind the numbers of their rows.
+    qint64 highest = Definition_.Counter;
+    const ColumnDefinition& column = *Columns_[static_cast<std::size_t>(counter)];
+    for (auto place = Scan().Next({}); place; place = Scan().Next(place)) {
+        const std::optional<FoundRow> row = FindRow(File_, Definition_, *place);
+        const StoredValue value = row ? RowCells(row->Octets(), Definition_).Value(column) : StoredValue();
+        const qint64* number = std::get_if<qint64>(&value);
+        highest = number == nullptr ? highest : std::max(highest, *number);
+    }
+    return highest;
 }
 
 bool TableReader::TakeRowAt(const std::optional<RowPlace>& place, MemoFetch memos, Row& row)

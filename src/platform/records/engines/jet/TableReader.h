@@ -27,6 +27,7 @@ public:
     bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
     engine::StoredMemo ReadMemo(int column, qint64 id);
     int CountRows();
+    qint64 LastCounter();
     /// Whether an index finds the rows of a key, and those rows, one after the other, in order of entry.
     bool ForEachRowWith(int column, const StoredValue& value, const std::function<bool(const Row&)>& visit);
 
@@ -41,6 +42,7 @@ private:
     Tree& TreeOf(int index) { return Trees_[static_cast<std::size_t>(index)]; }
     TableScan& Scan();
     void Take(const FoundRow& found, qint64 id, engine::MemoFetch memos, Row& row) const;
+    void PackMemo(const ColumnDefinition& column, const OctetView& stored, RowPacker& packer) const;
     bool TakeRowAt(const std::optional<RowPlace>& place, engine::MemoFetch memos, Row& row);
     bool TakeEntry(int index, const std::optional<IndexPlace>& place, engine::MemoFetch memos, Row& row);
     std::optional<IndexPlace> BesideRow(int index, engine::Direction direction, const Row& row);
