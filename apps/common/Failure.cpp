@@ -104,11 +104,14 @@ ExitCode ExitCodeOf(int errorNumber)
 Failure FailureOf(const QString& subject, const QString& file, int errorNumber, const QString& description)
 {
     const auto words = [&](const QString& text) { return Failure(ExitCodeOf(errorNumber), subject + u' ' + text); };
-    if (errorNumber == dao::errCannotOpen && QFileInfo(file).isFile()) {
+    // A file that this account may not write is opened to be read, and refuses changes.
+    const bool maybeHindered = errorNumber == dao::errCannotOpen || errorNumber == dao::errReadOnly;
+    if (maybeHindered && QFileInfo(file).isFile()) {
         const QString hindrance = Hindrance(file);
-        if (hindrance.isEmpty())
+        if (!hindrance.isEmpty())
+            return words(QStringLiteral("cannot be opened: ") + hindrance);
+        if (errorNumber == dao::errCannotOpen)
             return FailureOf(subject, file, dao::errLocked, description);
-        return words(QStringLiteral("cannot be opened: ") + hindrance);
     }
     switch (errorNumber) {
     case dao::errLocked:
