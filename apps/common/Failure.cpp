@@ -88,6 +88,7 @@ ExitCode ExitCodeOf(int errorNumber)
     case dao::errNotAValidPath:
         return exitNoInput;
     case dao::errCannotOpen:
+    case dao::errReadOnly:
         return exitNoPermission;
     case dao::errDiskFull:
     case dao::errDiskError:
@@ -103,11 +104,14 @@ ExitCode ExitCodeOf(int errorNumber)
 Failure FailureOf(const QString& subject, const QString& file, int errorNumber, const QString& description)
 {
     const auto words = [&](const QString& text) { return Failure(ExitCodeOf(errorNumber), subject + u' ' + text); };
-    if (errorNumber == dao::errCannotOpen && QFileInfo(file).isFile()) {
+    // A file that this account may not write is opened to be read, and refuses changes.
+    const bool maybeHindered = errorNumber == dao::errCannotOpen || errorNumber == dao::errReadOnly;
+    if (maybeHindered && QFileInfo(file).isFile()) {
         const QString hindrance = Hindrance(file);
-        if (hindrance.isEmpty())
+        if (!hindrance.isEmpty())
+            return words(QStringLiteral("cannot be opened: ") + hindrance);
+        if (errorNumber == dao::errCannotOpen)
             return FailureOf(subject, file, dao::errLocked, description);
-        return words(QStringLiteral("cannot be opened: ") + hindrance);
     }
     switch (errorNumber) {
     case dao::errLocked:
@@ -132,6 +136,10 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
                          .arg(description));
     case dao::errCannotOpen:
         return words(QStringLiteral("cannot be opened: this account may not read and write it. (%1)").arg(description));
+    case dao::errReadOnly:
+        return words(QStringLiteral("can be read and not be changed: its file has a format that this program only "
+                                    "reads. (%1)")
+                         .arg(description));
     case dao::errDiskFull:
         return words(QStringLiteral("cannot be written: the disk is full."));
     case dao::errDiskError:

@@ -6,10 +6,17 @@
 #include "StationPlace.h"
 #include "common/FileHelper.h"
 #include "common/PendingError.h"
+#include "common/UserInterface.h"
+#include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "database/FileExchange.h"
+#include "database/Leftovers.h"
 #include "database/RestoreBackup.h"
 #include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/FileConversion.h"
+
+#include <QScopeGuard>
 
 namespace
 {
@@ -60,6 +67,7 @@ Failure WhyNotCompacted(const QString& folder, const QString& file, const Pendin
     case dao::errLocked:
     case dao::errFileReplaced:
     case dao::errDiskFull:
+    case dao::errReadOnly:
         return StationOpening::FailureOf(folder, failure.Number(), failure.Description());
     default:
         break;
@@ -120,6 +128,36 @@ StationReplacing::Result StationReplacing::Restore(const QString& folder, const 
         CountsAfter(file, QStringLiteral("The restored station cannot be read. The old file is kept as %1."), keepName);
     result.SizeAfter = FileHelper::FileSize(file);
     result.KeepName = KeptName(keepName);
+    return result;
+}
+
+StationReplacing::Result StationReplacing::Convert(const QString& folder, const QString& engine)
+{
+    const QString file = StationPlace::FileIn(folder);
+    Leftovers::Remove(file);
+    const QString converted = GetTempFile(FileHelper::FolderOf(file), QStringLiteral("MDB"));
+    if (converted.isEmpty())
+        throw WhyNoSecondFile(folder, file);
+    FileSystem::Current().Remove(converted);
+    const auto removed = qScopeGuard([&] { FileSystem::Current().Remove(converted); });
+    Result result;
+    result.Before = CountsOf(file);
+    result.SizeBefore = FileHelper::FileSize(file);
+    const auto progress = UserInterface::Current().Progress(QStringLiteral("Converting"));
+    try {
+        dao::ConvertDatabase(file, converted, engine,
+                             [&](qint64 done, qint64 total) { return progress->Advance(done, total); });
+        result.KeepName = DAO_DatabaseFunctions::FreeKeepName(file);
+        FileExchange::ByRename(file, converted, result.KeepName);
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errCancelled)
+            throw Failure(exitInterrupted, error.Description());
+        throw StationOpening::FailureOf(folder, error.Number(), error.Description());
+    }
+    result.After = CountsAfter(
+        file, QStringLiteral("The converted station cannot be read. The old file is kept as %1."), result.KeepName);
+    result.SizeAfter = FileHelper::FileSize(file);
+    result.KeepName = KeptName(result.KeepName);
     return result;
 }
 

@@ -6,8 +6,8 @@
 
 #include <optional>
 
-/// Putting another file in the place of a station's: a backup, or a compacted copy. Other programs may have the station
-/// open; this one must have closed it. What the file held is kept beside it.
+/// Putting another file in the place of a station's: a backup, a compacted copy, or the same in another format. Other
+/// programs may have the station open; this one must have closed it. What the file held is kept beside it.
 namespace StationReplacing
 {
 struct Result
@@ -29,4 +29,7 @@ std::optional<StationCounts> CountsOf(const QString& file);
 Result Restore(const QString& folder, const BackupFolders::Backup& backup);
 /// Writes the station's file anew and makes sure that it holds what it held. Failure as above.
 Result Compact(const QString& folder);
+/// Writes the station's file in the format of the engine of that name and makes sure that it holds what it held, value
+/// by value. Failure as above.
+Result Convert(const QString& folder, const QString& engine);
 } // namespace StationReplacing

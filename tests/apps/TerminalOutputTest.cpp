@@ -215,6 +215,7 @@ protected:
               verb("winner", {one}),
               verb("prize", QStringList{one} + json)}},
             {QStringLiteral("compact"), {{}, option("yes"), option("yes") + json, bad}},
+            {QStringLiteral("convert"), {{}, option("yes") + json, option("to", Hostile), bad}},
             {QStringLiteral("rekey"), {{}, json, bad}},
         };
     }

@@ -32,6 +32,7 @@ TEST(FailureTest, WhateverEndsAProgramHasItsWordsAndItsCode)
     EXPECT_EQ(FailureFor(dao::Error(dao::errLocked, QStringLiteral("x"))).Code(), exitTemporary);
     EXPECT_EQ(FailureFor(dao::Error(dao::errDiskFull, QStringLiteral("x"))).Code(), exitInputOutput);
     EXPECT_EQ(FailureFor(dao::Error(dao::errCannotOpen, QStringLiteral("x"))).Code(), exitNoPermission);
+    EXPECT_EQ(FailureFor(dao::Error(dao::errReadOnly, QStringLiteral("x"))).Code(), exitNoPermission);
     EXPECT_EQ(FailureFor(7).Code(), exitSoftware);
     const Failure unexpected = FailureFor(std::runtime_error("the reason"));
     EXPECT_EQ(unexpected.Code(), exitSoftware);

@@ -27,6 +27,7 @@ CommandDefinition BackupsCommand();
 CommandDefinition RestoreCommand();
 CommandDefinition RecoverCommand();
 CommandDefinition CompactCommand();
+CommandDefinition ConvertCommand();
 CommandDefinition RekeyCommand();
 
 /// In the order of the help page.

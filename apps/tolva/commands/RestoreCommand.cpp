@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// tolva restore and tolva compact: putting another file in the place of a station's.
+// tolva restore, tolva compact and tolva convert: putting another file in the place of a station's.
 
 #include "CollectingUserInterface.h"
 #include "Failure.h"
@@ -17,6 +17,7 @@ namespace
 {
 const QString JsonOption = QStringLiteral("json");
 const QString YesOption = QStringLiteral("yes");
+const QString ToOption = QStringLiteral("to");
 
 bool IsConfirmed(const Arguments& arguments, const QString& question)
 {
@@ -139,6 +140,24 @@ int Compact(const Arguments& arguments)
     return exitOK;
 }
 
+int Convert(const Arguments& arguments)
+{
+    TerminalUserInterface under;
+    CollectingUserInterface terminal(under);
+    const QString& folder = arguments.Folder();
+    if (!StationPlace::HoldsStation(folder))
+        throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
+    if (!IsConfirmed(arguments, QStringLiteral("Write the station in %1 in another format?").arg(folder))) {
+        Terminal::Complain(QStringLiteral("Nothing was changed."));
+        return exitDeclined;
+    }
+    const StationReplacing::Result done =
+        Replace([&] { return StationReplacing::Convert(folder, arguments.Value(ToOption)); });
+    PrintResult(arguments,
+                {{QStringLiteral("sizeBefore"), done.SizeBefore}, {QStringLiteral("sizeAfter"), done.SizeAfter}}, done);
+    return exitOK;
+}
+
 const QString NotAskedText =
     QStringLiteral("Other programs may have the station open. One that works at that moment may end with 75: it has to "
                    "try again.\n"
@@ -182,5 +201,26 @@ CommandDefinition CompactCommand()
         1,
         1,
         Compact,
+    };
+}
+
+CommandDefinition ConvertCommand()
+{
+    return {
+        QStringLiteral("convert"),
+        QStringLiteral("Writes a station's file in another format, to work in it."),
+        {QStringLiteral("convert FOLDER [--to FORMAT] [--yes] [--json]")},
+        QStringLiteral("Stations of older software lie in files of office programs (Jet 4), which can be looked at and "
+                       "not be changed.\n"
+                       "Every value of the new file is compared with the old one before it takes the name.\n") +
+            NotAskedText,
+        {{ToOption, QStringLiteral("FORMAT"), QStringLiteral("sqlite, the usual one (also without this option).")},
+         {YesOption, QString(), QStringLiteral("Does not ask.")},
+         {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
+         Station::UserOption()},
+        QStringLiteral("tolva convert /srv/station"),
+        1,
+        1,
+        Convert,
     };
 }

@@ -33,6 +33,9 @@ QString Words(int number)
     case dao::errDiskFull:
         return QStringLiteral("The disk with the station's database is full.\n\n"
                               "Nothing was stored. Make room on that disk, then try again.");
+    case dao::errReadOnly:
+        return QStringLiteral("The station's database can be read here and not be changed.\n\n"
+                              "Nothing was stored.");
     default:
         return QString();
     }

@@ -2,6 +2,7 @@
 #include "platform/records/DBEngine.h"
 
 #include "platform/records/FileOpening.h"
+#include "platform/records/FileTools.h"
 #include "platform/records/StoreDatabase.h"
 #include "platform/records/WorkspaceTransaction.h"
 #include "platform/records/engines/EngineRegistry.h"
@@ -94,11 +95,7 @@ void DBEngine::CopyDatabase(const QString& source, const QString& target,
 
 void DBEngine::CheckDatabase(const QString& file)
 {
-    const FileReport report = ExamineDatabase(file);
-    if (report.Verdict == FileReport::State::Damaged) {
-        throw Error(errFileDamaged,
-                    QStringLiteral("The database '%1' is damaged. (%2)").arg(file, report.Faults.value(0)));
-    }
+    RequireNotDamaged(file, ExamineDatabase(file));
 }
 
 FileReport DBEngine::ExamineDatabase(const QString& file, const std::function<bool(qint64, qint64)>& advance)

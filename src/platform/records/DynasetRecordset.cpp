@@ -87,7 +87,7 @@ void DynasetRecordset::Delete()
 {
     engine::Store& store = Open();
     if (!store.Updatable())
-        throw Error(errCannotOpen, QStringLiteral("Cannot update: the database is read only."));
+        throw Error(errReadOnly, QStringLiteral("Cannot update: the database is read only."));
     DropBuffer();
     const int row = CurrentRow();
     qint64& key = Keys_[static_cast<std::size_t>(row)];

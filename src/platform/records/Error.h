@@ -24,6 +24,7 @@ enum ErrorNumber : int
     errDuplicateValue = 3022,
     errFileNotFound = 3024,
     errDiskFull = 3026,
+    errReadOnly = 3027, ///< The database can be read and not be changed, here and by anybody else.
     errOutOfMemory = 3035,
     errDiskError = 3043,
     errNotAValidPath = 3044,

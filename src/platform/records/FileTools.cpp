@@ -53,6 +53,14 @@ int ErrorNumberOf(const FileStatus& status)
     }
 }
 
+void RequireNotDamaged(const QString& file, const FileReport& report)
+{
+    if (report.Verdict == FileReport::State::Damaged) {
+        throw Error(errFileDamaged,
+                    QStringLiteral("The database '%1' is damaged. (%2)").arg(file, report.Faults.value(0)));
+    }
+}
+
 TemporaryFile::TemporaryFile(const QString& target)
     : Name_(QFileInfo(target).absolutePath() + QLatin1String("/~") +
             QUuid::createUuid().toString(QUuid::Id128).left(12) + QLatin1String(".tmp")),

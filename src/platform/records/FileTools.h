@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/files/WorkClaim.h"
+#include "platform/records/FileReport.h"
 
 #include <QString>
 
@@ -11,6 +12,8 @@ namespace dao
 /// The number under which a failure of a file operation is known: 3026 for a full disk, 3043 for a failing one, else
 /// 3051.
 int ErrorNumberOf(const FileStatus& status);
+/// The error 3049 that a damaged file gives whoever needs a sound one; none for any other.
+void RequireNotDamaged(const QString& file, const FileReport& report);
 
 /// A file that is being made under a name of its own beside its target, and takes the target's name once it is whole
 /// and on the disk. Removed, with its journal, unless it was moved. Claimed while it is made.

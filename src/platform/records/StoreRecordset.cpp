@@ -90,7 +90,7 @@ void StoreRecordset::RequireUpdatable() const
     if (!EditedTable())
         RaiseNotSupported();
     if (!store.Updatable())
-        throw Error(errCannotOpen, QStringLiteral("Cannot update: the database is read only."));
+        throw Error(errReadOnly, QStringLiteral("Cannot update: the database is read only."));
 }
 
 void StoreRecordset::AddNew()

@@ -206,7 +206,7 @@ void TableRecordset::Delete()
 {
     engine::Store& store = Open();
     if (!store.Updatable())
-        throw Error(errCannotOpen, QStringLiteral("Cannot update: the database is read only."));
+        throw Error(errReadOnly, QStringLiteral("Cannot update: the database is read only."));
     DropBuffer();
     const Row& row = CurrentRow();
     store.Delete(Table_, row.Id);

@@ -88,6 +88,8 @@ public:
         return Counted().ReadMemoBeginnings(table, column, ids, mostOctets);
     }
     int CountRows(const TablePtr& table) override { return Counted().CountRows(table); }
+    qint64 LastCounter(const TablePtr& table) override { return Counted().LastCounter(table); }
+    void RaiseCounter(const TablePtr& table, qint64 last) override { Counted().RaiseCounter(table, last); }
     qint64 DrawCounter(const TablePtr& table) override { return Counted().DrawCounter(table); }
     qint64 Insert(const TablePtr& table, std::span<const Assignment> values) override
     {

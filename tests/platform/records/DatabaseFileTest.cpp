@@ -39,9 +39,9 @@ TEST_P(DatabaseFile, ReadOnlyAnswersButDoesNotChange)
     const auto messages = database->OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
     EXPECT_FALSE(messages->Updatable());
     EXPECT_EQ(messages->Collect(QStringLiteral("Subject")).toString(), QStringLiteral("a"));
-    EXPECT_EQ(ErrorNumberOf([&] { messages->AddNew(); }), errCannotOpen);
-    EXPECT_EQ(ErrorNumberOf([&] { messages->Edit(); }), errCannotOpen);
-    EXPECT_EQ(ErrorNumberOf([&] { messages->Delete(); }), errCannotOpen);
+    EXPECT_EQ(ErrorNumberOf([&] { messages->AddNew(); }), errReadOnly);
+    EXPECT_EQ(ErrorNumberOf([&] { messages->Edit(); }), errReadOnly);
+    EXPECT_EQ(ErrorNumberOf([&] { messages->Delete(); }), errReadOnly);
     EXPECT_EQ(ErrorNumberOf([&] { database->Execute(QStringLiteral("DELETE FROM [Messages]")); }), errCannotOpen);
 }
 

@@ -63,6 +63,8 @@ public:
         return Rows_->ReadMemos(table, column, ids, octetBudget);
     }
     int CountRows(const engine::TablePtr& table) override { return Rows_->CountRows(table); }
+    qint64 LastCounter(const engine::TablePtr& table) override { return Rows_->LastCounter(table); }
+    void RaiseCounter(const engine::TablePtr& table, qint64 last) override { Rows_->RaiseCounter(table, last); }
     qint64 DrawCounter(const engine::TablePtr& table) override { return Rows_->DrawCounter(table); }
     qint64 Insert(const engine::TablePtr& table, std::span<const engine::Assignment> values) override
     {

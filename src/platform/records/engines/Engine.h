@@ -152,6 +152,10 @@ public:
     virtual std::vector<std::optional<MemoBeginning>>
     ReadMemoBeginnings(const TablePtr& table, int column, std::span<const qint64> ids, qsizetype mostOctets);
     virtual int CountRows(const TablePtr& table) = 0;
+    /// The highest number that the table's counter gave, as far as the file tells; 0 without a counter. Draws none.
+    virtual qint64 LastCounter(const TablePtr& table) = 0;
+    /// From now on the table's counter gives numbers above this one, for rows that are brought with their numbers.
+    virtual void RaiseCounter(const TablePtr& table, qint64 last) = 0;
 
     /// The next number of the table's counter; never the same again.
     virtual qint64 DrawCounter(const TablePtr& table) = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/EngineRegistry.h"
 
+#include "platform/records/engines/jet/JetEngine.h"
 #include "platform/records/engines/sqlite/SqliteEngine.h"
 
 #include <algorithm>
@@ -34,6 +35,7 @@ EngineRegistry& EngineRegistry::Instance()
 EngineRegistry::EngineRegistry()
 {
     Register(sqlite::MakeSqliteEngine());
+    Register(jet::MakeJetEngine());
 }
 
 void EngineRegistry::Register(std::unique_ptr<Engine> engine)

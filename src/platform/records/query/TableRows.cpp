@@ -22,8 +22,8 @@ int IndexOver(const engine::Table& table, int column)
                                     [&](const engine::IndexKey& index) { return index.Columns == wanted; });
     return found == table.Indexes.end() ? -1 : static_cast<int>(found - table.Indexes.begin());
 }
+} // namespace
 
-/// What a column of numbers holds that equals a number; none for a number that its type cannot hold.
 StoredValue KeyFor(const engine::Column& column, const StoredValue& number)
 {
     try {
@@ -33,7 +33,14 @@ StoredValue KeyFor(const engine::Column& column, const StoredValue& number)
         return {};
     }
 }
-} // namespace
+StoredValue TextOf(const engine::StoredMemo& memo)
+{
+    if (!memo.Octets.isEmpty())
+        return OctetsToUtf8(memo.Octets);
+    if (memo.Utf8.isNull())
+        return {};
+    return memo.Utf8;
+}
 
 void StoreRows::ForEachRow(const engine::TablePtr& table, const Visitor& visit)
 {
@@ -68,12 +75,7 @@ StoredValue StoreRows::Memo(const engine::TablePtr& table, int column, qint64 id
 {
     const std::vector<engine::StoredMemo> memos =
         Store_.ReadMemos(table, column, std::span(&id, 1), std::numeric_limits<qint64>::max());
-    const engine::StoredMemo& memo = memos.front();
-    if (!memo.Octets.isEmpty())
-        return OctetsToUtf8(memo.Octets);
-    if (memo.Utf8.isNull())
-        return {};
-    return memo.Utf8;
+    return TextOf(memos.front());
 }
 
 } // namespace dao::query

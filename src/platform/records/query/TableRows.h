@@ -34,6 +34,11 @@ public:
     virtual StoredValue Memo(const engine::TablePtr& table, int column, qint64 id) = 0;
 };
 
+/// What a column of numbers holds that equals a number; Null for a number that its type cannot hold.
+StoredValue KeyFor(const engine::Column& column, const StoredValue& number);
+/// A memo's text; Null for Null.
+StoredValue TextOf(const engine::StoredMemo& memo);
+
 /// The same through the store's own access to rows, and its indexes of one column.
 class StoreRows final : public TableRows
 {

@@ -35,6 +35,14 @@ void CounterBlocks::Reserve(qint64 table)
     Blocks_[table] = block;
 }
 
+void CounterBlocks::Raise(qint64 table, qint64 number)
+{
+    if (Mark(table) >= number)
+        return;
+    GiveUp(table);
+    SetMark(table, std::min(number, HighestNumber));
+}
+
 void CounterBlocks::GiveUp(qint64 table)
 {
     const auto found = Blocks_.find(table);

@@ -17,9 +17,13 @@ class CounterBlocks
 public:
     explicit CounterBlocks(Connection& connection) : Connection_(connection) {}
 
+    /// The highest number that was ever taken out of the file.
+    qint64 Mark(qint64 table);
     bool HasNumber(qint64 table) const;
     /// Takes a block out of the file; inside the caller's write transaction. 6 when the counter is at its end.
     void Reserve(qint64 table);
+    /// Draws nothing up to this number any more; inside the caller's write transaction.
+    void Raise(qint64 table, qint64 number);
     /// Draws nothing more from a block, as its reservation failed.
     void GiveUp(qint64 table);
     /// HasNumber must hold.
@@ -47,7 +51,6 @@ private:
         qint64 Size = 0;
         bool IsUncertain = false; ///< Reserved by a transaction that is still open.
     };
-    qint64 Mark(qint64 table);
     void SetMark(qint64 table, qint64 mark);
 
     Connection& Connection_;

@@ -302,12 +302,4 @@ FileReport ExamineFile(const QString& file, const engine::CopyProgress& progress
     }
 }
 
-void RequireNotDamaged(const QString& file, const FileReport& report)
-{
-    if (report.Verdict == FileReport::State::Damaged) {
-        throw Error(errFileDamaged,
-                    QStringLiteral("The database '%1' is damaged. (%2)").arg(file, report.Faults.value(0)));
-    }
-}
-
 } // namespace dao::sqlite

@@ -14,7 +14,4 @@ namespace dao::sqlite
 /// size are damage. progress may stop it (32755). Errors: those of opening but 3049, which is a finding.
 FileReport ExamineFile(const QString& file, const engine::CopyProgress& progress);
 
-/// The error that a damaged file gives whoever needs a sound one; none for any other.
-void RequireNotDamaged(const QString& file, const FileReport& report);
-
 } // namespace dao::sqlite

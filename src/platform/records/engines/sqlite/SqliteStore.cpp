@@ -321,6 +321,20 @@ int SqliteStore::CountRows(const TablePtr& table)
     return static_cast<int>(Access(table).CountRows());
 }
 
+qint64 SqliteStore::LastCounter(const TablePtr& table)
+{
+    Connection_.StartWaiting();
+    RequireSameFile();
+    return Counters_.Mark(table->Id);
+}
+
+void SqliteStore::RaiseCounter(const TablePtr& table, qint64 last)
+{
+    WriteScope scope(*this);
+    Counters_.Raise(table->Id, last);
+    scope.Commit();
+}
+
 qint64 SqliteStore::DrawCounter(const TablePtr& table)
 {
     if (!Counters_.HasNumber(table->Id)) {

@@ -44,6 +44,8 @@ public:
                                                                  std::span<const qint64> ids,
                                                                  qsizetype mostOctets) override;
     int CountRows(const engine::TablePtr& table) override;
+    qint64 LastCounter(const engine::TablePtr& table) override;
+    void RaiseCounter(const engine::TablePtr& table, qint64 last) override;
 
     qint64 DrawCounter(const engine::TablePtr& table) override;
     qint64 Insert(const engine::TablePtr& table, std::span<const engine::Assignment> values) override;

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/Export.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace dao
+{
+
+/// Writes everything that a database file holds into a new file of the engine of that name, and compares every value
+/// then. target must not exist. Automatic counters go on where they stood. advance is told how many of how many rows
+/// are done, and stops it by answering false (32755).
+///
+/// Errors: those of opening; 3265 when no engine of that name makes files, 3251 when the file is of that engine
+/// already, or holds what the other one cannot; 3428 for a memo that is damaged; 3260 when it is changed meanwhile.
+/// They leave no target.
+TOLVA_EXPORT void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
+                                  const std::function<bool(qint64 done, qint64 total)>& advance);
+
+} // namespace dao

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/jet/FileCopy.h"
+
+#include "platform/records/FileTools.h"
+#include "platform/records/engines/jet/FileCheck.h"
+#include "platform/records/engines/jet/PageFile.h"
+
+#include <algorithm>
+
+namespace dao::jet
+{
+
+namespace
+{
+
+constexpr int MostAttempts = 3;
+constexpr qint64 SliceSize = 1024 * 1024;
+
+void Require(const QString& name, const FileStatus& status)
+{
+    if (!status.IsDone())
+        throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(name, status.Words()));
+}
+
+void CopyOctets(const QString& source, const QString& copy, const engine::CopyProgress& progress)
+{
+    FileStatus status;
+    const auto from = FileSystem::Current().Open(source, FileAccess::Read, status);
+    if (!from)
+        throw Error(errCannotOpen, QStringLiteral("Cannot open '%1': %2").arg(source, status.Words()));
+    const auto to = FileSystem::Current().Open(copy, FileAccess::Change, status);
+    Require(copy, status);
+    Require(copy, to->SetSize(0));
+    QByteArray slice(SliceSize, Qt::Uninitialized);
+    const qint64 total = from->Size();
+    qint64 done = 0;
+    qint64 count = SliceSize;
+    while (count == SliceSize) {
+        if (!from->ReadAt(done, slice.data(), SliceSize, count).IsDone())
+            throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(source));
+        Require(copy, to->WriteAt(done, slice.constData(), count));
+        done += count;
+        if (progress && !progress(done, std::max(done, total)))
+            throw Error(errCancelled, QStringLiteral("Cancel was selected."));
+    }
+    Require(copy, to->Sync());
+    Require(copy, to->Close());
+}
+
+} // namespace
+
+void CopyFile(const QString& source, const QString& target, const engine::CopyProgress& progress)
+{
+    TemporaryFile copy(target);
+    PageFile watched(source);
+    bool isWhole = false;
+    for (int attempt = 0; attempt < MostAttempts && !isWhole; ++attempt) {
+        CopyOctets(source, copy.Name(), progress);
+        isWhole = !watched.NoteChanges();
+    }
+    if (!isWhole)
+        throw Error(errLocked, QStringLiteral("'%1' was changed by another program while it was copied. Try again when "
+                                              "nobody else works in it.")
+                                   .arg(source));
+    RequireNotDamaged(source, ExamineFile(copy.Name(), progress));
+    copy.LimitRights(source);
+    copy.MoveTo(target);
+}
+
+} // namespace dao::jet

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/jet/PageFile.h"
+
+#include "platform/records/Error.h"
+
+#include <algorithm>
+
+namespace dao::jet
+{
+
+namespace
+{
+
+constexpr int CachedPages = 4096; // 16 MiB.
+
+QString KindInWords(PageType type)
+{
+    switch (type) {
+    case PageType::Header:
+        return QStringLiteral("the first page");
+    case PageType::Data:
+        return QStringLiteral("a page of rows");
+    case PageType::Definition:
+        return QStringLiteral("the definition of a table");
+    case PageType::IndexNode:
+        return QStringLiteral("a branch of an index");
+    case PageType::IndexLeaf:
+        return QStringLiteral("a leaf of an index");
+    case PageType::Bitmap:
+        return QStringLiteral("a map of pages");
+    }
+    return {};
+}
+
+} // namespace
+
+PageFile::PageFile(const QString& fileName) : Name_(fileName), Cache_(CachedPages)
+{
+    Open();
+}
+
+void PageFile::Open()
+{
+    Cache_.clear();
+    FileStatus status;
+    ChangedMilliseconds_ = FileSystem::Current().AttributesOf(Name_).value_or(FileAttributes{}).ChangedMilliseconds;
+    File_ = FileSystem::Current().Open(Name_, FileAccess::Read, status);
+    if (!File_)
+        throw Error(status.IsDiskFailure() ? errDiskError : errCannotOpen,
+                    QStringLiteral("Cannot open '%1': %2").arg(Name_, status.Words()));
+    Size_ = File_->Size();
+    PageCount_ = static_cast<quint32>(std::clamp<qint64>(Size_ / PageSize, 0, LargestPageCount));
+    // The header of the older format is shorter than a page of this one, and is to be refused in its own words.
+    const QByteArray first = ReadAt(0, std::min<qint64>(PageSize, std::max<qint64>(Size_, 0)));
+    if (first.size() >= HeaderOctets && !IsOfFamily(first))
+        throw Error(errFileReplaced,
+                    QStringLiteral("The database '%1' was replaced by another file. Open it anew.").arg(Name_));
+    if (first.size() < HeaderOctets)
+        throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged: it is too short.").arg(Name_));
+    Header_ = ReadHeader(OctetView(first));
+    RequireReadable(Header_, Name_);
+    if (first.size() < PageSize)
+        throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged: it is too short.").arg(Name_));
+    CommitCounts_ = first.mid(CommitCountsAt, CommitCountsSize);
+}
+
+QByteArray PageFile::ReadAt(qint64 offset, qint64 size)
+{
+    QByteArray octets(size, Qt::Uninitialized);
+    qint64 count = 0;
+    const FileStatus status = File_->ReadAt(offset, octets.data(), size, count);
+    if (!status.IsDone())
+        throw Error(errDiskError, QStringLiteral("'%1' cannot be read: %2").arg(Name_, status.Words()));
+    octets.truncate(count);
+    return octets;
+}
+
+QByteArray PageFile::Page(quint32 number)
+{
+    if (const QByteArray* known = Cache_.object(number))
+        return *known;
+    if (number >= PageCount_)
+        throw Fault(QStringLiteral("page %1 is named, and the file ends before it").arg(number));
+    QByteArray page = ReadAt(qint64(number) * PageSize, PageSize);
+    if (page.size() < PageSize)
+        throw Fault(QStringLiteral("the file was cut at page %1 while it was read").arg(number));
+    Cache_.insert(number, new QByteArray(page));
+    return page;
+}
+
+QByteArray PageFile::Page(quint32 number, PageType type)
+{
+    QByteArray page = Page(number);
+    if (number == 0 || page.at(0) != static_cast<char>(type))
+        throw Fault(QStringLiteral("page %1 is not %2").arg(number).arg(KindInWords(type)));
+    return page;
+}
+
+bool PageFile::NoteChanges()
+{
+    const std::optional<FileAttributes> attributes = FileSystem::Current().AttributesOf(Name_);
+    if (attributes && attributes->ChangedMilliseconds == ChangedMilliseconds_ && File_->Size() == Size_ &&
+        ReadAt(CommitCountsAt, CommitCountsSize) == CommitCounts_)
+        return false;
+    Open();
+    return true;
+}
+
+} // namespace dao::jet

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/jet/Properties.h"
+
+#include "platform/records/TextCodec.h"
+#include "platform/records/engines/jet/FileFormat.h"
+#include "platform/records/engines/jet/TextForm.h"
+
+#include <QStringList>
+
+#include <cstring>
+
+namespace dao::jet
+{
+
+namespace
+{
+
+constexpr char Mark[] = "MR2"; // With the closing zero.
+constexpr quint16 NamesBlock = 0x80;
+constexpr quint16 ColumnBlock = 1;
+constexpr int BlockHeader = 6;
+constexpr int ValueHeader = 8;
+constexpr quint8 OfTheDefinition = 1;
+
+QString RequiredName()
+{
+    return QStringLiteral("Required");
+}
+
+QString ZeroLengthName()
+{
+    return QStringLiteral("AllowZeroLength");
+}
+
+QString NameAt(const OctetView& octets, qsizetype at)
+{
+    return TextFromUtf8(Utf8FromStored(octets.Part(at + 2, octets.U16(at))).toStdString());
+}
+
+QStringList NamesIn(const OctetView& block)
+{
+    QStringList names;
+    for (qsizetype at = 0; at < block.Size(); at += 2 + qsizetype(block.U16(at)))
+        names += NameAt(block, at);
+    return names;
+}
+
+void ReadColumn(const OctetView& block, const QStringList& names, QHash<QString, ColumnProperties>& columns)
+{
+    ColumnProperties& column = columns[NameAt(block, 4).toCaseFolded()];
+    for (qsizetype at = block.U32(0); at < block.Size();) {
+        const OctetView value = block.Part(at, block.U16(at));
+        const OctetView data = value.Part(ValueHeader, value.U16(6));
+        const bool isTruth = value.U8(3) == static_cast<quint8>(ColumnType::Boolean) && data.Size() > 0;
+        const QString name = names.value(value.U16(4));
+        if (isTruth && name == RequiredName())
+            column.IsRequired = data.U8(0) != 0;
+        else if (isTruth && name == ZeroLengthName())
+            column.AllowsZeroLength = data.U8(0) != 0;
+        at += value.Size();
+    }
+}
+
+template <typename Number>
+void Append(QByteArray& octets, Number number)
+{
+    const Number little = qToLittleEndian(number);
+    octets.append(reinterpret_cast<const char*>(&little), sizeof(little));
+}
+
+void AppendName(QByteArray& octets, const QString& name)
+{
+    const QByteArray stored = StoredFromText(name, false);
+    Append(octets, static_cast<quint16>(stored.size()));
+    octets += stored;
+}
+
+void AppendBlock(QByteArray& blob, quint16 kind, const QByteArray& content)
+{
+    Append(blob, static_cast<quint32>(BlockHeader + content.size()));
+    Append(blob, kind);
+    blob += content;
+}
+
+void AppendTruth(QByteArray& block, quint16 name, bool isTrue)
+{
+    Append(block, static_cast<quint16>(ValueHeader + 1));
+    Append(block, OfTheDefinition);
+    Append(block, static_cast<quint8>(ColumnType::Boolean));
+    Append(block, name);
+    Append(block, quint16(1));
+    Append(block, static_cast<quint8>(isTrue));
+}
+
+} // namespace
+
+QHash<QString, ColumnProperties> ReadColumnProperties(const OctetView& blob)
+{
+    QHash<QString, ColumnProperties> columns;
+    if (blob.Size() < qsizetype(sizeof(Mark)) || std::memcmp(blob.Data(), Mark, sizeof(Mark)) != 0)
+        return columns;
+    QStringList names;
+    for (qsizetype at = sizeof(Mark); at < blob.Size();) {
+        const OctetView block = blob.Part(at, blob.U32(at));
+        const quint16 kind = block.U16(4);
+        const OctetView content = block.From(BlockHeader);
+        if (kind == NamesBlock)
+            names = NamesIn(content);
+        else if (kind == ColumnBlock)
+            ReadColumn(content, names, columns);
+        at += block.Size();
+    }
+    return columns;
+}
+
+QByteArray WriteColumnProperties(const std::vector<std::pair<QString, ColumnProperties>>& columns)
+{
+    QByteArray blob(Mark, sizeof(Mark));
+    QByteArray names;
+    AppendName(names, RequiredName());
+    AppendName(names, ZeroLengthName());
+    AppendBlock(blob, NamesBlock, names);
+    for (const auto& [name, properties] : columns) {
+        QByteArray part;
+        AppendName(part, name);
+        QByteArray block;
+        Append(block, static_cast<quint32>(4 + part.size()));
+        block += part;
+        AppendTruth(block, 0, properties.IsRequired);
+        AppendTruth(block, 1, properties.AllowsZeroLength);
+        AppendBlock(blob, ColumnBlock, block);
+    }
+    return blob;
+}
+
+} // namespace dao::jet

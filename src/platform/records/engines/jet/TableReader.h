@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/records/engines/Engine.h"
+#include "platform/records/engines/jet/IndexTree.h"
+#include "platform/records/engines/jet/RowCells.h"
+#include "platform/records/engines/jet/TableScan.h"
+
+namespace dao::jet
+{
+
+/// Reads the rows of one table for the record store, as long as the file is not changed. A row's id is the pointer to
+/// where it is known to stand. Throws Fault for what is damaged, and what engine::Store says otherwise.
+class TableReader
+{
+public:
+    /// table: as the store handed it out; 3078 when the file's table has no longer these columns and indexes.
+    TableReader(PageFile& file, engine::TablePtr table);
+
+    const engine::TablePtr& Table() const { return Table_; }
+
+    bool ReadEnd(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
+    bool ReadNext(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
+    bool Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, engine::MemoFetch memos,
+              Row& row);
+    /// False when it is gone.
+    bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
+    engine::StoredMemo ReadMemo(int column, qint64 id);
+    int CountRows();
+    qint64 LastCounter();
+    /// Whether an index finds the rows of a key, and those rows, one after the other, in order of entry.
+    bool ForEachRowWith(int column, const StoredValue& value, const std::function<bool(const Row&)>& visit);
+
+private:
+    /// An index of the table beside its tree in the file.
+    struct Tree
+    {
+        const IndexDefinition* Definition;
+        IndexTree Pages;
+    };
+
+    Tree& TreeOf(int index) { return Trees_[static_cast<std::size_t>(index)]; }
+    TableScan& Scan();
+    void Take(const FoundRow& found, qint64 id, engine::MemoFetch memos, Row& row) const;
+    void PackMemo(const ColumnDefinition& column, const OctetView& stored, RowPacker& packer) const;
+    bool TakeRowAt(const std::optional<RowPlace>& place, engine::MemoFetch memos, Row& row);
+    bool TakeEntry(int index, const std::optional<IndexPlace>& place, engine::MemoFetch memos, Row& row);
+    std::optional<IndexPlace> BesideRow(int index, engine::Direction direction, const Row& row);
+    std::optional<IndexPlace> BesideKey(Tree& tree, const QByteArray& key, bool isBehind, engine::Direction direction,
+                                        std::optional<RowPlace> row = {});
+    bool SeekByLooking(int index, SeekComparison comparison, std::span<const StoredValue> keys, Row& row);
+    std::optional<QByteArray> KeyFor(int index, std::span<const StoredValue> values) const;
+    std::vector<StoredValue> ValuesOf(int index, const Row& row) const;
+    bool HoldsText(int index) const;
+
+    PageFile& File_;
+    engine::TablePtr Table_;
+    TableDefinition Definition_;
+    std::vector<const ColumnDefinition*> Columns_; ///< Of Definition_, in the order of Table_.
+    std::vector<Tree> Trees_;                      ///< In the order of Table_.
+    std::optional<TableScan> Scan_;
+    std::optional<int> RowCount_;
+    int LastIndex_ = -1; ///< Of LastPlace_.
+    std::optional<IndexPlace> LastPlace_;
+};
+
+} // namespace dao::jet

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/records/DBEngine.h"
+#include "platform/records/RecordsFixture.h"
+
+#include <QTemporaryDir>
+
+#include <random>
+
+/// A folder with a database of the usual engine, and the same as a Jet file, once it is written.
+class JetFixture : public testing::Test
+{
+protected:
+    JetFixture();
+
+    QString Path(const QString& name) const { return Folder_.filePath(name); }
+    /// "Messages": a counter (index Main), a text with an index, one with an index that lets no value come twice, a
+    /// number of each type, a date with an index, a truth value, two memos.
+    void MakeMessages();
+    /// Rows of all kinds of values, from Null to memos of many pages.
+    void AddMessages(int count);
+    /// Writes the database as a Jet file and opens that.
+    void WriteJet();
+
+    dao::Database& Source() { return *Source_; }
+    dao::Database& Jet() { return *Jet_; }
+    QString JetName() const { return Path(QStringLiteral("Jet.mdb")); }
+
+    std::unique_ptr<dao::Database> Source_;
+    std::unique_ptr<dao::Database> Jet_;
+    std::mt19937 Random_;
+
+private:
+    QString RandomText(int longest);
+    QTemporaryDir Folder_;
+};
+
+/// Every value of every row of a table, in order of entry or of an index.
+QStringList AllRows(dao::Database& database, const QString& table, const QString& index = QString());
+/// Writes a store's database as a Jet file.
+void WriteAsJet(const QString& source, const QString& jet);
+QByteArray OctetsOf(const QString& file);
+void SetOctets(const QString& file, const QByteArray& octets);
