@@ -2,11 +2,12 @@
 
 // The search for a backup when a database is found corrupted.
 
+#include "database/RestoreBackup.h"
+
 #include "common/PendingError.h"
 #include "core/support/StationTest.h"
 #include "database/BackupFolders.h"
 #include "database/DAO_DatabaseFunctions.h"
-#include "database/RestoreBackup.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
 
