@@ -24,8 +24,6 @@ enum AuditKind
     auditClosed = 2
 };
 
-const QString OpenedTitle = QStringLiteral("Tolva Database Opened");
-
 std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString& name)
 {
     return database.OpenRecordset(name, dao::dbOpenTable);

@@ -2,6 +2,7 @@
 
 // The query of the messages list: what UpdateDisplay asks the database for.
 
+#include "common/UserPreferences.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessagesListTexts.h"
@@ -13,7 +14,6 @@
 
 namespace
 {
-const QString SortOrderPreference = QStringLiteral("MessagesListSortOrder");
 
 /// Tabs that a host may add.
 enum Tab
@@ -32,9 +32,8 @@ void Join(QString& condition, const QString& further)
 
 void uMessagesList::ReadSortOrder()
 {
-    SortOrder_ = mlsoSent;
-    if (CurrentUser())
-        SortOrder_ = CurrentUser()->Preference(SortOrderPreference, mlsoSent).toInt();
+    const UserPreferences::Preference& order = UserPreferences::MessageOrder;
+    SortOrder_ = CurrentUser() ? CurrentUser()->Preference(order.Name, order.Default).toInt() : order.Default;
 }
 
 uMessagesList::Query uMessagesList::MakeQuery()

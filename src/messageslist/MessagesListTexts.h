@@ -7,7 +7,6 @@
 namespace MessagesListTexts
 {
 inline const QString AllMessages = QStringLiteral("<All Messages>");
-inline const QString CategoryPreference = QStringLiteral("SelectedMessageCategory");
 inline const QString MessageWord = QStringLiteral("!KVMessage");
 inline const QString CategoryWord = QStringLiteral("!KVMessageCategory");
 inline const QString ReferenceKey = QStringLiteral("Reference");

@@ -3,6 +3,7 @@
 // The tree of folders in the messages list: choosing, renaming, making, deleting and emptying folders.
 
 #include "common/PendingError.h"
+#include "common/UserPreferences.h"
 #include "database/LastError.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessagesListHandler.h"
@@ -49,7 +50,7 @@ void uMessagesList::TakeNodeClick(const QString& key)
         return;
     CurrentCategory_ = category;
     if (CurrentUser())
-        CurrentUser()->SetPreference(MessagesListTexts::CategoryPreference, static_cast<qint32>(category));
+        CurrentUser()->SetPreference(UserPreferences::MessageFolder.Name, static_cast<qint32>(category));
     const QPointer<uMessagesList> self(this);
     UpdateDisplay();
     if (self && treeCategories_->isEnabled() && treeCategories_->SelectedKey() == key)

@@ -5,6 +5,7 @@
 #include "messageslist/uMessagesList.h"
 
 #include "common/PendingError.h"
+#include "common/UserPreferences.h"
 #include "database/cTolvaDatabase.h"
 #include "database/watch/StationWatch.h"
 #include "messageslist/CategoryTreeFill.h"
@@ -39,7 +40,6 @@ constexpr int PreferencesFlag = 32;
 constexpr float DefaultInterval = 10;
 constexpr float LongestInterval = 60;
 constexpr int MillisecondsASecond = 1000;
-const QString SortOrderPreference = QStringLiteral("messageslistsortorder");
 
 namespace Key
 {
@@ -100,7 +100,8 @@ bool uMessagesList::ShowFolderOfUser()
     const QPointer<uMessagesList> self(this);
     const QPointer<cTolvaDatabase> attached = clsTolvaDatabase_;
     const auto folder = static_cast<enTolvaMessageCategories>(
-        clsCurrentUser_->Preference(MessagesListTexts::CategoryPreference, tmcInbox).toInt());
+        clsCurrentUser_->Preference(UserPreferences::MessageFolder.Name, UserPreferences::MessageFolder.Default)
+            .toInt());
     {
         // The rows of all folders would be read only to be replaced by those of one.
         RowsFollow_ = folder != CurrentCategory_ && attached->MessageCategories().FindCategory(folder) != nullptr;
@@ -183,7 +184,7 @@ void uMessagesList::TakePreferencesChange(int flags, const QString& name)
             UpdateCategories();
             if (self)
                 UpdateDisplay();
-        } else if (name.toLower() == SortOrderPreference) {
+        } else if (name.compare(UserPreferences::MessageOrder.Name, Qt::CaseInsensitive) == 0) {
             UpdateDisplay();
         }
     });

@@ -15,5 +15,4 @@ enum PrizesListColumn
 namespace PrizesListNames
 {
 inline const QString AllPrizes = QStringLiteral("<All Prizes>");
-inline const QString CategoryPreference = QStringLiteral("SelectedPrizeCategory");
 } // namespace PrizesListNames

@@ -2,6 +2,7 @@
 
 // The tree of the kinds of prize lists.
 
+#include "common/UserPreferences.h"
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/Icons.h"
 #include "prizes/controls/PrizesListHandler.h"
@@ -61,7 +62,7 @@ void uPrizesList::TakeNodeClick(const QString& key)
     CurrentCategory_ = category;
     const QPointer<uPrizesList> self(this);
     if (clsCurrentUser_)
-        clsCurrentUser_->SetPreference(PrizesListNames::CategoryPreference, static_cast<qint32>(category));
+        clsCurrentUser_->SetPreference(UserPreferences::PrizeKind.Name, static_cast<qint32>(category));
     // Who hears of the preference may take the list away. The tree gets its focus back with the rows.
     if (self)
         UpdateDisplay();

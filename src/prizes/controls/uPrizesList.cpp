@@ -4,6 +4,7 @@
 
 #include "prizes/controls/uPrizesList.h"
 
+#include "common/UserPreferences.h"
 #include "database/watch/StationWatch.h"
 #include "platform/directory/clsKVDirectory.h"
 #include "platform/widgets/CategoryTreeView.h"
@@ -31,7 +32,6 @@ constexpr int PreferencesFlag = 32;
 constexpr float DefaultInterval = 10;
 constexpr float LongestInterval = 60;
 constexpr int MillisecondsASecond = 1000;
-const QString SortOrderPreference = QStringLiteral("prizeslistsortorder");
 
 namespace Key
 {
@@ -89,7 +89,7 @@ bool uPrizesList::ShowCategoryOfUser()
     const QPointer<uPrizesList> self(this);
     const QPointer<cTolvaDatabase> attached = clsTolvaDatabase_;
     const auto category = static_cast<enPrizeListCategory>(
-        clsCurrentUser_->Preference(PrizesListNames::CategoryPreference, plcAvailable).toInt());
+        clsCurrentUser_->Preference(UserPreferences::PrizeKind.Name, UserPreferences::PrizeKind.Default).toInt());
     {
         // The rows of the kind before would be read only to be replaced.
         RowsFollow_ = category != CurrentCategory_ && category >= plcAvailable && category <= plcRecentlyWonPrizes;
@@ -154,7 +154,7 @@ void uPrizesList::TakePreferencesChange(int flags, const QString& name)
             UpdateCategories();
             if (self)
                 UpdateDisplay();
-        } else if (name.toLower() == SortOrderPreference) {
+        } else if (name.compare(UserPreferences::PrizeOrder.Name, Qt::CaseInsensitive) == 0) {
             UpdateDisplay();
         }
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/TableReader.h"
 
+#include "platform/Ascii.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/jet/KeyForm.h"
 #include "platform/records/engines/jet/LongValue.h"
@@ -146,7 +147,7 @@ engine::StoredMemo TableReader::ReadMemo(int column, qint64 id)
         // The rest of its row, and all other rows, are to be had.
         memo.IsDamaged = true;
     }
-    if (memo.Utf8.size() > LargeMemo && !IsAscii({memo.Utf8.constData(), static_cast<std::size_t>(memo.Utf8.size())})) {
+    if (memo.Utf8.size() > LargeMemo && !IsAscii(memo.Utf8)) {
         memo.Octets = OctetsIfAll({memo.Utf8.constData(), static_cast<std::size_t>(memo.Utf8.size())});
         if (!memo.Octets.isNull())
             memo.Utf8.clear();

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/query/Binder.h"
+
 #include "platform/records/RecordsFixture.h"
 #include "platform/records/jetsql/MemoryDatabase.h"
 #include "platform/records/jetsql/Parser.h"
-#include "platform/records/query/Binder.h"
 
 using namespace dao;
 

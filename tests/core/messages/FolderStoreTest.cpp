@@ -5,7 +5,7 @@
 #include "core/support/StationTest.h"
 #include "platform/records/DBEngine.h"
 
-class MessageCategoriesTest : public StationTest
+class FolderStoreTest : public StationTest
 {
 protected:
     void SetUp() override { OpenStation(); }
@@ -32,7 +32,7 @@ protected:
     }
 };
 
-TEST_F(MessageCategoriesTest, ARowBeyondAllFoldersKeepsNobodyOut)
+TEST_F(FolderStoreTest, ARowBeyondAllFoldersKeepsNobodyOut)
 {
     const auto rows = OpenTable(QStringLiteral("MessageCategories"));
     rows->AddNew();
@@ -48,7 +48,7 @@ TEST_F(MessageCategoriesTest, ARowBeyondAllFoldersKeepsNobodyOut)
     EXPECT_TRUE(Station->DeleteMessageCategory(8));
 }
 
-TEST_F(MessageCategoriesTest, TheFixedFoldersStandAfterTheOpen)
+TEST_F(FolderStoreTest, TheFixedFoldersStandAfterTheOpen)
 {
     const struct
     {
@@ -76,7 +76,7 @@ TEST_F(MessageCategoriesTest, TheFixedFoldersStandAfterTheOpen)
     }
 }
 
-TEST_F(MessageCategoriesTest, ARenamedFixedFolderGetsItsTitleBackAndADeletedOneReturns)
+TEST_F(FolderStoreTest, ARenamedFixedFolderGetsItsTitleBackAndADeletedOneReturns)
 {
     const auto inbox = Station->GetMessageCategory(tmcInbox);
     inbox->SetDescription(QStringLiteral("Post"));
@@ -88,7 +88,7 @@ TEST_F(MessageCategoriesTest, ARenamedFixedFolderGetsItsTitleBackAndADeletedOneR
     EXPECT_NE(Station->MessageCategories().FindCategory(tmcAutomatic), nullptr);
 }
 
-TEST_F(MessageCategoriesTest, AFixedFolderThatIsAsItShouldBeIsNotWrittenAgain)
+TEST_F(FolderStoreTest, AFixedFolderThatIsAsItShouldBeIsNotWrittenAgain)
 {
     const auto rows = OpenTable(QStringLiteral("MessageCategories"));
     rows->SetIndex(QStringLiteral("Main"));
@@ -101,7 +101,7 @@ TEST_F(MessageCategoriesTest, AFixedFolderThatIsAsItShouldBeIsNotWrittenAgain)
     EXPECT_EQ(Station->MessageCategories().FindCategory(tmcInbox)->Description(), QStringLiteral("Inbox"));
 }
 
-TEST_F(MessageCategoriesTest, ANewFolderGetsTheNextNumberAndShowsAfterTheTreeIsRead)
+TEST_F(FolderStoreTest, ANewFolderGetsTheNextNumberAndShowsAfterTheTreeIsRead)
 {
     EXPECT_EQ(Station->LastMessageCategoryReference(), 7);
     EXPECT_EQ(Add(u"Competitions"), 8);
@@ -111,7 +111,7 @@ TEST_F(MessageCategoriesTest, ANewFolderGetsTheNextNumberAndShowsAfterTheTreeIsR
     EXPECT_EQ(Station->LastMessageCategoryReference(), 8);
 }
 
-TEST_F(MessageCategoriesTest, TheFirstFolderOfAnEmptyTableIsNumberOne)
+TEST_F(FolderStoreTest, TheFirstFolderOfAnEmptyTableIsNumberOne)
 {
     for (int reference = 1; reference <= 7; ++reference)
         ASSERT_TRUE(Station->DeleteMessageCategory(reference));
@@ -119,7 +119,7 @@ TEST_F(MessageCategoriesTest, TheFirstFolderOfAnEmptyTableIsNumberOne)
     EXPECT_EQ(Add(u"Competitions"), 1);
 }
 
-TEST_F(MessageCategoriesTest, AllFieldsAreStored)
+TEST_F(FolderStoreTest, AllFieldsAreStored)
 {
     clsCategory category;
     category.SetDescription(QStringLiteral("Fan post"));
@@ -146,7 +146,7 @@ TEST_F(MessageCategoriesTest, AllFieldsAreStored)
     EXPECT_EQ(read->IconReference(), QStringLiteral("star"));
 }
 
-TEST_F(MessageCategoriesTest, AFreshlyReadFolderIsSeparateFromTheTree)
+TEST_F(FolderStoreTest, AFreshlyReadFolderIsSeparateFromTheTree)
 {
     const auto inbox = Station->GetMessageCategory(tmcInbox);
     inbox->SetDescription(QStringLiteral("Post"));
@@ -155,7 +155,7 @@ TEST_F(MessageCategoriesTest, AFreshlyReadFolderIsSeparateFromTheTree)
     EXPECT_EQ(Station->GetMessageCategory(-3), nullptr);
 }
 
-TEST_F(MessageCategoriesTest, SavingWithSubCategoriesReplacesTheStoredChildren)
+TEST_F(FolderStoreTest, SavingWithSubCategoriesReplacesTheStoredChildren)
 {
     const qint16 parent = Add(u"Competitions");
     const qint16 kept = Add(u"Hamper", parent);
@@ -176,7 +176,7 @@ TEST_F(MessageCategoriesTest, SavingWithSubCategoriesReplacesTheStoredChildren)
     EXPECT_TRUE(rows.contains(QStringLiteral("%1 %2 Late").arg(grandchild).arg(dropped)));
 }
 
-TEST_F(MessageCategoriesTest, SavingWithoutSubCategoriesLeavesTheChildrenAlone)
+TEST_F(FolderStoreTest, SavingWithoutSubCategoriesLeavesTheChildrenAlone)
 {
     const qint16 parent = Add(u"Competitions");
     Add(u"Hamper", parent);
@@ -188,7 +188,7 @@ TEST_F(MessageCategoriesTest, SavingWithoutSubCategoriesLeavesTheChildrenAlone)
     EXPECT_EQ(Rows().filter(QStringLiteral("Contests")).size(), 1);
 }
 
-TEST_F(MessageCategoriesTest, AFolderThatHoldsAMessageStays)
+TEST_F(FolderStoreTest, AFolderThatHoldsAMessageStays)
 {
     const qint16 reference = Add(u"Competitions");
     Station->UpdateCategoryTree();
@@ -197,7 +197,7 @@ TEST_F(MessageCategoriesTest, AFolderThatHoldsAMessageStays)
     EXPECT_EQ(Rows().filter(QStringLiteral("Competitions")).size(), 1);
 }
 
-TEST_F(MessageCategoriesTest, AFolderWithSubFoldersStays)
+TEST_F(FolderStoreTest, AFolderWithSubFoldersStays)
 {
     const qint16 parent = Add(u"Competitions");
     Add(u"Hamper", parent);
@@ -205,7 +205,7 @@ TEST_F(MessageCategoriesTest, AFolderWithSubFoldersStays)
     EXPECT_EQ(Rows().filter(QStringLiteral("Competitions")).size(), 1);
 }
 
-TEST_F(MessageCategoriesTest, DeletingRefreshesTheTreeAndFreesTheHighestNumber)
+TEST_F(FolderStoreTest, DeletingRefreshesTheTreeAndFreesTheHighestNumber)
 {
     const qint16 reference = Add(u"Competitions");
     Station->UpdateCategoryTree();
@@ -215,14 +215,14 @@ TEST_F(MessageCategoriesTest, DeletingRefreshesTheTreeAndFreesTheHighestNumber)
     EXPECT_EQ(Add(u"Again"), reference);
 }
 
-TEST_F(MessageCategoriesTest, AnAbsentFolderCountsAsDeletedAndZeroDoesNot)
+TEST_F(FolderStoreTest, AnAbsentFolderCountsAsDeletedAndZeroDoesNot)
 {
     EXPECT_TRUE(Station->DeleteMessageCategory(500));
     EXPECT_FALSE(Station->DeleteMessageCategory(0));
     EXPECT_FALSE(Station->DeleteMessageCategory(-1));
 }
 
-TEST_F(MessageCategoriesTest, AReplacedSubtreeIsWrittenWholeOrNotAtAll)
+TEST_F(FolderStoreTest, AReplacedSubtreeIsWrittenWholeOrNotAtAll)
 {
     const qint16 parent = Add(u"Competitions");
     const qint16 child = Add(u"Hamper", parent);

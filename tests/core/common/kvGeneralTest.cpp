@@ -25,10 +25,10 @@ QString Text(const char16_t* text)
     return QString::fromUtf16(text);
 }
 
-class KvGeneralTest : public testing::Test
+class kvGeneralTest : public testing::Test
 {
 protected:
-    ~KvGeneralTest() override
+    ~kvGeneralTest() override
     {
         GeneralHelper::SetDebugMode(0);
         GeneralHelper::SetDebugPath(QString());
@@ -56,14 +56,14 @@ protected:
 };
 } // namespace
 
-TEST_F(KvGeneralTest, AProblemWithoutAnErrorIsToldInOneSentence)
+TEST_F(kvGeneralTest, AProblemWithoutAnErrorIsToldInOneSentence)
 {
     User_.ExpectWarning(Text(u"There was a problem saving a Prize because no Tolva Database has been opened"));
     EXPECT_EQ(ReportProblem(Text(u" saving a Prize because no Tolva Database has been opened "), 0, false),
               u"There was a problem saving a Prize because no Tolva Database has been opened");
 }
 
-TEST_F(KvGeneralTest, AnEngineErrorIsToldInItsOwnWordsWithItsNumber)
+TEST_F(kvGeneralTest, AnEngineErrorIsToldInItsOwnWordsWithItsNumber)
 {
     const QString text =
         Text(u"There was a problem opening the database and the error's description was reported as : \n\n"
@@ -72,27 +72,27 @@ TEST_F(KvGeneralTest, AnEngineErrorIsToldInItsOwnWordsWithItsNumber)
     EXPECT_EQ(ReportProblem(Text(u"opening the database"), 3343, false, Text(u"Unrecognised database format")), text);
 }
 
-TEST_F(KvGeneralTest, ASystemErrorIsToldInTheSystemsWords)
+TEST_F(kvGeneralTest, ASystemErrorIsToldInTheSystemsWords)
 {
     EXPECT_EQ(ReportProblem(Text(u"x"), ENOSPC, true),
               Text(u"There was a problem x and the error's description was reported as : \n\n\"") +
                   QString::fromLocal8Bit(std::strerror(ENOSPC)) + u'"');
 }
 
-TEST_F(KvGeneralTest, WordsOfTheErrorCountMoreThanTheSystemsForTheSameNumber)
+TEST_F(kvGeneralTest, WordsOfTheErrorCountMoreThanTheSystemsForTheSameNumber)
 {
     EXPECT_EQ(ReportProblem(Text(u"x"), 13, true, Text(u"Type mismatch")),
               u"There was a problem x and the error's description was reported as : \n\n\"Type mismatch (13)\"");
 }
 
-TEST_F(KvGeneralTest, ANumberThatNobodyKnowsAddsNothing)
+TEST_F(kvGeneralTest, ANumberThatNobodyKnowsAddsNothing)
 {
     EXPECT_EQ(ReportProblem(Text(u"x"), 3021, true), u"There was a problem x");
     EXPECT_EQ(ReportProblem(Text(u"x"), -1, true), u"There was a problem x");
     EXPECT_EQ(ReportProblem(Text(u"x"), 0, true, Text(u"not pending")), u"There was a problem x");
 }
 
-TEST_F(KvGeneralTest, ASilentProblemIsLoggedAllTheSame)
+TEST_F(kvGeneralTest, ASilentProblemIsLoggedAllTheSame)
 {
     StartLog(5);
     ReportProblem(Text(u"opening the database"), 0, true);
@@ -102,7 +102,7 @@ TEST_F(KvGeneralTest, ASilentProblemIsLoggedAllTheSame)
     EXPECT_EQ(LogText(), u"14:05:09 There was a problem opening the database\n");
 }
 
-TEST_F(KvGeneralTest, ThePointerIsTheDefaultWhileTheBoxIsUp)
+TEST_F(kvGeneralTest, ThePointerIsTheDefaultWhileTheBoxIsUp)
 {
     User_.ExpectWarning(Text(u"There was a problem x"));
     {
@@ -116,7 +116,7 @@ TEST_F(KvGeneralTest, ThePointerIsTheDefaultWhileTheBoxIsUp)
     EXPECT_EQ(User_.BusyCount(), 2);
 }
 
-TEST_F(KvGeneralTest, ATemporaryFileIsMadeUnderTheProgramsTitle)
+TEST_F(kvGeneralTest, ATemporaryFileIsMadeUnderTheProgramsTitle)
 {
     QCoreApplication::setApplicationName(Text(u"Tolva Desk / 1"));
     const QString name = GetTempFile(Folder_.path(), QString());
@@ -128,7 +128,7 @@ TEST_F(KvGeneralTest, ATemporaryFileIsMadeUnderTheProgramsTitle)
     EXPECT_EQ(QDir(Folder_.path()).entryList(QDir::Files).size(), 2);
 }
 
-TEST_F(KvGeneralTest, AProgramWithoutATitleIsTolva)
+TEST_F(kvGeneralTest, AProgramWithoutATitleIsTolva)
 {
     QCoreApplication::setApplicationName(QString());
     const QString title = QCoreApplication::applicationName(); // the program file's name stands in for an empty one
@@ -136,7 +136,7 @@ TEST_F(KvGeneralTest, AProgramWithoutATitleIsTolva)
     EXPECT_TRUE(FileHelper::FileNameOf(GetTempFile(Folder_.path(), QString())).startsWith(prefix));
 }
 
-TEST_F(KvGeneralTest, WithAnotherExtensionOnlyTheNameIsGiven)
+TEST_F(kvGeneralTest, WithAnotherExtensionOnlyTheNameIsGiven)
 {
     const QString name = GetTempFile(Folder_.path(), Text(u"MDB"));
     EXPECT_TRUE(name.endsWith(u".MDB"));
@@ -145,7 +145,7 @@ TEST_F(KvGeneralTest, WithAnotherExtensionOnlyTheNameIsGiven)
     EXPECT_TRUE(QDir(Folder_.path()).entryList(QDir::Files).isEmpty());
 }
 
-TEST_F(KvGeneralTest, WithoutAFolderItIsTheUsersTemporaryOneAndNobodyElseReadsIt)
+TEST_F(kvGeneralTest, WithoutAFolderItIsTheUsersTemporaryOneAndNobodyElseReadsIt)
 {
     const QString name = GetTempFile(QString(), Text(u"tmp"));
     EXPECT_EQ(FileHelper::FolderOf(name), QDir::tempPath());
@@ -155,12 +155,12 @@ TEST_F(KvGeneralTest, WithoutAFolderItIsTheUsersTemporaryOneAndNobodyElseReadsIt
     EXPECT_TRUE(QFile::remove(name));
 }
 
-TEST_F(KvGeneralTest, AFolderThatTakesNoFileGivesNoName)
+TEST_F(kvGeneralTest, AFolderThatTakesNoFileGivesNoName)
 {
     EXPECT_EQ(GetTempFile(Folder_.filePath(Text(u"none")), QString()), QString());
 }
 
-TEST_F(KvGeneralTest, AMissingTemporaryFolderIsShown)
+TEST_F(kvGeneralTest, AMissingTemporaryFolderIsShown)
 {
     const QByteArray before = qgetenv("TMPDIR");
     qputenv("TMPDIR", QFile::encodeName(Folder_.filePath(Text(u"none"))));
@@ -173,7 +173,7 @@ TEST_F(KvGeneralTest, AMissingTemporaryFolderIsShown)
         qputenv("TMPDIR", before);
 }
 
-TEST_F(KvGeneralTest, ATemporaryFileLogsItsSteps)
+TEST_F(kvGeneralTest, ATemporaryFileLogsItsSteps)
 {
     StartLog(5);
     GetTempFile(Folder_.path(), QString());
@@ -181,7 +181,7 @@ TEST_F(KvGeneralTest, ATemporaryFileLogsItsSteps)
                          u"14:05:09 Call GetTempFilename\n14:05:09 Process the return\n14:05:09 End GetTempFile\n");
 }
 
-TEST_F(KvGeneralTest, RenamesToAFreeName)
+TEST_F(kvGeneralTest, RenamesToAFreeName)
 {
     const QString source = Make(Text(u"a"));
     EXPECT_TRUE(RenameWithChecks(source, Folder_.filePath(Text(u"b"))));
@@ -189,7 +189,7 @@ TEST_F(KvGeneralTest, RenamesToAFreeName)
     EXPECT_FALSE(FileHelper::FileExists(source));
 }
 
-TEST_F(KvGeneralTest, RefusesToRenameOverAFileOrFolder)
+TEST_F(kvGeneralTest, RefusesToRenameOverAFileOrFolder)
 {
     const QString source = Make(Text(u"a"));
     for (const QString& target : {Make(Text(u"b")), Folder_.path()}) {
@@ -201,7 +201,7 @@ TEST_F(KvGeneralTest, RefusesToRenameOverAFileOrFolder)
     EXPECT_EQ(FileHelper::ReadTextFile(Folder_.filePath(Text(u"b"))), u"b");
 }
 
-TEST_F(KvGeneralTest, RefusesToRenameBareFileNames)
+TEST_F(kvGeneralTest, RefusesToRenameBareFileNames)
 {
     const QString source = Make(Text(u"a"));
     User_.ExpectWarning(
@@ -213,7 +213,7 @@ TEST_F(KvGeneralTest, RefusesToRenameBareFileNames)
     EXPECT_TRUE(FileHelper::FileExists(source));
 }
 
-TEST_F(KvGeneralTest, AFileThatIsNotThereIsNotRenamed)
+TEST_F(kvGeneralTest, AFileThatIsNotThereIsNotRenamed)
 {
     EXPECT_FALSE(RenameWithChecks(Folder_.filePath(Text(u"a")), Folder_.filePath(Text(u"b"))));
 }

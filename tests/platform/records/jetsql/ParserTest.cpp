@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/jetsql/Parser.h"
+
 #include "platform/records/jetsql/TreePrinter.h"
 
 #include <gtest/gtest.h>

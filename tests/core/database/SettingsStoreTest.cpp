@@ -9,7 +9,7 @@
 
 #include <QFile>
 
-class SettingsTest : public StationTest
+class SettingsStoreTest : public StationTest
 {
 protected:
     void SetUp() override { OpenStation(); }
@@ -29,7 +29,7 @@ protected:
     }
 };
 
-TEST_F(SettingsTest, AValueReadsBackAndItsDefaultLeavesNoRow)
+TEST_F(SettingsStoreTest, AValueReadsBackAndItsDefaultLeavesNoRow)
 {
     const QString key = QStringLiteral("SMS.CurrentSong");
     EXPECT_EQ(Station->DatabaseSetting(key, QStringLiteral("SONG")).toString(), QStringLiteral("SONG"));
@@ -41,7 +41,7 @@ TEST_F(SettingsTest, AValueReadsBackAndItsDefaultLeavesNoRow)
     EXPECT_FALSE(Stored(u"SMS.CurrentSong").isValid());
 }
 
-TEST_F(SettingsTest, ValuesStandInTheTextFormOfTheirType)
+TEST_F(SettingsStoreTest, ValuesStandInTheTextFormOfTheirType)
 {
     Station->SetDatabaseSetting(QStringLiteral("a"), true, false);
     Station->SetDatabaseSetting(QStringLiteral("b"), 42, 0);
@@ -51,14 +51,14 @@ TEST_F(SettingsTest, ValuesStandInTheTextFormOfTheirType)
     EXPECT_EQ(Stored(u"c").toString(), QStringLiteral("two\nlines"));
 }
 
-TEST_F(SettingsTest, KeysDifferOnlyInTheirFirst250Characters)
+TEST_F(SettingsStoreTest, KeysDifferOnlyInTheirFirst250Characters)
 {
     const QString stem(250, QLatin1Char('k'));
     Station->SetDatabaseSetting(stem + QStringLiteral("one"), QStringLiteral("value"), QString());
     EXPECT_EQ(Station->DatabaseSetting(stem + QStringLiteral("two"), QString()).toString(), QStringLiteral("value"));
 }
 
-TEST_F(SettingsTest, ReadingNeverFails)
+TEST_F(SettingsStoreTest, ReadingNeverFails)
 {
     EXPECT_EQ(Station->DatabaseSetting(QString(), 5).toInt(), 5);
     Station->CloseTolvaDatabase();
@@ -66,7 +66,7 @@ TEST_F(SettingsTest, ReadingNeverFails)
               QStringLiteral("default"));
 }
 
-TEST_F(SettingsTest, WritingWithoutADatabaseIsShownWhateverTheSilentModeSays)
+TEST_F(SettingsStoreTest, WritingWithoutADatabaseIsShownWhateverTheSilentModeSays)
 {
     Station->CloseTolvaDatabase();
     Station->SetSilentMode(true);
@@ -75,7 +75,7 @@ TEST_F(SettingsTest, WritingWithoutADatabaseIsShownWhateverTheSilentModeSays)
     Station->SetStationName(QStringLiteral("Harbour FM"));
 }
 
-TEST_F(SettingsTest, OnARecordsetOfAQueryTheySearchByTheirName)
+TEST_F(SettingsStoreTest, OnARecordsetOfAQueryTheySearchByTheirName)
 {
     const auto file = dao::DBEngine::OpenDatabase(FileName());
     const auto open = [&] {
@@ -90,7 +90,7 @@ TEST_F(SettingsTest, OnARecordsetOfAQueryTheySearchByTheirName)
     EXPECT_EQ(ReadSettingValue(open().get(), QStringLiteral("a"), 7).toInt(), 7);
 }
 
-TEST_F(SettingsTest, WithoutARecordsetANameOrARightToWriteNothingHappens)
+TEST_F(SettingsStoreTest, WithoutARecordsetANameOrARightToWriteNothingHappens)
 {
     using namespace DAO_DatabaseFunctions;
     EXPECT_EQ(ReadSettingValue(nullptr, QStringLiteral("a"), 7).toInt(), 7);
@@ -103,7 +103,7 @@ TEST_F(SettingsTest, WithoutARecordsetANameOrARightToWriteNothingHappens)
     EXPECT_FALSE(Stored(u"a").isValid());
 }
 
-TEST_F(SettingsTest, ATableWhoseIndexBearsItsNameIsSearchedByThat)
+TEST_F(SettingsStoreTest, ATableWhoseIndexBearsItsNameIsSearchedByThat)
 {
     const auto file = dao::DBEngine::OpenDatabase(FileName());
     auto table = file->CreateTableDef(QStringLiteral("Other"));
@@ -120,7 +120,7 @@ TEST_F(SettingsTest, ATableWhoseIndexBearsItsNameIsSearchedByThat)
     EXPECT_EQ(ReadSettingValue(open().get(), QStringLiteral("a"), 0).toInt(), 3);
 }
 
-TEST_F(SettingsTest, AFailureIsReportedWithItsStepAndTheSettingsName)
+TEST_F(SettingsStoreTest, AFailureIsReportedWithItsStepAndTheSettingsName)
 {
     const auto file = dao::DBEngine::OpenDatabase(FileName());
     const auto table = file->OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
@@ -133,7 +133,7 @@ TEST_F(SettingsTest, AFailureIsReportedWithItsStepAndTheSettingsName)
     DAO_DatabaseFunctions::WriteSettingValue(table.get(), QStringLiteral("a"), 1, 0, false);
 }
 
-TEST_F(SettingsTest, TheNameIsReadWithADefaultThatItIsNotWrittenWith)
+TEST_F(SettingsStoreTest, TheNameIsReadWithADefaultThatItIsNotWrittenWith)
 {
     EXPECT_EQ(Station->StationName(), QStringLiteral("Radio Station"));
     Station->SetStationName(QStringLiteral("Radio Station"));
@@ -143,7 +143,7 @@ TEST_F(SettingsTest, TheNameIsReadWithADefaultThatItIsNotWrittenWith)
     EXPECT_EQ(Station->StationName(), QStringLiteral("Radio Station"));
 }
 
-TEST_F(SettingsTest, TheStationsDetailsGoToTheirKeys)
+TEST_F(SettingsStoreTest, TheStationsDetailsGoToTheirKeys)
 {
     Station->SetStationAddress(QStringLiteral("a"));
     Station->SetStationPhoneNumber(QStringLiteral("b"));
@@ -160,7 +160,7 @@ TEST_F(SettingsTest, TheStationsDetailsGoToTheirKeys)
               QStringLiteral("abcde"));
 }
 
-TEST_F(SettingsTest, BackupOptionsHaveTheirDefaultsAndAreStoredAtOnce)
+TEST_F(SettingsStoreTest, BackupOptionsHaveTheirDefaultsAndAreStoredAtOnce)
 {
     EXPECT_EQ(Station->BackupInterval(), 1440);
     EXPECT_TRUE(Station->EnableAutoBackup());
@@ -177,7 +177,7 @@ TEST_F(SettingsTest, BackupOptionsHaveTheirDefaultsAndAreStoredAtOnce)
     EXPECT_EQ(Station->BackupExpiryDays(), 0);
 }
 
-TEST_F(SettingsTest, TheHighlightFontHasItsDefaults)
+TEST_F(SettingsStoreTest, TheHighlightFontHasItsDefaults)
 {
     const clsFont& font = Station->MessageHighlightFont();
     EXPECT_EQ(font.Name, QStringLiteral("Tahoma"));
@@ -187,7 +187,7 @@ TEST_F(SettingsTest, TheHighlightFontHasItsDefaults)
     EXPECT_FALSE(font.Italic || font.Underline || font.Strikethrough);
 }
 
-TEST_F(SettingsTest, WritingAndReadingKeepFontAndLabelGeometry)
+TEST_F(SettingsStoreTest, WritingAndReadingKeepFontAndLabelGeometry)
 {
     Station->MessageHighlightFont() = {QStringLiteral("Serif"), 4, 65280, false, true, true, true};
     Station->AddressLabelsPageSetup().SetColumnWidth(99);
@@ -209,7 +209,7 @@ TEST_F(SettingsTest, WritingAndReadingKeepFontAndLabelGeometry)
     EXPECT_EQ(other.AddressLabelsPageSetup().RowHeight(), 68);
 }
 
-TEST_F(SettingsTest, AnotherComputersResetOfTheLabelGeometryIsReadAndSurvives)
+TEST_F(SettingsStoreTest, AnotherComputersResetOfTheLabelGeometryIsReadAndSurvives)
 {
     Station->AddressLabelsPageSetup().SetColumnWidth(99);
     Station->WriteDatabaseSettings();
@@ -224,7 +224,7 @@ TEST_F(SettingsTest, AnotherComputersResetOfTheLabelGeometryIsReadAndSurvives)
     EXPECT_FALSE(Stored(u"AddressLabels.ColumnWidth").isValid());
 }
 
-TEST_F(SettingsTest, TheLabelGeometryStartsAsAStationHasIt)
+TEST_F(SettingsStoreTest, TheLabelGeometryStartsAsAStationHasIt)
 {
     const cPageSetup& labels = Station->AddressLabelsPageSetup();
     EXPECT_EQ(labels.NumberColumns(), 2);
@@ -237,7 +237,7 @@ TEST_F(SettingsTest, TheLabelGeometryStartsAsAStationHasIt)
     EXPECT_EQ(labels.RightMargin(), 10);
 }
 
-TEST_F(SettingsTest, ASettingThatIsNoNumberReadsAsItsDefault)
+TEST_F(SettingsStoreTest, ASettingThatIsNoNumberReadsAsItsDefault)
 {
     Station->SetDatabaseSetting(QStringLiteral("Backups.Interval"), QStringLiteral("often"), QString());
     Station->SetDatabaseSetting(QStringLiteral("AddressLabels.RowHeight"), QStringLiteral("tall"), QString());
@@ -246,7 +246,7 @@ TEST_F(SettingsTest, ASettingThatIsNoNumberReadsAsItsDefault)
     EXPECT_EQ(Station->AddressLabelsPageSetup().RowHeight(), 68);
 }
 
-TEST_F(SettingsTest, AnAddressBecomesOneLine)
+TEST_F(SettingsStoreTest, AnAddressBecomesOneLine)
 {
     Station->SetStationAddress(QStringLiteral("1 Quay Street,\r\nSeaport"));
     EXPECT_EQ(Station->StationAddressString(), QStringLiteral("1 Quay Street, Seaport"));
@@ -256,14 +256,14 @@ TEST_F(SettingsTest, AnAddressBecomesOneLine)
               QStringLiteral("1 Quay Street , ,; Seaport; England"));
 }
 
-TEST_F(SettingsTest, AnAddressOfBlankLinesIsEmpty)
+TEST_F(SettingsStoreTest, AnAddressOfBlankLinesIsEmpty)
 {
     EXPECT_EQ(Station->StationAddressString(), QString());
     Station->SetStationAddress(QStringLiteral(" \r\n \n"));
     EXPECT_EQ(Station->StationAddressString(), QString());
 }
 
-TEST_F(SettingsTest, TheCurrentSongGoesThroughItsFile)
+TEST_F(SettingsStoreTest, TheCurrentSongGoesThroughItsFile)
 {
     EXPECT_EQ(Station->CurrentSongFullName(), QString());
     Station->SetCurrentSongFullName(QStringLiteral("The Tides - Harbour Lights"));
@@ -276,7 +276,7 @@ TEST_F(SettingsTest, TheCurrentSongGoesThroughItsFile)
     EXPECT_EQ(file.readAll().trimmed(), QByteArray("CurrentSongFullName=\"The Tides - Harbour Lights\""));
 }
 
-TEST_F(SettingsTest, OtherSoftwaresSongFileIsRead)
+TEST_F(SettingsStoreTest, OtherSoftwaresSongFileIsRead)
 {
     WriteSongFile("");
     EXPECT_EQ(Station->CurrentSongFullName(), QString());

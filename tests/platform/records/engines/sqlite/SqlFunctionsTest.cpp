@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MemoryDatabase.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
+
+#include "platform/records/jetsql/MemoryDatabase.h"
 #include "platform/records/query/StoredValues.h"
 
 #include <gtest/gtest.h>

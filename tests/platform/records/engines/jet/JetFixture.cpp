@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/records/jet/JetFixture.h"
+#include "platform/records/engines/jet/JetFixture.h"
 
 #include "platform/records/engines/EngineRegistry.h"
 #include "platform/records/engines/jet/DatabaseBuilder.h"

@@ -3,9 +3,9 @@
 #include "platform/records/engines/jet/DataPage.h"
 #include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/IndexTree.h"
+#include "platform/records/engines/jet/JetFixture.h"
 #include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/engines/jet/UsageMap.h"
-#include "platform/records/jet/JetFixture.h"
 
 #include <QElapsedTimer>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MemoryDatabase.h"
 #include "platform/records/Error.h"
+#include "platform/records/jetsql/MemoryDatabase.h"
 #include "platform/records/jetsql/Parser.h"
 
 #include <gtest/gtest.h>

@@ -43,7 +43,7 @@ QString Problem(const QString& text, const QString& description, int number)
 }
 } // namespace
 
-class OpenTolvaDatabaseTest : public StationTest
+class StationFileTest : public StationTest
 {
 protected:
     void Write(const QByteArray& octets) const
@@ -75,13 +75,13 @@ protected:
     }
 };
 
-TEST_F(OpenTolvaDatabaseTest, WithoutALocationItFailsAndSaysSoInTheUserLog)
+TEST_F(StationFileTest, WithoutALocationItFailsAndSaysSoInTheUserLog)
 {
     EXPECT_EQ(Station->OpenTolvaDatabase(QString()), -1);
     EXPECT_EQ(Audit(), QStringList{QStringLiteral("1 Tolva Database Opened: No Database specified (0)")});
 }
 
-TEST_F(OpenTolvaDatabaseTest, AMissingFolderIsNotMade)
+TEST_F(StationFileTest, AMissingFolderIsNotMade)
 {
     const QString folder = Folder.filePath(QStringLiteral("nowhere"));
     EXPECT_EQ(Station->OpenTolvaDatabase(folder), -1);
@@ -89,14 +89,14 @@ TEST_F(OpenTolvaDatabaseTest, AMissingFolderIsNotMade)
     EXPECT_EQ(Audit(), QStringList{QStringLiteral("1 Tolva Database Opened: '%1' - Path not found (0)").arg(folder)});
 }
 
-TEST_F(OpenTolvaDatabaseTest, WithoutADirectoryTheLogEntriesVanish)
+TEST_F(StationFileTest, WithoutADirectoryTheLogEntriesVanish)
 {
     Station->SetDirectoryDatabase(nullptr);
     EXPECT_EQ(Station->OpenTolvaDatabase(QString()), -1);
     EXPECT_TRUE(Audit().isEmpty());
 }
 
-TEST_F(OpenTolvaDatabaseTest, AnEmptyFolderGetsADatabaseThatLacksOnlyItsPhoneNumber)
+TEST_F(StationFileTest, AnEmptyFolderGetsADatabaseThatLacksOnlyItsPhoneNumber)
 {
     Ui.ExpectMessageBox(StationDetailsBox());
     Ui.ExpectDatabaseSettings([](cTolvaDatabase& database) {
@@ -117,7 +117,7 @@ TEST_F(OpenTolvaDatabaseTest, AnEmptyFolderGetsADatabaseThatLacksOnlyItsPhoneNum
     EXPECT_FLOAT_EQ(DescriptionField(u"Version").toFloat(), 1.071F);
 }
 
-TEST_F(OpenTolvaDatabaseTest, CancelledSettingsFailTheOpenAndLeaveTheDatabaseOpen)
+TEST_F(StationFileTest, CancelledSettingsFailTheOpenAndLeaveTheDatabaseOpen)
 {
     Ui.ExpectMessageBox(StationDetailsBox());
     Ui.ExpectDatabaseSettings([](cTolvaDatabase&) { return false; });
@@ -127,7 +127,7 @@ TEST_F(OpenTolvaDatabaseTest, CancelledSettingsFailTheOpenAndLeaveTheDatabaseOpe
               QStringList{QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (0)").arg(FileName())});
 }
 
-TEST_F(OpenTolvaDatabaseTest, AUserWithoutTheRightNeverSeesTheSettings)
+TEST_F(StationFileTest, AUserWithoutTheRightNeverSeesTheSettings)
 {
     Directory.User.Rights = 0;
     Ui.ExpectMessageBox(StationDetailsBox());
@@ -135,7 +135,7 @@ TEST_F(OpenTolvaDatabaseTest, AUserWithoutTheRightNeverSeesTheSettings)
     EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), -1);
 }
 
-TEST_F(OpenTolvaDatabaseTest, ANamelessDatabaseAsksForItsName)
+TEST_F(StationFileTest, ANamelessDatabaseAsksForItsName)
 {
     MakeStation();
     SetDescriptionField(u"Description", QVariant());
@@ -145,7 +145,7 @@ TEST_F(OpenTolvaDatabaseTest, ANamelessDatabaseAsksForItsName)
     EXPECT_EQ(DescriptionField(u"Description").toString(), QStringLiteral("Harbour FM"));
 }
 
-TEST_F(OpenTolvaDatabaseTest, ACancelledNameIsAskedForAgainAtTheNextOpen)
+TEST_F(StationFileTest, ACancelledNameIsAskedForAgainAtTheNextOpen)
 {
     MakeStation();
     SetDescriptionField(u"Description", QVariant());
@@ -156,7 +156,7 @@ TEST_F(OpenTolvaDatabaseTest, ACancelledNameIsAskedForAgainAtTheNextOpen)
     }
 }
 
-TEST_F(OpenTolvaDatabaseTest, TheStructureOfACurrentDatabaseIsCheckedOnlyWhenTheMachineAsksForIt)
+TEST_F(StationFileTest, TheStructureOfACurrentDatabaseIsCheckedOnlyWhenTheMachineAsksForIt)
 {
     // A current version number over no tables at all.
     QString title = QStringLiteral("Bare");
@@ -174,7 +174,7 @@ TEST_F(OpenTolvaDatabaseTest, TheStructureOfACurrentDatabaseIsCheckedOnlyWhenThe
     EXPECT_NE(Station->MessageCategories().FindCategory(tmcInbox), nullptr);
 }
 
-TEST_F(OpenTolvaDatabaseTest, AnOlderDatabaseIsBroughtUpToDate)
+TEST_F(StationFileTest, AnOlderDatabaseIsBroughtUpToDate)
 {
     MakeStation();
     SetDescriptionField(u"Version", 1.0);
@@ -182,7 +182,7 @@ TEST_F(OpenTolvaDatabaseTest, AnOlderDatabaseIsBroughtUpToDate)
     EXPECT_FLOAT_EQ(DescriptionField(u"Version").toFloat(), 1.071F);
 }
 
-TEST_F(OpenTolvaDatabaseTest, ASettingsTableWithoutItsIndexRaisesAnError)
+TEST_F(StationFileTest, ASettingsTableWithoutItsIndexRaisesAnError)
 {
     QString title = QStringLiteral("Bare");
     ASSERT_EQ(DAO_DatabaseFunctions::ValidateDatabase(FileName(), 31, true, title, QString()), 0);
@@ -201,7 +201,7 @@ TEST_F(OpenTolvaDatabaseTest, ASettingsTableWithoutItsIndexRaisesAnError)
     }
 }
 
-TEST_F(OpenTolvaDatabaseTest, AFileThatIsNoDatabaseFailsWithItsNumberNegatedAndStaysAsItIs)
+TEST_F(StationFileTest, AFileThatIsNoDatabaseFailsWithItsNumberNegatedAndStaysAsItIs)
 {
     Write("This is no database, but somebody's shopping list.");
     const QString description = DescriptionOf(FileName());
@@ -216,7 +216,7 @@ TEST_F(OpenTolvaDatabaseTest, AFileThatIsNoDatabaseFailsWithItsNumberNegatedAndS
     EXPECT_EQ(file.readAll(), QByteArray("This is no database, but somebody's shopping list."));
 }
 
-TEST_F(OpenTolvaDatabaseTest, ADamagedFileNeverCrashes)
+TEST_F(StationFileTest, ADamagedFileNeverCrashes)
 {
     MakeStation();
     QFile file(FileName());
@@ -237,7 +237,7 @@ TEST_F(OpenTolvaDatabaseTest, ADamagedFileNeverCrashes)
     }
 }
 
-TEST_F(OpenTolvaDatabaseTest, AConnectStringWithoutAServerEngineIsAnErrorAndMakesNoFile)
+TEST_F(StationFileTest, AConnectStringWithoutAServerEngineIsAnErrorAndMakesNoFile)
 {
     const QString connect = QStringLiteral("ODBC;DSN=station");
     QString description;
@@ -255,7 +255,7 @@ TEST_F(OpenTolvaDatabaseTest, AConnectStringWithoutAServerEngineIsAnErrorAndMake
     EXPECT_FALSE(Station->IsOpen());
 }
 
-TEST_F(OpenTolvaDatabaseTest, OpeningWhileOpenClosesFirst)
+TEST_F(StationFileTest, OpeningWhileOpenClosesFirst)
 {
     OpenStation();
     ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
@@ -265,7 +265,7 @@ TEST_F(OpenTolvaDatabaseTest, OpeningWhileOpenClosesFirst)
                      QStringLiteral("1 Tolva Database Opened: Kelvarin Tolva Database (%1) (1)").arg(FileName())}));
 }
 
-TEST_F(OpenTolvaDatabaseTest, ClosingWritesWhenAndByWhatTheFileWasUsed)
+TEST_F(StationFileTest, ClosingWritesWhenAndByWhatTheFileWasUsed)
 {
     OpenStation();
     EXPECT_EQ(Station->CloseTolvaDatabase(), 0);
@@ -279,7 +279,7 @@ TEST_F(OpenTolvaDatabaseTest, ClosingWritesWhenAndByWhatTheFileWasUsed)
     EXPECT_EQ(Station->DatabaseReference(), QString());
 }
 
-TEST_F(OpenTolvaDatabaseTest, TheNextOpenReadsWhenTheFileWasUsed)
+TEST_F(StationFileTest, TheNextOpenReadsWhenTheFileWasUsed)
 {
     MakeStation();
     ASSERT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0);
@@ -289,14 +289,14 @@ TEST_F(OpenTolvaDatabaseTest, TheNextOpenReadsWhenTheFileWasUsed)
     EXPECT_FALSE(Station->Information().EngineVersion.isEmpty());
 }
 
-TEST_F(OpenTolvaDatabaseTest, ClosingAClosedObjectWritesNothing)
+TEST_F(StationFileTest, ClosingAClosedObjectWritesNothing)
 {
     EXPECT_EQ(Station->CloseTolvaDatabase(), 0);
     EXPECT_TRUE(Audit().isEmpty());
     EXPECT_EQ(Ui.BusyCount(), 0);
 }
 
-TEST_F(OpenTolvaDatabaseTest, AStationOpensAgainAtItsOwnLocation)
+TEST_F(StationFileTest, AStationOpensAgainAtItsOwnLocation)
 {
     OpenStation();
     EXPECT_EQ(Station->OpenTolvaDatabase(Station->Location()), 0);
@@ -304,7 +304,7 @@ TEST_F(OpenTolvaDatabaseTest, AStationOpensAgainAtItsOwnLocation)
     EXPECT_EQ(QDir(Station->Location()), QDir(Folder.path()));
 }
 
-TEST_F(OpenTolvaDatabaseTest, DestroyingClosesTheFile)
+TEST_F(StationFileTest, DestroyingClosesTheFile)
 {
     OpenStation();
     Station.reset();
@@ -312,7 +312,7 @@ TEST_F(OpenTolvaDatabaseTest, DestroyingClosesTheFile)
     EXPECT_EQ(DescriptionField(u"LastAccessed").toString(), QStringLiteral("21/11/2026 14:05:09"));
 }
 
-TEST_F(OpenTolvaDatabaseTest, TheFirstOpenerFixesRecordLocksUnlessTheMachineSaysOtherwise)
+TEST_F(StationFileTest, TheFirstOpenerFixesRecordLocksUnlessTheMachineSaysOtherwise)
 {
     EXPECT_EQ(Station->DatabaseLockingMode(), LockingMode::Unknown);
     OpenStation();
@@ -324,7 +324,7 @@ TEST_F(OpenTolvaDatabaseTest, TheFirstOpenerFixesRecordLocksUnlessTheMachineSays
     EXPECT_EQ(Station->DatabaseLockingMode(), LockingMode::PageLevel);
 }
 
-TEST_F(OpenTolvaDatabaseTest, EachStepStandsInTheLogInItsOrder)
+TEST_F(StationFileTest, EachStepStandsInTheLogInItsOrder)
 {
     MakeStation();
     const QTemporaryDir logs;

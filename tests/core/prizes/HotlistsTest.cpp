@@ -4,7 +4,7 @@
 
 #include "core/prizes/PrizeTest.h"
 
-class HotlistTest : public PrizeTest
+class HotlistsTest : public PrizeTest
 {
 protected:
     void ExpectChoice(const QString& item, bool isSaving)
@@ -19,7 +19,7 @@ protected:
     }
 };
 
-TEST_F(HotlistTest, SavedHoursAreLoadedAgain)
+TEST_F(HotlistsTest, SavedHoursAreLoadedAgain)
 {
     ExpectChoice(QStringLiteral("HR.Breakfast"), true);
     EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QStringLiteral("ABC|DEF"), nullptr));
@@ -29,7 +29,7 @@ TEST_F(HotlistTest, SavedHoursAreLoadedAgain)
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QStringLiteral("ABC|DEF"));
 }
 
-TEST_F(HotlistTest, SavingUnderTheSameNameReplacesTheHours)
+TEST_F(HotlistsTest, SavingUnderTheSameNameReplacesTheHours)
 {
     ExpectChoice(QStringLiteral("HR.Late"), true);
     EXPECT_TRUE(Station->SaveAvailableHoursHotlist(QStringLiteral("1"), nullptr));
@@ -41,7 +41,7 @@ TEST_F(HotlistTest, SavingUnderTheSameNameReplacesTheHours)
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QStringLiteral("2"));
 }
 
-TEST_F(HotlistTest, WithoutAChoiceNothingIsLoadedOrSaved)
+TEST_F(HotlistsTest, WithoutAChoiceNothingIsLoadedOrSaved)
 {
     const int rows = OpenTable(QStringLiteral("Settings"))->RecordCount();
     ExpectChoice(QString(), false);
@@ -51,7 +51,7 @@ TEST_F(HotlistTest, WithoutAChoiceNothingIsLoadedOrSaved)
     EXPECT_EQ(OpenTable(QStringLiteral("Settings"))->RecordCount(), rows);
 }
 
-TEST_F(HotlistTest, AnAbsentListLoadsLikeAnEmptyOne)
+TEST_F(HotlistsTest, AnAbsentListLoadsLikeAnEmptyOne)
 {
     ExpectChoice(QStringLiteral("HR.Gone"), false);
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
@@ -61,7 +61,7 @@ TEST_F(HotlistTest, AnAbsentListLoadsLikeAnEmptyOne)
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());
 }
 
-TEST_F(HotlistTest, SavingNoHoursOverAListKeepsItsName)
+TEST_F(HotlistsTest, SavingNoHoursOverAListKeepsItsName)
 {
     for (const QString& hours : {QStringLiteral("1"), QString()}) {
         ExpectChoice(QStringLiteral("HR.Late"), true);
@@ -74,7 +74,7 @@ TEST_F(HotlistTest, SavingNoHoursOverAListKeepsItsName)
     EXPECT_EQ(rows->Collect(QStringLiteral("Value")).toString(), QString());
 }
 
-TEST_F(HotlistTest, AListWithoutHoursLoadsLikeCancel)
+TEST_F(HotlistsTest, AListWithoutHoursLoadsLikeCancel)
 {
     Station->SetDatabaseSetting(QStringLiteral("HR.Blank"), QStringLiteral("x"), QString());
     const auto rows = OpenTable(QStringLiteral("Settings"));
@@ -90,7 +90,7 @@ TEST_F(HotlistTest, AListWithoutHoursLoadsLikeCancel)
     }
 }
 
-TEST_F(HotlistTest, OnAClosedStationNobodyIsAsked)
+TEST_F(HotlistsTest, OnAClosedStationNobodyIsAsked)
 {
     Station->CloseTolvaDatabase();
     EXPECT_EQ(Station->LoadAvailableHoursHotlist(nullptr), QString());

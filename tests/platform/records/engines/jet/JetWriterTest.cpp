@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/FileConversion.h"
-#include "platform/records/jet/JetFixture.h"
+#include "platform/records/engines/jet/JetFixture.h"
 
 #include <QFile>
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MailSupport.h"
 #include "platform/mail/MessageReader.h"
+
+#include "MailSupport.h"
 
 #include <ctime>
 

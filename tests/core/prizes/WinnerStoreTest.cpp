@@ -30,7 +30,7 @@ private:
     std::function<void()> Meddle_;
 };
 
-class PrizeWinnerStoreTest : public PrizeTest
+class WinnerStoreTest : public PrizeTest
 {
 protected:
     void TearDown() override
@@ -81,7 +81,7 @@ private:
 };
 } // namespace
 
-TEST_F(PrizeWinnerStoreTest, ANewWinnerIsBlankAndNotStored)
+TEST_F(WinnerStoreTest, ANewWinnerIsBlankAndNotStored)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = Station->GetNewPrizeWinner(Station->GetPrize(prize, false));
@@ -100,7 +100,7 @@ TEST_F(PrizeWinnerStoreTest, ANewWinnerIsBlankAndNotStored)
     EXPECT_EQ(Station->GetNewPrizeWinner(Station->GetPrize(prize, false))->AwardedByReference(), 0);
 }
 
-TEST_F(PrizeWinnerStoreTest, AnAwardTakesAUnitAndTellsOfThePrize)
+TEST_F(WinnerStoreTest, AnAwardTakesAUnitAndTellsOfThePrize)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = NewWinner(prize);
@@ -129,7 +129,7 @@ TEST_F(PrizeWinnerStoreTest, AnAwardTakesAUnitAndTellsOfThePrize)
     EXPECT_EQ(sent.toDouble(), 0.0);
 }
 
-TEST_F(PrizeWinnerStoreTest, DatesOfAWinnerAreUniversalInTheFile)
+TEST_F(WinnerStoreTest, DatesOfAWinnerAreUniversalInTheFile)
 {
     Now.SetUtc(QDateTime(QDate(2026, 7, 1), QTime(12, 0, 0), Qt::UTC));
     const qint32 reference = Award(SaveNewPrize());
@@ -137,7 +137,7 @@ TEST_F(PrizeWinnerStoreTest, DatesOfAWinnerAreUniversalInTheFile)
     EXPECT_EQ(Stored(Winners, reference, QStringLiteral("WonDate")).toDouble(), Date(2026, 7, 1, 12, 0, 0).DayNumber());
 }
 
-TEST_F(PrizeWinnerStoreTest, TheEventBringsThePrizeWithItsWinners)
+TEST_F(WinnerStoreTest, TheEventBringsThePrizeWithItsWinners)
 {
     const qint32 prize = SaveNewPrize();
     Award(prize, 11);
@@ -154,7 +154,7 @@ TEST_F(PrizeWinnerStoreTest, TheEventBringsThePrizeWithItsWinners)
     EXPECT_EQ(told->PrizeWinner(3), nullptr);
 }
 
-TEST_F(PrizeWinnerStoreTest, AFullPrizeTakesNoNewWinnerButAnEdit)
+TEST_F(WinnerStoreTest, AFullPrizeTakesNoNewWinnerButAnEdit)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 1);
     const cPrizeWinnerPtr late = NewWinner(prize, 12);
@@ -175,7 +175,7 @@ TEST_F(PrizeWinnerStoreTest, AFullPrizeTakesNoNewWinnerButAnEdit)
     EXPECT_EQ(Station->GetPrizeWinner(reference)->Notes(), QStringLiteral("Collects on Friday"));
 }
 
-TEST_F(PrizeWinnerStoreTest, AContactNumberBeyondTheFieldIsRefusedWhole)
+TEST_F(WinnerStoreTest, AContactNumberBeyondTheFieldIsRefusedWhole)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = NewWinner(prize, 32768);
@@ -202,7 +202,7 @@ TEST_F(PrizeWinnerStoreTest, AContactNumberBeyondTheFieldIsRefusedWhole)
     EXPECT_EQ(Station->GetPrizeWinner(winner->Reference())->WinnerReference(), 32767);
 }
 
-TEST_F(PrizeWinnerStoreTest, WhatCannotBeSavedIsTold)
+TEST_F(WinnerStoreTest, WhatCannotBeSavedIsTold)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = NewWinner(prize);
@@ -223,7 +223,7 @@ TEST_F(PrizeWinnerStoreTest, WhatCannotBeSavedIsTold)
     EXPECT_FALSE(Station->SavePrizeWinner(winner));
 }
 
-TEST_F(PrizeWinnerStoreTest, EachStepOfAnAwardIsInTheLog)
+TEST_F(WinnerStoreTest, EachStepOfAnAwardIsInTheLog)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 1);
     const cPrizeWinnerPtr winner = NewWinner(prize);
@@ -263,7 +263,7 @@ TEST_F(PrizeWinnerStoreTest, EachStepOfAnAwardIsInTheLog)
     EXPECT_EQ(log.Take().last(), QStringLiteral("No Database File so exiting"));
 }
 
-TEST_F(PrizeWinnerStoreTest, SavingAnExistingWinnerMovesThePrizesLastDateToIts)
+TEST_F(WinnerStoreTest, SavingAnExistingWinnerMovesThePrizesLastDateToIts)
 {
     const qint32 prize = SaveNewPrize();
     const qint32 first = Award(prize, 11);
@@ -283,7 +283,7 @@ TEST_F(PrizeWinnerStoreTest, SavingAnExistingWinnerMovesThePrizesLastDateToIts)
     EXPECT_EQ(Audit(), QStringList{QStringLiteral("17 Prize Edited: Tickets (1)")});
 }
 
-TEST_F(PrizeWinnerStoreTest, AWinnerWhoseRowWentIsAddedAnewAndKeepsItsNumber)
+TEST_F(WinnerStoreTest, AWinnerWhoseRowWentIsAddedAnewAndKeepsItsNumber)
 {
     const qint32 prize = SaveNewPrize();
     const qint32 reference = Award(prize);
@@ -296,7 +296,7 @@ TEST_F(PrizeWinnerStoreTest, AWinnerWhoseRowWentIsAddedAnewAndKeepsItsNumber)
     EXPECT_EQ(Counted(prize), 1);
 }
 
-TEST_F(PrizeWinnerStoreTest, SlotsHoldTheWinnersByTheirDates)
+TEST_F(WinnerStoreTest, SlotsHoldTheWinnersByTheirDates)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
     const qint32 first = Award(prize, 11);
@@ -314,7 +314,7 @@ TEST_F(PrizeWinnerStoreTest, SlotsHoldTheWinnersByTheirDates)
     EXPECT_FALSE(Station->GetPrize(SaveNewPrize(), true)->WinnersRead());
 }
 
-TEST_F(PrizeWinnerStoreTest, ACountAboveTheRowsLeavesSlotsEmpty)
+TEST_F(WinnerStoreTest, ACountAboveTheRowsLeavesSlotsEmpty)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
     Award(prize, 11);
@@ -327,7 +327,7 @@ TEST_F(PrizeWinnerStoreTest, ACountAboveTheRowsLeavesSlotsEmpty)
     EXPECT_EQ(read->PrizeWinner(3), nullptr);
 }
 
-TEST_F(PrizeWinnerStoreTest, ACountBelowTheRowsReadsNoMoreThanIt)
+TEST_F(WinnerStoreTest, ACountBelowTheRowsReadsNoMoreThanIt)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
     for (const qint32 contact : {11, 12, 13})
@@ -340,7 +340,7 @@ TEST_F(PrizeWinnerStoreTest, ACountBelowTheRowsReadsNoMoreThanIt)
     EXPECT_EQ(Station->StoredWinners(prize), 3);
 }
 
-TEST_F(PrizeWinnerStoreTest, ACountOfAnySizeDoesNoHarm)
+TEST_F(WinnerStoreTest, ACountOfAnySizeDoesNoHarm)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
     Award(prize, 11);
@@ -353,7 +353,7 @@ TEST_F(PrizeWinnerStoreTest, ACountOfAnySizeDoesNoHarm)
     EXPECT_EQ(Station->GetPrize(prize, true)->NumberWinners(), 0);
 }
 
-TEST_F(PrizeWinnerStoreTest, FillingTheSlotsKeepsTheMarkAndTurnsEventsOn)
+TEST_F(WinnerStoreTest, FillingTheSlotsKeepsTheMarkAndTurnsEventsOn)
 {
     const qint32 prize = SaveNewPrize();
     Award(prize);
@@ -375,7 +375,7 @@ TEST_F(PrizeWinnerStoreTest, FillingTheSlotsKeepsTheMarkAndTurnsEventsOn)
     EXPECT_FALSE(Station->GetPrizeWinners(MakePrize()));
 }
 
-TEST_F(PrizeWinnerStoreTest, TakingAWinnerBackGivesTheUnitBackAndKeepsTheLastDate)
+TEST_F(WinnerStoreTest, TakingAWinnerBackGivesTheUnitBackAndKeepsTheLastDate)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 1);
     const qint32 reference = Award(prize);
@@ -394,7 +394,7 @@ TEST_F(PrizeWinnerStoreTest, TakingAWinnerBackGivesTheUnitBackAndKeepsTheLastDat
     EXPECT_NE(Award(prize), 0);
 }
 
-TEST_F(PrizeWinnerStoreTest, TheLogNamesWhatIsKnownOfAWinnerTakenBack)
+TEST_F(WinnerStoreTest, TheLogNamesWhatIsKnownOfAWinnerTakenBack)
 {
     const qint32 prize = SaveNewPrize();
     const qint32 stranger = Award(prize, 99);
@@ -409,7 +409,7 @@ TEST_F(PrizeWinnerStoreTest, TheLogNamesWhatIsKnownOfAWinnerTakenBack)
     EXPECT_TRUE(Events.isEmpty());
 }
 
-TEST_F(PrizeWinnerStoreTest, NobodyElseWritesBetweenTheLookAtTheStockAndTheCount)
+TEST_F(WinnerStoreTest, NobodyElseWritesBetweenTheLookAtTheStockAndTheCount)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = NewWinner(prize);
@@ -424,7 +424,7 @@ TEST_F(PrizeWinnerStoreTest, NobodyElseWritesBetweenTheLookAtTheStockAndTheCount
     EXPECT_EQ(mayWrite, (QList<bool>{false, true}));
 }
 
-TEST_F(PrizeWinnerStoreTest, TheLastUnitIsNotGivenTwiceHoweverManyHoldABlankWinner)
+TEST_F(WinnerStoreTest, TheLastUnitIsNotGivenTwiceHoweverManyHoldABlankWinner)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 2);
     const cPrizeWinnerPtr first = NewWinner(prize);
@@ -437,7 +437,7 @@ TEST_F(PrizeWinnerStoreTest, TheLastUnitIsNotGivenTwiceHoweverManyHoldABlankWinn
     EXPECT_EQ(Counted(prize), 2);
 }
 
-TEST_F(PrizeWinnerStoreTest, AnAwardOfAPrizeThatWentDoesNotBringItBack)
+TEST_F(WinnerStoreTest, AnAwardOfAPrizeThatWentDoesNotBringItBack)
 {
     const qint32 prize = SaveNewPrize();
     const cPrizeWinnerPtr winner = NewWinner(prize);
@@ -448,7 +448,7 @@ TEST_F(PrizeWinnerStoreTest, AnAwardOfAPrizeThatWentDoesNotBringItBack)
     EXPECT_EQ(WinnerRows(), 0);
 }
 
-TEST_F(PrizeWinnerStoreTest, InATransactionOfTheCallersTheUserLogFollowsTheCommit)
+TEST_F(WinnerStoreTest, InATransactionOfTheCallersTheUserLogFollowsTheCommit)
 {
     const qint32 prize = SaveNewPrize();
     {
@@ -466,7 +466,7 @@ TEST_F(PrizeWinnerStoreTest, InATransactionOfTheCallersTheUserLogFollowsTheCommi
     EXPECT_EQ(WinnerRows(), 1);
 }
 
-TEST_F(PrizeWinnerStoreTest, ACountIsRaisedToTheRowsAndNeverLowered)
+TEST_F(WinnerStoreTest, ACountIsRaisedToTheRowsAndNeverLowered)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
     Award(prize, 11);
@@ -482,7 +482,7 @@ TEST_F(PrizeWinnerStoreTest, ACountIsRaisedToTheRowsAndNeverLowered)
     EXPECT_FALSE(Station->CountStoredWinners(prize));
 }
 
-TEST_F(PrizeWinnerStoreTest, ThePointerIsNormalWhenTheWinnerLosesItsMark)
+TEST_F(WinnerStoreTest, ThePointerIsNormalWhenTheWinnerLosesItsMark)
 {
     const cPrizeWinnerPtr winner = NewWinner(SaveNewPrize());
     QList<bool> busy;
@@ -492,7 +492,7 @@ TEST_F(PrizeWinnerStoreTest, ThePointerIsNormalWhenTheWinnerLosesItsMark)
     EXPECT_EQ(busy, (QList<bool>{true, false, false, false}));
 }
 
-TEST_F(PrizeWinnerStoreTest, AnAwardOnAnotherComputerWhileAWinnerIsTakenBackKeepsItsCount)
+TEST_F(WinnerStoreTest, AnAwardOnAnotherComputerWhileAWinnerIsTakenBackKeepsItsCount)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 5);
     const qint32 reference = Award(prize);
@@ -506,7 +506,7 @@ TEST_F(PrizeWinnerStoreTest, AnAwardOnAnotherComputerWhileAWinnerIsTakenBackKeep
     Station->SetDirectoryDatabase(&Contacts);
 }
 
-TEST_F(PrizeWinnerStoreTest, APrizeThatGoesWhileItsWinnerIsTakenBackDoesNotComeBack)
+TEST_F(WinnerStoreTest, APrizeThatGoesWhileItsWinnerIsTakenBackDoesNotComeBack)
 {
     const qint32 prize = SaveNewPrize();
     const qint32 reference = Award(prize);
@@ -521,7 +521,7 @@ TEST_F(PrizeWinnerStoreTest, APrizeThatGoesWhileItsWinnerIsTakenBackDoesNotComeB
     Station->SetDirectoryDatabase(&Contacts);
 }
 
-TEST_F(PrizeWinnerStoreTest, AWinnerWhoWasNotCountedMovesTheLastDateWhenCounted)
+TEST_F(WinnerStoreTest, AWinnerWhoWasNotCountedMovesTheLastDateWhenCounted)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 3);
     Award(prize, 11);
@@ -542,7 +542,7 @@ TEST_F(PrizeWinnerStoreTest, AWinnerWhoWasNotCountedMovesTheLastDateWhenCounted)
     EXPECT_TRUE(Audit().isEmpty());
 }
 
-TEST_F(PrizeWinnerStoreTest, ARecountLowersTheCountAsWell)
+TEST_F(WinnerStoreTest, ARecountLowersTheCountAsWell)
 {
     const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 2);
     Award(prize, 11);
@@ -562,7 +562,7 @@ TEST_F(PrizeWinnerStoreTest, ARecountLowersTheCountAsWell)
     EXPECT_FALSE(Station->RecountWinners(prize));
 }
 
-TEST_F(PrizeWinnerStoreTest, AWonDateOfLessThanNoneBecomesTheMomentOfTheSave)
+TEST_F(WinnerStoreTest, AWonDateOfLessThanNoneBecomesTheMomentOfTheSave)
 {
     const cPrizeWinnerPtr winner = NewWinner(SaveNewPrize());
     winner->SetWonDate(Date(-1));

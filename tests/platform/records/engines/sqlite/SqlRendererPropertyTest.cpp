@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MemoryDatabase.h"
-#include "PredicateModel.h"
 #include "platform/records/Error.h"
+#include "platform/records/jetsql/MemoryDatabase.h"
 #include "platform/records/jetsql/Parser.h"
+#include "platform/records/jetsql/PredicateModel.h"
 #include "platform/records/jetsql/TreePrinter.h"
 
 #include <gtest/gtest.h>

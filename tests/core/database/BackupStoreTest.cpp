@@ -25,7 +25,7 @@ QByteArray Read(const QString& name)
 }
 } // namespace
 
-class BackupTest : public StationTest
+class BackupStoreTest : public StationTest
 {
 protected:
     void SetUp() override
@@ -64,7 +64,7 @@ protected:
     static QByteArray CreatedOn(const char* date) { return QByteArray("[Details]\r\nCreated=") + date + "\r\n"; }
 };
 
-TEST_F(BackupTest, ABackupIsADatedFolderWithTheDatabaseAndItsDetails)
+TEST_F(BackupStoreTest, ABackupIsADatedFolderWithTheDatabaseAndItsDetails)
 {
     EXPECT_TRUE(Station->BackupDatabase(true));
     const QString name = QStringLiteral("2026-11-21 14.05");
@@ -80,7 +80,7 @@ TEST_F(BackupTest, ABackupIsADatedFolderWithTheDatabaseAndItsDetails)
     EXPECT_EQ(copy.GetMessages(QString())->Count(), 1);
 }
 
-TEST_F(BackupTest, TheBackupIsRecordedInTheStation)
+TEST_F(BackupStoreTest, TheBackupIsRecordedInTheStation)
 {
     EXPECT_TRUE(Station->BackupDatabase(true));
     const QString text =
@@ -90,7 +90,7 @@ TEST_F(BackupTest, TheBackupIsRecordedInTheStation)
     EXPECT_EQ(OpenTable(QStringLiteral("Description"))->Collect(QStringLiteral("LastBackup")).toString(), text);
 }
 
-TEST_F(BackupTest, TheBackupIsAnnouncedWhileItIsCopied)
+TEST_F(BackupStoreTest, TheBackupIsAnnouncedWhileItIsCopied)
 {
     EXPECT_TRUE(Station->BackupDatabase(true));
     const auto copy = dao::DBEngine::OpenDatabase(In(QStringLiteral("2026-11-21 14.05"), u"Tolva.mdb"));
@@ -99,7 +99,7 @@ TEST_F(BackupTest, TheBackupIsAnnouncedWhileItIsCopied)
               QStringLiteral("Started=\"21/11/2026 14:05:09\" By=%1").arg(QSysInfo::machineHostName()));
 }
 
-TEST_F(BackupTest, AnObjectMakesOneBackupInItsLife)
+TEST_F(BackupStoreTest, AnObjectMakesOneBackupInItsLife)
 {
     EXPECT_TRUE(Station->BackupDatabase(true));
     Now.Advance(3600);
@@ -111,14 +111,14 @@ TEST_F(BackupTest, AnObjectMakesOneBackupInItsLife)
     EXPECT_EQ(Names().size(), 2);
 }
 
-TEST_F(BackupTest, AClosedObjectMakesNoneAndTouchesNothing)
+TEST_F(BackupStoreTest, AClosedObjectMakesNoneAndTouchesNothing)
 {
     Station->CloseTolvaDatabase();
     EXPECT_FALSE(Station->BackupDatabase(true));
     EXPECT_FALSE(QDir(Root()).exists());
 }
 
-TEST_F(BackupTest, OnlyAnAutomaticBackupShowsTheNotice)
+TEST_F(BackupStoreTest, OnlyAnAutomaticBackupShowsTheNotice)
 {
     EXPECT_TRUE(Station->BackupDatabase(true));
     EXPECT_TRUE(Ui.BackupNotices().isEmpty());
@@ -129,7 +129,7 @@ TEST_F(BackupTest, OnlyAnAutomaticBackupShowsTheNotice)
     EXPECT_EQ(Ui.ProgressCaptions().count(CopyCaption), 2);
 }
 
-TEST_F(BackupTest, AnotherComputersFreshAnnouncementIsRespected)
+TEST_F(BackupStoreTest, AnotherComputersFreshAnnouncementIsRespected)
 {
     Announce(QStringLiteral("21/11/2026 14:00:10"), QStringLiteral("STUDIO 2"));
     EXPECT_FALSE(Station->BackupDatabase(false)); // 4 minutes and 59 seconds
@@ -139,7 +139,7 @@ TEST_F(BackupTest, AnotherComputersFreshAnnouncementIsRespected)
     EXPECT_TRUE(Station->BackupDatabase(false)); // 5 minutes: stale
 }
 
-TEST_F(BackupTest, AnAnnouncementOfThisComputerOrWithoutADateIsIgnored)
+TEST_F(BackupStoreTest, AnAnnouncementOfThisComputerOrWithoutADateIsIgnored)
 {
     Announce(QStringLiteral("21/11/2026 14:05:00"), QSysInfo::machineHostName() + u' ');
     EXPECT_TRUE(Station->BackupDatabase(false));
@@ -149,14 +149,14 @@ TEST_F(BackupTest, AnAnnouncementOfThisComputerOrWithoutADateIsIgnored)
     EXPECT_TRUE(Station->BackupDatabase(false));
 }
 
-TEST_F(BackupTest, AForcedBackupMindsNoAnnouncementAndNoEarlierBackup)
+TEST_F(BackupStoreTest, AForcedBackupMindsNoAnnouncementAndNoEarlierBackup)
 {
     Announce(QStringLiteral("21/11/2026 14:05:00"), QStringLiteral("STUDIO 2"));
     Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 14:00:00\""), QString());
     EXPECT_TRUE(Station->BackupDatabase(true));
 }
 
-TEST_F(BackupTest, TheDayHasOneDailyBackup)
+TEST_F(BackupStoreTest, TheDayHasOneDailyBackup)
 {
     Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 00:00:01\""), QString());
     EXPECT_FALSE(Station->BackupDatabase(false));
@@ -164,7 +164,7 @@ TEST_F(BackupTest, TheDayHasOneDailyBackup)
     EXPECT_TRUE(Station->BackupDatabase(false));
 }
 
-TEST_F(BackupTest, TheHourHasOneHourlyBackup)
+TEST_F(BackupStoreTest, TheHourHasOneHourlyBackup)
 {
     Station->SetBackupInterval(60);
     Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 14:00:00\""), QString());
@@ -177,14 +177,14 @@ TEST_F(BackupTest, TheHourHasOneHourlyBackup)
     EXPECT_TRUE(Station->BackupDatabase(false));
 }
 
-TEST_F(BackupTest, AnyOtherIntervalKnowsNoLastBackup)
+TEST_F(BackupStoreTest, AnyOtherIntervalKnowsNoLastBackup)
 {
     Station->SetBackupInterval(30);
     Station->SetDatabaseSetting(LastKey, QStringLiteral("Run=\"21/11/2026 14:05:00\""), QString());
     EXPECT_TRUE(Station->BackupDatabase(false));
 }
 
-TEST_F(BackupTest, ABackupOfExactlyTheExpiryDaysStaysAndAnOlderOneGoes)
+TEST_F(BackupStoreTest, ABackupOfExactlyTheExpiryDaysStaysAndAnOlderOneGoes)
 {
     MakeOld(QStringLiteral("a"), CreatedOn("14/11/2026 14:05:09"));
     MakeOld(QStringLiteral("b"), CreatedOn("13/11/2026 14:05:09"));
@@ -193,7 +193,7 @@ TEST_F(BackupTest, ABackupOfExactlyTheExpiryDaysStaysAndAnOlderOneGoes)
     EXPECT_EQ(Names(), (QStringList{QStringLiteral("2026-11-21 14.05"), QStringLiteral("a"), QStringLiteral("c")}));
 }
 
-TEST_F(BackupTest, EveryDeletionTellsTheDateThatWasReadLast)
+TEST_F(BackupStoreTest, EveryDeletionTellsTheDateThatWasReadLast)
 {
     MakeOld(QStringLiteral("a"), CreatedOn("01/11/2026 10:00:00"));
     MakeOld(QStringLiteral("b"), CreatedOn("02/11/2026 10:00:00"));
@@ -204,7 +204,7 @@ TEST_F(BackupTest, EveryDeletionTellsTheDateThatWasReadLast)
     EXPECT_EQ(Ui.ProgressCaptions(), (QStringList{CopyCaption, caption, caption}));
 }
 
-TEST_F(BackupTest, WhatHasNoReadableDetailsNeverExpires)
+TEST_F(BackupStoreTest, WhatHasNoReadableDetailsNeverExpires)
 {
     MakeOld(QStringLiteral("a"), QByteArray());
     MakeOld(QStringLiteral("b"), CreatedOn("long ago"));
@@ -218,7 +218,7 @@ TEST_F(BackupTest, WhatHasNoReadableDetailsNeverExpires)
     EXPECT_TRUE(loose.exists());
 }
 
-TEST_F(BackupTest, ExpiryDays0DeletesNothing)
+TEST_F(BackupStoreTest, ExpiryDays0DeletesNothing)
 {
     MakeOld(QStringLiteral("a"), CreatedOn("01/01/2020 10:00:00"));
     Station->SetBackupExpiryDays(0);
@@ -226,7 +226,7 @@ TEST_F(BackupTest, ExpiryDays0DeletesNothing)
     EXPECT_EQ(Names().size(), 2);
 }
 
-TEST_F(BackupTest, AClockThatJumpsYearsAheadLeavesTheNewestThreeSoundBackups)
+TEST_F(BackupStoreTest, AClockThatJumpsYearsAheadLeavesTheNewestThreeSoundBackups)
 {
     for (int day = 0; day < 5; ++day, Now.Advance(24 * 3600)) {
         Reopen();
@@ -249,7 +249,7 @@ TEST_F(BackupTest, AClockThatJumpsYearsAheadLeavesTheNewestThreeSoundBackups)
     EXPECT_EQ(Names(), (QStringList{before.at(1), before.at(2), before.at(3), QStringLiteral("2040-01-01 12.00")}));
 }
 
-TEST_F(BackupTest, ABackupFromTheFutureIsNotTheNewestAndSuppressesNone)
+TEST_F(BackupStoreTest, ABackupFromTheFutureIsNotTheNewestAndSuppressesNone)
 {
     Reopen();
     MakeSound();
@@ -267,7 +267,7 @@ TEST_F(BackupTest, ABackupFromTheFutureIsNotTheNewestAndSuppressesNone)
     EXPECT_EQ(BackupFolders::NewestSound(Root(), QStringLiteral("Tolva.mdb")).Name, QStringLiteral("2026-11-22 09.00"));
 }
 
-TEST_F(BackupTest, ABackupFromAZoneFartherEastIsNotFromTheFuture)
+TEST_F(BackupStoreTest, ABackupFromAZoneFartherEastIsNotFromTheFuture)
 {
     Reopen();
     MakeSound();
@@ -277,7 +277,7 @@ TEST_F(BackupTest, ABackupFromAZoneFartherEastIsNotFromTheFuture)
     EXPECT_EQ(BackupFolders::NewestSound(Root(), QStringLiteral("Tolva.mdb")).Name, QString());
 }
 
-TEST_F(BackupTest, AFailedForcedBackupIsToldAndLeavesOldOnesAlone)
+TEST_F(BackupStoreTest, AFailedForcedBackupIsToldAndLeavesOldOnesAlone)
 {
     MakeOld(QStringLiteral("a"), CreatedOn("01/01/2020 10:00:00"));
     Ui.CancelProgressAt(1);
@@ -292,7 +292,7 @@ TEST_F(BackupTest, AFailedForcedBackupIsToldAndLeavesOldOnesAlone)
     EXPECT_EQ(Setting(LastKey), QString());
 }
 
-TEST_F(BackupTest, AFailedAutomaticBackupIsSilent)
+TEST_F(BackupStoreTest, AFailedAutomaticBackupIsSilent)
 {
     Ui.CancelProgressAt(1);
     EXPECT_FALSE(Station->BackupDatabase(false));
@@ -300,7 +300,7 @@ TEST_F(BackupTest, AFailedAutomaticBackupIsSilent)
     EXPECT_EQ(Setting(RunningKey), QString());
 }
 
-TEST_F(BackupTest, AFileInTheWayOfTheFoldersFailsTheBackup)
+TEST_F(BackupStoreTest, AFileInTheWayOfTheFoldersFailsTheBackup)
 {
     QFile inTheWay(Folder.filePath(QStringLiteral("Backups")));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
@@ -308,7 +308,7 @@ TEST_F(BackupTest, AFileInTheWayOfTheFoldersFailsTheBackup)
     EXPECT_FALSE(Station->BackupDatabase(true));
 }
 
-TEST_F(BackupTest, ADamagedStationDrivesOutNoOlderBackup)
+TEST_F(BackupStoreTest, ADamagedStationDrivesOutNoOlderBackup)
 {
     for (int i = 0; i < 50; ++i)
         SaveNew(QStringLiteral("message %1").arg(i));
@@ -325,7 +325,7 @@ TEST_F(BackupTest, ADamagedStationDrivesOutNoOlderBackup)
     EXPECT_FALSE(QFile::exists(In(QStringLiteral("2026-11-21 14.05"), u"Tolva.mdb")));
 }
 
-TEST_F(BackupTest, ASecondBackupInTheSameMinuteTakesThePlaceOfTheFirst)
+TEST_F(BackupStoreTest, ASecondBackupInTheSameMinuteTakesThePlaceOfTheFirst)
 {
     EXPECT_TRUE(Station->BackupDatabase(true));
     Reopen();
@@ -338,12 +338,12 @@ TEST_F(BackupTest, ASecondBackupInTheSameMinuteTakesThePlaceOfTheFirst)
     EXPECT_EQ(copy->OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable)->RecordCount(), 2);
 }
 
-TEST_F(BackupTest, RecordingOnNoDatabaseGivesNothing)
+TEST_F(BackupStoreTest, RecordingOnNoDatabaseGivesNothing)
 {
     EXPECT_EQ(DAO_DatabaseFunctions::RecordLastBackup(nullptr, Date(2026, 11, 21), QStringLiteral("x")), QString());
 }
 
-TEST_F(BackupTest, ARecordThatCannotBeStoredIsEmpty)
+TEST_F(BackupStoreTest, ARecordThatCannotBeStoredIsEmpty)
 {
     const auto database = dao::DBEngine::OpenDatabase(FileName());
     EXPECT_EQ(DAO_DatabaseFunctions::RecordLastBackup(database.get(), Date(2026, 11, 21), QString(300, u'n')),
@@ -352,7 +352,7 @@ TEST_F(BackupTest, ARecordThatCannotBeStoredIsEmpty)
               QStringLiteral("Run=\"21/11/2026 09:05:01\" By=%1 Name=n").arg(QSysInfo::machineHostName()));
 }
 
-TEST_F(BackupTest, ThroughAYearEachDayHasItsBackupAndThoseOfTheLastWeekStay)
+TEST_F(BackupStoreTest, ThroughAYearEachDayHasItsBackupAndThoseOfTheLastWeekStay)
 {
     // In memory where the system has a place for that: the syncs of a year take minutes on a disk.
     const QTemporaryDir memory(QFileInfo(QStringLiteral("/dev/shm")).isWritable()

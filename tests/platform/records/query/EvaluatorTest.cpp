@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/query/Evaluator.h"
+
 #include "platform/records/RecordsFixture.h"
 #include "platform/records/jetsql/MemoryDatabase.h"
 #include "platform/records/jetsql/Parser.h"
 #include "platform/records/query/Binder.h"
-#include "platform/records/query/Evaluator.h"
 #include "platform/records/query/StoredValues.h"
 
 #include <cmath>

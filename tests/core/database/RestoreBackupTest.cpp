@@ -2,11 +2,12 @@
 
 // The search for a backup when a database is found corrupted.
 
+#include "database/RestoreBackup.h"
+
 #include "common/PendingError.h"
 #include "core/support/StationTest.h"
 #include "database/BackupFolders.h"
 #include "database/DAO_DatabaseFunctions.h"
-#include "database/RestoreBackup.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
 
@@ -62,7 +63,7 @@ private:
 };
 } // namespace
 
-class RestoreTest : public StationTest
+class RestoreBackupTest : public StationTest
 {
 protected:
     void SetUp() override
@@ -123,7 +124,7 @@ protected:
     int Messages() const { return static_cast<int>(Station->GetMessages(QString())->Count()); }
 };
 
-TEST_F(RestoreTest, TheNewestBackupTakesThePlaceOfTheCorruptedFile)
+TEST_F(RestoreBackupTest, TheNewestBackupTakesThePlaceOfTheCorruptedFile)
 {
     ExpectOffer(QStringLiteral("Saturday, 21 November 2026 15:05"));
     EXPECT_EQ(Open(), 0);
@@ -134,7 +135,7 @@ TEST_F(RestoreTest, TheNewestBackupTakesThePlaceOfTheCorruptedFile)
               (QStringList{QStringLiteral("Real.mdb"), QStringLiteral("Tolva.BAK"), QStringLiteral("Tolva.mdb")}));
 }
 
-TEST_F(RestoreTest, WhoWantsNoSearchGetsTheErrorOfTheFile)
+TEST_F(RestoreBackupTest, WhoWantsNoSearchGetsTheErrorOfTheFile)
 {
     ExpectReport();
     Ui.ExpectConfirmation(SearchQuestion, MessageBoxAnswer::No);
@@ -142,7 +143,7 @@ TEST_F(RestoreTest, WhoWantsNoSearchGetsTheErrorOfTheFile)
     EXPECT_EQ(Read(FileName()), HalfDeadMark);
 }
 
-TEST_F(RestoreTest, WhoDeclinesTheBackupGetsMinus1AndNothingIsTouched)
+TEST_F(RestoreBackupTest, WhoDeclinesTheBackupGetsMinus1AndNothingIsTouched)
 {
     ExpectOffer(QStringLiteral("Saturday, 21 November 2026 15:05"), MessageBoxAnswer::No);
     EXPECT_EQ(Open(), -1);
@@ -150,7 +151,7 @@ TEST_F(RestoreTest, WhoDeclinesTheBackupGetsMinus1AndNothingIsTouched)
     EXPECT_FALSE(QFile::exists(KeepName()));
 }
 
-TEST_F(RestoreTest, WithoutBackupsTheErrorOfTheFileIsTheResult)
+TEST_F(RestoreBackupTest, WithoutBackupsTheErrorOfTheFileIsTheResult)
 {
     ASSERT_TRUE(QDir(Folder.filePath(QStringLiteral("Backups"))).removeRecursively());
     ExpectReport();
@@ -158,7 +159,7 @@ TEST_F(RestoreTest, WithoutBackupsTheErrorOfTheFileIsTheResult)
     EXPECT_EQ(Open(), errFileDamaged);
 }
 
-TEST_F(RestoreTest, ADamagedBackupIsPassedOverForAnOlderOne)
+TEST_F(RestoreBackupTest, ADamagedBackupIsPassedOverForAnOlderOne)
 {
     const QByteArray whole = Read(Copy(u"2026-11-21 15.05"));
     QByteArray zeroed = whole;
@@ -174,7 +175,7 @@ TEST_F(RestoreTest, ADamagedBackupIsPassedOverForAnOlderOne)
     }
 }
 
-TEST_F(RestoreTest, ABackupWithoutItsDetailsOrDateIsNotOffered)
+TEST_F(RestoreBackupTest, ABackupWithoutItsDetailsOrDateIsNotOffered)
 {
     const QString details = QFileInfo(Copy(u"2026-11-21 15.05")).path() + QStringLiteral("/Backup.inf");
     ASSERT_TRUE(QFile::rename(details, QFileInfo(details).path() + QStringLiteral("/BACKUP.inf")));
@@ -188,7 +189,7 @@ TEST_F(RestoreTest, ABackupWithoutItsDetailsOrDateIsNotOffered)
     EXPECT_EQ(Open(), -1);
 }
 
-TEST_F(RestoreTest, AnEarlierKeptFileMakesWay)
+TEST_F(RestoreBackupTest, AnEarlierKeptFileMakesWay)
 {
     Write(KeepName(), "from last year");
     ExpectOffer(QStringLiteral("Saturday, 21 November 2026 15:05"));
@@ -197,7 +198,7 @@ TEST_F(RestoreTest, AnEarlierKeptFileMakesWay)
     EXPECT_TRUE(Ui.ProgressCaptions().contains(QStringLiteral("Removing old files...")));
 }
 
-TEST_F(RestoreTest, AnEarlierKeptFileThatStaysStopsTheRestore)
+TEST_F(RestoreBackupTest, AnEarlierKeptFileThatStaysStopsTheRestore)
 {
     Write(KeepName(), "from last year");
     ExpectOffer(QStringLiteral("Saturday, 21 November 2026 15:05"));
@@ -211,7 +212,7 @@ TEST_F(RestoreTest, AnEarlierKeptFileThatStaysStopsTheRestore)
     EXPECT_EQ(Read(KeepName()), "from last year");
 }
 
-TEST_F(RestoreTest, ACopyThatIsStoppedLeavesTheOldFileInItsPlace)
+TEST_F(RestoreBackupTest, ACopyThatIsStoppedLeavesTheOldFileInItsPlace)
 {
     ExpectOffer(QStringLiteral("Saturday, 21 November 2026 15:05"));
     Ui.CancelProgressAt(1);
@@ -222,7 +223,7 @@ TEST_F(RestoreTest, ACopyThatIsStoppedLeavesTheOldFileInItsPlace)
               (QStringList{QStringLiteral("Real.mdb"), QStringLiteral("Tolva.mdb")}));
 }
 
-TEST_F(RestoreTest, TheOldFilesJournalDoesNotReachTheRestoredOne)
+TEST_F(RestoreBackupTest, TheOldFilesJournalDoesNotReachTheRestoredOne)
 {
     Write(FileName() + QStringLiteral("-journal"), QByteArray(600, 'j'));
     ExpectOffer(QStringLiteral("Saturday, 21 November 2026 15:05"));
@@ -231,7 +232,7 @@ TEST_F(RestoreTest, TheOldFilesJournalDoesNotReachTheRestoredOne)
     EXPECT_EQ(Read(KeepName() + QStringLiteral("-journal")), QByteArray(600, 'j'));
 }
 
-TEST_F(RestoreTest, WhateverHappenedToTheFileABackupBringsItBack)
+TEST_F(RestoreBackupTest, WhateverHappenedToTheFileABackupBringsItBack)
 {
     const QByteArray whole = Read(Copy(u"2026-11-21 15.05"));
     QByteArray flipped = whole;
