@@ -11,6 +11,7 @@ set(publicHeaders
     common/TerminalUserInterface.h
     common/UserInterface.h
     common/cPageSetup.h
+    common/controls/StationList.h
     common/clsFont.h
     common/dialogs/DialogUserInterface.h
     common/dialogs/QtFileDialog.h

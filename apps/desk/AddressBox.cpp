@@ -47,7 +47,7 @@ bool MayBeUnit(const QString& name)
 AddressBox::AddressBox(const QString& name, const QString& accessibleName, QWidget* parent)
     : QWidget(parent),
       Address_(new uMessageAddress(this)),
-      Box_(Address_->findChild<RichTextBox*>(QStringLiteral("rtfAddresses"))),
+      Box_(&Address_->Box()),
       List_(new SuggestionList(this)),
       Actions_(new AddressActions(this))
 {

@@ -8,6 +8,7 @@
 #include "ComposeWindow.h"
 #include "DeskSettings.h"
 #include "Failure.h"
+#include "FocusRing.h"
 #include "MessageWindow.h"
 #include "MoveUndo.h"
 #include "NoticeBar.h"
@@ -18,23 +19,19 @@
 #include "common/ClockHelper.h"
 #include "contacts/ContactDesk.h"
 #include "messageslist/uMessagesList.h"
-#include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
-#include "platform/widgets/TabStrip.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
+#include "prizes/controls/uPrizesList.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QMenu>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QTabBar>
 #include <QVBoxLayout>
 
 namespace
@@ -44,7 +41,6 @@ constexpr int FitDelay = 300;
 constexpr int FillDelay = 200;
 /// Beyond this, fitting the subjects of all rows to a new width takes longer than it is worth.
 constexpr int MostRowsFitted = 3000;
-constexpr int MessageMilliseconds = 8000;
 constexpr float ListInterval = 3;
 
 const QString GeometryState = QStringLiteral("MainWindow/Geometry");
@@ -141,6 +137,17 @@ void MainWindow::MakeParts()
     Splitter_->setStretchFactor(0, 3);
     Splitter_->setStretchFactor(1, 2);
 
+    MakePages();
+    MakeStatusBar();
+    connect(Filter_, &NoticeBar::ButtonClicked, this, [this] { Run([this] { List_->ClearFind(); }); });
+    connect(Preview_, &PreviewPane::WasRead, this, &MainWindow::MarkAsRead);
+    connect(&Preview_->Attachments(), &AttachmentList::Saved, this,
+            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
+}
+
+/// The page of messages and that of prizes, below the notices for both.
+void MainWindow::MakePages()
+{
     auto* messages = new QWidget(this);
     auto* messagesLayout = new QVBoxLayout(messages);
     messagesLayout->setContentsMargins(0, 0, 0, 0);
@@ -165,7 +172,10 @@ void MainWindow::MakeParts()
     layout->addWidget(&Prizes_->Notice());
     layout->addWidget(Prizes_->MakePages(messages), 1);
     setCentralWidget(page);
+}
 
+void MainWindow::MakeStatusBar()
+{
     const auto addLabel = [this](const char* name) {
         auto* label = new QLabel(this);
         label->setObjectName(QLatin1String(name));
@@ -177,25 +187,12 @@ void MainWindow::MakeParts()
     Counts_ = addLabel("counts");
     Updated_ = addLabel("updated");
     User_ = addLabel("user");
-    connect(Filter_, &NoticeBar::ButtonClicked, this, [this] { Run([this] { List_->ClearFind(); }); });
-    connect(Preview_, &PreviewPane::WasRead, this, &MainWindow::MarkAsRead);
-    connect(&Preview_->Attachments(), &AttachmentList::Saved, this,
-            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
 }
 
 /// Whose messages: everybody's and one's own, one's own alone, or those personal to others too.
 void MainWindow::AddTabs()
 {
-    auto* strip = List_->findChild<TabStrip*>(QStringLiteral("tbsMessages"));
-    QTabBar& tabs = strip->Tabs();
-    tabs.setAccessibleName(strip->accessibleName());
-    const QStringList captions = {tr("General"), tr("Personal"), tr("All")};
-    for (int i = 0; i < captions.size(); ++i) {
-        if (i < tabs.count())
-            tabs.setTabText(i, captions.at(i));
-        else
-            tabs.addTab(captions.at(i));
-    }
+    List_->SetTabs({tr("General"), tr("Personal"), tr("All")});
 }
 
 void MainWindow::ConnectList()
@@ -225,13 +222,13 @@ void MainWindow::ConnectList()
     connect(List_, &uMessagesList::ImportRefused, this, [this](const QString& file) {
         statusBar()->showMessage(tr("%1 holds no mail that could be filed.").arg(file), MessageMilliseconds);
     });
-    // After the list's own handlers, which open nothing for a message that is gone.
-    auto* grid = List_->findChild<FlexGrid*>(QStringLiteral("grdMessages"));
-    connect(grid, &FlexGrid::DblClick, this, &MainWindow::CheckSelectedIsThere);
-    connect(grid, &FlexGrid::KeyDown, this, [this](const QKeyEvent* event) {
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-            CheckSelectedIsThere();
+    connect(List_, &uMessagesList::MessageGone, this, &MainWindow::TakeGoneMessage);
+    connect(List_, &uMessagesList::ReplyWanted, this, [this](const cMessagePtr&, bool& isTaken) {
+        isTaken = true;
+        Reply();
     });
+    connect(List_, &StationList::ReadingFailed, this, &MainWindow::TakeFailedReading);
+    connect(&Prizes_->Page().List(), &StationList::ReadingFailed, this, &MainWindow::TakeFailedReading);
 }
 
 void MainWindow::RestoreSizes()
@@ -314,156 +311,6 @@ void MainWindow::closeEvent(QCloseEvent* event)
     Station_->Database().CloseTolvaDatabase();
     event->accept();
     Q_EMIT Closed();
-}
-
-QList<ComposeWindow*> MainWindow::ComposeWindows() const
-{
-    QList<ComposeWindow*> result;
-    for (const QPointer<QMainWindow>& window : Windows_) {
-        if (auto* compose = qobject_cast<ComposeWindow*>(window.data()))
-            result.append(compose);
-    }
-    return result;
-}
-
-QList<MessageWindow*> MainWindow::MessageWindows() const
-{
-    QList<MessageWindow*> result;
-    for (const QPointer<QMainWindow>& window : Windows_) {
-        if (auto* message = qobject_cast<MessageWindow*>(window.data()))
-            result.append(message);
-    }
-    return result;
-}
-
-ComposeWindow* MainWindow::Compose(const Composition& composition, const cMessagePtr& draft)
-{
-    for (ComposeWindow* open : ComposeWindows()) {
-        if (draft && open->Reference() == draft->Reference() && open->isVisible()) {
-            open->raise();
-            open->activateWindow();
-            return open;
-        }
-    }
-    auto* window = new ComposeWindow(*Station_, composition, draft);
-    window->setWindowIcon(windowIcon());
-    Windows_.removeAll(nullptr);
-    Windows_.append(window);
-    connect(window, &ComposeWindow::Filed, this, [this](const QString& words) {
-        statusBar()->showMessage(words, MessageMilliseconds);
-        CountTimer_.start();
-    });
-    connect(window, &ComposeWindow::ContactWanted, Contacts_, &ContactDesk::ShowAddress);
-    window->show();
-    window->activateWindow();
-    return window;
-}
-
-MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
-{
-    for (MessageWindow* open : MessageWindows()) {
-        if (open->Reference() == message->Reference() && open->isVisible()) {
-            open->raise();
-            open->activateWindow();
-            return open;
-        }
-    }
-    auto* window = new MessageWindow(*Station_, message);
-    window->setWindowIcon(windowIcon());
-    Windows_.removeAll(nullptr);
-    Windows_.append(window);
-    const auto writer = [this] { return Composing::WriterOf(Station_->Database()); };
-    connect(window, &MessageWindow::ReplyWanted, this,
-            [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Reply(*original, writer())); }); });
-    connect(window, &MessageWindow::ReplyToAllWanted, this, [=, this](const cMessagePtr& original) {
-        Run([&] { Compose(Composing::ReplyToAll(*original, writer())); });
-    });
-    connect(window, &MessageWindow::PrintWanted, this, [this, window](const cMessagePtr& original) {
-        PrintMessages({{}, original}, window);
-    });
-    connect(window, &MessageWindow::ForwardWanted, this,
-            [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Forward(*original)); }); });
-    connect(window, &MessageWindow::AwardToSenderWanted, this,
-            [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
-    connect(window, &MessageWindow::SenderContactWanted, Contacts_, &ContactDesk::ShowSender);
-    connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
-    window->show();
-    window->activateWindow();
-    return window;
-}
-
-/// The selected message as it is stored now; null, with words, when another computer has taken it away.
-cMessagePtr MainWindow::SelectedMessage()
-{
-    const qint32 reference = List_->SelectedReference();
-    cMessagePtr message = reference > 0 ? Station_->Database().ReadMessage(reference) : nullptr;
-    if (!message && reference > 0)
-        CheckSelectedIsThere();
-    return message;
-}
-
-void MainWindow::CheckSelectedIsThere()
-{
-    Run([this] {
-        const qint32 reference = List_->SelectedReference();
-        if (reference <= 0 || Station_->Database().ReadMessage(reference))
-            return;
-        statusBar()->showMessage(tr("That message is not there any more: it was deleted on another computer."),
-                                 MessageMilliseconds);
-        List_->UpdateDisplay();
-    });
-}
-
-void MainWindow::Reply()
-{
-    Run([this] {
-        if (const cMessagePtr original = SelectedMessage())
-            Compose(Composing::Reply(*original, Composing::WriterOf(Station_->Database())));
-    });
-}
-
-void MainWindow::ReplyToAll()
-{
-    Run([this] {
-        if (const cMessagePtr original = SelectedMessage())
-            Compose(Composing::ReplyToAll(*original, Composing::WriterOf(Station_->Database())));
-    });
-}
-
-void MainWindow::Forward()
-{
-    Run([this] {
-        if (const cMessagePtr original = SelectedMessage())
-            Compose(Composing::Forward(*original));
-    });
-}
-
-void MainWindow::NewMessage()
-{
-    Compose(Composition());
-}
-
-/// The list's record says what was wanted: nothing in it is a new message, a bare subject a forward of the selected
-/// one, and anything else a copy.
-void MainWindow::TakeNewMessage(const cMessagePtr& message)
-{
-    const cdo::Message& mail = *message->CDOMessage();
-    if (mail.Octets().isEmpty()) {
-        NewMessage();
-    } else if (mail.From().isEmpty() && mail.TextBody().isEmpty() && mail.HTMLBody().isEmpty() &&
-               mail.Subject().startsWith(QStringLiteral("FW: "))) {
-        Forward();
-    } else {
-        Compose(Composing::Copy(*message));
-    }
-}
-
-void MainWindow::TakeOpenMessage(const cMessagePtr& message)
-{
-    if (message->Category() == tmcDrafts)
-        Compose(Composing::Continue(*message), message);
-    else
-        OpenInWindow(message);
 }
 
 void MainWindow::TakeSelection(const cMessagePtr& message)
@@ -567,15 +414,5 @@ void MainWindow::FocusNextPane(bool backwards)
         Prizes_->Page().FocusNextPane(backwards);
         return;
     }
-    const QList<QWidget*> panes = {List_->findChild<QWidget*>(QStringLiteral("treeCategories")),
-                                   List_->findChild<QWidget*>(QStringLiteral("grdMessages")), Preview_->FocusTarget()};
-    qsizetype current = -1;
-    for (qsizetype i = 0; i < panes.size(); ++i) {
-        const QWidget* focus = QApplication::focusWidget();
-        if (focus && (panes.at(i) == focus || panes.at(i)->isAncestorOf(focus)))
-            current = i;
-    }
-    const qsizetype count = panes.size();
-    const qsizetype next = current < 0 ? 1 : (current + (backwards ? count - 1 : 1)) % count;
-    panes.at(next)->setFocus(Qt::ShortcutFocusReason);
+    FocusNext(List_->FocusTargets() << Preview_->FocusTarget(), backwards);
 }

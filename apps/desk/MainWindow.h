@@ -48,8 +48,7 @@ public:
     PrizeDesk& Prizes() { return *Prizes_; }
     ContactDesk& Contacts() { return *Contacts_; }
 
-    /// A run-time error of a control; true when this window has met it: the list's reply, which ends in one, and a
-    /// station that cannot be reached for a while.
+    /// A run-time error of a control; true when this window has met it: that the station was put back from a backup.
     bool TakeRunTimeError(const dao::Error& error);
 
     /// The windows in which something is written, and those that show one message.
@@ -60,6 +59,8 @@ public:
 
     /// How often it looks whether the station is still there.
     static constexpr int WatchMilliseconds = 3000;
+    /// How long a message stands in the status bar.
+    static constexpr int MessageMilliseconds = 8000;
     /// How often it looks whether the automatic backup of the day or hour is due.
     static constexpr int BackupMilliseconds = 15 * 60 * 1000;
 
@@ -91,11 +92,15 @@ private:
     void Run(Work&& work);
 
     void MakeParts();
+    void MakePages();
+    void MakeStatusBar();
     void ConnectList();
     void AddTabs();
     void MakeFileMenu();
     void MakeMessageMenu();
     void MakeViewMenu();
+    void MakeGoMenu(QMenu& menu);
+    void MakeColoursMenu(QMenu& menu);
     void MakeStationMenu();
     void MakeHelpMenu();
     QWidget* MakeMessageSide();
@@ -115,7 +120,8 @@ private:
     void ConnectContacts();
     void TakeUpdate();
     void TakePage(bool prizes);
-    void CheckSelectedIsThere();
+    void TakeGoneMessage();
+    void TakeFailedReading(int errorNumber, bool& isTold);
     void MarkAsRead(qint32 reference);
     void ShowCounts();
     void ShowConnectionProblem(int errorNumber);

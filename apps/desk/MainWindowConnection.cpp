@@ -40,22 +40,20 @@ QString ConnectionWords(int errorNumber)
 
 bool MainWindow::TakeRunTimeError(const dao::Error& error)
 {
-    if (error.Number() == dao::errFileReplaced) {
+    if (error.Number() != dao::errFileReplaced)
+        return false;
+    TakePutBack();
+    return true;
+}
+
+/// What a list reads by itself is tried again: a notice does, and no box.
+void MainWindow::TakeFailedReading(int errorNumber, bool& isTold)
+{
+    isTold = true;
+    if (errorNumber == dao::errFileReplaced)
         TakePutBack();
-        return true;
-    }
-    const bool isOfList = error.Source().startsWith(QStringLiteral("uMessagesList.")) ||
-                          error.Source().startsWith(QStringLiteral("uPrizesList."));
-    if (isOfList && error.Number() == dao::errTypeMismatch && error.Source().contains(QStringLiteral("Reply"))) {
-        Reply();
-        return true;
-    }
-    if (isOfList && (error.Source().endsWith(QStringLiteral(".timerUpdateList")) ||
-                     error.Source().endsWith(QStringLiteral(".Category")))) {
-        ShowConnectionProblem(error.Number());
-        return true;
-    }
-    return false;
+    else
+        ShowConnectionProblem(errorNumber);
 }
 
 void MainWindow::ShowConnectionProblem(int errorNumber)

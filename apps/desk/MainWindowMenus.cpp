@@ -123,8 +123,6 @@ void MainWindow::MakeMessageMenu()
     for (QAction* entry : menu->actions()) {
         if (entry->objectName() == u"mnuForwardMessage")
             menu->insertAction(entry, all);
-        if (entry->objectName() == u"mnuOpen")
-            connect(entry, &QAction::triggered, this, &MainWindow::CheckSelectedIsThere);
     }
     menu->addSeparator();
     menu->addAction(Undo_->Action());
@@ -152,7 +150,29 @@ void MainWindow::MakeViewMenu()
                                   QKeySequence(Qt::SHIFT | Qt::Key_F6));
     Prizes_->AddToViewMenu(*menu);
     menu->addSeparator();
-    auto* go = menu->addMenu(tr("&Go to"));
+    MakeGoMenu(*menu);
+    MakeColoursMenu(*menu);
+    connect(refresh, &QAction::triggered, this, &MainWindow::RefreshAll);
+    connect(all, &QAction::triggered, this, [this] {
+        if (Prizes_->IsOnShow())
+            Prizes_->Page().ShowAll();
+        else
+            Run([this] { List_->ClearFind(); });
+    });
+    connect(next, &QAction::triggered, this, [this] { FocusNextPane(); });
+    connect(previous, &QAction::triggered, this, [this] { FocusNextPane(true); });
+    connect(find, &QAction::triggered, this, [this] {
+        if (Prizes_->IsOnShow()) {
+            Prizes_->Page().Find();
+            return;
+        }
+        List_->FocusFind();
+    });
+}
+
+void MainWindow::MakeGoMenu(QMenu& menu)
+{
+    auto* go = menu.addMenu(tr("&Go to"));
     const QStringList names = {tr("Inbox"),         tr("Outbox"),         tr("Saved"),        tr("Sent"),
                                tr("Deleted Items"), tr("Draft Messages"), tr("Auto-Messages")};
     for (int i = 0; i < names.size(); ++i) {
@@ -164,7 +184,11 @@ void MainWindow::MakeViewMenu()
             Run([&] { List_->SetCategory(category); });
         });
     }
-    auto* looks = menu->addMenu(tr("Colour&s"));
+}
+
+void MainWindow::MakeColoursMenu(QMenu& menu)
+{
+    auto* looks = menu.addMenu(tr("Colour&s"));
     auto* group = new QActionGroup(this);
     const QList<std::pair<QString, QString>> choices = {{QString(), tr("As the &system")},
                                                         {QStringLiteral("light"), tr("&Light")},
@@ -180,25 +204,6 @@ void MainWindow::MakeViewMenu()
             Appearance::Apply(key);
         });
     }
-    connect(refresh, &QAction::triggered, this, &MainWindow::RefreshAll);
-    connect(all, &QAction::triggered, this, [this] {
-        if (Prizes_->IsOnShow())
-            Prizes_->Page().ShowAll();
-        else
-            Run([this] { List_->ClearFind(); });
-    });
-    connect(next, &QAction::triggered, this, [this] { FocusNextPane(); });
-    connect(previous, &QAction::triggered, this, [this] { FocusNextPane(true); });
-    connect(find, &QAction::triggered, this, [this] {
-        if (Prizes_->IsOnShow()) {
-            Prizes_->Page().Find();
-            return;
-        }
-        auto* box = List_->findChild<QComboBox*>(QStringLiteral("comboFind"));
-        box->setFocus(Qt::ShortcutFocusReason);
-        if (box->lineEdit())
-            box->lineEdit()->selectAll();
-    });
 }
 
 void MainWindow::MakeHelpMenu()

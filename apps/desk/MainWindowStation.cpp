@@ -23,7 +23,6 @@
 
 namespace
 {
-constexpr int MessageMilliseconds = 8000;
 
 bool IsSame(const cPageSetup& a, const cPageSetup& b)
 {

@@ -22,7 +22,6 @@
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "contacts/ContactPictures.h"
 #include "messageslist/uMessagesList.h"
-#include "platform/widgets/FlexGrid.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizePictures.h"
 
@@ -150,7 +149,7 @@ public:
 
 private:
     MainWindow& Window() { return *Desk_.Window(); }
-    FlexGrid& Grid() { return *Window().List().findChild<FlexGrid*>(QStringLiteral("grdMessages")); }
+    uMessagesList& List() { return Window().List(); }
 
     void Settle()
     {
@@ -184,17 +183,17 @@ private:
 
     void Select(int row)
     {
-        Grid().SetRow(row);
-        Grid().SetCol(0);
-        Grid().setFocus();
+        List().SelectMessage(List().References().value(row - 1));
+        List().FocusTargets().last()->setFocus();
         Settle();
     }
 
     /// The first message with a file, so that the list of attachments is seen.
     void SelectOneWithFiles()
     {
-        for (int row = 1; row < Grid().Rows() && row < 60; ++row) {
-            const cMessagePtr message = Window().Station().Database().ReadMessage(Grid().TextMatrix(row, 0).toInt());
+        const QList<qint32> references = List().References();
+        for (int row = 1; row <= references.size() && row < 60; ++row) {
+            const cMessagePtr message = Window().Station().Database().ReadMessage(references.at(row - 1));
             if (message && !message->CDOMessage()->Attachments().isEmpty()) {
                 Select(row);
                 return;
@@ -225,7 +224,7 @@ private:
         Go(tmcDrafts);
         Save(Window(), "desk-empty-folder");
         Go(unusual);
-        for (int row = 1; row <= 4 && row < Grid().Rows(); ++row) {
+        for (int row = 1; row <= 4 && row <= List().NumberItems(); ++row) {
             Select(row);
             if (row == 1)
                 Save(Window(), "desk-long-names");
@@ -243,15 +242,13 @@ private:
     void Find()
     {
         Go(tmcInbox);
-        auto* box = Window().List().findChild<QComboBox*>(QStringLiteral("comboFind"));
-        box->setEditText(QStringLiteral("the"));
-        Window().List().UpdateDisplay();
+        List().Find(QStringLiteral("the"));
         Settle();
         Save(Window(), "desk-filter");
         Window().List().ClearFind();
         Settle();
-        Window().TakeRunTimeError(
-            dao::Error(dao::errDiskError, QString(), QStringLiteral("uMessagesList.timerUpdateList")));
+        bool isTold = false;
+        Q_EMIT List().ReadingFailed(dao::errDiskError, isTold);
         Settle();
         Save(Window(), "desk-no-connection");
         Window().WatchStation();
@@ -427,8 +424,9 @@ private:
         timer.restart();
         Go(tmcInbox);
         std::fprintf(stderr, "Shown after %.1f seconds.\n", static_cast<double>(timer.elapsed()) / 1000);
-        Select(Grid().Rows() / 2);
-        Grid().SetTopRow(Grid().Rows() / 2 - 3);
+        const int middle = List().NumberItems() / 2;
+        Select(middle);
+        List().ScrollToRow(middle - 3);
         Save(Window(), "desk-100000");
     }
 

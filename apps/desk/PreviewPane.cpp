@@ -99,6 +99,5 @@ void PreviewPane::TakeReadTime()
 
 QWidget* PreviewPane::FocusTarget() const
 {
-    auto* body = View_->findChild<QWidget*>(QStringLiteral("wbBody"));
-    return body ? body : View_;
+    return &View_->BodyPane();
 }

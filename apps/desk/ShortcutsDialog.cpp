@@ -6,42 +6,57 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+namespace
+{
+QList<std::pair<QString, QString>> Keys()
+{
+    return {
+        {QStringLiteral("Ctrl+N"), ShortcutsDialog::tr("New message; in the window of contacts: new contact")},
+        {QStringLiteral("Ctrl+R"), ShortcutsDialog::tr("Reply")},
+        {QStringLiteral("Ctrl+Shift+R"), ShortcutsDialog::tr("Reply to all")},
+        {QStringLiteral("Ctrl+L"), ShortcutsDialog::tr("Forward")},
+        {QStringLiteral("Enter"), ShortcutsDialog::tr("Open the selected message")},
+        {QStringLiteral("Delete"),
+         ShortcutsDialog::tr("Delete the selected message; while writing: take the selected attachments out")},
+        {QStringLiteral("Ctrl+Z"), ShortcutsDialog::tr("Take back the last delete or move; while writing: undo")},
+        {QStringLiteral("Ctrl+F"), ShortcutsDialog::tr("Find in subjects, among the prizes or among the contacts")},
+        {QStringLiteral("Ctrl+Shift+F"), ShortcutsDialog::tr("Show all messages or prizes again")},
+        {QStringLiteral("Ctrl+1 to Ctrl+7"),
+         ShortcutsDialog::tr("Inbox, Outbox, Saved, Sent, Deleted Items, Drafts, Auto-Messages")},
+        {QStringLiteral("Alt+1, Alt+2"), ShortcutsDialog::tr("Messages, prizes")},
+        {QStringLiteral("Ctrl+Shift+P"), ShortcutsDialog::tr("Award a prize to the sender of the message")},
+        {QStringLiteral("Ctrl+Shift+C"), ShortcutsDialog::tr("Contacts")},
+        {QStringLiteral("Ctrl+Shift+K"), ShortcutsDialog::tr("The contact who sent the message")},
+        {QStringLiteral("Ctrl+Enter"),
+         ShortcutsDialog::tr("On the page of prizes or in a prize's window: award the prize")},
+        {QStringLiteral("Ctrl++, Ctrl+=, Ctrl+-"),
+         ShortcutsDialog::tr("On the page of prizes: larger or smaller script")},
+        {QStringLiteral("F5"), ShortcutsDialog::tr("Refresh")},
+        {QStringLiteral("F6, Shift+F6"),
+         ShortcutsDialog::tr("Next or previous part of the window: folders, messages, message")},
+        {QStringLiteral("Ctrl+Enter"), ShortcutsDialog::tr("While writing: put the message in the Outbox")},
+        {QStringLiteral("Ctrl+S"),
+         ShortcutsDialog::tr("While writing: save the draft; in the window of a contact, prize or winner: save")},
+        {QStringLiteral("Ctrl+Shift+A"), ShortcutsDialog::tr("While writing: attach files")},
+        {QStringLiteral("Menu"),
+         ShortcutsDialog::tr("What can be done here; while writing, with the recipient beside the caret")},
+        {QStringLiteral("Ctrl+W"), ShortcutsDialog::tr("Close any window but the main one")},
+        {QStringLiteral("Esc"), ShortcutsDialog::tr("Close the window of a message or winner")},
+        {QStringLiteral("Ctrl+P"),
+         ShortcutsDialog::tr("Print the message; on the page of prizes or in a prize's window: the prize")},
+        {QStringLiteral("Ctrl+Alt+P"), ShortcutsDialog::tr("Print all messages on show")},
+        {QStringLiteral("Ctrl+O"), ShortcutsDialog::tr("Open another station")},
+        {QStringLiteral("F1"), ShortcutsDialog::tr("Show these keys")},
+        {QStringLiteral("Ctrl+Q"), ShortcutsDialog::tr("Quit")},
+    };
+}
+} // namespace
+
 ShortcutsDialog::ShortcutsDialog(QWidget* parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("shortcutsDialog"));
     setWindowTitle(tr("Keyboard shortcuts"));
-    const QList<std::pair<QString, QString>> keys = {
-        {QStringLiteral("Ctrl+N"), tr("New message; in the window of contacts: new contact")},
-        {QStringLiteral("Ctrl+R"), tr("Reply")},
-        {QStringLiteral("Ctrl+Shift+R"), tr("Reply to all")},
-        {QStringLiteral("Ctrl+L"), tr("Forward")},
-        {QStringLiteral("Enter"), tr("Open the selected message")},
-        {QStringLiteral("Delete"), tr("Delete the selected message; while writing: take the selected attachments out")},
-        {QStringLiteral("Ctrl+Z"), tr("Take back the last delete or move; while writing: undo")},
-        {QStringLiteral("Ctrl+F"), tr("Find in subjects, among the prizes or among the contacts")},
-        {QStringLiteral("Ctrl+Shift+F"), tr("Show all messages or prizes again")},
-        {QStringLiteral("Ctrl+1 to Ctrl+7"), tr("Inbox, Outbox, Saved, Sent, Deleted Items, Drafts, Auto-Messages")},
-        {QStringLiteral("Alt+1, Alt+2"), tr("Messages, prizes")},
-        {QStringLiteral("Ctrl+Shift+P"), tr("Award a prize to the sender of the message")},
-        {QStringLiteral("Ctrl+Shift+C"), tr("Contacts")},
-        {QStringLiteral("Ctrl+Shift+K"), tr("The contact who sent the message")},
-        {QStringLiteral("Ctrl+Enter"), tr("On the page of prizes or in a prize's window: award the prize")},
-        {QStringLiteral("Ctrl++, Ctrl+=, Ctrl+-"), tr("On the page of prizes: larger or smaller script")},
-        {QStringLiteral("F5"), tr("Refresh")},
-        {QStringLiteral("F6, Shift+F6"), tr("Next or previous part of the window: folders, messages, message")},
-        {QStringLiteral("Ctrl+Enter"), tr("While writing: put the message in the Outbox")},
-        {QStringLiteral("Ctrl+S"),
-         tr("While writing: save the draft; in the window of a contact, prize or winner: save")},
-        {QStringLiteral("Ctrl+Shift+A"), tr("While writing: attach files")},
-        {QStringLiteral("Menu"), tr("What can be done here; while writing, with the recipient beside the caret")},
-        {QStringLiteral("Ctrl+W"), tr("Close any window but the main one")},
-        {QStringLiteral("Esc"), tr("Close the window of a message or winner")},
-        {QStringLiteral("Ctrl+P"), tr("Print the message; on the page of prizes or in a prize's window: the prize")},
-        {QStringLiteral("Ctrl+Alt+P"), tr("Print all messages on show")},
-        {QStringLiteral("Ctrl+O"), tr("Open another station")},
-        {QStringLiteral("F1"), tr("Show these keys")},
-        {QStringLiteral("Ctrl+Q"), tr("Quit")},
-    };
+    const QList<std::pair<QString, QString>> keys = Keys();
     auto* table = new QTableWidget(static_cast<int>(keys.size()), 2, this);
     table->setObjectName(QStringLiteral("shortcuts"));
     table->setAccessibleName(tr("Keyboard shortcuts"));

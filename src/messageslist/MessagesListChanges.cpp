@@ -6,14 +6,14 @@
 #include "database/cTolvaDatabase.h"
 #include "database/watch/StationWatch.h"
 #include "messageslist/CategoryTreeFill.h"
-#include "messageslist/MessagesListHandler.h"
+#include "messageslist/uMessagesList.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
+#include "platform/widgets/ListPanes.h"
 
 #include <QScopeGuard>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -31,24 +31,6 @@ QString ListOf(const QList<qint32>& references)
     return numbers.join(QLatin1Char(','));
 }
 } // namespace
-
-void uMessagesList::Tick()
-{
-    if (HasDatabase())
-        clsTolvaDatabase_->Watch().Poll(*this);
-}
-
-/// Some list of the station polls, perhaps this one.
-void uMessagesList::TakePoll(const QObject* asker)
-{
-    if (asker != this) {
-        if (!timerUpdateList_->isActive())
-            return;
-        timerUpdateList_->start();
-    }
-    Handle("timerUpdateList", [this] { TakeChanges(); });
-}
-
 void uMessagesList::TakeChanges()
 {
     // It would end the typing of a folder's name in the middle, and take half a find text. It comes with the tick
@@ -62,7 +44,7 @@ void uMessagesList::TakeChanges()
         clsTolvaDatabase_->OpenMessageRows({QStringLiteral("Reference")}, QStringLiteral("[Reference]=0"));
         clsTolvaDatabase_->SetLastMessageChanged(ClockHelper::CurrentTime());
     }
-    if (stamp.IsNone() || !LastChangedStamp_.IsStill(stamp, clsTolvaDatabase_->Openings()))
+    if (IsBehind(stamp))
         Display(Reading::ChangedRows);
     if (self && HasDatabase())
         TakeFolderChanges();
@@ -72,7 +54,7 @@ void uMessagesList::TakeChanges()
 void uMessagesList::TakeFolderChanges()
 {
     // What is dragged or has its menu open stays where it is.
-    if (DisplayBusy_ || !treeCategories_->DropHighlight().isEmpty())
+    if (IsBusy_ || !treeCategories_->DropHighlight().isEmpty())
         return;
     clsTolvaDatabase_->Watch().RefreshFolders();
     if (FolderSignature(clsTolvaDatabase_->MessageCategories()) == ShownFolders_)
@@ -114,16 +96,17 @@ bool uMessagesList::DrawChanges(const Query& query, RowsRead& read)
     if (std::erase_if(now, isRowless) > 0)
         changes = CompareRows(ShownRows_, now);
 
-    grdMessages_->SetRedraw(false);
-    const auto redraw = qScopeGuard([this] { grdMessages_->SetRedraw(true); });
+    grdList_->SetRedraw(false);
+    const auto redraw = qScopeGuard([this] { grdList_->SetRedraw(true); });
     ShownRows_ = std::move(now);
     if (changes.AreArranged)
         Arrange(changes.Sources, read);
     for (const int place : changes.Differing)
         DrawMessageRow(place + 1, messages.value(ShownRows_[static_cast<std::size_t>(place)].Reference));
     ShowRowsOrNone(read);
+    ShowUnread(*lblUnread_, read.Failures.Rows());
     const qint32 selected = read.RowToRestore < 1 ? 0 : ReferenceOfRow(read.RowToRestore);
-    read.IsSelectionDrawn = selected != CurrentSelectedReference_ || messages.contains(selected);
+    read.IsSelectionDrawn = selected != SelectedReference_ || messages.contains(selected);
     return true;
 }
 
@@ -149,19 +132,4 @@ QHash<qint32, cMessagePtr> uMessagesList::ReadMessages(const QList<qint32>& refe
         }
     }
     return messages;
-}
-
-/// Puts the rows into the order of ShownRows_. The user keeps his place: at the first row he sees what is new above it,
-/// elsewhere the messages stay under his eyes.
-void uMessagesList::Arrange(const std::vector<int>& sources, RowsRead& read)
-{
-    const int topRow = grdMessages_->TopRow();
-    const qint32 atTop = ReferenceOfRow(topRow);
-    grdMessages_->ArrangeRows(sources);
-    RowOfReference_.clear();
-    for (std::size_t i = 0; i < ShownRows_.size(); ++i)
-        RowOfReference_.insert(ShownRows_[i].Reference, static_cast<int>(i) + 1);
-    read.RowToRestore = RowOfReference_.value(read.ReferenceToRestore, read.RowToRestore);
-    if (topRow > 1 && RowOfReference_.value(atTop, topRow) != topRow)
-        grdMessages_->SetTopRow(RowOfReference_.value(atTop));
 }

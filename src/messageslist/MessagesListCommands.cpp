@@ -3,10 +3,10 @@
 // The commands of the messages list. What needs a window is handed to the host in an event.
 
 #include "common/FileDialog.h"
+#include "common/controls/StationListHandler.h"
 #include "database/LastError.h"
 #include "messageslist/MessageFile.h"
 #include "messageslist/MessagesListColumns.h"
-#include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/FlexGrid.h"
@@ -56,10 +56,10 @@ QString ProposedFileName(QString subject)
 
 cMessagePtr uMessagesList::SelectedMessage() const
 {
-    return clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(CurrentSelectedReference_) : nullptr;
+    return clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(SelectedReference_) : nullptr;
 }
 
-void uMessagesList::NewMessageCommand()
+void uMessagesList::NewCommand()
 {
     if (!clsTolvaDatabase_)
         return;
@@ -73,6 +73,8 @@ void uMessagesList::OpenCommand()
 {
     if (const cMessagePtr message = SelectedMessage())
         Q_EMIT OpenMessage(message);
+    else if (clsTolvaDatabase_ && SelectedReference_ > 0)
+        Q_EMIT MessageGone();
 }
 
 void uMessagesList::PrintCommand()
@@ -87,6 +89,10 @@ void uMessagesList::ReplyCommand()
 {
     const cMessagePtr message = SelectedMessage();
     if (!message)
+        return;
+    bool isTaken = false;
+    Q_EMIT ReplyWanted(message, isTaken);
+    if (isTaken)
         return;
     const cMessagePtr reply = ToMessageRecord(std::make_shared<cdo::Message>());
     reply->CDOMessage()->SetTo(message->CDOMessage()->From());
@@ -141,7 +147,7 @@ void uMessagesList::ExportCommand()
 
 void uMessagesList::DeleteCommand()
 {
-    if (CurrentSelectedReference_ <= 0)
+    if (SelectedReference_ <= 0)
         return;
     const cMessagePtr message = SelectedMessage();
     if (!message)
@@ -202,25 +208,25 @@ void uMessagesList::MarkAllCommand(bool read)
 /// Rows are judged by their looks: one that is not bold because it has no date counts as read.
 void uMessagesList::MarkAllRows(bool read)
 {
-    if (DisplayBusy_)
+    if (IsBusy_)
         return;
-    const int current = grdMessages_->Row();
+    const int current = grdList_->Row();
     const QPointer<uMessagesList> self(this);
     const ReadTarget target = Target();
-    DisplayBusy_ = true;
-    grdMessages_->SetRedraw(false);
+    IsBusy_ = true;
+    grdList_->SetRedraw(false);
     const auto restore = qScopeGuard([&] {
         if (!self)
             return;
         if (current > 0)
             SelectRow(current);
-        DisplayBusy_ = false;
-        grdMessages_->SetRedraw(true);
+        IsBusy_ = false;
+        grdList_->SetRedraw(true);
     });
     const auto progress = UserInterface::Current().Progress(tr("Marking messages"));
-    const int rows = grdMessages_->Rows();
+    const int rows = grdList_->Rows();
     for (int row = 1; row < rows; ++row) {
-        if (grdMessages_->CellFontBold(row, colHead) != read)
+        if (grdList_->CellFontBold(row, colHead) != read)
             continue;
         if (!progress->Advance(row, rows) || !self || Target() != target)
             return;
@@ -232,7 +238,7 @@ void uMessagesList::MarkAllRows(bool read)
             RaiseLastError(*clsTolvaDatabase_);
         if (!self || Target() != target)
             return;
-        grdMessages_->SetCellFontBold(row, colHead, colSubject, !read);
+        grdList_->SetCellFontBold(row, colHead, colSubject, !read);
     }
 }
 

@@ -2,11 +2,11 @@
 
 // What is dragged onto the tree of folders: messages of this program, its folders, and mail files from outside.
 
+#include "common/controls/StationListHandler.h"
 #include "common/kvGeneral.h"
 #include "database/LastError.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessageFile.h"
-#include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/CategoryTreeView.h"

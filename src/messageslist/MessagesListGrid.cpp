@@ -3,10 +3,10 @@
 // The grid's keys and mouse in the messages list, and the drag of a message out of it.
 
 #include "common/FileHelper.h"
+#include "common/controls/StationListHandler.h"
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageFile.h"
-#include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/mail/MessageReader.h"
@@ -14,7 +14,6 @@
 #include "platform/widgets/FlexGrid.h"
 
 #include <QAction>
-#include <QCursor>
 #include <QFile>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -47,44 +46,10 @@ void uMessagesList::TakeGridKey(QKeyEvent* event)
         break;
     }
 }
-
-void uMessagesList::TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips)
+/// None from the edge.
+bool uMessagesList::IsDragStart(const QPointF& twips) const
 {
-    if (button == Qt::LeftButton) {
-        GridDragStart_ = twips;
-    } else if (button == Qt::RightButton) {
-        grdMessages_->setFocus();
-        const QPointer<uMessagesList> self(this);
-        SelectGridRowAt(*grdMessages_, twips.y(), false);
-        if (self)
-            Handle("grdMessages_MouseDown", [this] { TakeCellChange(); });
-    }
-}
-
-void uMessagesList::TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips)
-{
-    if ((buttons & Qt::LeftButton) == 0 || !(GridDragStart_.x() > 0))
-        return;
-    if (!DragRunner::IsDrag(*grdMessages_, GridDragStart_, twips))
-        return;
-    const QPointer<uMessagesList> self(this);
-    SelectGridRowAt(*grdMessages_, GridDragStart_.y(), false);
-    if (!self)
-        return;
-    grdMessages_->EndMouseTracking();
-    GridDragStart_ = QPointF();
-    if (GridDragging_ || CurrentSelectedReference_ <= 0)
-        return;
-    GridDragging_ = true;
-    Handle("grdMessages_OLEStartDrag", [this] { StartGridDrag(); });
-}
-
-void uMessagesList::TakeGridMouseUp(Qt::MouseButton button)
-{
-    if (button == Qt::LeftButton)
-        GridDragStart_ = QPointF();
-    else if (button == Qt::RightButton)
-        PopUpMessageMenu(QCursor::pos());
+    return twips.x() > 0;
 }
 
 void uMessagesList::StartGridDrag()
@@ -102,7 +67,7 @@ void uMessagesList::StartGridDrag()
         QStringLiteral("%1 Reference=\"%2\"").arg(MessagesListTexts::MessageWord).arg(message->Reference()));
     dragged->PromiseFiles(
         [self, reference = message->Reference()] { return self ? self->WritePromisedFile(reference) : QStringList(); });
-    DragRunner::Run(*grdMessages_, dragged, Qt::CopyAction | Qt::MoveAction);
+    DragRunner::Run(*grdList_, dragged, Qt::CopyAction | Qt::MoveAction);
 }
 
 /// Writes the dragged message, whatever is selected by now, into the folder of temporary files when a target asks for

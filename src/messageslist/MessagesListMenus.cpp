@@ -2,9 +2,9 @@
 
 // The two popup menus of the messages list and the enabling of their entries.
 
+#include "common/controls/StationListHandler.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/CategoryTreeFill.h"
-#include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/widgets/CategoryTreeView.h"
@@ -84,7 +84,7 @@ void uMessagesList::MakeMessageMenu()
     AddSeparator(menu, "mnuExportSep");
     add(menu, "mnuExportMessage", "Export to &File", &uMessagesList::ExportCommand);
     AddSeparator(menu, "mnuMessageNewMessageSep");
-    add(menu, "mnuMessageNewMessage", "&New Message", &uMessagesList::NewMessageCommand);
+    add(menu, "mnuMessageNewMessage", "&New Message", &uMessagesList::NewCommand);
     AddSeparator(menu, "mnuDeleteSep");
     add(menu, "mnuDelete", "&Delete Message", &uMessagesList::DeleteCommand);
     menu.setDefaultAction(Entry("mnuOpen"));
@@ -105,7 +105,7 @@ void uMessagesList::MakeCategoryMenu()
     QMenu& added = AddSubMenu(menu, "mnuNew", "&New");
     add(added, "mnuNewFolder", "New &Folder", [](uMessagesList& list) { list.NewFolder(); });
     AddSeparator(added, "mnuNewMessageSep");
-    add(added, "mnuNewMessage", "New &Message", [](uMessagesList& list) { list.NewMessageCommand(); });
+    add(added, "mnuNewMessage", "New &Message", [](uMessagesList& list) { list.NewCommand(); });
     AddSeparator(menu, "mnuEmptySep");
     add(menu, "mnuEmpty", "&Empty Folder", [](uMessagesList& list) { list.EmptyFolder(); });
     AddSeparator(menu, "mnuDeleteFolderSep");
@@ -113,18 +113,11 @@ void uMessagesList::MakeCategoryMenu()
     add(menu, "mnuRenameFolder", "Rename &Folder", [](uMessagesList& list) { list.treeCategories_->StartLabelEdit(); });
     menu.setDefaultAction(Entry("mnuOpenFolder"));
 }
-
-QAction* uMessagesList::Entry(const char* name) const
-{
-    return findChild<QAction*>(QLatin1String(name));
-}
-
 void uMessagesList::EnableMessageMenu()
 {
-    const cMessagePtr message = CurrentSelectedReference_ > 0 ? SelectedMessage() : nullptr;
+    const cMessagePtr message = SelectedReference_ > 0 ? SelectedMessage() : nullptr;
     const clsKVUser* user = clsTolvaDatabase_ ? CurrentUser() : nullptr;
-    const bool canChange =
-        user && (tbsMessages_->Tab() == 0 ? user->CanEditMessages() : user->CanEditPersonalMessages());
+    const bool canChange = user && (tbsList_->Tab() == 0 ? user->CanEditMessages() : user->CanEditPersonalMessages());
     const auto enable = [this](std::initializer_list<const char*> names, bool enabled) {
         for (const char* name : names)
             Entry(name)->setEnabled(enabled);
@@ -133,7 +126,7 @@ void uMessagesList::EnableMessageMenu()
         for (const char* name : names)
             Entry(name)->setVisible(shown);
     };
-    enable({"mnuMarkAllRead1", "mnuMarkAllRead2", "mnuMarkasUnread"}, grdMessages_->Rows() >= 2);
+    enable({"mnuMarkAllRead1", "mnuMarkAllRead2", "mnuMarkasUnread"}, grdList_->Rows() >= 2);
     if (!message) {
         enable({"mnuOpen", "mnuPrint", "mnuForwardMessage", "mnuReplyMessage", "mnuExportMessage", "mnuMarkAsRead",
                 "mnuChangePriority", "mnuCopy", "mnuDelete"},
@@ -169,7 +162,7 @@ void uMessagesList::EnableCategoryMenu()
     Entry("mnuNew")->setEnabled(Entry("mnuNewFolder")->isEnabled() || Entry("mnuNewMessage")->isEnabled());
 }
 
-void uMessagesList::PopUpMessageMenu(const QPoint& global)
+void uMessagesList::PopUpListMenu(const QPoint& global)
 {
     mnuPopupMessage_->popup(global);
 }

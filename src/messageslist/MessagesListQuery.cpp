@@ -9,7 +9,6 @@
 #include "messageslist/uMessagesList.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/widgets/CategoryTreeView.h"
-#include "platform/widgets/FindBox.h"
 #include "platform/widgets/TabStrip.h"
 
 namespace
@@ -46,7 +45,6 @@ uMessagesList::Query uMessagesList::MakeQuery()
         query.Order = QStringLiteral(" ORDER BY [Received] DESC, [Reference]");
 
     // The text goes in as it was typed: wildcards are the user's, and a double quote ends the pattern.
-    FindText_ = comboFind_->TakeText();
     if (IsFiltered())
         Join(query.Condition, QStringLiteral("([Subject] LIKE \"*") + FindText_ + QStringLiteral("*\" )"));
     const QString selected = treeCategories_->SelectedKey();
@@ -87,7 +85,7 @@ QString uMessagesList::PersonalCondition() const
     if (!CurrentUser())
         return {};
     const qint32 user = CurrentUser()->Reference();
-    switch (tbsMessages_->Tab()) {
+    switch (tbsList_->Tab()) {
     case tabGeneral:
         return QStringLiteral("([PersonalToContact]=0 or [PersonalToContact] is NULL or [PersonalToContact]=%1) ")
             .arg(user);
@@ -96,10 +94,4 @@ QString uMessagesList::PersonalCondition() const
     default:
         return {};
     }
-}
-
-void uMessagesList::ClearFind()
-{
-    comboFind_->ShowEverything();
-    UpdateDisplay();
 }

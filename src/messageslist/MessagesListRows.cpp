@@ -6,7 +6,6 @@
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageLook.h"
 #include "messageslist/MessagesListColumns.h"
-#include "messageslist/MessagesListHandler.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/mail/RawHeaders.h"
 #include "platform/widgets/FlexGrid.h"
@@ -92,53 +91,46 @@ private:
 void uMessagesList::MakeGridHeader()
 {
     const char* const captions[columnCount] = {"Reference", "", "Subject", "From", "Date", "DateSerial"};
-    grdMessages_->SetRedraw(false);
-    grdMessages_->SetRows(1);
-    grdMessages_->SetCols(columnCount);
+    grdList_->SetRedraw(false);
+    grdList_->SetRows(1);
+    grdList_->SetCols(columnCount);
     for (int column = 0; column < columnCount; ++column) {
-        grdMessages_->SetTextMatrix(0, column, QLatin1String(captions[column]));
-        grdMessages_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
+        grdList_->SetTextMatrix(0, column, QLatin1String(captions[column]));
+        grdList_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
     }
     HeadPicture_ = Icons::Get(QStringLiteral("head"));
-    grdMessages_->setToolTip(QStringLiteral("Messages with a Head icon are personal"));
-    grdMessages_->SetRedraw(true);
+    grdList_->setToolTip(QStringLiteral("Messages with a Head icon are personal"));
+    grdList_->SetRedraw(true);
 }
 
-void uMessagesList::SetGridColumnWidths()
+void uMessagesList::SizeColumns()
 {
-    if (grdMessages_->Cols() < 3)
+    if (grdList_->Cols() < 3)
         return;
-    const double width = Twips::FromPixels(*grdMessages_, grdMessages_->width());
-    grdMessages_->SetColWidth(colReference, 0);
-    grdMessages_->SetColWidth(colHead, HeadWidth);
+    const double width = Twips::FromPixels(*grdList_, grdList_->width());
+    grdList_->SetColWidth(colReference, 0);
+    grdList_->SetColWidth(colHead, HeadWidth);
     if (DoubleHeightRows_) {
-        grdMessages_->SetColWidth(colSubject, std::max(0.0, width - GridMargin - HeadWidth));
-        grdMessages_->SetColWidth(colFrom, 0);
+        grdList_->SetColWidth(colSubject, std::max(0.0, width - GridMargin - HeadWidth));
+        grdList_->SetColWidth(colFrom, 0);
     } else {
-        grdMessages_->SetColWidth(colSubject, SubjectWidthBesideFrom);
-        grdMessages_->SetColWidth(colFrom, std::max(0.0, width - GridMargin - HeadWidth - SubjectWidthBesideFrom));
+        grdList_->SetColWidth(colSubject, SubjectWidthBesideFrom);
+        grdList_->SetColWidth(colFrom, std::max(0.0, width - GridMargin - HeadWidth - SubjectWidthBesideFrom));
     }
     // Two lines show the date under the subject: nothing is left to scroll to, and no sliver of a column to show.
-    grdMessages_->SetColWidth(colDate, DoubleHeightRows_ ? 0 : DateWidth);
-    grdMessages_->SetColWidth(colDateSerial, DoubleHeightRows_ ? 0 : DateSerialWidth);
-    grdMessages_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    grdList_->SetColWidth(colDate, DoubleHeightRows_ ? 0 : DateWidth);
+    grdList_->SetColWidth(colDateSerial, DoubleHeightRows_ ? 0 : DateSerialWidth);
+    grdList_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 }
 
 /// The header sets the measure for rows of two lines.
 void uMessagesList::SetGridRowHeights()
 {
     const int lines = DoubleHeightRows_ ? 2 : 1;
-    const double height =
-        Twips::FromPixels(*grdMessages_, lines * grdMessages_->fontMetrics().lineSpacing()) + RowMargin;
-    grdMessages_->SetRowHeight(0, height);
-    grdMessages_->SetDefaultRowHeight(height);
+    const double height = Twips::FromPixels(*grdList_, lines * grdList_->fontMetrics().lineSpacing()) + RowMargin;
+    grdList_->SetRowHeight(0, height);
+    grdList_->SetDefaultRowHeight(height);
 }
-
-qint32 uMessagesList::ReferenceOfRow(int row) const
-{
-    return grdMessages_->TextMatrix(row, colReference).toInt();
-}
-
 /// Tells nobody, and leaves the current row as it is.
 void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 {
@@ -148,112 +140,95 @@ void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 
 void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
 {
-    if (row < 1 || row > grdMessages_->Rows() - 1)
+    if (row < 1 || row > grdList_->Rows() - 1)
         return;
     if (DoubleHeightRows_)
-        grdMessages_->SetRowHeight(row, grdMessages_->RowHeight(0));
-    grdMessages_->SetTextMatrix(row, colReference, QString::number(look.Reference));
+        grdList_->SetRowHeight(row, grdList_->RowHeight(0));
+    grdList_->SetTextMatrix(row, colReference, QString::number(look.Reference));
     RowOfReference_.insert(look.Reference, row);
     const Date stamp = SortOrder_ != mlsoReceived ? look.Sent : look.Received;
     // A message without a date counts as read.
     const bool isRead = (look.Flags & mfRead) != 0 || stamp.IsNone();
     DrawTexts(row, look, stamp, !isRead);
-    grdMessages_->SetCellPicture(row, colHead, look.PersonalToContact != 0 ? HeadPicture_ : QIcon());
-    grdMessages_->SetTextMatrix(row, colHead, QString());
+    grdList_->SetCellPicture(row, colHead, look.PersonalToContact != 0 ? HeadPicture_ : QIcon());
+    grdList_->SetTextMatrix(row, colHead, QString());
     const qint32 back = look.Priority == UrgentPriority ? PureRed : SystemColour::WindowBackground;
-    grdMessages_->SetCellBackColour(row, colHead, colSubject, back);
-    grdMessages_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
-    grdMessages_->SetCellFontBold(row, colHead, colSubject, !isRead);
+    grdList_->SetCellBackColour(row, colHead, colSubject, back);
+    grdList_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
+    grdList_->SetCellFontBold(row, colHead, colSubject, !isRead);
     if (look.HasHighlightWords)
-        grdMessages_->SetCellForeColour(row, colSubject, colSubject, clsTolvaDatabase_->MessageHighlightFont().Colour);
-    grdMessages_->SetRowAccessibleText(row, SpokenState(look, isRead));
+        grdList_->SetCellForeColour(row, colSubject, colSubject, clsTolvaDatabase_->MessageHighlightFont().Colour);
+    grdList_->SetRowAccessibleText(row, SpokenState(look, isRead));
 }
 
 void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool bold)
 {
     // The date that such a row keeps may not have been made yet.
     if (stamp.IsNone())
-        grdMessages_->TextMatrix(row, colDate);
-    grdMessages_->SetLateTexts(row, colSubject,
-                               std::make_unique<MessageTexts>(look, stamp, DoubleHeightRows_, SubjectFitting(bold)));
+        grdList_->TextMatrix(row, colDate);
+    grdList_->SetLateTexts(row, colSubject,
+                           std::make_unique<MessageTexts>(look, stamp, DoubleHeightRows_, SubjectFitting(bold)));
     if (look.Subject.size() + look.From.size() > LongestKept)
-        grdMessages_->TextMatrix(row, colSubject);
+        grdList_->TextMatrix(row, colSubject);
 }
 
 /// What cuts a subject to the width that the column has now. The rows that are never seen need not be measured.
 std::shared_ptr<const std::function<QString(const QString&)>> uMessagesList::SubjectFitting(bool bold)
 {
-    const double width = Twips::ToPixels(*grdMessages_, grdMessages_->ColWidth(colSubject) - SubjectMargin);
+    const double width = Twips::ToPixels(*grdList_, grdList_->ColWidth(colSubject) - SubjectMargin);
     Fitting& kept = Fittings_[bold ? 1 : 0];
-    if (kept.Fit && kept.Surface == picMessages_->font() && kept.Width == width)
+    if (kept.Fit && kept.Surface == picList_->font() && kept.Width == width)
         return kept.Fit;
     // A bold text is wider than the surface's own.
-    QFont font = picMessages_->font();
+    QFont font = picList_->font();
     font.setBold(bold);
     const auto fit = [metrics = QFontMetricsF(font), width](const QString& subject) {
         return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
                                              subject, width);
     };
-    kept = {picMessages_->font(), width, std::make_shared<const std::function<QString(const QString&)>>(fit)};
+    kept = {picList_->font(), width, std::make_shared<const std::function<QString(const QString&)>>(fit)};
     return kept.Fit;
 }
 
 void uMessagesList::UpdateRowBold(const cMessagePtr& message)
 {
-    const bool wasBusy = std::exchange(DisplayBusy_, true);
-    grdMessages_->SetRedraw(false);
-    const int current = grdMessages_->Row();
+    const bool wasBusy = std::exchange(IsBusy_, true);
+    grdList_->SetRedraw(false);
+    const int current = grdList_->Row();
     const auto restore = qScopeGuard([&] {
         SelectRow(current);
-        grdMessages_->SetRedraw(true);
-        DisplayBusy_ = wasBusy;
+        grdList_->SetRedraw(true);
+        IsBusy_ = wasBusy;
     });
     const auto embolden = [this](int row, const cMessagePtr& shown) {
         const bool isRead = shown && (shown->Flags() & mfRead) != 0;
-        if (grdMessages_->CellFontBold(row, colHead) == isRead)
-            grdMessages_->SetCellFontBold(row, colHead, colSubject, !isRead);
+        if (grdList_->CellFontBold(row, colHead) == isRead)
+            grdList_->SetCellFontBold(row, colHead, colSubject, !isRead);
         if (shown)
-            grdMessages_->SetRowAccessibleText(row, SpokenState(StateOf(*shown), isRead));
+            grdList_->SetRowAccessibleText(row, SpokenState(StateOf(*shown), isRead));
     };
     if (message) {
         const int row = RowOfReference_.value(message->Reference());
-        if (row >= 1 && row < grdMessages_->Rows())
+        if (row >= 1 && row < grdList_->Rows())
             embolden(row, message);
         return;
     }
-    for (int row = 1; row < grdMessages_->Rows(); ++row)
+    for (int row = 1; row < grdList_->Rows(); ++row)
         embolden(row, clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(ReferenceOfRow(row)) : nullptr);
 }
-
-/// Makes a row current from its first column; the cell-change handler tells the host unless the list is busy.
-void uMessagesList::SelectRow(int row)
+void uMessagesList::TakeSelection()
 {
-    grdMessages_->SetRow(row);
-    grdMessages_->SetCol(colReference);
-}
-
-bool uMessagesList::SelectMessage(qint32 reference)
-{
-    const int row = RowOfReference_.value(reference);
-    if (row < 1 || row >= grdMessages_->Rows())
-        return false;
-    SelectRow(row);
-    return true;
-}
-
-void uMessagesList::TakeCellChange()
-{
-    if (DisplayBusy_)
+    if (IsBusy_)
         return;
-    const int row = grdMessages_->Row();
+    const int row = grdList_->Row();
     if (row < 1) {
-        CurrentSelectedReference_ = 0;
+        SelectedReference_ = 0;
         Q_EMIT MessageSelected(nullptr);
         return;
     }
-    CurrentSelectedReference_ = ReferenceOfRow(row);
+    SelectedReference_ = ReferenceOfRow(row);
     if (!clsTolvaDatabase_)
         return;
-    if (const cMessagePtr message = clsTolvaDatabase_->ReadMessage(CurrentSelectedReference_))
+    if (const cMessagePtr message = clsTolvaDatabase_->ReadMessage(SelectedReference_))
         Q_EMIT MessageSelected(message);
 }

@@ -4,9 +4,9 @@
 
 #include "common/PendingError.h"
 #include "common/UserPreferences.h"
+#include "common/controls/StationListHandler.h"
 #include "database/LastError.h"
 #include "messageslist/CategoryTreeFill.h"
-#include "messageslist/MessagesListHandler.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/directory/clsKVUser.h"
@@ -35,7 +35,7 @@ void Warn(const QString& text)
 
 void uMessagesList::UpdateCategories()
 {
-    if (!Initialised_ || !HasDatabase())
+    if (!IsReady_ || !HasDatabase())
         return;
     FillTree(clsTolvaDatabase_->MessageCategories(), *treeCategories_, QStringLiteral("c"));
     ShownFolders_ = FolderSignature(clsTolvaDatabase_->MessageCategories());

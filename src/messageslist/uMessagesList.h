@@ -1,37 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "database/cTolvaDatabase.h"
-#include "database/watch/ListReads.h"
-#include "database/watch/RowChanges.h"
+#include "common/controls/StationList.h"
 #include "platform/Export.h"
-#include "platform/directory/clsKVDirectory.h"
 
-#include <QHash>
 #include <QIcon>
-#include <QPointer>
-#include <QStringList>
-#include <QWidget>
 
-#include <functional>
 #include <memory>
-#include <vector>
 
-class CategoryTreeView;
-class FindBox;
-class FlexGrid;
-struct ListPanes;
-struct MessageLook;
-class OverlayPanel;
 class PropertyBag;
-class QAction;
-class QLabel;
+class QKeyEvent;
 class QMenu;
 class QMimeData;
-class QPushButton;
-class QTimer;
-class TabStrip;
-class ToolBar;
+struct MessageLook;
 
 /// Which date a list sorts by and shows; a user's preference.
 enum enMessagesListSortOrder : qint32
@@ -54,7 +35,7 @@ enum enMessagesListSortOrder : qint32
 ///
 /// Events meet their errors by handing them to UserInterface::RunTimeError with the handler's name ("uMessagesList.…")
 /// as their source; operations that a host calls throw them (dao::Error).
-class TOLVA_EXPORT uMessagesList : public QWidget
+class TOLVA_EXPORT uMessagesList : public StationList
 {
     Q_OBJECT
     Q_PROPERTY(bool PrintVisible READ PrintVisible WRITE SetPrintVisible)
@@ -71,7 +52,6 @@ public:
     explicit uMessagesList(QWidget* parent = nullptr);
     ~uMessagesList() override;
 
-    cTolvaDatabase* TolvaDatabase() const { return clsTolvaDatabase_; }
     /// The host owns the database and keeps it while it is set; null clears the list.
     void SetTolvaDatabase(cTolvaDatabase* database);
 
@@ -85,39 +65,20 @@ public:
     void UpdateCategories();
     /// Back to the start view: the first find text, the first tab, the Inbox.
     void ResetDisplay();
-    void ScrollToTop();
-    void ScrollToBottom();
 
     /// The folder on show.
     enTolvaMessageCategories Category() const { return CurrentCategory_; }
     /// Shows another folder; one that is not in the tree is ignored.
     void SetCategory(enTolvaMessageCategories category);
-    /// Of the selected message, 0 for none.
-    qint32 SelectedReference() const { return CurrentSelectedReference_; }
     /// Selects the row of that message. False when it is not on show.
-    bool SelectMessage(qint32 reference);
-    bool DoubleHeightRows() const { return DoubleHeightRows_; }
-    void SetDoubleHeightRows(bool twoLines);
+    bool SelectMessage(qint32 reference) { return Select(reference); }
+    /// The tabs above the rows: everybody's messages and one's own, one's own alone, and all.
+    void SetTabs(const QStringList& captions);
     bool DisplayNewMessage() const { return DisplayNewMessage_; }
     void SetDisplayNewMessage(bool shown);
     /// False leaves only the tree; the control then drives the host through its events alone.
     bool DisplayMessageList() const { return DisplayMessageList_; }
     void SetDisplayMessageList(bool shown);
-    bool PrintVisible() const { return PrintVisible_; }
-    void SetPrintVisible(bool shown);
-    bool AutoUpdate() const { return AutoUpdate_; }
-    void SetAutoUpdate(bool on);
-    /// Seconds, 0 to 60; others are limited. 0 stops the polling.
-    float AutoUpdateInterval() const;
-    void SetAutoUpdateInterval(float seconds);
-    /// Message rows.
-    qint32 NumberItems() const;
-    /// 32-bit colour.
-    qint32 BackColour() const { return BackColour_; }
-    void SetBackColour(qint32 colour);
-    /// Of the tree and the grid.
-    QFont Font() const { return font(); }
-    void SetFont(const QFont& font);
 
     /// The defaults of a new instance on a form.
     void InitProperties();
@@ -128,13 +89,6 @@ public:
     /// are enabled afresh whenever the menu is about to show.
     QMenu* MessageMenu() const { return mnuPopupMessage_; }
     QMenu* CategoryMenu() const { return mnuPopupCategory_; }
-    /// The words that the subjects on show must hold; empty for all messages.
-    const QString& FindText() const { return FindText_; }
-    bool IsFiltered() const { return !FindText_.isEmpty(); }
-    /// Shows all messages again.
-    void ClearFind();
-    /// A fill is under way, and yields.
-    bool IsFilling() const { return Filling_; }
 
 Q_SIGNALS:
     void NewMessage(const cMessagePtr& Message);
@@ -142,23 +96,18 @@ Q_SIGNALS:
     /// Null when no message is selected.
     void MessageSelected(const cMessagePtr& Message);
     void PrintMessage(const cMessagePtr& Message);
+    /// The selected message was to be opened and is not stored any more.
+    void MessageGone();
+    /// The user wants to answer. A host that begins the answer by itself sets IsTaken; otherwise the command ends in an
+    /// error (13).
+    void ReplyWanted(const cMessagePtr& Message, bool& IsTaken);
     /// The user deleted or dragged a message to another folder, where it is now; not one that was deleted for ever.
     void MessageMoved(const cMessagePtr& Message, enTolvaMessageCategories From);
     /// The query's condition and order changed. What the host writes there is what marking all takes while the list is
     /// hidden.
     void UpdateDisplay(QString& SQLQuery);
-    /// A property changed by its setter; for the form that stores it.
-    void PropertyChanged(const QString& Key);
-    /// Rows filled so far, of all that the query found.
-    void FillProgress(int done, int total);
     /// A dropped file holds no mail that could be filed.
     void ImportRefused(const QString& FileName);
-    /// The rows on show are those of the database, as of now.
-    void DisplayUpdated();
-
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
     /// What UpdateDisplay makes its query of.
@@ -168,20 +117,6 @@ private:
         QString Order;
 
         friend bool operator==(const Query&, const Query&) = default;
-    };
-    /// How a display comes to its rows.
-    enum class Reading
-    {
-        AllRows,    ///< Every message is read.
-        ChangedRows ///< Only those that differ from what is on show, when that is the same query.
-    };
-    /// What a reading of rows found, and what is to be selected behind it.
-    struct RowsRead
-    {
-        int RowToRestore = 1;
-        qint32 ReferenceToRestore = 0;
-        bool IsSelectionDrawn = true; ///< The host is to hear of the selected message.
-        ReadFailures Failures;
     };
 
     /// What cuts subjects to a width, and for which surface.
@@ -193,24 +128,12 @@ private:
     };
 
     // Making and wiring; uMessagesList.cpp.
-    void ConnectDatabase();
-    void DisconnectDatabase();
+    void ConnectDatabase() override;
     bool ShowFolderOfUser();
-    void SetCurrentUser(clsKVUser* user);
-    clsKVUser* CurrentUser() const { return clsCurrentUser_; }
-    bool HasDatabase() const;
-    ReadTarget Target() const;
     void TakeDatabaseEvent(const cMessagePtr& message);
-    void TakePreferencesChange(int flags, const QString& name);
-    template <typename Work>
-    void Handle(const char* handler, Work&& work);
-
-    // Properties.
-    void TellContainer(const QString& key);
-    void ApplyBackColour();
+    void TakePreferencesChange(int flags, const QString& name) override;
+    qint32 CategoryOnShow() const override { return CurrentCategory_; }
     void ApplyNewMessageVisible();
-    void ApplyPrintVisible();
-    void ApplyTimer();
 
     // The query; MessagesListQuery.cpp.
     Query MakeQuery();
@@ -220,47 +143,41 @@ private:
     void ReadSortOrder();
 
     // Filling; MessagesListFill.cpp.
-    void Display(Reading reading);
+    Date StoredStamp() const override;
+    void ReadRows(Reading reading, RowsRead& read) override;
+    void TellDisplay(const RowsRead& read) override;
     void Fill(const Query& query, RowsRead& read);
-    int FillRows(dao::Recordset& rows, RowsRead& read);
-    void ShowRowsOrNone(RowsRead& read);
+    void FillRows(dao::Recordset& rows, int& filled, RowsRead& read);
+    void DrawStoredRow(int row) override;
     bool RedrawRow(qint32 messageReference);
     void ForgetRow(int row);
-    void RefreshAllRows();
     void UpdateTrashImage();
 
     // What other computers change; MessagesListChanges.cpp.
-    void Tick();
-    void TakePoll(const QObject* asker);
-    void TakeChanges();
+    void TakeChanges() override;
     void TakeFolderChanges();
     bool DrawChanges(const Query& query, RowsRead& read);
     QHash<qint32, cMessagePtr> ReadMessages(const QList<qint32>& references, RowsRead& read);
-    void Arrange(const std::vector<int>& sources, RowsRead& read);
 
     // Rows; MessagesListRows.cpp.
     void MakeGridHeader();
-    void SetGridColumnWidths();
-    void SetGridRowHeights();
+    void SizeColumns() override;
+    void SetGridRowHeights() override;
     void DrawMessageRow(int row, const cMessagePtr& message);
     void DrawMessageRow(int row, const MessageLook& look);
     void DrawTexts(int row, const MessageLook& look, Date stamp, bool bold);
     std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
-    qint32 ReferenceOfRow(int row) const;
-    void SelectRow(int row);
-    void TakeCellChange();
+    void TakeSelection() override;
 
     // The grid's keys, mouse and drag; MessagesListGrid.cpp.
     void TakeGridKey(QKeyEvent* event);
-    void TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips);
-    void TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips);
-    void TakeGridMouseUp(Qt::MouseButton button);
-    void StartGridDrag();
+    bool IsDragStart(const QPointF& twips) const override;
+    void StartGridDrag() override;
     QStringList WritePromisedFile(qint32 reference);
 
     // The tree; MessagesListTree.cpp.
-    void TakeNodeClick(const QString& key);
+    void TakeNodeClick(const QString& key) override;
     void TakeTreeKey(QKeyEvent* event);
     void TakeTreeMouseDown(Qt::MouseButton button, const QPointF& twips);
     void TakeTreeMouseMove(Qt::MouseButtons buttons, const QPointF& twips);
@@ -289,14 +206,13 @@ private:
     void MakeCategoryMenu();
     void EnableMessageMenu();
     void EnableCategoryMenu();
-    void PopUpMessageMenu(const QPoint& global);
+    void PopUpListMenu(const QPoint& global) override;
     void PopUpCategoryMenu(const QPoint& global);
-    QAction* Entry(const char* name) const;
 
     // Commands; MessagesListCommands.cpp.
     cMessagePtr SelectedMessage() const;
-    void NewMessageCommand();
-    void OpenCommand();
+    void NewCommand() override;
+    void OpenCommand() override;
     void PrintCommand();
     void ReplyCommand();
     void ForwardCommand();
@@ -308,63 +224,26 @@ private:
     void MarkAllRows(bool read);
     void MarkAllOfQuery(bool read);
 
-    // The controls and their layout; MessagesListLayout.cpp.
-    void MakeControls();
-    void ConnectControls();
-    void ConnectGrid();
+    // The controls; MessagesListLayout.cpp.
+    void MakeListControls();
+    void ConnectGridKeys();
     void ConnectTree();
-    void LayOut();
-    void LayOutTree();
-    void LayOutMessages();
-    ListPanes Panes();
+    QStringList FindEntries() const override;
 
-    bool Initialised_ = false;
-    bool DisplayBusy_ = false;
-    bool Filling_ = false;
-    bool RowsFollow_ = false; ///< A fill of another folder comes at once, so that this one need not be read.
-    int Attachments_ = 0;     ///< How often TolvaDatabase was set.
-    ReadStamp LastChangedStamp_;
     Query ShownQuery_; ///< Of the rows on show.
     int ShownOpening_ = 0;
-    int Restarts_ = 0;               ///< Of a display whose host chose something else in it, one in the other.
-    std::vector<ReadRow> ShownRows_; ///< As they were read; one for each row.
-    quint64 ShownFolders_ = 0;       ///< Signature of the tree.
-    QPointF GridDragStart_;          ///< Twips; none for x 0.
+    quint64 ShownFolders_ = 0; ///< Signature of the tree.
     QPointF TreeDragStart_;
-    bool DoubleHeightRows_ = true;
-    qint32 BackColour_ = 0;
     bool DisplayNewMessage_ = true;
     bool DisplayMessageList_ = true;
-    bool PrintVisible_ = true;
     qint32 SortOrder_ = mlsoSent;
     enTolvaMessageCategories CurrentCategory_ = static_cast<enTolvaMessageCategories>(0);
-    qint32 CurrentSelectedReference_ = 0;
-    bool GridDragging_ = false;
-    bool AutoUpdate_ = true;
     QString CurrentQuery_;
-    QString FindText_; ///< Of the query on show.
-    QHash<qint32, int> RowOfReference_;
-    QPointer<cTolvaDatabase> clsTolvaDatabase_;
-    QPointer<clsKVUser> clsCurrentUser_;
     QStringList PromisedFiles_; ///< Written for drags; removed with the control.
 
     QIcon HeadPicture_;
     Fitting Fittings_[2]; ///< For plain and for bold rows.
 
-    ToolBar* toolSearch_;
-    QWidget* picFind_;
-    QLabel* lblFind_;
-    FindBox* comboFind_;
-    QPushButton* cmdNewMessage_;
-    TabStrip* tbsCategories_;
-    CategoryTreeView* treeCategories_;
-    QWidget* picMessages_;
-    TabStrip* tbsMessages_;
-    FlexGrid* grdMessages_;
-    OverlayPanel* picLoading_;
-    OverlayPanel* picNoMessages_;
-    QLabel* lblUnread_;
-    QTimer* timerUpdateList_ = nullptr; ///< The last of the controls.
     QMenu* mnuPopupMessage_;
     QMenu* mnuPopupCategory_;
 };

@@ -48,6 +48,23 @@ void FillList(ListView& list, const QList<ContactImport::Entry>& plan)
         }
     }
 }
+
+void AddProblems(const QStringList& problems, QWidget& dialog, QVBoxLayout& layout)
+{
+    auto* caption = new QLabel(problems.size() == 1
+                                   ? ContactImportDialog::tr("One card &cannot be taken over:")
+                                   : ContactImportDialog::tr("%1 cards &cannot be taken over:").arg(problems.size()),
+                               &dialog);
+    auto* box = new QPlainTextEdit(problems.join(u'\n'), &dialog);
+    box->setObjectName(QStringLiteral("importProblems"));
+    box->setAccessibleName(ContactImportDialog::tr("Cards that cannot be taken over"));
+    box->setReadOnly(true);
+    box->setTabChangesFocus(true);
+    box->setMaximumHeight(box->fontMetrics().lineSpacing() * (ProblemLines + 1));
+    caption->setBuddy(box);
+    layout.addWidget(caption);
+    layout.addWidget(box);
+}
 } // namespace
 
 ContactImportDialog::ContactImportDialog(const QList<ContactImport::Entry>& plan, const QStringList& problems,
@@ -81,20 +98,8 @@ ContactImportDialog::ContactImportDialog(const QList<ContactImport::Entry>& plan
         more->setObjectName(QStringLiteral("importMore"));
         layout->addWidget(more);
     }
-    if (!problems.isEmpty()) {
-        auto* caption = new QLabel(problems.size() == 1 ? tr("One card &cannot be taken over:")
-                                                        : tr("%1 cards &cannot be taken over:").arg(problems.size()),
-                                   this);
-        auto* box = new QPlainTextEdit(problems.join(u'\n'), this);
-        box->setObjectName(QStringLiteral("importProblems"));
-        box->setAccessibleName(tr("Cards that cannot be taken over"));
-        box->setReadOnly(true);
-        box->setTabChangesFocus(true);
-        box->setMaximumHeight(box->fontMetrics().lineSpacing() * (ProblemLines + 1));
-        caption->setBuddy(box);
-        layout->addWidget(caption);
-        layout->addWidget(box);
-    }
+    if (!problems.isEmpty())
+        AddProblems(problems, *this, *layout);
     const auto addChoice = [&](const char* name, const QString& text) {
         auto* choice = new QRadioButton(text, this);
         choice->setObjectName(QLatin1String(name));

@@ -121,7 +121,11 @@ void PresenterView::MakeParts()
     Notes_->setMaximumHeight(fontMetrics().lineSpacing() * NotesLines);
     for (QPushButton* button : {Larger_, Smaller_})
         button->setMaximumWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("A+")) + 24);
+    LayOutParts();
+}
 
+void PresenterView::LayOutParts()
+{
     auto* head = new QHBoxLayout;
     head->addWidget(Title_, 1);
     head->addWidget(Open_, 0, Qt::AlignTop);

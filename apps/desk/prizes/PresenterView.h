@@ -44,6 +44,7 @@ protected:
 
 private:
     void MakeParts();
+    void LayOutParts();
 
     DeskSettings& Settings_;
     qint32 Reference_ = 0;

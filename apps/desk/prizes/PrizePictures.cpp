@@ -6,7 +6,6 @@
 #include "NoticeBar.h"
 #include "common/ClockHelper.h"
 #include "common/dialogs/DialogUserInterface.h"
-#include "platform/widgets/FlexGrid.h"
 #include "prizes/PresenterView.h"
 #include "prizes/PrizeChooser.h"
 #include "prizes/PrizeDesk.h"
@@ -110,13 +109,7 @@ private:
 
     void Select(qint32 prize)
     {
-        auto* grid = Window_.Prizes().Page().List().findChild<FlexGrid*>(QStringLiteral("grdPrizes"));
-        for (int row = 1; row < grid->Rows(); ++row) {
-            if (grid->TextMatrix(row, 0).toInt() == prize) {
-                grid->SetRow(row);
-                grid->SetCol(1);
-            }
-        }
+        Window_.Prizes().Page().List().Select(prize);
         Settle_();
     }
 

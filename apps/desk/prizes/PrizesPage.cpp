@@ -3,6 +3,7 @@
 
 #include "DeskSettings.h"
 #include "DeskStation.h"
+#include "FocusRing.h"
 #include "NoticeBar.h"
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
@@ -132,10 +133,7 @@ void PrizesPage::Refresh()
 
 void PrizesPage::Find()
 {
-    auto* box = List_->findChild<QComboBox*>(QStringLiteral("comboFind"));
-    box->setFocus(Qt::ShortcutFocusReason);
-    if (box->lineEdit())
-        box->lineEdit()->selectAll();
+    List_->FocusFind();
 }
 
 void PrizesPage::ShowAll()
@@ -223,7 +221,7 @@ void PrizesPage::ShowOtherPrizes()
         else if (category == plcAllAvailable)
             List_->SetCategory(plcAllPrizes);
         else if (category == plcAllPrizes)
-            List_->findChild<QPushButton*>(QStringLiteral("cmdNewPrize"))->click();
+            List_->MakeNew();
         else
             List_->SetCategory(plcAvailable);
     } catch (const dao::Error& error) {
@@ -238,17 +236,7 @@ void PrizesPage::TakeSelection(const cPrizePtr& prize)
 
 void PrizesPage::FocusNextPane(bool backwards)
 {
-    const QList<QWidget*> panes = {List_->findChild<QWidget*>(QStringLiteral("treeCategories")),
-                                   List_->findChild<QWidget*>(QStringLiteral("grdPrizes")), &Presenter_->Script()};
-    qsizetype current = -1;
-    const QWidget* focus = QApplication::focusWidget();
-    for (qsizetype i = 0; i < panes.size() && focus; ++i) {
-        if (panes.at(i) == focus || panes.at(i)->isAncestorOf(focus))
-            current = i;
-    }
-    const qsizetype count = panes.size();
-    const qsizetype next = current < 0 ? 1 : (current + (backwards ? count - 1 : 1)) % count;
-    panes.at(next)->setFocus(Qt::ShortcutFocusReason);
+    FocusNext(List_->FocusTargets() << &Presenter_->Script(), backwards);
 }
 
 void PrizesPage::SaveSizes()

@@ -53,6 +53,9 @@ public:
 
     QSize sizeHint() const override;
 
+    /// What the addresses are written in, for a host that completes them or has keys of its own.
+    RichTextBox& Box() const { return *rtfAddresses_; }
+
 Q_SIGNALS:
     void AddressClicked(const QString& Name, const QString& Email);
     void Change();

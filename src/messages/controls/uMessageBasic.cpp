@@ -201,6 +201,11 @@ void uMessageBasic::WriteProperties(PropertyBag& bag) const
     bag.WriteProperty(QStringLiteral("ShowBodyBorder"), ShowBodyBorder_, false);
 }
 
+QWidget& uMessageBasic::BodyPane() const
+{
+    return *wbBody_;
+}
+
 QSize uMessageBasic::minimumSizeHint() const
 {
     return {Twips::ToPixels(*this, SmallestWidth), Twips::ToPixels(*this, SmallestHeight)};

@@ -48,6 +48,9 @@ public:
     void ReadProperties(const PropertyBag& bag);
     void WriteProperties(PropertyBag& bag) const;
 
+    /// What takes the focus of somebody who reads.
+    QWidget& BodyPane() const;
+
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override;
 

@@ -9,10 +9,9 @@
 #include "platform/widgets/FindBox.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/ListPanes.h"
-#include "prizes/controls/PrizesListHandler.h"
+#include "prizes/controls/uPrizesList.h"
 
 #include <QScopeGuard>
-#include <QTimer>
 
 namespace
 {
@@ -20,24 +19,6 @@ namespace
 constexpr std::size_t MostRowsDrawn = 500;
 const QString NoneOfTable = QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE ([Reference]=0) ");
 } // namespace
-
-void uPrizesList::Tick()
-{
-    if (HasDatabase())
-        clsTolvaDatabase_->Watch().Poll(*this);
-}
-
-/// Some list of the station polls, perhaps this one.
-void uPrizesList::TakePoll(const QObject* asker)
-{
-    if (asker != this) {
-        if (!timerUpdateList_->isActive())
-            return;
-        timerUpdateList_->start();
-    }
-    Handle("timerUpdateList", [this] { TakeChanges(); });
-}
-
 void uPrizesList::TakeChanges()
 {
     // A fill would take half a find text. It comes with the tick behind.
@@ -49,7 +30,7 @@ void uPrizesList::TakeChanges()
         clsTolvaDatabase_->OpenSnapshot(NoneOfTable);
         clsTolvaDatabase_->SetLastPrizeChanged(ClockHelper::CurrentTime());
     }
-    if (stamp.IsNone() || !LastPrizeStamp_.IsStill(stamp, clsTolvaDatabase_->Openings()))
+    if (IsBehind(stamp))
         Display(Reading::ChangedRows);
 }
 
@@ -66,8 +47,8 @@ bool uPrizesList::DrawChanges(dao::Recordset& light, RowsRead& read)
     if (changes.Differing.size() > MostRowsDrawn)
         return false;
 
-    grdPrizes_->SetRedraw(false);
-    const auto redraw = qScopeGuard([this] { grdPrizes_->SetRedraw(true); });
+    grdList_->SetRedraw(false);
+    const auto redraw = qScopeGuard([this] { grdList_->SetRedraw(true); });
     ShownRows_ = std::move(now);
     if (changes.AreArranged)
         Arrange(changes.Sources, read);
@@ -93,19 +74,4 @@ std::vector<uPrizesList::Line> uPrizesList::ReadLines(dao::Recordset& light)
                          winners.Value().toInt(), RowValues::StoredDate(lastWon.Value())});
     }
     return lines;
-}
-
-/// Puts the rows into the order of ShownRows_. The user keeps his place: at the first row he sees what is new above it,
-/// elsewhere the prizes stay under his eyes.
-void uPrizesList::Arrange(const std::vector<int>& sources, RowsRead& read)
-{
-    const int topRow = grdPrizes_->TopRow();
-    const qint32 atTop = ReferenceOfRow(topRow);
-    grdPrizes_->ArrangeRows(sources);
-    RowOfReference_.clear();
-    for (std::size_t i = 0; i < ShownRows_.size(); ++i)
-        RowOfReference_.insert(ShownRows_[i].Reference, static_cast<int>(i) + 1);
-    read.RowToRestore = RowOfReference_.value(read.ReferenceToRestore, read.RowToRestore);
-    if (topRow > 1 && RowOfReference_.value(atTop, topRow) != topRow)
-        grdPrizes_->SetTopRow(RowOfReference_.value(atTop));
 }

@@ -2,11 +2,11 @@
 
 // The grid's keys and mouse in the prizes list, and the drag of a prize out of it.
 
+#include "common/controls/StationListHandler.h"
 #include "platform/widgets/DragData.h"
 #include "platform/widgets/FlexGrid.h"
-#include "prizes/controls/PrizesListHandler.h"
+#include "prizes/controls/uPrizesList.h"
 
-#include <QCursor>
 #include <QKeyEvent>
 #include <QScopeGuard>
 
@@ -26,46 +26,6 @@ void uPrizesList::TakeGridKey(QKeyEvent* event)
         break;
     }
 }
-
-void uPrizesList::TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips)
-{
-    if (button == Qt::LeftButton) {
-        GridDragStart_ = twips;
-    } else if (button == Qt::RightButton) {
-        grdPrizes_->setFocus();
-        const QPointer<uPrizesList> self(this);
-        SelectGridRowAt(*grdPrizes_, twips.y(), false);
-        if (self)
-            Handle("grdPrizes_MouseDown", [this] { TakeSelectionChange(); });
-    }
-}
-
-void uPrizesList::TakeGridMouseMove(Qt::MouseButtons buttons, const QPointF& twips)
-{
-    if ((buttons & Qt::LeftButton) == 0 || !GridDragStart_)
-        return;
-    if (!DragRunner::IsDrag(*grdPrizes_, *GridDragStart_, twips))
-        return;
-    const QPointer<uPrizesList> self(this);
-    SelectGridRowAt(*grdPrizes_, GridDragStart_->y(), false);
-    if (!self)
-        return;
-    grdPrizes_->EndMouseTracking();
-    GridDragStart_.reset();
-    if (GridDragging_ || SelectedReference_ <= 0)
-        return;
-    GridDragging_ = true;
-    Handle("grdPrizes_OLEStartDrag", [this] { StartGridDrag(); });
-}
-
-void uPrizesList::TakeGridMouseUp(Qt::MouseButton button)
-{
-    if (button == Qt::LeftButton)
-        GridDragStart_.reset();
-    else if (button == Qt::RightButton)
-        PopUpMenu(QCursor::pos());
-}
-
 void uPrizesList::StartGridDrag()
 {
     const QPointer<uPrizesList> self(this);
@@ -78,5 +38,5 @@ void uPrizesList::StartGridDrag()
         return;
     auto* dragged = new DragData; // the drag destroys it
     dragged->SetText(QStringLiteral("!KVPrize Reference=\"%1\"").arg(prize->Reference()));
-    DragRunner::Run(*grdPrizes_, dragged, Qt::CopyAction | Qt::MoveAction);
+    DragRunner::Run(*grdList_, dragged, Qt::CopyAction | Qt::MoveAction);
 }

@@ -2,8 +2,9 @@
 
 // The popup menu of the prizes list and the enabling of its entries.
 
+#include "common/controls/StationListHandler.h"
 #include "platform/widgets/FlexGrid.h"
-#include "prizes/controls/PrizesListHandler.h"
+#include "prizes/controls/uPrizesList.h"
 
 #include <QMenu>
 
@@ -31,12 +32,6 @@ void uPrizesList::MakeMenu()
     add("mnuDelete", "&Delete Prize", &uPrizesList::DeleteCommand);
     connect(mnuPopupPrize_, &QMenu::aboutToShow, this, [this] { Handle("mnuPopupPrize", [this] { EnableMenu(); }); });
 }
-
-QAction* uPrizesList::Entry(const char* name) const
-{
-    return findChild<QAction*>(QLatin1String(name));
-}
-
 void uPrizesList::EnableMenu()
 {
     const bool hasPrize = SelectedReference_ > 0 && SelectedPrize(false);
@@ -48,7 +43,7 @@ void uPrizesList::EnableMenu()
     Entry("mnuPrizeNewPrize")->setEnabled(mayManage);
 }
 
-void uPrizesList::PopUpMenu(const QPoint& global)
+void uPrizesList::PopUpListMenu(const QPoint& global)
 {
     mnuPopupPrize_->popup(global);
 }

@@ -19,39 +19,33 @@ constexpr double RowMargin = 90;
 
 void uPrizesList::MakeGridHeader()
 {
-    grdPrizes_->SetRedraw(false);
-    grdPrizes_->SetRows(1);
-    grdPrizes_->SetCols(columnCount);
-    grdPrizes_->SetTextMatrix(0, colReference, QStringLiteral("Reference"));
-    grdPrizes_->SetTextMatrix(0, colTitle, QStringLiteral("Title"));
+    grdList_->SetRedraw(false);
+    grdList_->SetRows(1);
+    grdList_->SetCols(columnCount);
+    grdList_->SetTextMatrix(0, colReference, QStringLiteral("Reference"));
+    grdList_->SetTextMatrix(0, colTitle, QStringLiteral("Title"));
     for (int column = 0; column < columnCount; ++column)
-        grdPrizes_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
-    grdPrizes_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    grdPrizes_->SetRedraw(true);
+        grdList_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
+    grdList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    grdList_->SetRedraw(true);
 }
 
 void uPrizesList::SizeColumns()
 {
-    if (grdPrizes_->Cols() < columnCount)
+    if (grdList_->Cols() < columnCount)
         return;
-    const double width = Twips::FromPixels(*grdPrizes_, grdPrizes_->width());
-    grdPrizes_->SetColWidth(colReference, 0);
-    grdPrizes_->SetColWidth(colTitle, std::max(0.0, width - GridMargin));
+    const double width = Twips::FromPixels(*grdList_, grdList_->width());
+    grdList_->SetColWidth(colReference, 0);
+    grdList_->SetColWidth(colTitle, std::max(0.0, width - GridMargin));
 }
 
 /// One line for the heading, one or two such lines for each prize.
 void uPrizesList::SetGridRowHeights()
 {
-    const double line = Twips::FromPixels(*grdPrizes_, grdPrizes_->fontMetrics().lineSpacing()) + RowMargin;
-    grdPrizes_->SetRowHeight(0, line);
-    grdPrizes_->SetDefaultRowHeight(DoubleHeightRows_ ? 2 * grdPrizes_->RowHeight(0) : grdPrizes_->RowHeight(0));
+    const double line = Twips::FromPixels(*grdList_, grdList_->fontMetrics().lineSpacing()) + RowMargin;
+    grdList_->SetRowHeight(0, line);
+    grdList_->SetDefaultRowHeight(DoubleHeightRows_ ? 2 * grdList_->RowHeight(0) : grdList_->RowHeight(0));
 }
-
-qint32 uPrizesList::ReferenceOfRow(int row) const
-{
-    return grdPrizes_->TextMatrix(row, colReference).toInt();
-}
-
 uPrizesList::Line uPrizesList::LineOf(const cPrize& prize)
 {
     return {prize.Reference(), prize.Title(), prize.NumberSupplied(), prize.NumberWinners(), prize.LastWonDate()};
@@ -74,9 +68,9 @@ void uPrizesList::DisplayPrize(int row, const cPrizePtr& prize)
 
 void uPrizesList::DrawLine(int row, const Line& line)
 {
-    if (row < 1 || row > grdPrizes_->Rows() - 1)
+    if (row < 1 || row > grdList_->Rows() - 1)
         return;
-    grdPrizes_->SetTextMatrix(row, colReference, QString::number(line.Reference));
+    grdList_->SetTextMatrix(row, colReference, QString::number(line.Reference));
     RowOfReference_.insert(line.Reference, row);
     const auto place = static_cast<std::size_t>(row) - 1;
     if (place < ShownRows_.size())
@@ -84,9 +78,9 @@ void uPrizesList::DrawLine(int row, const Line& line)
     QString text = line.Title.trimmed();
     if (DoubleHeightRows_)
         text += QLatin1Char('\r') + SecondLine(line);
-    grdPrizes_->SetTextMatrix(row, colTitle, text);
-    grdPrizes_->SetCellBackColour(row, colTitle, colTitle, SystemColour::WindowBackground);
-    grdPrizes_->SetCellForeColour(row, colTitle, colTitle, SystemColour::WindowText);
+    grdList_->SetTextMatrix(row, colTitle, text);
+    grdList_->SetCellBackColour(row, colTitle, colTitle, SystemColour::WindowBackground);
+    grdList_->SetCellForeColour(row, colTitle, colTitle, SystemColour::WindowText);
 }
 
 QString uPrizesList::SecondLine(const Line& line) const
@@ -104,19 +98,11 @@ QString uPrizesList::SecondLine(const Line& line) const
                                : QStringLiteral("(%1 of %2 Won)").arg(won).arg(supplied);
     }
 }
-
-/// Makes a row current; the selection-change handler tells the host unless the list is being refreshed.
-void uPrizesList::SelectRow(int row)
+void uPrizesList::TakeSelection()
 {
-    grdPrizes_->SetRow(row);
-    grdPrizes_->SetCol(colTitle);
-}
-
-void uPrizesList::TakeSelectionChange()
-{
-    if (Refreshing_)
+    if (IsBusy_)
         return;
-    const int row = grdPrizes_->Row();
+    const int row = grdList_->Row();
     if (row < 1) {
         SelectedReference_ = 0;
         Q_EMIT PrizeSelected(nullptr);

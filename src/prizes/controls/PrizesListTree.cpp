@@ -3,10 +3,11 @@
 // The tree of the kinds of prize lists.
 
 #include "common/UserPreferences.h"
+#include "common/controls/StationListHandler.h"
 #include "platform/widgets/CategoryTreeView.h"
 #include "platform/widgets/Icons.h"
-#include "prizes/controls/PrizesListHandler.h"
 #include "prizes/controls/PrizesListNames.h"
+#include "prizes/controls/uPrizesList.h"
 
 #include <utility>
 
@@ -47,7 +48,7 @@ void uPrizesList::SetCategory(enPrizeListCategory category)
     if (category < 0 || category > plcRecentlyWonPrizes)
         return;
     // A property throws nothing at who sets it.
-    Handle("Category", [&] {
+    HandleReading("Category", [&] {
         const QString key = NodeKey(category);
         if (treeCategories_->SelectNode(key))
             TakeNodeClick(key);

@@ -69,9 +69,11 @@ TEST_F(MessagesListLateRowTest, ARowWithoutADateKeepsTheOneBeforeThoughNobodyHas
 {
     const Date friday(2026, 11, 20, 9, 5);
     Save(QStringLiteral("dated"), [&](cMessage& message) { message.SetSent(friday); });
+    Save(QStringLiteral("older"), [](cMessage& message) { message.SetSent(Date(2026, 11, 19, 9, 5)); });
     Save(QStringLiteral("without"));
     Attach();
-    Find(QStringLiteral("dated"));
+    Find(QStringLiteral("older"));
+    EXPECT_EQ(Grid->TextMatrix(1, 4), QStringLiteral("Thu 19 Nov 09:05"));
     // A second fill, of which nobody looks at a cell.
     List->hide();
     Find(QStringLiteral("dated"));
