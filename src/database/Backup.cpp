@@ -129,6 +129,9 @@ bool cTolvaDatabase::IsBackupAnnounced(Date now) const
 /// Whether the day, or the hour, has its backup.
 bool cTolvaDatabase::IsBackupRecent(Date now) const
 {
+    // Nobody could note the backup, so that each opening would make another one.
+    if (Database_ && !Database_->Updatable())
+        return true;
     const QString last = DatabaseSetting(LastBackupKey, None).toString();
     const auto run = Date::Parse(GetKeyValue(last, QStringLiteral("Run"), Blank));
     if (!run)
