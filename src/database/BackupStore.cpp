@@ -176,6 +176,9 @@ bool BackupStore::IsAnnounced(Date now) const
 /// Whether the day, or the hour, has its backup.
 bool BackupStore::IsRecent(Date now) const
 {
+    // Nobody could note the backup, so that each opening would make another one.
+    if (Station_.Database && !Station_.Database->Updatable())
+        return true;
     const QString last = Settings_.Read(StationSettings::LastBackup);
     const auto run = Date::Parse(GetKeyValue(last, QStringLiteral("Run"), Blank));
     if (!run)

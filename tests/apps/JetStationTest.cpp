@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CommandLineTest.h"
+#include "platform/records/DBEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
 #include "platform/records/engines/jet/DatabaseBuilder.h"
 
@@ -93,4 +94,22 @@ TEST_F(JetStationTest, IsNotConvertedWhileAnOfficeProgramHasItOpen)
               QStringList({QStringLiteral("Tolva.ldb"), QStringLiteral("Tolva.mdb")}));
     ASSERT_TRUE(QFile::remove(users));
     Expect("convert");
+}
+
+TEST_F(JetStationTest, IsNotBackedUpAnewByEveryCommand)
+{
+    FileMail(Mail("Only one"));
+    {
+        const auto database = dao::DBEngine::OpenDatabase(File());
+        database->Execute(QStringLiteral("DELETE FROM Settings WHERE Item LIKE '*LastBackup'"));
+    }
+    const QDir root(Station() + QStringLiteral("/Backups"));
+    ASSERT_TRUE(QDir(root).removeRecursively());
+    MakeJet();
+    Expect("list");
+    Expect("list");
+    EXPECT_FALSE(root.exists());
+    Expect("convert");
+    Expect("list");
+    EXPECT_TRUE(root.exists()) << "the day's backup, once it can be noted";
 }
