@@ -9,6 +9,7 @@
 #include "database/BackupFolders.h"
 #include "database/StationSettings.h"
 #include "platform/files/FileSystem.h"
+#include "platform/records/DBEngine.h"
 
 namespace
 {
@@ -47,8 +48,13 @@ Failure WhyNone(const cTolvaDatabase& database, const QString& folder)
 }
 
 /// The folder that the station's last backup went to.
-QString LastBackupName(const cTolvaDatabase& database)
+QString LastBackupName(const cTolvaDatabase& database, const QString& file)
 {
+    if (!dao::DBEngine::OpenDatabase(file)->Updatable()) {
+        // It could not be noted in the station.
+        const QList<BackupFolders::Backup> all = BackupFolders::List(BackupFolders::RootOf(file));
+        return all.isEmpty() ? QString() : all.last().Name;
+    }
     const QString last =
         database.DatabaseSetting(StationSettings::LastBackup.Key, StationSettings::LastBackup.Default).toString();
     return GetKeyValue(last, QStringLiteral("Name"), QStringLiteral(" "));
@@ -63,7 +69,7 @@ StationBackup::Result StationBackup::Make(cTolvaDatabase& database, const QStrin
         result.Before = StationCounts::Of(file);
         if (!database.BackupDatabase(true))
             throw WhyNone(database, folder);
-        result.Name = LastBackupName(database);
+        result.Name = LastBackupName(database, file);
         // Somebody put an older backup back meanwhile, and the station knows nothing of this one.
         if (result.Name.trimmed().isEmpty())
             throw dao::Error(dao::errFileReplaced, QString());

@@ -113,3 +113,13 @@ TEST_F(JetStationTest, IsNotBackedUpAnewByEveryCommand)
     Expect("list");
     EXPECT_TRUE(root.exists()) << "the day's backup, once it can be noted";
 }
+
+TEST_F(JetStationTest, IsBackedUpWhenSomebodyAsks)
+{
+    FileMail(Mail("Only one"));
+    MakeJet();
+    ASSERT_TRUE(QDir(Station() + QStringLiteral("/Backups")).removeRecursively());
+    const QByteArray said = Expect("backup");
+    EXPECT_TRUE(said.contains("1 message")) << said.constData();
+    EXPECT_EQ(Read(QString::fromUtf8(said.split('\n').first()) + QStringLiteral("/Tolva.mdb")), Read(File()));
+}

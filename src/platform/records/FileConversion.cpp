@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <limits>
 
 namespace dao
 {
@@ -49,16 +48,6 @@ private:
     qint64 Done_ = 0;
 };
 
-StoredValue WholeMemo(Store& store, const TablePtr& table, int column, qint64 id)
-{
-    const std::vector<engine::StoredMemo> memos =
-        store.ReadMemos(table, column, std::span(&id, 1), std::numeric_limits<qint64>::max());
-    if (memos.front().IsDamaged)
-        throw Error(errMemoDamaged, QStringLiteral("The content of the field '%1' of the table '%2' is damaged.")
-                                        .arg(table->Columns[static_cast<std::size_t>(column)].Name, table->Name));
-    return query::TextOf(memos.front());
-}
-
 /// Each row with all its values, memos included, in order of entry.
 void ForEachRow(Store& store, const TablePtr& table, Progress& progress,
                 const std::function<void(const std::vector<StoredValue>&)>& visit)
@@ -70,8 +59,9 @@ void ForEachRow(Store& store, const TablePtr& table, Progress& progress,
         RowReader reader(row.Cells.data());
         for (std::size_t i = 0; i < values.size(); ++i) {
             const CellView cell = reader.Next();
-            values[i] = cell.CellKind == CellView::Kind::Deferred ? WholeMemo(store, table, static_cast<int>(i), row.Id)
-                                                                  : query::ViewOf(cell);
+            values[i] = cell.CellKind == CellView::Kind::Deferred
+                            ? query::WholeMemo(store, table, static_cast<int>(i), row.Id)
+                            : query::ViewOf(cell);
         }
         visit(values);
         progress.Step();

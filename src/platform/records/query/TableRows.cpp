@@ -42,6 +42,16 @@ StoredValue TextOf(const engine::StoredMemo& memo)
     return memo.Utf8;
 }
 
+StoredValue WholeMemo(engine::Store& store, const engine::TablePtr& table, int column, qint64 id)
+{
+    const std::vector<engine::StoredMemo> memos =
+        store.ReadMemos(table, column, std::span(&id, 1), std::numeric_limits<qint64>::max());
+    if (memos.front().IsDamaged)
+        throw Error(errMemoDamaged, QStringLiteral("The content of the field '%1' of the table '%2' is damaged.")
+                                        .arg(table->Columns[static_cast<std::size_t>(column)].Name, table->Name));
+    return TextOf(memos.front());
+}
+
 void StoreRows::ForEachRow(const engine::TablePtr& table, const Visitor& visit)
 {
     using engine::Direction;

@@ -38,6 +38,8 @@ public:
 StoredValue KeyFor(const engine::Column& column, const StoredValue& number);
 /// A memo's text; Null for Null.
 StoredValue TextOf(const engine::StoredMemo& memo);
+/// A memo as it was saved, for whoever copies it. Error 3428 when it is damaged.
+StoredValue WholeMemo(engine::Store& store, const engine::TablePtr& table, int column, qint64 id);
 
 /// The same through the store's own access to rows, and its indexes of one column.
 class StoreRows final : public TableRows

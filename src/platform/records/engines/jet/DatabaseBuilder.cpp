@@ -8,8 +8,6 @@
 #include <QDateTime>
 #include <QStringList>
 
-#include <limits>
-
 namespace dao::jet
 {
 
@@ -207,20 +205,6 @@ double Now()
     return static_cast<double>(first.secsTo(now)) / 86400.0;
 }
 
-/// A row's cell, its memo read where it was not.
-StoredValue WholeCell(engine::Store& store, const engine::TablePtr& table, int column, const Row& row,
-                      const CellView& cell)
-{
-    if (cell.CellKind != CellView::Kind::Deferred)
-        return query::Kept(query::ViewOf(cell));
-    const std::vector<engine::StoredMemo> memos =
-        store.ReadMemos(table, column, std::span(&row.Id, 1), std::numeric_limits<qint64>::max());
-    if (memos.front().IsDamaged)
-        throw Error(errMemoDamaged, QStringLiteral("The content of the field '%1' of the table '%2' is damaged.")
-                                        .arg(table->Columns[static_cast<std::size_t>(column)].Name, table->Name));
-    return query::TextOf(memos.front());
-}
-
 void CopyRows(engine::Store& store, const engine::TablePtr& table, TableBuilder& builder)
 {
     const std::vector<ColumnDefinition>& columns = builder.Definition().Columns;
@@ -231,8 +215,12 @@ void CopyRows(engine::Store& store, const engine::TablePtr& table, TableBuilder&
     for (; isThere; isThere = store.ReadNext(table, -1, Direction::Forward, MemoFetch::SmallOnes, row)) {
         RowReader reader(row.Cells.data());
         std::vector<NewCell> cells;
-        for (std::size_t i = 0; i < columns.size(); ++i)
-            cells.push_back(CellOf(columns[i], WholeCell(store, table, static_cast<int>(i), row, reader.Next())));
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            const CellView cell = reader.Next();
+            const bool isDeferred = cell.CellKind == CellView::Kind::Deferred;
+            cells.push_back(CellOf(columns[i], isDeferred ? query::WholeMemo(store, table, static_cast<int>(i), row.Id)
+                                                          : query::ViewOf(cell)));
+        }
         builder.AddRow(cells);
     }
 }
