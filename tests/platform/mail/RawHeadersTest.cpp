@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/mail/RawHeaders.h"
+
 #include "MailSupport.h"
 #include "platform/mail/MessageReader.h"
-#include "platform/mail/RawHeaders.h"
 
 using cdo::Message;
 using cdo::RawHeaders;
