@@ -131,6 +131,7 @@ void uMessagesList::SetGridRowHeights()
     grdList_->SetRowHeight(0, height);
     grdList_->SetDefaultRowHeight(height);
 }
+
 /// Tells nobody, and leaves the current row as it is.
 void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 {
