@@ -69,6 +69,9 @@ Failure WhyNotCompacted(const QString& folder, const QString& file, const Pendin
     case dao::errDiskFull:
     case dao::errReadOnly:
         return StationOpening::FailureOf(folder, failure.Number(), failure.Description());
+    case dao::errNotSupported:
+        // Its engine writes no content in place.
+        return StationOpening::FailureOf(folder, dao::errReadOnly, failure.Description());
     default:
         break;
     }

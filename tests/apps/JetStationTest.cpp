@@ -52,6 +52,7 @@ TEST_F(JetStationTest, SaysInWordsThatItCannotBeChanged)
     const QString mail = Write(QStringLiteral("another.eml"), Mail("Another"));
     for (const QStringList& words : {QStringList{QStringLiteral("file"), Station(), mail},
                                      QStringList{QStringLiteral("delete"), Station(), number},
+                                     QStringList{QStringLiteral("compact"), Station(), QStringLiteral("--yes")},
                                      QStringList{QStringLiteral("mark"), Station(), number, QStringLiteral("read")}}) {
         const Outcome outcome = Run(words);
         EXPECT_EQ(outcome.Code, 77) << words.first().toStdString();
