@@ -13,6 +13,8 @@
 #include "common/FileHelper.h"
 #include "database/BackupFolders.h"
 
+#include <functional>
+
 namespace
 {
 const QString JsonOption = QStringLiteral("json");
@@ -123,39 +125,35 @@ int Restore(const Arguments& arguments)
     return exitOK;
 }
 
-int Compact(const Arguments& arguments)
+/// A command that writes the station's file anew, once the question is answered; it contains %1 for the folder.
+int WriteAnew(const Arguments& arguments, const QString& question,
+              const std::function<StationReplacing::Result(const QString& folder)>& write)
 {
     TerminalUserInterface under;
     CollectingUserInterface terminal(under);
     const QString& folder = arguments.Folder();
     if (!StationPlace::HoldsStation(folder))
         throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
-    if (!IsConfirmed(arguments, QStringLiteral("Compact the station in %1?").arg(folder))) {
+    if (!IsConfirmed(arguments, question.arg(folder))) {
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
     }
-    const StationReplacing::Result done = Replace([&] { return StationReplacing::Compact(folder); });
+    const StationReplacing::Result done = Replace([&] { return write(folder); });
     PrintResult(arguments,
                 {{QStringLiteral("sizeBefore"), done.SizeBefore}, {QStringLiteral("sizeAfter"), done.SizeAfter}}, done);
     return exitOK;
 }
 
+int Compact(const Arguments& arguments)
+{
+    return WriteAnew(arguments, QStringLiteral("Compact the station in %1?"), StationReplacing::Compact);
+}
+
 int Convert(const Arguments& arguments)
 {
-    TerminalUserInterface under;
-    CollectingUserInterface terminal(under);
-    const QString& folder = arguments.Folder();
-    if (!StationPlace::HoldsStation(folder))
-        throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
-    if (!IsConfirmed(arguments, QStringLiteral("Write the station in %1 in another format?").arg(folder))) {
-        Terminal::Complain(QStringLiteral("Nothing was changed."));
-        return exitDeclined;
-    }
-    const StationReplacing::Result done =
-        Replace([&] { return StationReplacing::Convert(folder, arguments.Value(ToOption)); });
-    PrintResult(arguments,
-                {{QStringLiteral("sizeBefore"), done.SizeBefore}, {QStringLiteral("sizeAfter"), done.SizeAfter}}, done);
-    return exitOK;
+    return WriteAnew(
+        arguments, QStringLiteral("Write the station in %1 in another format?"),
+        [&](const QString& folder) { return StationReplacing::Convert(folder, arguments.Value(ToOption)); });
 }
 
 const QString NotAskedText =
