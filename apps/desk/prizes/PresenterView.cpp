@@ -2,10 +2,10 @@
 #include "PresenterView.h"
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
 #include "prizes/PrizeFields.h"
 #include "prizes/PrizeRows.h"
 #include "prizes/WinnersView.h"
+#include "station/DeskStation.h"
 
 #include <QAction>
 #include <QHBoxLayout>

@@ -2,14 +2,14 @@
 #include "PrizesPage.h"
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
-#include "FocusRing.h"
-#include "NoticeBar.h"
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
 #include "prizes/PresenterView.h"
 #include "prizes/WinnersView.h"
 #include "prizes/controls/uPrizesList.h"
+#include "station/DeskStation.h"
+#include "window/FocusRing.h"
+#include "window/NoticeBar.h"
 
 #include <QApplication>
 #include <QComboBox>
