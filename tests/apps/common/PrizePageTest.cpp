@@ -3,7 +3,6 @@
 
 #include "common/FileHelper.h"
 #include "common/LibraryFolder.h"
-#include "platform/widgets/PrintedPages.h"
 
 #include <gtest/gtest.h>
 
@@ -41,12 +40,6 @@ TEST(PrizePageTest, ASheetHoldsWhatAPresenterNeeds)
 TEST(PrizePageTest, AValueThatLooksLikeATagStaysText)
 {
     EXPECT_TRUE(PrizePage::Fill(Sheet(), {Hamper()}).Html.contains(QStringLiteral("Bryn &lt;ZRT_PRIZE_TITLE&gt;")));
-}
-
-TEST(PrizePageTest, EachPrizeHasAPageOfItsOwn)
-{
-    EXPECT_EQ(PrintedPages(PrizePage::Fill(Sheet(), {Hamper(), Hamper(), Hamper()}), {}).PageCount(), 3);
-    EXPECT_EQ(PrintedPages(PrizePage::Fill(Sheet(), {}), {}).PageCount(), 1);
 }
 
 TEST(PrizePageTest, ATemplateWithoutAListIsFilledFromTheFirstPrize)

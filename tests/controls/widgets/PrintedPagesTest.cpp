@@ -4,7 +4,6 @@
 
 #include "platform/widgets/PrintedPages.h"
 
-#include "DeskTest.h"
 #include "platform/ProcessorTime.h"
 
 #include <QBuffer>
@@ -15,6 +14,9 @@
 #include <QPdfWriter>
 #include <QTextDocument>
 #include <QThreadPool>
+#include <QtTest>
+
+#include <gtest/gtest.h>
 
 #include <atomic>
 
@@ -328,7 +330,7 @@ TEST(PrintedPagesTest, PagesLaidOutInAnotherThreadAreTheSame)
         pages->MoveTo(home);
         isDone = true;
     });
-    ASSERT_TRUE(WaitUntil([&] { return isDone.load(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isDone.load(); }));
     const PrintedPages here = Laid(html);
     ASSERT_EQ(pages->PageCount(), here.PageCount());
     EXPECT_EQ(PageOf(*pages, 1), PageOf(here, 1));
