@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactPictures.h"
 
-#include "ContactChooser.h"
-#include "ContactHistory.h"
-#include "ContactImportDialog.h"
-#include "ContactsWindow.h"
+#include "contacts/ContactChooser.h"
+#include "contacts/ContactHistory.h"
+#include "contacts/ContactImportDialog.h"
+#include "contacts/ContactsWindow.h"
 #include "station/DeskStation.h"
 #include "window/Appearance.h"
 
