@@ -1,28 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-
-// A database that fails at any single access, and from any access on: operations that are told to answer do so and keep
-// the reason, and those that are told to raise raise an error of the store and nothing else.
-
-#include "common/ListViewObject.h"
-#include "common/PendingError.h"
-#include "core/support/FaultyEngine.h"
-#include "core/support/PatientUser.h"
-#include "core/support/StationTest.h"
-#include "database/DAO_DatabaseFunctions.h"
-#include "platform/records/DBEngine.h"
-#include "platform/records/FaultVfs.h"
-#include "prizes/cPrize.h"
-#include "prizes/cPrizeWinner.h"
-
-#include <functional>
-#include <new>
-#include <stdexcept>
+#include "FailingStation.h"
 
 namespace
 {
-constexpr int MostAccesses = 2000;
-const QString Words = QStringLiteral("The cable was pulled.");
-
 class CountingList final : public ListViewObject
 {
 public:
@@ -51,7 +31,6 @@ struct Failure
     std::function<void()> Raise;
 };
 
-class FailingStation;
 struct Operation
 {
     const char* Name;
@@ -67,91 +46,6 @@ std::ostream& operator<<(std::ostream& stream, const Operation& operation)
 }
 
 /// A station over a failing engine, and what its operations need.
-class FailingStation : public StationTest
-{
-public:
-    cTolvaDatabase& Database() { return *Station; }
-    QString Location() const { return Folder.path(); }
-    QString File() const { return FileName(); }
-    /// An object makes one backup in its life.
-    void TakeAnotherObject()
-    {
-        Station = std::make_unique<cTolvaDatabase>();
-        Station->SetDirectoryDatabase(&Directory);
-        Station->SetMakesAutomaticBackups(false);
-        ASSERT_EQ(Station->OpenTolvaDatabase(Location()), 0);
-    }
-    qint32 NewMessage() { return SaveNew(QStringLiteral("Hello")); }
-    static cMessagePtr Unsaved(enMsgType type = emtEmail)
-    {
-        const cMessagePtr message = MakeMessage(QStringLiteral("Hello"));
-        message->SetMessageType(type);
-        return message;
-    }
-    cPrizePtr NewPrize()
-    {
-        auto prize = std::make_shared<cPrize>();
-        prize->SetTitle(QStringLiteral("Tickets"));
-        prize->SetNumberSupplied(3);
-        EXPECT_TRUE(Station->SavePrize(prize));
-        return prize;
-    }
-    cPrizeWinnerPtr NewWinner(const cPrizePtr& prize)
-    {
-        const cPrizeWinnerPtr winner = Unstored(prize);
-        EXPECT_TRUE(Station->SavePrizeWinner(winner));
-        return winner;
-    }
-    cPrizeWinnerPtr Unstored(const cPrizePtr& prize)
-    {
-        const cPrizeWinnerPtr winner = Station->GetNewPrizeWinner(Station->GetPrize(prize->Reference(), false));
-        winner->SetWinnerReference(11);
-        return winner;
-    }
-    /// As other software leaves it that counts a winner whom it does not store.
-    void CountTooMany(qint32 prize)
-    {
-        const auto other = dao::DBEngine::OpenDatabase(File());
-        const auto rows = other->OpenRecordset(QStringLiteral("Prizes"), dao::dbOpenTable);
-        rows->SetIndex(QStringLiteral("Main"));
-        rows->Seek(dao::SeekComparison::Equal, {prize});
-        rows->Edit();
-        rows->SetCollect(QStringLiteral("NumberWinners"), 2);
-        rows->Update();
-    }
-    qint32 NewFolder()
-    {
-        clsCategory folder;
-        folder.SetDescription(QStringLiteral("Requests"));
-        Station->SaveMessageCategory(folder, false);
-        Station->UpdateCategoryTree();
-        return folder.Reference();
-    }
-
-protected:
-    FailingStation() : Disk(std::make_unique<FaultyEngine>()) { Files->SkipSyncs(); }
-    void SetUp() override
-    {
-        OpenStation();
-        UserInterface::SetCurrent(&Patient);
-    }
-    void TearDown() override
-    {
-        Disk->Heal();
-        Station.reset();
-        UserInterface::SetCurrent(&Ui);
-        Disk.reset();
-        Files.reset();
-    }
-    std::unique_ptr<FaultVfs> Files = std::make_unique<FaultVfs>();
-    std::unique_ptr<FaultyEngine> Disk;
-    PatientUser Patient;
-};
-
-class OpenWithFailingAccessTest : public FailingStation
-{
-};
-
 class FailingAccessTest : public FailingStation, public testing::WithParamInterface<Operation>
 {
 protected:
@@ -524,40 +418,6 @@ TEST_P(FailingAccessTest, NothingEscapesWhereAnAnswerIsToldAndTheReasonIsKept)
         ASSERT_EQ(Station->OpenTolvaDatabase(Location()), 0);
     }
     EXPECT_TRUE(Station->SaveMessage(Unsaved())) << qPrintable(Station->LastErrorDescription());
-}
-
-/// One step of the open is told to raise: the look at the index of the settings, and with it an open that failed
-/// before.
-TEST_F(OpenWithFailingAccessTest, AnswersAtEveryAccessButThatOfTheSettingsIndex)
-{
-    int raised = 0;
-    int number = 1;
-    for (; number < MostAccesses; ++number) {
-        SCOPED_TRACE(number);
-        Station->CloseTolvaDatabase();
-        Disk->FailAt(number, [] { throw dao::Error(dao::errDiskError, Words); });
-        qint32 answer = 0;
-        try {
-            answer = Station->OpenTolvaDatabase(Location());
-        } catch (const dao::Error& error) {
-            EXPECT_EQ(error.Number(), dao::errDiskError);
-            EXPECT_EQ(error.Description(), Words);
-            ++raised;
-        }
-        const bool hasFailed = Disk->HasFailed();
-        Disk->Heal();
-        if (answer > 0 && Station->IsOpen()) {
-            EXPECT_EQ(answer, dao::errDiskError);
-            EXPECT_EQ(Station->LastErrorNumber(), dao::errDiskError);
-            EXPECT_EQ(Station->LastErrorDescription(), Words);
-        }
-        if (!hasFailed) {
-            EXPECT_EQ(answer, 0);
-            break;
-        }
-    }
-    EXPECT_GT(number, 20) << "the open looks at more than that";
-    EXPECT_LE(raised, 3);
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, FailingAccessTest, testing::ValuesIn(Operations()), [](const auto& instance) {
