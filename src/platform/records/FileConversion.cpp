@@ -160,4 +160,9 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
     }
 }
 
+bool HasFormat(const QString& file, const QString& engine)
+{
+    return &EngineOfFile(file) == &engine::EngineRegistry::Instance().ForNewFiles(engine);
+}
+
 } // namespace dao

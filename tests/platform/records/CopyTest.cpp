@@ -188,6 +188,12 @@ TEST_P(Copies, ADiskThatIsFullAtAnyCallLeavesNothingAndIsSaid)
             break;
         }
         SCOPED_TRACE(files.NameOfCall(number).constData());
+        if (files.NameOfCall(number) == "remove" && error == 0) {
+            // What could not be taken away is told from a copy by its name.
+            ExpectWhole(Target());
+            ASSERT_TRUE(QFile::remove(Target()));
+            continue;
+        }
         EXPECT_EQ(error, errDiskFull);
         ExpectNothingLeft();
     }

@@ -48,6 +48,11 @@ void CheckTables(PageFile& file, Findings& findings, const engine::CopyProgress&
                  [&] { freePages = FreePages(file, owners, checked.Maps); });
     std::vector<CatalogueObject> objects;
     findings.Run(QStringLiteral("The list of tables cannot be read: "), [&] { objects = ReadCatalogue(file); });
+    const bool namesItself = std::any_of(objects.begin(), objects.end(), [](const CatalogueObject& object) {
+        return object.IsTable() && object.Definition() == CatalogueDefinition;
+    });
+    if (!namesItself)
+        findings.AddDamage(QStringLiteral("The list of tables lacks the list itself"));
     for (const CatalogueObject& object : objects) {
         AskOn(progress);
         if (object.IsTable())

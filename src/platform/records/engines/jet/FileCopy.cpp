@@ -3,7 +3,6 @@
 
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/jet/FileCheck.h"
-#include "platform/records/engines/jet/FileSession.h"
 
 #include <algorithm>
 #include <cstring>
@@ -22,22 +21,19 @@ void Require(const QString& name, const FileStatus& status)
         throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(name, status.Words()));
 }
 
-void CopyOctets(const QString& source, const QString& copy, const engine::CopyProgress& progress)
+void CopyOctets(PageFile& file, const QString& copy, const engine::CopyProgress& progress)
 {
     FileStatus status;
-    const auto from = FileSystem::Current().Open(source, FileAccess::Read, status);
-    if (!from)
-        throw Error(errCannotOpen, QStringLiteral("Cannot open '%1': %2").arg(source, status.Words()));
     const auto to = FileSystem::Current().Open(copy, FileAccess::Change, status);
     Require(copy, status);
     Require(copy, to->SetSize(0));
     QByteArray slice(SliceSize, Qt::Uninitialized);
-    const qint64 total = from->Size();
+    const qint64 total = file.Handle().Size();
     qint64 done = 0;
     qint64 count = SliceSize;
     while (count == SliceSize) {
-        if (!from->ReadAt(done, slice.data(), SliceSize, count).IsDone())
-            throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(source));
+        if (!file.Handle().ReadAt(done, slice.data(), SliceSize, count).IsDone())
+            throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(file.Name()));
         Require(copy, to->WriteAt(done, slice.constData(), count));
         done += count;
         if (progress && !progress(done, std::max(done, total)))
@@ -76,15 +72,21 @@ void CopyChanges(PageFile& file, const QString& copy)
 
 } // namespace
 
+void CopyContent(FileSession& session, const QString& copy, const engine::CopyProgress& progress)
+{
+    // Nobody waits for the greater part of it.
+    CopyOctets(session.Pages(), copy, progress);
+    const ReadingScope scope(session);
+    if (scope.SawChanges())
+        CopyChanges(session.Pages(), copy);
+}
+
 void CopyFile(const QString& source, const QString& target, const engine::CopyProgress& progress)
 {
     TemporaryFile copy(target);
     {
         FileSession session(source, PageFile::Use::Change);
-        CopyOctets(source, copy.Name(), progress);
-        const ReadingScope scope(session);
-        if (scope.SawChanges())
-            CopyChanges(session.Pages(), copy.Name());
+        CopyContent(session, copy.Name(), progress);
     }
     RequireNotDamaged(source, ExamineFile(copy.Name(), progress));
     copy.LimitRights(source);

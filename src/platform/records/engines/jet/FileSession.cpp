@@ -51,10 +51,11 @@ FileSession::~FileSession()
     // A closed database is one file. Whoever is using it now does this later.
     try {
         const QDeadlineTimer now(0);
-        if (!Pages_.IsNamed() || !Locks().BeginWriting(now).IsDone())
+        if (!Locks().BeginWriting(now).IsDone())
             return;
         if (Locks().ShutReadersOut(now).IsDone()) {
-            if (!Journal_.IsPending())
+            // Under the name of another file the journal would be that one's.
+            if (Pages_.IsNamed() && !Journal_.IsPending())
                 Journal_.Remove();
             Locks().LetReadersIn();
         }
@@ -64,14 +65,22 @@ FileSession::~FileSession()
     }
 }
 
-QString FileSession::Hindrance() const
+bool FileSession::IsChangeable() const
+{
+    return Pages_.IsWritable() && FileSystem::Current().KindOf(OfficeUsersFile(Pages_.Name())) == FileKind::None;
+}
+
+void FileSession::RequireChangeable() const
 {
     const QString users = OfficeUsersFile(Pages_.Name());
     if (FileSystem::Current().KindOf(users) != FileKind::None)
-        return QStringLiteral("another program has it open, for '%1' is there. Close it there. If nobody has it open, "
-                              "a program left that file behind: take it away")
-            .arg(users);
-    return Pages_.IsWritable() ? QString() : QStringLiteral("this account may only read it");
+        throw Error(errReadOnly, QStringLiteral("'%1' is only read while another program has it open, for '%2' is "
+                                                "there. Close it there. If nobody has it open, a program left that "
+                                                "file behind: take it away.")
+                                     .arg(Pages_.Name(), users));
+    if (!Pages_.IsWritable())
+        throw Error(errCannotOpen,
+                    QStringLiteral("Cannot change '%1': this account may only read it.").arg(Pages_.Name()));
 }
 
 void FileSession::Require(const FileStatus& status) const
@@ -83,18 +92,14 @@ void FileSession::Require(const FileStatus& status) const
     throw Error(ErrorNumberOf(status), QStringLiteral("'%1' cannot be locked: %2").arg(Pages_.Name(), status.Words()));
 }
 
-template <typename Lock, typename Unlock>
-bool FileSession::LockNamed(const Lock& lock, const Unlock& unlock)
+void FileSession::RequireName()
 {
-    bool isOther = false;
-    for (;;) {
-        lock();
-        if (Pages_.IsNamed())
-            return isOther;
-        unlock();
-        Pages_.Reopen();
-        isOther = true;
-    }
+    if (Pages_.IsNamed())
+        return;
+    if (FileSystem::Current().KindOf(Pages_.Name()) == FileKind::None)
+        throw Error(errDiskError, QStringLiteral("'%1' is not there any more.").arg(Pages_.Name()));
+    throw Error(errFileReplaced,
+                QStringLiteral("The database '%1' was replaced by another file. Open it anew.").arg(Pages_.Name()));
 }
 
 bool FileSession::BeginReading()
@@ -115,15 +120,16 @@ bool FileSession::BeginReading()
         if (status.Error() != FileError::NotSupported)
             Require(status);
         HasLock_ = status.IsDone();
+        RequireName();
     };
     try {
-        bool isOther = LockNamed(lock, unlock);
+        lock();
         while (Journal_.IsPending()) {
             unlock();
-            isOther = Recover(deadline) || isOther;
-            isOther = LockNamed(lock, unlock) || isOther;
+            Recover(deadline);
+            lock();
         }
-        isOther = Pages_.Refresh() || isOther;
+        const bool isOther = Pages_.Refresh();
         ++Readings_;
         return isOther;
     } catch (...) {
@@ -154,35 +160,35 @@ void FileSession::RecoverLocked(const QDeadlineTimer& deadline)
     Locks().LetReadersIn();
 }
 
-bool FileSession::Recover(const QDeadlineTimer& deadline)
+void FileSession::Recover(const QDeadlineTimer& deadline)
 {
     if (!Pages_.IsWritable())
         throw Error(errCannotOpen,
                     QStringLiteral("'%1' was left in the middle of a change by a program that ended. Open it once with "
                                    "an account that may write it.")
                         .arg(Pages_.Name()));
-    const bool isOther = LockNamed([&] { Require(Locks().BeginWriting(deadline)); }, [&] { Locks().EndWriting(); });
+    Require(Locks().BeginWriting(deadline));
     try {
+        RequireName();
         RecoverLocked(deadline);
     } catch (...) {
         Locks().EndWriting();
         throw;
     }
     Locks().EndWriting();
-    return isOther;
 }
 
 bool FileSession::BeginWriting()
 {
-    const QString hindrance = Hindrance();
-    if (!hindrance.isEmpty())
-        throw Error(errCannotOpen, QStringLiteral("Cannot change '%1': %2.").arg(Pages_.Name(), hindrance));
+    RequireChangeable();
     const QDeadlineTimer deadline(LongestWait);
-    bool isOther = LockNamed([&] { Require(Locks().BeginWriting(deadline)); }, [&] { Locks().EndWriting(); });
+    Require(Locks().BeginWriting(deadline));
+    bool isOther = false;
     try {
+        RequireName();
         if (Journal_.IsPending())
             RecoverLocked(deadline);
-        isOther = Pages_.Refresh() || isOther;
+        isOther = Pages_.Refresh();
     } catch (...) {
         Locks().EndWriting();
         throw;
@@ -201,9 +207,7 @@ void FileSession::CountCommit()
 
 void FileSession::Store(const QDeadlineTimer& deadline)
 {
-    if (!Pages_.IsNamed())
-        throw Error(errFileReplaced,
-                    QStringLiteral("The database '%1' was replaced by another file. Open it anew.").arg(Pages_.Name()));
+    RequireName();
     Require(Locks().ShutReadersOut(deadline));
     try {
         CountCommit();
@@ -239,6 +243,29 @@ void FileSession::Abandon()
 {
     Pages_.DropChanges();
     EndWriting();
+}
+
+void FileSession::GiveNameTo(const QString& replacement)
+{
+    FileSystem& files = FileSystem::Current();
+    const auto requireDone = [&](const FileStatus& status) {
+        if (!status.IsDone())
+            throw Error(ErrorNumberOf(status), QStringLiteral("'%1' cannot take the place of '%2': %3")
+                                                   .arg(replacement, Pages_.Name(), status.Words()));
+    };
+    try {
+        RequireName();
+        Require(Locks().ShutReadersOut(QDeadlineTimer(LongestWait)));
+        requireDone(files.CopyAccess(Pages_.Name(), replacement));
+        requireDone(files.RenameOver(replacement, Pages_.Name()));
+        requireDone(files.SyncFolder(QFileInfo(Pages_.Name()).absolutePath()));
+    } catch (...) {
+        Locks().LetReadersIn();
+        Abandon();
+        throw;
+    }
+    Locks().LetReadersIn();
+    Abandon();
 }
 
 void FileSession::EndWriting()

@@ -13,7 +13,8 @@ QString OfficeUsersFile(const QString& fileName);
 /// One database file in use: whose turn it is to read and to write, over all processes; commits; and what a crash left
 /// behind. Between its calls no lock is held unless a reading or a writing was begun and not ended.
 ///
-/// All waiting of one call together is bounded; then it is error 3260. One thread.
+/// All waiting of one call together is bounded; then it is error 3260. Each call makes sure that the file still has
+/// its name: 3734 when another file took it, 3043 when there is none. One thread.
 class FileSession
 {
 public:
@@ -25,8 +26,8 @@ public:
     FileSession& operator=(const FileSession&) = delete;
 
     PageFile& Pages() { return Pages_; }
-    /// Why the file cannot be changed, in words; empty when it can.
-    QString Hindrance() const;
+    /// False where this account may not write the file, and while an office program has it open.
+    bool IsChangeable() const;
 
     /// The pages stay as they are until EndReading. Whether they are others than the last time. Nests, and in a writing
     /// it is nothing.
@@ -34,7 +35,7 @@ public:
     void EndReading();
 
     /// Nobody else writes until Commit or Abandon. Whether the pages are others than the last time. Errors: 3051 where
-    /// the file cannot be changed, 3260.
+    /// the file may not be written, 3027 while an office program has it open, 3260.
     bool BeginWriting();
     bool IsWriting() const { return IsWriting_; }
     /// The changes of the pages are on the disk when it returns. When it throws, nothing is stored, unless the disk
@@ -43,13 +44,18 @@ public:
     /// Forgets the changes.
     void Abandon();
 
+    /// Gives the file's name to another one, which is on the disk, in the writing; everybody who has the file open finds
+    /// out. The writing has ended when it returns. Errors: 3260 readers, 3051, 3043.
+    void GiveNameTo(const QString& replacement);
+
 private:
     void Require(const FileStatus& status) const;
-    /// Locks the file that bears the name now; whether it is another one than before.
-    template <typename Lock, typename Unlock>
-    bool LockNamed(const Lock& lock, const Unlock& unlock);
+    void RequireChangeable() const;
+    /// Nobody goes on in a file that another one took the name of: its rows are others there. 3734, and 3043 when no
+    /// file bears the name.
+    void RequireName();
     void RecoverLocked(const QDeadlineTimer& deadline);
-    bool Recover(const QDeadlineTimer& deadline);
+    void Recover(const QDeadlineTimer& deadline);
     void Store(const QDeadlineTimer& deadline);
     void CountCommit();
     void EndWriting();

@@ -7,6 +7,7 @@
 #include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/FileCompaction.h"
 #include "platform/records/engines/jet/FileCopy.h"
+#include "platform/records/engines/jet/FileReplacement.h"
 #include "platform/records/engines/jet/JetStore.h"
 
 #include <QFileInfo>
@@ -50,6 +51,14 @@ public:
     FileReport Examine(const QString& fileName, const engine::CopyProgress& progress) override
     {
         return ExamineFile(fileName, progress);
+    }
+    std::unique_ptr<engine::ContentExchange> BeginExchange(const QString& fileName) override
+    {
+        return std::make_unique<FileReplacement>(fileName);
+    }
+    void MarkAsRestored(const QString& replacement, const QString& replaced) override
+    {
+        RaiseCountersTo(replacement, replaced);
     }
     std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override;
     QStringList CompanionsOf(const QString& fileName) const override { return {ChangeJournal::NameFor(fileName)}; }

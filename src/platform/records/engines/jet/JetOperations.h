@@ -52,8 +52,8 @@ auto JetStore::ChangeStep(const Operation& operation)
 template <typename Operation>
 auto JetStore::Change(const Operation& operation)
 {
-    if (!Updatable())
-        RaiseReadOnly();
+    if (IsReadOnly_)
+        throw Error(errCannotOpen, QStringLiteral("Cannot change '%1': it was opened to be read.").arg(File_.Name()));
     const bool isOwn = Transaction_ == Transaction::None;
     if (Transaction_ != Transaction::Started)
         StartWriting();

@@ -48,7 +48,8 @@ JetStore::JetStore(const QString& fileName, bool readOnly)
     // Opened for writing also by one who only reads: what a crash left half done has to be put right first.
     : Session_(fileName, PageFile::Use::Change),
       File_(Session_.Pages()),
-      ReadOnlyBecause_(readOnly ? QStringLiteral("it was opened to be read") : Session_.Hindrance()),
+      IsReadOnly_(readOnly),
+      IsUpdatable_(!readOnly && Session_.IsChangeable()),
       Pages_(File_),
       Marks_(*this),
       Counters_(Marks_)
@@ -113,11 +114,6 @@ void JetStore::ForgetRows(const engine::TablePtr& table)
         if (key->Id == table->Id)
             reader->ForgetRows();
     }
-}
-
-void JetStore::RaiseReadOnly() const
-{
-    throw Error(errCannotOpen, QStringLiteral("Cannot change '%1': %2.").arg(File_.Name(), ReadOnlyBecause_));
 }
 
 bool JetStore::ReadEnd(const engine::TablePtr& table, int index, engine::Direction direction, engine::MemoFetch memos,

@@ -25,7 +25,7 @@ public:
     ~JetStore() override;
 
     QString Version() const override;
-    bool Updatable() const override { return ReadOnlyBecause_.isEmpty(); }
+    bool Updatable() const override { return IsUpdatable_; }
     engine::SchemaPtr CurrentSchema() override;
     void AddTable(const engine::Table& table) override;
     void AddColumn(const QString& table, const engine::Column& column) override;
@@ -104,11 +104,11 @@ private:
     TableReader& ReaderOf(const engine::TablePtr& table);
     RowWriter WriterOf(TableReader& reader);
     FoundRow RequireRow(TableReader& reader, qint64 id);
-    [[noreturn]] void RaiseReadOnly() const;
 
     FileSession Session_;
     PageFile& File_;
-    QString ReadOnlyBecause_; ///< In words; empty when the file can be changed.
+    bool IsReadOnly_;  ///< Opened to be read.
+    bool IsUpdatable_; ///< As it was at the opening.
     engine::SchemaPtr Schema_;
     bool IsSchemaOld_ = true;
     Transaction Transaction_ = Transaction::None;

@@ -46,7 +46,7 @@ JetStore::~JetStore()
     Transaction_ = Transaction::None;
     Forget();
     const bool isRestoreDue = Counters_.TakenBack();
-    if (!Updatable() || (!isRestoreDue && !Counters_.HasRest()))
+    if (IsReadOnly_ || (!isRestoreDue && !Counters_.HasRest()))
         return;
     try {
         Change([&] {

@@ -34,31 +34,22 @@ QString KindInWords(PageType type)
 
 } // namespace
 
-PageFile::PageFile(const QString& fileName, Use use) : Name_(fileName), Use_(use), Cache_(CachedPages)
+PageFile::PageFile(const QString& fileName, Use use) : Name_(fileName), Cache_(CachedPages)
 {
-    Open();
+    Open(use);
 }
 
-void PageFile::Reopen()
-{
-    Changes_.Clear();
-    Open();
-}
-
-void PageFile::Open()
+void PageFile::Open(Use use)
 {
     FileStatus status;
-    std::unique_ptr<FileHandle> file;
-    if (Use_ == Use::Change)
-        file = FileSystem::Current().Open(Name_, FileAccess::Change, status);
-    const bool isWritable = file != nullptr;
-    if (!isWritable)
-        file = FileSystem::Current().Open(Name_, FileAccess::Read, status);
-    if (!file)
+    if (use == Use::Change)
+        File_ = FileSystem::Current().Open(Name_, FileAccess::Change, status);
+    IsWritable_ = File_ != nullptr;
+    if (!IsWritable_)
+        File_ = FileSystem::Current().Open(Name_, FileAccess::Read, status);
+    if (!File_)
         throw Error(status.IsDiskFailure() ? errDiskError : errCannotOpen,
                     QStringLiteral("Cannot open '%1': %2").arg(Name_, status.Words()));
-    File_ = std::move(file);
-    IsWritable_ = isWritable;
     Begin();
 }
 

@@ -45,9 +45,6 @@ public:
     bool Refresh();
     /// Whether the file still has its name.
     bool IsNamed() { return File_->HasName(Name_); }
-    /// Begins anew with whatever file bears the name by now. Errors: those of the constructor, and 3734 when it is one
-    /// of another format.
-    void Reopen();
 
     /// Changes a page in memory, or adds the one behind the last.
     void Change(quint32 number, const QByteArray& page);
@@ -63,14 +60,13 @@ public:
     QByteArray StoredPage(quint32 number);
 
 private:
-    void Open();
+    void Open(Use use);
     void Begin();
     void NoteMarks();
     void CountPages();
     QByteArray ReadAt(qint64 offset, qint64 size);
 
     QString Name_;
-    Use Use_;
     bool IsWritable_ = false;
     std::unique_ptr<FileHandle> File_;
     PageChanges Changes_;
