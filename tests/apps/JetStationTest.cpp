@@ -153,10 +153,7 @@ TEST_F(JetStationTest, IsNotBackedUpAnewByEveryCommand)
     MakeJet();
     Expect("list");
     Expect("list");
-    EXPECT_FALSE(root.exists());
-    Expect("convert");
-    Expect("list");
-    EXPECT_TRUE(root.exists()) << "the day's backup, once it can be noted";
+    EXPECT_EQ(root.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1) << "the day's backup, and that it was made";
 }
 
 TEST_F(JetStationTest, IsBackedUpWhenSomebodyAsks)
@@ -166,5 +163,6 @@ TEST_F(JetStationTest, IsBackedUpWhenSomebodyAsks)
     ASSERT_TRUE(QDir(Station() + QStringLiteral("/Backups")).removeRecursively());
     const QByteArray said = Expect("backup");
     EXPECT_TRUE(said.contains("1 message")) << said.constData();
-    EXPECT_EQ(Read(QString::fromUtf8(said.split('\n').first()) + QStringLiteral("/Tolva.mdb")), Read(File()));
+    const QByteArray backup = Read(QString::fromUtf8(said.split('\n').first()) + QStringLiteral("/Tolva.mdb"));
+    EXPECT_TRUE(backup.mid(4).startsWith("Standard Jet DB"));
 }

@@ -2,10 +2,10 @@
 
 // Jet files that are changed in place, beside the same changes in the embedded engine.
 
-#include "platform/records/engines/jet/JetFixture.h"
 #include "platform/records/engines/jet/FileSession.h"
 #include "platform/records/engines/jet/IndexEdit.h"
 #include "platform/records/engines/jet/IndexTree.h"
+#include "platform/records/engines/jet/JetFixture.h"
 #include "support/FaultyFileSystem.h"
 
 #include <QDir>
@@ -49,8 +49,9 @@ protected:
     {
         const int kind = Below(20);
         if (kind < 9) {
-            const QVariantList values{Text(60), QStringLiteral("%1 %2").arg(Text(6)).arg(++Made_), Below(1000) - 500,
-                                      Below(20) / 4.0, Below(2) == 0, Body()};
+            const QVariantList values{Text(60),          QStringLiteral("%1 %2").arg(Text(6)).arg(++Made_),
+                                      Below(1000) - 500, Below(20) / 4.0,
+                                      Below(2) == 0,     Body()};
             OnBoth([&](Database& database) {
                 const auto rows = database.OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
                 rows->AddNew();
@@ -59,8 +60,9 @@ protected:
             });
         } else if (kind < 15) {
             const int wanted = Below(Made_ + 2);
-            const QVariantList values{Text(90), QStringLiteral("%1 %2").arg(Text(20)).arg(++Made_), Below(9),
-                                      Below(9) / 4.0, Below(2) == 0, Body()};
+            const QVariantList values{Text(90),      QStringLiteral("%1 %2").arg(Text(20)).arg(++Made_),
+                                      Below(9),      Below(9) / 4.0,
+                                      Below(2) == 0, Body()};
             OnBoth([&](Database& database) {
                 const auto rows = database.OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
                 rows->SetIndex(QStringLiteral("Main"));
@@ -75,7 +77,8 @@ protected:
             const int first = Below(Made_ + 2);
             const int last = first + Below(6);
             OnBoth([&](Database& database) {
-                database.Execute(QStringLiteral("DELETE FROM Messages WHERE Ref BETWEEN %1 AND %2").arg(first).arg(last));
+                database.Execute(
+                    QStringLiteral("DELETE FROM Messages WHERE Ref BETWEEN %1 AND %2").arg(first).arg(last));
             });
         } else {
             const int number = Below(20);
@@ -212,9 +215,13 @@ TEST_F(JetChanges, GoOnInAFileWhoseCounterIsBehindItsRows)
 TEST_F(JetChanges, StoreAndFindTextsOfEveryScript)
 {
     MakeBoth();
-    const QStringList texts{QStringLiteral("\u03A9\u03BC\u03AD\u03B3\u03B1"), QStringLiteral("\u00A350"),
-                            QStringLiteral("\u0416\u0443\u0440\u043D\u0430\u043B"), QStringLiteral("\u65E5\u672C"),
-                            QStringLiteral("plain"), QStringLiteral("\U0001F600 smile"), QString(QChar(0xD800)),
+    const QStringList texts{QStringLiteral("\u03A9\u03BC\u03AD\u03B3\u03B1"),
+                            QStringLiteral("\u00A350"),
+                            QStringLiteral("\u0416\u0443\u0440\u043D\u0430\u043B"),
+                            QStringLiteral("\u65E5\u672C"),
+                            QStringLiteral("plain"),
+                            QStringLiteral("\U0001F600 smile"),
+                            QString(QChar(0xD800)),
                             QStringLiteral("\u05E9\u05DC\u05D5\u05DD")};
     for (const QString& text : texts) {
         const auto rows = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
@@ -251,7 +258,7 @@ TEST_F(JetChanges, LeaveTheFileAsItWasWhenAnyCallFails)
         ChangeBoth();
     Jet_.reset();
     const QByteArray before = OctetsOf(JetName());
-    const QString added = QString(20000, u'a');
+    const QString added = QString(5000, u'a');
     for (const FileError kind : {FileError::Full, FileError::Failed}) {
         for (int number = 1;; ++number) {
             SetOctets(JetName(), before);
@@ -263,12 +270,13 @@ TEST_F(JetChanges, LeaveTheFileAsItWasWhenAnyCallFails)
                 FaultyFileSystem files;
                 const auto database = DBEngine::OpenDatabase(JetName());
                 files.FailAt(number, kind, FaultyFileSystem::Fault::Tears, true);
-                const int before2 = files.Calls();
-                isStored = ::ErrorNumberOf([&] {
-                               database->Execute(QStringLiteral("UPDATE Messages SET Body='%1' WHERE Ref<9").arg(added));
-                           }) == 0;
-                calls = files.Calls() - before2;
-                name = files.NameOfCall(before2 + number);
+                const int begun = files.Calls();
+                isStored =
+                    ::ErrorNumberOf([&] {
+                        database->Execute(QStringLiteral("UPDATE Messages SET Body='%1' WHERE Ref<5").arg(added));
+                    }) == 0;
+                calls = files.Calls() - begun;
+                name = files.NameOfCall(begun + number);
                 if (calls >= number && Below(2) == 0)
                     files.LosePower();
                 files.StopFailing();
@@ -281,9 +289,10 @@ TEST_F(JetChanges, LeaveTheFileAsItWasWhenAnyCallFails)
             }
             Jet_ = DBEngine::OpenDatabase(JetName());
             const auto rows = Jet().OpenRecordset(
-                QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Ref<9 AND Body='%1'").arg(added), dbOpenSnapshot);
+                QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Ref<5 AND Body='%1'").arg(added), dbOpenSnapshot);
             const int changed = rows->Fields().Item(0).Value().toInt();
-            const auto all = Jet().OpenRecordset(QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Ref<9"), dbOpenSnapshot);
+            const auto all =
+                Jet().OpenRecordset(QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Ref<5"), dbOpenSnapshot);
             const int wanted = all->Fields().Item(0).Value().toInt();
             EXPECT_TRUE(changed == 0 || changed == wanted) << changed << " of " << wanted;
             EXPECT_TRUE(!isStored || changed == wanted);
