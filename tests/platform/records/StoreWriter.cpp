@@ -14,9 +14,9 @@
 ///     and says each number once it is committed.
 /// storeWriter step <file>: opens the file, reads all of table T, says "ready", and adds a row for each line that comes
 ///     in, with that name; says its reference, or the number of the error, and goes on.
-/// storeWriter read <file>: reads all of table T again and again, and ends with "torn" when a row is not as "add" stored it.
-/// storeWriter create <file>: makes a new database once a line comes in.
-/// A failure is said as its number, with exit code 1.
+/// storeWriter read <file>: reads all of table T again and again, and ends with "torn" when a row is not as "add"
+/// stored it. storeWriter create <file>: makes a new database once a line comes in. A failure is said as its number,
+/// with exit code 1.
 namespace
 {
 

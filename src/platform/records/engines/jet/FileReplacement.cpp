@@ -31,7 +31,7 @@ void FileReplacement::KeepAs(const QString& keepName, const engine::CopyProgress
     TemporaryFile copy(keepName);
     {
         // Another session: this one keeps what it noted.
-        FileSession session(Session_.Pages().Name(), PageFile::Use::Read);
+        FileSession session(Session_.Pages().Name(), PageFile::Use::Change);
         CopyContent(session, copy.Name(), progress);
     }
     copy.CopyAccess(Session_.Pages().Name());
@@ -45,7 +45,8 @@ void FileReplacement::RequireSameRows(const QString& replacement)
     for (const engine::TablePtr& table : file.CurrentSchema()->Tables) {
         const engine::TablePtr copied = other.CurrentSchema()->Find(table->Name);
         if ((!copied || other.CountRows(copied) != file.CountRows(table)) && IsAsNoted())
-            throw Error(errFileDamaged, QStringLiteral("'%1' lacks rows of the table '%2'.").arg(replacement, table->Name));
+            throw Error(errFileDamaged,
+                        QStringLiteral("'%1' lacks rows of the table '%2'.").arg(replacement, table->Name));
     }
 }
 
@@ -54,7 +55,7 @@ bool FileReplacement::Put(const QString& replacement)
     // Its own copy takes the place, made before anybody has to wait.
     TemporaryFile copy(Session_.Pages().Name());
     {
-        FileSession source(replacement, PageFile::Use::Read);
+        FileSession source(replacement, PageFile::Use::Change);
         CopyContent(source, copy.Name(), {});
     }
     if (!Session_.IsWriting())

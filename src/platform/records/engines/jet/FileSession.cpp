@@ -46,7 +46,7 @@ FileSession::~FileSession()
 {
     if (IsWriting_)
         Abandon();
-    if (!HasCommitted_)
+    if (!HasUsedJournal_)
         return;
     // A closed database is one file. Whoever is using it now does this later.
     try {
@@ -151,8 +151,10 @@ void FileSession::RecoverLocked(const QDeadlineTimer& deadline)
 {
     Require(Locks().ShutReadersOut(deadline));
     try {
-        if (Journal_.IsPending())
+        if (Journal_.IsPending()) {
+            HasUsedJournal_ = true;
             Journal_.Recover(Pages_);
+        }
     } catch (...) {
         Locks().LetReadersIn();
         throw;
@@ -211,8 +213,8 @@ void FileSession::Store(const QDeadlineTimer& deadline)
     Require(Locks().ShutReadersOut(deadline));
     try {
         CountCommit();
+        HasUsedJournal_ = true;
         Journal_.Write(Pages_);
-        HasCommitted_ = true;
         ChangeJournal::Apply(Pages_);
         Pages_.AdoptChanges();
     } catch (...) {

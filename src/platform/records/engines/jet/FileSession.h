@@ -44,8 +44,8 @@ public:
     /// Forgets the changes.
     void Abandon();
 
-    /// Gives the file's name to another one, which is on the disk, in the writing; everybody who has the file open finds
-    /// out. The writing has ended when it returns. Errors: 3260 readers, 3051, 3043.
+    /// Gives the file's name to another one, which is on the disk, in the writing; everybody who has the file open
+    /// finds out. The writing has ended when it returns. Errors: 3260 readers, 3051, 3043.
     void GiveNameTo(const QString& replacement);
 
 private:
@@ -66,7 +66,7 @@ private:
     int Readings_ = 0;
     bool HasLock_ = false; ///< Of a reader; file systems without locks give none.
     bool IsWriting_ = false;
-    bool HasCommitted_ = false;
+    bool HasUsedJournal_ = false;
 };
 
 /// A reading while it lives.

@@ -251,11 +251,46 @@ TEST_F(JetChanges, StoreAndFindTextsOfEveryScript)
     ExpectSound({});
 }
 
+TEST_F(JetChanges, AreRefusedInTimeAndInWordsWhereTheFileWouldOutgrowItsFormat)
+{
+    MakeBoth();
+    for (int i = 0; i < 10; ++i)
+        ChangeBoth();
+    Jet_.reset();
+    // Room that nobody uses, up to the greatest size.
+    QFile file(JetName());
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.resize(qint64(1) << 31));
+    file.close();
+    Jet_ = DBEngine::OpenDatabase(JetName());
+    const QStringList before = AllRows(Jet(), QStringLiteral("Messages"));
+    const auto rows = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Body"), QString(3000000, u'x'));
+    try {
+        rows->Update();
+        ADD_FAILURE() << "stored beyond the end";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), errNotSupported);
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("2 GB"))) << qPrintable(error.Description());
+    }
+    rows->CancelUpdate();
+    EXPECT_EQ(AllRows(Jet(), QStringLiteral("Messages")), before);
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Body"), QStringLiteral("what still fits"));
+    rows->Update();
+    EXPECT_EQ(AllRows(Jet(), QStringLiteral("Messages")).size(), before.size() + 1);
+}
+
 TEST_F(JetChanges, LeaveTheFileAsItWasWhenAnyCallFails)
 {
     MakeBoth();
-    for (int i = 0; i < 30; ++i)
-        ChangeBoth();
+    for (int i = 0; i < 5; ++i) {
+        const auto rows = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+        rows->AddNew();
+        rows->SetCollect(QStringLiteral("Body"), Body());
+        rows->Update();
+    }
     Jet_.reset();
     const QByteArray before = OctetsOf(JetName());
     const QString added = QString(5000, u'a');
@@ -271,10 +306,9 @@ TEST_F(JetChanges, LeaveTheFileAsItWasWhenAnyCallFails)
                 const auto database = DBEngine::OpenDatabase(JetName());
                 files.FailAt(number, kind, FaultyFileSystem::Fault::Tears, true);
                 const int begun = files.Calls();
-                isStored =
-                    ::ErrorNumberOf([&] {
-                        database->Execute(QStringLiteral("UPDATE Messages SET Body='%1' WHERE Ref<5").arg(added));
-                    }) == 0;
+                isStored = ::ErrorNumberOf([&] {
+                               database->Execute(QStringLiteral("UPDATE Messages SET Body='%1'").arg(added));
+                           }) == 0;
                 calls = files.Calls() - begun;
                 name = files.NameOfCall(begun + number);
                 if (calls >= number && Below(2) == 0)
@@ -289,10 +323,9 @@ TEST_F(JetChanges, LeaveTheFileAsItWasWhenAnyCallFails)
             }
             Jet_ = DBEngine::OpenDatabase(JetName());
             const auto rows = Jet().OpenRecordset(
-                QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Ref<5 AND Body='%1'").arg(added), dbOpenSnapshot);
+                QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Body='%1'").arg(added), dbOpenSnapshot);
             const int changed = rows->Fields().Item(0).Value().toInt();
-            const auto all =
-                Jet().OpenRecordset(QStringLiteral("SELECT COUNT(*) FROM Messages WHERE Ref<5"), dbOpenSnapshot);
+            const auto all = Jet().OpenRecordset(QStringLiteral("SELECT COUNT(*) FROM Messages"), dbOpenSnapshot);
             const int wanted = all->Fields().Item(0).Value().toInt();
             EXPECT_TRUE(changed == 0 || changed == wanted) << changed << " of " << wanted;
             EXPECT_TRUE(!isStored || changed == wanted);
