@@ -88,7 +88,7 @@ void ReadTable(jet::JetStore& store, const engine::TablePtr& table, int index, e
 
 void ReadAll(const QString& name)
 {
-    jet::JetStore store(name);
+    jet::JetStore store(name, true);
     for (const engine::TablePtr& table : store.CurrentSchema()->Tables) {
         for (int index = -1; index < static_cast<int>(table->Indexes.size()); ++index) {
             for (const auto direction : {engine::Direction::Forward, engine::Direction::Backward}) {

@@ -137,9 +137,7 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
     case dao::errCannotOpen:
         return words(QStringLiteral("cannot be opened: this account may not read and write it. (%1)").arg(description));
     case dao::errReadOnly:
-        return words(QStringLiteral("can be read and not be changed: its file has a format that this program only "
-                                    "reads. \"tolva convert\" makes a station to work in of it. (%1)")
-                         .arg(description));
+        return words(QStringLiteral("can be read and not be changed. (%1)").arg(description));
     case dao::errDiskFull:
         return words(QStringLiteral("cannot be written: the disk is full."));
     case dao::errDiskError:

@@ -4,10 +4,12 @@
 #include "CollectingUserInterface.h"
 #include "Failure.h"
 #include "StationPlace.h"
+#include "common/DurableFile.h"
 #include "common/FileHelper.h"
 #include "common/GeneralHelper.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/directory/EmbeddedDirectory.h"
+#include "platform/records/FileConversion.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -69,10 +71,20 @@ void MakeFile(const QString& folder, const QString& name, const QString& phoneNu
     }
 }
 
+void GiveFormat(const QString& file, const QString& format)
+{
+    if (format.isEmpty() || dao::HasFormat(file, format))
+        return;
+    const QString converted = file + QStringLiteral("-converted");
+    dao::ConvertDatabase(file, converted, format, {});
+    if (!DurableFile::RenameOver(converted, file))
+        throw Failure(exitInputOutput, QStringLiteral("%1 cannot be renamed.").arg(converted));
+}
+
 } // namespace
 
 void StationMaking::Make(const QString& folder, const QString& name, const QString& phoneNumber, const QString& user,
-                         UserInterface& under, const QString& country)
+                         UserInterface& under, const QString& country, const QString& format)
 {
     if (QFileInfo::exists(StationPlace::FileIn(folder)))
         throw AlreadyThere(folder);
@@ -86,6 +98,7 @@ void StationMaking::Make(const QString& folder, const QString& name, const QStri
             throw Failure(exitCannotCreate,
                           QStringLiteral("Nothing can be written into %1: %2").arg(folder, unfinished.errorString()));
         MakeFile(unfinished.path(), name, phoneNumber, country, under);
+        GiveFormat(StationPlace::FileIn(unfinished.path()), format);
         if (!FileHelper::RenameWithProgress(StationPlace::FileIn(unfinished.path()), StationPlace::FileIn(folder),
                                             QString()))
             throw QFileInfo::exists(StationPlace::FileIn(folder))

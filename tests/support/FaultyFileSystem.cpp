@@ -67,6 +67,7 @@ public:
     void SetAttributes(const FileAttributes& attributes) override { Real_->SetAttributes(attributes); }
     FileStatus Lock(FileLock kind, qint64 offset, qint64 size) override { return Real_->Lock(kind, offset, size); }
     FileStatus Unlock(qint64 offset, qint64 size) override { return Real_->Unlock(offset, size); }
+    bool HasName(const QString& name) override { return Real_->HasName(name); }
 
 private:
     template <typename Call>

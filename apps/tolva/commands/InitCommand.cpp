@@ -15,6 +15,7 @@ namespace
 const QString NameOption = QStringLiteral("name");
 const QString PhoneOption = QStringLiteral("phone");
 const QString CountryOption = QStringLiteral("country");
+const QString FormatOption = QStringLiteral("format");
 
 int Run(const Arguments& arguments)
 {
@@ -30,7 +31,8 @@ int Run(const Arguments& arguments)
     const QString& folder = arguments.Folder();
     const QString user = Station::UserName(arguments);
     TerminalUserInterface terminal;
-    StationMaking::Make(folder, arguments.Value(NameOption), arguments.Value(PhoneOption), user, terminal, country);
+    StationMaking::Make(folder, arguments.Value(NameOption), arguments.Value(PhoneOption), user, terminal, country,
+                        arguments.Value(FormatOption));
     Terminal::PrintLine(QStringLiteral("Made the station \"%1\" in %2; its first user is %3.")
                             .arg(arguments.Value(NameOption), folder, user));
     return exitOK;
@@ -42,7 +44,7 @@ CommandDefinition InitCommand()
     return {
         QStringLiteral("init"),
         QStringLiteral("Makes a new station."),
-        {QStringLiteral("init FOLDER --name NAME --phone NUMBER [--country CODE]")},
+        {QStringLiteral("init FOLDER --name NAME --phone NUMBER [--country CODE] [--format FORMAT]")},
         QStringLiteral(
             "The folder is made when it is not there. With the station comes a directory of users, in\n"
             "FOLDER/Directory, with one user who has all rights. A station that stands already is left alone."),
@@ -50,6 +52,9 @@ CommandDefinition InitCommand()
          {PhoneOption, QStringLiteral("NUMBER"), QStringLiteral("Its telephone number.")},
          {CountryOption, QStringLiteral("CODE"),
           QStringLiteral("In whose form numbers are read (else what this computer is set to, else GB).")},
+         {FormatOption, QStringLiteral("FORMAT"),
+          QStringLiteral("Of its file: sqlite, or jet, which office programs read (else what\nthis computer is set to, "
+                         "else sqlite).")},
          {QStringLiteral("user"), QStringLiteral("NAME"),
           QStringLiteral("The first user (else $TOLVA_USER, else Technician).")}},
         QStringLiteral("tolva init /srv/station --name \"Harbour FM\" --phone \"01632 960100\""),

@@ -54,6 +54,9 @@ public:
     /// it.
     virtual FileStatus Lock(FileLock kind, qint64 offset, qint64 size) = 0;
     virtual FileStatus Unlock(qint64 offset, qint64 size) = 0;
+
+    /// Whether a name leads to this very file, and not to another one that took it, or to none.
+    virtual bool HasName(const QString& name) = 0;
 };
 
 enum class FileAccess

@@ -169,6 +169,13 @@ public:
         return SetLock(kind == FileLock::Shared ? F_RDLCK : F_WRLCK, offset, size);
     }
     FileStatus Unlock(qint64 offset, qint64 size) override { return SetLock(F_UNLCK, offset, size); }
+    bool HasName(const QString& name) override
+    {
+        struct stat own = {};
+        struct stat named = {};
+        return ::fstat(Handle_, &own) == 0 && ::stat(QFile::encodeName(name).constData(), &named) == 0 &&
+               own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+    }
 
     FileKind KindOfHandle() const
     {

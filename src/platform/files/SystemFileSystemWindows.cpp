@@ -134,6 +134,20 @@ public:
             UnlockFileEx(Handle_, 0, static_cast<DWORD>(size & 0xFFFFFFFF), static_cast<DWORD>(size >> 32), &place));
     }
 
+    bool HasName(const QString& name) override
+    {
+        const HANDLE other = CreateFileW(Wide(name), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (other == INVALID_HANDLE_VALUE)
+            return false;
+        BY_HANDLE_FILE_INFORMATION own = {};
+        BY_HANDLE_FILE_INFORMATION named = {};
+        const bool areKnown = GetFileInformationByHandle(Handle_, &own) && GetFileInformationByHandle(other, &named);
+        CloseHandle(other);
+        return areKnown && own.dwVolumeSerialNumber == named.dwVolumeSerialNumber &&
+               own.nFileIndexHigh == named.nFileIndexHigh && own.nFileIndexLow == named.nFileIndexLow;
+    }
+
     static constexpr qint64 Since1601 = 11644473600000; ///< Milliseconds until 1970.
 
 private:

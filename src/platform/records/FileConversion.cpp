@@ -88,7 +88,33 @@ void AddTo(Digest& digest, const std::vector<StoredValue>& values)
         digest[i] += row[i];
 }
 
-Digest CopyTable(Store& source, const TablePtr& from, Store& target, Progress& progress)
+/// A commit of what was inserted, whenever it is much: a transaction may be kept in memory. Nobody sees the file before
+/// it is whole.
+class Portions
+{
+public:
+    explicit Portions(Store& target) : Target_(target) { Target_.BeginTrans(); }
+
+    void Add(const std::vector<StoredValue>& row)
+    {
+        for (const StoredValue& value : row)
+            Octets_ += std::holds_alternative<QByteArray>(value) ? std::get<QByteArray>(value).size() : 0;
+        if (Octets_ < Portion)
+            return;
+        Octets_ = 0;
+        Target_.CommitTrans();
+        Target_.BeginTrans();
+    }
+    void Finish() { Target_.CommitTrans(); }
+
+private:
+    static constexpr qint64 Portion = 32 * 1024 * 1024;
+
+    Store& Target_;
+    qint64 Octets_ = 0;
+};
+
+Digest CopyTable(Store& source, const TablePtr& from, Store& target, Portions& portions, Progress& progress)
 {
     target.AddTable(*from);
     const TablePtr to = target.CurrentSchema()->Find(from->Name);
@@ -100,6 +126,7 @@ Digest CopyTable(Store& source, const TablePtr& from, Store& target, Progress& p
             row.push_back({static_cast<int>(i), &values[i]});
         target.Insert(to, row);
         AddTo(digest, values);
+        portions.Add(values);
     });
     if (from->CounterColumn() >= 0)
         target.RaiseCounter(to, source.LastCounter(from));
@@ -124,15 +151,10 @@ void Convert(Store& source, Store& target, const std::function<bool(qint64, qint
         rows += source.CountRows(table);
     Progress progress(advance, 2 * rows);
     std::vector<Digest> digests;
-    target.BeginTrans();
-    try {
-        for (const TablePtr& table : schema->Tables)
-            digests.push_back(CopyTable(source, table, target, progress));
-        target.CommitTrans();
-    } catch (...) {
-        target.Rollback();
-        throw;
-    }
+    Portions portions(target);
+    for (const TablePtr& table : schema->Tables)
+        digests.push_back(CopyTable(source, table, target, portions, progress));
+    portions.Finish();
     for (std::size_t i = 0; i < digests.size(); ++i)
         RequireSame(target, schema->Tables[i], digests[i], progress);
     if (source.CurrentSchema() != schema)
@@ -158,6 +180,11 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
         FileSystem::Current().Remove(file);
         throw;
     }
+}
+
+bool HasFormat(const QString& file, const QString& engine)
+{
+    return &EngineOfFile(file) == &engine::EngineRegistry::Instance().ForNewFiles(engine);
 }
 
 } // namespace dao

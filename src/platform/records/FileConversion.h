@@ -20,4 +20,8 @@ namespace dao
 TOLVA_EXPORT void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                                   const std::function<bool(qint64 done, qint64 total)>& advance);
 
+/// Whether a database file has the format of that engine. Errors: those of opening, and 3265 when no engine of that
+/// name makes files.
+TOLVA_EXPORT bool HasFormat(const QString& file, const QString& engine);
+
 } // namespace dao

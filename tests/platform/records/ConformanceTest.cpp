@@ -21,13 +21,13 @@ struct ModelRow
     QVariant Amount; ///< Null or a double.
 };
 
-/// Null first, then numbers, then texts without regard to case: the order of an index.
-int Compare(const QVariant& left, const QVariant& right)
+/// Null first, then numbers, then texts in the engine's order: the order of an index.
+int Compare(const QString& engine, const QVariant& left, const QVariant& right)
 {
     if (!left.isValid() || !right.isValid())
         return static_cast<int>(left.isValid()) - static_cast<int>(right.isValid());
     if (left.typeId() == QMetaType::QString) {
-        const int order = QString::compare(left.toString().toCaseFolded(), right.toString().toCaseFolded());
+        const int order = CompareTexts(engine, left.toString(), right.toString());
         return order < 0 ? -1 : static_cast<int>(order > 0);
     }
     const double difference = left.toDouble() - right.toDouble();
@@ -45,10 +45,10 @@ Keys KeysOf(const ModelRow& row, const QString& index)
     return {row.Reference};
 }
 
-int CompareKeys(const Keys& left, const Keys& right)
+int CompareKeys(const QString& engine, const Keys& left, const Keys& right)
 {
     for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
-        const int order = Compare(left[i], right[i]);
+        const int order = Compare(engine, left[i], right[i]);
         if (order != 0)
             return order;
     }
@@ -115,7 +115,7 @@ protected:
         for (const auto& [reference, row] : Model_)
             rows.push_back(row);
         std::stable_sort(rows.begin(), rows.end(), [&](const ModelRow& left, const ModelRow& right) {
-            return CompareKeys(KeysOf(left, index), KeysOf(right, index)) < 0;
+            return CompareKeys(GetParam(), KeysOf(left, index), KeysOf(right, index)) < 0;
         });
         return rows;
     }
@@ -200,7 +200,7 @@ protected:
         if (comparison == SeekComparison::LessOrEqual || comparison == SeekComparison::Less)
             std::reverse(rows.begin(), rows.end());
         const auto wanted = std::find_if(rows.begin(), rows.end(), [&](const ModelRow& row) {
-            const int order = CompareKeys(KeysOf(row, index), keys);
+            const int order = CompareKeys(GetParam(), KeysOf(row, index), keys);
             switch (comparison) {
             case SeekComparison::Equal:
                 return order == 0;

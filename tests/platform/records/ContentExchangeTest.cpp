@@ -3,6 +3,7 @@
 
 #include "platform/records/FaultVfs.h"
 #include "platform/records/RecordsFixture.h"
+#include "support/FaultyFileSystem.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -124,6 +125,8 @@ protected:
 
 TEST_P(ContentExchanging, WhoHasTheFileOpenGoesOnByHimselfAfterACompaction)
 {
+    if (GetParam() == u"jet")
+        GTEST_SKIP() << "a row of its files is known by its place, and compacting moves rows: see the next case";
     OtherProgram other(FileName());
     EXPECT_EQ(other.Add("before"), "41");
     Db().Execute(QStringLiteral("DELETE FROM [T] WHERE [Reference] < 30"));
@@ -143,6 +146,28 @@ TEST_P(ContentExchanging, WhoHasTheFileOpenGoesOnByHimselfAfterACompaction)
     EXPECT_GT(here, 42);
     EXPECT_EQ(NameOf(42), QStringLiteral("after"));
     EXPECT_EQ(NameOf(here), QStringLiteral("here"));
+    DBEngine::CheckDatabase(FileName());
+    DBEngine::CheckDatabase(Kept());
+}
+
+TEST_P(ContentExchanging, WhoHasTheFileOpenIsToldOfACompactionThatMovedItsRows)
+{
+    if (GetParam() != u"jet")
+        GTEST_SKIP() << "only its files are compacted into others: see the case before";
+    OtherProgram other(FileName());
+    EXPECT_EQ(other.Add("before"), "41");
+    Db().Execute(QStringLiteral("DELETE FROM [T] WHERE [Reference] < 30"));
+    const qint64 size = QFileInfo(FileName()).size();
+    const auto snapshot = Db().OpenRecordset(QStringLiteral("SELECT * FROM [T] WHERE [Reference]=35"), dbOpenSnapshot);
+    ASSERT_TRUE(Compact());
+    EXPECT_LT(QFileInfo(FileName()).size(), size);
+    EXPECT_EQ(ErrorNumberOf([&] { snapshot->Collect(QStringLiteral("Memo")); }), errFileReplaced);
+    EXPECT_EQ(ErrorNumberOf([&] { Add(QStringLiteral("never")); }), errFileReplaced);
+    EXPECT_EQ(other.Add("never"), "error 3734");
+    Reopen();
+    EXPECT_GT(Add(QStringLiteral("here")), 41);
+    EXPECT_EQ(NameOf(41), QStringLiteral("before"));
+    EXPECT_EQ(Count(), 13);
     DBEngine::CheckDatabase(FileName());
     DBEngine::CheckDatabase(Kept());
 }
@@ -179,7 +204,11 @@ TEST_P(ContentExchanging, WritersAreKeptOutWhileItIsHeldAndReadersAreNot)
     DBEngine::CompactDatabase(FileName(), Fresh());
     EXPECT_TRUE(exchange.Put(Fresh()));
     EXPECT_EQ(Count(), 40);
-    EXPECT_EQ(NameOf(other.Add("let in").toInt()), QStringLiteral("let in"));
+    if (GetParam() == u"jet") {
+        EXPECT_EQ(other.Add("opens it anew"), "error 3734");
+    } else {
+        EXPECT_EQ(NameOf(other.Add("let in").toInt()), QStringLiteral("let in"));
+    }
 }
 
 TEST_P(ContentExchanging, WhoHasTheFileOpenIsRefusedAfterARestoreUntilHeOpensItAnew)
@@ -208,6 +237,8 @@ TEST_P(ContentExchanging, WhoHasTheFileOpenIsRefusedAfterARestoreUntilHeOpensItA
 
 TEST_P(ContentExchanging, AFileOfAnEarlierVersionServesAndIsRestoredLikeAnyOther)
 {
+    if (GetParam() != u"sqlite")
+        GTEST_SKIP() << "earlier versions had that engine alone";
     Database_.reset();
     sqlite3* raw = nullptr;
     ASSERT_EQ(sqlite3_open(FileName().toUtf8().constData(), &raw), SQLITE_OK);
@@ -226,8 +257,44 @@ TEST_P(ContentExchanging, AFileOfAnEarlierVersionServesAndIsRestoredLikeAnyOther
     EXPECT_GT(Add(QStringLiteral("new")), 42);
 }
 
+TEST_P(ContentExchanging, AFullDiskAtAnyCallLeavesTheOldFileInItsPlace)
+{
+    if (GetParam() != u"jet")
+        GTEST_SKIP() << "it writes past these files: see the next case";
+    Database_.reset();
+    DBEngine::CompactDatabase(FileName(), Fresh());
+    const QByteArray before = Octets(FileName());
+    for (int number = 1;; ++number) {
+        FaultyFileSystem disk;
+        disk.FailAt(number, FileError::Full, FaultyFileSystem::Fault::Tears);
+        int error = 0;
+        {
+            ContentExchange exchange(FileName());
+            exchange.Note(false);
+            error = ErrorNumberOf([&] { exchange.Put(Fresh()); });
+        }
+        if (disk.Calls() < number)
+            break;
+        SCOPED_TRACE(disk.NameOfCall(number).constData());
+        // What comes behind the rename is late: the new content is there then.
+        const QByteArray after = Octets(FileName());
+        if (error == 0 || disk.NameOfCall(number) == "sync folder") {
+            EXPECT_EQ(after, Octets(Fresh()));
+            QFile::remove(FileName());
+            std::filesystem::copy(Fresh().toStdString(), FileName().toStdString());
+        } else {
+            EXPECT_EQ(error, errDiskFull);
+            EXPECT_EQ(after == before || after == Octets(Fresh()), true);
+        }
+        EXPECT_GT(number, 0);
+        DBEngine::CheckDatabase(FileName());
+    }
+}
+
 TEST_P(ContentExchanging, AFullDiskAtAnyWriteLeavesTheOldContentWhole)
 {
+    if (GetParam() != u"sqlite")
+        GTEST_SKIP() << "the failing writes are that engine's: see the case before";
     Database_.reset();
     DBEngine::CompactDatabase(FileName(), Fresh());
     const QByteArray before = Octets(FileName());
@@ -267,8 +334,11 @@ TEST_P(ContentExchanging, ModeNamesAndLinksOfTheFileStay)
     struct stat after = {};
     ASSERT_EQ(stat(FileName().toUtf8().constData(), &after), 0);
     EXPECT_EQ(after.st_mode, before.st_mode);
-    EXPECT_EQ(after.st_ino, before.st_ino);
-    EXPECT_EQ(after.st_nlink, 2U);
+    // A Jet file is replaced by another one, which takes its name and no other.
+    if (GetParam() != u"jet") {
+        EXPECT_EQ(after.st_ino, before.st_ino);
+        EXPECT_EQ(after.st_nlink, 2U);
+    }
     struct stat kept = {};
     ASSERT_EQ(stat(Kept().toUtf8().constData(), &kept), 0);
     EXPECT_EQ(kept.st_mode, before.st_mode);

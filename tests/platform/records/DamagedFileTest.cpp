@@ -84,14 +84,14 @@ TEST_P(DamagedFile, EmptyOrForeignFilesAreNotRecognised)
     EXPECT_EQ(Use(Write(QByteArrayLiteral("Dear listener, this is a letter."))), errUnrecognisedFormat);
     EXPECT_EQ(Use(Write(QByteArray(20000, '\0'))), errUnrecognisedFormat);
     QByteArray foreign = Whole_;
-    foreign.replace(68, 4, QByteArray(4, '\0'));
+    foreign.replace(GetParam() == u"jet" ? 4 : 68, 4, QByteArray(4, '\0'));
     EXPECT_EQ(Use(Write(foreign)), errUnrecognisedFormat);
 }
 
 TEST_P(DamagedFile, AFormatThatIsNewerIsNotRecognised)
 {
     QByteArray newer = Whole_;
-    newer[63] = 99;
+    newer[GetParam() == u"jet" ? 20 : 63] = 99;
     EXPECT_EQ(Use(Write(newer)), errUnrecognisedFormat);
 }
 

@@ -166,7 +166,7 @@ TEST(EngineRegistry, AnUnknownEngineIsAnErrorThatListsThoseThereAre)
         } catch (const Error& error) {
             EXPECT_EQ(error.Number(), errItemNotFound);
             EXPECT_EQ(error.Description(), QStringLiteral("No database engine that makes new files is named '%1'. Use "
-                                                          "one of these: sqlite, test files.")
+                                                          "one of these: sqlite, jet, test files.")
                                                .arg(QString::fromLatin1(name)));
         }
         EXPECT_FALSE(QFileInfo::exists(file));

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QProcess>
 
+#include <array>
 #include <map>
 #include <random>
 #include <set>
@@ -108,6 +109,43 @@ TEST_P(SeveralProcesses, KilledAtAnyMomentLoseNothingThatWasAcknowledged)
         Take(survivor);
     }
     EXPECT_GE(Acknowledged_.size(), 130U);
+    ExpectAllThere();
+}
+
+TEST_P(SeveralProcesses, ThreeThatWriteKilledBesideThreeThatReadLoseAndShowNothingHalf)
+{
+    bool isSet = false;
+    const int wanted = qEnvironmentVariableIntValue("TOLVA_KILL_ROUNDS", &isSet);
+    const unsigned seed = Seed();
+    std::mt19937 random(seed);
+    for (int round = 0; round < (isSet ? wanted : 30); ++round) {
+        SCOPED_TRACE(testing::Message() << "seed (TOLVA_TEST_SEED): " << seed << " round " << round);
+        std::array<QProcess, 3> writers;
+        std::array<QProcess, 3> readers;
+        for (std::size_t i = 0; i < writers.size(); ++i)
+            Start(writers[i], QStringLiteral("writer%1-%2").arg(round).arg(i), 0);
+        for (QProcess& reader : readers) {
+            reader.start(QStringLiteral(TOLVA_STORE_WRITER), {QStringLiteral("read"), FileName()});
+            ASSERT_TRUE(reader.waitForStarted());
+        }
+        ASSERT_TRUE(writers[random() % 3].waitForReadyRead(30000));
+        writers[0].waitForFinished(static_cast<int>(random() % 40));
+        for (QProcess& writer : writers) {
+            writer.kill();
+            ASSERT_TRUE(writer.waitForFinished(30000));
+            Take(writer);
+        }
+        for (QProcess& reader : readers) {
+            EXPECT_EQ(reader.state(), QProcess::Running) << reader.readAllStandardError().constData();
+            reader.kill();
+            ASSERT_TRUE(reader.waitForFinished(30000));
+            EXPECT_FALSE(reader.readAllStandardOutput().contains("torn"));
+        }
+        if (round % 10 == 9) {
+            ASSERT_EQ(DBEngine::ExamineDatabase(FileName()).Verdict, FileReport::State::Sound);
+        }
+    }
+    EXPECT_GT(Acknowledged_.size(), 20U);
     ExpectAllThere();
 }
 

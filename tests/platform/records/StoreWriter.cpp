@@ -14,8 +14,9 @@
 ///     and says each number once it is committed.
 /// storeWriter step <file>: opens the file, reads all of table T, says "ready", and adds a row for each line that comes
 ///     in, with that name; says its reference, or the number of the error, and goes on.
-/// storeWriter create <file>: makes a new database once a line comes in.
-/// A failure is said as its number, with exit code 1.
+/// storeWriter read <file>: reads all of table T again and again, and ends with "torn" when a row is not as "add"
+/// stored it. storeWriter create <file>: makes a new database once a line comes in. A failure is said as its number,
+/// with exit code 1.
 namespace
 {
 
@@ -77,6 +78,23 @@ void Step(const QString& fileName)
     }
 }
 
+void Read(const QString& fileName)
+{
+    const auto database = dao::DBEngine::OpenDatabase(fileName);
+    for (;;) {
+        const auto rows = database->OpenRecordset(QStringLiteral("T"), dao::dbOpenTable);
+        rows->SetIndex(QStringLiteral("Main"));
+        for (; !rows->AtEOF(); rows->MoveNext()) {
+            const int number = rows->Collect(QStringLiteral("Name")).toString().section(QLatin1Char(' '), -1).toInt();
+            if (rows->Collect(QStringLiteral("Memo")).toString().size() != number % 7 * 2000) {
+                Say(QStringLiteral("torn"));
+                return;
+            }
+        }
+        Say(QStringLiteral("read"));
+    }
+}
+
 void Create(const QString& fileName)
 {
     std::getchar();
@@ -101,6 +119,8 @@ int main(int argc, char** argv)
             Move(fileName);
         else if (command == QLatin1String("step"))
             Step(fileName);
+        else if (command == QLatin1String("read"))
+            Read(fileName);
         else if (command == QLatin1String("create"))
             Create(fileName);
         else

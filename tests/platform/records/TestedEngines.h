@@ -24,6 +24,8 @@ struct TestedEngine
     QString Name; ///< As it stands in the names of tests.
     /// Makes an empty database. folder: the test's own, for engines that keep files.
     std::function<DatabasePlace(const QString& folder)> MakeDatabase;
+    /// How two texts stand to each other in its indexes: less than 0, 0, greater than 0.
+    std::function<int(const QString& left, const QString& right)> CompareTexts;
 };
 
 const std::vector<TestedEngine>& TestedEngines();
@@ -32,3 +34,4 @@ const std::vector<TestedEngine>& TestedEngines();
 std::vector<QString> AllEngines();
 std::vector<QString> FileEngines();
 DatabasePlace MakeDatabase(const QString& engine, const QString& folder);
+int CompareTexts(const QString& engine, const QString& left, const QString& right);

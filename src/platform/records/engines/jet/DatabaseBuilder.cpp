@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/DatabaseBuilder.h"
 
+#include "platform/records/engines/jet/Properties.h"
 #include "platform/records/engines/jet/SystemTables.h"
+#include "platform/records/engines/jet/TableShape.h"
 #include "platform/records/query/StoredValues.h"
 #include "platform/records/query/TableRows.h"
 
 #include <QDateTime>
-#include <QStringList>
 
 namespace dao::jet
 {
@@ -21,8 +22,6 @@ constexpr qint32 RelationsContainer = 0x0F000003;
 constexpr qint32 DatabaseObject = 0x10000000;
 constexpr qint64 SystemFlag = -0x7FFFFFFF - 1;
 constexpr qint64 AllRights = 0xFFFFF;
-constexpr int MostTrees = 32;
-constexpr qsizetype LongestName = 64;
 /// Who owns everything: readers take any octets.
 constexpr char OwnerOctets[] = "\x64\x8b";
 constexpr int OwnerSize = 2;
@@ -49,67 +48,6 @@ constexpr SystemObjectRow SystemObjects[] = {
 QString NameOf(const SystemObjectRow& object)
 {
     return QString::fromLatin1(object.Name);
-}
-
-/// A name as the format takes it.
-void RequireName(const QString& name)
-{
-    static const QString forbidden = QStringLiteral(".!`[]");
-    bool isFit = !name.isEmpty() && name.size() <= LongestName && name.at(0) != u' ';
-    for (const QChar character : name)
-        isFit = isFit && character.unicode() >= u' ' && !forbidden.contains(character);
-    if (!isFit)
-        throw Error(errNotSupported,
-                    QStringLiteral("A Jet file cannot have a table, field or index named '%1'.").arg(name));
-}
-
-ColumnType TypeOf(DataTypeEnum type)
-{
-    // The numbers are the same on purpose: the store's types come from this format.
-    return static_cast<ColumnType>(type);
-}
-
-TableDefinition ShapeOf(const engine::Table& table)
-{
-    RequireName(table.Name);
-    if (table.Columns.size() > MostColumns || table.Indexes.size() > MostTrees)
-        throw Error(errNotSupported, QStringLiteral("The table '%1' has more fields or indexes than a table of a Jet "
-                                                    "file can.")
-                                         .arg(table.Name));
-    TableDefinition shape;
-    for (const engine::Column& column : table.Columns) {
-        RequireName(column.Name);
-        ColumnDefinition definition = MakeColumn(column.Name, TypeOf(column.Type), 0);
-        definition.Number = static_cast<quint16>(shape.Columns.size());
-        definition.Ordinal = definition.Number;
-        if (column.Type == dbText || column.Type == dbMemo)
-            definition.FurtherFlags |= CompressedColumn;
-        if (column.Type == dbText)
-            definition.Length = static_cast<quint16>(2 * column.Size);
-        if (column.IsCounter())
-            definition.Flags |= CounterColumn;
-        shape.Columns.push_back(definition);
-    }
-    for (const engine::IndexKey& index : table.Indexes) {
-        RequireName(index.Name);
-        if (index.Columns.size() > std::size_t(IndexColumns))
-            throw Error(errNotSupported,
-                        QStringLiteral("The index '%1' has more fields than one of a Jet file can.").arg(index.Name));
-        QStringList columns;
-        for (const int column : index.Columns)
-            columns += table.Columns[static_cast<std::size_t>(column)].Name;
-        const int flags = (index.Unique || index.Primary ? UniqueIndex : 0) | (index.Primary ? RequiredIndex : 0);
-        AddIndexTo(shape, index.Name, static_cast<quint8>(flags), columns, index.Primary);
-    }
-    return shape;
-}
-
-QByteArray PropertiesOf(const engine::Table& table)
-{
-    std::vector<std::pair<QString, ColumnProperties>> columns;
-    for (const engine::Column& column : table.Columns)
-        columns.emplace_back(column.Name, ColumnProperties{column.AllowZeroLength, false});
-    return WriteColumnProperties(columns);
 }
 
 StoredValue TextValue(const QString& text)
@@ -194,16 +132,16 @@ void DatabaseBuilder::Finish()
     Pages_.Finish(MakeFirstPage(Created_));
 }
 
-namespace
-{
-
-double Now()
+double DayNumberNow()
 {
     const QDateTime first(QDate(1899, 12, 30), QTime(0, 0), Qt::UTC);
     QDateTime now = QDateTime::currentDateTime();
     now.setTimeSpec(Qt::UTC); // The wall's time, of no zone.
     return static_cast<double>(first.secsTo(now)) / 86400.0;
 }
+
+namespace
+{
 
 void CopyRows(engine::Store& store, const engine::TablePtr& table, TableBuilder& builder)
 {
@@ -229,7 +167,7 @@ void CopyRows(engine::Store& store, const engine::TablePtr& table, TableBuilder&
 
 void WriteWholeStore(engine::Store& store, const QString& fileName)
 {
-    DatabaseBuilder builder(fileName, Now());
+    DatabaseBuilder builder(fileName, DayNumberNow());
     const engine::SchemaPtr schema = store.CurrentSchema();
     for (const engine::TablePtr& table : schema->Tables) {
         TableBuilder& target = builder.AddTable(*table);

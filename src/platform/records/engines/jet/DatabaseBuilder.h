@@ -39,6 +39,9 @@ private:
     std::vector<UserTable> Tables_;
 };
 
+/// The wall's time as a day number of whole seconds.
+double DayNumberNow();
+
 /// Writes everything a store holds into a new file, which is there and empty; other programs must not change the store
 /// meanwhile. Errors: those of the store, of the builders, 3428 for a memo that is damaged.
 void WriteWholeStore(engine::Store& store, const QString& fileName);

@@ -32,7 +32,7 @@ void AppendHead(QByteArray& octets, const TableDefinition& table)
     Append(octets, quint32(1));
     octets.append(12, '\0');
     Append(octets, table.IsSystem ? SystemTable : UserTable);
-    Append(octets, static_cast<quint16>(table.Columns.size())); // All there ever were.
+    Append(octets, table.ColumnsEver);
     Append(octets, table.VariableColumns);
     Append(octets, static_cast<quint16>(table.Columns.size()));
     Append(octets, static_cast<quint32>(table.IndexNames.size()));
@@ -92,8 +92,6 @@ void AppendIndexName(QByteArray& octets, const IndexName& name)
     Append(octets, quint32(0));
 }
 
-} // namespace
-
 QByteArray MakeDefinition(const TableDefinition& table)
 {
     QByteArray octets;
@@ -118,6 +116,28 @@ QByteArray MakeDefinition(const TableDefinition& table)
     Append(octets, NoColumn);
     Put(octets, LengthAt, static_cast<quint32>(octets.size()));
     return octets;
+}
+
+} // namespace
+
+std::vector<QByteArray> MakeDefinitionPages(const TableDefinition& table,
+                                            const std::function<quint32(std::size_t place)>& numberOf)
+{
+    const QByteArray octets = MakeDefinition(table);
+    std::vector<QByteArray> pages;
+    numberOf(0);
+    for (qsizetype at = 0; at < octets.size();) {
+        const qsizetype header = at == 0 ? 0 : DefinitionHeader;
+        QByteArray page = QByteArray(header, '\0') + octets.mid(at, PageSize - header);
+        at += page.size() - header;
+        const quint32 next = at < octets.size() ? numberOf(pages.size() + 1) : 0;
+        Put(page, 0, static_cast<quint8>(PageType::Definition));
+        Put(page, 1, quint8(1));
+        Put(page, 2, static_cast<quint16>(std::max<qsizetype>(0, PageSize - page.size() - DefinitionHeader)));
+        Put(page, 4, next);
+        pages.push_back(page.leftJustified(PageSize, '\0'));
+    }
+    return pages;
 }
 
 } // namespace dao::jet

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/FileCheck.h"
 
+#include "platform/records/engines/jet/FileSession.h"
+#include "platform/records/engines/jet/PageAllocation.h"
 #include "platform/records/engines/jet/TableCheck.h"
 
 #include <algorithm>
@@ -46,6 +48,11 @@ void CheckTables(PageFile& file, Findings& findings, const engine::CopyProgress&
                  [&] { freePages = FreePages(file, owners, checked.Maps); });
     std::vector<CatalogueObject> objects;
     findings.Run(QStringLiteral("The list of tables cannot be read: "), [&] { objects = ReadCatalogue(file); });
+    const bool namesItself = std::any_of(objects.begin(), objects.end(), [](const CatalogueObject& object) {
+        return object.IsTable() && object.Definition() == CatalogueDefinition;
+    });
+    if (!namesItself)
+        findings.AddDamage(QStringLiteral("The list of tables lacks the list itself"));
     for (const CatalogueObject& object : objects) {
         AskOn(progress);
         if (object.IsTable())
@@ -55,22 +62,35 @@ void CheckTables(PageFile& file, Findings& findings, const engine::CopyProgress&
     owners.RequireNotFree(freePages);
 }
 
+FileReport ExaminePages(PageFile& file, const engine::CopyProgress& progress)
+{
+    Findings findings;
+    // Pages that a crash added before they were used are none of the file's yet.
+    findings.Run(QStringLiteral("The map of free pages cannot be read: "), [&] {
+        if (file.Size() % PageSize != 0 && !IsMarkedFree(file, file.PageCount()))
+            findings.AddDamage(QStringLiteral("The file does not end where a page does: a part of it is missing"));
+    });
+    CheckTables(file, findings, progress);
+    return findings.Take();
+}
+
 } // namespace
 
 FileReport ExamineFile(const QString& fileName, const engine::CopyProgress& progress)
 {
-    Findings findings;
     try {
-        PageFile file(fileName);
-        if (file.Size() % PageSize != 0)
-            findings.AddDamage(QStringLiteral("The file does not end where a page does: a part of it is missing"));
-        CheckTables(file, findings, progress);
+        FileSession session(fileName, PageFile::Use::Change);
+        // Nobody waits for it, unless it was disturbed.
+        FileReport report = ExaminePages(session.Pages(), progress);
+        const ReadingScope scope(session);
+        return scope.SawChanges() ? ExaminePages(session.Pages(), {}) : report;
     } catch (const Error& error) {
         if (error.Number() != errFileDamaged)
             throw;
+        Findings findings;
         findings.AddDamage(error.Description());
+        return findings.Take();
     }
-    return findings.Take();
 }
 
 } // namespace dao::jet

@@ -5,6 +5,7 @@
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/jet/Catalogue.h"
 #include "platform/records/engines/jet/FileCheck.h"
+#include "platform/records/engines/jet/FileSession.h"
 #include "platform/records/engines/jet/IndexTree.h"
 #include "platform/records/engines/jet/LongValue.h"
 #include "platform/records/engines/jet/RowCells.h"
@@ -124,10 +125,18 @@ void CopyTables(PageFile& file, const QString& target)
 void CompactFile(const QString& source, const QString& target)
 {
     RequireNotDamaged(source, ExamineFile(source, {}));
-    PageFile file(source);
+    FileSession session(source, PageFile::Use::Change);
+    PageFile& file = session.Pages();
+    const auto requireUnchanged = [&] {
+        if (ReadingScope(session).SawChanges())
+            throw Error(
+                errLocked,
+                QStringLiteral("'%1' was changed by another program while it was compacted. Try again.").arg(source));
+    };
     try {
         CopyTables(file, target);
     } catch (const Fault& fault) {
+        requireUnchanged();
         throw Error(errFileDamaged, QStringLiteral("The database '%1' is damaged: %2.").arg(source, fault.Words()));
     } catch (const Error& error) {
         // Rows that repeat a value can only be there because the index over them was broken.
@@ -136,10 +145,7 @@ void CompactFile(const QString& source, const QString& target)
                         QStringLiteral("The database '%1' is damaged: %2").arg(source, error.Description()));
         throw;
     }
-    if (file.NoteChanges())
-        throw Error(
-            errLocked,
-            QStringLiteral("'%1' was changed by another program while it was compacted. Try again.").arg(source));
+    requireUnchanged();
     RequireNotDamaged(target, ExamineFile(target, {}));
 }
 

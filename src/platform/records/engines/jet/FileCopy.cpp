@@ -3,9 +3,9 @@
 
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/jet/FileCheck.h"
-#include "platform/records/engines/jet/PageFile.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace dao::jet
 {
@@ -13,7 +13,6 @@ namespace dao::jet
 namespace
 {
 
-constexpr int MostAttempts = 3;
 constexpr qint64 SliceSize = 1024 * 1024;
 
 void Require(const QString& name, const FileStatus& status)
@@ -22,22 +21,19 @@ void Require(const QString& name, const FileStatus& status)
         throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(name, status.Words()));
 }
 
-void CopyOctets(const QString& source, const QString& copy, const engine::CopyProgress& progress)
+void CopyOctets(PageFile& file, const QString& copy, const engine::CopyProgress& progress)
 {
     FileStatus status;
-    const auto from = FileSystem::Current().Open(source, FileAccess::Read, status);
-    if (!from)
-        throw Error(errCannotOpen, QStringLiteral("Cannot open '%1': %2").arg(source, status.Words()));
     const auto to = FileSystem::Current().Open(copy, FileAccess::Change, status);
     Require(copy, status);
     Require(copy, to->SetSize(0));
     QByteArray slice(SliceSize, Qt::Uninitialized);
-    const qint64 total = from->Size();
+    const qint64 total = file.Handle().Size();
     qint64 done = 0;
     qint64 count = SliceSize;
     while (count == SliceSize) {
-        if (!from->ReadAt(done, slice.data(), SliceSize, count).IsDone())
-            throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(source));
+        if (!file.Handle().ReadAt(done, slice.data(), SliceSize, count).IsDone())
+            throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(file.Name()));
         Require(copy, to->WriteAt(done, slice.constData(), count));
         done += count;
         if (progress && !progress(done, std::max(done, total)))
@@ -47,21 +43,51 @@ void CopyOctets(const QString& source, const QString& copy, const engine::CopyPr
     Require(copy, to->Close());
 }
 
+/// Copies again what others changed since; they wait for it.
+void CopyChanges(PageFile& file, const QString& copy)
+{
+    FileStatus status;
+    const auto to = FileSystem::Current().Open(copy, FileAccess::Change, status);
+    Require(copy, status);
+    QByteArray wanted(SliceSize, Qt::Uninitialized);
+    QByteArray copied(SliceSize, Qt::Uninitialized);
+    qint64 at = 0;
+    qint64 count = SliceSize;
+    for (; count == SliceSize; at += count) {
+        qint64 known = 0;
+        if (!file.Handle().ReadAt(at, wanted.data(), SliceSize, count).IsDone() ||
+            !to->ReadAt(at, copied.data(), SliceSize, known).IsDone())
+            throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(file.Name()));
+        if (known < count || std::memcmp(wanted.constData(), copied.constData(), static_cast<std::size_t>(count)) != 0)
+            Require(copy, to->WriteAt(at, wanted.constData(), count));
+    }
+    Require(copy, to->SetSize(at));
+    Require(copy, to->Sync());
+    Require(copy, to->Close());
+    if (file.Refresh())
+        throw Error(errLocked, QStringLiteral("'%1' was changed by another program while it was copied. Try again when "
+                                              "nobody else works in it.")
+                                   .arg(file.Name()));
+}
+
 } // namespace
+
+void CopyContent(FileSession& session, const QString& copy, const engine::CopyProgress& progress)
+{
+    // Nobody waits for the greater part of it.
+    CopyOctets(session.Pages(), copy, progress);
+    const ReadingScope scope(session);
+    if (scope.SawChanges())
+        CopyChanges(session.Pages(), copy);
+}
 
 void CopyFile(const QString& source, const QString& target, const engine::CopyProgress& progress)
 {
     TemporaryFile copy(target);
-    PageFile watched(source);
-    bool isWhole = false;
-    for (int attempt = 0; attempt < MostAttempts && !isWhole; ++attempt) {
-        CopyOctets(source, copy.Name(), progress);
-        isWhole = !watched.NoteChanges();
+    {
+        FileSession session(source, PageFile::Use::Change);
+        CopyContent(session, copy.Name(), progress);
     }
-    if (!isWhole)
-        throw Error(errLocked, QStringLiteral("'%1' was changed by another program while it was copied. Try again when "
-                                              "nobody else works in it.")
-                                   .arg(source));
     RequireNotDamaged(source, ExamineFile(copy.Name(), progress));
     copy.LimitRights(source);
     copy.MoveTo(target);

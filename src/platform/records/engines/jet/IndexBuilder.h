@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/records/engines/jet/IndexFiller.h"
 #include "platform/records/engines/jet/PageWriter.h"
 #include "platform/records/engines/jet/TableDefinition.h"
 
@@ -25,22 +26,21 @@ public:
 private:
     struct Entry
     {
-        QByteArray Key;
-        RowPlace Row;
+        IndexPage::Entry Stored;
         bool IsNull = false;
     };
-    /// A page that is made, with the last entry below it.
+    /// A page that is made, and what is written on it.
     struct Node
     {
         quint32 Number = 0;
-        QByteArray Page;
-        const Entry* Last = nullptr;
+        IndexFiller Content;
+        IndexHead Head;
+        IndexPage::Entry Last; ///< The last entry below it, as it stands on the branch above.
     };
-    class Filler;
 
     std::vector<Node> MakeLeaves();
     std::vector<Node> MakeBranches(std::vector<Node>& children);
-    void Link(std::vector<Node>& nodes, std::size_t from, std::size_t to) const;
+    static void Link(std::vector<Node>& nodes, std::size_t from, std::size_t to);
     quint32 CountDistinct(bool& repeats) const;
     void Write(const std::vector<Node>& nodes);
 

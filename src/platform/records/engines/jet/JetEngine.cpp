@@ -3,12 +3,13 @@
 
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
+#include "platform/records/engines/jet/DatabaseBuilder.h"
 #include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/FileCompaction.h"
 #include "platform/records/engines/jet/FileCopy.h"
+#include "platform/records/engines/jet/FileReplacement.h"
 #include "platform/records/engines/jet/JetStore.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace dao::jet
@@ -21,18 +22,20 @@ class JetEngine final : public engine::Engine
 {
 public:
     QString Name() const override { return QStringLiteral("jet"); }
-    Capability Capabilities() const override { return {.Creates = false, .IsServer = false}; }
+    Capability Capabilities() const override { return {.Creates = true, .IsServer = false}; }
     bool IsAvailable(QString&) const override { return true; }
     bool RecognisesFile(const QByteArray& firstOctets) const override { return IsOfFamily(firstOctets); }
     bool RecognisesConnect(const QString&) const override { return false; }
 
-    std::unique_ptr<engine::Store> Open(const QString& name, const QString&, bool) override
+    std::unique_ptr<engine::Store> Open(const QString& name, const QString&, bool readOnly) override
     {
-        return std::make_unique<JetStore>(name);
+        return std::make_unique<JetStore>(name, readOnly);
     }
-    void Create(const QString&) override
+    void Create(const QString& fileName) override
     {
-        throw Error(errNotSupported, QStringLiteral("Jet files can be read here, and not be made to be worked in."));
+        TemporaryFile file(fileName);
+        DatabaseBuilder(file.Name(), DayNumberNow()).Finish();
+        file.MoveTo(fileName);
     }
     void Compact(const QString& source, const QString& target) override
     {
@@ -49,27 +52,57 @@ public:
     {
         return ExamineFile(fileName, progress);
     }
+    std::unique_ptr<engine::ContentExchange> BeginExchange(const QString& fileName) override
+    {
+        return std::make_unique<FileReplacement>(fileName);
+    }
+    void MarkAsRestored(const QString& replacement, const QString& replaced) override
+    {
+        RaiseCountersTo(replacement, replaced);
+    }
     std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override;
-    QStringList CompanionsOf(const QString&) const override { return {}; }
+    QStringList CompanionsOf(const QString& fileName) const override { return {ChangeJournal::NameFor(fileName)}; }
     std::unique_ptr<dao::Connection> OpenConnection(const QString&, int, bool, const QString&) override
     {
         throw Error(errNotSupported, QStringLiteral("This database engine serves no connections."));
     }
 };
 
-/// Office programs note there who has the file open, and take it away when the last of them closes it. They would go on
-/// in the old file.
+/// Keeps who works in a Jet file out of it.
+class JetFileLock final : public engine::FileLock
+{
+public:
+    explicit JetFileLock(std::unique_ptr<FileHandle> file) : File_(std::move(file)) {}
+
+private:
+    std::unique_ptr<FileHandle> File_; // The locks go with it.
+};
+
+/// Office programs would go on in the old file, so that it is refused while one has it open.
 std::unique_ptr<engine::FileLock> JetEngine::LockOut(const QString& fileName)
 {
-    QFile file(fileName);
-    const QFileInfo info(fileName);
-    const QString users = info.path() + u'/' + info.completeBaseName() + QStringLiteral(".ldb");
-    if (!file.open(QIODevice::ReadOnly) || !IsOfFamily(file.read(HeaderOctets)) ||
-        FileSystem::Current().KindOf(users) == FileKind::None)
+    FileStatus status;
+    auto file = FileSystem::Current().Open(QFileInfo(fileName).canonicalFilePath(), FileAccess::Change, status);
+    if (!file)
+        file = FileSystem::Current().Open(fileName, FileAccess::Read, status);
+    QByteArray first(HeaderOctets, '\0');
+    qint64 count = 0;
+    if (!file || !file->ReadAt(0, first.data(), first.size(), count).IsDone() || !IsOfFamily(first))
         return nullptr;
-    throw Error(errNotSupported, QStringLiteral("another program has it open, for '%1' is there. Close it there. If "
-                                                "nobody has it open, a program left that file behind: take it away")
-                                     .arg(users));
+    const QString users = OfficeUsersFile(fileName);
+    if (FileSystem::Current().KindOf(users) != FileKind::None)
+        throw Error(errNotSupported, QStringLiteral("another program has it open, for '%1' is there. Close it there. "
+                                                    "If nobody has it open, a program left that file behind: take it "
+                                                    "away")
+                                         .arg(users));
+    const QDeadlineTimer deadline(LongestWait);
+    FileLocks locks(*file);
+    status = locks.BeginWriting(deadline);
+    if (status.IsDone())
+        status = locks.ShutReadersOut(deadline);
+    if (status.Error() == FileError::Locked)
+        throw Error(errLocked, QStringLiteral("'%1' is locked by another user.").arg(fileName));
+    return std::make_unique<JetFileLock>(std::move(file));
 }
 
 } // namespace

@@ -1,40 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/records/engines/jet/JetStore.h"
-
+#include "platform/records/engines/jet/JetOperations.h"
 #include "platform/records/engines/jet/JetSchema.h"
 #include "platform/records/query/Binder.h"
 #include "platform/records/query/QueryRun.h"
 #include "platform/records/query/StoredValues.h"
 
-#include <QScopedValueRollback>
-
 namespace dao::jet
 {
-
-template <typename Operation>
-auto JetStore::Reading(const Operation& operation) const
-{
-    try {
-        return operation();
-    } catch (const Fault& fault) {
-        throw Error(errFileDamaged,
-                    QStringLiteral("The database '%1' is damaged: %2.").arg(File_.Name(), fault.Words()));
-    }
-}
-
-template <typename Operation>
-auto JetStore::Run(const Operation& operation)
-{
-    return Reading([&] {
-        if (!IsSelecting_ && File_.NoteChanges()) {
-            Readers_.clear();
-            Schema_.reset();
-        }
-        if (!Schema_)
-            Schema_ = ReadSchema(File_);
-        return operation();
-    });
-}
 
 /// The rows for a run of a query, during which nobody looks whether the file was changed.
 class JetStore::Rows final : public query::TableRows
@@ -72,7 +44,15 @@ private:
     JetStore& Store_;
 };
 
-JetStore::JetStore(const QString& fileName) : File_(fileName)
+JetStore::JetStore(const QString& fileName, bool readOnly)
+    // Opened for writing also by one who only reads: what a crash left half done has to be put right first.
+    : Session_(fileName, PageFile::Use::Change),
+      File_(Session_.Pages()),
+      IsReadOnly_(readOnly),
+      IsUpdatable_(!readOnly && Session_.IsChangeable()),
+      Pages_(File_),
+      Marks_(*this),
+      Counters_(Marks_)
 {
     CurrentSchema();
 }
@@ -87,6 +67,33 @@ engine::SchemaPtr JetStore::CurrentSchema()
     return Run([&] { return Schema_; });
 }
 
+/// What is the same stays the same object.
+void JetStore::LoadSchema()
+{
+    if (!IsSchemaOld_)
+        return;
+    const engine::SchemaPtr read = ReadSchema(File_);
+    auto schema = std::make_shared<engine::Schema>();
+    bool isSame = Schema_ && Schema_->Tables.size() == read->Tables.size();
+    for (const engine::TablePtr& table : read->Tables) {
+        const engine::TablePtr known = Schema_ ? Schema_->Find(table->Name) : nullptr;
+        schema->Tables.push_back(known && *known == *table ? known : table);
+        isSame = isSame && schema->Tables.back() == known;
+    }
+    if (!isSame)
+        Schema_ = std::move(schema);
+    IsSchemaOld_ = false;
+}
+
+engine::TablePtr JetStore::RequireTable(const QString& name)
+{
+    LoadSchema();
+    engine::TablePtr table = Schema_->Find(name);
+    if (!table)
+        throw Error(errTableNotFound, QStringLiteral("The input table or query '%1' was not found.").arg(name));
+    return table;
+}
+
 TableReader& JetStore::ReaderOf(const engine::TablePtr& table)
 {
     const auto found = Readers_.find(table.get());
@@ -95,62 +102,18 @@ TableReader& JetStore::ReaderOf(const engine::TablePtr& table)
     return *Readers_.emplace(table.get(), std::make_unique<TableReader>(File_, table)).first->second;
 }
 
-void JetStore::EndTransaction()
+void JetStore::Forget()
 {
-    if (Depth_ == 0)
-        throw Error(errNotSupported, QStringLiteral("No transaction was begun."));
-    --Depth_;
+    Readers_.clear();
+    IsSchemaOld_ = true;
 }
 
-void JetStore::RaiseReadOnly() const
+void JetStore::ForgetRows(const engine::TablePtr& table)
 {
-    throw Error(errReadOnly,
-                QStringLiteral("'%1' is a Jet file, which can be read here and not changed.").arg(File_.Name()));
-}
-
-void JetStore::AddTable(const engine::Table&)
-{
-    RaiseReadOnly();
-}
-
-void JetStore::AddColumn(const QString&, const engine::Column&)
-{
-    RaiseReadOnly();
-}
-
-void JetStore::AddIndex(const QString&, const engine::IndexKey&)
-{
-    RaiseReadOnly();
-}
-
-void JetStore::LockForChange()
-{
-    RaiseReadOnly();
-}
-
-void JetStore::RaiseCounter(const engine::TablePtr&, qint64)
-{
-    RaiseReadOnly();
-}
-
-qint64 JetStore::DrawCounter(const engine::TablePtr&)
-{
-    RaiseReadOnly();
-}
-
-qint64 JetStore::Insert(const engine::TablePtr&, std::span<const engine::Assignment>)
-{
-    RaiseReadOnly();
-}
-
-void JetStore::Update(const engine::TablePtr&, qint64, qint64, std::span<const engine::Assignment>)
-{
-    RaiseReadOnly();
-}
-
-void JetStore::Delete(const engine::TablePtr&, qint64)
-{
-    RaiseReadOnly();
+    for (const auto& [key, reader] : Readers_) {
+        if (key->Id == table->Id)
+            reader->ForgetRows();
+    }
 }
 
 bool JetStore::ReadEnd(const engine::TablePtr& table, int index, engine::Direction direction, engine::MemoFetch memos,
@@ -225,22 +188,35 @@ engine::ResultShape JetStore::Describe(const jetsql::SelectStatement& select)
 void JetStore::Select(const jetsql::SelectStatement& select, const engine::ParameterValues& parameters,
                       engine::ResultPart part, const engine::RowSink& sink)
 {
-    const engine::SchemaPtr schema = CurrentSchema();
-    const query::BoundSelect bound = query::BindSelect(select, *schema);
-    Rows rows(*this);
-    {
-        const QScopedValueRollback selecting(IsSelecting_, true);
+    Run([&] {
+        const query::BoundSelect bound = query::BindSelect(select, *Schema_);
+        Rows rows(*this);
         query::RunSelect(bound, parameters, part, rows, sink);
-    }
-    if (CurrentSchema() != schema && !IsSelecting_)
-        throw Error(
-            errLocked,
-            QStringLiteral("'%1' was changed by another program while it was read. Try again.").arg(File_.Name()));
+        if (!Session_.IsWriting() && File_.Refresh()) {
+            Forget();
+            throw Error(
+                errLocked,
+                QStringLiteral("'%1' was changed by another program while it was read. Try again.").arg(File_.Name()));
+        }
+    });
 }
 
-int JetStore::Execute(const jetsql::Statement&, const engine::ParameterValues&)
+int JetStore::Execute(const jetsql::Statement& statement, const engine::ParameterValues& parameters)
 {
-    RaiseReadOnly();
+    const int depth = Depth_;
+    BeginTrans();
+    try {
+        LockForChange();
+        const query::BoundChange change = query::BindChangeToRun(statement, *CurrentSchema());
+        Rows rows(*this);
+        const int count = query::ApplyChange(change, query::PlanChange(change, parameters, rows), *this);
+        CommitTrans();
+        return count;
+    } catch (...) {
+        if (Depth_ > depth)
+            Rollback();
+        throw;
+    }
 }
 
 QStringList JetStore::ParametersOf(const jetsql::Statement& statement)

@@ -2,7 +2,6 @@
 #include "platform/records/engines/jet/KeyForm.h"
 
 #include "platform/records/TextCodec.h"
-#include "platform/records/engines/jet/TextKey.h"
 
 #include <algorithm>
 #include <cmath>
@@ -105,12 +104,12 @@ bool AppendOctets(const StoredValue& value, bool isAscending, QByteArray& key)
     return true;
 }
 
-bool AppendText(const StoredValue& value, bool isAscending, QByteArray& key)
+bool AppendText(const StoredValue& value, bool isAscending, TextOrder order, QByteArray& key)
 {
     const QByteArray* utf8 = std::get_if<QByteArray>(&value);
     const qsizetype before = key.size();
     if (utf8 == nullptr ||
-        !AppendTextKey(TextFromUtf8({utf8->constData(), static_cast<std::size_t>(utf8->size())}), key))
+        !AppendTextKey(TextFromUtf8({utf8->constData(), static_cast<std::size_t>(utf8->size())}), order, key))
         return false;
     if (!isAscending) {
         key.append('\0');
@@ -144,7 +143,8 @@ bool AppendNumber(ColumnType type, const StoredValue& value, QByteArray& key)
     }
 }
 
-bool AppendValue(const ColumnDefinition& column, bool isAscending, const StoredValue& value, QByteArray& key)
+bool AppendValue(const ColumnDefinition& column, bool isAscending, const StoredValue& value, TextOrder order,
+                 QByteArray& key)
 {
     if (std::holds_alternative<std::monostate>(value)) {
         key.append(isAscending ? AscendingNull : DescendingNull);
@@ -153,7 +153,7 @@ bool AppendValue(const ColumnDefinition& column, bool isAscending, const StoredV
     key.append(isAscending ? AscendingValue : DescendingValue);
     const auto type = static_cast<ColumnType>(column.Type);
     if (type == ColumnType::Text || type == ColumnType::Memo)
-        return column.HasGeneralOrder() && AppendText(value, isAscending, key);
+        return column.HasGeneralOrder() && AppendText(value, isAscending, order, key);
     if (type == ColumnType::Binary)
         return AppendOctets(value, isAscending, key);
     const qsizetype before = key.size();
@@ -167,12 +167,12 @@ bool AppendValue(const ColumnDefinition& column, bool isAscending, const StoredV
 } // namespace
 
 std::optional<QByteArray> MakeKey(const TableDefinition& table, const IndexDefinition& index,
-                                  std::span<const StoredValue> values)
+                                  std::span<const StoredValue> values, TextOrder order)
 {
     QByteArray key;
     for (std::size_t i = 0; i < values.size() && i < index.Columns.size(); ++i) {
         const ColumnDefinition* column = table.ColumnOf(index.Columns[i].Number);
-        if (column == nullptr || !AppendValue(*column, index.Columns[i].IsAscending, values[i], key))
+        if (column == nullptr || !AppendValue(*column, index.Columns[i].IsAscending, values[i], order, key))
             return std::nullopt;
     }
     return key;

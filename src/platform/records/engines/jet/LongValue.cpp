@@ -74,7 +74,7 @@ QByteArray ReadLongValue(PageFile& file, const OctetView& stored, std::vector<Ro
     QByteArray value;
     if (reference.Where == LongReference::Place::Inline) {
         value = reference.InlineOctets.Copy();
-    } else if (qint64(reference.Size) > file.Size()) {
+    } else if (qint64(reference.Size) > qint64(file.PageCount()) * PageSize) {
         throw Fault(QStringLiteral("a long value is said to be longer than the file"));
     } else if (reference.Where == LongReference::Place::OneRow) {
         value = ReadPiece(file, reference.First);

@@ -34,22 +34,31 @@ QString KindInWords(PageType type)
 
 } // namespace
 
-PageFile::PageFile(const QString& fileName) : Name_(fileName), Cache_(CachedPages)
+PageFile::PageFile(const QString& fileName, Use use) : Name_(fileName), Cache_(CachedPages)
 {
-    Open();
+    Open(use);
 }
 
-void PageFile::Open()
+void PageFile::Open(Use use)
 {
-    Cache_.clear();
     FileStatus status;
-    ChangedMilliseconds_ = FileSystem::Current().AttributesOf(Name_).value_or(FileAttributes{}).ChangedMilliseconds;
-    File_ = FileSystem::Current().Open(Name_, FileAccess::Read, status);
+    if (use == Use::Change)
+        File_ = FileSystem::Current().Open(Name_, FileAccess::Change, status);
+    IsWritable_ = File_ != nullptr;
+    if (!IsWritable_)
+        File_ = FileSystem::Current().Open(Name_, FileAccess::Read, status);
     if (!File_)
         throw Error(status.IsDiskFailure() ? errDiskError : errCannotOpen,
                     QStringLiteral("Cannot open '%1': %2").arg(Name_, status.Words()));
-    Size_ = File_->Size();
-    PageCount_ = static_cast<quint32>(std::clamp<qint64>(Size_ / PageSize, 0, LargestPageCount));
+    Begin();
+}
+
+void PageFile::Begin()
+{
+    Cache_.clear();
+    // In front of the pages: what changes from here on is seen the next time.
+    ChangedMilliseconds_ = FileSystem::Current().AttributesOf(Name_).value_or(FileAttributes{}).ChangedMilliseconds;
+    CountPages();
     // The header of the older format is shorter than a page of this one, and is to be refused in its own words.
     const QByteArray first = ReadAt(0, std::min<qint64>(PageSize, std::max<qint64>(Size_, 0)));
     if (first.size() >= HeaderOctets && !IsOfFamily(first))
@@ -75,8 +84,59 @@ QByteArray PageFile::ReadAt(qint64 offset, qint64 size)
     return octets;
 }
 
+void PageFile::CountPages()
+{
+    Size_ = File_->Size();
+    PageCount_ = static_cast<quint32>(std::clamp<qint64>(Size_ / PageSize, 0, LargestPageCount));
+    // Those that a transaction adds lie behind the file's own without a gap.
+    while (Changes_.Find(PageCount_) != nullptr)
+        ++PageCount_;
+}
+
+void PageFile::Change(quint32 number, const QByteArray& page)
+{
+    if (number > PageCount_ || page.size() != PageSize)
+        throw Fault(QStringLiteral("page %1 cannot be changed").arg(number));
+    Changes_.Set(number, page);
+    PageCount_ = std::max(PageCount_, number + 1);
+}
+
+void PageFile::TakeBackStep()
+{
+    Changes_.TakeBackStep();
+    CountPages();
+}
+
+void PageFile::DropChanges()
+{
+    Changes_.Clear();
+    CountPages();
+}
+
+void PageFile::AdoptChanges()
+{
+    for (auto page = Changes_.Pages().cbegin(); page != Changes_.Pages().cend(); ++page)
+        Cache_.insert(page.key(), new QByteArray(*page));
+    DropChanges();
+    NoteMarks();
+}
+
+void PageFile::NoteMarks()
+{
+    ChangedMilliseconds_ = FileSystem::Current().AttributesOf(Name_).value_or(FileAttributes{}).ChangedMilliseconds;
+    CommitCounts_ = ReadAt(CommitCountsAt, CommitCountsSize);
+}
+
+QByteArray PageFile::StoredPage(quint32 number)
+{
+    QByteArray page = ReadAt(qint64(number) * PageSize, PageSize);
+    return page.size() == PageSize ? page : QByteArray();
+}
+
 QByteArray PageFile::Page(quint32 number)
 {
+    if (const QByteArray* changed = Changes_.Find(number))
+        return *changed;
     if (const QByteArray* known = Cache_.object(number))
         return *known;
     if (number >= PageCount_)
@@ -96,13 +156,13 @@ QByteArray PageFile::Page(quint32 number, PageType type)
     return page;
 }
 
-bool PageFile::NoteChanges()
+bool PageFile::Refresh()
 {
     const std::optional<FileAttributes> attributes = FileSystem::Current().AttributesOf(Name_);
     if (attributes && attributes->ChangedMilliseconds == ChangedMilliseconds_ && File_->Size() == Size_ &&
         ReadAt(CommitCountsAt, CommitCountsSize) == CommitCounts_)
         return false;
-    Open();
+    Begin();
     return true;
 }
 

@@ -4,26 +4,36 @@
 #include "platform/files/FileSystem.h"
 #include "platform/records/engines/jet/FileFormat.h"
 #include "platform/records/engines/jet/Header.h"
+#include "platform/records/engines/jet/PageChanges.h"
 
 #include <QCache>
 
 namespace dao::jet
 {
 
-/// The pages of a file that is open to be read, and the last of them that were asked for. One thread.
+/// The pages of an open file, the last of them that were asked for, and over them those that a transaction has changed.
+/// One thread. Nothing here locks or writes the file: FileSession does.
 ///
-/// Office programs may change the file meanwhile. NoteChanges sees it by the counts of their commits, the file's size
-/// and its time, and then begins anew with whatever file bears the name by now.
+/// Others may change the file meanwhile. Refresh sees it by the counts of their commits, the file's size and its
+/// time.
 class PageFile
 {
 public:
+    enum class Use
+    {
+        Read,
+        Change ///< Where this account may; see IsWritable.
+    };
+
     /// Errors: 3051 the file cannot be opened, 3043 it cannot be read, 3049 shorter than a page, those of
     /// RequireReadable.
-    explicit PageFile(const QString& fileName);
+    explicit PageFile(const QString& fileName, Use use = Use::Read);
 
     const QString& Name() const { return Name_; }
     const Header& FileHeader() const { return Header_; }
-    /// Whole pages in the file; at most 2 GiB of them.
+    FileHandle& Handle() { return *File_; }
+    bool IsWritable() const { return IsWritable_; }
+    /// Whole pages in the file, with those that a transaction adds; at most 2 GiB of them.
     quint32 PageCount() const { return PageCount_; }
     qint64 Size() const { return Size_; }
 
@@ -31,16 +41,35 @@ public:
     QByteArray Page(quint32 number);
     /// The same, a Fault when it is of another kind.
     QByteArray Page(quint32 number, PageType type);
-    /// To be called before each operation: whether the file was changed since the last call. All pages are read anew
-    /// then. Errors: those of the constructor, and 3734 when a file of another format has the name.
-    bool NoteChanges();
+    /// Whether the file was changed since the last call. All pages are read anew then.
+    bool Refresh();
+    /// Whether the file still has its name.
+    bool IsNamed() { return File_->HasName(Name_); }
+
+    /// Changes a page in memory, or adds the one behind the last.
+    void Change(quint32 number, const QByteArray& page);
+    const PageChanges& Changes() const { return Changes_; }
+    void BeginStep() { Changes_.BeginStep(); }
+    void KeepStep() { Changes_.KeepStep(); }
+    void TakeBackStep();
+    /// Forgets all changes.
+    void DropChanges();
+    /// The changes are in the file now: they are pages like others.
+    void AdoptChanges();
+    /// A page as it stands in the file, whatever a transaction changed. Empty when the file ends before it.
+    QByteArray StoredPage(quint32 number);
 
 private:
-    void Open();
+    void Open(Use use);
+    void Begin();
+    void NoteMarks();
+    void CountPages();
     QByteArray ReadAt(qint64 offset, qint64 size);
 
     QString Name_;
+    bool IsWritable_ = false;
     std::unique_ptr<FileHandle> File_;
+    PageChanges Changes_;
     Header Header_;
     qint64 Size_ = 0;
     quint32 PageCount_ = 0;

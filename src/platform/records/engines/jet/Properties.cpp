@@ -92,6 +92,27 @@ void AppendTruth(QByteArray& block, quint16 name, bool isTrue)
     Append(block, static_cast<quint8>(isTrue));
 }
 
+/// names: the places of the two properties in the list of names.
+void AppendColumn(QByteArray& blob, const QString& name, const ColumnProperties& properties, quint16 required,
+                  quint16 zeroLength)
+{
+    QByteArray part;
+    AppendName(part, name);
+    QByteArray block;
+    Append(block, static_cast<quint32>(4 + part.size()));
+    block += part;
+    AppendTruth(block, required, properties.IsRequired);
+    AppendTruth(block, zeroLength, properties.AllowsZeroLength);
+    AppendBlock(blob, ColumnBlock, block);
+}
+
+quint16 PlaceOfName(QStringList& names, const QString& name)
+{
+    if (!names.contains(name))
+        names += name;
+    return static_cast<quint16>(names.indexOf(name));
+}
+
 } // namespace
 
 QHash<QString, ColumnProperties> ReadColumnProperties(const OctetView& blob)
@@ -120,17 +141,40 @@ QByteArray WriteColumnProperties(const std::vector<std::pair<QString, ColumnProp
     AppendName(names, RequiredName());
     AppendName(names, ZeroLengthName());
     AppendBlock(blob, NamesBlock, names);
-    for (const auto& [name, properties] : columns) {
-        QByteArray part;
-        AppendName(part, name);
-        QByteArray block;
-        Append(block, static_cast<quint32>(4 + part.size()));
-        block += part;
-        AppendTruth(block, 0, properties.IsRequired);
-        AppendTruth(block, 1, properties.AllowsZeroLength);
-        AppendBlock(blob, ColumnBlock, block);
-    }
+    for (const auto& [name, properties] : columns)
+        AppendColumn(blob, name, properties, 0, 1);
     return blob;
+}
+
+QByteArray AddColumnProperties(const QByteArray& blob, const QString& name, const ColumnProperties& properties)
+{
+    if (blob.isEmpty())
+        return WriteColumnProperties({{name, properties}});
+    const OctetView all(blob);
+    if (blob.size() < qsizetype(sizeof(Mark)) || std::memcmp(blob.constData(), Mark, sizeof(Mark)) != 0)
+        return blob; // Of a kind that nobody reads here.
+    QStringList names;
+    QByteArray rest;
+    for (qsizetype at = sizeof(Mark); at < all.Size();) {
+        const OctetView block = all.Part(at, all.U32(at));
+        if (block.Size() < BlockHeader)
+            throw Fault(QStringLiteral("the properties of a table do not fit together"));
+        if (block.U16(4) == NamesBlock)
+            names = NamesIn(block.From(BlockHeader));
+        else
+            rest += block.Copy();
+        at += block.Size();
+    }
+    const quint16 required = PlaceOfName(names, RequiredName());
+    const quint16 zeroLength = PlaceOfName(names, ZeroLengthName());
+    QByteArray stored;
+    for (const QString& each : names)
+        AppendName(stored, each);
+    QByteArray result(Mark, sizeof(Mark));
+    AppendBlock(result, NamesBlock, stored);
+    result += rest;
+    AppendColumn(result, name, properties, required, zeroLength);
+    return result;
 }
 
 } // namespace dao::jet

@@ -23,4 +23,7 @@ QHash<QString, ColumnProperties> ReadColumnProperties(const OctetView& blob);
 /// A blob that says both of each column, by its name as it is spelt.
 QByteArray WriteColumnProperties(const std::vector<std::pair<QString, ColumnProperties>>& columns);
 
+/// The blob of a table with a column more; all else stays as it is. blob: empty for a table without properties. Fault.
+QByteArray AddColumnProperties(const QByteArray& blob, const QString& name, const ColumnProperties& properties);
+
 } // namespace dao::jet

@@ -155,6 +155,11 @@ StoredValue RowCells::Value(const ColumnDefinition& column) const
     }
 }
 
+qint64 VersionOf(const OctetView& row)
+{
+    return static_cast<qint64>(qHashBits(row.Data(), static_cast<std::size_t>(row.Size())));
+}
+
 QByteArray ShownLongValue(const ColumnDefinition& column, const QByteArray& octets)
 {
     return column.Is(ColumnType::Memo) ? Utf8FromStored(OctetView(octets)) : OctetsAsText(OctetView(octets));

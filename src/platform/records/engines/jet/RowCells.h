@@ -34,6 +34,9 @@ private:
     qsizetype VariableTableAt_ = 0; ///< Behind it lies the table of ends, the last column's first.
 };
 
+/// Differs between the rows that a row has been, as far as anything of it differs.
+qint64 VersionOf(const OctetView& row);
+
 /// What a long value's octets say, as Value shows it.
 QByteArray ShownLongValue(const ColumnDefinition& column, const QByteArray& octets);
 

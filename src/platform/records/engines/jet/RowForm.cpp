@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr double CurrencyUnit = 10000;
+constexpr qsizetype ShortestRow = 4;
 
 qint64 WholeOf(const StoredValue& value)
 {
@@ -65,6 +66,17 @@ QByteArray TextOctets(const ColumnDefinition& column, const StoredValue& value)
     if (column.Is(ColumnType::Text) && 2 * text.size() > column.Length)
         throw Error(errFieldTooSmall, QStringLiteral("The field '%1' is too small for a text.").arg(column.Name));
     return StoredFromText(text, (column.FurtherFlags & CompressedColumn) != 0);
+}
+
+/// Columns that were deleted leave gaps.
+void PutFixed(QByteArray& row, const ColumnDefinition& column, const std::optional<QByteArray>& octets)
+{
+    const qsizetype at = 2 + qsizetype(column.FixedOffset);
+    if (row.size() < at + column.Length)
+        row.append(at + column.Length - row.size(), '\0');
+    if (octets)
+        std::memcpy(row.data() + at, octets->constData(),
+                    static_cast<std::size_t>(std::min<qsizetype>(octets->size(), column.Length)));
 }
 
 void RemapIndexes(TableDefinition& table, const std::vector<quint16>& before)
@@ -133,24 +145,30 @@ void PlaceColumns(TableDefinition& table)
         }
     }
     table.VariableColumns = variables;
+    table.ColumnsEver = static_cast<quint16>(table.Columns.size());
     RemapIndexes(table, before);
 }
 
 QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets)
 {
     QByteArray row;
-    Append(row, static_cast<quint16>(table.Columns.size()));
-    QByteArray mask((qsizetype(table.Columns.size()) + 7) / 8, '\0');
+    Append(row, table.ColumnsEver);
+    QByteArray mask((qsizetype(table.ColumnsEver) + 7) / 8, '\0');
     std::vector<const QByteArray*> variable(table.VariableColumns, nullptr);
     for (std::size_t i = 0; i < table.Columns.size(); ++i) {
         const ColumnDefinition& column = table.Columns[i];
+        if (column.Number >= table.ColumnsEver || (!column.IsFixed() && column.VariableIndex >= table.VariableColumns))
+            throw Fault(QStringLiteral("the definition on page %1 counts too few columns").arg(table.Page()));
         if (octets[i])
-            mask[qsizetype(i / 8)] = static_cast<char>(mask[qsizetype(i / 8)] | 1 << (i % 8));
+            mask[column.Number / 8] = static_cast<char>(mask[column.Number / 8] | 1 << (column.Number % 8));
         if (!column.IsFixed())
             variable[column.VariableIndex] = octets[i] ? &*octets[i] : nullptr;
         else if (!column.Is(ColumnType::Boolean))
-            row += octets[i] ? octets[i]->leftJustified(column.Length, '\0', true) : QByteArray(column.Length, '\0');
+            PutFixed(row, column, octets[i]);
     }
+    // A place must hold a pointer, should the row ever move.
+    if (row.size() + mask.size() < ShortestRow)
+        row.append(ShortestRow - row.size() - mask.size(), '\0');
     if (table.VariableColumns > 0) {
         std::vector<quint16> starts;
         for (const QByteArray* value : variable) {

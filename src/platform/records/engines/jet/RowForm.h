@@ -23,8 +23,8 @@ NewCell CellOf(const ColumnDefinition& column, const StoredValue& value);
 /// Gives the columns their places in rows that have never had others: numbers, offsets and so on. Indexes go by the
 /// columns' numbers from before, and follow them.
 void PlaceColumns(TableDefinition& table);
-/// A row of a table whose columns were placed so. octets: what stands in it for each column, none for Null; of truth
-/// values any octets for true.
+/// A row of a table. octets: what stands in it for each column, none for Null; of truth
+/// values any octets for true. Error 3163 when it is too long.
 QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets);
 
 } // namespace dao::jet

@@ -82,7 +82,9 @@ void RowPages::Finish()
         Pages_.AddToMap(OwnedMap_, page);
 }
 
-QByteArray LongValueWriter::Add(const QByteArray& value)
+QByteArray StoreLongValue(const QByteArray& value, const std::function<RowPlace(const QByteArray&)>& addPiece,
+                          const std::function<quint32()>& allocate,
+                          const std::function<void(quint32, const QByteArray&)>& writeAlone)
 {
     if (value.size() > LongestValue)
         throw Error(errNotSupported, QStringLiteral("A field of a Jet file holds 1 GB at most."));
@@ -90,17 +92,24 @@ QByteArray LongValueWriter::Add(const QByteArray& value)
     if (value.size() <= LargestInline)
         return Reference(Inline | size, 0) + value;
     if (value.size() <= LargestLongRow)
-        return Reference(InOneRow | size, Rows_.Add(value).Pointer());
+        return Reference(InOneRow | size, addPiece(value).Pointer());
     // The piece that fills no page comes first and shares one; the others follow each on its own.
     const qsizetype first = (value.size() - 1) % LargestPiece + 1;
-    quint32 page = Rows_.AllocateAlone();
-    const quint32 pointer = Rows_.Add(Piece(page << 8, value.left(first))).Pointer();
+    quint32 page = allocate();
+    const quint32 pointer = addPiece(Piece(page << 8, value.left(first))).Pointer();
     for (qsizetype at = first; at < value.size(); at += LargestPiece) {
-        const quint32 next = at + LargestPiece < value.size() ? Rows_.AllocateAlone() : 0;
-        Rows_.WriteAlone(page, Piece(next << 8, value.mid(at, LargestPiece)));
+        const quint32 next = at + LargestPiece < value.size() ? allocate() : 0;
+        writeAlone(page, Piece(next << 8, value.mid(at, LargestPiece)));
         page = next;
     }
     return Reference(size, pointer);
+}
+
+QByteArray LongValueWriter::Add(const QByteArray& value)
+{
+    return StoreLongValue(
+        value, [&](const QByteArray& piece) { return Rows_.Add(piece); }, [&] { return Rows_.AllocateAlone(); },
+        [&](quint32 page, const QByteArray& piece) { Rows_.WriteAlone(page, piece); });
 }
 
 } // namespace dao::jet

@@ -3,6 +3,8 @@
 
 #include "platform/records/engines/jet/PageWriter.h"
 
+#include <functional>
+
 namespace dao::jet
 {
 
@@ -35,6 +37,12 @@ private:
     qsizetype Room_ = 0;
     std::vector<quint32> Owned_;
 };
+
+/// Takes a long value apart and answers what stands in the row for it. addPiece: puts a row on a page that others may
+/// share; allocate: a page for one row alone; writeAlone: that row. Error 3251 beyond 1 GB.
+QByteArray StoreLongValue(const QByteArray& value, const std::function<RowPlace(const QByteArray&)>& addPiece,
+                          const std::function<quint32()>& allocate,
+                          const std::function<void(quint32, const QByteArray&)>& writeAlone);
 
 /// Writes memos and blobs of one column.
 class LongValueWriter

@@ -107,20 +107,14 @@ void TableBuilder::FinishRows()
 
 void TableBuilder::WriteDefinition()
 {
-    const QByteArray octets = MakeDefinition(Table_);
-    quint32 number = Table_.Page();
-    for (qsizetype at = 0; at < octets.size();) {
-        const qsizetype header = at == 0 ? 0 : DefinitionHeader;
-        QByteArray page = QByteArray(header, '\0') + octets.mid(at, PageSize - header);
-        at += page.size() - header;
-        const quint32 next = at < octets.size() ? Pages_.Allocate() : 0;
-        Put(page, 0, static_cast<quint8>(PageType::Definition));
-        Put(page, 1, quint8(1));
-        Put(page, 2, static_cast<quint16>(std::max<qsizetype>(0, PageSize - page.size() - DefinitionHeader)));
-        Put(page, 4, next);
-        Pages_.Write(number, page.leftJustified(PageSize, '\0'));
-        number = next;
-    }
+    std::vector<quint32> numbers{Table_.Page()};
+    const std::vector<QByteArray> pages = MakeDefinitionPages(Table_, [&](std::size_t place) {
+        if (place == numbers.size())
+            numbers.push_back(Pages_.Allocate());
+        return numbers[place];
+    });
+    for (std::size_t i = 0; i < pages.size(); ++i)
+        Pages_.Write(numbers[i], pages[i]);
 }
 
 } // namespace dao::jet

@@ -5,6 +5,7 @@
 #include "platform/records/engines/jet/RowForm.h"
 #include "platform/records/engines/jet/RowPages.h"
 
+#include <functional>
 #include <map>
 
 namespace dao::jet
@@ -43,7 +44,8 @@ private:
     std::vector<IndexBuilder> Indexes_;
 };
 
-/// A definition's octets, before they are put on pages.
-QByteArray MakeDefinition(const TableDefinition& table);
+/// The pages of a definition. numberOf: says which page each is, one after the other from 0 on.
+std::vector<QByteArray> MakeDefinitionPages(const TableDefinition& table,
+                                            const std::function<quint32(std::size_t place)>& numberOf);
 
 } // namespace dao::jet

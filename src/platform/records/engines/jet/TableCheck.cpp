@@ -42,11 +42,21 @@ void TableCheck::Run()
     }
 }
 
+void TableCheck::ClaimMapPage(quint32 pointer)
+{
+    const quint32 page = RowPlace::FromPointer(pointer).Page;
+    Checked_.Owners.ClaimShared(page, Checked_.Maps);
+    // The first page of maps names itself as its owner.
+    const quint32 owner = DataPage(Checked_.File, page).Owner();
+    if (owner != 0 && owner != page)
+        throw Fault(QStringLiteral("page %1 holds no maps").arg(page));
+}
+
 std::vector<quint32> TableCheck::ClaimMap(quint32 pointer, int owner, const QString& whose)
 {
     std::vector<quint32> own;
     Checked_.Found.Run(QStringLiteral("The map of ") + whose + QStringLiteral(" cannot be read: "), [&] {
-        Checked_.Owners.ClaimShared(RowPlace::FromPointer(pointer).Page, Checked_.Maps);
+        ClaimMapPage(pointer);
         const UsageMap map = ReadUsageMap(Checked_.File, pointer);
         for (const quint32 page : map.BitmapPages)
             Checked_.Owners.Claim(page, owner);
@@ -59,7 +69,7 @@ std::vector<quint32> TableCheck::ClaimMap(quint32 pointer, int owner, const QStr
 void TableCheck::RequirePartOf(quint32 freeMap, const std::vector<quint32>& owned, const QString& whose)
 {
     Checked_.Found.Run(QStringLiteral("The map of free room on ") + whose + QStringLiteral(" cannot be read: "), [&] {
-        Checked_.Owners.ClaimShared(RowPlace::FromPointer(freeMap).Page, Checked_.Maps);
+        ClaimMapPage(freeMap);
         const UsageMap map = ReadUsageMap(Checked_.File, freeMap);
         for (const quint32 page : map.BitmapPages)
             Checked_.Owners.Claim(page, Owner_);

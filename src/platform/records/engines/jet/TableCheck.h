@@ -34,6 +34,7 @@ public:
 
 private:
     /// A page map whose pages are claimed for somebody. Nothing, as a finding, when it cannot be read.
+    void ClaimMapPage(quint32 pointer);
     std::vector<quint32> ClaimMap(quint32 pointer, int owner, const QString& whose);
     void RequirePartOf(quint32 freeMap, const std::vector<quint32>& owned, const QString& whose);
     void CheckColumns();

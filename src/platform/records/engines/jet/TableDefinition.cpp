@@ -188,6 +188,7 @@ TableDefinition ReadTableDefinition(PageFile& file, quint32 page)
     table.RowCount = fixed.U32(16);
     table.Counter = fixed.U32(20);
     table.IsSystem = fixed.U8(40) == SystemTable;
+    table.ColumnsEver = fixed.U16(41);
     table.VariableColumns = fixed.U16(43);
     const int columns = fixed.U16(45);
     const quint32 names = fixed.U32(47);

@@ -72,7 +72,8 @@ struct TableDefinition
     quint32 RowCount = 0;       ///< Of a file that was closed in order.
     quint32 Counter = 0;        ///< The last automatic number that was given.
     bool IsSystem = false;
-    quint16 VariableColumns = 0;
+    quint16 ColumnsEver = 0;     ///< Those that were deleted included.
+    quint16 VariableColumns = 0; ///< Likewise.
     std::vector<ColumnDefinition> Columns;
     std::vector<IndexDefinition> Indexes;
     std::vector<IndexName> IndexNames;

@@ -3,8 +3,8 @@
 
 #include "platform/Ascii.h"
 #include "platform/records/TextCodec.h"
-#include "platform/records/engines/jet/KeyForm.h"
 #include "platform/records/engines/jet/LongValue.h"
+#include "platform/records/engines/jet/RowWriter.h"
 #include "platform/records/query/StoredValues.h"
 
 #include <algorithm>
@@ -75,6 +75,13 @@ TableReader::TableReader(PageFile& file, engine::TablePtr table)
     }
 }
 
+void TableReader::ForgetRows()
+{
+    Scan_.reset();
+    RowCount_.reset();
+    LastPlace_.reset();
+}
+
 TableScan& TableReader::Scan()
 {
     if (!Scan_)
@@ -87,7 +94,7 @@ void TableReader::Take(const FoundRow& found, qint64 id, MemoFetch memos, Row& r
     const OctetView octets = found.Octets();
     const RowCells cells(octets, Definition_);
     row.Id = id;
-    row.Version = static_cast<qint64>(qHashBits(octets.Data(), static_cast<std::size_t>(octets.Size())));
+    row.Version = VersionOf(octets);
     row.Cells.clear();
     qint64 longOctets = 0;
     for (const ColumnDefinition* column : Columns_) {
@@ -164,13 +171,33 @@ int TableReader::CountRows()
     return *RowCount_;
 }
 
+/// What the last entry says of an index that is over the column alone, and lets no Null stand behind the numbers.
+std::optional<qint64> TableReader::HighestByIndex(int column)
+{
+    for (std::size_t i = 0; i < Table_->Indexes.size(); ++i) {
+        if (Table_->Indexes[i].Columns != std::vector<int>{column} || !Trees_[i].Definition->Columns[0].IsAscending)
+            continue;
+        const auto last = Trees_[i].Pages.Last();
+        const auto row = last ? FindRow(File_, Definition_, last->Row) : std::nullopt;
+        const StoredValue value =
+            row ? RowCells(row->Octets(), Definition_).Value(*Columns_[static_cast<std::size_t>(column)])
+                : StoredValue();
+        const qint64* number = std::get_if<qint64>(&value);
+        return number == nullptr ? 0 : *number;
+    }
+    return std::nullopt;
+}
+
 qint64 TableReader::LastCounter()
 {
     const int counter = Table_->CounterColumn();
     if (counter < 0)
         return 0;
     // Real files have counters behind the numbers of their rows.
-    qint64 highest = Definition_.Counter;
+    const qint64 given = CounterIn(File_, Definition_.Page());
+    if (const auto highest = HighestByIndex(counter))
+        return std::max(given, *highest);
+    qint64 highest = given;
     const ColumnDefinition& column = *Columns_[static_cast<std::size_t>(counter)];
     for (auto place = Scan().Next({}); place; place = Scan().Next(place)) {
         const std::optional<FoundRow> row = FindRow(File_, Definition_, *place);
@@ -224,10 +251,13 @@ std::optional<IndexPlace> TableReader::BesideRow(int index, Direction direction,
     if (LastIndex_ == index && LastPlace_ && LastPlace_->Row == PlaceOf(row.Id)) {
         place = LastPlace_;
     } else {
-        const std::optional<QByteArray> key = KeyFor(index, ValuesOf(index, row));
-        if (key)
+        const std::vector<StoredValue> values = ValuesOf(index, row);
+        if (const auto key = KeyFor(index, values, TextOrder::Known))
             return BesideKey(tree, *key, isForward, direction, PlaceOf(row.Id));
-        place = tree.Pages.EntryOf(PlaceOf(row.Id));
+        const auto key = KeyFor(index, values, TextOrder::Extended);
+        place = EntryOf(tree, key.value_or(QByteArray()), PlaceOf(row.Id));
+        if (!place && key)
+            return BesideKey(tree, *key, isForward, direction, PlaceOf(row.Id));
     }
     if (!place)
         throw Error(errRecordDeleted, QStringLiteral("Record is deleted."));
@@ -243,18 +273,29 @@ std::optional<IndexPlace> TableReader::BesideKey(Tree& tree, const QByteArray& k
     return behind ? tree.Pages.Previous(*behind) : tree.Pages.Last();
 }
 
+/// The entry of a row whose key may be this one, or another that another program made.
+std::optional<IndexPlace> TableReader::EntryOf(Tree& tree, const QByteArray& key, RowPlace row)
+{
+    const auto place = tree.Pages.FirstFrom(key, false, row);
+    return place && place->Row == row ? place : tree.Pages.EntryOf(row);
+}
+
 bool TableReader::Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, MemoFetch memos,
                        Row& row)
 {
     Tree& tree = TreeOf(index);
-    const std::optional<QByteArray> key = KeyFor(index, keys);
+    const std::optional<QByteArray> known = KeyFor(index, keys, TextOrder::Known);
+    const std::optional<QByteArray> key = known ? known : KeyFor(index, keys, TextOrder::Extended);
     if (!key)
         return SeekByLooking(index, comparison, keys, row);
     const bool isBehind = comparison == SeekComparison::Greater || comparison == SeekComparison::LessOrEqual;
     const std::optional<IndexPlace> place =
         BesideKey(tree, *key, isBehind, IsForward(comparison) ? Direction::Forward : Direction::Backward);
+    // Another program may have given the text another place.
     if (comparison == SeekComparison::Equal && place && !tree.Pages.BeginsWith(*place, *key))
-        return false;
+        return !known && SeekByLooking(index, comparison, keys, row);
+    if (comparison == SeekComparison::Equal && !place && !known)
+        return SeekByLooking(index, comparison, keys, row);
     return TakeEntry(index, place, memos, row);
 }
 
@@ -288,7 +329,7 @@ bool TableReader::ForEachRowWith(int column, const StoredValue& value, const std
     if (found == Table_->Indexes.end())
         return false;
     const int index = static_cast<int>(found - Table_->Indexes.begin());
-    const std::optional<QByteArray> key = KeyFor(index, std::span(&value, 1));
+    const std::optional<QByteArray> key = KeyFor(index, std::span(&value, 1), TextOrder::Known);
     if (!key)
         return false;
     IndexTree& tree = TreeOf(index).Pages;
@@ -301,9 +342,9 @@ bool TableReader::ForEachRowWith(int column, const StoredValue& value, const std
     return true;
 }
 
-std::optional<QByteArray> TableReader::KeyFor(int index, std::span<const StoredValue> values) const
+std::optional<QByteArray> TableReader::KeyFor(int index, std::span<const StoredValue> values, TextOrder order) const
 {
-    return MakeKey(Definition_, *Trees_[static_cast<std::size_t>(index)].Definition, values);
+    return MakeKey(Definition_, *Trees_[static_cast<std::size_t>(index)].Definition, values, order);
 }
 
 std::vector<StoredValue> TableReader::ValuesOf(int index, const Row& row) const

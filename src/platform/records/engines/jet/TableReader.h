@@ -3,14 +3,15 @@
 
 #include "platform/records/engines/Engine.h"
 #include "platform/records/engines/jet/IndexTree.h"
+#include "platform/records/engines/jet/KeyForm.h"
 #include "platform/records/engines/jet/RowCells.h"
 #include "platform/records/engines/jet/TableScan.h"
 
 namespace dao::jet
 {
 
-/// Reads the rows of one table for the record store, as long as the file is not changed. A row's id is the pointer to
-/// where it is known to stand. Throws Fault for what is damaged, and what engine::Store says otherwise.
+/// Reads the rows of one table for the record store, as long as its definition is not changed. A row's id is the
+/// pointer to where it is known to stand. Throws Fault for what is damaged, and what engine::Store says otherwise.
 class TableReader
 {
 public:
@@ -18,6 +19,14 @@ public:
     TableReader(PageFile& file, engine::TablePtr table);
 
     const engine::TablePtr& Table() const { return Table_; }
+    const TableDefinition& Definition() const { return Definition_; }
+    /// The place in the definition of a column of the table.
+    std::size_t PlaceOfColumn(int column) const
+    {
+        return static_cast<std::size_t>(Columns_[static_cast<std::size_t>(column)] - Definition_.Columns.data());
+    }
+    /// Rows were changed.
+    void ForgetRows();
 
     bool ReadEnd(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
     bool ReadNext(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
@@ -49,7 +58,10 @@ private:
     std::optional<IndexPlace> BesideKey(Tree& tree, const QByteArray& key, bool isBehind, engine::Direction direction,
                                         std::optional<RowPlace> row = {});
     bool SeekByLooking(int index, SeekComparison comparison, std::span<const StoredValue> keys, Row& row);
-    std::optional<QByteArray> KeyFor(int index, std::span<const StoredValue> values) const;
+    /// Nothing when the index is in an order that is not known, or the value is not of its type.
+    std::optional<QByteArray> KeyFor(int index, std::span<const StoredValue> values, TextOrder order) const;
+    std::optional<IndexPlace> EntryOf(Tree& tree, const QByteArray& key, RowPlace row);
+    std::optional<qint64> HighestByIndex(int column);
     std::vector<StoredValue> ValuesOf(int index, const Row& row) const;
     bool HoldsText(int index) const;
 

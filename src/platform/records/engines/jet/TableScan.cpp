@@ -17,8 +17,12 @@ std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, Ro
 {
     const RowPlace known = place;
     for (int step = 0; step < LongestPath; ++step) {
-        DataPage page(file, place.Page);
         const bool isFirst = step == 0;
+        // The page of a row that is gone may be anybody's by now, or nobody's.
+        if (isFirst && (place.Page == 0 || place.Page >= file.PageCount() ||
+                        file.Page(place.Page).at(0) != static_cast<char>(PageType::Data)))
+            return std::nullopt;
+        DataPage page(file, place.Page);
         if (page.Owner() != table.Page()) {
             if (isFirst)
                 return std::nullopt;

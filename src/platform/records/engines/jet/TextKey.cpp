@@ -15,6 +15,7 @@ constexpr qsizetype LongestIndexed = 255; // Characters.
 constexpr char PartEnd = 1;
 constexpr char NoMark = 2;
 constexpr char KeyEnd = 0;
+constexpr char BehindAllLetters = '\xFC';
 constexpr quint16 PlaceFlag = 0x8000;
 constexpr int PlaceBase = 7;
 constexpr int PlaceStep = 4;
@@ -164,6 +165,20 @@ std::optional<Weight> WeightOf(char16_t unit)
 class KeyParts
 {
 public:
+    /// A character without a known weight.
+    void AddOther(char32_t character)
+    {
+        const char32_t folded = QChar::toCaseFolded(character);
+        if (folded != character && folded <= 0xFFFF && Add(static_cast<char16_t>(folded)))
+            return;
+        // Three digits to a base that leaves out the octets that end a part.
+        constexpr char32_t Base = 254;
+        constexpr char32_t LeastDigit = 2;
+        Letters_ += BehindAllLetters;
+        for (const char32_t unit : std::array<char32_t, 3>{Base * Base, Base, 1})
+            Letters_ += static_cast<char>(LeastDigit + folded / unit % Base);
+        Marks_ += NoMark;
+    }
     bool Add(char16_t unit)
     {
         if (unit == 0 || Weightless.find(unit) != std::u16string_view::npos)
@@ -217,15 +232,20 @@ private:
 
 } // namespace
 
-bool AppendTextKey(const QString& text, QByteArray& key)
+bool AppendTextKey(const QString& text, TextOrder order, QByteArray& key)
 {
     qsizetype size = std::min(text.size(), LongestIndexed);
     while (size > 0 && text.at(size - 1) == u' ')
         --size;
     KeyParts parts;
     for (qsizetype i = 0; i < size; ++i) {
-        if (!parts.Add(text.at(i).unicode()))
+        if (parts.Add(text.at(i).unicode()))
+            continue;
+        if (order == TextOrder::Known)
             return false;
+        const bool isPair = text.at(i).isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate();
+        parts.AddOther(isPair ? QChar::surrogateToUcs4(text.at(i), text.at(i + 1)) : text.at(i).unicode());
+        i += static_cast<qsizetype>(isPair);
     }
     parts.AppendTo(key);
     return true;

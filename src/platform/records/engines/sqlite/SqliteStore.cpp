@@ -46,7 +46,8 @@ SqliteStore::SqliteStore(const QString& fileName, bool readOnly)
     // has to be taken back before anything can be read.
     : Connection_(fileName, Connection::Mode::ReadWrite),
       IsReadOnly_(readOnly || Connection_.IsReadOnly()),
-      Counters_(Connection_),
+      CounterMarks_(Connection_),
+      Counters_(CounterMarks_),
       Begin_(Connection_, "BEGIN"),
       BeginImmediate_(Connection_, "BEGIN IMMEDIATE"),
       Commit_(Connection_, "COMMIT")

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/records/engines/Engine.h"
-#include "platform/records/engines/sqlite/CounterBlocks.h"
+#include "platform/records/engines/sqlite/CounterColumn.h"
 #include "platform/records/engines/sqlite/TableAccess.h"
 
 #include <unordered_map>
@@ -106,7 +106,8 @@ private:
     bool HasChecks_ = false; ///< Of the file: whether its memos carry checks.
     std::unordered_map<const engine::Table*, std::unique_ptr<TableAccess>> Accesses_;
     std::vector<engine::TablePtr> AccessedTables_; ///< Keeps the keys of Accesses_ alive.
-    CounterBlocks Counters_;
+    CounterColumn CounterMarks_;
+    engine::CounterBlocks Counters_;
     Statement Begin_;
     Statement BeginImmediate_;
     Statement Commit_;

@@ -2,6 +2,7 @@
 #include "platform/records/engines/jet/Header.h"
 #include "platform/records/engines/jet/JetFixture.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -141,7 +142,7 @@ TEST_F(JetStore, ShowsTheStructureOfItsTables)
 {
     MakeMessages();
     WriteJet();
-    EXPECT_FALSE(Jet().Updatable());
+    EXPECT_TRUE(Jet().Updatable());
     ASSERT_EQ(Jet().TableDefs().Count(), 1);
     const TableDef& table = Jet().TableDefs().Item(0);
     const TableDef& source = Source().TableDefs().Item(0);
@@ -163,21 +164,34 @@ TEST_F(JetStore, ShowsTheStructureOfItsTables)
     }
 }
 
-TEST_F(JetStore, RefusesEveryChangeInWords)
+TEST_F(JetStore, OnlyReadsWhileAnOfficeProgramHasTheFileOpen)
 {
     MakeMessages();
     AddPlain(5);
     WriteJet();
     const QByteArray before = OctetsOf(JetName());
+    const auto openedBefore = DBEngine::OpenDatabase(JetName());
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    SetOctets(users, "DESK1");
+    Jet_ = DBEngine::OpenDatabase(JetName());
+    EXPECT_FALSE(Jet().Updatable());
     const auto recordset = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    EXPECT_EQ(recordset->RecordCount(), 5);
     EXPECT_EQ(::ErrorNumberOf([&] { recordset->AddNew(); }), errReadOnly);
     EXPECT_EQ(::ErrorNumberOf([&] { recordset->Edit(); }), errReadOnly);
     EXPECT_EQ(::ErrorNumberOf([&] { recordset->Delete(); }), errReadOnly);
-    EXPECT_EQ(::ErrorNumberOf([&] { Jet().Execute(QStringLiteral("DELETE FROM Messages")); }), errReadOnly);
+    for (Database* database : {&Jet(), openedBefore.get()}) {
+        const QString words = Words([&] { database->Execute(QStringLiteral("DELETE FROM Messages")); });
+        EXPECT_TRUE(words.startsWith(QStringLiteral("3027"))) << qPrintable(words);
+        EXPECT_TRUE(words.contains(users)) << qPrintable(words);
+    }
     std::vector<std::unique_ptr<Field>> fields;
     fields.push_back(MakeField(QStringLiteral("A"), dbLong));
     EXPECT_EQ(::ErrorNumberOf([&] { AddTable(Jet(), QStringLiteral("New"), std::move(fields)); }), errReadOnly);
     EXPECT_EQ(OctetsOf(JetName()), before);
+    ASSERT_TRUE(QFile::remove(users));
+    openedBefore->Execute(QStringLiteral("DELETE FROM Messages"));
+    EXPECT_EQ(recordset->RecordCount(), 0);
 }
 
 TEST_F(JetStore, RefusesFormatsThatItDoesNotReadEachInItsOwnWords)
@@ -202,7 +216,7 @@ TEST_F(JetStore, RefusesFormatsThatItDoesNotReadEachInItsOwnWords)
     EXPECT_EQ(opened(OctetsOf(JetName())), QString());
 }
 
-TEST_F(JetStore, SeesThatAnotherProgramPutAnotherFileThere)
+TEST_F(JetStore, DoesNotGoOnInAFileThatAnotherOneTookTheNameOf)
 {
     MakeMessages();
     AddPlain(5);
@@ -213,8 +227,10 @@ TEST_F(JetStore, SeesThatAnotherProgramPutAnotherFileThere)
     const QString other = Path(QStringLiteral("Other.mdb"));
     WriteAsJet(Path(QStringLiteral("Source.mdb")), other);
     ASSERT_EQ(std::rename(qPrintable(other), qPrintable(JetName())), 0);
+    EXPECT_EQ(::ErrorNumberOf([&] { recordset->MoveLast(); }), errFileReplaced);
+    EXPECT_EQ(::ErrorNumberOf([&] { Jet().Execute(QStringLiteral("DELETE FROM Messages")); }), errFileReplaced);
+    Jet_ = DBEngine::OpenDatabase(JetName());
     EXPECT_EQ(Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable)->RecordCount(), 8);
-    EXPECT_EQ(recordset->RecordCount(), 8);
 }
 
 TEST_F(JetStore, GivesUpNoRowForAMemoThatIsDamaged)

@@ -71,6 +71,24 @@ TEST_F(JetWriter, IsConvertedBackWithEveryValueAndItsCounter)
     EXPECT_GT(recordset->Collect(QStringLiteral("Ref")).toInt(), 150) << "a number that was given is given again";
 }
 
+TEST_F(JetWriter, IsConvertedToWithEveryValueAndItsCounter)
+{
+    MakeMessages();
+    AddMessages(150);
+    Source().Execute(QStringLiteral("DELETE FROM Messages WHERE Ref > 140 OR Ref = 7"));
+    const QString converted = Path(QStringLiteral("Converted.mdb"));
+    ConvertDatabase(Path(QStringLiteral("Source.mdb")), converted, QStringLiteral("jet"), {});
+    const auto database = DBEngine::OpenDatabase(converted);
+    EXPECT_TRUE(database->Updatable());
+    for (const char* index : {"", "Main", "When"})
+        EXPECT_EQ(AllRows(*database, QStringLiteral("Messages"), QString::fromLatin1(index)),
+                  AllRows(Source(), QStringLiteral("Messages"), QString::fromLatin1(index)));
+    EXPECT_EQ(DBEngine::ExamineDatabase(converted).Verdict, FileReport::State::Sound);
+    const auto recordset = database->OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    recordset->AddNew();
+    EXPECT_GT(recordset->Collect(QStringLiteral("Ref")).toInt(), 150) << "a number that was given is given again";
+}
+
 TEST_F(JetWriter, ConvertsNothingThatWouldNotBeTheSame)
 {
     MakeMessages();
@@ -81,7 +99,8 @@ TEST_F(JetWriter, ConvertsNothingThatWouldNotBeTheSame)
         return ::ErrorNumberOf([&] { ConvertDatabase(source, target, QString::fromLatin1(engine), {}); });
     };
     EXPECT_EQ(error(Path(QStringLiteral("Source.mdb")), "sqlite"), errNotSupported) << "the same format";
-    EXPECT_EQ(error(Path(QStringLiteral("Source.mdb")), "jet"), errItemNotFound) << "makes no files to work in";
+    EXPECT_EQ(error(JetName(), "jet"), errNotSupported) << "the same format";
+    EXPECT_EQ(error(JetName(), "nothing"), errItemNotFound) << "an engine that there is not";
     EXPECT_FALSE(QFile::exists(target));
 }
 

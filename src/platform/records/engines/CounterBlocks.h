@@ -1,12 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "platform/records/engines/sqlite/SqliteConnection.h"
+#include <QtGlobal>
 
 #include <unordered_map>
 
-namespace dao::sqlite
+namespace dao::engine
 {
+
+/// Where a file keeps, for each table, the highest number that was ever taken out of its counter. Written inside the
+/// caller's write transaction.
+class CounterMarks
+{
+public:
+    CounterMarks() = default;
+    virtual ~CounterMarks() = default;
+    CounterMarks(const CounterMarks&) = delete;
+    CounterMarks& operator=(const CounterMarks&) = delete;
+
+    virtual qint64 Mark(qint64 table) = 0;
+    virtual void SetMark(qint64 table, qint64 mark) = 0;
+};
 
 /// The automatic counters of one connection. The file keeps for each table the highest number that was ever taken out
 /// of it; a connection takes numbers out in blocks that grow with use, so that a drawn number is this connection's
@@ -15,10 +29,10 @@ namespace dao::sqlite
 class CounterBlocks
 {
 public:
-    explicit CounterBlocks(Connection& connection) : Connection_(connection) {}
+    explicit CounterBlocks(CounterMarks& marks) : Marks_(marks) {}
 
     /// The highest number that was ever taken out of the file.
-    qint64 Mark(qint64 table);
+    qint64 Mark(qint64 table) { return Marks_.Mark(table); }
     bool HasNumber(qint64 table) const;
     /// Takes a block out of the file; inside the caller's write transaction. 6 when the counter is at its end.
     void Reserve(qint64 table);
@@ -51,12 +65,9 @@ private:
         qint64 Size = 0;
         bool IsUncertain = false; ///< Reserved by a transaction that is still open.
     };
-    void SetMark(qint64 table, qint64 mark);
 
-    Connection& Connection_;
+    CounterMarks& Marks_;
     std::unordered_map<qint64, Block> Blocks_;
-    Statement ReadMark_;
-    Statement WriteMark_;
 };
 
-} // namespace dao::sqlite
+} // namespace dao::engine

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/records/engines/sqlite/CounterBlocks.h"
+#include "platform/records/engines/CounterBlocks.h"
+
+#include "platform/records/Error.h"
 
 #include <algorithm>
 #include <limits>
 
-namespace dao::sqlite
+namespace dao::engine
 {
 
 namespace
@@ -31,7 +33,7 @@ void CounterBlocks::Reserve(qint64 table)
     block.Next = mark + 1;
     block.End = std::min(mark + block.Size, HighestNumber);
     block.IsUncertain = true;
-    SetMark(table, block.End);
+    Marks_.SetMark(table, block.End);
     Blocks_[table] = block;
 }
 
@@ -40,7 +42,7 @@ void CounterBlocks::Raise(qint64 table, qint64 number)
     if (Mark(table) >= number)
         return;
     GiveUp(table);
-    SetMark(table, std::min(number, HighestNumber));
+    Marks_.SetMark(table, std::min(number, HighestNumber));
 }
 
 void CounterBlocks::GiveUp(qint64 table)
@@ -65,7 +67,7 @@ void CounterBlocks::Return()
 {
     for (auto& [table, block] : Blocks_) {
         if (block.Next <= block.End && Mark(table) == block.End)
-            SetMark(table, block.Next - 1);
+            Marks_.SetMark(table, block.Next - 1);
     }
     Blocks_.clear();
 }
@@ -92,27 +94,8 @@ void CounterBlocks::Restore()
 {
     for (const auto& [table, block] : Blocks_) {
         if (block.IsUncertain && Mark(table) < block.End)
-            SetMark(table, block.End);
+            Marks_.SetMark(table, block.End);
     }
 }
 
-qint64 CounterBlocks::Mark(qint64 table)
-{
-    if (!ReadMark_)
-        ReadMark_ = Statement(Connection_, "SELECT Counter FROM \"~Tables\" WHERE Id = ?");
-    StatementUse use(ReadMark_);
-    use.Bind(1, table);
-    return use.Step() ? use.Integer(0) : 0;
-}
-
-void CounterBlocks::SetMark(qint64 table, qint64 mark)
-{
-    if (!WriteMark_)
-        WriteMark_ = Statement(Connection_, "UPDATE \"~Tables\" SET Counter = ?2 WHERE Id = ?1");
-    StatementUse use(WriteMark_);
-    use.Bind(1, table);
-    use.Bind(2, mark);
-    use.Run();
-}
-
-} // namespace dao::sqlite
+} // namespace dao::engine
