@@ -3,6 +3,7 @@
 
 #include "platform/records/ServedEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
+#include "support/TestServer.h"
 
 #include <QDir>
 
@@ -35,6 +36,12 @@ TestedEngine FileEngine(const QString& name)
             }};
 }
 
+DatabasePlace MakeSchema(const QString&)
+{
+    const TestServer::Schema schema = TestServer::Shared().NewSchema();
+    return {QString(), TestServer::Shared().Connect(schema.Name), schema.Owner};
+}
+
 std::vector<TestedEngine> FindEngines()
 {
     std::vector<TestedEngine> engines;
@@ -42,6 +49,8 @@ std::vector<TestedEngine> FindEngines()
         if (engine->Capabilities().Creates && IsAvailable(*engine))
             engines.push_back(FileEngine(engine->Name()));
     }
+    if (TestServer::IsInstalled())
+        engines.push_back({QStringLiteral("postgres"), MakeSchema});
     Registry().Register(MakeServedEngine());
     engines.push_back({ServedEngineName(), MakeServedDatabase});
     return engines;

@@ -157,13 +157,15 @@ bool RowAccess::ReadFirst(int index, const std::vector<Stretch>& stretches, Dire
     if (stretches.empty())
         return false;
     Command command;
-    for (const Stretch& stretch : stretches) {
-        if (!command.Text.isEmpty())
-            command.Text += " UNION ALL ";
-        command.Text += '(' + StretchText(index, stretch, direction, keys, memos) + ')';
+    if (stretches.size() == 1) {
+        command.Text = StretchText(index, stretches.front(), direction, keys, memos);
+    } else {
+        QList<QByteArray> texts;
+        for (const Stretch& stretch : stretches)
+            texts += '(' + StretchText(index, stretch, direction, keys, memos) + ')';
+        // One is tried behind the other, up to the first that has a row.
+        command.Text = texts.join(" UNION ALL ") + " LIMIT 1";
     }
-    // One stretch is tried behind the other, up to the first that has a row.
-    command.Text += " LIMIT 1";
     command.Values.AddInteger(id);
     if (const IndexKey* key = IndexAt(index)) {
         for (std::size_t i = 0; i < keys.size(); ++i) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <poll.h>
+#include <utility>
 
 namespace dao::postgres
 {
@@ -214,9 +215,14 @@ std::vector<Result> ServerConnection::RunTogether(std::span<const Command> comma
     std::vector<Result> results;
     std::size_t done = 0;
     try {
+        const bool hasStreamed = std::exchange(HasStreamed_, false);
+        if (hasStreamed)
+            RequireSent(PQpipelineSync(connection) != 0);
         for (const Command& command : commands)
             Send(command, steps);
         RequireSent(PQpipelineSync(connection) != 0);
+        if (hasStreamed)
+            NextResult();
         for (; done < steps.size(); ++done) {
             Result result = NextResult();
             const ExecStatusType status = PQresultStatus(result.Get());
@@ -260,6 +266,7 @@ void ServerConnection::Stream(const Command& command, const std::function<bool(c
                                   command.Values.Types().data(), values.data(), lengths.data(), formats.data(),
                                   BinaryResults) != 0);
     PQsetSingleRowMode(connection);
+    HasStreamed_ = true;
     bool isWanted = true;
     try {
         while (true) {

@@ -65,6 +65,8 @@ private:
     std::unique_ptr<PGconn, Finish> Connection_;
     QHash<QByteArray, QByteArray> Prepared_; ///< Names of statements that the server keeps, by their text and kinds.
     qint64 NextName_ = 0;
+    /// libpq takes the first command of a pipeline for one that is read row by row too, when the last one was.
+    bool HasStreamed_ = false;
     qint64 RoundTrips_ = 0;
 };
 
