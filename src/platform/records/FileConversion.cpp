@@ -116,7 +116,9 @@ void RequireSame(Store& target, const TablePtr& from, const Digest& wanted, Prog
                     QStringLiteral("The table '%1' reads otherwise once it is converted.").arg(from->Name));
 }
 
-void Convert(Store& source, Store& target, const std::function<bool(qint64, qint64)>& advance)
+} // namespace
+
+void CopyStore(Store& source, Store& target, const std::function<bool(qint64, qint64)>& advance)
 {
     const engine::SchemaPtr schema = source.CurrentSchema();
     qint64 rows = 0;
@@ -139,8 +141,6 @@ void Convert(Store& source, Store& target, const std::function<bool(qint64, qint
         throw Error(errLocked, QStringLiteral("The database was changed while it was converted. Try again."));
 }
 
-} // namespace
-
 void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                      const std::function<bool(qint64 done, qint64 total)>& advance)
 {
@@ -153,7 +153,7 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
     const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
     to.Create(file);
     try {
-        Convert(*store, *to.Open(file, QString(), false), advance);
+        CopyStore(*store, *to.Open(file, QString(), false), advance);
     } catch (...) {
         FileSystem::Current().Remove(file);
         throw;

@@ -10,6 +10,11 @@
 namespace dao
 {
 
+namespace engine
+{
+class Store;
+}
+
 /// Writes everything that a database file holds into a new file of the engine of that name, and compares every value
 /// then. target must not exist. Automatic counters go on where they stood. advance is told how many of how many rows
 /// are done, and stops it by answering false (32755).
@@ -19,5 +24,10 @@ namespace dao
 /// They leave no target.
 TOLVA_EXPORT void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                                   const std::function<bool(qint64 done, qint64 total)>& advance);
+
+/// The same between stores that are open, in one transaction of the target, which holds no table of those names. What
+/// is read back is compared outside that transaction, unless the target is in one of its caller's.
+void CopyStore(engine::Store& source, engine::Store& target,
+               const std::function<bool(qint64 done, qint64 total)>& advance);
 
 } // namespace dao

@@ -2,13 +2,18 @@
 #include "platform/records/engines/postgres/PostgresEngine.h"
 
 #include "platform/records/engines/postgres/CatalogueConnection.h"
-#include "platform/records/engines/postgres/ServerStore.h"
+#include "platform/records/engines/postgres/LinkFile.h"
+#include "platform/records/engines/postgres/StationCopy.h"
+
+#include <QFile>
 
 namespace dao::postgres
 {
 
 namespace
 {
+
+constexpr qint64 MarkOctets = 100;
 
 /// name: that of the database on the server, where the connect string leaves it open.
 ConnectString ConnectFor(const QString& name, const QString& connect)
@@ -25,17 +30,30 @@ public:
     QString Name() const override { return QStringLiteral("postgres"); }
     Capability Capabilities() const override { return {.Creates = false, .IsServer = true}; }
     bool IsAvailable(QString&) const override { return true; }
-    bool RecognisesFile(const QByteArray&) const override { return false; }
+    bool RecognisesFile(const QByteArray& firstOctets) const override { return IsLinkFile(firstOctets); }
     bool RecognisesConnect(const QString& connect) const override { return IsConnectString(connect); }
 
     std::unique_ptr<engine::Store> Open(const QString& name, const QString& connect, bool readOnly) override
     {
+        if (connect.isEmpty())
+            return std::make_unique<ServerStore>(ReadLinkFile(name), readOnly, ServerStore::Missing::IsError);
         return std::make_unique<ServerStore>(ConnectFor(name, connect), readOnly, ServerStore::Missing::Create);
     }
     void Create(const QString&) override { RaiseNoFiles(); }
     void Compact(const QString&, const QString&) override { RaiseNoFiles(); }
-    void Copy(const QString&, const QString&, const engine::CopyProgress&) override { RaiseNoFiles(); }
-    FileReport Examine(const QString&, const engine::CopyProgress&) override { RaiseNoFiles(); }
+    void Copy(const QString& source, const QString& target, const engine::CopyProgress& progress) override
+    {
+        CopyToFile(ReadLinkFile(source), target, progress);
+    }
+    std::unique_ptr<engine::ContentExchange> BeginExchange(const QString& fileName) override
+    {
+        return std::make_unique<StationExchange>(ReadLinkFile(fileName));
+    }
+    std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override;
+    FileReport Examine(const QString& fileName, const engine::CopyProgress& progress) override
+    {
+        return postgres::Examine(ReadLinkFile(fileName), progress);
+    }
     QStringList CompanionsOf(const QString&) const override { return {}; }
     std::unique_ptr<dao::Connection> OpenConnection(const QString& name, int, bool, const QString& connect) override
     {
@@ -45,10 +63,21 @@ public:
 private:
     [[noreturn]] static void RaiseNoFiles()
     {
-        throw Error(errNotSupported, QStringLiteral("A station on a server is no file: it is made, copied and kept in "
-                                                    "order by the server."));
+        throw Error(errNotSupported,
+                    QStringLiteral("The station is on a server, which keeps it compact by itself; it is no file."));
     }
 };
+
+/// The file only says where the station is: another one in its place would part it from its rows.
+std::unique_ptr<engine::FileLock> PostgresEngine::LockOut(const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly) || !IsLinkFile(file.read(MarkOctets)))
+        return nullptr;
+    throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server; no other file can take its "
+                                                "place")
+                                     .arg(fileName));
+}
 
 } // namespace
 

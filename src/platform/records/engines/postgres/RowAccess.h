@@ -19,6 +19,8 @@ public:
     bool ReadNext(int index, engine::Direction direction, engine::MemoFetch memos, Row& row);
     bool Seek(int index, SeekComparison comparison, std::span<const StoredValue> keys, engine::MemoFetch memos,
               Row& row);
+    /// Adds some rows behind that id, in order of entry.
+    void ReadBehind(qint64 id, engine::MemoFetch memos, std::vector<Row>& rows);
     std::vector<Row> ReadRows(std::span<const qint64> ids, engine::MemoFetch memos);
     std::vector<engine::StoredMemo> ReadMemos(int column, std::span<const qint64> ids, qint64 octetBudget);
     std::vector<std::optional<MemoBeginning>> ReadMemoBeginnings(int column, std::span<const qint64> ids,

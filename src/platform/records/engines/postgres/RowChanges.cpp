@@ -33,6 +33,15 @@ QByteArray Kept(std::string_view octets)
 
 } // namespace
 
+void RowAccess::ReadBehind(qint64 id, MemoFetch memos, std::vector<Row>& rows)
+{
+    Command command{"SELECT " + ReadColumns(memos) + " FROM " + Rows_ + " WHERE id > $1 ORDER BY id LIMIT 200"};
+    command.Values.AddInteger(id);
+    const Result result = Connection_.Run(command);
+    for (int row = 0; row < result.Rows(); ++row)
+        Take(result, row, memos, rows.emplace_back());
+}
+
 std::vector<Row> RowAccess::ReadRows(std::span<const qint64> ids, MemoFetch memos)
 {
     Command command{"SELECT " + ReadColumns(memos) + " FROM " + Rows_ + " WHERE id = ANY($1)"};

@@ -84,6 +84,22 @@ SchemaPtr ServerStore::CurrentSchema()
     });
 }
 
+void ServerStore::HoldSnapshot()
+{
+    Connection_.Execute("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+    IsReadOnly_ = true;
+    IsSnapshot_ = true;
+    Transaction_ = Transaction::Started;
+    Depth_ = 1;
+    RefreshUnderLock();
+}
+
+void ServerStore::Clear()
+{
+    ClearStation(Connection_, SchemaName_, *Schema_);
+    RefreshUnderLock();
+}
+
 void ServerStore::RefreshUnderLock()
 {
     Schema_ = ReadStructure(Connection_, SchemaName_, true, Schema_, State_);
@@ -161,7 +177,25 @@ bool ServerStore::ReadEnd(const TablePtr& table, int index, Direction direction,
 
 bool ServerStore::ReadNext(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
 {
+    if (IsSnapshot_ && index < 0 && direction == Direction::Forward)
+        return Retried([&] { return ReadAhead(table, memos, row); });
     return Retried([&] { return Rows(table).ReadNext(index, direction, memos, row); });
+}
+
+bool ServerStore::ReadAhead(const TablePtr& table, MemoFetch memos, Row& row)
+{
+    RowsAhead& ahead = Ahead_;
+    const bool isWalk =
+        ahead.Table == table && ahead.Memos == memos && ahead.Next > 0 && ahead.Rows[ahead.Next - 1].Id == row.Id;
+    if (!isWalk || ahead.Next == ahead.Rows.size()) {
+        // The row that the walk stands at goes in front.
+        ahead = {table, memos, {row}, 1};
+        Rows(table).ReadBehind(row.Id, memos, ahead.Rows);
+    }
+    if (ahead.Next == ahead.Rows.size())
+        return false;
+    row = ahead.Rows[ahead.Next++];
+    return true;
 }
 
 bool ServerStore::Seek(const TablePtr& table, int index, SeekComparison comparison, std::span<const StoredValue> keys,

@@ -65,6 +65,10 @@ public:
     int Execute(const jetsql::Statement& statement, const engine::ParameterValues& parameters) override;
     QStringList ParametersOf(const jetsql::Statement& statement) override;
 
+    /// From now on everything is read as it stands at this moment, and nothing can be changed, until the end.
+    void HoldSnapshot();
+    /// In a transaction with the writer's lock: takes all tables away; whoever has the station open is refused then.
+    void Clear();
     /// For those who work on the station as a whole.
     ServerConnection& Server() { return Connection_; }
     const QByteArray& QuotedSchema() const { return SchemaName_; }
@@ -72,6 +76,14 @@ public:
 private:
     class ReadScope;
     class WriteScope;
+    /// Rows that were read ahead of a walk in order of entry, where nothing can change.
+    struct RowsAhead
+    {
+        engine::TablePtr Table;
+        engine::MemoFetch Memos = engine::MemoFetch::Deferred;
+        std::vector<Row> Rows;
+        std::size_t Next = 0;
+    };
     enum class Transaction
     {
         None,
@@ -88,6 +100,7 @@ private:
     void RequireUsable() const;
     void RequireSameStation(const StationState& state);
     void RefreshUnderLock();
+    bool ReadAhead(const engine::TablePtr& table, engine::MemoFetch memos, Row& row);
     engine::TablePtr RequireTable(const QString& name);
     void CheckPrimaryKey(const engine::Table& table, std::span<const engine::Assignment> values, bool isNewRow) const;
     /// BEGIN, with the writer's lock.
@@ -108,6 +121,8 @@ private:
     qint64 TransactionId_ = 0; ///< The server's own number of the last one that was begun.
     StationState State_;
     engine::SchemaPtr Schema_;
+    bool IsSnapshot_ = false;
+    RowsAhead Ahead_;
 };
 
 } // namespace dao::postgres
