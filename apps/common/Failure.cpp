@@ -93,6 +93,7 @@ ExitCode ExitCodeOf(int errorNumber)
     case dao::errDiskFull:
     case dao::errDiskError:
         return exitInputOutput;
+    case dao::errServer:
     case dao::errNotSupported:
         return exitUnavailable;
     case dao::errOutOfMemory:
@@ -140,6 +141,8 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
         return words(QStringLiteral("can be read and not be changed: its file has a format that this program only "
                                     "reads. \"tolva convert\" makes a station to work in of it. (%1)")
                          .arg(description));
+    case dao::errServer:
+        return words(QStringLiteral("cannot be used now. %1").arg(description));
     case dao::errDiskFull:
         return words(QStringLiteral("cannot be written: the disk is full."));
     case dao::errDiskError:

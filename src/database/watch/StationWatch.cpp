@@ -2,8 +2,10 @@
 #include "database/watch/StationWatch.h"
 
 #include "database/cTolvaDatabase.h"
+#include "platform/records/DBEngine.h"
 
 #include <QPointer>
+#include <QSocketNotifier>
 
 #include <filesystem>
 
@@ -11,6 +13,7 @@ namespace
 {
 /// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
 constexpr qint64 ClockStepMilliseconds = 2500;
+constexpr int GatheringMilliseconds = 200;
 } // namespace
 
 /// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
@@ -24,9 +27,44 @@ StationWatch::FileLook StationWatch::LookAt(const QString& name)
     return {static_cast<qint64>(modified.time_since_epoch().count()), unreadable ? -1 : static_cast<qint64>(size)};
 }
 
+StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
+{
+    Gathering_.setSingleShot(true);
+    Gathering_.setInterval(GatheringMilliseconds);
+    connect(&Gathering_, &QTimer::timeout, this, [this] { Poll(*this); });
+}
+
+StationWatch::~StationWatch() = default;
+
+/// The socket may be another one each time.
+void StationWatch::Listen()
+{
+    const qintptr socket = Station_.ChangeSocket();
+    if (socket == (Notifier_ ? Notifier_->socket() : -1))
+        return;
+    // Not destroyed while it tells something.
+    if (Notifier_) {
+        Notifier_->setEnabled(false);
+        Notifier_.release()->deleteLater();
+    }
+    if (socket < 0)
+        return;
+    Notifier_ = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
+    connect(Notifier_.get(), &QSocketNotifier::activated, this, &StationWatch::TakeNotice);
+}
+
+void StationWatch::TakeNotice()
+{
+    if (Station_.TakeChanges() && !Gathering_.isActive())
+        Gathering_.start();
+    // A connection that is gone could be read without end.
+    Listen();
+}
+
 void StationWatch::Poll(const QObject& asker)
 {
     const QPointer<StationWatch> self(this);
+    Listen();
     Seen_.emplace();
     Q_EMIT Polled(&asker);
     // A listener that let timers fire may have polled in between: then the rest of this poll reads for itself.
@@ -65,11 +103,12 @@ void StationWatch::RefreshFolders()
         LookOfOpening_ = Station_.Openings();
         SinceLook_.start();
         AreFoldersCertain_ = false;
+        IsOnServer_ = dao::DBEngine::IsLinked(Station_.Information().Path);
     }
     if (!AreFoldersCertain_) {
         const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
         Station_.RefreshCategoryTree();
-        AreFoldersCertain_ = isOld;
+        AreFoldersCertain_ = isOld && !IsOnServer_;
     }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;

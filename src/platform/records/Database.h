@@ -42,6 +42,12 @@ public:
     /// change. 3251 without one, 3260 when somebody else has the lock for too long.
     virtual void LockForChange() = 0;
 
+    /// A socket that can be read once somebody else has changed something; -1 where only a look tells. To be asked for
+    /// anew now and then: it changes when a connection was made anew. Nothing is raised by either.
+    virtual qintptr ChangeSocket() { return -1; }
+    /// Whether somebody else has changed something since the last call, as far as it was told.
+    virtual bool TakeChanges() { return false; }
+
     virtual void Close() = 0;
 
 protected:

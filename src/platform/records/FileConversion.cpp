@@ -148,6 +148,12 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
     engine::Engine& to = engine::EngineRegistry::Instance().ForNewFiles(engine);
     if (&from == &to)
         throw Error(errNotSupported, QStringLiteral("'%1' has that format already.").arg(source));
+    if (from.Capabilities().IsServer) {
+        throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server. To move it back into a "
+                                                    "file, make a backup, and put its copy in the place of that file "
+                                                    "when nobody works in the station.")
+                                         .arg(source));
+    }
     RequireFolder(target);
     const QString file = QFileInfo(target).absoluteFilePath();
     const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
@@ -158,6 +164,16 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
         FileSystem::Current().Remove(file);
         throw;
     }
+}
+
+void ConvertIntoLinked(const QString& source, const QString& linkFile,
+                       const std::function<bool(qint64 done, qint64 total)>& advance)
+{
+    engine::Engine& from = EngineOfFile(source);
+    if (from.Capabilities().IsServer)
+        throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server already.").arg(source));
+    const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
+    CopyStore(*store, *EngineOfFile(linkFile).Open(QFileInfo(linkFile).absoluteFilePath(), QString(), false), advance);
 }
 
 } // namespace dao

@@ -3,6 +3,7 @@
 
 #include "platform/records/engines/postgres/CatalogueConnection.h"
 #include "platform/records/engines/postgres/LinkFile.h"
+#include "platform/records/engines/postgres/Naming.h"
 #include "platform/records/engines/postgres/StationCopy.h"
 
 #include <QFile>
@@ -14,6 +15,16 @@ namespace
 {
 
 constexpr qint64 MarkOctets = 100;
+constexpr qint64 MostOctetsOfALink = 16384;
+
+/// The schema of what belongs to a station, beside the station's own.
+ConnectString PartOf(const QString& connect, const QString& part)
+{
+    ConnectString words = ParseConnectString(connect);
+    if (!part.isEmpty())
+        words.Schema += u'_' + part;
+    return ParseConnectString(words.Text());
+}
 
 /// name: that of the database on the server, where the connect string leaves it open.
 ConnectString ConnectFor(const QString& name, const QString& connect)
@@ -49,6 +60,9 @@ public:
     {
         return std::make_unique<StationExchange>(ReadLinkFile(fileName));
     }
+    void CreateLinked(const QString& file, const QString& connect, const QString& part) override;
+    void Link(const QString& file, const QString& connect, const QString& part) override;
+    void TakeAwayLinked(const QString& file) override;
     std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override;
     FileReport Examine(const QString& fileName, const engine::CopyProgress& progress) override
     {
@@ -68,11 +82,37 @@ private:
     }
 };
 
+void PostgresEngine::CreateLinked(const QString& file, const QString& connect, const QString& part)
+{
+    const ConnectString words = PartOf(connect, part);
+    ServerStore store(words, false, ServerStore::Missing::Create);
+    if (!store.CurrentSchema()->Tables.empty()) {
+        throw Error(errTableExists,
+                    QStringLiteral("There is a station on the server (%1) already.").arg(words.InWords()));
+    }
+    WriteLinkFile(file, words);
+}
+
+void PostgresEngine::Link(const QString& file, const QString& connect, const QString& part)
+{
+    const ConnectString words = PartOf(connect, part);
+    const ServerStore probe(words, true, ServerStore::Missing::IsError);
+    WriteLinkFile(file, words);
+}
+
+void PostgresEngine::TakeAwayLinked(const QString& file)
+{
+    ServerConnection connection(ReadLinkFile(file));
+    connection.Execute("DROP SCHEMA " + QuotedName(connection.Connect().Schema) + " CASCADE");
+    QFile::remove(file);
+}
+
 /// The file only says where the station is: another one in its place would part it from its rows.
 std::unique_ptr<engine::FileLock> PostgresEngine::LockOut(const QString& fileName)
 {
+    // No other file is opened here: closing one would let go of the locks that an engine has on it.
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly) || !IsLinkFile(file.read(MarkOctets)))
+    if (file.size() > MostOctetsOfALink || !file.open(QIODevice::ReadOnly) || !IsLinkFile(file.read(MarkOctets)))
         return nullptr;
     throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server; no other file can take its "
                                                 "place")

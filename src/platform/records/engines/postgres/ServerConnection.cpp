@@ -63,7 +63,28 @@ void ServerConnection::Reconnect()
 {
     Connection_.reset();
     Prepared_.clear();
+    HasStreamed_ = false;
+    IsListening_ = false;
     Open();
+}
+
+void ServerConnection::Listen(const QByteArray& quotedChannel)
+{
+    Execute("LISTEN " + quotedChannel);
+    IsListening_ = true;
+}
+
+bool ServerConnection::TakeNotices()
+{
+    PGconn* const connection = Connection_.get();
+    if (!IsOpen() || PQconsumeInput(connection) == 0)
+        return true;
+    bool isAny = false;
+    while (PGnotify* notice = PQnotifies(connection)) {
+        isAny = isAny || notice->be_pid != PQbackendPID(connection);
+        PQfreemem(notice);
+    }
+    return isAny;
 }
 
 void ServerConnection::Open()

@@ -38,6 +38,12 @@ public:
     /// Execute, for taking back: a failure means that there is nothing more to be taken back. Nothing is raised.
     void TryExecute(const QByteArray& statements) noexcept;
 
+    /// From now on Notices counts what others tell on the channel; once a connection.
+    void Listen(const QByteArray& quotedChannel);
+    bool IsListening() const { return IsListening_; }
+    /// Whether somebody else has told something since the last call, or the connection is gone.
+    bool TakeNotices();
+
     /// How often the server was asked, for tests that count.
     qint64 RoundTrips() const { return RoundTrips_; }
     PGconn* Handle() const { return Connection_.get(); }
@@ -67,6 +73,7 @@ private:
     qint64 NextName_ = 0;
     /// libpq takes the first command of a pipeline for one that is read row by row too, when the last one was.
     bool HasStreamed_ = false;
+    bool IsListening_ = false;
     qint64 RoundTrips_ = 0;
 };
 

@@ -26,7 +26,7 @@ constexpr const char* ConnectionIsLost =
 
 // The longer states stand before the classes that they are of.
 constexpr std::array Meanings{
-    Meaning{"", errDiskError, ConnectionIsLost},
+    Meaning{"", errServer, ConnectionIsLost},
     Meaning{"23505", errDuplicateValue,
             "The changes were not successful because they would create duplicate values in the index."},
     Meaning{"55P03", errLocked, "Could not update; currently locked by another user."},
@@ -34,25 +34,25 @@ constexpr std::array Meanings{
     Meaning{"40001", errLocked, "Could not update; currently locked by another user."},
     Meaning{"53100", errDiskFull, "The disk of the server (%1) is full. Nothing of this change was stored."},
     Meaning{"53200", errOutOfMemory, "The server (%1) is out of memory."},
-    Meaning{"53300", errCannotOpen,
+    Meaning{"53300", errServer,
             "The server (%1) has too many connections. Close programs on other computers, or let the server's keeper "
             "raise its limit 'max_connections'."},
-    Meaning{"28P01", errCannotOpen,
+    Meaning{"28P01", errServer,
             "The server (%1) does not let this user in: the password is wrong or missing. It belongs into the "
             "password file of whoever runs the program (~/.pgpass)."},
-    Meaning{"28000", errCannotOpen, "The server (%1) does not let this user in: %2"},
+    Meaning{"28000", errServer, "The server (%1) does not let this user in: %2"},
     Meaning{"3D000", errFileNotFound, "There is no such database on the server (%1): %2"},
-    Meaning{"42501", errCannotOpen,
+    Meaning{"42501", errServer,
             "A right is missing on the server (%1): %2. Its keeper gives it; the documentation has a script with the "
             "rights that a desk needs."},
-    Meaning{"25006", errReadOnly,
+    Meaning{"25006", errServer,
             "The server (%1) can only be read: it is a standby, or was set to be read only. Nothing was stored."},
-    Meaning{"57P01", errDiskError, ConnectionIsLost},
-    Meaning{"57P02", errDiskError, ConnectionIsLost},
-    Meaning{"57P03", errDiskError, "The server (%1) is starting or stopping. It is tried again by itself."},
-    Meaning{"57P05", errDiskError, ConnectionIsLost},
-    Meaning{"08001", errDiskError, "The server (%1) cannot be reached: %2"},
-    Meaning{"08", errDiskError, ConnectionIsLost},
+    Meaning{"57P01", errServer, ConnectionIsLost},
+    Meaning{"57P02", errServer, ConnectionIsLost},
+    Meaning{"57P03", errServer, "The server (%1) is starting or stopping. It is tried again by itself."},
+    Meaning{"57P05", errServer, ConnectionIsLost},
+    Meaning{"08001", errServer, "The server (%1) cannot be reached: %2"},
+    Meaning{"08", errServer, ConnectionIsLost},
     Meaning{"22003", errOverflow, "Overflow: a number is too large."},
     Meaning{"2200H", errOverflow, "Overflow: the automatic counter has reached its end."},
     Meaning{"58", errDiskError, "The server (%1) met a failure of its disk: %2"},
@@ -74,7 +74,7 @@ const Meaning* MeaningOf(const QByteArray& state)
 int NumberOf(const QByteArray& state)
 {
     const Meaning* meaning = MeaningOf(state);
-    return meaning == nullptr ? errDiskError : meaning->Number;
+    return meaning == nullptr ? errServer : meaning->Number;
 }
 
 QString WordsOf(const QByteArray& state, const QString& serverWords, const QString& place)

@@ -100,6 +100,23 @@ void ServerStore::Clear()
     RefreshUnderLock();
 }
 
+qintptr ServerStore::ChangeSocket()
+{
+    try {
+        if (Transaction_ == Transaction::None && !Connection_.IsListening())
+            Connection_.Listen(SchemaName_);
+        return Connection_.IsListening() && Connection_.IsOpen() ? PQsocket(Connection_.Handle()) : -1;
+    } catch (const Error&) {
+        // The next call that reads finds out and says it.
+        return -1;
+    }
+}
+
+bool ServerStore::TakeChanges()
+{
+    return Connection_.IsListening() && Connection_.TakeNotices();
+}
+
 void ServerStore::RefreshUnderLock()
 {
     Schema_ = ReadStructure(Connection_, SchemaName_, true, Schema_, State_);

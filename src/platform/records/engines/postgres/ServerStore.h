@@ -31,6 +31,9 @@ public:
     void AddColumn(const QString& table, const engine::Column& column) override;
     void AddIndex(const QString& table, const engine::IndexKey& index) override;
 
+    qintptr ChangeSocket() override;
+    bool TakeChanges() override;
+
     void BeginTrans() override;
     void CommitTrans() override;
     void Rollback() override;

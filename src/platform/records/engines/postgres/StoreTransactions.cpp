@@ -35,9 +35,9 @@ void ServerStore::RequireUsable() const
 
 void ServerStore::RaiseLost() const
 {
-    throw Error(errDiskError, QStringLiteral("The transaction on the server (%1) was taken back because of an earlier "
-                                             "error. Nothing of it is stored.")
-                                  .arg(Connection_.Connect().InWords()));
+    throw Error(errServer, QStringLiteral("The transaction on the server (%1) was taken back because of an earlier "
+                                          "error. Nothing of it is stored.")
+                               .arg(Connection_.Connect().InWords()));
 }
 
 void ServerStore::RequireSameStation(const StationState& state)
@@ -70,11 +70,13 @@ void ServerStore::BeginWriting()
 {
     // The one lock of all writers, so that they wait for each other at their beginning and never meet in a deadlock.
     // Readers do not notice it.
-    const std::array<Command, 4> commands{
+    const std::array<Command, 5> commands{
         Command{"BEGIN ISOLATION LEVEL READ COMMITTED"},
         Command{"LOCK TABLE " + SchemaName_ + '.' + StationTable + " IN EXCLUSIVE MODE"},
         StateCommand(SchemaName_),
         Command{"SELECT pg_catalog.pg_current_xact_id()"},
+        // Those who listen are told once it is committed.
+        Command{"NOTIFY " + SchemaName_},
     };
     try {
         const std::vector<Result> results = Connection_.RunTogether(commands);
@@ -126,10 +128,10 @@ bool ServerStore::WasCommitted()
                 return state == "committed";
         } catch (const ServerFailure& failure) {
             // A number that the server has not come to is that of a transaction which it never saw.
-            if (!failure.IsConnectionLost() && failure.Number() == errDiskError)
+            if (!failure.IsConnectionLost())
                 return false;
             if (deadline.hasExpired()) {
-                throw Error(errDiskError,
+                throw Error(errServer,
                             QStringLiteral("The connection to the server (%1) was lost at the very moment of storing, "
                                            "and the server does not answer: look whether the change is there before "
                                            "it is made again.")
