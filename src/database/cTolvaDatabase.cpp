@@ -216,9 +216,9 @@ dao::Transaction cTolvaDatabase::BeginChange() const
     return dao::Transaction(Station_->OpenedDatabase());
 }
 
-qintptr cTolvaDatabase::ChangeSocket() const
+bool cTolvaDatabase::BeginBeingTold() const
 {
-    return Station_->Database ? Station_->Database->ChangeSocket() : -1;
+    return Station_->Database && Station_->Database->BeginBeingTold();
 }
 
 bool cTolvaDatabase::TakeChanges() const

@@ -5,7 +5,6 @@
 #include "platform/records/DBEngine.h"
 
 #include <QPointer>
-#include <QSocketNotifier>
 
 #include <filesystem>
 
@@ -13,7 +12,8 @@ namespace
 {
 /// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
 constexpr qint64 ClockStepMilliseconds = 2500;
-constexpr int GatheringMilliseconds = 200;
+/// Many changes within it are one poll.
+constexpr int LookMilliseconds = 250;
 } // namespace
 
 /// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
@@ -29,42 +29,23 @@ StationWatch::FileLook StationWatch::LookAt(const QString& name)
 
 StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
 {
-    Gathering_.setSingleShot(true);
-    Gathering_.setInterval(GatheringMilliseconds);
-    connect(&Gathering_, &QTimer::timeout, this, [this] { Poll(*this); });
-}
-
-StationWatch::~StationWatch() = default;
-
-/// The socket may be another one each time.
-void StationWatch::Listen()
-{
-    const qintptr socket = Station_.ChangeSocket();
-    if (socket == (Notifier_ ? Notifier_->socket() : -1))
-        return;
-    // Not destroyed while it tells something.
-    if (Notifier_) {
-        Notifier_->setEnabled(false);
-        Notifier_.release()->deleteLater();
-    }
-    if (socket < 0)
-        return;
-    Notifier_ = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
-    connect(Notifier_.get(), &QSocketNotifier::activated, this, &StationWatch::TakeNotice);
+    Looking_.setInterval(LookMilliseconds);
+    connect(&Looking_, &QTimer::timeout, this, &StationWatch::TakeNotice);
 }
 
 void StationWatch::TakeNotice()
 {
-    if (Station_.TakeChanges() && !Gathering_.isActive())
-        Gathering_.start();
-    // A connection that is gone could be read without end.
-    Listen();
+    if (Station_.TakeChanges())
+        Poll(*this);
 }
 
 void StationWatch::Poll(const QObject& asker)
 {
     const QPointer<StationWatch> self(this);
-    Listen();
+    if (!Station_.BeginBeingTold())
+        Looking_.stop();
+    else if (!Looking_.isActive())
+        Looking_.start();
     Seen_.emplace();
     Q_EMIT Polled(&asker);
     // A listener that let timers fire may have polled in between: then the rest of this poll reads for itself.

@@ -8,11 +8,9 @@
 #include <QObject>
 #include <QTimer>
 
-#include <memory>
 #include <optional>
 
 class cTolvaDatabase;
-class QSocketNotifier;
 
 /// The look at what other computers change in a station, one for all lists that show it: whichever list's timer fires
 /// first polls, all are told, and what one of them has read in that moment the others take over. A list whose own timer
@@ -24,8 +22,6 @@ class TOLVA_EXPORT StationWatch : public QObject
 public:
     /// The station outlives this.
     explicit StationWatch(cTolvaDatabase& station);
-
-    ~StationWatch() override;
 
     /// Tells all listeners. Each of them may close or destroy the station. Where the station's server tells of changes,
     /// all are told by themselves from then on as well, some tenths of a second behind a change elsewhere.
@@ -60,17 +56,15 @@ private:
         friend bool operator==(const FileLook&, const FileLook&) = default;
     };
 
-    void Listen();
     void TakeNotice();
     static FileLook LookAt(const QString& name);
     template <typename Read>
     Date StampOf(std::optional<Date> Seen::*kept, Read&& read);
 
     cTolvaDatabase& Station_;
-    std::unique_ptr<QSocketNotifier> Notifier_; ///< Of the station's server.
-    QTimer Gathering_;                          ///< So that many changes are one poll.
-    std::optional<Seen> Seen_;                  ///< While a poll is told.
-    FileLook Look_;                             ///< As the folders were loaded last.
+    QTimer Looking_;           ///< At what the server has told, while it tells.
+    std::optional<Seen> Seen_; ///< While a poll is told.
+    FileLook Look_;            ///< As the folders were loaded last.
     int LookOfOpening_ = 0;
     QElapsedTimer SinceLook_;        ///< That the file looks so.
     bool AreFoldersCertain_ = false; ///< Loaded when the file had looked so for a while.

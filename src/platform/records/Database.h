@@ -42,10 +42,10 @@ public:
     /// change. 3251 without one, 3260 when somebody else has the lock for too long.
     virtual void LockForChange() = 0;
 
-    /// A socket that can be read once somebody else has changed something; -1 where only a look tells. To be asked for
-    /// anew now and then: it changes when a connection was made anew. Nothing is raised by either.
-    virtual qintptr ChangeSocket() { return -1; }
-    /// Whether somebody else has changed something since the last call, as far as it was told.
+    /// Whether this is told from now on of what others change; where not, only a look tells. To be asked anew now and
+    /// then. Nothing is raised by either.
+    virtual bool BeginBeingTold() { return false; }
+    /// Whether somebody else has changed something since the last call, as far as it was told. Costs next to nothing.
     virtual bool TakeChanges() { return false; }
 
     virtual void Close() = 0;

@@ -25,7 +25,7 @@ public:
     std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) override;
     int Execute(const QString& sql) override;
     void LockForChange() override;
-    qintptr ChangeSocket() override { return Session_->Store ? Session_->Store->ChangeSocket() : -1; }
+    bool BeginBeingTold() override { return Session_->Store && Session_->Store->BeginBeingTold(); }
     bool TakeChanges() override { return Session_->Store && Session_->Store->TakeChanges(); }
     void Close() override;
 

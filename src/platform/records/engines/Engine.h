@@ -122,10 +122,11 @@ public:
     virtual void AddColumn(const QString& table, const Column& column) = 0;
     virtual void AddIndex(const QString& table, const IndexKey& index) = 0;
 
-    /// A socket that can be read once somebody else has committed; -1 where the engine tells nothing of others. It may
-    /// be another one after any call, when a connection was made anew. Nothing is raised.
-    virtual qintptr ChangeSocket() { return -1; }
-    /// Whether somebody else has committed since the last call, as far as it was told. Nothing is raised.
+    /// Whether the engine is told from now on of what others commit. To be asked anew now and then: it has to be begun
+    /// again with each connection. Nothing is raised.
+    virtual bool BeginBeingTold() { return false; }
+    /// Whether somebody else has committed since the last call, as far as it was told. Asks nobody, and costs next to
+    /// nothing. Nothing is raised.
     virtual bool TakeChanges() { return false; }
 
     /// From BeginTrans on all changes are one: they become durable together in CommitTrans, or are taken back. Nests:

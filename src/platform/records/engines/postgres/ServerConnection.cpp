@@ -77,7 +77,9 @@ void ServerConnection::Listen(const QByteArray& quotedChannel)
 bool ServerConnection::TakeNotices()
 {
     PGconn* const connection = Connection_.get();
-    if (!IsOpen() || PQconsumeInput(connection) == 0)
+    if (!IsOpen())
+        return false;
+    if (PQconsumeInput(connection) == 0)
         return true;
     bool isAny = false;
     while (PGnotify* notice = PQnotifies(connection)) {

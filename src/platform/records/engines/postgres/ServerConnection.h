@@ -38,10 +38,10 @@ public:
     /// Execute, for taking back: a failure means that there is nothing more to be taken back. Nothing is raised.
     void TryExecute(const QByteArray& statements) noexcept;
 
-    /// From now on Notices counts what others tell on the channel; once a connection.
+    /// From now on TakeNotices knows what others tell on the channel; once a connection.
     void Listen(const QByteArray& quotedChannel);
     bool IsListening() const { return IsListening_; }
-    /// Whether somebody else has told something since the last call, or the connection is gone.
+    /// Whether somebody else has told something since the last call, or the connection was lost since. Asks nobody.
     bool TakeNotices();
 
     /// How often the server was asked, for tests that count.

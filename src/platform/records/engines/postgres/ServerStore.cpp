@@ -100,16 +100,15 @@ void ServerStore::Clear()
     RefreshUnderLock();
 }
 
-qintptr ServerStore::ChangeSocket()
+bool ServerStore::BeginBeingTold()
 {
     try {
-        if (Transaction_ == Transaction::None && !Connection_.IsListening())
+        if (Transaction_ == Transaction::None && Connection_.IsOpen() && !Connection_.IsListening())
             Connection_.Listen(SchemaName_);
-        return Connection_.IsListening() && Connection_.IsOpen() ? PQsocket(Connection_.Handle()) : -1;
     } catch (const Error&) {
         // The next call that reads finds out and says it.
-        return -1;
     }
+    return Connection_.IsListening();
 }
 
 bool ServerStore::TakeChanges()

@@ -31,7 +31,7 @@ public:
     void AddColumn(const QString& table, const engine::Column& column) override;
     void AddIndex(const QString& table, const engine::IndexKey& index) override;
 
-    qintptr ChangeSocket() override;
+    bool BeginBeingTold() override;
     bool TakeChanges() override;
 
     void BeginTrans() override;

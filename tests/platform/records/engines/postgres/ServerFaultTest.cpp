@@ -266,6 +266,41 @@ TEST_F(ServerFault, NoListAsksTheServerOnceARow)
     EXPECT_LT(Proxy_.TakeRequests(), 20);
 }
 
+TEST_F(ServerFault, OthersAreToldOfWhatIsCommittedAndWhoDoesItIsNot)
+{
+    ASSERT_TRUE(Through_->BeginBeingTold());
+    ASSERT_TRUE(Direct_->BeginBeingTold());
+    EXPECT_FALSE(Through_->TakeChanges());
+    const auto isTold = [&](Database& database) {
+        QElapsedTimer timer;
+        timer.start();
+        while (!database.TakeChanges()) {
+            if (timer.elapsed() > 1000)
+                return false;
+        }
+        return true;
+    };
+    AddRow(*Direct_, QStringLiteral("one"));
+    EXPECT_TRUE(isTold(*Through_));
+    EXPECT_FALSE(Direct_->TakeChanges());
+    // A transaction that is taken back is none.
+    DBEngine::BeginTrans();
+    AddRow(*Direct_, QStringLiteral("two"));
+    DBEngine::Rollback();
+    NamesIn(*Through_);
+    EXPECT_FALSE(Through_->TakeChanges());
+    // Over a connection that was made anew it is begun anew.
+    TestServer::Shared().Execute(
+        QStringLiteral("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE query LIKE '%%1%' AND pid <> "
+                       "pg_backend_pid()")
+            .arg(Schema_.Name));
+    EXPECT_TRUE(isTold(*Through_)) << "the end of the connection is a reason to look";
+    NamesIn(*Through_);
+    ASSERT_TRUE(Through_->BeginBeingTold());
+    AddRow(*Direct_, QStringLiteral("three"));
+    EXPECT_TRUE(isTold(*Through_));
+}
+
 TEST_F(ServerFault, CommonActionsTakeFewRoundTrips)
 {
     AddRow(*Through_, QStringLiteral("one"));
