@@ -11,8 +11,8 @@ namespace StationMaking
 /// a first user who has all rights. The station's file gets its name when it is whole. In a directory that stands
 /// already nobody is added, and the user must be one of it. Failure in words when that does not work; a station that
 /// stands already is left alone. under: asked what is to be asked. country: of the station
-/// (cTolvaDatabase::StationCountry); empty for this machine's default. connect: of the server that it lies on; empty for
-/// files in the folder.
+/// (cTolvaDatabase::StationCountry); empty for this machine's default. connect: of the server that it lies on; empty
+/// for files in the folder.
 void Make(const QString& folder, const QString& name, const QString& phoneNumber, const QString& user,
           UserInterface& under, const QString& country = QString(), const QString& connect = QString());
 /// Makes a folder for a station that is on a server already, as for one more computer. Failure in words.

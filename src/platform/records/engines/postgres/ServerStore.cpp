@@ -6,6 +6,7 @@
 #include "platform/records/query/StoredValues.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace dao::postgres
 {
@@ -76,10 +77,13 @@ SchemaPtr ServerStore::CurrentSchema()
                 RefreshUnderLock();
             return Schema_;
         }
+        if (Transaction_ == Transaction::Announced && HasLooked_)
+            return Schema_;
         const StationState state = StateIn(Connection_.Run(StateCommand(SchemaName_)), Connection_);
         RequireSameStation(state);
         if (state != State_)
             Schema_ = ReadStructure(Connection_, SchemaName_, false, Schema_, State_);
+        HasLooked_ = true;
         return Schema_;
     });
 }
@@ -255,7 +259,7 @@ void ServerStore::RaiseCounter(const TablePtr& table, qint64 last)
     Retried([&] {
         WriteScope scope(*this);
         scope.MarkBeginning();
-        Rows(table).RaiseIds(last);
+        Rows(table).RaiseIds(std::min<qint64>(last, std::numeric_limits<qint32>::max()));
         scope.Commit();
     });
 }

@@ -125,6 +125,7 @@ private:
     StationState State_;
     engine::SchemaPtr Schema_;
     bool IsSnapshot_ = false;
+    bool HasLooked_ = false; ///< At the structure, in the announced transaction; once is enough for all of it.
     RowsAhead Ahead_;
 };
 

@@ -144,8 +144,20 @@ engine::ResultShape ServerStore::Describe(const jetsql::SelectStatement& select)
 void ServerStore::Select(const jetsql::SelectStatement& select, const ParameterValues& parameters, ResultPart part,
                          const RowSink& sink)
 {
-    const BoundSelect bound = query::BindSelect(select, *CurrentSchema());
-    const query::ParameterTable values(bound.Parameters, parameters);
+    RequireUsable();
+    // Whoever runs it has had it described a moment ago.
+    BoundSelect bound;
+    std::optional<query::ParameterTable> bindings;
+    const auto bind = [&](const engine::Schema& schema) {
+        bound = query::BindSelect(select, schema);
+        bindings.emplace(bound.Parameters, parameters);
+    };
+    try {
+        bind(*Schema_);
+    } catch (const Error&) {
+        bind(*CurrentSchema());
+    }
+    const query::ParameterTable& values = *bindings;
     bool isBegun = false;
     const RowSink noting = [&](std::span<const qint64> keys, std::string_view cells) {
         isBegun = true;
@@ -187,7 +199,7 @@ int ServerStore::Execute(const jetsql::Statement& statement, const ParameterValu
 {
     return Retried([&] {
         // Bound before the lock is taken, so that a refused statement begins no transaction.
-        const engine::SchemaPtr schema = Schema_;
+        const engine::SchemaPtr schema = CurrentSchema();
         query::BoundChange change = query::BindChangeToRun(statement, *schema);
         WriteScope scope(*this);
         scope.MarkBeginning();

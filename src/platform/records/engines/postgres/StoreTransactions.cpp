@@ -148,8 +148,10 @@ void ServerStore::BeginTrans()
 {
     if (Transaction_ == Transaction::Started)
         Retried([&] { Connection_.Execute("SAVEPOINT " + SavepointName(Depth_ + 1)); });
-    if (Depth_ == 0)
+    if (Depth_ == 0) {
         Transaction_ = Transaction::Announced;
+        HasLooked_ = false;
+    }
     ++Depth_;
 }
 
