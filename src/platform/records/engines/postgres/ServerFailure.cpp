@@ -104,8 +104,9 @@ bool ServerFailure::IsOfOldStructure() const
 
 ServerFailure ConnectFailure(const QString& libraryWords, const QString& place)
 {
-    // With several hosts each has its line; what the last one said counts.
-    static const QRegularExpression state(QStringLiteral(R"(: {1,2}([0-9A-Z]{5}): (.*))"));
+    // A state has a digit, which tells it from FATAL. With several hosts each has its line; what the last one said
+    // counts.
+    static const QRegularExpression state(QStringLiteral(R"(: {1,2}((?=[A-Z]*[0-9])[0-9A-Z]{5}): (.*))"));
     auto matches = state.globalMatch(libraryWords);
     QRegularExpressionMatch last;
     while (matches.hasNext())

@@ -65,7 +65,7 @@ std::optional<Result> ServerStore::WriteScope::RunAndCommit(const Command& comma
     HasSavepoint_ = !IsOwn_;
     const std::size_t place = commands.size();
     commands.push_back(command);
-    commands.push_back(IsOwn_ ? Command{"COMMIT"} : Command{"RELEASE change"});
+    commands.push_back(IsOwn_ ? Command{"COMMIT", {}, false} : Command{"RELEASE change"});
     try {
         std::vector<Result> results = Store_.Connection_.RunTogether(commands);
         IsDone_ = true;
