@@ -4,6 +4,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET "sqlite3>=3.35")
+pkg_check_modules(PQ REQUIRED IMPORTED_TARGET "libpq>=14")
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET "gmime-3.0>=3.2")
 
 pkg_check_modules(GUMBO REQUIRED IMPORTED_TARGET gumbo)

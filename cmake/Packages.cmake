@@ -44,6 +44,8 @@ tolva_install_documents(libkvtolva1-dev development)
 # The nightly backup; whoever runs the machine enables it for a station.
 install(FILES "packaging/systemd/tolva-backup@.service" "packaging/systemd/tolva-backup@.timer"
         DESTINATION lib/systemd/system COMPONENT commands)
+# What a desk needs on a server, for whoever keeps that.
+install(FILES packaging/server/desk-rights.sql DESTINATION "${CMAKE_INSTALL_DATADIR}/tolva" COMPONENT commands)
 install(FILES packaging/tolva-desk.desktop DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT desk)
 install(FILES packaging/example.tolva.desk.metainfo.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT desk)
 install(FILES src/platform/widgets/icons/tolva.svg RENAME tolva-desk.svg

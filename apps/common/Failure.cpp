@@ -93,6 +93,7 @@ ExitCode ExitCodeOf(int errorNumber)
     case dao::errDiskFull:
     case dao::errDiskError:
         return exitInputOutput;
+    case dao::errServer:
     case dao::errNotSupported:
         return exitUnavailable;
     case dao::errOutOfMemory:
@@ -138,6 +139,8 @@ Failure FailureOf(const QString& subject, const QString& file, int errorNumber, 
         return words(QStringLiteral("cannot be opened: this account may not read and write it. (%1)").arg(description));
     case dao::errReadOnly:
         return words(QStringLiteral("can be read and not be changed. (%1)").arg(description));
+    case dao::errServer:
+        return words(QStringLiteral("cannot be used now. %1").arg(description));
     case dao::errDiskFull:
         return words(QStringLiteral("cannot be written: the disk is full."));
     case dao::errDiskError:

@@ -3,6 +3,7 @@
 
 #include "CollectingUserInterface.h"
 #include "Failure.h"
+#include "LinkedDatabases.h"
 #include "StationPlace.h"
 #include "common/DurableFile.h"
 #include "common/FileHelper.h"
@@ -84,26 +85,52 @@ void GiveFormat(const QString& file, const QString& format)
 } // namespace
 
 void StationMaking::Make(const QString& folder, const QString& name, const QString& phoneNumber, const QString& user,
-                         UserInterface& under, const QString& country, const QString& format)
+                         UserInterface& under, const QString& country, const Storage& storage)
 {
     if (QFileInfo::exists(StationPlace::FileIn(folder)))
         throw AlreadyThere(folder);
     if (!FileHelper::CreateFolder(folder))
         throw Failure(exitCannotCreate, QStringLiteral("The folder %1 cannot be made.").arg(folder));
     try {
+        LinkedDatabases linked;
+        const QString directory = StationPlace::DirectoryFileIn(folder);
+        if (!storage.Connect.isEmpty() && !QFileInfo::exists(directory)) {
+            FileHelper::CreateFolder(StationPlace::DirectoryIn(folder));
+            linked.Create(directory, storage.Connect, LinkedDatabases::DirectoryPart());
+        }
         MakeDirectory(folder, user);
         // The file gets its name when it is whole, so that an interruption leaves no half station behind.
         const QTemporaryDir unfinished(FileHelper::Join(folder, QStringLiteral(".unfinished-XXXXXX")));
         if (!unfinished.isValid())
             throw Failure(exitCannotCreate,
                           QStringLiteral("Nothing can be written into %1: %2").arg(folder, unfinished.errorString()));
+        if (!storage.Connect.isEmpty())
+            linked.Create(StationPlace::FileIn(unfinished.path()), storage.Connect, QString());
         MakeFile(unfinished.path(), name, phoneNumber, country, under);
-        GiveFormat(StationPlace::FileIn(unfinished.path()), format);
+        GiveFormat(StationPlace::FileIn(unfinished.path()), storage.Format);
         if (!FileHelper::RenameWithProgress(StationPlace::FileIn(unfinished.path()), StationPlace::FileIn(folder),
                                             QString()))
             throw QFileInfo::exists(StationPlace::FileIn(folder))
                 ? AlreadyThere(folder)
                 : Failure(exitInputOutput, QStringLiteral("The station could not be put into %1.").arg(folder));
+        linked.Keep();
+    } catch (const dao::Error& error) {
+        throw FailureOf(QStringLiteral("The station in %1").arg(folder), QString(), error.Number(),
+                        error.Description());
+    }
+}
+
+void StationMaking::Join(const QString& folder, const QString& connect)
+{
+    if (QFileInfo::exists(StationPlace::FileIn(folder)))
+        throw AlreadyThere(folder);
+    if (!FileHelper::CreateFolder(folder) || !FileHelper::CreateFolder(StationPlace::DirectoryIn(folder)))
+        throw Failure(exitCannotCreate, QStringLiteral("The folder %1 cannot be made.").arg(folder));
+    try {
+        if (!QFileInfo::exists(StationPlace::DirectoryFileIn(folder)))
+            dao::DBEngine::LinkDatabase(StationPlace::DirectoryFileIn(folder), connect,
+                                        LinkedDatabases::DirectoryPart());
+        dao::DBEngine::LinkDatabase(StationPlace::FileIn(folder), connect);
     } catch (const dao::Error& error) {
         throw FailureOf(QStringLiteral("The station in %1").arg(folder), QString(), error.Number(),
                         error.Description());

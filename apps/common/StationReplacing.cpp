@@ -2,6 +2,7 @@
 #include "StationReplacing.h"
 
 #include "Failure.h"
+#include "LinkedDatabases.h"
 #include "StationOpening.h"
 #include "StationPlace.h"
 #include "common/FileHelper.h"
@@ -16,7 +17,10 @@
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileConversion.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QScopeGuard>
+#include <QThread>
 
 namespace
 {
@@ -164,11 +168,86 @@ StationReplacing::Result StationReplacing::Convert(const QString& folder, const 
     return result;
 }
 
+namespace
+{
+/// What changes with every commit.
+struct FileStamp
+{
+    QDateTime Modified;
+    qint64 Size = 0;
+
+    static FileStamp Of(const QString& file)
+    {
+        const QFileInfo information(file);
+        return {information.lastModified(), information.size()};
+    }
+    bool operator==(const FileStamp&) const = default;
+};
+
+/// The name of the old file; empty when it was on a server before.
+QString MoveFileToServer(const QString& file, const QString& connect, const QString& part, const QString& words)
+{
+    if (dao::DBEngine::IsLinked(file))
+        return {};
+    Leftovers::Remove(file);
+    const QString link = GetTempFile(FileHelper::FolderOf(file), QStringLiteral("MDB"));
+    FileSystem::Current().Remove(link);
+    LinkedDatabases linked;
+    linked.Create(link, connect, part);
+    // A commit at the very moment of the stamp would not be told from it.
+    constexpr int StampMilliseconds = 20;
+    FileStamp stamp = FileStamp::Of(file);
+    while (stamp.Modified.msecsTo(QDateTime::currentDateTime()) < StampMilliseconds &&
+           stamp.Modified.msecsTo(QDateTime::currentDateTime()) >= 0) {
+        QThread::msleep(StampMilliseconds);
+        stamp = FileStamp::Of(file);
+    }
+    const auto progress = UserInterface::Current().Progress(words);
+    dao::ConvertIntoLinked(file, link, [&](qint64 done, qint64 total) { return progress->Advance(done, total); });
+    const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
+    FileExchange::ByRename(file, link, keepName, [&] {
+        if (FileStamp::Of(file) != stamp)
+            throw dao::Error(dao::errLocked, QStringLiteral("It was changed meanwhile."));
+    });
+    linked.Keep();
+    return keepName;
+}
+} // namespace
+
+StationReplacing::Result StationReplacing::MoveToServer(const QString& folder, const QString& connect)
+{
+    const QString file = StationPlace::FileIn(folder);
+    const QString directory = StationPlace::DirectoryFileIn(folder);
+    Result result;
+    try {
+        if (FileHelper::FileExists(directory))
+            MoveFileToServer(directory, connect, LinkedDatabases::DirectoryPart(),
+                             QStringLiteral("Moving the directory"));
+        result.Before = CountsOf(file);
+        result.SizeBefore = FileHelper::FileSize(file);
+        result.KeepName = MoveFileToServer(file, connect, QString(), QStringLiteral("Moving the station"));
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errCancelled)
+            throw Failure(exitInterrupted, error.Description());
+        throw StationOpening::FailureOf(folder, error.Number(), error.Description());
+    }
+    result.After = CountsAfter(
+        file, QStringLiteral("The station on the server cannot be read. The old file is kept as %1."), result.KeepName);
+    result.SizeAfter = FileHelper::FileSize(file);
+    result.KeepName = KeptName(result.KeepName);
+    return result;
+}
+
 StationReplacing::Result StationReplacing::Compact(const QString& folder)
 {
     const QString file = StationPlace::FileIn(folder);
     if (!StationPlace::HoldsStation(folder))
         throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
+    if (dao::DBEngine::IsLinked(file)) {
+        throw Failure(
+            exitUnavailable,
+            QStringLiteral("The station in %1 is on a server, which keeps it compact by itself.").arg(folder));
+    }
     Result result;
     result.SizeBefore = FileHelper::FileSize(file);
     PendingError failure;

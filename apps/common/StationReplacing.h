@@ -32,4 +32,8 @@ Result Compact(const QString& folder);
 /// Writes the station's file in the format of the engine of that name and makes sure that it holds what it held, value
 /// by value. Failure as above.
 Result Convert(const QString& folder, const QString& engine);
+/// Moves the station and its directory to the server, with everything compared value by value before the files that
+/// say where they are take the names of the old ones, which are kept. What an attempt before has moved already stays.
+/// Failure as above; 3260 when somebody changed something meanwhile.
+Result MoveToServer(const QString& folder, const QString& connect);
 } // namespace StationReplacing

@@ -114,9 +114,12 @@ QString FileExchange::InPlace(const Plan& plan)
                      QStringLiteral("Others wrote to '%1' all the time; nothing was changed.").arg(plan.File));
 }
 
-void FileExchange::ByRename(const QString& file, const QString& replacement, const QString& keepName)
+void FileExchange::ByRename(const QString& file, const QString& replacement, const QString& keepName,
+                            const std::function<void()>& check)
 {
     const dao::FileLockout lockout(file);
+    if (check)
+        check();
     const bool hasOld = FileHelper::FileExists(file);
     if (hasOld) {
         GiveAccess(file, replacement);

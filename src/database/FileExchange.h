@@ -37,7 +37,9 @@ QString InPlace(const Plan& plan);
 
 /// Renames the replacement over the file, and the file, with what belongs to it, to the keep name; the file may be
 /// missing. For a file that cannot be read any more. Everybody who has it open is kept out while it loses its name, and
-/// told afterwards. dao::Error when nothing was changed.
-void ByRename(const QString& file, const QString& replacement, const QString& keepName);
+/// told afterwards. dao::Error when nothing was changed. check: called when everybody is out; what it raises changes
+/// nothing. It must not open the file.
+void ByRename(const QString& file, const QString& replacement, const QString& keepName,
+              const std::function<void()>& check = {});
 
 } // namespace FileExchange

@@ -32,7 +32,7 @@ bool ExistsOnServer(const QString& name, const QString& connect, bool silent)
     if (workspace && !pending.Try([&] {
             connection = workspace->OpenConnection(QString(), dao::dbDriverNoPrompt, false, connect);
         })) {
-        Report(QStringLiteral("connecting to '%1'").arg(connect), pending, silent);
+        Report(QStringLiteral("connecting to '%1'").arg(dao::DBEngine::WithoutPassword(connect)), pending, silent);
     }
     if (!connection) {
         WriteDebugLog(QStringLiteral("Exit: connection not opened"));
@@ -105,7 +105,7 @@ qint16 DAO_DatabaseFunctions::GetDatabaseInformation(const QString& name, Databa
                                                      bool reportErrors, const QString& connect)
 {
     WriteDebugLog(QStringLiteral("Started GetDatabaseInformation: DBName='%1', ReportErrors=%2, Connect='%3'")
-                      .arg(name, LogText(reportErrors), connect),
+                      .arg(name, LogText(reportErrors), dao::DBEngine::WithoutPassword(connect)),
                   LogLevel);
     const bool isLocal = connect.isEmpty();
     const QString target = TargetName(name, connect);

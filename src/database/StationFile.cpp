@@ -92,7 +92,8 @@ qint32 StationFile::ReadInformation(const QString& fileName, const QString& conn
     WriteDebugLog(QStringLiteral("Reading Database Information"));
     const int code = DAO_DatabaseFunctions::GetDatabaseInformation(fileName, Station_.Information, true, QString());
     // A backup that was put back in this moment is no damage, nor is a lock that somebody else holds.
-    if (code == 0 || !connect.isEmpty() || code == dao::errFileReplaced || code == dao::errLocked)
+    if (code == 0 || !connect.isEmpty() || code == dao::errFileReplaced || code == dao::errLocked ||
+        code == dao::errServer)
         return code;
     if (const qint32 result = OfferBackup(fileName, connect, code, Station_.IsSilent))
         return result;

@@ -158,7 +158,7 @@ qint16 DAO_DatabaseFunctions::ValidateDatabase(const QString& name, qint32 type,
 {
     WriteDebugLog(
         QStringLiteral("Started Validate Database: DBName='%1' Type=%2, SilentMode=%3, Title='%4' Connect='%5'")
-            .arg(name, QString::number(type), LogText(silent), title, connect),
+            .arg(name, QString::number(type), LogText(silent), title, dao::DBEngine::WithoutPassword(connect)),
         LogLevel);
     const QString target = TargetName(name, connect);
     const qint16 created =
@@ -170,7 +170,8 @@ qint16 DAO_DatabaseFunctions::ValidateDatabase(const QString& name, qint32 type,
     PendingError pending;
     std::unique_ptr<dao::Database> database;
     if (!pending.Try([&] { database = OpenTarget(target, connect); })) {
-        const QString where = connect.isEmpty() ? target : target + QStringLiteral(", ") + connect;
+        const QString where =
+            connect.isEmpty() ? target : target + QStringLiteral(", ") + dao::DBEngine::WithoutPassword(connect);
         return Report(QStringLiteral("opening the database ") + where, pending, false);
     }
     if (const int number = CheckDescriptionTable(*database))

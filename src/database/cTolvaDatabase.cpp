@@ -216,6 +216,16 @@ dao::Transaction cTolvaDatabase::BeginChange() const
     return dao::Transaction(Station_->OpenedDatabase());
 }
 
+bool cTolvaDatabase::BeginBeingTold() const
+{
+    return Station_->Database && Station_->Database->BeginBeingTold();
+}
+
+bool cTolvaDatabase::TakeChanges() const
+{
+    return Station_->Database && Station_->Database->TakeChanges();
+}
+
 std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenSnapshot(const QString& sql) const
 {
     return Station_->OpenSnapshot(sql);

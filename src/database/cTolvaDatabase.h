@@ -200,6 +200,9 @@ public:
                                                     const QString& order = QString()) const;
     /// A snapshot of any SELECT. dao::Error as above.
     std::unique_ptr<dao::Recordset> OpenSnapshot(const QString& sql) const;
+    /// As dao::Database has them, for the watch; false while the station is closed.
+    bool BeginBeingTold() const;
+    bool TakeChanges() const;
     /// Stores a new or changed message; it is on the disk when this returns true. Otherwise LastErrorNumber tells why
     /// (locked by another computer: 3260).
     bool SaveMessage(const cMessagePtr& message);

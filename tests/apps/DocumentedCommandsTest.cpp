@@ -202,19 +202,25 @@ TEST_F(DocumentedCommandsTest, AStationComesBackFromTheCopyOnAnotherMachine)
 
 TEST_F(DocumentedCommandsTest, EveryOtherCommandOfThePagesIsTriedElsewhereOrKnownNotToBe)
 {
-    const QStringList known = {// These make what the tests run, or are how they are run.
-                               QStringLiteral("./run"), QStringLiteral("./test"), QStringLiteral("cmake --preset "),
-                               QStringLiteral("ctest --preset "), QStringLiteral("packaging/make-packages.sh"),
-                               // packaging/test-packages.sh types them as root in a system of its own.
-                               QStringLiteral("apt-get install ./build/release/packages/"), QStringLiteral("groupadd "),
-                               QStringLiteral("useradd "), QStringLiteral("usermod "), QStringLiteral("chown "),
-                               QStringLiteral("install "),
-                               // AStationComesBackFromTheCopyOnAnotherMachine.
-                               QStringLiteral("rsync "),
-                               // RecoverTest.
-                               QStringLiteral("tolva recover /srv/station "),
-                               // They need a running systemd; BackupUnitsTest checks the units that they name.
-                               QStringLiteral("systemctl "), QStringLiteral("journalctl ")};
+    const QStringList known = {
+        // These make what the tests run, or are how they are run.
+        QStringLiteral("./run"), QStringLiteral("./test"), QStringLiteral("cmake --preset "),
+        QStringLiteral("ctest --preset "), QStringLiteral("packaging/make-packages.sh"),
+        // packaging/test-packages.sh types them as root in a system of its own.
+        QStringLiteral("apt-get install ./build/release/packages/"), QStringLiteral("groupadd "),
+        QStringLiteral("useradd "), QStringLiteral("usermod "), QStringLiteral("chown "), QStringLiteral("install "),
+        // AStationComesBackFromTheCopyOnAnotherMachine.
+        QStringLiteral("rsync "),
+        // RecoverTest.
+        QStringLiteral("tolva recover /srv/station "),
+        // ServerSetUpTest, with a server of its own.
+        QStringLiteral("sudo -u postgres "), QStringLiteral("psql --host=db.example.org "),
+        QStringLiteral("tolva init /srv/station --name \"Harbour FM\" --phone \"01632 960100\" "
+                       "--connect "),
+        QStringLiteral("tolva init /srv/desk --connect "), QStringLiteral("tolva list /srv/desk"),
+        QStringLiteral("sudo apt-get install postgresql"),
+        // They need a running systemd; BackupUnitsTest checks the units that they name.
+        QStringLiteral("systemctl "), QStringLiteral("journalctl ")};
     const QStringList typed = {QStringLiteral("../README.md"), QStringLiteral("command-line.md"),
                                QStringLiteral("hookups.md")};
     QStringList names = QDir(PageNamed(QString())).entryList({QStringLiteral("*.md")});

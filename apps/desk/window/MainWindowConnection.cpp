@@ -30,6 +30,8 @@ QString ConnectionWords(int errorNumber)
         return MainWindow::tr("The text to find cannot be used: it cannot hold a double quote, and a [ needs its ].");
     case dao::errDiskFull:
         return MainWindow::tr("The disk with the station is full; make room on it. Trying again.");
+    case dao::errServer:
+        return MainWindow::tr("The station's server does not answer, or does not let this computer in; trying again.");
     case dao::errOutOfMemory:
         return MainWindow::tr("There is not enough memory; close other programs. Trying again.");
     default:

@@ -20,6 +20,7 @@ namespace
 const QString JsonOption = QStringLiteral("json");
 const QString YesOption = QStringLiteral("yes");
 const QString ToOption = QStringLiteral("to");
+const QString ConnectOption = QStringLiteral("connect");
 
 bool IsConfirmed(const Arguments& arguments, const QString& question)
 {
@@ -151,6 +152,15 @@ int Compact(const Arguments& arguments)
 
 int Convert(const Arguments& arguments)
 {
+    const bool isToServer = arguments.Value(ToOption) == QStringLiteral("server");
+    if (isToServer != arguments.Has(ConnectOption))
+        throw Failure(exitUsage, QStringLiteral("\"--to server\" and \"--connect STRING\" go together."));
+    if (isToServer) {
+        return WriteAnew(arguments, QStringLiteral("Move the station in %1 and its directory to the server?"),
+                         [&](const QString& folder) {
+                             return StationReplacing::MoveToServer(folder, arguments.Value(ConnectOption));
+                         });
+    }
     return WriteAnew(
         arguments, QStringLiteral("Write the station in %1 in another format?"),
         [&](const QString& folder) { return StationReplacing::Convert(folder, arguments.Value(ToOption)); });
@@ -207,12 +217,17 @@ CommandDefinition ConvertCommand()
     return {
         QStringLiteral("convert"),
         QStringLiteral("Writes a station's file in another format."),
-        {QStringLiteral("convert FOLDER [--to FORMAT] [--yes] [--json]")},
+        {QStringLiteral("convert FOLDER [--to FORMAT] [--yes] [--json]"),
+         QStringLiteral("convert FOLDER --to server --connect STRING [--yes] [--json]")},
         QStringLiteral("Stations of older software lie in files of office programs (Jet 4), which hold 2 GB and have no "
                        "check of\neach mail.\n"
-                       "Every value of the new file is compared with the old one before it takes the name.\n") +
+                       "Every value of the new file is compared with the old one before it takes the name.\n"
+                       "\"--to server\" moves the station and its directory to a PostgreSQL server in the same way.\n") +
             NotAskedText,
-        {{ToOption, QStringLiteral("FORMAT"), QStringLiteral("sqlite, the usual one (also without this option), or jet.")},
+        {{ToOption, QStringLiteral("FORMAT"),
+          QStringLiteral("sqlite, the usual one (also without this option), jet, or server.")},
+         {ConnectOption, QStringLiteral("STRING"),
+          QStringLiteral("The server, such as \"host=server dbname=radio schema=harbour\"; no password in it.")},
          {YesOption, QString(), QStringLiteral("Does not ask.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},

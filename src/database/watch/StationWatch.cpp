@@ -2,6 +2,7 @@
 #include "database/watch/StationWatch.h"
 
 #include "database/cTolvaDatabase.h"
+#include "platform/records/DBEngine.h"
 
 #include <QPointer>
 
@@ -11,6 +12,8 @@ namespace
 {
 /// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
 constexpr qint64 ClockStepMilliseconds = 2500;
+/// Many changes within it are one poll.
+constexpr int LookMilliseconds = 250;
 } // namespace
 
 /// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
@@ -24,9 +27,25 @@ StationWatch::FileLook StationWatch::LookAt(const QString& name)
     return {static_cast<qint64>(modified.time_since_epoch().count()), unreadable ? -1 : static_cast<qint64>(size)};
 }
 
+StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
+{
+    Looking_.setInterval(LookMilliseconds);
+    connect(&Looking_, &QTimer::timeout, this, &StationWatch::TakeNotice);
+}
+
+void StationWatch::TakeNotice()
+{
+    if (Station_.TakeChanges())
+        Poll(*this);
+}
+
 void StationWatch::Poll(const QObject& asker)
 {
     const QPointer<StationWatch> self(this);
+    if (!Station_.BeginBeingTold())
+        Looking_.stop();
+    else if (!Looking_.isActive())
+        Looking_.start();
     Seen_.emplace();
     Q_EMIT Polled(&asker);
     // A listener that let timers fire may have polled in between: then the rest of this poll reads for itself.
@@ -65,11 +84,12 @@ void StationWatch::RefreshFolders()
         LookOfOpening_ = Station_.Openings();
         SinceLook_.start();
         AreFoldersCertain_ = false;
+        IsOnServer_ = dao::DBEngine::IsLinked(Station_.Information().Path);
     }
     if (!AreFoldersCertain_) {
         const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
         Station_.RefreshCategoryTree();
-        AreFoldersCertain_ = isOld;
+        AreFoldersCertain_ = isOld && !IsOnServer_;
     }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;

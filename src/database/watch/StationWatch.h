@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QTimer>
 
 #include <optional>
 
@@ -20,9 +21,10 @@ class TOLVA_EXPORT StationWatch : public QObject
 
 public:
     /// The station outlives this.
-    explicit StationWatch(cTolvaDatabase& station) : Station_(station) {}
+    explicit StationWatch(cTolvaDatabase& station);
 
-    /// Tells all listeners. Each of them may close or destroy the station.
+    /// Tells all listeners. Each of them may close or destroy the station. Where the station's server tells of changes,
+    /// all are told by themselves from then on as well, some tenths of a second behind a change elsewhere.
     void Poll(const QObject& asker);
 
     /// As cTolvaDatabase::LastMessageChanged; while a poll is told, the answer that the first listener got. None is
@@ -54,14 +56,17 @@ private:
         friend bool operator==(const FileLook&, const FileLook&) = default;
     };
 
+    void TakeNotice();
     static FileLook LookAt(const QString& name);
     template <typename Read>
     Date StampOf(std::optional<Date> Seen::*kept, Read&& read);
 
     cTolvaDatabase& Station_;
+    QTimer Looking_;           ///< At what the server has told, while it tells.
     std::optional<Seen> Seen_; ///< While a poll is told.
     FileLook Look_;            ///< As the folders were loaded last.
     int LookOfOpening_ = 0;
     QElapsedTimer SinceLook_;        ///< That the file looks so.
     bool AreFoldersCertain_ = false; ///< Loaded when the file had looked so for a while.
+    bool IsOnServer_ = false;        ///< The file tells nothing of changes then.
 };

@@ -8,6 +8,7 @@
 #include "platform/records/engines/EngineRegistry.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 
 namespace dao
 {
@@ -64,6 +65,43 @@ std::unique_ptr<Database> DBEngine::CreateDatabase(const QString& name, const QS
         throw Error(errCannotOpen, QStringLiteral("Cannot create '%1': it exists already.").arg(name));
     engine::EngineRegistry::Instance().ForNewFiles(engine).Create(QFileInfo(name).absoluteFilePath());
     return OpenDatabase(name);
+}
+
+QString DBEngine::WithoutPassword(const QString& connect)
+{
+    static const QRegularExpression word(
+        QStringLiteral(R"(((?:pwd|\w*password)\s*=\s*)('(?:[^'\\]|\\.)*'?|[^\s;&']+))"),
+        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression inAddress(QStringLiteral(R"((://[^/?@:]*:)[^/?@]*@)"));
+    QString shown = connect;
+    return shown.replace(word, QStringLiteral("\\1***")).replace(inAddress, QStringLiteral("\\1***@"));
+}
+
+void DBEngine::CreateLinkedDatabase(const QString& file, const QString& connect, const QString& part)
+{
+    RequireFolder(file);
+    engine::EngineRegistry::Instance().ForConnect(connect).CreateLinked(QFileInfo(file).absoluteFilePath(), connect,
+                                                                        part);
+}
+
+bool DBEngine::IsLinked(const QString& file)
+{
+    try {
+        return EngineOfFile(file).Capabilities().IsServer;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+void DBEngine::LinkDatabase(const QString& file, const QString& connect, const QString& part)
+{
+    RequireFolder(file);
+    engine::EngineRegistry::Instance().ForConnect(connect).Link(QFileInfo(file).absoluteFilePath(), connect, part);
+}
+
+void DBEngine::TakeAwayLinkedDatabase(const QString& file)
+{
+    EngineOfFile(file).TakeAwayLinked(QFileInfo(file).absoluteFilePath());
 }
 
 void DBEngine::CompactDatabase(const QString& source, const QString& target)

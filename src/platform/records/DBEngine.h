@@ -48,6 +48,19 @@ public:
     /// names there are, when none of that name makes files.
     static std::unique_ptr<Database> CreateDatabase(const QString& name, const QString& locale,
                                                     const QString& engine = QString());
+    /// A connect string as it may stand in logs and messages: with stars where a password is.
+    static QString WithoutPassword(const QString& connect);
+    /// Makes an empty database on a server, and a file that stands for it: whatever opens the file opens that database.
+    /// part: empty, or the name of what belongs to the database that the connect string names. Errors: 3010 when one
+    /// with tables is there already, 3051 when the file is, 3251 for a connect string that no engine serves or that
+    /// holds a password, and those of OpenDatabase.
+    static void CreateLinkedDatabase(const QString& file, const QString& connect, const QString& part = QString());
+    /// Whether a file is there that stands for a database on a server. Nothing is raised.
+    static bool IsLinked(const QString& file);
+    /// A file that stands for one that is there; 3024 when there is none.
+    static void LinkDatabase(const QString& file, const QString& connect, const QString& part = QString());
+    /// Removes what CreateLinkedDatabase made, database and file.
+    static void TakeAwayLinkedDatabase(const QString& file);
     /// Writes a compacted, checked copy of source under target, which must not exist (or be empty). Source is left
     /// alone. Raises 3049 when a table cannot be read; then no target is left behind.
     static void CompactDatabase(const QString& source, const QString& target);

@@ -42,6 +42,12 @@ public:
     /// change. 3251 without one, 3260 when somebody else has the lock for too long.
     virtual void LockForChange() = 0;
 
+    /// Whether this is told from now on of what others change; where not, only a look tells. To be asked anew now and
+    /// then. Nothing is raised by either.
+    virtual bool BeginBeingTold() { return false; }
+    /// Whether somebody else has changed something since the last call, as far as it was told. Costs next to nothing.
+    virtual bool TakeChanges() { return false; }
+
     virtual void Close() = 0;
 
 protected:

@@ -33,6 +33,8 @@ enum ErrorNumber : int
     errTooFewParameters = 3061,
     errSyntax = 3075,
     errTableNotFound = 3078,
+    errServer =
+        3151, ///< A server is not to be reached, has broken the connection or refuses; the description says why.
     errFieldTooSmall = 3163,
     errRecordDeleted = 3167,
     errChangedByAnother = 3197,

@@ -143,7 +143,9 @@ void RequireSame(Store& target, const TablePtr& from, const Digest& wanted, Prog
                     QStringLiteral("The table '%1' reads otherwise once it is converted.").arg(from->Name));
 }
 
-void Convert(Store& source, Store& target, const std::function<bool(qint64, qint64)>& advance)
+} // namespace
+
+void CopyStore(Store& source, Store& target, const std::function<bool(qint64, qint64)>& advance)
 {
     const engine::SchemaPtr schema = source.CurrentSchema();
     qint64 rows = 0;
@@ -161,8 +163,6 @@ void Convert(Store& source, Store& target, const std::function<bool(qint64, qint
         throw Error(errLocked, QStringLiteral("The database was changed while it was converted. Try again."));
 }
 
-} // namespace
-
 void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                      const std::function<bool(qint64 done, qint64 total)>& advance)
 {
@@ -170,12 +170,18 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
     engine::Engine& to = engine::EngineRegistry::Instance().ForNewFiles(engine);
     if (&from == &to)
         throw Error(errNotSupported, QStringLiteral("'%1' has that format already.").arg(source));
+    if (from.Capabilities().IsServer) {
+        throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server. To move it back into a "
+                                                    "file, make a backup, and put its copy in the place of that file "
+                                                    "when nobody works in the station.")
+                                         .arg(source));
+    }
     RequireFolder(target);
     const QString file = QFileInfo(target).absoluteFilePath();
     const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
     to.Create(file);
     try {
-        Convert(*store, *to.Open(file, QString(), false), advance);
+        CopyStore(*store, *to.Open(file, QString(), false), advance);
     } catch (...) {
         FileSystem::Current().Remove(file);
         throw;
@@ -185,6 +191,16 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
 bool HasFormat(const QString& file, const QString& engine)
 {
     return &EngineOfFile(file) == &engine::EngineRegistry::Instance().ForNewFiles(engine);
+}
+
+void ConvertIntoLinked(const QString& source, const QString& linkFile,
+                       const std::function<bool(qint64 done, qint64 total)>& advance)
+{
+    engine::Engine& from = EngineOfFile(source);
+    if (from.Capabilities().IsServer)
+        throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server already.").arg(source));
+    const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
+    CopyStore(*store, *EngineOfFile(linkFile).Open(QFileInfo(linkFile).absoluteFilePath(), QString(), false), advance);
 }
 
 } // namespace dao

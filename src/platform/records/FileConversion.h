@@ -10,18 +10,33 @@
 namespace dao
 {
 
+namespace engine
+{
+class Store;
+}
+
 /// Writes everything that a database file holds into a new file of the engine of that name, and compares every value
 /// then. target must not exist. Automatic counters go on where they stood. advance is told how many of how many rows
 /// are done, and stops it by answering false (32755).
 ///
 /// Errors: those of opening; 3265 when no engine of that name makes files, 3251 when the file is of that engine
-/// already, or holds what the other one cannot; 3428 for a memo that is damaged; 3260 when it is changed meanwhile.
-/// They leave no target.
+/// already, lies on a server, or holds what the other one cannot; 3428 for a memo that is damaged; 3260 when it is
+/// changed meanwhile. They leave no target.
 TOLVA_EXPORT void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                                   const std::function<bool(qint64 done, qint64 total)>& advance);
 
 /// Whether a database file has the format of that engine. Errors: those of opening, and 3265 when no engine of that
 /// name makes files.
 TOLVA_EXPORT bool HasFormat(const QString& file, const QString& engine);
+
+/// The same into a database on a server that a file stands for (DBEngine::CreateLinkedDatabase), which holds nothing
+/// yet.
+TOLVA_EXPORT void ConvertIntoLinked(const QString& source, const QString& linkFile,
+                                    const std::function<bool(qint64 done, qint64 total)>& advance);
+
+/// The same between stores that are open, in one transaction of the target, which holds no table of those names. What
+/// is read back is compared outside that transaction, unless the target is in one of its caller's.
+void CopyStore(engine::Store& source, engine::Store& target,
+               const std::function<bool(qint64 done, qint64 total)>& advance);
 
 } // namespace dao

@@ -25,6 +25,8 @@ public:
     std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) override;
     int Execute(const QString& sql) override;
     void LockForChange() override;
+    bool BeginBeingTold() override { return Session_->Store && Session_->Store->BeginBeingTold(); }
+    bool TakeChanges() override { return Session_->Store && Session_->Store->TakeChanges(); }
     void Close() override;
 
 private:

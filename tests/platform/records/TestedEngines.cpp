@@ -4,6 +4,7 @@
 #include "platform/records/ServedEngine.h"
 #include "platform/records/engines/EngineRegistry.h"
 #include "platform/records/engines/jet/TextKey.h"
+#include "support/TestServer.h"
 
 #include <QDir>
 
@@ -55,6 +56,12 @@ TestedEngine FileEngine(const QString& name)
             name == QLatin1String("jet") ? CompareAsJet : CompareFolded};
 }
 
+DatabasePlace MakeSchema(const QString&)
+{
+    const TestServer::Schema schema = TestServer::Shared().NewSchema();
+    return {QString(), TestServer::Shared().Connect(schema.Name), schema.Owner};
+}
+
 std::vector<TestedEngine> FindEngines()
 {
     std::vector<TestedEngine> engines;
@@ -62,6 +69,8 @@ std::vector<TestedEngine> FindEngines()
         if (engine->Capabilities().Creates && IsAvailable(*engine))
             engines.push_back(FileEngine(engine->Name()));
     }
+    if (TestServer::IsInstalled())
+        engines.push_back({QStringLiteral("postgres"), MakeSchema, CompareFolded});
     Registry().Register(MakeServedEngine());
     engines.push_back({ServedEngineName(), MakeServedDatabase, CompareFolded});
     return engines;

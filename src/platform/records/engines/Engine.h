@@ -122,6 +122,13 @@ public:
     virtual void AddColumn(const QString& table, const Column& column) = 0;
     virtual void AddIndex(const QString& table, const IndexKey& index) = 0;
 
+    /// Whether the engine is told from now on of what others commit. To be asked anew now and then: it has to be begun
+    /// again with each connection. Nothing is raised.
+    virtual bool BeginBeingTold() { return false; }
+    /// Whether somebody else has committed since the last call, as far as it was told. Asks nobody, and costs next to
+    /// nothing. Nothing is raised.
+    virtual bool TakeChanges() { return false; }
+
     /// From BeginTrans on all changes are one: they become durable together in CommitTrans, or are taken back. Nests:
     /// an inner CommitTrans hands its changes to the outer transaction, an inner Rollback takes back what came since
     /// its own BeginTrans.
@@ -226,6 +233,20 @@ public:
     /// connect: empty for a file.
     virtual std::unique_ptr<Store> Open(const QString& name, const QString& connect, bool readOnly) = 0;
     virtual void Create(const QString& fileName) = 0;
+    /// Of an engine that serves connect strings: a new, empty database where the string says, and a file that stands
+    /// for it from then on. part: empty, or the name of what belongs to the database that the string names, and lies
+    /// beside it. Errors: 3010 when there is one with tables already, those of Open and of a new file.
+    virtual void CreateLinked(const QString& /*file*/, const QString& /*connect*/, const QString& /*part*/)
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine has no server."));
+    }
+    /// A file that stands for a database that is there; 3024 when there is none.
+    virtual void Link(const QString& /*file*/, const QString& /*connect*/, const QString& /*part*/)
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine has no server."));
+    }
+    /// Removes what CreateLinked made, database and file.
+    virtual void TakeAwayLinked(const QString& /*file*/) {}
     virtual void Compact(const QString& source, const QString& target) = 0;
     /// A whole copy of a file as it stands at one moment, under a name that is free, however many others write to it
     /// meanwhile; none of them waits for longer than a moment. Checked to its last page, and on the disk. A failure

@@ -2,6 +2,7 @@
 #include "platform/records/engines/EngineRegistry.h"
 
 #include "platform/records/engines/jet/JetEngine.h"
+#include "platform/records/engines/postgres/PostgresEngine.h"
 #include "platform/records/engines/sqlite/SqliteEngine.h"
 
 #include <algorithm>
@@ -36,6 +37,7 @@ EngineRegistry::EngineRegistry()
 {
     Register(sqlite::MakeSqliteEngine());
     Register(jet::MakeJetEngine());
+    Register(postgres::MakePostgresEngine());
 }
 
 void EngineRegistry::Register(std::unique_ptr<Engine> engine)

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/postgres/Naming.h"
+#include "platform/records/engines/postgres/StoreScopes.h"
+
+#include <QDeadlineTimer>
+#include <QThread>
+
+/// The caller's transactions: one of the server's, and savepoints for those inside it.
+namespace dao::postgres
+{
+
+namespace
+{
+
+QByteArray SavepointName(int depth)
+{
+    return "depth" + QByteArray::number(depth);
+}
+
+/// As long as every wait.
+constexpr int MostSeconds = 5;
+
+} // namespace
+
+void ServerStore::RequireUsable() const
+{
+    if (IsReplaced_) {
+        throw Error(errFileReplaced, QStringLiteral("A backup was put in the place of the station (%1) since it was "
+                                                    "opened. Open it anew.")
+                                         .arg(Connection_.Connect().InWords()));
+    }
+    if (Transaction_ == Transaction::Lost)
+        RaiseLost();
+}
+
+void ServerStore::RaiseLost() const
+{
+    throw Error(errServer, QStringLiteral("The transaction on the server (%1) was taken back because of an earlier "
+                                          "error. Nothing of it is stored.")
+                               .arg(Connection_.Connect().InWords()));
+}
+
+void ServerStore::RequireSameStation(const StationState& state)
+{
+    if (State_.Identity == 0 || state.Identity == State_.Identity)
+        return;
+    IsReplaced_ = true;
+    RequireUsable();
+}
+
+void ServerStore::RecoverFrom(const ServerFailure& failure)
+{
+    if (Transaction_ == Transaction::Started) {
+        // What failed at the server took the transaction with it, unless a savepoint was in front of it.
+        if (PQtransactionStatus(Connection_.Handle()) != PQTRANS_INTRANS)
+            Transaction_ = Transaction::Lost;
+        throw failure;
+    }
+    const bool isOld = failure.IsOfOldStructure();
+    if (!failure.IsConnectionLost() && !isOld)
+        throw failure;
+    if (!isOld)
+        Connection_.Reconnect();
+    RequireSameStation(StateIn(Connection_.Run(StateCommand(SchemaName_)), Connection_));
+    if (isOld)
+        throw Error(errTableNotFound, failure.Description());
+}
+
+void ServerStore::BeginWriting()
+{
+    // The one lock of all writers, so that they wait for each other at their beginning and never meet in a deadlock.
+    // Readers do not notice it.
+    const std::array<Command, 5> commands{
+        Command{"BEGIN ISOLATION LEVEL READ COMMITTED"},
+        Command{"LOCK TABLE " + SchemaName_ + '.' + StationTable + " IN EXCLUSIVE MODE"},
+        StateCommand(SchemaName_),
+        Command{"SELECT pg_catalog.pg_current_xact_id()"},
+        // Those who listen are told once it is committed.
+        Command{"NOTIFY " + SchemaName_},
+    };
+    try {
+        const std::vector<Result> results = Connection_.RunTogether(commands);
+        const StationState state = StateIn(results[2], Connection_);
+        RequireSameStation(state);
+        TransactionId_ = results[3].Integer(0, 0);
+        if (state != State_)
+            Schema_ = ReadStructure(Connection_, SchemaName_, true, Schema_, State_);
+    } catch (...) {
+        Connection_.TryExecute("ROLLBACK");
+        throw;
+    }
+}
+
+void ServerStore::Start()
+{
+    BeginWriting();
+    Transaction_ = Transaction::Started;
+    QByteArray savepoints;
+    for (int depth = 2; depth <= Depth_; ++depth)
+        savepoints += "SAVEPOINT " + SavepointName(depth) + ';';
+    if (!savepoints.isEmpty())
+        Connection_.Execute(savepoints);
+}
+
+void ServerStore::Commit()
+{
+    try {
+        Connection_.Execute("COMMIT");
+    } catch (const ServerFailure& failure) {
+        if (!failure.IsConnectionLost() || !WasCommitted())
+            throw;
+    }
+}
+
+bool ServerStore::WasCommitted()
+{
+    const QDeadlineTimer deadline(std::chrono::seconds{MostSeconds});
+    Command ask{"SELECT pg_catalog.pg_xact_status($1::text::xid8)"};
+    ask.Text = "SELECT pg_catalog.pg_xact_status($1::bigint::text::pg_catalog.xid8)";
+    ask.Values.AddInteger(TransactionId_);
+    while (true) {
+        try {
+            if (!Connection_.IsOpen())
+                Connection_.Reconnect();
+            const Result result = Connection_.Run(ask);
+            const std::string_view state = result.IsNull(0, 0) ? std::string_view() : result.Octets(0, 0);
+            if (state != "in progress")
+                return state == "committed";
+        } catch (const ServerFailure& failure) {
+            // A number that the server has not come to is that of a transaction which it never saw.
+            if (!failure.IsConnectionLost())
+                return false;
+            if (deadline.hasExpired()) {
+                throw Error(errServer,
+                            QStringLiteral("The connection to the server (%1) was lost at the very moment of storing, "
+                                           "and the server does not answer: look whether the change is there before "
+                                           "it is made again.")
+                                .arg(Connection_.Connect().InWords()));
+            }
+        }
+        if (deadline.hasExpired())
+            return false;
+        QThread::msleep(50);
+    }
+}
+
+void ServerStore::BeginTrans()
+{
+    if (Transaction_ == Transaction::Started)
+        Retried([&] { Connection_.Execute("SAVEPOINT " + SavepointName(Depth_ + 1)); });
+    if (Depth_ == 0) {
+        Transaction_ = Transaction::Announced;
+        HasLooked_ = false;
+    }
+    ++Depth_;
+}
+
+void ServerStore::CommitTrans()
+{
+    const int depth = Depth_--;
+    if (depth > 1) {
+        if (Transaction_ == Transaction::Lost)
+            RaiseLost();
+        if (Transaction_ == Transaction::Started)
+            Retried([&] { Connection_.Execute("RELEASE " + SavepointName(depth)); });
+        return;
+    }
+    const Transaction state = std::exchange(Transaction_, Transaction::None);
+    if (state == Transaction::Lost)
+        RaiseLost();
+    if (state != Transaction::Started)
+        return;
+    try {
+        Commit();
+    } catch (...) {
+        Connection_.TryExecute("ROLLBACK");
+        State_.Structure = 0;
+        throw;
+    }
+}
+
+void ServerStore::Rollback()
+{
+    const int depth = Depth_--;
+    if (depth > 1) {
+        if (Transaction_ == Transaction::Started) {
+            Retried([&] {
+                Connection_.Execute("ROLLBACK TO " + SavepointName(depth) + ";RELEASE " + SavepointName(depth));
+            });
+            RefreshUnderLock();
+        }
+        return;
+    }
+    const Transaction state = std::exchange(Transaction_, Transaction::None);
+    if (state == Transaction::Started)
+        Connection_.TryExecute("ROLLBACK");
+    // What was added to the structure in it is gone.
+    State_.Structure = 0;
+}
+
+void ServerStore::LockForChange()
+{
+    if (Depth_ == 0)
+        throw Error(errNotSupported, QStringLiteral("A lock needs a transaction that was begun before."));
+    Retried([&] { WriteScope(*this).Commit(); });
+}
+
+} // namespace dao::postgres
