@@ -108,6 +108,7 @@ int RunIndex(const Arguments& arguments)
 {
     Station station(arguments);
     StationIndex index(station);
+    index.Check();
     const bool isWhole = index.BringUpToDate();
     const qint64 count = index.Count();
     if (arguments.Has(JsonOption))

@@ -43,7 +43,7 @@ StationIndex::~StationIndex() = default;
 void StationIndex::Open()
 {
     if (!Index_ || Index_->IsReplaced())
-        Index_ = std::make_unique<SearchIndex>(File_, Identity_);
+        Index_ = std::make_unique<SearchIndex>(File_, Identity_, SearchPlace::PlaceOf(Station_.Database()));
 }
 
 template <typename Work>
@@ -77,6 +77,11 @@ bool StationIndex::BringUpToDate()
             return isWhole || following.IsDone();
         });
     });
+}
+
+void StationIndex::Check()
+{
+    Station_.Try([&] { WithIndex([&] { Index_->CheckAllTables(); }); });
 }
 
 qint64 StationIndex::Count()

@@ -19,6 +19,8 @@ public:
 
     /// Brings it up to date, with progress; false when that was ended early.
     bool BringUpToDate();
+    /// Reads all of it; what is damaged is made anew.
+    void Check();
     /// Messages in it, and in the station when it was brought up to date.
     qint64 Count();
     qint64 Total() const { return Total_; }

@@ -52,7 +52,7 @@ void SearchIndex::AddShard(qint64 shard)
     Connection_->Execute("INSERT INTO " + table + "(" + table + ", rank) VALUES ('automerge', 16)");
     Connection_->Execute("INSERT INTO " + table + "(" + table + ", rank) VALUES ('crisismerge', 64)");
     Connection_->Execute("INSERT INTO " + table + "(" + table + ", rank) VALUES ('hashsize', 8388608)");
-    Connection_->Execute("INSERT INTO shards VALUES (" + QByteArray::number(shard) + ", 0, 0)");
+    Connection_->Execute("INSERT INTO shards VALUES (" + QByteArray::number(shard) + ", 0, 0, NULL)");
 }
 
 QHash<qint32, SearchIndex::Known> SearchIndex::KnownBetween(qint32 first, qint32 last)
@@ -162,7 +162,10 @@ void SearchIndex::Store(const std::vector<IndexedMessage>& messages)
         old.Reset();
     }
     Erase(replaced);
-    qint64 document = Connection_->Number("SELECT coalesce(max(document), 0) FROM messages") + 1;
+    // Never in a table that is full, even where the last one was emptied since.
+    const qint64 lastShard = Connection_->Number("SELECT coalesce(max(shard), 0) FROM shards");
+    qint64 document =
+        std::max(Connection_->Number("SELECT coalesce(max(document), 0) FROM messages"), lastShard << ShardBits) + 1;
     for (const IndexedMessage& message : messages) {
         if (present.contains(message.State.Reference))
             continue;
@@ -241,11 +244,71 @@ void SearchIndex::EraseWords(qint64 shard, const QSet<qint64>& documents)
     Condense(shard);
 }
 
+/// Inside the caller's change.
 void SearchIndex::Condense(qint64 shard)
 {
     const QByteArray table = TableOf(shard);
-    if (Connection_->Number("SELECT count(*) FROM sqlite_schema WHERE name = '" + table + "'") != 0)
-        Connection_->Execute("INSERT INTO " + table + "(" + table + ") VALUES ('optimize')");
+    if (Connection_->Number("SELECT count(*) FROM sqlite_schema WHERE name = '" + table + "'") == 0)
+        return;
+    Connection_->Execute("INSERT INTO " + table + "(" + table + ") VALUES ('optimize')");
+    Connection_->Statement("UPDATE shards SET proof = ?2 WHERE shard = ?1")
+        .Bind(1, shard)
+        .Bind(2, ProofOfWords(shard))
+        .Run();
+}
+
+qint64 SearchIndex::ProofOfWords(qint64 shard)
+{
+    IndexStatement blocks(*Connection_, "SELECT id, block FROM " + TableOf(shard) + "_data ORDER BY id");
+    quint64 proof = 1;
+    while (blocks.Step()) {
+        const std::string_view block = blocks.Text(1);
+        proof = EntryBits::Mixed(proof, static_cast<quint64>(blocks.Integer(0)));
+        proof = EntryBits::Mixed(proof, EntryBits::HashOf(block));
+    }
+    return static_cast<qint64>(proof);
+}
+
+/// Words are still added to the last one.
+std::vector<qint64> SearchIndex::FullShards()
+{
+    IndexStatement& rows =
+        Connection_->Statement("SELECT shard FROM shards WHERE shard < (SELECT max(shard) FROM shards)");
+    std::vector<qint64> shards;
+    while (rows.Step())
+        shards.push_back(rows.Integer(0));
+    rows.Reset();
+    return shards;
+}
+
+void SearchIndex::CheckTable(qint64 shard)
+{
+    // Both as they stand at one moment.
+    Connection_->Execute("BEGIN");
+    bool isSame = false;
+    try {
+        const QByteArray number = QByteArray::number(shard);
+        isSame = Connection_->Number("SELECT proof FROM shards WHERE shard = " + number) == ProofOfWords(shard);
+    } catch (...) {
+        sqlite3_exec(Connection_->Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
+    }
+    Connection_->Execute("COMMIT");
+    if (!isSame)
+        Connection_->Raise(SQLITE_CORRUPT);
+}
+
+void SearchIndex::CheckOneTable()
+{
+    const std::vector<qint64> shards = FullShards();
+    if (!shards.empty())
+        CheckTable(shards[static_cast<std::size_t>(NextToCheck_++) % shards.size()]);
+}
+
+void SearchIndex::CheckAllTables()
+{
+    for (const qint64 shard : FullShards())
+        CheckTable(shard);
 }
 
 bool SearchIndex::Tidy()

@@ -109,6 +109,7 @@ std::vector<qint32> SearchWork::DoIn(SearchIndex& index)
     case Kind::Finish:
         index.SetNote(Note);
         index.Tidy();
+        index.CheckOneTable();
         break;
     default:
         break;

@@ -57,11 +57,30 @@ QByteArray Quoted(const QByteArray& text)
 {
     return '\'' + QByteArray(text).replace('\'', "''") + '\'';
 }
+
+QByteArray NoteIn(IndexConnection& connection, std::string_view name)
+{
+    IndexStatement note(connection, "SELECT value FROM notes WHERE name = ?1");
+    note.Bind(1, name);
+    return note.Step() ? QByteArray(note.Text(0).data(), static_cast<qsizetype>(note.Text(0).size())) : QByteArray();
+}
+
+bool IsOfPlace(const QString& file, const QByteArray& place)
+{
+    try {
+        IndexConnection connection(file);
+        return NoteIn(connection, "place") == place;
+    } catch (const SearchFailure&) {
+        return false; // whose it was it does not say
+    }
+}
 } // namespace
 
-SearchIndex::SearchIndex(const QString& file, const QByteArray& station) : File_(file), Station_(station)
+SearchIndex::SearchIndex(const QString& file, const QByteArray& station, const QByteArray& place)
+    : File_(file), Station_(station)
 {
     OpenOrMake();
+    TakePlace(place);
 }
 
 SearchIndex::~SearchIndex() = default;
@@ -109,8 +128,7 @@ bool SearchIndex::IsOfUse()
     const qint64 size = QFileInfo(File_).size();
     if (size < connection.Number("PRAGMA page_size"))
         return false;
-    IndexStatement station(connection, "SELECT value FROM notes WHERE name = 'station'");
-    return station.Step() && station.Text(0) == std::string_view(Station_.constData(), Station_.size());
+    return ReadNote("station") == Station_;
 }
 
 void SearchIndex::MakeStructure()
@@ -122,7 +140,8 @@ void SearchIndex::MakeStructure()
     Connection_->Execute("PRAGMA application_id=" + QByteArray::number(ApplicationId));
     Connection_->Execute("PRAGMA user_version=" + QByteArray::number(FormatVersion));
     Connection_->Execute("CREATE TABLE notes (name TEXT PRIMARY KEY, value TEXT) WITHOUT ROWID");
-    Connection_->Execute("CREATE TABLE shards (shard INTEGER PRIMARY KEY, documents INTEGER, changes INTEGER)");
+    Connection_->Execute(
+        "CREATE TABLE shards (shard INTEGER PRIMARY KEY, documents INTEGER, changes INTEGER, proof INTEGER)");
     Connection_->Execute("CREATE TABLE messages (document INTEGER PRIMARY KEY, reference INTEGER UNIQUE, content "
                          "INTEGER, seconds INTEGER, category INTEGER, bits INTEGER, proof INTEGER)");
     Connection_->Execute("INSERT INTO notes VALUES ('station', " + Quoted(Station_) + ")");
@@ -139,19 +158,32 @@ qint64 SearchIndex::Changes()
     return Connection_->Number("SELECT coalesce(sum(changes), 0) FROM shards");
 }
 
-QByteArray SearchIndex::Note()
+QByteArray SearchIndex::ReadNote(std::string_view name)
 {
-    IndexStatement note(*Connection_, "SELECT value FROM notes WHERE name = 'note'");
-    return note.Step() ? QByteArray(note.Text(0).data(), static_cast<qsizetype>(note.Text(0).size())) : QByteArray();
+    return NoteIn(*Connection_, name);
 }
 
-void SearchIndex::SetNote(const QByteArray& note)
+void SearchIndex::WriteNote(std::string_view name, const QByteArray& value)
 {
-    if (Note() == note)
+    if (ReadNote(name) == value)
         return;
-    IndexStatement(*Connection_, "INSERT OR REPLACE INTO notes VALUES ('note', ?1)")
-        .Bind(1, std::string_view(note.constData(), static_cast<std::size_t>(note.size())))
+    IndexStatement(*Connection_, "INSERT OR REPLACE INTO notes VALUES (?1, ?2)")
+        .Bind(1, name)
+        .Bind(2, std::string_view(value.constData(), static_cast<std::size_t>(value.size())))
         .Run();
+}
+
+/// What is erased from a station must not live on in the index of the state before.
+void SearchIndex::TakePlace(const QByteArray& place)
+{
+    if (place.isEmpty() || ReadNote("place") == place)
+        return;
+    WriteNote("place", place);
+    const QFileInfo own(File_);
+    for (const QFileInfo& other : own.absoluteDir().entryInfoList({QStringLiteral("*.") + own.suffix()}, QDir::Files)) {
+        if (other.fileName() != own.fileName() && IsOfPlace(other.absoluteFilePath(), place))
+            Remove(other.absoluteFilePath());
+    }
 }
 
 QByteArray SearchIndex::TableOf(qint64 shard)

@@ -46,8 +46,9 @@ class SearchIndex
 {
 public:
     /// Opens or makes the file; its folder is made, for this account alone. station: what tells one station from
-    /// another.
-    SearchIndex(const QString& file, const QByteArray& station);
+    /// another. place: where the station lies, empty for nowhere: an index beside this one of what lay there before,
+    /// such as a state that a backup took the place of, is removed when this one is made.
+    SearchIndex(const QString& file, const QByteArray& station, const QByteArray& place = {});
     ~SearchIndex();
     SearchIndex(const SearchIndex&) = delete;
     SearchIndex& operator=(const SearchIndex&) = delete;
@@ -69,12 +70,17 @@ public:
     void EndAt(qint32 last);
     /// Takes the words of messages in, in the place of those that it had of them.
     void Store(const std::vector<IndexedMessage>& messages);
+    /// Reads the next of its full tables of words, in turn, and compares it with what was written: SearchFailure
+    /// (Damaged) for one that a disk changed, of which SQLite itself sees little. Takes some milliseconds.
+    void CheckOneTable();
+    /// The same for all of them.
+    void CheckAllTables();
     /// What is erased leaves the log beside the file too. False while another program hinders it; then again later.
     bool Tidy();
 
     /// A note of whoever keeps it up to date; empty for none.
-    QByteArray Note();
-    void SetNote(const QByteArray& note);
+    QByteArray Note() { return ReadNote("note"); }
+    void SetNote(const QByteArray& note) { WriteNote("note", note); }
 
     SearchResult Find(const SearchQuestion& question, const SearchOptions& options);
 
@@ -100,10 +106,16 @@ private:
     struct Finding;
 
     void OpenOrMake();
+    void TakePlace(const QByteArray& place);
     bool IsOfUse();
+    QByteArray ReadNote(std::string_view name);
+    void WriteNote(std::string_view name, const QByteArray& value);
     void MakeStructure();
     void AddShard(qint64 shard);
     void Condense(qint64 shard);
+    qint64 ProofOfWords(qint64 shard);
+    void CheckTable(qint64 shard);
+    std::vector<qint64> FullShards();
     static QByteArray TableOf(qint64 shard);
     QHash<qint32, Known> KnownBetween(qint32 first, qint32 last);
     MessageState StateIn(const IndexStatement& row) const;
@@ -122,4 +134,5 @@ private:
     std::unique_ptr<IndexConnection> Connection_;
     std::map<qint64, Shard> Shards_;
     bool MustTidy_ = false;
+    qint64 NextToCheck_ = 0;
 };

@@ -3,9 +3,11 @@
 
 #include "common/FileHelper.h"
 #include "common/MachineSettings.h"
+#include "database/cTolvaDatabase.h"
 #include "messages/search/SearchFollowing.h"
 
 #include <QCryptographicHash>
+#include <QFileInfo>
 #include <QStandardPaths>
 #include <QSysInfo>
 
@@ -18,6 +20,11 @@ QString SearchPlace::Folder()
 {
     return FileHelper::Join(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation),
                             QStringLiteral("Tolva/Search"));
+}
+
+QByteArray SearchPlace::PlaceOf(const cTolvaDatabase& station)
+{
+    return QFileInfo(station.Information().Path).canonicalFilePath().toUtf8();
 }
 
 /// Of this computer too: the cache folder of an account may be one that several computers share.

@@ -13,6 +13,8 @@ namespace SearchPlace
 bool IsWanted();
 /// The file for the open station; empty for a station that has none. dao::Error where the station cannot be read.
 QString FileFor(const cTolvaDatabase& station);
+/// Where the station itself lies.
+QByteArray PlaceOf(const cTolvaDatabase& station);
 /// The folder of all of them.
 QString Folder();
 

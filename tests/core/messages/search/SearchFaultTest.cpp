@@ -132,6 +132,33 @@ TEST_F(SearchFaultTest, OctetsThatWereFlippedNeverShowAMessageThatIsNotThere)
     }
 }
 
+TEST_F(SearchFaultTest, AFullTableOfWordsThatADiskChangedIsSeen)
+{
+    std::vector<IndexedMessage> messages(8200);
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        messages[i].State.Reference = static_cast<qint32>(i + 1);
+        messages[i].Text.Body.Add("word" + std::to_string(i));
+    }
+    {
+        SearchIndex index(IndexFile(), "station");
+        index.Store(messages);
+        EXPECT_NO_THROW(index.CheckAllTables());
+        EXPECT_NO_THROW(index.CheckOneTable());
+    }
+    {
+        IndexConnection disk(IndexFile());
+        disk.Execute("UPDATE words_0_data SET block = substr(block, 1, 100) || x'00' || substr(block, 102) "
+                     "WHERE id = (SELECT max(id) FROM words_0_data)");
+    }
+    SearchIndex index(IndexFile(), "station");
+    try {
+        index.CheckAllTables();
+        FAIL() << "nothing was seen";
+    } catch (const SearchFailure& failure) {
+        EXPECT_EQ(failure.Why(), SearchFailure::Reason::Damaged);
+    }
+}
+
 TEST_F(SearchFaultTest, AFolderThatCannotBeWrittenIsSaidInWords)
 {
     OpenStation();

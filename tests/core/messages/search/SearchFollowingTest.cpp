@@ -153,6 +153,18 @@ TEST_F(SearchFollowingTest, AnotherStationUnderTheSamePathHasAnIndexOfItsOwn)
     EXPECT_EQ(Found(u"harbour"_qs), QList<qint32>{other});
 }
 
+TEST_F(SearchFollowingTest, TheIndexOfAStateThatIsGoneGoesWhenItsPlaceIsTaken)
+{
+    const auto name = [this](const char* file) { return Folder.filePath(u"cache/"_qs + QLatin1String(file)); };
+    const auto isThere = [&](const char* file) { return QFile::exists(name(file)); };
+    SearchIndex(name("before.index"), "one", "/srv/station");
+    SearchIndex(name("elsewhere.index"), "two", "/srv/other");
+    SearchIndex(name("after.index"), "three", "/srv/station");
+    EXPECT_FALSE(isThere("before.index"));
+    EXPECT_TRUE(isThere("elsewhere.index"));
+    EXPECT_TRUE(isThere("after.index"));
+}
+
 TEST_F(SearchFollowingTest, AStationThatWasRenamedOrCompactedKeepsItsIndex)
 {
     OpenStation();
