@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "BareLibraries.h"
 #include "BenchStation.h"
 #include "Measure.h"
 #include "Subjects.h"
@@ -51,6 +52,17 @@ void PlainCopy(const QByteArray& from, const QByteArray& to)
     Require(::fsync(target) == 0 && ::close(target) == 0 && ::close(source) == 0 &&
                 ::rename(unfinished.constData(), to.constData()) == 0,
             "the plain copy was not written");
+}
+
+/// A backup is read whole before it counts.
+void BareCheck(const QByteArray& file)
+{
+    BareDatabase database(QString::fromLocal8Bit(file));
+    sqlite3_stmt* check = database.Prepare("PRAGMA integrity_check");
+    Require(sqlite3_step(check) == SQLITE_ROW &&
+                QByteArray(reinterpret_cast<const char*>(sqlite3_column_text(check, 0))) == "ok",
+            "the plain copy is not sound");
+    sqlite3_finalize(check);
 }
 
 bool IsToldToEnd()
@@ -116,8 +128,13 @@ void BenchBackup(const QString& folder, int megabytes)
     FillUp(file, static_cast<qint64>(megabytes) * 1024 * 1024);
     const QByteArray from = file.toLocal8Bit();
     Compare(
-        {"a backup of " + std::to_string(megabytes) + " MB", "a plain copy of the file with a sync", 1.5, 3, 1},
-        [&] { PlainCopy(from, from + ".copy"); }, [&] { BackUp(folder); });
+        {"a backup of " + std::to_string(megabytes) + " MB", "a plain copy with a sync, and bare SQLite's check of it",
+         1.5, 3, 1},
+        [&] {
+            PlainCopy(from, from + ".copy");
+            BareCheck(from + ".copy");
+        },
+        [&] { BackUp(folder); });
     Writer besideCopy(file);
     PlainCopy(from, from + ".copy");
     const double copyWait = besideCopy.LongestWait();

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Desk.h"
 
-#include "DamagedStation.h"
-#include "DeskStation.h"
 #include "DeskUserInterface.h"
 #include "Failure.h"
-#include "MainWindow.h"
-#include "SignInDialog.h"
-#include "StartDialog.h"
 #include "StationMaking.h"
 #include "StationPlace.h"
 #include "Words.h"
 #include "common/FileHelper.h"
+#include "station/DamagedStation.h"
+#include "station/DeskStation.h"
+#include "station/SignInDialog.h"
+#include "station/StartDialog.h"
+#include "window/MainWindow.h"
 
 #include <QDir>
 #include <QTimer>

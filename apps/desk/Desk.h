@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DeskSettings.h"
-#include "WindowPlaces.h"
+#include "window/WindowPlaces.h"
 
 #include <QObject>
 #include <QStringList>

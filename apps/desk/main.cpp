@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Appearance.h"
 #include "Desk.h"
 #include "DeskApplication.h"
 #include "DeskUserInterface.h"
 #include "Failure.h"
-#include "Pictures.h"
 #include "common/HarmlessText.h"
+#include "pictures/Pictures.h"
+#include "window/Appearance.h"
 
 #include <QApplication>
 #include <QStyleFactory>

@@ -4,7 +4,7 @@
 #include <QList>
 #include <QRegularExpression>
 
-#include <array>
+#include <algorithm>
 
 namespace
 {
@@ -75,6 +75,44 @@ QString Plain(const QString& text)
     return plain.simplified();
 }
 
+/// What a locale calls a month, 1 to 12.
+QStringList NamesOfMonth(const QLocale& locale, int month)
+{
+    QStringList names;
+    for (const QLocale::FormatType type : Formats)
+        names << Plain(locale.monthName(month, type)) << Plain(locale.standaloneMonthName(month, type));
+    return names;
+}
+
+/// 1 to 12; 0 for no month. In the locale's words before the English ones: "may" is November in Basaa.
+int MonthNamed(const QString& name, const QLocale& locale)
+{
+    for (const QLocale& names : {locale, QLocale::c()}) {
+        for (int month = 1; month <= 12; ++month) {
+            if (NamesOfMonth(names, month).contains(name, Qt::CaseInsensitive))
+                return month;
+        }
+    }
+    return 0;
+}
+
+/// The form in which stations hold moments as text, "22 Nov 2026 10:53:11". Each opening reads one, and making the
+/// patterns for all forms takes as long as opening a file.
+std::optional<LocaleDates::Moment> StoredMoment(const QString& plain, const QLocale& locale)
+{
+    const QStringList words = plain.split(u' ');
+    if (words.size() != 4 || words.at(0).size() > 2 || words.at(2).size() != 4 || words.at(3).size() != 8)
+        return std::nullopt;
+    const auto isNumber = [](const QString& word) {
+        return std::all_of(word.begin(), word.end(), [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
+    };
+    const QTime time = QTime::fromString(words.at(3), QStringLiteral("hh:mm:ss"));
+    if (!isNumber(words.at(0)) || !isNumber(words.at(2)) || !time.isValid())
+        return std::nullopt;
+    const QDate date(words.at(2).toInt(), MonthNamed(words.at(1), locale), words.at(0).toInt());
+    return date.isValid() ? std::optional(LocaleDates::Moment{date, time}) : std::nullopt;
+}
+
 /// The names as an alternation, longest first so that "June" is not read as "Jun"; names[i] means i + 1.
 QString Alternation(QStringList names)
 {
@@ -112,11 +150,9 @@ private:
     QDate DateOf(const QRegularExpressionMatch& match) const;
     std::optional<QTime> TimeOf(const QRegularExpressionMatch& match) const;
     std::optional<QTime> ReadTime(const QString& text) const;
-    int MonthOf(const QString& name) const;
 
     QLocale Locale_;
     bool MonthFirst_ = false;
-    std::array<QStringList, 12> MonthNames_;
     QStringList DayNames_;
     QStringList MorningTexts_;
     QStringList NoonTexts_;
@@ -160,13 +196,9 @@ void Reader::CollectNames()
 {
     QStringList months;
     for (const QLocale& locale : {Locale_, QLocale::c()}) {
+        for (int month = 1; month <= 12; ++month)
+            months += NamesOfMonth(locale, month);
         for (const QLocale::FormatType type : Formats) {
-            for (int month = 1; month <= 12; ++month) {
-                for (const QString& name : {locale.monthName(month, type), locale.standaloneMonthName(month, type)}) {
-                    MonthNames_.at(static_cast<size_t>(month - 1)).append(Plain(name));
-                    months.append(Plain(name));
-                }
-            }
             for (int day = 1; day <= 7; ++day)
                 DayNames_ << Plain(locale.dayName(day, type)) << Plain(locale.standaloneDayName(day, type));
         }
@@ -235,15 +267,6 @@ QString Reader::PatternOf(const QString& format) const
     return pattern;
 }
 
-int Reader::MonthOf(const QString& name) const
-{
-    for (size_t i = 0; i < MonthNames_.size(); ++i) {
-        if (MonthNames_.at(i).contains(name, Qt::CaseInsensitive))
-            return static_cast<int>(i) + 1;
-    }
-    return 0;
-}
-
 QDate Reader::DateOf(const QRegularExpressionMatch& match) const
 {
     const QString yearText = match.captured(u"y");
@@ -252,7 +275,7 @@ QDate Reader::DateOf(const QRegularExpressionMatch& match) const
         year += year < 30 ? 2000 : 1900;
     const int day = match.captured(u"d").toInt();
     if (!match.captured(u"b").isEmpty())
-        return QDate(year, MonthOf(match.captured(u"b")), day);
+        return QDate(year, MonthNamed(match.captured(u"b"), Locale_), day);
 
     const int month = match.captured(u"m").toInt();
     const bool yearLast = match.capturedStart(u"y") > match.capturedStart(u"d");
@@ -393,6 +416,8 @@ std::optional<LocaleDates::Moment> LocaleDates::Parse(const QString& text, const
     const QString plain = Plain(text);
     if (plain.isEmpty())
         return std::nullopt;
+    if (const auto stored = StoredMoment(plain, locale))
+        return stored;
     if (!reader || reader->Locale() != locale)
         reader.emplace(locale);
     return reader->Read(plain);

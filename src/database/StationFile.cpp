@@ -14,6 +14,7 @@
 #include "database/StationContext.h"
 #include "database/StationStructure.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/engines/SchemaReuse.h"
 
 namespace
 {
@@ -54,6 +55,7 @@ qint32 StationFile::Open(const QString& location, const QString& connect)
     if (!FileHelper::FolderExists(location))
         return FailOpen(QStringLiteral("'%1' - Path not found").arg(location), -1);
 
+    const dao::engine::SchemaReuse oneOpening;
     WriteDebugLog(QStringLiteral("Validating Database (General)"));
     QString title = Title;
     if (const int code = DAO_DatabaseFunctions::ValidateDatabase(fileName, Type, true, title, connect)) {

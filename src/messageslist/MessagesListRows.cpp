@@ -3,6 +3,7 @@
 // The rows of the messages list: what a message looks like in the grid.
 
 #include "common/GeneralHelper.h"
+#include "common/controls/GridColumn.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageLook.h"
 #include "messageslist/MessagesListColumns.h"
@@ -49,55 +50,97 @@ QString SpokenState(const MessageLook& look, bool isRead)
     return words.join(QStringLiteral(", "));
 }
 
-/// The texts of a message's row: decoding them, writing its date in words and measuring the subject cost more than all
-/// the rest of the row.
+using Fitting = std::shared_ptr<const std::function<QString(const QString&)>>;
+
+/// What the texts of a message's row are made of.
+struct RowSource
+{
+    QByteArray Subject; ///< As the mail holds it.
+    QByteArray From;    ///< The same.
+    Date Stamp;
+    qint32 Reference;
+    bool HasDateLine; ///< The date stands under the subject.
+    Fitting Fit;
+};
+
+/// What the widths of the columns depend on.
+struct GridSpace
+{
+    double Width;
+    bool IsDoubleHeight;
+};
+
+QString DateText(const RowSource& row)
+{
+    return row.Stamp.IsNone() ? QString() : row.Stamp.Format(DateFormat);
+}
+
+QString SubjectText(const RowSource& row)
+{
+    const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed());
+    return row.HasDateLine ? subject + QLatin1Char('\r') + DateText(row) : subject;
+}
+
+QString FromText(const RowSource& row)
+{
+    return cdo::DecodedHeader("From", row.From, LongestCell);
+}
+
+QString NoText(const RowSource&)
+{
+    return {};
+}
+
+double SubjectWidth(const GridSpace& space)
+{
+    return space.IsDoubleHeight ? std::max(0.0, space.Width - GridMargin - HeadWidth) : SubjectWidthBesideFrom;
+}
+
+double FromWidth(const GridSpace& space)
+{
+    return space.IsDoubleHeight ? 0 : std::max(0.0, space.Width - GridMargin - HeadWidth - SubjectWidthBesideFrom);
+}
+
+/// The grid's columns, in the order of MessagesListColumn. Two lines show the date under the subject: nothing is left
+/// to scroll to, and no sliver of a column to show.
+constexpr GridColumn<RowSource, GridSpace> Columns[] = {
+    {"Reference", [](const GridSpace&) { return 0.0; },
+     [](const RowSource& row) { return QString::number(row.Reference); }},
+    {"", [](const GridSpace&) { return HeadWidth; }, NoText},
+    {"Subject", SubjectWidth, SubjectText},
+    {"From", FromWidth, FromText},
+    {"Date", [](const GridSpace& space) { return space.IsDoubleHeight ? 0 : DateWidth; }, DateText},
+    {"DateSerial", [](const GridSpace& space) { return space.IsDoubleHeight ? 0 : DateSerialWidth; },
+     [](const RowSource& row) { return row.Stamp.GeneralDate(); }},
+};
+static_assert(std::size(Columns) == columnCount);
+
+/// The texts of a message's row from the subject on: decoding them, writing its date in words and measuring the subject
+/// cost more than all the rest of the row.
 class MessageTexts final : public LateTexts
 {
 public:
-    using Fitting = std::shared_ptr<const std::function<QString(const QString&)>>;
-
-    MessageTexts(const MessageLook& look, Date stamp, bool hasDateLine, Fitting fitting)
-        : Subject_(look.Subject),
-          From_(look.From),
-          Stamp_(stamp),
-          HasDateLine_(hasDateLine),
-          Fitting_(std::move(fitting))
-    {
-    }
+    explicit MessageTexts(RowSource row) : Row_(std::move(row)) {}
 
     /// A row without a date keeps the one that it showed before.
     void Make(const Set& set) const override
     {
-        QString date;
-        if (!Stamp_.IsNone()) {
-            date = Stamp_.Format(DateFormat);
-            set(colDate, date);
-            set(colDateSerial, Stamp_.GeneralDate());
+        for (const int column : {colSubject, colFrom, colDate, colDateSerial}) {
+            const bool isDate = column == colDate || column == colDateSerial;
+            if (!isDate || !Row_.Stamp.IsNone())
+                set(column, Columns[column].Text(Row_));
         }
-        const QString subject = (*Fitting_)(cdo::DecodedHeader("Subject", Subject_, LongestCell).trimmed());
-        set(colSubject, HasDateLine_ ? subject + QLatin1Char('\r') + date : subject);
-        set(colFrom, cdo::DecodedHeader("From", From_, LongestCell));
     }
 
 private:
-    QByteArray Subject_;
-    QByteArray From_;
-    Date Stamp_;
-    bool HasDateLine_;
-    Fitting Fitting_;
+    RowSource Row_;
 };
 } // namespace
 
 void uMessagesList::MakeGridHeader()
 {
-    const char* const captions[columnCount] = {"Reference", "", "Subject", "From", "Date", "DateSerial"};
     grdList_->SetRedraw(false);
-    grdList_->SetRows(1);
-    grdList_->SetCols(columnCount);
-    for (int column = 0; column < columnCount; ++column) {
-        grdList_->SetTextMatrix(0, column, QLatin1String(captions[column]));
-        grdList_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
-    }
+    MakeColumns(*grdList_, Columns);
     HeadPicture_ = Icons::Get(QStringLiteral("head"));
     grdList_->setToolTip(QStringLiteral("Messages with a Head icon are personal"));
     grdList_->SetRedraw(true);
@@ -108,18 +151,7 @@ void uMessagesList::SizeColumns()
     if (grdList_->Cols() < 3)
         return;
     const double width = Twips::FromPixels(*grdList_, grdList_->width());
-    grdList_->SetColWidth(colReference, 0);
-    grdList_->SetColWidth(colHead, HeadWidth);
-    if (DoubleHeightRows_) {
-        grdList_->SetColWidth(colSubject, std::max(0.0, width - GridMargin - HeadWidth));
-        grdList_->SetColWidth(colFrom, 0);
-    } else {
-        grdList_->SetColWidth(colSubject, SubjectWidthBesideFrom);
-        grdList_->SetColWidth(colFrom, std::max(0.0, width - GridMargin - HeadWidth - SubjectWidthBesideFrom));
-    }
-    // Two lines show the date under the subject: nothing is left to scroll to, and no sliver of a column to show.
-    grdList_->SetColWidth(colDate, DoubleHeightRows_ ? 0 : DateWidth);
-    grdList_->SetColWidth(colDateSerial, DoubleHeightRows_ ? 0 : DateSerialWidth);
+    SizeColumnsOf(*grdList_, Columns, GridSpace{width, DoubleHeightRows_});
     grdList_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 }
 
@@ -145,14 +177,12 @@ void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
         return;
     if (DoubleHeightRows_)
         grdList_->SetRowHeight(row, grdList_->RowHeight(0));
-    grdList_->SetTextMatrix(row, colReference, QString::number(look.Reference));
     RowOfReference_.insert(look.Reference, row);
     const Date stamp = SortOrder_ != mlsoReceived ? look.Sent : look.Received;
     // A message without a date counts as read.
     const bool isRead = (look.Flags & mfRead) != 0 || stamp.IsNone();
     DrawTexts(row, look, stamp, !isRead);
     grdList_->SetCellPicture(row, colHead, look.PersonalToContact != 0 ? HeadPicture_ : QIcon());
-    grdList_->SetTextMatrix(row, colHead, QString());
     const qint32 back = look.Priority == UrgentPriority ? PureRed : SystemColour::WindowBackground;
     grdList_->SetCellBackColour(row, colHead, colSubject, back);
     grdList_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
@@ -164,11 +194,13 @@ void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
 
 void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool bold)
 {
+    RowSource source{look.Subject, look.From, stamp, look.Reference, DoubleHeightRows_, SubjectFitting(bold)};
+    for (const int column : {colReference, colHead})
+        grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     // The date that such a row keeps may not have been made yet.
     if (stamp.IsNone())
         grdList_->TextMatrix(row, colDate);
-    grdList_->SetLateTexts(row, colSubject,
-                           std::make_unique<MessageTexts>(look, stamp, DoubleHeightRows_, SubjectFitting(bold)));
+    grdList_->SetLateTexts(row, colSubject, std::make_unique<MessageTexts>(std::move(source)));
     if (look.Subject.size() + look.From.size() > LongestKept)
         grdList_->TextMatrix(row, colSubject);
 }

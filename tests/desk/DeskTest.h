@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DeskStation.h"
+#include "station/DeskStation.h"
 #include "support/ScriptedRegistry.h"
 #include "support/ScriptedUserInterface.h"
 

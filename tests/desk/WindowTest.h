@@ -3,8 +3,8 @@
 
 #include "DeskSettings.h"
 #include "DeskTest.h"
-#include "MainWindow.h"
 #include "messageslist/uMessagesList.h"
+#include "window/MainWindow.h"
 
 #include <QtTest>
 

@@ -3,10 +3,10 @@
 
 #include "ContactSaving.h"
 #include "ContactsWindow.h"
-#include "DeskStation.h"
 #include "Words.h"
 #include "contacts/SenderContact.h"
 #include "platform/widgets/Icons.h"
+#include "station/DeskStation.h"
 
 #include <QAction>
 #include <QMainWindow>

@@ -3,11 +3,11 @@
 
 #include "ContactImportDialog.h"
 #include "ContactSaving.h"
-#include "FileChoice.h"
 #include "Words.h"
 #include "common/FileDialog.h"
 #include "common/UserInterface.h"
 #include "platform/files/WholeFile.h"
+#include "window/FileChoice.h"
 
 #include <QCoreApplication>
 #include <QFile>

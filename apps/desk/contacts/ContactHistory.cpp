@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactHistory.h"
 
-#include "DeskStation.h"
 #include "common/GeneralHelper.h"
 #include "common/UserInterface.h"
 #include "contacts/SenderContact.h"
 #include "messages/AddressKey.h"
 #include "platform/widgets/ListView.h"
 #include "prizes/PrizeRows.h"
+#include "station/DeskStation.h"
 
 #include <QHeaderView>
 #include <QLabel>

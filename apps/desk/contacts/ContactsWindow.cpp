@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactsWindow.h"
 
-#include "ClosingQuestion.h"
 #include "ContactFiles.h"
 #include "ContactForm.h"
 #include "ContactHistory.h"
 #include "ContactSaving.h"
-#include "DeskStation.h"
-#include "FileNames.h"
 #include "Words.h"
 #include "common/UserInterface.h"
 #include "contacts/ContactOrder.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/ListView.h"
+#include "station/DeskStation.h"
+#include "window/ClosingQuestion.h"
+#include "window/FileNames.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>

@@ -3,11 +3,11 @@
 // Printing messages and prizes from the desk's main window.
 
 #include "DeskSettings.h"
-#include "MainWindow.h"
 #include "common/UserInterface.h"
 #include "messageslist/uMessagesList.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
+#include "window/MainWindow.h"
 
 #include <QAction>
 #include <QMenu>

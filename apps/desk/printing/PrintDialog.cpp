@@ -2,14 +2,14 @@
 #include "printing/PrintDialog.h"
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
 #include "Failure.h"
-#include "FileNames.h"
 #include "Words.h"
 #include "common/UserInterface.h"
 #include "platform/mail/MessageReader.h"
 #include "printing/PageSheet.h"
 #include "printing/PrintTarget.h"
+#include "station/DeskStation.h"
+#include "window/FileNames.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -3,11 +3,11 @@
 // What the print dialog is made of.
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
 #include "PrizeSheet.h"
 #include "printing/PageSheet.h"
 #include "printing/PrintControls.h"
 #include "printing/PrintDialog.h"
+#include "station/DeskStation.h"
 
 #include <QCheckBox>
 #include <QComboBox>

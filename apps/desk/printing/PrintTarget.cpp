@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "printing/PrintTarget.h"
 
-#include "FileChoice.h"
 #include "common/FileDialog.h"
+#include "window/FileChoice.h"
 
 #include <QCoreApplication>
 #include <QPrintDialog>

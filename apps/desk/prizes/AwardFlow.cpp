@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AwardFlow.h"
 
-#include "DeskStation.h"
 #include "Words.h"
 #include "common/UserInterface.h"
 #include "contacts/ContactChooser.h"
@@ -9,6 +8,7 @@
 #include "contacts/SenderContact.h"
 #include "prizes/PrizeAwards.h"
 #include "prizes/PrizeChooser.h"
+#include "station/DeskStation.h"
 
 #include <QMessageBox>
 #include <QPushButton>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactBox.h"
 
-#include "DeskStation.h"
 #include "Words.h"
 #include "contacts/ContactChooser.h"
 #include "prizes/PrizeRows.h"
+#include "station/DeskStation.h"
 
 #include <QHBoxLayout>
 #include <QLineEdit>

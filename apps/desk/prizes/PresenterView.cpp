@@ -2,10 +2,10 @@
 #include "PresenterView.h"
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
 #include "prizes/PrizeFields.h"
 #include "prizes/PrizeRows.h"
 #include "prizes/WinnersView.h"
+#include "station/DeskStation.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -142,21 +142,31 @@ void PresenterView::LayOutParts()
     belowLayout->addWidget(Notes_);
     belowLayout->addWidget(WinnersLabel_);
     belowLayout->addWidget(Winners_, 1);
-    auto* splitter = new QSplitter(Qt::Vertical, this);
-    splitter->setObjectName(QStringLiteral("presenterSplitter"));
-    splitter->addWidget(Script_);
-    splitter->addWidget(below);
-    splitter->setStretchFactor(0, 3);
-    splitter->setStretchFactor(1, 2);
-    splitter->setChildrenCollapsible(false);
+    Splitter_ = new QSplitter(Qt::Vertical, this);
+    Splitter_->setObjectName(QStringLiteral("presenterSplitter"));
+    Splitter_->addWidget(Script_);
+    Splitter_->addWidget(below);
+    Splitter_->setStretchFactor(0, 3);
+    Splitter_->setStretchFactor(1, 2);
+    Splitter_->setChildrenCollapsible(false);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(head);
     layout->addLayout(facts);
     layout->addWidget(Hours_);
-    layout->addWidget(splitter, 1);
+    layout->addWidget(Splitter_, 1);
     const QList<QWidget*> order = {Award_, Open_, Smaller_, Larger_, Script_, Notes_, Winners_};
     for (qsizetype i = 1; i < order.size(); ++i)
         QWidget::setTabOrder(order.at(i - 1), order.at(i));
+}
+
+QByteArray PresenterView::Sizes() const
+{
+    return Splitter_->saveState();
+}
+
+void PresenterView::RestoreSizes(const QByteArray& sizes)
+{
+    Splitter_->restoreState(sizes);
 }
 
 void PresenterView::Show(const cPrizePtr& prize)

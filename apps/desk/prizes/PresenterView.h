@@ -10,6 +10,7 @@ class DeskStation;
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
+class QSplitter;
 class WinnersView;
 
 /// One prize as the presenter needs it on air: what it is, how many are left, the text to read in large type, and the
@@ -26,6 +27,10 @@ public:
     qint32 Reference() const { return Reference_; }
     WinnersView& Winners() { return *Winners_; }
     QPlainTextEdit& Script() { return *Script_; }
+
+    /// How the script and what is below it share the height, to be kept.
+    QByteArray Sizes() const;
+    void RestoreSizes(const QByteArray& sizes);
 
     /// Points of the script's type; remembered.
     int ScriptSize() const { return Size_; }
@@ -62,4 +67,5 @@ private:
     QPlainTextEdit* Notes_;
     QLabel* WinnersLabel_;
     WinnersView* Winners_;
+    QSplitter* Splitter_ = nullptr;
 };

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeAwards.h"
 
-#include "DeskStation.h"
 #include "common/ClockHelper.h"
 #include "prizes/Awarding.h"
+#include "station/DeskStation.h"
 
 #include <QCoreApplication>
 #include <QLocale>

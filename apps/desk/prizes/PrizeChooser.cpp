@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeChooser.h"
 
-#include "DeskStation.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
 #include "contacts/ContactChooser.h"
 #include "prizes/PrizeQuery.h"
 #include "prizes/PrizeRows.h"
+#include "station/DeskStation.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -2,8 +2,6 @@
 #include "PrizeDesk.h"
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
-#include "NoticeBar.h"
 #include "PrizeSheet.h"
 #include "Words.h"
 #include "platform/widgets/Icons.h"
@@ -16,6 +14,8 @@
 #include "prizes/WinnerWindow.h"
 #include "prizes/WinnersView.h"
 #include "prizes/controls/uPrizesList.h"
+#include "station/DeskStation.h"
+#include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QActionGroup>

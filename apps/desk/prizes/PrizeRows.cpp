@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeRows.h"
 
-#include "DeskStation.h"
 #include "common/ClockHelper.h"
 #include "common/PendingError.h"
 #include "prizes/Awarding.h"
+#include "station/DeskStation.h"
 
 #include <QCoreApplication>
 #include <QLocale>

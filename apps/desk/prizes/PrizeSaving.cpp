@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeSaving.h"
 
-#include "DeskStation.h"
 #include "PrizeTransaction.h"
+#include "station/DeskStation.h"
 
 PrizeSaving::PrizeSaving(DeskStation& station, const cPrize& prize)
     : Station_(station),

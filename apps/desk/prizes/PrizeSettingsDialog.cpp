@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeSettingsDialog.h"
 
-#include "DeskStation.h"
 #include "prizes/PrizeAwards.h"
+#include "station/DeskStation.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

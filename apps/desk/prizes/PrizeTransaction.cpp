@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeTransaction.h"
 
-#include "DeskStation.h"
 #include "common/UserInterface.h"
+#include "station/DeskStation.h"
 
 #include <QScopeGuard>
 

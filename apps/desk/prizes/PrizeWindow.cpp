@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeWindow.h"
 
-#include "ClosingQuestion.h"
-#include "DeskStation.h"
-#include "NoticeBar.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
 #include "prizes/ContactBox.h"
@@ -12,6 +9,9 @@
 #include "prizes/PrizeRows.h"
 #include "prizes/WinnersView.h"
 #include "prizes/controls/WeekHours.h"
+#include "station/DeskStation.h"
+#include "window/ClosingQuestion.h"
+#include "window/NoticeBar.h"
 
 #include <QCloseEvent>
 #include <QLabel>

@@ -2,8 +2,6 @@
 
 // The prize window's parts, and what they show.
 
-#include "DeskStation.h"
-#include "NoticeBar.h"
 #include "platform/widgets/Icons.h"
 #include "prizes/ContactBox.h"
 #include "prizes/DateBox.h"
@@ -11,6 +9,8 @@
 #include "prizes/PrizeWindow.h"
 #include "prizes/WinnersView.h"
 #include "prizes/controls/WeekHours.h"
+#include "station/DeskStation.h"
+#include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QFormLayout>

@@ -2,14 +2,14 @@
 #include "PrizesPage.h"
 
 #include "DeskSettings.h"
-#include "DeskStation.h"
-#include "FocusRing.h"
-#include "NoticeBar.h"
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
 #include "prizes/PresenterView.h"
 #include "prizes/WinnersView.h"
 #include "prizes/controls/uPrizesList.h"
+#include "station/DeskStation.h"
+#include "window/FocusRing.h"
+#include "window/NoticeBar.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -27,7 +27,6 @@ namespace
 constexpr float ListInterval = 3;
 const QString SplitterState = QStringLiteral("Prizes/Splitter");
 const QString ScriptState = QStringLiteral("Prizes/ScriptSplitter");
-const QString ScriptSplitter = QStringLiteral("presenterSplitter");
 
 int HourNow()
 {
@@ -59,7 +58,7 @@ PrizesPage::PrizesPage(DeskStation& station, DeskSettings& settings, QWidget* pa
     Splitter_->setStretchFactor(1, 3);
     if (!Splitter_->restoreState(settings.State(SplitterState)))
         Splitter_->setSizes({480, 700});
-    Presenter_->findChild<QSplitter*>(ScriptSplitter)->restoreState(settings.State(ScriptState));
+    Presenter_->RestoreSizes(settings.State(ScriptState));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -242,7 +241,7 @@ void PrizesPage::FocusNextPane(bool backwards)
 void PrizesPage::SaveSizes()
 {
     Settings_.SetState(SplitterState, Splitter_->saveState());
-    Settings_.SetState(ScriptState, Presenter_->findChild<QSplitter*>(ScriptSplitter)->saveState());
+    Settings_.SetState(ScriptState, Presenter_->Sizes());
 }
 
 /// The list holds colours of its own; those of the desktop are looked up anew.

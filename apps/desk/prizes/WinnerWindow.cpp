@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WinnerWindow.h"
 
-#include "ClosingQuestion.h"
-#include "DeskStation.h"
-#include "NoticeBar.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
@@ -12,6 +9,9 @@
 #include "prizes/DateBox.h"
 #include "prizes/PrizeAwards.h"
 #include "prizes/PrizeTransaction.h"
+#include "station/DeskStation.h"
+#include "window/ClosingQuestion.h"
+#include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QCloseEvent>

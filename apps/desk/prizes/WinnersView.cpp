@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WinnersView.h"
 
-#include "DeskStation.h"
 #include "platform/widgets/TextDelegate.h"
 #include "prizes/RelativeTime.h"
+#include "station/DeskStation.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SearchDesk.h"
 
-#include "DeskStation.h"
 #include "DisplayText.h"
 #include "SearchService.h"
 #include "SearchWindow.h"
 #include "messages/search/SearchText.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
+#include "station/DeskStation.h"
 
 #include <QAction>
 #include <QMainWindow>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SearchService.h"
 
-#include "DeskStation.h"
 #include "messages/search/SearchFailure.h"
 #include "messages/search/SearchPlace.h"
+#include "station/DeskStation.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SearchWindow.h"
 
-#include "AttachmentList.h"
 #include "DeskSettings.h"
-#include "DeskStation.h"
 #include "FolderPaths.h"
-#include "NoticeBar.h"
-#include "PreviewPane.h"
 #include "RowRecovery.h"
 #include "SearchFolders.h"
 #include "SearchRows.h"
 #include "SearchService.h"
 #include "common/ClockHelper.h"
+#include "messages/AttachmentList.h"
+#include "messages/PreviewPane.h"
 #include "platform/widgets/Icons.h"
+#include "station/DeskStation.h"
+#include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QCloseEvent>

@@ -2,6 +2,7 @@
 
 // The rows of the prizes list: what a prize looks like in the grid.
 
+#include "common/controls/GridColumn.h"
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/Twips.h"
@@ -15,17 +16,41 @@ namespace
 {
 constexpr double GridMargin = 90;
 constexpr double RowMargin = 90;
+
+/// What the texts of a prize's row are made of.
+struct RowSource
+{
+    qint32 Reference;
+    QString Title;
+    QString SecondLine; ///< Empty for none: what is left of the prize, or when it was won.
+    bool IsDoubleHeight;
+};
+
+/// What the widths of the columns depend on.
+struct GridSpace
+{
+    double Width;
+};
+
+QString TitleText(const RowSource& row)
+{
+    const QString title = row.Title.trimmed();
+    return row.IsDoubleHeight ? title + QLatin1Char('\r') + row.SecondLine : title;
+}
+
+/// The grid's columns, in the order of PrizesListColumn.
+constexpr GridColumn<RowSource, GridSpace> Columns[] = {
+    {"Reference", [](const GridSpace&) { return 0.0; },
+     [](const RowSource& row) { return QString::number(row.Reference); }},
+    {"Title", [](const GridSpace& space) { return std::max(0.0, space.Width - GridMargin); }, TitleText},
+};
+static_assert(std::size(Columns) == columnCount);
 } // namespace
 
 void uPrizesList::MakeGridHeader()
 {
     grdList_->SetRedraw(false);
-    grdList_->SetRows(1);
-    grdList_->SetCols(columnCount);
-    grdList_->SetTextMatrix(0, colReference, QStringLiteral("Reference"));
-    grdList_->SetTextMatrix(0, colTitle, QStringLiteral("Title"));
-    for (int column = 0; column < columnCount; ++column)
-        grdList_->SetColAlignment(column, Qt::AlignLeft | Qt::AlignVCenter);
+    MakeColumns(*grdList_, Columns);
     grdList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     grdList_->SetRedraw(true);
 }
@@ -34,9 +59,7 @@ void uPrizesList::SizeColumns()
 {
     if (grdList_->Cols() < columnCount)
         return;
-    const double width = Twips::FromPixels(*grdList_, grdList_->width());
-    grdList_->SetColWidth(colReference, 0);
-    grdList_->SetColWidth(colTitle, std::max(0.0, width - GridMargin));
+    SizeColumnsOf(*grdList_, Columns, GridSpace{Twips::FromPixels(*grdList_, grdList_->width())});
 }
 
 /// One line for the heading, one or two such lines for each prize.
@@ -46,6 +69,7 @@ void uPrizesList::SetGridRowHeights()
     grdList_->SetRowHeight(0, line);
     grdList_->SetDefaultRowHeight(DoubleHeightRows_ ? 2 * grdList_->RowHeight(0) : grdList_->RowHeight(0));
 }
+
 uPrizesList::Line uPrizesList::LineOf(const cPrize& prize)
 {
     return {prize.Reference(), prize.Title(), prize.NumberSupplied(), prize.NumberWinners(), prize.LastWonDate()};
@@ -70,15 +94,14 @@ void uPrizesList::DrawLine(int row, const Line& line)
 {
     if (row < 1 || row > grdList_->Rows() - 1)
         return;
-    grdList_->SetTextMatrix(row, colReference, QString::number(line.Reference));
+    const RowSource source{line.Reference, line.Title, DoubleHeightRows_ ? SecondLine(line) : QString(),
+                           DoubleHeightRows_};
+    for (int column = 0; column < columnCount; ++column)
+        grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     RowOfReference_.insert(line.Reference, row);
     const auto place = static_cast<std::size_t>(row) - 1;
     if (place < ShownRows_.size())
         ShownRows_[place] = AsShown(line);
-    QString text = line.Title.trimmed();
-    if (DoubleHeightRows_)
-        text += QLatin1Char('\r') + SecondLine(line);
-    grdList_->SetTextMatrix(row, colTitle, text);
     grdList_->SetCellBackColour(row, colTitle, colTitle, SystemColour::WindowBackground);
     grdList_->SetCellForeColour(row, colTitle, colTitle, SystemColour::WindowText);
 }

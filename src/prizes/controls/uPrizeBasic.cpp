@@ -43,18 +43,73 @@ constexpr double ListMargin = 90;
 constexpr double ScrollBarWidth = 225;
 constexpr double PageMargin = 90;
 
-const QString ReferenceKey = QStringLiteral("REFERENCE");
-const QString NameKey = QStringLiteral("NAME");
-const QString ContactKey = QStringLiteral("CONTACT");
-const QString WonDateKey = QStringLiteral("WONDATE");
-
-enum Column
+enum WinnerColumn
 {
     colReference,
     colName,
     colContact,
-    colWonDate
+    colWonDate,
+    columnCount
 };
+
+/// What the texts of a winner's line are made of.
+struct WinnerSource
+{
+    qint16 Slot;
+    clsKVContactPtr Contact; ///< None when the directory has it no more.
+    Date Won;
+};
+
+/// What the widths of the columns depend on, in twips.
+struct WinnersSpace
+{
+    double Half; ///< Of what the date leaves.
+    double Date;
+};
+
+/// In the directory's order; empty when there is none.
+QString FirstDetail(const clsKVContact& contact)
+{
+    const std::array details{&contact.Mobile, &contact.Telephone, &contact.Email, &contact.SecondEmail, &contact.Other};
+    for (const QString* detail : details) {
+        if (!detail->isEmpty())
+            return *detail;
+    }
+    return {};
+}
+
+QString ContactName(const WinnerSource& winner)
+{
+    return winner.Contact ? winner.Contact->Name : QStringLiteral("<Missing Contact>");
+}
+
+QVariant TextOrder(const WinnerSource&)
+{
+    return {};
+}
+
+/// The columns of the winners, in the order of WinnerColumn.
+constexpr struct
+{
+    const char* Key;
+    const char* Caption;
+    double FirstTwips; ///< Before the list has its size.
+    double (*Width)(const WinnersSpace& space);
+    QString (*Text)(const WinnerSource& winner);
+    QVariant (*Order)(const WinnerSource& winner); ///< What it is sorted by; none: by its text.
+} Columns[] = {
+    {"REFERENCE", "#", 0, [](const WinnersSpace&) { return 0.0; },
+     [](const WinnerSource& winner) { return QString::number(winner.Slot); }, TextOrder},
+    {"NAME", "Name", TextColumnWidth, [](const WinnersSpace& space) { return space.Half; }, ContactName, TextOrder},
+    {"CONTACT", "Contact", 0, [](const WinnersSpace& space) { return space.Half; },
+     [](const WinnerSource& winner) { return winner.Contact ? FirstDetail(*winner.Contact) : QString(); }, TextOrder},
+    {"WONDATE", "Won", TextColumnWidth, [](const WinnersSpace& space) { return space.Date; },
+     [](const WinnerSource& winner) {
+         return winner.Won.IsNone() ? QString() : TolvaControlsFN::RelativeTimeText(winner.Won);
+     },
+     [](const WinnerSource& winner) { return winner.Won.IsNone() ? QVariant() : QVariant(winner.Won.DayNumber()); }},
+};
+static_assert(std::size(Columns) == columnCount);
 
 template <typename Control>
 Control* Named(Control* control, const char* name)
@@ -66,17 +121,6 @@ Control* Named(Control* control, const char* name)
 QString ItemKey(const cPrizeWinner& winner)
 {
     return QLatin1Char('w') + QString::number(winner.Reference());
-}
-
-/// In the directory's order; empty when there is none.
-QString FirstDetail(const clsKVContact& contact)
-{
-    const std::array details{&contact.Mobile, &contact.Telephone, &contact.Email, &contact.SecondEmail, &contact.Other};
-    for (const QString* detail : details) {
-        if (!detail->isEmpty())
-            return *detail;
-    }
-    return {};
 }
 
 void Warn(const QString& text)
@@ -120,10 +164,9 @@ void uPrizeBasic::MakeWinners()
     lblWinners_->setTextFormat(Qt::PlainText);
     lvwWinners_ = Named(new ListView(picWinners_), "lvwWinners");
     lvwWinners_->setAccessibleName(tr("Winners"));
-    lvwWinners_->AddColumn(QStringLiteral("#"), 0, Qt::AlignLeft | Qt::AlignVCenter, ReferenceKey);
-    lvwWinners_->AddColumn(QStringLiteral("Name"), TextColumnWidth, Qt::AlignLeft | Qt::AlignVCenter, NameKey);
-    lvwWinners_->AddColumn(QStringLiteral("Contact"), 0, Qt::AlignLeft | Qt::AlignVCenter, ContactKey);
-    lvwWinners_->AddColumn(QStringLiteral("Won"), TextColumnWidth, Qt::AlignLeft | Qt::AlignVCenter, WonDateKey);
+    for (const auto& column : Columns)
+        lvwWinners_->AddColumn(QLatin1String(column.Caption), column.FirstTwips, Qt::AlignLeft | Qt::AlignVCenter,
+                               QLatin1String(column.Key));
     lvwWinners_->viewport()->installEventFilter(this);
     const auto button = [this](const char* name, const QString& icon, const QString& caption, const QString& tip) {
         auto* made = Named(new QPushButton(Icons::Get(icon), caption, picWinners_), name);
@@ -268,19 +311,21 @@ void uPrizeBasic::ShowWinner(qint16 slot, const cPrizeWinner& winner)
     const QString key = ItemKey(winner);
     if (!lvwWinners_->HasItem(key))
         lvwWinners_->AddItem(key, {QString(), QString(), QString(), QString()});
-    // Winners move up when one before them goes, and the number is how the item's winner is found.
-    lvwWinners_->SetSubItem(key, colReference, QString::number(slot));
     lvwWinners_->SetTag(key, 0);
-    const clsKVContactPtr contact = DirectoryDatabase_ && winner.WinnerReference() > 0
-                                        ? DirectoryDatabase_->GetContact(winner.WinnerReference(), 0, 0)
-                                        : nullptr;
-    lvwWinners_->SetSubItem(key, colName, contact ? contact->Name : QStringLiteral("<Missing Contact>"));
-    const QString detail = contact ? FirstDetail(*contact) : QString();
-    if (!detail.isEmpty())
-        lvwWinners_->SetSubItem(key, colContact, detail);
-    const Date won = winner.WonDate();
-    lvwWinners_->SetSubItem(key, colWonDate, won.IsNone() ? QString() : TolvaControlsFN::RelativeTimeText(won));
-    lvwWinners_->SetSortValue(key, colWonDate, won.IsNone() ? QVariant() : QVariant(won.DayNumber()));
+    // Winners move up when one before them goes, and the number is how the item's winner is found.
+    const WinnerSource source{slot,
+                              DirectoryDatabase_ && winner.WinnerReference() > 0
+                                  ? DirectoryDatabase_->GetContact(winner.WinnerReference(), 0, 0)
+                                  : nullptr,
+                              winner.WonDate()};
+    for (int column = 0; column < columnCount; ++column) {
+        const QString text = Columns[column].Text(source);
+        // A contact without a detail leaves the one that it had.
+        if (column == colContact && text.isEmpty())
+            continue;
+        lvwWinners_->SetSubItem(key, column, text);
+        lvwWinners_->SetSortValue(key, column, Columns[column].Order(source));
+    }
 }
 
 /// key: empty for none.
@@ -391,9 +436,9 @@ void uPrizeBasic::SizeColumns()
     const double date = Twips::FromPixels(*this, fontMetrics().horizontalAdvance(now)) + DateMargin;
     const double list = Twips::FromPixels(*this, lvwWinners_->width());
     const double half = qMax(0.0, (list - ListMargin - ScrollBarWidth - date) / 2);
-    lvwWinners_->SetColumnTwips(colName, half);
-    lvwWinners_->SetColumnTwips(colContact, half);
-    lvwWinners_->SetColumnTwips(colWonDate, date);
+    const WinnersSpace space{half, date};
+    for (const int column : {colName, colContact, colWonDate})
+        lvwWinners_->SetColumnTwips(column, Columns[column].Width(space));
 }
 
 bool uPrizeBasic::eventFilter(QObject* watched, QEvent* event)

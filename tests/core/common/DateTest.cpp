@@ -172,6 +172,25 @@ TEST(DateTest, ReadsDatesOfPeopleAndOtherComputers)
     ExpectParsed(u"Saturday, 21 November 2026", Date(2026, 11, 21));
 }
 
+TEST(DateTest, WhatStationsHoldAsTextIsReadInEveryLocale)
+{
+    QStringList failures;
+    for (const QLocale& locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory)) {
+        const LocaleScope scope(locale);
+        const QString own = Afternoon.Format(QStringLiteral("dd mmm yyyy hh:nn:ss"));
+        for (const QString& text : {QStringLiteral("21 Nov 2026 14:05:09"), own}) {
+            const std::optional<Date> read = Date::Parse(text);
+            if (!read || qAbs(read->DayNumber() - Afternoon.DayNumber()) > 1e-7)
+                failures.append(locale.name() + QStringLiteral(": ") + text);
+        }
+    }
+    EXPECT_TRUE(failures.isEmpty()) << qPrintable(failures.join(u'\n'));
+    for (const char16_t* text : {u"31 Feb 2026 10:00:00", u"+1 Nov 2026 10:00:00", u"21 Nov +026 10:00:00",
+                                 u"21 Nox 2026 10:00:00", u"21 Nov 2026 24:00:00", u"21 Nov 2026 10:00:60"})
+        EXPECT_FALSE(Date::Parse(QString::fromUtf16(text))) << qPrintable(QString::fromUtf16(text));
+}
+
 TEST(DateTest, ATimeAloneIsAFractionOfADay)
 {
     ExpectParsed(u"14:30", Date(14.5 / 24));

@@ -2,8 +2,8 @@
 #include "printing/PrintDialog.h"
 
 #include "LongestGap.h"
-#include "MessageWindow.h"
 #include "WindowTest.h"
+#include "messages/MessageWindow.h"
 #include "platform/widgets/FlexGrid.h"
 #include "printing/PageSheet.h"
 #include "printing/PrintTarget.h"

@@ -3,6 +3,9 @@
 // Prizes in the print dialog: from their page, from their windows.
 
 #include "PrizeSheet.h"
+#include "common/FileHelper.h"
+#include "common/LibraryFolder.h"
+#include "platform/widgets/PrintedPages.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDeskTest.h"
 #include "support/ScriptedFileDialog.h"
@@ -255,4 +258,12 @@ TEST_F(PrizePrintingTest, WhoMayOnlyReadPrizesPrintsThem)
     Prizes().OpenPrize(Prize);
     EXPECT_EQ(DialogOf([this] { Get<QAction>(*OnlyPrizeWindow(), "printPrize").trigger(); }), PrizeDialog);
     OnlyPrizeWindow()->close();
+}
+
+TEST_F(PrizePrintingTest, EachPrizeHasAPageOfItsOwn)
+{
+    const QString sheet = FileHelper::ReadTextFile(
+        FileHelper::Join(LibraryFolder::Current(), QStringLiteral("HTMLDocs/Prize-Prize sheet.htm")));
+    EXPECT_EQ(PrintedPages(PrizePage::Fill(sheet, {Sheet(), Sheet(), Sheet()}), {}).PageCount(), 3);
+    EXPECT_EQ(PrintedPages(PrizePage::Fill(sheet, {}), {}).PageCount(), 1);
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "NoticeBar.h"
 #include "WindowTest.h"
 #include "common/ClockHelper.h"
 #include "platform/widgets/FlexGrid.h"
@@ -14,6 +13,7 @@
 #include "prizes/WinnersView.h"
 #include "prizes/controls/uPrizesList.h"
 #include "support/FixedClock.h"
+#include "window/NoticeBar.h"
 
 #include <QLabel>
 #include <QLineEdit>

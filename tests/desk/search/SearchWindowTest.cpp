@@ -5,11 +5,11 @@
 #include "search/SearchWindow.h"
 
 #include "LongestGap.h"
-#include "MessageWindow.h"
-#include "NoticeBar.h"
 #include "WindowTest.h"
+#include "messages/MessageWindow.h"
 #include "search/SearchDesk.h"
 #include "search/SearchService.h"
+#include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QComboBox>

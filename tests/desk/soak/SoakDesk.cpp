@@ -7,12 +7,12 @@
 
 #include "DeskSettings.h"
 #include "DeskUserInterface.h"
-#include "MainWindow.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 #include "prizes/PrizeAwards.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/controls/uPrizesList.h"
+#include "window/MainWindow.h"
 
 #include <QAction>
 #include <QApplication>

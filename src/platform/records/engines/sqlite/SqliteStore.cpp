@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/SqliteStore.h"
 
+#include "platform/records/engines/SchemaReuse.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/FileIdentity.h"
 #include "platform/records/engines/sqlite/MemoBlob.h"
@@ -142,7 +143,16 @@ SchemaPtr SqliteStore::ReadSchemaUnderLock()
         IsReplaced_ = true;
         throw FileExchanged(Connection_.FileName());
     }
-    SchemaPtr schema = ReadSchema(Connection_, Schema_);
+    // A file of an earlier version has no identity to be known by.
+    const engine::SchemaReuse::State state{Connection_.FileName(), identity, cookie};
+    // What is read later may be read in a transaction that is taken back.
+    const bool isOpening = !Schema_ && identity != 0;
+    SchemaPtr schema = isOpening ? engine::SchemaReuse::Find(state) : nullptr;
+    if (!schema) {
+        schema = ReadSchema(Connection_, Schema_);
+        if (isOpening)
+            engine::SchemaReuse::Keep(state, schema);
+    }
     const bool hasChecks = FormatOf(Connection_) != FormatVersionWithoutChecks;
     if (hasChecks != HasChecks_) {
         // A compaction gave its rows another layout.

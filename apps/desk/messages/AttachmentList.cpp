@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AttachmentList.h"
+
+#include "Words.h"
+#include "common/FileDialog.h"
+#include "common/FileHelper.h"
+#include "platform/files/WholeFile.h"
+#include "platform/mail/MessageReader.h"
+#include "platform/widgets/Icons.h"
+#include "window/FileChoice.h"
+#include "window/FileNames.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMimeDatabase>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace
+{
+constexpr int MostRowsShown = 3;
+/// Among which the files to list are looked for; thousands would take seconds.
+constexpr int MostParts = 500;
+constexpr int KindColumn = 2;
+constexpr int LettersWithKind = 45;
+constexpr int AskBeforeOverwriting = 2;
+constexpr int HideReadOnly = 4;
+constexpr int KeepFolder = 8;
+
+AttachmentList::FolderChooser& Chooser()
+{
+    static AttachmentList::FolderChooser chooser;
+    return chooser;
+}
+
+QString ChooseFolder(QWidget* parent, const QString& start)
+{
+    if (Chooser())
+        return Chooser()(parent, start);
+    return QFileDialog::getExistingDirectory(parent, QObject::tr("Save all attachments in..."), start);
+}
+
+/// What the type is called, such as "PNG image"; the type itself where the system has no word for it.
+QString KindOf(const QString& contentType)
+{
+    const QMimeType type = QMimeDatabase().mimeTypeForName(contentType);
+    return type.isValid() && !type.isDefault() && !type.comment().isEmpty() ? type.comment() : contentType;
+}
+
+QString ShownName(const cdo::Attachment& attachment)
+{
+    return FileNames::Cleaned(attachment.FileName);
+}
+
+/// A narrow list keeps the names and sizes.
+class FileTable final : public QTreeWidget
+{
+public:
+    using QTreeWidget::QTreeWidget;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QTreeWidget::resizeEvent(event);
+        setColumnHidden(KindColumn, width() < fontMetrics().averageCharWidth() * LettersWithKind);
+    }
+};
+
+QString DownloadFolder()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return FileHelper::FolderExists(folder) ? folder : QDir::homePath();
+}
+} // namespace
+
+void AttachmentList::SetFolderChooser(FolderChooser chooser)
+{
+    Chooser() = std::move(chooser);
+}
+
+AttachmentList::AttachmentList(QWidget* parent)
+    : QWidget(parent),
+      Caption_(new QLabel(this)),
+      List_(new FileTable(this)),
+      SaveAs_(new QPushButton(Icons::Get(QStringLiteral("save")), tr("Save &as..."), this)),
+      SaveAll_(new QPushButton(tr("Save a&ll..."), this))
+{
+    setObjectName(QStringLiteral("attachments"));
+    Caption_->setObjectName(QStringLiteral("attachmentsCaption"));
+    Caption_->setBuddy(List_);
+
+    List_->setObjectName(QStringLiteral("attachmentsList"));
+    List_->setAccessibleName(tr("Attachments"));
+    List_->setColumnCount(3);
+    List_->setHeaderLabels({tr("Name"), tr("Size"), tr("Type")});
+    List_->setHeaderHidden(true);
+    List_->setRootIsDecorated(false);
+    List_->setUniformRowHeights(true);
+    List_->setTextElideMode(Qt::ElideMiddle);
+    List_->setTabKeyNavigation(false);
+    List_->header()->setStretchLastSection(false);
+    List_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    List_->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    List_->header()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+
+    SaveAs_->setObjectName(QStringLiteral("attachmentSaveAs"));
+    SaveAs_->setAccessibleName(tr("Save the selected attachment as"));
+    SaveAll_->setObjectName(QStringLiteral("attachmentSaveAll"));
+    SaveAll_->setAccessibleName(tr("Save all attachments into a folder"));
+
+    auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(4);
+    buttons->addWidget(SaveAs_);
+    buttons->addWidget(SaveAll_);
+    buttons->addStretch();
+    auto* row = new QHBoxLayout;
+    row->addWidget(List_, 1);
+    row->addLayout(buttons);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 6);
+    layout->setSpacing(4);
+    layout->addWidget(Caption_);
+    layout->addLayout(row);
+
+    connect(SaveAs_, &QPushButton::clicked, this, &AttachmentList::SaveSelected);
+    connect(SaveAll_, &QPushButton::clicked, this, &AttachmentList::SaveAll);
+    connect(List_, &QTreeWidget::itemActivated, this, &AttachmentList::SaveSelected);
+    connect(List_, &QTreeWidget::itemSelectionChanged, this, &AttachmentList::UpdateButtons);
+    hide();
+}
+
+void AttachmentList::SetMessage(const cMessagePtr& message)
+{
+    Message_ = message;
+    List_->clear();
+    QList<cdo::Attachment> files;
+    bool hasMore = false;
+    Listed_.reset();
+    if (message) {
+        cdo::MessageReader reader(*message->CDOMessage(), MostParts);
+        files = reader.Files();
+        hasMore = reader.HasMoreParts();
+        Listed_ = hasMore ? std::make_shared<cdo::Message>(reader.Octets()) : message->CDOMessage();
+    }
+    for (const cdo::Attachment& file : files) {
+        auto* item =
+            new QTreeWidgetItem(List_, {ShownName(file), FileNames::SizeInWords(file.Size), KindOf(file.ContentType)});
+        item->setIcon(0, Icons::Get(QStringLiteral("attach")));
+        item->setToolTip(0, ShownName(file));
+        item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+    }
+    if (hasMore)
+        Caption_->setText(tr("The first %1 of many attachments; \"Save all\" saves them all").arg(files.size()));
+    else
+        Caption_->setText(files.size() == 1 ? tr("1 attachment") : tr("%1 attachments").arg(files.size()));
+    if (!files.isEmpty()) {
+        List_->setCurrentItem(List_->topLevelItem(0));
+        const int rows = qBound(2, static_cast<int>(files.size()), MostRowsShown);
+        List_->setFixedHeight(rows * qMax(List_->sizeHintForRow(0), 20) + 2 * List_->frameWidth() + 2);
+    }
+    setVisible(!files.isEmpty() || hasMore);
+    UpdateButtons();
+}
+
+std::optional<int> AttachmentList::SelectedIndex() const
+{
+    const QList<QTreeWidgetItem*> selected = List_->selectedItems();
+    if (!Message_ || selected.isEmpty())
+        return std::nullopt;
+    return List_->indexOfTopLevelItem(selected.first());
+}
+
+void AttachmentList::UpdateButtons()
+{
+    SaveAs_->setEnabled(SelectedIndex().has_value());
+    SaveAll_->setEnabled(Message_ != nullptr);
+}
+
+void AttachmentList::SaveSelected()
+{
+    const std::optional<int> index = SelectedIndex();
+    if (!index)
+        return;
+    // The selection may move on while the dialog is open.
+    const std::shared_ptr<cdo::Message> mail = Listed_;
+    const cdo::Attachment file = mail->Attachments().at(*index);
+    const auto dialog = FileDialog::Create();
+    dialog->DialogTitle = tr("Save attachment as...");
+    dialog->Filter = QStringLiteral("All Files (*.*)|*.*");
+    dialog->Flags = AskBeforeOverwriting | HideReadOnly | KeepFolder;
+    dialog->InitDir = DownloadFolder();
+    dialog->Filename = ShownName(file);
+    const std::optional<QString> path = FileChoice::ToSave(*dialog);
+    if (!path)
+        return;
+    const FileStatus status = WholeFile::Write(*path, mail->AttachmentContent(*index), IfThere::Replace);
+    if (status.IsDone())
+        Q_EMIT Saved(tr("Saved %1").arg(*path));
+    else
+        Words::Warn(tr("The attachment could not be saved as %1: %2").arg(*path, status.Words()));
+}
+
+void AttachmentList::SaveAll()
+{
+    const cMessagePtr message = Message_;
+    if (!message)
+        return;
+    const QString folder = ChooseFolder(this, DownloadFolder());
+    if (folder.isEmpty())
+        return;
+    const QList<cdo::Attachment> files = message->CDOMessage()->Attachments();
+    int saved = 0;
+    FileStatus failure;
+    for (int i = 0; i < files.size(); ++i) {
+        FileStatus status;
+        FileNames::WriteNew(folder, files.at(i).FileName, message->CDOMessage()->AttachmentContent(i), status);
+        if (status.IsDone())
+            ++saved;
+        else
+            failure = status;
+    }
+    if (saved < files.size()) {
+        Words::Warn(tr("%1 of %2 attachments could be saved in %3: %4")
+                        .arg(saved)
+                        .arg(files.size())
+                        .arg(folder, failure.Words()));
+    }
+    if (saved > 0)
+        Q_EMIT Saved(saved == 1 ? tr("Saved 1 attachment in %1").arg(folder)
+                                : tr("Saved %1 attachments in %2").arg(saved).arg(folder));
+}

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MessageWindow.h"
+
+#include "AttachmentList.h"
+#include "DisplayText.h"
+#include "PreviewPane.h"
+#include "RowRecovery.h"
+#include "platform/mail/MessageReader.h"
+#include "platform/widgets/Icons.h"
+#include "station/DeskStation.h"
+#include "window/NoticeBar.h"
+
+#include <QAction>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace
+{
+constexpr qsizetype LongestTitle = 300;
+}
+
+MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent)
+    : QMainWindow(parent, Qt::Window),
+      Station_(station),
+      Message_(message),
+      Notice_(new NoticeBar(QStringLiteral("warning"), QString(), this)),
+      View_(new PreviewPane(this))
+{
+    setObjectName(QStringLiteral("messageWindow"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    const QString subject = OneLine(cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestTitle));
+    setWindowTitle(subject.isEmpty() ? tr("(no subject)") : subject);
+    Notice_->setObjectName(QStringLiteral("storedNotice"));
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(Notice_);
+    layout->addWidget(View_, 1);
+    setCentralWidget(page);
+    MakeActions();
+    connect(View_, &PreviewPane::WasRead, this, &MessageWindow::WasRead);
+    connect(&View_->Attachments(), &AttachmentList::Saved, this,
+            [this](const QString& words) { statusBar()->showMessage(words); });
+    statusBar()->setSizeGripEnabled(false);
+    View_->SetDamageAdvice([this](qint32 reference) {
+        return RowRecovery::Advice(Station_.Folder(), RowRecovery::Kind::Message, reference);
+    });
+    View_->Select(message);
+    resize(760, 600);
+}
+
+void MessageWindow::MakeActions()
+{
+    auto* menu = menuBar()->addMenu(tr("&Message"));
+    auto* bar = addToolBar(tr("Message"));
+    bar->setMovable(false);
+    bar->setIconSize(QSize(16, 16));
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const auto add = [&](const char* name, const QString& icon, const QString& text, const QKeySequence& key) {
+        auto* action = new QAction(Icons::Get(icon), text, this);
+        action->setObjectName(QString::fromLatin1(name));
+        action->setShortcut(key);
+        menu->addAction(action);
+        return action;
+    };
+    QAction* reply = add("reply", QStringLiteral("reply"), tr("&Reply"), QKeySequence(Qt::CTRL | Qt::Key_R));
+    QAction* all = add("replyAll", QStringLiteral("replyall"), tr("Reply to &all"),
+                       QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    QAction* forward = add("forward", QStringLiteral("forward"), tr("&Forward"), QKeySequence(Qt::CTRL | Qt::Key_L));
+    menu->addSeparator();
+    QAction* award = add("awardToSender", QString(), tr("A&ward a prize to the sender..."),
+                         QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+    QAction* print = add("printMessage", QStringLiteral("print"), tr("&Print..."), QKeySequence(Qt::CTRL | Qt::Key_P));
+    QAction* contact =
+        add("senderContact", QString(), tr("Sender's c&ontact..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
+    menu->addSeparator();
+    QAction* close = add("closeMessage", QString(), tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W));
+    close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)});
+    bar->addActions({reply, all, forward});
+    connect(reply, &QAction::triggered, this, [this] { Q_EMIT ReplyWanted(Message_); });
+    connect(all, &QAction::triggered, this, [this] { Q_EMIT ReplyToAllWanted(Message_); });
+    connect(forward, &QAction::triggered, this, [this] { Q_EMIT ForwardWanted(Message_); });
+    connect(award, &QAction::triggered, this, [this] { Q_EMIT AwardToSenderWanted(Message_); });
+    connect(print, &QAction::triggered, this, [this] { Q_EMIT PrintWanted(Message_); });
+    connect(contact, &QAction::triggered, this, [this] { Q_EMIT SenderContactWanted(Message_); });
+    connect(close, &QAction::triggered, this, &QWidget::close);
+}
+
+void MessageWindow::CheckStored()
+{
+    if (!Station_.Database().IsOpen() || Message_->Reference() == 0)
+        return;
+    try {
+        const cMessagePtr stored = Station_.Database().ReadMessage(Message_->Reference());
+        if (!stored) {
+            Notice_->Show(tr("This message was deleted meanwhile. What you see is how it was when you opened it."));
+        } else if (stored->Category() != Message_->Category()) {
+            const clsCategory* folder = Station_.Database().MessageCategories().FindCategory(stored->Category());
+            Notice_->Show(tr("This message was moved to %1 meanwhile.")
+                              .arg(folder ? folder->Description() : tr("another folder")));
+        } else {
+            Notice_->Show(QString());
+        }
+    } catch (const dao::Error&) {
+        // The desk's own window says that the station cannot be reached.
+    }
+}

@@ -1,0 +1,435 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The desk's main window: what it is made of and what it does with the events of the list.
+
+#include "MainWindow.h"
+
+#include "DeskSettings.h"
+#include "Failure.h"
+#include "FocusRing.h"
+#include "NoticeBar.h"
+#include "RowRecovery.h"
+#include "StationPlace.h"
+#include "Words.h"
+#include "common/ClockHelper.h"
+#include "compose/ComposeWindow.h"
+#include "contacts/ContactDesk.h"
+#include "messages/AttachmentList.h"
+#include "messages/MessageWindow.h"
+#include "messages/MoveUndo.h"
+#include "messages/PreviewPane.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/widgets/Icons.h"
+#include "printing/PrintDialog.h"
+#include "prizes/PrizeDesk.h"
+#include "prizes/PrizesPage.h"
+#include "prizes/controls/uPrizesList.h"
+#include "search/SearchDesk.h"
+#include "search/SearchService.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace
+{
+constexpr int CountDelay = 150;
+constexpr int FitDelay = 300;
+constexpr int FillDelay = 200;
+/// Beyond this, fitting the subjects of all rows to a new width takes longer than it is worth.
+constexpr int MostRowsFitted = 3000;
+constexpr float ListInterval = 3;
+
+const QString GeometryState = QStringLiteral("MainWindow/Geometry");
+const QString SplitterState = QStringLiteral("MainWindow/Splitter");
+
+QString TimeNow()
+{
+    return ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
+}
+
+const QString OrderClause = QStringLiteral(" ORDER BY ");
+
+/// A query of the list without its order, and its order alone.
+QString ConditionOf(const QString& query)
+{
+    return query.left(query.lastIndexOf(OrderClause)).trimmed();
+}
+
+QString OrderOf(const QString& query)
+{
+    const qsizetype order = query.lastIndexOf(OrderClause);
+    return order < 0 ? QString() : query.mid(order + OrderClause.size()).trimmed();
+}
+} // namespace
+
+MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& settings)
+    : Station_(std::move(station)), Settings_(settings)
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setWindowIcon(Icons::Get(QStringLiteral("tolva")));
+    MakeParts();
+    ConnectList();
+    MakeFileMenu();
+    MakeMessageMenu();
+    MakeViewMenu();
+    MakeStationMenu();
+    MakeHelpMenu();
+    RestoreSizes();
+
+    CountTimer_.setSingleShot(true);
+    CountTimer_.setInterval(CountDelay);
+    connect(&CountTimer_, &QTimer::timeout, this, &MainWindow::ShowCounts);
+    WatchTimer_.setInterval(WatchMilliseconds);
+    connect(&WatchTimer_, &QTimer::timeout, this, &MainWindow::WatchStation);
+    WatchTimer_.start();
+    BackupTimer_.setInterval(BackupMilliseconds);
+    connect(&BackupTimer_, &QTimer::timeout, this, [this] {
+        // Not in the middle of a fill, which yields to timers.
+        if (!List_->IsFilling() && !MustReopen_)
+            Station_->BackUpWhenDue();
+    });
+    BackupTimer_.start();
+    connect(&Station_->Database(), &cTolvaDatabase::MessageSaved, this, [this] { CountTimer_.start(); });
+    connect(&Station_->Database(), &cTolvaDatabase::MessageDeleted, this, [this] { CountTimer_.start(); });
+
+    FitTimer_.setSingleShot(true);
+    FitTimer_.setInterval(FitDelay);
+    connect(&FitTimer_, &QTimer::timeout, this, &MainWindow::FitSubjects);
+    connect(Splitter_, &QSplitter::splitterMoved, this, [this] { FitTimer_.start(); });
+    Run([this] { setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name())); });
+    TakeSelection(nullptr);
+    TakePage(Prizes_->IsOnShow());
+}
+
+MainWindow::~MainWindow()
+{
+    for (const QPointer<QMainWindow>& window : std::as_const(Windows_))
+        delete window;
+    // The lists go before the station, and so does whoever reads it for the search.
+    delete Search_;
+    delete Prizes_;
+    List_->SetTolvaDatabase(nullptr);
+}
+
+void MainWindow::MakeParts()
+{
+    Connection_ = new NoticeBar(QStringLiteral("warning"), QString(), this);
+    Connection_->setObjectName(QStringLiteral("connectionNotice"));
+    Filter_ = new NoticeBar(QStringLiteral("search"), tr("Sho&w all"), this);
+    Filter_->setObjectName(QStringLiteral("filterNotice"));
+    List_ = new uMessagesList(this);
+    List_->setObjectName(QStringLiteral("list"));
+    List_->SetAutoUpdateInterval(ListInterval);
+    Undo_ = new MoveUndo(*Station_, *this);
+    AddTabs();
+    Preview_ = new PreviewPane(this);
+    Preview_->SetDamageAdvice([this](qint32 reference) {
+        return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
+    });
+    Splitter_ = new QSplitter(Qt::Horizontal, this);
+    Splitter_->setObjectName(QStringLiteral("splitter"));
+    Splitter_->addWidget(List_);
+    Splitter_->addWidget(MakeMessageSide());
+    Splitter_->setChildrenCollapsible(false);
+    Splitter_->setStretchFactor(0, 3);
+    Splitter_->setStretchFactor(1, 2);
+
+    MakePages();
+    MakeStatusBar();
+    connect(Filter_, &NoticeBar::ButtonClicked, this, [this] { Run([this] { List_->ClearFind(); }); });
+    connect(Preview_, &PreviewPane::WasRead, this, &MainWindow::MarkAsRead);
+    connect(&Preview_->Attachments(), &AttachmentList::Saved, this,
+            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
+}
+
+/// The page of messages and that of prizes, below the notices for both.
+void MainWindow::MakePages()
+{
+    auto* messages = new QWidget(this);
+    auto* messagesLayout = new QVBoxLayout(messages);
+    messagesLayout->setContentsMargins(0, 0, 0, 0);
+    messagesLayout->setSpacing(0);
+    messagesLayout->addWidget(&Undo_->Notice());
+    messagesLayout->addWidget(Filter_);
+    messagesLayout->addWidget(Splitter_, 1);
+    Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
+    Contacts_ = new ContactDesk(*Station_, *this);
+    ConnectContacts();
+    ConnectSearch();
+    connect(Prizes_, &PrizeDesk::WindowOpened, this, [this](QMainWindow* window) { Windows_.append(window); });
+    connect(Prizes_, &PrizeDesk::PageChanged, this, &MainWindow::TakePage);
+    connect(Prizes_, &PrizeDesk::AwardToSenderWanted, this,
+            [this] { Run([this] { Prizes_->AwardToSender(SelectedMessage()); }); });
+    connect(Prizes_, &PrizeDesk::Told, this,
+            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(Connection_);
+    layout->addWidget(&Prizes_->Notice());
+    layout->addWidget(Prizes_->MakePages(messages), 1);
+    setCentralWidget(page);
+}
+
+void MainWindow::MakeStatusBar()
+{
+    const auto addLabel = [this](const char* name) {
+        auto* label = new QLabel(this);
+        label->setObjectName(QLatin1String(name));
+        label->setTextFormat(Qt::PlainText);
+        label->setContentsMargins(6, 0, 6, 0);
+        statusBar()->addPermanentWidget(label);
+        return label;
+    };
+    Counts_ = addLabel("counts");
+    Updated_ = addLabel("updated");
+    User_ = addLabel("user");
+}
+
+/// Whose messages: everybody's and one's own, one's own alone, or those personal to others too.
+void MainWindow::AddTabs()
+{
+    List_->SetTabs({tr("General"), tr("Personal"), tr("All")});
+}
+
+void MainWindow::ConnectList()
+{
+    connect(List_, qOverload<QString&>(&uMessagesList::UpdateDisplay), this, [this](const QString& query) {
+        ListCondition_ = ConditionOf(query);
+        ListOrder_ = OrderOf(query);
+    });
+    connect(List_, &uMessagesList::MessageSelected, this, &MainWindow::TakeSelection);
+    connect(List_, &uMessagesList::NewMessage, this,
+            [this](const cMessagePtr& message) { Run([&] { TakeNewMessage(message); }); });
+    connect(List_, &uMessagesList::OpenMessage, this,
+            [this](const cMessagePtr& message) { Run([&] { TakeOpenMessage(message); }); });
+    connect(List_, &uMessagesList::PrintMessage, this, [this](const cMessagePtr& message) {
+        PrintMessages({{message->Reference()}, nullptr});
+    });
+    connect(List_, &uMessagesList::MessageMoved, Undo_, &MoveUndo::Take);
+    connect(Undo_, &MoveUndo::MovedBack, this, [this](qint32 reference) {
+        Run([&] {
+            List_->UpdateDisplay();
+            List_->SelectMessage(reference);
+        });
+    });
+    connect(Undo_, &MoveUndo::Told, this,
+            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
+    connect(List_, &uMessagesList::DisplayUpdated, this, &MainWindow::TakeUpdate);
+    connect(List_, &uMessagesList::ImportRefused, this, [this](const QString& file) {
+        statusBar()->showMessage(tr("%1 holds no mail that could be filed.").arg(file), MessageMilliseconds);
+    });
+    connect(List_, &uMessagesList::MessageGone, this, &MainWindow::TakeGoneMessage);
+    connect(List_, &uMessagesList::ReplyWanted, this, [this](const cMessagePtr&, bool& isTaken) {
+        isTaken = true;
+        Reply();
+    });
+    connect(List_, &StationList::ReadingFailed, this, &MainWindow::TakeFailedReading);
+    connect(&Prizes_->Page().List(), &StationList::ReadingFailed, this, &MainWindow::TakeFailedReading);
+}
+
+void MainWindow::RestoreSizes()
+{
+    resize(1180, 720);
+    restoreGeometry(Settings_.State(GeometryState));
+    if (!Splitter_->restoreState(Settings_.State(SplitterState)))
+        Splitter_->setSizes({680, 500});
+}
+
+void MainWindow::SaveSizes()
+{
+    Settings_.SetState(GeometryState, saveGeometry());
+    Settings_.SetState(SplitterState, Splitter_->saveState());
+    Prizes_->SaveSizes();
+}
+
+/// The list cuts subjects to the width that it has when it is filled, so it is filled when the window has its size; and
+/// from the event loop, so that a long fill can be left by closing the window. The window is painted first: reading the
+/// messages of a large folder takes its time. One that is covered need not wait for that.
+void MainWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    if (!List_->TolvaDatabase())
+        QTimer::singleShot(FillDelay, this, &MainWindow::FillList);
+}
+
+void MainWindow::paintEvent(QPaintEvent* event)
+{
+    QMainWindow::paintEvent(event);
+    if (!List_->TolvaDatabase())
+        QTimer::singleShot(0, this, &MainWindow::FillList);
+}
+
+void MainWindow::FillList()
+{
+    if (List_->TolvaDatabase() || !isVisible() || !Station_->Database().IsOpen())
+        return;
+    FittedWidth_ = List_->width();
+    Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
+    if (Prizes_->IsOnShow())
+        Prizes_->Connect();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    FitTimer_.start();
+}
+
+void MainWindow::FitSubjects()
+{
+    if (FittedWidth_ == List_->width() || !List_->TolvaDatabase() || List_->IsFilling())
+        return;
+    FittedWidth_ = List_->width();
+    if (List_->NumberItems() > 0 && List_->NumberItems() <= MostRowsFitted)
+        Run([this] { List_->RefreshDisplay(); });
+}
+
+/// The controls hold colours of their own; those of the desktop are looked up anew.
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
+        List_->SetBackColour(List_->BackColour());
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    // What is being written comes first: any of these windows may want to stay.
+    for (const QPointer<QMainWindow>& window : QList<QPointer<QMainWindow>>(Windows_)) {
+        if (window && !window->close()) {
+            event->ignore();
+            return;
+        }
+    }
+    SaveSizes();
+    Search_->Leave();
+    // Ends a fill that is under way.
+    WatchTimer_.stop();
+    Station_->Database().CloseTolvaDatabase();
+    event->accept();
+    Q_EMIT Closed();
+}
+
+void MainWindow::TakeSelection(const cMessagePtr& message)
+{
+    Preview_->Select(message);
+    for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})
+        Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
+}
+
+void MainWindow::ConnectContacts()
+{
+    connect(Contacts_, &ContactDesk::WindowOpened, this, [this](QMainWindow* window) {
+        Windows_.removeAll(nullptr);
+        Windows_.append(window);
+    });
+    connect(Contacts_, &ContactDesk::SenderWanted, this,
+            [this] { Run([this] { Contacts_->ShowSender(SelectedMessage()); }); });
+    connect(Contacts_, &ContactDesk::MessageWanted, this, &MainWindow::OpenFound);
+    connect(Contacts_, &ContactDesk::PrizeWanted, Prizes_, &PrizeDesk::OpenPrize);
+    connect(Contacts_, &ContactDesk::WinnerWanted, Prizes_, &PrizeDesk::OpenWinner);
+}
+
+/// A message that is shown elsewhere than in the list.
+void MainWindow::OpenFound(qint32 reference)
+{
+    Run([&] {
+        if (const cMessagePtr message = Station_->Database().ReadMessage(reference))
+            TakeOpenMessage(message);
+        else
+            Words::Tell(tr("That message is not there any more: it was deleted on another computer."));
+    });
+}
+
+void MainWindow::ConnectSearch()
+{
+    Search_ = new SearchDesk(*Station_, Settings_, *this);
+    Search_->Service().SetBusy([this] { return List_->IsFilling() || MustReopen_; });
+    connect(Search_, &SearchDesk::MessageWanted, this, &MainWindow::OpenFound);
+    connect(Search_, &SearchDesk::WasRead, this, &MainWindow::MarkAsRead);
+}
+
+/// What works on the selected message works only while it is seen.
+void MainWindow::TakePage(bool prizes)
+{
+    List_->MessageMenu()->menuAction()->setEnabled(!prizes);
+    List_->CategoryMenu()->menuAction()->setEnabled(!prizes);
+    TakePageForPrinting(prizes);
+    Counts_->setVisible(!prizes);
+    TakeSelection(Preview_->Message());
+    FitTimer_.start();
+}
+
+void MainWindow::TakeUpdate()
+{
+    Updated_->setText(tr("Updated %1").arg(TimeNow()));
+    Filter_->Show(List_->IsFiltered()
+                      ? tr("Filter is on: only subjects with \u201C%1\u201D").arg(List_->FindText().simplified())
+                      : QString());
+    CountTimer_.start();
+    for (MessageWindow* window : MessageWindows())
+        window->CheckStored();
+}
+
+/// The counts of the folder on show. Only the unread ones are asked of the file; the others are the rows of the list.
+void MainWindow::ShowCounts()
+{
+    if (!Station_->Database().IsOpen())
+        return;
+    try {
+        // Odd numbers are read: the lowest bit of the flags says so.
+        QString condition = ListCondition_;
+        condition += condition.isEmpty() ? QString() : QStringLiteral(" AND ");
+        const auto unread = Station_->Database().OpenMessageRows({QStringLiteral("Reference")},
+                                                                 condition + QStringLiteral("[Flags] IN (0,2,4,6)"));
+        const QLocale locale;
+        const int all = List_->NumberItems();
+        const QString messages = all == 1 ? tr("1 message") : tr("%1 messages").arg(locale.toString(all));
+        Counts_->setText(List_->IsFiltered() || List_->IsFilling()
+                             ? messages
+                             : tr("%1, %2 unread").arg(messages, locale.toString(unread->RecordCount())));
+        const clsKVUser* user = Station_->Directory().CurrentUser();
+        User_->setText(user ? user->Name() : QString());
+        setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name()));
+    } catch (const dao::Error& error) {
+        ShowConnectionProblem(error.Number());
+    }
+}
+
+void MainWindow::MarkAsRead(qint32 reference)
+{
+    const QString problem = Station_->MarkAsRead(reference);
+    if (!problem.isEmpty())
+        statusBar()->showMessage(problem, MessageMilliseconds);
+}
+
+void MainWindow::RefreshAll()
+{
+    Run([this] {
+        if (Prizes_->IsOnShow()) {
+            Prizes_->Page().Refresh();
+            return;
+        }
+        // What other computers did to the folders.
+        Station_->Database().UpdateCategoryTree();
+        List_->UpdateCategories();
+        List_->UpdateDisplay();
+    });
+}
+
+void MainWindow::FocusNextPane(bool backwards)
+{
+    if (Prizes_->IsOnShow()) {
+        Prizes_->Page().FocusNextPane(backwards);
+        return;
+    }
+    FocusNext(List_->FocusTargets() << Preview_->FocusTarget(), backwards);
+}
