@@ -11,6 +11,17 @@
 
 #include <cstdio>
 
+namespace
+{
+int Verdict()
+{
+    const int failed = FailedComparisons();
+    if (failed > 0)
+        std::printf("%d above the limit\n", failed);
+    return failed > 0 ? 1 : 0;
+}
+} // namespace
+
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
@@ -26,6 +37,12 @@ int main(int argc, char** argv)
     Require(folder.isValid(), "no folder for the stations can be made");
     PrintHeading();
     // First, while this process is small: a child's peak counts from the fork on.
+    const qsizetype words = application.arguments().indexOf(QStringLiteral("--words"));
+    if (words > 0) {
+        BenchWords(folder.filePath(QStringLiteral("words")), application.arguments().value(words + 1).toInt());
+        return Verdict();
+    }
+    BenchWords(folder.filePath(QStringLiteral("words")), quick ? 20000 : 100000);
     BenchFiling(folder.filePath(QStringLiteral("filing")), megabytes);
     BenchFilingOneMail(folder.filePath(QStringLiteral("one")));
     BenchFilingAMaildir(folder.filePath(QStringLiteral("maildir")), quick ? 2000 : 20000);
@@ -42,8 +59,5 @@ int main(int argc, char** argv)
     BenchHistory(largeStation);
     BenchOpening(smallStation, largeStation);
     BenchBackup(folder.filePath(QStringLiteral("backup")), quick ? 100 : 1024);
-    const int failed = FailedComparisons();
-    if (failed > 0)
-        std::printf("%d above the limit\n", failed);
-    return failed > 0 ? 1 : 0;
+    return Verdict();
 }

@@ -40,6 +40,11 @@ bool MachineSettings::UsesRecordLevelLocking()
     return Value(DatabasesKey, "UseRecordLevelLocking", true).toBool();
 }
 
+bool MachineSettings::KeepsSearchIndex()
+{
+    return Value(DatabasesKey, "KeepSearchIndex", true).toBool();
+}
+
 QString MachineSettings::EngineOfNewDatabases()
 {
     return Value(DatabasesKey, "NewDatabaseEngine", QString()).toString();

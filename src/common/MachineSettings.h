@@ -18,6 +18,9 @@ bool MasksPhoneNumbers();
 bool AlwaysValidatesDatabases();
 /// Whether a station is opened with locks on records; yes.
 bool UsesRecordLevelLocking();
+/// Whether the words of a station's messages are kept in an index on this machine, so that they are found at once;
+/// yes.
+bool KeepsSearchIndex();
 /// The name of the engine that new files are made with; empty for the usual one.
 QString EngineOfNewDatabases();
 

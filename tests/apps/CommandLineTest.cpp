@@ -37,6 +37,7 @@ void CommandLineTest::Prepare(QProcess& process, const QStringList& words) const
     environment.insert(QStringLiteral("TOLVA_REGISTRY"), Path(QStringLiteral("Tolva.ini")));
     environment.insert(QStringLiteral("HOME"), Temporary_.path());
     environment.insert(QStringLiteral("XDG_STATE_HOME"), Path(QStringLiteral("state")));
+    environment.insert(QStringLiteral("XDG_CACHE_HOME"), Path(QStringLiteral("cache")));
     environment.insert(QStringLiteral("TZ"), QStringLiteral("Europe/London"));
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(Temporary_.path());

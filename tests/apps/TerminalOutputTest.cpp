@@ -217,6 +217,9 @@ protected:
             {QStringLiteral("compact"), {{}, option("yes"), option("yes") + json, bad}},
             {QStringLiteral("convert"), {{}, option("yes") + json, option("to", Hostile), bad}},
             {QStringLiteral("rekey"), {{}, json, bad}},
+            {QStringLiteral("search"),
+             {{Hostile}, QStringList{Hostile} + json, {QStringLiteral("x")}, bad, option("limit", Hostile)}},
+            {QStringLiteral("index"), {{}, json, bad}},
         };
     }
 

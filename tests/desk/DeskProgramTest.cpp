@@ -20,6 +20,7 @@ protected:
         environment.insert(QStringLiteral("TOLVA_REGISTRY"), Path(QStringLiteral("Tolva.ini")));
         environment.insert(QStringLiteral("TOLVA_DESK_SETTINGS"), Path(QStringLiteral("desk.ini")));
         environment.insert(QStringLiteral("XDG_STATE_HOME"), Path(QStringLiteral("state")));
+        environment.insert(QStringLiteral("XDG_CACHE_HOME"), Path(QStringLiteral("cache")));
         process.setProcessEnvironment(environment);
         process.setProgram(QStringLiteral(TOLVA_DESK_PROGRAM));
         process.setArguments(words);

@@ -56,6 +56,8 @@ void BoxAnswer::Look()
 void DeskTest::SetUp()
 {
     ASSERT_TRUE(Temporary_.isValid());
+    // Nothing of the account that runs the tests is read or written.
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(Path(QStringLiteral("cache"))));
     StationMaking::Make(Folder(), QStringLiteral("Harbour FM"), QStringLiteral("01632 960100"),
                         QStringLiteral("Technician"), Ui);
     Station.Open(Folder(), QStringLiteral("Technician"));
@@ -118,6 +120,7 @@ QByteArray DeskTest::OtherComputer(const char* command, const QStringList& words
     environment.remove(QStringLiteral("TOLVA_USER"));
     environment.insert(QStringLiteral("TOLVA_REGISTRY"), Path(QStringLiteral("Tolva.ini")));
     environment.insert(QStringLiteral("XDG_STATE_HOME"), Path(QStringLiteral("state")));
+    environment.insert(QStringLiteral("XDG_CACHE_HOME"), Path(QStringLiteral("cache")));
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(TOLVA_PROGRAM), QStringList{QString::fromLatin1(command), Folder()} + words);
     EXPECT_TRUE(process.waitForFinished());

@@ -34,6 +34,7 @@ protected:
         environment.remove(QStringLiteral("TOLVA_USER"));
         environment.insert(QStringLiteral("TOLVA_REGISTRY"), Path(QStringLiteral("Tolva.ini")));
         environment.insert(QStringLiteral("XDG_STATE_HOME"), Path(QStringLiteral("state")));
+        environment.insert(QStringLiteral("XDG_CACHE_HOME"), Path(QStringLiteral("cache")));
         desk.setProcessEnvironment(environment);
         desk.start(QStringLiteral(TOLVA_SOAK_DESK), {Folder(), Path(name + QStringLiteral(".ini"))});
         ASSERT_TRUE(desk.waitForStarted());
@@ -80,6 +81,7 @@ protected:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("TOLVA_REGISTRY"), Path(QStringLiteral("Tolva.ini")));
         environment.insert(QStringLiteral("XDG_STATE_HOME"), Path(QStringLiteral("state")));
+        environment.insert(QStringLiteral("XDG_CACHE_HOME"), Path(QStringLiteral("cache")));
         QElapsedTimer since;
         since.start();
         for (int started = 0; !deadline.hasExpired(); ++started) {

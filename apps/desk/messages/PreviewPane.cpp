@@ -97,6 +97,11 @@ void PreviewPane::TakeReadTime()
         ReadTimer_.start();
 }
 
+void PreviewPane::SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker)
+{
+    View_->SetMarker(std::move(marker));
+}
+
 QWidget* PreviewPane::FocusTarget() const
 {
     return &View_->BodyPane();

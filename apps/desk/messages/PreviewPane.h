@@ -33,6 +33,8 @@ public:
     AttachmentList& Attachments() const { return *Attachments_; }
     /// What to do about a damaged message, in words; asked for when one is shown.
     void SetDamageAdvice(std::function<QString(qint32 reference)> advice) { DamageAdvice_ = std::move(advice); }
+    /// Marks what it finds in the body of what is shown; see uMessageBasic.
+    void SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker);
     /// Where the keyboard goes.
     QWidget* FocusTarget() const;
 

@@ -17,6 +17,9 @@
 #include "messageslist/uMessagesList.h"
 #include "printing/LabelsDialog.h"
 #include "printing/PrintDialog.h"
+#include "search/SearchDesk.h"
+#include "search/SearchService.h"
+#include "search/SearchWindow.h"
 #include "station/BackupsDialog.h"
 #include "station/SignInDialog.h"
 #include "station/StartDialog.h"
@@ -141,6 +144,7 @@ public:
             Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
             [this] { Settle(); });
         PrintingOfPrize();
+        Searching();
         if (withLarge)
             Large();
         Window().close();
@@ -150,6 +154,20 @@ public:
 private:
     MainWindow& Window() { return *Desk_.Window(); }
     uMessagesList& List() { return Window().List(); }
+
+    void Searching()
+    {
+        SearchWindow& search = Window().Search().Window();
+        search.Search(QStringLiteral("harbour"));
+        Wait([&] { return Window().Search().Service().IsComplete() && search.IsSettled(); });
+        Settle();
+        Save(search, "search", 1);
+        Appearance::Apply(QStringLiteral("dark"));
+        Settle();
+        Save(search, "search-dark", 1);
+        Appearance::Apply(QStringLiteral("light"));
+        search.close();
+    }
 
     void Settle()
     {

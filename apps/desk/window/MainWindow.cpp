@@ -24,6 +24,8 @@
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
 #include "prizes/controls/uPrizesList.h"
+#include "search/SearchDesk.h"
+#include "search/SearchService.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -109,7 +111,8 @@ MainWindow::~MainWindow()
 {
     for (const QPointer<QMainWindow>& window : std::as_const(Windows_))
         delete window;
-    // The lists go before the station.
+    // The lists go before the station, and so does whoever reads it for the search.
+    delete Search_;
     delete Prizes_;
     List_->SetTolvaDatabase(nullptr);
 }
@@ -158,6 +161,7 @@ void MainWindow::MakePages()
     Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
     Contacts_ = new ContactDesk(*Station_, *this);
     ConnectContacts();
+    ConnectSearch();
     connect(Prizes_, &PrizeDesk::WindowOpened, this, [this](QMainWindow* window) { Windows_.append(window); });
     connect(Prizes_, &PrizeDesk::PageChanged, this, &MainWindow::TakePage);
     connect(Prizes_, &PrizeDesk::AwardToSenderWanted, this,
@@ -306,6 +310,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         }
     }
     SaveSizes();
+    Search_->Leave();
     // Ends a fill that is under way.
     WatchTimer_.stop();
     Station_->Database().CloseTolvaDatabase();
@@ -328,16 +333,28 @@ void MainWindow::ConnectContacts()
     });
     connect(Contacts_, &ContactDesk::SenderWanted, this,
             [this] { Run([this] { Contacts_->ShowSender(SelectedMessage()); }); });
-    connect(Contacts_, &ContactDesk::MessageWanted, this, [this](qint32 reference) {
-        Run([&] {
-            if (const cMessagePtr message = Station_->Database().ReadMessage(reference))
-                TakeOpenMessage(message);
-            else
-                Words::Tell(tr("That message is not there any more: it was deleted on another computer."));
-        });
-    });
+    connect(Contacts_, &ContactDesk::MessageWanted, this, &MainWindow::OpenFound);
     connect(Contacts_, &ContactDesk::PrizeWanted, Prizes_, &PrizeDesk::OpenPrize);
     connect(Contacts_, &ContactDesk::WinnerWanted, Prizes_, &PrizeDesk::OpenWinner);
+}
+
+/// A message that is shown elsewhere than in the list.
+void MainWindow::OpenFound(qint32 reference)
+{
+    Run([&] {
+        if (const cMessagePtr message = Station_->Database().ReadMessage(reference))
+            TakeOpenMessage(message);
+        else
+            Words::Tell(tr("That message is not there any more: it was deleted on another computer."));
+    });
+}
+
+void MainWindow::ConnectSearch()
+{
+    Search_ = new SearchDesk(*Station_, Settings_, *this);
+    Search_->Service().SetBusy([this] { return List_->IsFilling() || MustReopen_; });
+    connect(Search_, &SearchDesk::MessageWanted, this, &MainWindow::OpenFound);
+    connect(Search_, &SearchDesk::WasRead, this, &MainWindow::MarkAsRead);
 }
 
 /// What works on the selected message works only while it is seen.

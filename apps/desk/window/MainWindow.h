@@ -25,6 +25,7 @@ class MoveUndo;
 class NoticeBar;
 class PreviewPane;
 class PrizeDesk;
+class SearchDesk;
 class QLabel;
 class QMenu;
 class QSplitter;
@@ -47,6 +48,7 @@ public:
     PreviewPane& Preview() { return *Preview_; }
     PrizeDesk& Prizes() { return *Prizes_; }
     ContactDesk& Contacts() { return *Contacts_; }
+    SearchDesk& Search() { return *Search_; }
 
     /// A run-time error of a control; true when this window has met it: that the station was put back from a backup.
     bool TakeRunTimeError(const dao::Error& error);
@@ -118,6 +120,8 @@ private:
     void TakeNewMessage(const cMessagePtr& message);
     void TakeOpenMessage(const cMessagePtr& message);
     void ConnectContacts();
+    void ConnectSearch();
+    void OpenFound(qint32 reference);
     void TakeUpdate();
     void TakePage(bool prizes);
     void TakeGoneMessage();
@@ -159,6 +163,7 @@ private:
     PreviewPane* Preview_ = nullptr;
     PrizeDesk* Prizes_ = nullptr;
     ContactDesk* Contacts_ = nullptr;
+    SearchDesk* Search_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* Filter_ = nullptr;

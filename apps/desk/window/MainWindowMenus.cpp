@@ -15,6 +15,7 @@
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
 #include "prizes/controls/uPrizesList.h"
+#include "search/SearchDesk.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -128,6 +129,11 @@ void MainWindow::MakeMessageMenu()
     menu->addAction(Undo_->Action());
     menu->addAction(Prizes_->MakeAwardToSenderAction());
     menu->addAction(Contacts_->MakeSenderAction());
+    Search_->AddToMessageMenu(*menu, [this] {
+        cMessagePtr message;
+        Run([&] { message = SelectedMessage(); });
+        return message;
+    });
     ShowKey(*menu, "mnuReplyMessage", replyKey);
     ShowKey(*menu, "mnuForwardMessage", forwardKey);
     ShowKey(*menu, "mnuPrint", QKeySequence(Qt::CTRL | Qt::Key_P));
@@ -143,7 +149,8 @@ void MainWindow::MakeViewMenu()
     QAction* find =
         AddAction(menu, "find", QStringLiteral("search"), tr("&Find in subjects"), QKeySequence(Qt::CTRL | Qt::Key_F));
     QAction* all =
-        AddAction(menu, "showAll", QString(), tr("Show &all messages"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
+        AddAction(menu, "showAll", QString(), tr("Show &all messages"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F));
+    Search_->AddToViewMenu(*menu);
     menu->addSeparator();
     QAction* next = AddAction(menu, "nextPane", QString(), tr("&Next part of the window"), QKeySequence(Qt::Key_F6));
     QAction* previous = AddAction(menu, "previousPane", QString(), tr("&Previous part of the window"),

@@ -7,6 +7,7 @@
 CommandDefinition InitCommand();
 CommandDefinition FileCommand();
 CommandDefinition ListCommand();
+CommandDefinition SearchCommand();
 CommandDefinition ShowCommand();
 CommandDefinition ExportCommand();
 CommandDefinition PrintCommand();
@@ -29,6 +30,7 @@ CommandDefinition RecoverCommand();
 CommandDefinition CompactCommand();
 CommandDefinition ConvertCommand();
 CommandDefinition RekeyCommand();
+CommandDefinition IndexCommand();
 
 /// In the order of the help page.
 std::vector<CommandDefinition> AllCommands();

@@ -183,6 +183,11 @@ void uMessageBasic::ShowBody()
     wbBody_->ShowText(text);
 }
 
+void uMessageBasic::SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker)
+{
+    wbBody_->SetMarker(std::move(marker));
+}
+
 void uMessageBasic::ReadProperties(const PropertyBag& bag)
 {
     SetBackColour(bag.ReadProperty(QStringLiteral("BackColour"), pnlMain_->BackColour()).toInt());

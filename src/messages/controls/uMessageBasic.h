@@ -7,6 +7,7 @@
 #include <QFrame>
 
 #include <array>
+#include <functional>
 
 class Panel3;
 class PropertyBag;
@@ -43,6 +44,10 @@ public:
     const cMessagePtr& Message() const { return Message_; }
     /// Null empties the view. Phone numbers of a text message are masked where the machine's settings say so.
     void SetMessage(const cMessagePtr& message);
+
+    /// Marks stretches of the body, this one's and that of messages to come: begins and sizes of what it finds in a
+    /// text. An empty one ends that.
+    void SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker);
 
     /// "BackColour", "ForeColour", "Font" and "ShowBodyBorder".
     void ReadProperties(const PropertyBag& bag);

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/html/TagScanner.h"
 
+#include "platform/html/CharacterReferences.h"
+
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <functional>
@@ -148,4 +151,71 @@ QString TagScanner::TextOf(const QString& html)
         end = tag.End;
     });
     return text + html.mid(end);
+}
+
+namespace
+{
+bool ParsesToNothing(const QString& name)
+{
+    static const QSet<QString> names{QStringLiteral("area"), QStringLiteral("base"),  QStringLiteral("br"),
+                                     QStringLiteral("col"),  QStringLiteral("embed"), QStringLiteral("hr"),
+                                     QStringLiteral("img"),  QStringLiteral("input"), QStringLiteral("link"),
+                                     QStringLiteral("meta"), QStringLiteral("param"), QStringLiteral("source"),
+                                     QStringLiteral("wbr")};
+    return names.contains(name);
+}
+
+bool HidesItself(QStringView tag)
+{
+    static const QRegularExpression hidden(QStringLiteral("style\\s*=[^>]{0,1000}display\\s*:\\s*none"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    return tag.contains(u"none", Qt::CaseInsensitive) && hidden.match(tag.toString()).hasMatch();
+}
+
+/// The element that hides what is in it, and how many of its name are open within.
+struct HiddenElement
+{
+    QString Name;
+    int Depth = 0;
+
+    /// Whether what stands before this tag is hidden.
+    bool Take(const Tag& tag, QStringView page)
+    {
+        const bool isHidden = Depth > 0;
+        if (isHidden && tag.Name == Name) {
+            Depth += tag.IsEnd ? -1 : 1;
+        } else if (!isHidden && !tag.IsEnd && !tag.Name.isEmpty() && !ParsesToNothing(tag.Name) &&
+                   HidesItself(page.sliced(tag.Begin, tag.End - tag.Begin))) {
+            Name = tag.Name;
+            Depth = 1;
+        }
+        return isHidden;
+    }
+};
+
+bool DividesWords(const QString& name)
+{
+    static const QSet<QString> names{QStringLiteral("td"),     QStringLiteral("th"),  QStringLiteral("option"),
+                                     QStringLiteral("script"), QStringLiteral("img"), QStringLiteral("style"),
+                                     QStringLiteral("title"),  QStringLiteral("dd"),  QStringLiteral("caption")};
+    return BeginsLine(name) || names.contains(name);
+}
+} // namespace
+
+QString TagScanner::ShownText(const QString& html)
+{
+    QString text;
+    HiddenElement hidden;
+    qsizetype end = 0;
+    ForEachTag(html, [&](const Tag& tag) {
+        const bool isHidden = hidden.Take(tag, html);
+        if (!isHidden)
+            AppendResolved(text, QStringView(html).sliced(end, tag.Begin - end));
+        if (DividesWords(tag.Name) && !text.endsWith(u'\n'))
+            text += u'\n';
+        end = tag.End;
+    });
+    if (hidden.Depth == 0)
+        AppendResolved(text, QStringView(html).sliced(end));
+    return text;
 }

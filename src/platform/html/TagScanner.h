@@ -14,4 +14,7 @@ HtmlPatience PatienceWith(const QString& html);
 /// The page's text without tags, comments, scripts and style sheets; entities stay as they are. Line ends stand where
 /// blocks begin.
 QString TextOf(const QString& html);
+/// The words that a reader sees, with their entities resolved: what stands in several elements of one line is one word
+/// (as in "<b>light</b>house"), and what an element's own style hides is left out. Style sheets do not count.
+QString ShownText(const QString& html);
 } // namespace TagScanner

@@ -141,6 +141,12 @@ FileReport DBEngine::ExamineDatabase(const QString& file, const std::function<bo
     return EngineOfFile(file).Examine(QFileInfo(file).absoluteFilePath(), advance);
 }
 
+qint64 DBEngine::IdentityOf(const QString& file)
+{
+    const QString fileName = QFileInfo(file).absoluteFilePath();
+    return EngineOfFile(fileName).IdentityOf(fileName);
+}
+
 QStringList DBEngine::CompanionsOf(const QString& file)
 {
     return engine::EngineRegistry::Instance().CompanionsOf(QFileInfo(file).absoluteFilePath());

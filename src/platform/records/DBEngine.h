@@ -81,6 +81,10 @@ public:
     /// The same where nothing but the verdict matters: 3049 when the database is damaged. Indexes that do not match
     /// their tables lose nothing and are no damage.
     static void CheckDatabase(const QString& file);
+    /// A number by which what is kept of a database elsewhere is known to be of this one: the file carries it through
+    /// renames and compactions; another database, or another state that is put in its place, has another number. 0
+    /// where the file has none. The errors of OpenDatabase.
+    static qint64 IdentityOf(const QString& file);
     /// The names of all files, there or not, that an engine may have put beside a database file. They are the file's
     /// own: another file that takes its name must not meet them.
     static QStringList CompanionsOf(const QString& file);

@@ -156,6 +156,33 @@ void WebBrowser::Refresh()
         ShowSafePage();
     else
         ShowPlainBody();
+    Mark();
+}
+
+void WebBrowser::SetMarker(Marker marker)
+{
+    Marker_ = std::move(marker);
+    Mark();
+}
+
+/// In colours that are read on either ground.
+void WebBrowser::Mark()
+{
+    constexpr qsizetype MostMarked = 500'000;
+    constexpr qsizetype MostMarks = 1000;
+    QList<QTextEdit::ExtraSelection> marks;
+    const QString text = Marker_ ? View_->toPlainText().left(MostMarked) : QString();
+    const auto places = text.isEmpty() ? QList<std::pair<qsizetype, qsizetype>>() : Marker_(text).mid(0, MostMarks);
+    for (const auto& [begin, size] : places) {
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(View_->document());
+        mark.cursor.setPosition(static_cast<int>(begin));
+        mark.cursor.setPosition(static_cast<int>(begin + size), QTextCursor::KeepAnchor);
+        mark.format.setBackground(QColor(255, 236, 150));
+        mark.format.setForeground(Qt::black);
+        marks.append(mark);
+    }
+    View_->setExtraSelections(marks);
 }
 
 void WebBrowser::ShowSafePage()

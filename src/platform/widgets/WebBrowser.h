@@ -27,6 +27,9 @@ public:
     /// none.
     using ContentLoader = std::function<QByteArray(const QString& contentID, QString* contentType)>;
 
+    /// Where a text that is shown is to be marked: begins and sizes.
+    using Marker = std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)>;
+
     explicit WebBrowser(QWidget* parent = nullptr);
     ~WebBrowser() override;
 
@@ -37,6 +40,8 @@ public:
     void SetWhole(std::function<QString()> whole);
     /// For the pages shown from now on. Without it, or with an empty one, no pictures of the message show.
     void SetContentLoader(ContentLoader loader);
+    /// Marks the page on show and those that come; an empty one ends that.
+    void SetMarker(Marker marker);
 
     /// What opens a link that the user clicked; only http, https and mailto come here. An empty one goes back to the
     /// desktop's own programs.
@@ -71,6 +76,7 @@ private:
     void OpenLink(const QUrl& address);
     void Zoom(int steps);
     void ShowAll();
+    void Mark();
 
     PageView* View_;
     QWidget* Notice_;
@@ -84,6 +90,7 @@ private:
     std::function<QString()> NextWhole_;
     std::function<QString()> Whole_; ///< Empty when Content_ is all.
     ContentLoader Loader_;
+    Marker Marker_;
     QList<QByteArray> EmbeddedPictures_;
     bool ShowsSource_ = false;
     bool ShowsAll_ = false;

@@ -266,6 +266,9 @@ public:
     /// Reads a file to its last page. progress as for Copy, without numbers. Errors: those of opening but 3049, which
     /// is a finding.
     virtual FileReport Examine(const QString& fileName, const CopyProgress& progress) = 0;
+    /// A number that a file carries through renames and compactions, and that another file or another state of the
+    /// station put in its place has not; 0 where the file has none. Errors: those of Open.
+    virtual qint64 IdentityOf(const QString& /*fileName*/) { return 0; }
     /// The names of the files that belong to a database file while it is in use or after a crash, whether they are
     /// there or not. A file that takes its name must not meet them.
     virtual QStringList CompanionsOf(const QString& fileName) const = 0;

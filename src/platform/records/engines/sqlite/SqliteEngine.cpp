@@ -68,6 +68,11 @@ public:
         return std::make_unique<ContentLock>(fileName);
     }
     FileReport Examine(const QString& fileName, const engine::CopyProgress& progress) override;
+    qint64 IdentityOf(const QString& fileName) override
+    {
+        Connection connection(fileName, Connection::Mode::ReadOnly);
+        return ReadIdentity(connection);
+    }
     QStringList CompanionsOf(const QString& fileName) const override
     {
         return {fileName + QStringLiteral("-journal"), ChangeLog::NameFor(fileName)};

@@ -1,0 +1,450 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SearchWindow.h"
+
+#include "DeskSettings.h"
+#include "FolderPaths.h"
+#include "RowRecovery.h"
+#include "SearchFolders.h"
+#include "SearchRows.h"
+#include "SearchService.h"
+#include "common/ClockHelper.h"
+#include "messages/AttachmentList.h"
+#include "messages/PreviewPane.h"
+#include "platform/widgets/Icons.h"
+#include "station/DeskStation.h"
+#include "window/NoticeBar.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCompleter>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QMenuBar>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QStringListModel>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace
+{
+const QString SavedState = QStringLiteral("SavedSearches");
+const QString GeometryState = QStringLiteral("SearchWindow/Geometry");
+constexpr int MostSaved = 30;
+constexpr int FromWidth = 150;
+constexpr int FolderWidth = 110;
+constexpr qsizetype LeastToComplete = 2;
+
+QString Counted(const QString& name, qint64 count)
+{
+    return QStringLiteral("%1 (%2)").arg(name, QLocale().toString(count));
+}
+
+/// Puts entries with their data into a box and leaves what is chosen chosen.
+void Refill(QComboBox& box, const QList<std::pair<QString, QVariant>>& entries)
+{
+    const QSignalBlocker blocker(box);
+    const QVariant chosen = box.currentData();
+    box.clear();
+    for (const auto& [text, data] : entries)
+        box.addItem(text, data);
+    const int place = chosen.isValid() ? box.findData(chosen) : 0;
+    box.setCurrentIndex(std::max(0, place));
+}
+} // namespace
+
+SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSettings& settings)
+    : Station_(station),
+      Service_(service),
+      Settings_(settings),
+      Field_(new QLineEdit(this)),
+      Count_(new QLabel(this)),
+      Related_(new NoticeBar(QStringLiteral("search"), tr("Search &all"), this)),
+      Problem_(new NoticeBar(QStringLiteral("warning"), QString(), this)),
+      List_(new QTreeView(this)),
+      Model_(new SearchModel(this)),
+      Marks_(new HitDelegate(List_)),
+      Preview_(new PreviewPane(this))
+{
+    setObjectName(QStringLiteral("searchWindow"));
+    setWindowTitle(tr("Search all messages"));
+    Field_->setObjectName(QStringLiteral("searchField"));
+    Field_->setPlaceholderText(tr("Words in any message; from:  to:  in:  before:  after:  has:attachment  is:unread"));
+    Field_->setAccessibleName(tr("Search all messages"));
+    Field_->setClearButtonEnabled(true);
+    Field_->installEventFilter(this);
+    auto* completer = new QCompleter(new QStringListModel(this), this);
+    completer->setCompletionMode(QCompleter::PopupCompletion);
+    Field_->setCompleter(completer);
+    Count_->setObjectName(QStringLiteral("searchCount"));
+    Related_->setObjectName(QStringLiteral("searchRelated"));
+    Problem_->setObjectName(QStringLiteral("searchProblem"));
+    List_->setObjectName(QStringLiteral("searchList"));
+    List_->setAccessibleName(tr("Messages that were found"));
+    List_->setRootIsDecorated(false);
+    List_->setUniformRowHeights(true);
+    List_->setAllColumnsShowFocus(true);
+    List_->setAlternatingRowColors(false);
+    List_->setModel(Model_);
+    List_->setItemDelegate(Marks_);
+    List_->header()->setStretchLastSection(false);
+    List_->header()->setSectionResizeMode(SearchModel::colSubject, QHeaderView::Stretch);
+    List_->header()->setSectionResizeMode(SearchModel::colSent, QHeaderView::ResizeToContents);
+    // Those on show tell how wide dates are: all are about the same.
+    List_->header()->setResizeContentsPrecision(0);
+    List_->header()->resizeSection(SearchModel::colFrom, FromWidth);
+    List_->header()->resizeSection(SearchModel::colFolder, FolderWidth);
+
+    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->addWidget(List_);
+    splitter->addWidget(Preview_);
+    splitter->setChildrenCollapsible(false);
+    splitter->setSizes({640, 420});
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(Field_);
+    layout->addWidget(MakeFilters());
+    layout->addWidget(Related_);
+    layout->addWidget(Problem_);
+    layout->addWidget(splitter, 1);
+    setCentralWidget(page);
+    MakeMenu();
+    resize(1080, 640);
+    restoreGeometry(Settings_.State(GeometryState));
+
+    TypingTimer_.setSingleShot(true);
+    TypingTimer_.setInterval(TypingMilliseconds);
+    Preview_->SetDamageAdvice([this](qint32 reference) {
+        return RowRecovery::Advice(Station_.Folder(), RowRecovery::Kind::Message, reference);
+    });
+    connect(Preview_, &PreviewPane::WasRead, this, &SearchWindow::WasRead);
+    connect(&Preview_->Attachments(), &AttachmentList::Saved, this,
+            [this](const QString& words) { statusBar()->showMessage(words); });
+    connect(&TypingTimer_, &QTimer::timeout, this, &SearchWindow::Ask);
+    connect(Field_, &QLineEdit::textChanged, this, [this] { TypingTimer_.start(); });
+    connect(Field_, &QLineEdit::textEdited, this, &SearchWindow::Complete);
+    connect(Field_, &QLineEdit::returnPressed, this, &SearchWindow::OpenSelected);
+    connect(List_, &QTreeView::activated, this, &SearchWindow::OpenSelected);
+    connect(List_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &SearchWindow::TakeSelection);
+    connect(Related_, &NoticeBar::ButtonClicked, this, [this] { SearchRelated({}, QString()); });
+    connect(&Service_, &SearchService::Found, this, &SearchWindow::TakeResult);
+    // New mail joins what is on show, and what was erased goes.
+    connect(&Service_, &SearchService::Changed, this, [this] {
+        if (isVisible() && !TypingTimer_.isActive())
+            TypingTimer_.start();
+    });
+    connect(&Service_, &SearchService::StateChanged, this, &SearchWindow::ShowState);
+    ShowState();
+}
+
+QWidget* SearchWindow::MakeFilters()
+{
+    auto* row = new QWidget(this);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    const auto add = [&](const char* name, const QString& words) {
+        auto* box = new QComboBox(row);
+        box->setObjectName(QLatin1String(name));
+        box->setAccessibleName(words);
+        box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        connect(box, &QComboBox::currentIndexChanged, this, &SearchWindow::Ask);
+        layout->addWidget(box);
+        return box;
+    };
+    Folder_ = add("searchFolder", tr("Folder"));
+    Kind_ = add("searchKind", tr("Kind"));
+    Time_ = add("searchTime", tr("Time"));
+    Order_ = add("searchOrder", tr("Order"));
+    FillFolders({});
+    FillKinds({});
+    Refill(*Time_, {{tr("Any time"), QVariant()},
+                    {tr("Last 24 hours"), 1},
+                    {tr("Last 7 days"), 7},
+                    {tr("Last 30 days"), 30},
+                    {tr("Last year"), 365}});
+    Refill(*Order_, {{tr("Newest first"), static_cast<int>(SearchOrder::NewestFirst)},
+                     {tr("Best first"), static_cast<int>(SearchOrder::BestFirst)}});
+    layout->addStretch(1);
+    layout->addWidget(Count_);
+    return row;
+}
+
+void SearchWindow::MakeMenu()
+{
+    auto* menu = menuBar()->addMenu(tr("&Search"));
+    QAction* save =
+        menu->addAction(tr("&Save this search"), QKeySequence(Qt::CTRL | Qt::Key_S), this, &SearchWindow::SaveSearch);
+    save->setObjectName(QStringLiteral("saveSearch"));
+    auto* saved = menu->addMenu(tr("Sa&ved searches"));
+    saved->setObjectName(QStringLiteral("savedSearches"));
+    connect(saved, &QMenu::aboutToShow, this, [this, saved] { FillSavedMenu(*saved); });
+    menu->addSeparator();
+    menu->addAction(tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W), this, &QWidget::close);
+}
+
+void SearchWindow::FillSavedMenu(QMenu& menu)
+{
+    menu.clear();
+    for (const QString& typed : Saved()) {
+        QString text = typed;
+        menu.addAction(text.replace(u'&', QStringLiteral("&&")), this, [this, typed] { Search(typed); });
+    }
+    if (menu.isEmpty()) {
+        menu.addAction(tr("None yet"))->setEnabled(false);
+        return;
+    }
+    menu.addSeparator();
+    QAction* forget = menu.addAction(tr("&Forget the one on show"), this, [this] {
+        QStringList saved = Saved();
+        saved.removeAll(Typed());
+        SetSaved(saved);
+    });
+    forget->setEnabled(Saved().contains(Typed()));
+}
+
+QStringList SearchWindow::Saved() const
+{
+    return QString::fromUtf8(Settings_.State(SavedState)).split(u'\n', Qt::SkipEmptyParts);
+}
+
+void SearchWindow::SetSaved(const QStringList& saved)
+{
+    Settings_.SetState(SavedState, saved.mid(0, MostSaved).join(u'\n').toUtf8());
+}
+
+void SearchWindow::SaveSearch()
+{
+    if (Typed().isEmpty())
+        return;
+    QStringList saved = Saved();
+    saved.removeAll(Typed());
+    saved.prepend(Typed());
+    SetSaved(saved);
+    statusBar()->showMessage(tr("Saved. It stands in the menu Search."));
+}
+
+QString SearchWindow::Typed() const
+{
+    return Field_->text().trimmed();
+}
+
+void SearchWindow::Begin()
+{
+    Service_.Start();
+    if (isMinimized())
+        showNormal();
+    show();
+    raise();
+    activateWindow();
+    Field_->setFocus(Qt::ShortcutFocusReason);
+    Field_->selectAll();
+}
+
+void SearchWindow::Search(const QString& typed)
+{
+    RelatedTerms_.clear();
+    Related_->Show(QString());
+    Begin();
+    Field_->setText(typed);
+    Field_->deselect();
+    Ask();
+}
+
+void SearchWindow::SearchRelated(const QList<QByteArray>& terms, const QString& words)
+{
+    RelatedTerms_ = terms;
+    Related_->Show(words);
+    Begin();
+    Field_->clear();
+    Ask();
+}
+
+SearchOptions SearchWindow::OptionsOf(const SearchQuestion& question) const
+{
+    constexpr qint64 SecondsOfDay = 24 * 60 * 60;
+    SearchOptions options;
+    options.Most = MostRows;
+    options.Order = static_cast<SearchOrder>(Order_->currentData().toInt());
+    options.Folders = FoldersMeant(question, FolderPaths(Station_.Database().MessageCategories()));
+    if (Folder_->currentData().isValid())
+        options.OnlyFolder = Folder_->currentData().toInt();
+    if (Kind_->currentData().isValid())
+        options.OnlyKind = static_cast<SearchKind>(Kind_->currentData().toInt());
+    if (Time_->currentData().isValid()) {
+        options.OnlySince =
+            ClockHelper::NowUTC().ToDateTime(Qt::UTC).toSecsSinceEpoch() - Time_->currentData().toInt() * SecondsOfDay;
+    }
+    return options;
+}
+
+void SearchWindow::Ask()
+{
+    TypingTimer_.stop();
+    Asked_ = SearchQuestion::Of(Field_->text(), SearchQuestion::Reading::Typing);
+    Asked_.AnyOf = RelatedTerms_;
+    if (Asked_.IsEmpty()) {
+        IsWaiting_ = false;
+        AskedNumber_ = 0;
+        TakeResult(0, {});
+        return;
+    }
+    IsWaiting_ = true;
+    AskedNumber_ = Service_.Search(Asked_, OptionsOf(Asked_));
+}
+
+void SearchWindow::TakeResult(int search, const SearchResult& result)
+{
+    if (search != AskedNumber_)
+        return;
+    IsWaiting_ = false;
+    Result_ = result;
+    const qint32 selected = Model_->ReferenceAt(List_->currentIndex().row());
+    QList<SearchRow> rows;
+    try {
+        rows = ReadSearchRows(Station_.Database(), result.Hits);
+        Problem_->Show(Service_.Problem());
+    } catch (const dao::Error& error) {
+        Problem_->Show(Station_.Words(error.Number(), error.Description()));
+    }
+    const QList<SearchWords::Alternatives> wanted = Asked_.Words + Asked_.Sender;
+    Marks_->SetWanted(wanted);
+    Preview_->SetMarker([wanted](const QString& text) {
+        QList<std::pair<qsizetype, qsizetype>> places;
+        for (const SearchWords::Place& place : SearchWords::PlacesOf(text, wanted))
+            places.append({place.Begin, place.Size});
+        return places;
+    });
+    const int scrolled = List_->verticalScrollBar()->value();
+    Model_->SetRows(rows, FolderPaths(Station_.Database().MessageCategories()));
+    FillFolders(result);
+    FillKinds(result);
+    const int row = Model_->RowOf(selected);
+    List_->setCurrentIndex(Model_->index(std::max(0, row), 0));
+    if (row > 0)
+        List_->verticalScrollBar()->setValue(scrolled);
+    if (Model_->rowCount() == 0)
+        TakeSelection();
+    ShowState();
+}
+
+void SearchWindow::FillFolders(const SearchResult& result)
+{
+    qint64 all = 0;
+    QList<std::pair<QString, QVariant>> entries;
+    const QHash<qint32, QString> paths =
+        Station_.Database().IsOpen() ? FolderPaths(Station_.Database().MessageCategories()) : QHash<qint32, QString>();
+    QList<qint32> folders = result.Folders.keys();
+    const QVariant chosen = Folder_->currentData();
+    if (chosen.isValid() && !folders.contains(chosen.toInt()))
+        folders.append(chosen.toInt());
+    std::sort(folders.begin(), folders.end());
+    for (const qint32 folder : folders) {
+        all += result.Folders.value(folder);
+        entries.append({Counted(FolderPath(paths, folder), result.Folders.value(folder)), folder});
+    }
+    entries.prepend({all > 0 ? Counted(tr("All folders"), all) : tr("All folders"), QVariant()});
+    Refill(*Folder_, entries);
+}
+
+void SearchWindow::FillKinds(const SearchResult& result)
+{
+    const auto entry = [&result](const QString& name, SearchKind kind) {
+        return std::pair<QString, QVariant>(Counted(name, result.Kinds.value(kind)), static_cast<int>(kind));
+    };
+    Refill(*Kind_, {{tr("All kinds"), QVariant()},
+                    entry(tr("E-mails"), SearchKind::Email),
+                    entry(tr("Text messages"), SearchKind::SMS),
+                    entry(tr("Unread"), SearchKind::Unread),
+                    entry(tr("With attachments"), SearchKind::WithFiles)});
+}
+
+void SearchWindow::ShowState()
+{
+    QStringList words;
+    if (!Asked_.IsEmpty() && !IsWaiting_) {
+        if (Result_.Count == 0)
+            words.append(tr("No messages"));
+        else if (Result_.Count > Model_->rowCount() && Model_->rowCount() == MostRows)
+            words.append(
+                tr("The first %1 of %2 messages").arg(QLocale().toString(MostRows), QLocale().toString(Result_.Count)));
+        else
+            words.append(Model_->rowCount() == 1 ? tr("1 message")
+                                                 : tr("%1 messages").arg(QLocale().toString(Model_->rowCount())));
+    }
+    if (Asked_.IsCut)
+        words.append(tr("only the beginning is searched for"));
+    if (!Service_.IsComplete() && Service_.Problem().isEmpty())
+        words.append(tr("first %1 percent searched").arg(Service_.Percent()));
+    Count_->setText(words.join(QStringLiteral(" \u00B7 ")));
+    if (!Service_.Problem().isEmpty())
+        Problem_->Show(Service_.Problem());
+}
+
+void SearchWindow::TakeSelection()
+{
+    const qint32 reference = Model_->ReferenceAt(List_->currentIndex().row());
+    if (Preview_->Message() && reference == Preview_->Message()->Reference())
+        return;
+    try {
+        Preview_->Select(reference > 0 ? Station_.Database().ReadMessage(reference) : nullptr);
+    } catch (const dao::Error& error) {
+        Preview_->Select(nullptr);
+        Problem_->Show(Station_.Words(error.Number(), error.Description()));
+    }
+}
+
+void SearchWindow::OpenSelected()
+{
+    const qint32 reference = Model_->ReferenceAt(List_->currentIndex().row());
+    if (reference > 0)
+        Q_EMIT MessageWanted(reference);
+}
+
+/// Offers the prefixes that a word may be the beginning of.
+void SearchWindow::Complete()
+{
+    const QString text = Field_->text();
+    const qsizetype begin = text.lastIndexOf(u' ') + 1;
+    QStringList completions;
+    if (Field_->cursorPosition() == text.size() && text.size() - begin >= LeastToComplete) {
+        for (const QString& prefix : SearchPrefixes()) {
+            if (prefix.startsWith(text.mid(begin), Qt::CaseInsensitive))
+                completions.append(text.left(begin) + prefix);
+        }
+    }
+    static_cast<QStringListModel*>(Field_->completer()->model())->setStringList(completions);
+}
+
+bool SearchWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == Field_ && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if ((key->key() == Qt::Key_Down || key->key() == Qt::Key_PageDown) && Model_->rowCount() > 0) {
+            List_->setFocus(Qt::TabFocusReason);
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void SearchWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        close();
+        Q_EMIT Left();
+        return;
+    }
+    QMainWindow::keyPressEvent(event);
+}
+
+void SearchWindow::closeEvent(QCloseEvent* event)
+{
+    Settings_.SetState(GeometryState, saveGeometry());
+    QMainWindow::closeEvent(event);
+}

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Finding messages by their words, beside notmuch on the same mails.
+
+#include "BenchStation.h"
+#include "Measure.h"
+#include "Programs.h"
+#include "Subjects.h"
+#include "common/FileHelper.h"
+#include "messages/AddressKey.h"
+#include "messages/search/SearchFollowing.h"
+#include "messages/search/SearchPlace.h"
+#include "platform/records/DBEngine.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr quint64 Multiplier = 6364136223846793005ULL;
+constexpr int Vocabulary = 50'000;
+constexpr int WordsOfMail = 200;
+constexpr double Megabyte = 1024.0 * 1024.0;
+
+/// The same numbers in every run.
+class Numbers
+{
+public:
+    explicit Numbers(quint64 seed) : State_(seed * Multiplier + 1) {}
+    double Next()
+    {
+        State_ = State_ * Multiplier + 1442695040888963407ULL;
+        return static_cast<double>(State_ >> 11) / 9007199254740992.0;
+    }
+
+private:
+    quint64 State_;
+};
+
+QByteArray WordOf(int rank)
+{
+    static const char* const syllables[] = {"ba", "lo",  "ter", "mi",  "sen", "ka", "dor", "vi", "nu",  "pel",
+                                            "ro", "sti", "an",  "gre", "ho",  "mu", "fen", "ly", "tor", "wi"};
+    QByteArray word;
+    for (int rest = rank + 20; rest > 0; rest /= 20)
+        word += syllables[rest % 20];
+    return word;
+}
+
+/// As often as words of that rank are in a language: the first ones in every mail, most in few.
+QByteArray DrawnWord(Numbers& numbers)
+{
+    const double rank = std::exp(numbers.Next() * std::log(static_cast<double>(Vocabulary))) - 1;
+    return WordOf(static_cast<int>(rank));
+}
+
+QByteArray MailOfWords(int number)
+{
+    Numbers numbers(static_cast<quint64>(number));
+    QByteArray subject;
+    for (int i = 0; i < 5; ++i)
+        subject += DrawnWord(numbers) + ' ';
+    QByteArray mail = "From: Listener " + QByteArray::number(number % 5000) + " <listener" +
+                      QByteArray::number(number % 5000) +
+                      "@example.com>\r\nTo: Studio <studio@harbourfm.example.org>\r\nSubject: " + subject.trimmed() +
+                      "\r\nDate: Sat, 21 Nov 2026 09:59:57 +0000\r\nMessage-ID: <w" + QByteArray::number(number) +
+                      "@example.com>\r\nMIME-Version: 1.0\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n";
+    for (int i = 0; i < WordsOfMail; ++i)
+        mail += DrawnWord(numbers) + (i % 12 == 11 ? "\r\n" : " ");
+    if (number % 100 == 7)
+        mail += "lighthouse";
+    return mail + "\r\n";
+}
+
+void AddRow(dao::Recordset& rows, int number, const QByteArray& mail)
+{
+    rows.AddNew();
+    const auto set = [&rows](const char16_t* name, const QVariant& value) {
+        rows.SetCollect(QString::fromUtf16(name), value);
+    };
+    set(u"FromKey", QStringLiteral("|listener%1@example.com|").arg(number % 5000));
+    set(u"ToKey", QStringLiteral("|studio@harbourfm.example.org|"));
+    set(u"Received", 46000.0 + number * 0.001);
+    set(u"Sent", 46000.0 + number * 0.001);
+    set(u"MessageType", emtEmail);
+    set(u"Category", 1 + number % 7);
+    set(u"Flags", number % 2);
+    set(u"Subject", QString::number(number));
+    rows[QStringLiteral("Message")].SetOctets(mail);
+    rows.Update();
+}
+
+/// Octets of the mails. maildir: empty for none.
+double AddMails(const QString& folder, const QString& maildir, int first, int count)
+{
+    constexpr int MailsATransaction = 5000;
+    const auto station = OpenStation(folder);
+    const auto database = dao::DBEngine::OpenDatabase(station->Information().Path);
+    double octets = 0;
+    for (int begin = first; begin < first + count; begin += MailsATransaction) {
+        dao::DBEngine::BeginTrans();
+        const auto rows = database->OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
+        for (int number = begin; number < std::min(begin + MailsATransaction, first + count); ++number) {
+            const QByteArray mail = MailOfWords(number);
+            octets += static_cast<double>(mail.size());
+            AddRow(*rows, number, mail);
+            if (!maildir.isEmpty())
+                WriteFile(maildir + QStringLiteral("/new/%1.M1P1.bench").arg(1795000000 + number), mail);
+        }
+        dao::DBEngine::CommitTrans();
+    }
+    return octets;
+}
+
+void BringUp(cTolvaDatabase& station, SearchIndex& index)
+{
+    SearchFollowing following(station);
+    Require(BringUpToDate(following, index), "the index was not brought up to date");
+}
+
+/// What a desk does for what was typed: the hits, their counts, and the rows that are shown.
+int RowsOf(cTolvaDatabase& station, SearchIndex& index, const QString& typed)
+{
+    const SearchResult result = index.Find(SearchQuestion::Of(typed, SearchQuestion::Reading::Typing), {});
+    QStringList references;
+    for (const SearchHit& hit : result.Hits)
+        references.append(QString::number(hit.Reference));
+    const auto rows =
+        station.OpenMessageRows({QStringLiteral("Reference"), QStringLiteral("Subject"), QStringLiteral("FromKey")},
+                                QStringLiteral("[Reference] IN (%1)").arg(references.join(u',')));
+    return rows->RecordCount();
+}
+
+double MedianMilliseconds(const std::function<void()>& work)
+{
+    std::vector<double> times;
+    for (int i = 0; i < 15; ++i) {
+        QElapsedTimer time;
+        time.start();
+        work();
+        times.push_back(static_cast<double>(time.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+void BenchFinding(cTolvaDatabase& station, SearchIndex& index, const QByteArray& notmuch)
+{
+    const auto find = [&](const char* typed) {
+        Require(RowsOf(station, index, QString::fromLatin1(typed)) == SearchOptions().Most, "rows are missing");
+    };
+    if (!notmuch.isEmpty()) {
+        Compare(
+            {"one word, its first 50 rows", "notmuch search --limit=50", 2.0, 15, 1},
+            [&] {
+                RunProgram(notmuch, {"search", "--limit=50", "lighthouse"});
+            },
+            [&] { find("lighthouse "); });
+    }
+    const QString common = QString::fromLatin1(WordOf(3)) + QLatin1Char(' ');
+    Report("one word, its first 50 rows", "", 15, MedianMilliseconds([&] { find("lighthouse "); }), 1.0, "ms");
+    Report("a word of every third mail", "", 50,
+           MedianMilliseconds([&] { Require(RowsOf(station, index, common) == 50, "rows are missing"); }), 1.0, "ms");
+    Report("a prefix of two letters", "", 50, MedianMilliseconds([&] { find("li"); }), 1.0, "ms");
+}
+
+void BenchFollowing(const QString& folder, const QString& stationFolder, int count)
+{
+    constexpr int Mails = 1000;
+    const QString alone = folder + QStringLiteral("/alone");
+    AddMails(alone, QString(), 0, Mails);
+    const auto small = OpenStation(alone);
+    const auto station = OpenStation(stationFolder);
+    SearchIndex index(SearchPlace::FileFor(*station), SearchFollowing::IdentityOf(*station));
+    const QString smallFile = folder + QStringLiteral("/alone.index");
+    int first = count;
+    Compare(
+        {"following 1,000 new mails", "indexing 1,000 mails", 1.5, 5, Mails},
+        [&] {
+            SearchIndex::Remove(smallFile);
+            SearchIndex fresh(smallFile, "alone");
+            BringUp(*small, fresh);
+        },
+        [&] { BringUp(*station, index); },
+        [&] {
+            AddMails(stationFolder, QString(), first, Mails);
+            first += Mails;
+        });
+}
+} // namespace
+
+void BenchWords(const QString& folder, int count)
+{
+    const QString maildir = folder + QStringLiteral("/mail");
+    for (const char* part : {"new", "cur", "tmp"})
+        QDir().mkpath(maildir + u'/' + QString::fromLatin1(part));
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(folder + QStringLiteral("/cache")));
+    const QString stationFolder = folder + QStringLiteral("/station");
+    MakeStationIn(QFile::encodeName(stationFolder));
+    const QByteArray notmuch = FindProgram("notmuch", "the speed of finding words");
+    std::fprintf(stderr, "Making %d mails of words\n", count);
+    const double octets = AddMails(stationFolder, notmuch.isEmpty() ? QString() : maildir, 0, count);
+
+    const QString file = [&] { return SearchPlace::FileFor(*OpenStation(stationFolder)); }();
+    double peak = 0;
+    const auto build = [&] {
+        const rusage used = RunProgram(TOLVA_PROGRAM, {"index", QFile::encodeName(stationFolder)});
+        peak = std::max(peak, static_cast<double>(used.ru_maxrss) / 1024.0);
+    };
+    if (notmuch.isEmpty()) {
+        build();
+    } else {
+        const QString settings = folder + QStringLiteral("/notmuch");
+        WriteFile(settings, "[database]\npath=" + QFile::encodeName(maildir) +
+                                "\n[user]\nname=Bench\nprimary_email=bench@example.org\n[new]\ntags=new\n");
+        qputenv("NOTMUCH_CONFIG", QFile::encodeName(settings));
+        Compare(
+            {"indexing mails", "notmuch new on them", 1.0, 1, count},
+            [&] {
+                QDir(maildir + QStringLiteral("/.notmuch")).removeRecursively();
+                RunProgram(notmuch, {"new", "--quiet"});
+            },
+            build, [&] { SearchIndex::Remove(file); });
+    }
+    Report("the index on the disk", "the mails", octets / Megabyte,
+           static_cast<double>(QFileInfo(file).size()) / Megabyte, 0.6, "MB");
+    Report("peak memory, indexing", "", 60, peak, 1.0, "MB");
+    {
+        const auto station = OpenStation(stationFolder);
+        SearchIndex index(file, SearchFollowing::IdentityOf(*station));
+        BringUp(*station, index);
+        BenchFinding(*station, index, notmuch);
+    }
+    BenchFollowing(folder, stationFolder, count);
+}

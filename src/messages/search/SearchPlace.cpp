@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "messages/search/SearchPlace.h"
+
+#include "common/FileHelper.h"
+#include "common/MachineSettings.h"
+#include "database/cTolvaDatabase.h"
+#include "messages/search/SearchFollowing.h"
+
+#include <QCryptographicHash>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QSysInfo>
+
+bool SearchPlace::IsWanted()
+{
+    return MachineSettings::KeepsSearchIndex();
+}
+
+QString SearchPlace::Folder()
+{
+    return FileHelper::Join(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation),
+                            QStringLiteral("Tolva/Search"));
+}
+
+QByteArray SearchPlace::PlaceOf(const cTolvaDatabase& station)
+{
+    return QFileInfo(station.Information().Path).canonicalFilePath().toUtf8();
+}
+
+/// Of this computer too: the cache folder of an account may be one that several computers share.
+QString SearchPlace::FileFor(const cTolvaDatabase& station)
+{
+    const QByteArray identity = SearchFollowing::IdentityOf(station);
+    if (identity.isEmpty())
+        return {};
+    constexpr qsizetype Digits = 24;
+    const QByteArray name =
+        QCryptographicHash::hash(identity + ' ' + QSysInfo::machineUniqueId(), QCryptographicHash::Sha1).toHex();
+    return FileHelper::Join(Folder(), QString::fromLatin1(name.left(Digits)) + QStringLiteral(".index"));
+}

@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "IndexedStation.h"
+#include "platform/files/FileSystem.h"
+
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace
+{
+class SearchFaultTest : public IndexedStation
+{
+protected:
+    /// A station of some messages with its index, which is closed.
+    void MakeIndex(int messages = 40)
+    {
+        OpenStation();
+        for (int i = 0; i < messages; ++i)
+            Save(Mail("Number " + QByteArray::number(i), "ferry and harbour " + QByteArray::number(i)));
+        Follow();
+        Index.reset();
+        Following.reset();
+    }
+
+    QByteArray Content() const
+    {
+        QFile file(IndexFile());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    void Put(const QByteArray& content) const
+    {
+        QFile file(IndexFile());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+    /// Follows as programs do: what is damaged is made anew, once.
+    void FollowAnyhow()
+    {
+        try {
+            Follow();
+            Find(u"ferry"_qs);
+        } catch (const SearchFailure& failure) {
+            ASSERT_EQ(failure.Why(), SearchFailure::Reason::Damaged) << failure.what();
+            Index.reset();
+            Following.reset();
+            ASSERT_TRUE(SearchIndex::Remove(IndexFile()));
+            Follow();
+        }
+    }
+};
+
+/// No file of this process gets larger than that while it lives; what would is refused, as on a full disk.
+class FilesMayNotGrow
+{
+public:
+    explicit FilesMayNotGrow(qint64 octets) : Handler_(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &Before_);
+        rlimit limit = Before_;
+        limit.rlim_cur = static_cast<rlim_t>(octets);
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FilesMayNotGrow()
+    {
+        setrlimit(RLIMIT_FSIZE, &Before_);
+        std::signal(SIGXFSZ, Handler_);
+    }
+    FilesMayNotGrow(const FilesMayNotGrow&) = delete;
+    FilesMayNotGrow& operator=(const FilesMayNotGrow&) = delete;
+
+private:
+    rlimit Before_{};
+    void (*Handler_)(int);
+};
+} // namespace
+
+TEST_F(SearchFaultTest, AnIndexThatWasCutIsMadeAnewOrFindsEverything)
+{
+    MakeIndex();
+    const QByteArray whole = Content();
+    for (const qsizetype size :
+         {qsizetype{0}, qsizetype{1}, qsizetype{99}, qsizetype{100}, qsizetype{4095}, qsizetype{4096}, qsizetype{8192},
+          whole.size() / 2, whole.size() - 4096, whole.size() - 1}) {
+        Put(whole.left(size));
+        FollowAnyhow();
+        EXPECT_EQ(Find(u"ferry"_qs).Count, 40) << size;
+        Index.reset();
+        Following.reset();
+    }
+}
+
+TEST_F(SearchFaultTest, WhatIsNoIndexOrOneOfTheFutureIsMadeAnew)
+{
+    MakeIndex();
+    const QByteArray whole = Content();
+    QByteArray future = whole;
+    future[63] = 99; // the version in the header
+    QByteArray foreign = whole;
+    foreign[71] = 1; // whose file it is
+    for (const QByteArray& content : {future, foreign, QByteArray("hello"), QByteArray(100'000, '\0'),
+                                      QByteArray("SQLite format 3\0", 16) + QByteArray(5000, 'x')}) {
+        Put(content);
+        FollowAnyhow();
+        EXPECT_EQ(Find(u"harbour"_qs).Count, 40);
+        Index.reset();
+        Following.reset();
+    }
+}
+
+TEST_F(SearchFaultTest, OctetsThatWereFlippedNeverShowAMessageThatIsNotThere)
+{
+    MakeIndex();
+    const QByteArray whole = Content();
+    QRandomGenerator random(20261122);
+    for (int round = 0; round < 60; ++round) {
+        QByteArray flipped = whole;
+        for (int i = 0; i < 8; ++i) {
+            const auto place = static_cast<qsizetype>(random.bounded(static_cast<int>(whole.size())));
+            flipped[place] = static_cast<char>(random.generate());
+        }
+        Put(flipped);
+        FollowAnyhow();
+        for (const SearchHit& hit : Find(u"ferry"_qs).Hits)
+            EXPECT_TRUE(Station->GetMessage(hit.Reference) != nullptr) << round;
+        Index.reset();
+        Following.reset();
+    }
+}
+
+TEST_F(SearchFaultTest, AFullTableOfWordsThatADiskChangedIsSeen)
+{
+    std::vector<IndexedMessage> messages(8200);
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        messages[i].State.Reference = static_cast<qint32>(i + 1);
+        messages[i].Text.Body.Add("word" + std::to_string(i));
+    }
+    {
+        SearchIndex index(IndexFile(), "station");
+        index.Store(messages);
+        EXPECT_NO_THROW(index.CheckAllTables());
+        EXPECT_NO_THROW(index.CheckOneTable());
+    }
+    {
+        IndexConnection disk(IndexFile());
+        disk.Execute("UPDATE words_0_data SET block = substr(block, 1, 100) || x'00' || substr(block, 102) "
+                     "WHERE id = (SELECT max(id) FROM words_0_data)");
+    }
+    SearchIndex index(IndexFile(), "station");
+    try {
+        index.CheckAllTables();
+        FAIL() << "nothing was seen";
+    } catch (const SearchFailure& failure) {
+        EXPECT_EQ(failure.Why(), SearchFailure::Reason::Damaged);
+    }
+}
+
+TEST_F(SearchFaultTest, AFolderThatCannotBeWrittenIsSaidInWords)
+{
+    OpenStation();
+    const QByteArray identity = SearchFollowing::IdentityOf(*Station);
+    const QString blocked = Folder.filePath(u"blocked"_qs);
+    QFile file(blocked);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    try {
+        SearchIndex index(blocked + u"/Tolva/station.index"_qs, identity);
+        FAIL() << "it was made";
+    } catch (const SearchFailure& failure) {
+        EXPECT_EQ(failure.Why(), SearchFailure::Reason::NoAccess);
+        EXPECT_TRUE(failure.Words().contains(u"cannot be made"_qs)) << failure.what();
+    }
+}
+
+TEST_F(SearchFaultTest, ALinkUnderItsNameIsReplacedAndNotFollowed)
+{
+    OpenStation();
+    const QString elsewhere = Folder.filePath(u"elsewhere"_qs);
+    QFile file(elsewhere);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("precious");
+    file.close();
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(IndexFile()).absolutePath()));
+    ASSERT_TRUE(QFile::link(elsewhere, IndexFile()));
+    Follow();
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "precious");
+    EXPECT_EQ(FileSystem::Current().KindOf(IndexFile()), FileKind::File);
+}
+
+TEST_F(SearchFaultTest, AFullDiskIsSaidAndWhatStoodBeforeIsFound)
+{
+    MakeIndex();
+    Follow();
+    QByteArray words;
+    for (int i = 0; i < 20'000; ++i)
+        words += "w" + QByteArray::number(i) + ' ';
+    Save(Mail("Large", words));
+    {
+        const FilesMayNotGrow full(QFileInfo(IndexFile()).size());
+        try {
+            BringUpToDate(*Following, *Index);
+            ADD_FAILURE() << "it had room";
+        } catch (const SearchFailure& failure) {
+            EXPECT_EQ(failure.Why(), SearchFailure::Reason::Full) << failure.what();
+        }
+        EXPECT_EQ(Find(u"ferry"_qs).Count, 40);
+    }
+    Following.reset();
+    Follow();
+    EXPECT_EQ(Find(u"w777"_qs).Count, 1) << "as soon as there is room";
+}
+
+TEST_F(SearchFaultTest, AnIndexThatAnotherProgramHoldsIsWaitedForAMomentOnly)
+{
+    MakeIndex();
+    Follow();
+    IndexConnection other(IndexFile());
+    const IndexChange held(other);
+    Save(Mail("New", "ferry"));
+    QElapsedTimer time;
+    time.start();
+    try {
+        BringUpToDate(*Following, *Index);
+        FAIL() << "it was stored";
+    } catch (const SearchFailure& failure) {
+        EXPECT_EQ(failure.Why(), SearchFailure::Reason::Busy);
+    }
+    EXPECT_LT(time.elapsed(), 10'000);
+    EXPECT_EQ(Find(u"ferry"_qs).Count, 40) << "searching goes on";
+}
+
+TEST_F(SearchFaultTest, ABodyOfAHundredMegabytesIsSearchedAsFarAsAnybodyReads)
+{
+    QByteArray body = "firstword ";
+    while (body.size() < 100 * 1024 * 1024)
+        body += "lines and lines of the same words that nobody reads to the end\r\n";
+    QElapsedTimer time;
+    time.start();
+    const SearchText text = ReadSearchText(Mail("Large", body + "lastword").left(MostSearchedOctets));
+    EXPECT_TRUE(text.Body.Contains("firstword"));
+    EXPECT_FALSE(text.Body.Contains("lastword"));
+    EXPECT_LT(time.elapsed(), 10'000);
+}
+
+TEST_F(SearchFaultTest, AMillionWordsAndControlCharactersAreStoredWithinBounds)
+{
+    OpenStation();
+    QByteArray words("\x01\x02\xED\xA0\xBC ");
+    for (int i = 0; i < 1'000'000; ++i)
+        words += "w" + QByteArray::number(i) + (i % 10 == 9 ? "\r\n" : " ");
+    const qint32 reference = Save(Mail("Million", words));
+    Follow();
+    EXPECT_EQ(Found(u"w99"_qs), QList<qint32>{reference});
+    ASSERT_TRUE(Station->DeleteMessage(reference, true));
+    Follow();
+    EXPECT_TRUE(Found(u"w99"_qs).isEmpty());
+}

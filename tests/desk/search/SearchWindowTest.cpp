@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The desk's search over all folders.
+
+#include "search/SearchWindow.h"
+
+#include "LongestGap.h"
+#include "WindowTest.h"
+#include "messages/MessageWindow.h"
+#include "search/SearchDesk.h"
+#include "search/SearchService.h"
+#include "window/NoticeBar.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTextEdit>
+#include <QTreeView>
+
+namespace
+{
+class SearchWindowTest : public WindowTest
+{
+protected:
+    SearchWindow& Window_() const { return Window->Search().Window(); }
+    template <typename Widget>
+    Widget& Part(const char* name) const
+    {
+        return *Window_().findChild<Widget*>(QLatin1String(name));
+    }
+    QLineEdit& Field() const { return Part<QLineEdit>("searchField"); }
+    QAbstractItemModel& Rows() const { return *Part<QTreeView>("searchList").model(); }
+    QString Cell(int row, int column) const { return Rows().index(row, column).data().toString(); }
+    QString Count() const { return Part<QLabel>("searchCount").text(); }
+
+    /// Opens the desk and its search, which has read everything.
+    void OpenSearch()
+    {
+        OpenWindow();
+        QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&Window_()));
+        ASSERT_TRUE(WaitUntil([this] { return Window->Search().Service().IsComplete(); }, 20'000));
+    }
+    void Type(const QString& text)
+    {
+        Field().setFocus();
+        Field().clear();
+        QTest::keyClicks(&Field(), text);
+        ASSERT_TRUE(WaitUntil([this] { return Window_().IsSettled(); }, 20'000));
+    }
+    void ChooseFilter(const char* name, const QString& begin)
+    {
+        auto& box = Part<QComboBox>(name);
+        for (int i = 0; i < box.count(); ++i) {
+            if (box.itemText(i).startsWith(begin))
+                box.setCurrentIndex(i);
+        }
+        ASSERT_TRUE(box.currentText().startsWith(begin)) << qPrintable(box.currentText());
+        ASSERT_TRUE(WaitUntil([this] { return Window_().IsSettled(); }, 20'000));
+    }
+};
+} // namespace
+
+TEST_F(SearchWindowTest, AWordOfABodyIsFoundWhileItIsTypedWhateverItsFolder)
+{
+    FileMail(Mail("Postcard", "The old lighthouse.\r\n"), tmcSaved);
+    FileMail(Mail("Other", "Nothing.\r\n"));
+    OpenSearch();
+    EXPECT_TRUE(Field().hasFocus());
+    Type(QStringLiteral("light"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    EXPECT_EQ(Cell(0, 0), QStringLiteral("Loveday Tregenza"));
+    EXPECT_EQ(Cell(0, 1), QStringLiteral("Postcard"));
+    EXPECT_EQ(Cell(0, 2), QStringLiteral("Saved"));
+    EXPECT_EQ(Count(), QStringLiteral("1 message"));
+    Type(QStringLiteral("zeppelin"));
+    EXPECT_EQ(Rows().rowCount(), 0);
+    EXPECT_EQ(Count(), QStringLiteral("No messages"));
+    Type(QString());
+    EXPECT_TRUE(Count().isEmpty());
+}
+
+TEST_F(SearchWindowTest, EnterOpensAndEscapeGoesBackToWhereOneWas)
+{
+    const qint32 reference = FileMail(Mail("Postcard", "The old lighthouse.\r\n"), tmcSaved);
+    OpenSearch();
+    Type(QStringLiteral("lighthouse"));
+    QTest::keyClick(&Field(), Qt::Key_Return);
+    ASSERT_TRUE(WaitUntil([this] { return Window->MessageWindows().size() == 1; }));
+    EXPECT_EQ(Window->MessageWindows().first()->Reference(), reference);
+    Window->MessageWindows().first()->close();
+    Window_().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window_()));
+    QTest::keyClick(&Field(), Qt::Key_Escape);
+    EXPECT_FALSE(Window_().isVisible());
+    EXPECT_TRUE(Window->isVisible());
+    QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(Window_().Typed(), QStringLiteral("lighthouse")) << "it stands as it was left";
+}
+
+TEST_F(SearchWindowTest, WhatWasLookedForIsMarkedInTheMessage)
+{
+    FileMail(Mail("Postcard", "The old L\xC3\xADghthouse, and the lighthouses.\r\n")
+                 .replace("\r\n\r\n", "\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("lighthouse"));
+    auto* body = Window_().findChild<QTextEdit*>();
+    ASSERT_TRUE(WaitUntil([&] { return body->extraSelections().size() == 2; }));
+    EXPECT_EQ(body->extraSelections().first().cursor.selectedText(), QStringLiteral("L\u00EDghthouse"));
+    Type(QStringLiteral("old"));
+    ASSERT_TRUE(WaitUntil([&] { return body->extraSelections().size() == 1; }));
+}
+
+TEST_F(SearchWindowTest, NewMailThatFitsJoinsAndWhatIsErasedLeaves)
+{
+    const qint32 first = FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("ferry"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    OtherComputer("file", {Write(QStringLiteral("new.eml"), Mail("Two", "the ferry sails\r\n"))});
+    EXPECT_TRUE(WaitUntil([this] { return Rows().rowCount() == 2; }, 20'000));
+    OtherComputer("delete", {QString::number(first), QStringLiteral("--permanently")});
+    EXPECT_TRUE(WaitUntil([this] { return Rows().rowCount() == 1 && Cell(0, 1) == u"Two"; }, 20'000));
+}
+
+TEST_F(SearchWindowTest, FiltersTellHowManyTheyWouldLeave)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    FileMail(Mail("Two", "ferry\r\n"), tmcSaved);
+    FileMail(Mail("Three", "ferry\r\n"), tmcSaved, mfRead);
+    OpenSearch();
+    Type(QStringLiteral("ferry"));
+    ASSERT_EQ(Rows().rowCount(), 3);
+    EXPECT_EQ(Part<QComboBox>("searchFolder").itemText(0), QStringLiteral("All folders (3)"));
+    ChooseFilter("searchFolder", QStringLiteral("Saved (2)"));
+    EXPECT_EQ(Rows().rowCount(), 2);
+    ChooseFilter("searchKind", QStringLiteral("Unread (2)"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    EXPECT_EQ(Cell(0, 1), QStringLiteral("Two"));
+    Type(QStringLiteral("ferry in:inbox"));
+    EXPECT_EQ(Rows().rowCount(), 0) << "the filter stays";
+}
+
+TEST_F(SearchWindowTest, BestFirstPutsTheSubjectInFront)
+{
+    FileMail(Mail("The ferry", "x\r\n").replace("20 Nov", "01 Nov"));
+    FileMail(Mail("Newer", "ferry\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("ferry"));
+    EXPECT_EQ(Cell(0, 1), QStringLiteral("Newer"));
+    ChooseFilter("searchOrder", QStringLiteral("Best first"));
+    EXPECT_EQ(Cell(0, 1), QStringLiteral("The ferry"));
+}
+
+TEST_F(SearchWindowTest, MessagesThatGoWithTheSelectedOneAreFoundFromItsMenu)
+{
+    FileMail(Mail("Ferry", "one\r\n", "Ann <ann@example.org>"));
+    const qint32 wanted = FileMail(Mail("Re: Ferry", "two\r\n", "Ann <ann@example.org>"));
+    FileMail(Mail("Other", "three\r\n", "Bob <bob@example.org>"));
+    OpenWindow();
+    Window->List().SelectMessage(wanted);
+    ASSERT_TRUE(WaitUntil([&] { return Window->List().SelectedReference() == wanted; }));
+    Window->findChild<QAction*>(QStringLiteral("sameSender"))->trigger();
+    ASSERT_TRUE(WaitUntil([this] { return Rows().rowCount() == 2; }, 20'000));
+    EXPECT_TRUE(Part<NoticeBar>("searchRelated").Text().contains(QStringLiteral("Ann")));
+    Type(QStringLiteral("two"));
+    EXPECT_EQ(Rows().rowCount(), 1) << "words narrow it";
+    Window->findChild<QAction*>(QStringLiteral("sameSubject"))->trigger();
+    EXPECT_TRUE(WaitUntil([this] { return Window_().IsSettled() && Rows().rowCount() == 2; }, 20'000));
+}
+
+TEST_F(SearchWindowTest, ASavedSearchStandsInTheMenu)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("ferry is:unread"));
+    Window_().findChild<QAction*>(QStringLiteral("saveSearch"))->trigger();
+    Type(QStringLiteral("other"));
+    auto* menu = Window->findChild<QMenu*>(QStringLiteral("savedSearches"));
+    Q_EMIT menu->aboutToShow();
+    ASSERT_EQ(menu->actions().size(), 1);
+    menu->actions().first()->trigger();
+    EXPECT_EQ(Window_().Typed(), QStringLiteral("ferry is:unread"));
+    EXPECT_TRUE(WaitUntil([this] { return Rows().rowCount() == 1; }, 20'000));
+}
+
+TEST_F(SearchWindowTest, BuildingAndSearchingNeverHoldTheWindow)
+{
+    constexpr int Mails = 600;
+    const auto database = &Station.Database();
+    std::vector<cMessagePtr> messages;
+    for (int i = 0; i < Mails; ++i) {
+        const auto message = std::make_shared<cMessage>();
+        message->SetCDOMessage(std::make_shared<cdo::Message>(
+            Mail("Number " + QByteArray::number(i), QByteArray("ferry and harbour ").repeated(200))));
+        message->SetCategory(tmcSaved);
+        messages.push_back(message);
+    }
+    database->SaveMessages(messages, [] { return true; });
+    OpenWindow();
+    Window->Search().Service().Start();
+    LongestGap gap;
+    ASSERT_TRUE(WaitUntil([&] { return Window->Search().Service().IsComplete(); }, 60'000));
+    gap.Take();
+    EXPECT_LT(gap.Worked.count(), 100);
+}
+
+TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSo)
+{
+    Machine.Set(QStringLiteral("SOFTWARE\\Kelvarin\\Utils\\Databases"), QStringLiteral("KeepSearchIndex"),
+                QStringLiteral("0"));
+    OpenWindow();
+    QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(WaitUntil([this] { return Part<NoticeBar>("searchProblem").Text().contains(u"KeepSearchIndex"); }));
+}
