@@ -20,6 +20,8 @@ public:
     bool IsConnectionLost() const;
     /// A table or column is not there, which was when the structure was read.
     bool IsOfOldStructure() const;
+    /// A number that the server has not come to: that of a transaction which it never saw.
+    bool IsOfUnknownTransaction() const { return State_ == "22023"; }
 
 private:
     QByteArray State_;

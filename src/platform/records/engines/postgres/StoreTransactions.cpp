@@ -115,8 +115,7 @@ void ServerStore::Commit()
 bool ServerStore::WasCommitted()
 {
     const QDeadlineTimer deadline(std::chrono::seconds{MostSeconds});
-    Command ask{"SELECT pg_catalog.pg_xact_status($1::text::xid8)"};
-    ask.Text = "SELECT pg_catalog.pg_xact_status($1::bigint::text::pg_catalog.xid8)";
+    Command ask{"SELECT pg_catalog.pg_xact_status($1::bigint::text::pg_catalog.xid8)"};
     ask.Values.AddInteger(TransactionId_);
     while (true) {
         try {
@@ -124,22 +123,20 @@ bool ServerStore::WasCommitted()
                 Connection_.Reconnect();
             const Result result = Connection_.Run(ask);
             const std::string_view state = result.IsNull(0, 0) ? std::string_view() : result.Octets(0, 0);
+            // In progress: the server has not noticed yet that this client was gone, or waits for another server.
             if (state != "in progress")
                 return state == "committed";
         } catch (const ServerFailure& failure) {
-            // A number that the server has not come to is that of a transaction which it never saw.
-            if (!failure.IsConnectionLost())
+            if (failure.IsOfUnknownTransaction())
                 return false;
-            if (deadline.hasExpired()) {
-                throw Error(errServer,
-                            QStringLiteral("The connection to the server (%1) was lost at the very moment of storing, "
-                                           "and the server does not answer: look whether the change is there before "
-                                           "it is made again.")
-                                .arg(Connection_.Connect().InWords()));
-            }
+            // Whatever else keeps the server from answering is no answer.
         }
-        if (deadline.hasExpired())
-            return false;
+        if (deadline.hasExpired()) {
+            throw Error(errServer, QStringLiteral("The connection to the server (%1) was lost at the very moment of "
+                                                  "storing, and the server does not tell what became of it: look "
+                                                  "whether the change is there before it is made again.")
+                                       .arg(Connection_.Connect().InWords()));
+        }
         QThread::msleep(50);
     }
 }

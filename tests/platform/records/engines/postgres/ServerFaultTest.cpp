@@ -124,6 +124,30 @@ TEST_F(ServerFault, ASaveWhoseAnswerIsLostIsFoundAndNotStoredTwice)
     EXPECT_EQ(NamesIn(*Direct_), QStringList{QStringLiteral("one")});
 }
 
+TEST_F(ServerFault, ASaveOfWhichTheServerDoesNotTellWhatBecameIsCalledThatAndNotRepeated)
+{
+    const QString user = Schema_.Name + QStringLiteral("_desk");
+    TestServer::Shared().Execute(
+        QStringLiteral("CREATE ROLE %2 LOGIN; GRANT USAGE ON SCHEMA %1 TO %2; GRANT ALL ON ALL "
+                       "TABLES IN SCHEMA %1 TO %2; GRANT ALL ON ALL SEQUENCES IN SCHEMA %1 TO %2")
+            .arg(Schema_.Name, user));
+    {
+        const auto desk = OpenAt(
+            QStringLiteral("host=%1 user=%2 dbname=postgres schema=%3").arg(Proxy_.Folder(), user, Schema_.Name));
+        NamesIn(*desk);
+        TestServer::Shared().Execute(QStringLiteral("ALTER ROLE %1 NOLOGIN").arg(user));
+        Proxy_.CutAt(CuttingProxy::Cut::BehindCommit);
+        const Raised raised = ErrorOf([&] { AddRow(*desk, QStringLiteral("one")); });
+        EXPECT_EQ(Proxy_.Cuts(), 1);
+        EXPECT_EQ(raised.Number, errServer);
+        EXPECT_TRUE(raised.Words.contains(QStringLiteral("look whether the change is there")))
+            << qPrintable(raised.Words);
+        TestServer::Shared().Execute(QStringLiteral("ALTER ROLE %1 LOGIN").arg(user));
+        EXPECT_EQ(NamesIn(*desk), QStringList{QStringLiteral("one")});
+    }
+    TestServer::Shared().Execute(QStringLiteral("DROP OWNED BY %1; DROP ROLE %1").arg(user));
+}
+
 TEST_F(ServerFault, AnEditWhoseAnswerIsLostIsStoredAndNoStrangersChange)
 {
     AddRow(*Direct_, QStringLiteral("one"));
