@@ -208,11 +208,13 @@ CommandDefinition ConvertCommand()
         QStringLiteral("convert"),
         QStringLiteral("Writes a station's file in another format."),
         {QStringLiteral("convert FOLDER [--to FORMAT] [--yes] [--json]")},
-        QStringLiteral("Stations of older software lie in files of office programs (Jet 4), which hold 2 GB and have no "
-                       "check of\neach mail.\n"
-                       "Every value of the new file is compared with the old one before it takes the name.\n") +
+        QStringLiteral(
+            "Stations of older software lie in files of office programs (Jet 4), which hold 2 GB and have no "
+            "check of\neach mail.\n"
+            "Every value of the new file is compared with the old one before it takes the name.\n") +
             NotAskedText,
-        {{ToOption, QStringLiteral("FORMAT"), QStringLiteral("sqlite, the usual one (also without this option), or jet.")},
+        {{ToOption, QStringLiteral("FORMAT"),
+          QStringLiteral("sqlite, the usual one (also without this option), or jet.")},
          {YesOption, QString(), QStringLiteral("Does not ask.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},
