@@ -219,10 +219,11 @@ CommandDefinition ConvertCommand()
         QStringLiteral("Writes a station's file in another format."),
         {QStringLiteral("convert FOLDER [--to FORMAT] [--yes] [--json]"),
          QStringLiteral("convert FOLDER --to server --connect STRING [--yes] [--json]")},
-        QStringLiteral("Stations of older software lie in files of office programs (Jet 4), which hold 2 GB and have no "
-                       "check of\neach mail.\n"
-                       "Every value of the new file is compared with the old one before it takes the name.\n"
-                       "\"--to server\" moves the station and its directory to a PostgreSQL server in the same way.\n") +
+        QStringLiteral(
+            "Stations of older software lie in files of office programs (Jet 4), which hold 2 GB and have no "
+            "check of\neach mail.\n"
+            "Every value of the new file is compared with the old one before it takes the name.\n"
+            "\"--to server\" moves the station and its directory to a PostgreSQL server in the same way.\n") +
             NotAskedText,
         {{ToOption, QStringLiteral("FORMAT"),
           QStringLiteral("sqlite, the usual one (also without this option), jet, or server.")},

@@ -226,7 +226,7 @@ TEST_F(DatabaseUtilitiesTest, TheMachineNamesTheEngineOfNewFiles)
     Machine.Set(key, value, QStringLiteral("abacus"));
     Ui.ExpectWarning(QStringLiteral("There was a problem creating the new database and the error's description was "
                                     "reported as : \n\n\"No database engine that makes new files is named 'abacus'. "
-                                    "Use one of these: sqlite. (3265)\""));
+                                    "Use one of these: sqlite, jet. (3265)\""));
     EXPECT_EQ(Validate(FileName()), dao::errItemNotFound);
     EXPECT_FALSE(QFile::exists(FileName()));
     Machine.Set(key, value, QStringLiteral("SQLite"));

@@ -133,7 +133,8 @@ protected:
         const auto known = Mails_.find(reference);
         const QString wanted = known == Mails_.end() ? QString() : known->second;
         // A Jet file has no room for a check of each mail: one page of mails copied over another is not noticed.
-        EXPECT_EQ(mail == wanted || GetParam() == u"jet", true) << "mail " << reference << " was changed and passes for what was saved";
+        EXPECT_EQ(mail == wanted || GetParam() == u"jet", true)
+            << "mail " << reference << " was changed and passes for what was saved";
         ++mailsRead;
     }
 

@@ -149,7 +149,7 @@ void PlaceColumns(TableDefinition& table)
     RemapIndexes(table, before);
 }
 
-QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets)
+QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets, quint32 mark)
 {
     QByteArray row;
     Append(row, table.ColumnsEver);
@@ -170,6 +170,8 @@ QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<Q
     if (row.size() + mask.size() < ShortestRow)
         row.append(ShortestRow - row.size() - mask.size(), '\0');
     if (table.VariableColumns > 0) {
+        if (mark != 0)
+            Append(row, mark);
         std::vector<quint16> starts;
         for (const QByteArray* value : variable) {
             starts.push_back(static_cast<quint16>(row.size()));
@@ -181,6 +183,8 @@ QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<Q
         Append(row, table.VariableColumns);
     }
     row += mask;
+    if (row.size() > LargestRow && mark != 0)
+        return MakeRow(table, octets);
     if (row.size() > LargestRow)
         throw Error(errFieldTooSmall, QStringLiteral("A row is too long for a Jet file: its texts take more than %1 "
                                                      "octets together.")

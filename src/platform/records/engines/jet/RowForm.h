@@ -25,6 +25,8 @@ NewCell CellOf(const ColumnDefinition& column, const StoredValue& value);
 void PlaceColumns(TableDefinition& table);
 /// A row of a table. octets: what stands in it for each column, none for Null; of truth
 /// values any octets for true. Error 3163 when it is too long.
-QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets);
+/// mark: stands in a gap as deleted columns leave it, and tells the row from what it was before, also where a new long
+/// value has the length and the place of an old one; 0 for none. Only rows with values of variable length have one.
+QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets, quint32 mark = 0);
 
 } // namespace dao::jet

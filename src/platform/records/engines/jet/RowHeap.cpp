@@ -60,6 +60,8 @@ RowPlace RowHeap::AddOnLastPage(const QByteArray& row, quint16 flags)
         page = Pages_.Allocate(last);
         File_.Change(page, MakeDataPage(Table_.Page(), {}));
         Pages_.AddTo(Table_.OwnedMap, page);
+        if (last != 0 && !RowPageEdit(File_, last).HasRows())
+            FreePage(last);
     }
     const int slot = RowPageEdit(File_, page).Add(row, flags);
     NoteRoom(page);
@@ -132,13 +134,18 @@ void RowHeap::DeleteSlot(RowPlace place)
 {
     RowPageEdit edit(File_, place.Page);
     edit.Delete(place.Row);
-    if (edit.HasRows()) {
+    // The last page stays, so that no new row ever gets the place of one that is gone.
+    if (edit.HasRows() || place.Page == Pages_.LastOf(Table_.OwnedMap))
         NoteRoom(place.Page);
-        return;
-    }
-    Pages_.TakeFrom(Table_.FreeMap, place.Page);
-    Pages_.TakeFrom(Table_.OwnedMap, place.Page);
-    Pages_.Free(place.Page);
+    else
+        FreePage(place.Page);
+}
+
+void RowHeap::FreePage(quint32 page)
+{
+    Pages_.TakeFrom(Table_.FreeMap, page);
+    Pages_.TakeFrom(Table_.OwnedMap, page);
+    Pages_.Free(page);
 }
 
 quint32 LongHeap::AllocatePage()

@@ -28,6 +28,7 @@ private:
     RowPlace AddOnLastPage(const QByteArray& row, quint16 flags);
     RowPlace AddMoved(const QByteArray& row, quint32 home);
     void DeleteSlot(RowPlace place);
+    void FreePage(quint32 page);
     void NoteRoom(quint32 page);
 
     PageFile& File_;

@@ -9,6 +9,8 @@
 #include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/query/StoredValues.h"
 
+#include <QRandomGenerator>
+
 #include <algorithm>
 
 namespace dao::jet
@@ -42,6 +44,11 @@ std::optional<QByteArray> OctetsOf(const ColumnDefinition& column, const NewCell
         return cell.Octets;
     const qint64* truth = std::get_if<qint64>(&cell.Value);
     return truth != nullptr && *truth != 0 ? std::optional(QByteArray()) : std::nullopt;
+}
+
+quint32 NewMark()
+{
+    return std::max<quint32>(QRandomGenerator::global()->generate(), 1);
 }
 
 StoredValue KeyValueOf(const ColumnDefinition& column, const NewCell& cell)
@@ -225,7 +232,7 @@ RowPlace RowWriter::Insert(std::span<const NewCell> cells)
             RaiseCounter(cells[i]);
         values.push_back(KeyValueOf(column, cells[i]));
     }
-    const RowPlace place = Heap_.Add(MakeRow(Table_, octets));
+    const RowPlace place = Heap_.Add(MakeRow(Table_, octets, NewMark()));
     for (std::size_t i = 0; i < Table_.Indexes.size(); ++i)
         AddEntry(i, KeyOf(i, values), values, place);
     CountRows(1);
@@ -254,13 +261,13 @@ void RowWriter::Update(RowPlace place, std::span<const std::optional<NewCell>> c
         behind[i] = KeyValueOf(column, *cells[i]);
         if (!column.IsLong())
             continue;
-        // The new value first: it never takes the place of the old one, so that the row differs.
+        // The new value first: a disk that is full is met before the old one is given up.
         if (octets.back())
             octets.back() = StoredLong(column, *octets.back());
         if (old)
             DeleteLong(column, *old);
     }
-    Heap_.Replace(place, MakeRow(Table_, octets));
+    Heap_.Replace(place, MakeRow(Table_, octets, NewMark()));
     for (std::size_t i = 0; i < Table_.Indexes.size(); ++i) {
         const Key old = KeyOf(i, before);
         const Key now = KeyOf(i, behind);

@@ -186,6 +186,46 @@ TEST_F(JetChanges, UseTheRoomThatIsGivenUp)
     ExpectSound({});
 }
 
+TEST_F(JetChanges, GiveNoNewRowThePlaceOfOneThatIsGone)
+{
+    MakeBoth();
+    const QString body(70000, u'x');
+    const auto add = [&] {
+        const auto rows = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+        rows->AddNew();
+        rows->SetCollect(QStringLiteral("Body"), body);
+        rows->Update();
+    };
+    for (int round = 0; round < 5; ++round) {
+        add();
+        const auto old = Jet().OpenRecordset(QStringLiteral("SELECT * FROM Messages"), dbOpenSnapshot);
+        Jet().Execute(QStringLiteral("DELETE FROM Messages"));
+        for (int i = 0; i < 3; ++i)
+            add();
+        EXPECT_EQ(::ErrorNumberOf([&] { old->Collect(QStringLiteral("Body")); }), errRecordDeleted)
+            << "another row passes for it";
+        Jet().Execute(QStringLiteral("DELETE FROM Messages"));
+    }
+    ExpectSound({});
+}
+
+TEST_F(JetChanges, SeeAMemoThatChangedAndHasTheLengthAndThePlaceThatItHad)
+{
+    MakeBoth();
+    const auto rows = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    rows->AddNew();
+    // Alone on its page, whose place the next but one takes again.
+    rows->SetCollect(QStringLiteral("Body"), QString(1500, u'\u03B1'));
+    rows->Update();
+    rows->MoveFirst();
+    rows->Edit();
+    rows->SetCollect(QStringLiteral("Number"), 1);
+    for (const char16_t letter : {u'\u03B2', u'\u03B3', u'\u03B4', u'\u03B5'}) {
+        Jet().Execute(QStringLiteral("UPDATE Messages SET Body='%1'").arg(QString(1500, letter)));
+        EXPECT_EQ(::ErrorNumberOf([&] { rows->Update(); }), errChangedByAnother) << int(letter);
+    }
+}
+
 TEST_F(JetChanges, GoOnInAFileWhoseCounterIsBehindItsRows)
 {
     MakeMessages();
