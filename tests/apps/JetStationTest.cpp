@@ -44,6 +44,20 @@ TEST_F(JetStationTest, IsListedShownAndCheckedAsItWas)
     EXPECT_EQ(Read(File()), before) << "looking changes nothing";
 }
 
+TEST_F(JetStationTest, ItsWordsAreFound)
+{
+    FileMail(Mail("First of them", "Hello from the harbour.\r\n"));
+    FileMail(Mail("Second of them", QByteArray("A long letter.\r\n").repeated(5000)));
+    const QStringList words{QStringLiteral("harbour"), QStringLiteral("--json")};
+    const QByteArray found = Expect("search", words);
+    ASSERT_TRUE(found.contains("First of them")) << found.constData();
+    MakeJet();
+    const QByteArray before = Read(File());
+    EXPECT_EQ(Expect("search", words), found);
+    EXPECT_EQ(Expect("index"), "2 of 2 messages are in the index\n");
+    EXPECT_EQ(Read(File()), before) << "searching changes nothing";
+}
+
 TEST_F(JetStationTest, SaysInWordsThatItCannotBeChanged)
 {
     const QString number = FileMail(Mail("Only one"));
