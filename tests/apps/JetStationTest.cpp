@@ -65,6 +65,18 @@ TEST_F(JetStationTest, IsWorkedInLikeAnyOther)
     EXPECT_TRUE(Read(File()).mid(4).startsWith("Standard Jet DB"));
 }
 
+TEST_F(JetStationTest, ItsWordsAreFound)
+{
+    FileMail(Mail("First of them", "Hello from the harbour.\r\n"));
+    FileMail(Mail("Second of them", QByteArray("A long letter.\r\n").repeated(5000)));
+    const QStringList words{QStringLiteral("harbour"), QStringLiteral("--json")};
+    const QByteArray found = Expect("search", words);
+    ASSERT_TRUE(found.contains("First of them")) << found.constData();
+    MakeJet();
+    EXPECT_EQ(Expect("search", words), found);
+    EXPECT_EQ(Expect("index"), "2 of 2 messages are in the index\n");
+}
+
 TEST_F(JetStationTest, SaysInWordsThatItCannotBeChangedWhileAnOfficeProgramHasItOpen)
 {
     const QString number = FileMail(Mail("Only one"));

@@ -5,6 +5,8 @@
 #include "messages/search/SearchPlace.h"
 #include "station/DeskStation.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <optional>
 
@@ -29,6 +31,7 @@ public:
                 service.Count_ = count;
                 service.SetProblem({});
                 service.Look();
+                Q_EMIT service.Changed();
             });
         });
     }
@@ -54,7 +57,8 @@ public:
     void Find(int round, int search, const SearchQuestion& question, SearchOptions options)
     {
         const auto isWanted = [this, search] { return Service_.LastSearch_ == search; };
-        if (!isWanted())
+        // What is asked before the station could be looked at is asked again then.
+        if (!isWanted() || File_.isEmpty())
             return;
         options.GoesOn = isWanted;
         Try(round, [&] {
@@ -141,6 +145,18 @@ void SearchService::Start()
     Thread_.start(QThread::LowPriority);
     LookTimer_.start();
     Look();
+}
+
+void SearchService::StartIfThere()
+{
+    if (Worker_ || !Station_.Database().IsOpen())
+        return;
+    try {
+        if (QFileInfo::exists(SearchPlace::FileFor(Station_.Database())))
+            Start();
+    } catch (const dao::Error&) {
+        return; // who searches starts it
+    }
 }
 
 void SearchService::SetProblem(const QString& words)

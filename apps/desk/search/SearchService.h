@@ -28,6 +28,8 @@ public:
     void SetBusy(std::function<bool()> isBusy) { IsBusy_ = std::move(isBusy); }
     /// Begins to keep the index; not before somebody may want it.
     void Start();
+    /// The same where there is one already: what is erased must not stay in it until somebody searches.
+    void StartIfThere();
     /// Searches; the answer comes by Found, unless another search was asked for before. Its number.
     int Search(const SearchQuestion& question, const SearchOptions& options);
 

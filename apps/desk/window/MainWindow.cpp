@@ -275,6 +275,7 @@ void MainWindow::FillList()
     Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
     if (Prizes_->IsOnShow())
         Prizes_->Connect();
+    Search_->Service().StartIfThere();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)

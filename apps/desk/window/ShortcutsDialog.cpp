@@ -36,8 +36,8 @@ QList<std::pair<QString, QString>> Keys()
         {QStringLiteral("F6, Shift+F6"),
          ShortcutsDialog::tr("Next or previous part of the window: folders, messages, message")},
         {QStringLiteral("Ctrl+Enter"), ShortcutsDialog::tr("While writing: put the message in the Outbox")},
-        {QStringLiteral("Ctrl+S"),
-         ShortcutsDialog::tr("While writing: save the draft; in the window of a contact, prize or winner: save")},
+        {QStringLiteral("Ctrl+S"), ShortcutsDialog::tr("While writing: save the draft; in the window of a contact, "
+                                                       "prize or winner: save; in the search: keep it for the menu")},
         {QStringLiteral("Ctrl+Shift+A"), ShortcutsDialog::tr("While writing: attach files")},
         {QStringLiteral("Menu"),
          ShortcutsDialog::tr("What can be done here; while writing, with the recipient beside the caret")},

@@ -66,8 +66,9 @@ IndexConnection::IndexConnection(const QString& file) : File_(file)
             Raise(code);
         sqlite3_busy_timeout(Handle_, WaitingMilliseconds);
         // The log is on the disk when it is merged into the file: a power cut loses the last minutes, not the rest.
-        for (const char* setting : {"journal_mode=WAL", "synchronous=NORMAL", "secure_delete=ON", "temp_store=MEMORY",
-                                    "cache_size=-8000", "trusted_schema=OFF", "cell_size_check=ON"})
+        for (const char* setting :
+             {"auto_vacuum=INCREMENTAL", "journal_mode=WAL", "synchronous=NORMAL", "secure_delete=ON",
+              "temp_store=MEMORY", "cache_size=-8000", "trusted_schema=OFF", "cell_size_check=ON"})
             Execute(QByteArrayLiteral("PRAGMA ") + setting);
     } catch (...) {
         sqlite3_close_v2(Handle_);

@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <optional>
 
 using RowValues::NumberOr;
 
@@ -77,6 +78,18 @@ QByteArray MailOf(const dao::Field& field)
 {
     const dao::MemoBeginning usual = field.Beginning(UsualOctets);
     return OctetsOf(usual.IsWhole ? usual.Utf8 : field.Beginning(MostSearchedOctets).Utf8);
+}
+
+/// The same; nothing where the disk withholds it. Another error may be another one the next time, and is raised.
+std::optional<QByteArray> MailIfReadable(const dao::Field& field)
+{
+    try {
+        return MailOf(field);
+    } catch (const dao::Error& error) {
+        if (error.Number() != dao::errFileDamaged && error.Number() != dao::errMemoDamaged)
+            throw;
+        return std::nullopt;
+    }
 }
 
 QString ConditionBetween(qint32 first, qint32 last)
@@ -257,8 +270,12 @@ void SearchFollowing::ReadMails(int milliseconds)
     bool isWhole = true;
     for (; !rows->AtEOF(); rows->MoveNext()) {
         MessageState state = StateOf(*rows, content);
-        const QByteArray octets = MailOf((*rows)[MailColumn]);
-        if (state.Category == tmcDrafts)
+        const std::optional<QByteArray> mail = MailIfReadable((*rows)[MailColumn]);
+        const QByteArray octets = mail.value_or(QByteArray());
+        // It is stored without words, and counts as changed whenever the station is gone through again.
+        if (!mail)
+            state.Content = ~state.Content;
+        else if (state.Category == tmcDrafts)
             state.Content = Mixed(state.Content, (*rows)[MailColumn].Beginning(UsualOctets).Utf8);
         read = state.Reference;
         MailOctets_ += octets.size();

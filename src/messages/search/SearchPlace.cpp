@@ -7,6 +7,7 @@
 #include "messages/search/SearchFollowing.h"
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QSysInfo>
@@ -18,8 +19,10 @@ bool SearchPlace::IsWanted()
 
 QString SearchPlace::Folder()
 {
-    return FileHelper::Join(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation),
-                            QStringLiteral("Tolva/Search"));
+    QString cache = qEnvironmentVariable("XDG_CACHE_HOME");
+    if (!QDir::isAbsolutePath(cache))
+        cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return FileHelper::Join(cache, QStringLiteral("Tolva/Search"));
 }
 
 QByteArray SearchPlace::PlaceOf(const cTolvaDatabase& station)

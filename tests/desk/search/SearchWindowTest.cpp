@@ -13,6 +13,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -205,6 +206,25 @@ TEST_F(SearchWindowTest, BuildingAndSearchingNeverHoldTheWindow)
     ASSERT_TRUE(WaitUntil([&] { return Window->Search().Service().IsComplete(); }, 60'000));
     gap.Take();
     EXPECT_LT(gap.Worked.count(), 100);
+}
+
+TEST_F(SearchWindowTest, WhatIsErasedLeavesAnIndexThatIsThereThoughNobodySearches)
+{
+    const qint32 erased = FileMail(Mail("One", "xylophonist\r\n"));
+    OpenSearch();
+    CloseWindow();
+    const QDir cache(Path(QStringLiteral("cache/Tolva/Search")));
+    ASSERT_EQ(cache.entryList({QStringLiteral("*.index")}).size(), 1);
+    const auto holds = [&](const QByteArray& word) {
+        bool isThere = false;
+        for (const QString& name : cache.entryList(QDir::Files))
+            isThere = isThere || Read(cache.filePath(name)).contains(word);
+        return isThere;
+    };
+    ASSERT_TRUE(holds("xylophonist"));
+    OpenWindow();
+    OtherComputer("delete", {QString::number(erased), QStringLiteral("--permanently")});
+    EXPECT_TRUE(WaitUntil([&] { return !holds("xylophonist"); }, 20'000));
 }
 
 TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSo)

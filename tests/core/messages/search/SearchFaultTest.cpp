@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "IndexedStation.h"
+#include "core/support/FaultyEngine.h"
 #include "platform/files/FileSystem.h"
 
 #include <QElapsedTimer>
@@ -52,6 +53,15 @@ protected:
             Follow();
         }
     }
+};
+
+/// Over a station whose accesses fail when the test says so.
+class FailingSearchTest : public IndexedStation
+{
+protected:
+    ~FailingSearchTest() override { Station->CloseTolvaDatabase(); }
+
+    FaultyEngine Engine;
 };
 
 /// No file of this process gets larger than that while it lives; what would is refused, as on a full disk.
@@ -144,7 +154,9 @@ TEST_F(SearchFaultTest, AFullTableOfWordsThatADiskChangedIsSeen)
         index.Store(messages);
         EXPECT_NO_THROW(index.CheckAllTables());
         EXPECT_NO_THROW(index.CheckOneTable());
+        EXPECT_TRUE(index.Tidy());
     }
+    EXPECT_EQ(IndexConnection(IndexFile()).Number("PRAGMA freelist_count"), 0) << "no room is wasted";
     {
         IndexConnection disk(IndexFile());
         disk.Execute("UPDATE words_0_data SET block = substr(block, 1, 100) || x'00' || substr(block, 102) "
@@ -173,6 +185,34 @@ TEST_F(SearchFaultTest, AFolderThatCannotBeWrittenIsSaidInWords)
         EXPECT_EQ(failure.Why(), SearchFailure::Reason::NoAccess);
         EXPECT_TRUE(failure.Words().contains(u"cannot be made"_qs)) << failure.what();
     }
+}
+
+TEST_F(FailingSearchTest, WhateverTheStationFailsToTellIsFoundLater)
+{
+    OpenStation();
+    for (int i = 0; i < 3; ++i)
+        Save(Mail("Number " + QByteArray::number(i), "ferry"));
+    int failing = 0;
+    for (bool hasFailed = true; hasFailed;) {
+        ++failing;
+        Index.reset();
+        SearchIndex::Remove(IndexFile());
+        Index = std::make_unique<SearchIndex>(IndexFile(), "station");
+        Following = std::make_unique<SearchFollowing>(*Station);
+        Engine.FailAt(failing, [] { throw dao::Error(dao::errFileDamaged, QStringLiteral("A page is damaged.")); });
+        try {
+            BringUpToDate(*Following, *Index);
+        } catch (const dao::Error& error) {
+            EXPECT_EQ(error.Number(), dao::errFileDamaged);
+        }
+        hasFailed = Engine.HasFailed();
+        Engine.Heal();
+        Save(Mail("Later", "harbour"));
+        ASSERT_TRUE(BringUpToDate(*Following, *Index));
+        EXPECT_EQ(Find(u"ferry"_qs).Count, 3) << "access " << failing;
+        EXPECT_EQ(Find(u"harbour"_qs).Count, failing);
+    }
+    EXPECT_GT(failing, 5) << "the station is asked that often";
 }
 
 TEST_F(SearchFaultTest, ALinkUnderItsNameIsReplacedAndNotFollowed)
