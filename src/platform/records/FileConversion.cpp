@@ -38,7 +38,9 @@ public:
 
     void Step()
     {
-        if (++Done_ % RowsBetweenReports == 0 && Advance_ && !Advance_(std::min(Done_, Total_), Total_))
+        // Also at the first: a small one can be stopped too.
+        const bool isDue = ++Done_ == 1 || Done_ % RowsBetweenReports == 0;
+        if (isDue && Advance_ && !Advance_(std::min(Done_, Total_), Total_))
             throw Error(errCancelled, QStringLiteral("Cancel was selected."));
     }
 

@@ -22,9 +22,17 @@ MessageBoxRequest StationDetailsBox()
             QString(), MessageBoxButtons::OK, MessageBoxIcon::Information, MessageBoxAnswer::OK};
 }
 
+void StationTest::PutOnServer()
+{
+    Schema = TestServer::Shared().NewSchema();
+    dao::DBEngine::CreateLinkedDatabase(FileName(), TestServer::Shared().Connect(Schema.Name));
+}
+
 void StationTest::OpenStation()
 {
-    if (!QFile::exists(FileName())) {
+    if (!QFile::exists(FileName()) && qEnvironmentVariable("TOLVA_TEST_STATION") == QLatin1String("server"))
+        PutOnServer();
+    if (!QFile::exists(FileName()) || dao::DBEngine::OpenDatabase(FileName())->TableDefs().Count() == 0) {
         Ui.ExpectMessageBox(StationDetailsBox());
         Ui.ExpectDatabaseSettings([](cTolvaDatabase& database) {
             database.SetStationPhoneNumber(QStringLiteral("01632 960100"));

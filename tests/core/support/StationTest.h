@@ -6,6 +6,7 @@
 #include "support/FixedClock.h"
 #include "support/ScriptedRegistry.h"
 #include "support/ScriptedUserInterface.h"
+#include "support/TestServer.h"
 
 #include <QTemporaryDir>
 
@@ -74,8 +75,11 @@ protected:
     ~StationTest() override;
 
     QString FileName() const { return Folder.filePath(QStringLiteral("Tolva.mdb")); }
-    /// Opens the station, made on the first call, with everything filled in. The user log is empty afterwards.
+    /// Opens the station, made on the first call, with everything filled in. The user log is empty afterwards. With
+    /// TOLVA_TEST_STATION=server in the environment it is made on a server.
     void OpenStation();
+    /// Before the first OpenStation: it will be made on a server.
+    void PutOnServer();
     /// The texts of the user log, "KIND TITLE: TEXT (CODE)".
     QStringList Audit() const;
     /// A new e-mail with these headers, not saved.
@@ -86,6 +90,7 @@ protected:
     std::unique_ptr<dao::Recordset> OpenTable(const QString& name) const;
 
     QTemporaryDir Folder;
+    TestServer::Schema Schema; ///< Of a station on a server.
     ScriptedUserInterface Ui;
     FixedClock Now;
     ScriptedRegistry Machine;

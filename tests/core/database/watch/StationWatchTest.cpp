@@ -7,6 +7,7 @@
 #include "common/ClockHelper.h"
 #include "core/support/StationTest.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QThread>
 
@@ -145,4 +146,46 @@ TEST_F(StationWatchTest, AListenerMayDestroyTheStation)
     Listen([&] { isTold = true; });
     Watch().Poll(Listener);
     EXPECT_FALSE(isTold);
+}
+
+/// On a server, which tells what others do.
+class ServerWatchTest : public StationWatchTest
+{
+protected:
+    void SetUp() override
+    {
+        PutOnServer();
+        StationWatchTest::SetUp();
+    }
+};
+
+TEST_F(ServerWatchTest, AChangeElsewhereIsToldWithinASecondAndOneOfItsOwnIsNot)
+{
+    int polls = 0;
+    Listen([&] { ++polls; });
+    Watch().Poll(Listener);
+    ASSERT_EQ(polls, 1);
+    const auto isToldWithin = [&](qint64 milliseconds) {
+        const QDeadlineTimer deadline(milliseconds);
+        const int before = polls;
+        while (polls == before && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        return polls > before;
+    };
+    EXPECT_TRUE(Other.SaveMessage(MakeMessage(QStringLiteral("From elsewhere"))));
+    EXPECT_TRUE(isToldWithin(1000));
+    EXPECT_TRUE(Station->SaveMessage(MakeMessage(QStringLiteral("From here"))));
+    EXPECT_FALSE(isToldWithin(600));
+}
+
+TEST_F(ServerWatchTest, FoldersAreReadHoweverLongTheFileStaysAsItIs)
+{
+    const QString other = QStringLiteral("Not stored");
+    const QDeadlineTimer deadline(3000);
+    while (!deadline.hasExpired()) {
+        Station->MessageCategories().FindCategory(tmcInbox)->SetDescription(other);
+        Watch().RefreshFolders();
+        ASSERT_NE(Station->MessageCategories().FindCategory(tmcInbox)->Description(), other);
+        QThread::msleep(100);
+    }
 }
