@@ -10,7 +10,8 @@ namespace StationMaking
 /// What holds a station: files in its folder, or a server.
 struct Storage
 {
-    QString Format;  ///< The name of the engine in whose format the station's file is; empty for what this machine is set to.
+    /// The name of the engine in whose format the station's file is; empty for what this machine is set to.
+    QString Format;
     QString Connect; ///< Of the server; empty for files.
 };
 

@@ -40,7 +40,8 @@ int Run(const Arguments& arguments)
             exitUsage,
             QStringLiteral("--country takes a country's two letters, such as GB; \"%1\" is none.").arg(country));
     if (arguments.Has(FormatOption) && arguments.Has(ConnectOption))
-        throw Failure(exitUsage, QStringLiteral("--format is that of a file, and --connect makes none. Give one of them."));
+        throw Failure(exitUsage,
+                      QStringLiteral("--format is that of a file, and --connect makes none. Give one of them."));
     const QString& folder = arguments.Folder();
     const QString user = Station::UserName(arguments);
     TerminalUserInterface terminal;
