@@ -4,10 +4,33 @@
 #include "platform/records/DBEngine.h"
 #include "platform/records/RecordsFixture.h"
 
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace dao;
 
 namespace
 {
+
+/// Whether another process meets a lock anywhere in the file.
+bool IsLockedForOthers(const QString& file)
+{
+    const QByteArray name = QFile::encodeName(file);
+    const pid_t other = ::fork();
+    if (other == 0) {
+        const int handle = ::open(name.constData(), O_RDWR);
+        struct flock lock = {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        const bool isAnswered = handle >= 0 && ::fcntl(handle, F_GETLK, &lock) == 0;
+        ::_exit(!isAnswered ? 2 : lock.l_type == F_UNLCK ? 0 : 1);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2);
+    return WEXITSTATUS(status) == 1;
+}
 
 /// Serves connect strings that begin with "TEST;" and remembers what it was told.
 class ServerEngine final : public engine::Engine
@@ -174,3 +197,18 @@ TEST(EngineRegistry, AnUnknownEngineIsAnErrorThatListsThoseThereAre)
 }
 
 } // namespace
+
+TEST(EngineRegistry, WhoeverLooksAtAFileOfAnotherEngineLeavesItShutForOthers)
+{
+    const QTemporaryDir folder;
+    for (const QString& name : {QStringLiteral("sqlite"), QStringLiteral("jet")}) {
+        const QString file = folder.filePath(name + QStringLiteral(".mdb"));
+        DBEngine::CreateDatabase(file, QString(), name)->Close();
+        EXPECT_FALSE(IsLockedForOthers(file));
+        {
+            const auto locks = engine::EngineRegistry::Instance().LockOut(file);
+            EXPECT_TRUE(IsLockedForOthers(file)) << qPrintable(name);
+        }
+        EXPECT_FALSE(IsLockedForOthers(file)) << qPrintable(name);
+    }
+}

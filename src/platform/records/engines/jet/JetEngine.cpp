@@ -68,7 +68,9 @@ public:
     }
 };
 
-/// Keeps who works in a Jet file out of it.
+/// Keeps who works in a Jet file out of it. Of a file of another engine it holds nothing but the handle: closing that
+/// at once would take away the locks that the other engine has on the file by now, for the system lets them go with any
+/// handle of the process.
 class JetFileLock final : public engine::FileLock
 {
 public:
@@ -87,8 +89,10 @@ std::unique_ptr<engine::FileLock> JetEngine::LockOut(const QString& fileName)
         file = FileSystem::Current().Open(fileName, FileAccess::Read, status);
     QByteArray first(HeaderOctets, '\0');
     qint64 count = 0;
-    if (!file || !file->ReadAt(0, first.data(), first.size(), count).IsDone() || !IsOfFamily(first))
+    if (!file)
         return nullptr;
+    if (!file->ReadAt(0, first.data(), first.size(), count).IsDone() || !IsOfFamily(first))
+        return std::make_unique<JetFileLock>(std::move(file));
     const QString users = OfficeUsersFile(fileName);
     if (FileSystem::Current().KindOf(users) != FileKind::None)
         throw Error(errNotSupported, QStringLiteral("another program has it open, for '%1' is there. Close it there. "
