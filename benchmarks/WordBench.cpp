@@ -172,6 +172,7 @@ void BenchFollowing(const QString& folder, const QString& stationFolder, int cou
 {
     constexpr int Mails = 1000;
     const QString alone = folder + QStringLiteral("/alone");
+    MakeStationIn(QFile::encodeName(alone));
     AddMails(alone, QString(), 0, Mails);
     const auto small = OpenStation(alone);
     const auto station = OpenStation(stationFolder);

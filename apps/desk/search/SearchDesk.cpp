@@ -40,7 +40,7 @@ SearchWindow& SearchDesk::Window()
 void SearchDesk::AddToViewMenu(QMenu& menu)
 {
     QAction* search =
-        menu.addAction(Icons::Get(QStringLiteral("search")), tr("&Search all messages..."),
+        menu.addAction(Icons::Get(QStringLiteral("search")), tr("Search all messages..."),
                        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F), this, [this] { Window().Begin(); });
     search->setObjectName(QStringLiteral("searchAll"));
     auto* saved = menu.addMenu(tr("Sa&ved searches"));
@@ -67,7 +67,7 @@ void SearchDesk::FillSaved(QMenu& menu)
 
 void SearchDesk::AddToMessageMenu(QMenu& menu, std::function<cMessagePtr()> selected)
 {
-    auto* related = menu.addMenu(tr("Find rela&ted"));
+    auto* related = menu.addMenu(tr("Find related"));
     related->setObjectName(QStringLiteral("findRelated"));
     const auto add = [&](const char* name, const QString& text, Relation relation) {
         QAction* action =
