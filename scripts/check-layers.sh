@@ -32,4 +32,9 @@ refuse "platform and core must not include Gui or Widgets" \
     "${core[@]}" "${platform[@]}"
 refuse "nothing outside an engine's folder includes it, but the registry" '#include "platform/records/engines/[a-z]+/' \
     "${outsideEngines[@]}"
+for engine in jet postgres sqlite; do
+    mapfile -t sources < <(sourcesIn "src/platform/records/engines/$engine")
+    others=$(echo jet postgres sqlite | tr ' ' '\n' | grep -v "$engine" | paste -sd '|')
+    refuse "an engine must not include another one" "#include \"platform/records/engines/($others)/" "${sources[@]}"
+done
 exit $failed

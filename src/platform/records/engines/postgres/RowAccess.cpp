@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/postgres/RowAccess.h"
 
+#include "platform/records/engines/MemoCheck.h"
 #include "platform/records/engines/postgres/Naming.h"
-#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/query/StoredValues.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ bool IsAsSaved(const Result& result, int row, int place, qint64 id)
 {
     if (result.IsNull(row, place) || result.IsNull(row, place + 1))
         return result.IsNull(row, place) && result.IsNull(row, place + 1);
-    return result.Integer(row, place + 1) == sqlite::MemoCheck(id, result.Octets(row, place));
+    return result.Integer(row, place + 1) == engine::MemoCheck(id, result.Octets(row, place));
 }
 
 } // namespace

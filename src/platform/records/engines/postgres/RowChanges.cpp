@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/MemoCheck.h"
 #include "platform/records/engines/postgres/Naming.h"
 #include "platform/records/engines/postgres/RowAccess.h"
-#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/query/StoredValues.h"
 
 #include <QHash>
@@ -88,7 +88,7 @@ std::vector<StoredMemo> RowAccess::ReadMemos(int column, std::span<const qint64>
         if (isNull || result.IsNull(row, 3)) {
             memo.IsDamaged = isNull != result.IsNull(row, 3);
         } else {
-            memo.IsDamaged = result.Integer(row, 3) != sqlite::MemoCheck(result.Integer(row, 1), result.Octets(row, 2));
+            memo.IsDamaged = result.Integer(row, 3) != engine::MemoCheck(result.Integer(row, 1), result.Octets(row, 2));
         }
         if (!isNull)
             memo.Utf8 = Kept(result.Octets(row, 2));
@@ -186,7 +186,7 @@ void RowAccess::AddAssigned(Parameters& values, qint64 id, const engine::Assignm
     if (text == nullptr)
         values.AddNull(Kind::Integer);
     else
-        values.AddInteger(sqlite::MemoCheck(id, View(*text)));
+        values.AddInteger(engine::MemoCheck(id, View(*text)));
 }
 
 Command RowAccess::InsertCommand(qint64 id, std::span<const engine::Assignment> values) const

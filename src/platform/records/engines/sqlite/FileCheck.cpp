@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/FileCheck.h"
 
+#include "platform/records/engines/MemoCheck.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
-#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
 #include "platform/records/engines/sqlite/SqliteStore.h"
@@ -159,8 +159,8 @@ private:
                 throw OutOfOrder(table);
             const std::string_view text = use.Text(1);
             octets += static_cast<qsizetype>(text.size());
-            const bool isAsSaved =
-                use.IsNull(1) || use.IsNull(2) ? use.IsNull(1) && use.IsNull(2) : use.Integer(2) == MemoCheck(id, text);
+            const bool isAsSaved = use.IsNull(1) || use.IsNull(2) ? use.IsNull(1) && use.IsNull(2)
+                                                                  : use.Integer(2) == engine::MemoCheck(id, text);
             if (hasChecks && !isAsSaved)
                 Add({table.Name, column.Name, id, true});
             last = id;

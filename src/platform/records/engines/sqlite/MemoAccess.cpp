@@ -3,9 +3,9 @@
 
 #include "platform/Ascii.h"
 #include "platform/records/TextCodec.h"
+#include "platform/records/engines/MemoCheck.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/MemoBlob.h"
-#include "platform/records/engines/sqlite/MemoCheck.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlRenderer.h"
 
@@ -45,7 +45,7 @@ bool IsMemoAsSaved(const StatementUse& use, int place, qint64 id)
 {
     if (use.IsNull(place) || use.IsNull(place + 1))
         return use.IsNull(place) && use.IsNull(place + 1);
-    return use.Integer(place + 1) == MemoCheck(id, use.Text(place));
+    return use.Integer(place + 1) == engine::MemoCheck(id, use.Text(place));
 }
 
 MemoAccess::MemoAccess(Connection& connection, engine::TablePtr table, bool hasChecks)
@@ -128,7 +128,7 @@ StoredMemo MemoAccess::TakeLarge(const StatementUse& use, int column, qint64 id)
         Connection_.Raise(SQLITE_CORRUPT); // the row was there, and is held
     QByteArray utf8(value.Size(), Qt::Uninitialized);
     char* const to = utf8.data();
-    MemoSum sum(id);
+    engine::MemoSum sum(id);
     bool isAscii = true;
     for (int from = 0; from < value.Size(); from += PieceSize) {
         const int count = std::min(PieceSize, value.Size() - from);

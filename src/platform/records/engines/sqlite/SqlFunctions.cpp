@@ -2,7 +2,7 @@
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
 #include "platform/records/TextCodec.h"
-#include "platform/records/engines/sqlite/MemoCheck.h"
+#include "platform/records/engines/MemoCheck.h"
 #include "platform/records/query/Arithmetic.h"
 #include "platform/records/query/StoredValues.h"
 
@@ -134,7 +134,7 @@ void Check(sqlite3_context* context, int, sqlite3_value** arguments)
 {
     Guarded(context, [&] {
         if (sqlite3_value_type(arguments[0]) != SQLITE_NULL)
-            sqlite3_result_int64(context, MemoCheck(sqlite3_value_int64(arguments[1]), OctetsOf(arguments[0])));
+            sqlite3_result_int64(context, engine::MemoCheck(sqlite3_value_int64(arguments[1]), OctetsOf(arguments[0])));
     });
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/records/engines/sqlite/MemoCheck.h"
+#include "platform/records/engines/MemoCheck.h"
 
 #include <QtEndian>
 
@@ -11,7 +11,7 @@
 #include <nmmintrin.h>
 #endif
 
-namespace dao::sqlite
+namespace dao::engine
 {
 
 namespace
@@ -105,4 +105,4 @@ qint64 MemoCheck(qint64 rowId, std::string_view utf8)
     return sum.Value();
 }
 
-} // namespace dao::sqlite
+} // namespace dao::engine

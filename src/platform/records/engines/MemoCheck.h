@@ -7,7 +7,7 @@
 
 /// The check that stands beside each memo in a file: by it a memo that was changed on the disk is told from what was
 /// saved. Pure functions; any thread.
-namespace dao::sqlite
+namespace dao::engine
 {
 
 /// CRC-32C (Castagnoli), continued from the sum of what came before; 0 to begin with. By the processor's own
@@ -32,4 +32,4 @@ private:
     quint32 Sum_;
 };
 
-} // namespace dao::sqlite
+} // namespace dao::engine

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/records/engines/sqlite/MemoCheck.h"
+#include "platform/records/engines/MemoCheck.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-using namespace dao::sqlite;
+using namespace dao::engine;
 
 namespace
 {
