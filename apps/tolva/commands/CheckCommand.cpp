@@ -9,6 +9,7 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "platform/records/FileConversion.h"
 
 #include <QFileInfo>
 
@@ -35,8 +36,10 @@ int Run(const Arguments& arguments)
     for (const StationCheck::FolderCount& count : report.Folders)
         Terminal::PrintLine(QStringLiteral("%1  %2").arg(count.Messages, 8).arg(count.Path));
     // A file that could not be opened has no folders to tell of, not none in them.
-    if (report.IsRead)
+    if (report.IsRead) {
         Terminal::PrintLine(QStringLiteral("%1  messages in all").arg(report.Messages(), 8));
+        Terminal::PrintLine(QStringLiteral("The format is %1.").arg(dao::FormatOf(file)));
+    }
     if (report.IsSound()) {
         Terminal::PrintLine(QStringLiteral("The station is sound."));
         return exitOK;

@@ -190,6 +190,11 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
     }
 }
 
+QString FormatOf(const QString& file)
+{
+    return EngineOfFile(file).Name();
+}
+
 bool HasFormat(const QString& file, const QString& engine)
 {
     return &EngineOfFile(file) == &engine::EngineRegistry::Instance().ForNewFiles(engine);
