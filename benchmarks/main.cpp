@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <functional>
+#include <vector>
 
 namespace
 {
@@ -20,44 +22,64 @@ int Verdict()
         std::printf("%d above the limit\n", failed);
     return failed > 0 ? 1 : 0;
 }
+
+struct Group
+{
+    const char* Name;
+    std::function<void()> Run;
+};
+
+void BenchStationOf(const QString& folder, int messages, const QString& smallFolder)
+{
+    std::fprintf(stderr, "Making a station of %d messages\n", messages);
+    MakeStation(folder, messages);
+    MakeStation(smallFolder, 100);
+    BenchReading(folder, messages);
+    BenchSearching(folder);
+    BenchHistory(folder);
+    BenchOpening(smallFolder, folder);
+}
 } // namespace
 
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    const qsizetype writer = application.arguments().indexOf(QStringLiteral("--writer"));
+    const QStringList arguments = application.arguments();
+    const qsizetype writer = arguments.indexOf(QStringLiteral("--writer"));
     if (writer > 0)
-        return WriteUntilTold(application.arguments().value(writer + 1));
-    const bool quick = application.arguments().contains(QStringLiteral("--quick"));
+        return WriteUntilTold(arguments.value(writer + 1));
+    const bool quick = arguments.contains(QStringLiteral("--quick"));
     const int large = quick ? 10000 : 100000;
-    const int megabytes = quick ? 10 : 50;
+    const qsizetype words = arguments.indexOf(QStringLiteral("--words"));
 
     // Beside the program, so that the figures are those of a disk and not of memory.
     const QTemporaryDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/stations-XXXXXX"));
     Require(folder.isValid(), "no folder for the stations can be made");
+    const auto in = [&](const char* name) { return folder.filePath(QLatin1String(name)); };
+    const std::vector<Group> groups = {
+        // First, while this process is small: a child's peak counts from the fork on.
+        {"words",
+         [&] {
+             BenchWords(in("words"), words > 0 ? arguments.value(words + 1).toInt() : quick ? 20000 : 100000);
+         }},
+        {"large-mail", [&] { BenchFiling(in("filing"), quick ? 10 : 50); }},
+        {"one-mail", [&] { BenchFilingOneMail(in("one")); }},
+        {"maildir", [&] { BenchFilingAMaildir(in("maildir"), quick ? 2000 : 20000); }},
+        {"templates", [&] { BenchTemplates(quick ? 1000 : 10000); }},
+        {"saving", [&] { BenchSaving(in("saving"), quick ? 3 : 9); }},
+        {"station", [&] { BenchStationOf(in("large"), large, in("small")); }},
+        {"backup", [&] { BenchBackup(in("backup"), quick ? 100 : 1024); }},
+    };
+    const qsizetype only = arguments.indexOf(QStringLiteral("--only"));
+    const QString wanted = words > 0 ? QStringLiteral("words") : only > 0 ? arguments.value(only + 1) : QString();
     PrintHeading();
-    // First, while this process is small: a child's peak counts from the fork on.
-    const qsizetype words = application.arguments().indexOf(QStringLiteral("--words"));
-    if (words > 0) {
-        BenchWords(folder.filePath(QStringLiteral("words")), application.arguments().value(words + 1).toInt());
-        return Verdict();
+    bool isKnown = wanted.isEmpty();
+    for (const Group& group : groups) {
+        if (!wanted.isEmpty() && wanted != QLatin1String(group.Name))
+            continue;
+        isKnown = true;
+        group.Run();
     }
-    BenchWords(folder.filePath(QStringLiteral("words")), quick ? 20000 : 100000);
-    BenchFiling(folder.filePath(QStringLiteral("filing")), megabytes);
-    BenchFilingOneMail(folder.filePath(QStringLiteral("one")));
-    BenchFilingAMaildir(folder.filePath(QStringLiteral("maildir")), quick ? 2000 : 20000);
-    BenchTemplates(quick ? 1000 : 10000);
-    std::fprintf(stderr, "Making a station of %d messages\n", large);
-    const QString largeStation = folder.filePath(QStringLiteral("large"));
-    const QString smallStation = folder.filePath(QStringLiteral("small"));
-    MakeStation(largeStation, large);
-    MakeStation(smallStation, 100);
-
-    BenchSaving(folder.filePath(QStringLiteral("saving")), quick ? 3 : 9);
-    BenchReading(largeStation, large);
-    BenchSearching(largeStation);
-    BenchHistory(largeStation);
-    BenchOpening(smallStation, largeStation);
-    BenchBackup(folder.filePath(QStringLiteral("backup")), quick ? 100 : 1024);
+    Require(isKnown, "there is no group of that name");
     return Verdict();
 }
