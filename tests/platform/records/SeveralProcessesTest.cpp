@@ -44,6 +44,7 @@ protected:
         for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
             const qsizetype blank = lines.at(i).indexOf(' ');
             const int reference = lines.at(i).left(blank).toInt();
+            EXPECT_GT(reference, 0) << "a writer failed: " << lines.at(i).constData();
             EXPECT_TRUE(Acknowledged_.emplace(reference, QString::fromLatin1(lines.at(i).mid(blank + 1))).second)
                 << "number " << reference << " was given twice";
         }
