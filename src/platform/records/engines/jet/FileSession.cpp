@@ -215,16 +215,18 @@ void FileSession::Store(const QDeadlineTimer& deadline)
         CountCommit();
         HasUsedJournal_ = true;
         Journal_.Write(Pages_);
-        ChangeJournal::Apply(Pages_);
-        Pages_.AdoptChanges();
     } catch (...) {
         Locks().LetReadersIn();
         throw;
     }
+    // From here on it is done: an error would have the change made once more. Where the pages or the end of the journal
+    // cannot be written, whoever comes next finds the journal and writes them.
     try {
+        ChangeJournal::Apply(Pages_);
+        Pages_.AdoptChanges();
         Journal_.Clear();
-    } catch (const Error&) {
-        // The commit stands; whoever finds the journal writes the same once more.
+    } catch (...) {
+        Pages_.DropChanges();
     }
     Locks().LetReadersIn();
 }
