@@ -22,7 +22,8 @@ TEST_F(CheckTest, ASoundStationIsCountedFolderByFolder)
 {
     FileMail(Mail("a"));
     FileMail(Mail("b"));
-    EXPECT_EQ(Expect("check"), "       2  Inbox\n       2  messages in all\nThe format is sqlite.\nThe station is sound.\n");
+    EXPECT_EQ(Expect("check"),
+              "       2  Inbox\n       2  messages in all\nThe format is sqlite.\nThe station is sound.\n");
 }
 
 TEST_F(CheckTest, AFileOfAnotherKindIsNoStation)

@@ -25,8 +25,8 @@ class Store;
 TOLVA_EXPORT void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                                   const std::function<bool(qint64 done, qint64 total)>& advance);
 
-/// The name of the engine in whose format a database file is, "postgres" for one that stands for a database on a server.
-/// Errors: those of opening.
+/// The name of the engine in whose format a database file is, "postgres" for one that stands for a database on a
+/// server. Errors: those of opening.
 TOLVA_EXPORT QString FormatOf(const QString& file);
 
 /// Whether a database file has the format of that engine. Errors: those of opening, and 3265 when no engine of that
