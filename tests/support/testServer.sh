@@ -53,6 +53,8 @@ if [ ! -e "$folder/watcher" ]; then
         exec 9>"$folder/users"
         flock --exclusive 9
         "$@" "$programs/pg_ctl" -D "$folder/data" -m immediate -w stop
-        rm -rf "$folder"
+        # Out of the way first: whoever comes while it is being removed makes a folder of his own.
+        mv "$folder" "$folder-gone-$$"
+        rm -rf "$folder-gone-$$"
     ' watcher "$folder" "$seconds" "$programs" "${asServer[@]}" </dev/null >/dev/null 2>&1 9>&- &
 fi
