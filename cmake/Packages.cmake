@@ -71,13 +71,14 @@ set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 
 set(CPACK_DEBIAN_COMMANDS_PACKAGE_NAME tolva)
-set(CPACK_DEBIAN_COMMANDS_PACKAGE_RECOMMENDS tolva-pdf)
+# libpq is loaded when a station is on a server.
+set(CPACK_DEBIAN_COMMANDS_PACKAGE_RECOMMENDS "tolva-pdf, libpq5 (>= 14)")
 set(CPACK_COMPONENT_COMMANDS_DEPENDS data)
 set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
     "Command line of a radio station's contact desk\nFiles incoming mail and text messages, lists, searches, moves, exports,\nprints, backs up and checks a station.")
 
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
-set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS tolva)
+set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS "tolva, libpq5 (>= 14)")
 set(CPACK_COMPONENT_DESK_DEPENDS data)
 set(CPACK_COMPONENT_DESK_DESCRIPTION
     "Window of a radio station's contact desk\nListeners' e-mails and text messages, folders, prizes and contacts,\nshared by several computers.")
