@@ -66,6 +66,7 @@ StationBackup::Result StationBackup::Make(cTolvaDatabase& database, const QStrin
     const QString file = StationPlace::FileIn(folder);
     try {
         Result result;
+        const auto identity = dao::DBEngine::IdentityOf(file);
         result.Before = StationCounts::Of(file);
         if (!database.BackupDatabase(true))
             throw WhyNone(database, folder);
@@ -78,8 +79,10 @@ StationBackup::Result StationBackup::Make(cTolvaDatabase& database, const QStrin
         result.Size = FileHelper::FileSize(copy);
         result.Copy = StationCounts::Of(copy);
         result.After = StationCounts::Of(file);
-        // While somebody files, the copy may hold more than before and less than after.
-        if (result.Before == result.After && result.Copy != result.Before) {
+        // While somebody files, the copy may hold more than before and less than after. A station that was put back
+        // meanwhile, which changes its identity, may have lost again what the copy still has.
+        const bool isSameState = dao::DBEngine::IdentityOf(file) == identity;
+        if (isSameState && result.Before == result.After && result.Copy != result.Before) {
             throw Failure(exitData, QStringLiteral("The backup in %1 holds %2, the station %3.")
                                         .arg(result.Folder, result.Copy.Words(), result.Before.Words()));
         }
