@@ -14,7 +14,7 @@
 #include "database/StationContext.h"
 #include "database/StationStructure.h"
 #include "platform/records/DBEngine.h"
-#include "platform/records/engines/SchemaReuse.h"
+#include "platform/records/StoreReuse.h"
 
 namespace
 {
@@ -55,7 +55,7 @@ qint32 StationFile::Open(const QString& location, const QString& connect)
     if (!FileHelper::FolderExists(location))
         return FailOpen(QStringLiteral("'%1' - Path not found").arg(location), -1);
 
-    const dao::engine::SchemaReuse oneOpening;
+    const dao::StoreReuse oneOpening;
     WriteDebugLog(QStringLiteral("Validating Database (General)"));
     QString title = Title;
     if (const int code = DAO_DatabaseFunctions::ValidateDatabase(fileName, Type, true, title, connect)) {

@@ -31,7 +31,11 @@ bool IsSame(const QString& left, QLatin1String right)
 class Connection::Handle
 {
 public:
-    Handle(const QString& fileName, int lockingMode) : Session_(dao::OpenFile(fileName, false, lockingMode)) {}
+    Handle(const QString& fileName, int lockingMode) : Session_(dao::OpenFile(fileName, false, lockingMode))
+    {
+        // Nothing is read or written through it: its store only showed that the file can be opened.
+        Session_->LendStore();
+    }
     int LockingMode() const { return Session_->Lease.LockingMode(); }
 
 private:

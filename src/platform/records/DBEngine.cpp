@@ -69,6 +69,9 @@ std::unique_ptr<Database> DBEngine::CreateDatabase(const QString& name, const QS
 
 QString DBEngine::WithoutPassword(const QString& connect)
 {
+    // Most have none, and making the patterns takes a moment.
+    if (connect.isEmpty())
+        return connect;
     static const QRegularExpression word(
         QStringLiteral(R"(((?:pwd|\w*password)\s*=\s*)('(?:[^'\\]|\\.)*'?|[^\s;&']+))"),
         QRegularExpression::CaseInsensitiveOption);

@@ -3,6 +3,7 @@
 
 #include "platform/records/Error.h"
 #include "platform/records/OpenFiles.h"
+#include "platform/records/StoreReuse.h"
 #include "platform/records/engines/Engine.h"
 
 #include <memory>
@@ -16,6 +17,20 @@ struct DatabaseSession
     /// Gone once the database is closed.
     std::unique_ptr<engine::Store> Store;
     FileLease Lease;
+    QString FileName; ///< Absolute; empty for what is no file.
+
+    /// Leaves the store to the next opening of the file, where one is expected.
+    void LendStore()
+    {
+        if (!FileName.isEmpty())
+            StoreReuse::Keep(FileName, Store);
+    }
+    void Close()
+    {
+        LendStore();
+        Store.reset();
+        Lease.Release();
+    }
 
     engine::Store& Required() const
     {

@@ -56,7 +56,11 @@ SessionPtr OpenFile(const QString& fileName, bool readOnly, int lockingMode)
 {
     engine::Engine& engine = EngineOfFile(fileName);
     auto session = std::make_shared<DatabaseSession>();
-    session->Store = engine.Open(QFileInfo(fileName).absoluteFilePath(), QString(), readOnly);
+    session->FileName = QFileInfo(fileName).absoluteFilePath();
+    if (!readOnly)
+        session->Store = StoreReuse::Take(session->FileName);
+    if (!session->Store)
+        session->Store = engine.Open(session->FileName, QString(), readOnly);
     session->Lease = FileLease(fileName, engine.Name(), lockingMode);
     return session;
 }

@@ -54,8 +54,7 @@ StoreDatabase::StoreDatabase(const QString& name, const QString& connect, Sessio
 
 StoreDatabase::~StoreDatabase()
 {
-    Session_->Store.reset();
-    Session_->Lease.Release();
+    Session_->Close();
 }
 
 QString StoreDatabase::Name() const
@@ -122,8 +121,7 @@ void StoreDatabase::LockForChange()
 void StoreDatabase::Close()
 {
     Session_->Required();
-    Session_->Store.reset();
-    Session_->Lease.Release();
+    Session_->Close();
 }
 
 } // namespace dao

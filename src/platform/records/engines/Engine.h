@@ -113,6 +113,9 @@ public:
 
     virtual QString Version() const = 0;
     virtual bool Updatable() const = 0;
+    /// Whether opening this file to read and write would find what this store finds, and nothing of the store's past
+    /// could be noticed. Nothing is raised. An engine that cannot tell answers false.
+    virtual bool IsAsNew(const QString& /*fileName*/) { return false; }
 
     /// The structure now, other processes' additions included. A call costs little when nothing changed, and the
     /// result is the same object then.

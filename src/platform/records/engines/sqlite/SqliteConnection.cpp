@@ -240,12 +240,16 @@ Connection::~Connection()
     sqlite3_close_v2(Handle_);
 }
 
+bool Connection::HasMoved() const
+{
+    int hasMoved = 0;
+    return sqlite3_file_control(Handle_, "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK || hasMoved != 0;
+}
+
 void Connection::RemoveEmptyJournal() noexcept
 {
     // A file that was renamed while it was open is not the one that its journal's name belongs to now.
-    int hasMoved = 0;
-    if (IsReadOnly() || sqlite3_file_control(Handle_, "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK ||
-        hasMoved != 0)
+    if (IsReadOnly() || HasMoved())
         return;
     const QFileInfo journal(QString::fromUtf8(sqlite3_filename_journal(sqlite3_db_filename(Handle_, "main"))));
     if (!journal.isFile() || journal.size() > 0)

@@ -94,6 +94,8 @@ public:
     const QString& FileName() const { return FileName_; }
     bool IsReadOnly() const { return sqlite3_db_readonly(Handle_, "main") != 0; }
     bool IsInTransaction() const { return sqlite3_get_autocommit(Handle_) == 0; }
+    /// Whether the file's name belongs to another file by now, or to none, or nobody can tell.
+    bool HasMoved() const;
     int Changes() const { return sqlite3_changes(Handle_); }
 
     /// The time that all waiting for other processes in one operation may take together starts now.

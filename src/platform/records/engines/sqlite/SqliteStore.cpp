@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/SqliteStore.h"
 
-#include "platform/records/engines/SchemaReuse.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/FileIdentity.h"
 #include "platform/records/engines/sqlite/MemoBlob.h"
@@ -90,6 +89,20 @@ SqliteStore::~SqliteStore()
     }
 }
 
+bool SqliteStore::IsAsNew(const QString& fileName)
+{
+    if (IsReadOnly_ || Connection_.FileName() != fileName || Transaction_ != Transaction::None || Counters_.HasRest() ||
+        Counters_.TakenBack())
+        return false;
+    try {
+        // Raises where a backup was put in the file's place.
+        CurrentSchema();
+    } catch (const Error&) {
+        return false;
+    }
+    return !Connection_.HasMoved();
+}
+
 QString SqliteStore::Version() const
 {
     return QString::fromLatin1(VersionText);
@@ -144,16 +157,7 @@ SchemaPtr SqliteStore::ReadSchemaUnderLock()
         IsReplaced_ = true;
         throw FileExchanged(Connection_.FileName());
     }
-    // A file of an earlier version has no identity to be known by.
-    const engine::SchemaReuse::State state{Connection_.FileName(), identity, cookie};
-    // What is read later may be read in a transaction that is taken back.
-    const bool isOpening = !Schema_ && identity != 0;
-    SchemaPtr schema = isOpening ? engine::SchemaReuse::Find(state) : nullptr;
-    if (!schema) {
-        schema = ReadSchema(Connection_, Schema_);
-        if (isOpening)
-            engine::SchemaReuse::Keep(state, schema);
-    }
+    SchemaPtr schema = ReadSchema(Connection_, Schema_);
     const bool hasChecks = FormatOf(Connection_) != FormatVersionWithoutChecks;
     if (hasChecks != HasChecks_) {
         // A compaction gave its rows another layout.
