@@ -4,6 +4,8 @@
 #include "platform/records/DBEngine.h"
 #include "platform/records/RecordsFixture.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <random>
@@ -33,7 +35,10 @@ protected:
 
 private:
     QString RandomText(int longest);
-    QTemporaryDir Folder_;
+    /// In memory where the system has a place for that: nothing here loses its power for good.
+    QTemporaryDir Folder_{QFileInfo(QStringLiteral("/dev/shm")).isWritable()
+                              ? QStringLiteral("/dev/shm/tolva-XXXXXX")
+                              : QDir::tempPath() + QStringLiteral("/tolva-XXXXXX")};
 };
 
 /// Every value of every row of a table, in order of entry or of an index.
