@@ -76,8 +76,7 @@ protected:
 
     QString FileName() const { return Folder.filePath(QStringLiteral("Tolva.mdb")); }
     /// Opens the station, made on the first call, with everything filled in. The user log is empty afterwards. With
-    /// TOLVA_TEST_STATION=server in the environment it is made on a server, with the name of another engine in its
-    /// format.
+    /// TOLVA_TEST_STATION=server in the environment it is made on a server.
     void OpenStation();
     /// Before the first OpenStation: it will be made on a server.
     void PutOnServer();
