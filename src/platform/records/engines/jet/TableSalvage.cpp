@@ -29,14 +29,13 @@ std::optional<TableDefinition> ReadDefinition(PageFile& file, quint32 page)
     }
 }
 
-bool HasSameColumns(const TableDefinition& left, const TableDefinition& right)
+/// Whether a table has all the columns that another one has, by their names and types; it may have more, in any order.
+bool HasColumnsOf(const TableDefinition& table, const TableDefinition& other)
 {
-    return std::equal(left.Columns.begin(), left.Columns.end(), right.Columns.begin(), right.Columns.end(),
-                      [](const ColumnDefinition& one, const ColumnDefinition& other) {
-                          return one.Name == other.Name && one.Type == other.Type && one.Number == other.Number &&
-                                 one.FixedOffset == other.FixedOffset && one.VariableIndex == other.VariableIndex &&
-                                 one.Length == other.Length && one.Flags == other.Flags;
-                      });
+    return std::all_of(other.Columns.begin(), other.Columns.end(), [&](const ColumnDefinition& column) {
+        const ColumnDefinition* own = table.ColumnNamed(column.Name);
+        return own != nullptr && own->Type == column.Type;
+    });
 }
 
 /// Where a hint's rows would be those of the table that begins on a page.
@@ -211,11 +210,13 @@ private:
 
     QString NameFor(const TableDefinition& definition) const
     {
+        const TableHint* best = nullptr;
         for (const TableHint& hint : Hints_) {
-            if (HasSameColumns(hint.Definition, definition) && !IsNamed(hint.Name))
-                return hint.Name;
+            const bool isBetter = best == nullptr || hint.Definition.Columns.size() > best->Definition.Columns.size();
+            if (isBetter && HasColumnsOf(definition, hint.Definition) && !IsNamed(hint.Name))
+                best = &hint;
         }
-        return QStringLiteral("Recovered %1").arg(definition.Page());
+        return best != nullptr ? best->Name : QStringLiteral("Recovered %1").arg(definition.Page());
     }
 
     /// Definitions that the list does not name and that have rows.

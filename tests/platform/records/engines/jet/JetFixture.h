@@ -14,7 +14,14 @@
 class JetFixture : public testing::Test
 {
 protected:
-    JetFixture();
+    /// where: the folder in which its own is made.
+    explicit JetFixture(const QString& where = QDir::tempPath());
+    /// In memory where the system has a place for that, for tests of no disk.
+    static QString InMemory()
+    {
+        const QString memory = QStringLiteral("/dev/shm");
+        return QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
+    }
 
     QString Path(const QString& name) const { return Folder_.filePath(name); }
     /// "Messages": a counter (index Main), a text with an index, one with an index that lets no value come twice, a
@@ -35,10 +42,7 @@ protected:
 
 private:
     QString RandomText(int longest);
-    /// In memory where the system has a place for that: nothing here loses its power for good.
-    QTemporaryDir Folder_{QFileInfo(QStringLiteral("/dev/shm")).isWritable()
-                              ? QStringLiteral("/dev/shm/tolva-XXXXXX")
-                              : QDir::tempPath() + QStringLiteral("/tolva-XXXXXX")};
+    QTemporaryDir Folder_;
 };
 
 /// Every value of every row of a table, in order of entry or of an index.

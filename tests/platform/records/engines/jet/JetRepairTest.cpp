@@ -22,6 +22,7 @@ const QString Settings = QStringLiteral("Settings");
 class JetRepair : public JetFixture
 {
 protected:
+    using JetFixture::JetFixture;
     void MakeFile(int rows)
     {
         MakeMessages();
@@ -163,6 +164,8 @@ TEST_F(JetRepair, SavesAllOfASoundFile)
 /// A part of the random damages, so that several run at once.
 class JetRepairParts : public JetRepair, public testing::WithParamInterface<int>
 {
+protected:
+    JetRepairParts() : JetRepair(InMemory()) {}
 };
 INSTANTIATE_TEST_SUITE_P(Jet, JetRepairParts, testing::Range(1, 5));
 
