@@ -140,14 +140,16 @@ QByteArray SampleMail(int number)
 
 namespace
 {
-void MakeStationOf(const QString& folder, int messages, Sample (*sample)(int))
+void MakeStationOf(const QString& folder, int messages, Sample (*sample)(int), const QString& engine)
 {
     static BenchUserInterface userInterface;
     UserInterface::SetCurrent(&userInterface);
     QDir().mkpath(folder);
+    if (!engine.isEmpty())
+        dao::DBEngine::CreateDatabase(folder + QStringLiteral("/Tolva.mdb"), QString(), engine)->Close();
     const auto station = OpenStation(folder);
     const auto database = dao::DBEngine::OpenDatabase(station->Information().Path);
-    constexpr int RowsATransaction = 20000;
+    constexpr int RowsATransaction = 5000;
     for (int first = 0; first < messages; first += RowsATransaction) {
         dao::DBEngine::BeginTrans();
         const auto rows = database->OpenRecordset(QStringLiteral("Messages"), dao::dbOpenTable);
@@ -158,14 +160,14 @@ void MakeStationOf(const QString& folder, int messages, Sample (*sample)(int))
 }
 } // namespace
 
-void MakeStation(const QString& folder, int messages)
+void MakeStation(const QString& folder, int messages, const QString& engine)
 {
-    MakeStationOf(folder, messages, PlainSample);
+    MakeStationOf(folder, messages, PlainSample, engine);
 }
 
 void MakeMixedStation(const QString& folder, int messages)
 {
-    MakeStationOf(folder, messages, MixedSample);
+    MakeStationOf(folder, messages, MixedSample, QString());
 }
 
 QByteArray MixedMail(int number)

@@ -29,7 +29,8 @@ QByteArray MailOfMaildir(int i)
     return mail;
 }
 
-/// A maildir of such mails; the octets of all of them.
+} // namespace
+
 double MakeMaildir(const QString& folder, int count)
 {
     for (const QString& part : {QStringLiteral("/cur"), QStringLiteral("/new"), QStringLiteral("/tmp")})
@@ -42,7 +43,6 @@ double MakeMaildir(const QString& folder, int count)
     }
     return octets;
 }
-} // namespace
 
 void BenchFiling(const QString& folder, int megabytes)
 {

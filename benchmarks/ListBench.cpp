@@ -271,3 +271,15 @@ void BenchListing(const QString& folder, const QString& largeStation, int large)
         [&] { small.Refresh(Small); }, [&] { shown.Refresh(large); });
     BenchTick(largeStation, shown);
 }
+
+void BenchJetListing(const QString& folder, int large)
+{
+    const QString usualStation = folder + QStringLiteral("-usual");
+    MakeStation(usualStation, large);
+    MakeStation(folder, large, QStringLiteral("jet"));
+    ShownList usual(usualStation);
+    ShownList shown(folder);
+    Compare(
+        {"UpdateDisplay, " + std::to_string(large) + " in a Jet file", "the same in the usual format", 1.5, 3, 1},
+        [&] { usual.Fill(large); }, [&] { shown.Fill(large); });
+}

@@ -63,9 +63,9 @@ void RunOnTerminal(const QByteArray& program, const QList<QByteArray>& arguments
     WaitFor(child);
 }
 
-void MakeStationIn(const QByteArray& folder)
+void MakeStationIn(const QByteArray& folder, const QByteArray& format)
 {
-    RunProgram(TOLVA_PROGRAM, {"init", folder, "--name", "Bench FM", "--phone", "01632 960100"});
+    RunProgram(TOLVA_PROGRAM, {"init", folder, "--name", "Bench FM", "--phone", "01632 960100", "--format", format});
 }
 
 QByteArray FindProgram(const QByteArray& name, const char* whatIsNotCompared)

@@ -15,8 +15,8 @@ rusage RunProgram(const QByteArray& program, const QList<QByteArray>& arguments,
 /// The same for one that wants a terminal: it gets one of 24 lines, whose output is thrown away.
 void RunOnTerminal(const QByteArray& program, const QList<QByteArray>& arguments);
 
-/// A station with a user, as the command makes it.
-void MakeStationIn(const QByteArray& folder);
+/// A station with a user, as the command makes it. format: of its file.
+void MakeStationIn(const QByteArray& folder, const QByteArray& format = QByteArrayLiteral("sqlite"));
 
 /// The path of an installed program; empty, with words on the error output, where there is none.
 QByteArray FindProgram(const QByteArray& name, const char* whatIsNotCompared);

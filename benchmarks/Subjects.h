@@ -24,6 +24,13 @@ void BenchFiling(const QString& folder, int megabytes);
 void BenchFilingOneMail(const QString& folder);
 /// folder: where the maildir of that many mails and the stations are made.
 void BenchFilingAMaildir(const QString& folder, int count);
+/// A maildir of so many mails, which is made; the octets of all of them.
+double MakeMaildir(const QString& folder, int count);
+/// Stations in Jet files beside those in the usual format. folder: where they and a maildir are made. large: messages
+/// of the large ones.
+void BenchJet(const QString& folder, int large, int filed);
+/// The list of messages over both.
+void BenchJetListing(const QString& folder, int large);
 /// folder: of a station of that size, which is made.
 void BenchBackup(const QString& folder, int megabytes);
 /// The other process of BenchBackup: stores messages until its input ends and prints the longest wait.

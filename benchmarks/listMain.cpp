@@ -20,12 +20,17 @@ int main(int argc, char** argv)
     const int large = QApplication::arguments().contains(QStringLiteral("--quick")) ? 10000 : 100000;
     const QTemporaryDir folder(QApplication::applicationDirPath() + QStringLiteral("/stations-XXXXXX"));
     Require(folder.isValid(), "no folder for the stations can be made");
-    std::fprintf(stderr, "Making a station of %d messages\n", large);
-    const QString largeStation = folder.filePath(QStringLiteral("large"));
-    MakeStation(largeStation, large);
-    BenchListing(folder.filePath(QStringLiteral("small")), largeStation, large);
-    BenchStart(folder.filePath(QStringLiteral("empty")), largeStation);
-    BenchPrizes(folder.filePath(QStringLiteral("prizes")));
+    // Alone with this group, else with all.
+    const bool isJetOnly = QApplication::arguments().contains(QStringLiteral("jet"));
+    if (!isJetOnly) {
+        std::fprintf(stderr, "Making a station of %d messages\n", large);
+        const QString largeStation = folder.filePath(QStringLiteral("large"));
+        MakeStation(largeStation, large);
+        BenchListing(folder.filePath(QStringLiteral("small")), largeStation, large);
+        BenchStart(folder.filePath(QStringLiteral("empty")), largeStation);
+        BenchPrizes(folder.filePath(QStringLiteral("prizes")));
+    }
+    BenchJetListing(folder.filePath(QStringLiteral("jet")), large);
     const int failed = FailedComparisons();
     if (failed > 0)
         std::printf("%d above the limit\n", failed);

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Any file: examining it ends, and so does reading all rows of all its tables by every index and in both directions.
+// Any file: examining it ends, and so do reading all rows of all its tables by every index and in both directions,
+// changing some, and repairing it, after which a new file is sound.
 
 #include "platform/records/Error.h"
 #include "platform/records/engines/jet/DatabaseBuilder.h"
 #include "platform/records/engines/jet/FileCheck.h"
+#include "platform/records/engines/jet/FileRepair.h"
 #include "platform/records/engines/jet/JetStore.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <array>
 #include <cstdlib>
 
 using namespace dao;
@@ -102,6 +105,44 @@ void ReadAll(const QString& name)
     }
 }
 
+/// Whatever of it is refused is refused in words.
+template <typename Part>
+void Attempt(const Part& part)
+{
+    try {
+        part();
+    } catch (const Error&) {
+        return;
+    }
+}
+
+void ChangeSome(const QString& name)
+{
+    jet::JetStore store(name, false);
+    for (const engine::TablePtr& table : store.CurrentSchema()->Tables) {
+        Row row;
+        if (!store.ReadEnd(table, -1, engine::Direction::Forward, engine::MemoFetch::Deferred, row))
+            continue;
+        const StoredValue text = QByteArray("Another subject ").repeated(5);
+        for (int column = 0; column < static_cast<int>(table->Columns.size()); ++column) {
+            const std::array<engine::Assignment, 1> values{engine::Assignment{column, &text}};
+            Attempt([&] { store.Update(table, row.Id, row.Version, values); });
+            Attempt([&] { store.Insert(table, values); });
+        }
+        Attempt([&] { store.Delete(table, row.Id); });
+    }
+}
+
+void Repair(const QString& name, const QString& target, const QString& hint)
+{
+    Put(target, {});
+    Attempt([&] {
+        jet::RepairFile(name, target, {hint}, {});
+        if (jet::ExamineFile(target, {}).Verdict != FileReport::State::Sound)
+            std::abort();
+    });
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -112,11 +153,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QByteArray input(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const QString name = folder.filePath(QStringLiteral("File.mdb"));
     Put(name, FileFrom(input, sound));
-    try {
-        jet::ExamineFile(name, {});
-        ReadAll(name);
-    } catch (const Error&) {
-        // Said in words.
-    }
+    Attempt([&] { jet::ExamineFile(name, {}); });
+    Attempt([&] { ReadAll(name); });
+    Repair(name, folder.filePath(QStringLiteral("Repaired.mdb")), folder.filePath(QStringLiteral("Sound.mdb")));
+    Attempt([&] { ChangeSome(name); });
+    Attempt([&] { jet::ExamineFile(name, {}); });
     return 0;
 }

@@ -2,6 +2,7 @@
 #include "StationReplacing.h"
 
 #include "Failure.h"
+#include "FileStamp.h"
 #include "LinkedDatabases.h"
 #include "StationOpening.h"
 #include "StationPlace.h"
@@ -17,10 +18,7 @@
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileConversion.h"
 
-#include <QDateTime>
-#include <QFileInfo>
 #include <QScopeGuard>
-#include <QThread>
 
 namespace
 {
@@ -170,20 +168,6 @@ StationReplacing::Result StationReplacing::Convert(const QString& folder, const 
 
 namespace
 {
-/// What changes with every commit.
-struct FileStamp
-{
-    QDateTime Modified;
-    qint64 Size = 0;
-
-    static FileStamp Of(const QString& file)
-    {
-        const QFileInfo information(file);
-        return {information.lastModified(), information.size()};
-    }
-    bool operator==(const FileStamp&) const = default;
-};
-
 /// The name of the old file; empty when it was on a server before.
 QString MoveFileToServer(const QString& file, const QString& connect, const QString& part, const QString& words)
 {
@@ -194,14 +178,7 @@ QString MoveFileToServer(const QString& file, const QString& connect, const QStr
     FileSystem::Current().Remove(link);
     LinkedDatabases linked;
     linked.Create(link, connect, part);
-    // A commit at the very moment of the stamp would not be told from it.
-    constexpr int StampMilliseconds = 20;
-    FileStamp stamp = FileStamp::Of(file);
-    while (stamp.Modified.msecsTo(QDateTime::currentDateTime()) < StampMilliseconds &&
-           stamp.Modified.msecsTo(QDateTime::currentDateTime()) >= 0) {
-        QThread::msleep(StampMilliseconds);
-        stamp = FileStamp::Of(file);
-    }
+    const FileStamp stamp = FileStamp::Settled(file);
     const auto progress = UserInterface::Current().Progress(words);
     dao::ConvertIntoLinked(file, link, [&](qint64 done, qint64 total) { return progress->Advance(done, total); });
     const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);

@@ -51,7 +51,7 @@ std::vector<CommandDefinition> AllCommands()
             PrintCommand(),   MoveCommand(),   CopyCommand(),    DeleteCommand(),  MarkCommand(),    PendingCommand(),
             FoldersCommand(), PrizesCommand(), PrizeCommand(),   SettingCommand(), UsersCommand(),   ContactsCommand(),
             CheckCommand(),   BackupCommand(), BackupsCommand(), RestoreCommand(), RecoverCommand(), CompactCommand(),
-            ConvertCommand(), RekeyCommand(),  IndexCommand()};
+            ConvertCommand(), RepairCommand(), RekeyCommand(),   IndexCommand()};
 }
 
 int RunProgram(const QStringList& arguments)

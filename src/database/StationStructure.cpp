@@ -4,6 +4,7 @@
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
+#include "database/StationFile.h"
 #include "database/TableCheck.h"
 #include "platform/records/DBEngine.h"
 
@@ -26,6 +27,16 @@ qint16 StationStructure::Validate(const QString& fileName, bool silent)
     if (code == 0)
         database->Close();
     return static_cast<qint16>(code);
+}
+
+qint16 StationStructure::MakeEmpty(const QString& fileName, const QString& engine)
+{
+    PendingError pending;
+    if (!pending.Try([&] { dao::DBEngine::CreateDatabase(fileName, QString(), engine)->Close(); }))
+        return static_cast<qint16>(pending.Number());
+    QString title;
+    const qint16 code = DAO_DatabaseFunctions::ValidateDatabase(fileName, StationFile::Type, true, title, QString());
+    return code == 0 ? Validate(fileName, true) : code;
 }
 
 LockingMode StationStructure::LockingModeOf(const dao::Database& database)

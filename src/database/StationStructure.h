@@ -18,6 +18,10 @@ namespace StationStructure
 /// told unless silent.
 qint16 Validate(const QString& fileName, bool silent);
 
+/// Makes a station's file with all tables and no rows but its description, in the format of the engine of that name. 0
+/// or an error number, which nobody has been told.
+qint16 MakeEmpty(const QString& fileName, const QString& engine);
+
 /// What is in force on the file of an open database; Unknown when it does not say.
 LockingMode LockingModeOf(const dao::Database& database);
 

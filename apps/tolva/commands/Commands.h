@@ -29,6 +29,7 @@ CommandDefinition RestoreCommand();
 CommandDefinition RecoverCommand();
 CommandDefinition CompactCommand();
 CommandDefinition ConvertCommand();
+CommandDefinition RepairCommand();
 CommandDefinition RekeyCommand();
 CommandDefinition IndexCommand();
 

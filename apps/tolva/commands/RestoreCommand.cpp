@@ -9,6 +9,7 @@
 #include "StationReplacing.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/Confirmation.h"
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "database/BackupFolders.h"
@@ -18,21 +19,8 @@
 namespace
 {
 const QString JsonOption = QStringLiteral("json");
-const QString YesOption = QStringLiteral("yes");
 const QString ToOption = QStringLiteral("to");
 const QString ConnectOption = QStringLiteral("connect");
-
-bool IsConfirmed(const Arguments& arguments, const QString& question)
-{
-    if (arguments.Has(YesOption) || !Terminal::CanAsk())
-        return true;
-    MessageBoxRequest request;
-    request.Text = question;
-    request.Buttons = MessageBoxButtons::YesNo;
-    request.Icon = MessageBoxIcon::Question;
-    request.DefaultAnswer = MessageBoxAnswer::No;
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
-}
 
 BackupFolders::Backup NamedBackup(const QString& root, const QString& name)
 {
@@ -115,9 +103,10 @@ int Restore(const Arguments& arguments)
     const BackupFolders::Backup backup = ChooseBackup(arguments, file);
     const QString copy = FileHelper::Join(backup.Folder, FileHelper::FileNameOf(file));
     const StationCounts counts = StationCounts::Of(copy);
-    if (!IsConfirmed(arguments, QStringLiteral("Replace the station in %1 by the backup \"%2\" (%3)? What was filed "
-                                               "since is then only in the file that is kept.")
-                                    .arg(arguments.Folder(), backup.Name, counts.Words()))) {
+    if (!Confirmation::IsGiven(arguments,
+                               QStringLiteral("Replace the station in %1 by the backup \"%2\" (%3)? What was filed "
+                                              "since is then only in the file that is kept.")
+                                   .arg(arguments.Folder(), backup.Name, counts.Words()))) {
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
     }
@@ -135,7 +124,7 @@ int WriteAnew(const Arguments& arguments, const QString& question,
     const QString& folder = arguments.Folder();
     if (!StationPlace::HoldsStation(folder))
         throw Failure(exitNoInput, QStringLiteral("There is no station in %1.").arg(folder));
-    if (!IsConfirmed(arguments, question.arg(folder))) {
+    if (!Confirmation::IsGiven(arguments, question.arg(folder))) {
         Terminal::Complain(QStringLiteral("Nothing was changed."));
         return exitDeclined;
     }
@@ -185,7 +174,7 @@ CommandDefinition RestoreCommand()
                        "taken. A damaged\n"
                        "backup is refused.\n") +
             NotAskedText,
-        {{YesOption, QString(), QStringLiteral("Does not ask.")},
+        {{Confirmation::YesOption(), QString(), QStringLiteral("Does not ask.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},
         QStringLiteral("tolva restore /srv/station \"2026-11-21 14.05\""),
@@ -202,7 +191,7 @@ CommandDefinition CompactCommand()
         QStringLiteral("Writes a station's file anew, smaller and with its indexes repaired."),
         {QStringLiteral("compact FOLDER [--yes] [--json]")},
         NotAskedText,
-        {{YesOption, QString(), QStringLiteral("Does not ask.")},
+        {{Confirmation::YesOption(), QString(), QStringLiteral("Does not ask.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},
         QStringLiteral("tolva compact /srv/station"),
@@ -229,7 +218,7 @@ CommandDefinition ConvertCommand()
           QStringLiteral("sqlite, the usual one (also without this option), jet, or server.")},
          {ConnectOption, QStringLiteral("STRING"),
           QStringLiteral("The server, such as \"host=server dbname=radio schema=harbour\"; no password in it.")},
-         {YesOption, QString(), QStringLiteral("Does not ask.")},
+         {Confirmation::YesOption(), QString(), QStringLiteral("Does not ask.")},
          {JsonOption, QString(), QStringLiteral("Prints one JSON object.")},
          Station::UserOption()},
         QStringLiteral("tolva convert /srv/station"),

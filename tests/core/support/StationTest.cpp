@@ -30,8 +30,11 @@ void StationTest::PutOnServer()
 
 void StationTest::OpenStation()
 {
-    if (!QFile::exists(FileName()) && qEnvironmentVariable("TOLVA_TEST_STATION") == QLatin1String("server"))
+    const QString wanted = qEnvironmentVariable("TOLVA_TEST_STATION");
+    if (!QFile::exists(FileName()) && wanted == QLatin1String("server"))
         PutOnServer();
+    else if (!QFile::exists(FileName()) && !wanted.isEmpty())
+        dao::DBEngine::CreateDatabase(FileName(), QString(), wanted)->Close();
     if (!QFile::exists(FileName()) || dao::DBEngine::OpenDatabase(FileName())->TableDefs().Count() == 0) {
         Ui.ExpectMessageBox(StationDetailsBox());
         Ui.ExpectDatabaseSettings([](cTolvaDatabase& database) {

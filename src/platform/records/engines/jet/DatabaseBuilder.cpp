@@ -61,8 +61,13 @@ DatabaseBuilder::DatabaseBuilder(const QString& fileName, double created) : Page
 
 TableBuilder& DatabaseBuilder::AddTable(const engine::Table& table)
 {
+    return AddTable(table.Name, ShapeOf(table), PropertiesOf(table));
+}
+
+TableBuilder& DatabaseBuilder::AddTable(const QString& name, const TableDefinition& shape, const QByteArray& properties)
+{
     const quint32 page = Pages_.Allocate();
-    Tables_.push_back({std::make_unique<TableBuilder>(Pages_, page, table.Name, ShapeOf(table)), PropertiesOf(table)});
+    Tables_.push_back({std::make_unique<TableBuilder>(Pages_, page, name, shape), properties});
     return *Tables_.back().Builder;
 }
 

@@ -20,6 +20,8 @@ public:
     /// The table before it is finished. It lives as long as this. Errors: 3251 for a name or a number of columns or
     /// indexes that such a file cannot have.
     TableBuilder& AddTable(const engine::Table& table);
+    /// The same of a shape that another file has. properties: its blob, empty for none.
+    TableBuilder& AddTable(const QString& name, const TableDefinition& shape, const QByteArray& properties);
     /// Writes all that is left and puts the file on the disk.
     void Finish();
 

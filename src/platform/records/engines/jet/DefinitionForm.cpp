@@ -115,6 +115,8 @@ QByteArray MakeDefinition(const TableDefinition& table)
     }
     Append(octets, NoColumn);
     Put(octets, LengthAt, static_cast<quint32>(octets.size()));
+    Put(octets, DefinitionSealAt, DefinitionSealMark);
+    Put(octets, DefinitionSealAt + 4, SumOfDefinition(octets, table.Page()));
     return octets;
 }
 

@@ -3,10 +3,12 @@
 
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
+#include "platform/records/engines/FileRepairer.h"
 #include "platform/records/engines/jet/DatabaseBuilder.h"
 #include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/FileCompaction.h"
 #include "platform/records/engines/jet/FileCopy.h"
+#include "platform/records/engines/jet/FileRepair.h"
 #include "platform/records/engines/jet/FileReplacement.h"
 #include "platform/records/engines/jet/JetStore.h"
 
@@ -18,7 +20,7 @@ namespace dao::jet
 namespace
 {
 
-class JetEngine final : public engine::Engine
+class JetEngine final : public engine::Engine, public engine::FileRepairer
 {
 public:
     QString Name() const override { return QStringLiteral("jet"); }
@@ -52,6 +54,9 @@ public:
     {
         return ExamineFile(fileName, progress);
     }
+    bool RecognisesRemains(const QString& fileName) override { return LooksLikeRemains(fileName); }
+    RepairReport Repair(const QString& source, const QString& target, const QStringList& hints,
+                        const engine::CopyProgress& progress) override;
     std::unique_ptr<engine::ContentExchange> BeginExchange(const QString& fileName) override
     {
         return std::make_unique<FileReplacement>(fileName);
@@ -67,6 +72,34 @@ public:
         throw Error(errNotSupported, QStringLiteral("This database engine serves no connections."));
     }
 };
+
+/// Whether the change that a crash left beside the file is in it now.
+bool HasAllChanges(const QString& fileName)
+{
+    try {
+        const FileSession session(fileName, PageFile::Use::Change);
+    } catch (const Fault&) {
+        return !ChangeJournal(fileName).IsPending();
+    } catch (const Error& error) {
+        if (error.Number() == errLocked || error.Number() == errCannotOpen)
+            throw;
+        return !ChangeJournal(fileName).IsPending();
+    }
+    return true;
+}
+
+RepairReport JetEngine::Repair(const QString& source, const QString& target, const QStringList& hints,
+                               const engine::CopyProgress& progress)
+{
+    const bool hasAll = HasAllChanges(source);
+    TemporaryFile file(target);
+    RepairReport report = RepairFile(source, file.Name(), hints, progress);
+    if (!hasAll)
+        report.Notes += QStringLiteral("The last change that was being made is not in the new file.");
+    file.LimitRights(source);
+    file.MoveTo(target);
+    return report;
+}
 
 /// Keeps who works in a Jet file out of it. Of a file of another engine it holds nothing but the handle: closing that
 /// at once would take away the locks that the other engine has on the file by now, for the system lets them go with any

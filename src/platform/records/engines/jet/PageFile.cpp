@@ -34,7 +34,8 @@ QString KindInWords(PageType type)
 
 } // namespace
 
-PageFile::PageFile(const QString& fileName, Use use) : Name_(fileName), Cache_(CachedPages)
+PageFile::PageFile(const QString& fileName, Use use)
+    : Name_(fileName), IsSalvaged_(use == Use::Salvage), Cache_(CachedPages)
 {
     Open(use);
 }
@@ -61,6 +62,8 @@ void PageFile::Begin()
     CountPages();
     // The header of the older format is shorter than a page of this one, and is to be refused in its own words.
     const QByteArray first = ReadAt(0, std::min<qint64>(PageSize, std::max<qint64>(Size_, 0)));
+    if (IsSalvaged_ && !IsOfFamily(first))
+        return;
     if (first.size() >= HeaderOctets && !IsOfFamily(first))
         throw Error(errFileReplaced,
                     QStringLiteral("The database '%1' was replaced by another file. Open it anew.").arg(Name_));
@@ -78,6 +81,9 @@ QByteArray PageFile::ReadAt(qint64 offset, qint64 size)
     QByteArray octets(size, Qt::Uninitialized);
     qint64 count = 0;
     const FileStatus status = File_->ReadAt(offset, octets.data(), size, count);
+    // Of a failing disk whatever it still gives is wanted.
+    if (!status.IsDone() && IsSalvaged_)
+        return {};
     if (!status.IsDone())
         throw Error(errDiskError, QStringLiteral("'%1' cannot be read: %2").arg(Name_, status.Words()));
     octets.truncate(count);

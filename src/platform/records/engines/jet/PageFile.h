@@ -22,7 +22,8 @@ public:
     enum class Use
     {
         Read,
-        Change ///< Where this account may; see IsWritable.
+        Change, ///< Where this account may; see IsWritable.
+        Salvage ///< Whatever its first page says, as long as that is not that nobody can read the others.
     };
 
     /// Errors: 3051 the file cannot be opened, 3043 it cannot be read, 3049 shorter than a page, those of
@@ -67,6 +68,7 @@ private:
     QByteArray ReadAt(qint64 offset, qint64 size);
 
     QString Name_;
+    bool IsSalvaged_;
     bool IsWritable_ = false;
     std::unique_ptr<FileHandle> File_;
     PageChanges Changes_;

@@ -4,6 +4,7 @@
 #include "platform/records/Error.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/jet/PageWriter.h"
+#include "platform/records/engines/jet/RowSeal.h"
 #include "platform/records/engines/jet/TextForm.h"
 
 #include <algorithm>
@@ -149,7 +150,26 @@ void PlaceColumns(TableDefinition& table)
     RemapIndexes(table, before);
 }
 
-QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets, quint32 mark)
+namespace
+{
+
+/// Where each value of variable length begins, the last one first, behind the end of all and in front of their number.
+void AppendVariable(QByteArray& row, const std::vector<const QByteArray*>& values)
+{
+    std::vector<quint16> starts;
+    for (const QByteArray* value : values) {
+        starts.push_back(static_cast<quint16>(row.size()));
+        row += value == nullptr ? QByteArray() : *value;
+    }
+    Append(row, static_cast<quint16>(row.size()));
+    for (auto start = starts.rbegin(); start != starts.rend(); ++start)
+        Append(row, *start);
+    Append(row, static_cast<quint16>(values.size()));
+}
+
+/// seal: empty for none.
+QByteArray MakeSealedRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets,
+                         const QByteArray& seal)
 {
     QByteArray row;
     Append(row, table.ColumnsEver);
@@ -166,25 +186,27 @@ QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<Q
         else if (!column.Is(ColumnType::Boolean))
             PutFixed(row, column, octets[i]);
     }
+    const qsizetype sealAt = row.size();
+    row += seal;
     // A place must hold a pointer, should the row ever move.
     if (row.size() + mask.size() < ShortestRow)
         row.append(ShortestRow - row.size() - mask.size(), '\0');
-    if (table.VariableColumns > 0) {
-        if (mark != 0)
-            Append(row, mark);
-        std::vector<quint16> starts;
-        for (const QByteArray* value : variable) {
-            starts.push_back(static_cast<quint16>(row.size()));
-            row += value == nullptr ? QByteArray() : *value;
-        }
-        Append(row, static_cast<quint16>(row.size()));
-        for (auto start = starts.rbegin(); start != starts.rend(); ++start)
-            Append(row, *start);
-        Append(row, table.VariableColumns);
-    }
+    if (table.VariableColumns > 0)
+        AppendVariable(row, variable);
     row += mask;
-    if (row.size() > LargestRow && mark != 0)
-        return MakeRow(table, octets);
+    if (!seal.isEmpty())
+        CloseSeal(row, sealAt, seal.size(), table);
+    return row;
+}
+
+} // namespace
+
+QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets,
+                   std::vector<quint32> longSums)
+{
+    QByteArray row = MakeSealedRow(table, octets, SealOctets({std::move(longSums), NewSealNumber()}));
+    if (row.size() > LargestRow)
+        row = MakeSealedRow(table, octets, {});
     if (row.size() > LargestRow)
         throw Error(errFieldTooSmall, QStringLiteral("A row is too long for a Jet file: its texts take more than %1 "
                                                      "octets together.")

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace dao::jet
 {
@@ -25,8 +26,8 @@ NewCell CellOf(const ColumnDefinition& column, const StoredValue& value);
 void PlaceColumns(TableDefinition& table);
 /// A row of a table. octets: what stands in it for each column, none for Null; of truth
 /// values any octets for true. Error 3163 when it is too long.
-/// mark: stands in a gap as deleted columns leave it, and tells the row from what it was before, also where a new long
-/// value has the length and the place of an old one; 0 for none. Only rows with values of variable length have one.
-QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets, quint32 mark = 0);
+/// The row gets a seal with these sums of its long values and a new number, where it has room.
+QByteArray MakeRow(const TableDefinition& table, std::span<const std::optional<QByteArray>> octets,
+                   std::vector<quint32> longSums);
 
 } // namespace dao::jet

@@ -9,8 +9,6 @@
 #include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/query/StoredValues.h"
 
-#include <QRandomGenerator>
-
 #include <algorithm>
 
 namespace dao::jet
@@ -44,11 +42,6 @@ std::optional<QByteArray> OctetsOf(const ColumnDefinition& column, const NewCell
         return cell.Octets;
     const qint64* truth = std::get_if<qint64>(&cell.Value);
     return truth != nullptr && *truth != 0 ? std::optional(QByteArray()) : std::nullopt;
-}
-
-quint32 NewMark()
-{
-    return std::max<quint32>(QRandomGenerator::global()->generate(), 1);
 }
 
 StoredValue KeyValueOf(const ColumnDefinition& column, const NewCell& cell)
@@ -223,20 +216,36 @@ RowPlace RowWriter::Insert(std::span<const NewCell> cells)
 {
     std::vector<std::optional<QByteArray>> octets;
     std::vector<StoredValue> values;
+    std::vector<quint32> longSums;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const ColumnDefinition& column = Table_.Columns[i];
         octets.push_back(OctetsOf(column, cells[i]));
+        if (column.IsLong())
+            longSums.push_back(octets.back() ? SumOfLong(*octets.back()) : RowSeal::UnknownSum);
         if (column.IsLong() && octets.back())
             octets.back() = StoredLong(column, *octets.back());
         if (column.Is(ColumnType::Long) && (column.Flags & CounterColumn) != 0)
             RaiseCounter(cells[i]);
         values.push_back(KeyValueOf(column, cells[i]));
     }
-    const RowPlace place = Heap_.Add(MakeRow(Table_, octets, NewMark()));
+    const RowPlace place = Heap_.Add(MakeRow(Table_, octets, std::move(longSums)));
     for (std::size_t i = 0; i < Table_.Indexes.size(); ++i)
         AddEntry(i, KeyOf(i, values), values, place);
     CountRows(1);
     return place;
+}
+
+/// Of a row that nobody sealed, or that is not as it was sealed, nobody knows them.
+std::vector<quint32> RowWriter::LongSumsIn(const OctetView& row) const
+{
+    const FoundSeal found = SealOf(row, Table_);
+    std::vector<quint32> sums;
+    if (found.What == FoundSeal::State::Holds)
+        sums = found.Seal.LongSums;
+    sums.resize(static_cast<std::size_t>(std::count_if(Table_.Columns.begin(), Table_.Columns.end(),
+                                                       [](const auto& column) { return column.IsLong(); })),
+                RowSeal::UnknownSum);
+    return sums;
 }
 
 void RowWriter::Update(RowPlace place, std::span<const std::optional<NewCell>> cells)
@@ -248,8 +257,11 @@ void RowWriter::Update(RowPlace place, std::span<const std::optional<NewCell>> c
     const std::vector<StoredValue> before = ValuesIn(row);
     std::vector<StoredValue> behind = before;
     std::vector<std::optional<QByteArray>> octets;
+    std::vector<quint32> longSums = LongSumsIn(found->Octets());
+    std::size_t longPlace = 0;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const ColumnDefinition& column = Table_.Columns[i];
+        const std::size_t ownLong = column.IsLong() ? longPlace++ : 0;
         const auto stored = column.Is(ColumnType::Boolean) ? std::nullopt : row.Octets(column);
         octets.push_back(stored ? std::optional(stored->Copy()) : std::nullopt);
         if (column.Is(ColumnType::Boolean) && row.Truth(column))
@@ -261,13 +273,14 @@ void RowWriter::Update(RowPlace place, std::span<const std::optional<NewCell>> c
         behind[i] = KeyValueOf(column, *cells[i]);
         if (!column.IsLong())
             continue;
+        longSums[ownLong] = octets.back() ? SumOfLong(*octets.back()) : RowSeal::UnknownSum;
         // The new value first: a disk that is full is met before the old one is given up.
         if (octets.back())
             octets.back() = StoredLong(column, *octets.back());
         if (old)
             DeleteLong(column, *old);
     }
-    Heap_.Replace(place, MakeRow(Table_, octets, NewMark()));
+    Heap_.Replace(place, MakeRow(Table_, octets, std::move(longSums)));
     for (std::size_t i = 0; i < Table_.Indexes.size(); ++i) {
         const Key old = KeyOf(i, before);
         const Key now = KeyOf(i, behind);

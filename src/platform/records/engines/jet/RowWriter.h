@@ -5,6 +5,7 @@
 #include "platform/records/engines/jet/RowCells.h"
 #include "platform/records/engines/jet/RowForm.h"
 #include "platform/records/engines/jet/RowHeap.h"
+#include "platform/records/engines/jet/RowSeal.h"
 
 namespace dao::jet
 {
@@ -43,6 +44,8 @@ private:
     };
 
     std::vector<StoredValue> ValuesIn(const RowCells& row) const;
+    /// Of all long columns of the table.
+    std::vector<quint32> LongSumsIn(const OctetView& row) const;
     bool IsIndexed(quint16 column) const;
     Key KeyOf(std::size_t index, std::span<const StoredValue> values) const;
     void RequireUnique(std::size_t index, const Key& key, std::span<const StoredValue> values, RowPlace own);

@@ -210,6 +210,8 @@ void StructureEdit::AddColumn(const engine::Table& table, const engine::Column& 
 void StructureEdit::RewriteRows(const TableDefinition& before, const TableDefinition& behind)
 {
     RowHeap heap(File_, Pages_, behind);
+    const auto longs = static_cast<std::size_t>(std::count_if(behind.Columns.begin(), behind.Columns.end(),
+                                                              [](const auto& column) { return column.IsLong(); }));
     ForEachRow(File_, before, [&](RowPlace place, const RowCells& row) {
         std::vector<std::optional<QByteArray>> octets;
         for (const ColumnDefinition& column : behind.Columns) {
@@ -219,7 +221,8 @@ void StructureEdit::RewriteRows(const TableDefinition& before, const TableDefini
             if (old != nullptr && old->Is(ColumnType::Boolean) && row.Truth(*old))
                 octets.back() = QByteArray();
         }
-        heap.Replace(place, MakeRow(behind, octets));
+        // Nothing but Null is in a long column that is new.
+        heap.Replace(place, MakeRow(behind, octets, std::vector<quint32>(longs, RowSeal::UnknownSum)));
     });
 }
 

@@ -3,6 +3,7 @@
 
 #include "platform/records/Error.h"
 #include "platform/records/engines/jet/KeyForm.h"
+#include "platform/records/engines/jet/RowSeal.h"
 
 #include <algorithm>
 
@@ -41,9 +42,12 @@ void TableBuilder::AddRow(std::span<const NewCell> cells, std::span<const std::o
 {
     std::vector<std::optional<QByteArray>> octets;
     octets.reserve(cells.size());
+    std::vector<quint32> longSums;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const ColumnDefinition& column = Table_.Columns[i];
         octets.push_back(cells[i].Octets);
+        if (column.IsLong())
+            longSums.push_back(octets.back() ? SumOfLong(*octets.back()) : RowSeal::UnknownSum);
         if (column.Is(ColumnType::Boolean)) {
             const qint64* truth = std::get_if<qint64>(&cells[i].Value);
             octets.back() = truth != nullptr && *truth != 0 ? std::optional(QByteArray()) : std::nullopt;
@@ -54,7 +58,7 @@ void TableBuilder::AddRow(std::span<const NewCell> cells, std::span<const std::o
             RaiseCounter(number != nullptr && *number > 0 ? static_cast<quint32>(*number) : 0);
         }
     }
-    AddEntries(cells, knownKeys, Rows_.Add(MakeRow(Table_, octets)));
+    AddEntries(cells, knownKeys, Rows_.Add(MakeRow(Table_, octets, std::move(longSums))));
     ++Table_.RowCount;
 }
 

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/TableDefinition.h"
 
+#include "platform/records/engines/MemoCheck.h"
+
 #include <algorithm>
+#include <array>
 
 namespace dao::jet
 {
@@ -69,6 +72,15 @@ private:
     OctetView Octets_;
     qsizetype At_ = 0;
 };
+
+TableDefinition::Seal SealIn(const QByteArray& octets, quint32 page)
+{
+    const OctetView view(octets);
+    if (view.U32(DefinitionSealAt) != DefinitionSealMark)
+        return TableDefinition::Seal::None;
+    return view.U32(DefinitionSealAt + 4) == SumOfDefinition(octets, page) ? TableDefinition::Seal::Holds
+                                                                           : TableDefinition::Seal::Broken;
+}
 
 ColumnDefinition ColumnFrom(const OctetView& octets)
 {
@@ -179,12 +191,37 @@ const ColumnDefinition* TableDefinition::ColumnNamed(const QString& name) const
     return found == Columns.end() ? nullptr : &*found;
 }
 
+quint32 SumOfDefinition(const QByteArray& octets, quint32 page)
+{
+    constexpr int CountsAt = 16;
+    constexpr int CountsEnd = 24;
+    constexpr int SealEnd = 40;
+    constexpr int TreesAt = 51;
+    std::array<char, sizeof(quint32)> number{};
+    qToLittleEndian(page, number.data());
+    quint32 sum = engine::Crc32c({number.data(), number.size()});
+    const auto add = [&](qsizetype from, qsizetype end) {
+        const OctetView part = OctetView(octets).Part(from, end - from);
+        sum = engine::Crc32c({part.Data(), static_cast<std::size_t>(part.Size())}, sum);
+    };
+    add(DefinitionHeader, CountsAt);
+    add(CountsEnd, DefinitionSealAt);
+    add(SealEnd, FixedPart);
+    const quint32 trees = OctetView(octets).U32(TreesAt);
+    const qint64 statisticsEnd = FixedPart + qint64(TreeStatistics) * trees;
+    if (statisticsEnd > octets.size())
+        throw Fault(QStringLiteral("the definition on page %1 names more indexes than it has").arg(page));
+    add(statisticsEnd, octets.size());
+    return sum;
+}
+
 TableDefinition ReadTableDefinition(PageFile& file, quint32 page)
 {
     TableDefinition table;
     const QByteArray octets = ReadPages(file, page, table.Pages);
     Reader reader{OctetView(octets)};
     const OctetView fixed = reader.Take(FixedPart);
+    table.State = SealIn(octets, page);
     table.RowCount = fixed.U32(16);
     table.Counter = fixed.U32(20);
     table.IsSystem = fixed.U8(40) == SystemTable;

@@ -68,9 +68,19 @@ struct IndexName
 /// A table as its definition says it is. Columns are in order of their numbers.
 struct TableDefinition
 {
+    /// By a sum that is stored with it, a definition is told from what a failing disk made of it. Those of other
+    /// programs have none, and one that they changed has a wrong one.
+    enum class Seal : quint8
+    {
+        None,
+        Holds,
+        Broken
+    };
+
     std::vector<quint32> Pages; ///< The definition's own; the first is the table's identity.
-    quint32 RowCount = 0;       ///< Of a file that was closed in order.
-    quint32 Counter = 0;        ///< The last automatic number that was given.
+    Seal State = Seal::None;
+    quint32 RowCount = 0; ///< Of a file that was closed in order.
+    quint32 Counter = 0;  ///< The last automatic number that was given.
     bool IsSystem = false;
     quint16 ColumnsEver = 0;     ///< Those that were deleted included.
     quint16 VariableColumns = 0; ///< Likewise.
@@ -85,6 +95,11 @@ struct TableDefinition
     const ColumnDefinition* ColumnOf(quint16 number) const;
     const ColumnDefinition* ColumnNamed(const QString& name) const;
 };
+
+inline constexpr int DefinitionSealAt = 28; ///< Where other programs have octets without a meaning.
+inline constexpr quint32 DefinitionSealMark = 0x4C455344;
+/// The sum of a definition that begins on a page, as one text; what changes with every row is left out.
+quint32 SumOfDefinition(const QByteArray& octets, quint32 page);
 
 /// The definition that begins on a page. Fault when it is none, or does not fit together.
 TableDefinition ReadTableDefinition(PageFile& file, quint32 page);

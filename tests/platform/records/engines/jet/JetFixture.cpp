@@ -24,7 +24,7 @@ unsigned Seed()
 
 } // namespace
 
-JetFixture::JetFixture() : Random_(Seed())
+JetFixture::JetFixture(const QString& where) : Random_(Seed()), Folder_(where + QStringLiteral("/tolva-XXXXXX"))
 {
     Source_ = DBEngine::CreateDatabase(Path(QStringLiteral("Source.mdb")), QString());
 }

@@ -4,6 +4,8 @@
 #include "platform/records/DBEngine.h"
 #include "platform/records/RecordsFixture.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <random>
@@ -12,7 +14,14 @@
 class JetFixture : public testing::Test
 {
 protected:
-    JetFixture();
+    /// where: the folder in which its own is made.
+    explicit JetFixture(const QString& where = QDir::tempPath());
+    /// In memory where the system has a place for that, for tests of no disk.
+    static QString InMemory()
+    {
+        const QString memory = QStringLiteral("/dev/shm");
+        return QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
+    }
 
     QString Path(const QString& name) const { return Folder_.filePath(name); }
     /// "Messages": a counter (index Main), a text with an index, one with an index that lets no value come twice, a
