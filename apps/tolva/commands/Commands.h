@@ -16,6 +16,7 @@ CommandDefinition CopyCommand();
 CommandDefinition DeleteCommand();
 CommandDefinition MarkCommand();
 CommandDefinition PendingCommand();
+CommandDefinition SendCommand();
 CommandDefinition FoldersCommand();
 CommandDefinition PrizesCommand();
 CommandDefinition PrizeCommand();
