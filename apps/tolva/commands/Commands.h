@@ -24,6 +24,7 @@ CommandDefinition SettingCommand();
 CommandDefinition UsersCommand();
 CommandDefinition ContactsCommand();
 CommandDefinition CheckCommand();
+CommandDefinition DoctorCommand();
 CommandDefinition BackupCommand();
 CommandDefinition BackupsCommand();
 CommandDefinition RestoreCommand();

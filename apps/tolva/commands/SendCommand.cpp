@@ -4,6 +4,7 @@
 
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/JsonDate.h"
 #include "common/ClockHelper.h"
 #include "sending/OutgoingIdentity.h"
 #include "sending/OutgoingState.h"
@@ -50,11 +51,6 @@ QString NameOf(SendNote::Kind kind)
     return QStringLiteral("waits");
 }
 
-QJsonValue JsonMoment(Date universal)
-{
-    return universal.IsNone() ? QJsonValue() : QJsonValue(universal.ToDateTime(Qt::UTC).toString(Qt::ISODate));
-}
-
 void TellInJson(const SendNote& note)
 {
     Terminal::PrintJson({{QStringLiteral("reference"), note.Message},
@@ -62,7 +58,7 @@ void TellInJson(const SendNote& note)
                          {QStringLiteral("outcome"), NameOf(note.What)},
                          {QStringLiteral("recipients"), QJsonArray::fromStringList(note.Recipients)},
                          {QStringLiteral("words"), note.Words},
-                         {QStringLiteral("nextTry"), JsonMoment(note.NextTry)}});
+                         {QStringLiteral("nextTry"), JsonDate(note.NextTry)}});
 }
 
 /// What went to standard output, what did not to standard error; what stays as it was is for those who look.
@@ -189,7 +185,7 @@ void TellState(const cMessage& message, const OutgoingState& state, bool inJson)
     }
     Terminal::PrintJson({{QStringLiteral("reference"), message.Reference()},
                          {QStringLiteral("state"), NameOf(state.What)},
-                         {QStringLiteral("when"), JsonMoment(ClockHelper::LocalToUTC(state.When))},
+                         {QStringLiteral("when"), JsonDate(ClockHelper::LocalToUTC(state.When))},
                          {QStringLiteral("words"), state.Words}});
 }
 

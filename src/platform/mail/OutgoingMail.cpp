@@ -103,13 +103,14 @@ QByteArray OutgoingField(const QByteArray& octets, const HeaderField& field)
     return EncodeField(name, IsAddressField(name) ? DecodeAddresses(value) : DecodeHeader(value), "\n");
 }
 
-QString MailboxText(const OutgoingSender& sender)
+/// "Name <address>", encoded.
+QByteArray FromField(const OutgoingSender& sender)
 {
-    QString name = sender.Name.simplified();
-    if (name.isEmpty())
-        return sender.Address;
-    name.replace(u'\\', QStringLiteral("\\\\")).replace(u'"', QStringLiteral("\\\""));
-    return QStringLiteral("\"%1\" <%2>").arg(name, sender.Address);
+    const QByteArray name = sender.Name.simplified().toUtf8();
+    const ObjectPointer<InternetAddress> mailbox(
+        internet_address_mailbox_new(name.isEmpty() ? nullptr : name.constData(), sender.Address.toUtf8().constData()));
+    const TextPointer text(internet_address_to_string(mailbox.get(), FormatOptions(), TRUE));
+    return QByteArray("From: ") + QByteArray(text.get()).trimmed() + '\n';
 }
 
 /// The header as it goes out, with the empty line behind it.
@@ -132,7 +133,7 @@ QByteArray OutgoingHeader(const Message& stored, const QByteArray& octets, const
     }
     QByteArray front;
     if (!isOwn)
-        front.append(EncodeField("From", MailboxText(sender), "\n"));
+        front.append(FromField(sender));
     if (!hasDate)
         front.append(EncodeField("Date", EncodeDate(sender.Now), "\n"));
     if (!hasID)
@@ -140,14 +141,51 @@ QByteArray OutgoingHeader(const Message& stored, const QByteArray& octets, const
     return front + header + '\n';
 }
 
-/// The mail with those of its parts encoded that no header says to be so, and that need it.
-QByteArray Encoded(const QByteArray& octets)
+/// A part's content taken out of its transfer encoding, which it gets anew when it is written, in lines that fit.
+void TakeOutOfEncoding(GMimePart* part)
+{
+    GMimeDataWrapper* content = g_mime_part_get_content(part);
+    if (content == nullptr)
+        return;
+    const ObjectPointer<GMimeStream> decoded(g_mime_stream_mem_new());
+    if (g_mime_data_wrapper_write_to_stream(content, decoded.get()) < 0)
+        return;
+    g_mime_stream_reset(decoded.get());
+    const ObjectPointer<GMimeDataWrapper> plain(
+        g_mime_data_wrapper_new_with_stream(decoded.get(), GMIME_CONTENT_ENCODING_DEFAULT));
+    g_mime_part_set_content(part, plain.get());
+}
+
+/// All leaves but those of what is signed, of which every octet counts.
+void TakeAllOutOfEncoding(GMimeObject* object, int depth)
+{
+    constexpr int MostDepth = 100;
+    if (object == nullptr || depth > MostDepth || GMIME_IS_MULTIPART_SIGNED(object))
+        return;
+    if (GMIME_IS_MULTIPART(object)) {
+        const int count = g_mime_multipart_get_count(GMIME_MULTIPART(object));
+        for (int i = 0; i < count; ++i)
+            TakeAllOutOfEncoding(g_mime_multipart_get_part(GMIME_MULTIPART(object), i), depth + 1);
+    } else if (GMIME_IS_PART(object)) {
+        TakeOutOfEncoding(GMIME_PART(object));
+    }
+}
+
+enum class Encoding
+{
+    WhereMissing, ///< Of parts that no header says to be encoded, and that need it.
+    Anew          ///< Also of those that are encoded, but in lines that do not fit.
+};
+
+QByteArray Encoded(const QByteArray& octets, Encoding encoding)
 {
     const OctetStream source(octets);
     const ObjectPointer<GMimeParser> parser(g_mime_parser_new_with_stream(source.Stream()));
     const ObjectPointer<GMimeMessage> message(g_mime_parser_construct_message(parser.get(), ParserOptions()));
     if (!message)
         return octets;
+    if (encoding == Encoding::Anew)
+        TakeAllOutOfEncoding(g_mime_message_get_mime_part(message.get()), 0);
     g_mime_object_encode(GMIME_OBJECT(message.get()), GMIME_ENCODING_CONSTRAINT_7BIT);
     const ObjectPointer<GMimeStream> target(g_mime_stream_mem_new());
     g_mime_object_write_to_stream(GMIME_OBJECT(message.get()), FormatOptions(), target.get());
@@ -198,10 +236,14 @@ OutgoingMail MakeOutgoing(const Message& stored, const OutgoingSender& sender)
         mail.Octets.append('\n');
     if (FormOf(mail.Octets).IsPlain())
         return mail;
-    const QByteArray encoded = Encoded(mail.Octets);
-    // What is broken may be read otherwise once it is written anew; then it goes out as it is, where that can be.
-    if (ReadsTheSame(mail.Octets, encoded))
-        mail.Octets = encoded;
+    for (const Encoding encoding : {Encoding::WhereMissing, Encoding::Anew}) {
+        const QByteArray encoded = Encoded(mail.Octets, encoding);
+        // What is broken may be read otherwise once it is written anew; then it goes out as it is, where that can be.
+        if (ReadsTheSame(mail.Octets, encoded))
+            mail.Octets = encoded;
+        if (FormOf(mail.Octets).HasFittingLines)
+            break;
+    }
     if (!FormOf(mail.Octets).HasFittingLines)
         mail.Problem = QStringLiteral("It holds what mail servers do not take: a line of more than 998 octets, or a "
                                       "character that is none. Write it anew.");

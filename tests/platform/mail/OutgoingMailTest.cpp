@@ -130,6 +130,22 @@ TEST(OutgoingMailTest, AttachmentsAndASignedPartComeThroughOctetByOctet)
               QByteArray("\x00\xff\n\x00", 4));
 }
 
+TEST(OutgoingMailTest, AnAttachmentInOneLongLineComesThrough)
+{
+    const QByteArray file = QByteArray("\x00\xff\n.\n", 5).repeated(1000);
+    const cdo::OutgoingMail mail =
+        Outgoing(Complete +
+                 "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n--b\n\nHello.\n--b\n"
+                 "Content-Type: application/octet-stream\nContent-Disposition: attachment; filename=f\n"
+                 "Content-Transfer-Encoding: base64\n\n" +
+                 file.toBase64() + "\n--b--\n");
+    EXPECT_EQ(mail.Problem, QString());
+    EXPECT_LE(LongestLine(mail.Octets), 998);
+    const cdo::Message read(mail.Octets);
+    ASSERT_EQ(read.Attachments().size(), 1);
+    EXPECT_EQ(read.AttachmentContent(0), file);
+}
+
 TEST(OutgoingMailTest, HostileHeadersAddNoRecipientAndNoField)
 {
     const cdo::OutgoingMail mail =
