@@ -5,6 +5,7 @@
 #include "common/ClockHelper.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/records/Recordset.h"
+#include "sending/OutboxCount.h"
 #include "sending/OutgoingIdentity.h"
 #include "station/DeskStation.h"
 #include "window/NoticeBar.h"
@@ -142,28 +143,10 @@ void SendingDesk::Decide(Decision decision)
 /// Of the columns alone: no mail is read.
 QString SendingDesk::UnsentWords() const
 {
-    const QHash<qint32, SendingRecord> records = SendingLedger(Station_.Directory().File()).Open();
-    const auto rows = Station_.Database().OpenMessageRows(
-        {QStringLiteral("Reference"), QStringLiteral("Flags"), QStringLiteral("Sent"), QStringLiteral("SendAfter")},
-        QStringLiteral("[Category]=%1").arg(static_cast<int>(tmcOutbox)), QString());
-    const Date now = ClockHelper::NowUTC();
-    int decisions = 0;
-    int late = 0;
-    for (; !rows->AtEOF(); rows->MoveNext()) {
-        if ((rows->Collect(QStringLiteral("Flags")).toInt() & mfSendPending) == 0)
-            continue;
-        const SendingRecord record = records.value(rows->Collect(QStringLiteral("Reference")).toInt());
-        const double since = qMax(rows->Collect(QStringLiteral("Sent")).toDouble(),
-                                  rows->Collect(QStringLiteral("SendAfter")).toDouble());
-        constexpr double SecondsADay = 86400;
-        const bool isDecision = record.Message != 0 &&
-                                (record.Stage == SendingStage::Refused || record.IsUnclear(now)) &&
-                                record.When.DayNumber() >= rows->Collect(QStringLiteral("Sent")).toDouble();
-        if (isDecision)
-            ++decisions;
-        else if (since > 0 && (now.DayNumber() - since) * SecondsADay >= UnsentSeconds)
-            ++late;
-    }
+    const auto rows = Station_.Database().OpenMessageRows(OutboxCount::Columns(), OutboxCount::Condition(), QString());
+    const OutboxCount count = CountOutbox(*rows, SendingLedger(Station_.Directory().File()).Open());
+    const int decisions = count.Decisions;
+    const int late = count.Late;
     QStringList words;
     if (decisions > 0)
         words.append(decisions == 1 ? tr("1 message was not sent: see the Outbox")

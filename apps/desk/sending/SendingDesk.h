@@ -35,8 +35,6 @@ public:
     /// How often it looks what became of the selected message, and how often at the whole Outbox.
     static constexpr int LookMilliseconds = 3000;
     static constexpr int UnsentMilliseconds = 60 * 1000;
-    /// After what time a message that could have gone out counts as unsent.
-    static constexpr double UnsentSeconds = 3600;
 
 public Q_SLOTS:
     /// Asks what to do about a message that may have gone out already.

@@ -6,17 +6,15 @@
 #include "database/SettingText.h"
 #include "database/StationSettings.h"
 #include "platform/records/Recordset.h"
-#include "sending/SendingLedger.h"
+#include "sending/OutboxCount.h"
 
 namespace
 {
 using Level = Finding::Level;
 
-constexpr double HoursADay = 24;
 constexpr double LongestSilence = 7; // days
 constexpr double ClockTolerance = 5; // minutes
 constexpr double MinutesADay = 1440;
-constexpr double LongestWait = 1.0 / HoursADay; // days
 
 QString StoredText(dao::Database& station, const QString& key)
 {
@@ -42,36 +40,13 @@ Date LastArrival(dao::Database& station)
     return {};
 }
 
-struct Waiting
+OutboxCount CountWaiting(dao::Database& station, dao::Database* ledger)
 {
-    int All = 0;
-    int Late = 0;      ///< For longer than an hour since they could have gone out.
-    int Decisions = 0; ///< Refused, or maybe sent.
-};
-
-Waiting CountWaiting(dao::Database& station, dao::Database* ledger)
-{
-    const QHash<qint32, SendingRecord> records =
-        ledger ? SendingLedger(*ledger).Open() : QHash<qint32, SendingRecord>();
-    const Date now = ClockHelper::NowUTC();
-    const auto rows = station.OpenRecordset(
-        QStringLiteral("SELECT [Reference], [Flags], [Sent], [SendAfter] FROM [Messages] WHERE [Category]=%1")
-            .arg(static_cast<int>(tmcOutbox)),
-        dao::dbOpenSnapshot);
-    Waiting waiting;
-    for (; !rows->AtEOF(); rows->MoveNext()) {
-        if ((rows->Collect(QStringLiteral("Flags")).toInt() & mfSendPending) == 0)
-            continue;
-        ++waiting.All;
-        const auto record = records.constFind(rows->Collect(QStringLiteral("Reference")).toInt());
-        const double since = qMax(rows->Collect(QStringLiteral("Sent")).toDouble(),
-                                  rows->Collect(QStringLiteral("SendAfter")).toDouble());
-        if (record != records.cend() && (record->Stage == SendingStage::Refused || record->IsUnclear(now)))
-            ++waiting.Decisions;
-        else if (since > 0 && now.DayNumber() - since >= LongestWait)
-            ++waiting.Late;
-    }
-    return waiting;
+    const auto rows =
+        station.OpenRecordset(QStringLiteral("SELECT [%1] FROM [Messages] WHERE %2")
+                                  .arg(OutboxCount::Columns().join(QStringLiteral("], [")), OutboxCount::Condition()),
+                              dao::dbOpenSnapshot);
+    return CountOutbox(*rows, ledger ? SendingLedger(*ledger).Open() : QHash<qint32, SendingRecord>());
 }
 } // namespace
 
@@ -110,7 +85,7 @@ Finding MailDiagnosis::OfClock(dao::Database& station)
 Finding MailDiagnosis::OfSending(const QString& folder, dao::Database& station, dao::Database* ledger)
 {
     const QString subject = QStringLiteral("sending");
-    const Waiting waiting = CountWaiting(station, ledger);
+    const OutboxCount waiting = CountWaiting(station, ledger);
     if (waiting.Decisions > 0) {
         return {subject, Level::Problem,
                 QStringLiteral("%1 of %2 messages in the Outbox were refused, or may have gone out or not.")

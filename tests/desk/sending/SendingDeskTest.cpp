@@ -6,6 +6,7 @@
 
 #include "common/ClockHelper.h"
 #include "desk/window/MainWindowTest.h"
+#include "sending/OutboxCount.h"
 
 #include <QFile>
 
@@ -138,10 +139,10 @@ TEST_F(SendingDeskTest, WhatHasNotGoneOutForAnHourStandsInTheStatusBar)
         message->SetSent(Date(ClockHelper::CurrentTime().DayNumber() - seconds / 86400));
         ASSERT_TRUE(Station.Database().SaveMessage(message));
     };
-    sentBefore(SendingDesk::UnsentSeconds - 120);
+    sentBefore(OutboxCount::UnsentSeconds - 120);
     OpenWindow();
     EXPECT_EQ(Label("unsent"), QString());
-    sentBefore(SendingDesk::UnsentSeconds + 1);
+    sentBefore(OutboxCount::UnsentSeconds + 1);
     Window->findChild<SendingDesk*>()->CountUnsent();
     EXPECT_EQ(Label("unsent"), QStringLiteral("1 message unsent for an hour"));
     EXPECT_TRUE(Window->findChild<QLabel*>(QStringLiteral("unsent"))->isVisible());
