@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Proves that no include goes against the arrows: platform <- core (common, database, messages, prizes) <- controls, and that
+# Proves that no include goes against the arrows: platform <- core (common, database, messages, prizes, contacts, sending) <- controls, and that
 # platform and core know nothing of Gui or Widgets.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -16,14 +16,14 @@ refuse() { # refuse WORDS PATTERN PATH...
 sourcesIn() { find "$@" -name '*.h' -o -name '*.cpp'; }
 mapfile -t platform < <(sourcesIn src/platform/{files,records,mail,directory,html})
 # A folder's controls/ and dialogs/ belong to the upper layer.
-mapfile -t core < <(sourcesIn src/common src/database src/messages src/prizes src/contacts | grep -vE '/(controls|dialogs)/')
+mapfile -t core < <(sourcesIn src/common src/database src/messages src/prizes src/contacts src/sending | grep -vE '/(controls|dialogs)/')
 mapfile -t widgets < <(sourcesIn src/platform/widgets)
 mapfile -t outsideEngines < <(sourcesIn src | grep -v '^src/platform/records/engines/')
-refuse "platform must not include core" '#include "(common|database|messages|prizes|contacts|messageslist)/' "${platform[@]}"
+refuse "platform must not include core" '#include "(common|database|messages|prizes|contacts|sending|messageslist)/' "${platform[@]}"
 mapfile -t files < <(sourcesIn src/platform/files)
 refuse "the files stand on nothing else of the platform" '#include "platform/(records|mail|directory|html|widgets)/' "${files[@]}"
 refuse "platform must not include the widgets" '#include "platform/widgets/' "${platform[@]}"
-refuse "widgets must not include what stands on them" '#include "([a-z]+/(controls|dialogs)|messageslist|database|messages|prizes|contacts)/' \
+refuse "widgets must not include what stands on them" '#include "([a-z]+/(controls|dialogs)|messageslist|database|messages|prizes|contacts|sending)/' \
     "${widgets[@]}"
 refuse "core must not include controls" '#include "(messageslist/|platform/widgets/|[a-z]+/(controls|dialogs)/)' \
     "${core[@]}"

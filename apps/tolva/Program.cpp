@@ -47,11 +47,11 @@ int RunNamed(const QStringList& arguments)
 
 std::vector<CommandDefinition> AllCommands()
 {
-    return {InitCommand(),    FileCommand(),   ListCommand(),    SearchCommand(),  ShowCommand(),    ExportCommand(),
-            PrintCommand(),   MoveCommand(),   CopyCommand(),    DeleteCommand(),  MarkCommand(),    PendingCommand(),
-            FoldersCommand(), PrizesCommand(), PrizeCommand(),   SettingCommand(), UsersCommand(),   ContactsCommand(),
-            CheckCommand(),   BackupCommand(), BackupsCommand(), RestoreCommand(), RecoverCommand(), CompactCommand(),
-            ConvertCommand(), RepairCommand(), RekeyCommand(),   IndexCommand()};
+    return {InitCommand(),     FileCommand(),    ListCommand(),    SearchCommand(), ShowCommand(),    ExportCommand(),
+            PrintCommand(),    MoveCommand(),    CopyCommand(),    DeleteCommand(), MarkCommand(),    PendingCommand(),
+            SendCommand(),     FoldersCommand(), PrizesCommand(),  PrizeCommand(),  SettingCommand(), UsersCommand(),
+            ContactsCommand(), CheckCommand(),   DoctorCommand(),  BackupCommand(), BackupsCommand(), RestoreCommand(),
+            RecoverCommand(),  CompactCommand(), ConvertCommand(), RepairCommand(), RekeyCommand(),   IndexCommand()};
 }
 
 int RunProgram(const QStringList& arguments)

@@ -224,6 +224,10 @@ public:
     /// Sets and clears bits of enMsgFlags in the stored row and leaves the rest of the row, the mail included, as it is
     /// at that moment on whatever computer. Moves the change stamp, like a save. Needs the right to edit the message.
     bool ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear);
+    /// Takes a message that waits to be sent, in the Outbox and marked, to Sent and clears the mark, in one step; sent
+    /// (local time) becomes its date of sending where it has none. The mail stays as it is. Moves the change stamp, and
+    /// needs the right to edit the message. False, with LastErrorNumber 0, also for a message that does not wait.
+    bool MarkMessageSent(qint32 reference, Date sent);
     /// Writes the search keys of the messages with references from first to last anew where they are not what a save
     /// would write: in one transaction, with the change stamp. A message that is deleted meanwhile is passed over. The
     /// number of rows that changed. dao::Error when it cannot be done; then none of them changed.

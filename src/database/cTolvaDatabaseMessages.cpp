@@ -70,6 +70,11 @@ bool cTolvaDatabase::ChangeMessageFlags(qint32 reference, qint32 set, qint32 cle
     return Messages_->ChangeMessageFlags(reference, set, clear);
 }
 
+bool cTolvaDatabase::MarkMessageSent(qint32 reference, Date sent)
+{
+    return Messages_->MarkMessageSent(reference, sent);
+}
+
 int cTolvaDatabase::RewriteMessageKeys(qint32 first, qint32 last)
 {
     return Messages_->RewriteMessageKeys(first, last);

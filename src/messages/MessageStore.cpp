@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "messages/MessageStore.h"
 
+#include "common/ClockHelper.h"
 #include "common/GeneralHelper.h"
 #include "common/PendingError.h"
 #include "common/UserInterface.h"
@@ -326,6 +327,45 @@ bool MessageStore::ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear
         return false;
     const bool changed = pending.Number() == 0;
     FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
+    if (changed && Station_.RaisesEvents) {
+        const ToldMove told(*this, ToldMove_, CommittedMove_);
+        Q_EMIT MessageSaved(message, true);
+    }
+    return changed;
+}
+
+bool MessageStore::MarkMessageSent(qint32 reference, Date sent)
+{
+    const BusyPointer busy; // a row holds its mail, however large
+    Station_.LastError = {};
+    if (Station_.Information.Location.isEmpty() || reference <= 0)
+        return false;
+    PendingError pending;
+    const cMessagePtr message = GetMessage(reference);
+    if (!message || !MayEditMessage(*message))
+        return false;
+    bool isWaiting = false;
+    const auto mark = [&](dao::Recordset& row) {
+        row.Edit();
+        const qint32 flags = row.Collect(FlagsColumn).toInt();
+        isWaiting = row.Collect(QStringLiteral("Category")).toInt() == tmcOutbox && (flags & mfSendPending) != 0;
+        if (!isWaiting)
+            return;
+        row.SetCollect(FlagsColumn, flags & ~mfSendPending);
+        row.SetCollect(QStringLiteral("Category"), tmcSent);
+        if (message->Sent().IsNone()) {
+            row.SetCollect(QStringLiteral("Sent"), ClockHelper::LocalToUTC(sent).DayNumber());
+            message->SetSent(sent);
+        }
+        row.Update();
+        message->SetFlags(flags & ~mfSendPending);
+        message->SetCategory(tmcSent);
+    };
+    if (!ChangeMessageRow(reference, mark, Stamp::Moves, pending) || (!isWaiting && pending.Number() == 0))
+        return false;
+    const bool changed = pending.Number() == 0;
+    FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"),
+                        SubjectOf(message) + QStringLiteral(" Sent"), pending);
     if (changed && Station_.RaisesEvents) {
         const ToldMove told(*this, ToldMove_, CommittedMove_);
         Q_EMIT MessageSaved(message, true);

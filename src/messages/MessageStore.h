@@ -48,6 +48,7 @@ public:
     bool MoveMessage(qint32 reference, enTolvaMessageCategories newCategory);
     bool DeleteMessage(qint32 reference, bool deletePermanently);
     bool ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear);
+    bool MarkMessageSent(qint32 reference, Date sent);
     int RewriteMessageKeys(qint32 first, qint32 last);
     bool DeleteMessagesOfCategory(enTolvaMessageCategories category);
 

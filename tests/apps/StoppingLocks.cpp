@@ -2,7 +2,7 @@
 
 // Loaded in front of the C library, this lets a process stop (as by SIGSTOP) while it holds no lock of the station:
 // STOP_AT=n stops it in front of the n-th time that it is about to take the first lock of a read or a write of
-// Tolva.mdb. SIGCONT lets it go on.
+// Tolva.mdb, or of any file whose name ends as STOP_IN says. SIGCONT lets it go on.
 
 #include <csignal>
 #include <cstdarg>
@@ -23,7 +23,8 @@ bool IsStation(int file)
     char name[4096];
     const std::string link = "/proc/self/fd/" + std::to_string(file);
     const ssize_t length = ::readlink(link.c_str(), name, sizeof name);
-    return length > 0 && std::string(name, static_cast<size_t>(length)).ends_with("/Tolva.mdb");
+    const char* end = std::getenv("STOP_IN");
+    return length > 0 && std::string(name, static_cast<size_t>(length)).ends_with(end ? end : "/Tolva.mdb");
 }
 
 void StopWhenDue(int file, int command, const struct flock* lock)

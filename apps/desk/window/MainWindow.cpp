@@ -26,6 +26,7 @@
 #include "prizes/controls/uPrizesList.h"
 #include "search/SearchDesk.h"
 #include "search/SearchService.h"
+#include "sending/SendingDesk.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -132,6 +133,7 @@ void MainWindow::MakeParts()
     Preview_->SetDamageAdvice([this](qint32 reference) {
         return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
     });
+    Sending_ = new SendingDesk(*Station_, *this);
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
     Splitter_->addWidget(List_);
@@ -188,6 +190,7 @@ void MainWindow::MakeStatusBar()
         statusBar()->addPermanentWidget(label);
         return label;
     };
+    statusBar()->addPermanentWidget(&Sending_->Unsent());
     Counts_ = addLabel("counts");
     Updated_ = addLabel("updated");
     User_ = addLabel("user");
@@ -322,6 +325,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 void MainWindow::TakeSelection(const cMessagePtr& message)
 {
     Preview_->Select(message);
+    Sending_->Show(message);
     for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})
         Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
 }
@@ -376,6 +380,7 @@ void MainWindow::TakeUpdate()
                       ? tr("Filter is on: only subjects with \u201C%1\u201D").arg(List_->FindText().simplified())
                       : QString());
     CountTimer_.start();
+    Sending_->CountUnsent();
     for (MessageWindow* window : MessageWindows())
         window->CheckStored();
 }

@@ -26,6 +26,7 @@ class NoticeBar;
 class PreviewPane;
 class PrizeDesk;
 class SearchDesk;
+class SendingDesk;
 class QLabel;
 class QMenu;
 class QSplitter;
@@ -164,6 +165,7 @@ private:
     PrizeDesk* Prizes_ = nullptr;
     ContactDesk* Contacts_ = nullptr;
     SearchDesk* Search_ = nullptr;
+    SendingDesk* Sending_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* Filter_ = nullptr;

@@ -16,6 +16,8 @@
 #include "prizes/PrizesPage.h"
 #include "prizes/controls/uPrizesList.h"
 #include "search/SearchDesk.h"
+#include "sending/SendingDesk.h"
+#include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -127,6 +129,7 @@ void MainWindow::MakeMessageMenu()
     }
     menu->addSeparator();
     menu->addAction(Undo_->Action());
+    menu->addAction(Sending_->Action());
     menu->addAction(Prizes_->MakeAwardToSenderAction());
     menu->addAction(Contacts_->MakeSenderAction());
     Search_->AddToMessageMenu(*menu, [this] {
@@ -234,6 +237,7 @@ QWidget* MainWindow::MakeMessageSide()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(MessageBar_);
+    layout->addWidget(&Sending_->Notice());
     layout->addWidget(Preview_, 1);
     return side;
 }

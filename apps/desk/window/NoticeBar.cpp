@@ -55,6 +55,11 @@ void NoticeBar::Show(const QString& text)
     setVisible(!text.isEmpty());
 }
 
+void NoticeBar::ShowButton(bool isShown)
+{
+    Button_->setVisible(isShown && !Button_->text().isEmpty());
+}
+
 QString NoticeBar::Text() const
 {
     return isHidden() ? QString() : Text_->text();

@@ -8,8 +8,8 @@
 #include "commands/Commands.h"
 #include "commands/MessageTable.h"
 #include "commands/PendingExport.h"
+#include "commands/PendingRows.h"
 #include "common/ClockHelper.h"
-#include "platform/records/Recordset.h"
 
 namespace
 {
@@ -17,7 +17,6 @@ const QString ExportOption = QStringLiteral("export");
 const QString ForceOption = QStringLiteral("force");
 const QString TypeOption = QStringLiteral("type");
 const QString JsonOption = QStringLiteral("json");
-const QString SendAfterColumn = QStringLiteral("SendAfter");
 
 void CheckType(const Arguments& arguments)
 {
@@ -26,28 +25,10 @@ void CheckType(const Arguments& arguments)
         throw Failure(exitUsage, QStringLiteral("--type takes \"email\" or \"sms\"."));
 }
 
-/// The messages in the Outbox that are marked to be sent and due now.
-QList<MessageRow> PendingRows(const Arguments& arguments, Station& station)
-{
-    const auto rows = station.Database().OpenMessageRows(
-        MessageRowColumns() << SendAfterColumn, QStringLiteral("[Category]=%1").arg(static_cast<int>(tmcOutbox)),
-        QStringLiteral("[Reference]"));
-    const double now = ClockHelper::NowUTC().DayNumber();
-    const QString type = arguments.Value(TypeOption);
-    QList<MessageRow> pending;
-    for (; !rows->AtEOF(); rows->MoveNext()) {
-        const MessageRow row = ReadMessageRow(*rows);
-        const Date sendAfter(rows->Collect(SendAfterColumn).toDouble());
-        const bool isDue = sendAfter.IsNone() || sendAfter.DayNumber() <= now;
-        if ((row.Flags & mfSendPending) != 0 && isDue && (type.isEmpty() || type == TypeName(row.IsSMS)))
-            pending.append(row);
-    }
-    return pending;
-}
-
 int List(const Arguments& arguments, Station& station)
 {
-    const QList<MessageRow> pending = station.Try([&] { return PendingRows(arguments, station); });
+    const QList<MessageRow> pending =
+        station.Try([&] { return PendingRows(station.Database(), arguments.Value(TypeOption)); });
     if (arguments.Has(JsonOption)) {
         const QString folder = FolderPath(FolderPaths(station.Folders()), tmcOutbox);
         for (const MessageRow& row : pending)
@@ -65,7 +46,8 @@ int List(const Arguments& arguments, Station& station)
 int Export(const Arguments& arguments, Station& station)
 {
     PendingExport folder(arguments.Value(ExportOption), arguments.Has(ForceOption));
-    const QList<MessageRow> pending = station.Try([&] { return PendingRows(arguments, station); });
+    const QList<MessageRow> pending =
+        station.Try([&] { return PendingRows(station.Database(), arguments.Value(TypeOption)); });
     for (const MessageRow& row : pending) {
         const cMessagePtr message = station.Try([&] { return station.Database().ReadMessage(row.Reference); });
         // Somebody may have taken it back since the list was read.
@@ -89,12 +71,7 @@ void MarkSent(Station& station, qint32 reference)
                                     .arg(QString::number(reference), folder,
                                          isMarked ? QString() : QStringLiteral(" and not marked to be sent")));
     }
-    message->SetFlags(message->Flags() & ~mfSendPending);
-    if (message->Sent().IsNone())
-        message->SetSent(ClockHelper::CurrentTime());
-    message->SetCategory(tmcSent);
-    // One row, so all of it is stored or nothing.
-    if (!station.Try([&] { return station.Database().SaveMessage(message); }))
+    if (!station.Try([&] { return station.Database().MarkMessageSent(reference, ClockHelper::CurrentTime()); }))
         throw station.WhyNot(reference, QStringLiteral("mark messages as sent"));
 }
 

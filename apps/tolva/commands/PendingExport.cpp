@@ -3,42 +3,20 @@
 
 #include "FileOutput.h"
 #include "Terminal.h"
-#include "TextOfHtml.h"
 #include "common/FileHelper.h"
+#include "sending/TextRecipients.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 namespace
 {
-/// The numbers that a text message goes to, in digits; empty when there is none or one of them is no number. They come
-/// from what listeners' telephones and networks said, and programs are started with them.
-QStringList NumbersOf(const cdo::Message& mail)
-{
-    static const QRegularExpression separator(QStringLiteral("[,;]"));
-    static const QRegularExpression inBrackets(QStringLiteral("<([^<>]*)>\\s*$"));
-    static const QRegularExpression filling(QStringLiteral("[\\s()./-]"));
-    static const QRegularExpression number(QStringLiteral("^\\+?[0-9]+$"));
-    QStringList numbers;
-    for (const QString& recipient : mail.To().split(separator, Qt::SkipEmptyParts)) {
-        const QRegularExpressionMatch match = inBrackets.match(recipient);
-        QString digits = match.hasMatch() ? match.captured(1) : recipient;
-        digits.remove(filling);
-        if (!number.match(digits).hasMatch())
-            return {};
-        numbers.append(digits);
-    }
-    return numbers;
-}
-
 QByteArray TextFile(const QStringList& numbers, const cdo::Message& mail)
 {
     QString text;
     for (const QString& number : numbers)
         text += QStringLiteral("To: %1\n").arg(number);
-    const QString body = mail.TextBody();
-    return (text + u'\n' + (body.isEmpty() ? TextOfHtml(mail.HTMLBody()) : body) + u'\n').toUtf8();
+    return (text + u'\n' + TextOfTextMessage(mail) + u'\n').toUtf8();
 }
 
 bool Holds(const QString& path, const QByteArray& octets)
@@ -90,7 +68,7 @@ void PendingExport::Write(const cMessage& message)
     }
     const cdo::Message& mail = *message.CDOMessage();
     const bool isText = message.MessageType() == emtSMS;
-    const QStringList numbers = isText ? NumbersOf(mail) : QStringList();
+    const QStringList numbers = isText ? TextRecipients(mail) : QStringList();
     if (isText && numbers.isEmpty()) {
         Refuse(exitData, QStringLiteral("Message %1 has no telephone number to go to.").arg(reference));
         return;

@@ -77,6 +77,22 @@ QList<TablePlan> Plans()
           {QStringLiteral("Code"), dao::dbLong},
           {QStringLiteral("EventReference"), dao::dbLong}},
          {main, {QStringLiteral("When"), {QStringLiteral("When"), QStringLiteral("Reference")}, Uniqueness::Repeats}}},
+        {QStringLiteral("Sending"),
+         {{QStringLiteral("Message"), dao::dbLong},
+          {QStringLiteral("Identity"), dao::dbText},
+          {QStringLiteral("State"), dao::dbLong},
+          {QStringLiteral("When"), dao::dbDate},
+          {QStringLiteral("FirstTry"), dao::dbDate},
+          {QStringLiteral("Until"), dao::dbDate},
+          {QStringLiteral("Attempts"), dao::dbLong},
+          {QStringLiteral("Claim"), dao::dbText},
+          {QStringLiteral("Computer"), dao::dbText},
+          {QStringLiteral("Process"), dao::dbLong},
+          {QStringLiteral("Taken"), dao::dbMemo},
+          {QStringLiteral("Words"), dao::dbMemo}},
+         {{QStringLiteral("Main"), {QStringLiteral("Message")}, Uniqueness::Primary},
+          {QStringLiteral("State"), {QStringLiteral("State")}, Uniqueness::Repeats},
+          {QStringLiteral("When"), {QStringLiteral("When")}, Uniqueness::Repeats}}},
     };
 }
 

@@ -49,6 +49,9 @@ public:
     /// Signs the user out and closes the file. Nothing happens when none is open.
     void Close();
     bool IsOpen() const;
+    /// The file, for stores that keep a table of their own in it ("Sending"); until Close. Raises 3420 when none is
+    /// open.
+    dao::Database& File() const { return Opened(); }
 
     /// Signs the user of that name in (without regard to case). False when there is none; the user before stays signed
     /// in then. Raises dao::Error, and so does all below: 3420 when no directory is open, otherwise as the store does.

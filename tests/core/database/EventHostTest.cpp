@@ -81,6 +81,9 @@ TEST_F(EventHostTest, MayDestroyTheStationInAnyEventOfItsMessages)
     });
     const qint32 reference = SaveNew(QStringLiteral("Hello"));
     ExpectDestroyed([&](cTolvaDatabase& station) { return station.ChangeMessageFlags(reference, mfRead, 0); });
+    ASSERT_TRUE(Station->ChangeMessageFlags(reference, mfSendPending, 0));
+    ASSERT_TRUE(Station->MoveMessage(reference, tmcOutbox));
+    ExpectDestroyed([&](cTolvaDatabase& station) { return station.MarkMessageSent(reference, Date(46000)); });
     ExpectDestroyed([&](cTolvaDatabase& station) { return station.CopyMessage(reference, tmcSaved); });
     ExpectDestroyed([&](cTolvaDatabase& station) { return station.MoveMessage(reference, tmcSaved); });
     ExpectDestroyed([&](cTolvaDatabase& station) { return station.DeleteMessage(reference, true); });

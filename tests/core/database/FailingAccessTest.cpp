@@ -180,6 +180,12 @@ std::vector<Operation> MessageOperations()
          [](T& t) -> Run {
              return [&t, reference = t.NewMessage()] { return t.Database().ChangeMessageFlags(reference, mfRead, 0); };
          }},
+        {"MarkMessageSent", Border::Answers,
+         [](T& t) -> Run {
+             return [&t, reference = t.NewWaitingMessage()] {
+                 return t.Database().MarkMessageSent(reference, ClockHelper::CurrentTime());
+             };
+         }},
         {"RewriteMessageKeys", Border::Raises,
          [](T& t) -> Run {
              t.NewMessage();

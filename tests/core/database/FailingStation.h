@@ -37,6 +37,14 @@ public:
         ASSERT_EQ(Station->OpenTolvaDatabase(Location()), 0);
     }
     qint32 NewMessage() { return SaveNew(QStringLiteral("Hello")); }
+    qint32 NewWaitingMessage()
+    {
+        const cMessagePtr message = Unsaved();
+        message->SetCategory(tmcOutbox);
+        message->SetFlags(mfSendPending);
+        EXPECT_TRUE(Station->SaveMessage(message));
+        return message->Reference();
+    }
     static cMessagePtr Unsaved(enMsgType type = emtEmail)
     {
         const cMessagePtr message = MakeMessage(QStringLiteral("Hello"));

@@ -492,3 +492,52 @@ TEST_F(MessageStoreTest, WhereTheHostWantsItEveryChangeMovesTheStamp)
     Now.Advance(60);
     EXPECT_TRUE(isStamped(Station->DeleteMessagesOfCategory(tmcDeleted)));
 }
+
+TEST_F(MessageStoreTest, WhatWentOutStandsInSentWithoutItsMarkAndWithTheSameMail)
+{
+    OpenStation();
+    ASSERT_TRUE(Station->StoreDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("card")));
+    const cMessagePtr message = MakeMessage(QStringLiteral("A card"));
+    message->CDOMessage()->SetHTMLBody(QStringLiteral("<p>A card</p>"));
+    message->SetCategory(tmcOutbox);
+    message->SetFlags(mfSendPending | mfRead);
+    ASSERT_TRUE(Station->SaveMessage(message));
+    const QByteArray octets = Station->GetMessage(message->Reference())->CDOMessage()->Octets();
+    const Date stamp = Station->LastMessageChanged();
+    Now.Advance(60);
+    Directory.User.Log.clear();
+    cMessagePtr told;
+    QObject::connect(Station.get(), &cTolvaDatabase::MessageSaved, Station.get(),
+                     [&](const cMessagePtr& saved, bool) { told = saved; });
+
+    ASSERT_TRUE(Station->MarkMessageSent(message->Reference(), Date(2026, 11, 21, 14, 6, 0)));
+    const cMessagePtr stored = Station->GetMessage(message->Reference());
+    EXPECT_EQ(stored->Category(), tmcSent);
+    EXPECT_EQ(stored->Flags(), mfRead);
+    EXPECT_EQ(stored->SentString(), QStringLiteral("21/11/2026 14:06:00"));
+    EXPECT_EQ(stored->CDOMessage()->Octets(), octets) << "no second marks";
+    EXPECT_NE(Station->LastMessageChanged(), stamp);
+    EXPECT_EQ(Audit(), QStringList{QStringLiteral("7 Message Edited: A card Sent (1)")});
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->Category(), tmcSent);
+    EXPECT_FALSE(Station->MarkMessageSent(message->Reference(), Date(2026, 11, 21, 14, 7, 0))) << "it waits no more";
+}
+
+TEST_F(MessageStoreTest, OnlyWhatWaitsIsMarkedAsSentAndOnlyWithTheRight)
+{
+    OpenStation();
+    const cMessagePtr message = MakeMessage(QStringLiteral("A card"));
+    message->SetCategory(tmcOutbox);
+    ASSERT_TRUE(Station->SaveMessage(message));
+    const Date sent(2026, 11, 21, 14, 6, 0);
+    EXPECT_FALSE(Station->MarkMessageSent(message->Reference(), sent)) << "being written";
+    ASSERT_TRUE(Station->ChangeMessageFlags(message->Reference(), mfSendPending, 0));
+    Directory.User.Rights = 0;
+    EXPECT_FALSE(Station->MarkMessageSent(message->Reference(), sent));
+    Directory.User.Rights = 31;
+    ASSERT_TRUE(Station->MoveMessage(message->Reference(), tmcDrafts));
+    EXPECT_FALSE(Station->MarkMessageSent(message->Reference(), sent)) << "taken back";
+    EXPECT_EQ(Station->LastErrorNumber(), 0);
+    EXPECT_EQ(Station->GetMessage(message->Reference())->Category(), tmcDrafts);
+    EXPECT_FALSE(Station->MarkMessageSent(99, sent));
+}

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/// What a program that was handed a message made of it.
+struct HandOverResult
+{
+    enum class Kind
+    {
+        Accepted,
+        Later,      ///< Nobody took it this time.
+        Refused,    ///< Nobody takes it as it is.
+        SetUp,      ///< Nobody took it, and the next one would fare no better: something is set up wrongly.
+        NotStarted, ///< The program could not even be started.
+        Unknown     ///< Whether it was taken cannot be told.
+    };
+    Kind What = Kind::Unknown;
+    QString Words; ///< What the program said, on one line; what happened to it, where it said nothing.
+};
+
+/// Starts a program with these words, without a shell, gives it the input and waits for its end, as long as the time
+/// limit says; then it is ended, with what it has started. The first word is the program. Its exit code is read as
+/// sysexits.h has it, and where it is one of refusal, the reply of a mail server among its words counts (RFC 5321,
+/// 4.2.1).
+HandOverResult HandOver(const QStringList& command, const QByteArray& input, int seconds);
+
+/// What that exit code means, with these words on standard error.
+HandOverResult::Kind MeaningOfExitCode(int code, const QString& words);
