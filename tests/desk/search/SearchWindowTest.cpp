@@ -183,11 +183,28 @@ TEST_F(SearchWindowTest, WhatIsErasedLeavesAnIndexThatIsThereThoughNobodySearche
     EXPECT_TRUE(WaitUntil([&] { return !holds("xylophonist"); }, 20'000));
 }
 
-TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSo)
+TEST_F(SearchWindowTest, AnIndexThatSomebodyDeletesIsMadeAnewBesideTheDesk)
 {
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("ferry"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    ASSERT_TRUE(QDir(Path(QStringLiteral("cache/Tolva"))).removeRecursively());
+    OtherComputer("file", {Write(QStringLiteral("new.eml"), Mail("Two", "the ferry sails\r\n"))});
+    EXPECT_TRUE(WaitUntil([this] { return Rows().rowCount() == 2; }, 20'000));
+}
+
+TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSoAndRemovesTheOneThatIsThere)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    CloseWindow();
+    const QDir cache(Path(QStringLiteral("cache/Tolva/Search")));
+    ASSERT_FALSE(cache.entryList(QDir::Files).isEmpty());
     Machine.Set(QStringLiteral("SOFTWARE\\Kelvarin\\Utils\\Databases"), QStringLiteral("KeepSearchIndex"),
                 QStringLiteral("0"));
     OpenWindow();
     QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(WaitUntil([this] { return Part<NoticeBar>("searchProblem").Text().contains(u"KeepSearchIndex"); }));
+    EXPECT_TRUE(cache.entryList(QDir::Files).isEmpty());
 }
