@@ -3,11 +3,13 @@
 // Finding messages by their words, beside notmuch on the same mails.
 
 #include "BenchStation.h"
+#include "KeepingList.h"
 #include "Measure.h"
 #include "Programs.h"
 #include "Subjects.h"
 #include "common/FileHelper.h"
 #include "messages/AddressKey.h"
+#include "messages/MessageHistory.h"
 #include "messages/search/SearchFollowing.h"
 #include "messages/search/SearchPlace.h"
 #include "platform/records/DBEngine.h"
@@ -168,6 +170,26 @@ void BenchFinding(cTolvaDatabase& station, SearchIndex& index, const QByteArray&
     Report("a prefix of two letters", "", 50, MedianMilliseconds([&] { find("li"); }), 1.0, "ms");
 }
 
+/// What the desk shows of a contact before the station's own query has run.
+void BenchHistoryByIndex(cTolvaDatabase& station, SearchIndex& index)
+{
+    const QString address = QStringLiteral("listener77@example.com");
+    SearchQuestion question;
+    question.AnyOf = {SearchWords::AddressTerm(address)};
+    KeepingList wanted;
+    KeepingList list;
+    Compare(
+        {"a contact's history by the index", "by the station's query", 0.5, 7, 1},
+        [&] { station.FillMessagesListView(&wanted, address, {}); },
+        [&] {
+            QList<qint32> references;
+            for (const SearchHit& hit : index.Find(question, {}).Hits)
+                references.append(hit.Reference);
+            MessageHistory::FillAmong(station, list, address, {}, references);
+            Require(list.Count() > 0 && list.Count() <= wanted.Count(), "the history is not the same messages");
+        });
+}
+
 void BenchFollowing(const QString& folder, const QString& stationFolder, int count)
 {
     constexpr int Mails = 1000;
@@ -235,6 +257,7 @@ void BenchWords(const QString& folder, int count)
         SearchIndex index(file, SearchFollowing::IdentityOf(*station));
         BringUp(*station, index);
         BenchFinding(*station, index, notmuch);
+        BenchHistoryByIndex(*station, index);
     }
     BenchFollowing(folder, stationFolder, count);
 }

@@ -8,6 +8,7 @@
 #include "common/kvGeneral.h"
 #include "database/StationContext.h"
 #include "database/StationDetails.h"
+#include "database/cTolvaDatabase.h"
 #include "platform/directory/clsCategory.h"
 #include "platform/records/Recordset.h"
 
@@ -179,6 +180,12 @@ std::vector<HistoryColumn> ColumnsOf(const ListViewObject& list, const dao::Reco
     return columns;
 }
 
+/// A snapshot packs the rows without the mails; their text is read only for a column that shows it.
+QString QueryOf(const QString& where)
+{
+    return QStringLiteral("SELECT * FROM [Messages] ") + where + QStringLiteral(" ORDER BY [Sent] DESC");
+}
+
 void AddRow(ListViewObject& list, const QString& key, std::vector<HistoryColumn>& columns)
 {
     QStringList texts;
@@ -193,6 +200,14 @@ void AddRow(ListViewObject& list, const QString& key, std::vector<HistoryColumn>
     }
     list.AddListItem(key, texts, sortValues);
 }
+
+void AddRows(ListViewObject& list, dao::Recordset& rows, const clsCategory& folders)
+{
+    std::vector<HistoryColumn> columns = ColumnsOf(list, rows, folders);
+    const dao::Field& reference = rows[QStringLiteral("Reference")];
+    for (; !rows.AtEOF(); rows.MoveNext())
+        AddRow(list, QStringLiteral("m%1").arg(reference.Value().toInt()), columns);
+}
 } // namespace
 
 void MessageHistory::Fill(StationContext& station, const clsCategory& folders, const StationDetails& details,
@@ -206,15 +221,26 @@ void MessageHistory::Fill(StationContext& station, const clsCategory& folders, c
     PendingError pending;
     pending.Try([&] {
         const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), details.Country());
-        // A snapshot packs the rows without the mails; their text is read only for a column that shows it.
-        const auto rows = station.OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] ") + where +
-                                               QStringLiteral(" ORDER BY [Sent] DESC"));
-        std::vector<HistoryColumn> columns = ColumnsOf(*list, *rows, folders);
-        const dao::Field& reference = (*rows)[QStringLiteral("Reference")];
-        for (; !rows->AtEOF(); rows->MoveNext())
-            AddRow(*list, QStringLiteral("m%1").arg(reference.Value().toInt()), columns);
+        AddRows(*list, *station.OpenSnapshot(QueryOf(where)), folders);
     });
     station.LastError = pending;
     if (pending)
         WriteDebugLog(QStringLiteral("FillMessagesListView: ") + pending.Description());
+}
+
+void MessageHistory::FillAmong(cTolvaDatabase& station, ListViewObject& list, const QString& emailAddresses,
+                               const QString& phoneNumbers, const QList<qint32>& references)
+{
+    list.ClearItems();
+    if (references.isEmpty())
+        return;
+    QStringList numbers;
+    for (const qint32 reference : references)
+        numbers.append(QString::number(reference));
+    const QString among = QStringLiteral("[Reference] IN (%1)").arg(numbers.join(u','));
+    const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), station.StationCountry());
+    AddRows(list,
+            *station.OpenSnapshot(
+                QueryOf(where.isEmpty() ? QStringLiteral(" WHERE ") + among : where + QStringLiteral(" AND ") + among)),
+            station.MessageCategories());
 }

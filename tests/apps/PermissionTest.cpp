@@ -37,6 +37,10 @@ protected:
         if (*command != '-')
             all.append(Station());
         Prepare(process, all + words);
+        return RunAsNobody(process);
+    }
+    static Outcome RunAsNobody(QProcess& process)
+    {
         process.setChildProcessModifier([] {
             if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
                 ::_exit(99);
@@ -117,4 +121,44 @@ TEST_F(PermissionTest, ASettingThatCannotBeStoredIsNoSuccess)
     EXPECT_EQ(outcome.Code, 77) << outcome.Problems.constData();
     EXPECT_TRUE(outcome.Problems.contains("this account may not write " + File().toUtf8()))
         << outcome.Problems.constData();
+}
+
+TEST_F(PermissionTest, AFolderForTheSearchIndexThatMayNotBeWrittenIsSaid)
+{
+    OpenToEverybody();
+    const QString cache = Path(QStringLiteral("cache"));
+    ASSERT_TRUE(QDir().mkpath(cache));
+    ASSERT_TRUE(QFile::setPermissions(cache, QFile::permissions(cache) | Everybody));
+    Close(cache);
+    const Outcome outcome = Nobody("search", {QStringLiteral("card")});
+    EXPECT_EQ(outcome.Code, 73) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Problems.contains("this account may not write there")) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Output.isEmpty());
+    EXPECT_TRUE(QDir(cache).isEmpty());
+}
+
+TEST_F(PermissionTest, ASearchIndexIsReadByNobodyElse)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can act for another account";
+    Expect("index");
+    const QDir folder(Path(QStringLiteral("cache/Tolva/Search")));
+    const QStringList names = folder.entryList({QStringLiteral("*.index")}, QDir::Files);
+    ASSERT_EQ(names.size(), 1);
+    const QString file = folder.filePath(names.first());
+    const auto canRead = [&file] {
+        QProcess process;
+        process.setProgram(QStringLiteral("cat"));
+        process.setArguments({file});
+        return RunAsNobody(process).Code == 0;
+    };
+    for (const char* above : {"cache", "cache/Tolva"}) {
+        const QString name = Path(QLatin1String(above));
+        ASSERT_TRUE(QFile::setPermissions(name, QFile::permissions(name) | Everybody));
+    }
+    EXPECT_FALSE(canRead()) << "its folder is closed";
+    ASSERT_TRUE(QFile::setPermissions(folder.path(), QFile::permissions(folder.path()) | Everybody));
+    EXPECT_FALSE(canRead()) << "and so is the file itself";
+    ASSERT_TRUE(QFile::setPermissions(file, QFile::permissions(file) | Everybody));
+    EXPECT_TRUE(canRead()) << "or this would prove nothing";
 }

@@ -3,6 +3,7 @@
 // tolva search and tolva index.
 
 #include "CommandLineTest.h"
+#include "messages/search/IndexConnection.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,6 +50,32 @@ TEST_F(SearchTest, WhatIsFiledMovedAndErasedIsFollowed)
     EXPECT_EQ(Found({QStringLiteral("ferry"), QStringLiteral("in:saved")}), QList<int>{first.toInt()});
     EXPECT_EQ(OnStation("delete", {second, QStringLiteral("--permanently")}).Code, 0);
     EXPECT_EQ(Found({QStringLiteral("ferry")}), QList<int>{first.toInt()});
+}
+
+TEST_F(SearchTest, WhatOneProgramReadTheNextOneDoesNotReadAgain)
+{
+    for (int i = 0; i < 5; ++i)
+        FileMail(Mail("Hello", "ferry\r\n"));
+    const auto index = [this] {
+        QProcess process;
+        Prepare(process, {QStringLiteral("index"), Station()});
+        // As users start it: with numbers of its own for what Qt hashes.
+        QProcessEnvironment environment = process.processEnvironment();
+        environment.remove(QStringLiteral("QT_HASH_SEED"));
+        process.setProcessEnvironment(environment);
+        process.start();
+        ASSERT_TRUE(process.waitForFinished());
+        ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
+    };
+    const auto lastStored = [this] {
+        const QString name = Cache().filePath(Cache().entryList({QStringLiteral("*.index")}, QDir::Files).first());
+        return IndexConnection(name).Number("SELECT max(document) FROM messages");
+    };
+    index();
+    const qint64 before = lastStored();
+    FileMail(Mail("Hello", "ferry\r\n"));
+    index();
+    EXPECT_EQ(lastStored(), before + 1) << "the new one alone";
 }
 
 TEST_F(SearchTest, TheLimitIsSaidAndMustBeANumber)

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactDesk.h"
 
+#include "ContactHistory.h"
 #include "ContactSaving.h"
 #include "ContactsWindow.h"
 #include "Words.h"
 #include "contacts/SenderContact.h"
 #include "platform/widgets/Icons.h"
+#include "search/SearchService.h"
 #include "station/DeskStation.h"
 
 #include <QAction>
@@ -43,6 +45,8 @@ ContactsWindow& ContactDesk::OpenWindow()
 {
     if (!Contacts_) {
         Contacts_ = new ContactsWindow(Station_);
+        if (Search_)
+            Contacts_->History().SetSearch(*Search_);
         connect(Contacts_, &ContactsWindow::MessageWanted, this, &ContactDesk::MessageWanted);
         connect(Contacts_, &ContactsWindow::PrizeWanted, this, &ContactDesk::PrizeWanted);
         connect(Contacts_, &ContactsWindow::WinnerWanted, this, &ContactDesk::WinnerWanted);

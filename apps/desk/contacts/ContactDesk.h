@@ -11,6 +11,7 @@ class ContactsWindow;
 class DeskStation;
 class QAction;
 class QMainWindow;
+class SearchService;
 
 /// All that the desk's main window has to do with contacts: their window, and the way to it from a message or an
 /// address. Owned by the main window, whose station outlives it.
@@ -24,6 +25,9 @@ public:
     /// "Contacts...", and "Sender's contact..." for a menu of messages, which only asks.
     QAction* MakeContactsAction();
     QAction* MakeSenderAction();
+
+    /// The index that shows a contact's messages sooner.
+    void SetSearch(SearchService& search) { Search_ = &search; }
 
     /// Null while it is closed.
     ContactsWindow* Window() const;
@@ -50,4 +54,5 @@ private:
     DeskStation& Station_;
     QMainWindow& Main_;
     QPointer<ContactsWindow> Contacts_;
+    SearchService* Search_ = nullptr; ///< The main window's.
 };

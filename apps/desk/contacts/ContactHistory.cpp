@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactHistory.h"
 
+#include "HistoryRows.h"
 #include "common/GeneralHelper.h"
 #include "common/UserInterface.h"
 #include "contacts/SenderContact.h"
 #include "messages/AddressKey.h"
+#include "messages/MessageHistory.h"
 #include "platform/widgets/ListView.h"
 #include "prizes/PrizeRows.h"
+#include "search/SearchService.h"
 #include "station/DeskStation.h"
 
 #include <QHeaderView>
@@ -24,16 +27,9 @@ enum Tab
     tabPrizes = 1
 };
 
-constexpr int FromColumn = 1;
 constexpr double WideTwips = 3600;
 constexpr double MiddleTwips = 2400;
 constexpr double NarrowTwips = 1700;
-
-/// "|ann@example.org|bob@example.org|" as people write it.
-QString WithoutBars(const QString& key)
-{
-    return key.split(u'|', Qt::SkipEmptyParts).join(QStringLiteral(", "));
-}
 
 /// The addresses of a contact as the search takes them: only those that can match, since with none it finds everything.
 /// One with a bar in it would be taken for two, of which the second may be somebody else's.
@@ -56,6 +52,19 @@ QString NumbersOf(const clsKVContact& contact)
     numbers.removeIf([](const QString& number) { return GeneralHelper::PhoneNumberKey(number).isEmpty(); });
     return numbers.join(u'|');
 }
+
+/// By which the index knows the messages of these addresses and numbers, as far as it does: names and short numbers
+/// are words like any other there.
+QList<QByteArray> TermsOf(const QString& addresses, const QString& numbers)
+{
+    QList<QByteArray> terms;
+    for (const QString& address : addresses.split(u'|', Qt::SkipEmptyParts))
+        terms.append(SearchWords::AddressTerm(address));
+    for (const QString& number : numbers.split(u'|', Qt::SkipEmptyParts))
+        terms.append(SearchWords::NumberTerm(number));
+    terms.removeAll(QByteArray());
+    return terms;
+}
 } // namespace
 
 ContactHistory::ContactHistory(DeskStation& station, QWidget* parent)
@@ -64,7 +73,9 @@ ContactHistory::ContactHistory(DeskStation& station, QWidget* parent)
       Messages_(new ListView(this)),
       MessagesNote_(new QLabel(this)),
       Prizes_(new ListView(this)),
-      PrizesNote_(new QLabel(this))
+      PrizesNote_(new QLabel(this)),
+      Shown_(std::make_unique<HistoryRows>(*Messages_)),
+      Timer_(this)
 {
     setObjectName(QStringLiteral("contactTabs"));
     Messages_->setObjectName(QStringLiteral("contactMessages"));
@@ -83,6 +94,7 @@ ContactHistory::ContactHistory(DeskStation& station, QWidget* parent)
     PrizesNote_->setObjectName(QStringLiteral("contactPrizesNote"));
     addTab(MakePage(Messages_, MessagesNote_), tr("Me&ssages"));
     addTab(MakePage(Prizes_, PrizesNote_), tr("&Prizes"));
+    Timer_.setObjectName(QStringLiteral("contactHistoryWait"));
     Timer_.setSingleShot(true);
     Timer_.setInterval(WaitMilliseconds);
     connect(&Timer_, &QTimer::timeout, this, &ContactHistory::Fill);
@@ -96,6 +108,14 @@ ContactHistory::ContactHistory(DeskStation& station, QWidget* parent)
         else
             Q_EMIT PrizeWanted(reference);
     });
+}
+
+ContactHistory::~ContactHistory() = default;
+
+void ContactHistory::SetSearch(SearchService& search)
+{
+    Search_ = &search;
+    connect(&search, &SearchService::Found, this, &ContactHistory::TakeFound);
 }
 
 QWidget* ContactHistory::MakePage(ListView* list, QLabel* note)
@@ -126,6 +146,7 @@ void ContactHistory::ShowContact(const clsKVContactPtr& contact)
 void ContactHistory::Refresh()
 {
     Messages_->Clear();
+    *Shown_ = HistoryRows(*Messages_);
     Prizes_->Clear();
     MessagesNote_->clear();
     PrizesNote_->clear();
@@ -135,10 +156,52 @@ void ContactHistory::Refresh()
 
 void ContactHistory::Wait()
 {
-    if (Contact_ && !IsFilled_[currentIndex()])
-        Timer_.start();
-    else
+    Asked_ = 0;
+    if (!Contact_ || IsFilled_[currentIndex()]) {
         Timer_.stop();
+        return;
+    }
+    Timer_.start();
+    if (currentIndex() == tabMessages)
+        AskIndex();
+}
+
+void ContactHistory::AskIndex()
+{
+    if (!Search_ || !Search_->IsComplete())
+        return;
+    SearchQuestion question;
+    question.AnyOf = TermsOf(AddressesOf(*Contact_), NumbersOf(*Contact_));
+    if (question.AnyOf.isEmpty())
+        return;
+    SearchOptions options;
+    options.Most = MostSooner;
+    Asked_ = Search_->Search(SearchService::Asker::ContactHistory, question, options);
+}
+
+void ContactHistory::TakeFound(int search, const SearchResult& result)
+{
+    if (search != Asked_)
+        return;
+    Asked_ = 0;
+    QList<qint32> references;
+    for (const SearchHit& hit : result.Hits)
+        references.append(hit.Reference);
+    HistoryRows rows(*Messages_);
+    try {
+        MessageHistory::FillAmong(Station_.Database(), rows, AddressesOf(*Contact_), NumbersOf(*Contact_), references);
+    } catch (const dao::Error&) {
+        return; // the query says what is wrong
+    }
+    Show(rows);
+}
+
+void ContactHistory::Show(const HistoryRows& rows)
+{
+    if (rows == *Shown_)
+        return;
+    *Shown_ = rows;
+    rows.PutInto(*Messages_);
 }
 
 void ContactHistory::Fill()
@@ -146,6 +209,7 @@ void ContactHistory::Fill()
     const int tab = currentIndex();
     QLabel* note = tab == tabMessages ? MessagesNote_ : PrizesNote_;
     IsFilled_[tab] = true;
+    Asked_ = 0; // an answer that comes now is late
     const BusyPointer busy;
     try {
         note->setText(tab == tabMessages ? FillMessages() : FillPrizes());
@@ -160,12 +224,13 @@ QString ContactHistory::FillMessages()
     const QString numbers = NumbersOf(*Contact_);
     if (addresses.isEmpty() && numbers.isEmpty())
         return tr("There is no address and no number to look for.");
-    Messages_->setUpdatesEnabled(false);
-    Station_.Database().FillMessagesListView(Messages_, addresses, numbers);
-    for (const QString& key : Messages_->Keys())
-        Messages_->SetSubItem(key, FromColumn, WithoutBars(Messages_->SubItem(key, FromColumn)));
-    Messages_->setUpdatesEnabled(true);
-    const int count = Messages_->ItemCount();
+    HistoryRows rows(*Messages_);
+    Station_.Database().FillMessagesListView(&rows, addresses, numbers);
+    Show(rows);
+    const cTolvaDatabase& database = Station_.Database();
+    if (database.LastErrorNumber() != 0)
+        return Station_.Words(database.LastErrorNumber(), database.LastErrorDescription());
+    const int count = rows.Count();
     if (count == 0)
         return tr("No messages to or from this contact.");
     return count == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(count));

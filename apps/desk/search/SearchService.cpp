@@ -54,9 +54,10 @@ public:
         });
     }
 
-    void Find(int round, int search, const SearchQuestion& question, SearchOptions options)
+    void Find(int round, const std::atomic<int>& last, int search, const SearchQuestion& question,
+              SearchOptions options)
     {
-        const auto isWanted = [this, search] { return Service_.LastSearch_ == search; };
+        const auto isWanted = [&last, search] { return last == search; };
         // What is asked before the station could be looked at is asked again then.
         if (!isWanted() || File_.isEmpty())
             return;
@@ -64,8 +65,8 @@ public:
         Try(round, [&] {
             Require();
             const SearchResult result = Index_->Find(question, options);
-            Answer(round, [=](SearchService& service) {
-                if (service.LastSearch_ == search)
+            Answer(round, [search, result, &last](SearchService& service) {
+                if (last == search)
                     Q_EMIT service.Found(search, result);
             });
         });
@@ -130,7 +131,8 @@ SearchService::SearchService(DeskStation& station, QObject* parent) : QObject(pa
 
 SearchService::~SearchService()
 {
-    ++LastSearch_; // ends one that is under way
+    for (std::atomic<int>& last : LastSearches_)
+        last = 0; // ends one that is under way
     Thread_.quit();
     Thread_.wait();
 }
@@ -277,12 +279,14 @@ void SearchService::TakeFailure(const QString& words, bool mustBegin)
     StepTimer_.stop(); // at the next look, not at once: what hinders it may take a while
 }
 
-int SearchService::Search(const SearchQuestion& question, const SearchOptions& options)
+int SearchService::Search(Asker asker, const SearchQuestion& question, const SearchOptions& options)
 {
-    const int search = ++LastSearch_;
+    const int search = ++Searches_;
+    std::atomic<int>& last = LastSearches_[static_cast<std::size_t>(asker)];
+    last = search;
     if (Worker_) {
-        QMetaObject::invokeMethod(Worker_, [worker = Worker_, round = Round_, search, question, options] {
-            worker->Find(round, search, question, options);
+        QMetaObject::invokeMethod(Worker_, [worker = Worker_, round = Round_, &last, search, question, options] {
+            worker->Find(round, last, search, question, options);
         });
     }
     return search;

@@ -7,6 +7,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -30,8 +31,14 @@ public:
     void Start();
     /// The same where there is one already: what is erased must not stay in it until somebody searches.
     void StartIfThere();
-    /// Searches; the answer comes by Found, unless another search was asked for before. Its number.
-    int Search(const SearchQuestion& question, const SearchOptions& options);
+    /// Whoever asks again does not want to know any more what he asked before.
+    enum class Asker
+    {
+        SearchWindow,
+        ContactHistory
+    };
+    /// Searches; the answer comes by Found, unless the same one asks again before. Its number.
+    int Search(Asker asker, const SearchQuestion& question, const SearchOptions& options);
 
     /// Why there is no search, in words; empty where there is one.
     const QString& Problem() const { return Problem_; }
@@ -65,7 +72,9 @@ private:
     std::function<bool()> IsBusy_;
     QThread Thread_;
     Worker* Worker_ = nullptr; ///< On its thread; deleted there.
-    std::atomic<int> LastSearch_ = 0;
+    /// The last search of each asker; 0 for none.
+    std::array<std::atomic<int>, 2> LastSearches_{};
+    int Searches_ = 0;
     std::unique_ptr<SearchFollowing> Following_;
     int Opening_ = 0;
     int Round_ = 0; ///< Of the worker's file: answers of an earlier one are nobody's.

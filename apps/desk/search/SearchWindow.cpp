@@ -14,6 +14,7 @@
 #include "station/DeskStation.h"
 #include "window/NoticeBar.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -81,6 +82,7 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     Field_->installEventFilter(this);
     auto* completer = new QCompleter(new QStringListModel(this), this);
     completer->setCompletionMode(QCompleter::PopupCompletion);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
     Field_->setCompleter(completer);
     Count_->setObjectName(QStringLiteral("searchCount"));
     Related_->setObjectName(QStringLiteral("searchRelated"));
@@ -129,7 +131,12 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     connect(&TypingTimer_, &QTimer::timeout, this, &SearchWindow::Ask);
     connect(Field_, &QLineEdit::textChanged, this, [this] { TypingTimer_.start(); });
     connect(Field_, &QLineEdit::textEdited, this, &SearchWindow::Complete);
-    connect(Field_, &QLineEdit::returnPressed, this, &SearchWindow::OpenSelected);
+    connect(Field_, &QLineEdit::returnPressed, this, [this] {
+        const QAbstractItemView* offers = Field_->completer()->popup();
+        // The key takes what is offered, and opens nothing.
+        if (!offers->isVisible() || !offers->currentIndex().isValid())
+            OpenSelected();
+    });
     connect(List_, &QTreeView::activated, this, &SearchWindow::OpenSelected);
     connect(List_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &SearchWindow::TakeSelection);
     connect(Related_, &NoticeBar::ButtonClicked, this, [this] { SearchRelated({}, QString()); });
@@ -295,7 +302,7 @@ void SearchWindow::Ask()
         return;
     }
     IsWaiting_ = true;
-    AskedNumber_ = Service_.Search(Asked_, OptionsOf(Asked_));
+    AskedNumber_ = Service_.Search(SearchService::Asker::SearchWindow, Asked_, OptionsOf(Asked_));
 }
 
 void SearchWindow::TakeResult(int search, const SearchResult& result)
@@ -414,7 +421,7 @@ void SearchWindow::Complete()
     QStringList completions;
     if (Field_->cursorPosition() == text.size() && text.size() - begin >= LeastToComplete) {
         for (const QString& prefix : SearchPrefixes()) {
-            if (prefix.startsWith(text.mid(begin), Qt::CaseInsensitive))
+            if (prefix.startsWith(text.mid(begin), Qt::CaseInsensitive) && prefix.size() > text.size() - begin)
                 completions.append(text.left(begin) + prefix);
         }
     }

@@ -358,6 +358,7 @@ void MainWindow::ConnectSearch()
 {
     Search_ = new SearchDesk(*Station_, Settings_, *this);
     Search_->Service().SetBusy([this] { return List_->IsFilling() || MustReopen_; });
+    Contacts_->SetSearch(Search_->Service());
     connect(Search_, &SearchDesk::MessageWanted, this, &MainWindow::OpenFound);
     connect(Search_, &SearchDesk::WasRead, this, &MainWindow::MarkAsRead);
 }

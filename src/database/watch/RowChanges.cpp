@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "database/watch/RowChanges.h"
 
+#include "platform/StableHash.h"
 #include "platform/records/Recordset.h"
 
 #include <QHash>
 
 namespace
 {
-quint64 Mixed(quint64 hash, quint64 value)
-{
-    hash = (hash ^ value) * 0x9E3779B97F4A7C15ULL;
-    return hash ^ (hash >> 29);
-}
-
 /// The rows between those that are the same at both ends.
 struct Middle
 {
@@ -63,7 +58,7 @@ ReadRow LightColumns::Read() const
 {
     quint64 hash = 1;
     for (const dao::Field* field : Fields_)
-        hash = Mixed(hash, field->Hash());
+        hash = StableHash::Mixed(hash, field->Hash());
     return {Fields_.front()->Value().toInt(), hash == 0 ? 1 : hash};
 }
 

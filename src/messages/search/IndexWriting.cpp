@@ -257,6 +257,20 @@ void SearchIndex::Condense(qint64 shard)
         .Run();
 }
 
+void SearchIndex::CondenseAfter(qint64 stored)
+{
+    constexpr qint64 FewestStored = 512; // fewer are stored in one piece
+    const qint64 shard = Connection_->Number("SELECT coalesce(max(shard), 0) FROM shards");
+    const qint64 documents =
+        Connection_->Number("SELECT documents FROM shards WHERE shard = " + QByteArray::number(shard));
+    if (stored < FewestStored || stored * 2 < documents)
+        return;
+    IndexChange change(*Connection_);
+    Condense(shard);
+    change.Commit();
+    MustTidy_ = true; // what it took before is free now
+}
+
 qint64 SearchIndex::ProofOfWords(qint64 shard)
 {
     // But its first block, the sizes of all texts, which FTS5 writes at the commit and nobody asks for.
@@ -264,8 +278,8 @@ qint64 SearchIndex::ProofOfWords(qint64 shard)
     quint64 proof = 1;
     while (blocks.Step()) {
         const std::string_view block = blocks.Text(1);
-        proof = EntryBits::Mixed(proof, static_cast<quint64>(blocks.Integer(0)));
-        proof = EntryBits::Mixed(proof, EntryBits::HashOf(block));
+        proof = StableHash::Mixed(proof, static_cast<quint64>(blocks.Integer(0)));
+        proof = StableHash::Mixed(proof, StableHash::Of(block));
     }
     return static_cast<qint64>(proof);
 }

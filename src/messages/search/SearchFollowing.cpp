@@ -5,6 +5,7 @@
 #include "database/cTolvaDatabase.h"
 #include "database/watch/RowChanges.h"
 #include "platform/Ascii.h"
+#include "platform/StableHash.h"
 #include "platform/records/DBEngine.h"
 
 #include <QElapsedTimer>
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 using RowValues::NumberOr;
 
@@ -43,30 +45,51 @@ QStringList RowColumns()
     return ContentColumns() + QStringList{QStringLiteral("Flags"), QStringLiteral("Category")};
 }
 
-qint64 SecondsOf(const dao::Recordset& rows)
+/// Reads rows whose columns are looked up once for all of them.
+class StateReader
 {
-    constexpr double FirstDay = 25569; // 1 January 1970
-    constexpr double SecondsOfDay = 86400;
-    const double sent = rows.Collect(QStringLiteral("Sent")).toDouble();
-    const double day = sent > 0 ? sent : rows.Collect(QStringLiteral("Received")).toDouble();
-    return day > FirstDay ? qRound64((day - FirstDay) * SecondsOfDay) : 0;
-}
+public:
+    /// rows: outlives this.
+    explicit StateReader(const dao::Recordset& rows)
+        : Content_(rows, ContentColumns()),
+          Sent_(rows[QStringLiteral("Sent")]),
+          Received_(rows[QStringLiteral("Received")]),
+          Category_(rows[QStringLiteral("Category")]),
+          Type_(rows[QStringLiteral("MessageType")]),
+          Flags_(rows[QStringLiteral("Flags")])
+    {
+    }
 
-MessageState StateOf(const dao::Recordset& rows, const LightColumns& content)
-{
-    const auto number = [&rows](const char16_t* name, qint32 whenNull) {
-        return NumberOr(rows.Collect(QString::fromUtf16(name)), whenNull);
-    };
-    const ReadRow row = content.Read();
-    MessageState state;
-    state.Reference = row.Reference;
-    state.Content = row.Signature;
-    state.Seconds = SecondsOf(rows);
-    state.Category = number(u"Category", tmcInbox);
-    state.IsSMS = number(u"MessageType", emtEmail) == emtSMS;
-    state.IsUnread = (number(u"Flags", 0) & mfRead) == 0;
-    return state;
-}
+    MessageState Read() const
+    {
+        const ReadRow row = Content_.Read();
+        MessageState state;
+        state.Reference = row.Reference;
+        state.Content = row.Signature;
+        state.Seconds = Seconds();
+        state.Category = NumberOr(Category_.Value(), tmcInbox);
+        state.IsSMS = NumberOr(Type_.Value(), emtEmail) == emtSMS;
+        state.IsUnread = (NumberOr(Flags_.Value(), 0) & mfRead) == 0;
+        return state;
+    }
+
+private:
+    qint64 Seconds() const
+    {
+        constexpr double FirstDay = 25569; // 1 January 1970
+        constexpr double SecondsOfDay = 86400;
+        const double sent = Sent_.Value().toDouble();
+        const double day = sent > 0 ? sent : Received_.Value().toDouble();
+        return day > FirstDay ? qRound64((day - FirstDay) * SecondsOfDay) : 0;
+    }
+
+    LightColumns Content_;
+    const dao::Field& Sent_;
+    const dao::Field& Received_;
+    const dao::Field& Category_;
+    const dao::Field& Type_;
+    const dao::Field& Flags_;
+};
 
 QByteArray OctetsOf(const QByteArray& utf8)
 {
@@ -99,7 +122,8 @@ QString ConditionBetween(qint32 first, qint32 last)
 
 quint64 Mixed(quint64 number, const QByteArray& octets)
 {
-    return number ^ (qHashBits(octets.constData(), static_cast<std::size_t>(octets.size()), 1) | 1);
+    const std::string_view view(octets.constData(), static_cast<std::size_t>(octets.size()));
+    return StableHash::Mixed(number, StableHash::Of(view));
 }
 } // namespace
 
@@ -120,6 +144,7 @@ std::vector<qint32> SearchWork::DoIn(SearchIndex& index)
         break;
     }
     case Kind::Finish:
+        index.CondenseAfter(Stored);
         index.SetNote(Note);
         index.Tidy();
         index.CheckOneTable();
@@ -202,6 +227,7 @@ SearchWork SearchFollowing::Next(int milliseconds)
     } else {
         work.Kind = SearchWork::Kind::Finish;
         work.Note = Note_;
+        work.Stored = std::exchange(Stored_, 0);
         IsDone_ = true;
     }
     return work;
@@ -211,6 +237,7 @@ SearchWork SearchFollowing::StoreWork()
 {
     SearchWork work;
     work.Kind = SearchWork::Kind::Store;
+    Stored_ += static_cast<qint64>(Mails_.size());
     work.Mails = std::move(Mails_);
     Mails_.clear();
     MailOctets_ = 0;
@@ -226,11 +253,11 @@ std::vector<MessageState> SearchFollowing::ReadRows(qint32 first, qint32 last) c
 {
     const auto rows =
         Station_.OpenMessageRows(RowColumns(), ConditionBetween(first, last), QStringLiteral("[Reference]"));
-    const LightColumns content(*rows, ContentColumns());
+    const StateReader reader(*rows);
     std::vector<MessageState> states;
     bool hasDrafts = false;
     for (; !rows->AtEOF(); rows->MoveNext()) {
-        states.push_back(StateOf(*rows, content));
+        states.push_back(reader.Read());
         hasDrafts = hasDrafts || states.back().Category == tmcDrafts;
     }
     if (hasDrafts)
@@ -265,11 +292,11 @@ void SearchFollowing::ReadMails(int milliseconds)
     const auto rows = Station_.OpenMessageRows(RowColumns() + QStringList{MailColumn},
                                                QStringLiteral("[Reference] IN (%1)").arg(references.join(u',')),
                                                QStringLiteral("[Reference] DESC"));
-    const LightColumns content(*rows, ContentColumns());
+    const StateReader reader(*rows);
     qint32 read = Missing_.front() + 1;
     bool isWhole = true;
     for (; !rows->AtEOF(); rows->MoveNext()) {
-        MessageState state = StateOf(*rows, content);
+        MessageState state = reader.Read();
         const std::optional<QByteArray> mail = MailIfReadable((*rows)[MailColumn]);
         const QByteArray octets = mail.value_or(QByteArray());
         // It is stored without words, and counts as changed whenever the station is gone through again.

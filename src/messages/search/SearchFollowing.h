@@ -30,7 +30,7 @@ struct SearchWork
         End,     ///< SearchIndex::EndAt(Last).
         Compare, ///< SearchIndex::Compare.
         Store,   ///< SearchIndex::Store.
-        Finish   ///< All is compared and stored: Note is what the station was then.
+        Finish   ///< All is compared and stored: Note is what the station was then, Stored how many mails it took.
     };
 
     enum Kind Kind = Kind::None;
@@ -39,6 +39,7 @@ struct SearchWork
     std::vector<MessageState> Rows;
     std::vector<SearchedMail> Mails;
     QByteArray Note;
+    qint64 Stored = 0;
 
     /// Does it; the references of mails that are to be read, for SearchFollowing::Take. SearchFailure.
     std::vector<qint32> DoIn(SearchIndex& index);
@@ -85,6 +86,7 @@ private:
     qint32 Last_ = 0; ///< The highest reference when it was looked at.
     qint32 Next_ = 0; ///< The highest one that is not compared yet.
     qint64 Total_ = 0;
+    qint64 Stored_ = 0; ///< Handed out to be stored since it was last done.
     std::deque<qint32> Missing_;
     std::vector<SearchedMail> Mails_; ///< Read, but not handed out yet.
     qsizetype MailOctets_ = 0;

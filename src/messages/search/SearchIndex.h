@@ -70,6 +70,9 @@ public:
     void EndAt(qint32 last);
     /// Takes the words of messages in, in the place of those that it had of them.
     void Store(const std::vector<IndexedMessage>& messages);
+    /// So many messages were stored since it was last up to date: where they are most of the last table of words, that
+    /// is written anew, which takes a fifth less room and is quicker to search.
+    void CondenseAfter(qint64 stored);
     /// Reads the next of its full tables of words, in turn, and compares it with what was written: SearchFailure
     /// (Damaged) for one that a disk changed, of which SQLite itself sees little. Takes some milliseconds.
     void CheckOneTable();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/SnapshotRecordset.h"
 
+#include "platform/StableHash.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/Values.h"
 
@@ -127,7 +128,7 @@ quint64 SnapshotRecordset::HashOf(int ordinal) const
     case CellView::Kind::Real:
         return std::bit_cast<quint64>(cell.Real);
     case CellView::Kind::Text:
-        return qHashBits(cell.Text.data(), cell.Text.size(), 1);
+        return StableHash::Of(cell.Text); // the search index keeps it for other processes
     case CellView::Kind::Deferred:
         break;
     }

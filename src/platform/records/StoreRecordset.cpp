@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/StoreRecordset.h"
 
+#include "platform/StableHash.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/Values.h"
 
@@ -258,7 +259,7 @@ MemoBeginning StoreRecordset::BeginningOf(int ordinal, qsizetype mostOctets) con
 quint64 StoreRecordset::HashOf(int ordinal) const
 {
     const QVariant value = ValueOf(ordinal);
-    return value.isValid() ? qHash(value.toString(), 1) : 0;
+    return value.isValid() ? StableHash::Of(TextToUtf8(value.toString()).toStdString()) : 0;
 }
 
 void StoreRecordset::SetOctetsOf(int ordinal, const QByteArray& octets)

@@ -2,6 +2,8 @@
 
 // The messages to and from one contact, filled into a host's list.
 
+#include "messages/MessageHistory.h"
+
 #include "common/ClockHelper.h"
 #include "common/ListViewObject.h"
 #include "core/support/StationTest.h"
@@ -319,4 +321,31 @@ TEST_F(MessageHistoryTest, AClosedStationLeavesTheListAlone)
     closed.FillMessagesListView(&list, {}, {});
     EXPECT_EQ(list.Clears, 0);
     EXPECT_EQ(list.Items.size(), 1);
+}
+
+TEST_F(MessageHistoryTest, AmongSomeMessagesThoseOfTheContactAreShownAsAmongAll)
+{
+    const qint32 oldest = Save(QStringLiteral("oldest"), Ann, 1);
+    const qint32 newest = Save(QStringLiteral("newest"), QStringLiteral("studio@example.org"), 3, Ann);
+    Save(QStringLiteral("not among them"), Ann, 2);
+    const qint32 other = Save(QStringLiteral("other"), QStringLiteral("bob@example.org"), 4);
+    const qint32 text = Save(QStringLiteral("text"), QStringLiteral("+447700900123"), 5, {}, {}, emtSMS);
+    const QStringList keys{QStringLiteral("Subject"), QStringLiteral("FOLDER"), QStringLiteral("SENT")};
+    const auto among = [&](const QString& addresses, const QString& numbers, const QList<qint32>& references) {
+        RecordingList list(keys);
+        list.AddListItem(QStringLiteral("old"), {QStringLiteral("old")}, {});
+        MessageHistory::FillAmong(*Station, list, addresses, numbers, references);
+        return list;
+    };
+    const QString address = QStringLiteral("ann@example.com");
+    EXPECT_EQ(among(address, {}, {oldest, newest, other, text, 99999}).Column(0),
+              QStringList({QStringLiteral("newest"), QStringLiteral("oldest")}));
+    EXPECT_EQ(among(address, QStringLiteral("07700 900123"), {other, text}).Column(0),
+              QStringList(QStringLiteral("text")));
+    EXPECT_TRUE(among(address, {}, {}).Items.isEmpty());
+    RecordingList all(keys);
+    Station->FillMessagesListView(&all, QStringLiteral("bob@example.org"), {});
+    const RecordingList one = among(QStringLiteral("bob@example.org"), {}, {other});
+    for (int column = 0; column < keys.size(); ++column)
+        EXPECT_EQ(one.Column(column), all.Column(column));
 }

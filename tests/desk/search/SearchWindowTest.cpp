@@ -2,65 +2,21 @@
 
 // The desk's search over all folders.
 
-#include "search/SearchWindow.h"
-
 #include "LongestGap.h"
-#include "WindowTest.h"
+#include "SearchDeskTest.h"
 #include "messages/MessageWindow.h"
-#include "search/SearchDesk.h"
 #include "search/SearchService.h"
 #include "window/NoticeBar.h"
 
 #include <QAction>
-#include <QComboBox>
 #include <QDir>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QTextEdit>
-#include <QTreeView>
 
 namespace
 {
-class SearchWindowTest : public WindowTest
+class SearchWindowTest : public SearchDeskTest
 {
-protected:
-    SearchWindow& Window_() const { return Window->Search().Window(); }
-    template <typename Widget>
-    Widget& Part(const char* name) const
-    {
-        return *Window_().findChild<Widget*>(QLatin1String(name));
-    }
-    QLineEdit& Field() const { return Part<QLineEdit>("searchField"); }
-    QAbstractItemModel& Rows() const { return *Part<QTreeView>("searchList").model(); }
-    QString Cell(int row, int column) const { return Rows().index(row, column).data().toString(); }
-    QString Count() const { return Part<QLabel>("searchCount").text(); }
-
-    /// Opens the desk and its search, which has read everything.
-    void OpenSearch()
-    {
-        OpenWindow();
-        QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&Window_()));
-        ASSERT_TRUE(WaitUntil([this] { return Window->Search().Service().IsComplete(); }, 20'000));
-    }
-    void Type(const QString& text)
-    {
-        Field().setFocus();
-        Field().clear();
-        QTest::keyClicks(&Field(), text);
-        ASSERT_TRUE(WaitUntil([this] { return Window_().IsSettled(); }, 20'000));
-    }
-    void ChooseFilter(const char* name, const QString& begin)
-    {
-        auto& box = Part<QComboBox>(name);
-        for (int i = 0; i < box.count(); ++i) {
-            if (box.itemText(i).startsWith(begin))
-                box.setCurrentIndex(i);
-        }
-        ASSERT_TRUE(box.currentText().startsWith(begin)) << qPrintable(box.currentText());
-        ASSERT_TRUE(WaitUntil([this] { return Window_().IsSettled(); }, 20'000));
-    }
 };
 } // namespace
 
@@ -227,11 +183,28 @@ TEST_F(SearchWindowTest, WhatIsErasedLeavesAnIndexThatIsThereThoughNobodySearche
     EXPECT_TRUE(WaitUntil([&] { return !holds("xylophonist"); }, 20'000));
 }
 
-TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSo)
+TEST_F(SearchWindowTest, AnIndexThatSomebodyDeletesIsMadeAnewBesideTheDesk)
 {
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("ferry"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    ASSERT_TRUE(QDir(Path(QStringLiteral("cache/Tolva"))).removeRecursively());
+    OtherComputer("file", {Write(QStringLiteral("new.eml"), Mail("Two", "the ferry sails\r\n"))});
+    EXPECT_TRUE(WaitUntil([this] { return Rows().rowCount() == 2; }, 20'000));
+}
+
+TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSoAndRemovesTheOneThatIsThere)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    CloseWindow();
+    const QDir cache(Path(QStringLiteral("cache/Tolva/Search")));
+    ASSERT_FALSE(cache.entryList(QDir::Files).isEmpty());
     Machine.Set(QStringLiteral("SOFTWARE\\Kelvarin\\Utils\\Databases"), QStringLiteral("KeepSearchIndex"),
                 QStringLiteral("0"));
     OpenWindow();
     QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(WaitUntil([this] { return Part<NoticeBar>("searchProblem").Text().contains(u"KeepSearchIndex"); }));
+    EXPECT_TRUE(cache.entryList(QDir::Files).isEmpty());
 }

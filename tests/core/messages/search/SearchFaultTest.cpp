@@ -286,6 +286,34 @@ TEST_F(SearchFaultTest, ABodyOfAHundredMegabytesIsSearchedAsFarAsAnybodyReads)
     EXPECT_LT(time.elapsed(), 10'000);
 }
 
+TEST_F(SearchFaultTest, BodiesAndFilesAreSearchedAsFarAsThePagesSay)
+{
+    QByteArray body("beginning ");
+    while (body.size() < 4'500'000)
+        body += "the same words in line after line of it\r\n";
+    const SearchText text = ReadSearchText(Mail("Long", body + "behind"));
+    EXPECT_TRUE(text.Body.Contains("beginning"));
+    EXPECT_FALSE(text.Body.Contains("behind"));
+    cdo::Message mail(Mail("Files", "many"));
+    for (int i = 1; i <= 101; ++i)
+        mail.AddAttachment(u"number%1.bin"_qs.arg(i), "application/octet-stream", "x");
+    const SearchText files = ReadSearchText(mail.Octets());
+    EXPECT_TRUE(files.Body.Contains("number100"));
+    EXPECT_FALSE(files.Body.Contains("number101"));
+    EXPECT_TRUE(files.HasFiles);
+}
+
+TEST_F(SearchFaultTest, AnIndexThatWasDeletedOrTakenAnothersPlaceIsKnownByItsOpenConnection)
+{
+    MakeIndex(1);
+    Follow();
+    EXPECT_FALSE(Index->IsReplaced());
+    ASSERT_TRUE(SearchIndex::Remove(IndexFile()));
+    EXPECT_TRUE(Index->IsReplaced());
+    const SearchIndex other(IndexFile(), "another");
+    EXPECT_TRUE(Index->IsReplaced());
+}
+
 TEST_F(SearchFaultTest, AMillionWordsAndControlCharactersAreStoredWithinBounds)
 {
     OpenStation();

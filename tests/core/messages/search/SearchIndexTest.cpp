@@ -43,6 +43,21 @@ TEST_F(SearchIndexTest, PagesAreSearchedAsTheyAreShown)
         EXPECT_TRUE(Found(hidden).isEmpty()) << qPrintable(hidden);
 }
 
+TEST_F(SearchIndexTest, AccentsMakeNoDifferenceWhateverCharacterSetAMailCameIn)
+{
+    OpenStation();
+    const QByteArray head = "From: a@example.com\r\nMIME-Version: 1.0\r\n";
+    const QByteArray quoted = "\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n";
+    Save(head + "Subject: One\r\nContent-Type: text/plain; charset=iso-8859-1" + quoted + "un probl=E8me\r\n");
+    Save(head + "Subject: =?utf-8?Q?le_PROBL=C3=88ME?=\r\nContent-Type: text/plain\r\n\r\nx\r\n");
+    Save(head + "Subject: Three\r\nContent-Type: text/plain; charset=utf-8" + quoted + "un proble=CC=80me\r\n");
+    Save(head + "Subject: Four\r\nContent-Type: text/html; charset=utf-8\r\n\r\n<p>un probl&egrave;me</p>\r\n");
+    Save(Mail("Five", "no probleme"));
+    Follow();
+    for (const QString& typed : {u"probleme"_qs, u"PROBL\u00C8ME"_qs, u"probl\u00E8me"_qs, u"proble\u0300me"_qs})
+        EXPECT_EQ(Find(typed).Count, 5) << qPrintable(typed);
+}
+
 TEST_F(SearchIndexTest, AttachmentsAreFoundByNameAndTextsByTheirWords)
 {
     OpenStation();

@@ -41,6 +41,23 @@ TEST(SearchWords, CaseAndAccentsMakeNoDifferenceInEitherDirection)
     EXPECT_FALSE(Finds(u"problem"_qs, u"a pro blem"_qs));
 }
 
+TEST(SearchWords, AWordIsFoundInAnyFormOfItsAccentsByAnyOther)
+{
+    const QStringList forms{u"probleme"_qs,       u"PROBLEME"_qs,       u"probl\u00E8me"_qs,     u"PROBL\u00C8ME"_qs,
+                            u"proble\u0300me"_qs, u"PROBLE\u0300ME"_qs, u"pr\u00F3bl\u00EAme"_qs};
+    for (const QString& typed : forms) {
+        for (const QString& written : forms) {
+            const QString text = u"un "_qs + written + u" grave"_qs;
+            EXPECT_TRUE(Finds(typed, text)) << qPrintable(typed + u'/' + written);
+            EXPECT_TRUE(Finds(typed.left(typed.size() - 2), text, true)) << qPrintable(typed + u'/' + written);
+            const QList<Place> places = SearchWords::PlacesOf(text, SearchWords::Wanted(typed, false));
+            EXPECT_EQ(places, (QList<Place>{{3, written.size()}})) << "marked whole, with its accents";
+        }
+    }
+    EXPECT_TRUE(Finds(u"problem"_qs, u"un probl\u00E8me"_qs, true)) << "while it is typed";
+    EXPECT_FALSE(Finds(u"problem"_qs, u"un probl\u00E8me"_qs)) << "a letter more is another word";
+}
+
 TEST(SearchWords, ApostrophesDivideWordsWhicheverWayTheyAreWritten)
 {
     EXPECT_TRUE(Finds(u"don't"_qs, u"I don\u2019t know"_qs));
