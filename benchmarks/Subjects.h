@@ -24,6 +24,8 @@ void BenchFiling(const QString& folder, int megabytes);
 void BenchFilingOneMail(const QString& folder);
 /// folder: where the maildir of that many mails and the stations are made.
 void BenchFilingAMaildir(const QString& folder, int count);
+/// folder: where the stations that are made say that they are on a server. messages: of the one that is listed.
+void BenchServer(const QString& folder, int messages, int rounds);
 /// folder: of a station of that size, which is made.
 void BenchBackup(const QString& folder, int megabytes);
 /// The other process of BenchBackup: stores messages until its input ends and prints the longest wait.

@@ -68,6 +68,7 @@ int main(int argc, char** argv)
         {"templates", [&] { BenchTemplates(quick ? 1000 : 10000); }},
         {"saving", [&] { BenchSaving(in("saving"), quick ? 3 : 9); }},
         {"station", [&] { BenchStationOf(in("large"), large, in("small")); }},
+        {"server", [&] { BenchServer(in("server"), large, quick ? 3 : 9); }},
         {"backup", [&] { BenchBackup(in("backup"), quick ? 100 : 1024); }},
     };
     const qsizetype only = arguments.indexOf(QStringLiteral("--only"));
