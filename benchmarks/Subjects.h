@@ -31,6 +31,8 @@ double MakeMaildir(const QString& folder, int count);
 void BenchJet(const QString& folder, int large, int filed);
 /// The list of messages over both.
 void BenchJetListing(const QString& folder, int large);
+/// folder: where the stations that are made say that they are on a server. messages: of the one that is listed.
+void BenchServer(const QString& folder, int messages, int rounds);
 /// folder: of a station of that size, which is made.
 void BenchBackup(const QString& folder, int megabytes);
 /// The other process of BenchBackup: stores messages until its input ends and prints the longest wait.

@@ -69,6 +69,7 @@ int main(int argc, char** argv)
         {"saving", [&] { BenchSaving(in("saving"), quick ? 3 : 9); }},
         {"station", [&] { BenchStationOf(in("large"), large, in("small")); }},
         {"jet", [&] { BenchJet(in("jet"), large, quick ? 2000 : 20000); }},
+        {"server", [&] { BenchServer(in("server"), large, quick ? 3 : 9); }},
         {"backup", [&] { BenchBackup(in("backup"), quick ? 100 : 1024); }},
     };
     const qsizetype only = arguments.indexOf(QStringLiteral("--only"));

@@ -17,6 +17,7 @@
 #include "platform/files/FileSystem.h"
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileConversion.h"
+#include "platform/records/FileTools.h"
 
 #include <QScopeGuard>
 
@@ -136,9 +137,62 @@ StationReplacing::Result StationReplacing::Restore(const QString& folder, const 
     return result;
 }
 
+namespace
+{
+/// then: behind the copying, when nobody else can change the database any more, and in front of the exchange.
+void MoveFileFromServer(const QString& file, const QString& engine, const QString& words,
+                        const std::function<void()>& then, StationReplacing::Result& result)
+{
+    Leftovers::Remove(file);
+    const dao::TemporaryFile copy(file);
+    copy.Vacate();
+    const auto progress = UserInterface::Current().Progress(words);
+    result.Left.append(dao::MoveOutOfLinked(
+        file, copy.Name(), engine, [&](qint64 done, qint64 total) { return progress->Advance(done, total); },
+        [&] {
+            then();
+            result.KeepName = DAO_DatabaseFunctions::FreeKeepName(file);
+            FileExchange::OverLink(file, copy.Name(), result.KeepName);
+        }));
+}
+
+StationReplacing::Result MoveFromServer(const QString& folder, const QString& engine)
+{
+    const QString file = StationPlace::FileIn(folder);
+    const QString directory = StationPlace::DirectoryFileIn(folder);
+    StationReplacing::Result result;
+    result.Before = StationReplacing::CountsOf(file);
+    result.SizeBefore = FileHelper::FileSize(file);
+    const auto moveStation = [&] {
+        if (dao::DBEngine::IsLinked(file))
+            MoveFileFromServer(
+                file, engine, QStringLiteral("Moving the station"), [] {}, result);
+    };
+    try {
+        const QString usual;
+        if (dao::DBEngine::IsLinked(directory))
+            MoveFileFromServer(directory, usual, QStringLiteral("Moving the directory"), moveStation, result);
+        else
+            moveStation();
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errCancelled)
+            throw Failure(exitInterrupted, error.Description());
+        throw StationOpening::FailureOf(folder, error.Number(), error.Description());
+    }
+    result.After = CountsAfter(
+        file, QStringLiteral("The station cannot be read in its file. What said where it was is kept as %1."),
+        result.KeepName);
+    result.SizeAfter = FileHelper::FileSize(file);
+    result.KeepName = KeptName(result.KeepName);
+    return result;
+}
+} // namespace
+
 StationReplacing::Result StationReplacing::Convert(const QString& folder, const QString& engine)
 {
     const QString file = StationPlace::FileIn(folder);
+    if (dao::DBEngine::IsLinked(file) || dao::DBEngine::IsLinked(StationPlace::DirectoryFileIn(folder)))
+        return MoveFromServer(folder, engine);
     Leftovers::Remove(file);
     const QString converted = GetTempFile(FileHelper::FolderOf(file), QStringLiteral("MDB"));
     if (converted.isEmpty())
@@ -171,22 +225,29 @@ namespace
 /// The name of the old file; empty when it was on a server before.
 QString MoveFileToServer(const QString& file, const QString& connect, const QString& part, const QString& words)
 {
-    if (dao::DBEngine::IsLinked(file))
+    if (dao::DBEngine::IsLinked(file)) {
+        dao::FinishMoveIntoLinked(file);
         return {};
+    }
     Leftovers::Remove(file);
-    const QString link = GetTempFile(FileHelper::FolderOf(file), QStringLiteral("MDB"));
-    FileSystem::Current().Remove(link);
+    const dao::TemporaryFile working(file);
+    working.Vacate();
+    const QString& link = working.Name();
     LinkedDatabases linked;
     linked.Create(link, connect, part);
     const FileStamp stamp = FileStamp::Settled(file);
     const auto progress = UserInterface::Current().Progress(words);
-    dao::ConvertIntoLinked(file, link, [&](qint64 done, qint64 total) { return progress->Advance(done, total); });
-    const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
-    FileExchange::ByRename(file, link, keepName, [&] {
-        if (FileStamp::Of(file) != stamp)
-            throw dao::Error(dao::errLocked, QStringLiteral("It was changed meanwhile."));
-    });
-    linked.Keep();
+    QString keepName;
+    dao::MoveIntoLinked(
+        file, link, [&](qint64 done, qint64 total) { return progress->Advance(done, total); },
+        [&] {
+            keepName = DAO_DatabaseFunctions::FreeKeepName(file);
+            FileExchange::ByRename(file, link, keepName, [&] {
+                if (FileStamp::Of(file) != stamp)
+                    throw dao::Error(dao::errLocked, QStringLiteral("It was changed meanwhile."));
+            });
+            linked.Keep();
+        });
     return keepName;
 }
 } // namespace

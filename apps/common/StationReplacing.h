@@ -17,6 +17,7 @@ struct Result
     qint64 SizeBefore = 0;
     qint64 SizeAfter = 0;
     QString KeepName; ///< The old file's whole name now; empty when there was none.
+    QStringList Left; ///< What stays on a server, closed: where it is, in words.
 
     QString AfterWords() const;
 };
@@ -30,7 +31,8 @@ Result Restore(const QString& folder, const BackupFolders::Backup& backup);
 /// Writes the station's file anew and makes sure that it holds what it held. Failure as above.
 Result Compact(const QString& folder);
 /// Writes the station's file in the format of the engine of that name and makes sure that it holds what it held, value
-/// by value. Failure as above.
+/// by value. A station on a server is moved from there, and its directory with it, all or nothing; what an attempt that
+/// was cut off has moved already stays. Failure as above.
 Result Convert(const QString& folder, const QString& engine);
 /// Moves the station and its directory to the server, with everything compared value by value before the files that
 /// say where they are take the names of the old ones, which are kept. What an attempt before has moved already stays.

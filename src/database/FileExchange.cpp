@@ -120,6 +120,11 @@ void FileExchange::ByRename(const QString& file, const QString& replacement, con
     const dao::FileLockout lockout(file);
     if (check)
         check();
+    OverLink(file, replacement, keepName);
+}
+
+void FileExchange::OverLink(const QString& file, const QString& replacement, const QString& keepName)
+{
     const bool hasOld = FileHelper::FileExists(file);
     if (hasOld) {
         GiveAccess(file, replacement);

@@ -42,4 +42,7 @@ QString InPlace(const Plan& plan);
 void ByRename(const QString& file, const QString& replacement, const QString& keepName,
               const std::function<void()>& check = {});
 
+/// The same for a file that stands for a database on a server, which was moved into the replacement.
+void OverLink(const QString& file, const QString& replacement, const QString& keepName);
+
 } // namespace FileExchange

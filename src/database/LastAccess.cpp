@@ -16,8 +16,6 @@ void NoteLastAccess(StationContext& station)
     PendingError ignored;
     ignored.Try([&] {
         const auto recordset = station.OpenedDatabase().OpenRecordset(QStringLiteral("Description"), dao::dbOpenTable);
-        if (!recordset->AtEOF())
-            recordset->MoveFirst();
         const QString now = ClockHelper::CurrentTime().GeneralDate();
         const QString software = QStringLiteral("Tolva - %1.%2.%3")
                                      .arg(TOLVA_VERSION_MAJOR)

@@ -2,56 +2,14 @@
 
 // A station on a server: the folder holds a file that says where, and everything else goes on as with a file.
 
-#include "CommandLineTest.h"
+#include "ServerStation.h"
+
 #include "platform/records/DBEngine.h"
-#include "support/TestServer.h"
 
 #include <QRegularExpression>
 
 namespace
 {
-
-class ServerStationTest : public CommandLineTest
-{
-protected:
-    ServerStationTest()
-        : Schema_(TestServer::Shared().NewSchema()),
-          Directory_(Schema_.Name + QStringLiteral("_directory")),
-          RemovedDirectory_(nullptr, [this](void*) {
-              TestServer::Shared().Execute(QStringLiteral("DROP SCHEMA IF EXISTS %1 CASCADE").arg(Directory_));
-          })
-    {
-    }
-
-    QString Connect(const QString& user = QStringLiteral("tolva")) const
-    {
-        return TestServer::Shared().Connect(Schema_.Name, user);
-    }
-    Outcome Init(const QString& folder, const QString& connect) const
-    {
-        return Run({QStringLiteral("init"), folder, QStringLiteral("--name"), QStringLiteral("Harbour FM"),
-                    QStringLiteral("--phone"), QStringLiteral("01632 960100"), QStringLiteral("--connect"), connect});
-    }
-    /// The station is on the server.
-    void SetUp() override
-    {
-        const Outcome made = Init(Station(), Connect());
-        ASSERT_EQ(made.Code, 0) << made.Problems.constData();
-    }
-    /// The folder of another computer.
-    QString Joined() const
-    {
-        const QString folder = Path(QStringLiteral("joined"));
-        const Outcome joined = Run({QStringLiteral("init"), folder, QStringLiteral("--connect"), Connect()});
-        EXPECT_EQ(joined.Code, 0) << joined.Problems.constData();
-        return folder;
-    }
-    QString File() const { return Station() + QStringLiteral("/Tolva.mdb"); }
-
-    TestServer::Schema Schema_;
-    QString Directory_;
-    std::shared_ptr<void> RemovedDirectory_;
-};
 
 TEST_F(ServerStationTest, IsWorkedWithAsAnyOther)
 {
@@ -121,62 +79,6 @@ TEST_F(ServerStationTest, IsBackInAFileWithTheCopyOfABackup)
     EXPECT_EQ(Messages().size(), 2);
 }
 
-/// A station in files, which moves.
-class MovingStationTest : public ServerStationTest
-{
-protected:
-    void SetUp() override { CommandLineTest::SetUp(); }
-    Outcome Move() const
-    {
-        return OnStation("convert", {QStringLiteral("--to"), QStringLiteral("server"), QStringLiteral("--connect"),
-                                     Connect(), QStringLiteral("--yes")});
-    }
-};
-
-TEST_F(MovingStationTest, HoldsOnTheServerWhatItHeldInItsFiles)
-{
-    FileMail(Mail("First of them", "Hello from the harbour.\r\n"));
-    const QString second = FileMail(Mail("Second of them", QByteArray("A long \xe9 letter.\r\n").repeated(5000)));
-    Expect("contacts", {QStringLiteral("add"), QStringLiteral("Loveday Tregenza")});
-    AddUser(QStringLiteral("Morwenna"), 1);
-    const QByteArray list = Expect("list");
-    const QByteArray mail = Expect("show", {second, QStringLiteral("--raw")});
-    const QByteArray contacts = Expect("contacts");
-    const QByteArray users = Expect("users");
-    const Outcome moved = Move();
-    EXPECT_EQ(moved.Code, 0) << moved.Problems.constData();
-    EXPECT_TRUE(moved.Output.contains("after: 2 messages")) << moved.Output.constData();
-    EXPECT_TRUE(Read(File()).startsWith("Tolva station on a server"));
-    EXPECT_TRUE(Read(Station() + QStringLiteral("/Directory/Directory.mdb")).startsWith("Tolva station on a server"));
-    EXPECT_TRUE(QFile::exists(Station() + QStringLiteral("/Tolva-0001.BAK")));
-    EXPECT_EQ(Expect("list"), list);
-    EXPECT_EQ(Expect("show", {second, QStringLiteral("--raw")}), mail);
-    EXPECT_EQ(Expect("contacts"), contacts);
-    EXPECT_EQ(Expect("users"), users);
-    EXPECT_GT(FileMail(Mail("After the move")).toInt(), second.toInt());
-}
-
-TEST_F(MovingStationTest, StaysInItsFilesWhereTheServerRefuses)
-{
-    FileMail(Mail("Kept"));
-    const QByteArray list = Expect("list");
-    const QByteArray before = Read(File());
-    const QString reader = Schema_.Name + QStringLiteral("_reader");
-    TestServer::Shared().Execute(QStringLiteral("CREATE ROLE %1 LOGIN").arg(reader));
-    const Outcome refused =
-        OnStation("convert", {QStringLiteral("--to"), QStringLiteral("server"), QStringLiteral("--connect"),
-                              Connect(reader), QStringLiteral("--yes")});
-    EXPECT_EQ(refused.Code, 69) << refused.Problems.constData();
-    EXPECT_TRUE(refused.Problems.contains("right is missing")) << refused.Problems.constData();
-    EXPECT_EQ(Read(File()), before);
-    EXPECT_EQ(Expect("list"), list);
-    TestServer::Shared().Execute(QStringLiteral("DROP ROLE %1").arg(reader));
-    EXPECT_EQ(Move().Code, 0);
-    EXPECT_EQ(Expect("list"), list);
-    EXPECT_EQ(Move().Code, 0);
-    EXPECT_EQ(Expect("list"), list) << "a second move changes nothing";
-}
-
 TEST_F(ServerStationTest, WritesNoPasswordAnywhereAndTakesNone)
 {
     const Outcome refused = Init(Path(QStringLiteral("other")), Connect() + QStringLiteral(" password=seCret"));
@@ -194,6 +96,31 @@ TEST_F(ServerStationTest, SaysInWordsThatItsServerIsNotToBeReached)
     EXPECT_EQ(outcome.Code, 69) << outcome.Problems.constData();
     EXPECT_TRUE(outcome.Problems.contains("cannot be reached")) << outcome.Problems.constData();
     EXPECT_TRUE(outcome.Problems.contains("'/nowhere'")) << outcome.Problems.constData();
+}
+
+TEST_F(ServerStationTest, SaysWhichPackageIsMissingWhereTheServersLibraryIsNot)
+{
+    // The loader meets this one first, and can make nothing of it.
+    Write(QStringLiteral("libraries/libpq.so.5"), "no library");
+    const auto runWithout = [&](const QString& folder) {
+        QProcess process;
+        Prepare(process, {QStringLiteral("list"), folder});
+        QProcessEnvironment environment = process.processEnvironment();
+        environment.insert(QStringLiteral("LD_LIBRARY_PATH"), Path(QStringLiteral("libraries")));
+        process.setProcessEnvironment(environment);
+        process.start();
+        EXPECT_TRUE(process.waitForFinished());
+        return Outcome{process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    };
+    const Outcome outcome = runWithout(Station());
+    EXPECT_EQ(outcome.Code, 69) << outcome.Problems.constData();
+    EXPECT_TRUE(outcome.Problems.contains("apt-get install libpq5")) << outcome.Problems.constData();
+    const QString inFiles = Path(QStringLiteral("files"));
+    ASSERT_EQ(Run({QStringLiteral("init"), inFiles, QStringLiteral("--name"), QStringLiteral("x"),
+                   QStringLiteral("--phone"), QStringLiteral("1")})
+                  .Code,
+              0);
+    EXPECT_EQ(runWithout(inFiles).Code, 0) << "a station in files needs no such library";
 }
 
 TEST_F(ServerStationTest, LeavesNothingOnTheServerWhereItCannotBeMade)

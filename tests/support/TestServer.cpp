@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <libpq-fe.h>
+#include <netinet/in.h>
 #include <stdexcept>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -65,6 +66,11 @@ TestServer::TestServer(const QStringList& settings) : TestServer(NewFolder(), Se
 TestServer::TestServer(const QString& folder, int secondsOfIdleness, const QStringList& settings)
     : Folder_(folder), Seconds_(secondsOfIdleness), Settings_(settings)
 {
+    const QString port = QStringLiteral("port=");
+    for (const QString& setting : settings) {
+        if (setting.startsWith(port))
+            Port_ = setting.mid(port.size()).toInt();
+    }
     Lock();
     Start();
 }
@@ -114,6 +120,35 @@ void TestServer::Start()
         throw std::runtime_error("the server of the tests does not start: see " + Folder_.toStdString());
 }
 
+int TestServer::FreePort()
+{
+    const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    const bool isBound = bind(probe, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
+                         getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size) == 0;
+    close(probe);
+    if (!isBound)
+        throw std::runtime_error("no port for a server");
+    return ntohs(address.sin_port);
+}
+
+void TestServer::GiveFile(const QString& name, const QByteArray& content)
+{
+    const QByteArray path = (Folder_ + QStringLiteral("/data/") + name).toLocal8Bit();
+    struct stat folder = {};
+    QFile file(QString::fromLocal8Bit(path));
+    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                           file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+                           file.write(content) == content.size() && file.flush() &&
+                           stat((Folder_ + QStringLiteral("/data")).toLocal8Bit().constData(), &folder) == 0 &&
+                           chown(path.constData(), folder.st_uid, folder.st_gid) == 0;
+    if (!isWritten)
+        throw std::runtime_error("a file cannot be given to the server");
+}
+
 void TestServer::Stop()
 {
     QFile file(Folder_ + QStringLiteral("/data/postmaster.pid"));
@@ -125,7 +160,9 @@ void TestServer::Stop()
 
 QString TestServer::Connect(const QString& schema, const QString& user, const QString& database) const
 {
-    return QStringLiteral("host=%1 user=%2 dbname=%3 schema=%4").arg(Folder_, user, database, schema);
+    const QString words = QStringLiteral("host=%1 user=%2 dbname=%3").arg(Folder_, user, database);
+    return words + (Port_ == 0 ? QString() : QStringLiteral(" port=%1").arg(Port_)) +
+           QStringLiteral(" schema=%1").arg(schema);
 }
 
 TestServer::Schema TestServer::NewSchema()

@@ -35,6 +35,10 @@ public:
     /// Statements of the server's keeper; raises std::runtime_error. The first value of the answer, empty for none.
     QString Execute(const QString& statements, const QString& database = QStringLiteral("postgres")) const;
     const QString& Folder() const { return Folder_; }
+    /// For one that answers over the network as well: "listen_addresses=127.0.0.1", and "port=" with this.
+    static int FreePort();
+    /// A file in the folder of its data, which it alone may read.
+    void GiveFile(const QString& name, const QByteArray& content);
     /// Stops it at once, as a crash would.
     void Stop();
     void Start();
@@ -47,5 +51,6 @@ private:
     QString Folder_;
     int Seconds_;
     QStringList Settings_;
+    int Port_ = 0;   ///< 0 for the usual one.
     int Users_ = -1; ///< The file whose lock keeps the server.
 };

@@ -14,6 +14,8 @@
 #include "common/FileHelper.h"
 #include "database/BackupFolders.h"
 
+#include <QJsonArray>
+
 #include <functional>
 
 namespace
@@ -85,6 +87,8 @@ void PrintResult(const Arguments& arguments, QJsonObject result, const StationRe
         result.insert(QStringLiteral("before"), jsonOf(done.Before));
         result.insert(QStringLiteral("after"), jsonOf(done.After));
         result.insert(QStringLiteral("kept"), isKept ? QJsonValue(done.KeepName) : QJsonValue());
+        if (!done.Left.isEmpty())
+            result.insert(QStringLiteral("left"), QJsonArray::fromStringList(done.Left));
         Terminal::PrintJson(result);
         return;
     }
@@ -93,6 +97,8 @@ void PrintResult(const Arguments& arguments, QJsonObject result, const StationRe
     Terminal::PrintLine(QStringLiteral("after: %1").arg(done.AfterWords()));
     if (isKept)
         Terminal::PrintLine(QStringLiteral("The old file is kept as %1").arg(done.KeepName));
+    for (const QString& place : done.Left)
+        Terminal::PrintLine(QStringLiteral("Left on the server, closed: %1").arg(place));
 }
 
 int Restore(const Arguments& arguments)
@@ -212,7 +218,9 @@ CommandDefinition ConvertCommand()
             "Stations of older software lie in files of office programs (Jet 4), which hold 2 GB and have no "
             "check of\neach mail.\n"
             "Every value of the new file is compared with the old one before it takes the name.\n"
-            "\"--to server\" moves the station and its directory to a PostgreSQL server in the same way.\n") +
+            "\"--to server\" moves the station and its directory to a PostgreSQL server in the same way, and\nany "
+            "other "
+            "FORMAT moves them back from there. What was on the server is left there, closed, and named.\n") +
             NotAskedText,
         {{ToOption, QStringLiteral("FORMAT"),
           QStringLiteral("sqlite, the usual one (also without this option), jet, or server.")},

@@ -135,12 +135,24 @@ Digest CopyTable(Store& source, const TablePtr& from, Store& target, Portions& p
     return digest;
 }
 
+qint64 RowsOf(Store& store, const engine::Schema& schema)
+{
+    qint64 rows = 0;
+    for (const TablePtr& table : schema.Tables)
+        rows += store.CountRows(table);
+    return rows;
+}
+
+Digest DigestOf(Store& store, const TablePtr& table, Progress& progress)
+{
+    Digest digest{};
+    ForEachRow(store, table, progress, [&](const std::vector<StoredValue>& values) { AddTo(digest, values); });
+    return digest;
+}
+
 void RequireSame(Store& target, const TablePtr& from, const Digest& wanted, Progress& progress)
 {
-    const TablePtr to = target.CurrentSchema()->Find(from->Name);
-    Digest digest{};
-    ForEachRow(target, to, progress, [&](const std::vector<StoredValue>& values) { AddTo(digest, values); });
-    if (digest != wanted)
+    if (DigestOf(target, target.CurrentSchema()->Find(from->Name), progress) != wanted)
         throw Error(errFileDamaged,
                     QStringLiteral("The table '%1' reads otherwise once it is converted.").arg(from->Name));
 }
@@ -150,10 +162,7 @@ void RequireSame(Store& target, const TablePtr& from, const Digest& wanted, Prog
 void CopyStore(Store& source, Store& target, const std::function<bool(qint64, qint64)>& advance)
 {
     const engine::SchemaPtr schema = source.CurrentSchema();
-    qint64 rows = 0;
-    for (const TablePtr& table : schema->Tables)
-        rows += source.CountRows(table);
-    Progress progress(advance, 2 * rows);
+    Progress progress(advance, 2 * RowsOf(source, *schema));
     std::vector<Digest> digests;
     Portions portions(target);
     for (const TablePtr& table : schema->Tables)
@@ -172,12 +181,8 @@ void ConvertDatabase(const QString& source, const QString& target, const QString
     engine::Engine& to = engine::EngineRegistry::Instance().ForNewFiles(engine);
     if (&from == &to)
         throw Error(errNotSupported, QStringLiteral("'%1' has that format already.").arg(source));
-    if (from.Capabilities().IsServer) {
-        throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server. To move it back into a "
-                                                    "file, make a backup, and put its copy in the place of that file "
-                                                    "when nobody works in the station.")
-                                         .arg(source));
-    }
+    if (from.Capabilities().IsServer)
+        throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server.").arg(source));
     RequireFolder(target);
     const QString file = QFileInfo(target).absoluteFilePath();
     const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
@@ -200,14 +205,40 @@ bool HasFormat(const QString& file, const QString& engine)
     return &EngineOfFile(file) == &engine::EngineRegistry::Instance().ForNewFiles(engine);
 }
 
-void ConvertIntoLinked(const QString& source, const QString& linkFile,
-                       const std::function<bool(qint64 done, qint64 total)>& advance)
+void MoveIntoLinked(const QString& source, const QString& linkFile,
+                    const std::function<bool(qint64 done, qint64 total)>& advance, const std::function<void()>& put)
 {
     engine::Engine& from = EngineOfFile(source);
     if (from.Capabilities().IsServer)
         throw Error(errNotSupported, QStringLiteral("'%1' says that its station is on a server already.").arg(source));
     const auto store = from.Open(QFileInfo(source).absoluteFilePath(), QString(), true);
-    CopyStore(*store, *EngineOfFile(linkFile).Open(QFileInfo(linkFile).absoluteFilePath(), QString(), false), advance);
+    EngineOfFile(linkFile).MoveIn(
+        QFileInfo(linkFile).absoluteFilePath(), [&](Store& target) { CopyStore(*store, target, advance); }, put);
+}
+
+void FinishMoveIntoLinked(const QString& linkFile)
+{
+    EngineOfFile(linkFile).FinishMoveIn(QFileInfo(linkFile).absoluteFilePath());
+}
+
+QString MoveOutOfLinked(const QString& linkFile, const QString& target, const QString& engine,
+                        const std::function<bool(qint64 done, qint64 total)>& advance, const std::function<void()>& put)
+{
+    engine::Engine& from = EngineOfFile(linkFile);
+    engine::Engine& to = engine::EngineRegistry::Instance().ForNewFiles(engine);
+    RequireFolder(target);
+    const QString file = QFileInfo(target).absoluteFilePath();
+    const auto copy = [&](Store& store) {
+        FileSystem::Current().Remove(file); // of an attempt before, in which the connection broke
+        to.Create(file);
+        CopyStore(store, *to.Open(file, QString(), false), advance);
+    };
+    try {
+        return from.MoveOut(QFileInfo(linkFile).absoluteFilePath(), copy, put);
+    } catch (...) {
+        FileSystem::Current().Remove(file);
+        throw;
+    }
 }
 
 } // namespace dao

@@ -20,7 +20,7 @@ class Store;
 /// are done, and stops it by answering false (32755).
 ///
 /// Errors: those of opening; 3265 when no engine of that name makes files, 3251 when the file is of that engine
-/// already, lies on a server, or holds what the other one cannot; 3428 for a memo that is damaged; 3260 when it is
+/// already, or holds what the other one cannot; 3428 for a memo that is damaged; 3260 when it is
 /// changed meanwhile. They leave no target.
 TOLVA_EXPORT void ConvertDatabase(const QString& source, const QString& target, const QString& engine,
                                   const std::function<bool(qint64 done, qint64 total)>& advance);
@@ -33,10 +33,21 @@ TOLVA_EXPORT QString FormatOf(const QString& file);
 /// name makes files.
 TOLVA_EXPORT bool HasFormat(const QString& file, const QString& engine);
 
-/// The same into a database on a server that a file stands for (DBEngine::CreateLinkedDatabase), which holds nothing
-/// yet.
-TOLVA_EXPORT void ConvertIntoLinked(const QString& source, const QString& linkFile,
-                                    const std::function<bool(qint64 done, qint64 total)>& advance);
+/// The same into a database on a server that a file stands for (DBEngine::CreateLinkedDatabase) and that holds nothing
+/// yet, in one transaction. Then put puts that file in the place of source; nobody can open the database before.
+TOLVA_EXPORT void MoveIntoLinked(const QString& source, const QString& linkFile,
+                                 const std::function<bool(qint64 done, qint64 total)>& advance,
+                                 const std::function<void()>& put);
+/// Opens a database whose move was cut off behind put; does nothing to any other.
+TOLVA_EXPORT void FinishMoveIntoLinked(const QString& linkFile);
+
+/// The same out of a database on a server that a file stands for, into a new file; nobody else changes it meanwhile.
+/// Then the server's is closed, though kept, and put puts target in the place of the file that stood for it; what put
+/// raises opens it again. Answers where on the server it is, in words. Errors: as ConvertDatabase, and 3260 when others
+/// keep it busy.
+TOLVA_EXPORT QString MoveOutOfLinked(const QString& linkFile, const QString& target, const QString& engine,
+                                     const std::function<bool(qint64 done, qint64 total)>& advance,
+                                     const std::function<void()>& put);
 
 /// The same between stores that are open, in one transaction of the target, which holds no table of those names. What
 /// is read back is compared outside that transaction, unless the target is in one of its caller's.

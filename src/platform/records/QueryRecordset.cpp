@@ -157,12 +157,12 @@ void QueryRecordset::FindFirst(const QString& criteria)
 }
 
 template <typename Memo>
-const Memo& ReadAhead<Memo>::At(int row, int rows, const KeyAt& keyAt, const Fetch& fetch)
+const Memo& ReadAhead<Memo>::At(int row, int rows, int largestBatch, const KeyAt& keyAt, const Fetch& fetch)
 {
     const int behind = First_ + static_cast<int>(Memos_.size());
     if (row < First_ || row >= behind) {
         // Whoever walks gets more and more at a time; whoever jumps gets what he asks for.
-        Batch_ = !Memos_.empty() && row == behind ? std::min(Batch_ * 2, LargestBatch) : 1;
+        Batch_ = !Memos_.empty() && row == behind ? std::min(Batch_ * 2, largestBatch) : 1;
         std::vector<qint64> ids;
         for (int next = row; next < std::min(row + Batch_, rows); ++next)
             ids.push_back(keyAt(next));
@@ -184,7 +184,7 @@ const Memo& ReadAhead<Memo>::At(int row, int rows, const KeyAt& keyAt, const Fet
 const engine::StoredMemo& MemoWindow::Read(engine::Store& store, const engine::TablePtr& table, int column, int row,
                                            int rows, const KeyAt& keyAt)
 {
-    return Memos_.At(row, rows, keyAt,
+    return Memos_.At(row, rows, LargestBatch, keyAt,
                      [&](std::span<const qint64> ids) { return store.ReadMemos(table, column, ids, BatchOctets); });
 }
 
@@ -195,7 +195,7 @@ const std::optional<MemoBeginning>& MemoWindow::ReadBeginning(engine::Store& sto
     if (mostOctets != MostOctets_)
         Beginnings_.Clear();
     MostOctets_ = mostOctets;
-    return Beginnings_.At(row, rows, keyAt, [&](std::span<const qint64> ids) {
+    return Beginnings_.At(row, rows, LargestBatchOfBeginnings, keyAt, [&](std::span<const qint64> ids) {
         return store.ReadMemoBeginnings(table, column, ids, mostOctets);
     });
 }

@@ -84,7 +84,7 @@ public:
     using Fetch = std::function<std::vector<Memo>(std::span<const qint64> ids)>;
 
     /// What is read of a row. rows: how many there are.
-    const Memo& At(int row, int rows, const KeyAt& keyAt, const Fetch& fetch);
+    const Memo& At(int row, int rows, int largestBatch, const KeyAt& keyAt, const Fetch& fetch);
     void Clear() { Memos_.clear(); }
 
 private:
@@ -113,6 +113,8 @@ private:
 };
 
 inline constexpr int LargestBatch = 64;
+/// Beginnings are small, and each batch may be a journey to a server.
+inline constexpr int LargestBatchOfBeginnings = 256;
 inline constexpr qint64 BatchOctets = qint64{8} * 1024 * 1024;
 
 } // namespace dao

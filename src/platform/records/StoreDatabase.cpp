@@ -23,11 +23,11 @@ bool LooksLikeQuery(const QString& source)
            !text.at(keyword.size()).isLetterOrNumber();
 }
 
-jetsql::SelectStatement AllRowsOf(const engine::Table& table)
+jetsql::SelectStatement AllRowsOf(const QString& table)
 {
     jetsql::SelectStatement select;
     select.Items.emplace_back();
-    select.From.Table = table.Name;
+    select.From.Table = table;
     return select;
 }
 
@@ -87,16 +87,26 @@ Collection<TableDef>& StoreDatabase::TableDefs()
 
 std::unique_ptr<Recordset> StoreDatabase::OpenRecordset(const QString& source, RecordsetTypeEnum type)
 {
-    const engine::TablePtr table = Session_->Required().CurrentSchema()->Find(source);
-    if (table) {
-        if (type == dbOpenDefault || type == dbOpenTable)
-            return std::make_unique<TableRecordset>(Session_, table);
-        return OpenQuery(Session_, {source, AllRowsOf(*table), {}}, type);
+    if (!LooksLikeQuery(source))
+        return OpenTable(source, type);
+    try {
+        return OpenQuery(Session_, {source, jetsql::ParseSelect(source), {}}, type);
+    } catch (const Error&) {
+        // A table may be called anything.
+        if (!Session_->Required().CurrentSchema()->Find(source))
+            throw;
     }
-    if (!LooksLikeQuery(source)) {
-        throw Error(errTableNotFound, QStringLiteral("The input table or query '%1' was not found.").arg(source));
-    }
-    return OpenQuery(Session_, {source, jetsql::ParseSelect(source), {}}, type);
+    return OpenTable(source, type);
+}
+
+std::unique_ptr<Recordset> StoreDatabase::OpenTable(const QString& name, RecordsetTypeEnum type)
+{
+    if (type != dbOpenDefault && type != dbOpenTable)
+        return OpenQuery(Session_, {name, AllRowsOf(name), {}}, type);
+    const engine::TablePtr table = Session_->Required().CurrentSchema()->Find(name);
+    if (!table)
+        throw Error(errTableNotFound, QStringLiteral("The input table or query '%1' was not found.").arg(name));
+    return std::make_unique<TableRecordset>(Session_, table);
 }
 
 std::unique_ptr<QueryDef> StoreDatabase::CreateQueryDef(const QString& name, const QString& sql)

@@ -30,6 +30,8 @@ public:
     void Close() override;
 
 private:
+    std::unique_ptr<Recordset> OpenTable(const QString& name, RecordsetTypeEnum type);
+
     QString Name_;
     QString Connect_;
     SessionPtr Session_;

@@ -55,7 +55,12 @@ void TableRecordset::Settle() const
     if (Place_ != Place::Unread)
         return;
     ForgetMemo();
-    Place_ = store.ReadEnd(Table_, Index_, Direction::Forward, MemosOnMoves(), Row_) ? Place::OnRow : Place::Empty;
+    bool isThere = store.ReadEnd(Table_, Index_, Direction::Forward, MemosOnMoves(), Row_);
+    // The current row stays the one that was the first before rows were added here.
+    while (isThere && Added_.contains(Row_.Id))
+        isThere = store.ReadNext(Table_, Index_, Direction::Forward, MemosOnMoves(), Row_);
+    Place_ = isThere ? Place::OnRow : Place::Empty;
+    Added_.clear();
 }
 
 bool TableRecordset::AtEOF() const
@@ -148,6 +153,7 @@ void TableRecordset::SetIndex(const QString& name)
     DropBuffer();
     Index_ = index;
     Place_ = Place::Unread;
+    Added_.clear();
 }
 
 void TableRecordset::Seek(SeekComparison comparison, std::initializer_list<QVariant> keys)
@@ -195,11 +201,10 @@ const Row& TableRecordset::RowForEdit()
     return CurrentRow();
 }
 
-void TableRecordset::AddNew()
+void TableRecordset::RowWasAdded(qint64 id)
 {
-    // The current row stays what it is now, not what the first row will be once the new one is there.
-    Settle();
-    StoreRecordset::AddNew();
+    if (Place_ == Place::Unread)
+        Added_.insert(id);
 }
 
 void TableRecordset::Delete()

@@ -3,6 +3,8 @@
 
 #include "platform/records/StoreRecordset.h"
 
+#include <QSet>
+
 namespace dao
 {
 
@@ -25,7 +27,6 @@ public:
     QString Index() const override;
     void SetIndex(const QString& name) override;
     void Seek(SeekComparison comparison, std::initializer_list<QVariant> keys) override;
-    void AddNew() override;
     void Delete() override;
 
 protected:
@@ -35,7 +36,7 @@ protected:
     const engine::Column& ColumnAt(int ordinal) const override;
     const Row& RowForEdit() override;
     void RowWasChanged() override { Place_ = Place::Changed; }
-    void RowWasAdded(qint64) override {}
+    void RowWasAdded(qint64 id) override;
     QVariant StoredValueAt(int ordinal) const override;
     engine::StoredMemo StoredMemoAt(int ordinal, MemoTrust trust) const override;
     void Release() override;
@@ -67,6 +68,8 @@ private:
     int Index_ = -1;
     mutable Place Place_ = Place::Unread;
     mutable Row Row_;
+    /// By this recordset, while nobody has asked for the first row.
+    mutable QSet<qint64> Added_;
     mutable bool AsksForMemos_ = false;
     /// The last memo that was read apart from its row, and where it belongs.
     mutable engine::StoredMemo Memo_;

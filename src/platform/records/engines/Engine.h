@@ -248,6 +248,25 @@ public:
     {
         throw Error(errNotSupported, QStringLiteral("This database engine has no server."));
     }
+    /// Fills the database that CreateLinked made: copy does, in one transaction; then put puts the file in the place of
+    /// what was copied. Nobody can open it in between. An attempt that was cut off leaves what CreateLinked takes for
+    /// nothing, or, behind put, what FinishMoveIn opens.
+    virtual void MoveIn(const QString& /*file*/, const std::function<void(Store&)>& /*copy*/,
+                        const std::function<void()>& /*put*/)
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine has no server."));
+    }
+    virtual void FinishMoveIn(const QString& /*file*/) {}
+    /// Takes the database that a file stands for away from its server. copy reads it; nobody else changes it meanwhile.
+    /// Then it is closed: the server keeps it, and whoever opens it, or has it open, is told that it was moved; then
+    /// put puts the copy in the place of the file. What either raises leaves the database open. One that is closed
+    /// already, because an attempt before was cut off, is taken as any other. Answers where on the server it is, in
+    /// words. Errors: those of Open, and 3260 when somebody else keeps the lock.
+    virtual QString MoveOut(const QString& /*file*/, const std::function<void(Store&)>& /*copy*/,
+                            const std::function<void()>& /*put*/)
+    {
+        throw Error(errNotSupported, QStringLiteral("This database engine has no server."));
+    }
     /// Removes what CreateLinked made, database and file.
     virtual void TakeAwayLinked(const QString& /*file*/) {}
     virtual void Compact(const QString& source, const QString& target) = 0;

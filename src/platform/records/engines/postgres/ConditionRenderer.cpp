@@ -255,6 +255,18 @@ std::optional<QByteArray> ConditionRenderer::In(const Operands& operands)
     return '(' + said.join(" OR ") + ')';
 }
 
+QByteArray ConditionRenderer::EntryLookedFor(const QString& pattern)
+{
+    constexpr qsizetype EndOctets = 2;
+    const QString entry = pattern.mid(EndOctets, pattern.size() - 2 * EndOctets);
+    const bool isEntry = pattern.size() > 2 * EndOctets && pattern.startsWith(QLatin1String("*|")) &&
+                         pattern.endsWith(QLatin1String("|*")) && !entry.contains(u'*') && !entry.contains(u'|');
+    if (!isEntry)
+        return {};
+    const QByteArray utf8 = TextToUtf8(entry);
+    return EntriesOf(Place(Folded({utf8.constData(), static_cast<std::size_t>(utf8.size())}), Kind::Octets));
+}
+
 std::optional<QByteArray> ConditionRenderer::Like(const Operands& operands)
 {
     const auto* pattern = std::get_if<query::BoundPattern>(&operands[0].Node);
@@ -266,11 +278,15 @@ std::optional<QByteArray> ConditionRenderer::Like(const Operands& operands)
         if (!like)
             return std::nullopt;
         const QByteArray place = Place(*like, Kind::Octets);
+        const QByteArray lookedFor = EntryLookedFor(text);
         for (std::size_t i = 1; i < operands.size(); ++i) {
             const auto* column = std::get_if<query::BoundColumn>(&operands[i].Node);
             if (column == nullptr || column->Source != 0 || !HasTwin(Table_, column->Column))
                 return std::nullopt;
-            said += '(' + FoldedName(column->Column) + " LIKE " + place + ')';
+            const QByteArray name = FoldedName(column->Column);
+            const QByteArray narrowed =
+                lookedFor.isEmpty() ? QByteArray() : EntriesOf(name) + " @> " + lookedFor + " AND ";
+            said += '(' + narrowed + name + " LIKE " + place + ')';
         }
     }
     return '(' + said.join(" OR ") + ')';

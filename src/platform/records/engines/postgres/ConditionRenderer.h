@@ -43,6 +43,8 @@ private:
     Text Comparison(const query::BoundExpression& left, const query::BoundExpression& right, const char* symbol);
     Text Between(const Operands& operands);
     Text In(const Operands& operands);
+    /// For a pattern that looks for one entry between bars what an index of entries can tell; empty for any other.
+    QByteArray EntryLookedFor(const QString& pattern);
     Text Like(const Operands& operands);
     std::optional<Side> SideOf(const query::BoundExpression& expression) const;
     bool IsComparable(int column) const;

@@ -64,6 +64,13 @@ QByteArray FoldedName(int column)
     return 'c' + QByteArray::number(column) + "_folded";
 }
 
+QByteArray EntriesOf(const QByteArray& octets)
+{
+    // Octets beyond ASCII become three digits, whatever the encoding of the database: an index takes the longest text.
+    return "pg_catalog.string_to_array(pg_catalog.translate(pg_catalog.encode(" + octets +
+           ", 'escape'), E'\\\\', ''), '|')";
+}
+
 QByteArray CheckName(int column)
 {
     return 'c' + QByteArray::number(column) + "_check";

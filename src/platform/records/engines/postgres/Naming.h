@@ -35,6 +35,8 @@ QByteArray IdSequence(const QByteArray& quotedSchema, qint64 table);
 QByteArray ColumnName(const engine::Table& table, int column);
 /// The folded twin of a text, by which it is compared.
 QByteArray FoldedName(int column);
+/// The parts of a text between its bars, for what looks for one of them.
+QByteArray EntriesOf(const QByteArray& octets);
 /// The check of a memo.
 QByteArray CheckName(int column);
 /// What an index and a comparison go by: the twin of a text, else the column itself.

@@ -26,6 +26,28 @@ ConnectString PartOf(const QString& connect, const QString& part)
     return ParseConnectString(words.Text());
 }
 
+/// In a transaction with the writer's lock.
+void InOneStep(ServerStore& store, const std::function<void()>& work)
+{
+    store.BeginTrans();
+    try {
+        store.LockForChange();
+        work();
+    } catch (...) {
+        store.Rollback();
+        throw;
+    }
+    store.CommitTrans();
+}
+
+/// A station that was moved to the server, once the file stands for it.
+void OpenArrived(const ConnectString& connect)
+{
+    ServerStore store(connect, false, ServerStore::Missing::IsError, ServerStore::Closed::IsOpened);
+    if (store.Standing() == StationStanding::Arriving)
+        InOneStep(store, [&] { store.SetStanding(StationStanding::Open); });
+}
+
 /// name: that of the database on the server, where the connect string leaves it open.
 ConnectString ConnectFor(const QString& name, const QString& connect)
 {
@@ -62,6 +84,11 @@ public:
     }
     void CreateLinked(const QString& file, const QString& connect, const QString& part) override;
     void Link(const QString& file, const QString& connect, const QString& part) override;
+    void MoveIn(const QString& file, const std::function<void(engine::Store&)>& copy,
+                const std::function<void()>& put) override;
+    void FinishMoveIn(const QString& file) override;
+    QString MoveOut(const QString& file, const std::function<void(engine::Store&)>& copy,
+                    const std::function<void()>& put) override;
     void TakeAwayLinked(const QString& file) override;
     std::unique_ptr<engine::FileLock> LockOut(const QString& fileName) override;
     FileReport Examine(const QString& fileName, const engine::CopyProgress& progress) override
@@ -85,7 +112,15 @@ private:
 void PostgresEngine::CreateLinked(const QString& file, const QString& connect, const QString& part)
 {
     const ConnectString words = PartOf(connect, part);
-    ServerStore store(words, false, ServerStore::Missing::Create);
+    ServerStore store(words, false, ServerStore::Missing::Create, ServerStore::Closed::IsOpened);
+    if (store.Standing() == StationStanding::Arriving) {
+        // Of an attempt that was cut off; nobody has ever worked in it.
+        InOneStep(store, [&] {
+            store.Clear();
+            store.SetStanding(StationStanding::Open);
+        });
+    }
+    store.RequireOpen();
     if (!store.CurrentSchema()->Tables.empty()) {
         throw Error(errTableExists,
                     QStringLiteral("There is a station on the server (%1) already.").arg(words.InWords()));
@@ -98,6 +133,44 @@ void PostgresEngine::Link(const QString& file, const QString& connect, const QSt
     const ConnectString words = PartOf(connect, part);
     const ServerStore probe(words, true, ServerStore::Missing::IsError);
     WriteLinkFile(file, words);
+}
+
+void PostgresEngine::MoveIn(const QString& file, const std::function<void(engine::Store&)>& copy,
+                            const std::function<void()>& put)
+{
+    ServerStore store(ReadLinkFile(file), false, ServerStore::Missing::IsError);
+    InOneStep(store, [&] {
+        store.SetStanding(StationStanding::Arriving);
+        copy(store);
+    });
+    put();
+    OpenArrived(store.Server().Connect());
+}
+
+void PostgresEngine::FinishMoveIn(const QString& file)
+{
+    OpenArrived(ReadLinkFile(file));
+}
+
+QString PostgresEngine::MoveOut(const QString& file, const std::function<void(engine::Store&)>& copy,
+                                const std::function<void()>& put)
+{
+    const ConnectString words = ReadLinkFile(file);
+    ServerStore store(words, false, ServerStore::Missing::IsError, ServerStore::Closed::IsOpened);
+    if (store.Standing() == StationStanding::Arriving)
+        store.RequireOpen();
+    InOneStep(store, [&] {
+        // First: a right that is missing is found before anything else is done.
+        store.SetStanding(StationStanding::MovedAway);
+        copy(store);
+    });
+    try {
+        put();
+    } catch (...) {
+        InOneStep(store, [&] { store.SetStanding(StationStanding::Open); });
+        throw;
+    }
+    return words.InWords();
 }
 
 void PostgresEngine::TakeAwayLinked(const QString& file)

@@ -28,6 +28,8 @@ public:
     qint64 CountRows();
     qint64 LastId();
     qint64 DrawId();
+    /// DrawId, to be sent along with something else.
+    Command DrawCommand() const;
     void RaiseIds(qint64 last);
 
     Command InsertCommand(qint64 id, std::span<const engine::Assignment> values) const;

@@ -144,11 +144,14 @@ qint64 RowAccess::LastId()
     return result.Integer(0, 0);
 }
 
+Command RowAccess::DrawCommand() const
+{
+    return Command{"SELECT pg_catalog.nextval('" + IdSequence(Schema_, Table_.Id).replace('\'', "''") + "')"};
+}
+
 qint64 RowAccess::DrawId()
 {
-    const Result result = Connection_.Run(
-        Command{"SELECT pg_catalog.nextval('" + IdSequence(Schema_, Table_.Id).replace('\'', "''") + "')"});
-    return result.Integer(0, 0);
+    return Connection_.Run(DrawCommand()).Integer(0, 0);
 }
 
 void RowAccess::RaiseIds(qint64 last)

@@ -63,6 +63,7 @@ void ServerConnection::Reconnect()
 {
     Connection_.reset();
     Prepared_.clear();
+    Deferred_.clear();
     HasStreamed_ = false;
     IsListening_ = false;
     Open();
@@ -237,10 +238,13 @@ std::vector<Result> ServerConnection::RunTogether(std::span<const Command> comma
     std::vector<QByteArray> steps; // The key of each statement that is prepared, empty for one that is run.
     std::vector<Result> results;
     std::size_t done = 0;
+    const QList<QByteArray> deferred = std::exchange(Deferred_, {});
     try {
         const bool hasStreamed = std::exchange(HasStreamed_, false);
         if (hasStreamed)
             RequireSent(PQpipelineSync(connection) != 0);
+        for (const QByteArray& statement : deferred)
+            Send(Command{statement}, steps);
         for (const Command& command : commands)
             Send(command, steps);
         RequireSent(PQpipelineSync(connection) != 0);
@@ -262,6 +266,7 @@ std::vector<Result> ServerConnection::RunTogether(std::span<const Command> comma
         throw;
     }
     LeavePipeline();
+    results.erase(results.begin(), results.begin() + deferred.size());
     return results;
 }
 
@@ -281,6 +286,8 @@ void ServerConnection::Stream(const Command& command, const std::function<bool(c
     PGconn* const connection = Connection_.get();
     if (!IsOpen())
         Raise(nullptr);
+    if (!Deferred_.isEmpty())
+        Execute({});
     ++RoundTrips_;
     const std::vector<const char*> values = command.Values.Values();
     const std::vector<int> lengths = command.Values.Lengths();
@@ -315,7 +322,7 @@ void ServerConnection::Execute(const QByteArray& statements)
     if (!IsOpen())
         Raise(nullptr);
     ++RoundTrips_;
-    const Result result(PQexec(Connection_.get(), statements.constData()));
+    const Result result(PQexec(Connection_.get(), WithDeferred(statements).constData()));
     const ExecStatusType status = PQresultStatus(result.Get());
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
         Raise(result.Get());
@@ -326,7 +333,27 @@ void ServerConnection::TryExecute(const QByteArray& statements) noexcept
     if (!IsOpen())
         return;
     ++RoundTrips_;
-    PQclear(PQexec(Connection_.get(), statements.constData()));
+    PQclear(PQexec(Connection_.get(), WithDeferred(statements).constData()));
+}
+
+void ServerConnection::DeferSavepoint(const QByteArray& name)
+{
+    Deferred_.append("SAVEPOINT " + name);
+}
+
+void ServerConnection::DeferRelease(const QByteArray& name)
+{
+    if (!Deferred_.isEmpty() && Deferred_.last() == "SAVEPOINT " + name)
+        Deferred_.removeLast();
+    else
+        Deferred_.append("RELEASE " + name);
+}
+
+QByteArray ServerConnection::WithDeferred(const QByteArray& statements)
+{
+    QList<QByteArray> all = std::exchange(Deferred_, {});
+    all.append(statements);
+    return all.join(';');
 }
 
 } // namespace dao::postgres

@@ -6,6 +6,7 @@
 #include "platform/records/engines/postgres/ServerFailure.h"
 
 #include <QHash>
+#include <QList>
 
 #include <functional>
 
@@ -35,6 +36,10 @@ public:
     void Stream(const Command& command, const std::function<bool(const Result&)>& visit);
     /// Statements without values, one behind the other.
     void Execute(const QByteArray& statements);
+    /// A savepoint, and its release: they can hardly fail, and go in front of the next statement instead of a round
+    /// trip of their own. One with nothing in between is left out.
+    void DeferSavepoint(const QByteArray& name);
+    void DeferRelease(const QByteArray& name);
     /// Execute, for taking back: a failure means that there is nothing more to be taken back. Nothing is raised.
     void TryExecute(const QByteArray& statements) noexcept;
 
@@ -63,6 +68,7 @@ private:
     void Send(const Command& command, std::vector<QByteArray>& steps);
     QByteArray KeyOf(const Command& command) const;
     void RequireSent(bool isSent);
+    QByteArray WithDeferred(const QByteArray& statements);
     Result NextResult();
     void Drain() noexcept;
     void LeavePipeline() noexcept;
@@ -73,6 +79,7 @@ private:
     qint64 NextName_ = 0;
     /// libpq takes the first command of a pipeline for one that is read row by row too, when the last one was.
     bool HasStreamed_ = false;
+    QList<QByteArray> Deferred_;
     bool IsListening_ = false;
     qint64 RoundTrips_ = 0;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/postgres/ServerStore.h"
 
+#include "platform/records/engines/PrimaryKey.h"
 #include "platform/records/engines/postgres/Naming.h"
 #include "platform/records/engines/postgres/StoreScopes.h"
 #include "platform/records/query/StoredValues.h"
@@ -44,8 +45,8 @@ void RequireDistinctFields(const Table& table)
 
 } // namespace
 
-ServerStore::ServerStore(const ConnectString& connect, bool readOnly, Missing missing)
-    : Connection_(connect), SchemaName_(QuotedName(connect.Schema))
+ServerStore::ServerStore(const ConnectString& connect, bool readOnly, Missing missing, Closed closed)
+    : Connection_(connect), SchemaName_(QuotedName(connect.Schema)), OpensClosed_(closed == Closed::IsOpened)
 {
     const Result result =
         Connection_.Run(Command{"SELECT pg_catalog.pg_is_in_recovery() OR "
@@ -60,6 +61,8 @@ ServerStore::ServerStore(const ConnectString& connect, bool readOnly, Missing mi
         CreateStation(Connection_);
     }
     Schema_ = ReadStructure(Connection_, SchemaName_, false, nullptr, State_);
+    if (!OpensClosed_)
+        RequireOpen();
 }
 
 ServerStore::~ServerStore() = default;
@@ -79,11 +82,17 @@ SchemaPtr ServerStore::CurrentSchema()
         }
         if (Transaction_ == Transaction::Announced && HasLooked_)
             return Schema_;
+        Hear();
+        if (IsStructureTold_ && State_.Structure != 0)
+            return Schema_;
+        // What is told from here on is told of what the look may have missed.
+        const bool isTold = Connection_.IsListening();
         const StationState state = StateIn(Connection_.Run(StateCommand(SchemaName_)), Connection_);
         RequireSameStation(state);
         if (state != State_)
             Schema_ = ReadStructure(Connection_, SchemaName_, false, Schema_, State_);
         HasLooked_ = true;
+        IsStructureTold_ = isTold && Connection_.IsListening();
         return Schema_;
     });
 }
@@ -104,6 +113,12 @@ void ServerStore::Clear()
     RefreshUnderLock();
 }
 
+void ServerStore::SetStanding(StationStanding standing)
+{
+    WriteStanding(Connection_, SchemaName_, standing);
+    RefreshUnderLock();
+}
+
 bool ServerStore::BeginBeingTold()
 {
     try {
@@ -115,9 +130,20 @@ bool ServerStore::BeginBeingTold()
     return Connection_.IsListening();
 }
 
+void ServerStore::Hear()
+{
+    if (!Connection_.IsListening() || !Connection_.IsOpen())
+        IsStructureTold_ = false;
+    if (!Connection_.IsListening() || !Connection_.TakeNotices())
+        return;
+    HasNews_ = true;
+    IsStructureTold_ = false;
+}
+
 bool ServerStore::TakeChanges()
 {
-    return Connection_.IsListening() && Connection_.TakeNotices();
+    Hear();
+    return std::exchange(HasNews_, false);
 }
 
 void ServerStore::RefreshUnderLock()
@@ -192,12 +218,18 @@ void ServerStore::AddIndex(const QString& tableName, const IndexKey& index)
 
 bool ServerStore::ReadEnd(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
 {
-    return Retried([&] { return Rows(table).ReadEnd(index, direction, memos, row); });
+    return Retried([&] {
+        const bool isFound = Rows(table).ReadEnd(index, direction, memos, row);
+        if (isFound)
+            Know(table, memos, row);
+        return isFound;
+    });
 }
 
 bool ServerStore::ReadNext(const TablePtr& table, int index, Direction direction, MemoFetch memos, Row& row)
 {
-    if (IsSnapshot_ && index < 0 && direction == Direction::Forward)
+    const bool isStill = IsSnapshot_ || Transaction_ == Transaction::Started;
+    if (isStill && index < 0 && direction == Direction::Forward)
         return Retried([&] { return ReadAhead(table, memos, row); });
     return Retried([&] { return Rows(table).ReadNext(index, direction, memos, row); });
 }
@@ -221,11 +253,32 @@ bool ServerStore::ReadAhead(const TablePtr& table, MemoFetch memos, Row& row)
 bool ServerStore::Seek(const TablePtr& table, int index, SeekComparison comparison, std::span<const StoredValue> keys,
                        MemoFetch memos, Row& row)
 {
-    return Retried([&] { return Rows(table).Seek(index, comparison, keys, memos, row); });
+    return Retried([&] {
+        const bool isFound = Rows(table).Seek(index, comparison, keys, memos, row);
+        if (isFound)
+            Know(table, memos, row);
+        return isFound;
+    });
+}
+
+void ServerStore::Know(const TablePtr& table, MemoFetch memos, const Row& row)
+{
+    if (Transaction_ == Transaction::Started && !IsSnapshot_)
+        Known_ = {table, memos, row};
+}
+
+void ServerStore::ForgetRead()
+{
+    Known_ = {};
+    Ahead_ = {};
 }
 
 std::vector<Row> ServerStore::ReadRows(const TablePtr& table, std::span<const qint64> ids, MemoFetch memos, qint64)
 {
+    const bool isKnown = ids.size() == 1 && Known_.Table == table && Known_.Content.Id == ids.front() &&
+                         (memos == MemoFetch::Deferred || Known_.Memos == memos);
+    if (isKnown && Transaction_ == Transaction::Started)
+        return {Known_.Content};
     // The small memos of a batch are within any budget.
     return Retried([&] { return Rows(table).ReadRows(ids, memos); });
 }
@@ -259,6 +312,7 @@ void ServerStore::RaiseCounter(const TablePtr& table, qint64 last)
     Retried([&] {
         WriteScope scope(*this);
         scope.MarkBeginning();
+        NextIds_.erase(table->Id);
         Rows(table).RaiseIds(std::min<qint64>(last, std::numeric_limits<qint32>::max()));
         scope.Commit();
     });
@@ -266,29 +320,23 @@ void ServerStore::RaiseCounter(const TablePtr& table, qint64 last)
 
 qint64 ServerStore::DrawCounter(const TablePtr& table)
 {
-    return Retried([&] { return Rows(table).DrawId(); });
-}
-
-void ServerStore::CheckPrimaryKey(const Table& table, std::span<const engine::Assignment> values, bool isNewRow) const
-{
-    for (const IndexKey& index : table.Indexes) {
-        if (!index.Primary)
-            continue;
-        for (const int column : index.Columns) {
-            const auto given = std::find_if(values.begin(), values.end(), [&](const engine::Assignment& assignment) {
-                return assignment.Column == column;
-            });
-            if (given == values.end() ? isNewRow : query::IsNull(*given->Value)) {
-                throw Error(errInvalidUseOfNull,
-                            QStringLiteral("Invalid use of Null: index or primary key cannot contain a Null value."));
-            }
+    return Retried([&] {
+        const auto ahead = NextIds_.find(table->Id);
+        if (ahead != NextIds_.end())
+            return NextIds_.extract(ahead).mapped();
+        RowAccess rows = Rows(table);
+        // A number is taken for a row: the lock that it needs comes in the same round trip.
+        if (Transaction_ == Transaction::Announced && !IsReadOnly_) {
+            const Command draw = rows.DrawCommand();
+            return Start(&draw)->Integer(0, 0);
         }
-    }
+        return rows.DrawId();
+    });
 }
 
 qint64 ServerStore::Insert(const TablePtr& table, std::span<const engine::Assignment> values)
 {
-    CheckPrimaryKey(*table, values, true);
+    engine::CheckPrimaryKey(*table, values, engine::RowIs::New);
     return Retried([&] {
         qint64 id = 0;
         bool isGiven = false;
@@ -298,24 +346,33 @@ qint64 ServerStore::Insert(const TablePtr& table, std::span<const engine::Assign
             id = static_cast<qint64>(query::RealIn(*assignment.Value));
             isGiven = true;
         }
-        WriteScope scope(*this);
         RowAccess rows = Rows(table);
+        const Command draw = rows.DrawCommand();
+        WriteScope scope(*this, isGiven || NextIds_.contains(table->Id) ? nullptr : &draw);
         // The check of a memo is told by the row's id, so that the id is known before.
         if (!isGiven)
-            id = rows.DrawId();
-        scope.RunAndCommit(rows.InsertCommand(id, values));
+            id = scope.Together() ? scope.Together()->Integer(0, 0) : DrawCounter(table);
+        // Whoever adds several rows in one transaction adds one more: its number comes along.
+        std::vector<Command> commands{rows.InsertCommand(id, values)};
+        const bool drawsNext = Transaction_ == Transaction::Started && !HasAdded_.insert(table->Id).second &&
+                               !NextIds_.contains(table->Id);
+        if (drawsNext)
+            commands.push_back(draw);
+        const std::optional<std::vector<Result>> results = scope.RunAndCommit(std::move(commands));
+        if (drawsNext && results)
+            NextIds_[table->Id] = (*results)[1].Integer(0, 0);
         return id;
     });
 }
 
 void ServerStore::Update(const TablePtr& table, qint64 id, qint64 version, std::span<const engine::Assignment> values)
 {
-    CheckPrimaryKey(*table, values, false);
+    engine::CheckPrimaryKey(*table, values, engine::RowIs::There);
     Retried([&] {
         WriteScope scope(*this);
         RowAccess rows = Rows(table);
-        const std::optional<Result> result = scope.RunAndCommit(rows.UpdateCommand(id, version, values));
-        if (result && result->ChangedRows() > 0)
+        const auto result = scope.RunAndCommit({rows.UpdateCommand(id, version, values)});
+        if (result && result->front().ChangedRows() > 0)
             return;
         if (!result) {
             // Stored, and its answer lost on the way: by its version the row tells whether it was the one.
@@ -335,8 +392,8 @@ void ServerStore::Delete(const TablePtr& table, qint64 id)
 {
     Retried([&] {
         WriteScope scope(*this);
-        const std::optional<Result> result = scope.RunAndCommit(Rows(table).DeleteCommand(id));
-        if (result && result->ChangedRows() == 0)
+        const auto result = scope.RunAndCommit({Rows(table).DeleteCommand(id)});
+        if (result && result->front().ChangedRows() == 0)
             RaiseDeleted();
     });
 }

@@ -5,6 +5,10 @@
 #include "platform/records/engines/postgres/Structure.h"
 #include "platform/records/query/QueryRun.h"
 
+#include <map>
+#include <optional>
+#include <set>
+
 namespace dao::postgres
 {
 
@@ -20,7 +24,14 @@ public:
         Create
     };
 
-    ServerStore(const ConnectString& connect, bool readOnly, Missing missing);
+    /// A station that is not open to be worked in.
+    enum class Closed
+    {
+        IsError, ///< 3151
+        IsOpened
+    };
+
+    ServerStore(const ConnectString& connect, bool readOnly, Missing missing, Closed closed = Closed::IsError);
     ~ServerStore() override;
 
     QString Version() const override;
@@ -72,6 +83,12 @@ public:
     void HoldSnapshot();
     /// In a transaction with the writer's lock: takes all tables away; whoever has the station open is refused then.
     void Clear();
+    StationStanding Standing() const { return StandingOf(State_); }
+    /// In a transaction with the writer's lock: whoever opens a station that is not open, or has it open, is refused
+    /// from its commit on.
+    void SetStanding(StationStanding standing);
+    /// 3151 for one that is not open.
+    void RequireOpen() const;
     /// For those who work on the station as a whole.
     ServerConnection& Server() { return Connection_; }
     const QByteArray& QuotedSchema() const { return SchemaName_; }
@@ -79,13 +96,20 @@ public:
 private:
     class ReadScope;
     class WriteScope;
-    /// Rows that were read ahead of a walk in order of entry, where nothing can change.
+    /// Rows that were read ahead of a walk in order of entry, while nobody can change them.
     struct RowsAhead
     {
         engine::TablePtr Table;
         engine::MemoFetch Memos = engine::MemoFetch::Deferred;
         std::vector<Row> Rows;
         std::size_t Next = 0;
+    };
+    /// The row that was read last under the writer's lock: nobody else changes it until the lock is given back.
+    struct KnownRow
+    {
+        engine::TablePtr Table;
+        engine::MemoFetch Memos = engine::MemoFetch::Deferred;
+        Row Content;
     };
     enum class Transaction
     {
@@ -103,12 +127,16 @@ private:
     void RequireUsable() const;
     void RequireSameStation(const StationState& state);
     void RefreshUnderLock();
+    /// Takes in what others have told.
+    void Hear();
+    void Know(const engine::TablePtr& table, engine::MemoFetch memos, const Row& row);
+    void ForgetRead();
     bool ReadAhead(const engine::TablePtr& table, engine::MemoFetch memos, Row& row);
     engine::TablePtr RequireTable(const QString& name);
-    void CheckPrimaryKey(const engine::Table& table, std::span<const engine::Assignment> values, bool isNewRow) const;
-    /// BEGIN, with the writer's lock.
-    void BeginWriting();
-    void Start();
+    /// BEGIN, with the writer's lock. together: asked in the same round trip, for its result.
+    std::optional<Result> BeginWriting(const Command* together = nullptr);
+    /// The caller's announced transaction.
+    std::optional<Result> Start(const Command* together = nullptr);
     void Commit();
     /// After a commit whose answer did not come: whether the server has stored it.
     bool WasCommitted();
@@ -118,6 +146,7 @@ private:
     ServerConnection Connection_;
     QByteArray SchemaName_; ///< Quoted.
     bool IsReadOnly_ = false;
+    bool OpensClosed_ = false;
     bool IsReplaced_ = false;
     Transaction Transaction_ = Transaction::None;
     int Depth_ = 0;            ///< Of the caller's transactions in each other; each inner one is a savepoint.
@@ -127,6 +156,11 @@ private:
     bool IsSnapshot_ = false;
     bool HasLooked_ = false; ///< At the structure, in the announced transaction; once is enough for all of it.
     RowsAhead Ahead_;
+    KnownRow Known_;
+    std::set<qint64> HasAdded_;        ///< Tables that the open transaction has added a row to.
+    std::map<qint64, qint64> NextIds_; ///< By table, numbers that came along with an insert.
+    bool HasNews_ = false;             ///< Told, and not taken yet.
+    bool IsStructureTold_ = false;     ///< A change of the structure since the last look would have been told.
 };
 
 } // namespace dao::postgres

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/PrimaryKey.h"
 #include "platform/records/engines/postgres/ConditionRenderer.h"
 #include "platform/records/engines/postgres/Naming.h"
 #include "platform/records/engines/postgres/QueryRows.h"
@@ -233,7 +234,7 @@ void ServerStore::ApplyPlan(const query::BoundChange& change, const std::vector<
     for (const query::ChangedRow& row : plan) {
         for (std::size_t i = 0; i < assignments.size(); ++i)
             assignments[i] = {change.Assignments[i].Column, &row.Values[i]};
-        CheckPrimaryKey(*change.Source.Table, assignments, false);
+        engine::CheckPrimaryKey(*change.Source.Table, assignments, engine::RowIs::There);
         commands.push_back(rows.UpdateCommand(row.Id, row.Version, assignments));
         if (commands.size() == CommandsAtOnce) {
             Connection_.RunTogether(commands);

@@ -7,6 +7,7 @@ namespace dao::postgres
 namespace
 {
 
+constexpr char ChangeSavepoint[] = "change";
 constexpr char TakeBack[] = "ROLLBACK TO change; RELEASE change";
 
 } // namespace
@@ -25,18 +26,19 @@ ServerStore::ReadScope::~ReadScope()
         Store_.Connection_.TryExecute("ROLLBACK");
 }
 
-ServerStore::WriteScope::WriteScope(ServerStore& store) : Store_(store)
+ServerStore::WriteScope::WriteScope(ServerStore& store, const Command* together) : Store_(store)
 {
     if (Store_.IsReadOnly_) {
         throw Error(errReadOnly, QStringLiteral("Cannot change the station (%1): the server can only be read, or the "
                                                 "station was opened to be read.")
                                      .arg(Store_.Connection_.Connect().InWords()));
     }
+    Store_.ForgetRead();
     if (Store_.Transaction_ == Transaction::None) {
-        Store_.BeginWriting();
+        Together_ = Store_.BeginWriting(together);
         IsOwn_ = true;
     } else if (Store_.Transaction_ == Transaction::Announced) {
-        Store_.Start();
+        Together_ = Store_.Start(together);
     }
 }
 
@@ -44,7 +46,7 @@ void ServerStore::WriteScope::MarkBeginning()
 {
     if (IsOwn_ || HasSavepoint_)
         return;
-    Store_.Connection_.Execute("SAVEPOINT change");
+    Store_.Connection_.DeferSavepoint(ChangeSavepoint);
     HasSavepoint_ = true;
 }
 
@@ -53,23 +55,21 @@ void ServerStore::WriteScope::Commit()
     if (IsOwn_)
         Store_.Commit();
     else if (HasSavepoint_)
-        Store_.Connection_.Execute("RELEASE change");
+        Store_.Connection_.DeferRelease(ChangeSavepoint);
     IsDone_ = true;
 }
 
-std::optional<Result> ServerStore::WriteScope::RunAndCommit(const Command& command)
+std::optional<std::vector<Result>> ServerStore::WriteScope::RunAndCommit(std::vector<Command> commands)
 {
-    std::vector<Command> commands;
-    if (!IsOwn_)
-        commands.push_back(Command{"SAVEPOINT change"});
-    HasSavepoint_ = !IsOwn_;
-    const std::size_t place = commands.size();
-    commands.push_back(command);
-    commands.push_back(IsOwn_ ? Command{"COMMIT", {}, false} : Command{"RELEASE change"});
+    MarkBeginning();
+    if (IsOwn_)
+        commands.push_back(Command{"COMMIT", {}, false});
     try {
         std::vector<Result> results = Store_.Connection_.RunTogether(commands);
+        if (HasSavepoint_)
+            Store_.Connection_.DeferRelease(ChangeSavepoint);
         IsDone_ = true;
-        return std::move(results[place]);
+        return results;
     } catch (const ServerFailure& failure) {
         if (!IsOwn_ || !failure.IsConnectionLost() || !Store_.WasCommitted())
             throw;

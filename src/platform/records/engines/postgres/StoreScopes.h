@@ -36,20 +36,24 @@ private:
 class ServerStore::WriteScope
 {
 public:
-    explicit WriteScope(ServerStore& store);
+    /// together: asked in the round trip in which the transaction begins, if one begins.
+    explicit WriteScope(ServerStore& store, const Command* together = nullptr);
     ~WriteScope();
     WriteScope(const WriteScope&) = delete;
     WriteScope& operator=(const WriteScope&) = delete;
 
+    const std::optional<Result>& Together() const { return Together_; }
     /// So that commands that are run one by one can be taken back; RunAndCommit does without.
     void MarkBeginning();
     /// Durable when it returns, unless the caller's transaction is still open.
     void Commit();
-    /// Both in one round trip. Nothing where the answer was lost on the way, though the change is stored.
-    std::optional<Result> RunAndCommit(const Command& command);
+    /// All in one round trip; the results of the commands. Nothing where the answer was lost on the way, though the
+    /// change is stored.
+    std::optional<std::vector<Result>> RunAndCommit(std::vector<Command> commands);
 
 private:
     ServerStore& Store_;
+    std::optional<Result> Together_;
     bool IsOwn_ = false; ///< Else a savepoint in the caller's transaction.
     bool HasSavepoint_ = false;
     bool IsDone_ = false;

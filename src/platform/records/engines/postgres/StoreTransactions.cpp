@@ -26,7 +26,7 @@ void ServerStore::RequireUsable() const
 {
     if (IsReplaced_) {
         throw Error(errFileReplaced, QStringLiteral("A backup was put in the place of the station (%1) since it was "
-                                                    "opened. Open it anew.")
+                                                    "opened, or it was moved away. Open it anew.")
                                          .arg(Connection_.Connect().InWords()));
     }
     if (Transaction_ == Transaction::Lost)
@@ -40,8 +40,33 @@ void ServerStore::RaiseLost() const
                                .arg(Connection_.Connect().InWords()));
 }
 
+void ServerStore::RequireOpen() const
+{
+    switch (Standing()) {
+    case StationStanding::Open:
+        return;
+    case StationStanding::MovedAway:
+        throw Error(
+            errServer,
+            QStringLiteral("The station on the server (%1) was moved away from there into a file: open it in the "
+                           "folder that it was moved to. If that was cut off, run \"tolva convert\" there once "
+                           "more.")
+                .arg(Connection_.Connect().InWords()));
+    case StationStanding::Arriving:
+        throw Error(errServer,
+                    QStringLiteral("The station on the server (%1) is still being moved there. If that was cut "
+                                   "off, run \"tolva convert\" once more.")
+                        .arg(Connection_.Connect().InWords()));
+    }
+}
+
 void ServerStore::RequireSameStation(const StationState& state)
 {
+    if (State_.Identity != 0 && StandingOf(state) != StationStanding::Open && !OpensClosed_) {
+        // Who opens it anew is told more, or finds the file.
+        IsReplaced_ = true;
+        RequireUsable();
+    }
     if (State_.Identity == 0 || state.Identity == State_.Identity)
         return;
     IsReplaced_ = true;
@@ -66,11 +91,11 @@ void ServerStore::RecoverFrom(const ServerFailure& failure)
         throw Error(errTableNotFound, failure.Description());
 }
 
-void ServerStore::BeginWriting()
+std::optional<Result> ServerStore::BeginWriting(const Command* together)
 {
     // The one lock of all writers, so that they wait for each other at their beginning and never meet in a deadlock.
     // Readers do not notice it.
-    const std::array<Command, 5> commands{
+    std::vector<Command> commands{
         Command{"BEGIN ISOLATION LEVEL READ COMMITTED"},
         Command{"LOCK TABLE " + SchemaName_ + '.' + StationTable + " IN EXCLUSIVE MODE"},
         StateCommand(SchemaName_),
@@ -78,28 +103,29 @@ void ServerStore::BeginWriting()
         // Those who listen are told once it is committed.
         Command{"NOTIFY " + SchemaName_},
     };
+    if (together != nullptr)
+        commands.push_back(*together);
     try {
-        const std::vector<Result> results = Connection_.RunTogether(commands);
+        std::vector<Result> results = Connection_.RunTogether(commands);
         const StationState state = StateIn(results[2], Connection_);
         RequireSameStation(state);
         TransactionId_ = results[3].Integer(0, 0);
         if (state != State_)
             Schema_ = ReadStructure(Connection_, SchemaName_, true, Schema_, State_);
+        return together == nullptr ? std::nullopt : std::optional(std::move(results.back()));
     } catch (...) {
         Connection_.TryExecute("ROLLBACK");
         throw;
     }
 }
 
-void ServerStore::Start()
+std::optional<Result> ServerStore::Start(const Command* together)
 {
-    BeginWriting();
+    std::optional<Result> result = BeginWriting(together);
     Transaction_ = Transaction::Started;
-    QByteArray savepoints;
     for (int depth = 2; depth <= Depth_; ++depth)
-        savepoints += "SAVEPOINT " + SavepointName(depth) + ';';
-    if (!savepoints.isEmpty())
-        Connection_.Execute(savepoints);
+        Connection_.DeferSavepoint(SavepointName(depth));
+    return result;
 }
 
 void ServerStore::Commit()
@@ -144,10 +170,11 @@ bool ServerStore::WasCommitted()
 void ServerStore::BeginTrans()
 {
     if (Transaction_ == Transaction::Started)
-        Retried([&] { Connection_.Execute("SAVEPOINT " + SavepointName(Depth_ + 1)); });
+        Connection_.DeferSavepoint(SavepointName(Depth_ + 1));
     if (Depth_ == 0) {
         Transaction_ = Transaction::Announced;
         HasLooked_ = false;
+        HasAdded_.clear();
     }
     ++Depth_;
 }
@@ -159,9 +186,10 @@ void ServerStore::CommitTrans()
         if (Transaction_ == Transaction::Lost)
             RaiseLost();
         if (Transaction_ == Transaction::Started)
-            Retried([&] { Connection_.Execute("RELEASE " + SavepointName(depth)); });
+            Connection_.DeferRelease(SavepointName(depth));
         return;
     }
+    ForgetRead();
     const Transaction state = std::exchange(Transaction_, Transaction::None);
     if (state == Transaction::Lost)
         RaiseLost();
@@ -178,6 +206,7 @@ void ServerStore::CommitTrans()
 
 void ServerStore::Rollback()
 {
+    ForgetRead();
     const int depth = Depth_--;
     if (depth > 1) {
         if (Transaction_ == Transaction::Started) {

@@ -121,6 +121,23 @@ void CreateServerIndex(ServerConnection& connection, const QByteArray& quotedSch
     }
 }
 
+/// Indexes of the server's own, which no program sees: without them each list would be a walk through all mails. A
+/// number of 16 bits tells a class, such as a message's folder; a long text may hold several entries, such as its
+/// addresses.
+QByteArray OwnIndex(const QByteArray& rows, const Table& table, int column)
+{
+    const bool hasMemo =
+        std::any_of(table.Columns.begin(), table.Columns.end(), [](const Column& other) { return other.IsMemo(); });
+    const Column& definition = table.Columns[static_cast<std::size_t>(column)];
+    if (!hasMemo || table.CounterColumn() < 0)
+        return {};
+    if (definition.Type == dbInteger)
+        return "CREATE INDEX ON " + rows + " (" + ColumnName(table, column) + ", " + IdColumn + ");";
+    if (definition.Type == dbText && (definition.Size == 0 || definition.Size >= UsualTextSize))
+        return "CREATE INDEX ON " + rows + " USING gin (" + EntriesOf(FoldedName(column)) + ");";
+    return {};
+}
+
 void RecordColumn(ServerConnection& connection, const QByteArray& quotedSchema, qint64 table, qint64 ordinal,
                   const Column& column)
 {
@@ -299,7 +316,9 @@ StationState StateIn(const Result& result, const ServerConnection& connection)
     if (result.Rows() != 1)
         RaiseDamaged(connection);
     const StationState state{result.Integer(0, 0), result.Integer(0, 1), result.Integer(0, 2)};
-    if (state.Format != FormatVersion) {
+    const StationStanding standing = StandingOf(state);
+    if (standing != StationStanding::Open && standing != StationStanding::MovedAway &&
+        standing != StationStanding::Arriving) {
         throw Error(errUnrecognisedFormat,
                     QStringLiteral("The station on the server (%1) has format version %2, which this program does not "
                                    "know.")
@@ -376,7 +395,7 @@ void WriteTable(ServerConnection& connection, const QByteArray& quotedSchema, co
     for (int column = 0; column < static_cast<int>(table.Columns.size()); ++column) {
         for (const QByteArray& definition : Definitions(table, column))
             sql += ", " + definition;
-        storage += StorageOf(rows, table, column);
+        storage += StorageOf(rows, table, column) + OwnIndex(rows, table, column);
     }
     sql += ");CREATE SEQUENCE " + sequence;
     if (table.CounterColumn() >= 0)
@@ -402,7 +421,7 @@ void WriteColumn(ServerConnection& connection, const QByteArray& quotedSchema, c
                            QByteArray::number(HighestNumber));
     } else {
         connection.Execute("ALTER TABLE " + rows + " ADD COLUMN " + Definitions(after, place).join(", ADD COLUMN ") +
-                           ';' + StorageOf(rows, after, place));
+                           ';' + StorageOf(rows, after, place) + OwnIndex(rows, after, place));
     }
     RecordColumn(connection, quotedSchema, table.Id, place, column);
 }
@@ -434,6 +453,12 @@ void ClearStation(ServerConnection& connection, const QByteArray& quotedSchema, 
         sql += "DELETE FROM " + own + list + ';';
     connection.Execute(sql + "UPDATE " + own + StationTable +
                        " SET structure = structure + 1, identity = " + QByteArray::number(NewIdentity()));
+}
+
+void WriteStanding(ServerConnection& connection, const QByteArray& quotedSchema, StationStanding standing)
+{
+    connection.Execute("UPDATE " + quotedSchema + '.' + StationTable +
+                       " SET format = " + QByteArray::number(static_cast<qint64>(standing)));
 }
 
 } // namespace dao::postgres

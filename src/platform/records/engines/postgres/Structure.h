@@ -21,6 +21,19 @@ struct StationState
 
 inline constexpr qint64 FormatVersion = 1;
 
+/// Told by the format, so that programs which know nothing of it open only what is open.
+enum class StationStanding : qint64
+{
+    Open = FormatVersion,
+    MovedAway = -1, ///< Into a file; what is here was left.
+    Arriving = -2   ///< Copied from a file that is still in its place.
+};
+
+inline StationStanding StandingOf(const StationState& state)
+{
+    return static_cast<StationStanding>(state.Format);
+}
+
 /// Makes the schema where it is not there, and what a station needs in it. Of several that do so at once each finds it
 /// made.
 void CreateStation(ServerConnection& connection);
@@ -45,6 +58,7 @@ void WriteIndex(ServerConnection& connection, const QByteArray& quotedSchema, co
                 const engine::IndexKey& index);
 /// So that everybody reads the structure anew.
 void CountChange(ServerConnection& connection, const QByteArray& quotedSchema);
+void WriteStanding(ServerConnection& connection, const QByteArray& quotedSchema, StationStanding standing);
 /// Takes all tables of the user away and gives the station another identity.
 void ClearStation(ServerConnection& connection, const QByteArray& quotedSchema, const engine::Schema& schema);
 

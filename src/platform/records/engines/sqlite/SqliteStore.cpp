@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/SqliteStore.h"
 
+#include "platform/records/engines/PrimaryKey.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/FileIdentity.h"
 #include "platform/records/engines/sqlite/MemoBlob.h"
@@ -365,28 +366,9 @@ qint64 SqliteStore::DrawCounter(const TablePtr& table)
     return Counters_.Draw(table->Id);
 }
 
-void SqliteStore::CheckPrimaryKey(const Table& table, std::span<const engine::Assignment> values, bool isNewRow) const
-{
-    for (const IndexKey& index : table.Indexes) {
-        if (!index.Primary)
-            continue;
-        for (const int column : index.Columns) {
-            const auto given = std::find_if(values.begin(), values.end(), [&](const engine::Assignment& assignment) {
-                return assignment.Column == column;
-            });
-            const bool isNull =
-                given == values.end() ? isNewRow : std::holds_alternative<std::monostate>(*given->Value);
-            if (isNull) {
-                throw Error(errInvalidUseOfNull,
-                            QStringLiteral("Invalid use of Null: index or primary key cannot contain a Null value."));
-            }
-        }
-    }
-}
-
 qint64 SqliteStore::Insert(const TablePtr& table, std::span<const engine::Assignment> values)
 {
-    CheckPrimaryKey(*table, values, true);
+    engine::CheckPrimaryKey(*table, values, engine::RowIs::New);
     WriteScope scope(*this);
     SchemaUnderLock();
     const qint64 id = Access(table).Insert(values);
@@ -396,7 +378,7 @@ qint64 SqliteStore::Insert(const TablePtr& table, std::span<const engine::Assign
 
 void SqliteStore::Update(const TablePtr& table, qint64 id, qint64 version, std::span<const engine::Assignment> values)
 {
-    CheckPrimaryKey(*table, values, false);
+    engine::CheckPrimaryKey(*table, values, engine::RowIs::There);
     WriteScope scope(*this);
     SchemaUnderLock();
     TableAccess& access = Access(table);

@@ -82,7 +82,6 @@ private:
     qint64 CookieInFile() const;
     engine::TablePtr RequireTable(const QString& name);
     TableAccess& Access(const engine::TablePtr& table);
-    void CheckPrimaryKey(const engine::Table& table, std::span<const engine::Assignment> values, bool isNewRow) const;
     void CheckNoNullInPrimaryKey(const engine::Table& table);
     /// Takes the lock of a writer, on the file that was opened.
     void BeginWriting();

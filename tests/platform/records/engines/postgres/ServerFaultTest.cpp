@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/DBEngine.h"
 #include "platform/records/RecordsFixture.h"
-#include "platform/records/engines/postgres/CuttingProxy.h"
+#include "platform/records/Transaction.h"
+#include "support/CuttingProxy.h"
 #include "support/TestServer.h"
 
 #include <QElapsedTimer>
@@ -323,6 +324,73 @@ TEST_F(ServerFault, OthersAreToldOfWhatIsCommittedAndWhoDoesItIsNot)
     ASSERT_TRUE(Through_->BeginBeingTold());
     AddRow(*Direct_, QStringLiteral("three"));
     EXPECT_TRUE(isTold(*Through_));
+}
+
+TEST_F(ServerFault, WhoIsToldOfChangesAsksForTheStructureOnlyBehindOne)
+{
+    ASSERT_TRUE(Through_->BeginBeingTold());
+    NamesIn(*Through_);
+    Proxy_.TakeRequests();
+    EXPECT_EQ(Through_->OpenRecordset(QStringLiteral("T"), dbOpenTable)->Fields().Count(), 3);
+    EXPECT_EQ(Proxy_.TakeRequests(), 0);
+    auto field = Direct_->CreateTableDef(QStringLiteral("Unused"))->CreateField(QStringLiteral("Late"), dbText);
+    Direct_->TableDefs().Item(QStringLiteral("T")).Fields().Append(std::move(field));
+    QElapsedTimer timer;
+    timer.start();
+    const auto fields = [&] { return Through_->OpenRecordset(QStringLiteral("T"), dbOpenTable)->Fields().Count(); };
+    while (fields() == 3 && timer.elapsed() < 5000)
+        continue;
+    EXPECT_EQ(fields(), 4);
+    // What the structure took in is still news for who asks for changes.
+    EXPECT_TRUE(Through_->TakeChanges());
+    EXPECT_FALSE(Through_->TakeChanges());
+}
+
+TEST_F(ServerFault, ManyRowsInATransactionTakeARoundTripEach)
+{
+    AddRow(*Through_, QStringLiteral("prepared"));
+    DBEngine::BeginTrans();
+    const auto table = Through_->OpenRecordset(QStringLiteral("T"), dbOpenTable);
+    const auto add = [&] {
+        DBEngine::BeginTrans();
+        table->AddNew();
+        table->SetCollect(QStringLiteral("Name"), QStringLiteral("one of many"));
+        table->Update();
+        DBEngine::CommitTrans();
+    };
+    add();
+    add();
+    Proxy_.TakeRequests();
+    for (int i = 0; i < 20; ++i)
+        add();
+    EXPECT_EQ(Proxy_.TakeRequests(), 20);
+    // One of them alone is taken back.
+    DBEngine::BeginTrans();
+    AddRow(*Through_, QStringLiteral("taken back"));
+    DBEngine::Rollback();
+    DBEngine::CommitTrans();
+    EXPECT_EQ(NamesIn(*Direct_).count(QStringLiteral("one of many")), 22);
+    EXPECT_FALSE(NamesIn(*Direct_).contains(QStringLiteral("taken back")));
+}
+
+TEST_F(ServerFault, ARowThatWasReadUnderTheLockIsNotReadAgainToBeEdited)
+{
+    AddRow(*Direct_, QStringLiteral("one"));
+    const auto table = Through_->OpenRecordset(QStringLiteral("T"), dbOpenTable);
+    table->SetIndex(QStringLiteral("Main"));
+    const Transaction transaction(*Through_);
+    table->Seek(SeekComparison::Equal, {1});
+    Proxy_.TakeRequests();
+    table->Edit();
+    table->SetCollect(QStringLiteral("Name"), QStringLiteral("two"));
+    EXPECT_EQ(Proxy_.TakeRequests(), 0);
+    table->Update();
+    // What was changed since is read again.
+    table->Edit();
+    EXPECT_EQ(table->Collect(QStringLiteral("Name")).toString(), QStringLiteral("two"));
+    table->SetCollect(QStringLiteral("Name"), QStringLiteral("three"));
+    table->Update();
+    EXPECT_EQ(table->Collect(QStringLiteral("Name")).toString(), QStringLiteral("three"));
 }
 
 TEST_F(ServerFault, CommonActionsTakeFewRoundTrips)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/records/engines/postgres/CuttingProxy.h"
+#include "support/CuttingProxy.h"
 
 #include <QFile>
 

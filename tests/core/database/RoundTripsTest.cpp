@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// How often the server is asked by what a desk does all day: the page on servers tells it, and a long line makes it
+// felt.
+
+#include "core/support/StationTest.h"
+#include "database/watch/StationWatch.h"
+#include "platform/directory/EmbeddedDirectory.h"
+#include "platform/records/DBEngine.h"
+#include "prizes/Awarding.h"
+#include "support/CuttingProxy.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+namespace
+{
+
+/// A station and its directory behind a proxy that counts.
+class RoundTripsTest : public StationTest
+{
+protected:
+    RoundTripsTest()
+        : Schema_(TestServer::Shared().NewSchema()),
+          RemovedDirectory_(nullptr,
+                            [this](void*) {
+                                TestServer::Shared().Execute(
+                                    QStringLiteral("DROP SCHEMA IF EXISTS %1_directory CASCADE").arg(Schema_.Name));
+                            }),
+          Proxy_(TestServer::Shared().Folder())
+    {
+        const QString connect =
+            QStringLiteral("host=%1 user=tolva dbname=postgres schema=%2").arg(Proxy_.Folder(), Schema_.Name);
+        const QString directory = Folder.filePath(QStringLiteral("Directory"));
+        QDir().mkpath(directory);
+        dao::DBEngine::CreateLinkedDatabase(FileName(), connect, QString());
+        dao::DBEngine::CreateLinkedDatabase(directory + QStringLiteral("/Directory.mdb"), connect,
+                                            QStringLiteral("directory"));
+        People_.Open(directory);
+        DirectoryUser user{0, QStringLiteral("Petra"), 31};
+        People_.SaveUser(user);
+        People_.SignIn(user.Name);
+        OpenStation();
+        Station->SetDirectoryDatabase(&People_);
+    }
+    ~RoundTripsTest() override
+    {
+        Station->CloseTolvaDatabase();
+        Station->SetDirectoryDatabase(nullptr);
+        People_.Close();
+    }
+
+    int CostOf(const std::function<void()>& action)
+    {
+        Proxy_.TakeRequests();
+        action();
+        return Proxy_.TakeRequests();
+    }
+    /// From then on the server tells of changes, as it does at a desk, which has looked at everything once.
+    void BeDesk()
+    {
+        Tick();
+        Tick();
+    }
+    void Tick()
+    {
+        Station->Watch().Poll(*Station);
+        Station->Watch().MessageStamp();
+        Station->Watch().PrizeStamp();
+        Station->Watch().RefreshFolders();
+    }
+    int List(int rows)
+    {
+        const auto listed =
+            Station->OpenMessageRows({QStringLiteral("Reference"), QStringLiteral("Flags"), QStringLiteral("Message")},
+                                     QStringLiteral("[Category]=1"), QStringLiteral("[Received] DESC"));
+        int count = 0;
+        for (; !listed->AtEOF(); listed->MoveNext())
+            count += (*listed)[QStringLiteral("Message")].Beginning(4096).Utf8.isEmpty() ? 0 : 1;
+        EXPECT_EQ(count, rows);
+        return count;
+    }
+    std::vector<cMessagePtr> NewMessages(int count) const
+    {
+        std::vector<cMessagePtr> messages;
+        for (int i = 0; i < count; ++i) {
+            messages.push_back(MakeMessage(QStringLiteral("Number %1").arg(i)));
+            messages.back()->SetCategory(tmcInbox);
+        }
+        return messages;
+    }
+    void FileBatch(int count)
+    {
+        for (const MessageSaving& saving : Station->SaveMessages(NewMessages(count), [] { return true; }))
+            ASSERT_TRUE(saving.IsSaved());
+    }
+    qint32 NewPrize()
+    {
+        const auto prize = std::make_shared<cPrize>();
+        prize->SetTitle(QStringLiteral("Tickets"));
+        prize->SetNumberSupplied(100);
+        EXPECT_TRUE(Station->SavePrize(prize));
+        return prize->Reference();
+    }
+    /// What the page on servers tells of an action.
+    static int Told(const QString& action)
+    {
+        QFile page(QStringLiteral(TOLVA_DOCUMENTS "/server.md"));
+        EXPECT_TRUE(page.open(QIODevice::ReadOnly));
+        const QRegularExpression line(QStringLiteral("^\\| %1 \\| (\\d+) \\|").arg(QRegularExpression::escape(action)),
+                                      QRegularExpression::MultilineOption);
+        const auto match = line.match(QString::fromUtf8(page.readAll()));
+        return match.hasMatch() ? match.captured(1).toInt() : -1;
+    }
+
+    TestServer::Schema Schema_;
+    std::shared_ptr<void> RemovedDirectory_;
+    CuttingProxy Proxy_;
+    EmbeddedDirectory People_;
+};
+
+TEST_F(RoundTripsTest, AreWhatThePageOnServersTells)
+{
+    FileBatch(3);
+    const qint32 prize = NewPrize();
+    BeDesk();
+    const std::vector<cMessagePtr> fresh = NewMessages(2);
+    EXPECT_TRUE(Station->SaveMessage(fresh[0]));
+    EXPECT_NE(Awarding(*Station).Award(prize, 7).Winner, nullptr);
+    EXPECT_EQ(CostOf([&] { Tick(); }), Told(QStringLiteral("an idle look for changes")));
+    EXPECT_EQ(CostOf([&] { List(4); }), Told(QStringLiteral("a folder of 4 messages")));
+    EXPECT_EQ(CostOf([&] { EXPECT_NE(Station->GetMessage(1), nullptr); }), Told(QStringLiteral("showing a message")));
+    EXPECT_EQ(CostOf([&] { EXPECT_TRUE(Station->SaveMessage(fresh[1])); }), Told(QStringLiteral("saving a message")));
+    EXPECT_EQ(CostOf([&] { EXPECT_TRUE(Station->ChangeMessageFlags(1, mfRead, 0)); }),
+              Told(QStringLiteral("marking a message as read")));
+    EXPECT_EQ(CostOf([&] { EXPECT_NE(Awarding(*Station).Award(prize, 8).Winner, nullptr); }),
+              Told(QStringLiteral("awarding a prize")));
+    EXPECT_EQ(CostOf([&] { FileBatch(100); }), Told(QStringLiteral("filing a batch of 100 messages")));
+    Station->CloseTolvaDatabase();
+    EXPECT_EQ(CostOf([&] { EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0); }),
+              Told(QStringLiteral("opening a station")));
+}
+
+TEST_F(RoundTripsTest, OfAListGrowByOneForManyRows)
+{
+    FileBatch(1000);
+    BeDesk();
+    const int few = CostOf([&] { List(1000); });
+    // The rows themselves, and the beginnings of their mails, 256 at a time once the list is walked.
+    EXPECT_LE(few, 1 + 9 + 3);
+}
+
+} // namespace
