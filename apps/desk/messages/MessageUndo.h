@@ -12,22 +12,37 @@ class NoticeBar;
 class QAction;
 class QWidget;
 
-/// Takes back what this desk deleted or moved, the last first, as long as the window is open: a message goes back to
-/// the folder that it came from, unless somebody has moved it on. What was deleted for ever stays deleted. A line
-/// across the window offers it for a while, a menu entry for as long as there is something. The station outlives it.
-class MoveUndo : public QObject
+/// Takes back what this desk did to messages, the last first, as long as the window is open: moving and deleting,
+/// marking as read and unread, and priorities. Each goes back to what it was, unless somebody has changed the same
+/// meanwhile. What was deleted for ever stays deleted. A line across the window offers it for a while, a menu entry for
+/// as long as there is something. The station outlives it.
+class MessageUndo : public QObject
 {
     Q_OBJECT
 
 public:
-    MoveUndo(DeskStation& station, QWidget& window);
+    enum class Kind
+    {
+        Move, ///< Values are folders.
+        Mark, ///< mfRead or 0.
+        Priority
+    };
+    /// What happened to one message.
+    struct Change
+    {
+        qint32 Reference = 0;
+        qint32 Before = 0;
+        qint32 After = 0;
+    };
+
+    MessageUndo(DeskStation& station, QWidget& window);
 
     NoticeBar& Notice() { return *Notice_; }
     /// "Undo" with its key; the window's menu owns it.
     QAction* Action() { return Action_; }
 
-    /// A message was moved here from another folder.
-    void Take(const cMessagePtr& message, enTolvaMessageCategories from);
+    /// One step, of changes of one kind. subject: of the only message; it is not used for several.
+    void Take(Kind kind, const QList<Change>& changes, const QString& subject = QString());
     void Undo();
     /// Nothing can be taken back any more: the file is another one.
     void Forget();
@@ -35,27 +50,39 @@ public:
     static constexpr int NoticeMilliseconds = 15000;
 
 Q_SIGNALS:
-    void MovedBack(qint32 reference);
+    /// These were put back as they were, as far as they could be.
+    void TakenBack(const QList<qint32>& references);
     /// What was done, or why not, in words.
     void Told(const QString& words);
 
 private:
-    struct Move
+    struct Step
     {
-        qint32 Reference = 0;
-        enTolvaMessageCategories From = tmcInbox;
-        enTolvaMessageCategories To = tmcInbox;
-        QString Subject;
+        Kind What = Kind::Move;
+        QList<Change> Changes;
+        QString Subject; ///< Of a single message, or "3 messages".
+    };
+    enum class Outcome
+    {
+        Back,
+        Gone,     ///< Deleted for ever meanwhile.
+        MovedOn,  ///< Somebody did something else with it.
+        NoFolder, ///< Where it came from is no folder any more.
+        Refused   ///< Could not be stored; tried again when the user does.
     };
 
+    Outcome TakeBack(Kind kind, const Change& change);
+    void TellOne(const Step& step, Outcome outcome);
+    void TellSeveral(const Step& step, qsizetype back, qsizetype others);
+    QString NoticeOf(const Step& step) const;
     QString FolderName(qint32 reference) const;
-    /// Whether the move can be forgotten: taken back, or past it.
-    bool TakeBack(const Move& move);
+    QString RefusedWords(const Step& step) const;
     void ShowState();
 
     DeskStation& Station_;
     NoticeBar* Notice_;
     QAction* Action_;
     QTimer NoticeTimer_;
-    QList<Move> Moves_;
+    QList<Step> Steps_;
+    qint32 FolderNow_ = 0; ///< Where the message is that was moved on.
 };
