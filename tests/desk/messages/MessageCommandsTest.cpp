@@ -219,6 +219,7 @@ TEST_F(MessageCommandsTest, AFolderIsFoundByTypingAndTheLastOneStandsFirst)
     EXPECT_EQ(MessagesIn(tmcSaved), QList<qint32>{one});
     EXPECT_EQ(Notice("moveNotice").Text(), QStringLiteral("“One” was moved to Saved."));
     EXPECT_EQ(List().SelectedReference(), two);
+    Window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
     {
         const DialogVisitor visitor(

@@ -29,8 +29,9 @@ public:
     }
     ~WithoutRights()
     {
-        if (IsOther_)
+        if (IsOther_) {
             EXPECT_EQ(::seteuid(0), 0);
+        }
         for (const QString& path : std::as_const(Changed_))
             ::chmod(QFile::encodeName(path).constData(), 0755);
     }

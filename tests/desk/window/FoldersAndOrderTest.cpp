@@ -22,6 +22,7 @@ protected:
         editor->selectAll();
         QTest::keyClicks(editor, name);
         QTest::keyClick(editor, Qt::Key_Return);
+        EXPECT_TRUE(WaitUntil([this] { return !Tree().IsEditingLabel(); })); // the editor takes its time
     }
     static QByteArray Dated(const QByteArray& subject, const QByteArray& sent, const QByteArray& received)
     {
