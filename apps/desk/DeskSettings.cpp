@@ -3,6 +3,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -85,4 +86,10 @@ QString DeskSettings::Appearance() const
 void DeskSettings::SetAppearance(const QString& appearance)
 {
     Settings_->setValue(AppearanceKey, appearance);
+}
+
+QString DeskSettings::UnsentFolder() const
+{
+    const QFileInfo file(Settings_->fileName());
+    return file.dir().filePath(file.completeBaseName() + QStringLiteral("-unsent"));
 }

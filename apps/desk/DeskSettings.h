@@ -36,6 +36,9 @@ public:
     QByteArray State(const QString& name) const;
     void SetState(const QString& name, const QByteArray& state);
 
+    /// Where texts that are being written are kept, beside the file.
+    QString UnsentFolder() const;
+
     /// "light", "dark", or empty for the system's colours.
     QString Appearance() const;
     void SetAppearance(const QString& appearance);

@@ -4,6 +4,7 @@
 #include "platform/Export.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -25,11 +26,13 @@ public:
     QString Filter;      ///< "Databases|*.MDB", pairs of words and pattern.
     int FilterIndex = 1; ///< From 1.
     QString DialogTitle;
-    int Flags = 0; ///< 4: hide read only, 4096: the file must exist, 2: ask before overwriting, 8: keep the folder.
+    int Flags = 0; ///< 4: hide read only, 4096: the file must exist, 2: ask before overwriting, 8: keep the folder,
+                   ///< 512: several files can be opened.
     bool CancelError = false;
     QString InitDir;
-    QString Filename;   ///< The proposed name, and the chosen one with its whole path afterwards.
-    QString DefaultExt; ///< Without the dot; what a typed name without an extension gets.
+    QString Filename;      ///< The proposed name, and the chosen one with its whole path afterwards.
+    QStringList Filenames; ///< All that were chosen to be opened, with flag 512.
+    QString DefaultExt;    ///< Without the dot; what a typed name without an extension gets.
 
     /// Asks for a file to open; Filename and FilterIndex hold the choice afterwards. When the user cancels both stay as
     /// they were, and dao::Error 32755 is thrown when CancelError is set.

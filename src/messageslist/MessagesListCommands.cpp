@@ -59,14 +59,30 @@ cMessagePtr uMessagesList::SelectedMessage() const
     return clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(SelectedReference_) : nullptr;
 }
 
+/// Asks the host first. True when it did it by itself, or took the list away.
+bool uMessagesList::IsTakenByHost(MessagesListCommand command)
+{
+    const bool isOfAll = command == MessagesListCommand::MarkAllRead || command == MessagesListCommand::MarkAllUnread;
+    const QPointer<uMessagesList> self(this);
+    bool isTaken = false;
+    Q_EMIT CommandWanted(command, isOfAll ? References() : SelectedReferences(), isTaken);
+    return isTaken || !self;
+}
+
+void uMessagesList::PriorityCommand(MessagesListCommand command)
+{
+    IsTakenByHost(command);
+}
+
 void uMessagesList::NewCommand()
 {
     if (!clsTolvaDatabase_)
         return;
     const QPointer<uMessagesList> self(this);
     Q_EMIT NewMessage(std::make_shared<cMessage>());
+    // The rows that are the same stay as they are.
     if (self)
-        UpdateDisplay();
+        Display(Reading::ChangedRows);
 }
 
 void uMessagesList::OpenCommand()
@@ -79,6 +95,8 @@ void uMessagesList::OpenCommand()
 
 void uMessagesList::PrintCommand()
 {
+    if (IsTakenByHost(MessagesListCommand::Print))
+        return;
     if (const cMessagePtr message = SelectedMessage())
         Q_EMIT PrintMessage(message);
 }
@@ -123,6 +141,8 @@ void uMessagesList::CopyCommand()
 
 void uMessagesList::ExportCommand()
 {
+    if (IsTakenByHost(MessagesListCommand::Export))
+        return;
     const cMessagePtr message = SelectedMessage();
     if (!message)
         return;
@@ -146,6 +166,12 @@ void uMessagesList::ExportCommand()
 }
 
 void uMessagesList::DeleteCommand()
+{
+    if (!IsTakenByHost(MessagesListCommand::Delete))
+        DeleteMessage();
+}
+
+void uMessagesList::DeleteMessage()
 {
     if (SelectedReference_ <= 0)
         return;
@@ -173,13 +199,15 @@ void uMessagesList::DeleteCommand()
         return;
     const enTolvaMessageCategories from = message->Category();
     message->SetCategory(tmcDeleted);
-    Display(Reading::ChangedRows);
+    ShowChanges(WhenGone::SelectNext);
     if (self && !permanently)
         Q_EMIT MessageMoved(message, from);
 }
 
 void uMessagesList::MarkCommand(bool read)
 {
+    if (IsTakenByHost(read ? MessagesListCommand::MarkRead : MessagesListCommand::MarkUnread))
+        return;
     if (!clsTolvaDatabase_)
         return;
     const cMessagePtr message = SelectedMessage();
@@ -196,7 +224,8 @@ void uMessagesList::MarkCommand(bool read)
 
 void uMessagesList::MarkAllCommand(bool read)
 {
-    if (!clsTolvaDatabase_)
+    if (!clsTolvaDatabase_ ||
+        IsTakenByHost(read ? MessagesListCommand::MarkAllRead : MessagesListCommand::MarkAllUnread))
         return;
     const BusyPointer busy;
     if (DisplayMessageList_)

@@ -45,6 +45,15 @@ qint32 ReferenceIn(const QString& text)
 {
     return GetKeyValue(text, MessagesListTexts::ReferenceKey, QStringLiteral(" ")).toInt();
 }
+/// All messages that are dragged.
+QList<qint32> ReferencesIn(const QString& text)
+{
+    QList<qint32> references;
+    const QString all = GetKeyValue(text, MessagesListTexts::AllKey, QStringLiteral(" "));
+    for (const QString& number : all.split(u',', Qt::SkipEmptyParts))
+        references.append(number.toInt());
+    return references.isEmpty() ? QList<qint32>{ReferenceIn(text)} : references;
+}
 } // namespace
 
 void uMessagesList::TakeDragOver(const QMimeData& dragged, const QPointF& twips, Qt::DropAction& effect)
@@ -102,12 +111,18 @@ void uMessagesList::DropMessage(const QString& text, const QString& node, Qt::Dr
 {
     if (!MayEditMessages())
         return;
+    const QPointer<uMessagesList> self(this);
+    bool isTaken = false;
+    Q_EMIT MessagesDropped(ReferencesIn(text), static_cast<enTolvaMessageCategories>(CategoryOfKey(node)), isTaken);
+    if (isTaken || !self || !clsTolvaDatabase_) {
+        effect = Qt::MoveAction;
+        return;
+    }
     const cMessagePtr message = clsTolvaDatabase_->ReadMessage(ReferenceIn(text));
     if (!message)
         return;
     const enTolvaMessageCategories from = message->Category();
     message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));
-    const QPointer<uMessagesList> self(this);
     cTolvaDatabase& database = *clsTolvaDatabase_;
     const bool isSaved = database.SaveMessage(message);
     if (!isSaved)
@@ -148,6 +163,12 @@ void uMessagesList::DropFiles(const QStringList& files, const QString& node, Qt:
     if (file == files.end() || CategoryOfKey(node) <= 0)
         return;
     const QPointer<uMessagesList> self(this);
+    bool isTaken = false;
+    Q_EMIT FilesDropped(files, static_cast<enTolvaMessageCategories>(CategoryOfKey(node)), isTaken);
+    if (isTaken || !self || !clsTolvaDatabase_) {
+        effect = Qt::CopyAction;
+        return;
+    }
     if (const cMessagePtr message = LoadMessageFromEml(*file)) {
         message->SetReference(0);
         message->SetCategory(static_cast<enTolvaMessageCategories>(CategoryOfKey(node)));

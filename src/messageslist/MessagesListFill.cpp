@@ -35,6 +35,7 @@ void uMessagesList::ReadRows(Reading reading, RowsRead& read)
     Q_EMIT UpdateDisplay(CurrentQuery_);
     if (!self || Target() != target)
         return;
+    read.IsOtherQuery = query != ShownQuery_ || ShownOpening_ != clsTolvaDatabase_->Openings();
     if (DisplayMessageList_ && !RowsFollow_ && (reading == Reading::AllRows || !DrawChanges(query, read)))
         Fill(query, read);
     read.IsRead = true;

@@ -34,8 +34,11 @@ void uMessagesList::TakeGridKey(QKeyEvent* event)
         break;
     case Qt::Key_Delete:
         event->accept();
-        if (Entry("mnuDelete")->isEnabled())
-            Handle("grdMessages_KeyDown", [this] { DeleteCommand(); });
+        Handle("grdMessages_KeyDown", [this] {
+            const QPointer<uMessagesList> self(this);
+            if (!IsTakenByHost(MessagesListCommand::Delete) && self && Entry("mnuDelete")->isEnabled())
+                DeleteMessage();
+        });
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -62,38 +65,52 @@ void uMessagesList::StartGridDrag()
     const cMessagePtr message = SelectedMessage();
     if (!message)
         return;
+    const QList<qint32> references = SelectedReferences();
     auto* dragged = new DragData; // the drag destroys it
-    dragged->SetText(
-        QStringLiteral("%1 Reference=\"%2\"").arg(MessagesListTexts::MessageWord).arg(message->Reference()));
-    dragged->PromiseFiles(
-        [self, reference = message->Reference()] { return self ? self->WritePromisedFile(reference) : QStringList(); });
+    QString text = QStringLiteral("%1 Reference=\"%2\"").arg(MessagesListTexts::MessageWord).arg(message->Reference());
+    if (references.size() > 1) {
+        QStringList numbers;
+        for (const qint32 reference : references)
+            numbers.append(QString::number(reference));
+        text += QStringLiteral(" %1=\"%2\"").arg(MessagesListTexts::AllKey, numbers.join(u','));
+    }
+    dragged->SetText(text);
+    dragged->PromiseFiles([self, references] { return self ? self->WritePromisedFiles(references) : QStringList(); });
     DragRunner::Run(*grdList_, dragged, Qt::CopyAction | Qt::MoveAction);
 }
 
-/// Writes the dragged message, whatever is selected by now, into the folder of temporary files when a target asks for
-/// the promised file. The file is named by the subject as it stands; a subject that leads out of that folder gives no
-/// file.
-QStringList uMessagesList::WritePromisedFile(qint32 reference)
+QStringList uMessagesList::WritePromisedFiles(const QList<qint32>& references)
 {
     QStringList files;
-    Handle("grdMessages_OLESetData", [&] {
-        const cMessagePtr message = clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(reference) : nullptr;
-        const QString temporary = GetTempFile(QString(), QStringLiteral("TMP"));
-        if (!message || temporary.isEmpty())
-            return;
-        QFile::remove(temporary);
-        const QString folder = FileHelper::FolderOf(temporary);
-        const QString subject = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestFileName);
-        const QString path = FileHelper::Join(folder, subject + QStringLiteral(".eml"));
-        if (QFileInfo(path).absolutePath() != QFileInfo(temporary).absolutePath() || subject.contains(u'\0')) {
-            throw dao::Error(
-                dao::errNotSupported,
-                QStringLiteral("\"%1\" cannot be the name of a file. Please export the message.").arg(subject));
-        }
-        SaveMessageAsEml(message, path);
-        if (!PromisedFiles_.contains(path))
-            PromisedFiles_.append(path);
-        files.append(path);
-    });
+    for (const qint32 reference : references) {
+        Handle("grdMessages_OLESetData", [&] {
+            if (const QString file = WritePromisedFile(reference); !file.isEmpty())
+                files.append(file);
+        });
+    }
     return files;
+}
+
+/// Writes a dragged message, whatever is selected by now, into the folder of temporary files when a target asks for the
+/// promised file; its path. The file is named by the subject as it stands; a subject that leads out of that folder
+/// gives no file.
+QString uMessagesList::WritePromisedFile(qint32 reference)
+{
+    const cMessagePtr message = clsTolvaDatabase_ ? clsTolvaDatabase_->ReadMessage(reference) : nullptr;
+    const QString temporary = GetTempFile(QString(), QStringLiteral("TMP"));
+    if (!message || temporary.isEmpty())
+        return QString();
+    QFile::remove(temporary);
+    const QString folder = FileHelper::FolderOf(temporary);
+    const QString subject = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestFileName);
+    const QString path = FileHelper::Join(folder, subject + QStringLiteral(".eml"));
+    if (QFileInfo(path).absolutePath() != QFileInfo(temporary).absolutePath() || subject.contains(u'\0')) {
+        throw dao::Error(
+            dao::errNotSupported,
+            QStringLiteral("\"%1\" cannot be the name of a file. Please export the message.").arg(subject));
+    }
+    SaveMessageAsEml(message, path);
+    if (!PromisedFiles_.contains(path))
+        PromisedFiles_.append(path);
+    return path;
 }

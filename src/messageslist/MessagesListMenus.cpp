@@ -72,9 +72,13 @@ void uMessagesList::MakeMessageMenu()
     addMark(menu, "mnuMarkAllRead2", "Mark all as &Unread", &uMessagesList::MarkAllCommand, false);
     AddSeparator(menu, "mnuPrioritySep");
     QMenu& priority = AddSubMenu(menu, "mnuChangePriority", "Change Message Priority");
-    AddEntry(priority, "mnuPriority0", "Low Priority");
-    AddEntry(priority, "mnuPriority1", "&Normal Priority");
-    AddEntry(priority, "mnuPriority2", "&High Priority");
+    const auto addPriority = [&](const char* name, const char* caption, MessagesListCommand command) {
+        connect(AddEntry(priority, name, caption), &QAction::triggered, this,
+                [this, name, command] { Handle(name, [this, command] { PriorityCommand(command); }); });
+    };
+    addPriority("mnuPriority0", "Low Priority", MessagesListCommand::LowPriority);
+    addPriority("mnuPriority1", "&Normal Priority", MessagesListCommand::NormalPriority);
+    addPriority("mnuPriority2", "&High Priority", MessagesListCommand::HighPriority);
     AddSeparator(menu, "mnuPrintSep");
     add(menu, "mnuCopy", "&Copy", &uMessagesList::CopyCommand);
     add(menu, "mnuPrint", "&Print Message", &uMessagesList::PrintCommand);
@@ -148,7 +152,7 @@ void uMessagesList::EnableCategoryMenu()
     const QString selected = treeCategories_->SelectedKey();
     const bool canEditCategories = MayEditCategories();
     const bool canEditMessages = MayEditMessages();
-    const bool isOwn = canEditCategories && CurrentCategory_ > 0 && !treeCategories_->ParentKey(selected).isEmpty();
+    const bool isOwn = canEditCategories && CurrentCategory_ > 0 && MayChangeFolder(selected);
     Entry("mnuDeleteFolder")->setEnabled(isOwn);
     Entry("mnuRenameFolder")->setEnabled(isOwn);
     // A folder's own ampersand is no access key.

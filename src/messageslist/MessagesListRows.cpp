@@ -2,6 +2,7 @@
 
 // The rows of the messages list: what a message looks like in the grid.
 
+#include "common/ClockHelper.h"
 #include "common/GeneralHelper.h"
 #include "common/controls/GridColumn.h"
 #include "database/cTolvaDatabase.h"
@@ -32,6 +33,10 @@ constexpr qsizetype LongestKept = 2000;
 constexpr int UrgentPriority = 1;
 constexpr qint32 PureRed = 255;
 const QString DateFormat = QStringLiteral("ddd dd mmm hh:nn");
+const QString DateFormatWithYear = QStringLiteral("ddd dd mmm yyyy hh:nn");
+const QString Year = QStringLiteral("yyyy");
+/// Days: clocks that are set by hand differ by less.
+constexpr double ClocksDiffer = 1.0 / 24;
 
 /// What a row shows to the eye only, in words.
 QString SpokenState(const MessageLook& look, bool isRead)
@@ -60,6 +65,8 @@ struct RowSource
     Date Stamp;
     qint32 Reference;
     bool HasDateLine; ///< The date stands under the subject.
+    bool HasYear;     ///< The date shows its year.
+    bool IsAhead;     ///< The date is still to come.
     Fitting Fit;
 };
 
@@ -72,7 +79,10 @@ struct GridSpace
 
 QString DateText(const RowSource& row)
 {
-    return row.Stamp.IsNone() ? QString() : row.Stamp.Format(DateFormat);
+    if (row.Stamp.IsNone())
+        return QString();
+    const QString date = row.Stamp.Format(row.HasYear ? DateFormatWithYear : DateFormat);
+    return row.IsAhead ? uMessagesList::tr("%1, a date in the future").arg(date) : date;
 }
 
 QString SubjectText(const RowSource& row)
@@ -194,7 +204,11 @@ void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
 
 void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool bold)
 {
-    RowSource source{look.Subject, look.From, stamp, look.Reference, DoubleHeightRows_, SubjectFitting(bold)};
+    const Date now = ClockHelper::CurrentTime();
+    const bool saysYear = ShowsOtherYears_ && !stamp.IsNone() && stamp.Format(Year) != now.Format(Year);
+    const bool isAhead = ShowsOtherYears_ && stamp.DayNumber() > now.DayNumber() + ClocksDiffer;
+    RowSource source{look.Subject,      look.From, stamp,   look.Reference,
+                     DoubleHeightRows_, saysYear,  isAhead, SubjectFitting(bold)};
     for (const int column : {colReference, colHead})
         grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     // The date that such a row keeps may not have been made yet.
@@ -256,7 +270,10 @@ void uMessagesList::TakeSelection()
     const int row = grdList_->Row();
     if (row < 1) {
         SelectedReference_ = 0;
-        Q_EMIT MessageSelected(nullptr);
+        if (const qint32 left = std::exchange(LeftReference_, 0); left > 0)
+            Q_EMIT MessageLeft(left);
+        else
+            Q_EMIT MessageSelected(nullptr);
         return;
     }
     SelectedReference_ = ReferenceOfRow(row);
@@ -264,4 +281,10 @@ void uMessagesList::TakeSelection()
         return;
     if (const cMessagePtr message = clsTolvaDatabase_->ReadMessage(SelectedReference_))
         Q_EMIT MessageSelected(message);
+}
+
+void uMessagesList::TakeChoice()
+{
+    if (!IsBusy_ && SelectedReference_ > 0)
+        Q_EMIT MessageChosen(SelectedReference_);
 }

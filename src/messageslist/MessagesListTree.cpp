@@ -38,9 +38,25 @@ void uMessagesList::UpdateCategories()
     if (!IsReady_ || !HasDatabase())
         return;
     FillTree(clsTolvaDatabase_->MessageCategories(), *treeCategories_, QStringLiteral("c"));
+    for (const qint32 folder : UnreadCounts_.keys())
+        ShowUnreadCount(folder);
     ShownFolders_ = FolderSignature(clsTolvaDatabase_->MessageCategories());
     if (treeCategories_->SelectedKey().isEmpty())
         SetCategory(CurrentCategory_);
+}
+
+void uMessagesList::SetUnreadCounts(const QHash<qint32, int>& counts)
+{
+    QList<qint32> folders = UnreadCounts_.keys() + counts.keys();
+    UnreadCounts_ = counts;
+    for (const qint32 folder : std::as_const(folders))
+        ShowUnreadCount(folder);
+}
+
+void uMessagesList::ShowUnreadCount(qint32 folder)
+{
+    const int count = UnreadCounts_.value(folder);
+    treeCategories_->SetNodeCount(CategoryKey(folder), count, tr("%1 unread").arg(count));
 }
 
 void uMessagesList::TakeNodeClick(const QString& key)
@@ -75,7 +91,18 @@ void uMessagesList::TakeTreeKey(QKeyEvent* event)
 void uMessagesList::BeforeRename(bool& cancel)
 {
     const QString key = treeCategories_->SelectedKey();
-    cancel = key.isEmpty() || treeCategories_->ParentKey(key).isEmpty();
+    cancel = !MayChangeFolder(key);
+}
+
+/// Whether a folder is one of those that are renamed and deleted, whatever the user's rights are.
+bool uMessagesList::MayChangeFolder(const QString& key) const
+{
+    if (key.isEmpty() || !treeCategories_->ParentKey(key).isEmpty())
+        return !key.isEmpty();
+    const clsCategory* folder = EditsTopFolders_ && clsTolvaDatabase_
+                                    ? clsTolvaDatabase_->MessageCategories().FindCategory(CategoryOfKey(key))
+                                    : nullptr;
+    return folder && folder->Reference() > 0 && !folder->IsFixed();
 }
 
 void uMessagesList::Rename(bool& cancel, const QString& newText)
@@ -162,16 +189,29 @@ void uMessagesList::StartTreeDrag()
 void uMessagesList::NewFolder()
 {
     const QString selected = treeCategories_->SelectedKey();
-    if (selected.isEmpty() || !HasDatabase())
-        return;
+    if (!selected.isEmpty() && HasDatabase())
+        MakeFolder(selected, CurrentCategory_);
+}
+
+void uMessagesList::NewTopFolder()
+{
+    Handle("NewTopFolder", [this] {
+        if (HasDatabase() && EditsTopFolders_ && MayEditCategories())
+            MakeFolder(QString(), 0);
+    });
+}
+
+/// parentKey: the node that it is shown below; empty for the top.
+void uMessagesList::MakeFolder(const QString& parentKey, qint32 parentReference)
+{
     clsCategory& root = clsTolvaDatabase_->MessageCategories();
-    clsCategory* parent = CurrentCategory_ != 0 ? root.FindCategory(CurrentCategory_) : &root;
+    clsCategory* parent = parentReference != 0 ? root.FindCategory(parentReference) : &root;
     if (!parent)
         return;
     auto added = std::make_unique<clsCategory>();
-    added->SetParentReference(CurrentCategory_);
+    added->SetParentReference(parentReference);
     added->SetReference(static_cast<qint16>(clsTolvaDatabase_->LastMessageCategoryReference() + 1));
-    added->SetDescription(QStringLiteral("New Category"));
+    added->SetDescription(NewFolderName_);
     // The tree in memory takes it only when it is stored: whatever fails leaves no folder there that is none.
     if (!clsTolvaDatabase_->SaveMessageCategory(*added, true))
         return;
@@ -184,8 +224,8 @@ void uMessagesList::NewFolder()
     } else {
         parent->AddSubCategory(std::move(added));
     }
-    treeCategories_->Expand(selected);
-    treeCategories_->AddNode(selected, key, name, Icons::Get(QStringLiteral("smallclosedfolder")),
+    treeCategories_->Expand(parentKey);
+    treeCategories_->AddNode(parentKey, key, name, Icons::Get(QStringLiteral("smallclosedfolder")),
                              Icons::Get(QStringLiteral("smallopenfolder")));
     treeCategories_->SortChildren(key);
     treeCategories_->EnsureVisible(key);

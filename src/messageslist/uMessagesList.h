@@ -21,6 +21,21 @@ enum enMessagesListSortOrder : qint32
     mlsoReceived = 1
 };
 
+/// What the user wants done with messages, where a host may do it in the list's place.
+enum class MessagesListCommand
+{
+    Delete,
+    MarkRead,
+    MarkUnread,
+    MarkAllRead, ///< Of all rows on show; so is the next.
+    MarkAllUnread,
+    LowPriority, ///< The list itself changes no priority.
+    NormalPriority,
+    HighPriority,
+    Print,
+    Export
+};
+
 /// The contact desk's messages: a tree of folders, a find bar and a grid of messages. A host places it on a form, sets
 /// TolvaDatabase and takes the events; it opens no editor by itself. It holds no message: a row shows one that was
 /// fetched, and every command fetches it anew. All on the user interface thread.
@@ -72,6 +87,17 @@ public:
     void SetCategory(enTolvaMessageCategories category);
     /// Selects the row of that message. False when it is not on show.
     bool SelectMessage(qint32 reference) { return Select(reference); }
+    /// Off at first: folders at the top of the tree are neither renamed nor deleted here. On: those that are not fixed
+    /// are, and NewTopFolder makes one.
+    void SetEditsTopFolders(bool on) { EditsTopFolders_ = on; }
+    void NewTopFolder();
+    /// What a new folder is called until its maker types another name; "New Category" at first.
+    void SetNewFolderName(const QString& name) { NewFolderName_ = name; }
+    /// Off at first: dates show no year. On: those of another year than this one do.
+    void SetShowsOtherYears(bool on) { ShowsOtherYears_ = on; }
+    /// How many unread messages stand in each folder, by its number, for the tree to show behind the names. Those that
+    /// are missing have none; so have all at first.
+    void SetUnreadCounts(const QHash<qint32, int>& counts);
     /// The tabs above the rows: everybody's messages and one's own, one's own alone, and all.
     void SetTabs(const QStringList& captions);
     bool DisplayNewMessage() const { return DisplayNewMessage_; }
@@ -108,6 +134,19 @@ Q_SIGNALS:
     void UpdateDisplay(QString& SQLQuery);
     /// A dropped file holds no mail that could be filed.
     void ImportRefused(const QString& FileName);
+    /// The user pointed at the selected message, by mouse, keys or an assistive tool, be it the one that was selected
+    /// before: it is not only on show because a folder was opened. After MessageSelected.
+    void MessageChosen(qint32 Reference);
+    /// Where SelectsByReference: the selected message is not among the rows any more, by somebody else's doing, and
+    /// none is selected instead. In place of MessageSelected.
+    void MessageLeft(qint32 Reference);
+    /// Before a command of the menu or the keys; References are of the selected messages. A host that does it by itself
+    /// sets IsTaken, otherwise the list does it, for the current message alone.
+    void CommandWanted(MessagesListCommand Command, const QList<qint32>& References, bool& IsTaken);
+    /// The same of messages that were dropped on a folder,
+    void MessagesDropped(const QList<qint32>& References, enTolvaMessageCategories Folder, bool& IsTaken);
+    /// and of files. A list whose host does not take them files the first mail among them.
+    void FilesDropped(const QStringList& Files, enTolvaMessageCategories Folder, bool& IsTaken);
 
 private:
     /// What UpdateDisplay makes its query of.
@@ -169,12 +208,14 @@ private:
     std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     void TakeSelection() override;
+    void TakeChoice() override;
 
     // The grid's keys, mouse and drag; MessagesListGrid.cpp.
     void TakeGridKey(QKeyEvent* event);
     bool IsDragStart(const QPointF& twips) const override;
     void StartGridDrag() override;
-    QStringList WritePromisedFile(qint32 reference);
+    QStringList WritePromisedFiles(const QList<qint32>& references);
+    QString WritePromisedFile(qint32 reference);
 
     // The tree; MessagesListTree.cpp.
     void TakeNodeClick(const QString& key) override;
@@ -186,6 +227,9 @@ private:
     void BeforeRename(bool& cancel);
     void Rename(bool& cancel, const QString& newText);
     void NewFolder();
+    void MakeFolder(const QString& parentKey, qint32 parentReference);
+    void ShowUnreadCount(qint32 folder);
+    bool MayChangeFolder(const QString& key) const;
     void DeleteFolder();
     void EmptyFolder();
     std::unique_ptr<clsCategory> StoredCategory(qint32 reference);
@@ -211,6 +255,8 @@ private:
 
     // Commands; MessagesListCommands.cpp.
     cMessagePtr SelectedMessage() const;
+    bool IsTakenByHost(MessagesListCommand command);
+    void PriorityCommand(MessagesListCommand command);
     void NewCommand() override;
     void OpenCommand() override;
     void PrintCommand();
@@ -219,6 +265,7 @@ private:
     void CopyCommand();
     void ExportCommand();
     void DeleteCommand();
+    void DeleteMessage();
     void MarkCommand(bool read);
     void MarkAllCommand(bool read);
     void MarkAllRows(bool read);
@@ -233,9 +280,13 @@ private:
     Query ShownQuery_; ///< Of the rows on show.
     int ShownOpening_ = 0;
     quint64 ShownFolders_ = 0; ///< Signature of the tree.
+    QHash<qint32, int> UnreadCounts_;
     QPointF TreeDragStart_;
     bool DisplayNewMessage_ = true;
     bool DisplayMessageList_ = true;
+    bool EditsTopFolders_ = false;
+    bool ShowsOtherYears_ = false;
+    QString NewFolderName_ = QStringLiteral("New Category");
     qint32 SortOrder_ = mlsoSent;
     enTolvaMessageCategories CurrentCategory_ = static_cast<enTolvaMessageCategories>(0);
     QString CurrentQuery_;

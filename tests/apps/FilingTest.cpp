@@ -6,7 +6,11 @@
 
 #include <QDir>
 #include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSet>
+
+#include <algorithm>
 
 class FilingTest : public CommandLineTest
 {
@@ -59,6 +63,21 @@ TEST_F(FilingTest, OneMailOnStandardInputIsFiled)
     EXPECT_EQ(RawOf(Messages().first()), Mail("Through the pipe"));
     EXPECT_EQ(OnStation("file", {QStringLiteral("-")}, Mail("By the dash")).Code, 0);
     EXPECT_EQ(Messages().size(), 2);
+}
+
+TEST_F(FilingTest, MailThatItsSenderMarkedAsUrgentIsFiledAsUrgent)
+{
+    for (const char* header :
+         {"X-Priority: 1\r\n", "Importance: high\r\n", "Priority: urgent\r\n", "X-Priority: 3\r\n"})
+        EXPECT_EQ(OnStation("file", {}, header + Mail("Now")).Code, 0);
+    QList<int> priorities;
+    for (const QJsonObject& message : Messages()) {
+        const QString reference = QString::number(message.value(QStringLiteral("reference")).toInt());
+        const QByteArray shown = Expect("show", {reference, QStringLiteral("--json")});
+        priorities.append(QJsonDocument::fromJson(shown).object().value(QStringLiteral("priority")).toInt());
+    }
+    std::sort(priorities.begin(), priorities.end());
+    EXPECT_EQ(priorities, (QList<int>{0, 1, 1, 1}));
 }
 
 TEST_F(FilingTest, OctetsOfEveryValueAndLongLinesComeBack)

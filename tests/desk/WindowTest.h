@@ -4,6 +4,7 @@
 #include "DeskSettings.h"
 #include "DeskTest.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/widgets/FlexGrid.h"
 #include "window/MainWindow.h"
 
 #include <QtTest>
@@ -40,6 +41,19 @@ protected:
             EXPECT_TRUE(Window->close());
             Window.reset();
         }
+    }
+
+    /// Goes to the row of that message by the keys, as a user does.
+    static void SelectByKeys(MainWindow& window, qint32 reference)
+    {
+        auto* grid = window.List().findChild<FlexGrid*>(QStringLiteral("grdMessages"));
+        const auto row = static_cast<int>(window.List().References().indexOf(reference)) + 1;
+        ASSERT_GT(row, 0) << "no row of " << reference;
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_Home);
+        for (int i = 1; i < row; ++i)
+            QTest::keyClick(grid, Qt::Key_Down);
+        ASSERT_EQ(window.List().SelectedReference(), reference);
     }
 
     std::unique_ptr<DeskSettings> Settings;

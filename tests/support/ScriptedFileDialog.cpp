@@ -46,8 +46,10 @@ void ScriptedFileDialog::Answer(FileDialog& dialog, Kind kind)
     } else {
         const Expectation expected = Expected_.takeFirst();
         isCancelled = expected.Cancelled;
-        if (!isCancelled)
+        if (!isCancelled) {
             dialog.Filename = expected.Choice;
+            dialog.Filenames = expected.Choices.isEmpty() ? QStringList(expected.Choice) : expected.Choices;
+        }
     }
     if (isCancelled && dialog.CancelError)
         throw dao::Error(dao::errCancelled, QStringLiteral("Cancel was selected."));

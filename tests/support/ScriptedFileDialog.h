@@ -37,6 +37,10 @@ public:
 
     /// The user chooses this file.
     void ExpectOpen(const QString& choice) { Expected_.append({Kind::Open, false, choice}); }
+    void ExpectOpenSeveral(const QStringList& choice)
+    {
+        Expected_.append({Kind::Open, false, choice.value(0), choice});
+    }
     void ExpectSave(const QString& choice) { Expected_.append({Kind::Save, false, choice}); }
     void ExpectOpenCancelled() { Expected_.append({Kind::Open, true, QString()}); }
     void ExpectSaveCancelled() { Expected_.append({Kind::Save, true, QString()}); }
@@ -51,6 +55,7 @@ private:
         Kind Shown;
         bool Cancelled;
         QString Choice;
+        QStringList Choices = {};
     };
     void Answer(FileDialog& dialog, Kind kind);
 

@@ -5,9 +5,11 @@
 #include "AddressBox.h"
 #include "Addresses.h"
 #include "BodyEdit.h"
+#include "SendingDoubt.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
 #include "common/FileDialog.h"
+#include "common/UserInterface.h"
 #include "platform/records/Error.h"
 #include "platform/widgets/Icons.h"
 #include "station/DeskStation.h"
@@ -69,6 +71,7 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
     MakeActions();
     Show(composition);
     Stored_ = Current();
+    Begun_ = Stored_;
     UpdateTitle();
     connect(Subject_, &QLineEdit::textChanged, this, &ComposeWindow::UpdateTitle);
     for (AddressBox* box : {To_, CC_, BCC_}) {
@@ -76,6 +79,8 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
         connect(box, &AddressBox::ContactWanted, this, &ComposeWindow::ContactWanted);
     }
     connect(Body_, &BodyEdit::FilesOffered, this, &ComposeWindow::AddFiles);
+    KeepTimer_.setInterval(KeepMilliseconds);
+    connect(&KeepTimer_, &QTimer::timeout, this, &ComposeWindow::KeepUnsent);
     resize(720, 560);
 }
 
@@ -169,6 +174,8 @@ void ComposeWindow::MakeActions()
                           {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A)});
     Remove_ = add("removeFiles", QStringLiteral("delete"), tr("&Remove attachments"),
                   tr("Takes the selected attachments out of the message"), {});
+    QAction* urgent = add("urgent", QString(), tr("&Urgent"), tr("Tells who gets the message that it is urgent"), {});
+    urgent->setCheckable(true);
     menu->addSeparator();
     QAction* close =
         add("closeCompose", QString(), tr("&Close"), tr("Closes this window"), {QKeySequence(Qt::CTRL | Qt::Key_W)});
@@ -191,6 +198,7 @@ void ComposeWindow::MakeActions()
     connect(Remove_, &QAction::triggered, this, &ComposeWindow::RemoveSelectedFiles);
     connect(removeKey, &QAction::triggered, this, &ComposeWindow::RemoveSelectedFiles);
     connect(close, &QAction::triggered, this, &QWidget::close);
+    connect(urgent, &QAction::toggled, this, [this](bool on) { Base_.IsUrgent = on; });
     connect(FileList_, &QListWidget::itemSelectionChanged, this,
             [this] { Remove_->setEnabled(!FileList_->selectedItems().isEmpty()); });
 }
@@ -215,6 +223,8 @@ void ComposeWindow::Show(const Composition& composition)
     setShown(BCC_, !isText && !composition.BCC.isEmpty());
     setShown(Subject_, !isText);
     findChild<QAction*>(QStringLiteral("attach"))->setEnabled(!isText);
+    findChild<QAction*>(QStringLiteral("urgent"))->setEnabled(!isText);
+    findChild<QAction*>(QStringLiteral("urgent"))->setChecked(composition.IsUrgent);
     Subject_->setCursorPosition(0);
     ShowFiles();
     if (To_->IsEmpty())
@@ -379,12 +389,26 @@ bool ComposeWindow::Send()
         FocusProblem();
         return false;
     }
-    if (!File(Composing::Filing::Outgoing))
+    if (!ConfirmDoubt() || !File(Composing::Filing::Outgoing))
         return false;
     const QString subject = Subject_->text().simplified();
     Q_EMIT Filed(subject.isEmpty() ? tr("The message is in the Outbox.") : tr("In the Outbox: %1").arg(subject));
     close();
     return true;
+}
+
+/// One question, whatever may be wrong.
+bool ComposeWindow::ConfirmDoubt()
+{
+    const QString doubt = SendingDoubt(Current(), Begun_);
+    if (doubt.isEmpty())
+        return true;
+    const MessageBoxRequest question{tr("%1 Do you want to send it all the same?").arg(doubt), QString(),
+                                     MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
+    if (UserInterface::Current().MessageBox(question) == MessageBoxAnswer::Yes)
+        return true;
+    Body_->setFocus();
+    return false;
 }
 
 bool ComposeWindow::SaveDraft()
@@ -409,11 +433,47 @@ bool ComposeWindow::File(Composing::Filing filing)
     }
     if (outcome == DraftStore::Outcome::Saved) {
         Stored_ = composition;
+        KeepUnsent();
         return true;
     }
     Words::Warn(tr("The message was not saved. %1\n\nNothing that you wrote is lost: this window stays open.")
                     .arg(Store_.Words()));
     return false;
+}
+
+void ComposeWindow::KeepIn(UnsentText file)
+{
+    Unsent_.emplace(std::move(file));
+    KeepTimer_.start();
+}
+
+void ComposeWindow::Recover(const Composition& text)
+{
+    Show(text);
+    UpdateTitle();
+    Note_->setText(tr("This was being written when the desk ended. It is not stored in the station yet."));
+}
+
+/// What is stored, or was given up, is not kept any more.
+void ComposeWindow::KeepUnsent()
+{
+    if (!Unsent_)
+        return;
+    UnsentText::Content content{Station_.Folder(), Reference(), QByteArray(), Current()};
+    if (content.Text == Stored_) {
+        Kept_.reset();
+        Unsent_->Forget();
+        return;
+    }
+    if (Kept_ && Kept_->Text == content.Text && Kept_->Draft == content.Draft)
+        return;
+    if (content.Draft != 0)
+        content.DraftDigest = UnsentText::DigestOf(Store_.LastStored());
+    const FileStatus status = Unsent_->Keep(content);
+    if (status.IsDone())
+        Kept_ = std::move(content);
+    else
+        Note_->setText(tr("What you write would not survive a crash: it could not be kept: %1").arg(status.Words()));
 }
 
 DraftStore::Conflict ComposeWindow::AskAboutConflict(DraftStore::Outcome outcome)
@@ -458,6 +518,7 @@ void ComposeWindow::closeEvent(QCloseEvent* event)
         // Asked once, whoever closes it again.
         Stored_ = Current();
     }
+    KeepUnsent();
     QMainWindow::closeEvent(event);
 }
 

@@ -2,8 +2,12 @@
 #pragma once
 
 #include "DraftStore.h"
+#include "UnsentText.h"
 
 #include <QMainWindow>
+#include <QTimer>
+
+#include <optional>
 
 class AddressBox;
 class BodyEdit;
@@ -30,6 +34,12 @@ public:
     bool IsChanged() const { return !(Current() == Stored_); }
     /// 0 for what was never stored.
     qint32 Reference() const { return Store_.Reference(); }
+
+    /// Keeps what is written in that file every few seconds, until it is stored or given up.
+    void KeepIn(UnsentText file);
+    /// Shows what was being written when a desk ended, as something that is not stored.
+    void Recover(const Composition& text);
+    static constexpr int KeepMilliseconds = 3000;
 
     /// Adds files by their paths; what cannot go with the message is told in one box. True when all were added.
     bool AddFiles(const QStringList& paths);
@@ -63,15 +73,21 @@ private:
     void FocusProblem();
     void ShowFiles();
     void UpdateTitle();
+    bool ConfirmDoubt();
     bool File(Composing::Filing filing);
+    void KeepUnsent();
     DraftStore::Conflict AskAboutConflict(DraftStore::Outcome outcome);
     QString WhyNotAdded(const QString& path, qint64 together, ComposedFile& file) const;
 
     DeskStation& Station_;
     DraftStore Store_;
     Composition Base_;   ///< What has no box of its own: type and thread.
+    Composition Begun_;  ///< As the window opened.
     Composition Stored_; ///< What is not worth asking about when the window closes.
     QList<ComposedFile> Files_;
+    std::optional<UnsentText> Unsent_;
+    std::optional<UnsentText::Content> Kept_; ///< In the file.
+    QTimer KeepTimer_;
 
     AddressBox* To_;
     AddressBox* CC_;

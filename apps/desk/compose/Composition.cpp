@@ -3,6 +3,7 @@
 
 #include "Addresses.h"
 #include "DisplayText.h"
+#include "MailPriority.h"
 #include "TextOfHtml.h"
 #include "common/ClockHelper.h"
 #include "database/StationSettings.h"
@@ -17,7 +18,6 @@
 
 namespace
 {
-
 /// A thread's newest members are enough to find it; a header that grows for ever is refused on its way.
 constexpr qsizetype MostReferences = 20;
 
@@ -166,6 +166,11 @@ std::shared_ptr<cdo::Message> MailOf(const Composition& composition, const Write
     mail->SetHeader("Message-ID", NewMessageID(writer));
     mail->SetHeader("In-Reply-To", composition.InReplyTo);
     mail->SetHeader("References", composition.References);
+    if (composition.IsUrgent) {
+        // Mail programs go by one or the other.
+        mail->SetHeader("X-Priority", QStringLiteral("1"));
+        mail->SetHeader("Importance", QStringLiteral("high"));
+    }
     mail->SetTextBody(composition.Body);
     for (const ComposedFile& file : composition.Files)
         mail->AddAttachment(file.FileName, file.ContentType, file.Content);
@@ -242,6 +247,7 @@ Composition Composing::Continue(const cMessage& draft)
     composition.Subject = draft.MessageType() == emtSMS ? QString() : mail.Subject();
     composition.Body = ReadableText(mail);
     composition.Files = draft.MessageType() == emtSMS ? QList<ComposedFile>() : FilesOf(mail);
+    composition.IsUrgent = draft.Priority() == UrgentPriority || MailPriority(mail) == UrgentPriority;
     composition.InReplyTo = MessageIDs(mail.Header("In-Reply-To")).value(0);
     composition.References = MessageIDs(mail.Header("References")).join(u' ');
     return composition;
@@ -270,6 +276,8 @@ void Composing::Write(const Composition& composition, const Writer& writer, Fili
     } else {
         message.SetCDOMessage(MailOf(composition, writer, now));
     }
+    if (composition.IsUrgent != (message.Priority() == UrgentPriority))
+        message.SetPriority(composition.IsUrgent ? UrgentPriority : 0);
     message.SetMessageType(composition.Type);
     message.SetCategory(filing == Filing::Draft ? tmcDrafts : tmcOutbox);
     // What a person wrote is read.

@@ -31,8 +31,9 @@ struct Composition
     QString Subject;
     QString Body; ///< Line ends are "\n".
     QList<ComposedFile> Files;
-    QString InReplyTo;  ///< Message-IDs with their angle brackets.
-    QString References; ///< The same, divided by blanks.
+    bool IsUrgent = false; ///< Says so in its header, and in the list.
+    QString InReplyTo;     ///< Message-IDs with their angle brackets.
+    QString References;    ///< The same, divided by blanks.
 
     friend bool operator==(const Composition&, const Composition&) = default;
 };
@@ -74,7 +75,7 @@ enum class Filing
 };
 
 /// Writes the composition into message: its mail, its type, folder, flags and date. What a composition does not hold
-/// (to whom it is personal, its priority, when to send it) stays. now: local time, which becomes Sent and the Date
+/// (to whom it is personal, a low priority, when to send it) stays. now: local time, which becomes Sent and the Date
 /// header, so that lists show when it was filed.
 void Write(const Composition& composition, const Writer& writer, Filing filing, Date now, cMessage& message);
 

@@ -37,6 +37,8 @@ public:
 
     /// 0 until something is stored.
     qint32 Reference() const { return Draft_ ? Draft_->Reference() : 0; }
+    /// What the draft said when this desk last had it; an empty composition when nothing is stored.
+    Composition LastStored() const { return Draft_ ? Composing::Continue(*Draft_) : Composition(); }
     const QString& Words() const { return Words_; }
     /// Null unless the last outcome was Changed.
     const cMessagePtr& Stored() const { return Stored_; }

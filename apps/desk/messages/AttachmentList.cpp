@@ -3,21 +3,17 @@
 
 #include "Words.h"
 #include "common/FileDialog.h"
-#include "common/FileHelper.h"
 #include "platform/files/WholeFile.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
 #include "window/FileChoice.h"
 #include "window/FileNames.h"
 
-#include <QDir>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMimeDatabase>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -31,19 +27,6 @@ constexpr int LettersWithKind = 45;
 constexpr int AskBeforeOverwriting = 2;
 constexpr int HideReadOnly = 4;
 constexpr int KeepFolder = 8;
-
-AttachmentList::FolderChooser& Chooser()
-{
-    static AttachmentList::FolderChooser chooser;
-    return chooser;
-}
-
-QString ChooseFolder(QWidget* parent, const QString& start)
-{
-    if (Chooser())
-        return Chooser()(parent, start);
-    return QFileDialog::getExistingDirectory(parent, QObject::tr("Save all attachments in..."), start);
-}
 
 /// What the type is called, such as "PNG image"; the type itself where the system has no word for it.
 QString KindOf(const QString& contentType)
@@ -70,18 +53,7 @@ protected:
         setColumnHidden(KindColumn, width() < fontMetrics().averageCharWidth() * LettersWithKind);
     }
 };
-
-QString DownloadFolder()
-{
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-    return FileHelper::FolderExists(folder) ? folder : QDir::homePath();
-}
 } // namespace
-
-void AttachmentList::SetFolderChooser(FolderChooser chooser)
-{
-    Chooser() = std::move(chooser);
-}
 
 AttachmentList::AttachmentList(QWidget* parent)
     : QWidget(parent),
@@ -193,7 +165,7 @@ void AttachmentList::SaveSelected()
     dialog->DialogTitle = tr("Save attachment as...");
     dialog->Filter = QStringLiteral("All Files (*.*)|*.*");
     dialog->Flags = AskBeforeOverwriting | HideReadOnly | KeepFolder;
-    dialog->InitDir = DownloadFolder();
+    dialog->InitDir = FileChoice::StartFolder();
     dialog->Filename = ShownName(file);
     const std::optional<QString> path = FileChoice::ToSave(*dialog);
     if (!path)
@@ -210,7 +182,7 @@ void AttachmentList::SaveAll()
     const cMessagePtr message = Message_;
     if (!message)
         return;
-    const QString folder = ChooseFolder(this, DownloadFolder());
+    const QString folder = FileChoice::Folder(this, tr("Save all attachments in..."), FileChoice::StartFolder());
     if (folder.isEmpty())
         return;
     const QList<cdo::Attachment> files = message->CDOMessage()->Attachments();

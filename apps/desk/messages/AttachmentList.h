@@ -5,7 +5,6 @@
 
 #include <QWidget>
 
-#include <functional>
 #include <optional>
 
 class QLabel;
@@ -23,10 +22,6 @@ public:
 
     /// Null for no message.
     void SetMessage(const cMessagePtr& message);
-
-    /// Where a folder is asked for: a start folder in, the choice out, empty when cancelled. Tests answer here.
-    using FolderChooser = std::function<QString(QWidget* parent, const QString& start)>;
-    static void SetFolderChooser(FolderChooser chooser);
 
 public Q_SLOTS:
     /// Asks where to, and saves the selected file.

@@ -5,6 +5,7 @@
 #include "DisplayText.h"
 #include "PreviewPane.h"
 #include "RowRecovery.h"
+#include "StoredState.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
 #include "station/DeskStation.h"
@@ -94,16 +95,7 @@ void MessageWindow::CheckStored()
     if (!Station_.Database().IsOpen() || Message_->Reference() == 0)
         return;
     try {
-        const cMessagePtr stored = Station_.Database().ReadMessage(Message_->Reference());
-        if (!stored) {
-            Notice_->Show(tr("This message was deleted meanwhile. What you see is how it was when you opened it."));
-        } else if (stored->Category() != Message_->Category()) {
-            const clsCategory* folder = Station_.Database().MessageCategories().FindCategory(stored->Category());
-            Notice_->Show(tr("This message was moved to %1 meanwhile.")
-                              .arg(folder ? folder->Description() : tr("another folder")));
-        } else {
-            Notice_->Show(QString());
-        }
+        Notice_->Show(WhatBecameOf(*Message_, Station_));
     } catch (const dao::Error&) {
         // The desk's own window says that the station cannot be reached.
     }

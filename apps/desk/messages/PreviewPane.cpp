@@ -15,12 +15,14 @@ PreviewPane::PreviewPane(QWidget* parent)
       Stack_(new QStackedLayout(this)),
       Empty_(new QLabel(tr("Select a message to read it here."), this)),
       Page_(new QWidget(this)),
+      Stored_(new NoticeBar(QStringLiteral("warning"), QString(), Page_)),
       Damage_(new NoticeBar(QStringLiteral("warning"), QString(), Page_)),
       View_(new uMessageBasic(Page_)),
       Attachments_(new AttachmentList(Page_))
 {
     setObjectName(QStringLiteral("preview"));
     setAccessibleName(tr("Message"));
+    Stored_->setObjectName(QStringLiteral("paneNotice"));
     Damage_->setObjectName(QStringLiteral("damageNotice"));
     View_->setObjectName(QStringLiteral("viewer"));
     View_->SetBackColour(SystemColour::ButtonFace);
@@ -31,6 +33,7 @@ PreviewPane::PreviewPane(QWidget* parent)
     auto* layout = new QVBoxLayout(Page_);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(Stored_);
     layout->addWidget(Damage_);
     layout->addWidget(View_, 1);
     layout->addWidget(Attachments_);
@@ -49,6 +52,7 @@ PreviewPane::PreviewPane(QWidget* parent)
 void PreviewPane::Select(const cMessagePtr& message)
 {
     const bool isSame = message && Selected_ && message->Reference() == Selected_->Reference();
+    Stored_->Show(QString());
     // The list's own marking saves the message, and each save marks its highlight words anew: that is nothing to jump
     // to the top of the page for.
     const bool isOnlyRead = isSame && (message->Flags() ^ Selected_->Flags()) == mfRead;
@@ -58,8 +62,10 @@ void PreviewPane::Select(const cMessagePtr& message)
         return;
     }
     Selected_ = message;
-    if (!isSame)
+    if (!isSame) {
         ReadTimer_.stop();
+        Chosen_ = 0;
+    }
     RestTimer_.start();
 }
 
@@ -74,8 +80,20 @@ void PreviewPane::Load()
     // In a window of its own the message is read by the keys at once.
     if (Shown_ && !window()->focusWidget())
         FocusTarget()->setFocus();
-    if (Shown_ && isOther)
+    if (Shown_ && isOther && (!ReportsOnlyChosen_ || Chosen_ == Shown_->Reference()))
         ReadTimer_.start();
+}
+
+void PreviewPane::Choose(qint32 reference)
+{
+    Chosen_ = reference;
+    if (Shown_ && Shown_ == Selected_ && Shown_->Reference() == reference && (Shown_->Flags() & mfRead) == 0)
+        ReadTimer_.start();
+}
+
+void PreviewPane::Tell(const QString& words)
+{
+    Stored_->Show(words);
 }
 
 QString PreviewPane::DamageWords() const

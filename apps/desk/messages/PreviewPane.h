@@ -31,6 +31,12 @@ public:
     /// Whether what is selected is on show.
     bool IsLoaded() const { return Shown_ == Selected_; }
     AttachmentList& Attachments() const { return *Attachments_; }
+    /// Only a message that the user chose is reported as read. Off at first: every one that is shown long enough is.
+    void SetReportsOnlyChosen(bool on) { ReportsOnlyChosen_ = on; }
+    /// The user pointed at this message.
+    void Choose(qint32 reference);
+    /// Says something about the message on show until another one is selected.
+    void Tell(const QString& words);
     /// What to do about a damaged message, in words; asked for when one is shown.
     void SetDamageAdvice(std::function<QString(qint32 reference)> advice) { DamageAdvice_ = std::move(advice); }
     /// Marks what it finds in the body of what is shown; see uMessageBasic.
@@ -52,9 +58,12 @@ private:
 
     cMessagePtr Selected_;
     cMessagePtr Shown_;
+    bool ReportsOnlyChosen_ = false;
+    qint32 Chosen_ = 0;
     QStackedLayout* Stack_;
     QLabel* Empty_;
     QWidget* Page_;
+    NoticeBar* Stored_;
     NoticeBar* Damage_;
     uMessageBasic* View_;
     AttachmentList* Attachments_;

@@ -64,7 +64,7 @@ void MainWindow::PrintSelected()
         statusBar()->showMessage(tr("Select the message to print first."), MessageMilliseconds);
         return;
     }
-    PrintMessages({{List_->SelectedReference()}, nullptr});
+    PrintMessages({List_->SelectedReferences(), nullptr});
 }
 
 /// Those that the list's query finds now, in the list's order.

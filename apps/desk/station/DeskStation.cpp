@@ -180,8 +180,7 @@ QString DeskStation::MarkAsRead(qint32 reference)
         const clsKVUser* user = Directory_.CurrentUser();
         if (row->AtEOF() || !user || (row->Collect(QStringLiteral("Flags")).toInt() & mfRead) != 0)
             return QString();
-        const bool isOwn = row->Collect(QStringLiteral("PersonalToContact")).toInt() == user->Reference();
-        if (!(isOwn ? user->CanEditPersonalMessages() : user->CanEditMessages()))
+        if (!MayEditMessage(row->Collect(QStringLiteral("PersonalToContact")).toInt()))
             return QString();
         if (Database_.ChangeMessageFlags(reference, mfRead, 0) || Database_.LastErrorNumber() == 0)
             return QString();
@@ -189,6 +188,35 @@ QString DeskStation::MarkAsRead(qint32 reference)
     } catch (const dao::Error& error) {
         return Words(error.Number(), error.Description());
     }
+}
+
+bool DeskStation::MayEditMessage(qint32 personalToContact) const
+{
+    const clsKVUser* user = Directory_.CurrentUser();
+    if (!user)
+        return false;
+    return personalToContact == user->Reference() ? user->CanEditPersonalMessages() : user->CanEditMessages();
+}
+
+bool DeskStation::ChangePriority(qint32 reference, qint32 priority)
+{
+    const bool raises = Database_.RaiseEvents();
+    cMessagePtr message;
+    {
+        Database_.SetRaiseEvents(false);
+        const auto restore = qScopeGuard([&] { Database_.SetRaiseEvents(raises); });
+        dao::Transaction transaction = Database_.BeginChange();
+        message = Database_.GetMessage(reference);
+        if (!message || !MayEditMessage(message->PersonalToContact()))
+            return false;
+        message->SetPriority(priority);
+        if (!Database_.SaveMessage(message))
+            return false;
+        transaction.Commit();
+    }
+    if (raises)
+        Database_.RaiseSaveMessageEvent(message, true);
+    return true;
 }
 
 QString DeskStation::Words(int errorNumber, const QString& description) const

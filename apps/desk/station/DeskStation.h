@@ -51,6 +51,11 @@ public:
     /// Marks a message that is on show as read, if it is not and the user may change it: in its row as it is at this
     /// moment, so that nobody's change is lost. An empty text, or why it could not be done.
     QString MarkAsRead(qint32 reference);
+    /// Gives a message another priority, in its row as it is at this moment. False when it could not be done: then
+    /// LastErrorNumber of the database tells why, 0 for a message that is gone or that the user may not change.
+    bool ChangePriority(qint32 reference, qint32 priority);
+    /// Whether the user may change a message that is personal to this contact, 0 for one that is everybody's.
+    bool MayEditMessage(qint32 personalToContact) const;
     /// What a record store's error means for this station, in words.
     QString Words(int errorNumber, const QString& description) const;
 

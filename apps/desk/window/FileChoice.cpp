@@ -2,8 +2,13 @@
 #include "FileChoice.h"
 
 #include "common/FileDialog.h"
+#include "common/FileHelper.h"
 #include "common/UserInterface.h"
 #include "platform/records/Error.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QStandardPaths>
 
 namespace
 {
@@ -19,6 +24,12 @@ std::optional<QString> Choose(FileDialog& dialog, void (FileDialog::*show)())
     }
     return dialog.Filename.isEmpty() ? std::nullopt : std::optional(dialog.Filename);
 }
+
+std::function<QString(const QString&)>& Chooser()
+{
+    static std::function<QString(const QString&)> chooser;
+    return chooser;
+}
 } // namespace
 
 std::optional<QString> FileChoice::ToOpen(FileDialog& dialog)
@@ -29,4 +40,20 @@ std::optional<QString> FileChoice::ToOpen(FileDialog& dialog)
 std::optional<QString> FileChoice::ToSave(FileDialog& dialog)
 {
     return Choose(dialog, &FileDialog::ShowSave);
+}
+
+QString FileChoice::Folder(QWidget* window, const QString& title, const QString& start)
+{
+    return Chooser() ? Chooser()(start) : QFileDialog::getExistingDirectory(window, title, start);
+}
+
+void FileChoice::SetFolderChooser(std::function<QString(const QString& start)> chooser)
+{
+    Chooser() = std::move(chooser);
+}
+
+QString FileChoice::StartFolder()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return FileHelper::FolderExists(folder) ? folder : QDir::homePath();
 }

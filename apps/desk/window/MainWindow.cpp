@@ -11,12 +11,14 @@
 #include "RowRecovery.h"
 #include "StationPlace.h"
 #include "Words.h"
-#include "common/ClockHelper.h"
+#include "common/UserPreferences.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
+#include "database/watch/StationWatch.h"
 #include "messages/AttachmentList.h"
+#include "messages/MessageCommands.h"
+#include "messages/MessageUndo.h"
 #include "messages/MessageWindow.h"
-#include "messages/MoveUndo.h"
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/Icons.h"
@@ -30,11 +32,12 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QLabel>
-#include <QLocale>
 #include <QMenu>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace
@@ -48,11 +51,6 @@ constexpr float ListInterval = 3;
 
 const QString GeometryState = QStringLiteral("MainWindow/Geometry");
 const QString SplitterState = QStringLiteral("MainWindow/Splitter");
-
-QString TimeNow()
-{
-    return ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
-}
 
 const QString OrderClause = QStringLiteral(" ORDER BY ");
 
@@ -99,11 +97,14 @@ MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& setti
     connect(&Station_->Database(), &cTolvaDatabase::MessageSaved, this, [this] { CountTimer_.start(); });
     connect(&Station_->Database(), &cTolvaDatabase::MessageDeleted, this, [this] { CountTimer_.start(); });
 
+    // Behind the look itself, which may have failed.
+    connect(&Station_->Database().Watch(), &StationWatch::Polled, this, &MainWindow::TakeLook, Qt::QueuedConnection);
+
     FitTimer_.setSingleShot(true);
     FitTimer_.setInterval(FitDelay);
     connect(&FitTimer_, &QTimer::timeout, this, &MainWindow::FitSubjects);
     connect(Splitter_, &QSplitter::splitterMoved, this, [this] { FitTimer_.start(); });
-    Run([this] { setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name())); });
+    Run([this] { ShowTitle(); });
     TakeSelection(nullptr);
     TakePage(Prizes_->IsOnShow());
 }
@@ -124,12 +125,31 @@ void MainWindow::MakeParts()
     Connection_->setObjectName(QStringLiteral("connectionNotice"));
     Filter_ = new NoticeBar(QStringLiteral("search"), tr("Sho&w all"), this);
     Filter_->setObjectName(QStringLiteral("filterNotice"));
+    Exported_ = new NoticeBar(QStringLiteral("save"), tr("Open fol&der"), this);
+    Exported_->setObjectName(QStringLiteral("exportNotice"));
+    connect(Exported_, &NoticeBar::ButtonClicked, this, [this] {
+        Exported_->Show(QString());
+        QDesktopServices::openUrl(QUrl::fromLocalFile(ExportFolder_));
+    });
+    ReadOnly_ = new NoticeBar(QStringLiteral("warning"), QString(), this);
+    ReadOnly_->setObjectName(QStringLiteral("readOnlyNotice"));
+    Unsent_ = new NoticeBar(QStringLiteral("draft"), tr("Open &again"), this);
+    Unsent_->setObjectName(QStringLiteral("unsentNotice"));
+    connect(Unsent_, &NoticeBar::ButtonClicked, this, [this] { Run([this] { OpenUnsent(); }); });
     List_ = new uMessagesList(this);
     List_->setObjectName(QStringLiteral("list"));
     List_->SetAutoUpdateInterval(ListInterval);
-    Undo_ = new MoveUndo(*Station_, *this);
+    List_->SetSelectsByReference(true);
+    List_->SetSelectsSeveral(true);
+    List_->SetShowsFirstRows(true);
+    List_->SetEditsTopFolders(true);
+    List_->SetNewFolderName(tr("New Folder"));
+    List_->SetShowsOtherYears(true);
+    Undo_ = new MessageUndo(*Station_, *this);
+    Commands_ = new MessageCommands(*Station_, Settings_, *List_, *Undo_, *this);
     AddTabs();
     Preview_ = new PreviewPane(this);
+    Preview_->SetReportsOnlyChosen(true);
     Preview_->SetDamageAdvice([this](qint32 reference) {
         return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
     });
@@ -158,6 +178,7 @@ void MainWindow::MakePages()
     messagesLayout->setContentsMargins(0, 0, 0, 0);
     messagesLayout->setSpacing(0);
     messagesLayout->addWidget(&Undo_->Notice());
+    messagesLayout->addWidget(Exported_);
     messagesLayout->addWidget(Filter_);
     messagesLayout->addWidget(Splitter_, 1);
     Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
@@ -175,6 +196,8 @@ void MainWindow::MakePages()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(Connection_);
+    layout->addWidget(ReadOnly_);
+    layout->addWidget(Unsent_);
     layout->addWidget(&Prizes_->Notice());
     layout->addWidget(Prizes_->MakePages(messages), 1);
     setCentralWidget(page);
@@ -209,6 +232,9 @@ void MainWindow::ConnectList()
         ListOrder_ = OrderOf(query);
     });
     connect(List_, &uMessagesList::MessageSelected, this, &MainWindow::TakeSelection);
+    connect(List_, &uMessagesList::MessageChosen, Preview_, &PreviewPane::Choose);
+    connect(List_, &uMessagesList::MessageLeft, this, &MainWindow::TakeLeft);
+    ConnectCommands();
     connect(List_, &uMessagesList::NewMessage, this,
             [this](const cMessagePtr& message) { Run([&] { TakeNewMessage(message); }); });
     connect(List_, &uMessagesList::OpenMessage, this,
@@ -216,19 +242,7 @@ void MainWindow::ConnectList()
     connect(List_, &uMessagesList::PrintMessage, this, [this](const cMessagePtr& message) {
         PrintMessages({{message->Reference()}, nullptr});
     });
-    connect(List_, &uMessagesList::MessageMoved, Undo_, &MoveUndo::Take);
-    connect(Undo_, &MoveUndo::MovedBack, this, [this](qint32 reference) {
-        Run([&] {
-            List_->UpdateDisplay();
-            List_->SelectMessage(reference);
-        });
-    });
-    connect(Undo_, &MoveUndo::Told, this,
-            [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
     connect(List_, &uMessagesList::DisplayUpdated, this, &MainWindow::TakeUpdate);
-    connect(List_, &uMessagesList::ImportRefused, this, [this](const QString& file) {
-        statusBar()->showMessage(tr("%1 holds no mail that could be filed.").arg(file), MessageMilliseconds);
-    });
     connect(List_, &uMessagesList::MessageGone, this, &MainWindow::TakeGoneMessage);
     connect(List_, &uMessagesList::ReplyWanted, this, [this](const cMessagePtr&, bool& isTaken) {
         isTaken = true;
@@ -236,6 +250,11 @@ void MainWindow::ConnectList()
     });
     connect(List_, &StationList::ReadingFailed, this, &MainWindow::TakeFailedReading);
     connect(&Prizes_->Page().List(), &StationList::ReadingFailed, this, &MainWindow::TakeFailedReading);
+}
+
+void MainWindow::Say(const QString& words)
+{
+    statusBar()->showMessage(words, MessageMilliseconds);
 }
 
 void MainWindow::RestoreSizes()
@@ -275,10 +294,25 @@ void MainWindow::FillList()
     if (List_->TolvaDatabase() || !isVisible() || !Station_->Database().IsOpen())
         return;
     FittedWidth_ = List_->width();
-    Run([this] { List_->SetTolvaDatabase(&Station_->Database()); });
+    FocusRows();
+    Run([this] {
+        // The desk begins where the mail comes in, whatever folder was on show last.
+        if (clsKVUser* user = Station_->Directory().CurrentUser())
+            user->SetPreference(UserPreferences::MessageFolder.Name, static_cast<qint32>(tmcInbox));
+        List_->SetTolvaDatabase(&Station_->Database());
+    });
+    FocusRows();
     if (Prizes_->IsOnShow())
         Prizes_->Connect();
     Search_->Service().StartIfThere();
+    OfferUnsent();
+    SayIfReadOnly();
+}
+
+/// The rows of messages take the keyboard.
+void MainWindow::FocusRows()
+{
+    List_->FocusTargets().constLast()->setFocus();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
@@ -376,7 +410,7 @@ void MainWindow::TakePage(bool prizes)
 
 void MainWindow::TakeUpdate()
 {
-    Updated_->setText(tr("Updated %1").arg(TimeNow()));
+    TakeLook();
     Filter_->Show(List_->IsFiltered()
                       ? tr("Filter is on: only subjects with \u201C%1\u201D").arg(List_->FindText().simplified())
                       : QString());
@@ -384,31 +418,6 @@ void MainWindow::TakeUpdate()
     Sending_->CountUnsent();
     for (MessageWindow* window : MessageWindows())
         window->CheckStored();
-}
-
-/// The counts of the folder on show. Only the unread ones are asked of the file; the others are the rows of the list.
-void MainWindow::ShowCounts()
-{
-    if (!Station_->Database().IsOpen())
-        return;
-    try {
-        // Odd numbers are read: the lowest bit of the flags says so.
-        QString condition = ListCondition_;
-        condition += condition.isEmpty() ? QString() : QStringLiteral(" AND ");
-        const auto unread = Station_->Database().OpenMessageRows({QStringLiteral("Reference")},
-                                                                 condition + QStringLiteral("[Flags] IN (0,2,4,6)"));
-        const QLocale locale;
-        const int all = List_->NumberItems();
-        const QString messages = all == 1 ? tr("1 message") : tr("%1 messages").arg(locale.toString(all));
-        Counts_->setText(List_->IsFiltered() || List_->IsFilling()
-                             ? messages
-                             : tr("%1, %2 unread").arg(messages, locale.toString(unread->RecordCount())));
-        const clsKVUser* user = Station_->Directory().CurrentUser();
-        User_->setText(user ? user->Name() : QString());
-        setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name()));
-    } catch (const dao::Error& error) {
-        ShowConnectionProblem(error.Number());
-    }
 }
 
 void MainWindow::MarkAsRead(qint32 reference)
@@ -428,7 +437,7 @@ void MainWindow::RefreshAll()
         // What other computers did to the folders.
         Station_->Database().UpdateCategoryTree();
         List_->UpdateCategories();
-        List_->UpdateDisplay();
+        List_->ShowChanges();
     });
 }
 

@@ -5,6 +5,7 @@
 #include "StationReplacing.h"
 #include "Words.h"
 #include "compose/Composition.h"
+#include "compose/UnsentText.h"
 #include "station/DeskStation.h"
 
 #include <QDeadlineTimer>
@@ -16,12 +17,14 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class ComposeWindow;
 class ContactDesk;
 class DeskSettings;
+class MessageCommands;
 class MessageWindow;
-class MoveUndo;
+class MessageUndo;
 class NoticeBar;
 class PreviewPane;
 class PrizeDesk;
@@ -118,20 +121,36 @@ private:
 
     cMessagePtr SelectedMessage();
     void TakeSelection(const cMessagePtr& message);
+    void TakeLeft(qint32 reference);
+    void ConnectCommands();
+    void MakeMessageFilesMenu(QMenu& menu);
+    void MakeFolderCommands(QMenu& menu);
     void TakeNewMessage(const cMessagePtr& message);
+    void OfferUnsent();
+    void OpenUnsent();
+    ComposeWindow* ShowCompose(const Composition& composition, const cMessagePtr& draft, UnsentText file);
     void TakeOpenMessage(const cMessagePtr& message);
     void ConnectContacts();
     void ConnectSearch();
     void OpenFound(qint32 reference);
     void TakeUpdate();
+    void TakeLook();
+    void ShowTitle();
+    void TakeExport(const QString& words, const QString& folder);
     void TakePage(bool prizes);
     void TakeGoneMessage();
     void TakeFailedReading(int errorNumber, bool& isTold);
     void MarkAsRead(qint32 reference);
+    void FocusRows();
+    void Say(const QString& words);
     void ShowCounts();
+    void ShowUnreadCounts();
     void ShowConnectionProblem(int errorNumber);
     void TakePutBack();
     void ReopenStation();
+    void SayIfReadOnly();
+    void MakeSortMenu(QMenu& menu);
+    void SetSortOrder(qint32 order);
     bool OpenAgain(enTolvaMessageCategories category);
     void EditUsers();
 
@@ -168,8 +187,14 @@ private:
     SendingDesk* Sending_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
+    NoticeBar* ReadOnly_ = nullptr;
+    NoticeBar* Exported_ = nullptr;
+    QString ExportFolder_;
     NoticeBar* Filter_ = nullptr;
-    MoveUndo* Undo_ = nullptr;
+    NoticeBar* Unsent_ = nullptr;
+    std::vector<UnsentText::Found> UnsentTexts_; ///< Of desks that ended without closing.
+    MessageUndo* Undo_ = nullptr;
+    MessageCommands* Commands_ = nullptr;
     QLabel* Counts_ = nullptr;
     QLabel* Updated_ = nullptr;
     QLabel* User_ = nullptr;
@@ -178,6 +203,7 @@ private:
     QTimer BackupTimer_;
     QTimer FitTimer_;
     int FittedWidth_ = 0;
+    int UnreadInInbox_ = 0;
     QString ListCondition_; ///< Of the rows on show.
     QString ListOrder_;
     bool MustReopen_ = false;

@@ -5,9 +5,11 @@
 #include "MainWindow.h"
 #include "NoticeBar.h"
 #include "StationPlace.h"
-#include "messages/MoveUndo.h"
+#include "messages/MessageUndo.h"
 #include "messageslist/uMessagesList.h"
 #include "prizes/PrizeDesk.h"
+
+#include <QDir>
 
 namespace
 {
@@ -100,6 +102,21 @@ void MainWindow::WatchStation()
     }
 }
 
+/// Where nothing can be stored, that is said before somebody tries.
+void MainWindow::SayIfReadOnly()
+{
+    QString words;
+    try {
+        const dao::Transaction probe = Station_->Database().BeginChange();
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errReadOnly || error.Number() == dao::errCannotOpen)
+            words = tr("This station can only be read here: nothing can be filed, marked, moved or deleted. Its "
+                       "technician can give this account the right to write in %1.")
+                        .arg(QDir::toNativeSeparators(Station_->Folder()));
+    }
+    ReadOnly_->Show(words);
+}
+
 /// The folder is back, and what lies in it now may be another file than the one that was open.
 void MainWindow::ReopenStation()
 {
@@ -131,6 +148,7 @@ bool MainWindow::OpenAgain(enTolvaMessageCategories category)
         List_->UpdateDisplay();
         if (Prizes_->IsOnShow())
             Prizes_->Connect();
+        SayIfReadOnly();
         if (const QString restored = Station_->TakeRestoredWords(); !restored.isEmpty())
             Words::Tell(restored);
         return true;

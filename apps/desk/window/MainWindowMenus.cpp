@@ -6,9 +6,10 @@
 #include "DeskSettings.h"
 #include "MainWindow.h"
 #include "ShortcutsDialog.h"
+#include "common/UserPreferences.h"
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "contacts/ContactDesk.h"
-#include "messages/MoveUndo.h"
+#include "messages/MessageUndo.h"
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/Icons.h"
@@ -75,6 +76,8 @@ void MainWindow::MakeFileMenu()
     auto* recent = menu->addMenu(tr("&Recent stations"));
     recent->setObjectName(QStringLiteral("recentStations"));
     menu->addSeparator();
+    MakeMessageFilesMenu(*menu);
+    menu->addSeparator();
     MakePrintActions(menu);
     menu->addSeparator();
     menu->addAction(Contacts_->MakeContactsAction());
@@ -112,6 +115,12 @@ void MainWindow::MakeMessageMenu()
     QMenu* folders = List_->CategoryMenu();
     folders->setTitle(tr("F&older"));
     menuBar()->addMenu(folders);
+    QAction* top = AddAction(folders, "newTopFolder", QString(), tr("New folder at the &top"));
+    connect(top, &QAction::triggered, List_, &uMessagesList::NewTopFolder);
+    connect(folders, &QMenu::aboutToShow, this, [this, top] {
+        const clsKVUser* user = Station_->Directory().CurrentUser();
+        top->setEnabled(user && user->CanEditCategories());
+    });
 
     const QKeySequence replyKey(Qt::CTRL | Qt::Key_R);
     const QKeySequence allKey(Qt::CTRL | Qt::SHIFT | Qt::Key_R);
@@ -127,6 +136,7 @@ void MainWindow::MakeMessageMenu()
         if (entry->objectName() == u"mnuForwardMessage")
             menu->insertAction(entry, all);
     }
+    MakeFolderCommands(*menu);
     menu->addSeparator();
     menu->addAction(Undo_->Action());
     menu->addAction(Sending_->Action());
@@ -137,6 +147,9 @@ void MainWindow::MakeMessageMenu()
         Run([&] { message = SelectedMessage(); });
         return message;
     });
+    // The key for what somebody wrote before, be he a contact or not.
+    if (auto* earlier = menu->findChild<QAction*>(QStringLiteral("sameSender")))
+        earlier->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_H));
     ShowKey(*menu, "mnuReplyMessage", replyKey);
     ShowKey(*menu, "mnuForwardMessage", forwardKey);
     ShowKey(*menu, "mnuPrint", QKeySequence(Qt::CTRL | Qt::Key_P));
@@ -161,6 +174,7 @@ void MainWindow::MakeViewMenu()
     Prizes_->AddToViewMenu(*menu);
     menu->addSeparator();
     MakeGoMenu(*menu);
+    MakeSortMenu(*menu);
     MakeColoursMenu(*menu);
     connect(refresh, &QAction::triggered, this, &MainWindow::RefreshAll);
     connect(all, &QAction::triggered, this, [this] {
@@ -192,8 +206,39 @@ void MainWindow::MakeGoMenu(QMenu& menu)
         connect(folder, &QAction::triggered, this, [this, category] {
             Prizes_->ShowPage(false);
             Run([&] { List_->SetCategory(category); });
+            FocusRows();
         });
     }
+}
+
+/// The order is the user's, at every desk.
+void MainWindow::MakeSortMenu(QMenu& menu)
+{
+    auto* orders = menu.addMenu(tr("Sor&t by"));
+    auto* group = new QActionGroup(this);
+    const std::pair<qint32, QString> choices[] = {{mlsoSent, tr("Sender's &clock")}, {mlsoReceived, tr("&Arrival")}};
+    for (const auto& [order, text] : choices) {
+        QAction* choice = AddAction(orders, "sort", QString(), text);
+        choice->setObjectName(QStringLiteral("sort_%1").arg(order));
+        choice->setCheckable(true);
+        group->addAction(choice);
+        connect(choice, &QAction::triggered, this, [this, order = order] { SetSortOrder(order); });
+    }
+    connect(orders, &QMenu::aboutToShow, this, [this] {
+        const clsKVUser* user = Station_->Directory().CurrentUser();
+        const UserPreferences::Preference& kept = UserPreferences::MessageOrder;
+        const qint32 order = user ? user->Preference(kept.Name, kept.Default).toInt() : mlsoSent;
+        if (QAction* choice = Action(qPrintable(QStringLiteral("sort_%1").arg(order))))
+            choice->setChecked(true);
+    });
+}
+
+void MainWindow::SetSortOrder(qint32 order)
+{
+    Run([&] {
+        if (clsKVUser* user = Station_->Directory().CurrentUser())
+            user->SetPreference(UserPreferences::MessageOrder.Name, order); // the list hears of it
+    });
 }
 
 void MainWindow::MakeColoursMenu(QMenu& menu)

@@ -2,10 +2,13 @@
 
 // What the main window does with messages: windows that show one, and those in which one is written.
 
+#include "DeskSettings.h"
 #include "MainWindow.h"
+#include "NoticeBar.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
 #include "messages/MessageWindow.h"
+#include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
@@ -41,7 +44,13 @@ ComposeWindow* MainWindow::Compose(const Composition& composition, const cMessag
             return open;
         }
     }
+    return ShowCompose(composition, draft, UnsentText(Settings_.UnsentFolder()));
+}
+
+ComposeWindow* MainWindow::ShowCompose(const Composition& composition, const cMessagePtr& draft, UnsentText file)
+{
     auto* window = new ComposeWindow(*Station_, composition, draft);
+    window->KeepIn(std::move(file));
     window->setWindowIcon(windowIcon());
     Windows_.removeAll(nullptr);
     Windows_.append(window);
@@ -53,6 +62,34 @@ ComposeWindow* MainWindow::Compose(const Composition& composition, const cMessag
     window->show();
     window->activateWindow();
     return window;
+}
+
+/// What a desk of this account was writing when it ended without closing.
+void MainWindow::OfferUnsent()
+{
+    for (UnsentText::Found& found : UnsentText::Abandoned(Settings_.UnsentFolder(), Station_->Folder()))
+        UnsentTexts_.push_back(std::move(found));
+    if (UnsentTexts_.empty())
+        return Unsent_->Show(QString());
+    const auto count = static_cast<int>(UnsentTexts_.size());
+    Unsent_->Show(count == 1 ? tr("A message that was being written when the desk ended was kept.")
+                             : tr("%1 messages that were being written when the desk ended were kept.").arg(count));
+}
+
+void MainWindow::OpenUnsent()
+{
+    Unsent_->Show(QString());
+    for (UnsentText::Found& found : std::exchange(UnsentTexts_, {})) {
+        const UnsentText::Content& kept = found.Kept;
+        cMessagePtr draft = kept.Draft != 0 ? Station_->Database().ReadMessage(kept.Draft) : nullptr;
+        // Where somebody else has changed the draft since, this is a message beside it.
+        if (draft && UnsentText::DigestOf(Composing::Continue(*draft)) != kept.DraftDigest)
+            draft = nullptr;
+        const Composition text = kept.Text;
+        Composition stored;
+        stored.Type = text.Type;
+        ShowCompose(draft ? Composing::Continue(*draft) : stored, draft, std::move(found.File))->Recover(text);
+    }
 }
 
 MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
@@ -88,21 +125,25 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
     return window;
 }
 
-/// The selected message as it is stored now; null, with words, when another computer has taken it away.
+/// The selected message as it is stored now. Where another computer has taken it away, the one that is on show still:
+/// who reads it answers that one, and knows.
 cMessagePtr MainWindow::SelectedMessage()
 {
     const qint32 reference = List_->SelectedReference();
-    cMessagePtr message = reference > 0 ? Station_->Database().ReadMessage(reference) : nullptr;
-    if (!message && reference > 0)
-        TakeGoneMessage();
-    return message;
+    const cMessagePtr shown = Preview_->IsLoaded() ? Preview_->Message() : nullptr;
+    if (reference <= 0)
+        return shown;
+    cMessagePtr message = Station_->Database().ReadMessage(reference);
+    if (message)
+        return message;
+    TakeGoneMessage();
+    return shown && shown->Reference() == reference ? shown : nullptr;
 }
 
 void MainWindow::TakeGoneMessage()
 {
-    statusBar()->showMessage(tr("That message is not there any more: it was deleted on another computer."),
-                             MessageMilliseconds);
-    Run([this] { List_->UpdateDisplay(); });
+    Say(tr("That message is not there any more: it was deleted on another computer."));
+    Run([this] { List_->ShowChanges(); });
 }
 
 void MainWindow::Reply()

@@ -8,7 +8,7 @@
 #include "StationPlace.h"
 #include "common/UserInterface.h"
 #include "database/LastError.h"
-#include "messages/MoveUndo.h"
+#include "messages/MessageUndo.h"
 #include "messages/PreviewPane.h"
 #include "messages/dialogs/frmHighlightSettings.h"
 #include "messageslist/uMessagesList.h"
@@ -112,7 +112,7 @@ void MainWindow::ChangeSettings()
 {
     Run([this] {
         Station_->Database().DisplaySettings();
-        setWindowTitle(tr("%1 \u2013 Tolva").arg(Station_->Name()));
+        ShowTitle();
     });
 }
 

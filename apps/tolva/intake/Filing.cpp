@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "intake/Filing.h"
 
+#include "MailPriority.h"
 #include "Terminal.h"
 #include "messages/TextMessage.h"
 
@@ -72,6 +73,7 @@ cMessagePtr Filing::MakeMessageOf(const IncomingMessage& incoming, QString& prob
             message = std::make_shared<cMessage>();
             message->SetMessageType(emtEmail);
             message->SetCDOMessage(std::make_shared<cdo::Message>(incoming.Octets));
+            message->SetPriority(MailPriority(*message->CDOMessage()));
             if (incoming.IsRead)
                 message->SetFlags(mfRead);
         }

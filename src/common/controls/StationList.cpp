@@ -275,6 +275,19 @@ QList<qint32> StationList::References() const
     return references;
 }
 
+QList<qint32> StationList::SelectedReferences() const
+{
+    QList<qint32> references;
+    for (const int row : grdList_->SelectedRows())
+        references.append(ReferenceOfRow(row));
+    return references;
+}
+
+void StationList::SetSelectsSeveral(bool several)
+{
+    grdList_->SetSelectsSeveral(several);
+}
+
 bool StationList::Select(qint32 reference)
 {
     const int row = RowOfReference_.value(reference);

@@ -65,6 +65,27 @@ public:
     QFont Font() const { return font(); }
     void SetFont(const QFont& font);
 
+    /// Off at first: what is selected is a place in the list. On: it is a message, or what else a row is. Where that
+    /// one leaves the rows by somebody else's doing, none is selected; another kind, find text or tab begins at its
+    /// first row; and the rows stay under the user's eyes.
+    bool SelectsByReference() const { return SelectsByReference_; }
+    void SetSelectsByReference(bool on) { SelectsByReference_ = on; }
+    /// Whether the user may select several rows. Off at first.
+    void SetSelectsSeveral(bool several);
+    /// Of all selected rows in their order.
+    QList<qint32> SelectedReferences() const;
+    /// Off at first: a fill shows its rows when it has all of them. On: it shows the first as soon as it has a screen
+    /// full of them.
+    void SetShowsFirstRows(bool on) { ShowsFirstRows_ = on; }
+    /// What becomes of the selection when the selected row is not there any more, where SelectsByReference.
+    enum class WhenGone
+    {
+        SelectNone,
+        SelectNext ///< The user took it away himself, and goes on with the next one.
+    };
+    /// Draws what differs from the rows on show, as the next poll would. Errors as dao::Error.
+    void ShowChanges(WhenGone whenGone = WhenGone::SelectNone);
+
     /// The text that the rows on show must hold; empty for all rows.
     const QString& FindText() const { return FindText_; }
     bool IsFiltered() const { return !FindText_.isEmpty(); }
@@ -127,6 +148,8 @@ protected:
     /// What a reading of rows found, and what is to be selected behind it.
     struct RowsRead
     {
+        bool IsOtherQuery = false; ///< Not that of the rows on show before.
+        bool IsFilled = false;     ///< Every row was written.
         int RowToRestore = 1;
         qint32 ReferenceToRestore = 0;
         bool IsRead = false;          ///< The query was opened, and the file answered to its end.
@@ -196,6 +219,8 @@ protected:
     void AddRow(int filled);
     void ShowRowsOrNone(RowsRead& read);
     void RefreshAllRows();
+    /// The user pointed at the selected row. Last: a host may destroy the list.
+    virtual void TakeChoice() {}
     /// Puts the rows into the order of ShownRows_. The user keeps his place: at the first row he sees what is new above
     /// it, elsewhere the rows stay under his eyes.
     void Arrange(const std::vector<int>& sources, RowsRead& read);
@@ -215,6 +240,7 @@ protected:
     std::vector<ReadRow> ShownRows_; ///< As they were read; one for each row.
     QHash<qint32, int> RowOfReference_;
     qint32 SelectedReference_ = 0;
+    qint32 LeftReference_ = 0; ///< Selected until it left the rows, and not told yet.
     bool DoubleHeightRows_ = true;
     bool PrintVisible_ = true;
     QString FindText_; ///< Of the query on show.
@@ -238,6 +264,20 @@ protected:
     QTimer* timerUpdateList_ = nullptr; ///< The last of the controls.
 
 private:
+    /// Where the user is, by references.
+    struct Place
+    {
+        int Row = 0;
+        qint32 Selected = 0;
+        QList<qint32> Several;
+        int TopRow = 1;
+        qint32 AtTop = 0;
+    };
+
+    Place PlaceNow() const;
+    void GoBackTo(const Place& place, RowsRead& read);
+    void SelectSeveral(const QList<qint32>& references);
+    void ShowFirstRows(int filled);
     void Detach();
     void SetCurrentUser(clsKVUser* user);
     void Tick();
@@ -258,6 +298,9 @@ private:
     int Attachments_ = 0; ///< How often the station was set.
     int Restarts_ = 0;    ///< Of a display whose host chose something else in it, one in the other.
     bool Filling_ = false;
+    bool SelectsByReference_ = false;
+    bool ShowsFirstRows_ = false;
+    WhenGone WhenGone_ = WhenGone::SelectNone;
     bool AutoUpdate_ = true;
     qint32 BackColour_ = 0;
     std::optional<QPointF> GridDragStart_; ///< Twips.

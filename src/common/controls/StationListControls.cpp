@@ -102,6 +102,7 @@ void StationList::ConnectControls()
 
 void StationList::ConnectGrid()
 {
+    connect(grdList_, &FlexGrid::RowChosen, this, &StationList::TakeChoice);
     connect(grdList_, &FlexGrid::MouseDown, this, &StationList::TakeGridMouseDown);
     connect(grdList_, &FlexGrid::MouseMove, this, &StationList::TakeGridMouseMove);
     connect(grdList_, &FlexGrid::MouseUp, this, &StationList::TakeGridMouseUp);
@@ -126,6 +127,8 @@ void StationList::TakeGridMouseDown(Qt::MouseButton button, const QPointF& twips
         SelectGridRowAt(*grdList_, twips.y(), false);
         if (self)
             Handle(EventOf(*grdList_, "MouseDown"), [this] { TakeSelection(); });
+        if (self)
+            TakeChoice();
     }
 }
 

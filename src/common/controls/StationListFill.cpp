@@ -24,6 +24,8 @@ constexpr int RowsBetweenYields = 25;
 constexpr int RowsOfABlock = 500;
 constexpr int MostRestarts = 5;
 constexpr int KeyColumn = 0;
+/// More than any screen shows.
+constexpr int FirstRows = 125;
 } // namespace
 
 void StationList::Display(Reading reading)
@@ -46,6 +48,8 @@ void StationList::Display(Reading reading)
 
         read.RowToRestore = grdList_->Row();
         read.ReferenceToRestore = read.RowToRestore >= 1 ? SelectedReference_ : 0;
+        const Place place = PlaceNow();
+        LeftReference_ = 0;
         FindText_ = comboFind_->TakeText();
         // What is stored while the rows are read may be missing in them: the stamp of before says so at the next tick.
         // Until they are read, whatever ends this leaves a list that the next tick puts right.
@@ -55,7 +59,11 @@ void StationList::Display(Reading reading)
         if (!isAbandoned()) {
             if (read.IsRead && read.Failures.Rows() == 0)
                 LastStamp_.Take(stampBefore, target.Opening);
+            if (SelectsByReference_)
+                GoBackTo(place, read);
             SelectRow(read.RowToRestore);
+            if (place.Several.size() > 1 && !read.IsOtherQuery && read.RowToRestore > 0)
+                SelectSeveral(place.Several);
         }
     }
     if (isAbandoned()) {
@@ -80,19 +88,76 @@ void StationList::Display(Reading reading)
     TellDisplay(read);
 }
 
+StationList::Place StationList::PlaceNow() const
+{
+    Place place;
+    place.Row = grdList_->Row();
+    place.Selected = place.Row >= 1 ? SelectedReference_ : 0;
+    place.Several = SelectedReferences();
+    place.TopRow = grdList_->TopRow();
+    place.AtTop = ReferenceOfRow(place.TopRow);
+    return place;
+}
+
+/// Decides what is selected behind a reading, and what is at the top.
+void StationList::GoBackTo(const Place& place, RowsRead& read)
+{
+    const int row = RowOfReference_.value(place.Selected);
+    if (row >= 1 && row < grdList_->Rows()) {
+        read.RowToRestore = row;
+    } else if (read.IsOtherQuery) {
+        read.RowToRestore = std::min(1, grdList_->Rows() - 1);
+    } else if (place.Row < 1 || read.Failures.Rows() > 0) {
+        // What could not be read may be there still.
+        read.RowToRestore = 0;
+        read.IsSelectionDrawn = false;
+    } else if (WhenGone_ == WhenGone::SelectNone) {
+        read.RowToRestore = 0;
+        read.IsSelectionDrawn = true;
+        LeftReference_ = place.Selected;
+    }
+    if (read.IsOtherQuery)
+        grdList_->SetTopRow(std::max(1, row));
+    else if (const int top = RowOfReference_.value(place.AtTop); read.IsFilled && place.TopRow > 1 && top >= 1)
+        grdList_->SetTopRow(top);
+}
+
+void StationList::SelectSeveral(const QList<qint32>& references)
+{
+    QList<int> rows;
+    for (const qint32 reference : references)
+        rows.append(RowOfReference_.value(reference));
+    grdList_->SetSelectedRows(rows);
+}
+
+void StationList::ShowChanges(WhenGone whenGone)
+{
+    const QPointer<StationList> self(this);
+    const WhenGone before = std::exchange(WhenGone_, whenGone);
+    const auto restore = qScopeGuard([self, before] {
+        if (self)
+            self->WhenGone_ = before;
+    });
+    Display(Reading::ChangedRows);
+}
+
 void StationList::FillGrid(RowsRead& read, const std::function<void(int& filled)>& fill)
 {
     const QPointer<StationList> self(this);
     picLoading_->SetDetail(QString());
-    picLoading_->raise();
-    picLoading_->show();
-    repaint();
+    // What is on show stays there while the same rows are read again.
+    if (!ShowsFirstRows_ || read.IsOtherQuery) {
+        picLoading_->raise();
+        picLoading_->show();
+        repaint();
+    }
     grdList_->SetRedraw(false);
     Filling_ = true;
     timerUpdateList_->stop(); // a host that heard of the query may have started it
     SelectedReference_ = 0;
     RowOfReference_.clear();
     ShownRows_.clear();
+    read.IsFilled = true;
     int filled = 0;
     const auto finish = qScopeGuard([&] {
         if (!self)
@@ -115,6 +180,8 @@ bool StationList::GoesOnFilling(int filled, int total)
 {
     if (filled % RowsBetweenYields != 1)
         return true;
+    if (ShowsFirstRows_ && filled > FirstRows && picLoading_->isVisible())
+        ShowFirstRows(filled);
     const QPointer<StationList> self(this);
     const ReadTarget target = Target();
     picLoading_->SetDetail(QStringLiteral("%1 of %2").arg(QLocale().toString(filled), QLocale().toString(total)));
@@ -127,6 +194,19 @@ void StationList::AddRow(int filled)
 {
     if (filled + 1 > grdList_->Rows())
         grdList_->SetRows(grdList_->Rows() + RowsOfABlock);
+}
+
+/// The user reads while the others come.
+void StationList::ShowFirstRows(int filled)
+{
+    grdList_->SetRows(filled + 1);
+    SelectRow(1);
+    grdList_->SetRedraw(true);
+    grdList_->SetTopRow(1);
+    picLoading_->hide();
+    grdList_->raise();
+    repaint();
+    grdList_->SetRedraw(false);
 }
 
 /// Brings the grid, or the words that there is nothing in it, to the front, and keeps the row to restore within it.

@@ -14,6 +14,7 @@ namespace
 {
 constexpr int OverwritePrompt = 2;
 constexpr int FileMustExist = 4096;
+constexpr int Several = 512;
 
 QFileDialog* MakeDialog()
 {
@@ -49,7 +50,10 @@ void QtFileDialog::ShowOpen()
 {
     QFileDialog* const dialog = MakeDialog();
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
-    dialog->setFileMode((Flags & FileMustExist) != 0 ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    if ((Flags & Several) != 0)
+        dialog->setFileMode(QFileDialog::ExistingFiles);
+    else
+        dialog->setFileMode((Flags & FileMustExist) != 0 ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     Show(*dialog);
 }
 
@@ -81,7 +85,10 @@ void QtFileDialog::Show(QFileDialog& shown)
 
     const bool isChosen = dialog->exec() == QDialog::Accepted && dialog && !dialog->selectedFiles().isEmpty();
     if (isChosen) {
-        Filename = QDir::toNativeSeparators(dialog->selectedFiles().first());
+        Filenames.clear();
+        for (const QString& file : dialog->selectedFiles())
+            Filenames.append(QDir::toNativeSeparators(file));
+        Filename = Filenames.first();
         FilterIndex = qMax(1, static_cast<int>(filters.indexOf(dialog->selectedNameFilter())) + 1);
     }
     delete dialog;

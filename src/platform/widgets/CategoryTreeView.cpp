@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QSignalBlocker>
 
 namespace
@@ -15,7 +16,11 @@ namespace
 constexpr int KeyRole = Qt::UserRole;
 constexpr int IconRole = Qt::UserRole + 1;
 constexpr int SelectedIconRole = Qt::UserRole + 2;
+constexpr int CountRole = Qt::UserRole + 3;
 constexpr int KeyRestMilliseconds = 150;
+constexpr int DragRestMilliseconds = 600;
+constexpr int DragScrollMilliseconds = 40;
+constexpr int EdgePixels = 16;
 
 QString KeyOf(const QTreeWidgetItem* item)
 {
@@ -49,6 +54,17 @@ public:
         TextDelegate::paint(painter, highlighted, index);
     }
 
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        TextDelegate::initStyleOption(option, index);
+        const int count = index.data(CountRole).toInt();
+        if (count == 0)
+            return;
+        option->text += QStringLiteral(" (%1)").arg(option->locale.toString(count));
+        option->font.setBold(true);
+    }
+
 private:
     CategoryTreeView& Tree_;
 };
@@ -69,6 +85,18 @@ CategoryTreeView::CategoryTreeView(QWidget* parent) : QTreeWidget(parent)
     KeyRest_.setSingleShot(true);
     KeyRest_.setInterval(KeyRestMilliseconds);
     connect(&KeyRest_, &QTimer::timeout, this, &CategoryTreeView::ChooseSelected);
+    DragRest_.setSingleShot(true);
+    DragRest_.setInterval(DragRestMilliseconds);
+    connect(&DragRest_, &QTimer::timeout, this, [this] {
+        if (QTreeWidgetItem* item = itemAt(DragPosition_))
+            item->setExpanded(true);
+    });
+    DragScroll_.setInterval(DragScrollMilliseconds);
+    connect(&DragScroll_, &QTimer::timeout, this, [this] {
+        const bool isAbove = DragPosition_.y() < EdgePixels;
+        QScrollBar* bar = verticalScrollBar();
+        bar->setValue(bar->value() + (isAbove ? -1 : 1) * bar->singleStep());
+    });
     connect(this, &QTreeWidget::itemSelectionChanged, this, [this] {
         ShowSelectedIcon(std::exchange(ShownSelected_, SelectedKey()), false);
         ShowSelectedIcon(ShownSelected_, true);
@@ -106,6 +134,15 @@ QString CategoryTreeView::NodeText(const QString& key) const
 {
     const QTreeWidgetItem* item = Nodes_.value(key);
     return item ? item->text(0) : QString();
+}
+
+void CategoryTreeView::SetNodeCount(const QString& key, int count, const QString& spoken)
+{
+    QTreeWidgetItem* item = Nodes_.value(key);
+    if (!item || item->data(0, CountRole).toInt() == count)
+        return;
+    item->setData(0, CountRole, count);
+    item->setData(0, Qt::AccessibleTextRole, count > 0 ? item->text(0) + QStringLiteral(", ") + spoken : QVariant());
 }
 
 void CategoryTreeView::SetNodeIcons(const QString& key, const QIcon& icon, const QIcon& selectedIcon)
@@ -277,6 +314,7 @@ void CategoryTreeView::dragEnterEvent(QDragEnterEvent* event)
 void CategoryTreeView::dragMoveEvent(QDragMoveEvent* event)
 {
     QAbstractScrollArea::dragMoveEvent(event);
+    FollowDrag(event->position().toPoint());
     Qt::DropAction effect = event->proposedAction();
     Q_EMIT DragOver(*event->mimeData(), ToTwips(event->position()), effect);
     if (effect == Qt::IgnoreAction) {
@@ -287,13 +325,33 @@ void CategoryTreeView::dragMoveEvent(QDragMoveEvent* event)
     event->accept();
 }
 
+void CategoryTreeView::FollowDrag(const QPoint& position)
+{
+    if (itemAt(position) != itemAt(DragPosition_) || !DragRest_.isActive())
+        DragRest_.start();
+    DragPosition_ = position;
+    const bool isAtEdge = position.y() < EdgePixels || position.y() >= viewport()->height() - EdgePixels;
+    if (!isAtEdge)
+        DragScroll_.stop();
+    else if (!DragScroll_.isActive())
+        DragScroll_.start();
+}
+
+void CategoryTreeView::EndDrag()
+{
+    DragRest_.stop();
+    DragScroll_.stop();
+}
+
 void CategoryTreeView::dragLeaveEvent(QDragLeaveEvent*)
 {
+    EndDrag();
     Q_EMIT DragLeft();
 }
 
 void CategoryTreeView::dropEvent(QDropEvent* event)
 {
+    EndDrag();
     Qt::DropAction effect = Qt::IgnoreAction;
     Q_EMIT Dropped(*event->mimeData(), ToTwips(event->position()), effect);
     if (effect == Qt::IgnoreAction) {

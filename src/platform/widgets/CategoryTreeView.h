@@ -24,6 +24,8 @@ public:
     int NodeCount() const { return static_cast<int>(Nodes_.size()); }
     /// These do nothing, and give nothing, for a key that is not there.
     QString NodeText(const QString& key) const;
+    /// A number behind the node's text, which stands out with it; 0 for none. spoken: what a screen reader says of it.
+    void SetNodeCount(const QString& key, int count, const QString& spoken);
     void SetNodeIcons(const QString& key, const QIcon& icon, const QIcon& selectedIcon);
     QString KeyOfItem(const QTreeWidgetItem& item) const;
     /// Empty at the top.
@@ -83,6 +85,8 @@ private:
     QPointF ToTwips(const QPointF& pixels) const;
     void ShowSelectedIcon(const QString& key, bool selected);
     void ChooseSelected();
+    void FollowDrag(const QPoint& position);
+    void EndDrag();
 
     QHash<QString, QTreeWidgetItem*> Nodes_;
     QString ShownSelected_; ///< Bears the icon of a selected node.
@@ -90,5 +94,8 @@ private:
     QString PressedKey_;
     QString EditedKey_;
     QTimer KeyRest_;
+    QTimer DragRest_;   ///< Opens the folder under a drag that rests on it.
+    QTimer DragScroll_; ///< Scrolls while a drag is at the edge.
+    QPoint DragPosition_;
     bool Tracking_ = false;
 };

@@ -63,6 +63,7 @@ void FlexGrid::SetRows(int rows)
         const QScopedValueRollback<bool> guard(Synchronising_, true);
         Model_->SetRows(rows);
     }
+    Selected_.erase(Selected_.lower_bound(Rows()), Selected_.end());
     if (Redraw())
         ShowHeights();
     if (Row_ >= Rows())
@@ -72,6 +73,17 @@ void FlexGrid::SetRows(int rows)
 void FlexGrid::ArrangeRows(const std::vector<int>& sources)
 {
     Model_->ArrangeRows(sources);
+    std::set<int> selected;
+    int anchor = 0;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const int row = static_cast<int>(i) + 1;
+        if (Selected_.contains(sources[i] + 1))
+            selected.insert(selected.end(), row);
+        if (sources[i] + 1 == Anchor_ && Anchor_ > 0)
+            anchor = row;
+    }
+    Selected_.swap(selected);
+    Anchor_ = anchor;
     if (Row_ >= Rows())
         MakeCurrent(Rows() - 1, Col_);
 }
@@ -110,75 +122,6 @@ void FlexGrid::SetTextMatrix(int row, int col, const QString& text)
 void FlexGrid::SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts)
 {
     Model_->SetLateTexts(row, firstCol, std::move(texts));
-}
-
-// ---- The current cell
-
-void FlexGrid::SetRow(int row)
-{
-    if (row >= 0 && row < Rows())
-        MakeCurrent(row, Col_);
-}
-
-void FlexGrid::SetCol(int col)
-{
-    if (col >= 0 && col < Cols())
-        MakeCurrent(Row_, col);
-}
-
-void FlexGrid::MakeCurrent(int row, int col)
-{
-    if (row == Row_ && col == Col_)
-        return;
-    Row_ = row;
-    Col_ = col;
-    if (Redraw())
-        ShowCurrent();
-    Q_EMIT EnterCell();
-}
-
-void FlexGrid::ShowCurrent()
-{
-    const QScopedValueRollback<bool> guard(Synchronising_, true);
-    const QModelIndex index = Row_ > 0 ? Model_->index(Row_ - 1, ViewColumn()) : QModelIndex();
-    if (index.isValid())
-        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    else
-        selectionModel()->clear();
-}
-
-int FlexGrid::ViewColumn() const
-{
-    if (!isColumnHidden(Col_))
-        return Col_;
-    int visible = -1;
-    for (int col = Cols() - 1; col >= 0; --col) {
-        // A column with a heading has something to say to a screen reader.
-        if (!isColumnHidden(col) && (visible < 0 || !TextMatrix(0, col).isEmpty() || TextMatrix(0, visible).isEmpty()))
-            visible = col;
-    }
-    return visible < 0 ? Col_ : visible;
-}
-
-void FlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous)
-{
-    QTableView::currentChanged(current, previous);
-    if (!Synchronising_ && current.isValid() && current.row() + 1 < Rows())
-        MakeCurrent(current.row() + 1, current.column());
-}
-
-void FlexGrid::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
-{
-    QTableView::selectionChanged(selected, deselected);
-    // An assistive tool selects a row without making it current.
-    if (!Synchronising_ && !selected.isEmpty())
-        SetRow(selected.first().top() + 1);
-}
-
-QItemSelectionModel::SelectionFlags FlexGrid::selectionCommand(const QModelIndex& index, const QEvent*) const
-{
-    return index.isValid() ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
-                           : QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate);
 }
 
 // ---- Showing

@@ -4,14 +4,16 @@
 #include <QTableView>
 
 #include <memory>
+#include <set>
 #include <vector>
 
 class FlexGridModel;
 class LateTexts;
 
-/// A table that is filled cell by cell, with whole rows selected one at a time. Row 0 is the header: its texts are the
-/// headings above the columns, and Rows() counts it. Rows and columns outside the table read as empty (0, false) and
-/// ignore being set. Lengths and positions are in twips, positions from the top left corner of the viewport().
+/// A table that is filled cell by cell, with whole rows selected, one at a time unless SetSelectsSeveral. Row 0 is the
+/// header: its texts are the headings above the columns, and Rows() counts it. Rows and columns outside the table read
+/// as empty (0, false) and ignore being set. Lengths and positions are in twips, positions from the top left corner of
+/// the viewport().
 ///
 /// The cells are not edited, sorted, moved or searched by typing: the key of a row may stand in a column that is
 /// hidden. It holds its own model (for setAccessibleName() and the like treat it as any widget; do not set another
@@ -48,6 +50,13 @@ public:
     void SetRow(int row);
     int Col() const { return Col_; }
     void SetCol(int col);
+    /// Whether the user may select several rows: with Ctrl or Shift by the mouse, with Shift by the keys, all by
+    /// Ctrl+A. Off at first. The current row is one of them.
+    void SetSelectsSeveral(bool several);
+    /// From the first to the last; the current one alone where no others are selected.
+    QList<int> SelectedRows() const;
+    /// Selects these besides the current row, which stays. Rows that are not there are passed over.
+    void SetSelectedRows(const QList<int>& rows);
     /// The first row in view, even in part; 1 when there are none. Setting scrolls, as far down as there are rows; with
     /// redraw off it does so when it goes on.
     int TopRow() const;
@@ -95,6 +104,9 @@ public:
 Q_SIGNALS:
     /// The current cell is another one now, by the user's doing or by code, also while redraw is off.
     void EnterCell();
+    /// The user pointed at the current row alone, by mouse, keys or an assistive tool; also at the one that was current
+    /// before. After EnterCell.
+    void RowChosen(int row);
     /// After the grid has done its part: a press of the left button has made the row under it current; other buttons do
     /// not change the row. Moves are told while a button is down.
     void MouseDown(Qt::MouseButton button, const QPointF& twips);
@@ -127,6 +139,10 @@ protected:
 private:
     void PrepareHeaders();
     void MakeCurrent(int row, int col);
+    /// The user's doing: also ends the selection of other rows, or makes them those from the anchor to this one.
+    void MakeOnly(int row, int col);
+    void ExtendTo(int row);
+    void Toggle(int row);
     void ShowCurrent();
     /// The column that stands for the current one in the view, which cannot have a hidden one as its current.
     int ViewColumn() const;
@@ -136,12 +152,12 @@ private:
     void ShowHeaderHeight();
     int PixelHeight(int row) const;
     double DefaultRowHeight() const;
-    /// Makes the cell under a position of the viewport current; returns its row, 0 when there is none.
-    int EnterCellAt(const QPoint& position);
+    /// The cell under a position of the viewport becomes current. False when there is none, or this object is gone.
+    bool PressCellAt(const QPoint& position, Qt::KeyboardModifiers modifiers);
     QPointF InTwips(const QMouseEvent& event) const;
     /// false: not one of the keys that move the current cell.
-    bool Navigate(int key);
-    void GoToRow(int row);
+    bool Navigate(int key, Qt::KeyboardModifiers modifiers);
+    void GoToRow(int row, Qt::KeyboardModifiers modifiers);
     void GoToColumn(int step);
     /// The next row in direction step that has a height, or row itself.
     int NextRow(int row, int step) const;
@@ -150,6 +166,10 @@ private:
     FlexGridModel* Model_ = nullptr;
     int Row_ = 0;
     int Col_ = 0;
+    std::set<int> Selected_; ///< Rows; the current one is taken for selected whether it stands here or not.
+    int Anchor_ = 0;
+    bool SelectsSeveral_ = false;
+    bool NarrowsOnRelease_ = false; ///< The press may begin a drag of all selected rows.
     int PendingTopRow_ = 0;
     double DefaultRowHeight_ = -1;
     std::vector<double> ColWidths_;

@@ -8,6 +8,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 int FlexGrid::RowAt(double yTwips) const
 {
@@ -35,13 +36,25 @@ QPointF FlexGrid::InTwips(const QMouseEvent& event) const
     return {Twips::FromPixels(*this, event.position().x()), Twips::FromPixels(*this, event.position().y())};
 }
 
-int FlexGrid::EnterCellAt(const QPoint& position)
+bool FlexGrid::PressCellAt(const QPoint& position, Qt::KeyboardModifiers modifiers)
 {
     const int row = RowAtPixel(position.y());
-    const int col = columnAt(position.x());
-    if (row > 0)
-        MakeCurrent(row, col < 0 ? Col_ : col);
-    return row;
+    if (row == 0)
+        return false;
+    const QPointer<FlexGrid> self(this);
+    const int col = columnAt(position.x()) < 0 ? Col_ : columnAt(position.x());
+    NarrowsOnRelease_ = false;
+    if (SelectsSeveral_ && modifiers.testFlag(Qt::ShiftModifier)) {
+        ExtendTo(row);
+    } else if (SelectsSeveral_ && modifiers.testFlag(Qt::ControlModifier)) {
+        Toggle(row);
+    } else if (Selected_.size() > 1 && Selected_.contains(row)) {
+        NarrowsOnRelease_ = true;
+        MakeCurrent(row, col);
+    } else {
+        MakeOnly(row, col);
+    }
+    return !self.isNull();
 }
 
 void FlexGrid::mousePressEvent(QMouseEvent* event)
@@ -51,7 +64,7 @@ void FlexGrid::mousePressEvent(QMouseEvent* event)
         Tracking_ = true;
         Following_ = false;
         const QPointer<FlexGrid> self(this);
-        EnterCellAt(PressedAt_);
+        PressCellAt(PressedAt_, event->modifiers());
         if (!self)
             return;
     }
@@ -64,7 +77,7 @@ void FlexGrid::mouseMoveEvent(QMouseEvent* event)
     // A hand that trembles on the edge of a row means the row it pressed.
     if ((position - PressedAt_).manhattanLength() >= QApplication::startDragDistance())
         Following_ = true;
-    if (Tracking_ && Following_ && event->buttons().testFlag(Qt::LeftButton)) {
+    if (Tracking_ && Following_ && !NarrowsOnRelease_ && event->buttons().testFlag(Qt::LeftButton)) {
         const QPointer<FlexGrid> self(this);
         const int row = RowAtPixel(position.y());
         if (row > 0)
@@ -77,15 +90,21 @@ void FlexGrid::mouseMoveEvent(QMouseEvent* event)
 
 void FlexGrid::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton)
+    const QPointer<FlexGrid> self(this);
+    if (event->button() == Qt::LeftButton) {
+        const bool narrows = Tracking_ && std::exchange(NarrowsOnRelease_, false);
         EndMouseTracking();
+        if (narrows)
+            MakeOnly(Row_, Col_);
+    }
+    if (!self)
+        return;
     Q_EMIT MouseUp(event->button(), InTwips(*event));
 }
 
 void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    const QPointer<FlexGrid> self(this);
-    if (event->button() == Qt::LeftButton && EnterCellAt(event->position().toPoint()) > 0 && self)
+    if (event->button() == Qt::LeftButton && PressCellAt(event->position().toPoint(), Qt::NoModifier))
         Q_EMIT DblClick();
 }
 
@@ -109,7 +128,7 @@ void FlexGrid::keyPressEvent(QKeyEvent* event)
     event->ignore();
     const QPointer<FlexGrid> self(this);
     Q_EMIT KeyDown(event);
-    if (self && !event->isAccepted() && Navigate(event->key()))
+    if (self && !event->isAccepted() && Navigate(event->key(), event->modifiers()))
         event->accept();
 }
 
@@ -124,26 +143,26 @@ QModelIndex FlexGrid::moveCursor(CursorAction, Qt::KeyboardModifiers)
     return {};
 }
 
-bool FlexGrid::Navigate(int key)
+bool FlexGrid::Navigate(int key, Qt::KeyboardModifiers modifiers)
 {
     switch (key) {
     case Qt::Key_Up:
-        GoToRow(NextRow(Row_, -1));
+        GoToRow(NextRow(Row_, -1), modifiers);
         return true;
     case Qt::Key_Down:
-        GoToRow(NextRow(Row_, 1));
+        GoToRow(NextRow(Row_, 1), modifiers);
         return true;
     case Qt::Key_PageUp:
-        GoToRow(RowAPageFrom(Row_, -1));
+        GoToRow(RowAPageFrom(Row_, -1), modifiers);
         return true;
     case Qt::Key_PageDown:
-        GoToRow(RowAPageFrom(Row_, 1));
+        GoToRow(RowAPageFrom(Row_, 1), modifiers);
         return true;
     case Qt::Key_Home:
-        GoToRow(NextRow(0, 1));
+        GoToRow(NextRow(0, 1), modifiers);
         return true;
     case Qt::Key_End:
-        GoToRow(NextRow(Rows(), -1));
+        GoToRow(NextRow(Rows(), -1), modifiers);
         return true;
     case Qt::Key_Left:
         GoToColumn(isRightToLeft() ? 1 : -1);
@@ -151,17 +170,28 @@ bool FlexGrid::Navigate(int key)
     case Qt::Key_Right:
         GoToColumn(isRightToLeft() ? -1 : 1);
         return true;
+    case Qt::Key_A:
+        if (!SelectsSeveral_ || !modifiers.testFlag(Qt::ControlModifier) || !Redraw() || Row_ < 1)
+            return false;
+        Anchor_ = 1;
+        for (int row = 1; row < Rows(); ++row)
+            Selected_.insert(Selected_.end(), row);
+        ShowCurrent();
+        return true;
     default:
         return false;
     }
 }
 
-void FlexGrid::GoToRow(int row)
+void FlexGrid::GoToRow(int row, Qt::KeyboardModifiers modifiers)
 {
     if (!Redraw() || row < 1 || row >= Rows())
         return;
     const QPointer<FlexGrid> self(this);
-    MakeCurrent(row, Col_);
+    if (SelectsSeveral_ && modifiers.testFlag(Qt::ShiftModifier))
+        ExtendTo(row);
+    else
+        MakeOnly(row, Col_);
     if (self)
         scrollTo(currentIndex());
 }

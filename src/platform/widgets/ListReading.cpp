@@ -3,19 +3,20 @@
 
 #include "platform/widgets/CategoryTreeView.h"
 
-#include <QApplication>
-
 ListReading::ListReading(QWidget& list, CategoryTreeView& tree, QWidget& tabs, bool& isReading)
-    : List_(&list), Tree_(tree), Tabs_(tabs), IsReading_(isReading), TreeHadFocus_(tree.hasFocus())
+    : List_(&list), Tree_(tree), Tabs_(tabs), IsReading_(isReading)
 {
+    // Of its window, which may not be the active one.
+    if (QWidget* focused = list.window()->focusWidget(); focused && (focused == &tree || tabs.isAncestorOf(focused)))
+        Focused_ = focused;
     list.setCursor(Qt::WaitCursor);
     IsReading_ = true;
     // A disabled tree would end the typing of a folder's name in the middle, and store the half of it.
     if (!Tree_.IsEditingLabel())
         Tree_.setEnabled(false);
     Tabs_.setEnabled(false);
-    // A disabled tree loses the focus to a neighbour.
-    Neighbour_ = QApplication::focusWidget();
+    // A disabled widget loses the focus to a neighbour, or to none.
+    Neighbour_ = list.window()->focusWidget();
 }
 
 ListReading::~ListReading()
@@ -24,8 +25,8 @@ ListReading::~ListReading()
         return;
     Tabs_.setEnabled(true);
     Tree_.setEnabled(true);
-    if (TreeHadFocus_ && QApplication::focusWidget() == Neighbour_)
-        Tree_.setFocus();
+    if (Focused_ && List_->window()->focusWidget() == Neighbour_)
+        Focused_->setFocus();
     IsReading_ = false;
     List_->unsetCursor();
 }

@@ -8,7 +8,7 @@ class CategoryTreeView;
 
 /// What the user meets while a list reads its rows: the pointer waits, and the list's tree and tabs take no input. It
 /// lasts as long as the object, and nothing is touched when the list has gone meanwhile. The focus goes back to the
-/// tree unless the user has taken it elsewhere.
+/// part of them that had it, unless the user has taken it elsewhere.
 class ListReading
 {
 public:
@@ -22,6 +22,6 @@ private:
     CategoryTreeView& Tree_;
     QWidget& Tabs_;
     bool& IsReading_;
-    bool TreeHadFocus_;
+    QPointer<QWidget> Focused_; ///< A part that takes no input meanwhile; null when none of them had the focus.
     QPointer<QWidget> Neighbour_;
 };

@@ -3,6 +3,7 @@
 
 #include "DeskTest.h"
 #include "support/ScriptedFileDialog.h"
+#include "window/FileChoice.h"
 
 #include <QDir>
 #include <QPushButton>
@@ -31,7 +32,7 @@ protected:
     }
     void TearDown() override
     {
-        AttachmentList::SetFolderChooser({});
+        FileChoice::SetFolderChooser({});
         Files_.setParent(nullptr);
         Files_.hide();
         Window_.close();
@@ -125,7 +126,7 @@ TEST_F(AttachmentListTest, SaveAllGivesEveryFileANameOfItsOwn)
 {
     const QString folder = Path(QStringLiteral("all"));
     ASSERT_TRUE(QDir().mkpath(folder));
-    AttachmentList::SetFolderChooser([&](QWidget*, const QString&) { return folder; });
+    FileChoice::SetFolderChooser([&](const QString&) { return folder; });
     Click("attachmentSaveAll");
     EXPECT_EQ(
         QDir(folder).entryList(QDir::Files),
@@ -135,7 +136,7 @@ TEST_F(AttachmentListTest, SaveAllGivesEveryFileANameOfItsOwn)
 
 TEST_F(AttachmentListTest, SaveAllSaysHowManyCouldBeSaved)
 {
-    AttachmentList::SetFolderChooser([](QWidget*, const QString&) { return QStringLiteral("/nonexistent"); });
+    FileChoice::SetFolderChooser([](const QString&) { return QStringLiteral("/nonexistent"); });
     Ui.ExpectWarning(QStringLiteral("0 of 3 attachments could be saved in /nonexistent: there is no such file or "
                                     "folder."));
     Click("attachmentSaveAll");

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // A desk in a process of its own, driven by words on its standard input: "work" marks, moves and awards without pause,
-// "rest" ends that, "rows" prints what its list shows of the Inbox, "prizes" what its page of prizes shows, "end" ends
-// it. Each answer is one line.
+// "write" opens a new message and types into it, "rest" ends the work, "rows" prints what its list shows of the Inbox,
+// "prizes" what its page of prizes shows, "end" ends it. Each answer is one line.
 //   soakDesk FOLDER SETTINGS
 
 #include "DeskSettings.h"
 #include "DeskUserInterface.h"
+#include "compose/ComposeWindow.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/FlexGrid.h"
 #include "prizes/PrizeAwards.h"
@@ -19,6 +20,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QRandomGenerator>
 #include <QSocketNotifier>
@@ -145,12 +147,25 @@ void Answer(const QJsonDocument& answer)
     std::fflush(stdout);
 }
 
+/// By the keyboard, into the text of a new message.
+void Write(MainWindow& window)
+{
+    const auto* compose = window.Compose(Composition());
+    auto* body = compose->findChild<QWidget*>(QStringLiteral("body"));
+    for (const QChar letter : QStringLiteral("Dear listener, thank you")) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(letter));
+        QApplication::sendEvent(body, &press);
+    }
+}
+
 void Obey(const QByteArray& word, MainWindow& window, Worker& worker)
 {
     if (word == "work")
         worker.Start();
     else if (word == "rest")
         Answer(QJsonDocument(worker.Rest()));
+    else if (word == "write")
+        Write(window);
     else if (word == "rows")
         Answer(QJsonDocument(window.List().IsFilling() ? QJsonArray() : TextsOf(window.List(), "grdMessages")));
     else if (word == "prizes")

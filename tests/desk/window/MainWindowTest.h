@@ -41,18 +41,8 @@ protected:
     FlexGrid& Grid() { return *List().findChild<FlexGrid*>(QStringLiteral("grdMessages")); }
     QString Label(const char* name) { return Window->findChild<QLabel*>(QLatin1String(name))->text(); }
     NoticeBar& Notice(const char* name) { return *Window->findChild<NoticeBar*>(QLatin1String(name)); }
-    /// Selects as the arrow keys do.
-    void Select(qint32 reference)
-    {
-        Grid().setFocus();
-        for (int row = 1; row < Grid().Rows(); ++row) {
-            if (Grid().TextMatrix(row, 0).toInt() == reference) {
-                Grid().SetRow(row);
-                Grid().SetCol(0);
-            }
-        }
-        ASSERT_EQ(List().SelectedReference(), reference);
-    }
+    /// Selects by the arrow keys.
+    void Select(qint32 reference) { SelectByKeys(*Window, reference); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
         QTest::keyClick(Window.get(), key, modifiers);

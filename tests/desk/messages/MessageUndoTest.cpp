@@ -2,7 +2,7 @@
 
 // Taking back what was deleted or moved at this desk.
 
-#include "messages/MoveUndo.h"
+#include "messages/MessageUndo.h"
 
 #include "WindowTest.h"
 #include "platform/widgets/CategoryTreeView.h"
@@ -16,24 +16,14 @@
 
 namespace
 {
-class MoveUndoTest : public WindowTest
+class MessageUndoTest : public WindowTest
 {
 protected:
     FlexGrid& Grid() { return *Window->List().findChild<FlexGrid*>(QStringLiteral("grdMessages")); }
     NoticeBar& Notice() { return *Window->findChild<NoticeBar*>(QStringLiteral("moveNotice")); }
     QAction& UndoAction() { return *Window->findChild<QAction*>(QStringLiteral("undoMove")); }
     QString Status() { return Window->statusBar()->currentMessage(); }
-    void Select(qint32 reference)
-    {
-        Grid().setFocus();
-        for (int row = 1; row < Grid().Rows(); ++row) {
-            if (Grid().TextMatrix(row, 0).toInt() == reference) {
-                Grid().SetRow(row);
-                Grid().SetCol(0);
-            }
-        }
-        ASSERT_EQ(Window->List().SelectedReference(), reference);
-    }
+    void Select(qint32 reference) { SelectByKeys(*Window, reference); }
     void Delete(qint32 reference)
     {
         Select(reference);
@@ -43,7 +33,7 @@ protected:
 };
 } // namespace
 
-TEST_F(MoveUndoTest, ADeletedMessageComesBackToItsFolderByTheKey)
+TEST_F(MessageUndoTest, ADeletedMessageComesBackToItsFolderByTheKey)
 {
     const qint32 reference = FileMail(Mail("Do not lose me"), tmcSaved);
     OpenWindow();
@@ -65,7 +55,7 @@ TEST_F(MoveUndoTest, ADeletedMessageComesBackToItsFolderByTheKey)
     EXPECT_NE(Station.Database().LastMessageChanged(), stamp);
 }
 
-TEST_F(MoveUndoTest, SeveralAreTakenBackTheLastFirst)
+TEST_F(MessageUndoTest, SeveralAreTakenBackTheLastFirst)
 {
     const qint32 first = FileMail(Mail("One"));
     const qint32 second = FileMail(Mail("Two"));
@@ -78,7 +68,7 @@ TEST_F(MoveUndoTest, SeveralAreTakenBackTheLastFirst)
     EXPECT_EQ(MessagesIn(tmcInbox), (QList<qint32>{first, second}));
 }
 
-TEST_F(MoveUndoTest, AMessageThatWasDraggedToAFolderGoesBack)
+TEST_F(MessageUndoTest, AMessageThatWasDraggedToAFolderGoesBack)
 {
     const qint32 reference = FileMail(Mail("Dragged"));
     OpenWindow();
@@ -94,7 +84,7 @@ TEST_F(MoveUndoTest, AMessageThatWasDraggedToAFolderGoesBack)
     EXPECT_EQ(MessagesIn(tmcInbox), QList<qint32>{reference});
 }
 
-TEST_F(MoveUndoTest, WhatWasDeletedForEverIsNotOffered)
+TEST_F(MessageUndoTest, WhatWasDeletedForEverIsNotOffered)
 {
     const qint32 reference = FileMail(Mail("Gone"), tmcDeleted);
     OpenWindow();
@@ -106,7 +96,7 @@ TEST_F(MoveUndoTest, WhatWasDeletedForEverIsNotOffered)
     EXPECT_FALSE(UndoAction().isEnabled());
 }
 
-TEST_F(MoveUndoTest, WhatSomebodyElseMovedOnStaysThere)
+TEST_F(MessageUndoTest, WhatSomebodyElseMovedOnStaysThere)
 {
     const qint32 reference = FileMail(Mail("Wanted"));
     OpenWindow();
@@ -118,7 +108,7 @@ TEST_F(MoveUndoTest, WhatSomebodyElseMovedOnStaysThere)
     EXPECT_FALSE(UndoAction().isEnabled());
 }
 
-TEST_F(MoveUndoTest, WhatSomebodyElseDeletedForEverIsSaid)
+TEST_F(MessageUndoTest, WhatSomebodyElseDeletedForEverIsSaid)
 {
     const qint32 reference = FileMail(Mail("Wanted"));
     OpenWindow();
@@ -129,7 +119,7 @@ TEST_F(MoveUndoTest, WhatSomebodyElseDeletedForEverIsSaid)
     EXPECT_FALSE(UndoAction().isEnabled());
 }
 
-TEST_F(MoveUndoTest, ALongSubjectIsShortenedAndAMissingOneNamed)
+TEST_F(MessageUndoTest, ALongSubjectIsShortenedAndAMissingOneNamed)
 {
     const qint32 longOne = FileMail(Mail(QByteArray(200, 'a')));
     const qint32 none = FileMail(Mail(""));
