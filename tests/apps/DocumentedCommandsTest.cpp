@@ -213,6 +213,8 @@ TEST_F(DocumentedCommandsTest, EveryOtherCommandOfThePagesIsTriedElsewhereOrKnow
         QStringLiteral("rsync "),
         // RecoverTest.
         QStringLiteral("tolva recover /srv/station "),
+        // RepairTest.
+        QStringLiteral("tolva repair /srv/station"),
         // ServerSetUpTest, with a server of its own.
         QStringLiteral("sudo -u postgres "), QStringLiteral("psql --host=db.example.org "),
         QStringLiteral("tolva init /srv/station --name \"Harbour FM\" --phone \"01632 960100\" "

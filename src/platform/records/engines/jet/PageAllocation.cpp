@@ -86,8 +86,8 @@ bool PageAllocation::IsIn(quint32 map, quint32 page)
 
 quint32 PageAllocation::LastOf(quint32 map)
 {
-    const UsageMap pages = ReadUsageMap(File_, map);
-    return pages.Pages.empty() ? 0 : pages.Pages.back();
+    const std::vector<quint32> last = LastPagesOf(File_, map, 1);
+    return last.empty() ? 0 : last.front();
 }
 
 quint32 PageAllocation::Append()

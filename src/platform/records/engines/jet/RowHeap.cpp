@@ -19,16 +19,14 @@ constexpr int RoomWorthNoting = 200;
 constexpr qsizetype PointerSize = 4;
 constexpr int LongestPath = 16;
 /// Pages with room that are tried before a new one is taken: rows must not cost more the more there are.
-constexpr int MostTried = 8;
+constexpr std::size_t MostTried = 8;
 
 /// A page of the map that has room for so many octets; 0 for none.
 quint32 PageWithRoom(PageFile& file, quint32 map, qsizetype size, quint32 butNot)
 {
-    const UsageMap free = ReadUsageMap(file, map);
-    int tried = 0;
-    for (auto page = free.Pages.rbegin(); page != free.Pages.rend() && tried < MostTried; ++page, ++tried) {
-        if (*page != butNot && RowPageEdit(file, *page).HasRoomFor(size))
-            return *page;
+    for (const quint32 page : LastPagesOf(file, map, MostTried)) {
+        if (page != butNot && RowPageEdit(file, page).HasRoomFor(size))
+            return page;
     }
     return 0;
 }

@@ -48,7 +48,47 @@ void ReadReferences(PageFile& file, const OctetView& row, UsageMap& map)
     }
 }
 
+/// The same from the end, until there are enough.
+void AddLastBits(const OctetView& bits, quint32 first, quint32 pageCount, std::size_t most, std::vector<quint32>& pages)
+{
+    if (first >= pageCount)
+        return;
+    const qsizetype within = static_cast<qsizetype>((qint64(pageCount) - 1 - first) / BitsOfOctet) + 1;
+    for (qsizetype at = std::min(bits.Size(), within); at-- > 0 && pages.size() < most;) {
+        const quint8 octet = bits.U8(at);
+        for (int bit = BitsOfOctet - 1; octet != 0 && bit >= 0 && pages.size() < most; --bit) {
+            const quint64 page = first + quint64(at) * BitsOfOctet + static_cast<quint64>(bit);
+            if ((octet >> bit & 1) != 0 && page < pageCount)
+                pages.push_back(static_cast<quint32>(page));
+        }
+    }
+}
+
 } // namespace
+
+std::vector<quint32> LastPagesOf(PageFile& file, quint32 pointer, std::size_t most)
+{
+    const RowPlace place = RowPlace::FromPointer(pointer);
+    const DataPage page(file, place.Page);
+    const OctetView row = page.RowAt(place.Row);
+    std::vector<quint32> pages;
+    if (row.U8(0) == InlineMap) {
+        AddLastBits(row.From(5), row.U32(1), file.PageCount(), most, pages);
+        return pages;
+    }
+    if (row.U8(0) != ReferringMap)
+        throw Fault(QStringLiteral("row %1 of page %2 is no map of pages").arg(place.Row).arg(place.Page));
+    const qsizetype inFile = (qsizetype(file.PageCount()) + PagesOfBitmap - 1) / PagesOfBitmap;
+    for (qsizetype i = std::min((row.Size() - 1) / 4, inFile); i-- > 0 && pages.size() < most;) {
+        const quint32 number = row.U32(1 + 4 * i);
+        if (number == 0)
+            continue;
+        const QByteArray bitmap = file.Page(number, PageType::Bitmap);
+        AddLastBits(OctetView(bitmap).From(BitmapAt), static_cast<quint32>(i * PagesOfBitmap), file.PageCount(), most,
+                    pages);
+    }
+    return pages;
+}
 
 UsageMap ReadUsageMap(PageFile& file, quint32 pointer)
 {

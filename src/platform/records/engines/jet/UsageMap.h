@@ -18,5 +18,7 @@ struct UsageMap
 
 /// pointer: where the map's row stands. Fault when it is no map.
 UsageMap ReadUsageMap(PageFile& file, quint32 pointer);
+/// Its last pages, up to that many, the last one first, without looking at all the others. Fault likewise.
+std::vector<quint32> LastPagesOf(PageFile& file, quint32 pointer, std::size_t most);
 
 } // namespace dao::jet
