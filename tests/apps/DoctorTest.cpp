@@ -96,7 +96,7 @@ TEST_F(DoctorTest, ADamagedStationIsSaid)
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
     ASSERT_EQ(file.write(QByteArray(2000, 'x')), 2000);
     file.close();
-    ExpectProblem("file", "Tolva.mdb", "tolva check");
+    ExpectProblem("file", "its file is damaged", "tolva check");
 }
 
 TEST_F(DoctorTest, ADirectoryThatNobodyIsInChargeOfIsSaid)
@@ -156,8 +156,9 @@ TEST_F(DoctorTest, AClockThatIsBehindIsSaid)
 TEST_F(DoctorTest, MissingTemplatesAreSaid)
 {
     for (const QString& name : QDir(Station()).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        if (name != u"Directory" && name != u"Backups")
+        if (name != u"Directory" && name != u"Backups") {
             ASSERT_TRUE(QDir(Station() + u'/' + name).removeRecursively());
+        }
     }
     ExpectProblem("templates", "There are no page templates", "package");
 }

@@ -45,48 +45,74 @@ bool StaysHere(QByteArrayView name)
     return IsCalled(name, "Bcc") || IsCalled(name, "Resent-Bcc") || IsCalled(name, "Return-Path");
 }
 
-/// Reads the recipients out of the fields of addresses.
-class RecipientReader
+/// The elements of a list of addresses, as they stand: what commas divide that are not within quotation marks, brackets
+/// or remarks; of a group its members. A reader of whole lists passes over what it does not understand, and nobody
+/// would hear that somebody did not get the mail.
+QList<QByteArray> ElementsOf(const QByteArray& value)
 {
-public:
-    void Read(QByteArray value)
-    {
-        value.replace('\0', ' ');
-        const ObjectPointer<InternetAddressList> list(internet_address_list_parse(ParserOptions(), value.constData()));
-        if (list)
-            Add(list.get());
-    }
-    const QStringList& Recipients() const { return Recipients_; }
-    const QString& Problem() const { return Problem_; }
-
-private:
-    void Add(InternetAddressList* list)
-    {
-        const int count = internet_address_list_length(list);
-        for (int i = 0; i < count; ++i) {
-            InternetAddress* address = internet_address_list_get_address(list, i);
-            if (INTERNET_ADDRESS_IS_GROUP(address))
-                Add(internet_address_group_get_members(INTERNET_ADDRESS_GROUP(address)));
-            else
-                AddMailbox(INTERNET_ADDRESS_MAILBOX(address));
+    QList<QByteArray> elements;
+    QByteArray element;
+    bool isQuoted = false;
+    int remarks = 0;
+    int brackets = 0;
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        const char c = value.at(i);
+        const bool isPlain = !isQuoted && remarks == 0 && brackets == 0;
+        if (c == '"' && remarks == 0)
+            isQuoted = !isQuoted;
+        else if (!isQuoted && (c == '(' || c == ')'))
+            remarks = qMax(0, remarks + (c == '(' ? 1 : -1));
+        else if (!isQuoted && remarks == 0 && (c == '<' || c == '[' || c == '>' || c == ']'))
+            brackets = qMax(0, brackets + (c == '<' || c == '[' ? 1 : -1));
+        if (isPlain && (c == ',' || c == ';' || c == ':')) {
+            // In front of a colon stands the name of a group.
+            if (c != ':')
+                elements.append(element);
+            element.clear();
+            continue;
         }
+        element.append(c);
+        if (c == '\\' && (isQuoted || remarks > 0) && i + 1 < value.size())
+            element.append(value.at(++i));
     }
-    void AddMailbox(InternetAddressMailbox* mailbox)
-    {
-        const QString address = QString::fromUtf8(internet_address_mailbox_get_idn_addr(mailbox));
-        const qsizetype at = address.lastIndexOf(u'@');
-        const bool isWhole =
-            at > 0 && at + 1 < address.size() && !address.startsWith(u'-') &&
-            std::all_of(address.begin(), address.end(), [](QChar c) { return c > u' ' && c != QChar(0x7F); });
-        if (!isWhole && Problem_.isEmpty())
-            Problem_ = QStringLiteral("\"%1\" is no mail address.").arg(address);
-        if (isWhole && !Recipients_.contains(address, Qt::CaseInsensitive))
-            Recipients_.append(address);
-    }
+    elements.append(element);
+    elements.removeIf([](const QByteArray& text) { return text.trimmed().isEmpty(); });
+    return elements;
+}
 
-    QStringList Recipients_;
-    QString Problem_;
-};
+/// The one address in an element, as servers write it; empty where it is none, or more than one.
+QString AddressIn(const QByteArray& element)
+{
+    const ObjectPointer<InternetAddressList> list(internet_address_list_parse(ParserOptions(), element.constData()));
+    if (!list || internet_address_list_length(list.get()) != 1)
+        return QString();
+    InternetAddress* only = internet_address_list_get_address(list.get(), 0);
+    if (!INTERNET_ADDRESS_IS_MAILBOX(only))
+        return QString();
+    const QString address = QString::fromUtf8(internet_address_mailbox_get_idn_addr(INTERNET_ADDRESS_MAILBOX(only)));
+    const qsizetype at = address.lastIndexOf(u'@');
+    // Programs are started with it.
+    const bool isWhole =
+        at > 0 && at + 1 < address.size() && !address.startsWith(u'-') &&
+        std::all_of(address.begin(), address.end(), [](QChar c) { return c > u' ' && c != QChar(0x7F); });
+    return isWhole ? address : QString();
+}
+
+/// Adds the recipients of a field, each once. False, and the problem, for what is no address.
+bool ReadRecipients(QByteArray value, QStringList& recipients, QString& problem)
+{
+    value.replace('\0', ' ');
+    for (const QByteArray& element : ElementsOf(value)) {
+        const QString address = AddressIn(element);
+        if (address.isEmpty()) {
+            problem = QStringLiteral("\"%1\" is no mail address.").arg(DecodeHeader(element).trimmed());
+            return false;
+        }
+        if (!recipients.contains(address, Qt::CaseInsensitive))
+            recipients.append(address);
+    }
+    return true;
+}
 
 /// The field as it goes out: as it stands, or encoded where it holds what no header may.
 QByteArray OutgoingField(const QByteArray& octets, const HeaderField& field)
@@ -117,10 +143,10 @@ QByteArray FromField(const OutgoingSender& sender)
 QByteArray OutgoingHeader(const Message& stored, const QByteArray& octets, const HeaderBlock& block,
                           const OutgoingSender& sender)
 {
-    RecipientReader from;
-    from.Read(block.Value(octets, "From"));
-    const bool isOwn =
-        from.Recipients().size() == 1 && from.Recipients().first().compare(sender.Address, Qt::CaseInsensitive) == 0;
+    QStringList from;
+    QString problem;
+    const bool isOwn = ReadRecipients(block.Value(octets, "From"), from, problem) && from.size() == 1 &&
+                       from.first().compare(sender.Address, Qt::CaseInsensitive) == 0;
     const bool hasDate = stored.SentOn().isValid();
     const bool hasID = !stored.MessageID().isEmpty();
     QByteArray header;
@@ -216,14 +242,12 @@ OutgoingMail MakeOutgoing(const Message& stored, const OutgoingSender& sender)
     const QByteArray octets = stored.Octets();
     const HeaderBlock block(octets);
     OutgoingMail mail;
-    RecipientReader recipients;
     for (const HeaderField& field : block.Fields()) {
         const QByteArrayView name = HeaderBlock::Name(octets, field);
-        if (IsCalled(name, "To") || IsCalled(name, "Cc") || IsCalled(name, "Bcc"))
-            recipients.Read(HeaderBlock::Value(octets, field));
+        if ((IsCalled(name, "To") || IsCalled(name, "Cc") || IsCalled(name, "Bcc")) &&
+            !ReadRecipients(HeaderBlock::Value(octets, field), mail.Recipients, mail.Problem))
+            return mail;
     }
-    mail.Recipients = recipients.Recipients();
-    mail.Problem = recipients.Problem();
     if (mail.Problem.isEmpty() && mail.Recipients.isEmpty())
         mail.Problem = QStringLiteral("It has no recipient.");
     if (!mail.Problem.isEmpty())

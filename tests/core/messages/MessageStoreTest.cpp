@@ -496,7 +496,8 @@ TEST_F(MessageStoreTest, WhereTheHostWantsItEveryChangeMovesTheStamp)
 TEST_F(MessageStoreTest, WhatWentOutStandsInSentWithoutItsMarkAndWithTheSameMail)
 {
     OpenStation();
-    ASSERT_TRUE(Station->StoreDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("card")));
+    Station->SetDatabaseSetting(QStringLiteral("Messages.HighlightWords"), QStringLiteral("card"), QString());
+    ASSERT_TRUE(Station->ReadDatabaseSettings());
     const cMessagePtr message = MakeMessage(QStringLiteral("A card"));
     message->CDOMessage()->SetHTMLBody(QStringLiteral("<p>A card</p>"));
     message->SetCategory(tmcOutbox);

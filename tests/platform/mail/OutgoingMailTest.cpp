@@ -73,6 +73,15 @@ TEST(OutgoingMailTest, RecipientsAreThoseOfAllFieldsEachOnce)
     EXPECT_FALSE(mail.Octets.contains("d@d.example"));
 }
 
+TEST(OutgoingMailTest, WhatDividesAddressesDoesNotDivideNamesAndRemarks)
+{
+    const cdo::OutgoingMail mail = Outgoing("To: \"a, \\\" b: c\" <one@a.example>, (x, y: (z) \\) ) two@a.example,, "
+                                            "Nobody:;, Us: three@a.example;, <four@[192.0.2.1]>\n\n.");
+    EXPECT_EQ(mail.Problem, QString());
+    EXPECT_EQ(mail.Recipients, (QStringList{QStringLiteral("one@a.example"), QStringLiteral("two@a.example"),
+                                            QStringLiteral("three@a.example"), QStringLiteral("four@[192.0.2.1]")}));
+}
+
 TEST(OutgoingMailTest, ADomainOutsideAsciiIsWrittenAsServersWriteIt)
 {
     EXPECT_EQ(Outgoing("To: ann@m\u00fcller.example\n\n.").Recipients.value(0),
@@ -87,6 +96,9 @@ TEST(OutgoingMailTest, WhatIsNoAddressIsNamed)
     // A program is started with them.
     EXPECT_FALSE(Outgoing("To: <-oQ/tmp@a.example>\n\n.").Problem.isEmpty());
     EXPECT_FALSE(Outgoing("To: ann@\n\n.").Problem.isEmpty());
+    EXPECT_EQ(Outgoing("To: ann@a.example, =?utf-8?q?J=C3=BCrgen?=\n\n.").Problem,
+              QStringLiteral("\"J\u00fcrgen\" is no mail address."));
+    EXPECT_EQ(Outgoing("To: ann@a.example bob@b.example\n\n.").Recipients.size(), 0);
 }
 
 TEST(OutgoingMailTest, EightBitTextIsEncodedAndReadsTheSame)
@@ -126,8 +138,9 @@ TEST(OutgoingMailTest, AttachmentsAndASignedPartComeThroughOctetByOctet)
     const cdo::OutgoingMail mail = Outgoing(octets);
     EXPECT_TRUE(IsSevenBit(mail.Octets));
     EXPECT_TRUE(mail.Octets.contains(signedPart)) << mail.Octets.constData();
-    EXPECT_EQ(cdo::Message(mail.Octets).AttachmentContent(cdo::Message(mail.Octets).Attachments().size() - 1),
-              QByteArray("\x00\xff\n\x00", 4));
+    const cdo::Message read(mail.Octets);
+    const auto last = static_cast<int>(read.Attachments().size()) - 1;
+    EXPECT_EQ(read.AttachmentContent(last), QByteArray("\x00\xff\n\x00", 4));
 }
 
 TEST(OutgoingMailTest, AnAttachmentInOneLongLineComesThrough)
