@@ -117,6 +117,9 @@ TEST_F(SearchFaultTest, WhatIsNoIndexOrOneOfTheFutureIsMadeAnew)
         Put(content);
         FollowAnyhow();
         EXPECT_EQ(Find(u"harbour"_qs).Count, 40);
+        IndexConnection made(IndexFile());
+        EXPECT_EQ(made.Number("PRAGMA user_version"), whole[63]) << "and is one of today";
+        EXPECT_EQ(made.Number("PRAGMA application_id") & 0xFF, whole[71]);
         Index.reset();
         Following.reset();
     }
