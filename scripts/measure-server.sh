@@ -79,6 +79,10 @@ measureSoak() {
     "$programs/tolva" check "$folder/station" 8>&- >/dev/null
     echo "$(wc -l <"$folder/log/saved") messages in $seconds seconds, none missing or twice; the longest save took" \
         "$(grep --no-filename '^longest' "$folder"/log/filed-* | cut -d' ' -f2 | sort -n | tail -n 1) ms"
+    if [ "$(wc -l <"$folder/log/saved")" -lt $((19 * seconds)) ]; then
+        echo "the machine did not keep up with 20 messages a second" >&2
+        return 1
+    fi
 }
 
 # Rows of the folder that nobody lists, copied with other numbers; what checks a mail does not hold for these, and nothing here reads them.

@@ -151,8 +151,11 @@ void MoveFileFromServer(const QString& file, const QString& engine, const QStrin
         file, copy.Name(), engine, [&](qint64 done, qint64 total) { return progress->Advance(done, total); },
         [&] {
             then();
-            result.KeepName = DAO_DatabaseFunctions::FreeKeepName(file);
-            FileExchange::OverLink(file, copy.Name(), result.KeepName);
+            const QString keepName = DAO_DatabaseFunctions::FreeKeepName(file);
+            FileExchange::OverLink(file, copy.Name(), keepName);
+            // Of the two that are kept the station's is told.
+            if (result.KeepName.isEmpty())
+                result.KeepName = keepName;
         }));
 }
 

@@ -100,9 +100,11 @@ TEST_F(MovingStationTest, ComesBackIntoFilesWithEverythingItHolds)
         const Outcome back = OnStation("convert", {QStringLiteral("--to"), format, QStringLiteral("--yes")});
         EXPECT_EQ(back.Code, 0) << back.Problems.constData();
         EXPECT_TRUE(back.Output.contains("after: 2 messages")) << back.Output.constData();
-        if (format == QStringLiteral("sqlite"))
+        if (format == QStringLiteral("sqlite")) {
             EXPECT_TRUE(back.Output.contains("Left on the server, closed: schema '" + Schema_.Name.toUtf8() + "'"))
                 << back.Output.constData();
+        }
+        EXPECT_TRUE(back.Output.contains("/Tolva-000")) << back.Output.constData();
         EXPECT_FALSE(dao::DBEngine::IsLinked(File()));
         EXPECT_FALSE(dao::DBEngine::IsLinked(DirectoryFile()));
         EXPECT_EQ(Expect("list"), list);

@@ -14,6 +14,8 @@ namespace
 constexpr qint64 ClockStepMilliseconds = 2500;
 /// Many changes within it are one poll.
 constexpr int LookMilliseconds = 250;
+/// And while changes come without pause, each desk reads them this often: fifty desks read what one of them stores.
+constexpr int RestMilliseconds = 600;
 } // namespace
 
 /// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
@@ -35,7 +37,11 @@ StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
 
 void StationWatch::TakeNotice()
 {
-    if (Station_.TakeChanges())
+    const bool isNews = Station_.TakeChanges();
+    const int wait = isNews ? RestMilliseconds : LookMilliseconds;
+    if (Looking_.interval() != wait)
+        Looking_.setInterval(wait);
+    if (isNews)
         Poll(*this);
 }
 

@@ -10,7 +10,10 @@
 #include "prizes/Awarding.h"
 #include "support/CuttingProxy.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -144,11 +147,32 @@ TEST_F(RoundTripsTest, AreWhatThePageOnServersTells)
 
 TEST_F(RoundTripsTest, OfAListGrowByOneForManyRows)
 {
-    FileBatch(1000);
+    FileBatch(400);
     BeDesk();
-    const int few = CostOf([&] { List(1000); });
-    // The rows themselves, and the beginnings of their mails, 256 at a time once the list is walked.
-    EXPECT_LE(few, 1 + 9 + 3);
+    const int few = CostOf([&] { List(400); });
+    // The rows themselves, and the beginnings of their mails, 1, 2, 4 .. 256 at a time.
+    EXPECT_LE(few, 1 + 9);
+}
+
+TEST_F(RoundTripsTest, ChangesWithoutPauseAreReadOnceInAWhileAndTheFirstOfThemAtOnce)
+{
+    BeDesk();
+    const auto other = dao::DBEngine::OpenDatabase(QString(), 0, false, TestServer::Shared().Connect(Schema_.Name));
+    int looks = 0;
+    QElapsedTimer since;
+    qint64 first = -1;
+    QObject::connect(&Station->Watch(), &StationWatch::Polled, &Station->Watch(), [&] {
+        ++looks;
+        first = first < 0 ? since.elapsed() : first;
+    });
+    since.start();
+    while (since.elapsed() < 2400) {
+        other->Execute(QStringLiteral("DELETE FROM [Messages] WHERE [Reference]=0"));
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    }
+    EXPECT_GE(looks, 2);
+    EXPECT_LE(looks, 5) << "a look each quarter of a second would be nine";
+    EXPECT_LT(first, 1000);
 }
 
 } // namespace

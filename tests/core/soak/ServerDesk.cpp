@@ -14,6 +14,7 @@
 #include "common/ListViewObject.h"
 #include "common/UserInterface.h"
 #include "database/cTolvaDatabase.h"
+#include "database/watch/RowChanges.h"
 #include "database/watch/StationWatch.h"
 #include "platform/directory/EmbeddedDirectory.h"
 #include "prizes/Awarding.h"
@@ -110,6 +111,14 @@ int List(cTolvaDatabase& station, int folder)
     return count;
 }
 
+int ReadLightly(cTolvaDatabase& station, int folder)
+{
+    const QStringList columns{QStringLiteral("Reference"), QStringLiteral("Flags"), QStringLiteral("Priority")};
+    const auto rows = station.OpenMessageRows(columns, QStringLiteral("[Category]=%1").arg(folder),
+                                              QStringLiteral("[Received] DESC"));
+    return static_cast<int>(ReadLightRows(*rows, columns).size());
+}
+
 cMessagePtr MessageFrom(const QString& sender, const QString& subject)
 {
     auto message = std::make_shared<cMessage>();
@@ -127,6 +136,7 @@ int Watch(const QString& folder, int seconds)
 {
     Desk desk(folder);
     Date read;
+    bool isFirst = true;
     const auto look = [&] {
         const Date stamp = desk.Station.Watch().MessageStamp();
         desk.Station.Watch().PrizeStamp();
@@ -134,7 +144,12 @@ int Watch(const QString& folder, int seconds)
         if (stamp == read)
             return;
         read = stamp;
-        List(desk.Station, tmcInbox);
+        // As a list does: all of it at first, then what tells which rows differ.
+        if (isFirst)
+            List(desk.Station, tmcInbox);
+        else
+            ReadLightly(desk.Station, tmcInbox);
+        isFirst = false;
     };
     QObject::connect(&desk.Station.Watch(), &StationWatch::Polled, look);
     QTimer timer;

@@ -37,7 +37,8 @@ ConnectString ReadLinkFile(const QString& fileName)
         throw Error(errCannotOpen, QStringLiteral("Cannot open '%1': %2").arg(fileName, file.errorString()));
     const QByteArray content = file.read(MostOctets);
     const QString line = QString::fromUtf8(content.mid(static_cast<qsizetype>(sizeof(Mark) - 1))).section(u'\n', 0, 0);
-    if (!IsLinkFile(content) || line.trimmed().isEmpty())
+    // A plug that was pulled may leave zeros; libpq would take them for the end, and go to a server of its own choice.
+    if (!IsLinkFile(content) || line.trimmed().isEmpty() || line.contains(QChar(u'\0')))
         throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
     try {
         return ParseConnectString(line);

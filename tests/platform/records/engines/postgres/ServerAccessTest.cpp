@@ -135,7 +135,7 @@ protected:
     TestServer Server_;
 };
 
-TEST_F(ServerOverTls, IsTrustedWithACertificateOfTheRightAuthorityForItsOwnName)
+TEST_F(ServerOverTls, IsTrustedOnlyWithACertificateOfTheRightAuthorityForItsOwnName)
 {
     const auto database = OpenAt(Verified(QStringLiteral("localhost"), "right.pem"));
     MakeTable(*database);
@@ -145,10 +145,7 @@ TEST_F(ServerOverTls, IsTrustedWithACertificateOfTheRightAuthorityForItsOwnName)
         Server_.Execute(QStringLiteral("SELECT count(*) > 0 FROM pg_stat_ssl s JOIN pg_stat_activity a USING (pid) "
                                        "WHERE s.ssl AND a.application_name = 'Tolva'")),
         QStringLiteral("t"));
-}
 
-TEST_F(ServerOverTls, IsRefusedInWordsWithACertificateOfAnotherAuthorityOrName)
-{
     const Raised other = ErrorOf([&] { OpenAt(Verified(QStringLiteral("localhost"), "wrong.pem")); });
     EXPECT_EQ(other.Number, errServer);
     EXPECT_TRUE(other.Words.contains(QStringLiteral("the secure connection failed")) &&
