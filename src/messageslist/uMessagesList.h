@@ -93,7 +93,8 @@ public:
     void NewTopFolder();
     /// What a new folder is called until its maker types another name; "New Category" at first.
     void SetNewFolderName(const QString& name) { NewFolderName_ = name; }
-    /// Off at first: dates show no year. On: those of another year than this one do.
+    /// Off at first: dates show no year. On: those of another year than this one do, and those that are still to come
+    /// say so.
     void SetShowsOtherYears(bool on) { ShowsOtherYears_ = on; }
     /// How many unread messages stand in each folder, by its number, for the tree to show behind the names. Those that
     /// are missing have none; so have all at first.

@@ -35,8 +35,14 @@ bool HasFocus(const QStyleOptionViewItem& option)
 QRect SeenOf(const QStyleOptionViewItem& option)
 {
     const auto* grid = qobject_cast<const QAbstractScrollArea*>(option.widget);
-    const bool isFixed = grid && grid->horizontalScrollBarPolicy() == Qt::ScrollBarAlwaysOff;
-    return isFixed ? option.rect & grid->viewport()->rect() : option.rect;
+    QRect seen = option.rect;
+    // Sideways only: a row that is cut by the upper or lower edge has its lines where they are when it is whole, for
+    // scrolling moves what is painted.
+    if (grid && grid->horizontalScrollBarPolicy() == Qt::ScrollBarAlwaysOff) {
+        seen.setLeft(std::max(seen.left(), grid->viewport()->rect().left()));
+        seen.setRight(std::min(seen.right(), grid->viewport()->rect().right()));
+    }
+    return seen;
 }
 
 QStringList WrappedLines(const QString& text, const QFont& font, int width, int most)

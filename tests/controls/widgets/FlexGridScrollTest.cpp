@@ -2,6 +2,7 @@
 #include "widgets/FlexGridFixture.h"
 
 #include <QApplication>
+#include <QScreen>
 
 class FlexGridScrollTest : public FlexGridFixture
 {
@@ -148,4 +149,26 @@ TEST_F(FlexGridScrollTest, TheScrollPositionStaysWhenTheRowsAreFilledAnewWithRed
     Grid.SetRedraw(true);
     QApplication::processEvents();
     EXPECT_EQ(ScrollPosition(), 1234);
+}
+
+TEST_F(FlexGridScrollTest, WhatIsScrolledStandsOnTheScreenAsItIsPaintedAnew)
+{
+    Fill(300);
+    Grid.setWordWrap(true);
+    Grid.SetDefaultRowHeight(510);
+    Grid.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    for (int row = 1; row <= 300; ++row)
+        Grid.SetTextMatrix(row, 2, QStringLiteral("Subject %1\rFri 20 Nov 08:00").arg(row));
+    Show();
+    for (const int step : {7, 33, 20, 301, -54, 99}) {
+        QScrollBar* bar = Grid.verticalScrollBar();
+        bar->setValue(bar->value() + step);
+        QApplication::processEvents();
+        const QPixmap screen = Grid.screen()->grabWindow(Grid.winId(), 0, 0, Grid.width(), Grid.height());
+        const QRect rows = Grid.viewport()->geometry();
+        ASSERT_FALSE(screen.isNull());
+        EXPECT_EQ(screen.toImage().convertToFormat(QImage::Format_RGB32).copy(rows),
+                  Grid.grab().toImage().convertToFormat(QImage::Format_RGB32).copy(rows))
+            << "after " << step;
+    }
 }

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "widgets/FlexGridFixture.h"
 
-#include <QApplication>
-#include <QScreen>
-#include <QScrollBar>
 #include <QSignalSpy>
 
 namespace
@@ -102,23 +99,4 @@ TEST_F(FlexGridSeveralTest, PointingAtTheCurrentRowIsToldToo)
     EXPECT_EQ(chosen.size(), 2);
     Grid.SetRow(5);
     EXPECT_EQ(chosen.size(), 2) << "code is not the user";
-}
-
-TEST_F(FlexGridSeveralTest, WhatIsScrolledIsPaintedAnew)
-{
-    Fill(300);
-    QApplication::processEvents();
-    for (const int step : {7, 33, 20, 301, -54, 1000}) {
-        QScrollBar* bar = Grid.verticalScrollBar();
-        bar->setValue(bar->value() + step);
-        QApplication::processEvents();
-        // What stands on the screen, and not what a fresh painting would give.
-        const QImage screen = Grid.screen()
-                                  ->grabWindow(Grid.winId(), 0, 0, Grid.width(), Grid.height())
-                                  .toImage()
-                                  .convertToFormat(QImage::Format_RGB32);
-        const QImage fresh = Grid.grab().toImage().convertToFormat(QImage::Format_RGB32);
-        ASSERT_FALSE(screen.isNull());
-        EXPECT_EQ(screen.copy(Grid.viewport()->geometry()), fresh.copy(Grid.viewport()->geometry())) << step;
-    }
 }
