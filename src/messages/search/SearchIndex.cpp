@@ -12,7 +12,7 @@ namespace
 {
 /// "TLVS" in the file's header, and the version of what stands in it.
 constexpr int ApplicationId = 0x544C5653;
-constexpr int FormatVersion = 2;
+constexpr int FormatVersion = 3;
 constexpr int OwnerAlone = 0600;
 
 SearchFailure FailureOf(const FileStatus& status, const QString& file)
