@@ -11,8 +11,8 @@ QByteArray SampleMail(int number);
 QString SampleSender(int number);
 
 /// A station of that many messages in the folder, which is made. The rows are stored in a few transactions, which is
-/// not what is measured.
-void MakeStation(const QString& folder, int messages);
+/// not what is measured. engine: in whose format; empty for the usual one.
+void MakeStation(const QString& folder, int messages, const QString& engine = QString());
 /// The same of mails as they come: about 5 KB each, with subjects from one word to three lines, in several scripts.
 void MakeMixedStation(const QString& folder, int messages);
 /// One of its mails.
