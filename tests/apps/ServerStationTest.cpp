@@ -98,31 +98,6 @@ TEST_F(ServerStationTest, SaysInWordsThatItsServerIsNotToBeReached)
     EXPECT_TRUE(outcome.Problems.contains("'/nowhere'")) << outcome.Problems.constData();
 }
 
-TEST_F(ServerStationTest, SaysWhichPackageIsMissingWhereTheServersLibraryIsNot)
-{
-    // The loader meets this one first, and can make nothing of it.
-    Write(QStringLiteral("libraries/libpq.so.5"), "no library");
-    const auto runWithout = [&](const QString& folder) {
-        QProcess process;
-        Prepare(process, {QStringLiteral("list"), folder});
-        QProcessEnvironment environment = process.processEnvironment();
-        environment.insert(QStringLiteral("LD_LIBRARY_PATH"), Path(QStringLiteral("libraries")));
-        process.setProcessEnvironment(environment);
-        process.start();
-        EXPECT_TRUE(process.waitForFinished());
-        return Outcome{process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-    };
-    const Outcome outcome = runWithout(Station());
-    EXPECT_EQ(outcome.Code, 69) << outcome.Problems.constData();
-    EXPECT_TRUE(outcome.Problems.contains("apt-get install libpq5")) << outcome.Problems.constData();
-    const QString inFiles = Path(QStringLiteral("files"));
-    ASSERT_EQ(Run({QStringLiteral("init"), inFiles, QStringLiteral("--name"), QStringLiteral("x"),
-                   QStringLiteral("--phone"), QStringLiteral("1")})
-                  .Code,
-              0);
-    EXPECT_EQ(runWithout(inFiles).Code, 0) << "a station in files needs no such library";
-}
-
 TEST_F(ServerStationTest, LeavesNothingOnTheServerWhereItCannotBeMade)
 {
     const TestServer::Schema other = TestServer::Shared().NewSchema();

@@ -117,6 +117,13 @@ protected:
         return match.hasMatch() ? match.captured(1).toInt() : -1;
     }
 
+    void ExpectTold(const char* action, const std::function<void()>& work)
+    {
+        const int told = Told(QLatin1String(action));
+        // Of what is sent in two pieces the proxy may get both at once.
+        EXPECT_NEAR(CostOf(work), told, 1 + told / 40) << action;
+    }
+
     TestServer::Schema Schema_;
     std::shared_ptr<void> RemovedDirectory_;
     CuttingProxy Proxy_;
@@ -131,18 +138,15 @@ TEST_F(RoundTripsTest, AreWhatThePageOnServersTells)
     const std::vector<cMessagePtr> fresh = NewMessages(2);
     EXPECT_TRUE(Station->SaveMessage(fresh[0]));
     EXPECT_NE(Awarding(*Station).Award(prize, 7).Winner, nullptr);
-    EXPECT_EQ(CostOf([&] { Tick(); }), Told(QStringLiteral("an idle look for changes")));
-    EXPECT_EQ(CostOf([&] { List(4); }), Told(QStringLiteral("a folder of 4 messages")));
-    EXPECT_EQ(CostOf([&] { EXPECT_NE(Station->GetMessage(1), nullptr); }), Told(QStringLiteral("showing a message")));
-    EXPECT_EQ(CostOf([&] { EXPECT_TRUE(Station->SaveMessage(fresh[1])); }), Told(QStringLiteral("saving a message")));
-    EXPECT_EQ(CostOf([&] { EXPECT_TRUE(Station->ChangeMessageFlags(1, mfRead, 0)); }),
-              Told(QStringLiteral("marking a message as read")));
-    EXPECT_EQ(CostOf([&] { EXPECT_NE(Awarding(*Station).Award(prize, 8).Winner, nullptr); }),
-              Told(QStringLiteral("awarding a prize")));
-    EXPECT_EQ(CostOf([&] { FileBatch(100); }), Told(QStringLiteral("filing a batch of 100 messages")));
+    ExpectTold("an idle look for changes", [&] { Tick(); });
+    ExpectTold("a folder of 4 messages", [&] { List(4); });
+    ExpectTold("showing a message", [&] { EXPECT_NE(Station->GetMessage(1), nullptr); });
+    ExpectTold("saving a message", [&] { EXPECT_TRUE(Station->SaveMessage(fresh[1])); });
+    ExpectTold("marking a message as read", [&] { EXPECT_TRUE(Station->ChangeMessageFlags(1, mfRead, 0)); });
+    ExpectTold("awarding a prize", [&] { EXPECT_NE(Awarding(*Station).Award(prize, 8).Winner, nullptr); });
+    ExpectTold("filing a batch of 100 messages", [&] { FileBatch(100); });
     Station->CloseTolvaDatabase();
-    EXPECT_EQ(CostOf([&] { EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0); }),
-              Told(QStringLiteral("opening a station")));
+    ExpectTold("opening a station", [&] { EXPECT_EQ(Station->OpenTolvaDatabase(Folder.path()), 0); });
 }
 
 TEST_F(RoundTripsTest, OfAListGrowByOneForManyRows)
@@ -150,8 +154,8 @@ TEST_F(RoundTripsTest, OfAListGrowByOneForManyRows)
     FileBatch(400);
     BeDesk();
     const int few = CostOf([&] { List(400); });
-    // The rows themselves, and the beginnings of their mails, 1, 2, 4 .. 256 at a time.
-    EXPECT_LE(few, 1 + 9);
+    // The rows themselves, what ends their stream, and the beginnings of their mails, 1, 2, 4 .. 256 at a time.
+    EXPECT_LE(few, 2 + 9);
 }
 
 TEST_F(RoundTripsTest, ChangesWithoutPauseAreReadOnceInAWhileAndTheFirstOfThemAtOnce)
