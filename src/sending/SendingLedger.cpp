@@ -200,6 +200,16 @@ bool SendingLedger::ChangeRow(qint32 message, Change change)
     return true;
 }
 
+bool SendingLedger::NoteTaken(const SendingRecord& record)
+{
+    return ChangeRow(record.Message, [&](SendingRecord& stored) {
+        if (stored.Claim != record.Claim || stored.Stage != SendingStage::HandingOver)
+            return false;
+        stored.Taken = record.Taken;
+        return true;
+    });
+}
+
 bool SendingLedger::Settle(const SendingRecord& record)
 {
     return ChangeRow(record.Message, [&](SendingRecord& stored) {

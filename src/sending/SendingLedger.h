@@ -78,6 +78,9 @@ public:
     /// Claims a message in one step: of all who ask for it one is answered Claimed, and hands it over. record: what
     /// stands there afterwards.
     Answer Claim(const Wish& wish, SendingRecord& record);
+    /// Keeps record.Taken while a claim goes on, so that whoever decides over a hand-over that broke off does not send
+    /// to them once more. False as for Settle.
+    bool NoteTaken(const SendingRecord& record);
     /// Ends a claim with what became of it: record.Stage, Until, Taken and Words. False when the claim is not in force
     /// any more: somebody has decided over the message meanwhile, and nothing is stored.
     bool Settle(const SendingRecord& record);

@@ -247,7 +247,7 @@ HandOverResult SendRun::HandOverMail(const Outgoing& outgoing) const
 }
 
 /// Number by number. What was accepted is kept in the record, so that nobody gets it twice when another number fails.
-HandOverResult SendRun::HandOverTexts(const Outgoing& outgoing, SendingRecord& record) const
+HandOverResult SendRun::HandOverTexts(const Outgoing& outgoing, SendingRecord& record)
 {
     for (const QString& number : outgoing.Recipients) {
         if (record.Taken.contains(number))
@@ -267,6 +267,10 @@ HandOverResult SendRun::HandOverTexts(const Outgoing& outgoing, SendingRecord& r
             return result;
         }
         record.Taken.append(number);
+        // Settle stores the last one, with all that became of the message.
+        const bool isLast = number == outgoing.Recipients.last();
+        if (!isLast && !Ledger_.NoteTaken(record))
+            return {HandOverResult::Kind::Unknown, QStringLiteral("somebody decided about it meanwhile")};
     }
     return {HandOverResult::Kind::Accepted, QString()};
 }

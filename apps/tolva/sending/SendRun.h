@@ -77,7 +77,7 @@ private:
     bool SendClaimed(const MessageRow& row, SendingRecord& record, const std::optional<SendingRecord>& before,
                      SendNote& note);
     HandOverResult HandOverMail(const Outgoing& outgoing) const;
-    HandOverResult HandOverTexts(const Outgoing& outgoing, SendingRecord& record) const;
+    HandOverResult HandOverTexts(const Outgoing& outgoing, SendingRecord& record);
     bool Store(SendingRecord& record, const HandOverResult& result, SendNote& note);
     bool TryDry(const MessageRow& row, SendNote& note);
     void Note(const SendNote& note);

@@ -65,6 +65,17 @@ TEST_F(SendingLedgerTest, OneOfAllWhoAskHasTheMessage)
     EXPECT_EQ(SendingLedger(other.File()).Claim(WishFor(6), record), Answer::Claimed);
 }
 
+TEST_F(SendingLedgerTest, WhoeverHasItIsKnownAlsoWhenTheHandOverBreaksOff)
+{
+    SendingRecord record = Claimed(5);
+    record.Taken = {QStringLiteral("020 1")};
+    EXPECT_TRUE(Ledger().NoteTaken(record));
+    Now.Advance(61);
+    EXPECT_TRUE(Ledger().SendAgain(5));
+    EXPECT_FALSE(Ledger().NoteTaken(record)) << "the claim is over";
+    EXPECT_EQ(Claimed(5).Taken, QStringList{QStringLiteral("020 1")});
+}
+
 TEST_F(SendingLedgerTest, AClaimThatIsOverdueIsUnclearAndNobodysByItself)
 {
     Claimed(5);
