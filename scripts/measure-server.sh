@@ -17,7 +17,7 @@ mkdir "$folder/server"
 # Whoever holds this keeps the server.
 exec 8>"$folder/server/users"
 flock --shared 8
-trap 'kill $(jobs -p) 2>/dev/null || true; wait; exec 8>&-; rm -rf "$folder/station" "$folder/log"' EXIT
+trap 'kill $(jobs -p) 2>/dev/null || true; wait; exec 8>&-; rm -rf "$folder"' EXIT
 tests/support/testServer.sh "$folder/server" 2 fsync=on autovacuum=on shared_buffers=128MB max_connections=150 8>&-
 
 sql() { psql --host="$folder/server" --username=tolva --dbname=postgres --quiet --tuples-only --no-align --set=ON_ERROR_STOP=1 "$@"; }

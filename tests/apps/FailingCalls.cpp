@@ -4,7 +4,8 @@
 // FAIL_AT=n the n-th call answers with "no space left"; FAIL_FROM=n that one and all later ones; KILL_AT=n the process
 // is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends, SYNC_LOG
 // one that gets the number of syncs among them. With FAIL_NAMES=text only calls count that are about a file with that
-// text in its path, and closes of files that were opened for writing count as well.
+// text in its path, and closes of files that were opened for writing count as well. MISSING_LIBRARY=text lets no
+// library be loaded later on that has that text in its name.
 
 #include <cerrno>
 #include <csignal>
@@ -90,6 +91,14 @@ Function Real(const char* name)
 } // namespace
 
 extern "C" {
+void* dlopen(const char* library, int flags)
+{
+    static const auto real = Real<void* (*)(const char*, int)>("dlopen");
+    const char* missing = std::getenv("MISSING_LIBRARY");
+    return missing != nullptr && library != nullptr && std::strstr(library, missing) != nullptr ? nullptr
+                                                                                                : real(library, flags);
+}
+
 ssize_t write(int file, const void* data, size_t size)
 {
     static const auto real = Real<ssize_t (*)(int, const void*, size_t)>("write");

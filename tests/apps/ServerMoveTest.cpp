@@ -134,7 +134,7 @@ TEST_F(MovingStationTest, IsWholeAndTakenUpWhereverAMoveIsKilled)
     const QByteArray users = Expect("users");
     bool isOnServer = false;
     int kills = 0;
-    for (int call = 1;; call += call < 3 ? 1 : 2) {
+    for (int call = 1;; call += call < 3 ? 1 : 5) {
         const TestServer::Schema schema = NewSchema();
         const QString connect = TestServer::Shared().Connect(schema.Name);
         // There and back, each killed in front of the same call.
@@ -180,7 +180,7 @@ TEST_F(ServerStationTest, IsWholeWhereverARestoreIsKilled)
     Expect("backup");
     const QStringList restore{QStringLiteral("restore"), Station(), QStringLiteral("--yes")};
     bool isKilled = true;
-    for (int call = 1; isKilled; call += 7) {
+    for (int call = 1; isKilled; call += 11) {
         FileMail(Mail("Filed later"));
         const QByteArray later = Expect("list");
         isKilled = !RunKilled(restore, call);

@@ -98,6 +98,27 @@ TEST_F(ServerStationTest, SaysInWordsThatItsServerIsNotToBeReached)
     EXPECT_TRUE(outcome.Problems.contains("'/nowhere'")) << outcome.Problems.constData();
 }
 
+TEST_F(ServerStationTest, SaysWhichPackageIsMissingInsteadOfCallingItDamaged)
+{
+    const QByteArray link = Read(File());
+    for (const char* command : {"list", "check", "backup"}) {
+        QProcess process;
+        Prepare(process, {QString::fromLatin1(command), Station()});
+        QProcessEnvironment environment = process.processEnvironment();
+        environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(FAILING_CALLS));
+        environment.insert(QStringLiteral("MISSING_LIBRARY"), QStringLiteral("libpq"));
+        process.setProcessEnvironment(environment);
+        process.start();
+        process.closeWriteChannel();
+        ASSERT_TRUE(process.waitForFinished());
+        const QByteArray words = process.readAllStandardError();
+        EXPECT_EQ(process.exitCode(), 69) << command << words.constData();
+        EXPECT_TRUE(words.contains("apt-get install libpq5")) << command << words.constData();
+        EXPECT_FALSE(words.contains("backup in its place")) << command << words.constData();
+    }
+    EXPECT_EQ(Read(File()), link);
+}
+
 TEST_F(ServerStationTest, LeavesNothingOnTheServerWhereItCannotBeMade)
 {
     const TestServer::Schema other = TestServer::Shared().NewSchema();

@@ -4,6 +4,7 @@
 #include "platform/files/FileSystem.h"
 #include "platform/records/Error.h"
 #include "platform/records/FileTools.h"
+#include "platform/records/engines/postgres/ServerLibrary.h"
 
 #include <QFile>
 
@@ -40,6 +41,9 @@ ConnectString ReadLinkFile(const QString& fileName)
     // A plug that was pulled may leave zeros; libpq would take them for the end, and go to a server of its own choice.
     if (!IsLinkFile(content) || line.trimmed().isEmpty() || line.contains(QChar(u'\0')))
         throw Error(errUnrecognisedFormat, QStringLiteral("Unrecognised database format '%1'.").arg(fileName));
+    // Nothing is wrong with the file then.
+    if (!HasLibrary())
+        throw Error(errNotSupported, LibraryIsMissing());
     try {
         return ParseConnectString(line);
     } catch (const Error& error) {

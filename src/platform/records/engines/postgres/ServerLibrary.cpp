@@ -4,6 +4,8 @@
 // twenty libraries of encryption and directories: linked, they would make each start of each program slower by half,
 // also where no station is on a server.
 
+#include "platform/records/engines/postgres/ServerLibrary.h"
+
 #include "platform/records/Error.h"
 
 #include <QString>
@@ -17,21 +19,37 @@ namespace
 void* Symbol(const char* name)
 {
     static void* const library = dlopen("libpq.so.5", RTLD_NOW | RTLD_LOCAL);
-    void* const found = library == nullptr ? nullptr : dlsym(library, name);
+    return library == nullptr ? nullptr : dlsym(library, name);
+}
+
+void* RequiredSymbol(const char* name)
+{
+    void* const found = Symbol(name);
     if (found == nullptr)
-        throw dao::Error(dao::errNotSupported,
-                         QStringLiteral("A station on a server needs PostgreSQL's library, version 14 or later, which "
-                                        "is not installed on this computer: apt-get install libpq5"));
+        throw dao::Error(dao::errNotSupported, dao::postgres::LibraryIsMissing());
     return found;
 }
 
 template <typename Function>
 Function* Find(Function*, const char* name)
 {
-    return reinterpret_cast<Function*>(Symbol(name));
+    return reinterpret_cast<Function*>(RequiredSymbol(name));
 }
 
 } // namespace
+
+QString dao::postgres::LibraryIsMissing()
+{
+    return QStringLiteral(
+        "A station on a server needs PostgreSQL's library, version 14 or later, which is not installed "
+        "on this computer: apt-get install libpq5");
+}
+
+bool dao::postgres::HasLibrary()
+{
+    // Came with version 14.
+    return Symbol("PQenterPipelineMode") != nullptr;
+}
 
 int PQbackendPID(const PGconn* conn)
 {
