@@ -62,8 +62,8 @@ public:
     /// with, of many rows. They are not checked against what was saved, which takes the whole memo. Where its engine
     /// can, a recordset of a query reads no more than that. Errors as for Value, but 3428.
     MemoBeginning Beginning(qsizetype mostOctets) const;
-    /// A number made of the value: the same for the same value of this field in recordsets of one type, in every process.
-    /// Costs less than the value.
+    /// A number made of the value: the same for the same value of this field in recordsets of one type, in every
+    /// process. Costs less than the value.
     quint64 Hash() const;
     /// The same value as SetValue with each octet as the character U+0000 to U+00FF. A null array stores Null.
     void SetOctets(const QByteArray& octets);
