@@ -465,7 +465,7 @@ int Pictures::Take(const DeskOptions& options)
     }
     const QTemporaryDir copy;
     const QString station = copy.filePath(QStringLiteral("station"));
-    if (!QDir().mkpath(pictures) || !CopyFolder(options.Folder, station)) {
+    if (!QDir().mkpath(pictures) || !CopyFolder(QDir(options.Folder).absolutePath(), station)) {
         std::fprintf(stderr, "tolva-desk: the pictures cannot be saved in %s.\n", qPrintable(pictures));
         return exitCannotCreate;
     }
