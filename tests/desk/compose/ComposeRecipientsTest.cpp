@@ -313,6 +313,9 @@ TEST_F(ComposeRecipientsTest, WhatIsSentIsWhatIsShown)
     Key(Qt::Key_Delete);
     Key(Qt::Key_End, Qt::ControlModifier);
     Type("c@example.org");
+    Ui.ExpectConfirmation(
+        QStringLiteral("This message has neither a subject nor a text. Do you want to send it all the same?"),
+        MessageBoxAnswer::Yes);
     ASSERT_TRUE(Window->Send());
     const QList<qint32> sent = MessagesIn(tmcOutbox);
     ASSERT_EQ(sent.size(), 1);
