@@ -94,14 +94,14 @@ bool IndexBuilder::Finish(IndexDefinition& index)
     index.DistinctKeys = CountDistinct(repeats);
     if (repeats && (Flags_ & UniqueIndex) != 0)
         return false;
-    std::vector<Node> level = MakeLeaves();
-    while (level.size() > 1) {
-        std::vector<Node> above = MakeBranches(level);
+    // A branch goes by the entries of its children until it is written.
+    std::vector<std::vector<Node>> levels;
+    levels.push_back(MakeLeaves());
+    while (levels.back().size() > 1)
+        levels.push_back(MakeBranches(levels.back()));
+    for (const std::vector<Node>& level : levels)
         Write(level);
-        level = std::move(above);
-    }
-    Write(level);
-    index.Root = level.front().Number;
+    index.Root = levels.back().front().Number;
     index.Map = Pages_.AddMap();
     for (const quint32 page : Owned_)
         Pages_.AddToMap(index.Map, page);
