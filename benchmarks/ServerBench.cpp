@@ -191,7 +191,7 @@ int List(cTolvaDatabase& station)
     const dao::Field& mail = fields[QStringLiteral("Message")];
     int count = 0;
     for (; !rows->AtEOF(); rows->MoveNext(), ++count) {
-        const MemoBeginning beginning = mail.Beginning(BeginningOctets);
+        const dao::MemoBeginning beginning = mail.Beginning(BeginningOctets);
         const auto headers = cdo::RawHeadersOfBeginning(beginning.Utf8, beginning.IsWhole, {"Subject", "From"}, 1000);
         Require(headers && !headers->first().isEmpty(), "a header was not read");
     }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "BenchStation.h"
 #include "DeskSettings.h"
-#include "DeskStation.h"
-#include "MainWindow.h"
 #include "Measure.h"
 #include "StationPlace.h"
 #include "Subjects.h"
 #include "messageslist/uMessagesList.h"
+#include "station/DeskStation.h"
+#include "window/MainWindow.h"
 
 #include <QApplication>
 #include <QDir>
