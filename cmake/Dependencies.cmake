@@ -6,6 +6,10 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg PrintSupport)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET "sqlite3>=3.35")
 pkg_check_modules(PQ REQUIRED IMPORTED_TARGET "libpq>=14")
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET "gmime-3.0>=3.2")
+# The compiler defines what this asks for by itself; said once more it keeps precompiled headers from being shared.
+get_target_property(gmimeOptions PkgConfig::GMIME INTERFACE_COMPILE_OPTIONS)
+list(REMOVE_ITEM gmimeOptions -D_LARGEFILE64_SOURCE -pthread)
+set_target_properties(PkgConfig::GMIME PROPERTIES INTERFACE_COMPILE_OPTIONS "${gmimeOptions}")
 
 pkg_check_modules(GUMBO REQUIRED IMPORTED_TARGET gumbo)
 

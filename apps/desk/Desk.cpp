@@ -20,12 +20,12 @@ namespace
 {
 const QString UserOption = QStringLiteral("--user");
 const QString PicturesOption = QStringLiteral("--pictures");
-constexpr int LongestDetail = 250;
+constexpr int LongestAnswer = 250;
 
 QString Ask(const QString& prompt)
 {
     QString answer;
-    if (UserInterface::Current().InputBox({prompt, QObject::tr("New station"), QString(), LongestDetail, QString()},
+    if (UserInterface::Current().InputBox({prompt, QObject::tr("New station"), QString(), LongestAnswer, QString()},
                                           answer) != 0)
         return QString();
     return answer.trimmed();
@@ -159,12 +159,8 @@ bool Desk::OpenRestored(const QString& folder, const QString& user, const QStrin
 /// A station is made where the user says so, and not by looking into a wrong folder.
 bool Desk::OfferNewStation(const QString& folder, const QString& user)
 {
-    MessageBoxRequest question;
-    question.Text = tr("There is no station in %1. Do you want to make a new one there?").arg(folder);
-    question.Buttons = MessageBoxButtons::YesNo;
-    question.Icon = MessageBoxIcon::Question;
-    question.DefaultAnswer = MessageBoxAnswer::No;
-    if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
+    const QString question = tr("There is no station in %1. Do you want to make a new one there?").arg(folder);
+    if (!UserInterface::Confirm(question))
         return false;
     const QString name = Ask(tr("The station's name:"));
     if (name.isEmpty())

@@ -3,23 +3,24 @@
 
 #include "common/UserInterface.h"
 
-namespace
-{
-void Show(const QString& text, MessageBoxIcon icon)
-{
-    MessageBoxRequest request;
-    request.Text = text;
-    request.Icon = icon;
-    UserInterface::Current().MessageBox(request);
-}
-} // namespace
+#include <QCoreApplication>
+#include <QLocale>
 
 void Words::Warn(const QString& text)
 {
-    Show(text, MessageBoxIcon::Exclamation);
+    UserInterface::Warn(text);
 }
 
 void Words::Tell(const QString& text)
 {
-    Show(text, MessageBoxIcon::Information);
+    MessageBoxRequest request;
+    request.Text = text;
+    request.Icon = MessageBoxIcon::Information;
+    UserInterface::Current().MessageBox(request);
+}
+
+QString Words::CountMessages(qsizetype count)
+{
+    return count == 1 ? QCoreApplication::translate("Words", "1 message")
+                      : QCoreApplication::translate("Words", "%1 messages").arg(QLocale().toString(count));
 }

@@ -10,4 +10,6 @@ namespace Words
 void Warn(const QString& text);
 /// The same with the information icon: something was done.
 void Tell(const QString& text);
+/// "1 message", "12 messages".
+QString CountMessages(qsizetype count);
 } // namespace Words

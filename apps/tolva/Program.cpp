@@ -11,7 +11,7 @@
 
 namespace
 {
-const QString HelpOption = QStringLiteral("--help");
+const QString HelpWord = QStringLiteral("--help");
 
 int RunCommand(const CommandDefinition& command, const QStringList& arguments)
 {
@@ -29,7 +29,7 @@ int RunNamed(const QStringList& arguments)
     if (arguments.isEmpty())
         throw Failure(exitUsage, QStringLiteral("A command is missing. See: tolva --help"));
     const QString& name = arguments.first();
-    if (name == HelpOption || name == u"-h" || name == u"help") {
+    if (name == HelpWord || name == u"-h" || name == u"help") {
         Terminal::Print(ProgramHelp(commands));
         return exitOK;
     }

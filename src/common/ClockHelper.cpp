@@ -15,12 +15,12 @@ public:
     QDateTime CurrentDateTimeUtc() const override { return QDateTime::currentDateTimeUtc(); }
 };
 
-const Clock* current = nullptr;
+const Clock* currentClock = nullptr;
 
 QDateTime Now()
 {
     static const SystemClock systemClock;
-    return (current ? *current : systemClock).CurrentDateTimeUtc();
+    return (currentClock ? *currentClock : systemClock).CurrentDateTimeUtc();
 }
 constexpr double MillisecondsADay = 86400000;
 constexpr qint64 UnixEpoch = qint64(25569) * 86400000; // 1 January 1970, in milliseconds since day zero
@@ -70,7 +70,7 @@ ZoneOffset& Zone()
 
 void Clock::SetCurrent(const Clock* clock)
 {
-    current = clock;
+    currentClock = clock;
 }
 
 Date ClockHelper::CurrentTime()

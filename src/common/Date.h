@@ -14,6 +14,9 @@
 class TOLVA_EXPORT Date
 {
 public:
+    static constexpr int HoursADay = 24;
+    static constexpr double MinutesADay = 1440;
+
     constexpr Date() = default;
     constexpr explicit Date(double dayNumber) : DayNumber_(dayNumber) {}
     /// None when there is no such date or time of day.

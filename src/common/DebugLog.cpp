@@ -19,7 +19,7 @@ constexpr int LevelOfMinusOne = 5;
 constexpr int LevelWithMemory = 10;
 constexpr int BlanksPerIndent = 4;
 
-DebugLog* current = nullptr;
+DebugLog* currentLog = nullptr;
 
 bool IsWanted(int level)
 {
@@ -91,12 +91,12 @@ void AppendLine(const QString& fileName, const QString& line)
 DebugLog& DebugLog::Current()
 {
     static DebugLog own;
-    return current ? *current : own;
+    return currentLog ? *currentLog : own;
 }
 
 void DebugLog::SetCurrent(DebugLog* debugLog)
 {
-    current = debugLog;
+    currentLog = debugLog;
 }
 
 void WriteDebugLog(const QString& text, int level, IndentAction action)

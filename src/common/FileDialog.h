@@ -14,6 +14,15 @@
 class TOLVA_EXPORT FileDialog
 {
 public:
+    /// Of Flags.
+    enum Flag : int
+    {
+        OverwritePrompt = 2,
+        HideReadOnly = 4,
+        KeepFolder = 8,
+        SeveralFiles = 512,
+        FileMustExist = 4096
+    };
     using Factory = std::function<std::unique_ptr<FileDialog>()>;
 
     virtual ~FileDialog() = default;
@@ -26,12 +35,11 @@ public:
     QString Filter;      ///< "Databases|*.MDB", pairs of words and pattern.
     int FilterIndex = 1; ///< From 1.
     QString DialogTitle;
-    int Flags = 0; ///< 4: hide read only, 4096: the file must exist, 2: ask before overwriting, 8: keep the folder,
-                   ///< 512: several files can be opened.
+    int Flags = 0;
     bool CancelError = false;
     QString InitDir;
     QString Filename;      ///< The proposed name, and the chosen one with its whole path afterwards.
-    QStringList Filenames; ///< All that were chosen to be opened, with flag 512.
+    QStringList Filenames; ///< All that were chosen to be opened, with SeveralFiles.
     QString DefaultExt;    ///< Without the dot; what a typed name without an extension gets.
 
     /// Asks for a file to open; Filename and FilterIndex hold the choice afterwards. When the user cancels both stay as

@@ -11,16 +11,16 @@ public:
     double NextBelowOne() const override { return QRandomGenerator::system()->generateDouble(); }
 };
 
-const RandomSource* current = nullptr;
+const RandomSource* currentRandomSource = nullptr;
 } // namespace
 
 const RandomSource& RandomSource::Current()
 {
     static const SystemRandom system;
-    return current ? *current : system;
+    return currentRandomSource ? *currentRandomSource : system;
 }
 
 void RandomSource::SetCurrent(const RandomSource* source)
 {
-    current = source;
+    currentRandomSource = source;
 }

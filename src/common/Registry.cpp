@@ -17,7 +17,7 @@
 
 namespace
 {
-const Registry* current = nullptr;
+const Registry* currentRegistry = nullptr;
 
 #ifdef Q_OS_WIN
 class MachineRegistry final : public Registry
@@ -86,10 +86,10 @@ private:
 const Registry& Registry::Current()
 {
     static const MachineRegistry machine;
-    return current ? *current : machine;
+    return currentRegistry ? *currentRegistry : machine;
 }
 
 void Registry::SetCurrent(const Registry* registry)
 {
-    current = registry;
+    currentRegistry = registry;
 }

@@ -37,7 +37,7 @@ public:
     }
 };
 
-UserInterface* current = nullptr;
+UserInterface* currentInterface = nullptr;
 int busyDepth = 0;
 
 void ChangeBusyDepth(int depth)
@@ -52,12 +52,23 @@ void ChangeBusyDepth(int depth)
 UserInterface& UserInterface::Current()
 {
     static SilentUserInterface silent;
-    return current ? *current : silent;
+    return currentInterface ? *currentInterface : silent;
+}
+
+bool UserInterface::Confirm(const QString& question)
+{
+    return Current().MessageBox({question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
+                                 MessageBoxAnswer::No}) == MessageBoxAnswer::Yes;
+}
+
+void UserInterface::Warn(const QString& words)
+{
+    Current().MessageBox({words, QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
 }
 
 void UserInterface::SetCurrent(UserInterface* userInterface)
 {
-    current = userInterface;
+    currentInterface = userInterface;
 }
 
 BusyPointer::BusyPointer()

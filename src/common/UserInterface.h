@@ -74,6 +74,10 @@ public:
     /// Does not take ownership; null goes back to the silent one. The caller keeps the object alive while it is in
     /// force.
     static void SetCurrent(UserInterface* userInterface);
+    /// Asks the one in force; true for Yes alone.
+    static bool Confirm(const QString& question);
+    /// Shows words of warning on the one in force.
+    static void Warn(const QString& words);
 
     virtual MessageBoxAnswer MessageBox(const MessageBoxRequest& request) = 0;
     /// 0 with the text in result, or -1 with result empty when cancelled.

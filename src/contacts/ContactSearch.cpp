@@ -3,21 +3,12 @@
 
 #include "common/GeneralHelper.h"
 #include "common/SearchFold.h"
+#include "contacts/PhoneDigits.h"
 
 #include <algorithm>
 
 namespace
 {
-QString Digits(const QString& text)
-{
-    QString digits;
-    for (const QChar character : text) {
-        if (character.digitValue() >= 0)
-            digits += QChar(u'0' + character.digitValue());
-    }
-    return digits;
-}
-
 /// A word of digits and of what stands between them in a number.
 bool IsPartOfNumber(const QString& word)
 {
@@ -34,7 +25,7 @@ QString NumberTyped(const QStringList& words)
         return QString();
     QString digits = GeneralHelper::PhoneNumberKey(words.join(u' '));
     if (digits.isEmpty())
-        digits = Digits(words.join(QString()));
+        digits = PhoneDigits(words.join(QString()));
     while (digits.startsWith(u'0'))
         digits.remove(0, 1);
     return digits;
@@ -56,9 +47,9 @@ ContactSearch::ContactSearch(const QList<clsKVContactPtr>& contacts) : Contacts_
     for (const clsKVContactPtr& contact : contacts) {
         const QStringList details{contact->Name,  contact->Mobile,      contact->Telephone,
                                   contact->Email, contact->SecondEmail, contact->Other};
-        Entries_.append(
-            {SearchFold::Folded(contact->Name), SearchFold::Folded(details.join(u'\n')),
-             Digits(contact->Mobile) + u'\n' + Digits(contact->Telephone) + u'\n' + Digits(contact->Other)});
+        Entries_.append({SearchFold::Folded(contact->Name), SearchFold::Folded(details.join(u'\n')),
+                         PhoneDigits(contact->Mobile) + u'\n' + PhoneDigits(contact->Telephone) + u'\n' +
+                             PhoneDigits(contact->Other)});
     }
 }
 

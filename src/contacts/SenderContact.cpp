@@ -2,6 +2,7 @@
 #include "contacts/SenderContact.h"
 
 #include "common/GeneralHelper.h"
+#include "contacts/PhoneDigits.h"
 
 #include <QRegularExpression>
 
@@ -10,17 +11,7 @@
 namespace
 {
 /// The digits that two ways of writing one number have in common at its end; fewer would tell few numbers apart.
-constexpr qsizetype TellingDigits = 6;
-
-QString Digits(const QString& text)
-{
-    QString digits;
-    for (const QChar character : text) {
-        if (character.digitValue() >= 0)
-            digits += QChar(u'0' + character.digitValue());
-    }
-    return digits;
-}
+constexpr qsizetype LeastTellingDigits = 6;
 
 bool MayBeNumber(const QString& text)
 {
@@ -46,7 +37,7 @@ class NumberMatch
 {
 public:
     explicit NumberMatch(const QString& number)
-        : Text_(number.trimmed()), Key_(GeneralHelper::PhoneNumberKey(number)), Ending_(Key_.right(TellingDigits))
+        : Text_(number.trimmed()), Key_(GeneralHelper::PhoneNumberKey(number)), Ending_(Key_.right(LeastTellingDigits))
     {
     }
 
@@ -67,7 +58,7 @@ private:
         if (Key_.isEmpty())
             return number.trimmed().compare(Text_, Qt::CaseInsensitive) == 0;
         // Making a key takes far longer than looking for the digits that it must end in.
-        return Digits(number).contains(Ending_) && GeneralHelper::PhoneNumberKey(number) == Key_;
+        return PhoneDigits(number).contains(Ending_) && GeneralHelper::PhoneNumberKey(number) == Key_;
     }
 
     QString Text_;

@@ -28,7 +28,7 @@ QString ChooseDatabase(FileDialog* dialog, const QString& initialFolder)
     dialog->Filter = QStringLiteral("Databases|*.MDB");
     dialog->FilterIndex = 1;
     dialog->DialogTitle = QStringLiteral("Select Database to Compact");
-    dialog->Flags = 4100;
+    dialog->Flags = FileDialog::FileMustExist | FileDialog::HideReadOnly;
     dialog->CancelError = true;
     dialog->InitDir = initialFolder + QDir::separator();
     dialog->Filename = QStringLiteral("*.MDB");

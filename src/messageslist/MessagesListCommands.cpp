@@ -183,10 +183,9 @@ void uMessagesList::DeleteMessage()
     const QPointer<uMessagesList> self(this);
     const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
     if (permanently) {
-        const MessageBoxRequest question{
-            QStringLiteral("Are you sure you want to permanently delete '%1'?").arg(ShortSubjectOf(message)), QString(),
-            MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
-        if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
+        const QString question =
+            QStringLiteral("Are you sure you want to permanently delete '%1'?").arg(ShortSubjectOf(message));
+        if (!UserInterface::Confirm(question))
             return;
     }
     if (!database)

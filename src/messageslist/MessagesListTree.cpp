@@ -19,18 +19,6 @@
 
 namespace
 {
-bool Confirm(const QString& question)
-{
-    const MessageBoxRequest request{question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
-                                    MessageBoxAnswer::No};
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
-}
-
-void Warn(const QString& text)
-{
-    UserInterface::Current().MessageBox(
-        {text, QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
-}
 } // namespace
 
 void uMessagesList::UpdateCategories()
@@ -247,24 +235,25 @@ void uMessagesList::DeleteFolder()
     if (!category)
         return;
     if (clsTolvaDatabase_->MessageCategories().SubCategoryCount() < 2 && category->ParentReference() == 0) {
-        Warn(QStringLiteral("You cannot delete this Category because there has to be at least one in the Database"));
+        UserInterface::Warn(
+            QStringLiteral("You cannot delete this Category because there has to be at least one in the Database"));
         return;
     }
     if (category->SubCategoryCount() >= 1) {
-        Warn(QStringLiteral("You cannot delete a Category unless it has no Sub-Categories"));
+        UserInterface::Warn(QStringLiteral("You cannot delete a Category unless it has no Sub-Categories"));
         return;
     }
     const auto messages = clsTolvaDatabase_->OpenMessageRows(
         {QStringLiteral("Reference")}, QStringLiteral("[Category]=%1").arg(static_cast<int>(CurrentCategory_)));
     if (messages->RecordCount() != 0) {
-        Warn(QStringLiteral("You cannot delete a Category unless it is empty (i.e. no Messages)"));
+        UserInterface::Warn(QStringLiteral("You cannot delete a Category unless it is empty (i.e. no Messages)"));
         return;
     }
     // The box runs window events: the folder, the station or the list itself may be another one after it.
     const QPointer<uMessagesList> self(this);
     const ReadTarget target = Target();
-    if (!Confirm(QStringLiteral("Are you sure you want to delete the Message's Category '%1'?")
-                     .arg(category->Description())))
+    if (!UserInterface::Confirm(QStringLiteral("Are you sure you want to delete the Message's Category '%1'?")
+                                    .arg(category->Description())))
         return;
     if (!self || Target() != target)
         return;
@@ -286,8 +275,9 @@ void uMessagesList::EmptyFolder()
     const auto category = StoredCategory(CurrentCategory_);
     const QPointer<uMessagesList> self(this);
     const ReadTarget target = Target();
-    if (!category || !Confirm(QStringLiteral("Are you sure you want to delete all the Messages in the '%1' Category?")
-                                  .arg(category->Description())))
+    if (!category ||
+        !UserInterface::Confirm(QStringLiteral("Are you sure you want to delete all the Messages in the '%1' Category?")
+                                    .arg(category->Description())))
         return;
     if (!self || Target() != target)
         return;

@@ -8,20 +8,14 @@
 #include "SendingDoubt.h"
 #include "Words.h"
 #include "common/ClockHelper.h"
-#include "common/FileDialog.h"
 #include "common/UserInterface.h"
 #include "platform/records/Error.h"
 #include "platform/widgets/Icons.h"
 #include "station/DeskStation.h"
 #include "window/ClosingQuestion.h"
-#include "window/FileChoice.h"
-#include "window/FileNames.h"
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
-#include <QFile>
-#include <QFileInfo>
 #include <QFormLayout>
 #include <QFrame>
 #include <QGridLayout>
@@ -30,8 +24,6 @@
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QMimeData>
-#include <QMimeDatabase>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
@@ -39,10 +31,6 @@
 
 namespace
 {
-constexpr int FileMustExist = 4096;
-constexpr int HideReadOnly = 4;
-constexpr int FileRowsShown = 3;
-constexpr int IconSide = 16;
 constexpr int ShortestSubjectBox = 320;
 
 QPushButton* AddButton(QMessageBox& box, const QString& text, QMessageBox::ButtonRole role)
@@ -101,7 +89,7 @@ QWidget* ComposeWindow::MakeForm()
     FileList_->setWrapping(true);
     FileList_->setResizeMode(QListView::Adjust);
     FileList_->setSpacing(2);
-    FileList_->setIconSize(QSize(IconSide, IconSide));
+    FileList_->setIconSize(QSize(Icons::SmallSide, Icons::SmallSide));
     FileList_->setFrameShape(QFrame::NoFrame);
     FileList_->setTextElideMode(Qt::ElideMiddle);
     Note_->setObjectName(QStringLiteral("note"));
@@ -151,7 +139,7 @@ void ComposeWindow::MakeActions()
     bar->setObjectName(QStringLiteral("composeBar"));
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    bar->setIconSize(QSize(IconSide, IconSide));
+    bar->setIconSize(QSize(Icons::SmallSide, Icons::SmallSide));
     const auto add = [&](const char* name, const QString& icon, const QString& text, const QString& hint,
                          const QList<QKeySequence>& keys) {
         auto* action = new QAction(Icons::Get(icon), text, this);
@@ -275,21 +263,6 @@ void ComposeWindow::FocusProblem()
         Body_->setFocus();
 }
 
-void ComposeWindow::ShowFiles()
-{
-    FileList_->clear();
-    for (const ComposedFile& file : Files_) {
-        const QString text = QStringLiteral("%1  (%2)")
-                                 .arg(FileNames::Cleaned(file.FileName), FileNames::SizeInWords(file.Content.size()));
-        auto* item = new QListWidgetItem(Icons::Get(QStringLiteral("attach")), text, FileList_);
-        item->setToolTip(text);
-    }
-    FileList_->setVisible(!Files_.isEmpty());
-    const int rows = qBound(1, static_cast<int>((Files_.size() + 1) / 2), FileRowsShown);
-    FileList_->setFixedHeight(rows * (fontMetrics().height() + 10) + 8);
-    Remove_->setEnabled(false);
-}
-
 Composition ComposeWindow::Current() const
 {
     Composition composition = Base_;
@@ -307,78 +280,6 @@ void ComposeWindow::UpdateTitle()
     const QString subject = Subject_->text().simplified();
     const QString kind = Base_.Type == emtSMS ? tr("New text message") : tr("New message");
     setWindowTitle(subject.isEmpty() ? kind : QStringLiteral("%1 \u2013 %2").arg(subject, tr("Message")));
-}
-
-QString ComposeWindow::WhyNotAdded(const QString& path, qint64 together, ComposedFile& file) const
-{
-    const QFileInfo information(path);
-    const QString name = information.fileName();
-    if (!information.exists())
-        return tr("\u201C%1\u201D is not there any more.").arg(name);
-    if (information.isDir())
-        return tr("\u201C%1\u201D is a folder. Only files can be attached.").arg(name);
-    if (!information.isFile())
-        return tr("\u201C%1\u201D is no ordinary file.").arg(name);
-    if (information.size() > LargestFile) {
-        return tr("\u201C%1\u201D is too large to be mailed: it has %2, and 25 MB are the most.")
-            .arg(name, FileNames::SizeInWords(information.size()));
-    }
-    if (together + information.size() > LargestFile)
-        return tr("With \u201C%1\u201D the attachments would have more than 25 MB together.").arg(name);
-    QFile content(path);
-    if (!content.open(QIODevice::ReadOnly))
-        return tr("\u201C%1\u201D cannot be read: %2.").arg(name, content.errorString());
-    file.FileName = name;
-    file.Content = content.readAll();
-    if (content.error() != QFileDevice::NoError)
-        return tr("\u201C%1\u201D cannot be read: %2.").arg(name, content.errorString());
-    file.ContentType = QMimeDatabase().mimeTypeForFileNameAndData(name, file.Content).name().toLatin1();
-    return QString();
-}
-
-bool ComposeWindow::AddFiles(const QStringList& paths)
-{
-    if (Base_.Type == emtSMS) {
-        Words::Warn(tr("A text message takes no attachments."));
-        return false;
-    }
-    QStringList problems;
-    for (const QString& path : paths) {
-        qint64 together = 0;
-        for (const ComposedFile& file : Files_)
-            together += file.Content.size();
-        ComposedFile file;
-        const QString problem = WhyNotAdded(path, together, file);
-        if (problem.isEmpty())
-            Files_.append(file);
-        else
-            problems.append(problem);
-    }
-    ShowFiles();
-    if (!problems.isEmpty())
-        Words::Warn(problems.join(u'\n'));
-    return problems.isEmpty();
-}
-
-void ComposeWindow::ChooseFiles()
-{
-    const auto dialog = FileDialog::Create();
-    dialog->DialogTitle = tr("Attach a file...");
-    dialog->Filter = QStringLiteral("All Files (*.*)|*.*");
-    dialog->Flags = FileMustExist | HideReadOnly;
-    if (const std::optional<QString> path = FileChoice::ToOpen(*dialog))
-        AddFiles({*path});
-}
-
-void ComposeWindow::RemoveSelectedFiles()
-{
-    for (qsizetype i = Files_.size() - 1; i >= 0; --i) {
-        if (FileList_->item(static_cast<int>(i))->isSelected())
-            Files_.removeAt(i);
-    }
-    ShowFiles();
-    if (Files_.isEmpty())
-        Body_->setFocus();
 }
 
 bool ComposeWindow::Send()
@@ -403,9 +304,7 @@ bool ComposeWindow::ConfirmDoubt()
     const QString doubt = SendingDoubt(Current(), Begun_);
     if (doubt.isEmpty())
         return true;
-    const MessageBoxRequest question{tr("%1 Do you want to send it all the same?").arg(doubt), QString(),
-                                     MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
-    if (UserInterface::Current().MessageBox(question) == MessageBoxAnswer::Yes)
+    if (UserInterface::Confirm(tr("%1 Do you want to send it all the same?").arg(doubt)))
         return true;
     Body_->setFocus();
     return false;
@@ -520,16 +419,4 @@ void ComposeWindow::closeEvent(QCloseEvent* event)
     }
     KeepUnsent();
     QMainWindow::closeEvent(event);
-}
-
-void ComposeWindow::dragEnterEvent(QDragEnterEvent* event)
-{
-    if (!BodyEdit::FilesIn(event->mimeData()).isEmpty())
-        event->acceptProposedAction();
-}
-
-void ComposeWindow::dropEvent(QDropEvent* event)
-{
-    AddFiles(BodyEdit::FilesIn(event->mimeData()));
-    event->acceptProposedAction();
 }

@@ -28,7 +28,7 @@ QString WithoutPrefixes(const QString& subject, const QRegularExpression& prefix
 }
 
 /// "20 November 2026 at 08:00"
-QString InWords(Date date)
+QString DateInWords(Date date)
 {
     const QDateTime time = date.ToDateTime();
     const QLocale english(QLocale::English, QLocale::UnitedKingdom);
@@ -40,7 +40,7 @@ QString Attribution(const cMessage& original)
     const QString sender = OneLine(Addresses::DisplayName(Addresses::Split(original.CDOMessage()->From()).value(0)));
     const QString who = sender.isEmpty() ? QStringLiteral("somebody") : sender;
     return original.Sent().IsNone() ? QStringLiteral("%1 wrote:").arg(who)
-                                    : QStringLiteral("On %1, %2 wrote:").arg(InWords(original.Sent()), who);
+                                    : QStringLiteral("On %1, %2 wrote:").arg(DateInWords(original.Sent()), who);
 }
 
 QStringList MessageIDs(const QString& header)
@@ -136,7 +136,7 @@ QString ForwardedText(const cMessage& original)
     };
     add(QStringLiteral("From"), mail.From());
     if (!original.Sent().IsNone())
-        add(QStringLiteral("Date"), InWords(original.Sent()));
+        add(QStringLiteral("Date"), DateInWords(original.Sent()));
     add(QStringLiteral("To"), mail.To());
     add(QStringLiteral("Cc"), mail.CC());
     if (original.MessageType() != emtSMS)

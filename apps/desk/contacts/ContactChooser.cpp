@@ -20,8 +20,8 @@
 
 namespace
 {
-constexpr double NameTwips = 2700;
-constexpr double NumberTwips = 2000;
+constexpr double ChoiceNameTwips = 2700;
+constexpr double ChoiceNumberTwips = 2000;
 constexpr int NumberLetters = 20;
 
 bool LooksLikeNumber(const QString& text)
@@ -50,9 +50,9 @@ ContactChooser::ContactChooser(EmbeddedDirectory& directory, QWidget* parent)
     Box_->installEventFilter(this);
     List_->setObjectName(QStringLiteral("contactList"));
     List_->setAccessibleName(tr("Contacts"));
-    List_->AddColumn(tr("Name"), NameTwips);
-    List_->AddColumn(tr("Mobile"), NumberTwips);
-    List_->AddColumn(tr("E-mail"), NameTwips);
+    List_->AddColumn(tr("Name"), ChoiceNameTwips);
+    List_->AddColumn(tr("Mobile"), ChoiceNumberTwips);
+    List_->AddColumn(tr("E-mail"), ChoiceNameTwips);
     List_->header()->setStretchLastSection(true);
     // A number is seen whole in large type, too.
     List_->setColumnWidth(1, qMax(List_->columnWidth(1), List_->fontMetrics().averageCharWidth() * NumberLetters));

@@ -7,7 +7,7 @@
 
 namespace
 {
-QString Tr(const char* text)
+QString ConflictText(const char* text)
 {
     return QCoreApplication::translate("ContactConflict", text);
 }
@@ -20,12 +20,12 @@ struct Detail
 
 QList<Detail> Details()
 {
-    return {{Tr("Name"), &clsKVContact::Name},
-            {Tr("Mobile"), &clsKVContact::Mobile},
-            {Tr("Telephone"), &clsKVContact::Telephone},
-            {Tr("E-mail"), &clsKVContact::Email},
-            {Tr("Second e-mail"), &clsKVContact::SecondEmail},
-            {Tr("Other"), &clsKVContact::Other}};
+    return {{ConflictText("Name"), &clsKVContact::Name},
+            {ConflictText("Mobile"), &clsKVContact::Mobile},
+            {ConflictText("Telephone"), &clsKVContact::Telephone},
+            {ConflictText("E-mail"), &clsKVContact::Email},
+            {ConflictText("Second e-mail"), &clsKVContact::SecondEmail},
+            {ConflictText("Other"), &clsKVContact::Other}};
 }
 
 /// What one side made of the contact, a line for each detail that it changed.
@@ -35,7 +35,8 @@ QStringList ChangesOf(const clsKVContact& before, const clsKVContact& after)
     for (const Detail& detail : Details()) {
         const QString& text = after.*detail.Field;
         if (text != before.*detail.Field)
-            lines.append(detail.Name + QStringLiteral(": ") + (text.isEmpty() ? Tr("taken away") : text.simplified()));
+            lines.append(detail.Name + QStringLiteral(": ") +
+                         (text.isEmpty() ? ConflictText("taken away") : text.simplified()));
     }
     return lines;
 }
@@ -53,14 +54,15 @@ bool Meet(const clsKVContact& before, const clsKVContact& mine, const clsKVConta
 QString BothChanges(const clsKVContact& before, const clsKVContact& mine, const clsKVContact& theirs)
 {
     const QStringList here = ChangesOf(before, mine);
-    QStringList lines{Tr("There:")};
+    QStringList lines{ConflictText("There:")};
     lines += ChangesOf(before, theirs);
     lines.append(QString());
-    lines.append(Tr("Here:"));
-    lines += here.isEmpty() ? QStringList(Tr("Nothing")) : here;
+    lines.append(ConflictText("Here:"));
+    lines += here.isEmpty() ? QStringList(ConflictText("Nothing")) : here;
     lines.append(QString());
-    lines.append(Meet(before, mine, theirs) ? Tr("Saving your changes loses what was written there in the same places.")
-                                            : Tr("Saving your changes keeps both."));
+    lines.append(Meet(before, mine, theirs)
+                     ? ConflictText("Saving your changes loses what was written there in the same places.")
+                     : ConflictText("Saving your changes keeps both."));
     return lines.join(u'\n');
 }
 } // namespace
@@ -72,21 +74,22 @@ ContactConflict::Choice ContactConflict::Ask(const clsKVContact& before, const c
     box.setObjectName(QStringLiteral("conflictBox"));
     box.setIcon(QMessageBox::Warning);
     box.setTextFormat(Qt::PlainText);
-    box.setWindowTitle(Tr("Contact"));
+    box.setWindowTitle(ConflictText("Contact"));
     const QPushButton* combine = nullptr;
     const QPushButton* takeTheirs = nullptr;
     const QPushButton* saveAsNew = nullptr;
     if (theirs) {
-        box.setText(Tr("%1 was changed on another computer while you changed it here.").arg(before.Name));
+        box.setText(ConflictText("%1 was changed on another computer while you changed it here.").arg(before.Name));
         box.setInformativeText(BothChanges(before, mine, *theirs));
-        combine = box.addButton(Tr("&Save my changes"), QMessageBox::AcceptRole);
-        takeTheirs = box.addButton(Tr("&Take theirs"), QMessageBox::DestructiveRole);
+        combine = box.addButton(ConflictText("&Save my changes"), QMessageBox::AcceptRole);
+        takeTheirs = box.addButton(ConflictText("&Take theirs"), QMessageBox::DestructiveRole);
     } else {
-        box.setText(Tr("%1 was deleted on another computer while you changed it here.").arg(before.Name));
-        box.setInformativeText(Tr("It can be saved as a new contact. Prizes that it won do not come back to it."));
-        saveAsNew = box.addButton(Tr("Save as &new"), QMessageBox::AcceptRole);
+        box.setText(ConflictText("%1 was deleted on another computer while you changed it here.").arg(before.Name));
+        box.setInformativeText(
+            ConflictText("It can be saved as a new contact. Prizes that it won do not come back to it."));
+        saveAsNew = box.addButton(ConflictText("Save as &new"), QMessageBox::AcceptRole);
     }
-    QPushButton* cancel = box.addButton(Tr("&Cancel"), QMessageBox::RejectRole);
+    QPushButton* cancel = box.addButton(ConflictText("&Cancel"), QMessageBox::RejectRole);
     box.setDefaultButton(cancel);
     box.setEscapeButton(cancel);
     box.exec();

@@ -18,20 +18,15 @@
 
 namespace
 {
-// Of the file dialog.
-constexpr int HideReadOnly = 4;
-constexpr int MustExist = 4096;
-constexpr int AskBeforeOverwriting = 2;
-constexpr int KeepFolder = 8;
 
-QString Tr(const char* text)
+QString FilesText(const char* text)
 {
     return QCoreApplication::translate("ContactFiles", text);
 }
 
 QString Cards()
 {
-    return Tr("Business cards (vCard)") + QStringLiteral(" (*.vcf)|*.vcf|") + Tr("All Files") +
+    return FilesText("Business cards (vCard)") + QStringLiteral(" (*.vcf)|*.vcf|") + FilesText("All Files") +
            QStringLiteral(" (*.*)|*.*");
 }
 
@@ -40,16 +35,16 @@ std::optional<QByteArray> OctetsOf(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        Words::Warn(Tr("%1 cannot be read: %2").arg(path, file.errorString()));
+        Words::Warn(FilesText("%1 cannot be read: %2").arg(path, file.errorString()));
         return std::nullopt;
     }
     if (file.size() > ContactFiles::LargestFile) {
-        Words::Warn(Tr("%1 is too large to be a file of business cards.").arg(path));
+        Words::Warn(FilesText("%1 is too large to be a file of business cards.").arg(path));
         return std::nullopt;
     }
     QByteArray octets = file.readAll();
     if (file.error() != QFileDevice::NoError) {
-        Words::Warn(Tr("%1 could not be read: %2").arg(path, file.errorString()));
+        Words::Warn(FilesText("%1 could not be read: %2").arg(path, file.errorString()));
         return std::nullopt;
     }
     return octets;
@@ -58,7 +53,7 @@ std::optional<QByteArray> OctetsOf(const QString& path)
 QString DoneWords(const ContactImport::Result& result)
 {
     const QLocale locale;
-    return Tr("Imported: %1 new, %2 filled in, %3 left as they are.")
+    return FilesText("Imported: %1 new, %2 filled in, %3 left as they are.")
         .arg(locale.toString(result.Added), locale.toString(result.Updated), locale.toString(result.Skipped));
 }
 } // namespace
@@ -66,9 +61,9 @@ QString DoneWords(const ContactImport::Result& result)
 QString ContactFiles::Import(EmbeddedDirectory& directory, QWidget* parent)
 {
     const auto dialog = FileDialog::Create();
-    dialog->DialogTitle = Tr("Import contacts");
+    dialog->DialogTitle = FilesText("Import contacts");
     dialog->Filter = Cards();
-    dialog->Flags = MustExist | HideReadOnly | KeepFolder;
+    dialog->Flags = FileDialog::FileMustExist | FileDialog::HideReadOnly | FileDialog::KeepFolder;
     const std::optional<QString> path = FileChoice::ToOpen(*dialog);
     const std::optional<QByteArray> octets = path ? OctetsOf(*path) : std::nullopt;
     if (!octets)
@@ -82,7 +77,7 @@ QString ContactFiles::Import(EmbeddedDirectory& directory, QWidget* parent)
             plan = ContactImport::Plan(directory, reading.Contacts);
         }
         if (plan.isEmpty()) {
-            Words::Warn(Tr("No contact can be taken over from %1.").arg(QFileInfo(*path).fileName()) + u'\n' +
+            Words::Warn(FilesText("No contact can be taken over from %1.").arg(QFileInfo(*path).fileName()) + u'\n' +
                         reading.Problems.mid(0, 5).join(u'\n'));
             return QString();
         }
@@ -92,7 +87,7 @@ QString ContactFiles::Import(EmbeddedDirectory& directory, QWidget* parent)
         const BusyPointer busy;
         return DoneWords(ContactImport::Run(directory, plan, choice.Duplicates()));
     } catch (const dao::Error& error) {
-        Words::Warn(Tr("Nothing was imported.") + u' ' + ContactSaving::WordsOf(error));
+        Words::Warn(FilesText("Nothing was imported.") + u' ' + ContactSaving::WordsOf(error));
         return QString();
     }
 }
@@ -100,9 +95,9 @@ QString ContactFiles::Import(EmbeddedDirectory& directory, QWidget* parent)
 QString ContactFiles::Export(const QList<clsKVContact>& contacts, const QString& proposed)
 {
     const auto dialog = FileDialog::Create();
-    dialog->DialogTitle = Tr("Export contacts");
+    dialog->DialogTitle = FilesText("Export contacts");
     dialog->Filter = Cards();
-    dialog->Flags = AskBeforeOverwriting | HideReadOnly | KeepFolder;
+    dialog->Flags = FileDialog::OverwritePrompt | FileDialog::HideReadOnly | FileDialog::KeepFolder;
     dialog->DefaultExt = QStringLiteral("vcf");
     dialog->Filename = proposed;
     const std::optional<QString> path = FileChoice::ToSave(*dialog);
@@ -110,9 +105,9 @@ QString ContactFiles::Export(const QList<clsKVContact>& contacts, const QString&
         return QString();
     const FileStatus status = WholeFile::Write(*path, VCard::Write(contacts), IfThere::Replace);
     if (!status.IsDone()) {
-        Words::Warn(Tr("The contacts could not be saved as %1: %2").arg(*path, status.Words()));
+        Words::Warn(FilesText("The contacts could not be saved as %1: %2").arg(*path, status.Words()));
         return QString();
     }
-    return contacts.size() == 1 ? Tr("Saved %1").arg(*path)
-                                : Tr("Saved %1 contacts as %2").arg(QLocale().toString(contacts.size()), *path);
+    return contacts.size() == 1 ? FilesText("Saved %1").arg(*path)
+                                : FilesText("Saved %1 contacts as %2").arg(QLocale().toString(contacts.size()), *path);
 }

@@ -15,7 +15,7 @@
 
 namespace
 {
-constexpr double NameTwips = 2700;
+constexpr double ImportNameTwips = 2700;
 constexpr double DetailTwips = 2400;
 constexpr int ProblemLines = 3;
 
@@ -85,9 +85,9 @@ ContactImportDialog::ContactImportDialog(const QList<ContactImport::Entry>& plan
     auto* list = new ListView(this);
     list->setObjectName(QStringLiteral("importList"));
     list->setAccessibleName(tr("Contacts of the file"));
-    list->AddColumn(tr("Name"), NameTwips);
+    list->AddColumn(tr("Name"), ImportNameTwips);
     list->AddColumn(tr("Number or address"), DetailTwips);
-    list->AddColumn(tr("In the directory"), NameTwips);
+    list->AddColumn(tr("In the directory"), ImportNameTwips);
     list->header()->setStretchLastSection(true);
     FillList(*list, plan);
     auto* layout = new QVBoxLayout(this);

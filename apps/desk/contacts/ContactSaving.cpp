@@ -13,25 +13,21 @@
 
 namespace
 {
-QString Tr(const char* text)
+QString SavingText(const char* text)
 {
     return QCoreApplication::translate("ContactSaving", text);
 }
 
 bool WantsToSaveAllTheSame(const clsKVContact& known, const QString& detail)
 {
-    MessageBoxRequest request;
-    request.Text = Tr("%1 has %2 already. Save another contact with it?").arg(known.Name, detail);
-    request.Buttons = MessageBoxButtons::YesNo;
-    request.Icon = MessageBoxIcon::Question;
-    request.DefaultAnswer = MessageBoxAnswer::No;
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
+    return UserInterface::Confirm(
+        SavingText("%1 has %2 already. Save another contact with it?").arg(known.Name, detail));
 }
 } // namespace
 
 QString ContactSaving::WordsOf(const dao::Error& error)
 {
-    return Tr("The directory of contacts says: %1").arg(error.Description());
+    return SavingText("The directory of contacts says: %1").arg(error.Description());
 }
 
 bool ContactSaving::SaveNew(EmbeddedDirectory& directory, ContactForm& form, clsKVContact& saved)

@@ -385,12 +385,8 @@ void ContactsWindow::Delete()
 {
     if (!Shown_ || IsNew())
         return;
-    MessageBoxRequest request;
-    request.Text = DeletionQuestion(*Shown_);
-    request.Buttons = MessageBoxButtons::YesNo;
-    request.Icon = MessageBoxIcon::Question;
-    request.DefaultAnswer = MessageBoxAnswer::No;
-    if (UserInterface::Current().MessageBox(request) != MessageBoxAnswer::Yes)
+    const QString question = DeletionQuestion(*Shown_);
+    if (!UserInterface::Confirm(question))
         return;
     try {
         Station_.Directory().DeleteContact(Shown_->Reference);

@@ -24,9 +24,6 @@ constexpr int MostRowsShown = 3;
 constexpr int MostParts = 500;
 constexpr int KindColumn = 2;
 constexpr int LettersWithKind = 45;
-constexpr int AskBeforeOverwriting = 2;
-constexpr int HideReadOnly = 4;
-constexpr int KeepFolder = 8;
 
 /// What the type is called, such as "PNG image"; the type itself where the system has no word for it.
 QString KindOf(const QString& contentType)
@@ -164,7 +161,7 @@ void AttachmentList::SaveSelected()
     const auto dialog = FileDialog::Create();
     dialog->DialogTitle = tr("Save attachment as...");
     dialog->Filter = QStringLiteral("All Files (*.*)|*.*");
-    dialog->Flags = AskBeforeOverwriting | HideReadOnly | KeepFolder;
+    dialog->Flags = FileDialog::OverwritePrompt | FileDialog::HideReadOnly | FileDialog::KeepFolder;
     dialog->InitDir = FileChoice::StartFolder();
     dialog->Filename = ShownName(file);
     const std::optional<QString> path = FileChoice::ToSave(*dialog);

@@ -17,20 +17,8 @@ namespace
 constexpr qsizetype MessagesOfARead = 200;
 /// Changes that are stored together: each store waits for the disk.
 constexpr qsizetype ChangesTogether = 50;
-constexpr qsizetype LongestSubject = 1000;
+constexpr qsizetype LongestSubjectOfReply = 1000;
 
-bool Confirm(const QString& question)
-{
-    const MessageBoxRequest request{question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
-                                    MessageBoxAnswer::No};
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
-}
-
-QString CountWords(qsizetype count)
-{
-    return count == 1 ? MessageCommands::tr("1 message")
-                      : MessageCommands::tr("%1 messages").arg(QLocale().toString(count));
-}
 } // namespace
 
 MessageCommands::MessageCommands(DeskStation& station, DeskSettings& settings, uMessagesList& list, MessageUndo& undo,
@@ -100,7 +88,7 @@ QList<MessageCommands::Row> MessageCommands::RowsOf(const QList<qint32>& referen
 QString MessageCommands::SubjectOf(qint32 reference) const
 {
     const cMessagePtr message = Station_.Database().ReadMessage(reference);
-    return message ? cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestSubject) : QString();
+    return message ? cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestSubjectOfReply) : QString();
 }
 
 MessageCommands::Result MessageCommands::ForEach(const QString& caption, const QList<Row>& rows,
@@ -148,19 +136,22 @@ void MessageCommands::TellProblems(const Result& result, qsizetype wanted, const
 {
     if (result.ErrorNumber != 0) {
         const QString words = Station_.Words(result.ErrorNumber, result.Error);
-        Words::Warn(wanted == 1 ? words
-                                : tr("%1\n\nDone before that: %2 of %3.")
-                                      .arg(words, QLocale().toString(result.Done.size()), CountWords(wanted)));
+        Words::Warn(wanted == 1
+                        ? words
+                        : tr("%1\n\nDone before that: %2 of %3.")
+                              .arg(words, QLocale().toString(result.Done.size()), Words::CountMessages(wanted)));
     } else if (result.Refused > 0) {
-        Words::Warn(wanted == 1 ? rightWords
-                                : tr("%1\n\nThat is so for %2 of %3.")
-                                      .arg(rightWords, QLocale().toString(result.Refused), CountWords(wanted)));
+        Words::Warn(wanted == 1
+                        ? rightWords
+                        : tr("%1\n\nThat is so for %2 of %3.")
+                              .arg(rightWords, QLocale().toString(result.Refused), Words::CountMessages(wanted)));
     } else if (result.IsCancelled) {
-        Q_EMIT Told(tr("Ended early: %1 of %2.").arg(QLocale().toString(result.Done.size()), CountWords(wanted)));
+        Q_EMIT Told(
+            tr("Ended early: %1 of %2.").arg(QLocale().toString(result.Done.size()), Words::CountMessages(wanted)));
     } else if (result.Done.size() < wanted) {
         Q_EMIT Told(wanted == 1 ? tr("That message is not there any more: it was deleted on another computer.")
                                 : tr("%1 were not there any more: they were deleted on another computer.")
-                                      .arg(CountWords(wanted - result.Done.size())));
+                                      .arg(Words::CountMessages(wanted - result.Done.size())));
     }
 }
 
@@ -171,8 +162,10 @@ void MessageCommands::Delete(const QList<qint32>& references)
         std::any_of(rows.begin(), rows.end(), [](const Row& row) { return row.Category == tmcDeleted; });
     const QString subject = rows.size() == 1 ? SubjectOf(rows.first().Reference) : QString();
     if (isForEver &&
-        !Confirm(rows.size() == 1 ? tr("Are you sure you want to permanently delete '%1'?").arg(subject)
-                                  : tr("Are you sure you want to permanently delete %1?").arg(CountWords(rows.size()))))
+        !UserInterface::Confirm(
+            rows.size() == 1
+                ? tr("Are you sure you want to permanently delete '%1'?").arg(subject)
+                : tr("Are you sure you want to permanently delete %1?").arg(Words::CountMessages(rows.size()))))
         return;
     const Result result = ForEach(tr("Deleting messages"), rows, [this](const Row& row) {
         return Station_.Database().DeleteMessage(row.Reference, row.Category == tmcDeleted);
@@ -238,8 +231,9 @@ void MessageCommands::MarkAll(const QList<qint32>& references, bool isRead)
         Q_EMIT Told(isRead ? tr("There is no unread message here.") : tr("There is no read message here."));
         return;
     }
-    if (Confirm(isRead ? tr("Do you want to mark %1 as read?").arg(CountWords(others.size()))
-                       : tr("Do you want to mark %1 as unread?").arg(CountWords(others.size()))))
+    if (UserInterface::Confirm(isRead
+                                   ? tr("Do you want to mark %1 as read?").arg(Words::CountMessages(others.size()))
+                                   : tr("Do you want to mark %1 as unread?").arg(Words::CountMessages(others.size()))))
         Mark(others, isRead);
 }
 
@@ -265,7 +259,7 @@ void MessageCommands::CopyTo(const QList<qint32>& references, enTolvaMessageCate
     });
     List_.ShowChanges();
     if (!result.Done.isEmpty())
-        Q_EMIT Told(tr("Copied to %1: %2.").arg(FolderName(folder), CountWords(result.Done.size())));
+        Q_EMIT Told(tr("Copied to %1: %2.").arg(FolderName(folder), Words::CountMessages(result.Done.size())));
     TellProblems(result, references.size(),
                  tr("You have no right to copy this message. A technician can give it to you."));
 }

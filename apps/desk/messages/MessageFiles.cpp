@@ -21,8 +21,7 @@
 
 namespace
 {
-constexpr int FilesMustExist = 4096 | 512 | 4; // several, and no box for read only
-constexpr qsizetype LongestSubject = 200;
+constexpr qsizetype LongestSubjectInQuestion = 200;
 /// As many as a box shows without growing off the screen.
 constexpr qsizetype MostNamed = 10;
 constexpr qsizetype MostFolders = 5;
@@ -48,7 +47,7 @@ void MessageCommands::ImportInto(enTolvaMessageCategories folder)
     const auto dialog = FileDialog::Create();
     dialog->DialogTitle = tr("Import mail files...");
     dialog->Filter = QStringLiteral("E-mail File (*.eml)|*.eml|All Files (*.*)|*.*");
-    dialog->Flags = FilesMustExist;
+    dialog->Flags = FileDialog::FileMustExist | FileDialog::SeveralFiles | FileDialog::HideReadOnly;
     dialog->InitDir = FileChoice::StartFolder();
     if (FileChoice::ToOpen(*dialog))
         Import(dialog->Filenames, folder);
@@ -123,7 +122,8 @@ void MessageCommands::Export(const QList<qint32>& references)
             ++gone;
             continue;
         }
-        const QString subject = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestSubject).simplified();
+        const QString subject =
+            cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestSubjectInQuestion).simplified();
         FileStatus status;
         FileNames::WriteNew(folder, (subject.isEmpty() ? tr("No subject") : subject) + QStringLiteral(".eml"),
                             message->CDOMessage()->Octets(), status);

@@ -12,20 +12,17 @@
 namespace
 {
 constexpr qsizetype MostSteps = 100;
-constexpr qsizetype LongestSubject = 60;
+constexpr qsizetype LongestSubjectInNotice = 60;
 
 QString Shortened(const QString& subject)
 {
     const QString line = subject.simplified();
     if (line.isEmpty())
         return MessageUndo::tr("The message");
-    return u'“' + (line.size() > LongestSubject ? line.left(LongestSubject).trimmed() + u'…' : line) + u'”';
+    return u'“' + (line.size() > LongestSubjectInNotice ? line.left(LongestSubjectInNotice).trimmed() + u'…' : line) +
+           u'”';
 }
 
-QString CountWords(qsizetype count)
-{
-    return count == 1 ? MessageUndo::tr("1 message") : MessageUndo::tr("%1 messages").arg(QLocale().toString(count));
-}
 } // namespace
 
 MessageUndo::MessageUndo(DeskStation& station, QWidget& window)
@@ -54,7 +51,7 @@ void MessageUndo::Take(Kind kind, const QList<Change>& changes, const QString& s
     }
     if (step.Changes.isEmpty())
         return;
-    step.Subject = step.Changes.size() == 1 ? Shortened(subject) : CountWords(step.Changes.size());
+    step.Subject = step.Changes.size() == 1 ? Shortened(subject) : Words::CountMessages(step.Changes.size());
     if (Steps_.size() == MostSteps)
         Steps_.removeFirst();
     Steps_.append(step);
@@ -186,10 +183,10 @@ void MessageUndo::TellOne(const Step& step, Outcome outcome)
 
 void MessageUndo::TellSeveral(const Step& step, qsizetype back, qsizetype others)
 {
-    QString words = step.What == Kind::Move ? tr("Back where they were: %1.").arg(CountWords(back))
-                                            : tr("As they were before: %1.").arg(CountWords(back));
+    QString words = step.What == Kind::Move ? tr("Back where they were: %1.").arg(Words::CountMessages(back))
+                                            : tr("As they were before: %1.").arg(Words::CountMessages(back));
     if (others > 0)
-        words += u' ' + tr("Somebody has moved, changed or deleted %1 meanwhile.").arg(CountWords(others));
+        words += u' ' + tr("Somebody has moved, changed or deleted %1 meanwhile.").arg(Words::CountMessages(others));
     Q_EMIT Told(words);
 }
 

@@ -13,9 +13,9 @@
 
 namespace
 {
-constexpr int Patience = 20000;
+constexpr int ContactPatience = 20000;
 constexpr int Many = 1200;
-constexpr QSize WindowSize(980, 680);
+constexpr QSize ContactWindowSize(980, 680);
 
 const QString LongName = QStringLiteral("The Porthmellin Amateur Players' Society (Costume Department and Repairs)");
 
@@ -49,7 +49,7 @@ void Settle(ContactsWindow& window)
     timer.start();
     do {
         QApplication::processEvents(QEventLoop::AllEvents, 20);
-    } while ((!window.History().IsFilled() || timer.elapsed() < 300) && timer.elapsed() < Patience);
+    } while ((!window.History().IsFilled() || timer.elapsed() < 300) && timer.elapsed() < ContactPatience);
 }
 
 /// The first mail's sender becomes a contact, so that the history has something to show.
@@ -95,7 +95,7 @@ void ContactPictures::Take(DeskStation& station, const Save& save)
     ContactsWindow window(station);
     window.setAttribute(Qt::WA_DeleteOnClose, false);
     window.show();
-    window.resize(WindowSize);
+    window.resize(ContactWindowSize);
     Settle(window);
     save(window, "contacts-empty", 1);
     const qint32 first = Fill(station.Directory());

@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr int Edge = 8;
+constexpr int EdgeWidth = 8;
 constexpr double MillimetresPerInch = 25.4;
 constexpr double SmallestScale = 0.5; // dots a millimetre
 const QColor EdgeColour(0x8A, 0x92, 0x99);
@@ -56,15 +56,15 @@ double PageSheet::DotsPerMillimetre() const
     const QSizeF paper = Pages_ ? Pages_->Setup().Paper : PaperSetup::A4;
     if (Zoom_ > 0)
         return Zoom_ * logicalDpiX() / MillimetresPerInch;
-    const double across = (View_.width() - 2 * Edge) / paper.width();
-    const double down = (View_.height() - 2 * Edge) / paper.height();
+    const double across = (View_.width() - 2 * EdgeWidth) / paper.width();
+    const double down = (View_.height() - 2 * EdgeWidth) / paper.height();
     return qMax(SmallestScale, Zoom_ < 0 ? across : qMin(across, down));
 }
 
 void PageSheet::FitSize()
 {
     const QSizeF paper = (Pages_ ? Pages_->Setup().Paper : PaperSetup::A4) * DotsPerMillimetre();
-    const QSize size = paper.toSize() + QSize(2 * Edge, 2 * Edge);
+    const QSize size = paper.toSize() + QSize(2 * EdgeWidth, 2 * EdgeWidth);
     // A smaller sheet lies in the middle of the view.
     setFixedSize(size.expandedTo(View_));
     update();

@@ -30,7 +30,7 @@
 
 namespace
 {
-constexpr qsizetype LongestName = 300;
+constexpr qsizetype LongestPrintedName = 300;
 }
 
 PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent)
@@ -118,7 +118,7 @@ bool PrintDialog::Prepare()
     bool isWhole = false;
     const bool hasWorked = Run([&] {
         if (Job_.Message) {
-            Subject_ = cdo::HeaderBeginning(*Job_.Message->CDOMessage(), "Subject", LongestName);
+            Subject_ = cdo::HeaderBeginning(*Job_.Message->CDOMessage(), "Subject", LongestPrintedName);
             isWhole = true;
             return TakeSingle(*Job_.Message);
         }
@@ -136,7 +136,7 @@ bool PrintDialog::Prepare()
             else if (!Messages_->Add(message))
                 throw Failure(exitData, tr("These are more messages than can be printed at once (32,767). Choose a "
                                            "folder with fewer, or find some of them."));
-            Subject_ = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestName);
+            Subject_ = cdo::HeaderBeginning(*message->CDOMessage(), "Subject", LongestPrintedName);
         }
         Withheld_ = Messages_->CountWithheld();
         if (CountMessages() == 0)

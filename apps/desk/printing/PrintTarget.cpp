@@ -10,10 +10,8 @@
 
 namespace
 {
-constexpr int AskBeforeOverwriting = 2;
-constexpr int HideReadOnly = 4;
 
-PrintTarget::PrinterChooser& Chooser()
+PrintTarget::PrinterChooser& PrinterChooserInForce()
 {
     static PrintTarget::PrinterChooser chooser;
     return chooser;
@@ -21,8 +19,8 @@ PrintTarget::PrinterChooser& Chooser()
 
 std::unique_ptr<QPagedPaintDevice> ChoosePrinter(QWidget* parent, std::optional<int> pageCount)
 {
-    if (Chooser())
-        return Chooser()(parent, pageCount);
+    if (PrinterChooserInForce())
+        return PrinterChooserInForce()(parent, pageCount);
     auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
     QPrintDialog dialog(printer.get(), parent);
     dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
@@ -53,11 +51,11 @@ std::optional<QString> PrintTarget::PdfFile(const QString& title, const QString&
     dialog->Filter = QCoreApplication::translate("PrintTarget", "PDF files") + QStringLiteral("|*.pdf");
     dialog->DefaultExt = QStringLiteral("pdf");
     dialog->Filename = name;
-    dialog->Flags = AskBeforeOverwriting | HideReadOnly;
+    dialog->Flags = FileDialog::OverwritePrompt | FileDialog::HideReadOnly;
     return FileChoice::ToSave(*dialog);
 }
 
 void PrintTarget::SetPrinterChooser(PrinterChooser chooser)
 {
-    Chooser() = std::move(chooser);
+    PrinterChooserInForce() = std::move(chooser);
 }

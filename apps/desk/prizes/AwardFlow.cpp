@@ -17,16 +17,6 @@ namespace
 {
 constexpr qsizetype LongestNameOnButton = 40;
 
-bool Confirm(const QString& question)
-{
-    MessageBoxRequest request;
-    request.Text = question;
-    request.Buttons = MessageBoxButtons::YesNo;
-    request.Icon = MessageBoxIcon::Question;
-    request.DefaultAnswer = MessageBoxAnswer::No;
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
-}
-
 /// A name as a button's text: short, and its ampersands are no access keys.
 QString OnButton(const QString& name)
 {
@@ -67,8 +57,9 @@ bool AwardFlow::AskWhenNotNow(qint32 prize)
 {
     const cPrizePtr stored = Station_.Database().GetPrize(prize, false);
     const QString why = stored ? PrizeRows::WhyNotNow(*stored) : QString();
-    return why.isEmpty() || Confirm(tr("%1 may not go out now. %2\n\nDo you want to award it all the same?")
-                                        .arg(PrizeRows::Quoted(stored->Title()), why));
+    return why.isEmpty() ||
+           UserInterface::Confirm(tr("%1 may not go out now. %2\n\nDo you want to award it all the same?")
+                                      .arg(PrizeRows::Quoted(stored->Title()), why));
 }
 
 void AwardFlow::Award(qint32 prize, QWidget* parent)
@@ -95,7 +86,7 @@ bool AwardFlow::AwardTo(qint32 prize, const clsKVContact& contact, QWidget* pare
             return;
         }
         const QString question = PrizeAwards::RecentWinQuestion(Station_, contact.Reference);
-        if (!question.isEmpty() && !Confirm(question))
+        if (!question.isEmpty() && !UserInterface::Confirm(question))
             return;
         const PrizeAwards::Result result = PrizeAwards::Award(Station_, prize, contact.Reference);
         Q_EMIT WinnersChanged();

@@ -24,7 +24,7 @@ constexpr double TitleScale = 1.6;
 constexpr double AwardScale = 1.2;
 constexpr int NotesLines = 5;
 
-QLabel* MakeLabel(QWidget* parent, const char* name)
+QLabel* MakeWrappedLabel(QWidget* parent, const char* name)
 {
     auto* label = new QLabel(parent);
     label->setObjectName(QLatin1String(name));
@@ -33,7 +33,7 @@ QLabel* MakeLabel(QWidget* parent, const char* name)
     return label;
 }
 
-QPlainTextEdit* MakeText(QWidget* parent, const char* name, const QString& accessibleName)
+QPlainTextEdit* MakeReadOnlyText(QWidget* parent, const char* name, const QString& accessibleName)
 {
     auto* text = new QPlainTextEdit(parent);
     text->setObjectName(QLatin1String(name));
@@ -65,18 +65,18 @@ PresenterView::PresenterView(DeskStation& station, DeskSettings& settings, QWidg
     : QWidget(parent),
       Settings_(settings),
       Size_(FirstScriptSize),
-      Title_(MakeLabel(this, "presenterTitle")),
-      Stock_(MakeLabel(this, "presenterStock")),
-      When_(MakeLabel(this, "presenterNow")),
-      Hours_(MakeLabel(this, "presenterHours")),
+      Title_(MakeWrappedLabel(this, "presenterTitle")),
+      Stock_(MakeWrappedLabel(this, "presenterStock")),
+      When_(MakeWrappedLabel(this, "presenterNow")),
+      Hours_(MakeWrappedLabel(this, "presenterHours")),
       Award_(new QPushButton(tr("A&ward..."), this)),
       Open_(new QPushButton(tr("&Edit..."), this)),
       Larger_(new QPushButton(QStringLiteral("A+"), this)),
       Smaller_(new QPushButton(QStringLiteral("A\u2212"), this)),
-      Script_(MakeText(this, "presenterScript", tr("Script"))),
-      NotesLabel_(MakeLabel(this, "presenterNotesLabel")),
-      Notes_(MakeText(this, "presenterNotes", tr("Notes, not to be read on air"))),
-      WinnersLabel_(MakeLabel(this, "presenterWinnersLabel")),
+      Script_(MakeReadOnlyText(this, "presenterScript", tr("Script"))),
+      NotesLabel_(MakeWrappedLabel(this, "presenterNotesLabel")),
+      Notes_(MakeReadOnlyText(this, "presenterNotes", tr("Notes, not to be read on air"))),
+      WinnersLabel_(MakeWrappedLabel(this, "presenterWinnersLabel")),
       Winners_(new WinnersView(station, this))
 {
     setObjectName(QStringLiteral("presenter"));

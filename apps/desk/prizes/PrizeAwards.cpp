@@ -10,40 +10,40 @@
 
 namespace
 {
-QString Translated(const char* text)
+QString AwardsText(const char* text)
 {
     return QCoreApplication::translate("PrizeAwards", text);
 }
 
 QString GoneWords()
 {
-    return Translated("The prize is not there any more: it was deleted on another computer. Nothing was saved.");
+    return AwardsText("The prize is not there any more: it was deleted on another computer. Nothing was saved.");
 }
 
 QString ClosedWords()
 {
-    return Translated("The station is not open at this moment. Nothing was saved; please try again.");
+    return AwardsText("The station is not open at this moment. Nothing was saved; please try again.");
 }
 
 /// Who has the last one, so that the presenter can tell the listener.
 QString UsedUpWords(DeskStation& station, const cPrize& prize)
 {
     if (prize.NumberSupplied() <= 0) {
-        return Translated("%1 cannot be awarded, because none was supplied. Enter the number supplied in the prize's "
+        return AwardsText("%1 cannot be awarded, because none was supplied. Enter the number supplied in the prize's "
                           "window first.")
             .arg(PrizeRows::Quoted(prize.Title()));
     }
     const QList<PrizeRows::Winner> winners = PrizeRows::WinnersOf(station, prize.Reference());
     QString words = prize.NumberSupplied() == 1
-                        ? Translated("%1 has been won already.").arg(PrizeRows::Quoted(prize.Title()))
-                        : Translated("%1 cannot be awarded again: all %2 have been won.")
+                        ? AwardsText("%1 has been won already.").arg(PrizeRows::Quoted(prize.Title()))
+                        : AwardsText("%1 cannot be awarded again: all %2 have been won.")
                               .arg(PrizeRows::Quoted(prize.Title()), QLocale().toString(prize.NumberSupplied()));
     if (!winners.isEmpty()) {
-        words += u' ' + Translated("The last one went to %1 (%2).")
+        words += u' ' + AwardsText("The last one went to %1 (%2).")
                             .arg(PrizeRows::NameOf(station, winners.last().WinnerReference),
                                  PrizeRows::MomentWords(winners.last().WonDate));
     }
-    return words + u' ' + Translated("Nothing was saved.");
+    return words + u' ' + AwardsText("Nothing was saved.");
 }
 
 QString WordsFor(DeskStation& station, Awarding::Obstacle obstacle, qint32 prize, qint32 contact)
@@ -57,9 +57,9 @@ QString WordsFor(DeskStation& station, Awarding::Obstacle obstacle, qint32 prize
     case Obstacle::Closed:
         return ClosedWords();
     case Obstacle::NobodySignedIn:
-        return Translated("Nobody is signed in, so nothing can be awarded. Open the station again.");
+        return AwardsText("Nobody is signed in, so nothing can be awarded. Open the station again.");
     case Obstacle::NoRight:
-        return Translated("At this station only users who may manage prizes award them. Your technician can give you "
+        return AwardsText("At this station only users who may manage prizes award them. Your technician can give you "
                           "that right.");
     case Obstacle::PrizeGone:
         return GoneWords();
@@ -69,12 +69,12 @@ QString WordsFor(DeskStation& station, Awarding::Obstacle obstacle, qint32 prize
         return stored ? UsedUpWords(station, *stored) : GoneWords();
     }
     case Obstacle::WinnerNumberTooHigh:
-        return Translated("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
+        return AwardsText("%1 cannot be stored as a winner: the contact has the number %2, and a winner's field holds "
                           "numbers up to %3. Nothing was saved. Choose another contact, or ask your technician.")
             .arg(PrizeRows::NameOf(station, contact), locale.toString(contact),
                  locale.toString(Awarding::HighestWinnerReference));
     case Obstacle::NotStored:
-        return Translated("The award was not saved. %1")
+        return AwardsText("The award was not saved. %1")
             .arg(station.Words(database.LastErrorNumber(), database.LastErrorDescription()));
     }
     return QString();
@@ -88,8 +88,8 @@ int DaysBetween(Date earlier, Date later)
 QString DaysAgo(int days)
 {
     if (days <= 0)
-        return Translated("today");
-    return days == 1 ? Translated("yesterday") : Translated("%1 days ago").arg(days);
+        return AwardsText("today");
+    return days == 1 ? AwardsText("yesterday") : AwardsText("%1 days ago").arg(days);
 }
 } // namespace
 
@@ -121,7 +121,7 @@ QString PrizeAwards::WhyNotAwardable(DeskStation& station, qint32 prize)
 QString PrizeAwards::WhyCannotWin(DeskStation& station, qint32 contact)
 {
     if (contact <= 0 || !station.Directory().GetContact(contact)) {
-        return Translated("That contact is not in the directory any more. Nothing was saved; choose another contact.");
+        return AwardsText("That contact is not in the directory any more. Nothing was saved; choose another contact.");
     }
     return WordsFor(station, Awarding::WhyCannotWin(contact), 0, contact);
 }
@@ -134,10 +134,10 @@ QString PrizeAwards::RecentWinQuestion(DeskStation& station, qint32 contact)
         return QString();
     const int age = DaysBetween(win->WonDate, ClockHelper::CurrentTime());
     const cPrizePtr prize = station.Database().GetPrize(win->PrizeReference, false);
-    const QString title = prize ? PrizeRows::Quoted(prize->Title()) : Translated("a prize that is not there any more");
-    const QString wait = days == 1 ? Translated("At this station winners wait 1 day.")
-                                   : Translated("At this station winners wait %1 days.").arg(days);
-    return Translated("%1 won %2 on %3 (%4). %5\n\nDo you want to make the award all the same?")
+    const QString title = prize ? PrizeRows::Quoted(prize->Title()) : AwardsText("a prize that is not there any more");
+    const QString wait = days == 1 ? AwardsText("At this station winners wait 1 day.")
+                                   : AwardsText("At this station winners wait %1 days.").arg(days);
+    return AwardsText("%1 won %2 on %3 (%4). %5\n\nDo you want to make the award all the same?")
         .arg(PrizeRows::NameOf(station, contact), title, PrizeRows::DayWords(win->WonDate), DaysAgo(age), wait);
 }
 
@@ -169,13 +169,13 @@ std::optional<PrizeAwards::OverAward> PrizeAwards::FindOverAward(DeskStation& st
 QString PrizeAwards::OverAwardWords(const OverAward& overAward)
 {
     if (!overAward.IsPrizeThere)
-        return Translated("The prize was deleted on another computer in the same moment, but the award is stored.");
+        return AwardsText("The prize was deleted on another computer in the same moment, but the award is stored.");
     const QLocale locale;
     const QString awarded = locale.toString(overAward.Winners.size());
     return overAward.NumberSupplied == 1
-               ? Translated("%1 has been awarded %2 times, but only 1 was supplied.")
+               ? AwardsText("%1 has been awarded %2 times, but only 1 was supplied.")
                      .arg(PrizeRows::Quoted(overAward.Title), awarded)
-               : Translated("%1 has been awarded %2 times, but only %3 were supplied.")
+               : AwardsText("%1 has been awarded %2 times, but only %3 were supplied.")
                      .arg(PrizeRows::Quoted(overAward.Title), awarded, locale.toString(overAward.NumberSupplied));
 }
 
@@ -185,8 +185,8 @@ QString PrizeAwards::WinnersInWords(DeskStation& station, const QList<PrizeRows:
     for (const PrizeRows::Winner& winner : winners) {
         const QString by =
             winner.Reference == own
-                ? Translated("awarded by you just now")
-                : Translated("awarded by %1").arg(PrizeRows::UserName(station, winner.AwardedByReference));
+                ? AwardsText("awarded by you just now")
+                : AwardsText("awarded by %1").arg(PrizeRows::UserName(station, winner.AwardedByReference));
         lines.append(QStringLiteral("%1, %2, %3")
                          .arg(PrizeRows::NameOf(station, winner.WinnerReference),
                               winner.WonDate.Format(QStringLiteral("d mmmm yyyy, hh:nn:ss")), by));

@@ -22,7 +22,7 @@
 
 namespace
 {
-constexpr int ReferenceRole = Qt::UserRole;
+constexpr int PrizeRole = Qt::UserRole;
 constexpr int LinesOfRow = 2;
 constexpr int RowMargin = 8;
 constexpr QChar FirstStrongIsolate(0x2068);
@@ -118,7 +118,7 @@ PrizeChooser::PrizeChooser(DeskStation& station, const clsKVContact& winner, QWi
 qint32 PrizeChooser::Prize() const
 {
     const QListWidgetItem* item = List_->currentItem();
-    return item ? item->data(ReferenceRole).toInt() : 0;
+    return item ? item->data(PrizeRole).toInt() : 0;
 }
 
 void PrizeChooser::ShowWinner()
@@ -155,7 +155,7 @@ void PrizeChooser::Fill()
             if (!title.contains(find, Qt::CaseInsensitive))
                 continue;
             auto* item = new QListWidgetItem(QStringLiteral("%1\n%2").arg(title, PrizeRows::StockWords(*prize)), List_);
-            item->setData(ReferenceRole, reference);
+            item->setData(PrizeRole, reference);
             item->setToolTip(title);
             // Narrower than any list: a long title is cut short rather than scrolled.
             item->setSizeHint(QSize(1, LinesOfRow * List_->fontMetrics().lineSpacing() + RowMargin));

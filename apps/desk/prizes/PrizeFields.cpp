@@ -8,9 +8,8 @@
 
 namespace
 {
-constexpr int HoursADay = 24;
 
-QString Translated(const char* text)
+QString FieldsText(const char* text)
 {
     return QCoreApplication::translate("PrizeFields", text);
 }
@@ -19,20 +18,20 @@ QString Translated(const char* text)
 template <typename Visit>
 void ForEachField(Visit&& visit)
 {
-    visit(Translated("Title"), &PrizeFields::Title);
-    visit(Translated("Script"), &PrizeFields::Script);
-    visit(Translated("Notes"), &PrizeFields::Notes);
-    visit(Translated("Notes to the supplier"), &PrizeFields::NotesToSupplier);
-    visit(Translated("Supplier"), &PrizeFields::SupplierReference);
-    visit(Translated("Number supplied"), &PrizeFields::NumberSupplied);
-    visit(Translated("Start"), &PrizeFields::StartDate);
-    visit(Translated("End"), &PrizeFields::EndDate);
-    visit(Translated("Hours"), &PrizeFields::Hours);
+    visit(FieldsText("Title"), &PrizeFields::Title);
+    visit(FieldsText("Script"), &PrizeFields::Script);
+    visit(FieldsText("Notes"), &PrizeFields::Notes);
+    visit(FieldsText("Notes to the supplier"), &PrizeFields::NotesToSupplier);
+    visit(FieldsText("Supplier"), &PrizeFields::SupplierReference);
+    visit(FieldsText("Number supplied"), &PrizeFields::NumberSupplied);
+    visit(FieldsText("Start"), &PrizeFields::StartDate);
+    visit(FieldsText("End"), &PrizeFields::EndDate);
+    visit(FieldsText("Hours"), &PrizeFields::Hours);
 }
 
 QString InWords(const QString& text)
 {
-    return text.simplified().isEmpty() ? Translated("(empty)") : text;
+    return text.simplified().isEmpty() ? FieldsText("(empty)") : text;
 }
 
 QString InWords(qint32 number)
@@ -42,15 +41,15 @@ QString InWords(qint32 number)
 
 QString InWords(Date date)
 {
-    return date.IsNone() ? Translated("no limit") : PrizeRows::MomentWords(date);
+    return date.IsNone() ? FieldsText("no limit") : PrizeRows::MomentWords(date);
 }
 
 QString InWords(const std::array<QString, 7>& hours)
 {
     qsizetype count = 0;
     for (const QString& day : hours)
-        count += HoursADay - day.count(u' ');
-    return Translated("%1 hours of the week").arg(count);
+        count += Date::HoursADay - day.count(u' ');
+    return FieldsText("%1 hours of the week").arg(count);
 }
 
 bool IsSameDate(Date a, Date b)
@@ -73,7 +72,7 @@ PrizeFields PrizeFields::Of(const cPrize& prize)
     fields.EndDate = prize.EndDate();
     for (qint16 day = 1; day <= 7; ++day) {
         QString& hours = fields.Hours.at(static_cast<size_t>(day - 1));
-        for (qint16 hour = 0; hour < HoursADay; ++hour)
+        for (qint16 hour = 0; hour < Date::HoursADay; ++hour)
             hours.append(prize.AvailableForHour(day, hour) ? QChar(u'A' + hour) : QChar(u' '));
     }
     return fields;

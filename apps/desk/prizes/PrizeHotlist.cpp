@@ -5,14 +5,13 @@
 
 namespace
 {
-constexpr int HoursADay = 24;
 constexpr QChar Divider = u'|';
 
 bool IsDay(const QString& day)
 {
-    if (day.size() != HoursADay)
+    if (day.size() != Date::HoursADay)
         return false;
-    for (int hour = 0; hour < HoursADay; ++hour) {
+    for (int hour = 0; hour < Date::HoursADay; ++hour) {
         if (day.at(hour) != u' ' && day.at(hour) != QChar(u'A' + hour))
             return false;
     }
@@ -35,7 +34,7 @@ std::optional<std::array<QString, 7>> PrizeHotlist::Read(const QString& text)
         // The last hours of a Sunday are blanks that a store may cut off.
         QString day = days.at(static_cast<qsizetype>(i));
         if (i + 1 == hours.size())
-            day = day.leftJustified(HoursADay);
+            day = day.leftJustified(Date::HoursADay);
         if (!IsDay(day))
             return std::nullopt;
         hours.at(i) = day;

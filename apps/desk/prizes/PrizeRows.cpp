@@ -16,7 +16,7 @@ namespace
 /// How far back the user log is searched for who changed a prize.
 constexpr int LogEntriesSearched = 500;
 
-QString Translated(const char* text)
+QString RowsText(const char* text)
 {
     return QCoreApplication::translate("PrizeRows", text);
 }
@@ -72,15 +72,15 @@ QString PrizeRows::NameOf(DeskStation& station, qint32 contact)
 {
     const clsKVContactPtr found = contact > 0 ? station.Directory().GetContact(contact) : nullptr;
     if (!found)
-        return contact > 0 ? Translated("a contact who is not in the directory any more") : Translated("nobody");
+        return contact > 0 ? RowsText("a contact who is not in the directory any more") : RowsText("nobody");
     const QString name = found->Name.simplified();
-    return name.isEmpty() ? Translated("a contact without a name") : name;
+    return name.isEmpty() ? RowsText("a contact without a name") : name;
 }
 
 QString PrizeRows::UserName(DeskStation& station, qint32 user)
 {
     PendingError pending; // a directory that cannot be read leaves the name out
-    QString name = Translated("a user who is not in the directory any more");
+    QString name = RowsText("a user who is not in the directory any more");
     pending.Try([&] {
         for (const DirectoryUser& known : station.Directory().Users()) {
             if (known.Reference == user)
@@ -103,7 +103,7 @@ QString PrizeRows::DetailOf(const clsKVContact& contact)
 QString PrizeRows::Quoted(const QString& title)
 {
     const QString line = title.simplified();
-    return line.isEmpty() ? Translated("A prize without a title") : QStringLiteral("\u201C%1\u201D").arg(line);
+    return line.isEmpty() ? RowsText("A prize without a title") : QStringLiteral("\u201C%1\u201D").arg(line);
 }
 
 QString PrizeRows::DayWords(Date date)
@@ -127,11 +127,11 @@ QString PrizeRows::WhyNotNow(const cPrize& prize)
     case Awarding::NotNow::None:
         break;
     case Awarding::NotNow::NotYet:
-        return Translated("It may go out from %1 on.").arg(LimitWords(prize.StartDate()));
+        return RowsText("It may go out from %1 on.").arg(LimitWords(prize.StartDate()));
     case Awarding::NotNow::Over:
-        return Translated("Its time ended on %1.").arg(LimitWords(prize.EndDate()));
+        return RowsText("Its time ended on %1.").arg(LimitWords(prize.EndDate()));
     case Awarding::NotNow::WrongHour:
-        return Translated("It may not go out in this hour.");
+        return RowsText("It may not go out in this hour.");
     }
     return QString();
 }
@@ -142,11 +142,11 @@ QString PrizeRows::StockWords(const cPrize& prize)
     const qint32 supplied = prize.NumberSupplied();
     const qint32 left = supplied - prize.NumberWinners();
     if (supplied <= 0)
-        return Translated("None supplied yet");
+        return RowsText("None supplied yet");
     if (left > 0)
-        return Translated("%1 of %2 left").arg(locale.toString(left), locale.toString(supplied));
-    return supplied == 1 ? Translated("The prize has been won")
-                         : Translated("All %1 prizes have been won").arg(locale.toString(supplied));
+        return RowsText("%1 of %2 left").arg(locale.toString(left), locale.toString(supplied));
+    return supplied == 1 ? RowsText("The prize has been won")
+                         : RowsText("All %1 prizes have been won").arg(locale.toString(supplied));
 }
 
 QString PrizeRows::DatesWords(const cPrize& prize)
@@ -154,10 +154,10 @@ QString PrizeRows::DatesWords(const cPrize& prize)
     const bool hasStart = !prize.StartDate().IsNone();
     const bool hasEnd = !prize.EndDate().IsNone();
     if (hasStart && hasEnd)
-        return Translated("From %1 until %2").arg(LimitWords(prize.StartDate()), LimitWords(prize.EndDate()));
+        return RowsText("From %1 until %2").arg(LimitWords(prize.StartDate()), LimitWords(prize.EndDate()));
     if (hasStart)
-        return Translated("From %1 on").arg(LimitWords(prize.StartDate()));
-    return hasEnd ? Translated("Until %1").arg(LimitWords(prize.EndDate())) : QString();
+        return RowsText("From %1 on").arg(LimitWords(prize.StartDate()));
+    return hasEnd ? RowsText("Until %1").arg(LimitWords(prize.EndDate())) : QString();
 }
 
 QString PrizeRows::HoursWords(const WeekOfHours& hours)
@@ -173,7 +173,7 @@ QString PrizeRows::ClockWords()
     const QString format = QStringLiteral("hh:nn");
     if (local.Format(format) == universal.Format(format))
         return QString();
-    return Translated("Hours are those of universal time, which is %1 now (%2 on the clock here).")
+    return RowsText("Hours are those of universal time, which is %1 now (%2 on the clock here).")
         .arg(universal.Format(format), local.Format(format));
 }
 

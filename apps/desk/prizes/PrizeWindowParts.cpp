@@ -33,7 +33,6 @@
 
 namespace
 {
-constexpr int IconSide = 16;
 constexpr int TitleWidth = 320;
 
 QPlainTextEdit* MakeText(QWidget* parent, const char* name, const QString& accessibleName)
@@ -128,7 +127,7 @@ void PrizeWindow::MakeActions()
     auto* bar = addToolBar(tr("Prize"));
     bar->setObjectName(QStringLiteral("prizeBar"));
     bar->setMovable(false);
-    bar->setIconSize(QSize(IconSide, IconSide));
+    bar->setIconSize(QSize(Icons::SmallSide, Icons::SmallSide));
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     const auto add = [&](const char* name, const QString& icon, const QString& text, const QString& hint,
                          const QKeySequence& key) {

@@ -24,8 +24,8 @@
 
 namespace
 {
-constexpr float ListInterval = 3;
-const QString SplitterState = QStringLiteral("Prizes/Splitter");
+constexpr float PrizesInterval = 3;
+const QString PrizesSplitter = QStringLiteral("Prizes/Splitter");
 const QString ScriptState = QStringLiteral("Prizes/ScriptSplitter");
 
 int HourNow()
@@ -47,7 +47,7 @@ PrizesPage::PrizesPage(DeskStation& station, DeskSettings& settings, QWidget* pa
     setObjectName(QStringLiteral("prizesPage"));
     Filter_->setObjectName(QStringLiteral("prizeFilterNotice"));
     List_->setObjectName(QStringLiteral("prizesList"));
-    List_->SetAutoUpdateInterval(ListInterval);
+    List_->SetAutoUpdateInterval(PrizesInterval);
     Side_->addWidget(Presenter_);
     Side_->addWidget(MakeEmptyPage());
     Splitter_->setObjectName(QStringLiteral("prizesSplitter"));
@@ -56,7 +56,7 @@ PrizesPage::PrizesPage(DeskStation& station, DeskSettings& settings, QWidget* pa
     Splitter_->setChildrenCollapsible(false);
     Splitter_->setStretchFactor(0, 2);
     Splitter_->setStretchFactor(1, 3);
-    if (!Splitter_->restoreState(settings.State(SplitterState)))
+    if (!Splitter_->restoreState(settings.State(PrizesSplitter)))
         Splitter_->setSizes({480, 700});
     Presenter_->RestoreSizes(settings.State(ScriptState));
     auto* layout = new QVBoxLayout(this);
@@ -240,7 +240,7 @@ void PrizesPage::FocusNextPane(bool backwards)
 
 void PrizesPage::SaveSizes()
 {
-    Settings_.SetState(SplitterState, Splitter_->saveState());
+    Settings_.SetState(PrizesSplitter, Splitter_->saveState());
     Settings_.SetState(ScriptState, Presenter_->Sizes());
 }
 

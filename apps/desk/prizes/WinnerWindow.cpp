@@ -33,7 +33,7 @@ bool IsSameMoment(Date a, Date b)
     return a.IsNone() == b.IsNone() && qAbs(a.DayNumber() - b.DayNumber()) < 0.5 / 86400;
 }
 
-QPlainTextEdit* MakeText(QWidget* parent, const char* name, const QString& accessibleName)
+QPlainTextEdit* MakeNotesBox(QWidget* parent, const char* name, const QString& accessibleName)
 {
     auto* text = new QPlainTextEdit(parent);
     text->setObjectName(QLatin1String(name));
@@ -76,8 +76,8 @@ WinnerWindow::WinnerWindow(DeskStation& station, const cPrizeWinner& winner, QWi
       Won_(new DateBox(QStringLiteral("won"), tr("Won"), DateBox::Bound::FirstMoment, this)),
       Sent_(new DateBox(QStringLiteral("sent"), tr("Sent"), DateBox::Bound::FirstMoment, this)),
       SentByLabel_(new QLabel(this)),
-      Notes_(MakeText(this, "notes", tr("Notes"))),
-      NotesToSupplier_(MakeText(this, "notesToSupplier", tr("Notes to the supplier"))),
+      Notes_(MakeNotesBox(this, "notes", tr("Notes"))),
+      NotesToSupplier_(MakeNotesBox(this, "notesToSupplier", tr("Notes to the supplier"))),
       Note_(new QLabel(this))
 {
     setObjectName(QStringLiteral("winnerWindow"));
@@ -381,13 +381,9 @@ void WinnerWindow::TakeBack()
                 .arg(PrizeRows::UserName(Station_, stored->AwardedByReference())));
         return;
     }
-    MessageBoxRequest question;
-    question.Text = tr("Do you want to take \u201C%1\u201D back from %2? The prize can be awarded again then.")
-                        .arg(PrizeTitle_, PrizeRows::NameOf(Station_, Base_.WinnerReference));
-    question.Buttons = MessageBoxButtons::YesNo;
-    question.Icon = MessageBoxIcon::Question;
-    question.DefaultAnswer = MessageBoxAnswer::No;
-    if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
+    const QString question = tr("Do you want to take \u201C%1\u201D back from %2? The prize can be awarded again then.")
+                                 .arg(PrizeTitle_, PrizeRows::NameOf(Station_, Base_.WinnerReference));
+    if (!UserInterface::Confirm(question))
         return;
     QString words;
     if (!PrizeAwards::TakeBack(Station_, Reference_, words)) {

@@ -11,8 +11,8 @@
 
 namespace
 {
-constexpr int ReferenceRole = Qt::UserRole;
-enum Column
+constexpr int WinnerRole = Qt::UserRole;
+enum WinnerColumn
 {
     NameColumn,
     ContactColumn,
@@ -23,7 +23,7 @@ enum Column
 
 qint32 ReferenceOf(const QTreeWidgetItem* item)
 {
-    return item ? item->data(NameColumn, ReferenceRole).toInt() : 0;
+    return item ? item->data(NameColumn, WinnerRole).toInt() : 0;
 }
 } // namespace
 
@@ -78,7 +78,7 @@ void WinnersView::Fill()
         QTreeWidgetItem*& item = items[winner.Reference];
         if (!item) {
             item = new QTreeWidgetItem;
-            item->setData(NameColumn, ReferenceRole, winner.Reference);
+            item->setData(NameColumn, WinnerRole, winner.Reference);
         }
         if (topLevelItem(row) != item) {
             takeTopLevelItem(indexOfTopLevelItem(item)); // a corrected moment of the win moves it

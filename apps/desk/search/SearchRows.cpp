@@ -17,7 +17,7 @@
 namespace
 {
 constexpr qsizetype LongestText = 300;
-constexpr int TextMargin = 3;
+constexpr int RowTextMargin = 3;
 
 /// "Postcard Pete" of "Postcard Pete <pete@example.com>".
 QString NameOf(const QString& from)
@@ -143,7 +143,7 @@ QVariant SearchModel::headerData(int section, Qt::Orientation orientation, int r
 
 QSize HitDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    return QStyledItemDelegate::sizeHint(option, index) + QSize(2 * TextMargin, 2 * TextMargin);
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(2 * RowTextMargin, 2 * RowTextMargin);
 }
 
 void HitDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
@@ -155,7 +155,7 @@ void HitDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     style->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
 
     const bool isSelected = (item.state & QStyle::State_Selected) != 0;
-    const QRect place = item.rect.adjusted(TextMargin, 0, -TextMargin, 0);
+    const QRect place = item.rect.adjusted(RowTextMargin, 0, -RowTextMargin, 0);
     const QString shown = item.fontMetrics.elidedText(text, Qt::ElideRight, place.width());
     QTextLayout layout(shown, item.font);
     QList<QTextLayout::FormatRange> marks;

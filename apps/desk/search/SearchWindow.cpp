@@ -36,7 +36,7 @@
 namespace
 {
 const QString SavedState = QStringLiteral("SavedSearches");
-const QString GeometryState = QStringLiteral("SearchWindow/Geometry");
+const QString SearchGeometry = QStringLiteral("SearchWindow/Geometry");
 constexpr int MostSaved = 30;
 constexpr int FromWidth = 150;
 constexpr int FolderWidth = 110;
@@ -118,7 +118,7 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     setCentralWidget(page);
     MakeMenu();
     resize(1080, 640);
-    restoreGeometry(Settings_.State(GeometryState));
+    restoreGeometry(Settings_.State(SearchGeometry));
 
     TypingTimer_.setSingleShot(true);
     TypingTimer_.setInterval(TypingMilliseconds);
@@ -452,6 +452,6 @@ void SearchWindow::keyPressEvent(QKeyEvent* event)
 
 void SearchWindow::closeEvent(QCloseEvent* event)
 {
-    Settings_.SetState(GeometryState, saveGeometry());
+    Settings_.SetState(SearchGeometry, saveGeometry());
     QMainWindow::closeEvent(event);
 }

@@ -19,7 +19,7 @@
 
 namespace
 {
-enum Column
+enum BackupColumn
 {
     columnMade,
     columnBy,
@@ -233,15 +233,12 @@ void BackupsDialog::Restore()
         Words::Warn(tr("The backup \u201C%1\u201D is damaged; nothing was changed.").arg(entry->Backup.Name));
         return;
     }
-    MessageBoxRequest question;
-    question.Text = tr("Do you want to replace the station by the backup of %1 (%2)?\n\n"
-                       "What was filed or changed since then is not in it. The present file is kept beside it.\n\n"
-                       "Other computers may stay at work; they go on with the restored station by themselves.")
-                        .arg(List_->currentItem()->text(columnMade), entry->Content);
-    question.Buttons = MessageBoxButtons::YesNo;
-    question.Icon = MessageBoxIcon::Question;
-    question.DefaultAnswer = MessageBoxAnswer::No;
-    if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
+    const QString question =
+        tr("Do you want to replace the station by the backup of %1 (%2)?\n\n"
+           "What was filed or changed since then is not in it. The present file is kept beside it.\n\n"
+           "Other computers may stay at work; they go on with the restored station by themselves.")
+            .arg(List_->currentItem()->text(columnMade), entry->Content);
+    if (!UserInterface::Confirm(question))
         return;
     Chosen_ = entry->Backup;
     accept();

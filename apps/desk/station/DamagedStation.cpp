@@ -14,15 +14,11 @@ namespace
 {
 bool IsAgreed(const QString& problem, const QString& made)
 {
-    MessageBoxRequest question;
-    question.Text = QObject::tr("%1\n\nThe newest backup that can be read was made on %2. Do you want to put it in the "
-                                "place of the damaged file? The damaged file is kept beside it.\n\nWARNING! You must "
-                                "quit from all copies of Tolva on all computers before.")
-                        .arg(problem, made);
-    question.Buttons = MessageBoxButtons::YesNo;
-    question.Icon = MessageBoxIcon::Question;
-    question.DefaultAnswer = MessageBoxAnswer::No;
-    return UserInterface::Current().MessageBox(question) == MessageBoxAnswer::Yes;
+    return UserInterface::Confirm(
+        QObject::tr("%1\n\nThe newest backup that can be read was made on %2. Do you want to put it in the "
+                    "place of the damaged file? The damaged file is kept beside it.\n\nWARNING! You must "
+                    "quit from all copies of Tolva on all computers before.")
+            .arg(problem, made));
 }
 } // namespace
 

@@ -14,7 +14,7 @@
 
 namespace
 {
-StartDialog::FolderChooser& Chooser()
+StartDialog::FolderChooser& FolderChooserInForce()
 {
     static StartDialog::FolderChooser chooser;
     return chooser;
@@ -23,13 +23,13 @@ StartDialog::FolderChooser& Chooser()
 
 void StartDialog::SetFolderChooser(FolderChooser chooser)
 {
-    Chooser() = std::move(chooser);
+    FolderChooserInForce() = std::move(chooser);
 }
 
 QString StartDialog::ChooseFolder(QWidget* parent)
 {
-    if (Chooser())
-        return Chooser()(parent);
+    if (FolderChooserInForce())
+        return FolderChooserInForce()(parent);
     return QFileDialog::getExistingDirectory(parent, tr("The folder of the station"));
 }
 

@@ -7,7 +7,7 @@
 
 namespace
 {
-QString Tr(const char* text)
+QString ClosingText(const char* text)
 {
     return QCoreApplication::translate("ClosingQuestion", text);
 }
@@ -24,8 +24,8 @@ ClosingQuestion::Choice ClosingQuestion::Ask(QWidget& window, const QString& tit
     box.setWindowTitle(title);
     box.setText(question);
     QPushButton* saveButton = box.addButton(save, QMessageBox::AcceptRole);
-    const QPushButton* discard = box.addButton(Tr("&Discard"), QMessageBox::DestructiveRole);
-    QPushButton* cancel = box.addButton(Tr("&Cancel"), QMessageBox::RejectRole);
+    const QPushButton* discard = box.addButton(ClosingText("&Discard"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = box.addButton(ClosingText("&Cancel"), QMessageBox::RejectRole);
     box.setDefaultButton(saveButton);
     box.setEscapeButton(cancel);
     box.exec();
@@ -36,5 +36,5 @@ ClosingQuestion::Choice ClosingQuestion::Ask(QWidget& window, const QString& tit
 
 ClosingQuestion::Choice ClosingQuestion::Ask(QWidget& window, const QString& title, const QString& question)
 {
-    return Ask(window, title, question, Tr("&Save"));
+    return Ask(window, title, question, ClosingText("&Save"));
 }

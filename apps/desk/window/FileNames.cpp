@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr int LongestName = 120;
+constexpr int LongestFileName = 120;
 constexpr int LongestExtension = 20;
 constexpr int MostNumbers = 10000;
 
@@ -84,7 +84,7 @@ QString FileNames::Cleaned(const QString& name)
     if (IsReserved(cleaned))
         cleaned.prepend(u'_');
     const NameParts parts = Divided(cleaned);
-    return Beginning(parts.Base, LongestName - parts.Extension.size()).trimmed() + parts.Extension;
+    return Beginning(parts.Base, LongestFileName - parts.Extension.size()).trimmed() + parts.Extension;
 }
 
 QString FileNames::Numbered(const QString& name, int number)

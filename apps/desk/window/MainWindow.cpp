@@ -47,10 +47,10 @@ constexpr int FitDelay = 300;
 constexpr int FillDelay = 200;
 /// Beyond this, fitting the subjects of all rows to a new width takes longer than it is worth.
 constexpr int MostRowsFitted = 3000;
-constexpr float ListInterval = 3;
+constexpr float MessagesInterval = 3;
 
-const QString GeometryState = QStringLiteral("MainWindow/Geometry");
-const QString SplitterState = QStringLiteral("MainWindow/Splitter");
+const QString WindowGeometry = QStringLiteral("MainWindow/Geometry");
+const QString WindowSplitter = QStringLiteral("MainWindow/Splitter");
 
 const QString OrderClause = QStringLiteral(" ORDER BY ");
 
@@ -138,7 +138,7 @@ void MainWindow::MakeParts()
     connect(Unsent_, &NoticeBar::ButtonClicked, this, [this] { Run([this] { OpenUnsent(); }); });
     List_ = new uMessagesList(this);
     List_->setObjectName(QStringLiteral("list"));
-    List_->SetAutoUpdateInterval(ListInterval);
+    List_->SetAutoUpdateInterval(MessagesInterval);
     List_->SetSelectsByReference(true);
     List_->SetSelectsSeveral(true);
     List_->SetShowsFirstRows(true);
@@ -260,15 +260,15 @@ void MainWindow::Say(const QString& words)
 void MainWindow::RestoreSizes()
 {
     resize(1180, 720);
-    restoreGeometry(Settings_.State(GeometryState));
-    if (!Splitter_->restoreState(Settings_.State(SplitterState)))
+    restoreGeometry(Settings_.State(WindowGeometry));
+    if (!Splitter_->restoreState(Settings_.State(WindowSplitter)))
         Splitter_->setSizes({680, 500});
 }
 
 void MainWindow::SaveSizes()
 {
-    Settings_.SetState(GeometryState, saveGeometry());
-    Settings_.SetState(SplitterState, Splitter_->saveState());
+    Settings_.SetState(WindowGeometry, saveGeometry());
+    Settings_.SetState(WindowSplitter, Splitter_->saveState());
     Prizes_->SaveSizes();
 }
 

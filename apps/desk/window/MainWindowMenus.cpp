@@ -34,7 +34,6 @@
 
 namespace
 {
-constexpr int IconSide = 16;
 
 /// An entry of the list's own menu shows the key that this window gives it. It gets no key itself: its entry may be
 /// disabled since the menu was last open.
@@ -276,7 +275,7 @@ QWidget* MainWindow::MakeMessageSide()
     auto* side = new QWidget(this);
     MessageBar_ = new QToolBar(tr("Message"), side);
     MessageBar_->setObjectName(QStringLiteral("messageBar"));
-    MessageBar_->setIconSize(QSize(IconSide, IconSide));
+    MessageBar_->setIconSize(QSize(Icons::SmallSide, Icons::SmallSide));
     MessageBar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     auto* layout = new QVBoxLayout(side);
     layout->setContentsMargins(0, 0, 0, 0);

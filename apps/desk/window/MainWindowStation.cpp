@@ -196,13 +196,9 @@ void MainWindow::CheckFile()
 
 void MainWindow::CompactFile()
 {
-    MessageBoxRequest question;
-    question.Text = tr("Do you want to write the station's file anew? The present file is kept beside it.\n\n"
-                       "Other computers may stay at work; for a moment they wait.");
-    question.Buttons = MessageBoxButtons::YesNo;
-    question.Icon = MessageBoxIcon::Question;
-    question.DefaultAnswer = MessageBoxAnswer::No;
-    if (UserInterface::Current().MessageBox(question) != MessageBoxAnswer::Yes)
+    const QString question = tr("Do you want to write the station's file anew? The present file is kept beside it.\n\n"
+                                "Other computers may stay at work; for a moment they wait.");
+    if (!UserInterface::Confirm(question))
         return;
     const QString folder = Station_->Folder();
     const auto result = ReplaceFile([&] { return StationReplacing::Compact(folder); });

@@ -11,7 +11,6 @@
 
 namespace
 {
-constexpr int IconSide = 16;
 /// How much of the accent is mixed into the window's own colour.
 constexpr double Strength = 0.16;
 const QColor Accent(0xE3, 0xAB, 0x3F);
@@ -81,6 +80,6 @@ void NoticeBar::ApplyColours()
     own.setColor(QPalette::Window, Mixed(own.color(QPalette::Window), Accent));
     if (own != palette())
         setPalette(own);
-    Picture_->setPixmap(Icons::Get(Icon_).pixmap(QSize(IconSide, IconSide), devicePixelRatioF()));
+    Picture_->setPixmap(Icons::Get(Icon_).pixmap(QSize(Icons::SmallSide, Icons::SmallSide), devicePixelRatioF()));
     IsApplying_ = false;
 }

@@ -7,6 +7,7 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
 #include "common/ProfileHelper.h"
@@ -16,7 +17,6 @@
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
 const QString CheckOption = QStringLiteral("check");
 
 void PrintJson(const QJsonObject& object)

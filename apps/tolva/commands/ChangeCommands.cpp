@@ -38,15 +38,10 @@ int Copy(const Arguments& arguments)
     return Relocate(arguments, &cTolvaDatabase::CopyMessage, QStringLiteral("copy this message"));
 }
 
-bool IsConfirmed(Station& station, const cMessage& message)
+bool IsConfirmed(const cMessage& message)
 {
-    MessageBoxRequest request;
-    request.Text = QStringLiteral("Are you sure you want to permanently delete '%1'?")
-                       .arg(OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject")));
-    request.Buttons = MessageBoxButtons::YesNo;
-    request.Icon = MessageBoxIcon::Question;
-    request.DefaultAnswer = MessageBoxAnswer::No;
-    return station.Terminal().MessageBox(request) == MessageBoxAnswer::Yes;
+    return UserInterface::Confirm(QStringLiteral("Are you sure you want to permanently delete '%1'?")
+                                      .arg(OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject"))));
 }
 
 int Delete(const Arguments& arguments)
@@ -61,7 +56,7 @@ int Delete(const Arguments& arguments)
                                .arg(FolderPath(FolderPaths(station.Folders()), tmcDeleted)));
         return exitOK;
     }
-    if (isPermanent && !arguments.Has(YesOption) && Terminal::CanAsk() && !IsConfirmed(station, *message)) {
+    if (isPermanent && !arguments.Has(YesOption) && Terminal::CanAsk() && !IsConfirmed(*message)) {
         Terminal::Complain(QStringLiteral("Nothing was deleted."));
         return exitDeclined;
     }

@@ -15,7 +15,7 @@
 
 namespace
 {
-int Run(const Arguments& arguments)
+int RunCheck(const Arguments& arguments)
 {
     const QString& folder = arguments.Folder();
     const QString file = StationPlace::FileIn(folder);
@@ -64,6 +64,6 @@ CommandDefinition CheckCommand()
         QStringLiteral("tolva check /srv/station"),
         1,
         1,
-        Run,
+        RunCheck,
     };
 }

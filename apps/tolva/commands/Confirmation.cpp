@@ -13,10 +13,5 @@ bool Confirmation::IsGiven(const Arguments& arguments, const QString& question)
 {
     if (arguments.Has(YesOption()) || !Terminal::CanAsk())
         return true;
-    MessageBoxRequest request;
-    request.Text = question;
-    request.Buttons = MessageBoxButtons::YesNo;
-    request.Icon = MessageBoxIcon::Question;
-    request.DefaultAnswer = MessageBoxAnswer::No;
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
+    return UserInterface::Confirm(question);
 }

@@ -8,6 +8,7 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "contacts/ContactImport.h"
 #include "contacts/ContactOrder.h"
 #include "contacts/ContactSearch.h"
@@ -19,14 +20,12 @@
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
 const QString DuplicatesOption = QStringLiteral("duplicates");
 const QString VersionOption = QStringLiteral("vcard");
 const QString OutputOption = QStringLiteral("output");
-const QString ForceOption = QStringLiteral("force");
 
 constexpr int ReferenceWidth = 11;
-constexpr int NameWidth = 26;
+constexpr int ContactWidth = 26;
 constexpr int NumberWidth = 18;
 
 struct Detail
@@ -52,7 +51,7 @@ const QList<Detail>& Details()
     return details;
 }
 
-Failure FailureOfDirectory(const Station& station, const dao::Error& error)
+Failure FailureOfContacts(const Station& station, const dao::Error& error)
 {
     switch (error.Number()) {
     case dao::errRecordDeleted:
@@ -73,7 +72,7 @@ decltype(auto) InDirectory(const Station& station, Work&& work)
     try {
         return std::forward<Work>(work)();
     } catch (const dao::Error& error) {
-        throw FailureOfDirectory(station, error);
+        throw FailureOfContacts(station, error);
     }
 }
 
@@ -110,16 +109,16 @@ QString Column(const QString& text, int width)
     return DisplayWidth(line) < width ? Cell(line, width) : line + u' ';
 }
 
-void PrintRow(const clsKVContact& contact)
+void PrintContact(const clsKVContact& contact)
 {
     const QString& number = contact.Mobile.isEmpty() ? contact.Telephone : contact.Mobile;
     const QString& address = contact.Email.isEmpty() ? contact.SecondEmail : contact.Email;
-    const QString row = Column(QString::number(contact.Reference), ReferenceWidth) + Column(contact.Name, NameWidth) +
-                        Column(number, NumberWidth) + OneLine(address);
+    const QString row = Column(QString::number(contact.Reference), ReferenceWidth) +
+                        Column(contact.Name, ContactWidth) + Column(number, NumberWidth) + OneLine(address);
     Terminal::PrintLine(row.trimmed());
 }
 
-void List(const Arguments& arguments, Station& station)
+void ListContacts(const Arguments& arguments, Station& station)
 {
     const QList<clsKVContactPtr> contacts = InDirectory(station, [&] { return station.Directory().Contacts(); });
     for (const clsKVContactPtr& contact :
@@ -127,7 +126,7 @@ void List(const Arguments& arguments, Station& station)
         if (arguments.Has(JsonOption))
             PrintJson(*contact);
         else
-            PrintRow(*contact);
+            PrintContact(*contact);
     }
 }
 
@@ -157,7 +156,7 @@ void TakeDetails(const Arguments& arguments, clsKVContact& contact)
         throw Failure(exitUsage, QStringLiteral("A contact needs a name."));
 }
 
-void Add(const Arguments& arguments, Station& station)
+void AddContact(const Arguments& arguments, Station& station)
 {
     clsKVContact contact;
     contact.Name = arguments.Words().at(2);
@@ -174,7 +173,7 @@ void Edit(const Arguments& arguments, Station& station)
     InDirectory(station, [&] { station.Directory().ChangeContact(*before, after); });
 }
 
-void Delete(const Arguments& arguments, Station& station)
+void DeleteContacts(const Arguments& arguments, Station& station)
 {
     const clsKVContactPtr contact = Contact(station, arguments.Words().at(2));
     InDirectory(station, [&] { station.Directory().DeleteContact(contact->Reference); });
@@ -257,7 +256,7 @@ int Import(const Arguments& arguments, Station& station)
     return reading.Problems.isEmpty() ? exitOK : exitData;
 }
 
-void Export(const Arguments& arguments, Station& station)
+void ExportContacts(const Arguments& arguments, Station& station)
 {
     const VCard::Version version = VersionIn(arguments);
     QList<clsKVContact> contacts;
@@ -273,7 +272,7 @@ void Export(const Arguments& arguments, Station& station)
 }
 
 /// Failure (usage) for what is no form of the command, before anything is opened.
-void CheckForm(const Arguments& arguments)
+void CheckFormOfContacts(const Arguments& arguments)
 {
     struct Form
     {
@@ -301,9 +300,9 @@ void CheckForm(const Arguments& arguments)
     VersionIn(arguments);
 }
 
-int Run(const Arguments& arguments)
+int RunContacts(const Arguments& arguments)
 {
-    CheckForm(arguments);
+    CheckFormOfContacts(arguments);
     Station station(arguments);
     const QString verb = arguments.Words().value(1, QStringLiteral("list"));
     if (verb == u"import")
@@ -311,15 +310,15 @@ int Run(const Arguments& arguments)
     if (verb == u"show")
         Show(arguments, station);
     else if (verb == u"add")
-        Add(arguments, station);
+        AddContact(arguments, station);
     else if (verb == u"edit")
         Edit(arguments, station);
     else if (verb == u"delete")
-        Delete(arguments, station);
+        DeleteContacts(arguments, station);
     else if (verb == u"export")
-        Export(arguments, station);
+        ExportContacts(arguments, station);
     else
-        List(arguments, station);
+        ListContacts(arguments, station);
     return exitOK;
 }
 } // namespace
@@ -361,6 +360,6 @@ CommandDefinition ContactsCommand()
         QStringLiteral("tolva contacts /srv/station import telephone.vcf --duplicates update"),
         1,
         3,
-        Run,
+        RunContacts,
     };
 }

@@ -7,12 +7,12 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "doctor/Diagnosis.h"
 
 namespace
 {
 const QString QuickOption = QStringLiteral("quick");
-const QString JsonOption = QStringLiteral("json");
 
 QString NameOf(Finding::Level level)
 {
@@ -41,7 +41,7 @@ void Tell(const Finding& finding, bool inJson)
         Terminal::PrintLine(QStringLiteral("%1What to do: %2").arg(QString(), 20).arg(finding.Advice));
 }
 
-int Run(const Arguments& arguments)
+int RunDoctor(const Arguments& arguments)
 {
     const QString& folder = arguments.Folder();
     if (!StationPlace::HoldsStation(folder)) {
@@ -81,6 +81,6 @@ CommandDefinition DoctorCommand()
         QStringLiteral("tolva doctor /srv/station"),
         1,
         1,
-        Run,
+        RunDoctor,
     };
 }

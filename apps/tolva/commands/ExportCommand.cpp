@@ -7,6 +7,7 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "common/FileHelper.h"
 #include "platform/mail/MessageReader.h"
 
@@ -14,19 +15,17 @@
 
 namespace
 {
-const QString ForceOption = QStringLiteral("force");
-
-constexpr int LongestName = 200; // octets; file systems take 255
+constexpr int LongestFileName = 200; // octets; file systems take 255
 
 /// The subject as a file's name, without what no file name can hold.
 QString FileNameFor(const cMessage& message)
 {
-    QString name = OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject", 4 * LongestName));
+    QString name = OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject", 4 * LongestFileName));
     name.removeIf([](QChar character) {
         return character == QChar::ReplacementCharacter || QStringLiteral(":*?\\/\"<>|").contains(character);
     });
     name = name.simplified();
-    while (name.toUtf8().size() > LongestName)
+    while (name.toUtf8().size() > LongestFileName)
         name.chop(name.back().isLowSurrogate() ? 2 : 1);
     while (name.startsWith(u'.'))
         name.remove(0, 1);
@@ -35,7 +34,7 @@ QString FileNameFor(const cMessage& message)
     return name + QStringLiteral(".eml");
 }
 
-int Run(const Arguments& arguments)
+int RunExport(const Arguments& arguments)
 {
     QString path = arguments.Words().at(2);
     ToReference(arguments.Words().at(1)); // a wrong one is told before anything is opened
@@ -71,6 +70,6 @@ CommandDefinition ExportCommand()
         QStringLiteral("tolva export /srv/station 27 answer.eml"),
         3,
         3,
-        Run,
+        RunExport,
     };
 }

@@ -6,16 +6,14 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "intake/Filing.h"
 #include "intake/MailSources.h"
 #include "messages/TextMessage.h"
 
 namespace
 {
-const QString CategoryOption = QStringLiteral("category");
 const QString SMSOption = QStringLiteral("sms");
-const QString FromOption = QStringLiteral("from");
-const QString ToOption = QStringLiteral("to");
 const QString SkipFiledOption = QStringLiteral("skip-filed");
 const QString VerboseOption = QStringLiteral("verbose");
 
@@ -56,7 +54,7 @@ bool FileAll(Filing& filing, MailSources& sources, Station& station)
     return true;
 }
 
-void CheckUsage(const Arguments& arguments)
+void CheckUsageOfFile(const Arguments& arguments)
 {
     const bool hasPaths = arguments.Words().size() > 1;
     if (arguments.Has(SMSOption)) {
@@ -72,7 +70,7 @@ void CheckUsage(const Arguments& arguments)
                       QStringLiteral("Name files to file, or send one on standard input. See: tolva file --help"));
 }
 
-Filing::Options OptionsOf(const Arguments& arguments)
+Filing::Options FilingOptionsOf(const Arguments& arguments)
 {
     Filing::Options options;
     options.setFlag(Filing::Option::Verbose, arguments.Has(VerboseOption));
@@ -80,9 +78,9 @@ Filing::Options OptionsOf(const Arguments& arguments)
     return options;
 }
 
-int Run(const Arguments& arguments)
+int RunFile(const Arguments& arguments)
 {
-    CheckUsage(arguments);
+    CheckUsageOfFile(arguments);
     QStringList paths = arguments.Words().mid(1);
     if (paths.isEmpty())
         paths.append(QStringLiteral("-"));
@@ -90,7 +88,7 @@ int Run(const Arguments& arguments)
     Station station(arguments);
     MailSources sources(isSMS ? QStringList() : paths);
     Filing filing(station, FindFolder(station.Folders(), arguments.Value(CategoryOption, QString::number(tmcInbox))),
-                  OptionsOf(arguments));
+                  FilingOptionsOf(arguments));
     bool isWhole = true;
     try {
         if (isSMS)
@@ -132,6 +130,6 @@ CommandDefinition FileCommand()
         QStringLiteral("tolva file /srv/station --category Requests ~/Maildir"),
         1,
         -1,
-        Run,
+        RunFile,
     };
 }

@@ -7,30 +7,30 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 
 #include <QJsonObject>
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
 const QString ParentOption = QStringLiteral("parent");
 
-constexpr int LongestName = 255;
+constexpr int LongestFolderName = 255;
 constexpr int Indent = 2;
 
-struct Counts
+struct FolderCounts
 {
     int Total = 0;
     int Unread = 0;
 };
 
 /// All folders' counts in one pass over two columns.
-QHash<qint32, Counts> CountMessages(Station& station)
+QHash<qint32, FolderCounts> CountMessages(Station& station)
 {
-    QHash<qint32, Counts> counts;
+    QHash<qint32, FolderCounts> counts;
     const auto rows = station.Database().OpenMessageRows({QStringLiteral("Category"), QStringLiteral("Flags")});
     for (; !rows->AtEOF(); rows->MoveNext()) {
-        Counts& folder = counts[rows->Collect(QStringLiteral("Category")).toInt()];
+        FolderCounts& folder = counts[rows->Collect(QStringLiteral("Category")).toInt()];
         ++folder.Total;
         if ((rows->Collect(QStringLiteral("Flags")).toInt() & mfRead) == 0)
             ++folder.Unread;
@@ -38,7 +38,7 @@ QHash<qint32, Counts> CountMessages(Station& station)
     return counts;
 }
 
-void PrintFolder(const clsCategory& folder, const QString& path, int depth, const Counts& counts, bool asJson)
+void PrintFolder(const clsCategory& folder, const QString& path, int depth, const FolderCounts& counts, bool asJson)
 {
     if (asJson) {
         const QJsonObject object{
@@ -58,7 +58,7 @@ void PrintFolder(const clsCategory& folder, const QString& path, int depth, cons
 /// Parents before their children, without recursion: a file may hold a tree of any depth.
 void PrintTree(Station& station, bool asJson)
 {
-    const QHash<qint32, Counts> counts = CountMessages(station);
+    const QHash<qint32, FolderCounts> counts = CountMessages(station);
     const QHash<qint32, QString> paths = FolderPaths(station.Folders());
     if (!asJson)
         Terminal::PrintLine(QStringLiteral("%1 %2 %3  %4")
@@ -88,11 +88,11 @@ void PrintTree(Station& station, bool asJson)
 QString CheckedName(const QString& typed)
 {
     const QString name = typed.simplified();
-    if (name.isEmpty() || name.size() > LongestName || name.contains(u'/'))
+    if (name.isEmpty() || name.size() > LongestFolderName || name.contains(u'/'))
         throw Failure(exitUsage,
                       QStringLiteral("\"%1\" cannot be a folder's name: it needs 1 to %2 characters and no \"/\".")
                           .arg(typed)
-                          .arg(LongestName));
+                          .arg(LongestFolderName));
     return name;
 }
 
@@ -120,7 +120,7 @@ const clsCategory& UserFolder(Station& station, const QString& words, const QStr
     return *folder;
 }
 
-void Add(Station& station, const Arguments& arguments)
+void AddFolder(Station& station, const Arguments& arguments)
 {
     const QString name = CheckedName(arguments.Words().at(2));
     const qint32 parent =
@@ -145,13 +145,13 @@ void Rename(Station& station, const Arguments& arguments)
     });
 }
 
-void Delete(Station& station, const Arguments& arguments)
+void DeleteFolder(Station& station, const Arguments& arguments)
 {
     const clsCategory& folder = UserFolder(station, arguments.Words().at(2), QStringLiteral("deleted"));
     const qint32 reference = folder.Reference();
     const QString name = folder.Description();
     if (folder.SubCategoryCount() > 0)
-        throw Failure(exitData, QStringLiteral("\"%1\" has folders in it. Delete those first.").arg(name));
+        throw Failure(exitData, QStringLiteral("\"%1\" has folders in it. DeleteFolder those first.").arg(name));
     station.Try([&] {
         if (station.Database().DeleteMessageCategory(reference))
             return;
@@ -176,7 +176,7 @@ struct FolderChange
     void (*Run)(Station& station, const Arguments& arguments);
 };
 
-int Run(const Arguments& arguments)
+int RunFolders(const Arguments& arguments)
 {
     if (arguments.Words().size() == 1) {
         if (arguments.Has(ParentOption))
@@ -185,13 +185,14 @@ int Run(const Arguments& arguments)
         station.Try([&] { PrintTree(station, arguments.Has(JsonOption)); });
         return exitOK;
     }
-    const FolderChange changes[] = {
-        {QStringLiteral("add"), 3, Add}, {QStringLiteral("rename"), 4, Rename}, {QStringLiteral("delete"), 3, Delete}};
+    const FolderChange changes[] = {{QStringLiteral("add"), 3, AddFolder},
+                                    {QStringLiteral("rename"), 4, Rename},
+                                    {QStringLiteral("delete"), 3, DeleteFolder}};
     for (const FolderChange& change : changes) {
         if (arguments.Words().at(1) != change.Name)
             continue;
         if (arguments.Words().size() != change.Words || arguments.Has(JsonOption) ||
-            (arguments.Has(ParentOption) && change.Run != Add))
+            (arguments.Has(ParentOption) && change.Run != AddFolder))
             break;
         Station station(arguments);
         station.Require(DirectoryRight::CanEditCategories, QStringLiteral("change folders"));
@@ -220,6 +221,6 @@ CommandDefinition FoldersCommand()
         QStringLiteral("tolva folders /srv/station add \"November Hamper\" --parent Competitions"),
         1,
         4,
-        Run,
+        RunFolders,
     };
 }

@@ -7,6 +7,7 @@
 #include "StationMaking.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "common/GeneralHelper.h"
 #include "common/TerminalUserInterface.h"
 
@@ -16,7 +17,6 @@ const QString NameOption = QStringLiteral("name");
 const QString PhoneOption = QStringLiteral("phone");
 const QString CountryOption = QStringLiteral("country");
 const QString FormatOption = QStringLiteral("format");
-const QString ConnectOption = QStringLiteral("connect");
 
 /// One more computer of a station that is on a server.
 int Join(const Arguments& arguments)
@@ -26,7 +26,7 @@ int Join(const Arguments& arguments)
     return exitOK;
 }
 
-int Run(const Arguments& arguments)
+int RunInit(const Arguments& arguments)
 {
     if (arguments.Has(ConnectOption) && !arguments.Has(NameOption) && !arguments.Has(PhoneOption))
         return Join(arguments);
@@ -80,6 +80,6 @@ CommandDefinition InitCommand()
         QStringLiteral("tolva init /srv/station --name \"Harbour FM\" --phone \"01632 960100\""),
         1,
         1,
-        Run,
+        RunInit,
     };
 }

@@ -7,18 +7,15 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/MessageTable.h"
 #include "common/GeneralHelper.h"
 #include "platform/mail/MessageReader.h"
 
 namespace
 {
-const QString CategoryOption = QStringLiteral("category");
-const QString FindOption = QStringLiteral("find");
 const QString WhereOption = QStringLiteral("where");
 const QString SortOption = QStringLiteral("sort");
-const QString JsonOption = QStringLiteral("json");
-const QString MailColumn = QStringLiteral("Message");
 
 /// Up to this many messages the list opens each mail for its sender's name; a longer list shows addresses, so that it
 /// need not read gigabytes.
@@ -127,7 +124,7 @@ void PrintJson(dao::Recordset& rows, const QHash<qint32, QString>& folders)
     }
 }
 
-int Run(const Arguments& arguments)
+int RunList(const Arguments& arguments)
 {
     OrderOf(arguments); // a wrong one is told before anything is opened
     Station station(arguments);
@@ -170,6 +167,6 @@ CommandDefinition ListCommand()
         QStringLiteral("tolva list /srv/station --category Inbox --find \"ferry?\""),
         1,
         1,
-        Run,
+        RunList,
     };
 }

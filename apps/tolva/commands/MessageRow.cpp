@@ -8,7 +8,6 @@
 
 namespace
 {
-const QString MailColumn = QStringLiteral("Message");
 
 /// The bare addresses of a search key, which stand between bars.
 QString AddressesOf(const QString& key)

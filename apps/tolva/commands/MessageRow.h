@@ -30,6 +30,9 @@ struct MessageRow
     bool IsPersonal = false;
 };
 
+/// The column of a mail's octets.
+inline const QString MailColumn = QStringLiteral("Message");
+
 /// The columns that ReadMessageRow needs.
 QStringList MessageRowColumns();
 /// The current row.

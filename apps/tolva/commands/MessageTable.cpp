@@ -3,18 +3,18 @@
 
 #include "DisplayText.h"
 #include "Terminal.h"
+#include "commands/ListColumns.h"
 #include "common/ClockHelper.h"
 
 namespace
 {
-constexpr int ReferenceWidth = 6;
-constexpr int DateWidth = 16;
 constexpr int FlagsWidth = 5;
 } // namespace
 
 MessageTable::MessageTable(bool showsFolder) : ShowsFolder_(showsFolder)
 {
-    const int rest = qMax(20, Terminal::Width() - ReferenceWidth - FlagsWidth - DateWidth - 4);
+    const int rest =
+        qMax(20, Terminal::Width() - ListColumns::ReferenceWidth - FlagsWidth - ListColumns::DateWidth - 4);
     WhoWidth_ = rest / 3;
     FolderWidth_ = showsFolder ? rest / 4 : 0;
     SubjectWidth_ = rest - WhoWidth_ - (showsFolder ? FolderWidth_ + 1 : 0);
@@ -23,8 +23,9 @@ MessageTable::MessageTable(bool showsFolder) : ShowsFolder_(showsFolder)
 void MessageTable::Print(const MessageRow& row, Date date, const QString& who, const QString& folder) const
 {
     const Date local = ClockHelper::UTCToLocal(date);
-    QString line = QString::number(row.Reference).rightJustified(ReferenceWidth) + u' ' + FlagLetters(row) + u' ' +
-                   local.Format(QStringLiteral("yyyy-mm-dd hh:nn")).leftJustified(DateWidth) + u' ' +
+    QString line = QString::number(row.Reference).rightJustified(ListColumns::ReferenceWidth) + u' ' +
+                   FlagLetters(row) + u' ' +
+                   local.Format(QStringLiteral("yyyy-mm-dd hh:nn")).leftJustified(ListColumns::DateWidth) + u' ' +
                    Cell(who, WhoWidth_) + u' ' + Cell(row.Subject, SubjectWidth_);
     if (ShowsFolder_)
         line += u' ' + Cell(folder, FolderWidth_);

@@ -6,6 +6,7 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/MessageTable.h"
 #include "commands/PendingExport.h"
 #include "commands/PendingRows.h"
@@ -14,9 +15,6 @@
 namespace
 {
 const QString ExportOption = QStringLiteral("export");
-const QString ForceOption = QStringLiteral("force");
-const QString TypeOption = QStringLiteral("type");
-const QString JsonOption = QStringLiteral("json");
 
 void CheckType(const Arguments& arguments)
 {
@@ -25,7 +23,7 @@ void CheckType(const Arguments& arguments)
         throw Failure(exitUsage, QStringLiteral("--type takes \"email\" or \"sms\"."));
 }
 
-int List(const Arguments& arguments, Station& station)
+int ListPending(const Arguments& arguments, Station& station)
 {
     const QList<MessageRow> pending =
         station.Try([&] { return PendingRows(station.Database(), arguments.Value(TypeOption)); });
@@ -43,7 +41,7 @@ int List(const Arguments& arguments, Station& station)
     return exitOK;
 }
 
-int Export(const Arguments& arguments, Station& station)
+int ExportPending(const Arguments& arguments, Station& station)
 {
     PendingExport folder(arguments.Value(ExportOption), arguments.Has(ForceOption));
     const QList<MessageRow> pending =
@@ -75,12 +73,12 @@ void MarkSent(Station& station, qint32 reference)
         throw station.WhyNot(reference, QStringLiteral("mark messages as sent"));
 }
 
-int Run(const Arguments& arguments)
+int RunPending(const Arguments& arguments)
 {
     CheckType(arguments);
     if (arguments.Words().size() == 1) {
         Station station(arguments);
-        return arguments.Has(ExportOption) ? Export(arguments, station) : List(arguments, station);
+        return arguments.Has(ExportOption) ? ExportPending(arguments, station) : ListPending(arguments, station);
     }
     if (arguments.Words().at(1) != u"sent" || arguments.Words().size() < 3)
         throw Failure(exitUsage, QStringLiteral("Behind the folder comes nothing, or \"sent\" and messages' numbers."));
@@ -118,6 +116,6 @@ CommandDefinition PendingCommand()
         QStringLiteral("tolva pending /srv/station --export /var/spool/tolva-out --type email"),
         1,
         -1,
-        Run,
+        RunPending,
     };
 }

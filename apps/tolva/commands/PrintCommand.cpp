@@ -7,17 +7,17 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/PageOutput.h"
 
 namespace
 {
-const QString CategoryOption = QStringLiteral("category");
 const QString BoldOption = QStringLiteral("unread-bold");
 const QString ItalicOption = QStringLiteral("pending-italic");
 const QString PageEachOption = QStringLiteral("page-each");
 
 /// All that can be told before the station is opened.
-void CheckUsage(const Arguments& arguments)
+void CheckUsageOfPrint(const Arguments& arguments)
 {
     PageOutput::CheckUsage(arguments, QStringLiteral("print"));
     const bool hasReferences = arguments.Words().size() > 2;
@@ -60,9 +60,9 @@ bool PrepareFolder(PagePrinting::PreparedMessages& prepared, Station& station, c
     return true;
 }
 
-int Run(const Arguments& arguments)
+int RunPrint(const Arguments& arguments)
 {
-    CheckUsage(arguments);
+    CheckUsageOfPrint(arguments);
     Station station(arguments);
     const PagePrinting::PageTemplate pageTemplate =
         PagePrinting::FindTemplate(station.Database(), arguments.Words().at(1));
@@ -114,6 +114,6 @@ CommandDefinition PrintCommand()
         QStringLiteral("tolva print /srv/station \"Studio list\" --category Requests -o tonight.pdf"),
         2,
         -1,
-        Run,
+        RunPrint,
     };
 }

@@ -16,7 +16,6 @@ namespace
 {
 using namespace PrizeOptions;
 
-const QString ManageWords = QStringLiteral("manage prizes");
 const QString LimitFormat = QStringLiteral("yyyy-mm-dd hh:nn");
 constexpr int MostCandidates = 10;
 
@@ -93,12 +92,6 @@ void RefuseLargeNumber(const clsKVContact& contact)
     }
 }
 
-bool IsConfirmed(Station& station, const QString& question)
-{
-    return station.Terminal().MessageBox({question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
-                                          MessageBoxAnswer::No}) == MessageBoxAnswer::Yes;
-}
-
 /// Somebody who won a short while ago is told of, and on a terminal asked about. False when the answer is No.
 bool AcceptsRecentWin(Station& station, const Arguments& arguments, const clsKVContact& contact)
 {
@@ -115,11 +108,11 @@ bool AcceptsRecentWin(Station& station, const Arguments& arguments, const clsKVC
         Terminal::Complain(words);
         return true;
     }
-    return IsConfirmed(station, words + QStringLiteral(" Award the prize all the same?"));
+    return UserInterface::Confirm(words + QStringLiteral(" Award the prize all the same?"));
 }
 
 /// A prize that may not go out at this moment is told of, and on a terminal asked about. False when the answer is No.
-bool AcceptsOtherTime(Station& station, const Arguments& arguments, const cPrize& prize)
+bool AcceptsOtherTime(const Arguments& arguments, const cPrize& prize)
 {
     QString why;
     switch (Awarding::WhyNotNow(prize)) {
@@ -140,7 +133,7 @@ bool AcceptsOtherTime(Station& station, const Arguments& arguments, const cPrize
         Terminal::Complain(words);
         return true;
     }
-    return IsConfirmed(station, words + QStringLiteral(" Award it all the same?"));
+    return UserInterface::Confirm(words + QStringLiteral(" Award it all the same?"));
 }
 
 /// Failure in words for a winner that was not stored.
@@ -243,7 +236,7 @@ int PrizeForms::Award(Station& station, const Arguments& arguments)
     const clsKVContactPtr contact = station.Try([&] { return FindWinner(station, arguments); });
     RefuseLargeNumber(*contact);
     const bool isAccepted = station.Try(
-        [&] { return AcceptsOtherTime(station, arguments, *prize) && AcceptsRecentWin(station, arguments, *contact); });
+        [&] { return AcceptsOtherTime(arguments, *prize) && AcceptsRecentWin(station, arguments, *contact); });
     if (!isAccepted) {
         Terminal::Complain(QStringLiteral("Nothing was awarded."));
         return exitDeclined;
@@ -290,11 +283,11 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
     // Who awarded it by mistake puts it right without further ado.
     Awarding awarding(database);
     if (!awarding.MayTakeBack(*winner))
-        station.Require(DirectoryRight::ManagePrizes, ManageWords);
+        station.Require(DirectoryRight::ManagePrizes, PrizeForms::ManageWords);
     const QString name = ContactName(station, winner->WinnerReference());
     if (!arguments.Has(Yes) && Terminal::CanAsk() &&
-        !IsConfirmed(station,
-                     QStringLiteral("Are you sure you want to take the prize back from '%1'?").arg(OneLine(name)))) {
+        !UserInterface::Confirm(
+            QStringLiteral("Are you sure you want to take the prize back from '%1'?").arg(OneLine(name)))) {
         Terminal::Complain(QStringLiteral("Nothing was taken back."));
         return exitDeclined;
     }
@@ -309,7 +302,7 @@ int PrizeForms::RemoveWinner(Station& station, const Arguments& arguments)
 
 int PrizeForms::Recount(Station& station, const Arguments& arguments)
 {
-    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    station.Require(DirectoryRight::ManagePrizes, PrizeForms::ManageWords);
     cTolvaDatabase& database = station.Database();
     const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
     if (!station.Try([&] { return database.RecountWinners(prize->Reference()); }))

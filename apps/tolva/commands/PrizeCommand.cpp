@@ -86,7 +86,7 @@ void RefuseForeignOptions(const Form& form, const Arguments& arguments)
     }
 }
 
-int Run(const Arguments& arguments)
+int RunPrize(const Arguments& arguments)
 {
     const auto form = std::find_if(Forms().begin(), Forms().end(), [&](const Form& candidate) {
         return candidate.Name == arguments.Words().at(1) && candidate.Words == arguments.Words().size();
@@ -136,6 +136,6 @@ CommandDefinition PrizeCommand()
         QStringLiteral("tolva prize /srv/station award 3 --number \"07700 900123\""),
         2,
         3,
-        Run,
+        RunPrize,
     };
 }

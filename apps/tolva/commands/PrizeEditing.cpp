@@ -4,6 +4,7 @@
 
 #include "DisplayText.h"
 #include "Terminal.h"
+#include "commands/FieldLines.h"
 #include "commands/PrizeForms.h"
 #include "commands/PrizeText.h"
 #include "common/ClockHelper.h"
@@ -20,15 +21,7 @@ namespace
 {
 using namespace PrizeOptions;
 
-const QString DateFormat = QStringLiteral("ddd dd mmm yyyy hh:nn:ss");
-const QString ManageWords = QStringLiteral("manage prizes");
 constexpr int LongestTitle = 255;
-
-void PrintField(const QString& name, const QString& value)
-{
-    if (!value.isEmpty())
-        Terminal::PrintLine(QStringLiteral("%1 %2").arg((name + u':').leftJustified(12), OneLine(value)));
-}
 
 void PrintBlock(const QString& name, const QString& text)
 {
@@ -38,7 +31,7 @@ void PrintBlock(const QString& name, const QString& text)
 
 QString PersonAndDate(const QString& person, Date date)
 {
-    const QString day = date.Format(DateFormat);
+    const QString day = date.Format(FieldLines::DateFormat);
     if (person.isEmpty() || day.isEmpty())
         return person + day;
     return day + QStringLiteral(", ") + person;
@@ -133,12 +126,7 @@ void TellOfStock(const cPrize& prize)
                                                            : QStringLiteral("%1 are").arg(prize.NumberWinners())));
 }
 
-MessageBoxRequest Question(const QString& text)
-{
-    return {text, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
-}
-
-bool IsConfirmed(Station& station, const cPrize& prize)
+bool IsConfirmed(const cPrize& prize)
 {
     QString question = QStringLiteral("Are you sure you want to delete the prize '%1'?").arg(OneLine(prize.Title()));
     if (prize.NumberWinners() > 0) {
@@ -146,7 +134,7 @@ bool IsConfirmed(Station& station, const cPrize& prize)
                         ? QStringLiteral(" It has a winner, who is deleted with it.")
                         : QStringLiteral(" It has %1 winners, who are deleted with it.").arg(prize.NumberWinners());
     }
-    return station.Terminal().MessageBox(Question(question)) == MessageBoxAnswer::Yes;
+    return UserInterface::Confirm(question);
 }
 } // namespace
 
@@ -176,16 +164,16 @@ int PrizeForms::Show(Station& station, const Arguments& arguments)
         Terminal::PrintJson(ToJson(*prize));
         return exitOK;
     }
-    PrintField(QStringLiteral("Prize"), QString::number(prize->Reference()));
-    PrintField(QStringLiteral("Title"), prize->Title());
-    PrintField(QStringLiteral("Stock"), StockWords(*prize));
-    PrintField(QStringLiteral("From"), prize->StartDate().Format(DateFormat));
-    PrintField(QStringLiteral("Until"), prize->EndDate().Format(DateFormat));
-    PrintField(QStringLiteral("Hours"), HoursText::InWords(HoursText::HoursOf(*prize)));
-    PrintField(QStringLiteral("Last won"), prize->LastWonDate().Format(DateFormat));
-    PrintField(QStringLiteral("Supplier"), ContactName(station, prize->SupplierReference()));
-    PrintField(QStringLiteral("Added"),
-               PersonAndDate(UserNameOf(station, prize->AddedByReference()), prize->AddedDate()));
+    FieldLines::Print(QStringLiteral("Prize"), QString::number(prize->Reference()));
+    FieldLines::Print(QStringLiteral("Title"), prize->Title());
+    FieldLines::Print(QStringLiteral("Stock"), StockWords(*prize));
+    FieldLines::Print(QStringLiteral("From"), prize->StartDate().Format(FieldLines::DateFormat));
+    FieldLines::Print(QStringLiteral("Until"), prize->EndDate().Format(FieldLines::DateFormat));
+    FieldLines::Print(QStringLiteral("Hours"), HoursText::InWords(HoursText::HoursOf(*prize)));
+    FieldLines::Print(QStringLiteral("Last won"), prize->LastWonDate().Format(FieldLines::DateFormat));
+    FieldLines::Print(QStringLiteral("Supplier"), ContactName(station, prize->SupplierReference()));
+    FieldLines::Print(QStringLiteral("Added"),
+                      PersonAndDate(UserNameOf(station, prize->AddedByReference()), prize->AddedDate()));
     PrintBlock(QStringLiteral("Script"), prize->Script());
     PrintBlock(QStringLiteral("Notes"), prize->Notes());
     PrintBlock(QStringLiteral("Notes to the supplier"), prize->NotesToSupplier());
@@ -194,7 +182,7 @@ int PrizeForms::Show(Station& station, const Arguments& arguments)
 
 int PrizeForms::Add(Station& station, const Arguments& arguments)
 {
-    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    station.Require(DirectoryRight::ManagePrizes, PrizeForms::ManageWords);
     const auto prize = std::make_shared<cPrize>();
     prize->SetNumberSupplied(1);
     TakeFields(*prize, arguments, ScriptOf(arguments));
@@ -209,7 +197,7 @@ int PrizeForms::Add(Station& station, const Arguments& arguments)
 
 int PrizeForms::Edit(Station& station, const Arguments& arguments)
 {
-    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    station.Require(DirectoryRight::ManagePrizes, PrizeForms::ManageWords);
     // A script on standard input may take its time, and nobody is to wait for it.
     const std::optional<QString> script = ScriptOf(arguments);
     const cPrizePtr prize = ChangePrize(station, arguments.Words().at(2), [&](cPrize& stored) {
@@ -224,9 +212,9 @@ int PrizeForms::Edit(Station& station, const Arguments& arguments)
 
 int PrizeForms::Delete(Station& station, const Arguments& arguments)
 {
-    station.Require(DirectoryRight::ManagePrizes, ManageWords);
+    station.Require(DirectoryRight::ManagePrizes, PrizeForms::ManageWords);
     const cPrizePtr prize = PrizeOf(station, arguments.Words().at(2));
-    if (!arguments.Has(Yes) && Terminal::CanAsk() && !IsConfirmed(station, *prize)) {
+    if (!arguments.Has(Yes) && Terminal::CanAsk() && !IsConfirmed(*prize)) {
         Terminal::Complain(QStringLiteral("Nothing was deleted."));
         return exitDeclined;
     }

@@ -6,6 +6,8 @@
 /// The forms of "tolva prize", each in the file of its subject. They run on an open station and return the exit code.
 namespace PrizeForms
 {
+/// The right to change prizes, in the words of who lacks it.
+inline const QString ManageWords = QStringLiteral("manage prizes");
 
 // PrizeEditing.cpp.
 int Show(Station& station, const Arguments& arguments);

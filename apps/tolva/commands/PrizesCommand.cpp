@@ -7,7 +7,9 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/JsonDate.h"
+#include "commands/ListColumns.h"
 #include "common/ClockHelper.h"
 #include "prizes/PrizeQuery.h"
 
@@ -17,12 +19,8 @@ const QString NowOption = QStringLiteral("now");
 const QString AllOption = QStringLiteral("all");
 const QString WonOption = QStringLiteral("won");
 const QString RecentOption = QStringLiteral("recent");
-const QString FindOption = QStringLiteral("find");
-const QString JsonOption = QStringLiteral("json");
 
-constexpr int ReferenceWidth = 6;
 constexpr int StockWidth = 9;
-constexpr int DateWidth = 16;
 
 /// Failure (usage) for several kinds at once.
 enPrizeListCategory KindOf(const Arguments& arguments)
@@ -69,10 +67,12 @@ void PrintRow(const PrizeRow& row, bool showsWin)
 {
     const Date date = ClockHelper::UTCToLocal(showsWin ? row.LastWon : row.End);
     const QString stock = QStringLiteral("%1/%2").arg(qMax(0, row.Supplied - row.Winners)).arg(row.Supplied);
-    const int rest = qMax(20, Terminal::Width() - ReferenceWidth - StockWidth - DateWidth - 3);
-    QString line =
-        QString::number(row.Reference).rightJustified(ReferenceWidth) + u' ' + stock.rightJustified(StockWidth) + u' ' +
-        date.Format(QStringLiteral("yyyy-mm-dd hh:nn")).leftJustified(DateWidth) + u' ' + Cell(row.Title, rest);
+    const int rest =
+        qMax(20, Terminal::Width() - ListColumns::ReferenceWidth - StockWidth - ListColumns::DateWidth - 3);
+    QString line = QString::number(row.Reference).rightJustified(ListColumns::ReferenceWidth) + u' ' +
+                   stock.rightJustified(StockWidth) + u' ' +
+                   date.Format(QStringLiteral("yyyy-mm-dd hh:nn")).leftJustified(ListColumns::DateWidth) + u' ' +
+                   Cell(row.Title, rest);
     while (line.endsWith(u' '))
         line.chop(1);
     Terminal::PrintLine(line);
@@ -89,7 +89,7 @@ void PrintJson(const PrizeRow& row)
     Terminal::PrintJson(object);
 }
 
-int Run(const Arguments& arguments)
+int RunPrizes(const Arguments& arguments)
 {
     const enPrizeListCategory kind = KindOf(arguments);
     Station station(arguments);
@@ -130,6 +130,6 @@ CommandDefinition PrizesCommand()
         QStringLiteral("tolva prizes /srv/station --now"),
         1,
         1,
-        Run,
+        RunPrizes,
     };
 }

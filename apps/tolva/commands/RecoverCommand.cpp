@@ -7,6 +7,7 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "common/ClockHelper.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/records/DBEngine.h"
@@ -18,10 +19,7 @@ namespace
 {
 using RowRecovery::Kind;
 
-const QString FromOption = QStringLiteral("from");
-const QString ForceOption = QStringLiteral("force");
 const QString AsStoredOption = QStringLiteral("as-stored");
-const QString JsonOption = QStringLiteral("json");
 
 /// Writing into a file whose pages do not hold together may take from other rows what is theirs.
 void RequireSoundStructure(const Station& station)
@@ -165,7 +163,7 @@ void Tell(const Subject& subject, const RowRecovery::Source& source, bool asJson
     Terminal::PrintLine(DoneWords(subject, source, texts.join(QStringLiteral(", "))));
 }
 
-int Run(const Arguments& arguments)
+int RunRecover(const Arguments& arguments)
 {
     const Subject subject = SubjectOf(arguments.Words());
     RequireFitting(arguments, subject);
@@ -212,6 +210,6 @@ CommandDefinition RecoverCommand()
         QStringLiteral("tolva recover /srv/station 27"),
         2,
         3,
-        Run,
+        RunRecover,
     };
 }

@@ -5,13 +5,12 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 
 #include <QJsonObject>
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
-
 /// Messages a transaction: others wait for one of them at most, and an interruption loses one at most.
 constexpr qsizetype BatchSize = 200;
 
@@ -25,18 +24,18 @@ QList<qint32> AllReferences(Station& station)
     return references;
 }
 
-struct Counts
+struct RekeyCounts
 {
     qsizetype Read = 0;
     int Changed = 0;
     bool IsWhole = true;
 };
 
-Counts RewriteAll(Station& station)
+RekeyCounts RewriteAll(Station& station)
 {
     const QList<qint32> references = station.Try([&] { return AllReferences(station); });
     const auto progress = station.Terminal().Progress(QStringLiteral("Writing the keys"));
-    Counts counts;
+    RekeyCounts counts;
     while (counts.Read < references.size()) {
         const qsizetype last = qMin(counts.Read + BatchSize, references.size()) - 1;
         counts.Changed += station.Try(
@@ -50,11 +49,11 @@ Counts RewriteAll(Station& station)
     return counts;
 }
 
-int Run(const Arguments& arguments)
+int RunRekey(const Arguments& arguments)
 {
     Station station(arguments);
     station.Require(DirectoryRight::ChangeSettings, QStringLiteral("write the keys of messages anew"));
-    const Counts counts = RewriteAll(station);
+    const RekeyCounts counts = RewriteAll(station);
     if (arguments.Has(JsonOption)) {
         Terminal::PrintJson({{QStringLiteral("country"), station.Database().StationCountry()},
                              {QStringLiteral("read"), counts.Read},
@@ -84,6 +83,6 @@ CommandDefinition RekeyCommand()
         QStringLiteral("tolva rekey /srv/station"),
         1,
         1,
-        Run,
+        RunRekey,
     };
 }

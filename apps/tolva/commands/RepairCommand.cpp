@@ -8,13 +8,13 @@
 #include "StationRepair.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/Confirmation.h"
 
 #include <QJsonArray>
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
 const QString DryRunOption = QStringLiteral("dry-run");
 
 QJsonObject JsonOf(const dao::RepairedTable& table)
@@ -77,7 +77,7 @@ void PrintWords(const StationRepair::Result& done)
                                           : QStringLiteral("The station is sound; nothing was changed."));
 }
 
-int Run(const Arguments& arguments)
+int RunRepair(const Arguments& arguments)
 {
     TerminalUserInterface under;
     CollectingUserInterface terminal(under);
@@ -131,6 +131,6 @@ CommandDefinition RepairCommand()
         QStringLiteral("tolva repair /srv/station --dry-run"),
         1,
         1,
-        Run,
+        RunRepair,
     };
 }

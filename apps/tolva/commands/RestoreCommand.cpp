@@ -9,6 +9,7 @@
 #include "StationReplacing.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/Confirmation.h"
 #include "common/ClockHelper.h"
 #include "common/FileHelper.h"
@@ -20,10 +21,6 @@
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
-const QString ToOption = QStringLiteral("to");
-const QString ConnectOption = QStringLiteral("connect");
-
 BackupFolders::Backup NamedBackup(const QString& root, const QString& name)
 {
     for (const BackupFolders::Backup& backup : BackupFolders::List(root)) {

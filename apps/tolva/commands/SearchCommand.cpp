@@ -7,6 +7,7 @@
 #include "Station.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/MessageTable.h"
 #include "commands/StationIndex.h"
 
@@ -14,8 +15,6 @@
 
 namespace
 {
-const QString JsonOption = QStringLiteral("json");
-const QString LimitOption = QStringLiteral("limit");
 const QString BestOption = QStringLiteral("best");
 constexpr int UsualLimit = 50;
 

@@ -4,6 +4,7 @@
 
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 #include "commands/JsonDate.h"
 #include "common/ClockHelper.h"
 #include "sending/OutgoingIdentity.h"
@@ -19,13 +20,10 @@ namespace
 const QString SendmailOption = QStringLiteral("sendmail");
 const QString GammuOption = QStringLiteral("gammu");
 const QString TextsOption = QStringLiteral("sms");
-const QString FromOption = QStringLiteral("from");
-const QString TypeOption = QStringLiteral("type");
 const QString MessageOption = QStringLiteral("message");
 const QString RateOption = QStringLiteral("per-minute");
-const QString LimitOption = QStringLiteral("time-limit");
+const QString TimeLimitOption = QStringLiteral("time-limit");
 const QString DryOption = QStringLiteral("dry-run");
-const QString JsonOption = QStringLiteral("json");
 const QString Right = QStringLiteral("send messages");
 
 QString NameOf(SendNote::Kind kind)
@@ -120,7 +118,7 @@ QStringList UsualMailProgram()
     return path.isEmpty() ? QStringList() : QStringList{path};
 }
 
-SendOptions OptionsOf(const Arguments& arguments)
+SendOptions SendOptionsOf(const Arguments& arguments)
 {
     constexpr int MostAMinute = 100000;
     constexpr int MostSeconds = 3600;
@@ -145,14 +143,14 @@ SendOptions OptionsOf(const Arguments& arguments)
     options.FromAddress = arguments.Value(FromOption).trimmed();
     options.OnlyMessage = arguments.Has(MessageOption) ? ToReference(arguments.Value(MessageOption)) : 0;
     options.MostAMinute = NumberIn(arguments, RateOption, 0, MostAMinute);
-    options.Seconds = NumberIn(arguments, LimitOption, options.Seconds, MostSeconds);
+    options.Seconds = NumberIn(arguments, TimeLimitOption, options.Seconds, MostSeconds);
     options.IsDry = arguments.Has(DryOption);
     return options;
 }
 
 int Send(const Arguments& arguments)
 {
-    const SendOptions options = OptionsOf(arguments);
+    const SendOptions options = SendOptionsOf(arguments);
     Station station(arguments);
     if (!options.IsDry)
         station.Require(DirectoryRight::CanEditMessages, Right);
@@ -239,7 +237,7 @@ void NoteWent(Station& station, const QString& words)
         throw station.WhyNot(message->Reference(), Right);
 }
 
-int Run(const Arguments& arguments)
+int RunSend(const Arguments& arguments)
 {
     const QString word = arguments.Words().value(1);
     const QStringList references = arguments.Words().mid(2);
@@ -292,13 +290,13 @@ CommandDefinition SendCommand()
          {TypeOption, QStringLiteral("TYPE"), QStringLiteral("Only those of type \"email\" or \"sms\".")},
          {MessageOption, QStringLiteral("REF"), QStringLiteral("Only this one, also if it was put off.")},
          {RateOption, QStringLiteral("N"), QStringLiteral("So many in a minute at most, of all computers together.")},
-         {LimitOption, QStringLiteral("SECONDS"), QStringLiteral("How long one message may take (120).")},
+         {TimeLimitOption, QStringLiteral("SECONDS"), QStringLiteral("How long one message may take (120).")},
          {DryOption, QString(), QStringLiteral("Says what would be sent, and does nothing.")},
          {JsonOption, QString(), QStringLiteral("One JSON object a line.")},
          Station::UserOption()},
         QStringLiteral("tolva send /srv/station --sendmail msmtp --gammu gammu-smsd-inject"),
         1,
         -1,
-        Run,
+        RunSend,
     };
 }

@@ -74,7 +74,7 @@ QString ValueInForce(Station& station, const KnownSetting& setting)
     return SettingText(station.Database().DatabaseSetting(setting.Key, setting.Default));
 }
 
-int Run(const Arguments& arguments)
+int RunSetting(const Arguments& arguments)
 {
     const QString key = arguments.Words().at(1).trimmed();
     if (key.isEmpty())
@@ -114,6 +114,6 @@ CommandDefinition SettingCommand()
         QStringLiteral("tolva setting /srv/station Messages.HighlightWords \"competition|urgent\""),
         2,
         3,
-        Run,
+        RunSetting,
     };
 }

@@ -8,6 +8,8 @@
 #include "Terminal.h"
 #include "TextOfHtml.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
+#include "commands/FieldLines.h"
 #include "commands/JsonDate.h"
 #include "commands/MessageRow.h"
 #include "common/ClockHelper.h"
@@ -22,7 +24,6 @@
 namespace
 {
 const QString RawOption = QStringLiteral("raw");
-const QString JsonOption = QStringLiteral("json");
 constexpr qsizetype MostBlanks = 1000;
 constexpr qsizetype LongestPage = 4'000'000;
 /// Of a mail of more parts the first are shown.
@@ -31,19 +32,12 @@ constexpr int MostParts = 1000;
 constexpr qsizetype LongestField = 100'000;
 /// Characters of a field in the plain form.
 constexpr qsizetype LongestLine = 10'000;
-const QString DateFormat = QStringLiteral("ddd dd mmm yyyy hh:nn:ss");
-
-void PrintField(const QString& name, const QString& value)
-{
-    if (!value.isEmpty())
-        Terminal::PrintLine(QStringLiteral("%1 %2").arg((name + u':').leftJustified(12), OneLine(value)));
-}
 
 void PrintHeader(const cdo::MessageReader& reader, const char* name)
 {
     bool isWhole = true;
     const QString value = reader.Header(name, LongestLine, &isWhole);
-    PrintField(QLatin1String(name), isWhole ? value : value + QStringLiteral(" [It goes on.]"));
+    FieldLines::Print(QLatin1String(name), isWhole ? value : value + QStringLiteral(" [It goes on.]"));
 }
 
 QString FlagWords(const cMessage& message)
@@ -120,20 +114,21 @@ void PrintPlain(Station& station, const cMessage& message)
 {
     const cdo::Message& mail = *message.CDOMessage();
     cdo::MessageReader reader(mail, MostParts);
-    PrintField(QStringLiteral("Message"), QString::number(message.Reference()));
-    PrintField(QStringLiteral("Folder"), FolderPath(FolderPaths(station.Folders()), message.Category()));
-    PrintField(QStringLiteral("Flags"), FlagWords(message));
+    FieldLines::Print(QStringLiteral("Message"), QString::number(message.Reference()));
+    FieldLines::Print(QStringLiteral("Folder"), FolderPath(FolderPaths(station.Folders()), message.Category()));
+    FieldLines::Print(QStringLiteral("Flags"), FlagWords(message));
     for (const char* name : {"From", "To", "Cc", "Reply-To", "Subject"})
         PrintHeader(reader, name);
-    PrintField(QStringLiteral("Sent"), message.Sent().Format(DateFormat));
-    PrintField(QStringLiteral("Received"), message.Received().Format(DateFormat));
+    FieldLines::Print(QStringLiteral("Sent"), message.Sent().Format(FieldLines::DateFormat));
+    FieldLines::Print(QStringLiteral("Received"), message.Received().Format(FieldLines::DateFormat));
     const QList<cdo::Attachment> attachments = reader.Files();
     for (const cdo::Attachment& attachment : attachments)
-        PrintField(QStringLiteral("Attachment"), AttachmentWords(attachment));
+        FieldLines::Print(QStringLiteral("Attachment"), AttachmentWords(attachment));
     if (reader.HasMoreParts()) {
-        PrintField(QStringLiteral("Attachment"), QStringLiteral("[There are more. All of them: tolva export FOLDER %1 "
-                                                                "FILE]")
-                                                     .arg(message.Reference()));
+        FieldLines::Print(QStringLiteral("Attachment"),
+                          QStringLiteral("[There are more. All of them: tolva export FOLDER %1 "
+                                         "FILE]")
+                              .arg(message.Reference()));
     }
     Terminal::PrintLine(QString());
     PrintBody(reader, message.Reference());
@@ -208,7 +203,7 @@ void PrintJson(Station& station, const cMessage& message)
     Terminal::PrintOctets("\"}\n");
 }
 
-int Run(const Arguments& arguments)
+int RunShow(const Arguments& arguments)
 {
     if (arguments.Has(RawOption) && arguments.Has(JsonOption))
         throw Failure(exitUsage, QStringLiteral("--raw and --json exclude each other."));
@@ -242,6 +237,6 @@ CommandDefinition ShowCommand()
         QStringLiteral("tolva show /srv/station 27"),
         2,
         2,
-        Run,
+        RunShow,
     };
 }

@@ -7,6 +7,7 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "commands/Commands.h"
+#include "commands/CommonOptions.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -16,11 +17,10 @@
 namespace
 {
 const QString RightsOption = QStringLiteral("rights");
-const QString JsonOption = QStringLiteral("json");
 const QString All = QStringLiteral("all");
 const QString None = QStringLiteral("none");
 
-constexpr int NameWidth = 30;
+constexpr int UserWidth = 30;
 
 struct NamedRight
 {
@@ -74,7 +74,7 @@ int ParseRights(const QString& typed)
 }
 
 /// A refusal of the directory tells its reason in words for the user; other errors are those of its file.
-Failure FailureOfDirectory(const Station& station, const dao::Error& error)
+Failure FailureOfUsers(const Station& station, const dao::Error& error)
 {
     switch (error.Number()) {
     case dao::errDuplicateValue:
@@ -96,7 +96,7 @@ decltype(auto) InDirectory(const Station& station, Work&& work)
     try {
         return std::forward<Work>(work)();
     } catch (const dao::Error& error) {
-        throw FailureOfDirectory(station, error);
+        throw FailureOfUsers(station, error);
     }
 }
 
@@ -110,7 +110,7 @@ DirectoryUser FindUser(Station& station, const QString& name)
                                   .arg(name, StationPlace::DirectoryIn(station.Folder())));
 }
 
-int List(const Arguments& arguments, Station& station)
+int ListUsers(const Arguments& arguments, Station& station)
 {
     const QList<DirectoryUser> users = InDirectory(station, [&] { return station.Directory().Users(); });
     for (const DirectoryUser& user : users) {
@@ -125,7 +125,7 @@ int List(const Arguments& arguments, Station& station)
         const QString rights = names.isEmpty() ? None : names.size() == NamedRights().size() ? All : names.join(u',');
         const QString name = OneLine(user.Name);
         // A longer name is not cut: it is what the other commands take.
-        Terminal::PrintLine((DisplayWidth(name) < NameWidth ? Cell(name, NameWidth) : name) + u' ' + rights);
+        Terminal::PrintLine((DisplayWidth(name) < UserWidth ? Cell(name, UserWidth) : name) + u' ' + rights);
     }
     return exitOK;
 }
@@ -146,7 +146,7 @@ void Change(const Arguments& arguments, Station& station)
 }
 
 /// Failure (usage) for what is no form of the command.
-void CheckForm(const Arguments& arguments)
+void CheckFormOfUsers(const Arguments& arguments)
 {
     static const QHash<QString, qsizetype> forms = {{QStringLiteral("add"), 3},
                                                     {QStringLiteral("rights"), 4},
@@ -164,13 +164,13 @@ void CheckForm(const Arguments& arguments)
     ParseRights(arguments.Value(RightsOption, None));
 }
 
-int Run(const Arguments& arguments)
+int RunUsers(const Arguments& arguments)
 {
     if (arguments.Words().size() == 1) {
         Station station(arguments);
-        return List(arguments, station);
+        return ListUsers(arguments, station);
     }
-    CheckForm(arguments);
+    CheckFormOfUsers(arguments);
     Station station(arguments);
     station.Require(DirectoryRight::ChangeSettings, QStringLiteral("change users"));
     InDirectory(station, [&] { Change(arguments, station); });
@@ -199,6 +199,6 @@ CommandDefinition UsersCommand()
         QStringLiteral("tolva users /srv/station add \"Loveday Tregenza\" --rights messages,personal"),
         1,
         4,
-        Run,
+        RunUsers,
     };
 }

@@ -14,7 +14,6 @@ using Level = Finding::Level;
 
 constexpr double LongestSilence = 7; // days
 constexpr double ClockTolerance = 5; // minutes
-constexpr double MinutesADay = 1440;
 
 QString StoredText(dao::Database& station, const QString& key)
 {
@@ -72,7 +71,7 @@ Finding MailDiagnosis::OfClock(dao::Database& station)
     const QString subject = QStringLiteral("clock");
     const Date now = ClockHelper::NowUTC();
     const Date changed = StampDate(StoredText(station, StationSettings::MessagesLastChanged.Key));
-    if (changed.DayNumber() - now.DayNumber() > ClockTolerance / MinutesADay) {
+    if (changed.DayNumber() - now.DayNumber() > ClockTolerance / Date::MinutesADay) {
         return {subject, Level::Problem,
                 QStringLiteral("The station was changed on %1, which is later than this computer's clock says it is.")
                     .arg(ClockHelper::UTCToLocal(changed).GeneralDate()),

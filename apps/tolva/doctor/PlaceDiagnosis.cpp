@@ -18,7 +18,6 @@ namespace
 {
 using Level = Finding::Level;
 
-constexpr double MinutesADay = 1440;
 constexpr qint64 LeastRoom = 100LL * 1024 * 1024;
 
 /// The text of a stored setting, or its default.
@@ -142,7 +141,7 @@ Finding PlaceDiagnosis::OfBackups(const QString& folder, dao::Database& station,
     const double days = now.DayNumber() - newest.CreatedDate.DayNumber();
     // A weekend without anybody at the desk is no mishap; twice the time between two backups and three days is.
     constexpr double LongestPause = 3;
-    if (days > LongestPause && (!isAutomatic || days > 2 * interval / MinutesADay)) {
+    if (days > LongestPause && (!isAutomatic || days > 2 * interval / Date::MinutesADay)) {
         return {subject, Level::Problem,
                 QStringLiteral("The newest backup, \"%1\", is %2 days old.").arg(newest.Name).arg(int(days)),
                 isAutomatic ? make

@@ -14,7 +14,6 @@
 
 namespace
 {
-constexpr double MinutesADay = 1440;
 constexpr double FirstWait = 5;     // minutes
 constexpr double LongestWait = 240; // minutes
 constexpr double DaysOfTrying = 5;
@@ -31,7 +30,7 @@ double WaitAfter(int attempts)
     double minutes = FirstWait;
     for (int i = 1; i < attempts && minutes < LongestWait; ++i)
         minutes *= 2;
-    return qMin(minutes, LongestWait) / MinutesADay;
+    return qMin(minutes, LongestWait) / Date::MinutesADay;
 }
 
 /// The same for each try of the same message, so that a receiver knows a second copy.

@@ -9,6 +9,7 @@
 #include "platform/widgets/FlexGrid.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/ListPanes.h"
+#include "platform/widgets/Named.h"
 #include "platform/widgets/OverlayPanel.h"
 #include "platform/widgets/TabStrip.h"
 #include "platform/widgets/ToolBar.h"
@@ -23,13 +24,6 @@ namespace
 {
 const QString FindHolder = QStringLiteral("findholder");
 const QString Search = QStringLiteral("search");
-
-template <typename Control>
-Control* Named(Control* control, const char* name)
-{
-    control->setObjectName(QLatin1String(name));
-    return control;
-}
 } // namespace
 
 void StationList::MakeControls(const Parts& parts)

@@ -12,10 +12,6 @@
 
 namespace
 {
-constexpr int OverwritePrompt = 2;
-constexpr int FileMustExist = 4096;
-constexpr int Several = 512;
-
 QFileDialog* MakeDialog()
 {
     QWidget* const modal = QApplication::activeModalWidget();
@@ -50,7 +46,7 @@ void QtFileDialog::ShowOpen()
 {
     QFileDialog* const dialog = MakeDialog();
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
-    if ((Flags & Several) != 0)
+    if ((Flags & SeveralFiles) != 0)
         dialog->setFileMode(QFileDialog::ExistingFiles);
     else
         dialog->setFileMode((Flags & FileMustExist) != 0 ? QFileDialog::ExistingFile : QFileDialog::AnyFile);

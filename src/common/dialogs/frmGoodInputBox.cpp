@@ -21,8 +21,8 @@
 
 namespace
 {
-constexpr double Gap = 120; // twips, also below the buttons
-constexpr double LeastWidth = 5400;
+constexpr double BoxGap = 120; // twips, also below the buttons
+constexpr double LeastBoxWidth = 5400;
 constexpr double ListHeight = 2400;
 constexpr int NoLimit = std::numeric_limits<int>::max();
 
@@ -117,7 +117,7 @@ void frmGoodInputBox::MakeControls()
 
 void frmGoodInputBox::LayOut()
 {
-    const int gap = Twips::ToPixels(*this, Gap);
+    const int gap = Twips::ToPixels(*this, BoxGap);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(gap, gap, gap, gap);
     column->setSpacing(gap);
@@ -134,7 +134,7 @@ void frmGoodInputBox::LayOut()
     buttons->addWidget(cmdOK_);
     buttons->addWidget(cmdCancel_);
     column->addLayout(buttons);
-    setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
+    setMinimumWidth(Twips::ToPixels(*this, LeastBoxWidth));
 }
 
 QWidget* frmGoodInputBox::Input() const

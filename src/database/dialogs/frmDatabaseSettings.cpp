@@ -21,7 +21,7 @@
 
 namespace
 {
-constexpr double LeastWidth = 6900; // twips
+constexpr double LeastSettingsWidth = 6900; // twips
 constexpr double NumberWidth = 720;
 constexpr int AddressLines = 4;
 constexpr int LongestDetail = 100;
@@ -121,7 +121,7 @@ void frmDatabaseSettings::MakeControls()
     auto* column = new QVBoxLayout(this);
     column->addWidget(tbsSettings_, 1);
     column->addLayout(buttons);
-    tbsSettings_->setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
+    tbsSettings_->setMinimumWidth(Twips::ToPixels(*this, LeastSettingsWidth));
     // The first box of the page rather than the row of tabs.
     txtStationName_->setFocus();
 }
@@ -287,10 +287,8 @@ void frmDatabaseSettings::EnableBackupOptions()
 void frmDatabaseSettings::ChangeCurrentSong()
 {
     UserInterface& user = UserInterface::Current();
-    const MessageBoxRequest question = {
-        QStringLiteral("Are you sure you want to change these details - the change will take place immediatly"),
-        QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question, MessageBoxAnswer::No};
-    if (user.MessageBox(question) != MessageBoxAnswer::Yes)
+    if (!UserInterface::Confirm(
+            QStringLiteral("Are you sure you want to change these details - the change will take place immediatly")))
         return;
     QString song;
     if (user.InputBox({QStringLiteral("Current Song Title:"), QStringLiteral("Change Current Song"),

@@ -27,7 +27,7 @@ constexpr int MostParts = 500;
 constexpr double SmallestWidth = 4000;
 constexpr double SmallestHeight = 3000;
 constexpr double PersonalMargin = 150;
-constexpr double Gap = 120;
+constexpr double MessageGap = 120;
 constexpr double BodyOffset = 60;
 
 enum Row
@@ -250,7 +250,7 @@ bool uMessageBasic::eventFilter(QObject* watched, QEvent* event)
 /// The rows under each other, as high as their text, and the body below them.
 void uMessageBasic::PlaceRows()
 {
-    const int margin = Twips::ToPixels(*this, Gap);
+    const int margin = Twips::ToPixels(*this, MessageGap);
     int captionWidth = 0;
     for (const QLabel* label : Captions_)
         captionWidth = std::max(captionWidth, label->sizeHint().width());
@@ -274,9 +274,9 @@ void uMessageBasic::PlaceParts()
     pnlMain_->setGeometry(rect());
     pnlPersonal_->move(pnlMain_->width() - pixels(PersonalMargin) - pnlPersonal_->width(), pnlPersonal_->y());
     for (ValueLabel* label : Values_)
-        label->resize(std::max(pnlPersonal_->x() - pixels(Gap) - label->x(), 0), label->height());
-    picBody_->resize(std::max(pnlMain_->width() - pixels(Gap) - picBody_->x(), 0),
-                     std::max(pnlMain_->height() - pixels(Gap) - picBody_->y(), 0));
+        label->resize(std::max(pnlPersonal_->x() - pixels(MessageGap) - label->x(), 0), label->height());
+    picBody_->resize(std::max(pnlMain_->width() - pixels(MessageGap) - picBody_->x(), 0),
+                     std::max(pnlMain_->height() - pixels(MessageGap) - picBody_->y(), 0));
 }
 
 void uMessageBasic::PlaceBody()

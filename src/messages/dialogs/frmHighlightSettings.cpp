@@ -26,7 +26,7 @@
 
 namespace
 {
-constexpr double LeastWidth = 6000; // twips
+constexpr double LeastHighlightWidth = 6000; // twips
 constexpr int WordLines = 7;
 constexpr int LargestSize = 7;
 
@@ -188,7 +188,7 @@ void frmHighlightSettings::LayOut()
     column->addWidget(lblNote_);
     column->addWidget(font);
     column->addLayout(buttons);
-    txtWords_->setMinimumWidth(Twips::ToPixels(*this, LeastWidth));
+    txtWords_->setMinimumWidth(Twips::ToPixels(*this, LeastHighlightWidth));
     QWidget* before = txtWords_;
     for (QWidget* next : std::initializer_list<QWidget*>{comboFont_, spinSize_, cmdColour_, chkBold_, chkItalic_,
                                                          chkUnderline_, chkStrikethrough_, cmdOK_, cmdCancel_}) {

@@ -14,9 +14,9 @@ struct Entry
     HtmlTraits Traits;
 };
 
-using Table = std::array<Entry, GUMBO_TAG_LAST>;
+using EntryTable = std::array<Entry, GUMBO_TAG_LAST>;
 
-void Add(Table* table, HtmlTraits traits, std::initializer_list<const char*> names)
+void Add(EntryTable* table, HtmlTraits traits, std::initializer_list<const char*> names)
 {
     for (const char* name : names) {
         const GumboTag tag = gumbo_tag_enum(name);
@@ -26,9 +26,9 @@ void Add(Table* table, HtmlTraits traits, std::initializer_list<const char*> nam
 }
 
 /// As browsers show them when no style sheet says otherwise.
-Table MakeTable()
+EntryTable MakeTable()
 {
-    Table table;
+    EntryTable table;
     for (std::size_t i = 0; i < GUMBO_TAG_UNKNOWN; ++i)
         table[i].Name = QString::fromLatin1(gumbo_normalized_tagname(static_cast<GumboTag>(i)));
     Add(&table, HtmlTrait::Void,
@@ -63,9 +63,9 @@ Table MakeTable()
     return table;
 }
 
-const Table& Elements()
+const EntryTable& Elements()
 {
-    static const Table table = MakeTable();
+    static const EntryTable table = MakeTable();
     return table;
 }
 } // namespace

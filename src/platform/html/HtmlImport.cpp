@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/html/HtmlImport.h"
 
+#include "platform/html/GumboChildren.h"
 #include "platform/html/HtmlElements.h"
 
 #include <gumbo.h>
@@ -18,13 +19,6 @@ struct Frame
     unsigned Next;
     HtmlNode* Target;
 };
-
-const GumboVector* ChildrenOf(const GumboNode* node)
-{
-    if (node->type == GUMBO_NODE_ELEMENT || node->type == GUMBO_NODE_TEMPLATE)
-        return &node->v.element.children;
-    return node->type == GUMBO_NODE_DOCUMENT ? &node->v.document.children : nullptr;
-}
 
 bool IsText(const GumboNode* node)
 {

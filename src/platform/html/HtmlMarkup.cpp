@@ -3,13 +3,13 @@
 
 namespace
 {
-enum class Place
+enum class Within
 {
     Text,
     Attribute
 };
 
-QLatin1String Escape(char16_t character, Place place)
+QLatin1String Escape(char16_t character, Within place)
 {
     switch (character) {
     case u'&':
@@ -21,13 +21,13 @@ QLatin1String Escape(char16_t character, Place place)
     case 0xA0:
         return QLatin1String("&nbsp;");
     case u'"':
-        return place == Place::Attribute ? QLatin1String("&quot;") : QLatin1String();
+        return place == Within::Attribute ? QLatin1String("&quot;") : QLatin1String();
     default:
         return {};
     }
 }
 
-void AppendEscaped(QStringView text, Place place, QString* markup)
+void AppendEscaped(QStringView text, Within place, QString* markup)
 {
     qsizetype copied = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -52,7 +52,7 @@ void AppendStartTag(const HtmlNode* node, QString* markup)
         *markup += u' ';
         *markup += attribute.Name;
         *markup += QLatin1String("=\"");
-        AppendEscaped(attribute.Value, Place::Attribute, markup);
+        AppendEscaped(attribute.Value, Within::Attribute, markup);
         *markup += u'"';
     }
     *markup += u'>';
@@ -73,7 +73,7 @@ void AppendStart(const HtmlNode* node, QString* markup)
         if (node->Parent != nullptr && node->Parent->Has(HtmlTrait::RawText))
             *markup += node->Text;
         else
-            AppendEscaped(node->Text, Place::Text, markup);
+            AppendEscaped(node->Text, Within::Text, markup);
         break;
     case HtmlNodeKind::Comment:
         *markup += QLatin1String("<!--");

@@ -9,7 +9,7 @@
 namespace
 {
 /// Elements that the parser treats alike.
-enum class Role
+enum class ParsedAs
 {
     Unknown,
     Body,
@@ -26,9 +26,9 @@ enum class Role
     Cell
 };
 
-struct Place
+struct Surroundings
 {
-    Role Parent = Role::Body;
+    ParsedAs Parent = ParsedAs::Body;
     bool IsInParagraph = false;
     bool IsInLink = false;
     bool IsInHeading = false;
@@ -37,73 +37,74 @@ struct Place
 /// Deeper trees are left to the parser, which has its own opinion of depth.
 constexpr std::size_t DeepestTree = 100;
 
-const QHash<QString, Role>& Roles()
+const QHash<QString, ParsedAs>& ParsingByName()
 {
-    static const QHash<QString, Role> roles = [] {
-        QHash<QString, Role> made;
-        const auto add = [&made](Role role, std::initializer_list<const char*> names) {
+    static const QHash<QString, ParsedAs> roles = [] {
+        QHash<QString, ParsedAs> made;
+        const auto add = [&made](ParsedAs role, std::initializer_list<const char*> names) {
             for (const char* name : names)
                 made.insert(QLatin1String(name), role);
         };
-        add(Role::Phrase,
+        add(ParsedAs::Phrase,
             {"abbr", "b",     "big",  "br",   "cite", "code", "del",    "em",  "font", "i", "img", "ins", "kbd",
              "mark", "small", "samp", "span", "s",    "sub",  "strike", "sup", "tt",   "u", "var", "wbr", "strong"});
-        add(Role::Link, {"a"});
-        add(Role::Block, {"address", "article", "aside", "blockquote", "center", "div", "footer", "header", "hr",
-                          "main", "nav", "section"});
-        add(Role::Paragraph, {"p"});
-        add(Role::Heading, {"h1", "h2", "h3", "h4", "h5", "h6"});
-        add(Role::List, {"ol", "ul"});
-        add(Role::Item, {"li"});
-        add(Role::Table, {"table"});
-        add(Role::RowGroup, {"tbody", "thead", "tfoot"});
-        add(Role::Row, {"tr"});
-        add(Role::Cell, {"td", "th"});
+        add(ParsedAs::Link, {"a"});
+        add(ParsedAs::Block, {"address", "article", "aside", "blockquote", "center", "div", "footer", "header", "hr",
+                              "main", "nav", "section"});
+        add(ParsedAs::Paragraph, {"p"});
+        add(ParsedAs::Heading, {"h1", "h2", "h3", "h4", "h5", "h6"});
+        add(ParsedAs::List, {"ol", "ul"});
+        add(ParsedAs::Item, {"li"});
+        add(ParsedAs::Table, {"table"});
+        add(ParsedAs::RowGroup, {"tbody", "thead", "tfoot"});
+        add(ParsedAs::Row, {"tr"});
+        add(ParsedAs::Cell, {"td", "th"});
         return made;
     }();
     return roles;
 }
 
-Role RoleOf(const HtmlNode* node)
+ParsedAs RoleOf(const HtmlNode* node)
 {
-    return node->Namespace == HtmlNamespace::Html ? Roles().value(node->Name, Role::Unknown) : Role::Unknown;
+    return node->Namespace == HtmlNamespace::Html ? ParsingByName().value(node->Name, ParsedAs::Unknown)
+                                                  : ParsedAs::Unknown;
 }
 
 /// What may only stand within its own kind of parent has that parent here; Unknown for all others.
-Role ParentOf(Role role)
+ParsedAs ParentOf(ParsedAs role)
 {
     switch (role) {
-    case Role::Item:
-        return Role::List;
-    case Role::RowGroup:
-        return Role::Table;
-    case Role::Row:
-        return Role::RowGroup;
-    case Role::Cell:
-        return Role::Row;
+    case ParsedAs::Item:
+        return ParsedAs::List;
+    case ParsedAs::RowGroup:
+        return ParsedAs::Table;
+    case ParsedAs::Row:
+        return ParsedAs::RowGroup;
+    case ParsedAs::Cell:
+        return ParsedAs::Row;
     default:
-        return Role::Unknown;
+        return ParsedAs::Unknown;
     }
 }
 
-bool IsTablePart(Role role)
+bool IsTablePart(ParsedAs role)
 {
-    return role == Role::Table || role == Role::RowGroup || role == Role::Row;
+    return role == ParsedAs::Table || role == ParsedAs::RowGroup || role == ParsedAs::Row;
 }
 
-bool MayStand(Role role, const Place& place)
+bool MayStand(ParsedAs role, const Surroundings& place)
 {
-    const Role parent = ParentOf(role);
-    if (parent != Role::Unknown ? place.Parent != parent : IsTablePart(place.Parent))
+    const ParsedAs parent = ParentOf(role);
+    if (parent != ParsedAs::Unknown ? place.Parent != parent : IsTablePart(place.Parent))
         return false;
     switch (role) {
-    case Role::Unknown:
+    case ParsedAs::Unknown:
         return false;
-    case Role::Phrase:
+    case ParsedAs::Phrase:
         return true;
-    case Role::Link:
+    case ParsedAs::Link:
         return !place.IsInLink;
-    case Role::Heading:
+    case ParsedAs::Heading:
         return !place.IsInParagraph && !place.IsInHeading;
     default:
         return !place.IsInParagraph;
@@ -138,7 +139,7 @@ bool IsBlank(const QString& text)
     });
 }
 
-bool IsKept(const HtmlNode* node, const Place& place)
+bool IsKept(const HtmlNode* node, const Surroundings& place)
 {
     switch (node->Kind) {
     case HtmlNodeKind::Element:
@@ -152,11 +153,11 @@ bool IsKept(const HtmlNode* node, const Place& place)
     }
 }
 
-Place Within(const HtmlNode* node, const Place& outer)
+Surroundings Within(const HtmlNode* node, const Surroundings& outer)
 {
-    const Role role = RoleOf(node);
-    return {role, outer.IsInParagraph || role == Role::Paragraph, outer.IsInLink || role == Role::Link,
-            outer.IsInHeading || role == Role::Heading};
+    const ParsedAs role = RoleOf(node);
+    return {role, outer.IsInParagraph || role == ParsedAs::Paragraph, outer.IsInLink || role == ParsedAs::Link,
+            outer.IsInHeading || role == ParsedAs::Heading};
 }
 } // namespace
 
@@ -164,7 +165,7 @@ bool ParsesToItself(const HtmlNode* body)
 {
     if (!body->Is(QLatin1String("body")))
         return false;
-    std::vector<Place> places{Place()};
+    std::vector<Surroundings> places{Surroundings()};
     const HtmlNode* node = body->First;
     while (node != nullptr) {
         if (!IsKept(node, places.back()) || places.size() > DeepestTree)

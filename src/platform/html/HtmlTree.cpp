@@ -2,6 +2,7 @@
 #include "platform/html/HtmlTree.h"
 
 #include "platform/ProcessorTime.h"
+#include "platform/html/GumboChildren.h"
 
 #include <csetjmp>
 #include <cstdlib>
@@ -62,14 +63,6 @@ bool EndsByItself(GumboTag tag)
     default:
         return false;
     }
-}
-
-const GumboVector* ChildrenOf(const GumboNode* node)
-{
-    if (node->type == GUMBO_NODE_DOCUMENT)
-        return &node->v.document.children;
-    const bool isElement = node->type == GUMBO_NODE_ELEMENT || node->type == GUMBO_NODE_TEMPLATE;
-    return isElement ? &node->v.element.children : nullptr;
 }
 
 bool IsDeeperThan(const GumboNode* root, int limit)

@@ -12,7 +12,7 @@ using namespace PageElements;
 
 namespace
 {
-const QHash<QString, Element>& Elements()
+const QHash<QString, Element>& PageElementsByName()
 {
     static const QHash<QString, Element> elements = [] {
         QHash<QString, Element> hash;
@@ -63,7 +63,7 @@ bool IsHeading(const QString& name)
 
 Element PageElements::ElementOf(const QString& name)
 {
-    return Elements().value(name, {Role::Through, nullptr});
+    return PageElementsByName().value(name, {Role::Through, nullptr});
 }
 
 bool PageElements::IsActiveElement(const QString& name)

@@ -5,7 +5,7 @@
 
 namespace
 {
-constexpr qsizetype LongestAddress = 2048;
+constexpr qsizetype LongestLinkedAddress = 2048;
 /// Longer than any address, so that none is broken.
 constexpr qsizetype LongestWord = 3000;
 constexpr qsizetype LongestMailbox = 64;
@@ -46,7 +46,7 @@ qsizetype EndOfAddress(const QString& text, qsizetype begin)
     qsizetype end = begin;
     int round = 0;
     int square = 0;
-    while (end < text.size() && end - begin < LongestAddress && IsAddressCharacter(text.at(end))) {
+    while (end < text.size() && end - begin < LongestLinkedAddress && IsAddressCharacter(text.at(end))) {
         const QChar character = text.at(end);
         round += character == u'(' ? 1 : character == u')' ? -1 : 0;
         square += character == u'[' ? 1 : character == u']' ? -1 : 0;

@@ -21,7 +21,7 @@ namespace
 {
 /// What a parser takes in a moment, however large the page is and however busy the computer.
 constexpr qsizetype PieceOfText = 100'000;
-constexpr qsizetype LongestWord = 1000;
+constexpr qsizetype LongestUnbrokenText = 1000;
 
 const QString Policy =
     QStringLiteral("default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'");
@@ -187,7 +187,7 @@ private:
         if (text.size() - begin <= PieceOfText)
             return text.size();
         const qsizetype end = begin + PieceOfText;
-        for (qsizetype i = end; i > end - LongestWord; --i) {
+        for (qsizetype i = end; i > end - LongestUnbrokenText; --i) {
             if (text.at(i - 1).isSpace())
                 return i;
         }

@@ -19,7 +19,7 @@ constexpr qsizetype WeightOfElement = 30;
 /// Places of cells that all tables of a page may have, filled or not; some 50 microseconds of layout each.
 constexpr qsizetype MostGridPlaces = 40'000;
 
-struct Place
+struct OpenElement
 {
     const GumboNode* Node;
     unsigned NextChild = 0;
@@ -28,13 +28,13 @@ struct Place
     qsizetype Columns = 0; ///< Of a row, or of a table's widest one.
 };
 
-bool Is(const Place& place, GumboTag tag)
+bool Is(const OpenElement& place, GumboTag tag)
 {
     return place.Node->type == GUMBO_NODE_ELEMENT && place.Node->v.element.tag == tag;
 }
 
 /// Counts a cell for its row, and a row for its table: the nearest around it, which stands beyond a group of rows.
-void CountInGrid(const Place& done, QVector<Place>& around)
+void CountInGrid(const OpenElement& done, QVector<OpenElement>& around)
 {
     const bool isRow = Is(done, GUMBO_TAG_TR);
     if (!isRow && !Is(done, GUMBO_TAG_TD) && !Is(done, GUMBO_TAG_TH))
@@ -57,9 +57,9 @@ void CountInGrid(const Place& done, QVector<Place>& around)
 
 TableBudget::TableBudget(const GumboInternalNode* document, qsizetype mostCharacters) : MostCharacters_(mostCharacters)
 {
-    QVector<Place> places{{document}};
+    QVector<OpenElement> places{{document}};
     while (!places.isEmpty()) {
-        Place& top = places.last();
+        OpenElement& top = places.last();
         const bool isDocument = top.Node->type == GUMBO_NODE_DOCUMENT;
         const GumboVector& children = isDocument ? top.Node->v.document.children : top.Node->v.element.children;
         if (top.NextChild < children.length) {
@@ -70,7 +70,7 @@ TableBudget::TableBudget(const GumboInternalNode* document, qsizetype mostCharac
                 top.Weight += static_cast<qsizetype>(std::strlen(child->v.text.text));
             continue;
         }
-        const Place done = places.takeLast();
+        const OpenElement done = places.takeLast();
         CountInGrid(done, places);
         if (Is(done, GUMBO_TAG_TABLE))
             Sizes_.insert(done.Node, {done.Weight, done.Rows * done.Columns});

@@ -12,6 +12,9 @@
 /// are sharp at every size and device pixel ratio. After the QApplication is made, on its thread.
 namespace Icons
 {
+/// Of icons in bars, rows and notices, in device-independent pixels.
+inline constexpr int SmallSide = 16;
+
 /// key: "reply", "trashfull" and so on, without regard to case. Null for a key that has no icon.
 TOLVA_EXPORT QIcon Get(const QString& key);
 /// All keys, sorted.

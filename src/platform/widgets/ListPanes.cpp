@@ -16,11 +16,11 @@
 namespace
 {
 // Twips.
-constexpr double LeastWidth = 2500;
+constexpr double LeastPaneWidth = 2500;
 constexpr double LeastHeight = 1920;
 constexpr double ToolBarOverhang = 15;
 constexpr double FindMargin = 30;
-constexpr double PageMargin = 60;
+constexpr double PaneMargin = 60;
 constexpr double PaneGap = 30;
 constexpr double OverlayOffset = 45;
 constexpr double OverlayExcess = 15;
@@ -56,12 +56,12 @@ QLabel* ListPanes::MakeUnread(QWidget& page)
 
 void ListPanes::SetLeastSize() const
 {
-    Control->setMinimumSize(Pixels(LeastWidth), Pixels(LeastHeight));
+    Control->setMinimumSize(Pixels(LeastPaneWidth), Pixels(LeastHeight));
 }
 
 void ListPanes::LayOut() const
 {
-    const int wide = qMax(Control->width(), Pixels(LeastWidth));
+    const int wide = qMax(Control->width(), Pixels(LeastPaneWidth));
     const int high = qMax(Control->height(), Pixels(LeastHeight));
     if (wide != Control->width() || high != Control->height()) {
         Control->resize(wide, high);
@@ -109,13 +109,13 @@ void ListPanes::LayOutFindBar() const
 
 void ListPanes::LayOutTree() const
 {
-    const int margin = Pixels(PageMargin);
+    const int margin = Pixels(PaneMargin);
     Tree->setGeometry(TreeTabs->Page().rect().adjusted(margin, margin, -margin, -margin));
 }
 
 void ListPanes::LayOutList() const
 {
-    const int margin = Pixels(PageMargin);
+    const int margin = Pixels(PaneMargin);
     Grid->setGeometry(ListTabs->Page().rect().adjusted(margin, margin, -margin, -margin));
     const int offset = Pixels(Grid->RowHeight(0) + OverlayOffset);
     const QRect grid = Grid->geometry();

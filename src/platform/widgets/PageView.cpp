@@ -16,8 +16,8 @@
 
 namespace
 {
-constexpr double PageMargin = 10;
-constexpr qint64 MostPixelsOnPage = 4 * PictureReader::MostPixels;
+constexpr double ViewMargin = 10;
+constexpr qint64 MostPixelsInView = 4 * PictureReader::MostPixels;
 } // namespace
 
 /// A document whose resources are the view's alone: the base class would read files and "data:" addresses by itself.
@@ -102,7 +102,7 @@ QImage PageView::Picture(const QString& address)
     QImage picture;
     const QByteArray octets = Source_ ? Source_(address) : QByteArray();
     const qint64 pixels = PictureReader::Pixels(octets);
-    if (pixels > 0 && Pixels_ + pixels <= MostPixelsOnPage) {
+    if (pixels > 0 && Pixels_ + pixels <= MostPixelsInView) {
         Pixels_ += pixels;
         picture = PictureReader::Read(octets);
     }
@@ -129,7 +129,7 @@ void PageView::Begin(const QFont& font, const QPalette& palette)
     verticalScrollBar()->setPalette(around);
     setFont(font);
     Document_->setDefaultFont(font);
-    Document_->setDocumentMargin(PageMargin);
+    Document_->setDocumentMargin(ViewMargin);
     Document_->setDefaultStyleSheet(
         QStringLiteral("a { color: %1; text-decoration: underline; }").arg(palette.color(QPalette::Link).name()));
 }
@@ -165,7 +165,7 @@ void PageView::ShowPlain(const QString& text, const QFont& font, const QPalette&
 
 double PageView::AvailableWidth() const
 {
-    return std::max(viewport()->width() - 2 * PageMargin - 8, 40.0);
+    return std::max(viewport()->width() - 2 * ViewMargin - 8, 40.0);
 }
 
 void PageView::FindTables()

@@ -7,12 +7,6 @@
 
 namespace
 {
-bool Confirm(const QString& question)
-{
-    const MessageBoxRequest request{question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
-                                    MessageBoxAnswer::No};
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
-}
 } // namespace
 
 cPrizePtr uPrizesList::SelectedPrize(bool withWinners) const
@@ -66,14 +60,16 @@ void uPrizesList::DeleteCommand()
     // The boxes run window events: the selection, the station or the list itself may be another one after them.
     const QPointer<uPrizesList> self(this);
     const QPointer<cTolvaDatabase> database = clsTolvaDatabase_;
-    if (!Confirm(QStringLiteral("Are you sure you want to delete this Prize (and any details of it's winners))?")))
+    if (!UserInterface::Confirm(
+            QStringLiteral("Are you sure you want to delete this Prize (and any details of it's winners))?")))
         return;
     const qint32 winners = prize->NumberWinners();
     if (winners > 0) {
         const QString plural = winners > 1 ? QStringLiteral("s") : QString();
-        if (!Confirm(QStringLiteral("This Prize has already been allocated to %1 winner%2!\n\nAre you ABSOLUTELY sure "
-                                    "you want to delete this Prize and winner allocations?")
-                         .arg(QString::number(winners), plural)))
+        if (!UserInterface::Confirm(
+                QStringLiteral("This Prize has already been allocated to %1 winner%2!\n\nAre you ABSOLUTELY sure "
+                               "you want to delete this Prize and winner allocations?")
+                    .arg(QString::number(winners), plural)))
             return;
     }
     if (database && database->DeletePrize(prize->Reference()) && self)

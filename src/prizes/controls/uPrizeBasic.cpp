@@ -6,6 +6,7 @@
 #include "platform/widgets/EventHandler.h"
 #include "platform/widgets/Icons.h"
 #include "platform/widgets/ListView.h"
+#include "platform/widgets/Named.h"
 #include "platform/widgets/PropertyBag.h"
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/TabStrip.h"
@@ -41,7 +42,7 @@ constexpr double TextColumnWidth = 2000;
 constexpr double DateMargin = 600;
 constexpr double ListMargin = 90;
 constexpr double ScrollBarWidth = 225;
-constexpr double PageMargin = 90;
+constexpr double PrizeMargin = 90;
 
 enum WinnerColumn
 {
@@ -111,22 +112,9 @@ constexpr struct
 };
 static_assert(std::size(Columns) == columnCount);
 
-template <typename Control>
-Control* Named(Control* control, const char* name)
-{
-    control->setObjectName(QLatin1String(name));
-    return control;
-}
-
 QString ItemKey(const cPrizeWinner& winner)
 {
     return QLatin1Char('w') + QString::number(winner.Reference());
-}
-
-void Warn(const QString& text)
-{
-    UserInterface::Current().MessageBox(
-        {text, QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
 }
 } // namespace
 
@@ -185,7 +173,7 @@ void uPrizeBasic::MakeWinners()
 void uPrizeBasic::LayOut()
 {
     QWidget& page = tbsDetails_->Page();
-    const int margin = Twips::ToPixels(*this, PageMargin);
+    const int margin = Twips::ToPixels(*this, PrizeMargin);
     const auto caption = [&page](const char* name, const QString& text, QWidget* buddy) {
         auto* label = Named(new QLabel(text, &page), name);
         label->setBuddy(buddy);
@@ -341,10 +329,12 @@ void uPrizeBasic::TakeAddWinner()
     if (!Prize_)
         return;
     if (Prize_->NumberSupplied() <= 0)
-        Warn(QStringLiteral("You cannot add any Winners to this Prize because no Prize Items have been supplied "
-                            "('Number Supplied' is zero)!"));
+        UserInterface::Warn(
+            QStringLiteral("You cannot add any Winners to this Prize because no Prize Items have been supplied "
+                           "('Number Supplied' is zero)!"));
     else if (Prize_->NumberWinners() >= Prize_->NumberSupplied())
-        Warn(QStringLiteral("You cannot add any more Winners to this Prize because it has been fully allocated!"));
+        UserInterface::Warn(
+            QStringLiteral("You cannot add any more Winners to this Prize because it has been fully allocated!"));
     else
         Q_EMIT AddWinner();
 }

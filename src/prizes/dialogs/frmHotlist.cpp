@@ -4,6 +4,7 @@
 #include "database/StationSettings.h"
 #include "platform/records/Recordset.h"
 #include "platform/widgets/DialogSize.h"
+#include "platform/widgets/Named.h"
 #include "platform/widgets/TextBoxes.h"
 #include "platform/widgets/Twips.h"
 
@@ -25,29 +26,9 @@ constexpr qint32 HoursOfPrizes = 0;
 const QString ItemField = QStringLiteral("Item");
 
 // Twips.
-constexpr double Gap = 60;
-constexpr double LeastWidth = 4500;
+constexpr double HotlistGap = 60;
+constexpr double LeastHotlistWidth = 4500;
 constexpr double LeastListHeight = 2400;
-
-template <typename Control>
-Control* Named(Control* control, const char* name)
-{
-    control->setObjectName(QLatin1String(name));
-    return control;
-}
-
-bool Confirm(const QString& question)
-{
-    const MessageBoxRequest request{question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
-                                    MessageBoxAnswer::No};
-    return UserInterface::Current().MessageBox(request) == MessageBoxAnswer::Yes;
-}
-
-void Warn(const QString& text)
-{
-    UserInterface::Current().MessageBox(
-        {text, QString(), MessageBoxButtons::OK, MessageBoxIcon::Exclamation, MessageBoxAnswer::OK});
-}
 } // namespace
 
 frmHotlist::frmHotlist(QWidget* owner) : QDialog(owner)
@@ -96,7 +77,7 @@ void frmHotlist::MakeMenu()
 
 void frmHotlist::LayOut()
 {
-    const int gap = Twips::ToPixels(*this, Gap);
+    const int gap = Twips::ToPixels(*this, HotlistGap);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(cmdOK_);
@@ -107,7 +88,7 @@ void frmHotlist::LayOut()
     column->addWidget(txtHotlistName_);
     column->addWidget(listBox_, 1);
     column->addLayout(buttons);
-    listBox_->setMinimumSize(Twips::ToPixels(*this, LeastWidth), Twips::ToPixels(*this, LeastListHeight));
+    listBox_->setMinimumSize(Twips::ToPixels(*this, LeastHotlistWidth), Twips::ToPixels(*this, LeastListHeight));
 }
 
 QString frmHotlist::GetHotlist(qint32 hotListType, dao::Recordset* recordset, bool saveMode)
@@ -190,7 +171,7 @@ bool frmHotlist::MayOverwrite()
         const QString entry = listBox_->item(row)->text();
         if (entry.trimmed().toLower() != name.trimmed().toLower())
             continue;
-        if (!Confirm(QStringLiteral("Are you sure you want to overwrite the current hotlist?")))
+        if (!UserInterface::Confirm(QStringLiteral("Are you sure you want to overwrite the current hotlist?")))
             return false;
         if (entry.toLower() != name.toLower())
             txtHotlistName_->setText(entry);
@@ -202,13 +183,13 @@ bool frmHotlist::MayOverwrite()
 void frmHotlist::OK()
 {
     if (!SaveMode_ && txtHotlistName_->text().isEmpty()) {
-        Warn(QStringLiteral("You must select a Hotlist to load!"));
+        UserInterface::Warn(QStringLiteral("You must select a Hotlist to load!"));
         return;
     }
     if (SaveMode_ && !MayOverwrite())
         return;
     if (SaveMode_ && txtHotlistName_->text().isEmpty()) {
-        Warn(QStringLiteral("You must enter a name for this Hotlist!"));
+        UserInterface::Warn(QStringLiteral("You must enter a name for this Hotlist!"));
         return;
     }
     hide();
@@ -247,7 +228,7 @@ void frmHotlist::hideEvent(QHideEvent* event)
 
 void frmHotlist::DeleteSelected()
 {
-    if (!HasSelection() || !Confirm(QStringLiteral("Are you sure you want to delete this Hotlist?")))
+    if (!HasSelection() || !UserInterface::Confirm(QStringLiteral("Are you sure you want to delete this Hotlist?")))
         return;
     const QString name = SelectedEntry();
     try {

@@ -12,7 +12,7 @@ namespace dao::jetsql
 {
 namespace
 {
-struct Range
+struct CharacterRange
 {
     char32_t First;
     char32_t Last;
@@ -31,7 +31,7 @@ struct Element
     };
     Kind ElementKind = Kind::Character;
     char32_t Character = 0; ///< Folded.
-    std::vector<Range> Ranges{};
+    std::vector<CharacterRange> Ranges{};
 };
 
 /// The elements between two stars.
@@ -41,10 +41,11 @@ struct Segment
     AsciiSearch Ascii; ///< The whole segment where it is nothing but ASCII characters, else empty.
 };
 
-bool IsInRanges(const std::vector<Range>& ranges, char32_t character)
+bool IsInRanges(const std::vector<CharacterRange>& ranges, char32_t character)
 {
-    return std::any_of(ranges.begin(), ranges.end(),
-                       [character](const Range& range) { return character >= range.First && character <= range.Last; });
+    return std::any_of(ranges.begin(), ranges.end(), [character](const CharacterRange& range) {
+        return character >= range.First && character <= range.Last;
+    });
 }
 
 bool IsInSet(const Element& element, char32_t character)
@@ -57,7 +58,7 @@ bool IsInSet(const Element& element, char32_t character)
             IsInRanges(element.Ranges, QChar::toUpper(character)));
 }
 
-bool Meets(const Element& element, char32_t character)
+bool MeetsElement(const Element& element, char32_t character)
 {
     switch (element.ElementKind) {
     case Element::Kind::Character:
@@ -79,7 +80,7 @@ template <typename Reader>
 bool MatchesHere(const Segment& segment, Reader& reader)
 {
     for (const Element& element : segment.Elements) {
-        if (reader.AtEnd() || !Meets(element, reader.Next()))
+        if (reader.AtEnd() || !MeetsElement(element, reader.Next()))
             return false;
     }
     return true;
