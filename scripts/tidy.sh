@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Runs clang-tidy on the sources that differ from an earlier state: those of the last commit and what is not committed
 # yet, or everything since BASE. A header stands for the source of its name. The whole tree is the tidy preset's.
-#   scripts/tidy.sh [BASE]      needs a configured and built build/dev
+#   scripts/tidy.sh [BASE]
 set -euo pipefail
 # shellcheck source=scripts/setup.sh
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
@@ -25,6 +25,10 @@ changedSources() {
     done
 }
 
+# The tree in which each source is compiled by itself says how; what Qt generates for two of them is all that is built there.
+say "Configuring (dev)"
+cmake --preset dev >/dev/null
+cmake --build --preset dev --target kvTolva1Controls_autogen >/dev/null
 mapfile -t sources < <(changedSources)
 if [ ${#sources[@]} -eq 0 ]; then
     say "No source differs from $base"

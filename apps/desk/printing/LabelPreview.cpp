@@ -9,7 +9,7 @@
 namespace
 {
 const QColor Outline(0xB8, 0xC4, 0xCC);
-const QColor EdgeColour(0x8A, 0x92, 0x99);
+const QColor LabelEdge(0x8A, 0x92, 0x99);
 constexpr int MostOutlines = 2000;
 } // namespace
 
@@ -35,7 +35,7 @@ void LabelPreview::paintEvent(QPaintEvent*)
     painter.translate((width() - size.width()) / 2, (height() - size.height()) / 2);
     const QRectF sheet(QPointF(), size);
     painter.fillRect(sheet, Qt::white);
-    painter.setPen(EdgeColour);
+    painter.setPen(LabelEdge);
     painter.drawRect(sheet);
     painter.setClipRect(sheet);
     painter.setPen(Outline);
