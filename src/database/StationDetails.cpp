@@ -7,19 +7,10 @@
 #include "common/kvGeneral.h"
 #include "database/DAO_DatabaseFunctions.h"
 #include "database/SettingsStore.h"
+#include "database/SongFile.h"
 #include "database/StationContext.h"
 
 using StationSettings::StationCountry;
-
-namespace
-{
-const QString CurrentSongKey = QStringLiteral("CurrentSongFullName");
-
-QString SongFile(const QString& databasePath)
-{
-    return FileHelper::WithoutExtension(databasePath) + QStringLiteral(".oar");
-}
-} // namespace
 
 QString StationDetails::Country() const
 {
@@ -71,33 +62,11 @@ QString StationDetails::OnOneLine(const QString& address, const QString& separat
 
 QString StationDetails::CurrentSong() const
 {
-    if (!Station_.Database)
-        return QString();
-    const QString file = SongFile(Station_.Information.Path);
-    if (FileHelper::FileSize(file) <= 0)
-        return QString();
-    QString text = FileHelper::ReadTextFile(file);
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    const QStringList lines = text.split(QLatin1Char('\n'));
-    for (const QString& line : lines) {
-        if (!line.contains(QLatin1String("=\"")))
-            continue;
-        const QString song = GetKeyValueCaseInsensitive(line, CurrentSongKey, QStringLiteral(" "));
-        if (!song.isEmpty())
-            return song;
-    }
-    // A plain file of one line works too.
-    for (const QString& line : lines) {
-        if (!line.isEmpty())
-            return line;
-    }
-    return QString();
+    return Station_.Database ? SongFile::Read(Station_.Information.Path) : QString();
 }
 
 void StationDetails::SetCurrentSong(const QString& song)
 {
-    if (!Station_.Database)
-        return;
-    FileHelper::WriteTextFile(SongFile(Station_.Information.Path),
-                              GeneralHelper::SetLineKeyValue(QString(), CurrentSongKey, song));
+    if (Station_.Database)
+        SongFile::Write(Station_.Information.Path, song);
 }

@@ -53,7 +53,19 @@ uMessagesList::Query uMessagesList::MakeQuery()
     const QString personal = PersonalCondition();
     if (!personal.isEmpty())
         Join(query.Condition, personal);
+    if (!ArrivedSince_.IsNone())
+        Join(query.Condition,
+             QStringLiteral("[Received]>=#%1#").arg(ArrivedSince_.Format(QStringLiteral("mm/dd/yyyy hh:nn:ss"))));
     return query;
+}
+
+void uMessagesList::SetArrivedSince(Date moment)
+{
+    if (moment == ArrivedSince_)
+        return;
+    ArrivedSince_ = moment;
+    // A property throws nothing at who sets it.
+    HandleReading("ArrivedSince", [this] { UpdateDisplay(); });
 }
 
 /// The query's text behind the name of the table.

@@ -96,6 +96,9 @@ public:
     /// Off at first: dates show no year. On: those of another year than this one do, and those that are still to come
     /// say so.
     void SetShowsOtherYears(bool on) { ShowsOtherYears_ = on; }
+    /// Shows only what arrived at that moment (universal time) or after it; none, which it is at first, shows all.
+    Date ArrivedSince() const { return ArrivedSince_; }
+    void SetArrivedSince(Date moment);
     /// How many unread messages stand in each folder, by its number, for the tree to show behind the names. Those that
     /// are missing have none; so have all at first.
     void SetUnreadCounts(const QHash<qint32, int>& counts);
@@ -289,6 +292,7 @@ private:
     bool ShowsOtherYears_ = false;
     QString NewFolderName_ = QStringLiteral("New Category");
     qint32 SortOrder_ = mlsoSent;
+    Date ArrivedSince_;
     enTolvaMessageCategories CurrentCategory_ = static_cast<enTolvaMessageCategories>(0);
     QString CurrentQuery_;
     QStringList PromisedFiles_; ///< Written for drags; removed with the control.

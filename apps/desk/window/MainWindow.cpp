@@ -29,6 +29,7 @@
 #include "search/SearchDesk.h"
 #include "search/SearchService.h"
 #include "sending/SendingDesk.h"
+#include "song/SongDesk.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -154,6 +155,7 @@ void MainWindow::MakeParts()
         return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
     });
     Sending_ = new SendingDesk(*Station_, *this);
+    Song_ = new SongDesk(*Station_, *List_, *this);
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
     Splitter_->addWidget(List_);
@@ -179,6 +181,7 @@ void MainWindow::MakePages()
     messagesLayout->setSpacing(0);
     messagesLayout->addWidget(&Undo_->Notice());
     messagesLayout->addWidget(Exported_);
+    messagesLayout->addWidget(&Song_->Notice());
     messagesLayout->addWidget(Filter_);
     messagesLayout->addWidget(Splitter_, 1);
     Prizes_ = new PrizeDesk(*Station_, Settings_, *this);
@@ -213,6 +216,7 @@ void MainWindow::MakeStatusBar()
         statusBar()->addPermanentWidget(label);
         return label;
     };
+    statusBar()->addPermanentWidget(&Song_->Label());
     statusBar()->addPermanentWidget(&Sending_->Unsent());
     Counts_ = addLabel("counts");
     Updated_ = addLabel("updated");

@@ -30,6 +30,7 @@ class PreviewPane;
 class PrizeDesk;
 class SearchDesk;
 class SendingDesk;
+class SongDesk;
 class QLabel;
 class QMenu;
 class QSplitter;
@@ -151,6 +152,7 @@ private:
     void SayIfReadOnly();
     void MakeSortMenu(QMenu& menu);
     void SetSortOrder(qint32 order);
+    void ShowAllMessages();
     bool OpenAgain(enTolvaMessageCategories category);
     void EditUsers();
 
@@ -185,6 +187,7 @@ private:
     ContactDesk* Contacts_ = nullptr;
     SearchDesk* Search_ = nullptr;
     SendingDesk* Sending_ = nullptr;
+    SongDesk* Song_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* ReadOnly_ = nullptr;

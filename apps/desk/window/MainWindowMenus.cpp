@@ -18,6 +18,7 @@
 #include "prizes/controls/uPrizesList.h"
 #include "search/SearchDesk.h"
 #include "sending/SendingDesk.h"
+#include "song/SongDesk.h"
 #include "window/NoticeBar.h"
 
 #include <QAction>
@@ -165,6 +166,8 @@ void MainWindow::MakeViewMenu()
         AddAction(menu, "find", QStringLiteral("search"), tr("&Find in subjects"), QKeySequence(Qt::CTRL | Qt::Key_F));
     QAction* all =
         AddAction(menu, "showAll", QString(), tr("Show &all messages"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F));
+    menu->addAction(Song_->Action());
+    Song_->Action()->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B));
     Search_->AddToViewMenu(*menu);
     menu->addSeparator();
     QAction* next = AddAction(menu, "nextPane", QString(), tr("&Next part of the window"), QKeySequence(Qt::Key_F6));
@@ -180,7 +183,7 @@ void MainWindow::MakeViewMenu()
         if (Prizes_->IsOnShow())
             Prizes_->Page().ShowAll();
         else
-            Run([this] { List_->ClearFind(); });
+            ShowAllMessages();
     });
     connect(next, &QAction::triggered, this, [this] { FocusNextPane(); });
     connect(previous, &QAction::triggered, this, [this] { FocusNextPane(true); });
@@ -191,6 +194,12 @@ void MainWindow::MakeViewMenu()
         }
         List_->FocusFind();
     });
+}
+
+void MainWindow::ShowAllMessages()
+{
+    Song_->ShowAll();
+    Run([this] { List_->ClearFind(); });
 }
 
 void MainWindow::MakeGoMenu(QMenu& menu)

@@ -23,11 +23,7 @@ QColor Mixed(const QColor& ground, const QColor& accent)
 } // namespace
 
 NoticeBar::NoticeBar(const QString& icon, const QString& button, QWidget* parent)
-    : QFrame(parent),
-      Icon_(icon),
-      Picture_(new QLabel(this)),
-      Text_(new QLabel(this)),
-      Button_(new QPushButton(button, this))
+    : QFrame(parent), Icon_(icon), Picture_(new QLabel(this)), Text_(new QLabel(this)), Button_(new QPushButton(this))
 {
     setAutoFillBackground(true);
     Text_->setObjectName(QStringLiteral("noticeText"));
@@ -35,8 +31,7 @@ NoticeBar::NoticeBar(const QString& icon, const QString& button, QWidget* parent
     Text_->setTextFormat(Qt::PlainText);
     Text_->setWordWrap(true);
     Button_->setObjectName(QStringLiteral("noticeButton"));
-    Button_->setAccessibleName(button);
-    Button_->setVisible(!button.isEmpty());
+    SetButton(button);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 3, 8, 3);
     layout->addWidget(Picture_);
@@ -52,6 +47,13 @@ void NoticeBar::Show(const QString& text)
     Text_->setText(text);
     Text_->setAccessibleName(text);
     setVisible(!text.isEmpty());
+}
+
+void NoticeBar::SetButton(const QString& text)
+{
+    Button_->setText(text);
+    Button_->setAccessibleName(QString(text).remove(u'&'));
+    Button_->setVisible(!text.isEmpty());
 }
 
 void NoticeBar::ShowButton(bool isShown)

@@ -19,6 +19,8 @@ public:
     /// An empty text hides the bar.
     void Show(const QString& text);
     QString Text() const;
+    /// Another text on its button.
+    void SetButton(const QString& text);
     /// Whether its button can be pressed at this moment; a bar without a button stays so.
     void ShowButton(bool isShown);
 

@@ -24,6 +24,7 @@ QList<std::pair<QString, QString>> Keys()
          ShortcutsDialog::tr("Take back the last delete, move, mark or priority; while writing: undo")},
         {QStringLiteral("Ctrl+F"), ShortcutsDialog::tr("Find in subjects, among the prizes or among the contacts")},
         {QStringLiteral("Ctrl+Alt+F"), ShortcutsDialog::tr("Show all messages or prizes again")},
+        {QStringLiteral("Ctrl+Shift+B"), ShortcutsDialog::tr("Messages since the song on air began, and all again")},
         {QStringLiteral("Ctrl+Shift+F"), ShortcutsDialog::tr("Search all messages for any words in them")},
         {QStringLiteral("Ctrl+1 to Ctrl+7"),
          ShortcutsDialog::tr("Inbox, Outbox, Saved, Sent, Deleted Items, Drafts, Auto-Messages")},
