@@ -7,6 +7,7 @@
 #include "StationPlace.h"
 #include "Words.h"
 #include "common/FileHelper.h"
+#include "platform/directory/clsKVUser.h"
 #include "station/DamagedStation.h"
 #include "station/DeskStation.h"
 #include "station/SignInDialog.h"
@@ -201,21 +202,41 @@ void Desk::TakeStationWanted(const QString& folder)
         OpenStation(chosen, QString());
 }
 
+/// Another user of the same station sits down here: the desk opens it anew for that user.
+void Desk::TakeUserWanted()
+{
+    const QString folder = Window_->Station().Folder();
+    const clsKVUser* user = Window_->Station().Directory().CurrentUser();
+    const QString present = user ? user->Name() : QString();
+    try {
+        SignInDialog dialog(DeskStation::UsersIn(folder), present, Window_.get());
+        if (dialog.exec() == QDialog::Accepted && dialog.User() != present)
+            OpenStation(folder, dialog.User());
+    } catch (const Failure& failure) {
+        Words::Warn(failure.Words());
+    }
+}
+
+void Desk::Listen()
+{
+    connect(Window_.get(), &MainWindow::StationWanted, this, &Desk::TakeStationWanted);
+    connect(Window_.get(), &MainWindow::UserWanted, this, &Desk::TakeUserWanted);
+    connect(Window_.get(), &MainWindow::Closed, this, &Desk::Finished);
+}
+
 void Desk::Show(std::unique_ptr<MainWindow> window)
 {
     if (Window_) {
         Window_->disconnect(this);
         if (!Window_->close()) {
             // Something is still being written there.
-            connect(Window_.get(), &MainWindow::StationWanted, this, &Desk::TakeStationWanted);
-            connect(Window_.get(), &MainWindow::Closed, this, &Desk::Finished);
+            Listen();
             return;
         }
         // It may be the one that is asking just now.
         Window_.release()->deleteLater();
     }
     Window_ = std::move(window);
-    connect(Window_.get(), &MainWindow::StationWanted, this, &Desk::TakeStationWanted);
-    connect(Window_.get(), &MainWindow::Closed, this, &Desk::Finished);
+    Listen();
     Window_->show();
 }

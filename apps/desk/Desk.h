@@ -56,6 +56,8 @@ private:
     bool OfferNewStation(const QString& folder, const QString& user);
     QString ChooseUser(const QString& folder, const QString& wanted);
     void TakeStationWanted(const QString& folder);
+    void TakeUserWanted();
+    void Listen();
     void Show(std::unique_ptr<MainWindow> window);
 
     DeskSettings& Settings_;

@@ -13,6 +13,7 @@ constexpr char FileVariable[] = "TOLVA_DESK_SETTINGS";
 constexpr int MostStations = 10;
 
 const QString RecentKey = QStringLiteral("Stations/Recent");
+const QString TextSizeKey = QStringLiteral("Desk/TextSize");
 const QString AppearanceKey = QStringLiteral("Desk/Appearance");
 
 QString DefaultFile()
@@ -76,6 +77,16 @@ QByteArray DeskSettings::State(const QString& name) const
 void DeskSettings::SetState(const QString& name, const QByteArray& state)
 {
     Settings_->setValue(QStringLiteral("State/") + name, state);
+}
+
+int DeskSettings::TextSize() const
+{
+    return Settings_->value(TextSizeKey).toInt();
+}
+
+void DeskSettings::SetTextSize(int steps)
+{
+    Settings_->setValue(TextSizeKey, steps);
 }
 
 QString DeskSettings::Appearance() const

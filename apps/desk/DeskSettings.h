@@ -39,6 +39,10 @@ public:
     /// Where texts that are being written are kept, beside the file.
     QString UnsentFolder() const;
 
+    /// How much larger than usual messages are read here; 0 for the usual size.
+    int TextSize() const;
+    void SetTextSize(int steps);
+
     /// "light", "dark", or empty for the system's colours.
     QString Appearance() const;
     void SetAppearance(const QString& appearance);

@@ -19,6 +19,7 @@ public:
     MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent = nullptr);
 
     qint32 Reference() const { return Message_->Reference(); }
+    PreviewPane& View() { return *View_; }
 
 public Q_SLOTS:
     /// Looks whether the message is still where it was.

@@ -25,6 +25,7 @@ PreviewPane::PreviewPane(QWidget* parent)
     Stored_->setObjectName(QStringLiteral("paneNotice"));
     Damage_->setObjectName(QStringLiteral("damageNotice"));
     View_->setObjectName(QStringLiteral("viewer"));
+    connect(View_, &uMessageBasic::TextSizeChanged, this, &PreviewPane::TextSizeChanged);
     View_->SetBackColour(SystemColour::ButtonFace);
     View_->SetForeColour(SystemColour::WindowText);
     Empty_->setObjectName(QStringLiteral("previewEmpty"));
@@ -118,6 +119,11 @@ void PreviewPane::TakeReadTime()
 void PreviewPane::SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker)
 {
     View_->SetMarker(std::move(marker));
+}
+
+void PreviewPane::SetTextSize(int steps)
+{
+    View_->SetTextSize(steps);
 }
 
 QWidget* PreviewPane::FocusTarget() const

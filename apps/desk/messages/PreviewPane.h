@@ -41,6 +41,8 @@ public:
     void SetDamageAdvice(std::function<QString(qint32 reference)> advice) { DamageAdvice_ = std::move(advice); }
     /// Marks what it finds in the body of what is shown; see uMessageBasic.
     void SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker);
+    /// How much larger than usual the text is; see uMessageBasic.
+    void SetTextSize(int steps);
     /// Where the keyboard goes.
     QWidget* FocusTarget() const;
 
@@ -50,6 +52,8 @@ public:
 Q_SIGNALS:
     /// It was on show long enough to count as read.
     void WasRead(qint32 reference);
+    /// The user chose another size of the text.
+    void TextSizeChanged(int steps);
 
 private:
     void Load();

@@ -151,6 +151,7 @@ void MainWindow::MakeParts()
     AddTabs();
     Preview_ = new PreviewPane(this);
     Preview_->SetReportsOnlyChosen(true);
+    KeepTextSize(*Preview_);
     Preview_->SetDamageAdvice([this](qint32 reference) {
         return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
     });

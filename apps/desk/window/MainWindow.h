@@ -84,6 +84,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// An empty folder: the user wants to choose.
     void StationWanted(const QString& folder);
+    /// Somebody else sits down here.
+    void UserWanted();
     void Closed();
 
 protected:
@@ -153,6 +155,7 @@ private:
     void MakeSortMenu(QMenu& menu);
     void SetSortOrder(qint32 order);
     void ShowAllMessages();
+    void KeepTextSize(PreviewPane& view);
     bool OpenAgain(enTolvaMessageCategories category);
     void EditUsers();
 

@@ -10,6 +10,7 @@
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "contacts/ContactDesk.h"
 #include "messages/MessageUndo.h"
+#include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/widgets/Icons.h"
@@ -83,12 +84,14 @@ void MainWindow::MakeFileMenu()
     menu->addAction(Contacts_->MakeContactsAction());
     QAction* users = AddAction(menu, "users", QStringLiteral("users"), tr("&Users..."));
     menu->addSeparator();
+    QAction* user = AddAction(menu, "switchUser", QString(), tr("S&witch user..."));
     QAction* quit = AddAction(menu, "quit", QString(), tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
 
     connect(create, &QAction::triggered, this, &MainWindow::NewMessage);
     connect(open, &QAction::triggered, this, [this] { Q_EMIT StationWanted(QString()); });
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentStations(*recent); });
     connect(users, &QAction::triggered, this, &MainWindow::EditUsers);
+    connect(user, &QAction::triggered, this, &MainWindow::UserWanted);
     connect(menu, &QMenu::aboutToShow, this, [this, users] { users->setEnabled(MayChangeSettings()); });
     connect(quit, &QAction::triggered, this, &QWidget::close);
 }
@@ -193,6 +196,18 @@ void MainWindow::MakeViewMenu()
             return;
         }
         List_->FocusFind();
+    });
+}
+
+/// One size for every message that is read here, from now on and after the next start.
+void MainWindow::KeepTextSize(PreviewPane& view)
+{
+    view.SetTextSize(Settings_.TextSize());
+    connect(&view, &PreviewPane::TextSizeChanged, this, [this](int steps) {
+        Settings_.SetTextSize(steps);
+        Preview_->SetTextSize(steps);
+        for (MessageWindow* window : MessageWindows())
+            window->View().SetTextSize(steps);
     });
 }
 

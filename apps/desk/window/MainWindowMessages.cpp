@@ -120,6 +120,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
             [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
     connect(window, &MessageWindow::SenderContactWanted, Contacts_, &ContactDesk::ShowSender);
     connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
+    KeepTextSize(window->View());
     window->show();
     window->activateWindow();
     return window;

@@ -35,6 +35,8 @@ QList<std::pair<QString, QString>> Keys()
         {QStringLiteral("Ctrl+Shift+H"), ShortcutsDialog::tr("What the sender of the message wrote before")},
         {QStringLiteral("Ctrl+Enter"),
          ShortcutsDialog::tr("On the page of prizes or in a prize's window: award the prize")},
+        {QStringLiteral("Ctrl and the wheel"),
+         ShortcutsDialog::tr("Larger or smaller text of the message; it is remembered")},
         {QStringLiteral("Ctrl++, Ctrl+=, Ctrl+-"),
          ShortcutsDialog::tr("On the page of prizes: larger or smaller script")},
         {QStringLiteral("F5"), ShortcutsDialog::tr("Refresh")},

@@ -58,6 +58,7 @@ uMessageBasic::uMessageBasic(QWidget* parent)
     picBody_->setFrameStyle(QFrame::NoFrame);
     wbBody_ = new WebBrowser(picBody_);
     wbBody_->setObjectName(QStringLiteral("wbBody"));
+    connect(wbBody_, &WebBrowser::Zoomed, this, &uMessageBasic::TextSizeChanged);
     picBody_->installEventFilter(this);
     setFocusProxy(wbBody_);
 
@@ -68,6 +69,16 @@ uMessageBasic::uMessageBasic(QWidget* parent)
 }
 
 uMessageBasic::~uMessageBasic() = default;
+
+int uMessageBasic::TextSize() const
+{
+    return wbBody_->ZoomSteps();
+}
+
+void uMessageBasic::SetTextSize(int steps)
+{
+    wbBody_->SetZoomSteps(steps);
+}
 
 ValueLabel* uMessageBasic::AddRow(const char* name, const QString& caption)
 {

@@ -49,6 +49,11 @@ public:
     /// text. An empty one ends that.
     void SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker);
 
+    /// Steps by which the body's text is larger than usual, or smaller below 0; see WebBrowser. None at first. It is no
+    /// property: whoever embeds the control keeps it.
+    int TextSize() const;
+    void SetTextSize(int steps);
+
     /// "BackColour", "ForeColour", "Font" and "ShowBodyBorder".
     void ReadProperties(const PropertyBag& bag);
     void WriteProperties(PropertyBag& bag) const;
@@ -58,6 +63,10 @@ public:
 
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override;
+
+Q_SIGNALS:
+    /// The user chose another size of the text, by Ctrl and the wheel or the keys.
+    void TextSizeChanged(int steps);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -308,7 +308,15 @@ void WebBrowser::OpenLink(const QUrl& address)
 
 void WebBrowser::Zoom(int steps)
 {
-    const int wanted = steps == 0 ? 0 : std::clamp(ZoomSteps_ + steps, -MostZoomSteps, MostZoomSteps);
+    const int before = ZoomSteps_;
+    SetZoomSteps(steps == 0 ? 0 : ZoomSteps_ + steps);
+    if (ZoomSteps_ != before)
+        Q_EMIT Zoomed(ZoomSteps_);
+}
+
+void WebBrowser::SetZoomSteps(int steps)
+{
+    const int wanted = std::clamp(steps, -MostZoomSteps, MostZoomSteps);
     if (wanted == ZoomSteps_)
         return;
     ZoomSteps_ = wanted;

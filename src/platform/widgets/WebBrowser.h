@@ -43,6 +43,11 @@ public:
     /// Marks the page on show and those that come; an empty one ends that.
     void SetMarker(Marker marker);
 
+    /// How many steps the text is larger (or, below 0, smaller) than usual, each a tenth; eight at most, either way. The
+    /// user changes it by Ctrl and the wheel or the keys.
+    int ZoomSteps() const { return ZoomSteps_; }
+    void SetZoomSteps(int steps);
+
     /// What opens a link that the user clicked; only http, https and mailto come here. An empty one goes back to the
     /// desktop's own programs.
     static void SetLinkOpener(std::function<void(const QUrl&)> opener);
@@ -50,6 +55,8 @@ public:
 Q_SIGNALS:
     /// The address under the pointer, empty when it left the link.
     void LinkHovered(const QString& address);
+    /// The user chose another size of the text.
+    void Zoomed(int steps);
 
 protected:
     void changeEvent(QEvent* event) override;

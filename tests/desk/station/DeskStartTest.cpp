@@ -304,6 +304,33 @@ TEST_F(DeskStartTest, AnotherStationReplacesTheWindowAndAFailedOneDoesNot)
     EXPECT_EQ(Settings->RecentStations(), (QStringList{other, Folder()}));
 }
 
+TEST_F(DeskStartTest, AnotherUserSitsDownWithoutAnEndOfTheProgram)
+{
+    AddUser(QStringLiteral("Demelza"), 0);
+    ASSERT_TRUE(TheDesk->Start(Options(Folder())));
+    const auto userNow = [this] { return TheDesk->Window()->Station().Directory().CurrentUser()->Name(); };
+    ASSERT_EQ(userNow(), QStringLiteral("Technician"));
+    const auto sitDown = [](const QString& name) {
+        return DialogVisitor("signInDialog", [name](QDialog& dialog) {
+            auto* list = dialog.findChild<QListWidget*>();
+            list->setCurrentItem(list->findItems(name, Qt::MatchExactly).value(0));
+            dialog.accept();
+        });
+    };
+    {
+        const auto visitor = sitDown(QStringLiteral("Demelza"));
+        TheDesk->Window()->findChild<QAction*>(QStringLiteral("switchUser"))->trigger();
+    }
+    EXPECT_EQ(userNow(), QStringLiteral("Demelza"));
+    const MainWindow* const window = TheDesk->Window();
+    {
+        const DialogVisitor visitor("signInDialog", [](QDialog& dialog) { dialog.reject(); });
+        TheDesk->Window()->findChild<QAction*>(QStringLiteral("switchUser"))->trigger();
+    }
+    EXPECT_EQ(TheDesk->Window(), window);
+    EXPECT_EQ(userNow(), QStringLiteral("Demelza"));
+}
+
 TEST_F(DeskStartTest, ReplyInTheListsMenuOpensTheDesksReplyAndNoErrorBox)
 {
     FileMail(Mail("Lighthouse"));
