@@ -9,6 +9,7 @@
 #include "Words.h"
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
+#include "messages/TextParts.h"
 #include "platform/records/Error.h"
 #include "platform/widgets/Icons.h"
 #include "station/DeskStation.h"
@@ -22,6 +23,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
@@ -50,7 +52,8 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
       Subject_(new QLineEdit(this)),
       Body_(new BodyEdit(this)),
       FileList_(new QListWidget(this)),
-      Note_(new QLabel(this))
+      Note_(new QLabel(this)),
+      Length_(new QLabel(this))
 {
     setObjectName(QStringLiteral("composeWindow"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -62,6 +65,7 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
     Begun_ = Stored_;
     UpdateTitle();
     connect(Subject_, &QLineEdit::textChanged, this, &ComposeWindow::UpdateTitle);
+    connect(Body_, &BodyEdit::textChanged, this, &ComposeWindow::ShowLength);
     for (AddressBox* box : {To_, CC_, BCC_}) {
         connect(box, &AddressBox::Done, this, [this, box] { FocusAfter(box); });
         connect(box, &AddressBox::ContactWanted, this, &ComposeWindow::ContactWanted);
@@ -129,6 +133,11 @@ QWidget* ComposeWindow::MakeForm()
     QWidget::setTabOrder(Body_, FileList_);
     statusBar()->setSizeGripEnabled(false);
     statusBar()->addWidget(Note_, 1);
+    Length_->setObjectName(QStringLiteral("textLength"));
+    // It names a character of the text.
+    Length_->setTextFormat(Qt::PlainText);
+    Length_->setContentsMargins(6, 0, 6, 0);
+    statusBar()->addPermanentWidget(Length_);
     return form;
 }
 
@@ -213,6 +222,8 @@ void ComposeWindow::Show(const Composition& composition)
     findChild<QAction*>(QStringLiteral("attach"))->setEnabled(!isText);
     findChild<QAction*>(QStringLiteral("urgent"))->setEnabled(!isText);
     findChild<QAction*>(QStringLiteral("urgent"))->setChecked(composition.IsUrgent);
+    Length_->setVisible(isText);
+    ShowLength();
     Subject_->setCursorPosition(0);
     ShowFiles();
     if (To_->IsEmpty())
@@ -273,6 +284,24 @@ Composition ComposeWindow::Current() const
     composition.Body = Body_->toPlainText();
     composition.Files = Files_;
     return composition;
+}
+
+/// How many messages the network makes of a text, and how much the last one still takes.
+void ComposeWindow::ShowLength()
+{
+    if (Base_.Type != emtSMS)
+        return;
+    const TextParts parts = PartsOf(Body_->toPlainText());
+    const QLocale locale;
+    const QString messages =
+        parts.Parts == 1 ? tr("1 text message") : tr("%1 text messages").arg(locale.toString(parts.Parts));
+    QString words =
+        parts.Parts == 0
+            ? tr("%1 characters fit into one text message").arg(parts.Left)
+            : tr("%1 in %2, %3 left").arg(locale.toString(parts.Units), messages, locale.toString(parts.Left));
+    if (parts.Is16Bit)
+        words += tr("; \u201C%1\u201D makes each shorter").arg(parts.First16Bit);
+    Length_->setText(words);
 }
 
 void ComposeWindow::UpdateTitle()

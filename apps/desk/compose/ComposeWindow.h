@@ -73,6 +73,7 @@ private:
     void FocusProblem();
     void ShowFiles();
     void UpdateTitle();
+    void ShowLength();
     bool ConfirmDoubt();
     bool File(Composing::Filing filing);
     void KeepUnsent();
@@ -96,5 +97,6 @@ private:
     BodyEdit* Body_;
     QListWidget* FileList_;
     QLabel* Note_;
+    QLabel* Length_; ///< Of a text message.
     QAction* Remove_ = nullptr;
 };

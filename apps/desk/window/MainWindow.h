@@ -76,6 +76,7 @@ public Q_SLOTS:
     void ReplyToAll();
     void Forward();
     void NewMessage();
+    void NewTextMessage();
     void RefreshAll();
     void FocusNextPane(bool backwards = false);
     /// Looks whether the station can be reached, and says so when that has changed.

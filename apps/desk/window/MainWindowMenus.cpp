@@ -71,6 +71,8 @@ void MainWindow::MakeFileMenu()
     auto* menu = menuBar()->addMenu(tr("&File"));
     QAction* create =
         AddAction(menu, "newMessage", QStringLiteral("new"), tr("&New message"), QKeySequence(Qt::CTRL | Qt::Key_N));
+    QAction* text = AddAction(menu, "newTextMessage", QString(), tr("New &text message"),
+                              QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
     menu->addSeparator();
     QAction* open = AddAction(menu, "openStation", QStringLiteral("open"), tr("&Open station..."),
                               QKeySequence(Qt::CTRL | Qt::Key_O));
@@ -88,6 +90,7 @@ void MainWindow::MakeFileMenu()
     QAction* quit = AddAction(menu, "quit", QString(), tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
 
     connect(create, &QAction::triggered, this, &MainWindow::NewMessage);
+    connect(text, &QAction::triggered, this, &MainWindow::NewTextMessage);
     connect(open, &QAction::triggered, this, [this] { Q_EMIT StationWanted(QString()); });
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentStations(*recent); });
     connect(users, &QAction::triggered, this, &MainWindow::EditUsers);

@@ -176,6 +176,13 @@ void MainWindow::NewMessage()
     Compose(Composition());
 }
 
+void MainWindow::NewTextMessage()
+{
+    Composition text;
+    text.Type = emtSMS;
+    Compose(text);
+}
+
 /// The list's record says what was wanted: nothing in it is a new message, a bare subject a forward of the selected
 /// one, and anything else a copy.
 void MainWindow::TakeNewMessage(const cMessagePtr& message)

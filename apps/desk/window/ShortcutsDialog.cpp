@@ -12,6 +12,7 @@ QList<std::pair<QString, QString>> Keys()
 {
     return {
         {QStringLiteral("Ctrl+N"), ShortcutsDialog::tr("New message; in the window of contacts: new contact")},
+        {QStringLiteral("Ctrl+Shift+N"), ShortcutsDialog::tr("New text message")},
         {QStringLiteral("Ctrl+R"), ShortcutsDialog::tr("Reply")},
         {QStringLiteral("Ctrl+Shift+R"), ShortcutsDialog::tr("Reply to all")},
         {QStringLiteral("Ctrl+L"), ShortcutsDialog::tr("Forward")},

@@ -440,3 +440,24 @@ TEST_F(ComposeWindowTest, TypingSingleLettersOnlyTypes)
     const BoxAnswer answer(QStringLiteral("Discard"));
     Window->close();
 }
+
+TEST_F(ComposeWindowTest, ATextMessageCountsAsTheNetworkDoes)
+{
+    Composition text;
+    text.Type = emtSMS;
+    Open(text);
+    const auto length = [this] { return Window->findChild<QLabel*>(QStringLiteral("textLength"))->text(); };
+    EXPECT_EQ(length(), QStringLiteral("160 characters fit into one text message"));
+    QTest::keyClicks(Body(), QStringLiteral("Hello"));
+    EXPECT_EQ(length(), QStringLiteral("5 in 1 text message, 155 left"));
+    Body()->setPlainText(QString(161, u'a'));
+    EXPECT_EQ(length(), QStringLiteral("161 in 2 text messages, 145 left"));
+    Body()->setPlainText(QStringLiteral("caf\u00EA"));
+    EXPECT_EQ(length(), QStringLiteral("4 in 1 text message, 66 left; \u201C\u00EA\u201D makes each shorter"));
+}
+
+TEST_F(ComposeWindowTest, AMailIsNotCounted)
+{
+    Open(Composition());
+    EXPECT_TRUE(Window->findChild<QLabel*>(QStringLiteral("textLength"))->isHidden());
+}

@@ -307,3 +307,12 @@ TEST_F(MainWindowTest, OpeningAMessageThatIsGoneGivesWordsAndNoWindow)
     EXPECT_EQ(Window->statusBar()->currentMessage(),
               QStringLiteral("That message is not there any more: it was deleted on another computer."));
 }
+
+TEST_F(MainWindowTest, AKeyBeginsATextMessage)
+{
+    OpenWindow();
+    Key(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    ComposeWindow* const compose = OnlyCompose();
+    ASSERT_TRUE(compose);
+    EXPECT_EQ(compose->Current().Type, emtSMS);
+}
