@@ -18,7 +18,7 @@
 
 namespace
 {
-const QString Caption = QStringLiteral("Copying...");
+const QString HelperCaption = QStringLiteral("Copying...");
 
 /// No file may grow beyond a size for the life of a scope: the disk is full.
 class FullDisk
@@ -142,10 +142,10 @@ TEST_F(FileHelperTest, CopiesAFileIntoAFolderUnderItsOwnName)
     const QByteArray content = QByteArray("0123456789").repeated(300000);
     const QString source = Make(QStringLiteral("Tolva.mdb"), content);
     ASSERT_TRUE(FileHelper::CreateFolder(Path(QStringLiteral("copies"))));
-    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("copies")), Caption));
+    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("copies")), HelperCaption));
     EXPECT_EQ(ContentOf(Path(QStringLiteral("copies/Tolva.mdb"))), content);
     EXPECT_EQ(Entries(QStringLiteral("copies")), QStringList{QStringLiteral("Tolva.mdb")});
-    EXPECT_EQ(User_.ProgressCaptions(), QStringList{Caption});
+    EXPECT_EQ(User_.ProgressCaptions(), QStringList{HelperCaption});
     EXPECT_EQ(User_.Advances(), 4); // at the start and after each of three chunks of a mebibyte at most
 }
 
@@ -158,7 +158,7 @@ TEST_F(FileHelperTest, ACopyKeepsRightsAndDateOfChange)
     ASSERT_TRUE(file.setFileTime(changed, QFileDevice::FileModificationTime));
     file.close();
     ASSERT_EQ(::chmod(QFile::encodeName(source).constData(), 0640), 0);
-    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("target")), Caption));
+    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("target")), HelperCaption));
     EXPECT_EQ(QFileInfo(Path(QStringLiteral("target"))).lastModified(), changed);
     struct stat status = {};
     ASSERT_EQ(::stat(QFile::encodeName(Path(QStringLiteral("target"))).constData(), &status), 0);
@@ -169,7 +169,7 @@ TEST_F(FileHelperTest, ACopyReplacesTheTarget)
 {
     const QString source = Make(QStringLiteral("source"), "new");
     const QString target = Make(QStringLiteral("target"), "old and longer");
-    EXPECT_TRUE(FileHelper::CopyWithProgress(source, target, Caption));
+    EXPECT_TRUE(FileHelper::CopyWithProgress(source, target, HelperCaption));
     EXPECT_EQ(ContentOf(target), "new");
     EXPECT_EQ(ContentOf(source), "new");
 }
@@ -180,7 +180,7 @@ TEST_F(FileHelperTest, ACopyOntoALinkReplacesTheLinkAndLeavesWhatItPointsTo)
     const QString target = Make(QStringLiteral("target"), "old");
     const QString link = Path(QStringLiteral("link"));
     ASSERT_TRUE(QFile::link(target, link));
-    EXPECT_TRUE(FileHelper::CopyWithProgress(source, link, Caption));
+    EXPECT_TRUE(FileHelper::CopyWithProgress(source, link, HelperCaption));
     EXPECT_EQ(ContentOf(target), "old");
     EXPECT_FALSE(QFileInfo(link).isSymLink());
     EXPECT_EQ(ContentOf(link), "new");
@@ -192,7 +192,7 @@ TEST_F(FileHelperTest, ACancelledCopyLeavesTheOldStateAndNothingElse)
     const QString target = Make(QStringLiteral("target"), "old");
     for (int call = 1; call <= 4; ++call) {
         User_.CancelProgressAt(call);
-        EXPECT_FALSE(FileHelper::CopyWithProgress(source, target, Caption)) << call;
+        EXPECT_FALSE(FileHelper::CopyWithProgress(source, target, HelperCaption)) << call;
         EXPECT_EQ(ContentOf(target), "old");
         EXPECT_EQ(Entries(), (QStringList{QStringLiteral("source"), QStringLiteral("target")}));
     }
@@ -204,7 +204,7 @@ TEST_F(FileHelperTest, ACopyThatFillsTheDiskLeavesTheOldStateAndNothingElse)
     const QString target = Make(QStringLiteral("target"), "old");
     {
         const FullDisk disk(1500000);
-        EXPECT_FALSE(FileHelper::CopyWithProgress(source, target, Caption));
+        EXPECT_FALSE(FileHelper::CopyWithProgress(source, target, HelperCaption));
     }
     EXPECT_EQ(ContentOf(target), "old");
     EXPECT_EQ(Entries(), (QStringList{QStringLiteral("source"), QStringLiteral("target")}));
@@ -213,13 +213,14 @@ TEST_F(FileHelperTest, ACopyThatFillsTheDiskLeavesTheOldStateAndNothingElse)
 TEST_F(FileHelperTest, ACopyNeedsAFileAndAFolderToGoTo)
 {
     const QString source = Make(QStringLiteral("source"));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(Path(QStringLiteral("none")), Path(QStringLiteral("target")), Caption));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(Folder_.path(), Path(QStringLiteral("target")), Caption));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("no/such/target")), Caption));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(source, source, Caption));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(source, Folder_.path(), Caption));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(QString(), source, Caption));
-    EXPECT_FALSE(FileHelper::CopyWithProgress(source, QString(), Caption));
+    EXPECT_FALSE(
+        FileHelper::CopyWithProgress(Path(QStringLiteral("none")), Path(QStringLiteral("target")), HelperCaption));
+    EXPECT_FALSE(FileHelper::CopyWithProgress(Folder_.path(), Path(QStringLiteral("target")), HelperCaption));
+    EXPECT_FALSE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("no/such/target")), HelperCaption));
+    EXPECT_FALSE(FileHelper::CopyWithProgress(source, source, HelperCaption));
+    EXPECT_FALSE(FileHelper::CopyWithProgress(source, Folder_.path(), HelperCaption));
+    EXPECT_FALSE(FileHelper::CopyWithProgress(QString(), source, HelperCaption));
+    EXPECT_FALSE(FileHelper::CopyWithProgress(source, QString(), HelperCaption));
     EXPECT_EQ(ContentOf(source), "content");
     EXPECT_EQ(Entries(), QStringList{QStringLiteral("source")});
 }
@@ -229,31 +230,31 @@ TEST_F(FileHelperTest, AnEmptyFileAndStrangeNamesAreCopied)
     const QString name = QStringLiteral("ünï \"q\" 'a' \\ $x;\n*?.txt");
     const QString source = Make(name, "");
     ASSERT_TRUE(FileHelper::CreateFolder(Path(QStringLiteral("t"))));
-    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("t")), Caption));
+    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(QStringLiteral("t")), HelperCaption));
     EXPECT_EQ(FileHelper::FileSize(Path(QStringLiteral("t/") + name)), 0);
     const QString longName(250, u'n');
-    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(longName), Caption));
+    EXPECT_TRUE(FileHelper::CopyWithProgress(source, Path(longName), HelperCaption));
     EXPECT_TRUE(FileHelper::FileExists(Path(longName)));
 }
 
 TEST_F(FileHelperTest, DeletesAFile)
 {
     const QString file = Make(QStringLiteral("file"));
-    EXPECT_TRUE(FileHelper::DeleteWithProgress(file, Caption));
+    EXPECT_TRUE(FileHelper::DeleteWithProgress(file, HelperCaption));
     EXPECT_FALSE(FileHelper::FileExists(file));
-    EXPECT_EQ(User_.ProgressCaptions(), QStringList{Caption});
+    EXPECT_EQ(User_.ProgressCaptions(), QStringList{HelperCaption});
 }
 
 TEST_F(FileHelperTest, WhatIsNotThereIsGone)
 {
-    EXPECT_TRUE(FileHelper::DeleteWithProgress(Path(QStringLiteral("none")), Caption));
+    EXPECT_TRUE(FileHelper::DeleteWithProgress(Path(QStringLiteral("none")), HelperCaption));
     EXPECT_TRUE(User_.ProgressCaptions().isEmpty());
 }
 
 TEST_F(FileHelperTest, AnEmptyNameAndTheRootAreNeverDeleted)
 {
-    EXPECT_FALSE(FileHelper::DeleteWithProgress(QString(), Caption));
-    EXPECT_FALSE(FileHelper::DeleteWithProgress(QStringLiteral("/"), Caption));
+    EXPECT_FALSE(FileHelper::DeleteWithProgress(QString(), HelperCaption));
+    EXPECT_FALSE(FileHelper::DeleteWithProgress(QStringLiteral("/"), HelperCaption));
 }
 
 TEST_F(FileHelperTest, DeletesAFolderWithAllItHoldsAndLeavesWhatLinksPointTo)
@@ -269,7 +270,7 @@ TEST_F(FileHelperTest, DeletesAFolderWithAllItHoldsAndLeavesWhatLinksPointTo)
     ASSERT_TRUE(QFile::link(QStringLiteral("/no/such/file"), Path(QStringLiteral("tree/a/b/danglingLink"))));
     const QByteArray noText = QFile::encodeName(Path(QStringLiteral("tree/"))) + "\xFF\xFE";
     ASSERT_EQ(::mknod(noText.constData(), S_IFREG | 0600, 0), 0);
-    EXPECT_TRUE(FileHelper::DeleteWithProgress(Path(QStringLiteral("tree")), Caption));
+    EXPECT_TRUE(FileHelper::DeleteWithProgress(Path(QStringLiteral("tree")), HelperCaption));
     EXPECT_FALSE(FileHelper::FolderExists(Path(QStringLiteral("tree"))));
     EXPECT_EQ(ContentOf(kept), "content");
     EXPECT_EQ(ContentOf(inside), "content");
@@ -280,7 +281,7 @@ TEST_F(FileHelperTest, DeletesALinkToAFolderAndNotTheFolder)
     ASSERT_TRUE(FileHelper::CreateFolder(Path(QStringLiteral("folder"))));
     const QString inside = Make(QStringLiteral("folder/inside"));
     ASSERT_TRUE(QFile::link(Path(QStringLiteral("folder")), Path(QStringLiteral("link"))));
-    EXPECT_TRUE(FileHelper::DeleteWithProgress(Path(QStringLiteral("link")), Caption));
+    EXPECT_TRUE(FileHelper::DeleteWithProgress(Path(QStringLiteral("link")), HelperCaption));
     EXPECT_EQ(Entries(), QStringList{QStringLiteral("folder")});
     EXPECT_EQ(ContentOf(inside), "content");
 }
@@ -290,7 +291,7 @@ TEST_F(FileHelperTest, ACancelledDeleteIsAFailure)
     ASSERT_TRUE(FileHelper::CreateFolder(Path(QStringLiteral("tree"))));
     Make(QStringLiteral("tree/a"));
     User_.CancelProgressAt(2);
-    EXPECT_FALSE(FileHelper::DeleteWithProgress(Path(QStringLiteral("tree")), Caption));
+    EXPECT_FALSE(FileHelper::DeleteWithProgress(Path(QStringLiteral("tree")), HelperCaption));
     EXPECT_TRUE(FileHelper::FolderExists(Path(QStringLiteral("tree"))));
 }
 
@@ -330,12 +331,12 @@ TEST_F(FileHelperTest, RenamesOnlyToAFreeName)
 {
     const QString source = Make(QStringLiteral("source"), "new");
     const QString target = Make(QStringLiteral("target"), "old");
-    EXPECT_FALSE(FileHelper::RenameWithProgress(source, target, Caption));
+    EXPECT_FALSE(FileHelper::RenameWithProgress(source, target, HelperCaption));
     EXPECT_EQ(ContentOf(target), "old");
-    EXPECT_TRUE(FileHelper::RenameWithProgress(source, Path(QStringLiteral("free")), Caption));
+    EXPECT_TRUE(FileHelper::RenameWithProgress(source, Path(QStringLiteral("free")), HelperCaption));
     EXPECT_EQ(ContentOf(Path(QStringLiteral("free"))), "new");
     EXPECT_FALSE(FileHelper::FileExists(source));
-    EXPECT_FALSE(FileHelper::RenameWithProgress(source, Path(QStringLiteral("other")), Caption));
+    EXPECT_FALSE(FileHelper::RenameWithProgress(source, Path(QStringLiteral("other")), HelperCaption));
 }
 
 TEST_F(FileHelperTest, RenamesAcrossFileSystemsByACopy)
@@ -349,16 +350,16 @@ TEST_F(FileHelperTest, RenamesAcrossFileSystemsByACopy)
         GTEST_SKIP() << "this machine has no second file system to write to";
     const QString source = Make(QStringLiteral("source"), "new");
     const QString target = elsewhere.filePath(QStringLiteral("target"));
-    EXPECT_TRUE(FileHelper::RenameWithProgress(source, target, Caption));
+    EXPECT_TRUE(FileHelper::RenameWithProgress(source, target, HelperCaption));
     EXPECT_EQ(ContentOf(target), "new");
     EXPECT_FALSE(FileHelper::FileExists(source));
-    EXPECT_EQ(User_.ProgressCaptions(), QStringList{Caption});
+    EXPECT_EQ(User_.ProgressCaptions(), QStringList{HelperCaption});
 
     const QString second = Make(QStringLiteral("second"), "second");
-    EXPECT_FALSE(FileHelper::RenameWithProgress(second, target, Caption));
+    EXPECT_FALSE(FileHelper::RenameWithProgress(second, target, HelperCaption));
     EXPECT_EQ(ContentOf(target), "new");
     User_.CancelProgressAt(1);
-    EXPECT_FALSE(FileHelper::RenameWithProgress(second, elsewhere.filePath(QStringLiteral("free")), Caption));
+    EXPECT_FALSE(FileHelper::RenameWithProgress(second, elsewhere.filePath(QStringLiteral("free")), HelperCaption));
     EXPECT_EQ(ContentOf(second), "second");
     EXPECT_EQ(QDir(elsewhere.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("target")});

@@ -13,7 +13,7 @@
 namespace
 {
 const QString LocalMachine = QLatin1String(ProfileHelper::LocalMachine);
-const QString KeyPath = QStringLiteral("SOFTWARE\\Kelvarin");
+const QString ProfilePath = QStringLiteral("SOFTWARE\\Kelvarin");
 
 /// An environment variable for the life of a scope.
 class EnvironmentScope
@@ -198,34 +198,34 @@ TEST_F(ProfileHelperTest, RegistryValuesHaveTheTypeOfTheirDefault)
 {
     ScriptedRegistry registry;
     const auto read = [](const QVariant& defaultValue) {
-        return ProfileHelper::ReadRegistryValue(LocalMachine, KeyPath, QStringLiteral("V"), defaultValue);
+        return ProfileHelper::ReadRegistryValue(LocalMachine, ProfilePath, QStringLiteral("V"), defaultValue);
     };
     EXPECT_EQ(read(true), QVariant(true));
     EXPECT_EQ(read(7), QVariant(7));
     EXPECT_EQ(read(QStringLiteral("x")), QVariant(QStringLiteral("x")));
     for (const char16_t* text : {u"1", u"true", u"YES", u"-1", u" 1 "}) {
-        registry.Set(KeyPath, QStringLiteral("V"), QString::fromUtf16(text));
+        registry.Set(ProfilePath, QStringLiteral("V"), QString::fromUtf16(text));
         EXPECT_EQ(read(false), QVariant(true)) << qPrintable(QString::fromUtf16(text));
     }
     for (const char16_t* text : {u"0", u"False", u"no"}) {
-        registry.Set(KeyPath, QStringLiteral("V"), QString::fromUtf16(text));
+        registry.Set(ProfilePath, QStringLiteral("V"), QString::fromUtf16(text));
         EXPECT_EQ(read(true), QVariant(false)) << qPrintable(QString::fromUtf16(text));
     }
-    registry.Set(KeyPath, QStringLiteral("V"), QStringLiteral("maybe"));
+    registry.Set(ProfilePath, QStringLiteral("V"), QStringLiteral("maybe"));
     EXPECT_EQ(read(true), QVariant(true));
     EXPECT_EQ(read(false), QVariant(false));
     EXPECT_EQ(read(7), QVariant(7));
     EXPECT_EQ(read(QString()), QVariant(QStringLiteral("maybe")));
-    registry.Set(KeyPath, QStringLiteral("V"), QStringLiteral(" -12 "));
+    registry.Set(ProfilePath, QStringLiteral("V"), QStringLiteral(" -12 "));
     EXPECT_EQ(read(7), QVariant(-12));
     // A registry's own way to write all bits of a number.
-    registry.Set(KeyPath, QStringLiteral("V"), QStringLiteral("4294967295"));
+    registry.Set(ProfilePath, QStringLiteral("V"), QStringLiteral("4294967295"));
     EXPECT_EQ(read(7), QVariant(-1));
     for (const char16_t* text : {u"4294967296", u"-2147483649", u"1.5", u"0x10"}) {
-        registry.Set(KeyPath, QStringLiteral("V"), QString::fromUtf16(text));
+        registry.Set(ProfilePath, QStringLiteral("V"), QString::fromUtf16(text));
         EXPECT_EQ(read(7), QVariant(7)) << qPrintable(QString::fromUtf16(text));
     }
-    registry.Remove(KeyPath, QStringLiteral("V"));
+    registry.Remove(ProfilePath, QStringLiteral("V"));
     EXPECT_EQ(read(7), QVariant(7));
 }
 
@@ -236,27 +236,28 @@ TEST_F(ProfileHelperTest, TheMachinesRegistryIsTheFileThatTheEnvironmentNames)
                                              "[\\SOFTWARE\\Kelvarin\\Utils\\Databases\\]\nUseRecordLevelLocking=0\n");
     const EnvironmentScope scope("TOLVA_REGISTRY", QFile::encodeName(file));
     const Registry& registry = Registry::Current();
-    EXPECT_EQ(registry.Read(LocalMachine, KeyPath, QStringLiteral("debugpath")), QStringLiteral("/logs"));
+    EXPECT_EQ(registry.Read(LocalMachine, ProfilePath, QStringLiteral("debugpath")), QStringLiteral("/logs"));
     EXPECT_EQ(registry.Read(LocalMachine, QStringLiteral("Software/Kelvarin/"), QStringLiteral("MaskPhoneNumbers")),
               QStringLiteral("1"));
     EXPECT_EQ(registry.Read(LocalMachine, QStringLiteral("SOFTWARE\\Kelvarin\\Utils\\Databases"),
                             QStringLiteral("UseRecordLevelLocking")),
               QStringLiteral("0"));
-    EXPECT_EQ(registry.Read(LocalMachine, KeyPath, QStringLiteral("Absent")), std::nullopt);
-    EXPECT_EQ(registry.Read(QStringLiteral("HKEY_CURRENT_USER"), KeyPath, QStringLiteral("DebugPath")), std::nullopt);
-    EXPECT_TRUE(
-        ProfileHelper::ReadRegistryValue(LocalMachine, KeyPath, QStringLiteral("MaskPhoneNumbers"), false).toBool());
+    EXPECT_EQ(registry.Read(LocalMachine, ProfilePath, QStringLiteral("Absent")), std::nullopt);
+    EXPECT_EQ(registry.Read(QStringLiteral("HKEY_CURRENT_USER"), ProfilePath, QStringLiteral("DebugPath")),
+              std::nullopt);
+    EXPECT_TRUE(ProfileHelper::ReadRegistryValue(LocalMachine, ProfilePath, QStringLiteral("MaskPhoneNumbers"), false)
+                    .toBool());
 }
 
 TEST_F(ProfileHelperTest, AChangedRegistryFileIsReadAgain)
 {
     const QString file = Make(QStringLiteral("registry.ini"), "[SOFTWARE\\Kelvarin]\nV=1\n");
     const EnvironmentScope scope("TOLVA_REGISTRY", QFile::encodeName(file));
-    EXPECT_EQ(Registry::Current().Read(LocalMachine, KeyPath, QStringLiteral("V")), QStringLiteral("1"));
+    EXPECT_EQ(Registry::Current().Read(LocalMachine, ProfilePath, QStringLiteral("V")), QStringLiteral("1"));
     Make(QStringLiteral("registry.ini"), "[SOFTWARE\\Kelvarin]\nV=12\n");
-    EXPECT_EQ(Registry::Current().Read(LocalMachine, KeyPath, QStringLiteral("V")), QStringLiteral("12"));
+    EXPECT_EQ(Registry::Current().Read(LocalMachine, ProfilePath, QStringLiteral("V")), QStringLiteral("12"));
     ASSERT_TRUE(QFile::remove(file));
-    EXPECT_EQ(Registry::Current().Read(LocalMachine, KeyPath, QStringLiteral("V")), std::nullopt);
+    EXPECT_EQ(Registry::Current().Read(LocalMachine, ProfilePath, QStringLiteral("V")), std::nullopt);
 }
 
 TEST_F(ProfileHelperTest, WithoutOneItIsInTheSystemsConfigurationFolder)
@@ -267,7 +268,7 @@ TEST_F(ProfileHelperTest, WithoutOneItIsInTheSystemsConfigurationFolder)
     ASSERT_TRUE(QDir(Folder_.path()).mkpath(QStringLiteral("user/Kelvarin")));
     ASSERT_TRUE(QDir(Folder_.path()).mkpath(QStringLiteral("machine/Kelvarin")));
     Make(QStringLiteral("user/Kelvarin/Tolva.ini"), "[SOFTWARE\\Kelvarin]\nV=user\n");
-    EXPECT_EQ(Registry::Current().Read(LocalMachine, KeyPath, QStringLiteral("V")), std::nullopt);
+    EXPECT_EQ(Registry::Current().Read(LocalMachine, ProfilePath, QStringLiteral("V")), std::nullopt);
     Make(QStringLiteral("machine/Kelvarin/Tolva.ini"), "[SOFTWARE\\Kelvarin]\nV=machine\n");
-    EXPECT_EQ(Registry::Current().Read(LocalMachine, KeyPath, QStringLiteral("V")), QStringLiteral("machine"));
+    EXPECT_EQ(Registry::Current().Read(LocalMachine, ProfilePath, QStringLiteral("V")), QStringLiteral("machine"));
 }

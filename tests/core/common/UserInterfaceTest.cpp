@@ -14,14 +14,14 @@
 namespace
 {
 const QString Question = QStringLiteral("Really?");
-const MessageBoxRequest Confirmation = {Question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
+const MessageBoxRequest YesNoRequest = {Question, QString(), MessageBoxButtons::YesNo, MessageBoxIcon::Question,
                                         MessageBoxAnswer::No};
 const InputBoxRequest Input = {QStringLiteral("Name"), QString(), QStringLiteral("x"), 10, QString()};
 
 void AskUnexpectedly()
 {
     ScriptedUserInterface user;
-    EXPECT_EQ(user.MessageBox(Confirmation), MessageBoxAnswer::No);
+    EXPECT_EQ(user.MessageBox(YesNoRequest), MessageBoxAnswer::No);
 }
 
 void LeaveAnExpectation()
@@ -34,7 +34,7 @@ void AskWithAnotherDefault()
 {
     ScriptedUserInterface user;
     user.ExpectConfirmation(Question, MessageBoxAnswer::Yes);
-    MessageBoxRequest request = Confirmation;
+    MessageBoxRequest request = YesNoRequest;
     request.DefaultAnswer = MessageBoxAnswer::Yes;
     user.MessageBox(request);
 }
@@ -55,7 +55,7 @@ void ShowABoxInPlaceOfAnInput()
 {
     ScriptedUserInterface user;
     user.ExpectInputBox(Input, QStringLiteral("y"));
-    user.MessageBox(Confirmation);
+    user.MessageBox(YesNoRequest);
     QString result;
     user.InputBox(Input, result);
 }
@@ -64,7 +64,7 @@ void ShowABoxInPlaceOfAnInput()
 TEST(UserInterfaceTest, TheSilentOneAnswersNoAndCancels)
 {
     UserInterface& user = UserInterface::Current();
-    MessageBoxRequest request = Confirmation;
+    MessageBoxRequest request = YesNoRequest;
     request.DefaultAnswer = MessageBoxAnswer::Yes;
     EXPECT_EQ(user.MessageBox(request), MessageBoxAnswer::No);
     EXPECT_EQ(user.MessageBox({Question, QString()}), MessageBoxAnswer::OK);
@@ -135,7 +135,7 @@ TEST(ScriptedUserInterfaceTest, AnswersInOrderAndRecords)
     user.ExpectInputBox(Input, QStringLiteral("answer"));
     user.ExpectInputBoxCancelled(Input);
     user.ExpectRunTimeError(5, QStringLiteral("broken"));
-    EXPECT_EQ(user.MessageBox(Confirmation), MessageBoxAnswer::Yes);
+    EXPECT_EQ(user.MessageBox(YesNoRequest), MessageBoxAnswer::Yes);
     QString result;
     EXPECT_EQ(user.InputBox(Input, result), 0);
     EXPECT_EQ(result, u"answer");

@@ -28,7 +28,7 @@ cMessage& Clean(cMessage& message)
     return message;
 }
 
-std::shared_ptr<cdo::Message> Mail(const char* text)
+std::shared_ptr<cdo::Message> MailOf(const char* text)
 {
     return std::make_shared<cdo::Message>(QByteArray(text));
 }
@@ -139,8 +139,8 @@ TEST(cMessageTest, TheMailsUniversalDatesBecomeLocalAndDoNotMark)
     cMessage message;
     EditedSpy spy(message);
     // Summer time in London: one hour ahead of universal time.
-    message.SetCDOMessage(Mail("Received: from a by b; Wed, 1 Jul 2026 12:00:10 +0000\r\n"
-                               "Date: Wed, 1 Jul 2026 14:00:00 +0200\r\nSubject: s\r\n\r\nbody\r\n"));
+    message.SetCDOMessage(MailOf("Received: from a by b; Wed, 1 Jul 2026 12:00:10 +0000\r\n"
+                                 "Date: Wed, 1 Jul 2026 14:00:00 +0200\r\nSubject: s\r\n\r\nbody\r\n"));
     EXPECT_EQ(message.ReceivedString(), QStringLiteral("01/07/2026 13:00:10"));
     EXPECT_EQ(message.SentString(), QStringLiteral("01/07/2026 13:00:00"));
     EXPECT_EQ(spy.Count, 0);
@@ -150,7 +150,7 @@ TEST(cMessageTest, TheMailsUniversalDatesBecomeLocalAndDoNotMark)
 TEST(cMessageTest, AMailWithoutDateTakesTheTimeItWasReceived)
 {
     cMessage message;
-    message.SetCDOMessage(Mail("Received: from a by b; Sat, 21 Nov 2026 12:00:10 +0000\r\nSubject: s\r\n\r\n"));
+    message.SetCDOMessage(MailOf("Received: from a by b; Sat, 21 Nov 2026 12:00:10 +0000\r\nSubject: s\r\n\r\n"));
     EXPECT_EQ(message.SentString(), QStringLiteral("21/11/2026 12:00:10"));
 }
 
@@ -158,7 +158,7 @@ TEST(cMessageTest, AMailWithNoTimesLeavesTheDatesAsTheyWere)
 {
     cMessage message;
     message.SetSent(Date(46347.5));
-    message.SetCDOMessage(Mail("Subject: s\r\n\r\n"));
+    message.SetCDOMessage(MailOf("Subject: s\r\n\r\n"));
     EXPECT_EQ(message.Sent().DayNumber(), 46347.5);
     EXPECT_TRUE(message.Received().IsNone());
 }
@@ -166,7 +166,7 @@ TEST(cMessageTest, AMailWithNoTimesLeavesTheDatesAsTheyWere)
 TEST(cMessageTest, PriorityComesFromTheFieldOfTheLongName)
 {
     cMessage message;
-    const auto mail = Mail("Subject: s\r\nX-Priority: 1\r\n\r\n");
+    const auto mail = MailOf("Subject: s\r\nX-Priority: 1\r\n\r\n");
     message.SetCDOMessage(mail);
     EXPECT_EQ(message.Priority(), 0);
     mail->SetField(QStringLiteral("urn:schemas:httpmail:priority Field"), 1);

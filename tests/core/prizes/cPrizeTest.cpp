@@ -6,7 +6,7 @@
 
 namespace
 {
-const QString AllHours = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWX");
+const QString EveryHour = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWX");
 
 class cPrizeTest : public testing::Test
 {
@@ -37,7 +37,7 @@ TEST_F(cPrizeTest, ANewPrizeIsEditedAndHasTheDefaults)
         EXPECT_TRUE(date.IsNone());
     EXPECT_EQ(Prize.StartDateString(), QString());
     for (qint16 day = 1; day <= 7; ++day)
-        EXPECT_EQ(Prize.AvailableHours(day), AllHours);
+        EXPECT_EQ(Prize.AvailableHours(day), EveryHour);
     EXPECT_EQ(Prize.AvailableHours(0), QString());
     EXPECT_EQ(Prize.AvailableHours(8), QString());
 }
@@ -103,7 +103,7 @@ TEST_F(cPrizeTest, HoursOutsideTheWeekAreNeverAvailableAndCannotBeSet)
     Prize.SetAvailableHours(8, QString());
     EXPECT_FALSE(Prize.Edited());
     for (qint16 day = 1; day <= 7; ++day)
-        EXPECT_EQ(Prize.AvailableHours(day), AllHours);
+        EXPECT_EQ(Prize.AvailableHours(day), EveryHour);
 }
 
 TEST_F(cPrizeTest, AnHourIsABlankOrItsLetterAtItsPlace)
@@ -114,7 +114,7 @@ TEST_F(cPrizeTest, AnHourIsABlankOrItsLetterAtItsPlace)
     EXPECT_FALSE(Prize.AvailableForHour(3, 10));
     EXPECT_TRUE(Prize.Edited());
     Prize.SetAvailableForHour(3, 10, true);
-    EXPECT_EQ(Prize.AvailableHours(3), AllHours);
+    EXPECT_EQ(Prize.AvailableHours(3), EveryHour);
 }
 
 TEST_F(cPrizeTest, HoursThatOtherSoftwareWroteAreTakenAsTheyStand)
@@ -126,7 +126,7 @@ TEST_F(cPrizeTest, HoursThatOtherSoftwareWroteAreTakenAsTheyStand)
     Prize.SetAvailableHours(2, QStringLiteral("?? zz"));
     EXPECT_TRUE(Prize.AvailableForHour(2, 4));
     EXPECT_FALSE(Prize.AvailableForHour(2, 2));
-    Prize.SetAvailableHours(2, AllHours + QStringLiteral("YZ"));
+    Prize.SetAvailableHours(2, EveryHour + QStringLiteral("YZ"));
     EXPECT_TRUE(Prize.AvailableForHour(2, 23));
     EXPECT_FALSE(Prize.AvailableForHour(2, 24));
     Prize.SetAvailableHours(2, QString());
@@ -326,7 +326,7 @@ TEST_F(cPrizeTest, AnHourThatIsAllowedBecomesItsCapitalLetterAgain)
     EXPECT_EQ(Prize.AvailableHours(2), QStringLiteral("abcdefghijklmnopqrstuvwX"));
     Prize.SetAvailableForHour(2, 0, false);
     EXPECT_EQ(Prize.AvailableHours(2), QStringLiteral(" bcdefghijklmnopqrstuvwX"));
-    Prize.SetAvailableHours(2, AllHours + QStringLiteral("YZ"));
+    Prize.SetAvailableHours(2, EveryHour + QStringLiteral("YZ"));
     Prize.SetAvailableForHour(2, 23, false);
     EXPECT_EQ(Prize.AvailableHours(2), QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVW YZ")); // the length stays
 }
