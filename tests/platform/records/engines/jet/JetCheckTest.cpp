@@ -4,6 +4,7 @@
 #include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/IndexTree.h"
 #include "platform/records/engines/jet/JetFixture.h"
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/engines/jet/UsageMap.h"
 
@@ -79,7 +80,7 @@ protected:
             place = scan.Next(place);
         return *place;
     }
-    qsizetype SlotOf(RowPlace place) { return RowSlotsAt + 2 * qsizetype(place.Row); }
+    qsizetype SlotOf(RowPlace place) { return RowPageLayout::SlotsAt + RowPageLayout::SlotSize * qsizetype(place.Row); }
     /// Turns a page's bit over in a map.
     void FlipInMap(quint32 pointer, quint32 page)
     {
