@@ -218,6 +218,23 @@ TEST_F(JetCheck, FindsAFileThatWasCut)
     ExpectFound(Damaged, QStringLiteral("a part of it is missing"));
 }
 
+TEST_F(JetCheck, FindsAFileThatWasCutInItsMapOfFreePages)
+{
+    // So large that the map does not fit its row.
+    const auto rows = Source().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Body"), QString(1'500'000, u'x'));
+    rows->Update();
+    const QString name = Path(QStringLiteral("Large.mdb"));
+    WriteAsJet(Path(QStringLiteral("Source.mdb")), name);
+    const std::vector<quint32> maps = ReadUsageMap(*std::make_unique<PageFile>(name), GlobalMapPointer).BitmapPages;
+    ASSERT_FALSE(maps.empty());
+    SetOctets(name, OctetsOf(name).first(qsizetype(maps.back()) * PageSize + PageSize / 2));
+    const FileReport report = ExamineFile(name, {});
+    EXPECT_EQ(report.Verdict, FileReport::State::Damaged);
+    EXPECT_TRUE(report.Faults.join(u'\n').contains(QStringLiteral("a part of it is missing")));
+}
+
 TEST_F(JetCheck, CopiesASoundFileAndRefusesADamagedOne)
 {
     const QString copy = Path(QStringLiteral("Copy.mdb"));
