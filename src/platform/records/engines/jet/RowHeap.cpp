@@ -17,7 +17,6 @@ namespace
 {
 
 constexpr int RoomWorthNoting = 200;
-constexpr qsizetype PointerSize = 4;
 /// Pages with room that are tried before a new one is taken: rows must not cost more the more there are.
 constexpr std::size_t MostTried = 8;
 

@@ -163,7 +163,7 @@ void RowWriter::AddEntry(std::size_t index, const Key& key, std::span<const Stor
     IndexTree tree(File_, definition.Root);
     const auto equal = tree.FirstFrom(key.Octets, false);
     const bool isNew = !equal || !tree.BeginsWith(*equal, key.Octets);
-    IndexEdit(File_, Pages_, Table_.Page(), definition).Add(key.Octets, place);
+    IndexEdit(File_, Pages_, definition).Add(key.Octets, place);
     if (isNew) {
         const qsizetype at = DefinitionLayout::FixedPart +
                              DefinitionLayout::StatisticsOfTree * static_cast<qsizetype>(index) + DistinctKeysAt;
@@ -183,7 +183,7 @@ void RowWriter::DeleteEntry(std::size_t index, const Key& key, RowPlace place)
         entry = tree.EntryOf(place);
     // A row that an index lacks is no hindrance to change it.
     if (entry)
-        IndexEdit(File_, Pages_, Table_.Page(), definition).Delete(keyAt(*entry), place);
+        IndexEdit(File_, Pages_, definition).Delete(keyAt(*entry), place);
 }
 
 QByteArray RowWriter::StoredLong(const ColumnDefinition& column, const QByteArray& value)
