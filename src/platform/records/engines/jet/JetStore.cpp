@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/files/WorkClaim.h"
 #include "platform/records/engines/jet/JetOperations.h"
 #include "platform/records/engines/jet/JetSchema.h"
 #include "platform/records/query/Binder.h"
@@ -49,6 +50,9 @@ JetStore::JetStore(const QString& fileName, bool readOnly)
       Counters_(Marks_)
 {
     CurrentSchema();
+    // One that is being made is its maker's alone.
+    if (IsUpdatable_ && FileSystem::Current().KindOf(WorkClaim::NameFor(File_.Name())) == FileKind::None)
+        Session_.ShowAsUser();
 }
 
 QString JetStore::Version() const

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/files/FileSystem.h"
 #include "platform/records/engines/jet/Header.h"
 #include "platform/records/engines/jet/JetFixture.h"
 
@@ -192,6 +193,75 @@ TEST_F(JetStore, OnlyReadsWhileAnOfficeProgramHasTheFileOpen)
     ASSERT_TRUE(QFile::remove(users));
     openedBefore->Execute(QStringLiteral("DELETE FROM Messages"));
     EXPECT_EQ(recordset->RecordCount(), 0);
+}
+
+TEST_F(JetStore, ShowsOfficeProgramsThatTheFileIsOpenUntilTheLastOneHasClosedIt)
+{
+    MakeMessages();
+    AddPlain(1);
+    WriteJet();
+    Jet_.reset();
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    {
+        const auto reader = DBEngine::OpenDatabase(JetName(), dbDriverNoPrompt, true);
+        EXPECT_FALSE(QFile::exists(users));
+    }
+    auto first = DBEngine::OpenDatabase(JetName());
+    auto second = DBEngine::OpenDatabase(JetName());
+    first->Execute(QStringLiteral("UPDATE Messages SET Subject='A'"));
+    second->Execute(QStringLiteral("UPDATE Messages SET Subject='B'"));
+    EXPECT_EQ(OctetsOf(users).size() % 64, 0);
+    EXPECT_EQ(OctetsOf(users).mid(32, 6), QByteArray("Tolva\0", 6));
+    FileStatus status;
+    const auto office = FileSystem::Current().Open(users, FileAccess::Change, status);
+    ASSERT_TRUE(office);
+    // Who wants it for himself alone asks for all of them.
+    EXPECT_EQ(office->Lock(FileLock::Exclusive, 0x10000001, 255).Error(), FileError::Locked);
+    first.reset();
+    EXPECT_TRUE(QFile::exists(users));
+    EXPECT_EQ(office->Lock(FileLock::Exclusive, 0x10000001, 255).Error(), FileError::Locked);
+    second.reset();
+    EXPECT_FALSE(QFile::exists(users));
+}
+
+TEST_F(JetStore, IsChangedAgainOnceTheOfficeProgramThatCameLaterHasGone)
+{
+    MakeMessages();
+    AddPlain(1);
+    WriteJet();
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='A'"));
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    FileStatus status;
+    auto office = FileSystem::Current().Open(users, FileAccess::Change, status);
+    ASSERT_TRUE(office);
+    ASSERT_TRUE(office->Lock(FileLock::Exclusive, 0x10000002, 1).IsDone());
+    const QByteArray note = QByteArray("DESK1").leftJustified(32, '\0') + QByteArray("Admin").leftJustified(32, '\0');
+    ASSERT_TRUE(office->WriteAt(64, note.constData(), note.size()).IsDone());
+    EXPECT_EQ(::ErrorNumberOf([&] { Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='B'")); }), errReadOnly);
+    office.reset();
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='C'"));
+    Jet_.reset();
+    EXPECT_FALSE(QFile::exists(users));
+}
+
+TEST_F(JetStore, IsNotHinderedByTheNoteOfAProgramOfOursThatWasKilled)
+{
+    MakeMessages();
+    AddPlain(1);
+    WriteJet();
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    const QByteArray note = OctetsOf(users);
+    Jet_.reset();
+    SetOctets(users, note);
+    Jet_ = DBEngine::OpenDatabase(JetName());
+    EXPECT_TRUE(Jet().Updatable());
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='A'"));
+    // Somebody takes it away as what a program left behind: the next change is shown again.
+    ASSERT_TRUE(QFile::remove(users));
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='B'"));
+    EXPECT_EQ(OctetsOf(users), note);
+    Jet_.reset();
+    EXPECT_FALSE(QFile::exists(users));
 }
 
 TEST_F(JetStore, RefusesFormatsThatItDoesNotReadEachInItsOwnWords)
