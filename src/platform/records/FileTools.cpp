@@ -22,21 +22,15 @@ constexpr int RightsOfOwner = 0600;
     throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(path, status.Words()));
 }
 
-void Require(const QString& path, const FileStatus& status)
-{
-    if (!status.IsDone())
-        Raise(path, status);
-}
-
 /// Puts what another hand wrote into the file on the disk, and gives it these rights, if any.
 void Finish(const QString& path, std::optional<int> rights)
 {
     FileStatus status;
     const auto file = FileSystem::Current().Open(path, FileAccess::Read, status);
-    Require(path, status);
+    RequireWritten(path, status);
     if (rights)
         file->SetAttributes({*rights, std::nullopt});
-    Require(path, file->Sync());
+    RequireWritten(path, file->Sync());
 }
 
 } // namespace
@@ -53,6 +47,12 @@ int ErrorNumberOf(const FileStatus& status)
     }
 }
 
+void RequireWritten(const QString& file, const FileStatus& status)
+{
+    if (!status.IsDone())
+        Raise(file, status);
+}
+
 void RequireNotDamaged(const QString& file, const FileReport& report)
 {
     if (report.Verdict == FileReport::State::Damaged) {
@@ -66,10 +66,10 @@ TemporaryFile::TemporaryFile(const QString& target)
             QUuid::createUuid().toString(QUuid::Id128).left(12) + QLatin1String(".tmp")),
       Claim_(Name_)
 {
-    Require(target, Claim_.Status());
+    RequireWritten(target, Claim_.Status());
     FileStatus status;
     const auto file = FileSystem::Current().Open(Name_, FileAccess::New, status);
-    Require(target, status);
+    RequireWritten(target, status);
     if (const auto attributes = FileSystem::Current().AttributesOf(Name_))
         Rights_ = attributes->Rights & MostRights;
     file->SetAttributes({RightsOfOwner, std::nullopt});
@@ -85,7 +85,7 @@ TemporaryFile::~TemporaryFile()
 void TemporaryFile::CopyAccess(const QString& original)
 {
     Rights_.reset();
-    Require(Name_, FileSystem::Current().CopyAccess(original, Name_));
+    RequireWritten(Name_, FileSystem::Current().CopyAccess(original, Name_));
 }
 
 void TemporaryFile::LimitRights(const QString& original)
@@ -97,7 +97,7 @@ void TemporaryFile::LimitRights(const QString& original)
 
 void TemporaryFile::Vacate() const
 {
-    Require(Name_, FileSystem::Current().Remove(Name_));
+    RequireWritten(Name_, FileSystem::Current().Remove(Name_));
 }
 
 void TemporaryFile::ReplaceEmpty(const QString& target) const
@@ -122,7 +122,7 @@ void TemporaryFile::MoveTo(const QString& target)
     Finish(Name_, Rights_);
     ReplaceEmpty(target);
     // A rename that does not replace: somebody else's file of that name, made meanwhile, stays.
-    Require(target, files.RenameToFreeName(Name_, target));
+    RequireWritten(target, files.RenameToFreeName(Name_, target));
     IsMoved_ = true;
     const FileStatus synced = files.SyncFolder(QFileInfo(target).absolutePath());
     if (synced.IsDone())

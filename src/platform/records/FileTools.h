@@ -12,6 +12,8 @@ namespace dao
 /// The number under which a failure of a file operation is known: 3026 for a full disk, 3043 for a failing one, else
 /// 3051.
 int ErrorNumberOf(const FileStatus& status);
+/// That error for a call that writes a file and failed.
+void RequireWritten(const QString& file, const FileStatus& status);
 /// The error 3049 that a damaged file gives whoever needs a sound one; none for any other.
 void RequireNotDamaged(const QString& file, const FileReport& report);
 

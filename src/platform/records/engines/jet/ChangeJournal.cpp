@@ -17,14 +17,14 @@ namespace dao::jet
 namespace
 {
 
-constexpr char Mark[] = "Tolva commit 01"; // With the closing zero.
-constexpr qsizetype MarkSize = sizeof(Mark);
-constexpr qsizetype PagesBeforeAt = MarkSize;
+constexpr char JournalMark[] = "Tolva commit 01"; // With the closing zero.
+constexpr qsizetype JournalMarkSize = sizeof(JournalMark);
+constexpr qsizetype PagesBeforeAt = JournalMarkSize;
 constexpr qsizetype PagesBehindAt = PagesBeforeAt + 4;
 constexpr qsizetype RecordCountAt = PagesBehindAt + 4;
 constexpr qsizetype SumAt = RecordCountAt + 4;
-constexpr qsizetype SumSize = 32;
-constexpr qsizetype HeaderSize = SumAt + SumSize;
+constexpr qsizetype JournalSumSize = 32;
+constexpr qsizetype HeaderSize = SumAt + JournalSumSize;
 constexpr qsizetype SectorSize = 512; ///< What a disk writes whole or not at all.
 constexpr qsizetype Sectors = PageSize / SectorSize;
 constexpr qsizetype SectorSumSize = 8;
@@ -51,12 +51,6 @@ QByteArray SumOfJournal(const QByteArray& journal)
     return hash.result();
 }
 
-void Require(const QString& name, const FileStatus& status)
-{
-    if (!status.IsDone())
-        throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(name, status.Words()));
-}
-
 std::vector<quint32> NumbersOf(const PageChanges& changes)
 {
     std::vector<quint32> numbers(changes.Pages().keyBegin(), changes.Pages().keyEnd());
@@ -71,7 +65,7 @@ quint32 StoredPages(PageFile& pages)
 
 void WritePage(PageFile& pages, quint32 number, const QByteArray& page)
 {
-    Require(pages.Name(), pages.Handle().WriteAt(qint64(number) * PageSize, page.constData(), PageSize));
+    RequireWritten(pages.Name(), pages.Handle().WriteAt(qint64(number) * PageSize, page.constData(), PageSize));
 }
 
 /// Takes the room of the pages that are new, so that a disk that is full says so before the commit.
@@ -82,7 +76,7 @@ void Lengthen(PageFile& pages, quint32 before)
     const qint64 size = pages.Handle().Size();
     try {
         // The size first: it is that of whole pages at any moment.
-        Require(pages.Name(), pages.Handle().SetSize(qint64(pages.PageCount()) * PageSize));
+        RequireWritten(pages.Name(), pages.Handle().SetSize(qint64(pages.PageCount()) * PageSize));
         for (quint32 number = before; number < pages.PageCount(); ++number)
             WritePage(pages, number, *pages.Changes().Find(number));
     } catch (...) {
@@ -110,25 +104,25 @@ bool ChangeJournal::IsPending() const
     const auto file = FileSystem::Current().Open(Name_, FileAccess::Read, status);
     if (status.Error() == FileError::NotThere)
         return false;
-    std::array<char, MarkSize> mark{};
+    std::array<char, JournalMarkSize> mark{};
     qint64 count = 0;
     if (file)
-        status = file->ReadAt(0, mark.data(), MarkSize, count);
+        status = file->ReadAt(0, mark.data(), JournalMarkSize, count);
     if (!status.IsDone())
         RaiseUnreadable(status);
-    return count == MarkSize && std::memcmp(mark.data(), Mark, MarkSize) == 0;
+    return count == JournalMarkSize && std::memcmp(mark.data(), JournalMark, JournalMarkSize) == 0;
 }
 
 QByteArray ChangeJournal::Encode(PageFile& pages) const
 {
     const std::vector<quint32> numbers = NumbersOf(pages.Changes());
     const quint32 before = StoredPages(pages);
-    QByteArray journal(Mark, MarkSize);
+    QByteArray journal(JournalMark, JournalMarkSize);
     journal.reserve(HeaderSize + static_cast<qsizetype>(numbers.size()) * RecordSize);
     Append(journal, before);
     Append(journal, pages.PageCount());
     Append(journal, static_cast<quint32>(numbers.size()));
-    journal.append(SumSize, '\0');
+    journal.append(JournalSumSize, '\0');
     for (const quint32 number : numbers) {
         Append(journal, number);
         const QByteArray old = number < before ? pages.StoredPage(number) : QByteArray(PageSize, '\0');
@@ -139,7 +133,7 @@ QByteArray ChangeJournal::Encode(PageFile& pages) const
         journal += *pages.Changes().Find(number);
     }
     const QByteArray sum = SumOfJournal(journal);
-    std::memcpy(journal.data() + SumAt, sum.constData(), SumSize);
+    std::memcpy(journal.data() + SumAt, sum.constData(), JournalSumSize);
     return journal;
 }
 
@@ -156,13 +150,13 @@ void ChangeJournal::Write(PageFile& pages)
         if (status.IsDone())
             status = files.CopyAccess(pages.Name(), Name_);
     }
-    Require(Name_, status);
+    RequireWritten(Name_, status);
     Lengthen(pages, before);
     try {
-        Require(Name_, file->WriteAt(0, journal.constData(), journal.size()));
-        Require(Name_, file->Sync());
+        RequireWritten(Name_, file->WriteAt(0, journal.constData(), journal.size()));
+        RequireWritten(Name_, file->Sync());
         if (isNew)
-            Require(Name_, files.SyncFolder(QFileInfo(Name_).absolutePath()));
+            RequireWritten(Name_, files.SyncFolder(QFileInfo(Name_).absolutePath()));
     } catch (...) {
         // What is there must not be taken for a commit by whoever comes next.
         static_cast<void>(file->SetSize(0));
@@ -175,7 +169,7 @@ void ChangeJournal::Apply(PageFile& pages)
 {
     for (const quint32 number : NumbersOf(pages.Changes()))
         WritePage(pages, number, *pages.Changes().Find(number));
-    Require(pages.Name(), pages.Handle().Sync());
+    RequireWritten(pages.Name(), pages.Handle().Sync());
 }
 
 ChangeJournal::Content ChangeJournal::Read(PageFile& pages) const
@@ -199,7 +193,7 @@ ChangeJournal::Content ChangeJournal::Read(PageFile& pages) const
     if (journal.size() < wanted)
         return content;
     journal.truncate(wanted);
-    content.IsWhole = journal.mid(SumAt, SumSize) == SumOfJournal(journal);
+    content.IsWhole = journal.mid(SumAt, JournalSumSize) == SumOfJournal(journal);
     if (!content.IsWhole)
         return content;
     const quint32 before = OctetView(journal).U32(PagesBeforeAt);
@@ -226,15 +220,15 @@ void ChangeJournal::Recover(PageFile& pages)
     const Content content = Read(pages);
     if (content.IsWhole && !content.BelongsThere) {
         // Kept for whoever may know where it belongs; the database is another one, or an older state of it.
-        Require(Name_, FileSystem::Current().RenameOver(Name_, Name_ + QStringLiteral("-of-another")));
+        RequireWritten(Name_, FileSystem::Current().RenameOver(Name_, Name_ + QStringLiteral("-of-another")));
         return;
     }
     if (content.IsWhole) {
         if (StoredPages(pages) < content.PageCount)
-            Require(pages.Name(), pages.Handle().SetSize(qint64(content.PageCount) * PageSize));
+            RequireWritten(pages.Name(), pages.Handle().SetSize(qint64(content.PageCount) * PageSize));
         for (const auto& [number, page] : content.Pages)
             WritePage(pages, number, page);
-        Require(pages.Name(), pages.Handle().Sync());
+        RequireWritten(pages.Name(), pages.Handle().Sync());
     }
     Clear();
 }
@@ -243,11 +237,11 @@ void ChangeJournal::Clear()
 {
     FileStatus status;
     const auto file = FileSystem::Current().Open(Name_, FileAccess::Change, status);
-    Require(Name_, status);
+    RequireWritten(Name_, status);
     // Not put on the disk: a commit that comes back is in the database already, sector by sector.
     const QByteArray nothing(HeaderSize, '\0');
-    Require(Name_,
-            file->Size() > LargestKept ? file->SetSize(0) : file->WriteAt(0, nothing.constData(), nothing.size()));
+    RequireWritten(Name_, file->Size() > LargestKept ? file->SetSize(0)
+                                                     : file->WriteAt(0, nothing.constData(), nothing.size()));
 }
 
 void ChangeJournal::Remove() const

@@ -41,6 +41,4 @@ private:
     int RowCount_;
 };
 
-inline constexpr int RowSlotsAt = 14; ///< Where a page's row slots begin.
-
 } // namespace dao::jet

@@ -16,12 +16,10 @@ namespace
 {
 
 constexpr qint32 RootContainer = 0x0F000000;
-constexpr qint32 TablesContainer = 0x0F000001;
 constexpr qint32 DatabasesContainer = 0x0F000002;
 constexpr qint32 RelationsContainer = 0x0F000003;
 constexpr qint32 DatabaseObject = 0x10000000;
 constexpr qint64 SystemFlag = -0x7FFFFFFF - 1;
-constexpr qint64 AllRights = 0xFFFFF;
 /// Who owns everything: readers take any octets.
 constexpr char OwnerOctets[] = "\x64\x8b";
 constexpr int OwnerSize = 2;

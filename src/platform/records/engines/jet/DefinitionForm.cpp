@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/TableBuilder.h"
 #include "platform/records/engines/jet/TextForm.h"
 
@@ -10,17 +11,6 @@ namespace
 
 constexpr quint32 TableMark = 1625;
 constexpr quint32 IndexMark = 1923;
-constexpr quint8 UserTable = 0x4E;
-constexpr quint8 SystemTable = 0x53;
-constexpr quint16 NoColumn = 0xFFFF;
-constexpr int LengthAt = 8;
-
-void AppendName(QByteArray& octets, const QString& name)
-{
-    const QByteArray stored = StoredFromText(name, false);
-    Append(octets, static_cast<quint16>(stored.size()));
-    octets += stored;
-}
 
 void AppendHead(QByteArray& octets, const TableDefinition& table)
 {
@@ -31,7 +21,7 @@ void AppendHead(QByteArray& octets, const TableDefinition& table)
     Append(octets, table.Counter);
     Append(octets, quint32(1));
     octets.append(12, '\0');
-    Append(octets, table.IsSystem ? SystemTable : UserTable);
+    Append(octets, table.IsSystem ? DefinitionLayout::SystemTable : DefinitionLayout::UserTable);
     Append(octets, table.ColumnsEver);
     Append(octets, table.VariableColumns);
     Append(octets, static_cast<quint16>(table.Columns.size()));
@@ -68,7 +58,7 @@ void AppendTree(QByteArray& octets, const IndexDefinition& index)
     Append(octets, IndexMark);
     for (std::size_t i = 0; i < std::size_t(IndexColumns); ++i) {
         const bool isUsed = i < index.Columns.size();
-        Append(octets, isUsed ? index.Columns[i].Number : NoColumn);
+        Append(octets, isUsed ? index.Columns[i].Number : DefinitionLayout::NoColumn);
         Append(octets, static_cast<quint8>(isUsed && index.Columns[i].IsAscending));
     }
     Append(octets, index.Map);
@@ -113,8 +103,8 @@ QByteArray MakeDefinition(const TableDefinition& table)
         Append(octets, column.OwnedMap);
         Append(octets, column.FreeMap);
     }
-    Append(octets, NoColumn);
-    Put(octets, LengthAt, static_cast<quint32>(octets.size()));
+    Append(octets, DefinitionLayout::NoColumn);
+    Put(octets, DefinitionLayout::LengthAt, static_cast<quint32>(octets.size()));
     Put(octets, DefinitionSealAt, DefinitionSealMark);
     Put(octets, DefinitionSealAt + 4, SumOfDefinition(octets, table.Page()));
     return octets;

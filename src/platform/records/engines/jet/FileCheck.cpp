@@ -65,11 +65,13 @@ void CheckTables(PageFile& file, Findings& findings, const engine::CopyProgress&
 FileReport ExaminePages(PageFile& file, const engine::CopyProgress& progress)
 {
     Findings findings;
+    const bool isCut = file.Size() % PageSize != 0;
     // Pages that a crash added before they were used are none of the file's yet.
-    findings.Run(QStringLiteral("The map of free pages cannot be read: "), [&] {
-        if (file.Size() % PageSize != 0 && !IsMarkedFree(file, file.PageCount()))
-            findings.AddDamage(QStringLiteral("The file does not end where a page does: a part of it is missing"));
-    });
+    bool isUnused = false;
+    findings.Run(QStringLiteral("The map of free pages cannot be read: "),
+                 [&] { isUnused = isCut && IsMarkedFree(file, file.PageCount()); });
+    if (isCut && !isUnused)
+        findings.AddDamage(QStringLiteral("The file does not end where a page does: a part of it is missing"));
     CheckTables(file, findings, progress);
     return findings.Take();
 }

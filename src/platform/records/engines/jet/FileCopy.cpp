@@ -15,18 +15,12 @@ namespace
 
 constexpr qint64 SliceSize = 1024 * 1024;
 
-void Require(const QString& name, const FileStatus& status)
-{
-    if (!status.IsDone())
-        throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(name, status.Words()));
-}
-
 void CopyOctets(PageFile& file, const QString& copy, const engine::CopyProgress& progress)
 {
     FileStatus status;
     const auto to = FileSystem::Current().Open(copy, FileAccess::Change, status);
-    Require(copy, status);
-    Require(copy, to->SetSize(0));
+    RequireWritten(copy, status);
+    RequireWritten(copy, to->SetSize(0));
     QByteArray slice(SliceSize, Qt::Uninitialized);
     const qint64 total = file.Handle().Size();
     qint64 done = 0;
@@ -34,13 +28,13 @@ void CopyOctets(PageFile& file, const QString& copy, const engine::CopyProgress&
     while (count == SliceSize) {
         if (!file.Handle().ReadAt(done, slice.data(), SliceSize, count).IsDone())
             throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(file.Name()));
-        Require(copy, to->WriteAt(done, slice.constData(), count));
+        RequireWritten(copy, to->WriteAt(done, slice.constData(), count));
         done += count;
         if (progress && !progress(done, std::max(done, total)))
             throw Error(errCancelled, QStringLiteral("Cancel was selected."));
     }
-    Require(copy, to->Sync());
-    Require(copy, to->Close());
+    RequireWritten(copy, to->Sync());
+    RequireWritten(copy, to->Close());
 }
 
 /// Copies again what others changed since; they wait for it.
@@ -48,7 +42,7 @@ void CopyChanges(PageFile& file, const QString& copy)
 {
     FileStatus status;
     const auto to = FileSystem::Current().Open(copy, FileAccess::Change, status);
-    Require(copy, status);
+    RequireWritten(copy, status);
     QByteArray wanted(SliceSize, Qt::Uninitialized);
     QByteArray copied(SliceSize, Qt::Uninitialized);
     qint64 at = 0;
@@ -59,11 +53,11 @@ void CopyChanges(PageFile& file, const QString& copy)
             !to->ReadAt(at, copied.data(), SliceSize, known).IsDone())
             throw Error(errDiskError, QStringLiteral("'%1' cannot be read.").arg(file.Name()));
         if (known < count || std::memcmp(wanted.constData(), copied.constData(), static_cast<std::size_t>(count)) != 0)
-            Require(copy, to->WriteAt(at, wanted.constData(), count));
+            RequireWritten(copy, to->WriteAt(at, wanted.constData(), count));
     }
-    Require(copy, to->SetSize(at));
-    Require(copy, to->Sync());
-    Require(copy, to->Close());
+    RequireWritten(copy, to->SetSize(at));
+    RequireWritten(copy, to->Sync());
+    RequireWritten(copy, to->Close());
     if (file.Refresh())
         throw Error(errLocked, QStringLiteral("'%1' was changed by another program while it was copied. Try again when "
                                               "nobody else works in it.")

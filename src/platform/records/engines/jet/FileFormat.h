@@ -87,5 +87,6 @@ inline constexpr quint32 SystemObject = 0x80000002; ///< Either bit of an object
 inline constexpr quint32 CatalogueDefinition = 2;   ///< The page that defines the table of all objects.
 inline constexpr quint32 GlobalMapPointer = 0x100;  ///< Page 1, row 0.
 inline constexpr quint16 GeneralSortOrder = 0x0409;
+inline constexpr double CurrencyUnit = 10000; ///< Of the whole number that is stored.
 
 } // namespace dao::jet

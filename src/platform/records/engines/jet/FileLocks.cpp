@@ -15,7 +15,8 @@ constexpr qint64 FirstPlace = qint64(1) << 32; // Twice what such a file can gro
 constexpr qint64 Readers = FirstPlace;
 constexpr qint64 Writer = FirstPlace + 1;
 constexpr qint64 Announced = FirstPlace + 2;
-constexpr unsigned long LongestPause = 20; // Milliseconds.
+/// Milliseconds; short, so that who opens the file finds the moments between the commits of several writers.
+constexpr unsigned long LongestPause = 4;
 
 } // namespace
 

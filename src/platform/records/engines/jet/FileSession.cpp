@@ -24,14 +24,8 @@ QString RealName(const QString& name)
 
 } // namespace
 
-QString OfficeUsersFile(const QString& fileName)
-{
-    const QFileInfo info(fileName);
-    return info.path() + u'/' + info.completeBaseName() + QStringLiteral(".ldb");
-}
-
 FileSession::FileSession(const QString& fileName, PageFile::Use use)
-    : Pages_(RealName(fileName), use), Journal_(Pages_.Name())
+    : Pages_(RealName(fileName), use), Journal_(Pages_.Name()), Note_(Pages_.Name())
 {
     try {
         const ReadingScope scope(*this);
@@ -67,20 +61,28 @@ FileSession::~FileSession()
 
 bool FileSession::IsChangeable() const
 {
-    return Pages_.IsWritable() && FileSystem::Current().KindOf(OfficeUsersFile(Pages_.Name())) == FileKind::None;
+    return Pages_.IsWritable() && !IsOpenInOfficeProgram(Pages_.Name());
 }
 
-void FileSession::RequireChangeable() const
+void FileSession::ShowAsUser()
 {
-    const QString users = OfficeUsersFile(Pages_.Name());
-    if (FileSystem::Current().KindOf(users) != FileKind::None)
+    IsShown_ = true;
+    Note_.Join();
+}
+
+void FileSession::RequireChangeable()
+{
+    if (IsOpenInOfficeProgram(Pages_.Name()))
         throw Error(errReadOnly, QStringLiteral("'%1' is only read while another program has it open, for '%2' is "
                                                 "there. Close it there. If nobody has it open, a program left that "
                                                 "file behind: take it away.")
-                                     .arg(Pages_.Name(), users));
+                                     .arg(Pages_.Name(), OfficeUsersFile(Pages_.Name())));
     if (!Pages_.IsWritable())
         throw Error(errCannotOpen,
                     QStringLiteral("Cannot change '%1': this account may only read it.").arg(Pages_.Name()));
+    // Somebody may have taken the note away, with what a program had left behind.
+    if (IsShown_)
+        Note_.Join();
 }
 
 void FileSession::Require(const FileStatus& status) const

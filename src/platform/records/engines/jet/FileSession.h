@@ -3,12 +3,10 @@
 
 #include "platform/records/engines/jet/ChangeJournal.h"
 #include "platform/records/engines/jet/FileLocks.h"
+#include "platform/records/engines/jet/OfficeUsers.h"
 
 namespace dao::jet
 {
-
-/// Where office programs note who has a file open. They take it away when the last of them closes it.
-QString OfficeUsersFile(const QString& fileName);
 
 /// One database file in use: whose turn it is to read and to write, over all processes; commits; and what a crash left
 /// behind. Between its calls no lock is held unless a reading or a writing was begun and not ended.
@@ -28,6 +26,8 @@ public:
     PageFile& Pages() { return Pages_; }
     /// False where this account may not write the file, and while an office program has it open.
     bool IsChangeable() const;
+    /// From now on office programs see that the file is open, as long as no other one of them has it.
+    void ShowAsUser();
 
     /// The pages stay as they are until EndReading. Whether they are others than the last time. Nests, and in a writing
     /// it is nothing.
@@ -50,7 +50,7 @@ public:
 
 private:
     void Require(const FileStatus& status) const;
-    void RequireChangeable() const;
+    void RequireChangeable();
     /// Nobody goes on in a file that another one took the name of: its rows are others there. 3734, and 3043 when no
     /// file bears the name.
     void RequireName();
@@ -63,6 +63,8 @@ private:
 
     PageFile Pages_;
     ChangeJournal Journal_;
+    OfficeUserNote Note_;
+    bool IsShown_ = false; ///< To office programs.
     int Readings_ = 0;
     bool HasLock_ = false; ///< Of a reader; file systems without locks give none.
     bool IsWriting_ = false;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/IndexCheck.h"
 
+#include "platform/records/engines/jet/PageLayout.h"
+
 #include <QHash>
 
 #include <algorithm>
@@ -10,7 +12,6 @@ namespace dao::jet
 
 namespace
 {
-constexpr int DeepestTree = 16;
 } // namespace
 
 void IndexCheck::Run(std::vector<ExpectedEntry>& expected)
@@ -34,7 +35,7 @@ void IndexCheck::Run(std::vector<ExpectedEntry>& expected)
 
 void IndexCheck::Walk(quint32 number, int depth, std::optional<quint32> previous, std::optional<quint32> next)
 {
-    if (depth == DeepestTree || !Owners_.Owns(Owner_, number) || !Visited_.insert(number).second)
+    if (depth == IndexLayout::DeepestTree || !Owners_.Owns(Owner_, number) || !Visited_.insert(number).second)
         throw Fault(QStringLiteral("page %1 is named in it, and is none of its own or named twice").arg(number));
     const IndexPage page(File_, number);
     if (page.Owner() != Table_.Page())

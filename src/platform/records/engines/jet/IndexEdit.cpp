@@ -2,6 +2,7 @@
 #include "platform/records/engines/jet/IndexEdit.h"
 
 #include "platform/records/Error.h"
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/PageWriter.h"
 
 #include <algorithm>
@@ -11,13 +12,6 @@ namespace dao::jet
 
 namespace
 {
-
-constexpr int DeepestTree = 16;
-constexpr int PreviousAt = 12;
-constexpr int NextAt = 16;
-constexpr int LevelAt = 26;
-constexpr qsizetype RowSize = 4;
-constexpr qsizetype ChildSize = 4;
 
 bool IsBefore(const IndexPage::Entry& left, const IndexPage::Entry& right)
 {
@@ -55,7 +49,7 @@ IndexEdit::Node IndexEdit::Load(quint32 number) const
     node.Head = {.Owner = page.Owner(),
                  .Previous = page.Previous(),
                  .Next = page.Next(),
-                 .Level = OctetView(File_.Page(number)).U8(LevelAt)};
+                 .Level = OctetView(File_.Page(number)).U8(IndexLayout::LevelAt)};
     for (int i = 0; i < page.Count(); ++i)
         node.All.push_back(page.At(i));
     if (!node.IsLeaf && page.TailChild() != 0)
@@ -93,7 +87,7 @@ void IndexEdit::Cut(const Node& node, std::size_t from, std::size_t to, std::vec
     if (Fits(node, from, to))
         return;
     const std::size_t least = node.IsLeaf ? 1 : 2;
-    const qsizetype trailer = node.IsLeaf ? RowSize : RowSize + ChildSize;
+    const qsizetype trailer = node.IsLeaf ? IndexLayout::RowSize : IndexLayout::RowSize + IndexLayout::ChildSize;
     qsizetype octets = 0;
     for (std::size_t i = from; i < to; ++i)
         octets += node.All[i].Key.size() + trailer;
@@ -140,7 +134,7 @@ void IndexEdit::Change(const Entry& entry, const ChangeLeaf& change)
 
 IndexEdit::Outcome IndexEdit::ChangeBelow(quint32 number, int depth, const Entry& entry, const ChangeLeaf& change)
 {
-    if (depth == DeepestTree)
+    if (depth == IndexLayout::DeepestTree)
         throw Fault(QStringLiteral("the index that begins on page %1 does not end").arg(Index_.Root));
     Node node = Load(number);
     Outcome outcome;
@@ -302,8 +296,8 @@ void IndexEdit::SetLinks(quint32 number, std::optional<quint32> previous, std::o
     if (page.Previous() == previous.value_or(page.Previous()) && page.Next() == next.value_or(page.Next()))
         return;
     QByteArray octets = File_.Page(number);
-    Put(octets, PreviousAt, previous.value_or(page.Previous()));
-    Put(octets, NextAt, next.value_or(page.Next()));
+    Put(octets, IndexLayout::PreviousAt, previous.value_or(page.Previous()));
+    Put(octets, IndexLayout::NextAt, next.value_or(page.Next()));
     File_.Change(number, octets);
 }
 

@@ -17,8 +17,8 @@ class IndexEdit
 {
 public:
     /// owner: the page that defines the table. index: must live as long as this.
-    IndexEdit(PageFile& file, PageAllocation& pages, quint32 owner, const IndexDefinition& index)
-        : File_(file), Pages_(pages), Owner_(owner), Index_(index)
+    IndexEdit(PageFile& file, PageAllocation& pages, const IndexDefinition& index)
+        : File_(file), Pages_(pages), Index_(index)
     {
     }
 
@@ -73,7 +73,6 @@ private:
 
     PageFile& File_;
     PageAllocation& Pages_;
-    quint32 Owner_;
     const IndexDefinition& Index_;
 };
 

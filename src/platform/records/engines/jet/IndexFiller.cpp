@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/IndexFiller.h"
 
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/PageWriter.h"
 
 #include <algorithm>
@@ -11,16 +12,6 @@ namespace dao::jet
 
 namespace
 {
-
-constexpr int FreeOctetsAt = 2;
-constexpr int OwnerAt = 4;
-constexpr int PreviousAt = 12;
-constexpr int NextAt = 16;
-constexpr int TailChildAt = 20;
-constexpr int PrefixAt = 24;
-constexpr int LevelAt = 26;
-constexpr qsizetype RowSize = 4;
-constexpr qsizetype ChildSize = 4;
 
 qsizetype SharedSize(const QByteArray& left, const QByteArray& right, qsizetype most)
 {
@@ -35,7 +26,11 @@ void AppendBigEndian(QByteArray& octets, quint32 number)
 
 } // namespace
 
-IndexFiller::IndexFiller(Kind kind) : Kind_(kind), TrailerSize_(kind == Kind::Leaf ? RowSize : RowSize + ChildSize) {}
+IndexFiller::IndexFiller(Kind kind)
+    : Kind_(kind),
+      TrailerSize_(kind == Kind::Leaf ? IndexLayout::RowSize : IndexLayout::RowSize + IndexLayout::ChildSize)
+{
+}
 
 bool IndexFiller::Add(const IndexPage::Entry& entry)
 {
@@ -63,12 +58,12 @@ QByteArray IndexFiller::Page(const IndexHead& head) const
     QByteArray page(PageSize, '\0');
     Put(page, 0, static_cast<quint8>(Kind_ == Kind::Leaf ? PageType::IndexLeaf : PageType::IndexNode));
     Put(page, 1, quint8(1));
-    Put(page, OwnerAt, head.Owner);
-    Put(page, PreviousAt, head.Previous);
-    Put(page, NextAt, head.Next);
-    Put(page, TailChildAt, head.TailChild);
-    Put(page, PrefixAt, static_cast<quint16>(shared));
-    Put(page, LevelAt, head.Level);
+    Put(page, IndexLayout::OwnerAt, head.Owner);
+    Put(page, IndexLayout::PreviousAt, head.Previous);
+    Put(page, IndexLayout::NextAt, head.Next);
+    Put(page, IndexLayout::TailChildAt, head.TailChild);
+    Put(page, IndexLayout::PrefixSizeAt, static_cast<quint16>(shared));
+    Put(page, IndexLayout::LevelAt, head.Level);
     QByteArray octets;
     for (const IndexPage::Entry* entry : Entries_) {
         octets += octets.isEmpty() ? entry->Key : entry->Key.mid(shared);
@@ -79,7 +74,7 @@ QByteArray IndexFiller::Page(const IndexHead& head) const
         bits = static_cast<char>(bits | 1 << (octets.size() % 8));
     }
     std::memcpy(page.data() + IndexEntriesAt, octets.constData(), static_cast<std::size_t>(octets.size()));
-    Put(page, FreeOctetsAt, static_cast<quint16>(IndexRoom - octets.size()));
+    Put(page, IndexLayout::FreeOctetsAt, static_cast<quint16>(IndexRoom - octets.size()));
     return page;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/IndexPage.h"
 
+#include "platform/records/engines/jet/PageLayout.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -9,9 +11,6 @@ namespace dao::jet
 
 namespace
 {
-
-constexpr int PrefixSizeAt = 24;
-constexpr int RowSize = 4;
 
 quint32 BigEndian(const OctetView& octets, qsizetype at)
 {
@@ -34,7 +33,7 @@ IndexPage::IndexPage(PageFile& file, quint32 number) : Octets_(file.Page(number)
     if (number == 0 || (type != PageType::IndexLeaf && type != PageType::IndexNode))
         throw Fault(QStringLiteral("page %1 is no page of an index").arg(number));
     IsLeaf_ = type == PageType::IndexLeaf;
-    PrefixSize_ = OctetView(Octets_).U16(PrefixSizeAt);
+    PrefixSize_ = OctetView(Octets_).U16(IndexLayout::PrefixSizeAt);
     for (int i = 0; i < IndexEntriesAt - IndexBitmapAt; ++i) {
         const auto octet = static_cast<quint8>(Octets_.at(IndexBitmapAt + i));
         for (int bit = 0; octet >> bit != 0; ++bit) {
@@ -74,7 +73,7 @@ IndexPage::Entry IndexPage::At(int entry) const
     found.Key.append(stored.Data(), keySize);
     found.Row = RowPlace::FromPointer(BigEndian(stored, keySize));
     if (!IsLeaf_)
-        found.Child = BigEndian(stored, keySize + RowSize);
+        found.Child = BigEndian(stored, keySize + IndexLayout::RowSize);
     return found;
 }
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/IndexTree.h"
 
+#include "platform/records/engines/jet/PageLayout.h"
+
 namespace dao::jet
 {
 
 namespace
 {
-
-constexpr int DeepestTree = 16;
 
 IndexPlace PlaceAt(const IndexPage& leaf, int entry)
 {
@@ -46,7 +46,7 @@ quint32 ChildAt(const IndexPage& page, int entry)
 IndexPage IndexTree::Descend(const ChooseChild& choose)
 {
     quint32 number = Root_;
-    for (int depth = 0; depth < DeepestTree; ++depth) {
+    for (int depth = 0; depth < IndexLayout::DeepestTree; ++depth) {
         IndexPage page(File_, number);
         if (page.IsLeaf())
             return page;

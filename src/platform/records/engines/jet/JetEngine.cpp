@@ -126,12 +126,11 @@ std::unique_ptr<engine::FileLock> JetEngine::LockOut(const QString& fileName)
         return nullptr;
     if (!file->ReadAt(0, first.data(), first.size(), count).IsDone() || !IsOfFamily(first))
         return std::make_unique<JetFileLock>(std::move(file));
-    const QString users = OfficeUsersFile(fileName);
-    if (FileSystem::Current().KindOf(users) != FileKind::None)
+    if (IsOpenInOfficeProgram(fileName))
         throw Error(errNotSupported, QStringLiteral("another program has it open, for '%1' is there. Close it there. "
                                                     "If nobody has it open, a program left that file behind: take it "
                                                     "away")
-                                         .arg(users));
+                                         .arg(OfficeUsersFile(fileName)));
     const QDeadlineTimer deadline(LongestWait);
     FileLocks locks(*file);
     status = locks.BeginWriting(deadline);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/files/WorkClaim.h"
 #include "platform/records/engines/jet/JetOperations.h"
 #include "platform/records/engines/jet/JetSchema.h"
 #include "platform/records/query/Binder.h"
@@ -16,13 +17,7 @@ public:
 
     void ForEachRow(const engine::TablePtr& table, const Visitor& visit) override
     {
-        Store_.Reading([&] {
-            TableReader& reader = Store_.ReaderOf(table);
-            Row row;
-            bool isThere = reader.ReadEnd(-1, engine::Direction::Forward, engine::MemoFetch::Deferred, row);
-            while (isThere && visit(row))
-                isThere = reader.ReadNext(-1, engine::Direction::Forward, engine::MemoFetch::Deferred, row);
-        });
+        Store_.Reading([&] { Store_.ReaderOf(table).ForEachRow(visit); });
     }
     bool ForEachRowWith(const engine::TablePtr& table, int column, const StoredValue& value,
                         const Visitor& visit) override
@@ -55,6 +50,9 @@ JetStore::JetStore(const QString& fileName, bool readOnly)
       Counters_(Marks_)
 {
     CurrentSchema();
+    // One that is being made is its maker's alone.
+    if (IsUpdatable_ && FileSystem::Current().KindOf(WorkClaim::NameFor(File_.Name())) == FileKind::None)
+        Session_.ShowAsUser();
 }
 
 QString JetStore::Version() const
@@ -167,6 +165,20 @@ std::vector<engine::StoredMemo> JetStore::ReadMemos(const engine::TablePtr& tabl
                 break;
         }
         return memos;
+    });
+}
+
+std::vector<std::optional<MemoBeginning>> JetStore::ReadMemoBeginnings(const engine::TablePtr& table, int column,
+                                                                       std::span<const qint64> ids,
+                                                                       qsizetype mostOctets)
+{
+    return Run([&] {
+        TableReader& reader = ReaderOf(table);
+        std::vector<std::optional<MemoBeginning>> beginnings;
+        beginnings.reserve(ids.size());
+        for (const qint64 id : ids)
+            beginnings.push_back(reader.ReadMemoBeginning(column, id, mostOctets));
+        return beginnings;
     });
 }
 

@@ -46,6 +46,9 @@ public:
                               qint64 octetBudget) override;
     std::vector<engine::StoredMemo> ReadMemos(const engine::TablePtr& table, int column, std::span<const qint64> ids,
                                               qint64 octetBudget) override;
+    std::vector<std::optional<MemoBeginning>> ReadMemoBeginnings(const engine::TablePtr& table, int column,
+                                                                 std::span<const qint64> ids,
+                                                                 qsizetype mostOctets) override;
     int CountRows(const engine::TablePtr& table) override;
     qint64 LastCounter(const engine::TablePtr& table) override;
     void RaiseCounter(const engine::TablePtr& table, qint64 last) override;

@@ -11,11 +11,6 @@ namespace dao::jet
 namespace
 {
 
-RowPlace PlaceOf(qint64 id)
-{
-    return RowPlace::FromPointer(static_cast<quint32>(id));
-}
-
 /// Before a name is looked for in the file: what no table or field can be called is refused as such.
 void RequireFree(bool isTaken, const QString& words)
 {
@@ -170,8 +165,7 @@ RowWriter JetStore::WriterOf(TableReader& reader)
 
 FoundRow JetStore::RequireRow(TableReader& reader, qint64 id)
 {
-    const bool isPlace = id >= 0 && id <= 0xFFFFFFFF;
-    std::optional<FoundRow> row = isPlace ? FindRow(File_, reader.Definition(), PlaceOf(id)) : std::nullopt;
+    std::optional<FoundRow> row = IsPlace(id) ? FindRow(File_, reader.Definition(), PlaceOf(id)) : std::nullopt;
     if (!row)
         throw Error(errRecordDeleted, QStringLiteral("Record is deleted."));
     return std::move(*row);

@@ -18,7 +18,6 @@ constexpr char AscendingValue = 0x7F;
 constexpr char DescendingValue = '\x80';
 constexpr char AscendingNull = 0;
 constexpr char DescendingNull = '\xFF';
-constexpr double CurrencyUnit = 10000;
 constexpr int GroupSize = 8;
 constexpr char MoreGroups = 9;
 

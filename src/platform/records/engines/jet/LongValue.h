@@ -29,4 +29,13 @@ LongReference ReadLongReference(const OctetView& stored);
 /// The octets of a long value. Fault when it is not all there. pieces: where its rows stand.
 QByteArray ReadLongValue(PageFile& file, const OctetView& stored, std::vector<RowPlace>* pieces = nullptr);
 
+/// As much of a long value as was asked for.
+struct LongBeginning
+{
+    QByteArray Octets;
+    bool IsWhole = false;
+};
+/// At most so many octets of it. What lies behind them is not looked at. Fault.
+LongBeginning ReadLongBeginning(PageFile& file, const OctetView& stored, qsizetype mostOctets);
+
 } // namespace dao::jet

@@ -65,6 +65,19 @@ private:
     qsizetype Size_ = 0;
 };
 
+/// Writes a number little-endian among octets that are there, or behind them.
+template <typename Number>
+void Put(QByteArray& octets, qsizetype at, Number number)
+{
+    qToLittleEndian(number, octets.data() + at);
+}
+template <typename Number>
+void Append(QByteArray& octets, Number number)
+{
+    octets.resize(octets.size() + static_cast<qsizetype>(sizeof(Number)));
+    Put(octets, octets.size() - static_cast<qsizetype>(sizeof(Number)), number);
+}
+
 /// Where a row stands: what the format calls a pointer.
 struct RowPlace
 {

@@ -2,6 +2,7 @@
 #include "platform/records/engines/jet/PageAllocation.h"
 
 #include "platform/records/Error.h"
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/PageWriter.h"
 #include "platform/records/engines/jet/RowPageEdit.h"
 #include "platform/records/engines/jet/UsageMap.h"
@@ -15,43 +16,23 @@ namespace dao::jet
 namespace
 {
 
-constexpr quint8 InlineMap = 0;
-constexpr quint8 ReferringMap = 1;
-constexpr qsizetype FirstPageAt = 1;
-constexpr qsizetype BitsAt = 5; // Of a map in its row.
-constexpr qsizetype ReferencesAt = 1;
-constexpr qsizetype BitmapAt = 4; // On a page of bits.
-constexpr quint32 BitsOfOctet = 8;
-
-bool BitAt(const QByteArray& octets, qsizetype at, quint32 bit)
-{
-    return (static_cast<quint8>(octets.at(at + bit / BitsOfOctet)) >> (bit % BitsOfOctet) & 1) != 0;
-}
-
-void SetBit(QByteArray& octets, qsizetype at, quint32 bit, bool isSet)
-{
-    char& octet = octets.data()[at + bit / BitsOfOctet];
-    const int mask = 1 << (bit % BitsOfOctet);
-    octet = static_cast<char>(isSet ? octet | mask : octet & ~mask);
-}
-
 QByteArray MapRow(PageFile& file, RowPlace place)
 {
     QByteArray row = DataPage(file, place.Page).RowAt(place.Row).Copy();
     const quint8 kind = OctetView(row).U8(0);
-    if (kind > ReferringMap || (kind == InlineMap && row.size() < BitsAt))
+    if (kind > MapLayout::Referring || (kind == MapLayout::Inline && row.size() < MapLayout::BitsAt))
         throw Fault(QStringLiteral("row %1 of page %2 is no map of pages").arg(place.Row).arg(place.Page));
     return row;
 }
 
 quint32 FirstOf(const QByteArray& row)
 {
-    return OctetView(row).U32(FirstPageAt);
+    return OctetView(row).U32(MapLayout::FirstPageAt);
 }
 
 quint32 PagesOf(const QByteArray& row)
 {
-    return static_cast<quint32>(row.size() - BitsAt) * BitsOfOctet;
+    return static_cast<quint32>(row.size() - MapLayout::BitsAt) * MapLayout::BitsOfOctet;
 }
 
 bool Covers(const QByteArray& row, quint32 page)
@@ -62,13 +43,13 @@ bool Covers(const QByteArray& row, quint32 page)
 /// What the map says of a page; nothing when it does not reach that far.
 std::optional<bool> MarkOf(PageFile& file, const QByteArray& row, quint32 page)
 {
-    if (row.at(0) == InlineMap)
-        return Covers(row, page) ? std::optional(BitAt(row, BitsAt, page - FirstOf(row))) : std::nullopt;
-    const qsizetype at = ReferencesAt + 4 * qsizetype(page / PagesOfBitmap);
+    if (row.at(0) == MapLayout::Inline)
+        return Covers(row, page) ? std::optional(MapBitAt(row, MapLayout::BitsAt, page - FirstOf(row))) : std::nullopt;
+    const qsizetype at = MapLayout::ReferencesAt + 4 * qsizetype(page / PagesOfBitmap);
     const quint32 bitmap = at + 4 <= row.size() ? OctetView(row).U32(at) : 0;
     if (bitmap == 0)
         return std::nullopt;
-    return BitAt(file.Page(bitmap, PageType::Bitmap), BitmapAt, page % PagesOfBitmap);
+    return MapBitAt(file.Page(bitmap, PageType::Bitmap), MapLayout::BitmapAt, page % PagesOfBitmap);
 }
 
 } // namespace
@@ -129,14 +110,13 @@ void PageAllocation::Free(quint32 page)
 
 quint32 PageAllocation::AddMap(quint32 beside)
 {
-    constexpr qsizetype RowSize = 69;
     quint32 page = RowPlace::FromPointer(beside).Page;
     if (page < CatalogueDefinition || DataPage(File_, page).Owner() != 0 ||
-        !RowPageEdit(File_, page).HasRoomFor(RowSize)) {
+        !RowPageEdit(File_, page).HasRoomFor(MapLayout::RowSize)) {
         page = Allocate();
         File_.Change(page, MakeDataPage(0, {}));
     }
-    const int row = RowPageEdit(File_, page).Add(QByteArray(RowSize, '\0'));
+    const int row = RowPageEdit(File_, page).Add(QByteArray(MapLayout::RowSize, '\0'));
     return RowPlace{page, static_cast<quint8>(row)}.Pointer();
 }
 
@@ -153,7 +133,7 @@ void PageAllocation::Set(quint32 map, quint32 page, bool isSet)
     const bool otherwise = isGlobal; // What is said by saying nothing.
     if (MarkOf(File_, row, page).value_or(otherwise) == isSet)
         return;
-    if (row.at(0) == InlineMap)
+    if (row.at(0) == MapLayout::Inline)
         SetInRow(place, row, page, isSet);
     else
         SetOnBitmap(place, row, page, isSet);
@@ -166,7 +146,7 @@ void PageAllocation::SetInRow(RowPlace place, QByteArray row, quint32 page, bool
         Set(place.Pointer(), page, isSet);
         return;
     }
-    SetBit(row, BitsAt, page - FirstOf(row), isSet);
+    SetMapBit(row, MapLayout::BitsAt, page - FirstOf(row), isSet);
     StoreRow(place, row);
 }
 
@@ -176,18 +156,18 @@ bool PageAllocation::MoveInline(RowPlace place, QByteArray& row, quint32 page)
         return false; // It begins with the file.
     std::vector<quint32> pages;
     for (quint32 bit = 0; bit < PagesOf(row); ++bit) {
-        if (BitAt(row, BitsAt, bit))
+        if (MapBitAt(row, MapLayout::BitsAt, bit))
             pages.push_back(FirstOf(row) + bit);
     }
     const quint32 lowest = pages.empty() ? page : std::min(page, pages.front());
-    const quint32 first = lowest / BitsOfOctet * BitsOfOctet;
+    const quint32 first = lowest / MapLayout::BitsOfOctet * MapLayout::BitsOfOctet;
     const quint32 highest = pages.empty() ? page : std::max(page, pages.back());
     if (highest - first >= PagesOf(row))
         return false;
-    row = row.left(BitsAt) + QByteArray(row.size() - BitsAt, '\0');
-    Put(row, FirstPageAt, first);
+    row = row.left(MapLayout::BitsAt) + QByteArray(row.size() - MapLayout::BitsAt, '\0');
+    Put(row, MapLayout::FirstPageAt, first);
     for (const quint32 each : pages)
-        SetBit(row, BitsAt, each - first, true);
+        SetMapBit(row, MapLayout::BitsAt, each - first, true);
     return true;
 }
 
@@ -196,8 +176,8 @@ void PageAllocation::MakeReferring(RowPlace place, const QByteArray& row, quint3
 {
     const bool isGlobal = place.Pointer() == GlobalMapPointer;
     QByteArray referring(row.size(), '\0');
-    Put(referring, 0, ReferringMap);
-    const qsizetype most = (row.size() - ReferencesAt) / 4;
+    Put(referring, 0, MapLayout::Referring);
+    const qsizetype most = (row.size() - MapLayout::ReferencesAt) / 4;
     std::vector<quint32> own;
     for (quint32 first = 0; first < File_.PageCount() || first <= page; first += PagesOfBitmap) {
         QByteArray bitmap(PageSize, isGlobal ? '\xFF' : '\0');
@@ -209,8 +189,8 @@ void PageAllocation::MakeReferring(RowPlace place, const QByteArray& row, quint3
             const quint32 each = FirstOf(row) + bit;
             if (each / PagesOfBitmap != first / PagesOfBitmap)
                 continue;
-            SetBit(bitmap, BitmapAt, each - first, BitAt(row, BitsAt, bit));
-            isNeeded = isNeeded || BitAt(row, BitsAt, bit);
+            SetMapBit(bitmap, MapLayout::BitmapAt, each - first, MapBitAt(row, MapLayout::BitsAt, bit));
+            isNeeded = isNeeded || MapBitAt(row, MapLayout::BitsAt, bit);
         }
         if (!isNeeded)
             continue;
@@ -219,7 +199,7 @@ void PageAllocation::MakeReferring(RowPlace place, const QByteArray& row, quint3
         // The map of free pages gives none while it is being remade.
         own.push_back(isGlobal ? Append() : Allocate());
         File_.Change(own.back(), bitmap);
-        Put(referring, ReferencesAt + 4 * qsizetype(first / PagesOfBitmap), own.back());
+        Put(referring, MapLayout::ReferencesAt + 4 * qsizetype(first / PagesOfBitmap), own.back());
     }
     StoreRow(place, referring);
     for (const quint32 each : own) {
@@ -231,7 +211,7 @@ void PageAllocation::MakeReferring(RowPlace place, const QByteArray& row, quint3
 void PageAllocation::SetOnBitmap(RowPlace place, QByteArray row, quint32 page, bool isSet)
 {
     const bool isGlobal = place.Pointer() == GlobalMapPointer;
-    const qsizetype at = ReferencesAt + 4 * qsizetype(page / PagesOfBitmap);
+    const qsizetype at = MapLayout::ReferencesAt + 4 * qsizetype(page / PagesOfBitmap);
     if (at + 4 > row.size())
         throw Fault(QStringLiteral("the map in row %1 of page %2 is too short").arg(place.Row).arg(place.Page));
     quint32 number = OctetView(row).U32(at);
@@ -248,7 +228,7 @@ void PageAllocation::SetOnBitmap(RowPlace place, QByteArray row, quint32 page, b
     } else {
         bitmap = File_.Page(number, PageType::Bitmap);
     }
-    SetBit(bitmap, BitmapAt, page % PagesOfBitmap, isSet);
+    SetMapBit(bitmap, MapLayout::BitmapAt, page % PagesOfBitmap, isSet);
     File_.Change(number, bitmap);
     if (isNew && isGlobal)
         Set(GlobalMapPointer, number, false);

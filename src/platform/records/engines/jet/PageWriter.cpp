@@ -5,6 +5,8 @@
 #include "platform/records/FileTools.h"
 #include "platform/records/engines/jet/DataPage.h"
 #include "platform/records/engines/jet/Header.h"
+#include "platform/records/engines/jet/PageLayout.h"
+#include "platform/records/engines/jet/UsageMap.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,24 +19,13 @@ namespace
 
 constexpr quint32 FirstFreePage = 6;
 constexpr quint32 GlobalMapPage = 1;
-constexpr int MapRowSize = 69;
-constexpr int MapBitsAt = 5;
-constexpr quint32 InlinePages = (MapRowSize - MapBitsAt) * 8;
-constexpr int MapsOfPage = (PageSize - RowSlotsAt) / (MapRowSize + 2);
-constexpr quint8 ReferringMap = 1;
-constexpr int BitmapAt = 4;
+constexpr quint32 InlinePages = (MapLayout::RowSize - MapLayout::BitsAt) * MapLayout::BitsOfOctet;
+constexpr int MapsOfPage = (PageSize - RowPageLayout::SlotsAt) / (MapLayout::RowSize + RowPageLayout::SlotSize);
 constexpr quint16 UntouchedCommits = 0x0100;
-
-void SetBit(QByteArray& octets, qsizetype at, quint32 bit, bool isSet)
-{
-    char& octet = octets.data()[at + bit / 8];
-    const int mask = 1 << (bit % 8);
-    octet = static_cast<char>(isSet ? octet | mask : octet & ~mask);
-}
 
 QByteArray EmptyMap()
 {
-    return QByteArray(MapRowSize, '\0');
+    return QByteArray(MapLayout::RowSize, '\0');
 }
 
 QByteArray EmptyBitmap(bool isSet)
@@ -42,7 +33,7 @@ QByteArray EmptyBitmap(bool isSet)
     QByteArray page(PageSize, isSet ? '\xFF' : '\0');
     Put(page, 0, static_cast<quint8>(PageType::Bitmap));
     Put(page, 1, quint8(1));
-    Put(page, 2, quint16(0));
+    Put(page, RowPageLayout::FreeOctetsAt, quint16(0));
     return page;
 }
 
@@ -59,8 +50,7 @@ PageWriter::PageWriter(const QString& fileName, std::vector<quint32> reserved)
 
 void PageWriter::Require(const FileStatus& status) const
 {
-    if (!status.IsDone())
-        throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(Name_, status.Words()));
+    RequireWritten(Name_, status);
 }
 
 quint32 PageWriter::Allocate()
@@ -113,36 +103,36 @@ QByteArray PageWriter::MapRow(const Map& map)
         return row;
     const quint32 first = map.Pages.front() / 8 * 8;
     if (map.Pages.back() - first < InlinePages) {
-        Put(row, 1, first);
+        Put(row, MapLayout::FirstPageAt, first);
         for (const quint32 page : map.Pages)
-            SetBit(row, MapBitsAt, page - first, true);
+            SetMapBit(row, MapLayout::BitsAt, page - first, true);
         return row;
     }
-    Put(row, 0, ReferringMap);
+    Put(row, 0, MapLayout::Referring);
     for (auto at = map.Pages.begin(); at != map.Pages.end();) {
         const quint32 place = *at / PagesOfBitmap;
         QByteArray bitmap = EmptyBitmap(false);
         for (; at != map.Pages.end() && *at / PagesOfBitmap == place; ++at)
-            SetBit(bitmap, BitmapAt, *at % PagesOfBitmap, true);
+            SetMapBit(bitmap, MapLayout::BitmapAt, *at % PagesOfBitmap, true);
         const quint32 number = Allocate();
         Write(number, bitmap);
-        Put(row, 1 + 4 * qsizetype(place), number);
+        Put(row, MapLayout::ReferencesAt + 4 * qsizetype(place), number);
     }
     return row;
 }
 
 QByteArray PageWriter::GlobalMapRow()
 {
-    QByteArray row(MapRowSize, '\xFF');
+    QByteArray row(MapLayout::RowSize, '\xFF');
     Put(row, 0, quint32(0));
     Put(row, 4, quint8(0));
     if (PageCount() <= InlinePages) {
         for (quint32 page = 0; page < PageCount(); ++page)
-            SetBit(row, MapBitsAt, page, !IsUsed(page));
+            SetMapBit(row, MapLayout::BitsAt, page, !IsUsed(page));
         return row;
     }
     row = EmptyMap();
-    Put(row, 0, ReferringMap);
+    Put(row, 0, MapLayout::Referring);
     // The map's own pages are used as well.
     std::vector<quint32> bitmaps;
     while (quint64(bitmaps.size()) * PagesOfBitmap < PageCount())
@@ -151,9 +141,9 @@ QByteArray PageWriter::GlobalMapRow()
         QByteArray bitmap = EmptyBitmap(true);
         const quint32 first = static_cast<quint32>(place) * PagesOfBitmap;
         for (quint32 page = first; page < std::min(PageCount(), first + PagesOfBitmap); ++page)
-            SetBit(bitmap, BitmapAt, page - first, !IsUsed(page));
+            SetMapBit(bitmap, MapLayout::BitmapAt, page - first, !IsUsed(page));
         Write(bitmaps[place], bitmap);
-        Put(row, 1 + 4 * static_cast<qsizetype>(place), bitmaps[place]);
+        Put(row, MapLayout::ReferencesAt + 4 * static_cast<qsizetype>(place), bitmaps[place]);
     }
     return row;
 }
@@ -217,9 +207,12 @@ QByteArray MakeDataPage(quint32 owner, const std::vector<QByteArray>& rows)
     for (std::size_t i = 0; i < rows.size(); ++i) {
         start -= rows[i].size();
         std::memcpy(page.data() + start, rows[i].constData(), static_cast<std::size_t>(rows[i].size()));
-        Put(page, RowSlotsAt + 2 * static_cast<qsizetype>(i), static_cast<quint16>(start));
+        Put(page, RowPageLayout::SlotsAt + RowPageLayout::SlotSize * static_cast<qsizetype>(i),
+            static_cast<quint16>(start));
     }
-    Put(page, 2, static_cast<quint16>(start - RowSlotsAt - 2 * static_cast<qsizetype>(rows.size())));
+    Put(page, RowPageLayout::FreeOctetsAt,
+        static_cast<quint16>(start - RowPageLayout::SlotsAt -
+                             RowPageLayout::SlotSize * static_cast<qsizetype>(rows.size())));
     return page;
 }
 

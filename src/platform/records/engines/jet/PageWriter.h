@@ -11,19 +11,6 @@
 namespace dao::jet
 {
 
-/// Writes a number little-endian into a page.
-template <typename Number>
-void Put(QByteArray& octets, qsizetype at, Number number)
-{
-    qToLittleEndian(number, octets.data() + at);
-}
-template <typename Number>
-void Append(QByteArray& octets, Number number)
-{
-    octets.resize(octets.size() + static_cast<qsizetype>(sizeof(Number)));
-    Put(octets, octets.size() - static_cast<qsizetype>(sizeof(Number)), number);
-}
-
 /// Writes a whole new file: pages one behind the other, and the maps of whose they are. The pages that have a place of
 /// their own, up to the definitions of the format's four tables, are kept free, and others that somebody wants. Errors:
 /// 3026 and 3043 for the disk, 3251 when the file would be larger than such a file can be.

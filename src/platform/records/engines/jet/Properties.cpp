@@ -15,7 +15,7 @@ namespace dao::jet
 namespace
 {
 
-constexpr char Mark[] = "MR2"; // With the closing zero.
+constexpr char PropertiesMark[] = "MR2"; // With the closing zero.
 constexpr quint16 NamesBlock = 0x80;
 constexpr quint16 ColumnBlock = 1;
 constexpr int BlockHeader = 6;
@@ -61,20 +61,6 @@ void ReadColumn(const OctetView& block, const QStringList& names, QHash<QString,
     }
 }
 
-template <typename Number>
-void Append(QByteArray& octets, Number number)
-{
-    const Number little = qToLittleEndian(number);
-    octets.append(reinterpret_cast<const char*>(&little), sizeof(little));
-}
-
-void AppendName(QByteArray& octets, const QString& name)
-{
-    const QByteArray stored = StoredFromText(name, false);
-    Append(octets, static_cast<quint16>(stored.size()));
-    octets += stored;
-}
-
 void AppendBlock(QByteArray& blob, quint16 kind, const QByteArray& content)
 {
     Append(blob, static_cast<quint32>(BlockHeader + content.size()));
@@ -118,10 +104,11 @@ quint16 PlaceOfName(QStringList& names, const QString& name)
 QHash<QString, ColumnProperties> ReadColumnProperties(const OctetView& blob)
 {
     QHash<QString, ColumnProperties> columns;
-    if (blob.Size() < qsizetype(sizeof(Mark)) || std::memcmp(blob.Data(), Mark, sizeof(Mark)) != 0)
+    if (blob.Size() < qsizetype(sizeof(PropertiesMark)) ||
+        std::memcmp(blob.Data(), PropertiesMark, sizeof(PropertiesMark)) != 0)
         return columns;
     QStringList names;
-    for (qsizetype at = sizeof(Mark); at < blob.Size();) {
+    for (qsizetype at = sizeof(PropertiesMark); at < blob.Size();) {
         const OctetView block = blob.Part(at, blob.U32(at));
         const quint16 kind = block.U16(4);
         const OctetView content = block.From(BlockHeader);
@@ -136,7 +123,7 @@ QHash<QString, ColumnProperties> ReadColumnProperties(const OctetView& blob)
 
 QByteArray WriteColumnProperties(const std::vector<std::pair<QString, ColumnProperties>>& columns)
 {
-    QByteArray blob(Mark, sizeof(Mark));
+    QByteArray blob(PropertiesMark, sizeof(PropertiesMark));
     QByteArray names;
     AppendName(names, RequiredName());
     AppendName(names, ZeroLengthName());
@@ -151,11 +138,12 @@ QByteArray AddColumnProperties(const QByteArray& blob, const QString& name, cons
     if (blob.isEmpty())
         return WriteColumnProperties({{name, properties}});
     const OctetView all(blob);
-    if (blob.size() < qsizetype(sizeof(Mark)) || std::memcmp(blob.constData(), Mark, sizeof(Mark)) != 0)
+    if (blob.size() < qsizetype(sizeof(PropertiesMark)) ||
+        std::memcmp(blob.constData(), PropertiesMark, sizeof(PropertiesMark)) != 0)
         return blob; // Of a kind that nobody reads here.
     QStringList names;
     QByteArray rest;
-    for (qsizetype at = sizeof(Mark); at < all.Size();) {
+    for (qsizetype at = sizeof(PropertiesMark); at < all.Size();) {
         const OctetView block = all.Part(at, all.U32(at));
         if (block.Size() < BlockHeader)
             throw Fault(QStringLiteral("the properties of a table do not fit together"));
@@ -170,7 +158,7 @@ QByteArray AddColumnProperties(const QByteArray& blob, const QString& name, cons
     QByteArray stored;
     for (const QString& each : names)
         AppendName(stored, each);
-    QByteArray result(Mark, sizeof(Mark));
+    QByteArray result(PropertiesMark, sizeof(PropertiesMark));
     AppendBlock(result, NamesBlock, stored);
     result += rest;
     AppendColumn(result, name, properties, required, zeroLength);

@@ -14,7 +14,6 @@ namespace dao::jet
 namespace
 {
 
-constexpr double CurrencyUnit = 10000;
 constexpr int NumericSize = 17;
 constexpr int GuidSize = 16;
 

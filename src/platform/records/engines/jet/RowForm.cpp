@@ -17,7 +17,6 @@ namespace dao::jet
 namespace
 {
 
-constexpr double CurrencyUnit = 10000;
 constexpr qsizetype ShortestRow = 4;
 
 qint64 WholeOf(const StoredValue& value)
@@ -29,7 +28,7 @@ qint64 WholeOf(const StoredValue& value)
     throw Error(errTypeMismatch, QStringLiteral("A field of numbers cannot hold a text."));
 }
 
-double RealOf(const StoredValue& value)
+double RequiredReal(const StoredValue& value)
 {
     if (const double* real = std::get_if<double>(&value))
         return *real;
@@ -108,14 +107,14 @@ NewCell CellOf(const ColumnDefinition& column, const StoredValue& value)
             return WholeOctets<qint32>(value);
         case ColumnType::Currency: {
             QByteArray units;
-            Append(units, static_cast<qint64>(std::llround(RealOf(value) * CurrencyUnit)));
+            Append(units, static_cast<qint64>(std::llround(RequiredReal(value) * CurrencyUnit)));
             return units;
         }
         case ColumnType::Single:
-            return RealOctets<float, quint32>(RealOf(value));
+            return RealOctets<float, quint32>(RequiredReal(value));
         case ColumnType::Double:
         case ColumnType::Date:
-            return RealOctets<double, quint64>(RealOf(value));
+            return RealOctets<double, quint64>(RequiredReal(value));
         case ColumnType::Text:
         case ColumnType::Memo:
             return TextOctets(column, value);

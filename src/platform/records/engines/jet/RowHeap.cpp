@@ -5,6 +5,7 @@
 #include "platform/records/engines/jet/PageWriter.h"
 #include "platform/records/engines/jet/RowPageEdit.h"
 #include "platform/records/engines/jet/RowPages.h"
+#include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/engines/jet/UsageMap.h"
 
 #include <algorithm>
@@ -16,8 +17,6 @@ namespace
 {
 
 constexpr int RoomWorthNoting = 200;
-constexpr qsizetype PointerSize = 4;
-constexpr int LongestPath = 16;
 /// Pages with room that are tried before a new one is taken: rows must not cost more the more there are.
 constexpr std::size_t MostTried = 8;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/jet/RowPageEdit.h"
 
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/PageWriter.h"
 
 #include <cstring>
@@ -10,16 +11,13 @@ namespace dao::jet
 
 namespace
 {
-constexpr int FreeOctetsAt = 2;
-constexpr int RowCountAt = 12;
-constexpr int SlotSize = 2;
 } // namespace
 
 RowPageEdit::RowPageEdit(PageFile& file, quint32 number)
     : File_(file),
       Number_(number),
       Octets_(file.Page(number, PageType::Data)),
-      RowCount_(OctetView(Octets_).U16(RowCountAt))
+      RowCount_(OctetView(Octets_).U16(RowPageLayout::RowCountAt))
 {
     const DataPage page(file, number);
     for (int row = 0; row < RowCount_; ++row)
@@ -28,17 +26,18 @@ RowPageEdit::RowPageEdit(PageFile& file, quint32 number)
 
 int RowPageEdit::StartOf(int row) const
 {
-    return row < 0 ? PageSize : OctetView(Octets_).U16(RowSlotsAt + SlotSize * row) & RowOffsetMask;
+    return row < 0 ? PageSize
+                   : OctetView(Octets_).U16(RowPageLayout::SlotsAt + RowPageLayout::SlotSize * row) & RowOffsetMask;
 }
 
 int RowPageEdit::FreeOctets() const
 {
-    return StartOf(RowCount_ - 1) - RowSlotsAt - SlotSize * RowCount_;
+    return StartOf(RowCount_ - 1) - RowPageLayout::SlotsAt - RowPageLayout::SlotSize * RowCount_;
 }
 
 bool RowPageEdit::HasRoomFor(qsizetype size) const
 {
-    return RowCount_ < MostRowsOfPage && size + SlotSize <= FreeOctets();
+    return RowCount_ < MostRowsOfPage && size + RowPageLayout::SlotSize <= FreeOctets();
 }
 
 bool RowPageEdit::HasRoomInstead(int row, qsizetype size) const
@@ -49,7 +48,7 @@ bool RowPageEdit::HasRoomInstead(int row, qsizetype size) const
 bool RowPageEdit::HasRows() const
 {
     for (int row = 0; row < RowCount_; ++row) {
-        if ((OctetView(Octets_).U16(RowSlotsAt + SlotSize * row) & RowDeleted) != RowDeleted)
+        if ((OctetView(Octets_).U16(RowPageLayout::SlotsAt + RowPageLayout::SlotSize * row) & RowDeleted) != RowDeleted)
             return true;
     }
     return false;
@@ -57,12 +56,12 @@ bool RowPageEdit::HasRows() const
 
 void RowPageEdit::SetSlot(int row, int start, quint16 flags)
 {
-    Put(Octets_, RowSlotsAt + SlotSize * row, static_cast<quint16>(start | flags));
+    Put(Octets_, RowPageLayout::SlotsAt + RowPageLayout::SlotSize * row, static_cast<quint16>(start | flags));
 }
 
 void RowPageEdit::Store()
 {
-    Put(Octets_, FreeOctetsAt, static_cast<quint16>(FreeOctets()));
+    Put(Octets_, RowPageLayout::FreeOctetsAt, static_cast<quint16>(FreeOctets()));
     File_.Change(Number_, Octets_);
 }
 
@@ -74,7 +73,7 @@ int RowPageEdit::Add(const QByteArray& row, quint16 flags)
     std::memcpy(Octets_.data() + start, row.constData(), static_cast<std::size_t>(row.size()));
     SetSlot(RowCount_, start, flags);
     ++RowCount_;
-    Put(Octets_, RowCountAt, static_cast<quint16>(RowCount_));
+    Put(Octets_, RowPageLayout::RowCountAt, static_cast<quint16>(RowCount_));
     Store();
     return RowCount_ - 1;
 }
@@ -90,7 +89,7 @@ void RowPageEdit::Replace(int row, const QByteArray& octets, quint16 flags)
     std::memmove(Octets_.data() + lowest + shift, Octets_.constData() + lowest,
                  static_cast<std::size_t>(StartOf(row) - lowest));
     for (int other = row + 1; other < RowCount_; ++other) {
-        const quint16 slot = OctetView(Octets_).U16(RowSlotsAt + SlotSize * other);
+        const quint16 slot = OctetView(Octets_).U16(RowPageLayout::SlotsAt + RowPageLayout::SlotSize * other);
         SetSlot(other, StartOf(other) + shift, static_cast<quint16>(slot & RowDeleted));
     }
     std::memcpy(Octets_.data() + end - octets.size(), octets.constData(), static_cast<std::size_t>(octets.size()));

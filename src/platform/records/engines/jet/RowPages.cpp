@@ -3,6 +3,7 @@
 
 #include "platform/records/Error.h"
 #include "platform/records/engines/jet/DataPage.h"
+#include "platform/records/engines/jet/PageLayout.h"
 
 #include <algorithm>
 
@@ -12,7 +13,6 @@ namespace dao::jet
 namespace
 {
 
-constexpr int SlotSize = 2;
 constexpr qsizetype LargestPiece = LargestLongRow - 4;
 constexpr qsizetype LongestValue = 0x3FFFFFFF;
 constexpr quint32 InOneRow = 0x40000000;
@@ -43,14 +43,14 @@ RowPages::RowPages(PageWriter& pages, quint32 owner)
 
 RowPlace RowPages::Add(const QByteArray& row)
 {
-    if (Page_ != 0 && (row.size() + SlotSize > Room_ || Rows_.size() == MostRowsOfPage))
+    if (Page_ != 0 && (row.size() + RowPageLayout::SlotSize > Room_ || Rows_.size() == MostRowsOfPage))
         WritePage();
     if (Page_ == 0) {
         Page_ = AllocateAlone();
-        Room_ = PageSize - RowSlotsAt;
+        Room_ = PageSize - RowPageLayout::SlotsAt;
     }
     Rows_.push_back(row);
-    Room_ -= row.size() + SlotSize;
+    Room_ -= row.size() + RowPageLayout::SlotSize;
     return {Page_, static_cast<quint8>(Rows_.size() - 1)};
 }
 

@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr qsizetype NumberSize = 4;
-constexpr qsizetype SumSize = 4;
+constexpr qsizetype SealSumSize = 4;
 
 std::string_view ViewOf(const char* data, qsizetype size)
 {
@@ -36,9 +36,9 @@ quint32 SumOfRow(const OctetView& row, qsizetype sumAt, const TableDefinition& t
     Append(owner, table.Page());
     const quint32 before =
         engine::Crc32c(ViewOf(row.Data(), sumAt), engine::Crc32c(ViewOf(owner.constData(), owner.size())));
-    constexpr char zeros[SumSize] = {};
-    const quint32 with = engine::Crc32c(ViewOf(zeros, SumSize), before);
-    const qsizetype behind = sumAt + SumSize;
+    constexpr char zeros[SealSumSize] = {};
+    const quint32 with = engine::Crc32c(ViewOf(zeros, SealSumSize), before);
+    const qsizetype behind = sumAt + SealSumSize;
     return engine::Crc32c(ViewOf(row.Data() + behind, row.Size() - behind), with);
 }
 
@@ -73,7 +73,7 @@ qsizetype FixedEnd(const TableDefinition& table, int columnCount)
 
 qsizetype SealSize(const TableDefinition& table, int columnCount)
 {
-    return NumberSize + SumSize * LongColumns(table, columnCount) + SumSize;
+    return NumberSize + SealSumSize * LongColumns(table, columnCount) + SealSumSize;
 }
 
 QByteArray SealOctets(const RowSeal& seal)
@@ -88,7 +88,7 @@ QByteArray SealOctets(const RowSeal& seal)
 
 void CloseSeal(QByteArray& row, qsizetype at, qsizetype size, const TableDefinition& table)
 {
-    const qsizetype sumAt = at + size - SumSize;
+    const qsizetype sumAt = at + size - SealSumSize;
     Put(row, sumAt, SumOfRow(OctetView(row), sumAt, table));
 }
 
@@ -104,11 +104,11 @@ FoundSeal SealOf(const OctetView& row, const TableDefinition& table)
     if (!hasSeal)
         return found;
     const OctetView octets = row.Part(at, size);
-    const qsizetype sumAt = size - SumSize;
+    const qsizetype sumAt = size - SealSumSize;
     found.Sum = octets.U32(sumAt);
     found.What = SumOfRow(row, at + sumAt, table) == found.Sum ? FoundSeal::State::Holds : FoundSeal::State::Broken;
     found.Seal.Number = octets.U32(0);
-    for (qsizetype place = NumberSize; place < sumAt; place += SumSize)
+    for (qsizetype place = NumberSize; place < sumAt; place += SealSumSize)
         found.Seal.LongSums.push_back(octets.U32(place));
     return found;
 }

@@ -5,6 +5,7 @@
 #include "platform/records/engines/jet/IndexTree.h"
 #include "platform/records/engines/jet/KeyForm.h"
 #include "platform/records/engines/jet/LongValue.h"
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/PageWriter.h"
 #include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/query/StoredValues.h"
@@ -17,10 +18,6 @@ namespace dao::jet
 namespace
 {
 
-constexpr qsizetype RowCountAt = 16;
-constexpr qsizetype CounterAt = 20;
-constexpr qsizetype TreesAt = 63;
-constexpr qsizetype TreeSize = 12;
 constexpr qsizetype DistinctKeysAt = 4; // Of a tree.
 
 quint32 NumberIn(PageFile& file, quint32 definition, qsizetype at)
@@ -53,17 +50,17 @@ StoredValue KeyValueOf(const ColumnDefinition& column, const NewCell& cell)
 
 quint32 RowCountIn(PageFile& file, quint32 definition)
 {
-    return NumberIn(file, definition, RowCountAt);
+    return NumberIn(file, definition, DefinitionLayout::RowCountAt);
 }
 
 quint32 CounterIn(PageFile& file, quint32 definition)
 {
-    return NumberIn(file, definition, CounterAt);
+    return NumberIn(file, definition, DefinitionLayout::CounterAt);
 }
 
 void SetCounterIn(PageFile& file, quint32 definition, quint32 counter)
 {
-    SetNumberIn(file, definition, CounterAt, counter);
+    SetNumberIn(file, definition, DefinitionLayout::CounterAt, counter);
 }
 
 bool RowWriter::IsIndexed(quint16 column) const
@@ -166,9 +163,10 @@ void RowWriter::AddEntry(std::size_t index, const Key& key, std::span<const Stor
     IndexTree tree(File_, definition.Root);
     const auto equal = tree.FirstFrom(key.Octets, false);
     const bool isNew = !equal || !tree.BeginsWith(*equal, key.Octets);
-    IndexEdit(File_, Pages_, Table_.Page(), definition).Add(key.Octets, place);
+    IndexEdit(File_, Pages_, definition).Add(key.Octets, place);
     if (isNew) {
-        const qsizetype at = TreesAt + TreeSize * static_cast<qsizetype>(index) + DistinctKeysAt;
+        const qsizetype at = DefinitionLayout::FixedPart +
+                             DefinitionLayout::StatisticsOfTree * static_cast<qsizetype>(index) + DistinctKeysAt;
         SetNumberIn(File_, Table_.Page(), at, NumberIn(File_, Table_.Page(), at) + 1);
     }
 }
@@ -185,7 +183,7 @@ void RowWriter::DeleteEntry(std::size_t index, const Key& key, RowPlace place)
         entry = tree.EntryOf(place);
     // A row that an index lacks is no hindrance to change it.
     if (entry)
-        IndexEdit(File_, Pages_, Table_.Page(), definition).Delete(keyAt(*entry), place);
+        IndexEdit(File_, Pages_, definition).Delete(keyAt(*entry), place);
 }
 
 QByteArray RowWriter::StoredLong(const ColumnDefinition& column, const QByteArray& value)
@@ -202,7 +200,7 @@ void RowWriter::CountRows(int more)
 {
     const quint32 count = RowCountIn(File_, Table_.Page());
     if (more > 0 || count > 0)
-        SetNumberIn(File_, Table_.Page(), RowCountAt, static_cast<quint32>(qint64(count) + more));
+        SetNumberIn(File_, Table_.Page(), DefinitionLayout::RowCountAt, static_cast<quint32>(qint64(count) + more));
 }
 
 void RowWriter::RaiseCounter(const NewCell& cell)

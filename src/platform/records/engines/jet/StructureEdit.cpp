@@ -22,9 +22,7 @@ namespace dao::jet
 namespace
 {
 
-constexpr qint32 TablesContainer = 0x0F000001;
 constexpr quint32 RightsDefinition = CatalogueDefinition + 1;
-constexpr qint64 AllRights = 0xFFFFF;
 
 std::size_t PlaceOf(const TableDefinition& table, const char* name)
 {

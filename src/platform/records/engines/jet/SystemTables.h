@@ -6,6 +6,9 @@
 namespace dao::jet
 {
 
+inline constexpr qint32 TablesContainer = 0x0F000001; ///< The object above all tables.
+inline constexpr qint64 AllRights = 0xFFFFF;
+
 /// The shapes of the tables that the format has in every file, and of a user's table.
 TableDefinition ObjectsShape();
 TableDefinition RightsShape();

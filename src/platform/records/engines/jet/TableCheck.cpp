@@ -3,6 +3,7 @@
 
 #include "platform/records/engines/jet/KeyForm.h"
 #include "platform/records/engines/jet/LongValue.h"
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/TableScan.h"
 
 #include <algorithm>
@@ -116,7 +117,7 @@ void TableCheck::CheckPageHeader(const DataPage& page)
     int lowest = PageSize;
     for (int row = 0; row < page.RowCount(); ++row)
         lowest = page.SlotAt(row).Start;
-    if (page.FreeOctets() != lowest - RowSlotsAt - 2 * page.RowCount())
+    if (page.FreeOctets() != lowest - RowPageLayout::SlotsAt - RowPageLayout::SlotSize * page.RowCount())
         Checked_.Found.AddDamage(Named(QStringLiteral("Page %1").arg(page.Number())) +
                                  QStringLiteral(" has a wrong count of free octets"));
 }

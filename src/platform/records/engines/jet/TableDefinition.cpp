@@ -2,6 +2,7 @@
 #include "platform/records/engines/jet/TableDefinition.h"
 
 #include "platform/records/engines/MemoCheck.h"
+#include "platform/records/engines/jet/PageLayout.h"
 
 #include <algorithm>
 #include <array>
@@ -13,18 +14,13 @@ namespace
 {
 
 constexpr int NextPageAt = 4;
-constexpr int LengthAt = 8;
-constexpr int FixedPart = 63;
 constexpr int MostPages = 64; // 255 columns with the longest names take less than half of them.
-constexpr int TreeStatistics = 12;
 constexpr int ColumnSize = 25;
 constexpr int TreeSize = 52;
 constexpr int IndexNameSize = 28;
 constexpr int MostTrees = 255;
 constexpr int MostIndexNames = 4096;
-constexpr quint16 NoColumn = 0xFFFF;
 constexpr quint8 Ascending = 1;
-constexpr quint8 SystemTable = 0x53;
 
 /// The definition as one text: its first page whole, the next ones without their headers.
 QByteArray ReadPages(PageFile& file, quint32 first, std::vector<quint32>& pages)
@@ -38,8 +34,8 @@ QByteArray ReadPages(PageFile& file, quint32 first, std::vector<quint32>& pages)
         octets += pages.size() == 1 ? page : page.mid(DefinitionHeader);
         number = OctetView(page).U32(NextPageAt);
     }
-    const quint32 length = OctetView(octets).U32(LengthAt);
-    if (length < FixedPart || length > quint32(octets.size()))
+    const quint32 length = OctetView(octets).U32(DefinitionLayout::LengthAt);
+    if (length < DefinitionLayout::FixedPart || length > quint32(octets.size()))
         throw Fault(QStringLiteral("the definition on page %1 has a wrong length").arg(first));
     octets.truncate(length);
     return octets;
@@ -103,7 +99,7 @@ IndexDefinition IndexFrom(const OctetView& octets)
     IndexDefinition index;
     for (int i = 0; i < IndexColumns; ++i) {
         const quint16 number = octets.U16(4 + 3 * i);
-        if (number != NoColumn)
+        if (number != DefinitionLayout::NoColumn)
             index.Columns.push_back({number, (octets.U8(6 + 3 * i) & Ascending) != 0});
     }
     index.Map = octets.U32(34);
@@ -161,7 +157,7 @@ void ReadLongColumns(Reader& reader, TableDefinition& table)
 {
     while (reader.Left() >= 2) {
         const quint16 number = reader.TakeU16();
-        if (number == NoColumn)
+        if (number == DefinitionLayout::NoColumn)
             return;
         const OctetView maps = reader.Take(8);
         const auto column = std::find_if(table.Columns.begin(), table.Columns.end(),
@@ -193,8 +189,7 @@ const ColumnDefinition* TableDefinition::ColumnNamed(const QString& name) const
 
 quint32 SumOfDefinition(const QByteArray& octets, quint32 page)
 {
-    constexpr int CountsAt = 16;
-    constexpr int CountsEnd = 24;
+    constexpr int CountsEnd = DefinitionLayout::CounterAt + 4;
     constexpr int SealEnd = 40;
     constexpr int TreesAt = 51;
     std::array<char, sizeof(quint32)> number{};
@@ -204,11 +199,11 @@ quint32 SumOfDefinition(const QByteArray& octets, quint32 page)
         const OctetView part = OctetView(octets).Part(from, end - from);
         sum = engine::Crc32c({part.Data(), static_cast<std::size_t>(part.Size())}, sum);
     };
-    add(DefinitionHeader, CountsAt);
+    add(DefinitionHeader, DefinitionLayout::RowCountAt);
     add(CountsEnd, DefinitionSealAt);
-    add(SealEnd, FixedPart);
+    add(SealEnd, DefinitionLayout::FixedPart);
     const quint32 trees = OctetView(octets).U32(TreesAt);
-    const qint64 statisticsEnd = FixedPart + qint64(TreeStatistics) * trees;
+    const qint64 statisticsEnd = DefinitionLayout::FixedPart + qint64(DefinitionLayout::StatisticsOfTree) * trees;
     if (statisticsEnd > octets.size())
         throw Fault(QStringLiteral("the definition on page %1 names more indexes than it has").arg(page));
     add(statisticsEnd, octets.size());
@@ -220,11 +215,11 @@ TableDefinition ReadTableDefinition(PageFile& file, quint32 page)
     TableDefinition table;
     const QByteArray octets = ReadPages(file, page, table.Pages);
     Reader reader{OctetView(octets)};
-    const OctetView fixed = reader.Take(FixedPart);
+    const OctetView fixed = reader.Take(DefinitionLayout::FixedPart);
     table.State = SealIn(octets, page);
-    table.RowCount = fixed.U32(16);
-    table.Counter = fixed.U32(20);
-    table.IsSystem = fixed.U8(40) == SystemTable;
+    table.RowCount = fixed.U32(DefinitionLayout::RowCountAt);
+    table.Counter = fixed.U32(DefinitionLayout::CounterAt);
+    table.IsSystem = fixed.U8(DefinitionLayout::KindAt) == DefinitionLayout::SystemTable;
     table.ColumnsEver = fixed.U16(41);
     table.VariableColumns = fixed.U16(43);
     const int columns = fixed.U16(45);
@@ -237,7 +232,7 @@ TableDefinition ReadTableDefinition(PageFile& file, quint32 page)
             QStringLiteral("the definition on page %1 names more columns or indexes than there can be").arg(page));
     table.Indexes.resize(trees);
     for (IndexDefinition& index : table.Indexes)
-        index.DistinctKeys = reader.Take(TreeStatistics).U32(4);
+        index.DistinctKeys = reader.Take(DefinitionLayout::StatisticsOfTree).U32(4);
     ReadColumns(reader, columns, table);
     ReadIndexes(reader, static_cast<int>(names), table);
     ReadLongColumns(reader, table);

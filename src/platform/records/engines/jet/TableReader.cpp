@@ -5,6 +5,7 @@
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/jet/LongValue.h"
 #include "platform/records/engines/jet/RowWriter.h"
+#include "platform/records/engines/jet/TextForm.h"
 #include "platform/records/query/StoredValues.h"
 
 #include <algorithm>
@@ -20,16 +21,6 @@ namespace
 
 constexpr qint64 SmallMemos = 65536; ///< Octets of a row's long values that are read with it.
 constexpr qsizetype LargeMemo = 1024 * 1024;
-
-RowPlace PlaceOf(qint64 id)
-{
-    return RowPlace::FromPointer(static_cast<quint32>(id));
-}
-
-bool IsPlace(qint64 id)
-{
-    return id >= 0 && id <= 0xFFFFFFFF;
-}
 
 void Pack(const StoredValue& value, RowPacker& packer)
 {
@@ -89,6 +80,16 @@ TableScan& TableReader::Scan()
     return *Scan_;
 }
 
+qint64 TableReader::LongOctetsOf(const RowCells& cells) const
+{
+    qint64 octets = 0;
+    for (const ColumnDefinition* column : Columns_) {
+        const auto stored = column->IsLong() ? cells.Octets(*column) : std::nullopt;
+        octets += stored ? qint64(ReadLongReference(*stored).Size) : 0;
+    }
+    return octets;
+}
+
 void TableReader::Take(const FoundRow& found, qint64 id, MemoFetch memos, Row& row) const
 {
     const OctetView octets = found.Octets();
@@ -96,17 +97,13 @@ void TableReader::Take(const FoundRow& found, qint64 id, MemoFetch memos, Row& r
     row.Id = id;
     row.Version = VersionOf(octets);
     row.Cells.clear();
-    qint64 longOctets = 0;
-    for (const ColumnDefinition* column : Columns_) {
-        const auto stored = column->IsLong() ? cells.Octets(*column) : std::nullopt;
-        longOctets += stored ? qint64(ReadLongReference(*stored).Size) : 0;
-    }
+    const bool isDeferred = memos == MemoFetch::Deferred || LongOctetsOf(cells) > SmallMemos;
     RowPacker packer(row.Cells);
     for (const ColumnDefinition* column : Columns_) {
         const auto stored = column->IsLong() ? cells.Octets(*column) : std::nullopt;
         if (!stored)
             Pack(cells.Value(*column), packer);
-        else if (memos == MemoFetch::Deferred || longOctets > SmallMemos)
+        else if (isDeferred)
             packer.AddDeferred();
         else
             PackMemo(*column, *stored, packer);
@@ -162,6 +159,36 @@ engine::StoredMemo TableReader::ReadMemo(int column, qint64 id)
     if (memo.Utf8.isNull() && memo.Octets.isNull())
         memo.Utf8 = QByteArrayLiteral("");
     return memo;
+}
+
+std::optional<MemoBeginning> TableReader::ReadMemoBeginning(int column, qint64 id, qsizetype mostOctets)
+{
+    const std::optional<FoundRow> found =
+        IsPlace(id) ? FindRow(File_, Definition_, PlaceOf(id)) : std::optional<FoundRow>();
+    if (!found)
+        return std::nullopt;
+    const ColumnDefinition& definition = *Columns_[static_cast<std::size_t>(column)];
+    const auto stored = RowCells(found->Octets(), Definition_).Octets(definition);
+    if (!stored)
+        return MemoBeginning{{}, true};
+    const LongBeginning beginning = ReadLongBeginning(File_, *stored, StoredOctetsFor(mostOctets));
+    if (!beginning.IsWhole && !ReadsFromItsBeginning(OctetView(beginning.Octets)))
+        return engine::BeginningOf(ReadMemo(column, id), mostOctets);
+    QByteArray shown = ShownLongValue(definition, beginning.Octets);
+    if (shown.isEmpty())
+        return MemoBeginning{QByteArrayLiteral(""), beginning.IsWhole};
+    const bool isWhole = beginning.IsWhole && shown.size() <= mostOctets;
+    shown.truncate(mostOctets);
+    return MemoBeginning{std::move(shown), isWhole};
+}
+
+void TableReader::ForEachRow(const std::function<bool(const Row&)>& visit)
+{
+    Row row;
+    Scan().ForEach([&](RowPlace known, const FoundRow& found) {
+        Take(found, known.Pointer(), MemoFetch::Deferred, row);
+        return visit(row);
+    });
 }
 
 int TableReader::CountRows()

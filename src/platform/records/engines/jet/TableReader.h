@@ -10,6 +10,16 @@
 namespace dao::jet
 {
 
+/// The ids of rows in the record store are the pointers to where they are known to stand.
+inline bool IsPlace(qint64 id)
+{
+    return id >= 0 && id <= 0xFFFFFFFF;
+}
+inline RowPlace PlaceOf(qint64 id)
+{
+    return RowPlace::FromPointer(static_cast<quint32>(id));
+}
+
 /// Reads the rows of one table for the record store, as long as its definition is not changed. A row's id is the
 /// pointer to where it is known to stand. Throws Fault for what is damaged, and what engine::Store says otherwise.
 class TableReader
@@ -35,6 +45,10 @@ public:
     /// False when it is gone.
     bool ReadRow(qint64 id, engine::MemoFetch memos, Row& row);
     engine::StoredMemo ReadMemo(int column, qint64 id);
+    /// Nothing for a row that is gone.
+    std::optional<MemoBeginning> ReadMemoBeginning(int column, qint64 id, qsizetype mostOctets);
+    /// Each row in order of entry, its memos deferred, until visit answers false.
+    void ForEachRow(const std::function<bool(const Row&)>& visit);
     int CountRows();
     qint64 LastCounter();
     /// Whether an index finds the rows of a key, and those rows, one after the other, in order of entry.
@@ -50,6 +64,7 @@ private:
 
     Tree& TreeOf(int index) { return Trees_[static_cast<std::size_t>(index)]; }
     TableScan& Scan();
+    qint64 LongOctetsOf(const RowCells& cells) const;
     void Take(const FoundRow& found, qint64 id, engine::MemoFetch memos, Row& row) const;
     void PackMemo(const ColumnDefinition& column, const OctetView& stored, RowPacker& packer) const;
     bool TakeRowAt(const std::optional<RowPlace>& place, engine::MemoFetch memos, Row& row);

@@ -8,11 +8,6 @@
 namespace dao::jet
 {
 
-namespace
-{
-constexpr int LongestPath = 16;
-} // namespace
-
 std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, RowPlace place)
 {
     const RowPlace known = place;
@@ -49,14 +44,14 @@ std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, Ro
 }
 
 TableScan::TableScan(PageFile& file, const TableDefinition& table)
-    : File_(file), Owner_(table.Page()), Pages_(ReadUsageMap(file, table.OwnedMap).Pages)
+    : File_(file), Table_(table), Pages_(ReadUsageMap(file, table.OwnedMap).Pages)
 {
 }
 
 std::optional<DataPage> TableScan::PageOf(quint32 number)
 {
     DataPage page(File_, number);
-    if (page.Owner() != Owner_)
+    if (page.Owner() != Table_.Page())
         return std::nullopt;
     return page;
 }
@@ -104,6 +99,24 @@ qint64 TableScan::Count()
             count += static_cast<qint64>(page->SlotAt(row).IsShown());
     }
     return count;
+}
+
+void TableScan::ForEach(const Visitor& visit)
+{
+    for (const quint32 number : Pages_) {
+        const std::optional<DataPage> page = PageOf(number);
+        const int rows = page ? std::min(page->RowCount(), MostRowsOfPage + 1) : 0;
+        for (int row = 0; row < rows; ++row) {
+            const DataPage::Slot slot = page->SlotAt(row);
+            if (!slot.IsShown())
+                continue;
+            const RowPlace known{number, static_cast<quint8>(row)};
+            const std::optional<FoundRow> found =
+                slot.IsPointer() ? FindRow(File_, Table_, known) : FoundRow{*page, slot, known};
+            if (found && !visit(known, *found))
+                return;
+        }
+    }
 }
 
 } // namespace dao::jet

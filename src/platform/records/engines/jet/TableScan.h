@@ -4,10 +4,14 @@
 #include "platform/records/engines/jet/DataPage.h"
 #include "platform/records/engines/jet/TableDefinition.h"
 
+#include <functional>
 #include <optional>
 
 namespace dao::jet
 {
+
+/// A row that is said to have moved oftener than this is not there.
+inline constexpr int LongestPath = 16;
 
 /// A row where it stands now, which is not where it is known to stand if it has moved.
 struct FoundRow
@@ -26,6 +30,7 @@ std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, Ro
 class TableScan
 {
 public:
+    /// The definition must live longer.
     TableScan(PageFile& file, const TableDefinition& table);
 
     const std::vector<quint32>& Pages() const { return Pages_; }
@@ -33,13 +38,16 @@ public:
     std::optional<RowPlace> Next(std::optional<RowPlace> place);
     std::optional<RowPlace> Previous(std::optional<RowPlace> place);
     qint64 Count();
+    /// Each row with the place that it is known by, until visit answers false. Each page is looked up once.
+    using Visitor = std::function<bool(RowPlace known, const FoundRow& row)>;
+    void ForEach(const Visitor& visit);
 
 private:
     /// Of a page of the map; nothing when it is another table's.
     std::optional<DataPage> PageOf(quint32 number);
 
     PageFile& File_;
-    quint32 Owner_;
+    const TableDefinition& Table_;
     std::vector<quint32> Pages_;
 };
 

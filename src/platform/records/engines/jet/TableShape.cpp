@@ -13,7 +13,7 @@ namespace dao::jet
 namespace
 {
 
-constexpr int MostTrees = 32;
+constexpr int MostIndexes = 32;
 constexpr qsizetype LongestName = 64;
 
 /// A name as the format takes it.
@@ -36,7 +36,7 @@ ColumnType TypeOf(DataTypeEnum type)
 
 void RequireSize(const QString& table, std::size_t columns, std::size_t indexes)
 {
-    if (columns > MostColumns || indexes > MostTrees)
+    if (columns > MostColumns || indexes > MostIndexes)
         throw Error(errNotSupported, QStringLiteral("The table '%1' has more fields or indexes than a table of a Jet "
                                                     "file can.")
                                          .arg(table));

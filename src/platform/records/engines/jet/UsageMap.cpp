@@ -2,6 +2,7 @@
 #include "platform/records/engines/jet/UsageMap.h"
 
 #include "platform/records/engines/jet/DataPage.h"
+#include "platform/records/engines/jet/PageLayout.h"
 
 #include <algorithm>
 
@@ -11,15 +12,10 @@ namespace dao::jet
 namespace
 {
 
-constexpr quint8 InlineMap = 0;
-constexpr quint8 ReferringMap = 1;
-constexpr int BitmapAt = 4; // On a bitmap page.
-constexpr qint64 BitsOfOctet = 8;
-
 void AddBits(const OctetView& bits, quint32 first, quint32 pageCount, std::vector<quint32>& pages)
 {
     for (qsizetype at = 0; at < bits.Size(); ++at) {
-        const quint64 base = first + quint64(at) * BitsOfOctet;
+        const quint64 base = first + quint64(at) * MapLayout::BitsOfOctet;
         if (base >= pageCount)
             return;
         const quint8 octet = bits.U8(at);
@@ -44,7 +40,7 @@ void ReadReferences(PageFile& file, const OctetView& row, UsageMap& map)
             continue;
         const QByteArray page = file.Page(number, PageType::Bitmap);
         map.BitmapPages.push_back(number);
-        AddBits(OctetView(page).From(BitmapAt), static_cast<quint32>(first), file.PageCount(), map.Pages);
+        AddBits(OctetView(page).From(MapLayout::BitmapAt), static_cast<quint32>(first), file.PageCount(), map.Pages);
     }
 }
 
@@ -53,11 +49,11 @@ void AddLastBits(const OctetView& bits, quint32 first, quint32 pageCount, std::s
 {
     if (first >= pageCount)
         return;
-    const qsizetype within = static_cast<qsizetype>((qint64(pageCount) - 1 - first) / BitsOfOctet) + 1;
+    const qsizetype within = static_cast<qsizetype>((qint64(pageCount) - 1 - first) / MapLayout::BitsOfOctet) + 1;
     for (qsizetype at = std::min(bits.Size(), within); at-- > 0 && pages.size() < most;) {
         const quint8 octet = bits.U8(at);
-        for (int bit = BitsOfOctet - 1; octet != 0 && bit >= 0 && pages.size() < most; --bit) {
-            const quint64 page = first + quint64(at) * BitsOfOctet + static_cast<quint64>(bit);
+        for (int bit = MapLayout::BitsOfOctet - 1; octet != 0 && bit >= 0 && pages.size() < most; --bit) {
+            const quint64 page = first + quint64(at) * MapLayout::BitsOfOctet + static_cast<quint64>(bit);
             if ((octet >> bit & 1) != 0 && page < pageCount)
                 pages.push_back(static_cast<quint32>(page));
         }
@@ -72,11 +68,11 @@ std::vector<quint32> LastPagesOf(PageFile& file, quint32 pointer, std::size_t mo
     const DataPage page(file, place.Page);
     const OctetView row = page.RowAt(place.Row);
     std::vector<quint32> pages;
-    if (row.U8(0) == InlineMap) {
+    if (row.U8(0) == MapLayout::Inline) {
         AddLastBits(row.From(5), row.U32(1), file.PageCount(), most, pages);
         return pages;
     }
-    if (row.U8(0) != ReferringMap)
+    if (row.U8(0) != MapLayout::Referring)
         throw Fault(QStringLiteral("row %1 of page %2 is no map of pages").arg(place.Row).arg(place.Page));
     const qsizetype inFile = (qsizetype(file.PageCount()) + PagesOfBitmap - 1) / PagesOfBitmap;
     for (qsizetype i = std::min((row.Size() - 1) / 4, inFile); i-- > 0 && pages.size() < most;) {
@@ -84,8 +80,8 @@ std::vector<quint32> LastPagesOf(PageFile& file, quint32 pointer, std::size_t mo
         if (number == 0)
             continue;
         const QByteArray bitmap = file.Page(number, PageType::Bitmap);
-        AddLastBits(OctetView(bitmap).From(BitmapAt), static_cast<quint32>(i * PagesOfBitmap), file.PageCount(), most,
-                    pages);
+        AddLastBits(OctetView(bitmap).From(MapLayout::BitmapAt), static_cast<quint32>(i * PagesOfBitmap),
+                    file.PageCount(), most, pages);
     }
     return pages;
 }
@@ -97,20 +93,33 @@ UsageMap ReadUsageMap(PageFile& file, quint32 pointer)
     const OctetView row = page.RowAt(place.Row);
     UsageMap map;
     switch (row.U8(0)) {
-    case InlineMap: {
+    case MapLayout::Inline: {
         const quint32 first = row.U32(1);
         const OctetView bits = row.From(5);
-        map.CoveredUpTo =
-            static_cast<quint32>(std::min<quint64>(first + quint64(bits.Size()) * BitsOfOctet, LargestPageCount));
+        map.CoveredUpTo = static_cast<quint32>(
+            std::min<quint64>(first + quint64(bits.Size()) * MapLayout::BitsOfOctet, LargestPageCount));
         AddBits(bits, first, file.PageCount(), map.Pages);
         return map;
     }
-    case ReferringMap:
+    case MapLayout::Referring:
         ReadReferences(file, row, map);
         return map;
     default:
         throw Fault(QStringLiteral("row %1 of page %2 is no map of pages").arg(place.Row).arg(place.Page));
     }
+}
+
+bool MapBitAt(const QByteArray& octets, qsizetype at, quint32 bit)
+{
+    return (static_cast<quint8>(octets.at(at + bit / MapLayout::BitsOfOctet)) >> (bit % MapLayout::BitsOfOctet) & 1) !=
+           0;
+}
+
+void SetMapBit(QByteArray& octets, qsizetype at, quint32 bit, bool isSet)
+{
+    char& octet = octets.data()[at + bit / MapLayout::BitsOfOctet];
+    const int mask = 1 << (bit % MapLayout::BitsOfOctet);
+    octet = static_cast<char>(isSet ? octet | mask : octet & ~mask);
 }
 
 } // namespace dao::jet

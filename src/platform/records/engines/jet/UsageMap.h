@@ -21,4 +21,8 @@ UsageMap ReadUsageMap(PageFile& file, quint32 pointer);
 /// Its last pages, up to that many, the last one first, without looking at all the others. Fault likewise.
 std::vector<quint32> LastPagesOf(PageFile& file, quint32 pointer, std::size_t most);
 
+/// A bit of a map whose bits begin at that octet.
+bool MapBitAt(const QByteArray& octets, qsizetype at, quint32 bit);
+void SetMapBit(QByteArray& octets, qsizetype at, quint32 bit, bool isSet);
+
 } // namespace dao::jet

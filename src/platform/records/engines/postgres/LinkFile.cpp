@@ -18,12 +18,6 @@ constexpr char Mark[] = "Tolva station on a server 1\n";
 /// No connect string is as long.
 constexpr qint64 MostOctets = 16384;
 
-void Require(const QString& file, const FileStatus& status)
-{
-    if (!status.IsDone())
-        throw Error(ErrorNumberOf(status), QStringLiteral("Cannot write '%1': %2").arg(file, status.Words()));
-}
-
 } // namespace
 
 bool IsLinkFile(const QByteArray& firstOctets)
@@ -58,10 +52,10 @@ void WriteLinkFile(const QString& fileName, const ConnectString& connect)
     TemporaryFile temporary(fileName);
     FileStatus status;
     const auto file = FileSystem::Current().Open(temporary.Name(), FileAccess::Change, status);
-    Require(fileName, status);
-    Require(fileName, file->WriteAt(0, content.constData(), content.size()));
-    Require(fileName, file->Sync());
-    Require(fileName, file->Close());
+    RequireWritten(fileName, status);
+    RequireWritten(fileName, file->WriteAt(0, content.constData(), content.size()));
+    RequireWritten(fileName, file->Sync());
+    RequireWritten(fileName, file->Close());
     temporary.MoveTo(fileName);
 }
 

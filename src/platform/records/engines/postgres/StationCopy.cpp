@@ -19,7 +19,7 @@ using engine::Direction;
 using engine::MemoFetch;
 using engine::TablePtr;
 
-constexpr qsizetype RowsAtOnce = 256;
+constexpr qsizetype IdsAtOnce = 256;
 constexpr qint64 OctetsAtOnce = qint64{8} * 1024 * 1024;
 constexpr qsizetype MostFaults = 10;
 
@@ -50,7 +50,7 @@ public:
         while (isThere) {
             ids.push_back(row.Id);
             isThere = Store_.ReadNext(Table_, -1, Direction::Forward, MemoFetch::Deferred, row);
-            if (static_cast<qsizetype>(ids.size()) < RowsAtOnce && isThere)
+            if (static_cast<qsizetype>(ids.size()) < IdsAtOnce && isThere)
                 continue;
             for (int column = 0; column < static_cast<int>(Table_->Columns.size()); ++column) {
                 if (Table_->Columns[static_cast<std::size_t>(column)].IsMemo())

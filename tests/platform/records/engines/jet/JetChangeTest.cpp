@@ -454,7 +454,7 @@ TEST_F(JetChanges, KeepTreesInOrderWhateverComesAndGoes)
         jet::IndexDefinition index;
         index.Map = pages.AddMap(0);
         index.Root = jet::IndexEdit::MakeRoot(file, pages, Owner, index.Map);
-        jet::IndexEdit edit(file, pages, Owner, index);
+        jet::IndexEdit edit(file, pages, index);
         std::set<Entry> model;
         const int most = longest > 500 ? 60 : 900;
         for (int step = 0; step < 3 * most; ++step) {

@@ -4,6 +4,7 @@
 #include "platform/records/engines/jet/FileCheck.h"
 #include "platform/records/engines/jet/IndexTree.h"
 #include "platform/records/engines/jet/JetFixture.h"
+#include "platform/records/engines/jet/PageLayout.h"
 #include "platform/records/engines/jet/TableScan.h"
 #include "platform/records/engines/jet/UsageMap.h"
 
@@ -79,7 +80,7 @@ protected:
             place = scan.Next(place);
         return *place;
     }
-    qsizetype SlotOf(RowPlace place) { return RowSlotsAt + 2 * qsizetype(place.Row); }
+    qsizetype SlotOf(RowPlace place) { return RowPageLayout::SlotsAt + RowPageLayout::SlotSize * qsizetype(place.Row); }
     /// Turns a page's bit over in a map.
     void FlipInMap(quint32 pointer, quint32 page)
     {
@@ -215,6 +216,23 @@ TEST_F(JetCheck, FindsAFileThatWasCut)
 {
     Octets_.chop(PageSize / 2);
     ExpectFound(Damaged, QStringLiteral("a part of it is missing"));
+}
+
+TEST_F(JetCheck, FindsAFileThatWasCutInItsMapOfFreePages)
+{
+    // So large that the map does not fit its row.
+    const auto rows = Source().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Body"), QString(1'500'000, u'x'));
+    rows->Update();
+    const QString name = Path(QStringLiteral("Large.mdb"));
+    WriteAsJet(Path(QStringLiteral("Source.mdb")), name);
+    const std::vector<quint32> maps = ReadUsageMap(*std::make_unique<PageFile>(name), GlobalMapPointer).BitmapPages;
+    ASSERT_FALSE(maps.empty());
+    SetOctets(name, OctetsOf(name).first(qsizetype(maps.back()) * PageSize + PageSize / 2));
+    const FileReport report = ExamineFile(name, {});
+    EXPECT_EQ(report.Verdict, FileReport::State::Damaged);
+    EXPECT_TRUE(report.Faults.join(u'\n').contains(QStringLiteral("a part of it is missing")));
 }
 
 TEST_F(JetCheck, CopiesASoundFileAndRefusesADamagedOne)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/files/FileSystem.h"
 #include "platform/records/engines/jet/Header.h"
 #include "platform/records/engines/jet/JetFixture.h"
 
@@ -10,6 +11,46 @@ using namespace dao;
 
 namespace
 {
+
+/// What a program of the independent reader says; nothing where it is not installed.
+std::optional<QStringList> SaidBy(const QString& program, const QStringList& words)
+{
+    const QString reader = QStandardPaths::findExecutable(program);
+    if (reader.isEmpty())
+        return std::nullopt;
+    QProcess process;
+    process.start(reader, words);
+    if (!process.waitForFinished() || process.exitCode() != 0)
+        return QStringList();
+    return QString::fromUtf8(process.readAllStandardOutput()).simplified().split(u' ');
+}
+
+/// As the independent reader names it.
+QString NameOfType(const Field& field)
+{
+    switch (field.Type()) {
+    case dbBoolean:
+        return QStringLiteral("Boolean NOT NULL");
+    case dbByte:
+        return QStringLiteral("Byte");
+    case dbInteger:
+        return QStringLiteral("Integer");
+    case dbLong:
+        return QStringLiteral("Long Integer");
+    case dbSingle:
+        return QStringLiteral("Single");
+    case dbDouble:
+        return QStringLiteral("Double");
+    case dbDate:
+        return QStringLiteral("DateTime");
+    case dbText:
+        return QStringLiteral("Text (%1)").arg(field.Size());
+    case dbMemo:
+        return QStringLiteral("Memo/Hyperlink (255)");
+    default:
+        return QStringLiteral("a type that is not known here");
+    }
+}
 
 class JetStore : public JetFixture
 {
@@ -194,6 +235,75 @@ TEST_F(JetStore, OnlyReadsWhileAnOfficeProgramHasTheFileOpen)
     EXPECT_EQ(recordset->RecordCount(), 0);
 }
 
+TEST_F(JetStore, ShowsOfficeProgramsThatTheFileIsOpenUntilTheLastOneHasClosedIt)
+{
+    MakeMessages();
+    AddPlain(1);
+    WriteJet();
+    Jet_.reset();
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    {
+        const auto reader = DBEngine::OpenDatabase(JetName(), dbDriverNoPrompt, true);
+        EXPECT_FALSE(QFile::exists(users));
+    }
+    auto first = DBEngine::OpenDatabase(JetName());
+    auto second = DBEngine::OpenDatabase(JetName());
+    first->Execute(QStringLiteral("UPDATE Messages SET Subject='A'"));
+    second->Execute(QStringLiteral("UPDATE Messages SET Subject='B'"));
+    EXPECT_EQ(OctetsOf(users).size() % 64, 0);
+    EXPECT_EQ(OctetsOf(users).mid(32, 6), QByteArray("Tolva\0", 6));
+    FileStatus status;
+    const auto office = FileSystem::Current().Open(users, FileAccess::Change, status);
+    ASSERT_TRUE(office);
+    // Who wants it for himself alone asks for all of them.
+    EXPECT_EQ(office->Lock(FileLock::Exclusive, 0x10000001, 255).Error(), FileError::Locked);
+    first.reset();
+    EXPECT_TRUE(QFile::exists(users));
+    EXPECT_EQ(office->Lock(FileLock::Exclusive, 0x10000001, 255).Error(), FileError::Locked);
+    second.reset();
+    EXPECT_FALSE(QFile::exists(users));
+}
+
+TEST_F(JetStore, IsChangedAgainOnceTheOfficeProgramThatCameLaterHasGone)
+{
+    MakeMessages();
+    AddPlain(1);
+    WriteJet();
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='A'"));
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    FileStatus status;
+    auto office = FileSystem::Current().Open(users, FileAccess::Change, status);
+    ASSERT_TRUE(office);
+    ASSERT_TRUE(office->Lock(FileLock::Exclusive, 0x10000002, 1).IsDone());
+    const QByteArray note = QByteArray("DESK1").leftJustified(32, '\0') + QByteArray("Admin").leftJustified(32, '\0');
+    ASSERT_TRUE(office->WriteAt(64, note.constData(), note.size()).IsDone());
+    EXPECT_EQ(::ErrorNumberOf([&] { Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='B'")); }), errReadOnly);
+    office.reset();
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='C'"));
+    Jet_.reset();
+    EXPECT_FALSE(QFile::exists(users));
+}
+
+TEST_F(JetStore, IsNotHinderedByTheNoteOfAProgramOfOursThatWasKilled)
+{
+    MakeMessages();
+    AddPlain(1);
+    WriteJet();
+    const QString users = Path(QStringLiteral("Jet.ldb"));
+    const QByteArray note = OctetsOf(users);
+    Jet_.reset();
+    SetOctets(users, note);
+    Jet_ = DBEngine::OpenDatabase(JetName());
+    EXPECT_TRUE(Jet().Updatable());
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='A'"));
+    // Somebody takes it away as what a program left behind: the next change is shown again.
+    ASSERT_TRUE(QFile::remove(users));
+    Jet().Execute(QStringLiteral("UPDATE Messages SET Subject='B'"));
+    EXPECT_EQ(OctetsOf(users), note);
+    Jet_.reset();
+    EXPECT_FALSE(QFile::exists(users));
+}
+
 TEST_F(JetStore, RefusesFormatsThatItDoesNotReadEachInItsOwnWords)
 {
     MakeMessages();
@@ -284,5 +394,41 @@ TEST_F(JetStore, IsReadAlikeByAnIndependentReader)
             EXPECT_EQ(line.contains(name), value.isValid()) << line.constData();
         }
         recordset->MoveNext();
+    }
+}
+
+TEST_F(JetStore, ShowsAnIndependentReaderItsTablesTheirFieldsAndTheirProperties)
+{
+    MakeMessages();
+    WriteJet();
+    // One that the file was written with, and one that was added to it.
+    std::vector<std::unique_ptr<Field>> fields;
+    fields.push_back(MakeField(QStringLiteral("Number"), dbLong, 0, dbAutoIncrField));
+    fields.push_back(MakeField(QStringLiteral("Filled"), dbText, 30));
+    fields.back()->SetAllowZeroLength(false);
+    fields.push_back(MakeField(QStringLiteral("Free"), dbMemo));
+    fields.back()->SetAllowZeroLength(true);
+    AddTable(Jet(), QStringLiteral("Added"), std::move(fields));
+    auto tables = SaidBy(QStringLiteral("mdb-tables"), {QStringLiteral("-1"), JetName()});
+    if (!tables)
+        GTEST_SKIP() << "The package mdbtools is not installed.";
+    tables->sort();
+    EXPECT_EQ(*tables, QStringList({QStringLiteral("Added"), QStringLiteral("Messages")}));
+    for (const QString& name : *tables) {
+        QString schema = QStringLiteral("CREATE TABLE [%1] (").arg(name);
+        QString properties;
+        TableDef& table = Jet().TableDefs().Item(name);
+        for (int i = 0; i < table.Fields().Count(); ++i) {
+            const Field& field = table.Fields().Item(i);
+            schema += QStringLiteral(" [%1] %2").arg(field.Name(), NameOfType(field));
+            schema += i + 1 < table.Fields().Count() ? QStringLiteral(",") : QStringLiteral(" );");
+            properties +=
+                QStringLiteral("name: %1 AllowZeroLength: %2 Required: no ")
+                    .arg(field.Name(), field.AllowZeroLength() ? QStringLiteral("yes") : QStringLiteral("no"));
+        }
+        const auto said = SaidBy(QStringLiteral("mdb-schema"),
+                                 {QStringLiteral("-T"), name, QStringLiteral("--no-indexes"), JetName()});
+        EXPECT_TRUE(said->join(u' ').contains(schema)) << qPrintable(schema) << '\n' << qPrintable(said->join(u' '));
+        EXPECT_EQ(SaidBy(QStringLiteral("mdb-prop"), {JetName(), name})->join(u' '), properties.trimmed());
     }
 }
