@@ -16,6 +16,8 @@ constexpr qint64 ClockStepMilliseconds = 2500;
 constexpr int LookMilliseconds = 250;
 /// And while changes come without pause, each desk reads them this often: fifty desks read what one of them stores.
 constexpr int RestMilliseconds = 600;
+/// A server tells of what its programs store; somebody may have changed a folder past them.
+constexpr qint64 UntoldMilliseconds = 30000;
 } // namespace
 
 /// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
@@ -41,14 +43,17 @@ void StationWatch::TakeNotice()
     const int wait = isNews ? RestMilliseconds : LookMilliseconds;
     if (Looking_.interval() != wait)
         Looking_.setInterval(wait);
-    if (isNews)
-        Poll(*this);
+    if (!isNews)
+        return;
+    AreFoldersCertain_ = false;
+    Poll(*this);
 }
 
 void StationWatch::Poll(const QObject& asker)
 {
     const QPointer<StationWatch> self(this);
-    if (!Station_.BeginBeingTold())
+    IsTold_ = Station_.BeginBeingTold();
+    if (!IsTold_)
         Looking_.stop();
     else if (!Looking_.isActive())
         Looking_.start();
@@ -92,10 +97,13 @@ void StationWatch::RefreshFolders()
         AreFoldersCertain_ = false;
         IsOnServer_ = dao::DBEngine::IsLinked(Station_.Information().Path);
     }
+    if (IsOnServer_ && (!IsTold_ || SinceFolders_.hasExpired(UntoldMilliseconds)))
+        AreFoldersCertain_ = false;
     if (!AreFoldersCertain_) {
         const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
         Station_.RefreshCategoryTree();
-        AreFoldersCertain_ = isOld && !IsOnServer_;
+        SinceFolders_.start();
+        AreFoldersCertain_ = IsOnServer_ ? IsTold_ : isOld;
     }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;

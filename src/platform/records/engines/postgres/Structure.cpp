@@ -261,13 +261,13 @@ Command Plain(const QByteArray& text)
 
 } // namespace
 
-bool HasStation(ServerConnection& connection)
+Command HasStationCommand(const ServerConnection& connection)
 {
     const QByteArray schema = Utf8(connection.Connect().Schema);
     Command command{"SELECT 1 FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
                     "WHERE n.nspname = pg_catalog.convert_from($1, 'UTF8') AND c.relname = 'tolva_station'"};
     command.Values.AddOctets(View(schema));
-    return connection.Run(command).Rows() > 0;
+    return command;
 }
 
 void CreateStation(ServerConnection& connection)
@@ -277,7 +277,7 @@ void CreateStation(ServerConnection& connection)
     // The number is the same for all that make a station in this database, so that they wait for each other.
     connection.Execute("BEGIN; SELECT pg_catalog.pg_advisory_xact_lock(1414288945)");
     try {
-        if (!HasStation(connection)) {
+        if (connection.Run(HasStationCommand(connection)).Rows() == 0) {
             connection.Execute("CREATE SCHEMA IF NOT EXISTS " + schema);
             connection.Execute(
                 "CREATE TABLE " + own + StationTable +
@@ -301,7 +301,7 @@ void CreateStation(ServerConnection& connection)
         }
         connection.Execute("COMMIT");
     } catch (...) {
-        connection.TryExecute("ROLLBACK");
+        connection.TryRollback();
         throw;
     }
 }
@@ -350,7 +350,7 @@ engine::SchemaPtr ReadStructure(ServerConnection& connection, const QByteArray& 
         results = connection.RunTogether(commands);
     } catch (...) {
         if (!isInTransaction)
-            connection.TryExecute("ROLLBACK");
+            connection.TryRollback();
         throw;
     }
     const auto at = [&](std::size_t place) -> const Result& { return results[place + (isInTransaction ? 0 : 1)]; };
