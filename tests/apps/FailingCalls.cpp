@@ -108,7 +108,7 @@ int gettimeofday(struct timeval* now, void* zone)
     static const auto real = Real<int (*)(struct timeval*, void*)>("gettimeofday");
     static const long ahead = NumberOf("CLOCK_AHEAD");
     const int answer = real(now, zone);
-    if (answer == 0 && now != nullptr)
+    if (answer == 0)
         now->tv_sec += ahead;
     return answer;
 }

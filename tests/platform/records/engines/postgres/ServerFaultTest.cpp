@@ -293,6 +293,37 @@ TEST_F(ServerFault, NoListAsksTheServerOnceARow)
     EXPECT_LT(Proxy_.TakeRequests(), 20);
 }
 
+TEST_F(ServerFault, ATableThatIsMadeFieldByFieldHasTheServersOwnIndexesOfOneThatIsMadeAtOnce)
+{
+    const auto field = [](int number) {
+        const QString name = QStringLiteral("Field%1").arg(number);
+        if (number == 0)
+            return MakeField(name, dbLong, 0, dbAutoIncrField);
+        return number == 1 ? MakeField(name, dbText, 255) : MakeField(name, number == 2 ? dbInteger : dbMemo);
+    };
+    std::vector<std::unique_ptr<Field>> all;
+    std::vector<std::unique_ptr<Field>> first;
+    for (int number = 0; number < 4; ++number)
+        all.push_back(field(number));
+    first.push_back(field(0));
+    AddTable(*Direct_, QStringLiteral("AtOnce"), std::move(all));
+    AddTable(*Direct_, QStringLiteral("ByField"), std::move(first));
+    for (int number = 1; number < 4; ++number)
+        Direct_->TableDefs().Item(QStringLiteral("ByField")).Fields().Append(field(number));
+    const auto indexes = [&](const QString& table) {
+        const QString number = TestServer::Shared().Execute(
+            QStringLiteral("SELECT id FROM %1.tolva_tables WHERE name = '%2'").arg(Schema_.Name, table));
+        return TestServer::Shared()
+            .Execute(QStringLiteral("SELECT string_agg(indexdef, ' ' ORDER BY indexname) FROM pg_indexes WHERE "
+                                    "schemaname = '%1' AND tablename = 'rows_%2'")
+                         .arg(Schema_.Name, number))
+            .replace(QStringLiteral("rows_") + number, QStringLiteral("rows"));
+    };
+    const QString atOnce = indexes(QStringLiteral("AtOnce"));
+    EXPECT_TRUE(atOnce.contains(QStringLiteral("gin"))) << qPrintable(atOnce);
+    EXPECT_EQ(indexes(QStringLiteral("ByField")), atOnce);
+}
+
 TEST_F(ServerFault, OthersAreToldOfWhatIsCommittedAndWhoDoesItIsNot)
 {
     ASSERT_TRUE(Through_->BeginBeingTold());
