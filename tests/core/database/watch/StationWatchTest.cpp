@@ -221,3 +221,22 @@ TEST_F(ServerWatchTest, WhileTheServerTellsFoldersAreReadOnlyBehindAChangeElsewh
     Watch().Poll(Listener);
     EXPECT_TRUE(isReadByItself());
 }
+
+TEST_F(ServerWatchTest, WhereReadingTakesLongTheDeskRestsLongerBetweenChangesThatComeWithoutPause)
+{
+    constexpr int ReadingMilliseconds = 300;
+    int readings = 0;
+    Watch().Poll(Listener);
+    Listen([&] {
+        ++readings;
+        QThread::msleep(ReadingMilliseconds);
+    });
+    const QDeadlineTimer deadline(4000);
+    while (!deadline.hasExpired()) {
+        Other.SetLastPrizeChanged(ClockHelper::NowUTC());
+        Now.Advance(1);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    }
+    EXPECT_GE(readings, 2);
+    EXPECT_LE(readings, 4) << "a rest of 600 milliseconds would make it five";
+}
