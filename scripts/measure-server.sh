@@ -100,6 +100,10 @@ growTo() {
             END LOOP;
         END \$\$;
         SELECT setval('${table/rows_/ids_}', (SELECT max(id) FROM $table))" >/dev/null
+    if [ "$(sql --command="SELECT count(*) FROM $table")" -ne "$messages" ]; then
+        echo "there are not $messages messages" >&2
+        return 1
+    fi
     sql --command="VACUUM ANALYZE"
     # What the copying has left to be written to the disk would delay each commit.
     sql --command="CHECKPOINT"
