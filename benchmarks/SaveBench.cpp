@@ -41,7 +41,6 @@ public:
 
     void Save(int number, const QByteArray& mail)
     {
-        Require(ParseMail(mail) > 0, "the mail was not parsed");
         const QByteArray sender = SampleSender(number).toUtf8();
         const QByteArray subject = "Request number " + QByteArray::number(number);
         Bind(Insert_, 1, sender);
@@ -74,9 +73,9 @@ private:
 };
 } // namespace
 
-void BenchSaving(const QString& folder, int rounds)
+void CompareSaving(const Comparison& comparison, const QString& folder,
+                   const std::function<void(int number, const QByteArray& mail)>& saveBare)
 {
-    MakeStation(folder, 0);
     EmbeddedDirectory directory;
     directory.Open(folder + QStringLiteral("/Directory"));
     DirectoryUser user{0, QStringLiteral("Bench"), 31};
@@ -84,19 +83,19 @@ void BenchSaving(const QString& folder, int rounds)
     Require(directory.SignIn(user.Name), "the user cannot sign in");
     const auto station = OpenStation(folder);
     station->SetDirectoryDatabase(&directory);
-    BareStore bare(folder);
-
     int floorNumber = 0;
     int number = 0;
     Compare(
-        {"SaveMessage, durable, one by one", "bare SQLite: the same three durable writes, and a GMime parse", 1.5,
-         rounds, MessagesARound},
+        comparison,
         [&] {
-            for (int i = 0; i < MessagesARound; ++i, ++floorNumber)
-                bare.Save(floorNumber, SampleMail(floorNumber));
+            for (int i = 0; i < comparison.OperationsARound; ++i, ++floorNumber) {
+                const QByteArray mail = SampleMail(floorNumber);
+                Require(ParseMail(mail) > 0, "the mail was not parsed");
+                saveBare(floorNumber, mail);
+            }
         },
         [&] {
-            for (int i = 0; i < MessagesARound; ++i, ++number) {
+            for (int i = 0; i < comparison.OperationsARound; ++i, ++number) {
                 const auto message = std::make_shared<cMessage>();
                 message->SetCDOMessage(std::make_shared<cdo::Message>(SampleMail(number)));
                 message->SetCategory(tmcInbox);
@@ -104,4 +103,13 @@ void BenchSaving(const QString& folder, int rounds)
             }
         });
     station->CloseTolvaDatabase();
+}
+
+void BenchSaving(const QString& folder, int rounds)
+{
+    MakeStation(folder, 0);
+    BareStore bare(folder);
+    CompareSaving({"SaveMessage, durable, one by one", "bare SQLite: the same three durable writes, and a GMime parse",
+                   1.5, rounds, MessagesARound},
+                  folder, [&](int number, const QByteArray& mail) { bare.Save(number, mail); });
 }

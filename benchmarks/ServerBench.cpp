@@ -3,7 +3,6 @@
 #include "BenchStation.h"
 #include "Measure.h"
 #include "Subjects.h"
-#include "platform/directory/EmbeddedDirectory.h"
 #include "platform/mail/RawHeaders.h"
 #include "platform/records/DBEngine.h"
 #include "support/TestServer.h"
@@ -86,7 +85,6 @@ public:
 
     void Save(int number, const QByteArray& mail)
     {
-        Require(ParseMail(mail) > 0, "the mail was not parsed");
         const QByteArray subject = "Request number " + QByteArray::number(number);
         Station_.Run("BEGIN");
         Station_.Run("LOCK TABLE bare.station IN EXCLUSIVE MODE");
@@ -114,32 +112,11 @@ private:
 
 void BenchSavingOnServer(const TestServer& server, const QString& folder, int rounds)
 {
-    EmbeddedDirectory directory;
-    directory.Open(folder + QStringLiteral("/Directory"));
-    DirectoryUser user{0, QStringLiteral("Bench"), 31};
-    directory.SaveUser(user);
-    Require(directory.SignIn(user.Name), "the user cannot sign in");
-    const auto station = OpenStation(folder);
-    station->SetDirectoryDatabase(&directory);
     BareSaving bare(server);
-    int floorNumber = 0;
-    int number = 0;
-    Compare(
-        {"SaveMessage on a server", "bare libpq: the same statements, one commit each for row and audit, a GMime parse",
-         1.5, rounds, MessagesARound},
-        [&] {
-            for (int i = 0; i < MessagesARound; ++i, ++floorNumber)
-                bare.Save(floorNumber, SampleMail(floorNumber));
-        },
-        [&] {
-            for (int i = 0; i < MessagesARound; ++i, ++number) {
-                const auto message = std::make_shared<cMessage>();
-                message->SetCDOMessage(std::make_shared<cdo::Message>(SampleMail(number)));
-                message->SetCategory(tmcInbox);
-                Require(station->SaveMessage(message), "a message was not saved");
-            }
-        });
-    station->CloseTolvaDatabase();
+    CompareSaving({"SaveMessage on a server",
+                   "bare libpq: the same statements, one commit each for row and audit, a GMime parse", 1.5, rounds,
+                   MessagesARound},
+                  folder, [&](int number, const QByteArray& mail) { bare.Save(number, mail); });
 }
 
 /// What the list asks for, in the server's own names.

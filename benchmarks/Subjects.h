@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Measure.h"
+
 #include <QString>
 
 /// The subjects, each with its comparisons. large: messages of the large station.
 void BenchSaving(const QString& folder, int messages);
+/// Saving by the station in that folder, against what saves the same parsed mails bare.
+void CompareSaving(const Comparison& comparison, const QString& folder,
+                   const std::function<void(int number, const QByteArray& mail)>& saveBare);
 void BenchReading(const QString& largeStation, int large);
 void BenchSearching(const QString& largeStation);
 /// folder: where a station and a maildir of that many mails are made.

@@ -100,7 +100,13 @@ growTo() {
             END LOOP;
         END \$\$;
         SELECT setval('${table/rows_/ids_}', (SELECT max(id) FROM $table))" >/dev/null
+    if [ "$(sql --command="SELECT count(*) FROM $table")" -ne "$messages" ]; then
+        echo "there are not $messages messages" >&2
+        return 1
+    fi
     sql --command="VACUUM ANALYZE"
+    # What the copying has left to be written to the disk would delay each commit.
+    sql --command="CHECKPOINT"
 }
 
 measureSize() {
@@ -108,6 +114,7 @@ measureSize() {
     makeStation
     desk fill "$folder/station" 10000 5000
     sql --command="VACUUM ANALYZE"
+    sql --command="CHECKPOINT"
     desk measure "$folder/station" >"$folder/small"
     column=c$(sql --command="SELECT ordinal FROM station.tolva_fields WHERE name = 'FromKey'")
     growTo "$messages" "$column"

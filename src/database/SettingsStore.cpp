@@ -22,14 +22,22 @@ std::unique_ptr<dao::Recordset> OpenSettings(dao::Database& database)
 }
 } // namespace
 
+SettingsStore::Reading::Reading(SettingsStore& settings) : Settings_(settings)
+{
+    // Where it cannot be opened, each value tries by itself.
+    PendingError ignored;
+    ignored.Try([&] { settings.Opened_ = OpenSettings(settings.Station_.OpenedDatabase()); });
+}
+
 QVariant SettingsStore::Value(const QString& itemName, const QVariant& defaultValue) const
 {
     // Reading a setting never fails: its caller goes on with the default.
     QVariant value = defaultValue;
     PendingError ignored;
     ignored.Try([&] {
-        const auto recordset = OpenSettings(Station_.OpenedDatabase());
-        value = DAO_DatabaseFunctions::ReadSettingValue(recordset.get(), itemName, defaultValue);
+        const auto recordset = Opened_ ? nullptr : OpenSettings(Station_.OpenedDatabase());
+        dao::Recordset* const settings = Opened_ ? Opened_.get() : recordset.get();
+        value = DAO_DatabaseFunctions::ReadSettingValue(settings, itemName, defaultValue);
     });
     return value;
 }

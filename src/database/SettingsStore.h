@@ -3,6 +3,7 @@
 
 #include "database/StationSettings.h"
 #include "database/watch/ChangeStamp.h"
+#include "platform/records/Recordset.h"
 
 #include <QVariant>
 
@@ -23,6 +24,20 @@ public:
     {
         Shown, ///< To the user, whatever SilentMode says.
         Silent ///< Logged alone.
+    };
+
+    /// While it lives, values are read from the table that it has opened: for many in a row. Ends before the station is
+    /// closed; does not nest.
+    class Reading
+    {
+    public:
+        explicit Reading(SettingsStore& settings);
+        ~Reading() { Settings_.Opened_.reset(); }
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+
+    private:
+        SettingsStore& Settings_;
     };
 
     explicit SettingsStore(StationContext& station) : Station_(station) {}
@@ -54,4 +69,5 @@ public:
 
 private:
     StationContext& Station_;
+    std::unique_ptr<dao::Recordset> Opened_; ///< While a Reading lives.
 };

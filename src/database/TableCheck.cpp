@@ -106,14 +106,16 @@ void CheckIndexes(Database& database, TableDef& table, const TableShape& shape, 
 
 int CheckTable(Database& database, const TableShape& shape, const TableCheckRules& rules)
 {
+    TableDef* table = nullptr;
+    const auto find = [&] { table = &database.TableDefs().Item(shape.Name); };
     PendingError pending;
-    if (!pending.Try([&] { database.TableDefs().Item(shape.Name); })) {
+    if (!pending.Try(find)) {
         if (const int number = CreateTable(database, shape, rules))
             return number;
+        pending.Clear();
+        pending.Try(find);
     }
-    TableDef* table = nullptr;
-    pending.Clear();
-    if (!pending.Try([&] { table = &database.TableDefs().Item(shape.Name); }))
+    if (!table)
         return Report(QStringLiteral("checking the %1 field").arg(shape.Fields.first().Name), pending, rules);
     if (const int number = CheckFields(database, *table, shape, rules))
         return number;

@@ -27,14 +27,17 @@ bool cTolvaDatabase::ReadDatabaseSettings()
     Station_->LastError = {};
     if (!IsOpen())
         return false;
-    Backups_->ReadSettings();
-    Highlights_->Read();
-    LabelSettings::Read(*Settings_, AddressLabelsPageSetup_);
+    {
+        const SettingsStore::Reading together(*Settings_);
+        Backups_->ReadSettings();
+        Highlights_->Read();
+        LabelSettings::Read(*Settings_, AddressLabelsPageSetup_);
+    }
     PendingError pending;
     const bool areFoldersRead = pending.Try([this] {
         Folders_->Load();
-        Folders_->PutFixedFoldersRight();
-        Folders_->Load();
+        if (Folders_->PutFixedFoldersRight())
+            Folders_->Load();
     });
     Station_->LastError = pending;
     if (areFoldersRead)

@@ -216,7 +216,7 @@ bool FolderStore::Delete(qint32 reference)
 
 /// One that is already so is not written: every computer that opens the station comes by here, and must not wait for
 /// the others or change a row under their hands.
-void FolderStore::SaveFixed(enTolvaMessageCategories reference, const QString& description,
+bool FolderStore::SaveFixed(enTolvaMessageCategories reference, const QString& description,
                             const QString& iconReference)
 {
     clsCategory folder;
@@ -228,11 +228,13 @@ void FolderStore::SaveFixed(enTolvaMessageCategories reference, const QString& d
     folder.SetIconReference(iconReference);
     folder.SetUserLong(True);
     const clsCategory* stored = Tree_->FindCategory(reference);
-    if (!stored || !HoldsTheSame(*stored, folder))
-        Save(folder, false);
+    if (stored && HoldsTheSame(*stored, folder))
+        return false;
+    Save(folder, false);
+    return true;
 }
 
-void FolderStore::PutFixedFoldersRight()
+bool FolderStore::PutFixedFoldersRight()
 {
     struct FixedFolder
     {
@@ -249,10 +251,15 @@ void FolderStore::PutFixedFoldersRight()
         {tmcDrafts, "Draft Messages", "folderdrafts"},
         {tmcAutomatic, "Auto-Messages", "foldersending"},
     };
+    bool isChanged = false;
     UntilNobodyInterferes([&] {
         dao::Transaction transaction;
-        for (const FixedFolder& folder : fixed)
-            SaveFixed(folder.Reference, QLatin1String(folder.Description), QLatin1String(folder.IconReference));
+        for (const FixedFolder& folder : fixed) {
+            isChanged =
+                SaveFixed(folder.Reference, QLatin1String(folder.Description), QLatin1String(folder.IconReference)) ||
+                isChanged;
+        }
         transaction.Commit();
     });
+    return isChanged;
 }

@@ -22,8 +22,8 @@ public:
     /// As cTolvaDatabase::RefreshCategoryTree.
     bool Refresh();
     /// Makes sure of the fixed folders, in one transaction, from a tree that has just been loaded: a renamed one gets
-    /// its title back, a deleted one returns.
-    void PutFixedFoldersRight();
+    /// its title back, a deleted one returns. Whether the tree is to be loaded anew.
+    bool PutFixedFoldersRight();
 
     /// As cTolvaDatabase::GetMessageCategory.
     std::unique_ptr<clsCategory> Get(qint32 reference) const;
@@ -36,7 +36,8 @@ public:
 
 private:
     std::unique_ptr<clsCategory> LoadTree() const;
-    void SaveFixed(enTolvaMessageCategories reference, const QString& description, const QString& iconReference);
+    /// Whether it had to be stored.
+    bool SaveFixed(enTolvaMessageCategories reference, const QString& description, const QString& iconReference);
     void Store(clsCategory& folder);
     void StoreWithSubFolders(clsCategory& folder);
 

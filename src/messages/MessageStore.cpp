@@ -21,6 +21,7 @@ namespace
 const QString MessagesTable = QStringLiteral("Messages");
 const QString MainIndex = QStringLiteral("Main");
 const QString FlagsColumn = QStringLiteral("Flags");
+const QString CategoryColumn = QStringLiteral("Category");
 
 /// Kinds of the user log.
 enum AuditKind
@@ -211,9 +212,10 @@ cMessagePtr MessageStore::MessageForChange(qint32 reference, enTolvaMessageCateg
     return message && MayEditMessage(*message) ? message : nullptr;
 }
 
-/// Runs a change on a message's row. False when the table cannot be opened or the row is gone; otherwise what went
-/// wrong, if anything did, is in pending and belongs into the user log.
-bool MessageStore::ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
+/// Runs a change on a message's row, which answers whether there is anything to be changed. False when the table cannot
+/// be opened, or nothing is changed; otherwise what went wrong, if anything did, is in pending and belongs into the
+/// user log.
+bool MessageStore::ChangeMessageRow(qint32 reference, const std::function<bool(dao::Recordset&)>& change, Stamp stamp,
                                     PendingError& pending)
 {
     std::unique_ptr<dao::Recordset> recordset;
@@ -224,20 +226,45 @@ bool MessageStore::ChangeMessageRow(qint32 reference, const std::function<void(d
     Station_.LastError = pending;
     if (!opened)
         return false;
-    bool isThere = true;
+    bool isChanged = true;
     pending.Try([&] {
-        dao::Transaction transaction;
+        // The row stays as it is found until it is changed.
+        dao::Transaction transaction(Station_.OpenedDatabase());
         recordset->Seek(dao::SeekComparison::Equal, {reference});
-        isThere = !recordset->NoMatch();
-        if (!isThere)
+        isChanged = !recordset->NoMatch() && change(*recordset);
+        if (!isChanged)
             return;
-        change(*recordset);
         if (stamp == Stamp::Moves || Station_.StampsEveryChange)
             CommitWithStamp(transaction, pending);
         else
             transaction.Commit();
     });
-    return isThere;
+    return isChanged;
+}
+
+/// Changes columns of a message that the user may edit, in its row and in the object that the event brings, and tells
+/// of it. logged: behind the subject in the user log. False when nothing was changed.
+bool MessageStore::EditMessageRow(qint32 reference, const std::function<bool(dao::Recordset&, cMessage&)>& edit,
+                                  const QString& logged)
+{
+    const BusyPointer busy; // a row holds its mail, however large
+    Station_.LastError = {};
+    if (Station_.Information.Location.isEmpty() || reference <= 0)
+        return false;
+    PendingError pending;
+    const cMessagePtr message = GetMessage(reference);
+    if (!message || !MayEditMessage(*message))
+        return false;
+    const auto change = [&](dao::Recordset& row) { return edit(row, *message); };
+    if (!ChangeMessageRow(reference, change, Stamp::Moves, pending))
+        return false;
+    const bool changed = pending.Number() == 0;
+    FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message) + logged, pending);
+    if (changed && Station_.RaisesEvents) {
+        const ToldMove told(*this, ToldMove_, CommittedMove_);
+        Q_EMIT MessageSaved(message, true);
+    }
+    return changed;
 }
 
 bool MessageStore::CopyMessage(qint32 reference, enTolvaMessageCategories newCategory)
@@ -260,8 +287,9 @@ bool MessageStore::MoveMessage(qint32 reference, enTolvaMessageCategories newCat
     // One column alone: the keys and the highlights stay as they are.
     const auto move = [newCategory](dao::Recordset& row) {
         row.Edit();
-        row.SetCollect(QStringLiteral("Category"), newCategory);
+        row.SetCollect(CategoryColumn, newCategory);
         row.Update();
+        return true;
     };
     PendingError pending;
     if (!ChangeMessageRow(reference, move, Stamp::MovesIfWanted, pending))
@@ -290,11 +318,12 @@ bool MessageStore::DeleteMessage(qint32 reference, bool deletePermanently)
     const auto remove = [deletePermanently](dao::Recordset& row) {
         if (deletePermanently) {
             row.Delete();
-            return;
+            return true;
         }
         row.Edit();
-        row.SetCollect(QStringLiteral("Category"), tmcDeleted);
+        row.SetCollect(CategoryColumn, tmcDeleted);
         row.Update();
+        return true;
     };
     if (!ChangeMessageRow(reference, remove, Stamp::MovesIfWanted, pending))
         return false;
@@ -308,69 +337,36 @@ bool MessageStore::DeleteMessage(qint32 reference, bool deletePermanently)
 
 bool MessageStore::ChangeMessageFlags(qint32 reference, qint32 set, qint32 clear)
 {
-    const BusyPointer busy; // a row holds its mail, however large
-    Station_.LastError = {};
-    if (Station_.Information.Location.isEmpty() || reference <= 0)
-        return false;
-    PendingError pending;
-    const cMessagePtr message = GetMessage(reference);
-    if (!message || !MayEditMessage(*message))
-        return false;
-    const auto change = [&](dao::Recordset& row) {
+    const auto change = [&](dao::Recordset& row, cMessage& message) {
         row.Edit();
         const qint32 flags = (row.Collect(FlagsColumn).toInt() | set) & ~clear;
         row.SetCollect(FlagsColumn, flags);
         row.Update();
-        message->SetFlags(flags);
+        message.SetFlags(flags);
+        return true;
     };
-    if (!ChangeMessageRow(reference, change, Stamp::Moves, pending))
-        return false;
-    const bool changed = pending.Number() == 0;
-    FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"), SubjectOf(message), pending);
-    if (changed && Station_.RaisesEvents) {
-        const ToldMove told(*this, ToldMove_, CommittedMove_);
-        Q_EMIT MessageSaved(message, true);
-    }
-    return changed;
+    return EditMessageRow(reference, change, QString());
 }
 
 bool MessageStore::MarkMessageSent(qint32 reference, Date sent)
 {
-    const BusyPointer busy; // a row holds its mail, however large
-    Station_.LastError = {};
-    if (Station_.Information.Location.isEmpty() || reference <= 0)
-        return false;
-    PendingError pending;
-    const cMessagePtr message = GetMessage(reference);
-    if (!message || !MayEditMessage(*message))
-        return false;
-    bool isWaiting = false;
-    const auto mark = [&](dao::Recordset& row) {
-        row.Edit();
+    const auto mark = [&](dao::Recordset& row, cMessage& message) {
         const qint32 flags = row.Collect(FlagsColumn).toInt();
-        isWaiting = row.Collect(QStringLiteral("Category")).toInt() == tmcOutbox && (flags & mfSendPending) != 0;
-        if (!isWaiting)
-            return;
+        if (row.Collect(CategoryColumn).toInt() != tmcOutbox || (flags & mfSendPending) == 0)
+            return false;
+        row.Edit();
         row.SetCollect(FlagsColumn, flags & ~mfSendPending);
-        row.SetCollect(QStringLiteral("Category"), tmcSent);
-        if (message->Sent().IsNone()) {
+        row.SetCollect(CategoryColumn, tmcSent);
+        if (message.Sent().IsNone()) {
             row.SetCollect(QStringLiteral("Sent"), ClockHelper::LocalToUTC(sent).DayNumber());
-            message->SetSent(sent);
+            message.SetSent(sent);
         }
         row.Update();
-        message->SetFlags(flags & ~mfSendPending);
-        message->SetCategory(tmcSent);
+        message.SetFlags(flags & ~mfSendPending);
+        message.SetCategory(tmcSent);
+        return true;
     };
-    if (!ChangeMessageRow(reference, mark, Stamp::Moves, pending) || (!isWaiting && pending.Number() == 0))
-        return false;
-    const bool changed = pending.Number() == 0;
-    FinishMessageChange(auditMessageEdited, QStringLiteral("Message Edited"),
-                        SubjectOf(message) + QStringLiteral(" Sent"), pending);
-    if (changed && Station_.RaisesEvents) {
-        const ToldMove told(*this, ToldMove_, CommittedMove_);
-        Q_EMIT MessageSaved(message, true);
-    }
-    return changed;
+    return EditMessageRow(reference, mark, QStringLiteral(" Sent"));
 }
 
 bool MessageStore::DeleteMessagesOfCategory(enTolvaMessageCategories category)

@@ -74,9 +74,11 @@ private:
     std::vector<MessageSaving> WriteMessages(const std::vector<cMessagePtr>& messages,
                                              const std::function<bool()>& goesOn);
     cMessagePtr MessageForChange(qint32 reference, enTolvaMessageCategories newCategory);
-    bool ChangeMessageRow(qint32 reference, const std::function<void(dao::Recordset&)>& change, Stamp stamp,
+    bool ChangeMessageRow(qint32 reference, const std::function<bool(dao::Recordset&)>& change, Stamp stamp,
                           PendingError& pending);
     bool MayEditMessage(const cMessage& message);
+    bool EditMessageRow(qint32 reference, const std::function<bool(dao::Recordset&, cMessage&)>& edit,
+                        const QString& logged);
     void FinishMessageChange(int kind, const QString& title, const QString& text, const PendingError& pending);
     bool LogMessageSaving(const cMessage& message, const MessageSaving& saving) const;
     void LogSavings(const std::vector<cMessagePtr>& messages, const std::vector<MessageSaving>& savings) const;

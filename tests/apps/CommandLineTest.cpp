@@ -2,6 +2,7 @@
 #include "CommandLineTest.h"
 
 #include "platform/directory/EmbeddedDirectory.h"
+#include "support/TestServer.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,8 +26,18 @@ QByteArray Outcome::LastLine() const
 void CommandLineTest::SetUp()
 {
     ASSERT_TRUE(Temporary_.isValid());
-    const Outcome made = Run({QStringLiteral("init"), Station(), QStringLiteral("--name"), QStringLiteral("Harbour FM"),
-                              QStringLiteral("--phone"), QStringLiteral("01632 960100")});
+    QStringList words{QStringLiteral("init"),    Station(),
+                      QStringLiteral("--name"),  QStringLiteral("Harbour FM"),
+                      QStringLiteral("--phone"), QStringLiteral("01632 960100")};
+    if (qEnvironmentVariable("TOLVA_TEST_STATION") == QLatin1String("server")) {
+        const TestServer::Schema schema = TestServer::Shared().NewSchema();
+        Schemas_ = std::shared_ptr<void>(nullptr, [schema](void*) {
+            TestServer::Shared().Execute(
+                QStringLiteral("DROP SCHEMA IF EXISTS \"%1_directory\" CASCADE").arg(schema.Name));
+        });
+        words += {QStringLiteral("--connect"), TestServer::Shared().Connect(schema.Name)};
+    }
+    const Outcome made = Run(words);
     ASSERT_EQ(made.Code, 0) << made.Problems.constData();
 }
 

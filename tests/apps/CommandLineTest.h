@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 /// What one run of the program left behind.
 struct Outcome
 {
@@ -28,7 +30,7 @@ struct Outcome
 class CommandLineTest : public ::testing::Test
 {
 protected:
-    /// Makes the station.
+    /// Makes the station: a file, or on the tests' server with TOLVA_TEST_STATION=server in the environment.
     void SetUp() override;
 
     /// Runs to the end. The words are the arguments as they are.
@@ -57,6 +59,7 @@ protected:
     static QByteArray Mail(const QByteArray& subject, const QByteArray& body = "Hello.\r\n");
 
 private:
+    std::shared_ptr<void> Schemas_; ///< On the server, gone with the test.
     /// In memory where the system has a place for that: most of the time of a small station goes into the syncs of its
     /// commits, and the end of a process needs none of them.
     QTemporaryDir Temporary_{QFileInfo(QStringLiteral("/dev/shm")).isWritable()

@@ -5,15 +5,18 @@
 // is killed in front of it. FAIL_LOG names a file that gets the number of such calls when the process ends, SYNC_LOG
 // one that gets the number of syncs among them. With FAIL_NAMES=text only calls count that are about a file with that
 // text in its path, and closes of files that were opened for writing count as well. MISSING_LIBRARY=text lets no
-// library be loaded later on that has that text in its name.
+// library be loaded later on that has that text in its name. CLOCK_AHEAD=n lets the computer's clock be that many
+// seconds ahead.
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/time.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -91,6 +94,33 @@ Function Real(const char* name)
 } // namespace
 
 extern "C" {
+int clock_gettime(clockid_t clock, struct timespec* now)
+{
+    static const auto real = Real<int (*)(clockid_t, struct timespec*)>("clock_gettime");
+    static const long ahead = NumberOf("CLOCK_AHEAD");
+    const int answer = real(clock, now);
+    if (answer == 0 && (clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE))
+        now->tv_sec += ahead;
+    return answer;
+}
+int gettimeofday(struct timeval* now, void* zone)
+{
+    static const auto real = Real<int (*)(struct timeval*, void*)>("gettimeofday");
+    static const long ahead = NumberOf("CLOCK_AHEAD");
+    const int answer = real(now, zone);
+    if (answer == 0)
+        now->tv_sec += ahead;
+    return answer;
+}
+time_t time(time_t* now)
+{
+    struct timespec exact = {};
+    clock_gettime(CLOCK_REALTIME, &exact);
+    if (now != nullptr)
+        *now = exact.tv_sec;
+    return exact.tv_sec;
+}
+
 void* dlopen(const char* library, int flags)
 {
     static const auto real = Real<void* (*)(const char*, int)>("dlopen");

@@ -6,6 +6,7 @@
 
 #include <QPointer>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace
@@ -16,6 +17,10 @@ constexpr qint64 ClockStepMilliseconds = 2500;
 constexpr int LookMilliseconds = 250;
 /// And while changes come without pause, each desk reads them this often: fifty desks read what one of them stores.
 constexpr int RestMilliseconds = 600;
+/// And rests so many times as long as the reading took: large folders on a busy server are read less often.
+constexpr qint64 RestShare = 4;
+/// A server tells of what its programs store; somebody may have changed a folder past them.
+constexpr qint64 UntoldMilliseconds = 30000;
 } // namespace
 
 /// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
@@ -37,18 +42,25 @@ StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
 
 void StationWatch::TakeNotice()
 {
-    const bool isNews = Station_.TakeChanges();
-    const int wait = isNews ? RestMilliseconds : LookMilliseconds;
-    if (Looking_.interval() != wait)
-        Looking_.setInterval(wait);
-    if (isNews)
-        Poll(*this);
+    if (!Station_.TakeChanges()) {
+        if (Looking_.interval() != LookMilliseconds)
+            Looking_.setInterval(LookMilliseconds);
+        return;
+    }
+    AreFoldersCertain_ = false;
+    const QPointer<StationWatch> self(this);
+    QElapsedTimer reading;
+    reading.start();
+    Poll(*this);
+    if (self)
+        Looking_.setInterval(static_cast<int>(std::max<qint64>(RestMilliseconds, RestShare * reading.elapsed())));
 }
 
 void StationWatch::Poll(const QObject& asker)
 {
     const QPointer<StationWatch> self(this);
-    if (!Station_.BeginBeingTold())
+    IsTold_ = Station_.BeginBeingTold();
+    if (!IsTold_)
         Looking_.stop();
     else if (!Looking_.isActive())
         Looking_.start();
@@ -92,10 +104,13 @@ void StationWatch::RefreshFolders()
         AreFoldersCertain_ = false;
         IsOnServer_ = dao::DBEngine::IsLinked(Station_.Information().Path);
     }
+    if (IsOnServer_ && (!IsTold_ || SinceFolders_.hasExpired(UntoldMilliseconds)))
+        AreFoldersCertain_ = false;
     if (!AreFoldersCertain_) {
         const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
         Station_.RefreshCategoryTree();
-        AreFoldersCertain_ = isOld && !IsOnServer_;
+        SinceFolders_.start();
+        AreFoldersCertain_ = IsOnServer_ ? IsTold_ : isOld;
     }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;

@@ -67,6 +67,8 @@ private:
     FileLook Look_;            ///< As the folders were loaded last.
     int LookOfOpening_ = 0;
     QElapsedTimer SinceLook_;        ///< That the file looks so.
-    bool AreFoldersCertain_ = false; ///< Loaded when the file had looked so for a while.
+    bool AreFoldersCertain_ = false; ///< Loaded when the file had looked so for a while, or told of nothing since.
     bool IsOnServer_ = false;        ///< The file tells nothing of changes then.
+    bool IsTold_ = false;            ///< The server does.
+    QElapsedTimer SinceFolders_;     ///< Were loaded.
 };

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <initializer_list>
 
@@ -106,6 +107,17 @@ bool Holds(const dao::Collection<Object>& collection, const QString& name)
     return false;
 }
 
+bool HoldsAll(const dao::Collection<dao::TableDef>& tables, const TablePlan& plan)
+{
+    if (!Holds(tables, plan.Name))
+        return false;
+    dao::TableDef& table = tables.Item(plan.Name);
+    return std::all_of(plan.Fields.begin(), plan.Fields.end(),
+                       [&](const FieldPlan& field) { return Holds(table.Fields(), field.Name); }) &&
+           std::all_of(plan.Indexes.begin(), plan.Indexes.end(),
+                       [&](const IndexPlan& index) { return Holds(table.Indexes(), index.Name); });
+}
+
 std::unique_ptr<dao::Field> MakeField(const dao::TableDef& table, const FieldPlan& plan)
 {
     std::unique_ptr<dao::Field> field = table.CreateField(plan.Name, plan.Type);
@@ -187,7 +199,12 @@ std::unique_ptr<dao::Database> OpenFile(const QString& fileName)
 
 void AddMissing(dao::Database& database)
 {
-    for (const TablePlan& plan : Plans()) {
+    const QList<TablePlan> plans = Plans();
+    // One look at all of them where nothing is missing, as nearly always.
+    const dao::Collection<dao::TableDef>& tables = database.TableDefs();
+    if (std::all_of(plans.begin(), plans.end(), [&](const TablePlan& plan) { return HoldsAll(tables, plan); }))
+        return;
+    for (const TablePlan& plan : plans) {
         AddUnlessThere([&] { return Holds(database.TableDefs(), plan.Name); }, [&] { AddTable(database, plan); });
         AddMissingParts(database, plan);
     }

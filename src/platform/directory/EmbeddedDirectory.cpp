@@ -108,6 +108,7 @@ void EmbeddedDirectory::Close()
 {
     StoreWaitingLog();
     User_.reset();
+    LogRows_.reset();
     // Closed for this object even when the store's own closing fails.
     const std::unique_ptr<dao::Database> database = std::move(Database_);
     if (database)
@@ -234,12 +235,14 @@ bool EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
 {
     try {
         dao::Transaction transaction;
-        const auto rows = Opened().OpenRecordset(QStringLiteral("UserLog"), dao::dbOpenTable);
+        if (!LogRows_)
+            LogRows_ = Opened().OpenRecordset(QStringLiteral("UserLog"), dao::dbOpenTable);
         for (const DirectoryLogEntry& entry : entries)
-            AddLogEntry(*rows, entry);
+            AddLogEntry(*LogRows_, entry);
         transaction.Commit();
         return true;
     } catch (const std::exception&) {
+        LogRows_.reset();
         return false;
     }
 }

@@ -122,6 +122,8 @@ private:
     bool StoreWaitingLog() const;
 
     std::unique_ptr<dao::Database> Database_;
+    /// The user log, open from its first entry on: opening it asks a server what the table looks like.
+    mutable std::unique_ptr<dao::Recordset> LogRows_;
     std::unique_ptr<User> User_;
     std::function<QDateTime()> UtcNow_;
     bool CollectsLog_ = false;

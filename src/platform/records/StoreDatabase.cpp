@@ -23,6 +23,16 @@ bool LooksLikeQuery(const QString& source)
            !text.at(keyword.size()).isLetterOrNumber();
 }
 
+/// False also where that cannot be told.
+bool HasTable(const DatabaseSession& session, const QString& name)
+{
+    try {
+        return session.Required().CurrentSchema()->Find(name) != nullptr;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
 jetsql::SelectStatement AllRowsOf(const QString& table)
 {
     jetsql::SelectStatement select;
@@ -93,7 +103,7 @@ std::unique_ptr<Recordset> StoreDatabase::OpenRecordset(const QString& source, R
         return OpenQuery(Session_, {source, jetsql::ParseSelect(source), {}}, type);
     } catch (const Error&) {
         // A table may be called anything.
-        if (!Session_->Required().CurrentSchema()->Find(source))
+        if (!HasTable(*Session_, source))
             throw;
     }
     return OpenTable(source, type);

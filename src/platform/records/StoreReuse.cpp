@@ -44,7 +44,7 @@ std::unique_ptr<engine::Store> StoreReuse::Take(const QString& fileName)
 
 void StoreReuse::Keep(const QString& fileName, std::unique_ptr<engine::Store>& store)
 {
-    if (isReusing && store && !kept.Store && store->IsAsNew(fileName))
+    if (isReusing && store && !kept.Store && store->MayServeAgain())
         kept = {fileName, std::move(store)};
 }
 

@@ -121,7 +121,7 @@ protected:
     {
         const int told = Told(QLatin1String(action));
         // Of what is sent in two pieces the proxy may get both at once.
-        EXPECT_NEAR(CostOf(work), told, 1 + told / 40) << action;
+        EXPECT_NEAR(CostOf(work), told, 1 + told / 20) << action;
     }
 
     TestServer::Schema Schema_;

@@ -322,6 +322,29 @@ TEST_F(MessageStoreTest, MovingChangesTheFolderAloneAndLeavesTheStamp)
     EXPECT_EQ(Audit(), QStringList{QStringLiteral("7 Message Edited: Request Moved to Category Saved (1)")});
 }
 
+TEST_F(MessageStoreTest, WhatWaitsNoLongerIsNotMarkedSentAndLeavesTheStamp)
+{
+    const cMessagePtr message = MakeMessage(QStringLiteral("An answer"));
+    message->SetCategory(tmcOutbox);
+    message->SetFlags(mfSendPending);
+    ASSERT_TRUE(Station->SaveMessage(message));
+    const Date saved = Station->LastMessageChanged();
+    Now.Advance(60);
+    ASSERT_TRUE(Station->MarkMessageSent(1, Date(46000)));
+    const Date stamp = Station->LastMessageChanged();
+    EXPECT_NE(stamp, saved);
+    EXPECT_EQ(Station->GetMessage(1)->Category(), tmcSent);
+    EXPECT_EQ(Station->GetMessage(1)->Flags(), 0);
+    Now.Advance(60);
+    Spy->Events.clear();
+    Directory.User.Log.clear();
+    EXPECT_FALSE(Station->MarkMessageSent(1, Date(46001)));
+    EXPECT_EQ(Station->LastErrorNumber(), 0);
+    EXPECT_EQ(Station->LastMessageChanged(), stamp) << "no list has anything to read";
+    EXPECT_EQ(Spy->Events, QStringList());
+    EXPECT_EQ(Audit(), QStringList());
+}
+
 TEST_F(MessageStoreTest, MovingOrCopyingToAFolderThatIsNotThereChangesNothing)
 {
     const qint32 reference = SaveNew(QStringLiteral("Request"));

@@ -102,3 +102,22 @@ TEST_F(AwardingTest, APrizeMayGoOutWithinItsDatesAndHours)
     prize.SetAvailableForHour(6, 14, false);
     EXPECT_EQ(Awarding::WhyNotNow(prize), Awarding::NotNow::WrongHour);
 }
+
+TEST_F(AwardingTest, AClockThatIsAnHourOffAwardsNoUnitTwice)
+{
+    cTolvaDatabase ahead;
+    ahead.SetMakesAutomaticBackups(false);
+    ahead.SetDirectoryDatabase(&Directory);
+    ASSERT_EQ(ahead.OpenTolvaDatabase(Folder.path()), 0);
+    const qint32 prize = SaveNewPrize(QStringLiteral("Tickets"), 2);
+    Now.Advance(3600);
+    EXPECT_NE(Awarding(ahead).Award(prize, 11).Winner, nullptr);
+    Now.Advance(-3600);
+    // Who won in an hour from now has won.
+    EXPECT_TRUE(Rules().RecentWin(11));
+    EXPECT_NE(Rules().Award(prize, 12).Winner, nullptr);
+    EXPECT_EQ(Rules().Award(prize, 13).Why, Obstacle::UsedUp);
+    Now.Advance(3600);
+    EXPECT_EQ(Awarding(ahead).Award(prize, 14).Why, Obstacle::UsedUp);
+    EXPECT_EQ(Counted(prize), 2);
+}

@@ -113,8 +113,10 @@ public:
 
     virtual QString Version() const = 0;
     virtual bool Updatable() const = 0;
-    /// Whether opening this file to read and write would find what this store finds, and nothing of the store's past
-    /// could be noticed. Nothing is raised. An engine that cannot tell answers false.
+    /// Whether whoever opens the same file next could go on with this store, to read and write, and notice nothing of
+    /// its past. Costs next to nothing. An engine that cannot tell answers false.
+    virtual bool MayServeAgain() { return false; }
+    /// Of one that may: whether opening this file would find what this store finds. Nothing is raised.
     virtual bool IsAsNew(const QString& /*fileName*/) { return false; }
 
     /// The structure now, other processes' additions included. A call costs little when nothing changed, and the

@@ -11,6 +11,9 @@
 
 #include <QSet>
 
+#include <algorithm>
+#include <functional>
+
 namespace
 {
 const QString Setting = QStringLiteral("Messages.LastChanged");
@@ -107,6 +110,63 @@ TEST_F(ChangeStampTest, OnlyTheEventOfASaveTellsItsMove)
     EXPECT_NE(told.After, first) << "the clock stands";
     ASSERT_TRUE(Station->MoveMessage(1, tmcSaved));
     EXPECT_TRUE(told.After.IsNone()) << "moving leaves the stamp alone";
+}
+
+TEST_F(ChangeStampTest, OfAComputerWhoseClockIsAnHourOffEveryChangeIsSeenAndNothingIsLostOrFoundTwice)
+{
+    cTolvaDatabase ahead;
+    ahead.SetMakesAutomaticBackups(false);
+    ahead.SetDirectoryDatabase(&Directory);
+    ASSERT_EQ(ahead.OpenTolvaDatabase(Folder.path()), 0);
+    const auto onItsClock = [&](const std::function<void()>& work) {
+        Now.Advance(3600);
+        work();
+        Now.Advance(-3600);
+    };
+    ReadStamp read;
+    QSet<qint32> seen;
+    const auto look = [&] {
+        const Date stamp = Station->LastMessageChanged();
+        EXPECT_FALSE(read.IsStill(stamp, 1)) << "a change is not seen";
+        read.Take(stamp, 1);
+        const auto rows = Station->OpenMessageRows({QStringLiteral("Reference")}, QString(), QString());
+        for (; !rows->AtEOF(); rows->MoveNext())
+            seen.insert(rows->Collect(QStringLiteral("Reference")).toInt());
+        EXPECT_EQ(rows->RecordCount(), seen.size());
+    };
+    QList<qint32> saved;
+    QList<qint32> savedAhead;
+    const auto save = [&](cTolvaDatabase& station) {
+        const cMessagePtr message = MakeMessage(QStringLiteral("Request"));
+        EXPECT_TRUE(station.SaveMessage(message));
+        (&station == &ahead ? savedAhead : saved).prepend(message->Reference());
+    };
+    // The two clocks stand meanwhile, so that all changes but for the hour fall into one moment.
+    for (int round = 0; round < 5; ++round) {
+        save(*Station);
+        look();
+        onItsClock([&] { save(ahead); });
+        look();
+        onItsClock([&] { EXPECT_TRUE(ahead.ChangeMessageFlags(1, round % 2 == 0 ? mfRead : 0, mfRead)); });
+        look();
+        EXPECT_TRUE(Station->ChangeMessageFlags(2, 0, mfRead));
+        look();
+    }
+    EXPECT_EQ(seen.size(), 10);
+    // What was filed at one moment stands an hour apart, on every computer alike.
+    const auto order = [](cTolvaDatabase& station) {
+        QList<qint32> references;
+        const auto rows = station.OpenMessageRows({QStringLiteral("Reference")}, QString(),
+                                                  QStringLiteral("[Received] DESC, [Reference] DESC"));
+        for (; !rows->AtEOF(); rows->MoveNext())
+            references.append(rows->Collect(QStringLiteral("Reference")).toInt());
+        return references;
+    };
+    std::sort(saved.begin(), saved.end(), std::greater<>());
+    std::sort(savedAhead.begin(), savedAhead.end(), std::greater<>());
+    const QList<qint32> expected = savedAhead + saved;
+    EXPECT_EQ(order(*Station), expected);
+    onItsClock([&] { EXPECT_EQ(order(ahead), expected); });
 }
 
 // ---- Rows

@@ -189,3 +189,54 @@ TEST_F(ServerWatchTest, FoldersAreReadHoweverLongTheFileStaysAsItIs)
         QThread::msleep(100);
     }
 }
+
+TEST_F(ServerWatchTest, WhileTheServerTellsFoldersAreReadOnlyBehindAChangeElsewhere)
+{
+    const QString other = QStringLiteral("Not stored");
+    // A tree in memory that differs from the stored one is loaded anew when the folders are read.
+    const auto change = [&] { Station->MessageCategories().FindCategory(tmcInbox)->SetDescription(other); };
+    const auto isRead = [&] { return Station->MessageCategories().FindCategory(tmcInbox)->Description() != other; };
+    Listen([&] { Watch().RefreshFolders(); });
+    const auto isReadByItself = [&] {
+        const QDeadlineTimer deadline(3000);
+        while (!isRead() && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        return isRead();
+    };
+    Watch().Poll(Listener);
+    change();
+    Watch().Poll(Listener);
+    EXPECT_FALSE(isRead());
+    clsCategory folder;
+    folder.SetDescription(QStringLiteral("Requests"));
+    EXPECT_TRUE(Other.SaveMessageCategory(folder));
+    EXPECT_TRUE(isReadByItself());
+    EXPECT_NE(Station->MessageCategories().FindCategory(folder.Reference()), nullptr);
+    // What was changed while nobody could be told is read as well.
+    change();
+    TestServer::Shared().Execute(
+        QStringLiteral("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE query LIKE '%%1%' AND pid <> "
+                       "pg_backend_pid()")
+            .arg(Schema.Name));
+    Watch().Poll(Listener);
+    EXPECT_TRUE(isReadByItself());
+}
+
+TEST_F(ServerWatchTest, WhereReadingTakesLongTheDeskRestsLongerBetweenChangesThatComeWithoutPause)
+{
+    constexpr int ReadingMilliseconds = 300;
+    int readings = 0;
+    Watch().Poll(Listener);
+    Listen([&] {
+        ++readings;
+        QThread::msleep(ReadingMilliseconds);
+    });
+    const QDeadlineTimer deadline(4000);
+    while (!deadline.hasExpired()) {
+        Other.SetLastPrizeChanged(ClockHelper::NowUTC());
+        Now.Advance(1);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    }
+    EXPECT_GE(readings, 2);
+    EXPECT_LE(readings, 4) << "a rest of 600 milliseconds would make it five";
+}

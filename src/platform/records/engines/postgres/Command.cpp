@@ -4,6 +4,7 @@
 #include <QtEndian>
 
 #include <bit>
+#include <numeric>
 
 namespace dao::postgres
 {
@@ -101,6 +102,12 @@ void Parameters::Truncate(int count)
     Types_.resize(size);
     AreNull_.resize(size);
     Octets_.resize(size);
+}
+
+qint64 Parameters::Octets() const
+{
+    return std::accumulate(Octets_.begin(), Octets_.end(), qint64{0},
+                           [](qint64 sum, const std::string& octets) { return sum + std::ssize(octets); });
 }
 
 std::vector<const char*> Parameters::Values() const

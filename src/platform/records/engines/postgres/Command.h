@@ -40,6 +40,8 @@ public:
     /// Forgets all but the first ones.
     void Truncate(int count);
     int Count() const { return static_cast<int>(Types_.size()); }
+    /// Of all values together.
+    qint64 Octets() const;
     const std::vector<Oid>& Types() const { return Types_; }
     /// As libpq takes them; they live until the next Add.
     std::vector<const char*> Values() const;

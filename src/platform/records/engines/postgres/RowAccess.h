@@ -4,6 +4,8 @@
 #include "platform/records/engines/Engine.h"
 #include "platform/records/engines/postgres/ServerConnection.h"
 
+#include <deque>
+
 /// Rows of one table on the server: the statements that read and change them, and what their answers mean. Made where
 /// it is needed; holds no state but what it was given. Whoever changes something holds the writer's lock.
 namespace dao::postgres
@@ -27,7 +29,8 @@ public:
                                                                  qsizetype mostOctets);
     qint64 CountRows();
     qint64 LastId();
-    qint64 DrawId();
+    /// One at least; fewer than count where there are no more.
+    std::deque<qint64> DrawIds(int count);
     /// DrawId, to be sent along with something else.
     Command DrawCommand() const;
     void RaiseIds(qint64 last);

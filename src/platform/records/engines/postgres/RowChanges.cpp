@@ -149,9 +149,24 @@ Command RowAccess::DrawCommand() const
     return Command{"SELECT pg_catalog.nextval('" + IdSequence(Schema_, Table_.Id).replace('\'', "''") + "')"};
 }
 
-qint64 RowAccess::DrawId()
+std::deque<qint64> RowAccess::DrawIds(int count)
 {
-    return Connection_.Run(DrawCommand()).Integer(0, 0);
+    Command command = DrawCommand();
+    if (count > 1) {
+        const QByteArray sequence = '\'' + IdSequence(Schema_, Table_.Id).replace('\'', "''") + '\'';
+        // No more than there are.
+        command.Text += " FROM pg_catalog.generate_series(1, LEAST($1, (SELECT seqmax FROM pg_catalog.pg_sequence "
+                        "WHERE seqrelid = " +
+                        sequence + "::pg_catalog.regclass) - COALESCE(pg_catalog.pg_sequence_last_value(" + sequence +
+                        "), 0)))";
+        command.Values.AddInteger(count);
+    }
+    const Result result = Connection_.Run(command);
+    std::deque<qint64> ids;
+    for (int row = 0; row < result.Rows(); ++row)
+        ids.push_back(result.Integer(row, 0));
+    // Behind the last one the server says itself that there is none.
+    return ids.empty() ? DrawIds(1) : ids;
 }
 
 void RowAccess::RaiseIds(qint64 last)

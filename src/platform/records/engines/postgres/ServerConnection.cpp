@@ -3,6 +3,7 @@
 
 #include <QDeadlineTimer>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <poll.h>
@@ -18,6 +19,8 @@ constexpr int BinaryResults = 1;
 /// For each host of the connect string.
 constexpr int SecondsToConnect = 5;
 constexpr qsizetype MostPrepared = 400;
+constexpr std::size_t MostDeferred = 256;
+constexpr qint64 MostDeferredOctets = qint64{1024} * 1024;
 
 /// What libpq shall take where the connect string says nothing: a server that is gone is found within seconds.
 struct UsualWord
@@ -63,7 +66,7 @@ void ServerConnection::Reconnect()
 {
     Connection_.reset();
     Prepared_.clear();
-    Deferred_.clear();
+    TakeDeferred();
     HasStreamed_ = false;
     IsListening_ = false;
     Open();
@@ -238,13 +241,13 @@ std::vector<Result> ServerConnection::RunTogether(std::span<const Command> comma
     std::vector<QByteArray> steps; // The key of each statement that is prepared, empty for one that is run.
     std::vector<Result> results;
     std::size_t done = 0;
-    const QList<QByteArray> deferred = std::exchange(Deferred_, {});
+    const std::vector<Command> deferred = TakeDeferred();
     try {
         const bool hasStreamed = std::exchange(HasStreamed_, false);
         if (hasStreamed)
             RequireSent(PQpipelineSync(connection) != 0);
-        for (const QByteArray& statement : deferred)
-            Send(Command{statement}, steps);
+        for (const Command& command : deferred)
+            Send(command, steps);
         for (const Command& command : commands)
             Send(command, steps);
         RequireSent(PQpipelineSync(connection) != 0);
@@ -266,7 +269,7 @@ std::vector<Result> ServerConnection::RunTogether(std::span<const Command> comma
         throw;
     }
     LeavePipeline();
-    results.erase(results.begin(), results.begin() + deferred.size());
+    results.erase(results.begin(), results.begin() + static_cast<qsizetype>(deferred.size()));
     return results;
 }
 
@@ -286,8 +289,8 @@ void ServerConnection::Stream(const Command& command, const std::function<bool(c
     PGconn* const connection = Connection_.get();
     if (!IsOpen())
         Raise(nullptr);
-    if (!Deferred_.isEmpty())
-        Execute({});
+    if (!Deferred_.empty())
+        RunTogether({});
     ++RoundTrips_;
     const std::vector<const char*> values = command.Values.Values();
     const std::vector<int> lengths = command.Values.Lengths();
@@ -321,8 +324,9 @@ void ServerConnection::Execute(const QByteArray& statements)
 {
     if (!IsOpen())
         Raise(nullptr);
+    const QByteArray all = WithDeferred(statements);
     ++RoundTrips_;
-    const Result result(PQexec(Connection_.get(), WithDeferred(statements).constData()));
+    const Result result(PQexec(Connection_.get(), all.constData()));
     const ExecStatusType status = PQresultStatus(result.Get());
     if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
         Raise(result.Get());
@@ -332,28 +336,58 @@ void ServerConnection::TryExecute(const QByteArray& statements) noexcept
 {
     if (!IsOpen())
         return;
+    QByteArray all = statements;
+    try {
+        all = WithDeferred(statements);
+    } catch (const Error&) {
+        // What was waiting has failed, and with it the transaction that this takes back.
+    }
     ++RoundTrips_;
-    PQclear(PQexec(Connection_.get(), WithDeferred(statements).constData()));
+    PQclear(PQexec(Connection_.get(), all.constData()));
+}
+
+void ServerConnection::TryRollback() noexcept
+{
+    TakeDeferred();
+    TryExecute("ROLLBACK");
+}
+
+void ServerConnection::Defer(Command command)
+{
+    DeferredOctets_ += command.Text.size() + command.Values.Octets();
+    Deferred_.push_back(std::move(command));
+    if (Deferred_.size() >= MostDeferred || DeferredOctets_ >= MostDeferredOctets)
+        RunTogether({});
+}
+
+std::vector<Command> ServerConnection::TakeDeferred() noexcept
+{
+    DeferredOctets_ = 0;
+    return std::exchange(Deferred_, {});
 }
 
 void ServerConnection::DeferSavepoint(const QByteArray& name)
 {
-    Deferred_.append("SAVEPOINT " + name);
+    Defer(Command{"SAVEPOINT " + name});
 }
 
 void ServerConnection::DeferRelease(const QByteArray& name)
 {
-    if (!Deferred_.isEmpty() && Deferred_.last() == "SAVEPOINT " + name)
-        Deferred_.removeLast();
+    if (!Deferred_.empty() && Deferred_.back().Text == "SAVEPOINT " + name)
+        Deferred_.pop_back();
     else
-        Deferred_.append("RELEASE " + name);
+        Defer(Command{"RELEASE " + name});
 }
 
 QByteArray ServerConnection::WithDeferred(const QByteArray& statements)
 {
-    QList<QByteArray> all = std::exchange(Deferred_, {});
-    all.append(statements);
-    return all.join(';');
+    const auto hasValues = [](const Command& command) { return command.Values.Count() > 0; };
+    if (std::any_of(Deferred_.begin(), Deferred_.end(), hasValues))
+        RunTogether({});
+    QByteArray all;
+    for (const Command& command : TakeDeferred())
+        all += command.Text + ';';
+    return all + statements;
 }
 
 } // namespace dao::postgres

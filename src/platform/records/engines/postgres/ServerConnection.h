@@ -36,12 +36,16 @@ public:
     void Stream(const Command& command, const std::function<bool(const Result&)>& visit);
     /// Statements without values, one behind the other.
     void Execute(const QByteArray& statements);
-    /// A savepoint, and its release: they can hardly fail, and go in front of the next statement instead of a round
-    /// trip of their own. One with nothing in between is left out.
+    /// Goes in front of the next statement instead of a round trip of its own, and raises there: for what can hardly
+    /// fail, in a transaction. Where much is waiting, all of it is sent.
+    void Defer(Command command);
+    /// A savepoint, and its release. One with nothing in between is left out.
     void DeferSavepoint(const QByteArray& name);
     void DeferRelease(const QByteArray& name);
     /// Execute, for taking back: a failure means that there is nothing more to be taken back. Nothing is raised.
     void TryExecute(const QByteArray& statements) noexcept;
+    /// Takes the whole transaction back, with what is waiting for its first statement.
+    void TryRollback() noexcept;
 
     /// From now on TakeNotices knows what others tell on the channel; once a connection.
     void Listen(const QByteArray& quotedChannel);
@@ -68,9 +72,11 @@ private:
     void Send(const Command& command, std::vector<QByteArray>& steps);
     QByteArray KeyOf(const Command& command) const;
     void RequireSent(bool isSent);
+    /// What is waiting goes in front, as text; what has values is sent by itself.
     QByteArray WithDeferred(const QByteArray& statements);
     Result NextResult();
     void Drain() noexcept;
+    std::vector<Command> TakeDeferred() noexcept;
     void LeavePipeline() noexcept;
 
     ConnectString Connect_;
@@ -79,7 +85,8 @@ private:
     qint64 NextName_ = 0;
     /// libpq takes the first command of a pipeline for one that is read row by row too, when the last one was.
     bool HasStreamed_ = false;
-    QList<QByteArray> Deferred_;
+    std::vector<Command> Deferred_;
+    qint64 DeferredOctets_ = 0;
     bool IsListening_ = false;
     qint64 RoundTrips_ = 0;
 };

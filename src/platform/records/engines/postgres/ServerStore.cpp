@@ -2,6 +2,7 @@
 #include "platform/records/engines/postgres/ServerStore.h"
 
 #include "platform/records/engines/PrimaryKey.h"
+#include "platform/records/engines/postgres/LinkFile.h"
 #include "platform/records/engines/postgres/Naming.h"
 #include "platform/records/engines/postgres/StoreScopes.h"
 #include "platform/records/query/StoredValues.h"
@@ -25,6 +26,9 @@ namespace
 
 constexpr std::size_t LargestIndex = 10;
 constexpr char VersionText[] = "1.0";
+constexpr int MostNumbersAhead = 64;
+/// What is larger is sent at once, so that whoever stores it hears of its failure.
+constexpr qint64 MostOctetsToLeave = qint64{256} * 1024;
 
 [[noreturn]] void RaiseDeleted()
 {
@@ -43,16 +47,34 @@ void RequireDistinctFields(const Table& table)
     }
 }
 
+/// Whether a row may be refused for its values' sake.
+bool IsUniqueBesideId(const Table& table, const IndexKey& index)
+{
+    return index.Unique && (index.Columns.size() != 1 || index.Columns.front() != table.CounterColumn());
+}
+
+bool IsKeyChanged(const Table& table, std::span<const engine::Assignment> values)
+{
+    return std::any_of(table.Indexes.begin(), table.Indexes.end(), [&](const IndexKey& index) {
+        return IsUniqueBesideId(table, index) &&
+               std::any_of(values.begin(), values.end(), [&](const engine::Assignment& assignment) {
+                   return std::find(index.Columns.begin(), index.Columns.end(), assignment.Column) !=
+                          index.Columns.end();
+               });
+    });
+}
+
 } // namespace
 
 ServerStore::ServerStore(const ConnectString& connect, bool readOnly, Missing missing, Closed closed)
     : Connection_(connect), SchemaName_(QuotedName(connect.Schema)), OpensClosed_(closed == Closed::IsOpened)
 {
-    const Result result =
-        Connection_.Run(Command{"SELECT pg_catalog.pg_is_in_recovery() OR "
-                                "pg_catalog.current_setting('default_transaction_read_only') = 'on'"});
-    IsReadOnly_ = readOnly || result.Truth(0, 0);
-    if (!HasStation(Connection_)) {
+    const std::vector<Command> first{Command{"SELECT pg_catalog.pg_is_in_recovery() OR "
+                                             "pg_catalog.current_setting('default_transaction_read_only') = 'on'"},
+                                     HasStationCommand(Connection_)};
+    const std::vector<Result> found = Connection_.RunTogether(first);
+    IsReadOnly_ = readOnly || found[0].Truth(0, 0);
+    if (found[1].Rows() == 0) {
         if (missing == Missing::IsError || IsReadOnly_) {
             throw Error(errFileNotFound, QStringLiteral("There is no station on the server (%1), or this user has no "
                                                         "right to see it.")
@@ -70,6 +92,24 @@ ServerStore::~ServerStore() = default;
 QString ServerStore::Version() const
 {
     return QString::fromLatin1(VersionText);
+}
+
+bool ServerStore::MayServeAgain()
+{
+    return !IsReadOnly_ && !IsReplaced_ && !OpensClosed_ && Transaction_ == Transaction::None && Connection_.IsOpen();
+}
+
+bool ServerStore::IsAsNew(const QString& fileName)
+{
+    try {
+        if (!MayServeAgain() || ReadLinkFile(fileName).Text() != Connection_.Connect().Text())
+            return false;
+        // Raises where a backup was put in the station's place, or it was moved away.
+        CurrentSchema();
+    } catch (const Error&) {
+        return false;
+    }
+    return true;
 }
 
 SchemaPtr ServerStore::CurrentSchema()
@@ -273,6 +313,20 @@ void ServerStore::ForgetRead()
     Ahead_ = {};
 }
 
+bool ServerStore::IsCertain(const TablePtr& table, qint64 id, qint64 version) const
+{
+    return Transaction_ == Transaction::Started && Known_.Table == table && Known_.Content.Id == id &&
+           Known_.Content.Version == version;
+}
+
+bool ServerStore::Leave(const Command& change, bool isCertain)
+{
+    if (!isCertain || Transaction_ != Transaction::Started || change.Values.Octets() > MostOctetsToLeave)
+        return false;
+    Connection_.Defer(change);
+    return true;
+}
+
 std::vector<Row> ServerStore::ReadRows(const TablePtr& table, std::span<const qint64> ids, MemoFetch memos, qint64)
 {
     const bool isKnown = ids.size() == 1 && Known_.Table == table && Known_.Content.Id == ids.front() &&
@@ -312,7 +366,7 @@ void ServerStore::RaiseCounter(const TablePtr& table, qint64 last)
     Retried([&] {
         WriteScope scope(*this);
         scope.MarkBeginning();
-        NextIds_.erase(table->Id);
+        NumbersAhead_.erase(table->Id);
         Rows(table).RaiseIds(std::min<qint64>(last, std::numeric_limits<qint32>::max()));
         scope.Commit();
     });
@@ -321,16 +375,23 @@ void ServerStore::RaiseCounter(const TablePtr& table, qint64 last)
 qint64 ServerStore::DrawCounter(const TablePtr& table)
 {
     return Retried([&] {
-        const auto ahead = NextIds_.find(table->Id);
-        if (ahead != NextIds_.end())
-            return NextIds_.extract(ahead).mapped();
+        std::deque<qint64>& ahead = NumbersAhead_[table->Id];
         RowAccess rows = Rows(table);
-        // A number is taken for a row: the lock that it needs comes in the same round trip.
-        if (Transaction_ == Transaction::Announced && !IsReadOnly_) {
+        if (ahead.empty() && Transaction_ == Transaction::Announced && !IsReadOnly_) {
+            // A number is taken for a row: the lock that it needs comes in the same round trip.
             const Command draw = rows.DrawCommand();
-            return Start(&draw)->Integer(0, 0);
+            ahead.push_back(Start(&draw)->Integer(0, 0));
+            Drawn_[table->Id] = 1;
+        } else if (ahead.empty()) {
+            // Whoever adds several rows in one transaction adds as many more.
+            int& drawn = Drawn_[table->Id];
+            const bool isFirst = Transaction_ != Transaction::Started || drawn == 0;
+            ahead = rows.DrawIds(isFirst ? 1 : std::min(drawn, MostNumbersAhead));
+            drawn += static_cast<int>(ahead.size());
         }
-        return rows.DrawId();
+        const qint64 number = ahead.front();
+        ahead.pop_front();
+        return number;
     });
 }
 
@@ -348,19 +409,16 @@ qint64 ServerStore::Insert(const TablePtr& table, std::span<const engine::Assign
         }
         RowAccess rows = Rows(table);
         const Command draw = rows.DrawCommand();
-        WriteScope scope(*this, isGiven || NextIds_.contains(table->Id) ? nullptr : &draw);
+        WriteScope scope(*this, isGiven || !NumbersAhead_[table->Id].empty() ? nullptr : &draw);
         // The check of a memo is told by the row's id, so that the id is known before.
         if (!isGiven)
             id = scope.Together() ? scope.Together()->Integer(0, 0) : DrawCounter(table);
-        // Whoever adds several rows in one transaction adds one more: its number comes along.
-        std::vector<Command> commands{rows.InsertCommand(id, values)};
-        const bool drawsNext = Transaction_ == Transaction::Started && !HasAdded_.insert(table->Id).second &&
-                               !NextIds_.contains(table->Id);
-        if (drawsNext)
-            commands.push_back(draw);
-        const std::optional<std::vector<Result>> results = scope.RunAndCommit(std::move(commands));
-        if (drawsNext && results)
-            NextIds_[table->Id] = (*results)[1].Integer(0, 0);
+        const Command insert = rows.InsertCommand(id, values);
+        const auto isUnique = [&](const IndexKey& index) { return IsUniqueBesideId(*table, index); };
+        if (Leave(insert, std::none_of(table->Indexes.begin(), table->Indexes.end(), isUnique)))
+            scope.Commit();
+        else
+            scope.RunAndCommit({insert});
         return id;
     });
 }
@@ -369,9 +427,15 @@ void ServerStore::Update(const TablePtr& table, qint64 id, qint64 version, std::
 {
     engine::CheckPrimaryKey(*table, values, engine::RowIs::There);
     Retried([&] {
+        const bool isCertain = IsCertain(table, id, version) && !IsKeyChanged(*table, values);
         WriteScope scope(*this);
         RowAccess rows = Rows(table);
-        const auto result = scope.RunAndCommit({rows.UpdateCommand(id, version, values)});
+        const Command update = rows.UpdateCommand(id, version, values);
+        if (Leave(update, isCertain)) {
+            scope.Commit();
+            return;
+        }
+        const auto result = scope.RunAndCommit({update});
         if (result && result->front().ChangedRows() > 0)
             return;
         if (!result) {
@@ -391,8 +455,14 @@ void ServerStore::Update(const TablePtr& table, qint64 id, qint64 version, std::
 void ServerStore::Delete(const TablePtr& table, qint64 id)
 {
     Retried([&] {
+        const bool isCertain = IsCertain(table, id, Known_.Content.Version);
         WriteScope scope(*this);
-        const auto result = scope.RunAndCommit({Rows(table).DeleteCommand(id)});
+        const Command removal = Rows(table).DeleteCommand(id);
+        if (Leave(removal, isCertain)) {
+            scope.Commit();
+            return;
+        }
+        const auto result = scope.RunAndCommit({removal});
         if (result && result->front().ChangedRows() == 0)
             RaiseDeleted();
     });

@@ -5,9 +5,9 @@
 #include "platform/records/engines/postgres/Structure.h"
 #include "platform/records/query/QueryRun.h"
 
+#include <deque>
 #include <map>
 #include <optional>
-#include <set>
 
 namespace dao::postgres
 {
@@ -36,6 +36,8 @@ public:
 
     QString Version() const override;
     bool Updatable() const override { return !IsReadOnly_; }
+    bool MayServeAgain() override;
+    bool IsAsNew(const QString& fileName) override;
 
     engine::SchemaPtr CurrentSchema() override;
     void AddTable(const engine::Table& table) override;
@@ -123,6 +125,7 @@ private:
     /// Does it, and once more over a new connection where the old one is gone and no transaction with it.
     template <typename Work>
     auto Retried(const Work& work);
+    void Reconnect();
     void RecoverFrom(const ServerFailure& failure);
     void RequireUsable() const;
     void RequireSameStation(const StationState& state);
@@ -131,6 +134,11 @@ private:
     void Hear();
     void Know(const engine::TablePtr& table, engine::MemoFetch memos, const Row& row);
     void ForgetRead();
+    /// Whether the row stands as it was read until the transaction ends, and nothing can be in a change's way.
+    bool IsCertain(const engine::TablePtr& table, qint64 id, qint64 version) const;
+    /// Leaves a change to the next round trip, in the caller's transaction; false where that may fail for reasons of
+    /// its own, which belong to its caller.
+    bool Leave(const Command& change, bool isCertain);
     bool ReadAhead(const engine::TablePtr& table, engine::MemoFetch memos, Row& row);
     engine::TablePtr RequireTable(const QString& name);
     /// BEGIN, with the writer's lock. together: asked in the same round trip, for its result.
@@ -138,6 +146,8 @@ private:
     /// The caller's announced transaction.
     std::optional<Result> Start(const Command* together = nullptr);
     void Commit();
+    /// Takes the server's transaction back.
+    void EndOnServer();
     /// After a commit whose answer did not come: whether the server has stored it.
     bool WasCommitted();
     [[noreturn]] void RaiseLost() const;
@@ -157,10 +167,11 @@ private:
     bool HasLooked_ = false; ///< At the structure, in the announced transaction; once is enough for all of it.
     RowsAhead Ahead_;
     KnownRow Known_;
-    std::set<qint64> HasAdded_;        ///< Tables that the open transaction has added a row to.
-    std::map<qint64, qint64> NextIds_; ///< By table, numbers that came along with an insert.
-    bool HasNews_ = false;             ///< Told, and not taken yet.
-    bool IsStructureTold_ = false;     ///< A change of the structure since the last look would have been told.
+    std::map<qint64, int> Drawn_; ///< By table, how many numbers the open transaction has drawn.
+    /// By table, numbers that were drawn together with others.
+    std::map<qint64, std::deque<qint64>> NumbersAhead_;
+    bool HasNews_ = false;         ///< Told, and not taken yet.
+    bool IsStructureTold_ = false; ///< A change of the structure since the last look would have been told.
 };
 
 } // namespace dao::postgres

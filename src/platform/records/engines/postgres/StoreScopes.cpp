@@ -23,7 +23,7 @@ ServerStore::ReadScope::ReadScope(ServerStore& store) : Store_(store)
 ServerStore::ReadScope::~ReadScope()
 {
     if (IsOwn_)
-        Store_.Connection_.TryExecute("ROLLBACK");
+        Store_.Connection_.TryRollback();
 }
 
 ServerStore::WriteScope::WriteScope(ServerStore& store, const Command* together) : Store_(store)
@@ -83,7 +83,7 @@ ServerStore::WriteScope::~WriteScope()
     if (IsDone_)
         return;
     if (IsOwn_)
-        Store_.Connection_.TryExecute("ROLLBACK");
+        Store_.Connection_.TryRollback();
     else if (HasSavepoint_)
         Store_.Connection_.TryExecute(TakeBack);
 }

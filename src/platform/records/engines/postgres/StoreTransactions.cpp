@@ -73,6 +73,13 @@ void ServerStore::RequireSameStation(const StationState& state)
     RequireUsable();
 }
 
+void ServerStore::Reconnect()
+{
+    // What was told meanwhile was told to nobody.
+    HasNews_ = HasNews_ || Connection_.IsListening();
+    Connection_.Reconnect();
+}
+
 void ServerStore::RecoverFrom(const ServerFailure& failure)
 {
     if (Transaction_ == Transaction::Started) {
@@ -85,7 +92,7 @@ void ServerStore::RecoverFrom(const ServerFailure& failure)
     if (!failure.IsConnectionLost() && !isOld)
         throw failure;
     if (!isOld)
-        Connection_.Reconnect();
+        Reconnect();
     RequireSameStation(StateIn(Connection_.Run(StateCommand(SchemaName_)), Connection_));
     if (isOld)
         throw Error(errTableNotFound, failure.Description());
@@ -114,7 +121,7 @@ std::optional<Result> ServerStore::BeginWriting(const Command* together)
             Schema_ = ReadStructure(Connection_, SchemaName_, true, Schema_, State_);
         return together == nullptr ? std::nullopt : std::optional(std::move(results.back()));
     } catch (...) {
-        Connection_.TryExecute("ROLLBACK");
+        Connection_.TryRollback();
         throw;
     }
 }
@@ -131,7 +138,7 @@ std::optional<Result> ServerStore::Start(const Command* together)
 void ServerStore::Commit()
 {
     try {
-        Connection_.Execute("COMMIT");
+        Connection_.Run(Command{"COMMIT", {}, false});
     } catch (const ServerFailure& failure) {
         if (!failure.IsConnectionLost() || !WasCommitted())
             throw;
@@ -146,7 +153,7 @@ bool ServerStore::WasCommitted()
     while (true) {
         try {
             if (!Connection_.IsOpen())
-                Connection_.Reconnect();
+                Reconnect();
             const Result result = Connection_.Run(ask);
             const std::string_view state = result.IsNull(0, 0) ? std::string_view() : result.Octets(0, 0);
             // In progress: the server has not noticed yet that this client was gone, or waits for another server.
@@ -174,7 +181,7 @@ void ServerStore::BeginTrans()
     if (Depth_ == 0) {
         Transaction_ = Transaction::Announced;
         HasLooked_ = false;
-        HasAdded_.clear();
+        Drawn_.clear();
     }
     ++Depth_;
 }
@@ -191,17 +198,25 @@ void ServerStore::CommitTrans()
     }
     ForgetRead();
     const Transaction state = std::exchange(Transaction_, Transaction::None);
-    if (state == Transaction::Lost)
+    if (state == Transaction::Lost) {
+        EndOnServer();
         RaiseLost();
+    }
     if (state != Transaction::Started)
         return;
     try {
         Commit();
     } catch (...) {
-        Connection_.TryExecute("ROLLBACK");
-        State_.Structure = 0;
+        EndOnServer();
         throw;
     }
+}
+
+void ServerStore::EndOnServer()
+{
+    Connection_.TryRollback();
+    // What was added to the structure in it is gone.
+    State_.Structure = 0;
 }
 
 void ServerStore::Rollback()
@@ -218,10 +233,8 @@ void ServerStore::Rollback()
         return;
     }
     const Transaction state = std::exchange(Transaction_, Transaction::None);
-    if (state == Transaction::Started)
-        Connection_.TryExecute("ROLLBACK");
-    // What was added to the structure in it is gone.
-    State_.Structure = 0;
+    if (state == Transaction::Started || state == Transaction::Lost)
+        EndOnServer();
 }
 
 void ServerStore::LockForChange()

@@ -6,6 +6,7 @@
 #include <QRandomGenerator>
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 
 namespace dao::postgres
@@ -121,15 +122,18 @@ void CreateServerIndex(ServerConnection& connection, const QByteArray& quotedSch
     }
 }
 
+bool HasMemo(const Table& table)
+{
+    return std::any_of(table.Columns.begin(), table.Columns.end(), std::mem_fn(&Column::IsMemo));
+}
+
 /// Indexes of the server's own, which no program sees: without them each list would be a walk through all mails. A
 /// number of 16 bits tells a class, such as a message's folder; a long text may hold several entries, such as its
 /// addresses.
 QByteArray OwnIndex(const QByteArray& rows, const Table& table, int column)
 {
-    const bool hasMemo =
-        std::any_of(table.Columns.begin(), table.Columns.end(), [](const Column& other) { return other.IsMemo(); });
     const Column& definition = table.Columns[static_cast<std::size_t>(column)];
-    if (!hasMemo || table.CounterColumn() < 0)
+    if (!HasMemo(table) || table.CounterColumn() < 0)
         return {};
     if (definition.Type == dbInteger)
         return "CREATE INDEX ON " + rows + " (" + ColumnName(table, column) + ", " + IdColumn + ");";
@@ -261,13 +265,13 @@ Command Plain(const QByteArray& text)
 
 } // namespace
 
-bool HasStation(ServerConnection& connection)
+Command HasStationCommand(const ServerConnection& connection)
 {
     const QByteArray schema = Utf8(connection.Connect().Schema);
     Command command{"SELECT 1 FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace "
                     "WHERE n.nspname = pg_catalog.convert_from($1, 'UTF8') AND c.relname = 'tolva_station'"};
     command.Values.AddOctets(View(schema));
-    return connection.Run(command).Rows() > 0;
+    return command;
 }
 
 void CreateStation(ServerConnection& connection)
@@ -277,7 +281,7 @@ void CreateStation(ServerConnection& connection)
     // The number is the same for all that make a station in this database, so that they wait for each other.
     connection.Execute("BEGIN; SELECT pg_catalog.pg_advisory_xact_lock(1414288945)");
     try {
-        if (!HasStation(connection)) {
+        if (connection.Run(HasStationCommand(connection)).Rows() == 0) {
             connection.Execute("CREATE SCHEMA IF NOT EXISTS " + schema);
             connection.Execute(
                 "CREATE TABLE " + own + StationTable +
@@ -301,7 +305,7 @@ void CreateStation(ServerConnection& connection)
         }
         connection.Execute("COMMIT");
     } catch (...) {
-        connection.TryExecute("ROLLBACK");
+        connection.TryRollback();
         throw;
     }
 }
@@ -350,7 +354,7 @@ engine::SchemaPtr ReadStructure(ServerConnection& connection, const QByteArray& 
         results = connection.RunTogether(commands);
     } catch (...) {
         if (!isInTransaction)
-            connection.TryExecute("ROLLBACK");
+            connection.TryRollback();
         throw;
     }
     const auto at = [&](std::size_t place) -> const Result& { return results[place + (isInTransaction ? 0 : 1)]; };
@@ -420,8 +424,12 @@ void WriteColumn(ServerConnection& connection, const QByteArray& quotedSchema, c
         connection.Execute("ALTER SEQUENCE " + IdSequence(quotedSchema, table.Id) + " MAXVALUE " +
                            QByteArray::number(HighestNumber));
     } else {
+        // The first memo makes indexes of the columns in front of it worth their while as well.
+        QByteArray indexes;
+        for (int own = column.IsMemo() && !HasMemo(table) ? 0 : place; own <= place; ++own)
+            indexes += OwnIndex(rows, after, own);
         connection.Execute("ALTER TABLE " + rows + " ADD COLUMN " + Definitions(after, place).join(", ADD COLUMN ") +
-                           ';' + StorageOf(rows, after, place) + OwnIndex(rows, after, place));
+                           ';' + StorageOf(rows, after, place) + indexes);
     }
     RecordColumn(connection, quotedSchema, table.Id, place, column);
 }

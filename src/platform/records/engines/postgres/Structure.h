@@ -37,7 +37,8 @@ inline StationStanding StandingOf(const StationState& state)
 /// Makes the schema where it is not there, and what a station needs in it. Of several that do so at once each finds it
 /// made.
 void CreateStation(ServerConnection& connection);
-bool HasStation(ServerConnection& connection);
+/// A row where the schema holds a station.
+Command HasStationCommand(const ServerConnection& connection);
 
 /// What reads the state, as the columns Format, Identity, Structure.
 Command StateCommand(const QByteArray& quotedSchema);

@@ -90,10 +90,14 @@ SqliteStore::~SqliteStore()
     }
 }
 
+bool SqliteStore::MayServeAgain()
+{
+    return !IsReadOnly_ && Transaction_ == Transaction::None && !Counters_.HasRest() && !Counters_.TakenBack();
+}
+
 bool SqliteStore::IsAsNew(const QString& fileName)
 {
-    if (IsReadOnly_ || Connection_.FileName() != fileName || Transaction_ != Transaction::None || Counters_.HasRest() ||
-        Counters_.TakenBack())
+    if (!MayServeAgain() || Connection_.FileName() != fileName)
         return false;
     try {
         // Raises where a backup was put in the file's place.

@@ -19,6 +19,7 @@ public:
 
     QString Version() const override;
     bool Updatable() const override { return !IsReadOnly_; }
+    bool MayServeAgain() override;
     bool IsAsNew(const QString& fileName) override;
 
     engine::SchemaPtr CurrentSchema() override;

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/DBEngine.h"
 #include "platform/records/RecordsFixture.h"
+#include "platform/records/StoreReuse.h"
 #include "platform/records/Transaction.h"
 #include "support/CuttingProxy.h"
 #include "support/TestServer.h"
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTemporaryDir>
 
 #include <libpq-fe.h>
 
@@ -291,6 +293,37 @@ TEST_F(ServerFault, NoListAsksTheServerOnceARow)
     EXPECT_LT(Proxy_.TakeRequests(), 20);
 }
 
+TEST_F(ServerFault, ATableThatIsMadeFieldByFieldHasTheServersOwnIndexesOfOneThatIsMadeAtOnce)
+{
+    const auto field = [](int number) {
+        const QString name = QStringLiteral("Field%1").arg(number);
+        if (number == 0)
+            return MakeField(name, dbLong, 0, dbAutoIncrField);
+        return number == 1 ? MakeField(name, dbText, 255) : MakeField(name, number == 2 ? dbInteger : dbMemo);
+    };
+    std::vector<std::unique_ptr<Field>> all;
+    std::vector<std::unique_ptr<Field>> first;
+    for (int number = 0; number < 4; ++number)
+        all.push_back(field(number));
+    first.push_back(field(0));
+    AddTable(*Direct_, QStringLiteral("AtOnce"), std::move(all));
+    AddTable(*Direct_, QStringLiteral("ByField"), std::move(first));
+    for (int number = 1; number < 4; ++number)
+        Direct_->TableDefs().Item(QStringLiteral("ByField")).Fields().Append(field(number));
+    const auto indexes = [&](const QString& table) {
+        const QString number = TestServer::Shared().Execute(
+            QStringLiteral("SELECT id FROM %1.tolva_tables WHERE name = '%2'").arg(Schema_.Name, table));
+        return TestServer::Shared()
+            .Execute(QStringLiteral("SELECT string_agg(indexdef, ' ' ORDER BY indexname) FROM pg_indexes WHERE "
+                                    "schemaname = '%1' AND tablename = 'rows_%2'")
+                         .arg(Schema_.Name, number))
+            .replace(QStringLiteral("rows_") + number, QStringLiteral("rows"));
+    };
+    const QString atOnce = indexes(QStringLiteral("AtOnce"));
+    EXPECT_TRUE(atOnce.contains(QStringLiteral("gin"))) << qPrintable(atOnce);
+    EXPECT_EQ(indexes(QStringLiteral("ByField")), atOnce);
+}
+
 TEST_F(ServerFault, OthersAreToldOfWhatIsCommittedAndWhoDoesItIsNot)
 {
     ASSERT_TRUE(Through_->BeginBeingTold());
@@ -346,7 +379,7 @@ TEST_F(ServerFault, WhoIsToldOfChangesAsksForTheStructureOnlyBehindOne)
     EXPECT_FALSE(Through_->TakeChanges());
 }
 
-TEST_F(ServerFault, ManyRowsInATransactionTakeARoundTripEach)
+TEST_F(ServerFault, ManyRowsInATransactionTakeAFewRoundTripsTogether)
 {
     AddRow(*Through_, QStringLiteral("prepared"));
     DBEngine::BeginTrans();
@@ -363,7 +396,8 @@ TEST_F(ServerFault, ManyRowsInATransactionTakeARoundTripEach)
     Proxy_.TakeRequests();
     for (int i = 0; i < 20; ++i)
         add();
-    EXPECT_EQ(Proxy_.TakeRequests(), 20);
+    // Numbers for ever more rows, the rows themselves with the next of these.
+    EXPECT_LE(Proxy_.TakeRequests(), 5);
     // One of them alone is taken back.
     DBEngine::BeginTrans();
     AddRow(*Through_, QStringLiteral("taken back"));
@@ -371,6 +405,89 @@ TEST_F(ServerFault, ManyRowsInATransactionTakeARoundTripEach)
     DBEngine::CommitTrans();
     EXPECT_EQ(NamesIn(*Direct_).count(QStringLiteral("one of many")), 22);
     EXPECT_FALSE(NamesIn(*Direct_).contains(QStringLiteral("taken back")));
+}
+
+TEST_F(ServerFault, WhatWasLeftToTheCommitAndIsRefusedThereIsToldAndNothingOfItStored)
+{
+    AddRow(*Direct_, QStringLiteral("one"));
+    TestServer::Shared().Execute(
+        QStringLiteral("CREATE FUNCTION %1.full() RETURNS trigger LANGUAGE plpgsql AS $$BEGIN RAISE EXCEPTION 'could "
+                       "not extend file: No space left on device' USING ERRCODE = '53100'; END$$; CREATE TRIGGER "
+                       "full_disk BEFORE INSERT ON %1.rows_1 EXECUTE FUNCTION %1.full()")
+            .arg(Schema_.Name));
+    const auto raised = [&](const std::function<void()>& work) {
+        return ErrorOf([&] {
+            Transaction transaction(*Direct_);
+            Direct_->Execute(QStringLiteral("UPDATE [T] SET [Name]='two'"));
+            AddRow(*Direct_, QStringLiteral("three"));
+            work();
+            transaction.Commit();
+        });
+    };
+    EXPECT_EQ(raised([] {}).Number, errDiskFull);
+    EXPECT_EQ(NamesIn(*Direct_), QStringList{QStringLiteral("one")});
+    // Whoever reads in between hears of it there.
+    EXPECT_EQ(raised([&] { NamesIn(*Direct_); }).Number, errDiskFull);
+    EXPECT_EQ(NamesIn(*Direct_), QStringList{QStringLiteral("one")});
+    // And whoever does not listen to it hears of it at the end.
+    EXPECT_EQ(raised([&] { ErrorOf([&] { NamesIn(*Direct_); }); }).Number, errServer);
+    EXPECT_EQ(NamesIn(*Direct_), QStringList{QStringLiteral("one")}) << "the server is not left in a transaction";
+    TestServer::Shared().Execute(QStringLiteral("DROP TRIGGER full_disk ON %1.rows_1").arg(Schema_.Name));
+    AddRow(*Direct_, QStringLiteral("four"));
+    EXPECT_EQ(NamesIn(*Direct_).size(), 2);
+}
+
+TEST_F(ServerFault, ATransactionThatIsTakenBackSendsNothingThatWasLeft)
+{
+    DBEngine::BeginTrans();
+    AddRow(*Through_, QStringLiteral("one"));
+    DBEngine::Rollback();
+    EXPECT_EQ(NamesIn(*Through_), QStringList());
+    AddRow(*Through_, QStringLiteral("two"));
+    EXPECT_EQ(NamesIn(*Direct_), QStringList{QStringLiteral("two")});
+}
+
+TEST_F(ServerFault, AValueThatMayBeRefusedIsRefusedWhereItIsStored)
+{
+    AddIndex(*Direct_, QStringLiteral("T"), QStringLiteral("Names"), {QStringLiteral("Name")}, true);
+    const Transaction transaction(*Through_);
+    AddRow(*Through_, QStringLiteral("one"));
+    EXPECT_EQ(ErrorOf([&] { AddRow(*Through_, QStringLiteral("ONE")); }).Number, errDuplicateValue);
+    AddRow(*Through_, QStringLiteral("two"));
+    const auto table = Through_->OpenRecordset(QStringLiteral("T"), dbOpenTable);
+    table->SetIndex(QStringLiteral("Names"));
+    table->Seek(SeekComparison::Equal, {QStringLiteral("two")});
+    table->Edit();
+    table->SetCollect(QStringLiteral("Name"), QStringLiteral("one"));
+    EXPECT_EQ(ErrorOf([&] { table->Update(); }).Number, errDuplicateValue);
+    EXPECT_EQ(NamesIn(*Through_), (QStringList{QStringLiteral("one"), QStringLiteral("two")}));
+}
+
+TEST_F(ServerFault, WithinAScopeTheNextOpeningGoesOnWithTheConnectionOfTheLastOne)
+{
+    AddRow(*Direct_, QStringLiteral("one"));
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("Linked.mdb"));
+    DBEngine::LinkDatabase(
+        file, QStringLiteral("host=%1 user=tolva dbname=postgres schema=%2").arg(Proxy_.Folder(), Schema_.Name));
+    const StoreReuse scope;
+    DBEngine::OpenDatabase(file)->Close();
+    Proxy_.TakeRequests();
+    {
+        const auto again = DBEngine::OpenDatabase(file);
+        EXPECT_LE(Proxy_.TakeRequests(), 1);
+        EXPECT_EQ(NamesIn(*again), QStringList{QStringLiteral("one")});
+    }
+    // Another station in its place, as behind a restore, is opened anew.
+    TestServer::Shared().Execute(QStringLiteral("UPDATE %1.tolva_station SET identity = identity + 2, structure = "
+                                                "structure + 1")
+                                     .arg(Schema_.Name));
+    EXPECT_EQ(NamesIn(*DBEngine::OpenDatabase(file)), QStringList{QStringLiteral("one")});
+    // As is the one that the file names by then.
+    const TestServer::Schema other = TestServer::Shared().NewSchema();
+    ASSERT_TRUE(QFile::remove(file));
+    DBEngine::CreateLinkedDatabase(file, TestServer::Shared().Connect(other.Name), QString());
+    EXPECT_EQ(DBEngine::OpenDatabase(file)->TableDefs().Count(), 0);
 }
 
 TEST_F(ServerFault, ARowThatWasReadUnderTheLockIsNotReadAgainToBeEdited)
