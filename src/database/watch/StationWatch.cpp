@@ -2,32 +2,16 @@
 #include "database/watch/StationWatch.h"
 
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
 
 #include <QPointer>
 
-#include <filesystem>
-
 namespace
 {
-/// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
-constexpr qint64 ClockStepMilliseconds = 2500;
 /// Many changes within it are one poll.
 constexpr int LookMilliseconds = 250;
 /// And while changes come without pause, each desk reads them this often: fifty desks read what one of them stores.
 constexpr int RestMilliseconds = 600;
 } // namespace
-
-/// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
-StationWatch::FileLook StationWatch::LookAt(const QString& name)
-{
-    const std::filesystem::path file(name.toStdU16String());
-    std::error_code unreadable;
-    const auto modified = std::filesystem::last_write_time(file, unreadable);
-    const auto size = std::filesystem::file_size(file, unreadable);
-    // What cannot be looked at is told by the reading.
-    return {static_cast<qint64>(modified.time_since_epoch().count()), unreadable ? -1 : static_cast<qint64>(size)};
-}
 
 StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
 {
@@ -84,18 +68,9 @@ void StationWatch::RefreshFolders()
 {
     if (Seen_ && Seen_->AreFoldersLoaded)
         return;
-    const FileLook look = LookAt(Station_.Information().Path);
-    if (look != Look_ || LookOfOpening_ != Station_.Openings()) {
-        Look_ = look;
-        LookOfOpening_ = Station_.Openings();
-        SinceLook_.start();
-        AreFoldersCertain_ = false;
-        IsOnServer_ = dao::DBEngine::IsLinked(Station_.Information().Path);
-    }
-    if (!AreFoldersCertain_) {
-        const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
+    if (Folders_.MayHaveChanged(Station_.Information().Path, Station_.Openings())) {
         Station_.RefreshCategoryTree();
-        AreFoldersCertain_ = isOld && !IsOnServer_;
+        Folders_.WasRead();
     }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;
