@@ -97,13 +97,18 @@ void SearchFollowing::Look(const QByteArray& note)
     const QByteArray now = CurrentNote();
     if (now == note || (!IsDone_ && now == Note_))
         return;
-    Begin();
+    BeginAt(now);
 }
 
 void SearchFollowing::Begin()
 {
-    // Before anything is read: what is stored meanwhile makes another note.
-    Note_ = CurrentNote();
+    BeginAt(CurrentNote());
+}
+
+/// note: of before anything is read. What is stored meanwhile makes another one.
+void SearchFollowing::BeginAt(const QByteArray& note)
+{
+    Note_ = note;
     Next_ = RangeOf(Last_);
     Handed_ = SearchStep::None;
     HasEnded_ = false;

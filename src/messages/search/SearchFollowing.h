@@ -67,6 +67,7 @@ public:
     static QByteArray IdentityOf(const cTolvaDatabase& station);
 
 private:
+    void BeginAt(const QByteArray& note);
     void ReadMails(int milliseconds);
     SearchWork NextWork(int milliseconds);
     SearchWork LookWork(int milliseconds);
