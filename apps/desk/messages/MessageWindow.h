@@ -19,6 +19,8 @@ public:
     MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent = nullptr);
 
     qint32 Reference() const { return Message_->Reference(); }
+    /// As PreviewPane has it.
+    void SetShowsSentDate(bool shows);
 
 public Q_SLOTS:
     /// Looks whether the message is still where it was.

@@ -41,6 +41,8 @@ public:
     void SetDamageAdvice(std::function<QString(qint32 reference)> advice) { DamageAdvice_ = std::move(advice); }
     /// Marks what it finds in the body of what is shown; see uMessageBasic.
     void SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker);
+    /// The date is the one of lists that show the sender's clock. Off at first.
+    void SetShowsSentDate(bool shows);
     /// Where the keyboard goes.
     QWidget* FocusTarget() const;
 

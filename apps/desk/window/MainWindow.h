@@ -150,6 +150,7 @@ private:
     void ReopenStation();
     void SayIfReadOnly();
     void MakeSortMenu(QMenu& menu);
+    qint32 SortOrder() const;
     void SetSortOrder(qint32 order);
     bool OpenAgain(enTolvaMessageCategories category);
     void EditUsers();
