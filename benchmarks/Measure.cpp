@@ -84,6 +84,12 @@ void Report(const std::string& name, const std::string& floorWords, double floor
     Print(name, floorText, subjectText, subject / floor, limit, floorWords);
 }
 
+void Tell(const std::string& name, double value, const std::string& unit)
+{
+    std::printf("%-34s %12s %9.1f %s\n", name.c_str(), "", value, unit.c_str());
+    std::fflush(stdout);
+}
+
 void Require(bool condition, const char* what)
 {
     if (condition)

@@ -28,6 +28,9 @@ void Compare(
 void Report(const std::string& name, const std::string& floorWords, double floor, double subject, double limit,
             const std::string& unit);
 
+/// Prints a figure that has no limit.
+void Tell(const std::string& name, double value, const std::string& unit);
+
 /// Ends the run with words when a measured operation did not do its work: a wrong answer must not be a quick one.
 void Require(bool condition, const char* what);
 

@@ -13,7 +13,8 @@ void CompareSaving(const Comparison& comparison, const QString& folder,
 void BenchReading(const QString& largeStation, int large);
 void BenchSearching(const QString& largeStation);
 /// folder: where a station and a maildir of that many mails are made.
-void BenchWords(const QString& folder, int count);
+/// isBesideNotmuch: it indexes the same mails as a measure, in some milliseconds each.
+void BenchWords(const QString& folder, int count, bool isBesideNotmuch);
 void BenchHistory(const QString& largeStation);
 /// large: messages of the largest collection.
 void BenchTemplates(int large);

@@ -28,6 +28,12 @@ std::unique_ptr<cMessages> cTolvaDatabase::GetMessages(const QString& sqlQuery)
     return Messages_->GetMessages(sqlQuery);
 }
 
+quint64 cTolvaDatabase::MarkOfMessageRows(const QStringList& columns, const QString& condition,
+                                          const QString& order) const
+{
+    return Messages_->MarkOfMessageRows(columns, condition, order);
+}
+
 std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenMessageRows(const QStringList& columns, const QString& condition,
                                                                 const QString& order) const
 {

@@ -118,15 +118,29 @@ std::unique_ptr<cMessages> MessageStore::GetMessages(const QString& sqlQuery)
     return isWhole && !pending ? std::move(messages) : nullptr;
 }
 
-std::unique_ptr<dao::Recordset> MessageStore::OpenMessageRows(const QStringList& columns, const QString& condition,
-                                                              const QString& order) const
+namespace
+{
+QString QueryOfRows(const QStringList& columns, const QString& condition, const QString& order)
 {
     QString query = QStringLiteral("SELECT [%1] FROM [Messages]").arg(columns.join(QStringLiteral("], [")));
     if (!condition.isEmpty())
         query += QStringLiteral(" WHERE ") + condition;
     if (!order.isEmpty())
         query += QStringLiteral(" ORDER BY ") + order;
-    return Station_.OpenSnapshot(query);
+    return query;
+}
+} // namespace
+
+std::unique_ptr<dao::Recordset> MessageStore::OpenMessageRows(const QStringList& columns, const QString& condition,
+                                                              const QString& order) const
+{
+    return Station_.OpenSnapshot(QueryOfRows(columns, condition, order));
+}
+
+quint64 MessageStore::MarkOfMessageRows(const QStringList& columns, const QString& condition,
+                                        const QString& order) const
+{
+    return Station_.OpenedDatabase().MarkOf(QueryOfRows(columns, condition, order));
 }
 
 bool MessageStore::SaveMessage(const cMessagePtr& message)

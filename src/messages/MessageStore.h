@@ -37,6 +37,7 @@ public:
     cMessagePtr ReadMessage(qint32 reference);
     static cMessagePtr GetMessage(dao::Recordset& row);
     std::unique_ptr<cMessages> GetMessages(const QString& sqlQuery);
+    quint64 MarkOfMessageRows(const QStringList& columns, const QString& condition, const QString& order) const;
     std::unique_ptr<dao::Recordset> OpenMessageRows(const QStringList& columns, const QString& condition,
                                                     const QString& order) const;
 

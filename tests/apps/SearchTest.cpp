@@ -3,7 +3,9 @@
 // tolva search and tolva index.
 
 #include "CommandLineTest.h"
+#include "common/Enumerations.h"
 #include "messages/search/IndexConnection.h"
+#include "platform/records/DBEngine.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -104,6 +106,22 @@ TEST_F(SearchTest, IndexSaysWhatIsInIt)
     const QJsonObject said = QJsonDocument::fromJson(Expect("index", {QStringLiteral("--json")})).object();
     EXPECT_EQ(said.value(QStringLiteral("indexed")).toInt(), 3);
     EXPECT_TRUE(said.value(QStringLiteral("whole")).toBool());
+}
+
+TEST_F(SearchTest, WhatSoftwareChangesThatMovesNoStampIsSeenByTheNextIndexOrChange)
+{
+    const int quiet = FileMail(Mail("One", "ferry\r\n")).toInt();
+    EXPECT_EQ(Found({QStringLiteral("ferry"), QStringLiteral("in:inbox")}), QList<int>{quiet});
+    const auto move = [&](int category) {
+        const auto database = dao::DBEngine::OpenDatabase(Path(QStringLiteral("station/Tolva.mdb")));
+        return database->Execute(QStringLiteral("UPDATE [Messages] SET [Category]=%1").arg(category));
+    };
+    ASSERT_EQ(move(tmcSaved), 1);
+    Expect("index");
+    EXPECT_EQ(Found({QStringLiteral("ferry"), QStringLiteral("in:saved")}), QList<int>{quiet});
+    ASSERT_EQ(move(tmcSent), 1);
+    FileMail(Mail("Two", "harbour\r\n"));
+    EXPECT_EQ(Found({QStringLiteral("ferry"), QStringLiteral("in:sent")}), QList<int>{quiet});
 }
 
 TEST_F(SearchTest, ADamagedIndexIsMadeAnewWithoutAWord)

@@ -53,6 +53,11 @@ MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, Q
     resize(760, 600);
 }
 
+void MessageWindow::SetShowsSentDate(bool shows)
+{
+    View_->SetShowsSentDate(shows);
+}
+
 void MessageWindow::MakeActions()
 {
     auto* menu = menuBar()->addMenu(tr("&Message"));

@@ -20,6 +20,8 @@ public:
 
     qint32 Reference() const { return Message_->Reference(); }
     PreviewPane& View() { return *View_; }
+    /// As PreviewPane has it.
+    void SetShowsSentDate(bool shows);
 
 public Q_SLOTS:
     /// Looks whether the message is still where it was.

@@ -116,6 +116,11 @@ void PreviewPane::TakeReadTime()
         ReadTimer_.start();
 }
 
+void PreviewPane::SetShowsSentDate(bool shows)
+{
+    View_->SetShowsSentDate(shows);
+}
+
 void PreviewPane::SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker)
 {
     View_->SetMarker(std::move(marker));

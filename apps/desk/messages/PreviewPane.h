@@ -43,6 +43,8 @@ public:
     void SetMarker(std::function<QList<std::pair<qsizetype, qsizetype>>(const QString& text)> marker);
     /// How much larger than usual the text is; see uMessageBasic.
     void SetTextSize(int steps);
+    /// The date is the one of lists that show the sender's clock. Off at first.
+    void SetShowsSentDate(bool shows);
     /// Where the keyboard goes.
     QWidget* FocusTarget() const;
 

@@ -44,7 +44,7 @@ public:
             const std::vector<qint32> references = work->DoIn(*Index_);
             const qint64 count = Index_->Count();
             const bool hasChanged = Index_->Changes() != before;
-            const bool isFinished = work->Kind == SearchWork::Kind::Finish;
+            const bool isFinished = work->Kind == SearchStep::Finish;
             const QByteArray note = work->Note;
             Answer(round, [=](SearchService& service) {
                 if (isFinished)
@@ -187,6 +187,7 @@ void SearchService::Restart()
     Opening_ = Station_.Database().Openings();
     IsWorking_ = false;
     IsComplete_ = false;
+    HasBegun_ = false;
     Note_.clear();
     if (!SearchPlace::IsWanted()) {
         SearchIndex::Remove(file);
@@ -211,7 +212,17 @@ void SearchService::Look()
         }
         if (!Following_ || IsWorking_)
             return;
-        Following_->Look(Note_);
+        // Counting a million messages takes a while, and mostly nobody has written anything.
+        const bool mayHaveChanged = File_.MayHaveChanged(Station_.Database().Information().Path, Opening_);
+        if (IsComplete_ && !mayHaveChanged)
+            return;
+        // What moved no stamp before this program was there is not told by the note.
+        if (!HasBegun_)
+            Following_->Begin();
+        else
+            Following_->Look(Note_);
+        HasBegun_ = true;
+        File_.WasRead();
     } catch (const dao::Error&) {
         return; // the desk says when the station is out of reach; the next look tries again
     }
@@ -235,9 +246,9 @@ void SearchService::Step()
     } catch (const dao::Error&) {
         return;
     }
-    if (work->Kind == SearchWork::Kind::None)
+    if (work->Kind == SearchStep::None)
         return;
-    if (work->Kind == SearchWork::Kind::Pause) {
+    if (work->Kind == SearchStep::Pause) {
         StepTimer_.start();
         return;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "database/watch/FileWatch.h"
 #include "messages/search/SearchFollowing.h"
 
 #include <QObject>
@@ -82,6 +83,8 @@ private:
     QString Problem_;
     qint64 Count_ = 0;
     bool IsComplete_ = false;
+    FileWatch File_;        ///< Since the station was looked at.
+    bool HasBegun_ = false; ///< To go through the station, since it was opened.
     bool IsWorking_ = false;
     QTimer LookTimer_;
     QTimer StepTimer_;

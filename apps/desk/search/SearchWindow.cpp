@@ -120,6 +120,7 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     resize(1080, 640);
     restoreGeometry(Settings_.State(SearchGeometry));
 
+    Preview_->SetShowsSentDate(true); // as the rows do
     TypingTimer_.setSingleShot(true);
     TypingTimer_.setInterval(TypingMilliseconds);
     Preview_->SetDamageAdvice([this](qint32 reference) {

@@ -363,6 +363,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::TakeSelection(const cMessagePtr& message)
 {
+    Preview_->SetShowsSentDate(SortOrder() != mlsoReceived);
     Preview_->Select(message);
     Sending_->Show(message);
     for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})

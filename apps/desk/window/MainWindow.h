@@ -154,6 +154,7 @@ private:
     void ReopenStation();
     void SayIfReadOnly();
     void MakeSortMenu(QMenu& menu);
+    qint32 SortOrder() const;
     void SetSortOrder(qint32 order);
     void ShowAllMessages();
     void KeepTextSize(PreviewPane& view);

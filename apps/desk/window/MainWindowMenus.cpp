@@ -251,12 +251,16 @@ void MainWindow::MakeSortMenu(QMenu& menu)
         connect(choice, &QAction::triggered, this, [this, order = order] { SetSortOrder(order); });
     }
     connect(orders, &QMenu::aboutToShow, this, [this] {
-        const clsKVUser* user = Station_->Directory().CurrentUser();
-        const UserPreferences::Preference& kept = UserPreferences::MessageOrder;
-        const qint32 order = user ? user->Preference(kept.Name, kept.Default).toInt() : mlsoSent;
-        if (QAction* choice = Action(qPrintable(QStringLiteral("sort_%1").arg(order))))
+        if (QAction* choice = Action(qPrintable(QStringLiteral("sort_%1").arg(SortOrder()))))
             choice->setChecked(true);
     });
+}
+
+qint32 MainWindow::SortOrder() const
+{
+    const clsKVUser* user = Station_->Directory().CurrentUser();
+    const UserPreferences::Preference& kept = UserPreferences::MessageOrder;
+    return user ? user->Preference(kept.Name, kept.Default).toInt() : mlsoSent;
 }
 
 void MainWindow::SetSortOrder(qint32 order)
@@ -264,6 +268,7 @@ void MainWindow::SetSortOrder(qint32 order)
     Run([&] {
         if (clsKVUser* user = Station_->Directory().CurrentUser())
             user->SetPreference(UserPreferences::MessageOrder.Name, order); // the list hears of it
+        Preview_->SetShowsSentDate(order != mlsoReceived);
     });
 }
 

@@ -103,6 +103,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
     }
     auto* window = new MessageWindow(*Station_, message);
     window->setWindowIcon(windowIcon());
+    window->SetShowsSentDate(SortOrder() != mlsoReceived);
     Windows_.removeAll(nullptr);
     Windows_.append(window);
     const auto writer = [this] { return Composing::WriterOf(Station_->Database()); };

@@ -91,7 +91,7 @@ int RunSearch(const Arguments& arguments)
         throw Failure(exitUsage, QStringLiteral("There is nothing to search for in these words."));
     Station station(arguments);
     StationIndex index(station);
-    const bool isWhole = index.BringUpToDate();
+    const bool isWhole = index.BringUpToDate(Looking::AtNote);
     options.Folders = FoldersMeant(question, FolderPaths(station.Folders()));
     const SearchResult result = index.Find(question, options);
     station.Try([&] { PrintHits(station, result, arguments.Has(JsonOption)); });
@@ -108,7 +108,7 @@ int RunIndex(const Arguments& arguments)
     Station station(arguments);
     StationIndex index(station);
     index.Check();
-    const bool isWhole = index.BringUpToDate();
+    const bool isWhole = index.BringUpToDate(Looking::AtAll);
     const qint64 count = index.Count();
     if (arguments.Has(JsonOption))
         Terminal::PrintJson({{QStringLiteral("messages"), index.Total()},

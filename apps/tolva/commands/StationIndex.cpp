@@ -3,7 +3,6 @@
 
 #include "Station.h"
 #include "messages/search/SearchFailure.h"
-#include "messages/search/SearchFollowing.h"
 #include "messages/search/SearchPlace.h"
 
 namespace
@@ -62,17 +61,18 @@ auto StationIndex::WithIndex(Work&& work)
     }
 }
 
-bool StationIndex::BringUpToDate()
+bool StationIndex::BringUpToDate(Looking looking)
 {
     return Station_.Try([&] {
         return WithIndex([&] {
             SearchFollowing following(Station_.Database());
             std::unique_ptr<ProgressDisplay> progress;
-            const bool isWhole = ::BringUpToDate(following, *Index_, [&](qint64 done, qint64 total) {
+            const auto advance = [&](qint64 done, qint64 total) {
                 if (!progress)
                     progress = Station_.Terminal().Progress(QStringLiteral("Reading the messages"));
                 return progress->Advance(done, total);
-            });
+            };
+            const bool isWhole = ::BringUpToDate(following, *Index_, advance, looking);
             Total_ = following.Total();
             return isWhole || following.IsDone();
         });

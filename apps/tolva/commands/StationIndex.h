@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "messages/search/SearchIndex.h"
+#include "messages/search/SearchFollowing.h"
 
 #include <functional>
 
@@ -18,7 +18,7 @@ public:
     StationIndex& operator=(const StationIndex&) = delete;
 
     /// Brings it up to date, with progress; false when that was ended early.
-    bool BringUpToDate();
+    bool BringUpToDate(Looking looking);
     /// Reads all of it; what is damaged is made anew.
     void Check();
     /// Messages in it, and in the station when it was brought up to date.

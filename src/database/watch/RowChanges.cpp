@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "database/watch/RowChanges.h"
 
-#include "platform/StableHash.h"
 #include "platform/records/Recordset.h"
+#include "platform/records/RowMark.h"
 
 #include <QHash>
 
@@ -56,10 +56,10 @@ LightColumns::LightColumns(const dao::Recordset& rows, const QStringList& column
 
 ReadRow LightColumns::Read() const
 {
-    quint64 hash = 1;
+    dao::RowMark mark;
     for (const dao::Field* field : Fields_)
-        hash = StableHash::Mixed(hash, field->Hash());
-    return {Fields_.front()->Value().toInt(), hash == 0 ? 1 : hash};
+        mark.Add(field->Hash());
+    return {Fields_.front()->Value().toInt(), mark.Number()};
 }
 
 std::vector<ReadRow> ReadLightRows(dao::Recordset& rows, const QStringList& columns)

@@ -2,17 +2,13 @@
 #include "database/watch/StationWatch.h"
 
 #include "database/cTolvaDatabase.h"
-#include "platform/records/DBEngine.h"
 
 #include <QPointer>
 
 #include <algorithm>
-#include <filesystem>
 
 namespace
 {
-/// Two writes within one step of a file system's clock leave the same time; no clock has longer steps.
-constexpr qint64 ClockStepMilliseconds = 2500;
 /// Many changes within it are one poll.
 constexpr int LookMilliseconds = 250;
 /// And while changes come without pause, each desk reads them this often: fifty desks read what one of them stores.
@@ -22,17 +18,6 @@ constexpr qint64 RestShare = 4;
 /// A server tells of what its programs store; somebody may have changed a folder past them.
 constexpr qint64 UntoldMilliseconds = 30000;
 } // namespace
-
-/// Not through QFileInfo, whose times are local ones: working those out costs more than asking for them.
-StationWatch::FileLook StationWatch::LookAt(const QString& name)
-{
-    const std::filesystem::path file(name.toStdU16String());
-    std::error_code unreadable;
-    const auto modified = std::filesystem::last_write_time(file, unreadable);
-    const auto size = std::filesystem::file_size(file, unreadable);
-    // What cannot be looked at is told by the reading.
-    return {static_cast<qint64>(modified.time_since_epoch().count()), unreadable ? -1 : static_cast<qint64>(size)};
-}
 
 StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
 {
@@ -47,7 +32,7 @@ void StationWatch::TakeNotice()
             Looking_.setInterval(LookMilliseconds);
         return;
     }
-    AreFoldersCertain_ = false;
+    AreFoldersToldOf_ = false;
     const QPointer<StationWatch> self(this);
     QElapsedTimer reading;
     reading.start();
@@ -96,21 +81,16 @@ void StationWatch::RefreshFolders()
 {
     if (Seen_ && Seen_->AreFoldersLoaded)
         return;
-    const FileLook look = LookAt(Station_.Information().Path);
-    if (look != Look_ || LookOfOpening_ != Station_.Openings()) {
-        Look_ = look;
-        LookOfOpening_ = Station_.Openings();
-        SinceLook_.start();
-        AreFoldersCertain_ = false;
-        IsOnServer_ = dao::DBEngine::IsLinked(Station_.Information().Path);
-    }
-    if (IsOnServer_ && (!IsTold_ || SinceFolders_.hasExpired(UntoldMilliseconds)))
-        AreFoldersCertain_ = false;
-    if (!AreFoldersCertain_) {
-        const bool isOld = SinceLook_.elapsed() > ClockStepMilliseconds;
+    const bool mayHaveChanged = Folders_.MayHaveChanged(Station_.Information().Path, Station_.Openings());
+    // Its file says nothing of a station on a server, which tells by itself.
+    const bool isUntold = Folders_.IsOnServer() && IsTold_ && AreFoldersToldOf_ &&
+                          OpeningOfFolders_ == Station_.Openings() && !SinceFolders_.hasExpired(UntoldMilliseconds);
+    if (mayHaveChanged && !isUntold) {
         Station_.RefreshCategoryTree();
+        Folders_.WasRead();
         SinceFolders_.start();
-        AreFoldersCertain_ = IsOnServer_ ? IsTold_ : isOld;
+        AreFoldersToldOf_ = IsTold_;
+        OpeningOfFolders_ = Station_.Openings();
     }
     if (Seen_)
         Seen_->AreFoldersLoaded = true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/Date.h"
+#include "database/watch/FileWatch.h"
 #include "platform/Export.h"
 
 #include <QElapsedTimer>
@@ -47,28 +48,16 @@ private:
         bool AreFoldersLoaded = false;
     };
 
-    /// What the file's entry in its folder says: nothing was written to it as long as both are the same.
-    struct FileLook
-    {
-        qint64 Modified = 0; ///< In steps of the file system's clock.
-        qint64 Size = 0;
-
-        friend bool operator==(const FileLook&, const FileLook&) = default;
-    };
-
     void TakeNotice();
-    static FileLook LookAt(const QString& name);
     template <typename Read>
     Date StampOf(std::optional<Date> Seen::*kept, Read&& read);
 
     cTolvaDatabase& Station_;
-    QTimer Looking_;           ///< At what the server has told, while it tells.
-    std::optional<Seen> Seen_; ///< While a poll is told.
-    FileLook Look_;            ///< As the folders were loaded last.
-    int LookOfOpening_ = 0;
-    QElapsedTimer SinceLook_;        ///< That the file looks so.
-    bool AreFoldersCertain_ = false; ///< Loaded when the file had looked so for a while, or told of nothing since.
-    bool IsOnServer_ = false;        ///< The file tells nothing of changes then.
-    bool IsTold_ = false;            ///< The server does.
-    QElapsedTimer SinceFolders_;     ///< Were loaded.
+    QTimer Looking_;                ///< At what the server has told, while it tells.
+    std::optional<Seen> Seen_;      ///< While a poll is told.
+    FileWatch Folders_;             ///< Since they were loaded.
+    bool AreFoldersToldOf_ = false; ///< A server has told of nothing since they were loaded,
+    int OpeningOfFolders_ = 0;      ///< in this opening of the station.
+    bool IsTold_ = false;           ///< The server does tell.
+    QElapsedTimer SinceFolders_;    ///< Were loaded.
 };

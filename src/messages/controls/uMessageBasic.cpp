@@ -151,6 +151,19 @@ void uMessageBasic::SetShowBodyBorder(bool show)
     PlaceBody();
 }
 
+void uMessageBasic::SetShowsSentDate(bool shows)
+{
+    ShowsSentDate_ = shows;
+    if (Message_)
+        Values_[DateRow]->SetValue(DateText());
+}
+
+QString uMessageBasic::DateText() const
+{
+    const bool isSent = ShowsSentDate_ && !Message_->Sent().IsNone();
+    return isSent ? Message_->SentString() : Message_->ReceivedString();
+}
+
 void uMessageBasic::SetMessage(const cMessagePtr& message)
 {
     Message_ = message;
@@ -166,7 +179,7 @@ void uMessageBasic::SetMessage(const cMessagePtr& message)
     const cdo::MessageReader reader(mail);
     const bool isMasked = message->MessageType() == emtSMS && MachineSettings::MasksPhoneNumbers();
     const QString mask = QStringLiteral("0XXX-XXXXXX");
-    Values_[DateRow]->SetValue(message->ReceivedString());
+    Values_[DateRow]->SetValue(DateText());
     Values_[ToRow]->SetValue(isMasked ? mask : reader.Header("To"));
     Values_[FromRow]->SetValue(isMasked ? mask : reader.Header("From"));
     Values_[SubjectRow]->SetValue(reader.Header("Subject"));

@@ -41,6 +41,10 @@ public:
     bool ShowBodyBorder() const { return ShowBodyBorder_; }
     void SetShowBodyBorder(bool show);
 
+    /// The date is that of the sender's clock, where it has one, instead of that of arrival. Starts false.
+    bool ShowsSentDate() const { return ShowsSentDate_; }
+    void SetShowsSentDate(bool shows);
+
     const cMessagePtr& Message() const { return Message_; }
     /// Null empties the view. Phone numbers of a text message are masked where the machine's settings say so.
     void SetMessage(const cMessagePtr& message);
@@ -80,6 +84,7 @@ private:
     void PlaceBody();
     void ApplyColours();
     void ShowBody();
+    QString DateText() const;
 
     Panel3* pnlMain_;
     Panel3* pnlPersonal_;
@@ -91,5 +96,6 @@ private:
     qint32 ForeColour_ = 0;
     QFont Font_;
     bool ShowBodyBorder_ = false;
+    bool ShowsSentDate_ = false;
     cMessagePtr Message_;
 };

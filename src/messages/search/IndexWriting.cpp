@@ -68,11 +68,41 @@ QHash<qint32, SearchIndex::Known> SearchIndex::KnownBetween(qint32 first, qint32
     return known;
 }
 
-std::vector<qint32> SearchIndex::Compare(qint32 first, qint32 last, const std::vector<MessageState>& rows)
+std::vector<qint32> SearchIndex::Differing(const std::vector<RangeMark>& ranges)
 {
-    QHash<qint32, Known> known = KnownBetween(first, last);
+    IndexStatement& known = Connection_->Statement("SELECT mark FROM ranges WHERE first = ?1");
+    std::vector<qint32> differing;
+    for (const RangeMark& range : ranges) {
+        const bool isThere = known.Bind(1, qint64{range.First}).Step();
+        if (!isThere || static_cast<quint64>(known.Integer(0)) != range.Mark)
+            differing.push_back(range.First);
+        known.Reset();
+    }
+    return differing;
+}
+
+void SearchIndex::KeepMark(const RangeMark& range)
+{
+    Connection_->Statement("INSERT OR REPLACE INTO ranges VALUES (?1, ?2)")
+        .Bind(1, qint64{range.First})
+        .Bind(2, static_cast<qint64>(range.Mark))
+        .Run();
+}
+
+/// Inside the caller's change of that message: whether its range is in line with the station only another comparison
+/// tells.
+void SearchIndex::ForgetMarkOf(qint64 reference)
+{
+    Connection_->Statement("DELETE FROM ranges WHERE first = ?1")
+        .Bind(1, (reference - 1) / RangeSize * RangeSize + 1)
+        .Run();
+}
+
+std::vector<qint32> SearchIndex::Compare(const RangeMark& range, const std::vector<MessageState>& rows)
+{
+    IndexChange change(*Connection_);
+    QHash<qint32, Known> known = KnownBetween(range.First, range.First + RangeSize - 1);
     std::vector<qint32> unread;
-    std::vector<std::pair<qint64, MessageState>> changed;
     for (const MessageState& row : rows) {
         const auto found = known.constFind(row.Reference);
         if (found == known.constEnd() || found->State.Content != row.Content)
@@ -83,21 +113,41 @@ std::vector<qint32> SearchIndex::Compare(qint32 first, qint32 last, const std::v
             MessageState state = row;
             state.Content = found->State.Content; // until its mail is read
             state.HasFiles = found->State.HasFiles;
-            changed.emplace_back(found->Document, state);
+            WriteState(found->Document, state);
         }
         known.erase(found);
     }
-    if (changed.empty() && known.isEmpty())
-        return unread;
     QList<qint64> gone;
     for (const Known& row : std::as_const(known))
         gone.append(row.Document);
-    IndexChange change(*Connection_);
-    for (const auto& [document, state] : changed)
-        WriteState(document, state);
     Erase(gone);
+    if (unread.empty())
+        KeepMark(range);
     change.Commit();
     return unread;
+}
+
+std::vector<qint32> SearchIndex::Within(enTolvaMessageCategories category)
+{
+    IndexStatement rows(*Connection_, "SELECT reference FROM messages WHERE category = " +
+                                          QByteArray::number(category) + " ORDER BY reference");
+    std::vector<qint32> references;
+    while (rows.Step())
+        references.push_back(static_cast<qint32>(rows.Integer(0)));
+    return references;
+}
+
+std::vector<qint32> SearchIndex::Unlike(const std::vector<MessageState>& rows)
+{
+    IndexStatement& known = Connection_->Statement("SELECT content FROM messages WHERE reference = ?1");
+    std::vector<qint32> references;
+    for (const MessageState& row : rows) {
+        const bool isThere = known.Bind(1, qint64{row.Reference}).Step();
+        if (!isThere || static_cast<quint64>(known.Integer(0)) != row.Content)
+            references.push_back(row.Reference);
+        known.Reset();
+    }
+    return references;
 }
 
 void SearchIndex::EndAt(qint32 last)
@@ -131,6 +181,7 @@ MessageState SearchIndex::StateIn(const IndexStatement& row) const
 
 void SearchIndex::WriteState(qint64 document, const MessageState& state)
 {
+    ForgetMarkOf(state.Reference);
     IndexStatement& row = Connection_->Statement("INSERT OR REPLACE INTO messages VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)");
     row.Bind(1, document).Bind(2, qint64{state.Reference}).Bind(3, static_cast<qint64>(state.Content));
     row.Bind(4, state.Seconds).Bind(5, qint64{state.Category});
@@ -200,9 +251,13 @@ void SearchIndex::Erase(const QList<qint64>& documents)
         ofShards[document >> ShardBits].insert(document);
     for (auto shard = ofShards.constBegin(); shard != ofShards.constEnd(); ++shard) {
         EraseWords(shard.key(), shard.value());
-        IndexStatement row(*Connection_, "DELETE FROM messages WHERE document = ?1");
-        for (const qint64 document : shard.value())
-            row.Bind(1, document).Run();
+        IndexStatement row(*Connection_, "DELETE FROM messages WHERE document = ?1 RETURNING reference");
+        for (const qint64 document : shard.value()) {
+            row.Bind(1, document);
+            while (row.Step())
+                ForgetMarkOf(row.Integer(0));
+            row.Reset();
+        }
         IndexStatement(*Connection_,
                        "UPDATE shards SET documents = documents - ?2, changes = changes + 1 WHERE shard = ?1")
             .Bind(1, shard.key())

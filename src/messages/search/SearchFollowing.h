@@ -1,54 +1,48 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "messages/search/SearchIndex.h"
+#include "messages/search/StationRows.h"
 
 #include <deque>
 #include <vector>
 
-class cTolvaDatabase;
-
-namespace dao
+/// Steps in which an index is kept in line.
+enum class SearchStep
 {
-class Recordset;
-}
-
-/// A mail that was read for the index.
-struct SearchedMail
-{
-    MessageState State;
-    QByteArray Octets; ///< Its beginning.
+    None,    ///< Nothing is left: the index says what the station says.
+    Pause,   ///< More is to be read before there is something to do.
+    End,     ///< SearchIndex::EndAt(Last).
+    Look,    ///< SearchIndex::Differing of Marks.
+    Compare, ///< SearchIndex::Compare of Range.
+    Store,   ///< SearchIndex::Store.
+    Drafts,  ///< SearchIndex::Within the folder of drafts.
+    Unlike,  ///< SearchIndex::Unlike of Drafts.
+    Confirm, ///< SearchIndex::Compare again, behind what was stored of the range.
+    Finish   ///< All is compared and stored: Note is what the station was then, Stored how many mails it took.
 };
 
 /// What the index is to do next, with all that it needs of the station: it may be done on another thread.
 struct SearchWork
 {
-    enum class Kind
-    {
-        None,    ///< Nothing is left: the index says what the station says.
-        Pause,   ///< More is to be read before there is something to do.
-        End,     ///< SearchIndex::EndAt(Last).
-        Compare, ///< SearchIndex::Compare.
-        Store,   ///< SearchIndex::Store.
-        Finish   ///< All is compared and stored: Note is what the station was then, Stored how many mails it took.
-    };
-
-    enum Kind Kind = Kind::None;
-    qint32 First = 0;
+    SearchStep Kind = SearchStep::None;
     qint32 Last = 0;
-    std::vector<MessageState> Rows;
+    std::vector<RangeMark> Marks;
+    StationRange Range;
+    std::vector<MessageState> Drafts;
     std::vector<SearchedMail> Mails;
     QByteArray Note;
     qint64 Stored = 0;
 
-    /// Does it; the references of mails that are to be read, for SearchFollowing::Take. SearchFailure.
+    /// Does it; the references that it answers are for SearchFollowing::Take. SearchFailure.
     std::vector<qint32> DoIn(SearchIndex& index);
 };
 
-/// Keeps a search index in line with its station, in steps that are as small as wanted: it goes through the light
-/// columns of all messages, the newest first, and reads the mails that the index lacks. It stops where it stands and
-/// goes on there, in another process too, for the index itself says what it has. Reads the station on its thread; the
-/// work may be done on any. dao::Error for what cannot be read: the same step may be tried again.
+/// Keeps a search index in line with its station, in steps that are as small as wanted: it goes through ranges of
+/// references, the newest first, compares the rows of those whose mark is not the one that the index knows, then the
+/// texts of drafts, and reads the mails that the index lacks. It stops where it stands and goes on there, in another
+/// process too, for the index itself says what it has. Reads the station on its thread; the work may be done on any.
+/// dao::Error for what cannot be read: the same step may be tried again. Work that failed need not be told: without its
+/// answer the next step is the first one.
 class SearchFollowing
 {
 public:
@@ -73,18 +67,28 @@ public:
     static QByteArray IdentityOf(const cTolvaDatabase& station);
 
 private:
-    std::vector<MessageState> ReadRows(qint32 first, qint32 last) const;
-    void MixDrafts(qint32 first, qint32 last, std::vector<MessageState>& rows) const;
+    void BeginAt(const QByteArray& note);
     void ReadMails(int milliseconds);
+    SearchWork NextWork(int milliseconds);
+    SearchWork LookWork(int milliseconds);
+    SearchWork CompareWork(SearchStep kind, std::deque<qint32>& ranges);
     SearchWork StoreWork();
+    SearchWork DraftsWork();
+    SearchWork FinishWork();
     QByteArray CurrentNote();
 
     cTolvaDatabase& Station_;
     QByteArray Note_;
     bool IsDone_ = true;
     bool HasEnded_ = false;
-    qint32 Last_ = 0; ///< The highest reference when it was looked at.
-    qint32 Next_ = 0; ///< The highest one that is not compared yet.
+    SearchStep Handed_ = SearchStep::None; ///< What Take has to hear of; None for nothing.
+    qint32 Last_ = 0;                      ///< The highest reference when it was looked at.
+    qint32 Next_ = 0;                      ///< The range to be looked at next; below 1 when all are.
+    std::deque<qint32> Differing_;         ///< Ranges that are to be compared.
+    qint32 Compared_ = 0;                  ///< The last one that was.
+    bool HasDrafts_ = false;               ///< Whether Drafts_ was asked for.
+    std::deque<qint32> Drafts_;            ///< Those whose text is to be compared.
+    std::deque<qint32> Unconfirmed_;       ///< Those of which mails are stored.
     qint64 Total_ = 0;
     qint64 Stored_ = 0; ///< Handed out to be stored since it was last done.
     std::deque<qint32> Missing_;
@@ -92,7 +96,14 @@ private:
     qsizetype MailOctets_ = 0;
 };
 
+enum class Looking
+{
+    AtNote, ///< Nothing is left to do when the station looks as the index's note says.
+    AtAll
+};
+
 /// Does all that is left. advance is told how many messages of how many are in the index, and ends it early by
 /// answering false: then false. dao::Error and SearchFailure.
 bool BringUpToDate(SearchFollowing& following, SearchIndex& index,
-                   const std::function<bool(qint64 done, qint64 total)>& advance = {});
+                   const std::function<bool(qint64 done, qint64 total)>& advance = {},
+                   Looking looking = Looking::AtNote);

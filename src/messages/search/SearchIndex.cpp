@@ -12,7 +12,7 @@ namespace
 {
 /// "TLVS" in the file's header, and the version of what stands in it.
 constexpr int ApplicationId = 0x544C5653;
-constexpr int FormatVersion = 3;
+constexpr int FormatVersion = 4;
 constexpr int OwnerAlone = 0600;
 
 SearchFailure FailureOf(const FileStatus& status, const QString& file)
@@ -144,6 +144,10 @@ void SearchIndex::MakeStructure()
         "CREATE TABLE shards (shard INTEGER PRIMARY KEY, documents INTEGER, changes INTEGER, proof INTEGER)");
     Connection_->Execute("CREATE TABLE messages (document INTEGER PRIMARY KEY, reference INTEGER UNIQUE, content "
                          "INTEGER, seconds INTEGER, category INTEGER, bits INTEGER, proof INTEGER)");
+    // Of those the texts are compared.
+    Connection_->Execute("CREATE INDEX drafts ON messages (category, reference) WHERE category = " +
+                         QByteArray::number(tmcDrafts));
+    Connection_->Execute("CREATE TABLE ranges (first INTEGER PRIMARY KEY, mark INTEGER)");
     Connection_->Execute("INSERT INTO notes VALUES ('station', " + Quoted(Station_) + ")");
     change.Commit();
 }

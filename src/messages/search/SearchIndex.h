@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "common/Enumerations.h"
 #include "messages/search/IndexConnection.h"
 #include "messages/search/SearchQuestion.h"
 #include "messages/search/SearchResult.h"
@@ -27,6 +28,13 @@ struct MessageState
     bool IsSMS = false;
     bool IsUnread = false;
     bool HasFiles = false; ///< Not told by the row, but with the words.
+};
+
+/// What all rows of a range of references say, in a number.
+struct RangeMark
+{
+    qint32 First = 0;
+    quint64 Mark = 0;
 };
 
 struct IndexedMessage
@@ -62,10 +70,18 @@ public:
     qint64 Count();
     /// How often anything in it was changed, by whatever program.
     qint64 Changes();
-    /// Brings what it knows of messages in line with the station's rows: all that the station has with references from
-    /// first to last, by their references. What is gone there goes here; what changed beside the mail is changed. The
-    /// references of those whose mails are to be read.
-    std::vector<qint32> Compare(qint32 first, qint32 last, const std::vector<MessageState>& rows);
+    /// References of a range; the first of one is 1, RangeSize + 1 and so on.
+    static constexpr qint32 RangeSize = 2000;
+    /// The first references of those ranges whose rows may say something else than what this knows of them.
+    std::vector<qint32> Differing(const std::vector<RangeMark>& ranges);
+    /// Brings what it knows of messages in line with the station's rows: all that the station has in this range, by
+    /// their references. What is gone there goes here; what changed beside the mail is changed. The references of those
+    /// whose mails are to be read; where there are none, it is known from now on that the range is in line.
+    std::vector<qint32> Compare(const RangeMark& range, const std::vector<MessageState>& rows);
+    /// The messages that it knows to be in this folder; quick for drafts alone.
+    std::vector<qint32> Within(enTolvaMessageCategories category);
+    /// The references of those of these messages that it does not know, or not as they are.
+    std::vector<qint32> Unlike(const std::vector<MessageState>& rows);
     /// Nothing of the station has a higher reference than that: what the index has above goes.
     void EndAt(qint32 last);
     /// Takes the words of messages in, in the place of those that it had of them.
@@ -127,6 +143,8 @@ private:
     void EraseWords(qint64 shard, const QSet<qint64>& documents);
     void Insert(qint64 document, const IndexedMessage& message);
     void NoteChange(qint64 shard);
+    void ForgetMarkOf(qint64 reference);
+    void KeepMark(const RangeMark& range);
     void RefreshShards();
     void ReadShard(qint64 number, Shard& shard);
     Marks Matches(qint64 shard, const QByteArray& expression);

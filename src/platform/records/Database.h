@@ -34,6 +34,10 @@ public:
     /// source: a table's name or a SELECT. 3078 when the table is absent, 3075 when the text is refused, 3061 when a
     /// name in it is no column. A recordset that has rows stands on its first.
     virtual std::unique_ptr<Recordset> OpenRecordset(const QString& source, RecordsetTypeEnum type = dbOpenDefault) = 0;
+    /// A number made of the rows that a SELECT finds, in its order, and of what they say, memos apart: the same in
+    /// every process as long as they say the same. For whoever looks whether anything changed: reads as OpenRecordset
+    /// does, with its errors, and keeps no row.
+    virtual quint64 MarkOf(const QString& select) = 0;
     /// name: empty; queries are not stored. The text is checked here.
     virtual std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) = 0;
     /// Runs an UPDATE or DELETE without parameters; the number of rows changed.

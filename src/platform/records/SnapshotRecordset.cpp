@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/SnapshotRecordset.h"
 
-#include "platform/StableHash.h"
+#include "platform/records/RowMark.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/Values.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace dao
 {
@@ -120,19 +119,7 @@ quint64 SnapshotRecordset::HashOf(int ordinal) const
 {
     Open();
     const CellView cell = CellAt(ordinal);
-    switch (cell.CellKind) {
-    case CellView::Kind::Null:
-        return 0;
-    case CellView::Kind::Integer:
-        return std::bit_cast<quint64>(cell.Integer);
-    case CellView::Kind::Real:
-        return std::bit_cast<quint64>(cell.Real);
-    case CellView::Kind::Text:
-        return StableHash::Of(cell.Text); // the search index keeps it for other processes
-    case CellView::Kind::Deferred:
-        break;
-    }
-    return StoreRecordset::HashOf(ordinal);
+    return cell.CellKind == CellView::Kind::Deferred ? StoreRecordset::HashOf(ordinal) : dao::HashOf(cell);
 }
 
 void SnapshotRecordset::Release()

@@ -119,6 +119,12 @@ std::unique_ptr<Recordset> StoreDatabase::OpenTable(const QString& name, Records
     return std::make_unique<TableRecordset>(Session_, table);
 }
 
+quint64 StoreDatabase::MarkOf(const QString& select)
+{
+    engine::Store& store = Session_->Required();
+    return store.MarkOf(jetsql::ParseSelect(select));
+}
+
 std::unique_ptr<QueryDef> StoreDatabase::CreateQueryDef(const QString& name, const QString& sql)
 {
     Session_->Required();

@@ -22,6 +22,7 @@ public:
     bool Updatable() const override;
     Collection<TableDef>& TableDefs() override;
     std::unique_ptr<Recordset> OpenRecordset(const QString& source, RecordsetTypeEnum type) override;
+    quint64 MarkOf(const QString& select) override;
     std::unique_ptr<QueryDef> CreateQueryDef(const QString& name, const QString& sql) override;
     int Execute(const QString& sql) override;
     void LockForChange() override;

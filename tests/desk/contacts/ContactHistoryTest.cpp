@@ -4,6 +4,7 @@
 
 #include "contacts/ContactHistory.h"
 
+#include "StationPlace.h"
 #include "WindowTest.h"
 #include "contacts/ContactDesk.h"
 #include "contacts/ContactsWindow.h"
@@ -163,6 +164,36 @@ TEST_F(ContactHistoryTest, WithoutAnIndexTheQueryAloneShowsThem)
     EXPECT_FALSE(Shows({Newer}, 200));
     RunQuery();
     EXPECT_EQ(Subjects(), QStringList(Newer));
+}
+
+TEST_F(ContactHistoryTest, AHistoryThatCannotBeReadToItsEndSaysSoAndIsWholeTheNextTime)
+{
+    for (int i = 0; i < 40; ++i)
+        FileMail(Mail("Many", QByteArray(3000, 'm'), "Ann <ann@example.org>"));
+    const qint32 ann = Add(QStringLiteral("Ann"), {}, QStringLiteral("ann@example.org"));
+    OpenWithIndex();
+    Contacts().ShowContact(ann);
+    ASSERT_TRUE(WaitUntil([this] { return Messages().ItemCount() == 40; }, 20'000));
+    const QString file = StationPlace::FileIn(Folder());
+    const QByteArray whole = Read(file);
+    QByteArray damaged = whole;
+    constexpr qsizetype PageSize = 4096;
+    damaged.replace(PageSize, whole.size() - PageSize, QByteArray(whole.size() - PageSize, '\x5A'));
+    ++damaged[27]; // the count of changes: what was read before is read again
+    const auto put = [&](const QByteArray& content) {
+        QFile station(file);
+        ASSERT_TRUE(station.open(QIODevice::ReadWrite));
+        ASSERT_EQ(station.write(content), content.size());
+    };
+    put(damaged);
+    RunQuery();
+    EXPECT_TRUE(Note().contains(QStringLiteral("damaged"))) << qPrintable(Note());
+    EXPECT_LT(Messages().ItemCount(), 40);
+    put(whole);
+    History().Refresh();
+    RunQuery();
+    EXPECT_EQ(Note(), QStringLiteral("40 messages"));
+    EXPECT_EQ(Messages().ItemCount(), 40);
 }
 
 TEST_F(ContactHistoryTest, TheHistoryDoesNotEndASearchOfTheSearchWindow)

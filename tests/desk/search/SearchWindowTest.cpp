@@ -4,7 +4,9 @@
 
 #include "LongestGap.h"
 #include "SearchDeskTest.h"
+#include "StationPlace.h"
 #include "messages/MessageWindow.h"
+#include "platform/records/DBEngine.h"
 #include "search/SearchService.h"
 #include "window/NoticeBar.h"
 
@@ -181,6 +183,22 @@ TEST_F(SearchWindowTest, WhatIsErasedLeavesAnIndexThatIsThereThoughNobodySearche
     OpenWindow();
     OtherComputer("delete", {QString::number(erased), QStringLiteral("--permanently")});
     EXPECT_TRUE(WaitUntil([&] { return !holds("xylophonist"); }, 20'000));
+}
+
+TEST_F(SearchWindowTest, WhatSoftwareChangesThatMovesNoStampIsSeenWhenTheDeskIsStartedAnew)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    CloseWindow();
+    {
+        const auto database = dao::DBEngine::OpenDatabase(StationPlace::FileIn(Folder()));
+        ASSERT_EQ(database->Execute(QStringLiteral("UPDATE [Messages] SET [Category]=%1").arg(tmcSaved)), 1);
+    }
+    OpenWindow();
+    QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    Type(QStringLiteral("ferry"));
+    EXPECT_TRUE(WaitUntil([this] { return Part<QComboBox>("searchFolder").findText(QStringLiteral("Saved (1)")) > 0; },
+                          20'000));
 }
 
 TEST_F(SearchWindowTest, AnIndexThatSomebodyDeletesIsMadeAnewBesideTheDesk)

@@ -3,9 +3,11 @@
 // Folders at the top of the tree, and the order and dates of the list.
 
 #include "MainWindowTest.h"
+#include "messages/PreviewPane.h"
 #include "search/SearchDesk.h"
 #include "search/SearchWindow.h"
 
+#include <QLabel>
 #include <QLineEdit>
 
 namespace
@@ -81,6 +83,25 @@ TEST_F(FoldersAndOrderTest, TheListIsSortedByArrivalWhereTheUserLikesThat)
     EXPECT_EQ(List().References(), (QList<qint32>{early, late})) << "it is remembered";
     Entry("sort_0").trigger();
     EXPECT_EQ(List().References(), (QList<qint32>{late, early}));
+}
+
+TEST_F(FoldersAndOrderTest, TheDateInThePaneIsTheOneInTheList)
+{
+    const qint32 reference =
+        FileMail(Dated("Slow clock", "Fri, 20 Nov 2026 08:00:00 +0000", "Fri, 20 Nov 2026 12:34:00 +0000"));
+    OpenWindow();
+    List().SelectMessage(reference);
+    const auto shows = [this](const QString& time) {
+        return WaitUntil([&] {
+            const auto* pane = Window->findChild<PreviewPane*>();
+            return pane->IsLoaded() && pane->findChild<QLabel*>(QStringLiteral("lblDate"))->text().contains(time);
+        });
+    };
+    EXPECT_TRUE(shows(QStringLiteral("08:00:00")));
+    Entry("sort_1").trigger();
+    EXPECT_TRUE(shows(QStringLiteral("12:34:00")));
+    Entry("sort_0").trigger();
+    EXPECT_TRUE(shows(QStringLiteral("08:00:00")));
 }
 
 TEST_F(FoldersAndOrderTest, ADateOfAnotherYearShowsIt)

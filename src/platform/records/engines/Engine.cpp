@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/Engine.h"
 
+#include "platform/records/RowMark.h"
 #include "platform/records/TextCodec.h"
 
 namespace dao::engine
@@ -23,6 +24,20 @@ std::vector<std::optional<MemoBeginning>> Store::ReadMemoBeginnings(const TableP
     if (!memo.HasRow)
         return {std::nullopt};
     return {BeginningOf(memo, mostOctets)};
+}
+
+quint64 Store::MarkOf(const jetsql::SelectStatement& select)
+{
+    const std::size_t columns = Describe(select).Columns.size();
+    RowMark mark;
+    Select(select, {}, ResultPart::Values, [&](std::span<const qint64>, std::string_view cells) {
+        RowReader reader(cells.data());
+        RowMark row;
+        for (std::size_t i = 0; i < columns; ++i)
+            row.Add(HashOf(reader.Next()));
+        mark.Add(row.Number());
+    });
+    return mark.Number();
 }
 
 } // namespace dao::engine

@@ -178,10 +178,12 @@ public:
     /// 3167 when it is gone already.
     virtual void Delete(const TablePtr& table, qint64 id) = 0;
 
-    /// Errors of the three: 3078 no such table, 3061 no such column, 13 types that do not compare.
+    /// Errors of the four: 3078 no such table, 3061 no such column, 13 types that do not compare.
     virtual ResultShape Describe(const jetsql::SelectStatement& select) = 0;
     virtual void Select(const jetsql::SelectStatement& select, const ParameterValues& parameters, ResultPart part,
                         const RowSink& sink) = 0;
+    /// See Database::MarkOf. What is here goes through Select.
+    virtual quint64 MarkOf(const jetsql::SelectStatement& select);
     /// An UPDATE or DELETE, all or nothing; the number of rows changed.
     virtual int Execute(const jetsql::Statement& statement, const ParameterValues& parameters) = 0;
     virtual QStringList ParametersOf(const jetsql::Statement& statement) = 0;

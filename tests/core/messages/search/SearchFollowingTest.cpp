@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "IndexedStation.h"
+#include "messages/search/SearchPlace.h"
+#include "platform/records/ContentExchange.h"
 #include "platform/records/DBEngine.h"
 
 namespace
@@ -179,6 +181,40 @@ TEST_F(SearchFollowingTest, AnotherStationUnderTheSamePathHasAnIndexOfItsOwn)
     Follow();
     EXPECT_TRUE(Found(u"ferry"_qs).isEmpty());
     EXPECT_EQ(Found(u"harbour"_qs), QList<qint32>{other});
+}
+
+/// The state before would be searched otherwise, with messages that the state now does not have.
+TEST_F(SearchFollowingTest, ABackupThatIsPutBackHasAnIndexOfItsOwnAndTheOneBeforeGoes)
+{
+    OpenStation();
+    Save(Mail("One", "ferry"));
+    const QString backup = Folder.filePath(u"backup.mdb"_qs);
+    dao::DBEngine::CopyDatabase(FileName(), backup, [](qint64, qint64) { return true; });
+    Save(Mail("Two", "harbour"));
+    const QString before = SearchPlace::FileFor(*Station);
+    const auto open = [this] {
+        Index = std::make_unique<SearchIndex>(SearchPlace::FileFor(*Station), SearchFollowing::IdentityOf(*Station),
+                                              SearchPlace::PlaceOf(*Station));
+        Following = std::make_unique<SearchFollowing>(*Station);
+        ASSERT_TRUE(BringUpToDate(*Following, *Index));
+    };
+    open();
+    EXPECT_EQ(Find(u"harbour"_qs).Count, 1);
+    Index.reset();
+    Following.reset();
+    Station->CloseTolvaDatabase();
+    dao::ContentExchange::MarkAsRestored(backup, FileName());
+    {
+        dao::ContentExchange exchange(FileName());
+        exchange.Note(true);
+        ASSERT_TRUE(exchange.Put(backup));
+    }
+    OpenStation();
+    EXPECT_NE(SearchPlace::FileFor(*Station), before);
+    open();
+    EXPECT_EQ(Find(u"harbour"_qs).Count, 0);
+    EXPECT_EQ(Find(u"ferry"_qs).Count, 1);
+    EXPECT_FALSE(QFile::exists(before));
 }
 
 TEST_F(SearchFollowingTest, TheIndexOfAStateThatIsGoneGoesWhenItsPlaceIsTaken)

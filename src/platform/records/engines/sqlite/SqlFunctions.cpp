@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
+#include "platform/records/RowMark.h"
 #include "platform/records/TextCodec.h"
 #include "platform/records/engines/MemoCheck.h"
 #include "platform/records/query/Arithmetic.h"
@@ -38,6 +39,21 @@ StoredValue ViewOf(sqlite3_value* value)
         return sqlite3_value_double(value);
     default:
         return query::TextView(OctetsOf(value));
+    }
+}
+
+/// The same as a cell of a row.
+CellView CellIn(sqlite3_value* value)
+{
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_NULL:
+        return {};
+    case SQLITE_INTEGER:
+        return {CellView::Kind::Integer, sqlite3_value_int64(value), 0, {}};
+    case SQLITE_FLOAT:
+        return {CellView::Kind::Real, 0, sqlite3_value_double(value), {}};
+    default:
+        return {CellView::Kind::Text, 0, 0, OctetsOf(value)};
     }
 }
 
@@ -138,6 +154,15 @@ void Check(sqlite3_context* context, int, sqlite3_value** arguments)
     });
 }
 
+/// jet_mark(value...)
+void Mark(sqlite3_context* context, int count, sqlite3_value** arguments)
+{
+    RowMark mark;
+    for (int i = 0; i < count; ++i)
+        mark.Add(HashOf(CellIn(arguments[i])));
+    sqlite3_result_int64(context, static_cast<sqlite3_int64>(mark.Number()));
+}
+
 int Collate(void*, int leftSize, const void* left, int rightSize, const void* right)
 {
     return query::CompareText({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
@@ -161,6 +186,9 @@ void RegisterSqlFunctions(sqlite3* connection)
     if (result == SQLITE_OK)
         result =
             sqlite3_create_function_v2(connection, "jet_check", 2, flags, nullptr, Check, nullptr, nullptr, nullptr);
+    if (result == SQLITE_OK)
+        result =
+            sqlite3_create_function_v2(connection, "jet_mark", -1, flags, nullptr, Mark, nullptr, nullptr, nullptr);
     if (result != SQLITE_OK)
         throw Error(errFileDamaged, QString::fromUtf8(sqlite3_errmsg(connection)));
 }

@@ -24,6 +24,7 @@ inline constexpr char CollationName[] = "JET";
 /// else 0. Texts may be stored as TEXT or BLOB in UTF-8; numbers count by their text form.
 /// jet_concatenate(left, right): the texts joined, Null as empty unless both are Null.
 /// jet_store(value, type, size, allow zero length): the value as a column of that type stores it.
+/// jet_mark(value...): RowMark of the values, for a row in which memos count as Null.
 /// jet_check(memo, row id): what stands beside the memo in its check column; Null for Null.
 void RegisterSqlFunctions(sqlite3* connection);
 

@@ -63,11 +63,15 @@ private:
         for (std::size_t i = 0; i < Select_.Outputs.size(); ++i) {
             if (IsLeftOut(Select_.Shape.Columns[i])) {
                 Result_.SqlColumns.push_back(-1);
+                if (Options_.Columns == SelectOptions::Output::Mark)
+                    selected.append("NULL");
                 continue;
             }
             Result_.SqlColumns.push_back(static_cast<int>(selected.size()));
             selected.append(Expressions_.Value(Select_.Outputs[i]).Text);
         }
+        if (Options_.Columns == SelectOptions::Output::Mark)
+            return {"jet_mark(" + selected.join(", ") + ')'};
         if (selected.isEmpty())
             selected.append("NULL");
         return selected;
@@ -76,7 +80,7 @@ private:
     bool IsLeftOut(const engine::ResultColumn& column) const
     {
         return Options_.Columns == SelectOptions::Output::None ||
-               (Options_.Columns == SelectOptions::Output::WithoutMemos && column.Source >= 0 &&
+               (Options_.Columns != SelectOptions::Output::AllColumns && column.Source >= 0 &&
                 column.Definition.IsMemo());
     }
 

@@ -40,6 +40,7 @@ struct SelectOptions
     {
         AllColumns,
         WithoutMemos, ///< Memo columns of tables are not selected, to be fetched by row id.
+        Mark,         ///< One column instead: a number made of all columns but memos (jet_mark).
         None          ///< Only the leading columns, for a list of keys.
     };
     /// Hidden columns, such as "rowid", put before the output: all of them for each table in order of FROM. A row

@@ -58,6 +58,7 @@ public:
     engine::ResultShape Describe(const jetsql::SelectStatement& select) override;
     void Select(const jetsql::SelectStatement& select, const engine::ParameterValues& parameters,
                 engine::ResultPart part, const engine::RowSink& sink) override;
+    quint64 MarkOf(const jetsql::SelectStatement& select) override;
     int Execute(const jetsql::Statement& statement, const engine::ParameterValues& parameters) override;
     QStringList ParametersOf(const jetsql::Statement& statement) override;
 

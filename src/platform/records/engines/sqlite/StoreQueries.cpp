@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/RowMark.h"
 #include "platform/records/engines/sqlite/FileFormat.h"
 #include "platform/records/engines/sqlite/SchemaTables.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
@@ -144,6 +145,25 @@ void SqliteStore::Select(const jetsql::SelectStatement& select, const ParameterV
         }
         sink(keys, cells);
     }
+}
+
+quint64 SqliteStore::MarkOf(const jetsql::SelectStatement& select)
+{
+    const query::BoundSelect bound = query::BindSelect(select, *CurrentSchema());
+    if (!bound.Shape.HasKeys)
+        return Store::MarkOf(select);
+    // A function within SQLite meets the cells where they lie.
+    SelectOptions options;
+    options.Columns = SelectOptions::Output::Mark;
+    const RenderedSelect rendered = RenderSelect(bound, options);
+    Connection_.StartWaiting();
+    const Statement statement = PrepareQuery(Connection_, rendered.Text);
+    StatementUse use(statement);
+    const Bound values(use, rendered, bound.Parameters, {}, Connection_.Handle());
+    RowMark mark;
+    while (StepQuery(use, Connection_.Handle()))
+        mark.Add(static_cast<quint64>(use.Integer(0)));
+    return mark.Number();
 }
 
 int SqliteStore::Execute(const jetsql::Statement& statement, const ParameterValues& parameters)
