@@ -123,6 +123,7 @@ Route Mbsync()
     route.Installation = ImapInstallation;
     route.Start = QStringLiteral("echo secret >/etc/tolva/imap-password");
     route.Deliver = IntoMailbox;
+    route.IsHeldElsewhere = true;
     route.Attempt = QStringLiteral("runuser -u tolva -- /usr/local/bin/tolva-fetch");
     route.Held = QStringLiteral("find /srv/station*/Incoming/{new,cur} -type f | wc -l");
     return route;
@@ -146,6 +147,7 @@ Route WatchedMaildir()
     Route route;
     route.Name = QStringLiteral("WatchedMaildir");
     route.Headings = QStringList{WhoRunsIt};
+    route.FillsTheStationsFolder = true;
     route.Installation = QStringLiteral("mkdir -p /srv/station/Incoming/{new,cur,tmp}");
     // Some were seen by another program already.
     route.Deliver = QStringLiteral(R"(

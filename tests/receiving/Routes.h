@@ -25,6 +25,8 @@ struct Route
     /// Prints how many of them were tried in vain; where nothing stands here an attempt is over when it returns.
     QString PutOff;
     Brings What = Brings::Mails;
+    bool FillsTheStationsFolder = false; ///< Who delivers writes beside the station's file, and needs room there.
+    bool IsHeldElsewhere = false;        ///< What waits stays where it is counted by nobody: in a mailbox that is kept.
 
     /// Mails that could not be delivered go back to listener@station.test.
     bool SendsBack() const { return Tree == QStringLiteral("postfix") || Tree == QStringLiteral("exim"); }
