@@ -92,7 +92,6 @@ protected:
         if (!Machine_->Problem().isEmpty())
             GTEST_SKIP() << Machine_->Problem().toStdString();
         ASSERT_NO_FATAL_FAILURE(MakeStation());
-        ASSERT_NO_FATAL_FAILURE(FollowPage());
     }
 
     /// The real program behind a script that does to it what a test wants. The station has a disk of its own.
@@ -122,15 +121,35 @@ printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
 )")
                  .arg(QStringLiteral(TOLVA_PROGRAM), QStringLiteral(FAILING_CALLS)));
     }
-    void FollowPage() const
+    /// As somebody does who reads the page.
+    void HookUp() const
     {
         ASSERT_NO_FATAL_FAILURE(Must(GetParam().Installation));
         for (const QString& heading : GetParam().Headings)
             ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("cd /root\n") + InstructionsOf(heading)));
-        Must(GetParam().Start);
-        // Installed by hand, as the page says to try it.
-        Must(QStringLiteral("sudo -u tolva tolva delete /srv/station $(sudo -u tolva tolva list /srv/station --json | "
-                            "sed 's/.*\"reference\": *\\([0-9]*\\).*/\\1/') --permanently"));
+        // Filed by hand, as the page says to try it.
+        ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("tolva delete /srv/station 1 --permanently")));
+        FinishHookingUp();
+    }
+    /// As somebody does who lets tolva write the files; twice, which is to do no harm.
+    void HookUpByTheFilesOfSetUp() const
+    {
+        if (GetParam().SetUpName.isEmpty()) {
+            HookUp();
+            return;
+        }
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().Installation));
+        ASSERT_NO_FATAL_FAILURE(
+            Must(QStringLiteral("tolva setup mail /srv/station --with %1 --address studio@harbourfm.example.org --host "
+                                "imap.harbourfm.example.org --login studio --output /root/out\n"
+                                "sh /root/out/install.sh; sh /root/out/install.sh")
+                     .arg(GetParam().SetUpName)));
+        FinishHookingUp();
+    }
+    void FinishHookingUp() const
+    {
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().Start));
+        // What was made since by root.
         Must(QStringLiteral("chmod -R g+w /srv/station; find /srv/station -exec chown tolva:station {} +"));
     }
     static QString InstructionsOf(const QString& heading)
@@ -187,7 +206,7 @@ printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
         const Machine::Outcome all =
             Machine_->Run(QStringLiteral(R"(
 cd /tmp
-tolva list /srv/station --json | sed 's/.*"reference": *\([0-9]*\).*/\1/' | while read -r reference; do
+%1 list /srv/station --json | sed 's/.*"reference": *\([0-9]*\).*/\1/' | while read -r reference; do
     rm -f one
     %1 show /srv/station "$reference" %2 >one || exit 1
     stat -c %s one
@@ -211,7 +230,7 @@ done
     QHash<QByteArray, int> Subjects() const
     {
         QHash<QByteArray, int> subjects;
-        const Machine::Outcome list = Machine_->Run(QStringLiteral("tolva list /srv/station --json"));
+        const Machine::Outcome list = Machine_->Run(QStringLiteral(TOLVA_PROGRAM " list /srv/station --json"));
         EXPECT_EQ(list.Code, 0) << list.Problems.constData();
         for (const QByteArray& line : list.Output.split('\n')) {
             if (!line.isEmpty())
@@ -311,10 +330,10 @@ done
 
 TEST_P(ReceivingTest, EachMessageComesInOnceAsItWas)
 {
-    QList<Item> items = {MailOf("plain", "Hello.\n"),
-                         EightBitMail(),
-                         VeryLargeMail(),
-                         {"Only words, and no header.\n", "Only words, and no header.\n"}};
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    QList<Item> items = {MailOf("plain", "Hello.\n"), EightBitMail(), VeryLargeMail()};
+    if (GetParam().TakesHeaderless)
+        items.append({"Only words, and no header.\n", "Only words, and no header.\n"});
     if (BringsTexts()) {
         const QByteArray text = "Play the lighthouse song";
         const QByteArray letters = "Gr\u00fc\u00dfe \u65e5\u672c";
@@ -334,8 +353,9 @@ TEST_P(ReceivingTest, EachMessageComesInOnceAsItWas)
     EXPECT_EQ(SentBack(), 0);
 }
 
-TEST_P(ReceivingTest, TwoHundredAtOnceComeInOnceEach)
+TEST_P(ReceivingTest, TwoHundredAtOnceComeInOnceEachByTheFilesOfSetUp)
 {
+    ASSERT_NO_FATAL_FAILURE(HookUpByTheFilesOfSetUp());
     constexpr int Count = 200;
     Deliver(Items(Count, "crowd"));
     WaitForAll(Count);
@@ -345,6 +365,7 @@ TEST_P(ReceivingTest, TwoHundredAtOnceComeInOnceEach)
 
 TEST_P(ReceivingTest, WhatTheStationCannotTakeWaitsAndComesInOnce)
 {
+    ASSERT_NO_FATAL_FAILURE(HookUp());
     // As another computer's commit holds it.
     ExpectToWait(
         "locked", 1, QStringLiteral(R"(
@@ -363,6 +384,7 @@ cat /run/problem; exit 1)"),
 
 TEST_P(ReceivingTest, KillsAtAnyMomentLoseNothingAndFileNothingTwice)
 {
+    ASSERT_NO_FATAL_FAILURE(HookUp());
     constexpr int Count = 12;
     constexpr int LastCall = 150; // far behind the last one of a run that files one mail
     Must(QStringLiteral("echo 1 >/run/kill-at; chmod 0666 /run/kill-at"));
@@ -371,7 +393,7 @@ TEST_P(ReceivingTest, KillsAtAnyMomentLoseNothingAndFileNothingTwice)
         Attempt();
         return NumberOf(QStringLiteral("cat /run/kill-at")) > LastCall || (Held() == 0 && CountOf(Subjects()) >= Count);
     }));
-    EXPECT_GT(NumberOf(QStringLiteral("cat /run/kill-at")), 3 * Count) << "nothing was killed";
+    EXPECT_GT(NumberOf(QStringLiteral("cat /run/kill-at")), 10) << "too few were killed";
     Must(QStringLiteral("rm /run/kill-at"));
     WaitForAll(Count);
     ExpectEachOnce(Count, "killed");

@@ -29,10 +29,11 @@ const QString BySendmail =
 const QString PostfixQueue =
     QStringLiteral("find /var/spool/postfix/{maildrop,incoming,active,deferred} -type f | wc -l");
 
-Route Postfix(const QString& name, const QString& heading)
+Route Postfix(const QString& name, const QString& setUpName, const QString& heading)
 {
     Route route;
     route.Name = name;
+    route.SetUpName = setUpName;
     route.Tree = QStringLiteral("postfix");
     route.Headings = QStringList{WhoRunsIt, Script, heading};
     route.Installation = PostfixInstallation;
@@ -63,10 +64,11 @@ MESSAGE_SIZE_LIMIT = 100M
 END
 )");
 
-Route Exim(const QString& name, const QStringList& headings)
+Route Exim(const QString& name, const QString& setUpName, const QStringList& headings)
 {
     Route route;
     route.Name = name;
+    route.SetUpName = setUpName;
     route.Tree = QStringLiteral("exim");
     route.Headings = QStringList{WhoRunsIt} + headings;
     route.Installation = EximInstallation;
@@ -97,7 +99,7 @@ mail_location = maildir:/var/imap/%u
 log_path = /var/log/dovecot.log
 passdb {
   driver = static
-  args = password=secret
+  args = password=PASSWORD
 }
 userdb {
   driver = static
@@ -118,10 +120,12 @@ Route Mbsync()
 {
     Route route;
     route.Name = QStringLiteral("MbsyncFromDovecot");
+    route.SetUpName = QStringLiteral("mbsync");
+    route.TakesHeaderless = false;
     route.Tree = QStringLiteral("imap");
     route.Headings = QStringList{WhoRunsIt, QStringLiteral("mbsync copies a mailbox")};
     route.Installation = ImapInstallation;
-    route.Start = QStringLiteral("echo secret >/etc/tolva/imap-password");
+    route.Start = QStringLiteral("echo PASSWORD >/etc/tolva/imap-password");
     route.Deliver = IntoMailbox;
     route.IsHeldElsewhere = true;
     route.Attempt = QStringLiteral("runuser -u tolva -- /usr/local/bin/tolva-fetch");
@@ -133,6 +137,7 @@ Route Fetchmail()
 {
     Route route;
     route.Name = QStringLiteral("FetchmailFromDovecot");
+    route.SetUpName = QStringLiteral("fetchmail");
     route.Tree = QStringLiteral("imap");
     route.Headings = QStringList{WhoRunsIt, Script, QStringLiteral("fetchmail empties a mailbox")};
     route.Installation = ImapInstallation;
@@ -166,7 +171,8 @@ done
 
 Route EximMaildir()
 {
-    Route route = Exim(QStringLiteral("EximMaildir"), {QStringLiteral("Exim: a maildir")});
+    Route route =
+        Exim(QStringLiteral("EximMaildir"), QStringLiteral("exim-maildir"), {QStringLiteral("Exim: a maildir")});
     route.Attempt = QStringLiteral("exim4 -qff; @") + Maildir;
     route.Held = QStringLiteral(
         "echo $(($(exim4 -bpc) + $(find /srv/station*/Incoming/{new,cur} -type f 2>/dev/null | wc -l)))");
@@ -177,6 +183,7 @@ Route Gammu()
 {
     Route route;
     route.Name = QStringLiteral("GammuDaemon");
+    route.SetUpName = QStringLiteral("gammu-smsd");
     route.Tree = QStringLiteral("gammu");
     route.Headings = QStringList{WhoRunsIt, QStringLiteral("gammu-smsd")};
     // The telephone is the one that gammu brings for trying things out: a folder.
@@ -222,9 +229,10 @@ done
 const QList<Route>& AllRoutes()
 {
     static const QList<Route> routes = {
-        Postfix(QStringLiteral("PostfixAlias"), QStringLiteral("Postfix: an alias")),
-        Postfix(QStringLiteral("PostfixTransport"), QStringLiteral("Postfix: a transport of its own")),
-        Exim(QStringLiteral("EximPipe"), {Script, QStringLiteral("Exim: a pipe")}),
+        Postfix(QStringLiteral("PostfixAlias"), QStringLiteral("postfix-alias"), QStringLiteral("Postfix: an alias")),
+        Postfix(QStringLiteral("PostfixTransport"), QStringLiteral("postfix"),
+                QStringLiteral("Postfix: a transport of its own")),
+        Exim(QStringLiteral("EximPipe"), QStringLiteral("exim"), {Script, QStringLiteral("Exim: a pipe")}),
         EximMaildir(),
         Mbsync(),
         Fetchmail(),

@@ -14,6 +14,7 @@ struct Route
         Texts
     };
     QString Name;         ///< Letters, for the name of a test.
+    QString SetUpName;    ///< For tolva setup mail; empty where it has nothing to write.
     QString Tree;         ///< Where its programs are unpacked.
     QStringList Headings; ///< Of the page on hooking up, in the order in which they are followed.
     QString Installation; ///< What installing its package does, and what a technician has before he reads the page.
@@ -26,7 +27,8 @@ struct Route
     QString PutOff;
     Brings What = Brings::Mails;
     bool FillsTheStationsFolder = false; ///< Who delivers writes beside the station's file, and needs room there.
-    bool IsHeldElsewhere = false;        ///< What waits stays where it is counted by nobody: in a mailbox that is kept.
+    bool TakesHeaderless = true;
+    bool IsHeldElsewhere = false; ///< What waits stays where it is counted by nobody: in a mailbox that is kept.
 
     /// Mails that could not be delivered go back to listener@station.test.
     bool SendsBack() const { return Tree == QStringLiteral("postfix") || Tree == QStringLiteral("exim"); }
