@@ -333,7 +333,7 @@ TEST_P(ReceivingTest, EachMessageComesInOnceAsItWas)
     ASSERT_NO_FATAL_FAILURE(HookUp());
     QList<Item> items = {MailOf("plain", "Hello.\n"), EightBitMail(), VeryLargeMail()};
     if (GetParam().TakesHeaderless)
-        items.append({"Only words, and no header.\n", "Only words, and no header.\n"});
+        items.append(Item{"Only words, and no header.\n", "Only words, and no header.\n"});
     if (BringsTexts()) {
         const QByteArray text = "Play the lighthouse song";
         const QByteArray letters = "Gr\u00fc\u00dfe \u65e5\u672c";
