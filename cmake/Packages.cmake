@@ -43,6 +43,9 @@ tolva_install_documents(libkvtolva1-dev development)
 
 # The nightly backup; whoever runs the machine enables it for a station.
 install(FILES "packaging/systemd/tolva-backup@.service" "packaging/systemd/tolva-backup@.timer"
+              "packaging/systemd/tolva-receive@.service" "packaging/systemd/tolva-receive@.path"
+              "packaging/systemd/tolva-fetch@.service" "packaging/systemd/tolva-fetch@.timer"
+              "packaging/systemd/tolva-send@.service" "packaging/systemd/tolva-send@.timer"
         DESTINATION lib/systemd/system COMPONENT commands)
 # What a desk needs on a server, for whoever keeps that.
 install(FILES packaging/server/desk-rights.sql DESTINATION "${CMAKE_INSTALL_DATADIR}/tolva" COMPONENT commands)

@@ -13,7 +13,8 @@ buildPackages=(cmake ninja-build g++ pkg-config ccache lld qt6-base-dev libsqlit
                libphonenumber-dev libprotobuf-dev qt6-svg-dev libgumbo-dev libpq-dev)
 # For the plugin of Qt Designer, which is left out without it.
 designerPackages=(qt6-tools-dev)
-testPackages=("${designerPackages[@]}" libgtest-dev tzdata clang-format-14 clang-tidy-14 git perl rsync mdbtools msmtp postgresql)
+testPackages=("${designerPackages[@]}" libgtest-dev tzdata clang-format-14 clang-tidy-14 git perl rsync mdbtools msmtp postgresql
+              iproute2 hostname openssl)
 
 # installPackages NAME...: installs with the system's package manager what is not there yet.
 installPackages() {

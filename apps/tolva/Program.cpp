@@ -51,7 +51,8 @@ std::vector<CommandDefinition> AllCommands()
             PrintCommand(),    MoveCommand(),    CopyCommand(),    DeleteCommand(), MarkCommand(),    PendingCommand(),
             SendCommand(),     FoldersCommand(), PrizesCommand(),  PrizeCommand(),  SettingCommand(), UsersCommand(),
             ContactsCommand(), CheckCommand(),   DoctorCommand(),  BackupCommand(), BackupsCommand(), RestoreCommand(),
-            RecoverCommand(),  CompactCommand(), ConvertCommand(), RepairCommand(), RekeyCommand(),   IndexCommand()};
+            RecoverCommand(),  CompactCommand(), ConvertCommand(), RepairCommand(), RekeyCommand(),   IndexCommand(),
+            SetupCommand()};
 }
 
 int RunProgram(const QStringList& arguments)

@@ -29,7 +29,8 @@ OutboxCount CountOutbox(dao::Recordset& rows, const QHash<qint32, SendingRecord>
         const auto record = records.constFind(rows.Collect(QStringLiteral("Reference")).toInt());
         // What was put into the Outbox since is another message.
         const bool isKnown = record != records.cend() && record->When.DayNumber() >= sent;
-        if (isKnown && (record->Stage == SendingStage::Refused || record->IsUnclear(now)))
+        // A program that takes files has its time to mark them.
+        if (isKnown && !record->IsHandedOut() && (record->Stage == SendingStage::Refused || record->IsUnclear(now)))
             ++count.Decisions;
         else if (since > 0 && (now.DayNumber() - since) * SecondsADay >= OutboxCount::UnsentSeconds)
             ++count.Late;

@@ -26,6 +26,9 @@ const QString ProcessField = QStringLiteral("Process");
 const QString TakenField = QStringLiteral("Taken");
 const QString WordsField = QStringLiteral("Words");
 
+/// In the place of a claim: nobody of these programs has one.
+const QString HandedOutClaim = QStringLiteral("handed out as a file");
+
 constexpr qsizetype LongestName = 255; // of a text field
 constexpr double SecondsADay = 86400;
 
@@ -118,6 +121,11 @@ SendingLedger::Answer Hindrance(const SendingRecord& record, Date now, bool atOn
     }
 }
 } // namespace
+
+bool SendingRecord::IsHandedOut() const
+{
+    return Stage == SendingStage::Unclear && Claim == HandedOutClaim;
+}
 
 std::optional<SendingRecord> SendingLedger::Find(qint32 message) const
 {
@@ -245,6 +253,35 @@ void SendingLedger::NoteMarked(qint32 message)
         stored.Stage = SendingStage::Sent;
         return true;
     });
+}
+
+bool SendingLedger::NoteHandedOut(qint32 message, const QString& identity, const QString& words, SendingRecord& record)
+{
+    dao::Transaction transaction(File_);
+    const auto rows = OpenTable(File_);
+    record = SendingRecord();
+    if (Seek(*rows, message)) {
+        record = ReadRow(*rows);
+        const bool isBusy = record.Stage == SendingStage::HandingOver && !record.IsUnclear(ClockHelper::NowUTC());
+        const bool isSame = record.Identity == identity;
+        if (isSame && record.IsHandedOut())
+            return true;
+        const bool mayGo = record.Stage == SendingStage::Released || record.Stage == SendingStage::PutOff ||
+                           record.Stage == SendingStage::Refused;
+        if (isBusy || (isSame && !mayGo))
+            return false;
+    }
+    record = SendingRecord();
+    record.Message = message;
+    record.Identity = identity;
+    record.Stage = SendingStage::Unclear;
+    record.When = ClockHelper::NowUTC();
+    record.Claim = HandedOutClaim;
+    record.Computer = MachineHelper::ComputerName();
+    record.Words = words;
+    Store(*rows, record);
+    transaction.Commit();
+    return true;
 }
 
 bool SendingLedger::SendAgain(qint32 message)

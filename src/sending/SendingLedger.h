@@ -39,6 +39,8 @@ struct SendingRecord
     QStringList Taken; ///< Recipients for whom it was accepted already, where they are served one by one.
     QString Words;     ///< What the program said.
 
+    /// Whether it was handed out as a file, for a program that marks it when it went.
+    bool IsHandedOut() const;
     /// Whether it may have gone out: so it was told, or whoever handed it over has not been heard of in time.
     bool IsUnclear(Date now) const
     {
@@ -88,6 +90,11 @@ public:
     void TakeBack(const SendingRecord& claimed, const std::optional<SendingRecord>& before);
     /// Accepted becomes sent.
     void NoteMarked(qint32 message);
+
+    /// That a message is handed out as a file, so that nobody here sends it as well: it may have gone out from now on,
+    /// until it is marked or somebody decides. words: where to. False, with what stands there in record, when it is
+    /// being handed over or was, or may have gone out in another way.
+    bool NoteHandedOut(qint32 message, const QString& identity, const QString& words, SendingRecord& record);
 
     /// What a person decides. SendAgain: it waits again, for those of its recipients who do not have it, also when it
     /// may have gone out; False when the ledger holds nothing of it, or it is being handed over. NoteWent: it went out.

@@ -209,6 +209,9 @@ TEST_F(DocumentedCommandsTest, EveryOtherCommandOfThePagesIsTriedElsewhereOrKnow
         // packaging/test-packages.sh types them as root in a system of its own.
         QStringLiteral("apt-get install ./build/release/packages/"), QStringLiteral("groupadd "),
         QStringLiteral("useradd "), QStringLiteral("usermod "), QStringLiteral("chown "), QStringLiteral("install "),
+        // ReceivingTest does what the page on hooking up says, with the real programs.
+        QStringLiteral("newaliases"), QStringLiteral("postmap "), QStringLiteral("postfix "),
+        QStringLiteral("update-exim4.conf"), QStringLiteral("umask 0007; sudo -u tolva tolva file "),
         // AStationComesBackFromTheCopyOnAnotherMachine.
         QStringLiteral("rsync "),
         // RecoverTest.

@@ -13,12 +13,14 @@
 namespace
 {
 constexpr int exitTemporary = 75;
-constexpr int NumberOfScripts = 5;
+constexpr int NumberOfScripts = 7;
 
 /// Scripts in the order of the page, by what they do.
 enum Script
 {
     FilesMail,
+    CopiesMailbox,
+    EmptiesMailbox,
     FilesText,
     TakesForm,
     SendsMails,

@@ -417,3 +417,51 @@ TEST_F(SendTest, WhatTheCommandLineCannotMeanIsRefused)
     EXPECT_EQ(OnStation("send", {Again, QStringLiteral("1")}).Code, 65) << "there is no such message";
     EXPECT_EQ(OnStation("send", {QStringLiteral("please")}).Code, 64);
 }
+
+TEST_F(SendTest, WhatIsHandedOutAsAFileIsNotSentUntilSomebodyDecides)
+{
+    const QString reference = WaitingMail();
+    const QString tray = Path(QStringLiteral("taken"));
+    Expect("pending", {QStringLiteral("--export"), tray});
+    const Outcome held = Send();
+    EXPECT_EQ(TimesTaken("An answer"), 0);
+    EXPECT_TRUE((held.Output + held.Problems).contains("handed out as a file in " + tray.toUtf8()))
+        << held.Output.constData() << held.Problems.constData();
+    EXPECT_EQ(StateOf(reference), QStringLiteral("unclear"));
+    // The program that takes files may take it once more, and marks it.
+    Expect("pending", {QStringLiteral("--export"), tray, QStringLiteral("--force")});
+    Expect("send", {QStringLiteral("again"), reference});
+    EXPECT_EQ(Send().Code, 0);
+    EXPECT_EQ(TimesTaken("An answer"), 1);
+}
+
+TEST_F(SendTest, WhatWasSentOrMayHaveBeenIsNotHandedOutAsAFile)
+{
+    Answer("kill -9 $$");
+    const QString reference = WaitingMail();
+    Send();
+    ASSERT_EQ(StateOf(reference), QStringLiteral("unclear"));
+    const QString tray = Path(QStringLiteral("tray"));
+    ASSERT_TRUE(QDir().mkpath(tray));
+    const Outcome refused = OnStation("pending", {QStringLiteral("--export"), tray});
+    EXPECT_EQ(refused.Code, 65);
+    EXPECT_TRUE(refused.Problems.contains("is not handed out, because tolva send has it: May have gone out"))
+        << refused.Problems.constData();
+    EXPECT_TRUE(QDir(tray).isEmpty());
+    Expect("send", {QStringLiteral("again"), reference});
+    EXPECT_EQ(OnStation("pending", {QStringLiteral("--export"), tray}).Code, 0);
+    EXPECT_TRUE(QFile::exists(tray + u'/' + reference + QStringLiteral(".eml")));
+}
+
+TEST_F(SendTest, WhatAnotherProgramMarkedStandsInTheLedger)
+{
+    const QString reference = WaitingMail();
+    Expect("pending", {QStringLiteral("--export"), Path(QStringLiteral("taken"))});
+    Expect("pending", {QStringLiteral("sent"), reference});
+    EXPECT_EQ(FolderOf(reference), QStringLiteral("Sent"));
+    // An older state of the station comes back.
+    Set(reference, QStringLiteral("[Category]=2, [Flags]=2"));
+    Send();
+    EXPECT_EQ(TimesTaken("An answer"), 0);
+    EXPECT_EQ(StateOf(reference), QStringLiteral("unclear"));
+}

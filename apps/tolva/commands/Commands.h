@@ -34,6 +34,7 @@ CommandDefinition ConvertCommand();
 CommandDefinition RepairCommand();
 CommandDefinition RekeyCommand();
 CommandDefinition IndexCommand();
+CommandDefinition SetupCommand();
 
 /// In the order of the help page.
 std::vector<CommandDefinition> AllCommands();

@@ -11,5 +11,6 @@ inline const QString ForceOption = QStringLiteral("force");
 inline const QString FromOption = QStringLiteral("from");
 inline const QString JsonOption = QStringLiteral("json");
 inline const QString LimitOption = QStringLiteral("limit");
+inline const QString OutputOption = QStringLiteral("output");
 inline const QString ToOption = QStringLiteral("to");
 inline const QString TypeOption = QStringLiteral("type");

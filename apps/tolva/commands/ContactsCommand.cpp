@@ -22,7 +22,6 @@ namespace
 {
 const QString DuplicatesOption = QStringLiteral("duplicates");
 const QString VersionOption = QStringLiteral("vcard");
-const QString OutputOption = QStringLiteral("output");
 
 constexpr int ReferenceWidth = 11;
 constexpr int ContactWidth = 26;

@@ -8,6 +8,7 @@
 #include "commands/Commands.h"
 #include "commands/CommonOptions.h"
 #include "intake/Filing.h"
+#include "intake/FolderClaim.h"
 #include "intake/MailSources.h"
 #include "messages/TextMessage.h"
 
@@ -15,6 +16,8 @@ namespace
 {
 const QString SMSOption = QStringLiteral("sms");
 const QString SkipFiledOption = QStringLiteral("skip-filed");
+const QString OnceOption = QStringLiteral("once");
+const QString TakeOption = QStringLiteral("take");
 const QString VerboseOption = QStringLiteral("verbose");
 
 QByteArray InputForTextMessage()
@@ -31,7 +34,9 @@ void FileTextMessage(Filing& filing, Station& station, const Arguments& argument
     text.From = arguments.Value(FromOption).trimmed();
     text.To = arguments.Value(ToOption, station.Database().StationSMSPhoneNumber()).trimmed();
     text.Text = DecodeTextMessage(InputForTextMessage());
-    filing.Save(MakeMessage(text), QStringLiteral("The text message from %1").arg(text.From));
+    IncomingMessage incoming;
+    incoming.Name = QStringLiteral("The text message from %1").arg(text.From);
+    filing.Save(MakeMessage(text), incoming);
 }
 
 /// False when Ctrl-C ended it early.
@@ -65,6 +70,10 @@ void CheckUsageOfFile(const Arguments& arguments)
     } else if (arguments.Has(FromOption) || arguments.Has(ToOption)) {
         throw Failure(exitUsage, QStringLiteral("--from and --to belong to --sms."));
     }
+    if (arguments.Has(TakeOption) && !hasPaths)
+        throw Failure(exitUsage, QStringLiteral("--take needs the folder that it takes messages out of."));
+    if (arguments.Has(OnceOption) && arguments.Has(SMSOption))
+        throw Failure(exitUsage, QStringLiteral("--once is for mails: two text messages may well be the same."));
     if (!hasPaths && Terminal::InputIsTerminal())
         throw Failure(exitUsage,
                       QStringLiteral("Name files to file, or send one on standard input. See: tolva file --help"));
@@ -75,7 +84,19 @@ Filing::Options FilingOptionsOf(const Arguments& arguments)
     Filing::Options options;
     options.setFlag(Filing::Option::Verbose, arguments.Has(VerboseOption));
     options.setFlag(Filing::Option::SkipsFiled, arguments.Has(SkipFiledOption));
+    options.setFlag(Filing::Option::FilesOnce, arguments.Has(OnceOption));
+    options.setFlag(Filing::Option::Takes, arguments.Has(TakeOption));
     return options;
+}
+
+std::vector<std::unique_ptr<FolderClaim>> ClaimsOf(const Arguments& arguments)
+{
+    std::vector<std::unique_ptr<FolderClaim>> claims;
+    if (!arguments.Has(TakeOption))
+        return claims;
+    for (const QString& path : arguments.Words().mid(1))
+        claims.push_back(std::make_unique<FolderClaim>(path));
+    return claims;
 }
 
 int RunFile(const Arguments& arguments)
@@ -85,6 +106,8 @@ int RunFile(const Arguments& arguments)
     if (paths.isEmpty())
         paths.append(QStringLiteral("-"));
     const bool isSMS = arguments.Has(SMSOption);
+    // Before the folders are looked through: what another program has taken meanwhile is not there any more.
+    const std::vector<std::unique_ptr<FolderClaim>> claims = ClaimsOf(arguments);
     Station station(arguments);
     MailSources sources(isSMS ? QStringList() : paths);
     Filing filing(station, FindFolder(station.Folders(), arguments.Value(CategoryOption, QString::number(tmcInbox))),
@@ -111,7 +134,8 @@ CommandDefinition FileCommand()
     return {
         QStringLiteral("file"),
         QStringLiteral("Files messages that arrived: mails, or a text message."),
-        {QStringLiteral("file FOLDER [--category C] [--skip-filed] [PATH...|-]"),
+        {QStringLiteral("file FOLDER [--category C] [--skip-filed|--once] [PATH...|-]"),
+         QStringLiteral("file FOLDER [--category C] --take PATH..."),
          QStringLiteral("file FOLDER --sms --from NUMBER [--to NUMBER]")},
         QStringLiteral(
             "PATH is an .eml file, a folder of .eml files, a maildir or an mbox archive. Without PATH, and for\n"
@@ -124,7 +148,14 @@ CommandDefinition FileCommand()
          {SMSOption, QString(), QStringLiteral("Files a text message (SMS).")},
          {FromOption, QStringLiteral("NUMBER"), QStringLiteral("Who sent the text message: number or name.")},
          {ToOption, QStringLiteral("NUMBER"), QStringLiteral("Where to (the station's SMS number).")},
-         {SkipFiledOption, QString(), QStringLiteral("Passes over mails whose octets are in the station already.")},
+         {SkipFiledOption, QString(),
+          QStringLiteral("Passes over mails that are in the station already, by whatever\nroute they came.")},
+         {OnceOption, QString(),
+          QStringLiteral("Passes over a mail that is in the station octet by octet: one that a\nmail server hands over "
+                         "again because it was not told the end.")},
+         {TakeOption, QString(),
+          QStringLiteral("Removes each file of the folders PATH once its message is in the\nstation; files it once, "
+                         "also when it was killed in between.")},
          {VerboseOption, QString(), QStringLiteral("Says of each message under which number it was filed.")},
          Station::UserOption()},
         QStringLiteral("tolva file /srv/station --category Requests ~/Maildir"),

@@ -11,6 +11,7 @@
 #include "commands/PendingExport.h"
 #include "commands/PendingRows.h"
 #include "common/ClockHelper.h"
+#include "sending/OutgoingIdentity.h"
 
 namespace
 {
@@ -43,14 +44,15 @@ int ListPending(const Arguments& arguments, Station& station)
 
 int ExportPending(const Arguments& arguments, Station& station)
 {
-    PendingExport folder(arguments.Value(ExportOption), arguments.Has(ForceOption));
+    SendingLedger ledger(station.Directory().File());
+    PendingExport folder(arguments.Value(ExportOption), arguments.Has(ForceOption), ledger);
     const QList<MessageRow> pending =
         station.Try([&] { return PendingRows(station.Database(), arguments.Value(TypeOption)); });
     for (const MessageRow& row : pending) {
         const cMessagePtr message = station.Try([&] { return station.Database().ReadMessage(row.Reference); });
         // Somebody may have taken it back since the list was read.
         if (message && message->Category() == tmcOutbox && (message->Flags() & mfSendPending) != 0)
-            folder.Write(*message);
+            station.Try([&] { folder.Write(*message); });
     }
     return folder.Result();
 }
@@ -71,6 +73,8 @@ void MarkSent(Station& station, qint32 reference)
     }
     if (!station.Try([&] { return station.Database().MarkMessageSent(reference, ClockHelper::CurrentTime()); }))
         throw station.WhyNot(reference, QStringLiteral("mark messages as sent"));
+    // Behind the mark: what dies in between is shown as one that may have gone out, and as sent at the same time.
+    station.Try([&] { SendingLedger(station.Directory().File()).NoteWent(reference, OutgoingIdentity(*message)); });
 }
 
 int RunPending(const Arguments& arguments)

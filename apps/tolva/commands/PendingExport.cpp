@@ -4,6 +4,8 @@
 #include "FileOutput.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
+#include "sending/OutgoingIdentity.h"
+#include "sending/OutgoingState.h"
 #include "sending/TextRecipients.h"
 
 #include <QFile>
@@ -26,7 +28,8 @@ bool Holds(const QString& path, const QByteArray& octets)
 }
 } // namespace
 
-PendingExport::PendingExport(const QString& folder, bool force) : Folder_(folder), Force_(force)
+PendingExport::PendingExport(const QString& folder, bool force, SendingLedger& ledger)
+    : Folder_(folder), Force_(force), Ledger_(ledger)
 {
     if (!QFileInfo(folder).isDir())
         throw Failure(exitCannotCreate, QStringLiteral("There is no folder %1.").arg(folder));
@@ -56,6 +59,20 @@ bool PendingExport::MayBeSentAlready(qint32 reference)
     return true;
 }
 
+/// Before the file is there: a run of tolva send at this moment has the message, or leaves it.
+bool PendingExport::NoteHandedOut(const cMessage& message)
+{
+    const QString place = QFileInfo(Folder_).absoluteFilePath();
+    SendingRecord record;
+    if (Ledger_.NoteHandedOut(message.Reference(), OutgoingIdentity(message),
+                              QStringLiteral("handed out as a file in %1").arg(place), record))
+        return true;
+    Refuse(exitData, QStringLiteral("Message %1 is not handed out, because tolva send has it: %2.")
+                         .arg(message.Reference())
+                         .arg(InWords(StateOf(message, Ledger_))));
+    return false;
+}
+
 void PendingExport::Write(const cMessage& message)
 {
     const qint32 reference = message.Reference();
@@ -73,6 +90,8 @@ void PendingExport::Write(const cMessage& message)
         Refuse(exitData, QStringLiteral("Message %1 has no telephone number to go to.").arg(reference));
         return;
     }
+    if (!NoteHandedOut(message))
+        return;
     const QByteArray octets = isText ? TextFile(numbers, mail) : mail.Octets();
     const QString path = FileHelper::Join(Folder_, QString::number(reference) +
                                                        (isText ? QStringLiteral(".sms") : QStringLiteral(".eml")));

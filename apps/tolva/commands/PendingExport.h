@@ -3,6 +3,7 @@
 
 #include "ExitCode.h"
 #include "messages/cMessage.h"
+#include "sending/SendingLedger.h"
 
 #include <QString>
 
@@ -13,21 +14,24 @@
 class PendingExport
 {
 public:
-    /// Failure (cannot create) when there is no such folder. force: replaces files that hold something else.
-    PendingExport(const QString& folder, bool force);
+    /// Failure (cannot create) when there is no such folder. force: replaces files that hold something else. ledger:
+    /// where each is noted, so that tolva send does not send it as well; it outlives this object.
+    PendingExport(const QString& folder, bool force, SendingLedger& ledger);
 
     /// Writes one message durably and prints its path; a file that holds the same already stays as it is. What keeps a
     /// message from being written is told on standard error and remembered in Result. Failure (input/output) when the
-    /// disk refuses.
+    /// disk refuses, dao::Error where the ledger cannot be written.
     void Write(const cMessage& message);
     /// exitOK, or why not all could be written.
     ExitCode Result() const { return Result_; }
 
 private:
     bool MayBeSentAlready(qint32 reference);
+    bool NoteHandedOut(const cMessage& message);
     void Refuse(ExitCode code, const QString& words);
 
     QString Folder_;
     bool Force_;
+    SendingLedger& Ledger_;
     ExitCode Result_ = exitOK;
 };

@@ -3,15 +3,18 @@
 
 #include "database/RowValues.h"
 #include "database/cTolvaDatabase.h"
+#include "platform/mail/TraceFields.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
 /// Less than a row keeps of a subject.
 constexpr qsizetype SubjectLength = 200;
 constexpr double SecondsOfADay = 24.0 * 60 * 60;
+constexpr double ToleranceInDays = 1 / SecondsOfADay;
 
 size_t KeyOf(Date sent, const QString& subject)
 {
@@ -26,6 +29,8 @@ size_t KeyOf(const cMessage& message)
 
 bool FiledMails::Hold(const cMessage& message)
 {
+    if (!std::exchange(IsAsked_, true))
+        return HoldAmongThoseOfItsDate(message);
     if (!IsRead_)
         ReadAll();
     const auto [begin, end] = std::as_const(References_).equal_range(KeyOf(message));
@@ -36,6 +41,25 @@ void FiledMails::Add(const cMessage& message)
 {
     if (IsRead_)
         References_.insert(KeyOf(message), message.Reference());
+}
+
+/// A mail server hands over one mail a run: reading all rows for it would cost more than filing it.
+bool FiledMails::HoldAmongThoseOfItsDate(const cMessage& message)
+{
+    const double sent = ClockHelper::LocalToUTC(message.Sent()).DayNumber();
+    const QString condition = message.Sent().IsNone() ? QStringLiteral("[Sent] IS NULL OR [Sent]=0")
+                                                      : QStringLiteral("[Sent]>=%1 AND [Sent]<=%2")
+                                                            .arg(sent - ToleranceInDays, 0, 'f', 8)
+                                                            .arg(sent + ToleranceInDays, 0, 'f', 8);
+    QList<qint32> references;
+    const auto rows = Database_.OpenMessageRows({QStringLiteral("Reference"), QStringLiteral("Subject")}, condition);
+    const QString subject = message.CDOMessage()->Subject().left(SubjectLength);
+    for (; !rows->AtEOF(); rows->MoveNext()) {
+        if (rows->Collect(QStringLiteral("Subject")).toString().left(SubjectLength) == subject)
+            references.append(rows->Collect(QStringLiteral("Reference")).toInt());
+    }
+    return std::any_of(references.begin(), references.end(),
+                       [&](qint32 reference) { return IsSame(message, reference); });
 }
 
 void FiledMails::ReadAll()
@@ -51,6 +75,11 @@ void FiledMails::ReadAll()
     IsRead_ = true;
 }
 
+bool FiledMails::AreSame(const QByteArray& one, const QByteArray& other) const
+{
+    return Sameness_ == Sameness::Octets ? one == other : cdo::AreSameButForTrace(one, other);
+}
+
 bool FiledMails::IsSame(const cMessage& message, qint32 reference)
 {
     const cMessagePtr stored = Database_.ReadMessage(reference);
@@ -61,5 +90,5 @@ bool FiledMails::IsSame(const cMessage& message, qint32 reference)
     // The mail of a text message is made anew each time, with new boundaries.
     if (message.MessageType() == emtSMS)
         return theirs.From() == ours.From() && theirs.TextBody() == ours.TextBody();
-    return theirs.Octets() == ours.Octets() || theirs.Octets() == Database_.OctetsToStore(message);
+    return AreSame(theirs.Octets(), ours.Octets()) || AreSame(theirs.Octets(), Database_.OctetsToStore(message));
 }

@@ -4,6 +4,8 @@
 #include "MailPriority.h"
 #include "Terminal.h"
 #include "messages/TextMessage.h"
+#include "platform/files/FileSystem.h"
+#include "platform/mail/TraceFields.h"
 
 #include <QThread>
 
@@ -22,7 +24,11 @@ constexpr qint64 MillisecondsForOthers = 25;
 } // namespace
 
 Filing::Filing(Station& station, qint32 category, Options options)
-    : Station_(station), Category_(category), Options_(options), FiledMails_(station.Database())
+    : Station_(station),
+      Category_(category),
+      Options_(options),
+      FiledMails_(station.Database(), options.testFlag(Option::SkipsFiled) ? FiledMails::Sameness::ButForTrace
+                                                                           : FiledMails::Sameness::Octets)
 {
 }
 
@@ -38,8 +44,9 @@ void Filing::Add(const IncomingMessage& incoming)
         Refuse(incoming.Name, problem, exitData);
         return;
     }
-    if (Options_.testFlag(Option::SkipsFiled) && IsFiledAlready(*message, incoming)) {
+    if (PassesOver() && IsFiledAlready(*message, incoming)) {
         ++Skipped_;
+        Take(incoming);
         if (Options_.testFlag(Option::Verbose))
             Terminal::PrintLine(QStringLiteral("passed over %1, which is filed already").arg(incoming.Name));
         return;
@@ -67,8 +74,9 @@ cMessagePtr Filing::MakeMessageOf(const IncomingMessage& incoming, QString& prob
         if (problem.isEmpty())
             message = MakeMessage(text);
     } else {
-        // What a mail server hands over is filed whatever it looks like: nobody else has it.
-        problem = incoming.IsHandedOver && !incoming.Octets.isEmpty() ? QString() : WhyNotMail(incoming.Octets);
+        // What is handed over is filed whatever it looks like: nobody else has it.
+        const bool isHandedOver = incoming.IsHandedOver || Options_.testFlag(Option::Takes);
+        problem = isHandedOver && !incoming.Octets.isEmpty() ? QString() : WhyNotMail(incoming.Octets);
         if (problem.isEmpty()) {
             message = std::make_shared<cMessage>();
             message->SetMessageType(emtEmail);
@@ -83,11 +91,17 @@ cMessagePtr Filing::MakeMessageOf(const IncomingMessage& incoming, QString& prob
     return message;
 }
 
+bool Filing::PassesOver() const
+{
+    return Options_.testAnyFlags(Option::SkipsFiled | Option::FilesOnce | Option::Takes);
+}
+
 bool Filing::IsFiledAlready(const cMessage& message, const IncomingMessage& incoming)
 {
     // Twins in one folder: the first of them must be in the station before the second is looked for there.
     const bool hasTwin = std::any_of(Waiting_.begin(), Waiting_.end(), [&](const Waiting& waiting) {
-        return waiting.Incoming.Octets == incoming.Octets;
+        return Options_.testFlag(Option::SkipsFiled) ? cdo::AreSameButForTrace(waiting.Incoming.Octets, incoming.Octets)
+                                                     : waiting.Incoming.Octets == incoming.Octets;
     });
     if (hasTwin)
         Finish();
@@ -119,7 +133,7 @@ void Filing::FileBatch()
     for (std::size_t i = 0; i < savings.size(); ++i) {
         const Waiting& waiting = Waiting_[i];
         if (savings[i].IsSaved())
-            Acknowledge(*waiting.Message, waiting.Incoming.Name, std::exchange(problems, {}));
+            Acknowledge(*waiting.Message, waiting.Incoming, std::exchange(problems, {}));
         else
             FailSaving(waiting.Incoming.Name, savings[i].ErrorNumber, savings[i].ErrorDescription);
         WaitingOctets_ -= waiting.Incoming.Octets.size();
@@ -151,12 +165,12 @@ void Filing::FileOneByOne()
     for (const Waiting& one : waiting) {
         // Made anew: highlight words are marked in the mail that a batch took back.
         QString problem;
-        Save(waiting.size() == 1 ? one.Message : MakeMessageOf(one.Incoming, problem), one.Incoming.Name);
+        Save(waiting.size() == 1 ? one.Message : MakeMessageOf(one.Incoming, problem), one.Incoming);
     }
     SinceBatch_.start();
 }
 
-void Filing::Save(const cMessagePtr& message, const QString& name)
+void Filing::Save(const cMessagePtr& message, const IncomingMessage& incoming)
 {
     message->SetCategory(static_cast<enTolvaMessageCategories>(Category_));
     int number = 0;
@@ -172,22 +186,37 @@ void Filing::Save(const cMessagePtr& message, const QString& name)
     }
     const QStringList problems = Station_.Terminal().TakeProblems();
     if (isSaved)
-        Acknowledge(*message, name, problems);
+        Acknowledge(*message, incoming, problems);
     else
-        FailSaving(name, number, description.isEmpty() ? problems.join(u' ') : description);
+        FailSaving(incoming.Name, number, description.isEmpty() ? problems.join(u' ') : description);
     Terminal::Flush();
 }
 
-void Filing::Acknowledge(const cMessage& message, const QString& name, const QStringList& problems)
+void Filing::Acknowledge(const cMessage& message, const IncomingMessage& incoming, const QStringList& problems)
 {
     ++Filed_;
     FiledMails_.Add(message);
+    Take(incoming);
     if (!Options_.testFlag(Option::Verbose))
         return;
     // What went wrong beside the message, such as the stamp that tells other computers of it.
     for (const QString& problem : problems)
         Terminal::Complain(problem);
-    Terminal::PrintLine(QStringLiteral("filed %1 as %2").arg(name).arg(message.Reference()));
+    Terminal::PrintLine(QStringLiteral("filed %1 as %2").arg(incoming.Name).arg(message.Reference()));
+}
+
+/// What stays behind is passed over by the next run, which tries to remove it again.
+void Filing::Take(const IncomingMessage& incoming)
+{
+    if (!Options_.testFlag(Option::Takes) || incoming.File.isEmpty())
+        return;
+    const FileStatus removed = FileSystem::Current().Remove(incoming.File);
+    if (removed.IsDone() || removed.Error() == FileError::NotThere)
+        return;
+    Terminal::Complain(
+        QStringLiteral("%1 is in the station, but the file cannot be removed: %2").arg(incoming.File, removed.Words()));
+    if (ExitCode_ == exitOK)
+        ExitCode_ = exitInputOutput;
 }
 
 void Filing::Refuse(const QString& name, const QString& problem, ExitCode code)
@@ -220,7 +249,7 @@ void Filing::FailAll(const QString& name, int number, const QString& description
 void Filing::PrintCounts() const
 {
     QString line = QStringLiteral("filed %1, failed %2").arg(Filed_).arg(Failed_);
-    if (Options_.testFlag(Option::SkipsFiled))
+    if (PassesOver())
         line += QStringLiteral(", passed over %1").arg(Skipped_);
     Terminal::PrintLine(line);
 }

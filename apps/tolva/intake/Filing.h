@@ -17,8 +17,10 @@ public:
     enum class Option
     {
         None = 0,
-        Verbose = 1,   ///< Says of each message under which number it was filed.
-        SkipsFiled = 2 ///< Passes over what the station holds already.
+        Verbose = 1,    ///< Says of each message under which number it was filed.
+        SkipsFiled = 2, ///< Passes over what the station holds already, by whatever route it came.
+        FilesOnce = 4,  ///< Passes over what the station holds octet by octet.
+        Takes = 8       ///< The same, and removes the files of what the station holds then.
     };
     Q_DECLARE_FLAGS(Options, Option)
 
@@ -31,7 +33,7 @@ public:
     /// Files what waits. Failure as above.
     void Finish();
     /// Files one message that is made already, at once. Failure as above.
-    void Save(const cMessagePtr& message, const QString& name);
+    void Save(const cMessagePtr& message, const IncomingMessage& incoming);
 
     void PrintCounts() const;
     ExitCode Code() const { return ExitCode_; }
@@ -45,11 +47,14 @@ private:
     };
 
     cMessagePtr MakeMessageOf(const IncomingMessage& incoming, QString& problem) const;
+    bool PassesOver() const;
     bool IsFiledAlready(const cMessage& message, const IncomingMessage& incoming);
     void FileBatch();
     std::vector<MessageSaving> SaveBatch();
     void FileOneByOne();
-    void Acknowledge(const cMessage& message, const QString& name, const QStringList& problems);
+    void Acknowledge(const cMessage& message, const IncomingMessage& incoming, const QStringList& problems);
+    /// Removes its file where this run takes messages over.
+    void Take(const IncomingMessage& incoming);
     void Refuse(const QString& name, const QString& problem, ExitCode code);
     void FailSaving(const QString& name, int number, const QString& description);
     [[noreturn]] void FailAll(const QString& name, int number, const QString& description);

@@ -17,7 +17,8 @@ struct IncomingMessage
     QByteArray Octets; ///< As they stand in the source.
     QString Problem;   ///< Why it could not be read; then Octets count for nothing.
     IncomingKind Kind = IncomingKind::Mail;
-    bool IsRead = false;       ///< The source marks it as seen.
+    QString File;        ///< What holds this message and nothing else; empty for one of an archive or standard input.
+    bool IsRead = false; ///< The source marks it as seen.
     bool IsHandedOver = false; ///< On standard input: whoever sent it there has no other copy.
 };
 

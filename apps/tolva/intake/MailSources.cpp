@@ -161,6 +161,7 @@ void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
         RemoveEnvelopeLine(incoming.Octets);
     } else {
         incoming.Name = source.Path;
+        incoming.File = source.Path;
         QFile file(source.Path);
         if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !ReadFile(file, incoming.Octets))
             incoming.Problem = QStringLiteral("cannot be read: %1").arg(file.errorString());

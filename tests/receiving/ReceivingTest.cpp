@@ -1,0 +1,404 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What the page on hooking up says, done as it stands there, with the real programs that it is about: each way by which
+// messages come in, and what happens to them when the station cannot take them.
+
+#include "HookupPage.h"
+#include "Machine.h"
+#include "Routes.h"
+
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace
+{
+constexpr int SecondsToArrive = 40;
+constexpr int MillisecondsBetweenLooks = 250;
+constexpr qsizetype LargeMail = qsizetype{50} * 1024 * 1024;
+
+struct Item
+{
+    QByteArray Octets;
+    QByteArray Body; ///< What is found in the station, line breaks aside.
+};
+
+QByteArray HeaderOf(const QByteArray& subject)
+{
+    return "From: Loveday Tregenza <loveday@example.org>\nTo: studio@harbourfm.example.org\nSubject: " + subject +
+           "\nDate: Fri, 20 Nov 2026 08:00:00 +0000\nMessage-ID: <" + subject.toHex() + "@example.org>\n";
+}
+
+Item MailOf(const QByteArray& subject, const QByteArray& body)
+{
+    return {HeaderOf(subject) + "\n" + body, body};
+}
+
+Item EightBitMail()
+{
+    const QByteArray body = "Gr\u00fc\u00dfe \u65e5\u672c, and in another encoding: caf\xE9\n";
+    return {HeaderOf("8 bits \u00fc") +
+                "MIME-Version: 1.0\nContent-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: 8bit\n\n" +
+                body,
+            body};
+}
+
+Item VeryLargeMail()
+{
+    QByteArray body;
+    body.reserve(LargeMail + 100);
+    const QByteArray line = QByteArray(60, 'x') + '\n';
+    for (int i = 0; body.size() < LargeMail; ++i)
+        body += QByteArray::number(i) + ' ' + line;
+    return MailOf("50 MB", body);
+}
+
+QByteArray WithoutReturns(QByteArray text)
+{
+    text.replace("\r\n", "\n");
+    while (text.endsWith('\n'))
+        text.chop(1);
+    return text;
+}
+} // namespace
+
+/// For the words of a failed test.
+static void PrintTo(const Route& route, std::ostream* out)
+{
+    *out << route.Name.toStdString();
+}
+
+class ReceivingTest : public testing::TestWithParam<Route>
+{
+protected:
+    void SetUp() override
+    {
+        QStringList trees;
+        if (!GetParam().Tree.isEmpty()) {
+            trees.append(QStringLiteral(TOLVA_MAIL_PROGRAMS "/") + GetParam().Tree);
+            if (!QFileInfo::exists(trees.first()))
+                GTEST_SKIP() << "its program is not here; scripts/unpack-mail-programs.sh brings it";
+        }
+        Machine_ = std::make_unique<Machine>(trees, QStringLiteral(TOLVA_BUILD));
+        if (!Machine_->Problem().isEmpty())
+            GTEST_SKIP() << Machine_->Problem().toStdString();
+        ASSERT_NO_FATAL_FAILURE(MakeStation());
+    }
+
+    /// The real program behind a script that does to it what a test wants. The station has a disk of its own.
+    void MakeStation() const
+    {
+        Must(QStringLiteral(R"(
+cat >/usr/bin/tolva <<'END'
+#!/bin/bash
+if [ -e /run/kill-at ]; then
+    exec 8<>/run/kill-at
+    flock 8
+    read -r at <&8
+    echo $((at + 3)) >/run/kill-at
+    exec 8>&-
+    export LD_PRELOAD=%2 KILL_AT=$at ASAN_OPTIONS=verify_asan_link_order=0
+fi
+exec %1 "$@"
+END
+chmod 0755 /usr/bin/tolva
+mkdir -p /srv
+mount -t tmpfs -o size=400m,mode=0755 tmpfs /srv
+command -v sudo >/dev/null || printf '#!/bin/bash\nexec runuser "${@:1:2}" -- "${@:3}"\n' >/usr/bin/sudo
+chmod 0755 /usr/bin/sudo
+cd /root
+tolva init /srv/station --name "Harbour FM" --phone "01632 960100"
+printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
+)")
+                 .arg(QStringLiteral(TOLVA_PROGRAM), QStringLiteral(FAILING_CALLS)));
+    }
+    /// As somebody does who reads the page.
+    void HookUp() const
+    {
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().Installation));
+        for (const QString& heading : GetParam().Headings)
+            ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("cd /root\n") + InstructionsOf(heading)));
+        // Filed by hand, as the page says to try it.
+        ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("tolva delete /srv/station 1 --permanently")));
+        FinishHookingUp();
+    }
+    /// As somebody does who lets tolva write the files; twice, which is to do no harm.
+    void HookUpByTheFilesOfSetUp() const
+    {
+        if (GetParam().SetUpName.isEmpty()) {
+            HookUp();
+            return;
+        }
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().Installation));
+        ASSERT_NO_FATAL_FAILURE(
+            Must(QStringLiteral("tolva setup mail /srv/station --with %1 --address studio@harbourfm.example.org --host "
+                                "imap.harbourfm.example.org --login studio --output /root/out\n"
+                                "sh /root/out/install.sh; sh /root/out/install.sh")
+                     .arg(GetParam().SetUpName)));
+        FinishHookingUp();
+    }
+    void FinishHookingUp() const
+    {
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().Start));
+        // What was made since by root.
+        Must(QStringLiteral("chmod -R g+w /srv/station; find /srv/station -exec chown tolva:station {} +"));
+    }
+    static QString InstructionsOf(const QString& heading)
+    {
+        QFile file(QStringLiteral(TOLVA_DOCUMENTS "/hookups.md"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString instructions = HookupPage(QString::fromUtf8(file.readAll())).Instructions(heading);
+        EXPECT_FALSE(instructions.isEmpty()) << heading.toStdString();
+        return instructions;
+    }
+    void Must(const QString& script) const
+    {
+        const Machine::Outcome outcome = Machine_->Run(QStringLiteral("set -e\n") + script);
+        ASSERT_EQ(outcome.Code, 0) << script.toStdString() << '\n'
+                                   << outcome.Output.constData() << outcome.Problems.constData();
+    }
+
+    bool BringsTexts() const { return GetParam().What == Route::Brings::Texts; }
+    QList<Item> Items(int count, const QByteArray& name) const
+    {
+        QList<Item> items;
+        for (int i = 1; i <= count; ++i) {
+            const QByteArray words = name + ' ' + QByteArray::number(i);
+            items.append(BringsTexts() ? Item{words, words} : MailOf(words, "This is " + words + ".\n"));
+        }
+        return items;
+    }
+    void Deliver(const QList<Item>& items) const
+    {
+        QList<std::pair<QString, QByteArray>> files;
+        for (int i = 0; i < items.size(); ++i)
+            files.append({QStringLiteral("/tmp/mails/%1").arg(i + 1, 4, 10, QLatin1Char('0')), items.at(i).Octets});
+        Must(QStringLiteral("rm -rf /tmp/mails; mkdir /tmp/mails"));
+        Machine_->Write(files);
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().Deliver));
+    }
+    void Attempt() const
+    {
+        QString script = GetParam().Attempt;
+        const qsizetype heading = script.indexOf(u'@');
+        if (heading >= 0)
+            script = script.left(heading) + InstructionsOf(script.mid(heading + 1));
+        // What it answers is told by what happens to the messages.
+        Machine_->Run(QStringLiteral("exec >/tmp/attempt.log 2>&1\n") + script);
+    }
+
+    int NumberOf(const QString& script) const { return Machine_->Run(script).Output.trimmed().toInt(); }
+    int Held() const { return NumberOf(GetParam().Held); }
+    int PutOff() const { return NumberOf(GetParam().PutOff.isEmpty() ? GetParam().Held : GetParam().PutOff); }
+    /// What the station holds: the octets of each message behind its header.
+    QList<QByteArray> Bodies() const
+    {
+        // All in one go: each is said with its length in front.
+        const Machine::Outcome all =
+            Machine_->Run(QStringLiteral(R"(
+cd /tmp
+%1 list /srv/station --json | sed 's/.*"reference": *\([0-9]*\).*/\1/' | while read -r reference; do
+    rm -f one
+    %1 show /srv/station "$reference" %2 >one || exit 1
+    stat -c %s one
+    cat one
+done
+)")
+                              .arg(QStringLiteral(TOLVA_PROGRAM),
+                                   BringsTexts() ? QStringLiteral("--json") : QStringLiteral("--raw")));
+        EXPECT_EQ(all.Code, 0) << all.Problems.constData();
+        QList<QByteArray> bodies;
+        for (qsizetype i = 0; i < all.Output.size();) {
+            const qsizetype end = all.Output.indexOf('\n', i);
+            const qsizetype size = all.Output.mid(i, end - i).toLongLong();
+            const QByteArray one = all.Output.mid(end + 1, size);
+            bodies.append(BringsTexts() ? TextOf(one) : BodyOf(one));
+            i = end + 1 + size;
+        }
+        return bodies;
+    }
+    /// Only how many there are, and under which subjects.
+    QHash<QByteArray, int> Subjects() const
+    {
+        QHash<QByteArray, int> subjects;
+        const Machine::Outcome list = Machine_->Run(QStringLiteral(TOLVA_PROGRAM " list /srv/station --json"));
+        EXPECT_EQ(list.Code, 0) << list.Problems.constData();
+        for (const QByteArray& line : list.Output.split('\n')) {
+            if (!line.isEmpty())
+                ++subjects[QJsonDocument::fromJson(line).object().value(QStringLiteral("subject")).toString().toUtf8()];
+        }
+        return subjects;
+    }
+    static int CountOf(const QHash<QByteArray, int>& subjects)
+    {
+        int count = 0;
+        for (const int number : subjects)
+            count += number;
+        return count;
+    }
+    static QByteArray TextOf(const QByteArray& json)
+    {
+        return QJsonDocument::fromJson(json).object().value(QStringLiteral("text")).toString().toUtf8();
+    }
+    static QByteArray BodyOf(const QByteArray& octets)
+    {
+        const QByteArray text = WithoutReturns(octets);
+        const qsizetype end = text.indexOf("\n\n");
+        return end < 0 ? text : text.mid(end + 2);
+    }
+
+    template <typename Condition>
+    bool WaitUntil(Condition&& isMet) const
+    {
+        const QDeadlineTimer deadline(SecondsToArrive * 1000);
+        while (!isMet()) {
+            if (deadline.hasExpired())
+                return false;
+            QThread::msleep(MillisecondsBetweenLooks);
+        }
+        return true;
+    }
+    /// Until that many are in the station, and nothing is on its way any more.
+    void WaitForAll(int count) const
+    {
+        EXPECT_TRUE(WaitUntil([&] {
+            Attempt();
+            return Held() == 0 && CountOf(Subjects()) >= count;
+        })) << "held: "
+            << Held() << ", filed: " << CountOf(Subjects()) << '\n'
+            << Log().constData();
+        Attempt();
+        EXPECT_EQ(CountOf(Subjects()), count);
+    }
+    void ExpectEachOnce(int count, const QByteArray& name) const
+    {
+        const QHash<QByteArray, int> subjects = Subjects();
+        for (int i = 1; i <= count; ++i) {
+            const QByteArray subject = name + ' ' + QByteArray::number(i);
+            EXPECT_EQ(subjects.value(subject), 1) << subject.constData();
+        }
+    }
+    /// What went back to who sent it.
+    int SentBack() const
+    {
+        return GetParam().SendsBack()
+                   ? NumberOf(QStringLiteral("cat /var/mail/listener 2>/dev/null | grep -c '^From '"))
+                   : 0;
+    }
+    QByteArray Log() const
+    {
+        return Machine_
+            ->Run(QStringLiteral(
+                "tail -n 30 /var/log/mail.log /var/log/exim4/mainlog /var/log/exim4/paniclog "
+                "/var/log/dovecot.log /tmp/smsd.log /tmp/attempt.log /var/spool/tolva-sms/.log 2>/dev/null"))
+            .Output;
+    }
+
+    /// One that cannot be filed now waits, is not sent back, and is filed once when the cause is gone.
+    void ExpectToWait(const QByteArray& name, int count, const QString& breakIt, const QString& mendIt)
+    {
+        SCOPED_TRACE(name.constData());
+        const int before = CountOf(Subjects());
+        if (GetParam().FillsTheStationsFolder) {
+            ASSERT_NO_FATAL_FAILURE(Deliver(Items(count, name)));
+        }
+        ASSERT_NO_FATAL_FAILURE(Must(breakIt));
+        if (!GetParam().FillsTheStationsFolder) {
+            ASSERT_NO_FATAL_FAILURE(Deliver(Items(count, name)));
+        }
+        Attempt();
+        if (!GetParam().IsHeldElsewhere) {
+            EXPECT_TRUE(WaitUntil([&] { return PutOff() == count; })) << PutOff() << '\n' << Log().constData();
+        }
+        ASSERT_NO_FATAL_FAILURE(Must(mendIt));
+        WaitForAll(before + count);
+        ExpectEachOnce(count, name);
+        EXPECT_EQ(SentBack(), 0);
+    }
+
+    std::unique_ptr<Machine> Machine_;
+};
+
+TEST_P(ReceivingTest, EachMessageComesInOnceAsItWas)
+{
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    QList<Item> items = {MailOf("plain", "Hello.\n"), EightBitMail(), VeryLargeMail()};
+    if (GetParam().TakesHeaderless)
+        items.append(Item{"Only words, and no header.\n", "Only words, and no header.\n"});
+    if (BringsTexts()) {
+        const QByteArray text = "Play the lighthouse song";
+        const QByteArray letters = "Gr\u00fc\u00dfe \u65e5\u672c";
+        const QByteArray parts = QByteArray("one of many words ").repeated(40) + "and the end";
+        items = {{text, text}, {letters, letters}, {parts, parts}};
+    }
+    Deliver(items);
+    WaitForAll(static_cast<int>(items.size()));
+    const QList<QByteArray> bodies = Bodies();
+    for (const Item& item : std::as_const(items)) {
+        const QByteArray body = WithoutReturns(item.Body);
+        const auto holds = [&](const QByteArray& stored) {
+            return stored == body || stored == WithoutReturns(item.Octets);
+        };
+        EXPECT_EQ(std::count_if(bodies.begin(), bodies.end(), holds), 1) << body.left(60).constData();
+    }
+    EXPECT_EQ(SentBack(), 0);
+}
+
+TEST_P(ReceivingTest, TwoHundredAtOnceComeInOnceEachByTheFilesOfSetUp)
+{
+    ASSERT_NO_FATAL_FAILURE(HookUpByTheFilesOfSetUp());
+    constexpr int Count = 200;
+    Deliver(Items(Count, "crowd"));
+    WaitForAll(Count);
+    ExpectEachOnce(Count, "crowd");
+    EXPECT_EQ(SentBack(), 0);
+}
+
+TEST_P(ReceivingTest, WhatTheStationCannotTakeWaitsAndComesInOnce)
+{
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    // As another computer's commit holds it.
+    ExpectToWait(
+        "locked", 1, QStringLiteral(R"(
+setsid perl -e 'use Fcntl; open(my $f, "+<", "/srv/station/Tolva.mdb") or die;
+    my $lock = pack("s s x4 q q i x4", F_WRLCK, 0, 0x40000000, 512, 0);
+    fcntl($f, F_SETLK, $lock) or die "no lock: $!";
+    open(my $pid, ">", "/run/holder"); print $pid $$; close $pid; sleep 600' >/dev/null 2>/run/problem </dev/null &
+for i in {1..100}; do [ -s /run/holder ] && exit 0; sleep 0.05; done
+cat /run/problem; exit 1)"),
+        QStringLiteral("kill $(cat /run/holder); while kill -0 $(cat /run/holder) 2>/dev/null; do sleep 0.05; done"));
+    ExpectToWait("full", 2, QStringLiteral("cat /dev/zero >/srv/filler 2>/dev/null || true"),
+                 QStringLiteral("rm /srv/filler"));
+    ExpectToWait("missing", 2, QStringLiteral("mv /srv/station /srv/station-away"),
+                 QStringLiteral("mv /srv/station-away /srv/station"));
+}
+
+TEST_P(ReceivingTest, KillsAtAnyMomentLoseNothingAndFileNothingTwice)
+{
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    constexpr int Count = 12;
+    constexpr int LastCall = 150; // far behind the last one of a run that files one mail
+    Must(QStringLiteral("echo 1 >/run/kill-at; chmod 0666 /run/kill-at"));
+    Deliver(Items(Count, "killed"));
+    EXPECT_TRUE(WaitUntil([&] {
+        Attempt();
+        return NumberOf(QStringLiteral("cat /run/kill-at")) > LastCall || (Held() == 0 && CountOf(Subjects()) >= Count);
+    }));
+    EXPECT_GT(NumberOf(QStringLiteral("cat /run/kill-at")), 10) << "too few were killed";
+    Must(QStringLiteral("rm /run/kill-at"));
+    WaitForAll(Count);
+    ExpectEachOnce(Count, "killed");
+    EXPECT_EQ(SentBack(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Route, ReceivingTest, testing::ValuesIn(AllRoutes()),
+                         [](const testing::TestParamInfo<Route>& route) { return route.param.Name.toStdString(); });
