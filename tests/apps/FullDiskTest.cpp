@@ -9,8 +9,8 @@
 namespace
 {
 // As messages hold them.
-constexpr int Outbox = 2;
-constexpr int SendPending = 2;
+constexpr int OutboxFolder = 2;
+constexpr int PendingFlag = 2;
 const QByteArray Precious = "precious";
 } // namespace
 
@@ -143,8 +143,8 @@ TEST_F(FullDiskTest, MessagesForTheMailerAreWrittenWholeOrNamed)
         const auto database = dao::DBEngine::OpenDatabase(Station() + QStringLiteral("/Tolva.mdb"));
         database->Execute(QStringLiteral("UPDATE [Messages] SET [Category]=%1, [Flags]=%2, [SendAfter]=0, [Sent]=0 "
                                          "WHERE [Reference]=%3")
-                              .arg(Outbox)
-                              .arg(SendPending)
+                              .arg(OutboxFolder)
+                              .arg(PendingFlag)
                               .arg(pending));
     }
     const QString file = Path(QStringLiteral("out/") + pending + QStringLiteral(".eml"));

@@ -10,10 +10,10 @@
 
 namespace
 {
-constexpr double LongAgo = 36526; // 2000
+constexpr double TheYear2000 = 36526; // 2000
 const QString Again = QStringLiteral("again");
 const QString Went = QStringLiteral("went");
-const QString PastUntil = QStringLiteral("[Until]=%1").arg(LongAgo);
+const QString PastUntil = QStringLiteral("[Until]=%1").arg(TheYear2000);
 } // namespace
 
 TEST_F(SendTest, AMailGoesToTheProgramAndThenToSent)
@@ -119,7 +119,7 @@ TEST_F(SendTest, AfterDaysOfPassingRefusalsAPersonHasToDecide)
     Answer("echo 'greylisted' >&2; exit 75");
     const QString reference = WaitingMail();
     EXPECT_EQ(Send().Code, 75);
-    SetLedger(reference, QStringLiteral("[Until]=%1, [FirstTry]=%1").arg(LongAgo));
+    SetLedger(reference, QStringLiteral("[Until]=%1, [FirstTry]=%1").arg(TheYear2000));
     const Outcome refused = Send();
     EXPECT_EQ(refused.Code, 65);
     EXPECT_TRUE(refused.Problems.contains("was refused: tried for 5 days; at last: greylisted"))

@@ -19,7 +19,7 @@
 
 namespace
 {
-const QString CopyCaption = QStringLiteral("Copying");
+const QString FaultCaption = QStringLiteral("Copying");
 
 class FileTransferFaultTest : public testing::Test
 {
@@ -67,7 +67,7 @@ TEST_F(FileTransferFaultTest, ACopyIsWholeOrTheOldFileStandsAndTheReasonIsKnown)
         FaultyFileSystem files;
         files.FailAt(number, FileError::Full, FaultyFileSystem::Fault::Tears);
         PendingError failure;
-        const bool isCopied = FileHelper::CopyWithProgress(source, target, CopyCaption, &failure);
+        const bool isCopied = FileHelper::CopyWithProgress(source, target, FaultCaption, &failure);
         const bool isOver = files.Calls() < number;
         EXPECT_EQ(Read(target), isCopied ? content : QByteArray("old"));
         EXPECT_EQ(failure.Number(), isCopied ? 0 : dao::errDiskFull);
@@ -90,7 +90,7 @@ TEST_F(FileTransferFaultTest, ACopyThatWasToldAsDoneOutlivesALossOfPower)
         const QString target = Make(QStringLiteral("target"), "old");
         FaultyFileSystem files;
         files.FailAt(number, FileError::Failed, FaultyFileSystem::Fault::Tears, true);
-        const bool isCopied = FileHelper::CopyWithProgress(source, target, CopyCaption);
+        const bool isCopied = FileHelper::CopyWithProgress(source, target, FaultCaption);
         const bool isOver = files.Calls() < number;
         files.LosePower();
         const QByteArray now = Read(target);
@@ -158,7 +158,7 @@ TEST_F(FileTransferFaultTest, ADeletionThatFailsSaysSo)
         Make(QStringLiteral("old/b"), "b");
         FaultyFileSystem files;
         files.FailAt(number, FileError::Failed);
-        EXPECT_EQ(FileHelper::DeleteWithProgress(folder, CopyCaption), number == 4) << number;
+        EXPECT_EQ(FileHelper::DeleteWithProgress(folder, FaultCaption), number == 4) << number;
         EXPECT_EQ(QDir(folder).exists(), number < 4) << number;
     }
 }
