@@ -4,6 +4,7 @@
 #include "DeskSettings.h"
 #include "PrizeSheet.h"
 #include "Words.h"
+#include "database/LastError.h"
 #include "platform/widgets/Icons.h"
 #include "printing/PrintDialog.h"
 #include "prizes/AwardFlow.h"
@@ -238,7 +239,10 @@ void PrizeDesk::OpenPrize(qint32 prize)
                 return;
             }
         }
-        if (const cPrizePtr stored = Station_.Database().GetPrize(prize, false))
+        const cPrizePtr stored = Station_.Database().GetPrize(prize, false);
+        if (!stored)
+            RaiseLastError(Station_.Database());
+        if (stored)
             Open(*stored);
         else
             Words::Warn(tr("That prize is not there any more: it was deleted on another computer."));
@@ -275,6 +279,7 @@ void PrizeDesk::OpenWinner(qint32 winner)
         }
         const cPrizeWinnerPtr stored = Station_.Database().GetPrizeWinner(winner);
         if (!stored) {
+            RaiseLastError(Station_.Database());
             Words::Warn(tr("That award is not there any more: it was taken back on another computer."));
             CheckWindows();
             return;
@@ -297,6 +302,7 @@ void PrizeDesk::Print(qint32 prize, QWidget* over)
     Run([&] {
         auto stored = PrizeSheet::Read(Station_.Database(), Station_.Directory(), prize);
         if (!stored) {
+            RaiseLastError(Station_.Database());
             Words::Warn(tr("That prize is not there any more: it was deleted on another computer."));
             return;
         }

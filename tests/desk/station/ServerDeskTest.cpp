@@ -3,6 +3,8 @@
 // The desk at a station on a server, which goes away and comes back.
 
 #include "StationMaking.h"
+#include "database/watch/StationWatch.h"
+#include "prizes/PrizeDesk.h"
 #include "support/TestServer.h"
 #include "window/MainWindowTest.h"
 
@@ -33,6 +35,17 @@ protected:
         OtherComputer("file", {Write(QStringLiteral("other.eml"), Mail(subject))});
     }
 
+    /// Of a reading that fails, as the desk puts it.
+    QString WordsOfFailure()
+    {
+        try {
+            Database().OpenMessageRows({QStringLiteral("Reference")}, QString(), QString());
+        } catch (const dao::Error& error) {
+            return Window->Station().Words(error.Number(), error.Description());
+        }
+        return {};
+    }
+
     TestServer Server_;
 };
 } // namespace
@@ -44,6 +57,7 @@ TEST_F(ServerDeskTest, WhatOthersFileMarkAndMoveShowsAtOnce)
     ASSERT_EQ(List().NumberItems(), 1);
     // The desk's own timer is not what brings it.
     List().SetAutoUpdateInterval(60);
+    Database().Watch().Poll(*Window);
     FileElsewhere("From the other computer");
     EXPECT_TRUE(WaitUntil([this] { return List().NumberItems() == 2; }));
     OtherComputer("mark", {QString::number(reference), QStringLiteral("read")});
@@ -68,13 +82,17 @@ TEST_F(ServerDeskTest, WhatIsWrittenStaysWhileTheServerIsAwayAndTheDeskGoesOnByI
     EXPECT_TRUE(
         WaitUntil([this] { return Notice("connectionNotice").Text() == Away; }, 3 * MainWindow::WatchMilliseconds))
         << Notice("connectionNotice").Text().toStdString();
-    {
-        const BoxAnswer answer(QStringLiteral("OK"));
-        EXPECT_FALSE(compose->SaveDraft());
-        EXPECT_TRUE(answer.Text().contains(QStringLiteral("server")) ||
-                    answer.Details().contains(QStringLiteral("server")))
-            << answer.Text().toStdString() << answer.Details().toStdString();
-    }
+    // What a user asks for meanwhile fails in words that are about the server.
+    const QString words = WordsOfFailure();
+    EXPECT_TRUE(words.contains(QStringLiteral("server"))) << words.toStdString();
+    Ui.ExpectWarning(
+        QStringLiteral("The message was not saved. %1\n\nNothing that you wrote is lost: this window stays open.")
+            .arg(words));
+    EXPECT_FALSE(compose->SaveDraft());
+    Ui.ExpectWarning(words);
+    Window->Prizes().OpenPrize(1);
+    Ui.ExpectWarning(words);
+    Window->Prizes().OpenWinner(1);
     ASSERT_TRUE(compose);
     EXPECT_TRUE(compose->isVisible());
     EXPECT_EQ(List().NumberItems(), 1) << "what was read stays on show";
