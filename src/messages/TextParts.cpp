@@ -53,7 +53,7 @@ void Fill(const QString& text, int size, TextParts* result)
 }
 } // namespace
 
-TextParts PartsOf(const QString& text)
+TextParts CountTextParts(const QString& text)
 {
     TextParts result;
     for (qsizetype i = 0; i < text.size() && !result.Is16Bit; i += SizeAt(text, i)) {

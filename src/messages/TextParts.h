@@ -18,4 +18,4 @@ struct TextParts
     QString First16Bit; ///< The character that made it so.
 };
 
-TOLVA_EXPORT TextParts PartsOf(const QString& text);
+TOLVA_EXPORT TextParts CountTextParts(const QString& text);

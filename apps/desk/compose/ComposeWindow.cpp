@@ -291,7 +291,7 @@ void ComposeWindow::ShowLength()
 {
     if (Base_.Type != emtSMS)
         return;
-    const TextParts parts = PartsOf(Body_->toPlainText());
+    const TextParts parts = CountTextParts(Body_->toPlainText());
     const QLocale locale;
     const QString messages =
         parts.Parts == 1 ? tr("1 text message") : tr("%1 text messages").arg(locale.toString(parts.Parts));

@@ -63,7 +63,7 @@ SongDesk::SongDesk(DeskStation& station, uMessagesList& list, QMainWindow& windo
 /// The file is read when it changed, so that a look costs one question to the file system.
 void SongDesk::Look()
 {
-    const QString path = Station_.Database().Path();
+    const QString path = Station_.Database().Information().Path;
     const QString file = path.isEmpty() ? QString() : SongFile::PathOf(path);
     const QFileInfo information(file);
     const bool isThere = !file.isEmpty() && information.exists();
