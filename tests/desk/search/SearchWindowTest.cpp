@@ -187,7 +187,7 @@ TEST_F(SearchWindowTest, WhatIsErasedLeavesAnIndexThatIsThereThoughNobodySearche
 
 TEST_F(SearchWindowTest, WhatSoftwareChangesThatMovesNoStampIsSeenWhenTheDeskIsStartedAnew)
 {
-    FileMail(Mail("One", "ferry\r\n"));
+    FileMail(Mail("One", "ferry\r\n"), tmcInbox, mfRead); // marking it as read would move the stamp
     OpenSearch();
     CloseWindow();
     {
