@@ -109,7 +109,8 @@ void TellWhatIsNext(const QString& folder, const MailWay& way)
             QStringLiteral("Then put the mailbox's password in the place of PASSWORD in /var/lib/tolva/.fetchmailrc."));
     }
     if (way.Name == u"gammu-smsd")
-        Terminal::PrintLine(QStringLiteral("The additions to /etc/gammu-smsdrc belong to the end of its section smsd, where they are put."));
+        Terminal::PrintLine(QStringLiteral(
+            "The additions to /etc/gammu-smsdrc belong to the end of its section smsd, where they are put."));
 }
 
 int Run(const Arguments& arguments)
