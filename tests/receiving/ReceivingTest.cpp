@@ -22,7 +22,7 @@
 
 namespace
 {
-constexpr int SecondsToArrive = 40;
+constexpr int SecondsToArrive = 150;
 constexpr int MillisecondsBetweenLooks = 250;
 constexpr qsizetype LargeMail = qsizetype{50} * 1024 * 1024;
 
@@ -400,5 +400,37 @@ TEST_P(ReceivingTest, KillsAtAnyMomentLoseNothingAndFileNothingTwice)
     EXPECT_EQ(SentBack(), 0);
 }
 
+/// Of text messages that come in parts.
+class LongTextTest : public ReceivingTest
+{
+};
+
+TEST_P(LongTextTest, PartsThatComeLateOrNeverAreNotWaitedForForEver)
+{
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("kill $(cat /tmp/smsd.pid)\n"
+                                                "while kill -0 $(cat /tmp/smsd.pid) 2>/dev/null; do sleep 0.1; done")));
+    const QByteArray text = "It begins. " + QByteArray("and goes on ").repeated(30) + "and ends.";
+    ASSERT_NO_FATAL_FAILURE(Deliver({{text, text}}));
+    ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("[ $(ls /tmp/phone/sms/1 | wc -l) -eq 3 ]\n"
+                                                "mv /tmp/phone/sms/1/2 /tmp/late\n") +
+                                 GetParam().Start));
+    // Each that is there, as a message of its own.
+    EXPECT_TRUE(WaitUntil([&] { return CountOf(Subjects()) == 2; })) << Log().constData();
+    QByteArrayList there = Bodies();
+    std::sort(there.begin(), there.end());
+    EXPECT_TRUE(there.value(0).startsWith("It begins.")) << there.value(0).constData();
+    EXPECT_TRUE(there.value(1).endsWith("and ends.")) << there.value(1).constData();
+    // And the one that was late.
+    Must(QStringLiteral("mv /tmp/late /tmp/phone/sms/1/2"));
+    EXPECT_TRUE(WaitUntil([&] { return CountOf(Subjects()) == 3; })) << Log().constData();
+    qsizetype size = 0;
+    for (const QByteArray& part : Bodies())
+        size += part.size();
+    EXPECT_GE(size, text.size() - 4) << "blanks at the ends of parts aside";
+    EXPECT_LE(size, text.size());
+}
+
+INSTANTIATE_TEST_SUITE_P(GammuDaemon, LongTextTest, testing::Values(AllRoutes().last()));
 INSTANTIATE_TEST_SUITE_P(Route, ReceivingTest, testing::ValuesIn(AllRoutes()),
                          [](const testing::TestParamInfo<Route>& route) { return route.param.Name.toStdString(); });

@@ -211,7 +211,7 @@ END
     // What stands last counts: nobody waits ten minutes here for a part that never comes.
     route.Start = QStringLiteral("sed -i 's/^MultipartTimeout = 600$/MultipartTimeout = 3/' /etc/gammu-smsdrc\n"
                                  "touch /tmp/smsd.log; chown gammu: /tmp/smsd.log\n"
-                                 "runuser -u gammu -- gammu-smsd -c /etc/gammu-smsdrc -d");
+                                 "runuser -u gammu -- gammu-smsd -c /etc/gammu-smsdrc -p /tmp/smsd.pid -d");
     route.Deliver = QStringLiteral(R"SH(
 for text in /tmp/mails/*; do
     runuser -u gammu -- gammu -c /etc/gammu-smsdrc savesms TEXT -folder 1 -unread -sender +447700900123 \
