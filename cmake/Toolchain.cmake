@@ -6,6 +6,8 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_AUTOMOC ON)
+# What moc reads is no work of another target, so it waits for none.
+set(CMAKE_AUTOGEN_ORIGIN_DEPENDS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 # What a host may use is marked with TOLVA_EXPORT.
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
