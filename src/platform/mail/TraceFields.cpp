@@ -10,30 +10,30 @@ namespace cdo
 {
 namespace
 {
-constexpr std::array<const char*, 22> Names = {"Received",
-                                               "Return-Path",
-                                               "Delivered-To",
-                                               "X-Original-To",
-                                               "Envelope-To",
-                                               "Delivery-Date",
-                                               "X-Delivered-To",
-                                               "X-Received",
-                                               "Authentication-Results",
-                                               "Received-SPF",
-                                               "X-Envelope-To",
-                                               "X-Envelope-From",
-                                               "X-Forwarded-To",
-                                               "X-Forwarded-For",
-                                               "X-TUID",
-                                               "Status",
-                                               "X-Status",
-                                               "X-UID",
-                                               "X-Keywords",
-                                               "Content-Length",
-                                               "Lines",
-                                               "X-Fetchmail-Warning"};
+constexpr std::array<const char*, 22> TraceNames = {"Received",
+                                                    "Return-Path",
+                                                    "Delivered-To",
+                                                    "X-Original-To",
+                                                    "Envelope-To",
+                                                    "Delivery-Date",
+                                                    "X-Delivered-To",
+                                                    "X-Received",
+                                                    "Authentication-Results",
+                                                    "Received-SPF",
+                                                    "X-Envelope-To",
+                                                    "X-Envelope-From",
+                                                    "X-Forwarded-To",
+                                                    "X-Forwarded-For",
+                                                    "X-TUID",
+                                                    "Status",
+                                                    "X-Status",
+                                                    "X-UID",
+                                                    "X-Keywords",
+                                                    "Content-Length",
+                                                    "Lines",
+                                                    "X-Fetchmail-Warning"};
 /// Of families whose names differ by product.
-constexpr std::array<const char*, 4> Beginnings = {"ARC-", "X-Spam-", "X-Virus-", "X-Rspamd-"};
+constexpr std::array<const char*, 4> TraceBeginnings = {"ARC-", "X-Spam-", "X-Virus-", "X-Rspamd-"};
 
 /// The next octet of a text whose "\r\n" count as "\n"; false behind the last one.
 class Octets
@@ -73,7 +73,7 @@ bool AreSameLines(QByteArrayView one, QByteArrayView other)
     }
 }
 
-QByteArrayView TextOf(QByteArrayView octets, const HeaderField& field)
+QByteArrayView FieldText(QByteArrayView octets, const HeaderField& field)
 {
     return octets.sliced(field.Begin, field.End - field.Begin);
 }
@@ -114,8 +114,8 @@ bool IsTraceField(QByteArrayView name)
         const qsizetype length = QByteArrayView(other).size();
         return name.size() >= length && name.first(length).compare(other, Qt::CaseInsensitive) == 0;
     };
-    return std::any_of(Names.begin(), Names.end(), isName) ||
-           std::any_of(Beginnings.begin(), Beginnings.end(), isBeginning);
+    return std::any_of(TraceNames.begin(), TraceNames.end(), isName) ||
+           std::any_of(TraceBeginnings.begin(), TraceBeginnings.end(), isBeginning);
 }
 
 bool AreSameButForTrace(const QByteArray& one, const QByteArray& other)
@@ -131,7 +131,7 @@ bool AreSameButForTrace(const QByteArray& one, const QByteArray& other)
             return false;
         if (our == nullptr)
             break;
-        if (!AreSameLines(TextOf(one, *our), TextOf(other, *their)))
+        if (!AreSameLines(FieldText(one, *our), FieldText(other, *their)))
             return false;
     }
     return AreSameLines(WithoutLastBreak(QByteArrayView(one).sliced(ourBlock.BodyBegin())),
