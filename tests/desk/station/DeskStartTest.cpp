@@ -306,8 +306,8 @@ TEST_F(DeskStartTest, AnotherStationReplacesTheWindowAndAFailedOneDoesNot)
 
 TEST_F(DeskStartTest, AnotherUserSitsDownWithoutAnEndOfTheProgram)
 {
-    AddUser(QStringLiteral("Demelza"), 0);
     ASSERT_TRUE(TheDesk->Start(Options(Folder())));
+    AddUser(QStringLiteral("Demelza"), 0);
     const auto userNow = [this] { return TheDesk->Window()->Station().Directory().CurrentUser()->Name(); };
     ASSERT_EQ(userNow(), QStringLiteral("Technician"));
     const auto sitDown = [](const QString& name) {

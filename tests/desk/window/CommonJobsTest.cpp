@@ -57,6 +57,10 @@ protected:
         QTest::keyClick(popup ? popup : QApplication::focusWidget(), key, modifiers);
     }
     static void Type(const QString& text) { QTest::keyClicks(QApplication::focusWidget(), text); }
+    int Found() const
+    {
+        return Window->Search().Window().findChild<QTreeView*>(QStringLiteral("searchList"))->model()->rowCount();
+    }
     void Begin()
     {
         Keys_ = 0;
@@ -87,8 +91,10 @@ TEST_F(CommonJobsTest, TakeFourKeysAndASecondAtMost)
     Press(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_TRUE(QTest::qWaitForWindowActive(&Window->Search().Window()));
     Type(QStringLiteral("lighthouse"));
+    ASSERT_TRUE(WaitUntil([this] { return Window->Search().Window().IsSettled() && Found() == 1; }, 20'000));
     Press(Qt::Key_Return);
     Ends("FindTheTextAboutTheSong", [this] { return Window->MessageWindows().size() == 1; });
+    ASSERT_FALSE(Window->MessageWindows().isEmpty());
     EXPECT_EQ(Window->MessageWindows().first()->Reference(), Wanted);
     Window->MessageWindows().first()->close();
     Window->Search().Window().close();
@@ -98,10 +104,7 @@ TEST_F(CommonJobsTest, TakeFourKeysAndASecondAtMost)
 
     Begin();
     Press(Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
-    Ends("WhatTheSenderWroteBefore", [this] {
-        return Window->Search().Window().IsSettled() &&
-               Window->Search().Window().findChild<QTreeView*>(QStringLiteral("searchList"))->model()->rowCount() == 1;
-    });
+    Ends("WhatTheSenderWroteBefore", [this] { return Window->Search().Window().IsSettled() && Found() == 1; });
     Window->Search().Window().close();
     Window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
