@@ -191,9 +191,12 @@ TEST_F(SearchFollowingTest, ABackupThatIsPutBackHasAnIndexOfItsOwnAndTheOneBefor
     const QString backup = Folder.filePath(u"backup.mdb"_qs);
     dao::DBEngine::CopyDatabase(FileName(), backup, [](qint64, qint64) { return true; });
     Save(Mail("Two", "harbour"));
-    const QString before = SearchPlace::FileFor(*Station);
-    const auto open = [this] {
-        Index = std::make_unique<SearchIndex>(SearchPlace::FileFor(*Station), SearchFollowing::IdentityOf(*Station),
+    const auto file = [this] {
+        return Folder.filePath(u"cache/"_qs + QFileInfo(SearchPlace::FileFor(*Station)).fileName());
+    };
+    const QString before = file();
+    const auto open = [&] {
+        Index = std::make_unique<SearchIndex>(file(), SearchFollowing::IdentityOf(*Station),
                                               SearchPlace::PlaceOf(*Station));
         Following = std::make_unique<SearchFollowing>(*Station);
         ASSERT_TRUE(BringUpToDate(*Following, *Index));
@@ -210,7 +213,7 @@ TEST_F(SearchFollowingTest, ABackupThatIsPutBackHasAnIndexOfItsOwnAndTheOneBefor
         ASSERT_TRUE(exchange.Put(backup));
     }
     OpenStation();
-    EXPECT_NE(SearchPlace::FileFor(*Station), before);
+    EXPECT_NE(file(), before);
     open();
     EXPECT_EQ(Find(u"harbour"_qs).Count, 0);
     EXPECT_EQ(Find(u"ferry"_qs).Count, 1);
