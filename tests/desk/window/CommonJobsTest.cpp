@@ -10,6 +10,7 @@
 #include "search/SearchService.h"
 #include "search/SearchWindow.h"
 
+#include <QLineEdit>
 #include <QTreeView>
 
 #include <ctime>
@@ -56,7 +57,19 @@ protected:
         QWidget* const popup = QApplication::activePopupWidget();
         QTest::keyClick(popup ? popup : QApplication::focusWidget(), key, modifiers);
     }
+    /// The same in the box of a dialog that comes up just now, in which it begins.
+    void PressIn(QDialog& dialog, Qt::Key key)
+    {
+        ++Keys_;
+        QTest::keyClick(dialog.findChild<QLineEdit*>(), key);
+    }
     static void Type(const QString& text) { QTest::keyClicks(QApplication::focusWidget(), text); }
+    void GoBackToTheMessage()
+    {
+        Window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
+        SelectByKeys(*Window, Wanted);
+    }
     int Found() const
     {
         return Window->Search().Window().findChild<QTreeView*>(QStringLiteral("searchList"))->model()->rowCount();
@@ -98,26 +111,22 @@ TEST_F(CommonJobsTest, TakeFourKeysAndASecondAtMost)
     EXPECT_EQ(Window->MessageWindows().first()->Reference(), Wanted);
     Window->MessageWindows().first()->close();
     Window->Search().Window().close();
-    Window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
-    SelectByKeys(*Window, Wanted);
+    GoBackToTheMessage();
 
     Begin();
     Press(Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
     Ends("WhatTheSenderWroteBefore", [this] { return Window->Search().Window().IsSettled() && Found() == 1; });
     Window->Search().Window().close();
-    Window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
-    SelectByKeys(*Window, Wanted);
+    GoBackToTheMessage();
 
     Begin();
     {
-        const DialogVisitor chooser("prizeChooser", [this](QDialog&) { Press(Qt::Key_Return); });
+        const DialogVisitor chooser("prizeChooser", [this](QDialog& dialog) { PressIn(dialog, Qt::Key_Return); });
         Press(Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
     }
     Ends("AwardToTheSender", [this] { return Station.Database().GetPrize(Prize, true)->NumberWinners() == 1; });
 
-    SelectByKeys(*Window, Wanted);
+    GoBackToTheMessage();
     Begin();
     Press(Qt::Key_R, Qt::ControlModifier);
     ASSERT_TRUE(WaitUntil([this] { return Window->ComposeWindows().size() == 1; }));
@@ -125,15 +134,12 @@ TEST_F(CommonJobsTest, TakeFourKeysAndASecondAtMost)
     Type(QStringLiteral("It comes after the news."));
     Press(Qt::Key_Return, Qt::ControlModifier);
     Ends("Reply", [this] { return MessagesIn(tmcOutbox).size() == 1; });
-    Window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
-
-    SelectByKeys(*Window, Wanted);
+    GoBackToTheMessage();
     Begin();
     {
-        const DialogVisitor chooser("folderChoice", [this](QDialog&) {
-            Type(QStringLiteral("saved"));
-            Press(Qt::Key_Return);
+        const DialogVisitor chooser("folderChoice", [this](QDialog& dialog) {
+            QTest::keyClicks(dialog.findChild<QLineEdit*>(), QStringLiteral("saved"));
+            PressIn(dialog, Qt::Key_Return);
         });
         Press(Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
     }
