@@ -43,8 +43,8 @@ public:
     /// Marks the page on show and those that come; an empty one ends that.
     void SetMarker(Marker marker);
 
-    /// How many steps the text is larger (or, below 0, smaller) than usual, each a tenth; eight at most, either way. The
-    /// user changes it by Ctrl and the wheel or the keys.
+    /// How many steps the text is larger (or, below 0, smaller) than usual, each a tenth; eight at most, either way.
+    /// The user changes it by Ctrl and the wheel or the keys.
     int ZoomSteps() const { return ZoomSteps_; }
     void SetZoomSteps(int steps);
 
