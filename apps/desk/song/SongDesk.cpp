@@ -31,7 +31,7 @@ QString MomentInWords(Date universal)
     const QDateTime began = universal.ToDateTime(Qt::UTC).toLocalTime();
     const QDateTime now = ClockHelper::CurrentTime().ToDateTime();
     const QLocale locale;
-    const QString time = locale.toString(began.time(), QLocale::ShortFormat);
+    const QString time = locale.toString(began.time(), QStringLiteral("HH:mm"));
     return began.date() == now.date() ? time : locale.toString(began.date(), QLocale::ShortFormat) + u' ' + time;
 }
 } // namespace

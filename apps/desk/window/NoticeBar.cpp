@@ -3,10 +3,10 @@
 
 #include "platform/widgets/Icons.h"
 
-#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 
 namespace
@@ -25,7 +25,6 @@ QColor Mixed(const QColor& ground, const QColor& accent)
 NoticeBar::NoticeBar(const QString& icon, const QString& button, QWidget* parent)
     : QFrame(parent), Icon_(icon), Picture_(new QLabel(this)), Text_(new QLabel(this)), Button_(new QPushButton(this))
 {
-    setAutoFillBackground(true);
     Text_->setObjectName(QStringLiteral("noticeText"));
     // It may quote what a listener wrote.
     Text_->setTextFormat(Qt::PlainText);
@@ -38,7 +37,7 @@ NoticeBar::NoticeBar(const QString& icon, const QString& button, QWidget* parent
     layout->addWidget(Text_, 1);
     layout->addWidget(Button_);
     connect(Button_, &QPushButton::clicked, this, &NoticeBar::ButtonClicked);
-    ApplyColours();
+    DrawPicture();
     hide();
 }
 
@@ -70,18 +69,18 @@ void NoticeBar::changeEvent(QEvent* event)
 {
     QFrame::changeEvent(event);
     if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
-        ApplyColours();
+        DrawPicture();
 }
 
-void NoticeBar::ApplyColours()
+/// The window's own colours with some accent, whatever they are at this moment.
+void NoticeBar::paintEvent(QPaintEvent* event)
 {
-    if (IsApplying_)
-        return;
-    IsApplying_ = true;
-    QPalette own = QApplication::palette();
-    own.setColor(QPalette::Window, Mixed(own.color(QPalette::Window), Accent));
-    if (own != palette())
-        setPalette(own);
+    QPainter painter(this);
+    painter.fillRect(rect(), Mixed(palette().color(QPalette::Window), Accent));
+    QFrame::paintEvent(event);
+}
+
+void NoticeBar::DrawPicture()
+{
     Picture_->setPixmap(Icons::Get(Icon_).pixmap(QSize(Icons::SmallSide, Icons::SmallSide), devicePixelRatioF()));
-    IsApplying_ = false;
 }

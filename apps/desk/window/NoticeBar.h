@@ -29,13 +29,13 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
-    void ApplyColours();
+    void DrawPicture();
 
     QString Icon_;
     QLabel* Picture_;
     QLabel* Text_;
     QPushButton* Button_;
-    bool IsApplying_ = false;
 };
