@@ -2,6 +2,7 @@
 #include "database/watch/StationWatch.h"
 
 #include "database/cTolvaDatabase.h"
+#include "database/watch/FileWatch.h"
 
 #include <QPointer>
 
@@ -19,11 +20,13 @@ constexpr qint64 RestShare = 4;
 constexpr qint64 UntoldMilliseconds = 30000;
 } // namespace
 
-StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station)
+StationWatch::StationWatch(cTolvaDatabase& station) : Station_(station), Folders_(std::make_unique<FileWatch>())
 {
     Looking_.setInterval(LookMilliseconds);
     connect(&Looking_, &QTimer::timeout, this, &StationWatch::TakeNotice);
 }
+
+StationWatch::~StationWatch() = default;
 
 void StationWatch::TakeNotice()
 {
@@ -81,13 +84,13 @@ void StationWatch::RefreshFolders()
 {
     if (Seen_ && Seen_->AreFoldersLoaded)
         return;
-    const bool mayHaveChanged = Folders_.MayHaveChanged(Station_.Information().Path, Station_.Openings());
+    const bool mayHaveChanged = Folders_->MayHaveChanged(Station_.Information().Path, Station_.Openings());
     // Its file says nothing of a station on a server, which tells by itself.
-    const bool isUntold = Folders_.IsOnServer() && IsTold_ && AreFoldersToldOf_ &&
+    const bool isUntold = Folders_->IsOnServer() && IsTold_ && AreFoldersToldOf_ &&
                           OpeningOfFolders_ == Station_.Openings() && !SinceFolders_.hasExpired(UntoldMilliseconds);
     if (mayHaveChanged && !isUntold) {
         Station_.RefreshCategoryTree();
-        Folders_.WasRead();
+        Folders_->WasRead();
         SinceFolders_.start();
         AreFoldersToldOf_ = IsTold_;
         OpeningOfFolders_ = Station_.Openings();

@@ -2,15 +2,16 @@
 #pragma once
 
 #include "common/Date.h"
-#include "database/watch/FileWatch.h"
 #include "platform/Export.h"
 
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
+#include <memory>
 #include <optional>
 
+class FileWatch;
 class cTolvaDatabase;
 
 /// The look at what other computers change in a station, one for all lists that show it: whichever list's timer fires
@@ -23,6 +24,7 @@ class TOLVA_EXPORT StationWatch : public QObject
 public:
     /// The station outlives this.
     explicit StationWatch(cTolvaDatabase& station);
+    ~StationWatch() override;
 
     /// Tells all listeners. Each of them may close or destroy the station. Where the station's server tells of changes,
     /// all are told by themselves from then on as well, some tenths of a second behind a change elsewhere.
@@ -53,11 +55,11 @@ private:
     Date StampOf(std::optional<Date> Seen::*kept, Read&& read);
 
     cTolvaDatabase& Station_;
-    QTimer Looking_;                ///< At what the server has told, while it tells.
-    std::optional<Seen> Seen_;      ///< While a poll is told.
-    FileWatch Folders_;             ///< Since they were loaded.
-    bool AreFoldersToldOf_ = false; ///< A server has told of nothing since they were loaded,
-    int OpeningOfFolders_ = 0;      ///< in this opening of the station.
-    bool IsTold_ = false;           ///< The server does tell.
-    QElapsedTimer SinceFolders_;    ///< Were loaded.
+    QTimer Looking_;                     ///< At what the server has told, while it tells.
+    std::optional<Seen> Seen_;           ///< While a poll is told.
+    std::unique_ptr<FileWatch> Folders_; ///< Since they were loaded.
+    bool AreFoldersToldOf_ = false;      ///< A server has told of nothing since they were loaded,
+    int OpeningOfFolders_ = 0;           ///< in this opening of the station.
+    bool IsTold_ = false;                ///< The server does tell.
+    QElapsedTimer SinceFolders_;         ///< Were loaded.
 };
