@@ -15,6 +15,7 @@ const QStringList WantedKeys = {
     QStringLiteral("smallopenfolder"),
     QStringLiteral("smallclosedfolder"),
     QStringLiteral("search"),
+    QStringLiteral("song"),
     QStringLiteral("stop"),
     QStringLiteral("head"),
     QStringLiteral("trash"),
