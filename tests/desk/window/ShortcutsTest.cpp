@@ -128,8 +128,9 @@ TEST_F(ShortcutsTest, EachKeyOfAWindowIsListedAndNothingElseIs)
     const QStringList listed = Listed();
     for (const QString& key : std::as_const(known))
         EXPECT_TRUE(listed.contains(key)) << key.toStdString() << " is not listed";
-    // Lists, and boxes of text, know these themselves.
-    known += {QStringLiteral("Enter"), QStringLiteral("Delete"), QStringLiteral("Menu")};
+    // Lists, boxes of text and the body of a message know these themselves.
+    known += {QStringLiteral("Enter"), QStringLiteral("Delete"), QStringLiteral("Menu"),
+              QStringLiteral("Ctrl and the wheel")};
     for (const QString& key : listed)
         EXPECT_TRUE(known.contains(key)) << key.toStdString() << " does nothing";
 }
