@@ -217,6 +217,7 @@ protected:
               option("message", Hostile),
               bad}},
             {QStringLiteral("doctor"), {{}, json, option("quick"), bad}},
+            {QStringLiteral("setup"), {{}, bad, option("with", Hostile)}},
             {QStringLiteral("repair"), {{}, json, option("dry-run"), bad}},
             {QStringLiteral("check"), {{}, json, bad}},
             {QStringLiteral("backup"), {{}, json, bad}},
@@ -287,6 +288,24 @@ TEST_F(TerminalOutputTest, NoCommandHandsOnAnOrderToTheTerminal)
         Check(runs);
     }
     Check({{Hostile}, {QStringLiteral("--") + Hostile}, {QString()}});
+    // Its subject stands in front of the folder.
+    const auto setUp = [this](const QString& way, const QString& output) {
+        return QStringList{QStringLiteral("setup"),
+                           QStringLiteral("mail"),
+                           Folder_,
+                           QStringLiteral("--with"),
+                           way,
+                           QStringLiteral("--address"),
+                           Hostile,
+                           QStringLiteral("--host"),
+                           Hostile,
+                           QStringLiteral("--login"),
+                           Hostile,
+                           QStringLiteral("--output"),
+                           output};
+    };
+    Check({setUp(Hostile, Path(Hostile)), setUp(QStringLiteral("fetchmail"), Path(QStringLiteral("out") + Hostile)),
+           setUp(QStringLiteral("postfix"), Path(QStringLiteral("out")))});
 }
 
 TEST_F(TerminalOutputTest, ThePdfProgramHandsOnNoOrder)
