@@ -87,6 +87,25 @@ unit=tolva-backup@$(inRoot systemd-escape --path /srv/station)
 inRoot systemd-analyze verify --man=no "$unit.timer" "$unit.service"
 command=$(sed -n 's/^ExecStart=//p' "$root"/usr/lib/systemd/system/tolva-backup@.service)
 inRoot runuser -u tolva -- sh -c "${command//%f//srv/station}" >/dev/null
+# The services that receive, fetch and send, with the scripts that they start.
+for way in "mbsync --host imap.example.org" "msmtp --host smtp.example.org --address studio@example.org"; do
+    # Blanks divide the words.
+    # shellcheck disable=SC2086
+    inRoot tolva setup mail /srv/station --with $way --login studio --output "/root/${way%% *}" >/dev/null
+    inRoot sh "/root/${way%% *}/install.sh" >/dev/null
+done
+station=$(inRoot systemd-escape --path /srv/station)
+for unit in receive@.path receive@.service fetch@.timer fetch@.service send@.timer send@.service; do
+    inRoot systemd-analyze verify --man=no "tolva-${unit/@/@$station}"
+done
+printf 'Subject: Watched\n\nHello.\n' | inRoot runuser -u tolva -- sh -c 'umask 0007; cat >/srv/station/Incoming/new/1.watched'
+for unit in receive send; do
+    command=$(sed -n 's/^ExecStart=//p' "$root/usr/lib/systemd/system/tolva-$unit@.service")
+    options=$(sed -n 's/^TOLVA_SEND_OPTIONS=//p' "$root/etc/tolva/send.conf")
+    command=${command//\$TOLVA_SEND_OPTIONS/$options}
+    inRoot runuser -u tolva -- sh -c "umask 0007; ${command//%f//srv/station}" >/dev/null
+done
+inRoot tolva list /srv/station --find Watched | grep -q Watched || { say "The service has not filed the watched mail."; exit 1; }
 
 say "Building the example host from the installed headers"
 inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/libkvtolva1-dev_*.deb cmake ninja-build g++' \

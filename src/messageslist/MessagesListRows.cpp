@@ -56,6 +56,7 @@ QString SpokenState(const MessageLook& look, bool isRead)
 }
 
 using Fitting = std::shared_ptr<const std::function<QString(const QString&)>>;
+using Notes = std::shared_ptr<const std::function<QString(qint32)>>;
 
 /// What the texts of a message's row are made of.
 struct RowSource
@@ -68,6 +69,7 @@ struct RowSource
     bool HasYear;     ///< The date shows its year.
     bool IsAhead;     ///< The date is still to come.
     Fitting Fit;
+    Notes Note; ///< Null for none.
 };
 
 /// What the widths of the columns depend on.
@@ -85,10 +87,20 @@ QString DateText(const RowSource& row)
     return row.IsAhead ? uMessagesList::tr("%1, a date in the future").arg(date) : date;
 }
 
+/// The date, and behind it what the host notes.
+QString SecondLine(const RowSource& row)
+{
+    const QString date = DateText(row);
+    const QString note = row.Note ? (*row.Note)(row.Reference) : QString();
+    if (note.isEmpty())
+        return date;
+    return (*row.Fit)(date.isEmpty() ? note : uMessagesList::tr("%1 \u00B7 %2").arg(date, note));
+}
+
 QString SubjectText(const RowSource& row)
 {
     const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed());
-    return row.HasDateLine ? subject + QLatin1Char('\r') + DateText(row) : subject;
+    return row.HasDateLine ? subject + QLatin1Char('\r') + SecondLine(row) : subject;
 }
 
 QString FromText(const RowSource& row)
@@ -207,8 +219,8 @@ void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool
     const Date now = ClockHelper::CurrentTime();
     const bool saysYear = ShowsOtherYears_ && !stamp.IsNone() && stamp.Format(Year) != now.Format(Year);
     const bool isAhead = ShowsOtherYears_ && stamp.DayNumber() > now.DayNumber() + ClocksDiffer;
-    RowSource source{look.Subject,      look.From, stamp,   look.Reference,
-                     DoubleHeightRows_, saysYear,  isAhead, SubjectFitting(bold)};
+    RowSource source{look.Subject,         look.From, stamp, look.Reference, DoubleHeightRows_, saysYear, isAhead,
+                     SubjectFitting(bold), Notes_};
     for (const int column : {colReference, colHead})
         grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     // The date that such a row keeps may not have been made yet.
@@ -217,6 +229,25 @@ void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool
     grdList_->SetLateTexts(row, colSubject, std::make_unique<MessageTexts>(std::move(source)));
     if (look.Subject.size() + look.From.size() > LongestKept)
         grdList_->TextMatrix(row, colSubject);
+}
+
+void uMessagesList::SetRowNotes(std::function<QString(qint32)> notes)
+{
+    Notes_ = notes ? std::make_shared<const std::function<QString(qint32)>>(std::move(notes)) : nullptr;
+}
+
+/// What a row that was seen shows is made anew of its message, like that of one that another computer changed.
+void uMessagesList::RedrawNotes(const QList<qint32>& references)
+{
+    if (!DoubleHeightRows_ || !clsTolvaDatabase_)
+        return;
+    grdList_->SetRedraw(false);
+    const auto redraw = qScopeGuard([this] { grdList_->SetRedraw(true); });
+    for (const qint32 reference : references) {
+        const int row = RowOfReference_.value(reference);
+        if (row >= 1 && row < grdList_->Rows() && !grdList_->HasLateTexts(row))
+            DrawMessageRow(row, clsTolvaDatabase_->ReadMessage(reference));
+    }
 }
 
 /// What cuts a subject to the width that the column has now. The rows that are never seen need not be measured.

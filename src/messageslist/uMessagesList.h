@@ -6,6 +6,7 @@
 
 #include <QIcon>
 
+#include <functional>
 #include <memory>
 
 class PropertyBag;
@@ -96,6 +97,11 @@ public:
     /// Off at first: dates show no year. On: those of another year than this one do, and those that are still to come
     /// say so.
     void SetShowsOtherYears(bool on) { ShowsOtherYears_ = on; }
+    /// What a host knows of a message besides, in a few words: rows of two lines show it behind the date. Asked for
+    /// when such a row is seen; empty for nothing. None at first.
+    void SetRowNotes(std::function<QString(qint32 reference)> notes);
+    /// The notes of these are others now; those of rows that nobody has seen are asked for later anyway.
+    void RedrawNotes(const QList<qint32>& references);
     /// Shows only what arrived at that moment (universal time) or after it; none, which it is at first, shows all.
     Date ArrivedSince() const { return ArrivedSince_; }
     void SetArrivedSince(Date moment);
@@ -299,6 +305,7 @@ private:
 
     QIcon HeadPicture_;
     Fitting Fittings_[2]; ///< For plain and for bold rows.
+    std::shared_ptr<const std::function<QString(qint32)>> Notes_;
 
     QMenu* mnuPopupMessage_;
     QMenu* mnuPopupCategory_;

@@ -96,3 +96,25 @@ QString InWords(const OutgoingState& state)
     }
     return QString();
 }
+
+QString InShort(const OutgoingState& state)
+{
+    const QString when = state.When.IsNone() ? QString() : u' ' + state.When.Format(QStringLiteral("d mmm hh:nn"));
+    switch (state.What) {
+    case Kind::None:
+        break;
+    case Kind::Waiting:
+        return QStringLiteral("waiting");
+    case Kind::NotYet:
+        return QStringLiteral("to be sent") + when + Because(state.Words);
+    case Kind::BeingSent:
+        return QStringLiteral("being sent");
+    case Kind::Sent:
+        return QStringLiteral("sent") + when;
+    case Kind::Refused:
+        return QStringLiteral("refused") + Because(state.Words);
+    case Kind::Unclear:
+        return QStringLiteral("may have gone out") + Because(state.Words);
+    }
+    return QString();
+}

@@ -48,3 +48,6 @@ TOLVA_EXPORT OutgoingState StateOf(const cMessage& message, const SendingLedger&
 /// One sentence without its full stop: "Waiting to be sent", "Refused on 22 Nov 2026 at 13:57: no such mailbox". Empty
 /// for none.
 TOLVA_EXPORT QString InWords(const OutgoingState& state);
+
+/// The same in a few words for a row of a list: "waiting", "refused: no such mailbox".
+TOLVA_EXPORT QString InShort(const OutgoingState& state);

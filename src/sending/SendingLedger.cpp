@@ -147,6 +147,19 @@ QHash<qint32, SendingRecord> SendingLedger::Open() const
     return records;
 }
 
+QHash<qint32, Date> SendingLedger::SentBetween(qint32 first, qint32 last) const
+{
+    QHash<qint32, Date> sent;
+    const auto rows = File_.OpenRecordset(QStringLiteral("SELECT [Message], [When] FROM [Sending] WHERE [Message]>=%1 "
+                                                         "AND [Message]<=%2 AND [State] IN (2, 3)")
+                                              .arg(first)
+                                              .arg(last),
+                                          dao::dbOpenSnapshot);
+    for (; !rows->AtEOF(); rows->MoveNext())
+        sent.insert(rows->Collect(MessageField).toInt(), Date(rows->Collect(WhenField).toDouble()));
+    return sent;
+}
+
 int SendingLedger::BegunWithinAMinute() const
 {
     const double since = ClockHelper::NowUTC().DayNumber() - 60 / SecondsADay;

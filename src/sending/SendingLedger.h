@@ -60,6 +60,8 @@ public:
     std::optional<SendingRecord> Find(qint32 message) const;
     /// All that are not sent and marked, by message.
     QHash<qint32, SendingRecord> Open() const;
+    /// When those of these numbers went out that did, by message; one statement.
+    QHash<qint32, Date> SentBetween(qint32 first, qint32 last) const;
 
     enum class Answer
     {

@@ -10,7 +10,7 @@ namespace
 {
 const QStringList Ways = {QStringLiteral("postfix-alias"), QStringLiteral("postfix"), QStringLiteral("exim"),
                           QStringLiteral("exim-maildir"),  QStringLiteral("mbsync"),  QStringLiteral("fetchmail"),
-                          QStringLiteral("gammu-smsd")};
+                          QStringLiteral("gammu-smsd"),    QStringLiteral("msmtp"),   QStringLiteral("sendmail")};
 } // namespace
 
 class MailSetupTest : public CommandLineTest
@@ -20,7 +20,9 @@ protected:
     {
         return Run(QStringList{QStringLiteral("setup"), QStringLiteral("mail"), Station(), QStringLiteral("--with"),
                                way, QStringLiteral("--address"), QStringLiteral("studio@harbourfm.example.org"),
-                               QStringLiteral("--host"), QStringLiteral("imap.harbourfm.example.org"),
+                               QStringLiteral("--host"),
+                               (way == u"msmtp" ? QStringLiteral("smtp") : QStringLiteral("imap")) +
+                                   QStringLiteral(".harbourfm.example.org"),
                                QStringLiteral("--login"), QStringLiteral("studio"), QStringLiteral("--output"),
                                Path(QStringLiteral("out/") + way)} +
                    words);
@@ -76,7 +78,7 @@ TEST_F(MailSetupTest, EachFileOfEachWayStandsOnThePage)
         }
         EXPECT_TRUE(outcome.Output.contains("sh " + folder.toUtf8() + "/install.sh"));
     }
-    EXPECT_EQ(files, 20);
+    EXPECT_EQ(files, 24);
 }
 
 TEST_F(MailSetupTest, AFolderWithSomethingInItIsLeftAlone)
@@ -104,4 +106,26 @@ TEST_F(MailSetupTest, WhatIsMissingIsNamed)
     EXPECT_EQ(outcome.Code, 64);
     EXPECT_TRUE(outcome.Problems.contains("--address is missing")) << outcome.Problems.constData();
     EXPECT_EQ(Run({QStringLiteral("setup"), QStringLiteral("mail"), Path(QStringLiteral("nowhere"))}).Code, 66);
+}
+
+TEST_F(MailSetupTest, TheConnectionToAnSmtpServerIsTheOneThatWasAskedFor)
+{
+    const auto settings = [&](const QStringList& words) {
+        const QString folder = Path(QStringLiteral("out/%1").arg(words.size() * 100 + words.join(u' ').size()));
+        const Outcome outcome =
+            SetUpMail(QStringLiteral("msmtp"), QStringList{QStringLiteral("--output"), folder} + words);
+        EXPECT_EQ(outcome.Code, 0) << outcome.Problems.constData();
+        return Read(folder + QStringLiteral("/etc/tolva/msmtprc"));
+    };
+    EXPECT_TRUE(settings({}).contains("port 587\ntls on\ntls_starttls on\nauth on\nuser studio\n"));
+    const QByteArray atOnce = settings({QStringLiteral("--tls"), QStringLiteral("yes")});
+    EXPECT_TRUE(atOnce.contains("port 465\ntls on\ntls_starttls off\nauth on\n")) << atOnce.constData();
+    const QByteArray house = settings({QStringLiteral("--tls"), QStringLiteral("no")});
+    EXPECT_TRUE(house.contains("port 25\ntls off\nauth off\n")) << house.constData();
+    EXPECT_FALSE(house.contains("password"));
+    EXPECT_TRUE(settings({QStringLiteral("--port"), QStringLiteral("2525")}).contains("\nport 2525\n"));
+    for (const char* port : {"0", "65536", "smtp", "25 --"}) {
+        EXPECT_EQ(SetUpMail(QStringLiteral("msmtp"), {QStringLiteral("--port"), QLatin1String(port)}).Code, 64) << port;
+    }
+    EXPECT_EQ(SetUpMail(QStringLiteral("msmtp"), {QStringLiteral("--tls"), QStringLiteral("perhaps")}).Code, 64);
 }

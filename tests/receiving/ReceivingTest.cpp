@@ -3,22 +3,14 @@
 // What the page on hooking up says, done as it stands there, with the real programs that it is about: each way by which
 // messages come in, and what happens to them when the station cannot take them.
 
-#include "HookupPage.h"
-#include "Machine.h"
+#include "MachineTest.h"
 #include "Routes.h"
 
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
 #include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QThread>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace
 {
@@ -77,50 +69,10 @@ static void PrintTo(const Route& route, std::ostream* out)
     *out << route.Name.toStdString();
 }
 
-class ReceivingTest : public testing::TestWithParam<Route>
+class ReceivingTest : public MachineTest, public testing::WithParamInterface<Route>
 {
 protected:
-    void SetUp() override
-    {
-        QStringList trees;
-        if (!GetParam().Tree.isEmpty()) {
-            trees.append(QStringLiteral(TOLVA_MAIL_PROGRAMS "/") + GetParam().Tree);
-            if (!QFileInfo::exists(trees.first()))
-                GTEST_SKIP() << "its program is not here; scripts/unpack-mail-programs.sh brings it";
-        }
-        Machine_ = std::make_unique<Machine>(trees, QStringLiteral(TOLVA_BUILD));
-        if (!Machine_->Problem().isEmpty())
-            GTEST_SKIP() << Machine_->Problem().toStdString();
-        ASSERT_NO_FATAL_FAILURE(MakeStation());
-    }
-
-    /// The real program behind a script that does to it what a test wants. The station has a disk of its own.
-    void MakeStation() const
-    {
-        Must(QStringLiteral(R"(
-cat >/usr/bin/tolva <<'END'
-#!/bin/bash
-if [ -e /run/kill-at ]; then
-    exec 8<>/run/kill-at
-    flock 8
-    read -r at <&8
-    echo $((at + 3)) >/run/kill-at
-    exec 8>&-
-    export LD_PRELOAD=%2 KILL_AT=$at ASAN_OPTIONS=verify_asan_link_order=0
-fi
-exec %1 "$@"
-END
-chmod 0755 /usr/bin/tolva
-mkdir -p /srv
-mount -t tmpfs -o size=400m,mode=0755 tmpfs /srv
-command -v sudo >/dev/null || printf '#!/bin/bash\nexec runuser "${@:1:2}" -- "${@:3}"\n' >/usr/bin/sudo
-chmod 0755 /usr/bin/sudo
-cd /root
-tolva init /srv/station --name "Harbour FM" --phone "01632 960100"
-printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
-)")
-                 .arg(QStringLiteral(TOLVA_PROGRAM), QStringLiteral(FAILING_CALLS)));
-    }
+    void SetUp() override { MakeMachine(GetParam().Tree); }
     /// As somebody does who reads the page.
     void HookUp() const
     {
@@ -152,21 +104,6 @@ printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
         // What was made since by root.
         Must(QStringLiteral("chmod -R g+w /srv/station; find /srv/station -exec chown tolva:station {} +"));
     }
-    static QString InstructionsOf(const QString& heading)
-    {
-        QFile file(QStringLiteral(TOLVA_DOCUMENTS "/hookups.md"));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        const QString instructions = HookupPage(QString::fromUtf8(file.readAll())).Instructions(heading);
-        EXPECT_FALSE(instructions.isEmpty()) << heading.toStdString();
-        return instructions;
-    }
-    void Must(const QString& script) const
-    {
-        const Machine::Outcome outcome = Machine_->Run(QStringLiteral("set -e\n") + script);
-        ASSERT_EQ(outcome.Code, 0) << script.toStdString() << '\n'
-                                   << outcome.Output.constData() << outcome.Problems.constData();
-    }
-
     bool BringsTexts() const { return GetParam().What == Route::Brings::Texts; }
     QList<Item> Items(int count, const QByteArray& name) const
     {
@@ -183,20 +120,28 @@ printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
         for (int i = 0; i < items.size(); ++i)
             files.append({QStringLiteral("/tmp/mails/%1").arg(i + 1, 4, 10, QLatin1Char('0')), items.at(i).Octets});
         Must(QStringLiteral("rm -rf /tmp/mails; mkdir /tmp/mails"));
-        Machine_->Write(files);
+        Computer().Write(files);
         ASSERT_NO_FATAL_FAILURE(Must(GetParam().Deliver));
+    }
+    static QString AttemptScript()
+    {
+        const QString script = GetParam().Attempt;
+        const qsizetype heading = script.indexOf(u'@');
+        return heading < 0 ? script : script.left(heading) + InstructionsOf(script.mid(heading + 1));
     }
     void Attempt() const
     {
-        QString script = GetParam().Attempt;
-        const qsizetype heading = script.indexOf(u'@');
-        if (heading >= 0)
-            script = script.left(heading) + InstructionsOf(script.mid(heading + 1));
         // What it answers is told by what happens to the messages.
-        Machine_->Run(QStringLiteral("exec >/tmp/attempt.log 2>&1\n") + script);
+        Computer().Run(QStringLiteral("exec >/tmp/attempt.log 2>&1\n") + AttemptScript());
+    }
+    /// The same, going on beside what follows.
+    void AttemptBeside() const
+    {
+        Must(QStringLiteral("cat >/tmp/attempt.sh <<'END-OF-ATTEMPT'\n%1\nEND-OF-ATTEMPT\n"
+                            "setsid bash /tmp/attempt.sh >/tmp/attempt.log 2>&1 </dev/null &")
+                 .arg(AttemptScript()));
     }
 
-    int NumberOf(const QString& script) const { return Machine_->Run(script).Output.trimmed().toInt(); }
     int Held() const { return NumberOf(GetParam().Held); }
     int PutOff() const { return NumberOf(GetParam().PutOff.isEmpty() ? GetParam().Held : GetParam().PutOff); }
     /// What the station holds: the octets of each message behind its header.
@@ -204,7 +149,7 @@ printf 'From: a@example.org\n\nTried by hand.\n' >some-mail.eml
     {
         // All in one go: each is said with its length in front.
         const Machine::Outcome all =
-            Machine_->Run(QStringLiteral(R"(
+            Computer().Run(QStringLiteral(R"(
 cd /tmp
 %1 list /srv/station --json | sed 's/.*"reference": *\([0-9]*\).*/\1/' | while read -r reference; do
     rm -f one
@@ -213,8 +158,8 @@ cd /tmp
     cat one
 done
 )")
-                              .arg(QStringLiteral(TOLVA_PROGRAM),
-                                   BringsTexts() ? QStringLiteral("--json") : QStringLiteral("--raw")));
+                               .arg(QStringLiteral(TOLVA_PROGRAM),
+                                    BringsTexts() ? QStringLiteral("--json") : QStringLiteral("--raw")));
         EXPECT_EQ(all.Code, 0) << all.Problems.constData();
         QList<QByteArray> bodies;
         for (qsizetype i = 0; i < all.Output.size();) {
@@ -230,7 +175,7 @@ done
     QHash<QByteArray, int> Subjects() const
     {
         QHash<QByteArray, int> subjects;
-        const Machine::Outcome list = Machine_->Run(QStringLiteral(TOLVA_PROGRAM " list /srv/station --json"));
+        const Machine::Outcome list = Computer().Run(QStringLiteral(TOLVA_PROGRAM " list /srv/station --json"));
         EXPECT_EQ(list.Code, 0) << list.Problems.constData();
         for (const QByteArray& line : list.Output.split('\n')) {
             if (!line.isEmpty())
@@ -296,8 +241,8 @@ done
     }
     QByteArray Log() const
     {
-        return Machine_
-            ->Run(QStringLiteral(
+        return Computer()
+            .Run(QStringLiteral(
                 "tail -n 30 /var/log/mail.log /var/log/exim4/mainlog /var/log/exim4/paniclog "
                 "/var/log/dovecot.log /tmp/smsd.log /tmp/attempt.log /var/spool/tolva-sms/.log 2>/dev/null"))
             .Output;
@@ -324,8 +269,6 @@ done
         ExpectEachOnce(count, name);
         EXPECT_EQ(SentBack(), 0);
     }
-
-    std::unique_ptr<Machine> Machine_;
 };
 
 TEST_P(ReceivingTest, EachMessageComesInOnceAsItWas)
@@ -353,14 +296,45 @@ TEST_P(ReceivingTest, EachMessageComesInOnceAsItWas)
     EXPECT_EQ(SentBack(), 0);
 }
 
-TEST_P(ReceivingTest, TwoHundredAtOnceComeInOnceEachByTheFilesOfSetUp)
+TEST_P(ReceivingTest, TwoHundredAtOnceComeInOnceEachByTheFilesOfSetUpThoughTheServerIsKilled)
 {
     ASSERT_NO_FATAL_FAILURE(HookUpByTheFilesOfSetUp());
     constexpr int Count = 200;
+    constexpr int Kills = 3;
     Deliver(Items(Count, "crowd"));
+    const bool hasServer = !GetParam().KillServer.isEmpty();
+    int lastCount = 0;
+    for (int i = 1; hasServer && i <= Kills; ++i) {
+        AttemptBeside();
+        // In the middle of its work, which is seen in the station.
+        EXPECT_TRUE(WaitUntil([&] { return CountOf(Subjects()) > lastCount; })) << Log().constData();
+        lastCount = CountOf(Subjects());
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().KillServer));
+        ASSERT_NO_FATAL_FAILURE(Must(GetParam().RestartServer));
+    }
+    EXPECT_TRUE(!hasServer || lastCount < Count) << "it was never killed in the middle";
     WaitForAll(Count);
     ExpectEachOnce(Count, "crowd");
     EXPECT_EQ(SentBack(), 0);
+}
+
+TEST_P(ReceivingTest, BeyondTheLifeOfTheQueueTheSenderIsTold)
+{
+    if (GetParam().ShortenQueue.isEmpty())
+        GTEST_SKIP() << "nothing of this way sends back";
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    ASSERT_NO_FATAL_FAILURE(Must(GetParam().ShortenQueue));
+    ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("mv /srv/station /srv/station-away")));
+    Deliver(Items(1, "late"));
+    EXPECT_TRUE(WaitUntil([&] {
+        Attempt();
+        return SentBack() == 1;
+    })) << Log().constData();
+    EXPECT_GT(NumberOf(QStringLiteral("grep -c 'Subject: late 1' /var/mail/listener")), 0) << "it says which";
+    EXPECT_EQ(Held(), 0);
+    ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("mv /srv/station-away /srv/station")));
+    Attempt();
+    EXPECT_EQ(CountOf(Subjects()), 0);
 }
 
 TEST_P(ReceivingTest, WhatTheStationCannotTakeWaitsAndComesInOnce)

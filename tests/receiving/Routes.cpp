@@ -41,6 +41,14 @@ Route Postfix(const QString& name, const QString& setUpName, const QString& head
     route.Attempt = QStringLiteral("postqueue -f");
     route.Held = PostfixQueue;
     route.PutOff = QStringLiteral("find /var/spool/postfix/deferred -type f | wc -l");
+    // All of its processes are of one group.
+    route.KillServer = QStringLiteral("kill -9 -- -$(cat /var/spool/postfix/pid/master.pid)\n"
+                                      "while kill -0 -- -$(cat /var/spool/postfix/pid/master.pid) 2>/dev/null; do "
+                                      "sleep 0.05; done");
+    route.RestartServer = QStringLiteral("postfix start 2>/dev/null");
+    route.ShortenQueue = QStringLiteral("postconf -e maximal_queue_lifetime=3s bounce_queue_lifetime=3s "
+                                        "minimal_backoff_time=1s maximal_backoff_time=1s queue_run_delay=1s\n"
+                                        "postfix reload 2>/dev/null");
     return route;
 }
 
@@ -75,6 +83,11 @@ Route Exim(const QString& name, const QString& setUpName, const QStringList& hea
     route.Deliver = BySendmail;
     route.Attempt = QStringLiteral("exim4 -qff");
     route.Held = QStringLiteral("exim4 -bpc");
+    route.KillServer = QStringLiteral("kill -9 $(pidof exim4) 2>/dev/null || true");
+    route.ShortenQueue = QStringLiteral("for rules in /etc/exim4/conf.d/retry/*; do\n"
+                                        "    printf 'begin retry\\n* * F,3s,1s\\n' >$rules\n"
+                                        "done\n"
+                                        "update-exim4.conf");
     return route;
 }
 
@@ -110,6 +123,10 @@ mkdir -p /var/imap/studio/{new,cur,tmp}
 chown -R imapbox:imapbox /var/imap
 dovecot
 )");
+const QString KillDovecot =
+    QStringLiteral("kill -9 $(cat /run/dovecot/master.pid) $(pgrep -P $(cat /run/dovecot/master.pid))\n"
+                   "while [ -e /proc/$(cat /run/dovecot/master.pid) ]; do sleep 0.05; done\n"
+                   "rm /run/dovecot/master.pid");
 /// As a delivery agent does it: under its name only when it is whole.
 const QString IntoMailbox = QStringLiteral(R"(
 chown imapbox:imapbox /tmp/mails/*
@@ -130,6 +147,8 @@ Route Mbsync()
     route.IsHeldElsewhere = true;
     route.Attempt = QStringLiteral("runuser -u tolva -- /usr/local/bin/tolva-fetch");
     route.Held = QStringLiteral("find /srv/station*/Incoming/{new,cur} -type f | wc -l");
+    route.KillServer = KillDovecot;
+    route.RestartServer = QStringLiteral("dovecot");
     return route;
 }
 
@@ -144,6 +163,8 @@ Route Fetchmail()
     route.Deliver = IntoMailbox;
     route.Attempt = QStringLiteral("runuser -u tolva -- env HOME=/var/lib/tolva /usr/local/bin/tolva-fetch");
     route.Held = QStringLiteral("find /var/imap/studio/{new,cur} -type f | wc -l");
+    route.KillServer = KillDovecot;
+    route.RestartServer = QStringLiteral("dovecot");
     return route;
 }
 

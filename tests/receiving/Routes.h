@@ -25,6 +25,11 @@ struct Route
     QString Held;    ///< Prints how many messages are still on their way.
     /// Prints how many of them were tried in vain; where nothing stands here an attempt is over when it returns.
     QString PutOff;
+    /// Kills the mail server with all its processes, and starts it again; empty where there is none.
+    QString KillServer;
+    QString RestartServer;
+    /// Lets its queue live for seconds only; empty where it has none that sends back.
+    QString ShortenQueue;
     Brings What = Brings::Mails;
     bool FillsTheStationsFolder = false; ///< Who delivers writes beside the station's file, and needs room there.
     bool TakesHeaderless = true;

@@ -8,6 +8,8 @@
 #include "StoredState.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
+#include "search/SameMailNotice.h"
+#include "sending/SendingNotice.h"
 #include "station/DeskStation.h"
 #include "window/NoticeBar.h"
 
@@ -22,11 +24,12 @@ namespace
 constexpr qsizetype LongestTitle = 300;
 }
 
-MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent)
+MessageWindow::MessageWindow(DeskStation& station, SearchService& search, const cMessagePtr& message, QWidget* parent)
     : QMainWindow(parent, Qt::Window),
       Station_(station),
       Message_(message),
       Notice_(new NoticeBar(QStringLiteral("warning"), QString(), this)),
+      Sending_(new SendingNotice(station, *this)),
       View_(new PreviewPane(this))
 {
     setObjectName(QStringLiteral("messageWindow"));
@@ -39,9 +42,14 @@ MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, Q
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(Notice_);
+    layout->addWidget(&Sending_->Bar());
+    auto* same = new SameMailNotice(station, search, SameMailNotice::Place::InWindow, *this);
+    connect(same, &SameMailNotice::MessageWanted, this, &MessageWindow::MessageWanted);
+    layout->addWidget(&same->Bar());
     layout->addWidget(View_, 1);
     setCentralWidget(page);
     MakeActions();
+    connect(Sending_, &SendingNotice::Decided, this, &MessageWindow::SendingDecided);
     connect(View_, &PreviewPane::WasRead, this, &MessageWindow::WasRead);
     connect(&View_->Attachments(), &AttachmentList::Saved, this,
             [this](const QString& words) { statusBar()->showMessage(words); });
@@ -50,6 +58,8 @@ MessageWindow::MessageWindow(DeskStation& station, const cMessagePtr& message, Q
         return RowRecovery::Advice(Station_.Folder(), RowRecovery::Kind::Message, reference);
     });
     View_->Select(message);
+    Sending_->Show(message);
+    same->Show(message);
     resize(760, 600);
 }
 
@@ -82,6 +92,7 @@ void MessageWindow::MakeActions()
     QAction* print = add("printMessage", QStringLiteral("print"), tr("&Print..."), QKeySequence(Qt::CTRL | Qt::Key_P));
     QAction* contact =
         add("senderContact", QString(), tr("Sender's c&ontact..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
+    menu->addAction(Sending_->Action());
     menu->addSeparator();
     QAction* close = add("closeMessage", QString(), tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W));
     close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)});

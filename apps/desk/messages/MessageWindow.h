@@ -8,15 +8,18 @@
 class DeskStation;
 class NoticeBar;
 class PreviewPane;
+class SearchService;
+class SendingNotice;
 
 /// One message in a window of its own. It shows what was opened, and says so when another computer deletes or moves it
-/// meanwhile. Deletes itself on closing. The station outlives it.
+/// meanwhile, what became of one that goes out, and where the same one is as well. Deletes itself on closing. The
+/// station and the search outlive it.
 class MessageWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    MessageWindow(DeskStation& station, const cMessagePtr& message, QWidget* parent = nullptr);
+    MessageWindow(DeskStation& station, SearchService& search, const cMessagePtr& message, QWidget* parent = nullptr);
 
     qint32 Reference() const { return Message_->Reference(); }
     PreviewPane& View() { return *View_; }
@@ -35,6 +38,10 @@ Q_SIGNALS:
     void PrintWanted(const cMessagePtr& message);
     void SenderContactWanted(const cMessagePtr& message);
     void WasRead(qint32 reference);
+    /// Somebody wants to see this one.
+    void MessageWanted(qint32 reference);
+    /// Somebody has decided here over a message that was not sent.
+    void SendingDecided();
 
 private:
     void MakeActions();
@@ -42,5 +49,6 @@ private:
     DeskStation& Station_;
     cMessagePtr Message_;
     NoticeBar* Notice_;
+    SendingNotice* Sending_;
     PreviewPane* View_;
 };

@@ -36,7 +36,9 @@ public:
     enum class Asker
     {
         SearchWindow,
-        ContactHistory
+        ContactHistory,
+        SelectedMessage,
+        MessageWindow
     };
     /// Searches; the answer comes by Found, unless the same one asks again before. Its number.
     int Search(Asker asker, const SearchQuestion& question, const SearchOptions& options);
@@ -74,7 +76,7 @@ private:
     QThread Thread_;
     Worker* Worker_ = nullptr; ///< On its thread; deleted there.
     /// The last search of each asker; 0 for none.
-    std::array<std::atomic<int>, 2> LastSearches_{};
+    std::array<std::atomic<int>, 4> LastSearches_{};
     int Searches_ = 0;
     std::unique_ptr<SearchFollowing> Following_;
     int Opening_ = 0;

@@ -26,9 +26,11 @@
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
 #include "prizes/controls/uPrizesList.h"
+#include "search/SameMailNotice.h"
 #include "search/SearchDesk.h"
 #include "search/SearchService.h"
 #include "sending/SendingDesk.h"
+#include "sending/SendingNotice.h"
 #include "song/SongDesk.h"
 
 #include <QAction>
@@ -155,7 +157,9 @@ void MainWindow::MakeParts()
     Preview_->SetDamageAdvice([this](qint32 reference) {
         return RowRecovery::Advice(Station_->Folder(), RowRecovery::Kind::Message, reference);
     });
-    Sending_ = new SendingDesk(*Station_, *this);
+    Sending_ = new SendingDesk(*Station_, *List_, *this);
+    Search_ = new SearchDesk(*Station_, Settings_, *this);
+    SameMail_ = new SameMailNotice(*Station_, Search_->Service(), SameMailNotice::Place::BesideList, *this);
     Song_ = new SongDesk(*Station_, *List_, *this);
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
@@ -365,7 +369,8 @@ void MainWindow::TakeSelection(const cMessagePtr& message)
 {
     Preview_->SetShowsSentDate(SortOrder() != mlsoReceived);
     Preview_->Select(message);
-    Sending_->Show(message);
+    Sending_->Notice().Show(message);
+    SameMail_->Show(message);
     for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})
         Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
 }
@@ -396,11 +401,11 @@ void MainWindow::OpenFound(qint32 reference)
 
 void MainWindow::ConnectSearch()
 {
-    Search_ = new SearchDesk(*Station_, Settings_, *this);
     Search_->Service().SetBusy([this] { return List_->IsFilling() || MustReopen_; });
     Contacts_->SetSearch(Search_->Service());
     connect(Search_, &SearchDesk::MessageWanted, this, &MainWindow::OpenFound);
     connect(Search_, &SearchDesk::WasRead, this, &MainWindow::MarkAsRead);
+    connect(SameMail_, &SameMailNotice::MessageWanted, this, &MainWindow::OpenFound);
 }
 
 /// What works on the selected message works only while it is seen.
@@ -421,7 +426,7 @@ void MainWindow::TakeUpdate()
                       ? tr("Filter is on: only subjects with \u201C%1\u201D").arg(List_->FindText().simplified())
                       : QString());
     CountTimer_.start();
-    Sending_->CountUnsent();
+    Sending_->TakeUpdate();
     for (MessageWindow* window : MessageWindows())
         window->CheckStored();
 }

@@ -28,6 +28,7 @@ class MessageUndo;
 class NoticeBar;
 class PreviewPane;
 class PrizeDesk;
+class SameMailNotice;
 class SearchDesk;
 class SendingDesk;
 class SongDesk;
@@ -191,6 +192,7 @@ private:
     PrizeDesk* Prizes_ = nullptr;
     ContactDesk* Contacts_ = nullptr;
     SearchDesk* Search_ = nullptr;
+    SameMailNotice* SameMail_ = nullptr;
     SendingDesk* Sending_ = nullptr;
     SongDesk* Song_ = nullptr;
     QToolBar* MessageBar_ = nullptr;

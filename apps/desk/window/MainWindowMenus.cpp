@@ -17,8 +17,10 @@
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
 #include "prizes/controls/uPrizesList.h"
+#include "search/SameMailNotice.h"
 #include "search/SearchDesk.h"
 #include "sending/SendingDesk.h"
+#include "sending/SendingNotice.h"
 #include "song/SongDesk.h"
 #include "window/NoticeBar.h"
 
@@ -145,7 +147,7 @@ void MainWindow::MakeMessageMenu()
     MakeFolderCommands(*menu);
     menu->addSeparator();
     menu->addAction(Undo_->Action());
-    menu->addAction(Sending_->Action());
+    menu->addAction(Sending_->Notice().Action());
     menu->addAction(Prizes_->MakeAwardToSenderAction());
     menu->addAction(Contacts_->MakeSenderAction());
     Search_->AddToMessageMenu(*menu, [this] {
@@ -313,7 +315,8 @@ QWidget* MainWindow::MakeMessageSide()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(MessageBar_);
-    layout->addWidget(&Sending_->Notice());
+    layout->addWidget(&Sending_->Notice().Bar());
+    layout->addWidget(&SameMail_->Bar());
     layout->addWidget(Preview_, 1);
     return side;
 }

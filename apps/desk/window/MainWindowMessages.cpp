@@ -12,6 +12,8 @@
 #include "messageslist/uMessagesList.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
+#include "search/SearchDesk.h"
+#include "sending/SendingDesk.h"
 
 #include <QStatusBar>
 
@@ -101,7 +103,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
             return open;
         }
     }
-    auto* window = new MessageWindow(*Station_, message);
+    auto* window = new MessageWindow(*Station_, Search_->Service(), message);
     window->setWindowIcon(windowIcon());
     window->SetShowsSentDate(SortOrder() != mlsoReceived);
     Windows_.removeAll(nullptr);
@@ -121,6 +123,8 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
             [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
     connect(window, &MessageWindow::SenderContactWanted, Contacts_, &ContactDesk::ShowSender);
     connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
+    connect(window, &MessageWindow::MessageWanted, this, &MainWindow::OpenFound);
+    connect(window, &MessageWindow::SendingDecided, Sending_, &SendingDesk::CountUnsent);
     KeepTextSize(window->View());
     window->show();
     window->activateWindow();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// tolva setup: writes the settings of the programs that bring a station its mail into a folder to look at.
+// tolva setup: writes the settings of the programs that bring a station its mail, or send what it writes, into a folder
+// to look at.
 
 #include "Failure.h"
 #include "FileOutput.h"
@@ -21,6 +22,8 @@ const QString WithOption = QStringLiteral("with");
 const QString AddressOption = QStringLiteral("address");
 const QString HostOption = QStringLiteral("host");
 const QString LoginOption = QStringLiteral("login");
+const QString PortOption = QStringLiteral("port");
+const QString TlsOption = QStringLiteral("tls");
 
 QString NamesOfWays()
 {
@@ -46,6 +49,20 @@ QString ValueOrAnswer(const Arguments& arguments, const QString& option, const Q
     return value.trimmed();
 }
 
+/// The option's word; starttls where there is none.
+MailSetupValues::Safety SafetyOf(const Arguments& arguments)
+{
+    using Safety = MailSetupValues::Safety;
+    const QString word = arguments.Value(TlsOption);
+    if (word.isEmpty() || word == u"starttls")
+        return Safety::StartTls;
+    if (word == u"yes")
+        return Safety::Tls;
+    if (word == u"no")
+        return Safety::None;
+    throw Failure(exitUsage, QStringLiteral("--%1 takes starttls, yes or no; \"%2\" is none.").arg(TlsOption, word));
+}
+
 MailWay WayNamed(const QString& name, const MailSetupValues& values)
 {
     const std::vector<MailWay> ways = MailSetup::Ways(values);
@@ -60,12 +77,16 @@ MailSetupValues ValuesFor(const Arguments& arguments, const MailWay& way, const 
     MailSetupValues values;
     values.Station = station;
     if (way.NeedsAddress)
-        values.Address =
-            ValueOrAnswer(arguments, AddressOption, QStringLiteral("The address at which the station gets mail:"));
-    if (way.NeedsMailbox) {
+        values.Address = ValueOrAnswer(arguments, AddressOption, QStringLiteral("The station's mail address:"));
+    if (way.AtProvider == MailWay::Provider::Mailbox)
         values.Host = ValueOrAnswer(arguments, HostOption, QStringLiteral("The provider's IMAP server:"));
-        values.Login = ValueOrAnswer(arguments, LoginOption, QStringLiteral("The login there:"));
+    if (way.AtProvider == MailWay::Provider::SmtpServer) {
+        values.Host = ValueOrAnswer(arguments, HostOption, QStringLiteral("The provider's SMTP server:"));
+        values.Port = arguments.Value(PortOption).trimmed();
+        values.How = SafetyOf(arguments);
     }
+    if (way.AtProvider != MailWay::Provider::None && values.How != MailSetupValues::Safety::None)
+        values.Login = ValueOrAnswer(arguments, LoginOption, QStringLiteral("The login there:"));
     const QString problem = MailSetup::WhyNot(values);
     if (!problem.isEmpty())
         throw Failure(exitUsage, problem);
@@ -102,15 +123,8 @@ void TellWhatIsNext(const QString& folder, const MailWay& way)
     for (const MailSetupFile& file : way.Files)
         Terminal::PrintLine(QStringLiteral("  %1").arg(file.Path));
     Terminal::PrintLine(QStringLiteral("Look at them, then install them as root with: sh %1/install.sh").arg(folder));
-    if (way.Name == u"mbsync")
-        Terminal::PrintLine(QStringLiteral("Then write the mailbox's password into /etc/tolva/imap-password."));
-    if (way.Name == u"fetchmail") {
-        Terminal::PrintLine(
-            QStringLiteral("Then put the mailbox's password in the place of PASSWORD in /var/lib/tolva/.fetchmailrc."));
-    }
-    if (way.Name == u"gammu-smsd")
-        Terminal::PrintLine(QStringLiteral(
-            "The additions to /etc/gammu-smsdrc belong to the end of its section smsd, where they are put."));
+    for (const QString& sentence : way.Next)
+        Terminal::PrintLine(sentence);
 }
 
 int RunSetup(const Arguments& arguments)
@@ -123,7 +137,8 @@ int RunSetup(const Arguments& arguments)
                       QStringLiteral("There is no station in %1. One is made with: tolva init %1").arg(station));
     }
     const QString name =
-        ValueOrAnswer(arguments, WithOption, QStringLiteral("What brings the messages? One of %1:").arg(NamesOfWays()));
+        ValueOrAnswer(arguments, WithOption,
+                      QStringLiteral("What brings the messages, or sends them? One of %1:").arg(NamesOfWays()));
     const MailSetupValues values = ValuesFor(arguments, WayNamed(name, {}), station);
     const MailWay way = WayNamed(name, values);
     const QString folder =
@@ -140,8 +155,9 @@ CommandDefinition SetupCommand()
 {
     return {
         QStringLiteral("setup"),
-        QStringLiteral("Writes the settings of the programs that bring a station its mail."),
-        {QStringLiteral("setup mail FOLDER --with WAY [--address ADDRESS] [--host HOST --login NAME] --output DIR")},
+        QStringLiteral("Writes the settings of the programs that bring a station its mail and send its answers."),
+        {QStringLiteral("setup mail FOLDER --with WAY [--address ADDRESS] [--host HOST --login NAME] [--port PORT] "
+                        "[--tls HOW] --output DIR")},
         QStringLiteral("WAY is one of %1.\n"
                        "The settings are written into the new folder DIR and nowhere else, with a script that installs "
                        "them for root\n"
@@ -149,11 +165,15 @@ CommandDefinition SetupCommand()
                        "way.\n"
                        "--user is taken for the sake of scripts and not used.")
             .arg(NamesOfWays()),
-        {{WithOption, QStringLiteral("WAY"), QStringLiteral("What brings the messages.")},
+        {{WithOption, QStringLiteral("WAY"), QStringLiteral("What brings the messages, or sends them.")},
          {AddressOption, QStringLiteral("ADDRESS"),
-          QStringLiteral("Where the station gets mail, for mail servers of this computer.")},
-         {HostOption, QStringLiteral("HOST"), QStringLiteral("The IMAP server of a mailbox at a provider.")},
+          QStringLiteral("Where the station gets mail, for mail servers of this computer, or from where it sends.")},
+         {HostOption, QStringLiteral("HOST"),
+          QStringLiteral("The IMAP server of a mailbox at a provider, or the SMTP server for msmtp.")},
          {LoginOption, QStringLiteral("NAME"), QStringLiteral("The login there; its password is never asked.")},
+         {PortOption, QStringLiteral("PORT"), QStringLiteral("Of the SMTP server (587, 465 or 25, after --tls).")},
+         {TlsOption, QStringLiteral("HOW"),
+          QStringLiteral("For the SMTP server: starttls, yes for TLS at once, or no, without a login (starttls).")},
          {OutputOption, QStringLiteral("DIR"), QStringLiteral("The folder to write into; a new or an empty one."),
           QStringLiteral("o")},
          Station::UserOption()},

@@ -6,7 +6,7 @@
 #include "database/SettingText.h"
 #include "database/StationSettings.h"
 #include "platform/records/Recordset.h"
-#include "sending/OutboxCount.h"
+#include "sending/Outbox.h"
 
 namespace
 {
@@ -43,9 +43,9 @@ OutboxCount CountWaiting(dao::Database& station, dao::Database* ledger)
 {
     const auto rows =
         station.OpenRecordset(QStringLiteral("SELECT [%1] FROM [Messages] WHERE %2")
-                                  .arg(OutboxCount::Columns().join(QStringLiteral("], [")), OutboxCount::Condition()),
+                                  .arg(Outbox::Columns().join(QStringLiteral("], [")), Outbox::Condition()),
                               dao::dbOpenSnapshot);
-    return CountOutbox(*rows, ledger ? SendingLedger(*ledger).Open() : QHash<qint32, SendingRecord>());
+    return Outbox(*rows, ledger ? SendingLedger(*ledger).Open() : QHash<qint32, SendingRecord>()).Count();
 }
 } // namespace
 

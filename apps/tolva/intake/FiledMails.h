@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "messages/cMessage.h"
+#include "SameMails.h"
 
 #include <QMultiHash>
 
@@ -13,13 +13,8 @@ class cTolvaDatabase;
 class FiledMails
 {
 public:
-    enum class Sameness
-    {
-        Octets,     ///< What the same sender hands over once more.
-        ButForTrace ///< What came by another route as well, too.
-    };
     /// The database outlives this object.
-    FiledMails(cTolvaDatabase& database, Sameness sameness) : Database_(database), Sameness_(sameness) {}
+    FiledMails(cTolvaDatabase& database, SameMails::Sameness sameness) : Database_(database), Sameness_(sameness) {}
 
     /// Whether the station holds the same mail, or the same text message: sender, time and text. dao::Error when it
     /// cannot be read.
@@ -28,13 +23,11 @@ public:
     void Add(const cMessage& message);
 
 private:
-    bool HoldAmongThoseOfItsDate(const cMessage& message);
     void ReadAll();
-    bool IsSame(const cMessage& message, qint32 reference);
-    bool AreSame(const QByteArray& one, const QByteArray& other) const;
+    bool IsSame(const cMessage& message, qint32 reference) const;
 
     cTolvaDatabase& Database_;
-    Sameness Sameness_;
+    SameMails::Sameness Sameness_;
     bool IsAsked_ = false;
     bool IsRead_ = false;
     QMultiHash<size_t, qint32> References_; ///< By what the light columns say.

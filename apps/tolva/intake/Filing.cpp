@@ -27,8 +27,8 @@ Filing::Filing(Station& station, qint32 category, Options options)
     : Station_(station),
       Category_(category),
       Options_(options),
-      FiledMails_(station.Database(), options.testFlag(Option::SkipsFiled) ? FiledMails::Sameness::ButForTrace
-                                                                           : FiledMails::Sameness::Octets)
+      FiledMails_(station.Database(),
+                  options.testFlag(Option::SkipsFiled) ? SameMails::Sameness::ButForTrace : SameMails::Sameness::Octets)
 {
 }
 

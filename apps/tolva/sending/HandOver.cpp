@@ -127,10 +127,12 @@ HandOverResult::Kind MeaningOfExitCode(int code, const QString& words)
     case exProtocol:
         // Without a reply the connection broke off, maybe behind the last octet of the mail.
         return reply == u'4' ? Kind::Later : reply == u'5' ? Kind::Refused : Kind::Unknown;
+    case exUnavailable:
+        // Without a reply it is no word about the mail: the server's certificate is another one's, say.
+        return reply == u'5' ? Kind::Refused : Kind::Later;
     case exDataError:
     case exNoInput:
     case exNoUser:
-    case exUnavailable:
         return reply == u'4' ? Kind::Later : Kind::Refused;
     default:
         // What programs say that know no such codes; what is above them means anything.

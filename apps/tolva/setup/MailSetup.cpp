@@ -3,6 +3,8 @@
 
 #include <QRegularExpression>
 
+#include <limits>
+
 namespace
 {
 bool Matches(const QString& text, const char* pattern)
@@ -35,6 +37,20 @@ QString Placing(const MailSetupFile& file)
     const QString mode = file.IsScript() ? QStringLiteral("chmod 0755 %1\n").arg(file.Path) : QString();
     return folder + QStringLiteral("cat %1 >%2\n").arg(source, file.Path) + mode;
 }
+
+/// Where systemd runs, the units of the way for this station.
+QString Enabling(const MailWay& way, const QString& station)
+{
+    if (way.Units.isEmpty())
+        return QString();
+    QString script = QStringLiteral("if [ -d /run/systemd/system ]; then\n");
+    for (const QString& unit : way.Units) {
+        script += QStringLiteral("    systemctl enable --now \"tolva-%1@$(systemd-escape --path %2).%3\"\n")
+                      .arg(unit.section(u'.', 0, 0), station, unit.section(u'.', 1));
+    }
+    return script + QStringLiteral("else\n    echo 'Without systemd let cron do the rest, as docs/hookups.md shows.'\n"
+                                   "fi\n");
+}
 } // namespace
 
 QString MailSetup::WhyNot(const MailSetupValues& values)
@@ -49,6 +65,9 @@ QString MailSetup::WhyNot(const MailSetupValues& values)
     if (!values.Login.isEmpty() && !Matches(values.Login, "[A-Za-z0-9._+@-]+"))
         return QStringLiteral("The login \"%1\" holds what settings cannot hold; write them by hand.")
             .arg(values.Login);
+    if (!values.Port.isEmpty() && (!Matches(values.Port, "[0-9]{1,5}") || values.Port.toInt() < 1 ||
+                                   values.Port.toInt() > std::numeric_limits<quint16>::max()))
+        return QStringLiteral("\"%1\" is no port, such as 587.").arg(values.Port);
     return QString();
 }
 
@@ -79,15 +98,5 @@ QString MailSetup::InstallationOf(const MailWay& way, const MailSetupValues& val
     script += files;
     for (const QString& command : way.After)
         script += command + u'\n';
-    if (way.FillsIncoming) {
-        script += QStringLiteral("if [ -d /run/systemd/system ]; then\n"
-                                 "    systemctl enable --now \"tolva-receive@$(systemd-escape --path %1).path\"\nfi\n")
-                      .arg(values.Station);
-    }
-    if (way.NeedsMailbox) {
-        script += QStringLiteral("if [ -d /run/systemd/system ]; then\n"
-                                 "    systemctl enable --now \"tolva-fetch@$(systemd-escape --path %1).timer\"\nfi\n")
-                      .arg(values.Station);
-    }
-    return script;
+    return script + Enabling(way, values.Station);
 }

@@ -96,7 +96,7 @@ MailWay EximMaildirWay()
     MailWay way;
     way.Name = QStringLiteral("exim-maildir");
     way.Summary = QStringLiteral("Exim of this computer, into a maildir that is emptied");
-    way.FillsIncoming = true;
+    way.Units = {QStringLiteral("receive.path")};
     way.Files.push_back({QStringLiteral("/etc/exim4/conf.d/router/350_tolva"), QStringLiteral(R"TEXT(tolva_router:
   driver = accept
   domains = @DOMAIN@
@@ -124,8 +124,9 @@ MailWay MbsyncWay()
     way.Name = QStringLiteral("mbsync");
     way.Summary = QStringLiteral("a mailbox at a provider, which mbsync copies");
     way.NeedsAddress = false;
-    way.NeedsMailbox = true;
-    way.FillsIncoming = true;
+    way.AtProvider = MailWay::Provider::Mailbox;
+    way.Units = {QStringLiteral("receive.path"), QStringLiteral("fetch.timer")};
+    way.Next = {QStringLiteral("Then write the mailbox's password into /etc/tolva/imap-password.")};
     way.Before = {QStringLiteral("install -o tolva -g station -m 0600 /dev/null /etc/tolva/imap-password"),
                   QStringLiteral("install -d -o tolva -g station -m 2770 @STATION@/Incoming @STATION@/Incoming/new "
                                  "@STATION@/Incoming/cur @STATION@/Incoming/tmp")};
@@ -165,7 +166,10 @@ MailWay FetchmailWay()
     way.Name = QStringLiteral("fetchmail");
     way.Summary = QStringLiteral("a mailbox at a provider, which fetchmail empties");
     way.NeedsAddress = false;
-    way.NeedsMailbox = true;
+    way.AtProvider = MailWay::Provider::Mailbox;
+    way.Units = {QStringLiteral("fetch.timer")};
+    way.Next = {
+        QStringLiteral("Then put the mailbox's password in the place of PASSWORD in /var/lib/tolva/.fetchmailrc.")};
     way.Before = {QStringLiteral("install -o tolva -g station -m 0600 /dev/null /var/lib/tolva/.fetchmailrc")};
     way.Files.push_back(MailScript());
     way.Files.push_back({QStringLiteral("/var/lib/tolva/.fetchmailrc"), QStringLiteral(R"TEXT(set invisible
@@ -193,6 +197,8 @@ MailWay GammuWay()
     way.Name = QStringLiteral("gammu-smsd");
     way.Summary = QStringLiteral("text messages, by gammu-smsd");
     way.NeedsAddress = false;
+    way.Next = {QStringLiteral(
+        "The additions to /etc/gammu-smsdrc belong to the end of its section smsd, where they are put.")};
     way.Files.push_back({QStringLiteral("/etc/gammu-smsdrc"),
                          QStringLiteral(R"TEXT(RunOnReceive = /usr/local/bin/tolva-sms
 MultipartTimeout = 600
@@ -239,6 +245,74 @@ flock 9
     return way;
 }
 
+/// From where the station's mails go out.
+QString AddressSetting()
+{
+    return QStringLiteral("runuser -u tolva -- tolva setting @STATION@ Station.EmailAddress @ADDRESS@");
+}
+
+MailWay MsmtpWay(MailSetupValues::Safety how)
+{
+    using Safety = MailSetupValues::Safety;
+    MailWay way;
+    way.Name = QStringLiteral("msmtp");
+    way.Summary = QStringLiteral("sending by the SMTP server of a provider");
+    way.AtProvider = MailWay::Provider::SmtpServer;
+    way.Units = {QStringLiteral("send.timer")};
+    const QString safety = how == Safety::None
+                               ? QStringLiteral("tls off\nauth off\n")
+                               : QStringLiteral("tls on\ntls_starttls %1\nauth on\nuser @LOGIN@\n"
+                                                "passwordeval \"cat /etc/tolva/smtp-password\"\n")
+                                     .arg(how == Safety::StartTls ? QStringLiteral("on") : QStringLiteral("off"));
+    if (how != Safety::None) {
+        way.Before = {QStringLiteral("install -o tolva -g station -m 0600 /dev/null /etc/tolva/smtp-password")};
+        way.Next = {QStringLiteral("Then write the password for that server into /etc/tolva/smtp-password.")};
+    }
+    way.Files.push_back({QStringLiteral("/etc/tolva/msmtprc"), QStringLiteral(R"TEXT(defaults
+timeout 60
+
+account studio
+host @HOST@
+port @PORT@
+)TEXT") + safety + QStringLiteral("\naccount default : studio\n")});
+    way.Files.push_back({QStringLiteral("/usr/local/bin/tolva-smtp"), QStringLiteral(R"TEXT(#!/bin/sh
+# Hands the mail on standard input to the provider's SMTP server.
+exec msmtp -C /etc/tolva/msmtprc "$@"
+)TEXT")});
+    way.Files.push_back({QStringLiteral("/etc/tolva/send.conf"),
+                         QStringLiteral("TOLVA_SEND_OPTIONS=--sendmail /usr/local/bin/tolva-smtp --per-minute 30\n")});
+    way.After = {AddressSetting()};
+    return way;
+}
+
+MailWay SendmailWay()
+{
+    MailWay way;
+    way.Name = QStringLiteral("sendmail");
+    way.Summary = QStringLiteral("sending by the mail server of this computer");
+    way.Units = {QStringLiteral("send.timer")};
+    way.Files.push_back(
+        {QStringLiteral("/etc/tolva/send.conf"), QStringLiteral("TOLVA_SEND_OPTIONS=--sendmail /usr/sbin/sendmail\n")});
+    way.After = {AddressSetting()};
+    return way;
+}
+
+/// The one that such servers usually have.
+QString PortOf(const MailSetupValues& values)
+{
+    if (!values.Port.isEmpty())
+        return values.Port;
+    switch (values.How) {
+    case MailSetupValues::Safety::StartTls:
+        return QStringLiteral("587");
+    case MailSetupValues::Safety::Tls:
+        return QStringLiteral("465");
+    case MailSetupValues::Safety::None:
+        break;
+    }
+    return QStringLiteral("25");
+}
+
 QString Filled(QString text, const MailSetupValues& values)
 {
     text.replace(QStringLiteral("@STATION@"), values.Station);
@@ -247,14 +321,16 @@ QString Filled(QString text, const MailSetupValues& values)
     text.replace(QStringLiteral("@DOMAIN@"), values.Address.section(u'@', 1));
     text.replace(QStringLiteral("@HOST@"), values.Host);
     text.replace(QStringLiteral("@LOGIN@"), values.Login);
+    text.replace(QStringLiteral("@PORT@"), PortOf(values));
     return text;
 }
 } // namespace
 
 std::vector<MailWay> MailSetup::Ways(const MailSetupValues& values)
 {
-    std::vector<MailWay> ways = {PostfixAliasWay(), PostfixTransportWay(), EximPipeWay(), EximMaildirWay(),
-                                 MbsyncWay(),       FetchmailWay(),        GammuWay()};
+    std::vector<MailWay> ways = {PostfixAliasWay(), PostfixTransportWay(), EximPipeWay(),
+                                 EximMaildirWay(),  MbsyncWay(),           FetchmailWay(),
+                                 GammuWay(),        MsmtpWay(values.How),  SendmailWay()};
     for (MailWay& way : ways) {
         for (MailSetupFile& file : way.Files)
             file.Content = Filled(file.Content, values);

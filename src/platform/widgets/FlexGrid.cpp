@@ -124,6 +124,11 @@ void FlexGrid::SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTex
     Model_->SetLateTexts(row, firstCol, std::move(texts));
 }
 
+bool FlexGrid::HasLateTexts(int row) const
+{
+    return Model_->HasLateTexts(row);
+}
+
 // ---- Showing
 
 bool FlexGrid::Redraw() const

@@ -44,6 +44,8 @@ public:
     /// Texts of the row's cells from that column on, the same one for all rows, which cost nothing until somebody asks
     /// for one of the row or sees it. Takes the place of texts that were set so before and that nobody has asked for.
     void SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts);
+    /// Whether the row has such texts that nobody has asked for yet.
+    bool HasLateTexts(int row) const;
 
     /// The current row, shown as selected whole; 0 when there is none. Setting never scrolls.
     int Row() const { return Row_; }

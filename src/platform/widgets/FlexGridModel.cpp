@@ -225,6 +225,11 @@ void FlexGridModel::SetLateTexts(int row, int firstCol, std::unique_ptr<const La
     Changed(row, firstCol, Cols_ - 1);
 }
 
+bool FlexGridModel::HasLateTexts(int row) const
+{
+    return row >= 1 && row < Rows_ && LateOfRow_[static_cast<size_t>(row)] != nullptr;
+}
+
 void FlexGridModel::SetText(int row, int col, const QString& text)
 {
     if (!IsCell(row, col))

@@ -84,6 +84,7 @@ public:
     void SetText(int row, int col, const QString& text);
     /// FlexGrid::SetLateTexts.
     void SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts);
+    bool HasLateTexts(int row) const;
     /// The default style outside the table, and for the header row.
     const CellStyle& Style(int row, int col) const;
     void SetBackColour(int row, int firstCol, int lastCol, qint32 colour);

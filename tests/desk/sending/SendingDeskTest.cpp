@@ -6,7 +6,7 @@
 
 #include "common/ClockHelper.h"
 #include "desk/window/MainWindowTest.h"
-#include "sending/OutboxCount.h"
+#include "sending/Outbox.h"
 
 #include <QFile>
 
@@ -40,12 +40,27 @@ protected:
                             "\r\nMessage-ID: <" + subject.toHex() + "@harbour.example>\r\n\r\nHello.\r\n",
                         tmcOutbox, mfSendPending | mfRead);
     }
+    /// The same, put there at this moment.
+    qint32 WaitingSinceNow(const QByteArray& subject)
+    {
+        const qint32 reference = WaitingMail(subject);
+        const cMessagePtr message = Station.Database().GetMessage(reference);
+        message->SetSent(ClockHelper::CurrentTime());
+        EXPECT_TRUE(Station.Database().SaveMessage(message));
+        return reference;
+    }
     void OpenOutbox(qint32 reference)
     {
         OpenWindow();
         List().SetCategory(tmcOutbox);
         ASSERT_TRUE(WaitUntil([this] { return !List().IsFilling() && List().NumberItems() > 0; }));
         Select(reference);
+    }
+    /// The second line of its row.
+    QString Line(qint32 reference)
+    {
+        const auto row = static_cast<int>(List().References().indexOf(reference)) + 1;
+        return Grid().TextMatrix(row, 2).section(u'\r', 1);
     }
     NoticeBar& Sending() { return Notice("sendingNotice"); }
     QPushButton& Button() { return *Sending().findChild<QPushButton*>(QStringLiteral("noticeButton")); }
@@ -161,4 +176,57 @@ TEST_F(SendingDeskTest, SendingAgainNeedsTheRight)
     Ui.ExpectWarning(QStringLiteral("You have no right to send messages here."));
     SendAgainAction().trigger();
     EXPECT_TRUE(Sending().Text().startsWith(QStringLiteral("Refused")));
+}
+
+TEST_F(SendingDeskTest, ARowOfTheOutboxSaysWhatBecameOfItsMessage)
+{
+    const qint32 refused = WaitingSinceNow("An answer to Ann");
+    OpenOutbox(refused);
+    EXPECT_TRUE(Line(refused).endsWith(QStringLiteral(" \u00B7 waiting"))) << Line(refused).toStdString();
+    Answer("cat >/dev/null; echo '550 no such mailbox' >&2; exit 67");
+    EXPECT_EQ(SendElsewhere(), 65);
+    ASSERT_TRUE(WaitUntil([&] { return Line(refused).contains(QStringLiteral("refused: 550")); }));
+    const qint32 waiting = WaitingSinceNow("An answer to Bob");
+    ASSERT_TRUE(WaitUntil([&] { return List().References().contains(waiting); }));
+    EXPECT_TRUE(Line(waiting).endsWith(QStringLiteral(" \u00B7 waiting"))) << Line(waiting).toStdString();
+    Select(refused);
+    QTest::mouseClick(&Button(), Qt::LeftButton);
+    EXPECT_TRUE(Line(refused).endsWith(QStringLiteral(" \u00B7 waiting"))) << Line(refused).toStdString();
+    EXPECT_FALSE(Line(refused).startsWith(u' ')) << "the date stays";
+}
+
+TEST_F(SendingDeskTest, ARowOfTheSentFolderSaysWhenItWentAndOthersSayNothing)
+{
+    const qint32 sent = WaitingSinceNow("An answer");
+    EXPECT_EQ(SendElsewhere(), 0);
+    const qint32 came = FileMail(Mail("A question"));
+    const qint32 put = FileMail(Mail("Put there by hand"), tmcSent, mfRead);
+    OpenWindow();
+    EXPECT_FALSE(Line(came).contains(u'\u00B7')) << Line(came).toStdString();
+    List().SetCategory(tmcSent);
+    ASSERT_TRUE(WaitUntil([this] { return !List().IsFilling() && List().NumberItems() > 1; }));
+    EXPECT_TRUE(Line(sent).contains(QStringLiteral(" \u00B7 sent "))) << Line(sent).toStdString();
+    EXPECT_FALSE(Line(put).contains(u'\u00B7')) << Line(put).toStdString();
+}
+
+TEST_F(SendingDeskTest, AWindowOfTheMessageSaysItTooAndSendsItAgain)
+{
+    const qint32 reference = WaitingMail();
+    OpenOutbox(reference);
+    MessageWindow& window = *Window->OpenInWindow(Database().ReadMessage(reference));
+    auto& notice = *window.findChild<NoticeBar*>(QStringLiteral("sendingNotice"));
+    auto& button = *notice.findChild<QPushButton*>(QStringLiteral("noticeButton"));
+    EXPECT_TRUE(notice.Text().startsWith(QStringLiteral("Waiting to be sent"))) << notice.Text().toStdString();
+    EXPECT_FALSE(button.isVisible());
+    Answer("cat >/dev/null; echo '550 no such mailbox' >&2; exit 67");
+    EXPECT_EQ(SendElsewhere(), 65);
+    ASSERT_TRUE(WaitUntil([&] { return notice.Text().contains(QStringLiteral("550 no such mailbox")); }));
+    QTest::mouseClick(&button, Qt::LeftButton);
+    EXPECT_TRUE(notice.Text().startsWith(QStringLiteral("Waiting to be sent"))) << notice.Text().toStdString();
+    Answer("cat >/dev/null");
+    EXPECT_EQ(SendElsewhere(), 0);
+    // It shows the message as it was opened, which lay in the Outbox.
+    ASSERT_TRUE(WaitUntil([&] { return notice.Text().startsWith(QStringLiteral("Sent on ")); }))
+        << notice.Text().toStdString();
+    EXPECT_FALSE(button.isVisible());
 }
