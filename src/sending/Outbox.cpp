@@ -7,7 +7,6 @@
 
 namespace
 {
-constexpr double SecondsADay = 86400;
 /// In days: clocks differ by less.
 constexpr double ClocksDiffer = 1;
 
@@ -53,6 +52,7 @@ Outbox::Outbox(dao::Recordset& rows, const QHash<qint32, SendingRecord>& records
 
 OutboxCount Outbox::Count() const
 {
+    constexpr double SecondsADay = 86400;
     const Date now = ClockHelper::NowUTC();
     OutboxCount count;
     count.All = static_cast<int>(Rows_.size());

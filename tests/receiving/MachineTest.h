@@ -13,6 +13,8 @@
 class MachineTest : public testing::Test
 {
 protected:
+    static constexpr int MillisecondsBetweenLooks = 100;
+
     /// Skips the test where there can be no such computer, or the programs are not there. tree: of the mail programs;
     /// empty for none.
     void MakeMachine(const QString& tree);

@@ -18,9 +18,8 @@
 
 namespace
 {
-constexpr int SecondsToArrive = 20;
-constexpr int MillisecondsBetweenLooks = 100;
-const QString WhoRunsIt = QStringLiteral("Who runs it");
+constexpr int SecondsToBeDelivered = 20;
+const QString Accounts = QStringLiteral("Who runs it");
 const QString ByProvider = QStringLiteral("msmtp sends by your provider");
 const QString ByThisComputer = QStringLiteral("Sending by this computer's mail server");
 
@@ -97,7 +96,7 @@ protected:
     }
     void FilesOfPage(const QString& heading) const
     {
-        for (const QString& part : {WhoRunsIt, heading})
+        for (const QString& part : {Accounts, heading})
             ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("cd /root\n") + InstructionsOf(part)));
         Must(QStringLiteral("tolva delete /srv/station 1 --permanently"));
     }
@@ -178,7 +177,7 @@ protected:
     }
     void ExpectInMailbox(const QByteArray& name, qsizetype count) const
     {
-        const QDeadlineTimer deadline(SecondsToArrive * 1000);
+        const QDeadlineTimer deadline(SecondsToBeDelivered * 1000);
         while (Mailbox(name).size() < count && !deadline.hasExpired())
             QThread::msleep(MillisecondsBetweenLooks);
         EXPECT_EQ(Mailbox(name).size(), count) << name.constData() << Log().constData();
