@@ -2,12 +2,10 @@
 #include "IndexedStation.h"
 #include "core/support/FaultyEngine.h"
 #include "platform/files/FileSystem.h"
+#include "support/FilesMayNotGrow.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace
 {
@@ -62,30 +60,6 @@ protected:
     ~FailingSearchTest() override { Station->CloseTolvaDatabase(); }
 
     FaultyEngine Engine;
-};
-
-/// No file of this process gets larger than that while it lives; what would is refused, as on a full disk.
-class FilesMayNotGrow
-{
-public:
-    explicit FilesMayNotGrow(qint64 octets) : Handler_(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &Before_);
-        rlimit limit = Before_;
-        limit.rlim_cur = static_cast<rlim_t>(octets);
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FilesMayNotGrow()
-    {
-        setrlimit(RLIMIT_FSIZE, &Before_);
-        std::signal(SIGXFSZ, Handler_);
-    }
-    FilesMayNotGrow(const FilesMayNotGrow&) = delete;
-    FilesMayNotGrow& operator=(const FilesMayNotGrow&) = delete;
-
-private:
-    rlimit Before_{};
-    void (*Handler_)(int);
 };
 } // namespace
 
