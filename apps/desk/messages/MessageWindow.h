@@ -8,6 +8,7 @@
 class DeskStation;
 class NoticeBar;
 class PreviewPane;
+class QMenu;
 
 /// One message in a window of its own. It shows what was opened, and says so when another computer deletes or moves it
 /// meanwhile. Deletes itself on closing. The station outlives it.
@@ -20,6 +21,8 @@ public:
 
     qint32 Reference() const { return Message_->Reference(); }
     PreviewPane& View() { return *View_; }
+    /// For what else can be done with the message.
+    QMenu& Menu() const { return *Menu_; }
     /// As PreviewPane has it.
     void SetShowsSentDate(bool shows);
 
@@ -41,6 +44,7 @@ private:
 
     DeskStation& Station_;
     cMessagePtr Message_;
+    QMenu* Menu_;
     NoticeBar* Notice_;
     PreviewPane* View_;
 };

@@ -12,6 +12,7 @@
 #include "messageslist/uMessagesList.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
+#include "search/SearchDesk.h"
 
 #include <QStatusBar>
 
@@ -121,6 +122,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
             [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
     connect(window, &MessageWindow::SenderContactWanted, Contacts_, &ContactDesk::ShowSender);
     connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
+    Search_->AddToMessageMenu(window->Menu(), [message] { return message; });
     KeepTextSize(window->View());
     window->show();
     window->activateWindow();
