@@ -8,11 +8,11 @@
 namespace
 {
 /// Fewer would be the end of many numbers.
-constexpr qsizetype TellingDigits = 6;
+constexpr qsizetype EndDigits = 6;
 
 QString EndOf(const QString& number)
 {
-    return PhoneDigits(number).right(TellingDigits);
+    return PhoneDigits(number).right(EndDigits);
 }
 } // namespace
 
@@ -38,7 +38,7 @@ void ContactNames::AddNumber(const QString& number, const QString& name)
     if (written.isEmpty())
         return;
     const QString end = EndOf(written);
-    if (end.size() == TellingDigits)
+    if (end.size() == EndDigits)
         Numbers_[end].append({written, name});
     else if (!Names_.contains(written.toLower()))
         Names_.insert(written.toLower(), name);

@@ -51,7 +51,7 @@ protected:
     }
 };
 
-const QString Ferry = QStringLiteral("ferry");
+const QString Sought = QStringLiteral("ferry");
 } // namespace
 
 TEST_F(SearchTroubleTest, AFullDiskIsSaidInWordsAndTheSearchHealsByItself)
@@ -64,7 +64,7 @@ TEST_F(SearchTroubleTest, AFullDiskIsSaidInWordsAndTheSearchHealsByItself)
     {
         const FilesMayNotGrow full(20'000);
         BeginSearch();
-        PressKeys(Ferry);
+        PressKeys(Sought);
         EXPECT_TRUE(WaitUntil([this] { return Problem().contains(u"the disk is full"); }, 20'000))
             << qPrintable(Problem());
         EXPECT_TRUE(Problem().contains(u"the station itself is not concerned"));
@@ -83,7 +83,7 @@ TEST_F(SearchTroubleTest, AnIndexThatThisAccountMayNotWriteIsSaidInWords)
         const WithoutRights without(Path(QStringLiteral("cache")));
         OpenWindow();
         BeginSearch();
-        PressKeys(Ferry);
+        PressKeys(Sought);
         EXPECT_TRUE(WaitUntil([this] { return Problem().contains(u"this account may not write there"); }, 20'000))
             << qPrintable(Problem());
         EXPECT_EQ(Window->List().NumberItems(), 1) << "all else works";
@@ -95,7 +95,7 @@ TEST_F(SearchTroubleTest, AnIndexThatADiskSpoiltWhileItIsSearchedIsMadeAnewWitho
 {
     FileMail(Mail("One", "ferry\r\n"));
     OpenSearch();
-    Type(Ferry);
+    Type(Sought);
     ASSERT_EQ(Rows().rowCount(), 1);
     {
         QFile file(IndexFile());
@@ -120,7 +120,7 @@ TEST_F(SearchTroubleTest, AnIndexOfTheFutureIsMadeAnewWithoutAWord)
     }
     OpenWindow();
     BeginSearch();
-    PressKeys(Ferry);
+    PressKeys(Sought);
     EXPECT_TRUE(Finds(1));
     EXPECT_TRUE(Problem().isEmpty()) << qPrintable(Problem());
     EXPECT_LT(IndexConnection(IndexFile()).Number("PRAGMA user_version"), 99) << "it is one of today";
@@ -132,7 +132,7 @@ TEST_F(SearchTroubleTest, AStationThatIsPutBackWhileItIsSearchedShowsWhatItHasNo
     OtherComputer("backup");
     FileMail(Mail("Two", "ferry xylophonist\r\n"));
     OpenSearch();
-    Type(Ferry);
+    Type(Sought);
     ASSERT_EQ(Rows().rowCount(), 2);
     Window->List().SetAutoUpdateInterval(0); // its window finds out by itself
     OtherComputer("restore", {QStringLiteral("--yes")});
@@ -148,7 +148,7 @@ TEST_F(SearchTroubleTest, AMessageThatIsErasedWhileItIsShownLeavesRowAndPane)
 {
     const qint32 reference = FileMail(Mail("One", "ferry\r\n"));
     OpenSearch();
-    Type(Ferry);
+    Type(Sought);
     auto* pane = Window_().findChild<PreviewPane*>();
     ASSERT_TRUE(WaitUntil([&] { return pane->Message() && pane->IsLoaded(); }));
     ASSERT_EQ(pane->Message()->Reference(), reference);
@@ -169,7 +169,7 @@ TEST_F(SearchTroubleTest, WhatIsInTheIndexIsFoundWhileTheRestIsReadAndTheCountSa
     bool mayGoOn = false;
     service.SetBusy([&] { return service.Percent() > 0 && !mayGoOn; });
     BeginSearch();
-    PressKeys(Ferry);
+    PressKeys(Sought);
     static const QRegularExpression words(QStringLiteral("first (\\d+) percent searched"));
     const auto percent = [this] { return words.match(Count()).captured(1).toInt(); };
     EXPECT_TRUE(WaitUntil([&] { return percent() > 0 && Rows().rowCount() > 0; }, 30'000)) << qPrintable(Count());

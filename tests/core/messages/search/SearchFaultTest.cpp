@@ -119,6 +119,19 @@ TEST_F(SearchFaultTest, OctetsThatWereFlippedNeverShowAMessageThatIsNotThere)
     }
 }
 
+TEST_F(SearchFaultTest, ARowThatADiskChangedIsSeenByWhoeverReadsIt)
+{
+    MakeIndex();
+    IndexConnection(IndexFile()).Execute("UPDATE messages SET category = 3 WHERE reference = 5");
+    SearchIndex index(IndexFile(), SearchFollowing::IdentityOf(*Station));
+    try {
+        index.Find(SearchQuestion::Of(u"ferry"_qs, SearchQuestion::Reading::Finished), {});
+        FAIL() << "nothing was seen";
+    } catch (const SearchFailure& failure) {
+        EXPECT_EQ(failure.Why(), SearchFailure::Reason::Damaged);
+    }
+}
+
 TEST_F(SearchFaultTest, AFullTableOfWordsThatADiskChangedIsSeen)
 {
     std::vector<IndexedMessage> messages(8200);
@@ -195,17 +208,23 @@ TEST_F(FailingSearchTest, WhateverTheStationFailsToTellIsFoundLater)
 TEST_F(SearchFaultTest, ALinkUnderItsNameIsReplacedAndNotFollowed)
 {
     OpenStation();
-    const QString elsewhere = Folder.filePath(u"elsewhere"_qs);
-    QFile file(elsewhere);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("precious");
-    file.close();
     ASSERT_TRUE(QDir().mkpath(QFileInfo(IndexFile()).absolutePath()));
-    ASSERT_TRUE(QFile::link(elsewhere, IndexFile()));
-    Follow();
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), "precious");
-    EXPECT_EQ(FileSystem::Current().KindOf(IndexFile()), FileKind::File);
+    // What is empty could be made a database of.
+    for (const QByteArray& content : {QByteArray("precious"), QByteArray()}) {
+        const QString elsewhere = Folder.filePath(u"elsewhere"_qs);
+        QFile file(elsewhere);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(content);
+        file.close();
+        ASSERT_TRUE(SearchIndex::Remove(IndexFile()));
+        ASSERT_TRUE(QFile::link(elsewhere, IndexFile()));
+        Index.reset();
+        Follow();
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), content);
+        EXPECT_EQ(FileSystem::Current().KindOf(IndexFile()), FileKind::File);
+        file.close();
+    }
 }
 
 TEST_F(SearchFaultTest, AFullDiskIsSaidAndWhatStoodBeforeIsFound)
