@@ -55,19 +55,22 @@ QString SpokenState(const MessageLook& look, bool isRead)
     return words.join(QStringLiteral(", "));
 }
 
-using Fitting = std::shared_ptr<const std::function<QString(const QString&)>>;
+using Fitting = std::shared_ptr<const std::function<QString(const QString& text, const QString& beside)>>;
+using PersonOf = std::shared_ptr<const std::function<QString(const QString& header)>>;
 
 /// What the texts of a message's row are made of.
 struct RowSource
 {
     QByteArray Subject; ///< As the mail holds it.
     QByteArray From;    ///< The same.
+    QByteArray To;      ///< The same, of what the station wrote.
     Date Stamp;
     qint32 Reference;
     bool HasDateLine; ///< The date stands under the subject.
     bool HasYear;     ///< The date shows its year.
     bool IsAhead;     ///< The date is still to come.
     Fitting Fit;
+    PersonOf Person; ///< Null where rows show none.
 };
 
 /// What the widths of the columns depend on.
@@ -85,10 +88,26 @@ QString DateText(const RowSource& row)
     return row.IsAhead ? uMessagesList::tr("%1, a date in the future").arg(date) : date;
 }
 
+/// The line under the subject: who wrote it, where rows show that, and the date, which is never cut.
+QString SecondLine(const RowSource& row)
+{
+    QString date = DateText(row);
+    if (!row.Person)
+        return date;
+    const QString person = row.To.isEmpty() ? (*row.Person)(cdo::DecodedHeader("From", row.From, LongestCell))
+                                            : (*row.Person)(cdo::DecodedHeader("To", row.To, LongestCell));
+    if (person.isEmpty())
+        return date;
+    if (!date.isEmpty())
+        date.prepend(QStringLiteral(" \u00B7 "));
+    // Whatever the name's letters are, the date stands behind it.
+    return QChar(0x2068) + (*row.Fit)(person.simplified(), date) + QChar(0x2069) + date;
+}
+
 QString SubjectText(const RowSource& row)
 {
-    const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed());
-    return row.HasDateLine ? subject + QLatin1Char('\r') + DateText(row) : subject;
+    const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed(), QString());
+    return row.HasDateLine ? subject + QLatin1Char('\r') + SecondLine(row) : subject;
 }
 
 QString FromText(const RowSource& row)
@@ -207,33 +226,43 @@ void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool
     const Date now = ClockHelper::CurrentTime();
     const bool saysYear = ShowsOtherYears_ && !stamp.IsNone() && stamp.Format(Year) != now.Format(Year);
     const bool isAhead = ShowsOtherYears_ && stamp.DayNumber() > now.DayNumber() + ClocksDiffer;
-    RowSource source{look.Subject,      look.From, stamp,   look.Reference,
-                     DoubleHeightRows_, saysYear,  isAhead, SubjectFitting(bold)};
+    RowSource source{look.Subject,         look.From,         look.To,  stamp,
+                     look.Reference,       DoubleHeightRows_, saysYear, isAhead,
+                     SubjectFitting(bold), PersonOf_};
     for (const int column : {colReference, colHead})
         grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     // The date that such a row keeps may not have been made yet.
     if (stamp.IsNone())
         grdList_->TextMatrix(row, colDate);
     grdList_->SetLateTexts(row, colSubject, std::make_unique<MessageTexts>(std::move(source)));
-    if (look.Subject.size() + look.From.size() > LongestKept)
+    if (look.Subject.size() + look.From.size() + look.To.size() > LongestKept)
         grdList_->TextMatrix(row, colSubject);
 }
 
-/// What cuts a subject to the width that the column has now. The rows that are never seen need not be measured.
-std::shared_ptr<const std::function<QString(const QString&)>> uMessagesList::SubjectFitting(bool bold)
+void uMessagesList::SetShowsPeople(std::function<QString(const QString& header)> personOf)
+{
+    PersonOf_ =
+        personOf ? std::make_shared<const std::function<QString(const QString&)>>(std::move(personOf)) : nullptr;
+}
+
+/// What cuts a text to the width that the column has now, less that of what stands beside it. The rows that are never
+/// seen need not be measured.
+uMessagesList::Fitter uMessagesList::SubjectFitting(bool bold)
 {
     const double width = Twips::ToPixels(*grdList_, grdList_->ColWidth(colSubject) - SubjectMargin);
-    Fitting& kept = Fittings_[bold ? 1 : 0];
+    uMessagesList::Fitting& kept = Fittings_[bold ? 1 : 0];
     if (kept.Fit && kept.Surface == picList_->font() && kept.Width == width)
         return kept.Fit;
     // A bold text is wider than the surface's own.
     QFont font = picList_->font();
     font.setBold(bold);
-    const auto fit = [metrics = QFontMetricsF(font), width](const QString& subject) {
-        return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
-                                             subject, width);
+    const auto fit = [metrics = QFontMetricsF(font), width](const QString& text, const QString& beside) {
+        const double left = beside.isEmpty() ? width : std::max(0.0, width - metrics.horizontalAdvance(beside));
+        return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); }, text,
+                                             left);
     };
-    kept = {picList_->font(), width, std::make_shared<const std::function<QString(const QString&)>>(fit)};
+    kept = {picList_->font(), width,
+            std::make_shared<const std::function<QString(const QString&, const QString&)>>(fit)};
     return kept.Fit;
 }
 

@@ -96,6 +96,10 @@ public:
     /// Off at first: dates show no year. On: those of another year than this one do, and those that are still to come
     /// say so.
     void SetShowsOtherYears(bool on) { ShowsOtherYears_ = on; }
+    /// Off at first: rows of two lines show no sender. On: the second line begins with whom personOf makes of the From
+    /// header, or of the To header in the folders of what the station writes; both decoded. It is called while rows are
+    /// painted and answers from memory; an empty function switches it off. Counts from the next fill.
+    void SetShowsPeople(std::function<QString(const QString& header)> personOf);
     /// Shows only what arrived at that moment (universal time) or after it; none, which it is at first, shows all.
     Date ArrivedSince() const { return ArrivedSince_; }
     void SetArrivedSince(Date moment);
@@ -141,6 +145,8 @@ Q_SIGNALS:
     /// The user pointed at the selected message, by mouse, keys or an assistive tool, be it the one that was selected
     /// before: it is not only on show because a folder was opened. After MessageSelected.
     void MessageChosen(qint32 Reference);
+    /// Rows that somebody else stored came between those on show; not by a fill. After they are drawn.
+    void MessagesCame(const QList<qint32>& References);
     /// Where SelectsByReference: the selected message is not among the rows any more, by somebody else's doing, and
     /// none is selected instead. In place of MessageSelected.
     void MessageLeft(qint32 Reference);
@@ -162,12 +168,13 @@ private:
         friend bool operator==(const Query&, const Query&) = default;
     };
 
+    using Fitter = std::shared_ptr<const std::function<QString(const QString& text, const QString& beside)>>;
     /// What cuts subjects to a width, and for which surface.
     struct Fitting
     {
         QFont Surface;
         double Width = 0;
-        std::shared_ptr<const std::function<QString(const QString&)>> Fit;
+        Fitter Fit;
     };
 
     // Making and wiring; uMessagesList.cpp.
@@ -209,7 +216,7 @@ private:
     void DrawMessageRow(int row, const cMessagePtr& message);
     void DrawMessageRow(int row, const MessageLook& look);
     void DrawTexts(int row, const MessageLook& look, Date stamp, bool bold);
-    std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
+    Fitter SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     void TakeSelection() override;
     void TakeChoice() override;
@@ -283,6 +290,7 @@ private:
 
     Query ShownQuery_; ///< Of the rows on show.
     int ShownOpening_ = 0;
+    QList<qint32> Came_;       ///< Not told yet.
     quint64 ShownFolders_ = 0; ///< Signature of the tree.
     QHash<qint32, int> UnreadCounts_;
     QPointF TreeDragStart_;
@@ -298,7 +306,8 @@ private:
     QStringList PromisedFiles_; ///< Written for drags; removed with the control.
 
     QIcon HeadPicture_;
-    Fitting Fittings_[2]; ///< For plain and for bold rows.
+    std::shared_ptr<const std::function<QString(const QString& header)>> PersonOf_; ///< Null while rows show nobody.
+    Fitting Fittings_[2];                                                           ///< For plain and for bold rows.
 
     QMenu* mnuPopupMessage_;
     QMenu* mnuPopupCategory_;
