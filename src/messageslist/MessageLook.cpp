@@ -3,6 +3,7 @@
 
 #include "database/RowValues.h"
 #include "database/cTolvaDatabase.h"
+#include "messages/OwnFolders.h"
 #include "platform/mail/RawHeaders.h"
 #include "platform/records/Recordset.h"
 
@@ -17,16 +18,19 @@ namespace
 constexpr qsizetype FirstBeginning = 1024;
 constexpr qsizetype LongestBeginning = 32 * 1024;
 
-const QList<QByteArray>& HeaderNames()
+/// Of a message in that folder.
+const QList<QByteArray>& HeaderNames(qint32 folder)
 {
     static const QList<QByteArray> names = {"Subject", "From"};
-    return names;
+    static const QList<QByteArray> ownNames = names + QList<QByteArray>{"To"};
+    return IsOwnFolder(folder) ? ownNames : names;
 }
 
 void TakeHeader(MessageLook& look, const QList<QByteArray>& values)
 {
     look.Subject = values.at(0);
     look.From = values.at(1);
+    look.To = values.value(2);
 }
 } // namespace
 
@@ -47,7 +51,8 @@ MessageLook StateOf(const cMessage& message)
 MessageLook LookOf(const cMessage& message)
 {
     MessageLook look = StateOf(message);
-    TakeHeader(look, cdo::RawHeaders(message.CDOMessage()->Octets(), HeaderNames(), LongestCell));
+    const QList<QByteArray>& names = HeaderNames(message.Category());
+    TakeHeader(look, cdo::RawHeaders(message.CDOMessage()->Octets(), names, LongestCell));
     return look;
 }
 
@@ -62,6 +67,7 @@ MessageLooks::MessageLooks(cTolvaDatabase& database, dao::Recordset& rows)
       HasHighlightWords_(rows[QStringLiteral("HasHighlightWords")]),
       Sent_(rows[QStringLiteral("Sent")]),
       Received_(rows[QStringLiteral("Received")]),
+      Category_(rows[QStringLiteral("Category")]),
       Message_(rows[QStringLiteral("Message")]),
       BeginningOctets_(FirstBeginning)
 {
@@ -96,7 +102,8 @@ bool MessageLooks::ReadHeader(MessageLook& look)
             throw;
         return false;
     }
-    const auto values = cdo::RawHeadersOfBeginning(beginning.Utf8, beginning.IsWhole, HeaderNames(), LongestCell);
+    const QList<QByteArray>& names = HeaderNames(NumberOr(Category_.Value(), tmcInbox));
+    const auto values = cdo::RawHeadersOfBeginning(beginning.Utf8, beginning.IsWhole, names, LongestCell);
     if (!values) {
         BeginningOctets_ = std::min(BeginningOctets_ * 2, LongestBeginning);
         return false;

@@ -30,6 +30,7 @@ struct MessageLook
     Date Received;
     QByteArray Subject; ///< The header fields as they stand in the mail.
     QByteArray From;
+    QByteArray To; ///< Of what the station wrote; empty for all else.
 };
 
 /// Characters of a header that are decoded and measured; more than any row is wide.
@@ -62,6 +63,7 @@ private:
     const dao::Field& HasHighlightWords_;
     const dao::Field& Sent_;
     const dao::Field& Received_;
+    const dao::Field& Category_;
     const dao::Field& Message_;
     qsizetype BeginningOctets_;
 };

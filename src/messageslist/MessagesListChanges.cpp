@@ -99,8 +99,13 @@ bool uMessagesList::DrawChanges(const Query& query, RowsRead& read)
     grdList_->SetRedraw(false);
     const auto redraw = qScopeGuard([this] { grdList_->SetRedraw(true); });
     ShownRows_ = std::move(now);
-    if (changes.AreArranged)
+    if (changes.AreArranged) {
         Arrange(changes.Sources, read);
+        for (std::size_t i = 0; i < changes.Sources.size(); ++i) {
+            if (changes.Sources[i] < 0)
+                Came_.append(ShownRows_[i].Reference);
+        }
+    }
     for (const int place : changes.Differing)
         DrawMessageRow(place + 1, messages.value(ShownRows_[static_cast<std::size_t>(place)].Reference));
     ShowRowsOrNone(read);

@@ -43,9 +43,14 @@ void uMessagesList::ReadRows(Reading reading, RowsRead& read)
 
 void uMessagesList::TellDisplay(const RowsRead& read)
 {
+    const QList<qint32> came = std::exchange(Came_, {});
     if (read.Failures.IsUnanswered())
         throw dao::Error(read.Failures.Error());
-    Q_EMIT DisplayUpdated();
+    const QPointer<uMessagesList> self(this);
+    if (!came.isEmpty())
+        Q_EMIT MessagesCame(came);
+    if (self)
+        Q_EMIT DisplayUpdated();
 }
 
 /// The picture of the bin stands at the folder of sent messages, and tells whether that one holds any: one is enough.

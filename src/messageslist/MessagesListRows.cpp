@@ -55,7 +55,8 @@ QString SpokenState(const MessageLook& look, bool isRead)
     return words.join(QStringLiteral(", "));
 }
 
-using Fitting = std::shared_ptr<const std::function<QString(const QString&)>>;
+using Fitting = std::shared_ptr<const std::function<QString(const QString& text, const QString& beside)>>;
+using PersonOf = std::shared_ptr<const std::function<QString(const QString& header)>>;
 using Notes = std::shared_ptr<const std::function<QString(qint32)>>;
 
 /// What the texts of a message's row are made of.
@@ -63,13 +64,15 @@ struct RowSource
 {
     QByteArray Subject; ///< As the mail holds it.
     QByteArray From;    ///< The same.
+    QByteArray To;      ///< The same, of what the station wrote.
     Date Stamp;
     qint32 Reference;
     bool HasDateLine; ///< The date stands under the subject.
     bool HasYear;     ///< The date shows its year.
     bool IsAhead;     ///< The date is still to come.
     Fitting Fit;
-    Notes Note; ///< Null for none.
+    PersonOf Person; ///< Null where rows show none.
+    Notes Note;      ///< Null for none.
 };
 
 /// What the widths of the columns depend on.
@@ -87,19 +90,29 @@ QString DateText(const RowSource& row)
     return row.IsAhead ? uMessagesList::tr("%1, a date in the future").arg(date) : date;
 }
 
-/// The date, and behind it what the host notes.
+/// The line under the subject: who wrote it, where rows show that, and the date, which is never cut, with what the host
+/// notes behind it.
 QString SecondLine(const RowSource& row)
 {
-    const QString date = DateText(row);
+    QString rest = DateText(row);
     const QString note = row.Note ? (*row.Note)(row.Reference) : QString();
-    if (note.isEmpty())
-        return date;
-    return (*row.Fit)(date.isEmpty() ? note : uMessagesList::tr("%1 \u00B7 %2").arg(date, note));
+    if (!note.isEmpty())
+        rest = (*row.Fit)(rest.isEmpty() ? note : uMessagesList::tr("%1 \u00B7 %2").arg(rest, note), QString());
+    if (!row.Person)
+        return rest;
+    const QString person = row.To.isEmpty() ? (*row.Person)(cdo::DecodedHeader("From", row.From, LongestCell))
+                                            : (*row.Person)(cdo::DecodedHeader("To", row.To, LongestCell));
+    if (person.isEmpty())
+        return rest;
+    if (!rest.isEmpty())
+        rest.prepend(QStringLiteral(" \u00B7 "));
+    // Whatever the name's letters are, the date stands behind it.
+    return QChar(0x2068) + (*row.Fit)(person.simplified(), rest) + QChar(0x2069) + rest;
 }
 
 QString SubjectText(const RowSource& row)
 {
-    const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed());
+    const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed(), QString());
     return row.HasDateLine ? subject + QLatin1Char('\r') + SecondLine(row) : subject;
 }
 
@@ -219,25 +232,26 @@ void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool
     const Date now = ClockHelper::CurrentTime();
     const bool saysYear = ShowsOtherYears_ && !stamp.IsNone() && stamp.Format(Year) != now.Format(Year);
     const bool isAhead = ShowsOtherYears_ && stamp.DayNumber() > now.DayNumber() + ClocksDiffer;
-    RowSource source{look.Subject,         look.From, stamp, look.Reference, DoubleHeightRows_, saysYear, isAhead,
-                     SubjectFitting(bold), Notes_};
+    RowSource source{look.Subject,         look.From,         look.To,   stamp,
+                     look.Reference,       DoubleHeightRows_, saysYear,  isAhead,
+                     SubjectFitting(bold), PersonOf_,         DateNotes_};
     for (const int column : {colReference, colHead})
         grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     // The date that such a row keeps may not have been made yet.
     if (stamp.IsNone())
         grdList_->TextMatrix(row, colDate);
     grdList_->SetLateTexts(row, colSubject, std::make_unique<MessageTexts>(std::move(source)));
-    if (look.Subject.size() + look.From.size() > LongestKept)
+    if (look.Subject.size() + look.From.size() + look.To.size() > LongestKept)
         grdList_->TextMatrix(row, colSubject);
 }
 
-void uMessagesList::SetRowNotes(std::function<QString(qint32)> notes)
+void uMessagesList::SetDateNotes(std::function<QString(qint32)> notes)
 {
-    Notes_ = notes ? std::make_shared<const std::function<QString(qint32)>>(std::move(notes)) : nullptr;
+    DateNotes_ = notes ? std::make_shared<const std::function<QString(qint32)>>(std::move(notes)) : nullptr;
 }
 
 /// What a row that was seen shows is made anew of its message, like that of one that another computer changed.
-void uMessagesList::RedrawNotes(const QList<qint32>& references)
+void uMessagesList::RedrawDateNotes(const QList<qint32>& references)
 {
     if (!DoubleHeightRows_ || !clsTolvaDatabase_)
         return;
@@ -250,21 +264,30 @@ void uMessagesList::RedrawNotes(const QList<qint32>& references)
     }
 }
 
-/// What cuts a subject to the width that the column has now. The rows that are never seen need not be measured.
-std::shared_ptr<const std::function<QString(const QString&)>> uMessagesList::SubjectFitting(bool bold)
+void uMessagesList::SetShowsPeople(std::function<QString(const QString& header)> personOf)
+{
+    PersonOf_ =
+        personOf ? std::make_shared<const std::function<QString(const QString&)>>(std::move(personOf)) : nullptr;
+}
+
+/// What cuts a text to the width that the column has now, less that of what stands beside it. The rows that are never
+/// seen need not be measured.
+uMessagesList::Fitter uMessagesList::SubjectFitting(bool bold)
 {
     const double width = Twips::ToPixels(*grdList_, grdList_->ColWidth(colSubject) - SubjectMargin);
-    Fitting& kept = Fittings_[bold ? 1 : 0];
+    uMessagesList::Fitting& kept = Fittings_[bold ? 1 : 0];
     if (kept.Fit && kept.Surface == picList_->font() && kept.Width == width)
         return kept.Fit;
     // A bold text is wider than the surface's own.
     QFont font = picList_->font();
     font.setBold(bold);
-    const auto fit = [metrics = QFontMetricsF(font), width](const QString& subject) {
-        return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); },
-                                             subject, width);
+    const auto fit = [metrics = QFontMetricsF(font), width](const QString& text, const QString& beside) {
+        const double left = beside.isEmpty() ? width : std::max(0.0, width - metrics.horizontalAdvance(beside));
+        return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); }, text,
+                                             left);
     };
-    kept = {picList_->font(), width, std::make_shared<const std::function<QString(const QString&)>>(fit)};
+    kept = {picList_->font(), width,
+            std::make_shared<const std::function<QString(const QString&, const QString&)>>(fit)};
     return kept.Fit;
 }
 

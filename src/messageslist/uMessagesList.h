@@ -99,9 +99,13 @@ public:
     void SetShowsOtherYears(bool on) { ShowsOtherYears_ = on; }
     /// What a host knows of a message besides, in a few words: rows of two lines show it behind the date. Asked for
     /// when such a row is seen; empty for nothing. None at first.
-    void SetRowNotes(std::function<QString(qint32 reference)> notes);
+    void SetDateNotes(std::function<QString(qint32 reference)> notes);
     /// The notes of these are others now; those of rows that nobody has seen are asked for later anyway.
-    void RedrawNotes(const QList<qint32>& references);
+    void RedrawDateNotes(const QList<qint32>& references);
+    /// Off at first: rows of two lines show no sender. On: the second line begins with whom personOf makes of the From
+    /// header, or of the To header in the folders of what the station writes; both decoded. It is called while rows are
+    /// painted and answers from memory; an empty function switches it off. Counts from the next fill.
+    void SetShowsPeople(std::function<QString(const QString& header)> personOf);
     /// Shows only what arrived at that moment (universal time) or after it; none, which it is at first, shows all.
     Date ArrivedSince() const { return ArrivedSince_; }
     void SetArrivedSince(Date moment);
@@ -147,6 +151,8 @@ Q_SIGNALS:
     /// The user pointed at the selected message, by mouse, keys or an assistive tool, be it the one that was selected
     /// before: it is not only on show because a folder was opened. After MessageSelected.
     void MessageChosen(qint32 Reference);
+    /// Rows that somebody else stored came between those on show; not by a fill. After they are drawn.
+    void MessagesCame(const QList<qint32>& References);
     /// Where SelectsByReference: the selected message is not among the rows any more, by somebody else's doing, and
     /// none is selected instead. In place of MessageSelected.
     void MessageLeft(qint32 Reference);
@@ -168,12 +174,13 @@ private:
         friend bool operator==(const Query&, const Query&) = default;
     };
 
+    using Fitter = std::shared_ptr<const std::function<QString(const QString& text, const QString& beside)>>;
     /// What cuts subjects to a width, and for which surface.
     struct Fitting
     {
         QFont Surface;
         double Width = 0;
-        std::shared_ptr<const std::function<QString(const QString&)>> Fit;
+        Fitter Fit;
     };
 
     // Making and wiring; uMessagesList.cpp.
@@ -215,7 +222,7 @@ private:
     void DrawMessageRow(int row, const cMessagePtr& message);
     void DrawMessageRow(int row, const MessageLook& look);
     void DrawTexts(int row, const MessageLook& look, Date stamp, bool bold);
-    std::shared_ptr<const std::function<QString(const QString&)>> SubjectFitting(bool bold);
+    Fitter SubjectFitting(bool bold);
     void UpdateRowBold(const cMessagePtr& message);
     void TakeSelection() override;
     void TakeChoice() override;
@@ -289,6 +296,7 @@ private:
 
     Query ShownQuery_; ///< Of the rows on show.
     int ShownOpening_ = 0;
+    QList<qint32> Came_;       ///< Not told yet.
     quint64 ShownFolders_ = 0; ///< Signature of the tree.
     QHash<qint32, int> UnreadCounts_;
     QPointF TreeDragStart_;
@@ -304,8 +312,9 @@ private:
     QStringList PromisedFiles_; ///< Written for drags; removed with the control.
 
     QIcon HeadPicture_;
-    Fitting Fittings_[2]; ///< For plain and for bold rows.
-    std::shared_ptr<const std::function<QString(qint32)>> Notes_;
+    Fitting Fittings_[2];                                                           ///< For plain and for bold rows.
+    std::shared_ptr<const std::function<QString(const QString& header)>> PersonOf_; ///< Null while rows show nobody.
+    std::shared_ptr<const std::function<QString(qint32)>> DateNotes_;               ///< Null for none.
 
     QMenu* mnuPopupMessage_;
     QMenu* mnuPopupCategory_;

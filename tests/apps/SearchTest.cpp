@@ -9,7 +9,9 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 
+#include <array>
 #include <csignal>
 
 namespace
@@ -78,6 +80,69 @@ TEST_F(SearchTest, WhatOneProgramReadTheNextOneDoesNotReadAgain)
     FileMail(Mail("Hello", "ferry\r\n"));
     index();
     EXPECT_EQ(changes(), before + 1) << "the new one alone";
+}
+
+TEST_F(SearchTest, ProgramsThatMakeOneIndexAtOnceMakeItWhole)
+{
+    constexpr int Mails = 700;
+    constexpr int Programs = 3;
+    QByteArray mbox;
+    for (int i = 0; i < Mails; ++i)
+        mbox += "From a@example.org Fri Nov 20 08:00:00 2026\n" + Mail("Hello", "ferry\n") + '\n';
+    Expect("file", {Write(QStringLiteral("mbox"), mbox)});
+    std::array<QProcess, Programs> programs;
+    for (QProcess& program : programs) {
+        Prepare(program, {QStringLiteral("index"), Station()});
+        program.start();
+    }
+    for (QProcess& program : programs) {
+        ASSERT_TRUE(program.waitForFinished(120'000));
+        EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().constData();
+        EXPECT_EQ(program.readAllStandardOutput(), "700 of 700 messages are in the index\n");
+    }
+    EXPECT_EQ(Cache().entryList({QStringLiteral("*.index")}, QDir::Files).size(), 1);
+    const QList<int> found = Found({QStringLiteral("ferry"), QStringLiteral("--limit"), QStringLiteral("1000")});
+    EXPECT_EQ(found.size(), Mails);
+    EXPECT_EQ(QSet<int>(found.begin(), found.end()).size(), Mails) << "nobody twice";
+}
+
+TEST_F(SearchTest, BuildingThatIsEndedByCtrlCSaysSoAndTheNextRunDoesTheRest)
+{
+    constexpr int Mails = 3000;
+    QByteArray mbox;
+    for (int i = 0; i < Mails; ++i)
+        mbox +=
+            "From a@example.org Fri Nov 20 08:00:00 2026\n" + Mail("Hello", QByteArray("ferry\n").repeated(500)) + '\n';
+    Expect("file", {Write(QStringLiteral("mbox"), mbox)});
+    QProcess program;
+    Prepare(program, {QStringLiteral("index"), Station()});
+    program.start();
+    const auto hasBegun = [this] { return !Cache().entryList({QStringLiteral("*-wal")}, QDir::Files).isEmpty(); };
+    while (!hasBegun() && program.state() != QProcess::NotRunning)
+        program.waitForFinished(5);
+    ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), SIGINT), 0);
+    ASSERT_TRUE(program.waitForFinished());
+    EXPECT_EQ(program.exitCode(), 130);
+    EXPECT_TRUE(program.readAllStandardError().contains("Ended early by Ctrl-C; the next run does the rest."));
+    const int before = program.readAllStandardOutput().split(' ').first().toInt();
+    EXPECT_LT(before, Mails);
+    EXPECT_EQ(Expect("index"), "3000 of 3000 messages are in the index\n");
+}
+
+TEST_F(SearchTest, TheStationIsLeftAsItIs)
+{
+    FileMail(Mail("Hello", "ferry\r\n"));
+    const QDir folder(Station());
+    const auto content = [&] {
+        QByteArray all;
+        for (const QFileInfo& file : folder.entryInfoList(QDir::Files | QDir::Hidden, QDir::Name))
+            all += file.fileName().toUtf8() + '\n' + Read(file.absoluteFilePath());
+        return all;
+    };
+    const QByteArray before = content();
+    Expect("index");
+    EXPECT_EQ(Found({QStringLiteral("ferry")}).size(), 1);
+    EXPECT_TRUE(content() == before) << "the index stands beside it, and nothing of it within";
 }
 
 TEST_F(SearchTest, TheLimitIsSaidAndMustBeANumber)

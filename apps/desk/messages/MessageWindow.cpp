@@ -28,6 +28,7 @@ MessageWindow::MessageWindow(DeskStation& station, SearchService& search, const 
     : QMainWindow(parent, Qt::Window),
       Station_(station),
       Message_(message),
+      Menu_(menuBar()->addMenu(tr("&Message"))),
       Notice_(new NoticeBar(QStringLiteral("warning"), QString(), this)),
       Sending_(new SendingNotice(station, *this)),
       View_(new PreviewPane(this))
@@ -70,7 +71,6 @@ void MessageWindow::SetShowsSentDate(bool shows)
 
 void MessageWindow::MakeActions()
 {
-    auto* menu = menuBar()->addMenu(tr("&Message"));
     auto* bar = addToolBar(tr("Message"));
     bar->setMovable(false);
     bar->setIconSize(QSize(16, 16));
@@ -79,21 +79,21 @@ void MessageWindow::MakeActions()
         auto* action = new QAction(Icons::Get(icon), text, this);
         action->setObjectName(QString::fromLatin1(name));
         action->setShortcut(key);
-        menu->addAction(action);
+        Menu_->addAction(action);
         return action;
     };
     QAction* reply = add("reply", QStringLiteral("reply"), tr("&Reply"), QKeySequence(Qt::CTRL | Qt::Key_R));
     QAction* all = add("replyAll", QStringLiteral("replyall"), tr("Reply to &all"),
                        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
     QAction* forward = add("forward", QStringLiteral("forward"), tr("&Forward"), QKeySequence(Qt::CTRL | Qt::Key_L));
-    menu->addSeparator();
+    Menu_->addSeparator();
     QAction* award = add("awardToSender", QString(), tr("A&ward a prize to the sender..."),
                          QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
     QAction* print = add("printMessage", QStringLiteral("print"), tr("&Print..."), QKeySequence(Qt::CTRL | Qt::Key_P));
     QAction* contact =
         add("senderContact", QString(), tr("Sender's c&ontact..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
-    menu->addAction(Sending_->Action());
-    menu->addSeparator();
+    Menu_->addAction(Sending_->Action());
+    Menu_->addSeparator();
     QAction* close = add("closeMessage", QString(), tr("&Close"), QKeySequence(Qt::CTRL | Qt::Key_W));
     close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)});
     bar->addActions({reply, all, forward});

@@ -8,6 +8,7 @@
 class DeskStation;
 class NoticeBar;
 class PreviewPane;
+class QMenu;
 class SearchService;
 class SendingNotice;
 
@@ -23,6 +24,8 @@ public:
 
     qint32 Reference() const { return Message_->Reference(); }
     PreviewPane& View() { return *View_; }
+    /// For what else can be done with the message.
+    QMenu& Menu() const { return *Menu_; }
     /// As PreviewPane has it.
     void SetShowsSentDate(bool shows);
 
@@ -48,6 +51,7 @@ private:
 
     DeskStation& Station_;
     cMessagePtr Message_;
+    QMenu* Menu_;
     NoticeBar* Notice_;
     SendingNotice* Sending_;
     PreviewPane* View_;

@@ -6,6 +6,7 @@
 #include "contacts/ContactChooser.h"
 #include "contacts/ContactDialog.h"
 #include "contacts/SenderContact.h"
+#include "messages/OwnFolders.h"
 #include "prizes/PrizeAwards.h"
 #include "prizes/PrizeChooser.h"
 #include "station/DeskStation.h"
@@ -22,12 +23,6 @@ QString OnButton(const QString& name)
 {
     QString text = name.size() > LongestNameOnButton ? name.left(LongestNameOnButton) + u'\u2026' : name;
     return text.replace(u'&', QStringLiteral("&&"));
-}
-
-bool IsOfStation(const cMessage& message)
-{
-    const auto category = message.Category();
-    return category == tmcSent || category == tmcOutbox || category == tmcDrafts;
 }
 } // namespace
 
@@ -154,7 +149,7 @@ void AwardFlow::AwardToSender(const cMessagePtr& message, QWidget* parent)
     Run([&] {
         if (!message)
             return;
-        if (IsOfStation(*message)) {
+        if (IsOwnFolder(message->Category())) {
             Words::Warn(tr("The station wrote this message itself. Choose a message of a listener."));
             return;
         }

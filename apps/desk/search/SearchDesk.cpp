@@ -4,6 +4,7 @@
 #include "DisplayText.h"
 #include "SearchService.h"
 #include "SearchWindow.h"
+#include "messages/OwnFolders.h"
 #include "messages/search/SearchText.h"
 #include "platform/mail/MessageReader.h"
 #include "platform/widgets/Icons.h"
@@ -95,7 +96,9 @@ void SearchDesk::ShowRelated(const cMessagePtr& message, Relation relation)
         break;
     case Relation::Conversation:
         // Texts refer to none before them: what was written to and from the number is one.
-        terms = message->MessageType() == emtSMS ? QList<QByteArray>{kinship.Sender} : kinship.Mails;
+        terms = message->MessageType() == emtSMS
+                    ? QList<QByteArray>{IsOwnFolder(message->Category()) ? kinship.Recipient : kinship.Sender}
+                    : kinship.Mails;
         words = tr("Only the conversation of \"%1\".").arg(subject);
         break;
     case Relation::Subject:

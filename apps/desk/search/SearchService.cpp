@@ -180,8 +180,8 @@ int SearchService::Percent() const
 /// The station was opened anew: it may be another state, and has another index then.
 void SearchService::Restart()
 {
-    const QString file = SearchPlace::FileFor(Station_.Database());
     const QByteArray identity = SearchFollowing::IdentityOf(Station_.Database());
+    const QString file = SearchPlace::FileOf(identity);
     const QByteArray place = SearchPlace::PlaceOf(Station_.Database());
     ++Round_;
     Opening_ = Station_.Database().Openings();

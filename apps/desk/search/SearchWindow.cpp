@@ -26,6 +26,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMenuBar>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStatusBar>
@@ -41,6 +42,23 @@ constexpr int MostSaved = 30;
 constexpr int FromWidth = 150;
 constexpr int FolderWidth = 110;
 constexpr qsizetype LeastToComplete = 2;
+
+/// Times that results are narrowed by.
+struct Span
+{
+    const char* Words;
+    int Days;
+};
+constexpr Span Spans[] = {{QT_TRANSLATE_NOOP("SearchWindow", "Last 24 hours"), 1},
+                          {QT_TRANSLATE_NOOP("SearchWindow", "Last 7 days"), 7},
+                          {QT_TRANSLATE_NOOP("SearchWindow", "Last 30 days"), 30},
+                          {QT_TRANSLATE_NOOP("SearchWindow", "Last year"), 365}};
+
+qint64 BeginOf(int days)
+{
+    constexpr qint64 SecondsOfDay = 24 * 60 * 60;
+    return ClockHelper::NowUTC().ToDateTime(Qt::UTC).toSecsSinceEpoch() - days * SecondsOfDay;
+}
 
 QString Counted(const QString& name, qint64 count)
 {
@@ -121,6 +139,7 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     restoreGeometry(Settings_.State(SearchGeometry));
 
     Preview_->SetShowsSentDate(true); // as the rows do
+    Preview_->SetReportsOnlyChosen(true);
     TypingTimer_.setSingleShot(true);
     TypingTimer_.setInterval(TypingMilliseconds);
     Preview_->SetDamageAdvice([this](qint32 reference) {
@@ -130,15 +149,20 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     connect(&Preview_->Attachments(), &AttachmentList::Saved, this,
             [this](const QString& words) { statusBar()->showMessage(words); });
     connect(&TypingTimer_, &QTimer::timeout, this, &SearchWindow::Ask);
-    connect(Field_, &QLineEdit::textChanged, this, [this] { TypingTimer_.start(); });
+    connect(Field_, &QLineEdit::textChanged, this, [this] {
+        IsNewQuestion_ = true;
+        OpensFirst_ = false;
+        TypingTimer_.start();
+    });
     connect(Field_, &QLineEdit::textEdited, this, &SearchWindow::Complete);
     connect(Field_, &QLineEdit::returnPressed, this, [this] {
         const QAbstractItemView* offers = Field_->completer()->popup();
         // The key takes what is offered, and opens nothing.
         if (!offers->isVisible() || !offers->currentIndex().isValid())
-            OpenSelected();
+            OpenFound();
     });
     connect(List_, &QTreeView::activated, this, &SearchWindow::OpenSelected);
+    connect(List_, &QTreeView::clicked, this, &SearchWindow::Choose);
     connect(List_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &SearchWindow::TakeSelection);
     connect(Related_, &NoticeBar::ButtonClicked, this, [this] { SearchRelated({}, QString()); });
     connect(&Service_, &SearchService::Found, this, &SearchWindow::TakeResult);
@@ -161,7 +185,10 @@ QWidget* SearchWindow::MakeFilters()
         box->setObjectName(QLatin1String(name));
         box->setAccessibleName(words);
         box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-        connect(box, &QComboBox::currentIndexChanged, this, &SearchWindow::Ask);
+        connect(box, &QComboBox::currentIndexChanged, this, [this] {
+            IsNewQuestion_ = true;
+            Ask();
+        });
         layout->addWidget(box);
         return box;
     };
@@ -171,11 +198,7 @@ QWidget* SearchWindow::MakeFilters()
     Order_ = add("searchOrder", tr("Order"));
     FillFolders({});
     FillKinds({});
-    Refill(*Time_, {{tr("Any time"), QVariant()},
-                    {tr("Last 24 hours"), 1},
-                    {tr("Last 7 days"), 7},
-                    {tr("Last 30 days"), 30},
-                    {tr("Last year"), 365}});
+    FillTimes({});
     Refill(*Order_, {{tr("Newest first"), static_cast<int>(SearchOrder::NewestFirst)},
                      {tr("Best first"), static_cast<int>(SearchOrder::BestFirst)}});
     layout->addStretch(1);
@@ -242,6 +265,11 @@ QString SearchWindow::Typed() const
     return Field_->text().trimmed();
 }
 
+qint32 SearchWindow::SelectedReference() const
+{
+    return Model_->ReferenceAt(List_->currentIndex().row());
+}
+
 void SearchWindow::Begin()
 {
     Service_.Start();
@@ -267,6 +295,7 @@ void SearchWindow::Search(const QString& typed)
 void SearchWindow::SearchRelated(const QList<QByteArray>& terms, const QString& words)
 {
     RelatedTerms_ = terms;
+    IsNewQuestion_ = true;
     Related_->Show(words);
     Begin();
     Field_->clear();
@@ -275,7 +304,6 @@ void SearchWindow::SearchRelated(const QList<QByteArray>& terms, const QString& 
 
 SearchOptions SearchWindow::OptionsOf(const SearchQuestion& question) const
 {
-    constexpr qint64 SecondsOfDay = 24 * 60 * 60;
     SearchOptions options;
     options.Most = MostRows;
     options.Order = static_cast<SearchOrder>(Order_->currentData().toInt());
@@ -284,10 +312,10 @@ SearchOptions SearchWindow::OptionsOf(const SearchQuestion& question) const
         options.OnlyFolder = Folder_->currentData().toInt();
     if (Kind_->currentData().isValid())
         options.OnlyKind = static_cast<SearchKind>(Kind_->currentData().toInt());
-    if (Time_->currentData().isValid()) {
-        options.OnlySince =
-            ClockHelper::NowUTC().ToDateTime(Qt::UTC).toSecsSinceEpoch() - Time_->currentData().toInt() * SecondsOfDay;
-    }
+    if (Time_->currentData().isValid())
+        options.OnlySince = BeginOf(Time_->currentData().toInt());
+    for (const Span& span : Spans)
+        options.Since.push_back(BeginOf(span.Days));
     return options;
 }
 
@@ -312,7 +340,8 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
         return;
     IsWaiting_ = false;
     Result_ = result;
-    const qint32 selected = Model_->ReferenceAt(List_->currentIndex().row());
+    // What is another question has another first hit.
+    const qint32 selected = std::exchange(IsNewQuestion_, false) ? 0 : SelectedReference();
     QList<SearchRow> rows;
     try {
         rows = ReadSearchRows(Station_.Database(), result.Hits);
@@ -329,9 +358,11 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
         return places;
     });
     const int scrolled = List_->verticalScrollBar()->value();
+    const QScopedValueRollback<bool> filling(IsFilling_, true);
     Model_->SetRows(rows, FolderPaths(Station_.Database().MessageCategories()));
     FillFolders(result);
     FillKinds(result);
+    FillTimes(result);
     const int row = Model_->RowOf(selected);
     List_->setCurrentIndex(Model_->index(std::max(0, row), 0));
     if (row > 0)
@@ -339,6 +370,8 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
     if (Model_->rowCount() == 0)
         TakeSelection();
     ShowState();
+    if (std::exchange(OpensFirst_, false))
+        OpenSelected();
 }
 
 void SearchWindow::FillFolders(const SearchResult& result)
@@ -372,6 +405,16 @@ void SearchWindow::FillKinds(const SearchResult& result)
                     entry(tr("With attachments"), SearchKind::WithFiles)});
 }
 
+void SearchWindow::FillTimes(const SearchResult& result)
+{
+    QList<std::pair<QString, QVariant>> entries{{tr("Any time"), QVariant()}};
+    for (std::size_t i = 0; i < std::size(Spans); ++i) {
+        const qint64 count = i < result.Since.size() ? result.Since[i] : 0;
+        entries.append({Counted(tr(Spans[i].Words), count), Spans[i].Days});
+    }
+    Refill(*Time_, entries);
+}
+
 void SearchWindow::ShowState()
 {
     QStringList words;
@@ -396,20 +439,42 @@ void SearchWindow::ShowState()
 
 void SearchWindow::TakeSelection()
 {
-    const qint32 reference = Model_->ReferenceAt(List_->currentIndex().row());
+    const qint32 reference = SelectedReference();
     if (Preview_->Message() && reference == Preview_->Message()->Reference())
         return;
     try {
         Preview_->Select(reference > 0 ? Station_.Database().ReadMessage(reference) : nullptr);
+        if (List_->hasFocus() && !IsFilling_)
+            Choose();
     } catch (const dao::Error& error) {
         Preview_->Select(nullptr);
         Problem_->Show(Station_.Words(error.Number(), error.Description()));
     }
 }
 
+/// The user is in the list: what is selected there is what he reads.
+void SearchWindow::Choose()
+{
+    const qint32 reference = SelectedReference();
+    if (reference > 0)
+        Preview_->Choose(reference);
+}
+
+/// Whoever types faster than it is found gets the first hit when it comes.
+void SearchWindow::OpenFound()
+{
+    if (IsSettled()) {
+        OpenSelected();
+        return;
+    }
+    OpensFirst_ = true;
+    if (TypingTimer_.isActive())
+        Ask();
+}
+
 void SearchWindow::OpenSelected()
 {
-    const qint32 reference = Model_->ReferenceAt(List_->currentIndex().row());
+    const qint32 reference = SelectedReference();
     if (reference > 0)
         Q_EMIT MessageWanted(reference);
 }
@@ -435,6 +500,7 @@ bool SearchWindow::eventFilter(QObject* watched, QEvent* event)
         const auto* key = static_cast<QKeyEvent*>(event);
         if ((key->key() == Qt::Key_Down || key->key() == Qt::Key_PageDown) && Model_->rowCount() > 0) {
             List_->setFocus(Qt::TabFocusReason);
+            Choose();
             return true;
         }
     }
@@ -453,6 +519,7 @@ void SearchWindow::keyPressEvent(QKeyEvent* event)
 
 void SearchWindow::closeEvent(QCloseEvent* event)
 {
+    OpensFirst_ = false;
     Settings_.SetState(SearchGeometry, saveGeometry());
     QMainWindow::closeEvent(event);
 }

@@ -42,6 +42,8 @@ public:
     /// Whether what is on show is the answer to what was asked last.
     bool IsSettled() const { return !IsWaiting_ && !TypingTimer_.isActive(); }
     QString Typed() const;
+    /// 0 for none.
+    qint32 SelectedReference() const;
     /// The searches that were saved, as they were typed.
     QStringList Saved() const;
 
@@ -71,8 +73,11 @@ private:
     void TakeResult(int search, const SearchResult& result);
     void FillFolders(const SearchResult& result);
     void FillKinds(const SearchResult& result);
+    void FillTimes(const SearchResult& result);
     void ShowState();
     void TakeSelection();
+    void Choose();
+    void OpenFound();
     void OpenSelected();
     void Complete();
 
@@ -96,5 +101,8 @@ private:
     SearchResult Result_;
     int AskedNumber_ = 0;
     bool IsWaiting_ = false;
+    bool IsNewQuestion_ = true; ///< Since there were results; otherwise what is selected stays so.
+    bool IsFilling_ = false;    ///< What is selected meanwhile nobody chose.
+    bool OpensFirst_ = false;   ///< As soon as there are results.
     QTimer TypingTimer_;
 };

@@ -22,8 +22,8 @@ SendingDesk::SendingDesk(DeskStation& station, uMessagesList& list, QMainWindow&
     Unsent_->hide();
     connect(Notice_, &SendingNotice::Decided, this, &SendingDesk::CountUnsent);
     const QPointer<SendingDesk> self(this);
-    List_.SetRowNotes([self](qint32 message) { return self ? self->NoteOf(message) : QString(); });
-    connect(Watch_, &SendingWatch::OutboxChanged, &List_, &uMessagesList::RedrawNotes);
+    List_.SetDateNotes([self](qint32 message) { return self ? self->NoteOf(message) : QString(); });
+    connect(Watch_, &SendingWatch::OutboxChanged, &List_, &uMessagesList::RedrawDateNotes);
     LookTimer_.setInterval(LookMilliseconds);
     connect(&LookTimer_, &QTimer::timeout, this, &SendingDesk::LookAtOutbox);
     LookTimer_.start();

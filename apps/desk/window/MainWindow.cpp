@@ -14,7 +14,9 @@
 #include "common/UserPreferences.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
+#include "contacts/RowPeople.h"
 #include "database/watch/StationWatch.h"
+#include "messages/ArrivalCue.h"
 #include "messages/AttachmentList.h"
 #include "messages/MessageCommands.h"
 #include "messages/MessageUndo.h"
@@ -148,6 +150,8 @@ void MainWindow::MakeParts()
     List_->SetEditsTopFolders(true);
     List_->SetNewFolderName(tr("New Folder"));
     List_->SetShowsOtherYears(true);
+    new RowPeople(*Station_, *List_);
+    Arrivals_ = new ArrivalCue(*List_, Settings_);
     Undo_ = new MessageUndo(*Station_, *this);
     Commands_ = new MessageCommands(*Station_, Settings_, *List_, *Undo_, *this);
     AddTabs();

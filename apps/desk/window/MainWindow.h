@@ -19,6 +19,7 @@
 #include <optional>
 #include <vector>
 
+class ArrivalCue;
 class ComposeWindow;
 class ContactDesk;
 class DeskSettings;
@@ -205,6 +206,7 @@ private:
     std::vector<UnsentText::Found> UnsentTexts_; ///< Of desks that ended without closing.
     MessageUndo* Undo_ = nullptr;
     MessageCommands* Commands_ = nullptr;
+    ArrivalCue* Arrivals_ = nullptr;
     QLabel* Counts_ = nullptr;
     QLabel* Updated_ = nullptr;
     QLabel* User_ = nullptr;

@@ -5,6 +5,7 @@
 #include "MainWindow.h"
 #include "NoticeBar.h"
 #include "common/ClockHelper.h"
+#include "messages/ArrivalCue.h"
 #include "messageslist/uMessagesList.h"
 
 #include <QLabel>
@@ -68,6 +69,7 @@ void MainWindow::ShowUnreadCounts()
         counts.remove(folder);
     UnreadInInbox_ = counts.value(tmcInbox);
     List_->SetUnreadCounts(counts);
+    Arrivals_->TakeUnread(UnreadInInbox_);
 }
 
 void MainWindow::ShowTitle()

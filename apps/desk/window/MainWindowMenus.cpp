@@ -9,6 +9,7 @@
 #include "common/UserPreferences.h"
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "contacts/ContactDesk.h"
+#include "messages/ArrivalCue.h"
 #include "messages/MessageUndo.h"
 #include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
@@ -185,6 +186,7 @@ void MainWindow::MakeViewMenu()
     menu->addSeparator();
     MakeGoMenu(*menu);
     MakeSortMenu(*menu);
+    menu->addAction(Arrivals_->SoundAction());
     MakeColoursMenu(*menu);
     connect(refresh, &QAction::triggered, this, &MainWindow::RefreshAll);
     connect(all, &QAction::triggered, this, [this] {

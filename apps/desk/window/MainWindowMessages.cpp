@@ -125,6 +125,7 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
     connect(window, &MessageWindow::WasRead, this, &MainWindow::MarkAsRead);
     connect(window, &MessageWindow::MessageWanted, this, &MainWindow::OpenFound);
     connect(window, &MessageWindow::SendingDecided, Sending_, &SendingDesk::CountUnsent);
+    Search_->AddToMessageMenu(window->Menu(), [message] { return message; });
     KeepTextSize(window->View());
     window->show();
     window->activateWindow();

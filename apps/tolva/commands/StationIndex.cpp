@@ -25,8 +25,8 @@ ExitCode CodeOf(SearchFailure::Reason reason)
 StationIndex::StationIndex(Station& station) : Station_(station)
 {
     Station_.Try([&] {
-        File_ = SearchPlace::FileFor(Station_.Database());
         Identity_ = SearchFollowing::IdentityOf(Station_.Database());
+        File_ = SearchPlace::FileOf(Identity_);
     });
     if (SearchPlace::IsWanted())
         return;

@@ -128,6 +128,8 @@ struct SearchIndex::Finding
             if (IsOfKind(entry, kind))
                 ++Result.Kinds[kind];
         }
+        for (std::size_t i = 0; i < Options.Since.size(); ++i)
+            Result.Since[i] += qint64{entry.Seconds} >= Options.Since[i] ? 1 : 0;
         const bool isNarrowedOut = (Options.OnlyFolder && entry.Category != *Options.OnlyFolder) ||
                                    (Options.OnlyKind && !IsOfKind(entry, *Options.OnlyKind)) ||
                                    (Options.OnlySince && qint64{entry.Seconds} < *Options.OnlySince);
@@ -215,6 +217,7 @@ void SearchIndex::FindIn(qint64 number, const Shard& shard, Finding& finding)
 SearchResult SearchIndex::Find(const SearchQuestion& question, const SearchOptions& options)
 {
     Finding finding{question, options, ExpressionOf(question), {}, {}, NoBound, NoBound, {}};
+    finding.Result.Since.resize(options.Since.size());
     finding.After = SecondsOf(question.After);
     finding.Before = SecondsOf(question.Before);
     if (options.Order == SearchOrder::BestFirst && !question.Words.isEmpty()) {

@@ -62,8 +62,8 @@ public:
     /// Messages that the station had when it was looked at.
     qint64 Total() const { return Total_; }
 
-    /// What tells this station from any other, by whatever name it is opened. Empty for one that has nothing of the
-    /// kind, which has no index.
+    /// What tells this station from any other, and from another state of it, by whatever name it is opened. Of a
+    /// station on a server the server is asked. dao::Error.
     static QByteArray IdentityOf(const cTolvaDatabase& station);
 
 private:

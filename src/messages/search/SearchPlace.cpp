@@ -30,12 +30,14 @@ QByteArray SearchPlace::PlaceOf(const cTolvaDatabase& station)
     return QFileInfo(station.Information().Path).canonicalFilePath().toUtf8();
 }
 
-/// Of this computer too: the cache folder of an account may be one that several computers share.
 QString SearchPlace::FileFor(const cTolvaDatabase& station)
 {
-    const QByteArray identity = SearchFollowing::IdentityOf(station);
-    if (identity.isEmpty())
-        return {};
+    return FileOf(SearchFollowing::IdentityOf(station));
+}
+
+/// Of this computer too: the cache folder of an account may be one that several computers share.
+QString SearchPlace::FileOf(const QByteArray& identity)
+{
     constexpr qsizetype Digits = 24;
     const QByteArray name =
         QCryptographicHash::hash(identity + ' ' + QSysInfo::machineUniqueId(), QCryptographicHash::Sha1).toHex();

@@ -11,8 +11,10 @@ namespace SearchPlace
 
 /// Whether this machine's settings want one at all.
 bool IsWanted();
-/// The file for the open station; empty for a station that has none. dao::Error where the station cannot be read.
+/// The file for the open station. dao::Error where the station cannot be read; asks a server anew.
 QString FileFor(const cTolvaDatabase& station);
+/// The file for the station that SearchFollowing::IdentityOf answered this for.
+QString FileOf(const QByteArray& identity);
 /// Where the station itself lies.
 QByteArray PlaceOf(const cTolvaDatabase& station);
 /// The folder of all of them.

@@ -42,6 +42,8 @@ struct SearchOptions
     std::optional<qint32> OnlyFolder;
     std::optional<SearchKind> OnlyKind;
     std::optional<qint64> OnlySince; ///< Seconds since 1970, universal time.
+    /// Times that results are counted by; the same unit.
+    std::vector<qint64> Since;
     /// Asked now and then; false ends the search with SearchFailure::Reason::Interrupted.
     std::function<bool()> GoesOn;
 };
@@ -53,4 +55,5 @@ struct SearchResult
     /// What narrowing to each would leave, of all that the question finds.
     QHash<qint32, qint64> Folders;
     QHash<SearchKind, qint64> Kinds;
+    std::vector<qint64> Since; ///< Of each time in the options how many were sent from then on.
 };

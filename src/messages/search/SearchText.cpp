@@ -47,6 +47,13 @@ QStringList IdentitiesIn(const QString& header)
     return identities;
 }
 
+/// Of the first address of a header, or of its number.
+QByteArray PersonTerm(const QString& header)
+{
+    const QStringList addresses = AddressesIn(header);
+    return addresses.isEmpty() ? SearchWords::NumberTerm(header) : SearchWords::AddressTerm(addresses.first());
+}
+
 QList<QByteArray> MailTerms(const cdo::MessageReader& reader)
 {
     QList<QByteArray> terms;
@@ -108,10 +115,9 @@ Kinship KinshipOf(const QByteArray& octets)
 {
     const cdo::Message mail(octets);
     const cdo::MessageReader reader(mail, MostParts);
-    const QString from = reader.Header("From");
-    const QStringList addresses = AddressesIn(from);
     Kinship kinship;
-    kinship.Sender = addresses.isEmpty() ? SearchWords::NumberTerm(from) : SearchWords::AddressTerm(addresses.first());
+    kinship.Sender = PersonTerm(reader.Header("From"));
+    kinship.Recipient = PersonTerm(reader.Header("To"));
     const QString subject = reader.Header("Subject");
     if (!subject.trimmed().isEmpty())
         kinship.Subject = SearchWords::SubjectTerm(subject);

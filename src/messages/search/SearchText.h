@@ -27,6 +27,7 @@ SearchText ReadSearchText(const QByteArray& octets);
 struct Kinship
 {
     QByteArray Sender;       ///< A term; empty for none.
+    QByteArray Recipient;    ///< Of the first one; the same.
     QByteArray Subject;      ///< The same.
     QList<QByteArray> Mails; ///< Terms of the mail and of those that it answers.
 };

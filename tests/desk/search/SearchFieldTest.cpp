@@ -5,6 +5,7 @@
 #include "LongestGap.h"
 #include "SearchDeskTest.h"
 #include "messages/MessageWindow.h"
+#include "messages/PreviewPane.h"
 #include "support/FixedClock.h"
 #include "window/NoticeBar.h"
 
@@ -68,6 +69,20 @@ TEST_F(SearchFieldTest, APrefixIsOfferedWhileItIsTypedAndTakenByTheKeyThatOpensN
     EXPECT_TRUE(Window->MessageWindows().isEmpty());
     Press(Qt::Key_Return);
     EXPECT_TRUE(WaitUntil([this] { return Window->MessageWindows().size() == 1; }));
+}
+
+TEST_F(SearchFieldTest, TheKeyThatTakesAWholePrefixOpensNothingOfWhatItFindsThen)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    PressKeys(QStringLiteral("ferry is:unr"));
+    ASSERT_FALSE(Offers().isEmpty());
+    Press(Qt::Key_Down);
+    Press(Qt::Key_Return);
+    EXPECT_EQ(Field().text(), QStringLiteral("ferry is:unread"));
+    Settle();
+    ASSERT_EQ(Rows().rowCount(), 1);
+    EXPECT_TRUE(Window->MessageWindows().isEmpty());
 }
 
 TEST_F(SearchFieldTest, EveryPrefixIsOfferedByItsBeginningInAnyCase)
@@ -175,7 +190,8 @@ TEST_F(SearchFieldTest, TheTimeNarrowsToo)
     OpenSearch();
     Type(Ferry);
     ASSERT_EQ(Rows().rowCount(), 2);
-    ChooseFilter("searchTime", QStringLiteral("Last 7 days"));
+    ChooseFilter("searchTime", QStringLiteral("Last 30 days (2)"));
+    ChooseFilter("searchTime", QStringLiteral("Last 7 days (1)"));
     ASSERT_EQ(Rows().rowCount(), 1);
     EXPECT_EQ(Cell(0, 1), QStringLiteral("New"));
     EXPECT_EQ(Count(), QStringLiteral("1 message"));
@@ -258,26 +274,82 @@ TEST_F(SearchFieldTest, ACacheFolderThatCannotBeWrittenIsSaidAndNothingElseIsCon
     EXPECT_TRUE(WaitUntil([&] { return !notice.isVisible(); }, 20'000));
 }
 
-TEST_F(SearchFieldTest, TheConversationOfATextIsWhatItsNumberWrote)
+TEST_F(SearchFieldTest, WhoPressesEnterBeforeItIsFoundGetsTheFirstHitWhenItComes)
 {
-    const auto file = [this](const QByteArray& from, const QByteArray& subject) {
-        const auto message = std::make_shared<cMessage>();
-        message->SetMessageType(emtSMS);
-        message->SetCDOMessage(std::make_shared<cdo::Message>(Mail(subject, "Hello.\r\n", from)));
-        message->SetCategory(tmcInbox);
-        EXPECT_TRUE(Station.Database().SaveMessage(message));
-        return message->Reference();
-    };
-    file("+447700900123", "First");
-    const qint32 wanted = file("07700 900123", "Second");
-    file("07700900124", "Other");
-    OpenWindow();
-    Window->List().SelectMessage(wanted);
-    ASSERT_TRUE(WaitUntil([&] { return Window->List().SelectedReference() == wanted; }));
-    Window->findChild<QAction*>(QStringLiteral("sameConversation"))->trigger();
-    ASSERT_TRUE(WaitUntil([this] { return Window_().IsSettled() && Rows().rowCount() > 0; }, 20'000));
-    QStringList subjects{Cell(0, 1), Cell(1, 1)};
-    subjects.sort();
-    EXPECT_EQ(Rows().rowCount(), 2);
-    EXPECT_EQ(subjects, (QStringList{QStringLiteral("First"), QStringLiteral("Second")}));
+    FileMail(Mail("Other", "lighthouse\r\n"));
+    const qint32 wanted = FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    Type(QStringLiteral("lighthouse"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    Empty();
+    PressKeys(Ferry);
+    ASSERT_FALSE(Window_().IsSettled()) << "or the test would prove nothing";
+    Press(Qt::Key_Return);
+    ASSERT_TRUE(WaitUntil([this] { return !Window->MessageWindows().isEmpty(); }, 20'000));
+    EXPECT_EQ(Window->MessageWindows().size(), 1);
+    EXPECT_EQ(Window->MessageWindows().first()->Reference(), wanted) << "and not what stood there before";
+}
+
+TEST_F(SearchFieldTest, WhoGoesOnTypingBehindEnterOrLeavesOpensNothing)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    PressKeys(QStringLiteral("fer"));
+    Press(Qt::Key_Return);
+    PressKeys(QStringLiteral("ry"));
+    Settle();
+    ASSERT_EQ(Rows().rowCount(), 1);
+    Empty();
+    PressKeys(Ferry);
+    Press(Qt::Key_Return);
+    Press(Qt::Key_Escape);
+    Settle();
+    EXPECT_TRUE(Window->MessageWindows().isEmpty());
+}
+
+TEST_F(SearchFieldTest, AnotherQuestionSelectsItsFirstHitAndNewMailLeavesTheSelectedOneSelected)
+{
+    const qint32 older = FileMail(Mail("Old ferry", "x\r\n").replace("20 Nov", "01 Nov"));
+    FileMail(Mail("New ferry", "x\r\n"));
+    OpenSearch();
+    PressKeys(Ferry);
+    Settle();
+    ASSERT_EQ(Rows().rowCount(), 2);
+    const auto selected = [this] { return Part<QTreeView>("searchList").currentIndex().row(); };
+    Press(Qt::Key_Down);
+    Press(Qt::Key_Down);
+    ASSERT_EQ(selected(), 1);
+    OtherComputer("file", {Write(QStringLiteral("new.eml"), Mail("Third ferry", "x\r\n"))});
+    ASSERT_TRUE(WaitUntil([this] { return Rows().rowCount() == 3; }, 20'000));
+    EXPECT_EQ(selected(), 2);
+    EXPECT_EQ(Window_().SelectedReference(), older);
+    Type(QStringLiteral("ferr"));
+    ASSERT_EQ(Rows().rowCount(), 3);
+    EXPECT_EQ(selected(), 0);
+}
+
+TEST_F(SearchFieldTest, OnlyAHitThatSomebodyChoseIsMarkedAsRead)
+{
+    const qint32 reference = FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    PressKeys(Ferry);
+    Settle();
+    const auto isRead = [&] { return (Station.Database().GetMessage(reference)->Flags() & mfRead) != 0; };
+    EXPECT_FALSE(WaitUntil(isRead, PreviewPane::ReadMilliseconds + 1000)) << "it is shown because it was found";
+    Press(Qt::Key_Down);
+    EXPECT_TRUE(WaitUntil(isRead, 20'000));
+}
+
+TEST_F(SearchFieldTest, HalfCharactersAndControlCharactersInTheFieldAreNoTrouble)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    const QStringList texts{QString(QChar(0xD83C)) + u" ferry"_qs, u"ferry "_qs + QChar(0xDFB5),
+                            u"ferry "_qs + QChar(0xFFFF), u"\u202Eferry\u0001"_qs};
+    for (const QString& typed : texts) {
+        Field().setText(typed);
+        Settle();
+        EXPECT_EQ(Rows().rowCount(), 1) << qPrintable(typed);
+        EXPECT_EQ(Count(), QStringLiteral("1 message"));
+    }
 }

@@ -210,6 +210,8 @@ TEST_F(SearchWindowTest, AnIndexThatSomebodyDeletesIsMadeAnewBesideTheDesk)
     ASSERT_TRUE(QDir(Path(QStringLiteral("cache/Tolva"))).removeRecursively());
     OtherComputer("file", {Write(QStringLiteral("new.eml"), Mail("Two", "the ferry sails\r\n"))});
     EXPECT_TRUE(WaitUntil([this] { return Rows().rowCount() == 2; }, 20'000));
+    const QDir cache(Path(QStringLiteral("cache/Tolva/Search")));
+    EXPECT_EQ(cache.entryList({QStringLiteral("*.index")}).size(), 1) << "for others and for the next time";
 }
 
 TEST_F(SearchWindowTest, AMachineThatKeepsNoIndexSaysSoAndRemovesTheOneThatIsThere)

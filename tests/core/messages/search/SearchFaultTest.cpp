@@ -2,12 +2,10 @@
 #include "IndexedStation.h"
 #include "core/support/FaultyEngine.h"
 #include "platform/files/FileSystem.h"
+#include "support/FilesMayNotGrow.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace
 {
@@ -62,30 +60,6 @@ protected:
     ~FailingSearchTest() override { Station->CloseTolvaDatabase(); }
 
     FaultyEngine Engine;
-};
-
-/// No file of this process gets larger than that while it lives; what would is refused, as on a full disk.
-class FilesMayNotGrow
-{
-public:
-    explicit FilesMayNotGrow(qint64 octets) : Handler_(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &Before_);
-        rlimit limit = Before_;
-        limit.rlim_cur = static_cast<rlim_t>(octets);
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FilesMayNotGrow()
-    {
-        setrlimit(RLIMIT_FSIZE, &Before_);
-        std::signal(SIGXFSZ, Handler_);
-    }
-    FilesMayNotGrow(const FilesMayNotGrow&) = delete;
-    FilesMayNotGrow& operator=(const FilesMayNotGrow&) = delete;
-
-private:
-    rlimit Before_{};
-    void (*Handler_)(int);
 };
 } // namespace
 
@@ -142,6 +116,19 @@ TEST_F(SearchFaultTest, OctetsThatWereFlippedNeverShowAMessageThatIsNotThere)
             EXPECT_TRUE(Station->GetMessage(hit.Reference) != nullptr) << round;
         Index.reset();
         Following.reset();
+    }
+}
+
+TEST_F(SearchFaultTest, ARowThatADiskChangedIsSeenByWhoeverReadsIt)
+{
+    MakeIndex();
+    IndexConnection(IndexFile()).Execute("UPDATE messages SET category = 3 WHERE reference = 5");
+    SearchIndex index(IndexFile(), SearchFollowing::IdentityOf(*Station));
+    try {
+        index.Find(SearchQuestion::Of(u"ferry"_qs, SearchQuestion::Reading::Finished), {});
+        FAIL() << "nothing was seen";
+    } catch (const SearchFailure& failure) {
+        EXPECT_EQ(failure.Why(), SearchFailure::Reason::Damaged);
     }
 }
 
@@ -221,17 +208,23 @@ TEST_F(FailingSearchTest, WhateverTheStationFailsToTellIsFoundLater)
 TEST_F(SearchFaultTest, ALinkUnderItsNameIsReplacedAndNotFollowed)
 {
     OpenStation();
-    const QString elsewhere = Folder.filePath(u"elsewhere"_qs);
-    QFile file(elsewhere);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("precious");
-    file.close();
     ASSERT_TRUE(QDir().mkpath(QFileInfo(IndexFile()).absolutePath()));
-    ASSERT_TRUE(QFile::link(elsewhere, IndexFile()));
-    Follow();
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), "precious");
-    EXPECT_EQ(FileSystem::Current().KindOf(IndexFile()), FileKind::File);
+    // What is empty could be made a database of.
+    for (const QByteArray& content : {QByteArray("precious"), QByteArray()}) {
+        const QString elsewhere = Folder.filePath(u"elsewhere"_qs);
+        QFile file(elsewhere);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(content);
+        file.close();
+        ASSERT_TRUE(SearchIndex::Remove(IndexFile()));
+        ASSERT_TRUE(QFile::link(elsewhere, IndexFile()));
+        Index.reset();
+        Follow();
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), content);
+        EXPECT_EQ(FileSystem::Current().KindOf(IndexFile()), FileKind::File);
+        file.close();
+    }
 }
 
 TEST_F(SearchFaultTest, AFullDiskIsSaidAndWhatStoodBeforeIsFound)

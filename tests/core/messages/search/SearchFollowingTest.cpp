@@ -30,9 +30,10 @@ TEST_F(SearchFollowingTest, WhatChangesInTheStationChangesInTheIndex)
 TEST_F(SearchFollowingTest, WhatIsErasedLeavesTheFileWithItsWordsAtTheNextLook)
 {
     OpenStation();
+    // Not the last one, whose reference would tell that it is gone.
+    Save(Mail("Secret", "xylophonist quagmire"), tmcDeleted);
     for (int i = 0; i < 50; ++i)
         Save(Mail("Filler", "some harmless words " + QByteArray::number(i)));
-    Save(Mail("Secret", "xylophonist quagmire"), tmcDeleted);
     Follow();
     ASSERT_TRUE(HoldsOctets("xylophonist")) << "or the test would prove nothing";
     EXPECT_FALSE(HoldsOctets("xylophonist quagmire")) << "words, but no text that could be read";
@@ -232,13 +233,29 @@ TEST_F(SearchFollowingTest, TheIndexOfAStateThatIsGoneGoesWhenItsPlaceIsTaken)
     EXPECT_TRUE(isThere("after.index"));
 }
 
-TEST_F(SearchFollowingTest, AStationThatWasRenamedOrCompactedKeepsItsIndex)
+TEST_F(SearchFollowingTest, AStationThatWasMovedToAnotherFolderKeepsItsIndex)
 {
     OpenStation();
     const QByteArray identity = SearchFollowing::IdentityOf(*Station);
     Station->CloseTolvaDatabase();
-    const QString other = Folder.filePath(u"Other.mdb"_qs);
-    dao::DBEngine::CompactDatabase(FileName(), other);
-    EXPECT_EQ(dao::DBEngine::IdentityOf(other), dao::DBEngine::IdentityOf(FileName()));
-    EXPECT_TRUE(identity.endsWith(QByteArray::number(dao::DBEngine::IdentityOf(other))));
+    const QString elsewhere = Folder.filePath(u"elsewhere"_qs);
+    ASSERT_TRUE(QDir().mkdir(elsewhere));
+    ASSERT_TRUE(QFile::rename(FileName(), elsewhere + u"/Tolva.mdb"_qs));
+    ASSERT_EQ(Station->OpenTolvaDatabase(elsewhere), 0);
+    EXPECT_EQ(SearchFollowing::IdentityOf(*Station), identity);
+}
+
+/// Of one whose file carries no number the index is made anew, and finds the same.
+TEST_F(SearchFollowingTest, ACompactedStationKeepsItsIndexWhereItsFileCarriesANumber)
+{
+    OpenStation();
+    const QByteArray identity = SearchFollowing::IdentityOf(*Station);
+    Station->CloseTolvaDatabase();
+    const bool carriesNumber = dao::DBEngine::IdentityOf(FileName()) != 0;
+    const QString compacted = Folder.filePath(u"Other.mdb"_qs);
+    dao::DBEngine::CompactDatabase(FileName(), compacted);
+    ASSERT_TRUE(QFile::remove(FileName()));
+    ASSERT_TRUE(QFile::rename(compacted, FileName()));
+    OpenStation();
+    EXPECT_EQ(SearchFollowing::IdentityOf(*Station) == identity, carriesNumber);
 }

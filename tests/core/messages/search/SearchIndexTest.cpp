@@ -134,6 +134,22 @@ TEST_F(SearchIndexTest, ResultsAreCountedByFolderAndKindAndNarrowedByThem)
     EXPECT_EQ(result.Kinds.value(SearchKind::Unread), 3);
 }
 
+TEST_F(SearchIndexTest, ResultsAreCountedByTimeWhateverNarrowsThem)
+{
+    OpenStation();
+    Save(Mail("One", "ferry").replace("Sat, 21 Nov 2026", "Sun, 01 Nov 2026"));
+    Save(Mail("Two", "ferry"));
+    Save(Mail("Three", "harbour"));
+    Follow();
+    const auto dayOf = [](int day) { return QDateTime(QDate(2026, 11, day), QTime(), Qt::UTC).toSecsSinceEpoch(); };
+    SearchOptions options;
+    options.Since = {dayOf(22), dayOf(20), dayOf(1)};
+    options.OnlySince = dayOf(20);
+    const SearchResult result = Find(u"ferry"_qs, options);
+    EXPECT_EQ(result.Since, (std::vector<qint64>{0, 1, 2}));
+    EXPECT_EQ(result.Count, 1);
+}
+
 TEST_F(SearchIndexTest, SenderConversationAndSubjectAreFoundByWhatTheMailSaysOfItself)
 {
     OpenStation();
@@ -155,6 +171,7 @@ TEST_F(SearchIndexTest, SenderConversationAndSubjectAreFoundByWhatTheMailSaysOfI
         return references;
     };
     EXPECT_EQ(any({kinship.Sender}), (QList<qint32>{asked, stranger}));
+    EXPECT_EQ(kinship.Recipient, SearchWords::AddressTerm(u"studio@harbourfm.example.org"_qs));
     EXPECT_EQ(any(kinship.Mails), (QList<qint32>{asked, answered}));
     EXPECT_EQ(any({kinship.Subject}), (QList<qint32>{asked, answered, stranger}));
 }

@@ -171,6 +171,24 @@ TEST_F(SearchRangesTest, AStepThatFailedIsNotTakenForDone)
     }
 }
 
+TEST_F(SearchRangesTest, AProgramThatEndsBetweenComparingAndStoringHidesNothing)
+{
+    const qint32 reference = Save(Mail("New", "harbour"));
+    SearchFollowing ended(*Station);
+    ended.Begin();
+    bool hasCompared = false;
+    while (!hasCompared) {
+        SearchWork work = ended.Next(100);
+        hasCompared = work.Kind == SearchStep::Compare;
+        if (work.Kind != SearchStep::Pause)
+            ended.Take(work.DoIn(*Index));
+    }
+    ASSERT_EQ(Find(u"harbour"_qs).Count, 0) << "or the test would prove nothing";
+    GoThrough();
+    EXPECT_EQ(Found(u"harbour"_qs), QList<qint32>{reference});
+    EXPECT_EQ(Disagreement(), QString());
+}
+
 TEST_F(SearchRangesTest, MailsThatAreDeletedWhileTheyAreReadAreNoFailure)
 {
     std::vector<qint32> references;

@@ -95,6 +95,7 @@ public:
     {
         return postgres::Examine(ReadLinkFile(fileName), progress);
     }
+    qint64 IdentityOf(const QString& fileName) override;
     QStringList CompanionsOf(const QString&) const override { return {}; }
     std::unique_ptr<dao::Connection> OpenConnection(const QString& name, int, bool, const QString& connect) override
     {
@@ -171,6 +172,13 @@ QString PostgresEngine::MoveOut(const QString& file, const std::function<void(en
         throw;
     }
     return words.InWords();
+}
+
+qint64 PostgresEngine::IdentityOf(const QString& fileName)
+{
+    ServerConnection connection(ReadLinkFile(fileName));
+    const QByteArray schema = QuotedName(connection.Connect().Schema);
+    return StateIn(connection.Run(StateCommand(schema)), connection).Identity;
 }
 
 void PostgresEngine::TakeAwayLinked(const QString& file)
