@@ -3,6 +3,7 @@
 // The query of the messages list: what UpdateDisplay asks the database for.
 
 #include "common/UserPreferences.h"
+#include "common/controls/StationListHandler.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/CategoryTreeFill.h"
 #include "messageslist/MessagesListTexts.h"

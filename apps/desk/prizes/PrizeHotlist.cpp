@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PrizeHotlist.h"
 
+#include "common/Date.h"
+
 #include <QStringList>
 
 namespace
