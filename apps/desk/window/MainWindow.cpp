@@ -11,6 +11,7 @@
 #include "RowRecovery.h"
 #include "StationPlace.h"
 #include "Words.h"
+#include "answering/AnsweringDesk.h"
 #include "common/UserPreferences.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
@@ -21,6 +22,7 @@
 #include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
+#include "onair/OnAirDesk.h"
 #include "platform/widgets/Icons.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
@@ -157,6 +159,9 @@ void MainWindow::MakeParts()
     });
     Sending_ = new SendingDesk(*Station_, *this);
     Song_ = new SongDesk(*Station_, *List_, *this);
+    Answering_ = new AnsweringDesk(*Station_, *List_, *this);
+    OnAir_ = new OnAirDesk(*Station_, Settings_, *this);
+    ConnectOnAir();
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
     Splitter_->addWidget(List_);
@@ -354,6 +359,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
     SaveSizes();
     Search_->Leave();
+    Answering_->Leave();
     // Ends a fill that is under way.
     WatchTimer_.stop();
     Station_->Database().CloseTolvaDatabase();
@@ -366,6 +372,7 @@ void MainWindow::TakeSelection(const cMessagePtr& message)
     Preview_->SetShowsSentDate(SortOrder() != mlsoReceived);
     Preview_->Select(message);
     Sending_->Show(message);
+    Answering_->Show(message);
     for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})
         Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
 }
@@ -422,6 +429,7 @@ void MainWindow::TakeUpdate()
                       : QString());
     CountTimer_.start();
     Sending_->CountUnsent();
+    Answering_->TakeUpdate();
     for (MessageWindow* window : MessageWindows())
         window->CheckStored();
 }
