@@ -21,6 +21,7 @@ void TakeAnswering(MainWindow& window, const OnAirPictures::Save& save, const st
     if (messages.isEmpty())
         return;
     window.List().SelectMessage(messages.first());
+    window.List().ScrollToTop();
     AnsweringTable table(window.Station().Directory().File());
     const QString entry = QStringLiteral("picture");
     table.Write({{entry, messages.first(), QStringLiteral("Petra"), SecondsAnswering}}, {});
@@ -56,5 +57,6 @@ void OnAirPictures::Take(MainWindow& window, const Save& save, const std::functi
     save(air, "on-air-right-to-left", 1);
     QApplication::setLayoutDirection(Qt::LeftToRight);
     air.close();
+    settle();
     save(window, "desk-on-the-order", 1);
 }
