@@ -24,7 +24,8 @@ elif [ -e "$root" ]; then
 fi
 leave() {
     for place in dev/pts dev proc; do
-        mountpoint -q "$root/$place" && umount "$root/$place"
+        # What a test left behind in there may still hold it; nobody sees it any more.
+        mountpoint -q "$root/$place" && umount --lazy "$root/$place"
     done
     [ "$keep" -eq 1 ] || rm -rf --one-file-system "$root"
 }
@@ -39,8 +40,8 @@ cp /etc/resolv.conf "$root/etc/resolv.conf"
 mount -t proc proc "$root/proc"
 mount --bind /dev "$root/dev"
 mount --bind /dev/pts "$root/dev/pts"
-mkdir -p "$root/src/tolva"
-git -C "$here" archive HEAD | tar -x -C "$root/src/tolva"
+mkdir -p "$root/src"
+git clone --quiet --no-hardlinks "$here" "$root/src/tolva"
 
 # measure WORDS COMMAND...: in the bare system, without this machine's environment.
 measure() {

@@ -10,7 +10,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 desks=50
 what=${1:-}
-programs=build/dev/bin
+programs=build/check/bin
 folder=$(mktemp -d)
 chmod 755 "$folder"
 mkdir "$folder/server"

@@ -6,6 +6,6 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 export QT_QPA_PLATFORM=offscreen TOLVA_KILL_ROUNDS=500
-TOLVA_SOAK_SECONDS=600 build/dev/bin/deskTests --gtest_filter='SoakTest*'
-TOLVA_SOAK_SECONDS=180 build/dev/bin/appTests --gtest_filter='ExchangeUnderLoad*:KilledExchange*:ExchangeTest*:FilingBatchTest*:PrizeRaceTest*'
-TOLVA_CRASH_STATES=20000 build/dev/bin/platformTests --gtest_filter='JetCrash*:SeveralProcesses*'
+TOLVA_SOAK_SECONDS=600 build/check/bin/deskTests --gtest_filter='SoakTest*'
+TOLVA_SOAK_SECONDS=180 build/check/bin/appTests --gtest_filter='ExchangeUnderLoad*:KilledExchange*:ExchangeTest*:FilingBatchTest*:PrizeRaceTest*'
+TOLVA_CRASH_STATES=20000 build/check/bin/platformTests --gtest_filter='JetCrash*:SeveralProcesses*'

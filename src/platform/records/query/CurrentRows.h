@@ -19,6 +19,8 @@ public:
     void Set(std::size_t source, const Row* row);
     /// NoRow for none.
     qint64 IdAt(std::size_t source) const;
+    /// Null where an outer join found none.
+    const Row* RowAt(std::size_t source) const { return Places_[source].At; }
 
     StoredValue ValueAt(const BoundColumn& column) override;
 

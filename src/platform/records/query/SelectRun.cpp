@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace dao::query
 {
@@ -25,6 +26,19 @@ void Pack(RowPacker& packer, const StoredValue& value)
         packer.AddText(TextIn(value));
 }
 
+/// Whether the result's rows are those of one table as they come, memos left out as in those.
+bool IsWholeRow(const BoundSelect& select)
+{
+    if (select.Sources.size() != 1 || select.Outputs.size() != select.Shape.Sources.front()->Columns.size())
+        return false;
+    for (std::size_t i = 0; i < select.Outputs.size(); ++i) {
+        const auto* column = std::get_if<BoundColumn>(&select.Outputs[i].Node);
+        if (column == nullptr || static_cast<std::size_t>(column->Column) != i)
+            return false;
+    }
+    return true;
+}
+
 class SelectRun
 {
 public:
@@ -37,6 +51,7 @@ public:
           Parameters_(select.Parameters, parameters),
           Current_(select.Shape.Sources, rows),
           Evaluator_(Current_, Parameters_),
+          IsWholeRow_(IsWholeRow(select)),
           Left_(select.Top.value_or(std::numeric_limits<qint64>::max()))
     {
         for (std::size_t i = 1; i < select.Sources.size(); ++i)
@@ -63,13 +78,6 @@ public:
     }
 
 private:
-    struct SortedRow
-    {
-        std::vector<StoredValue> SortValues;
-        std::vector<qint64> Keys;
-        std::string Cells;
-    };
-
     /// Goes through the rows of the sources from this one on that belong to those before.
     void Walk(std::size_t source)
     {
@@ -100,26 +108,33 @@ private:
             Accumulate();
             return;
         }
-        std::vector<qint64> keys(Select_.Sources.size());
-        for (std::size_t i = 0; i < keys.size(); ++i)
-            keys[i] = Current_.IdAt(i);
-        std::string cells = Part_ == engine::ResultPart::Values ? PackedRow() : std::string();
-        if (Select_.OrderBy.empty()) {
+        const bool isSorted = !Select_.OrderBy.empty();
+        if (!isSorted) {
+            Keys_.clear();
+            Cells_.clear();
+        }
+        for (std::size_t i = 0; i < Select_.Sources.size(); ++i)
+            Keys_.push_back(Current_.IdAt(i));
+        const std::size_t begin = Cells_.size();
+        if (Part_ == engine::ResultPart::Values)
+            PackRow();
+        if (!isSorted) {
             --Left_;
-            Sink_(keys, cells);
+            Sink_(Keys_, Cells_);
             return;
         }
-        SortedRow& row = Sorted_.emplace_back();
+        CellsBegin_.push_back(begin);
         for (const BoundSortTerm& term : Select_.OrderBy)
-            row.SortValues.push_back(Kept(Evaluator_.Value(term.Value)));
-        row.Keys = std::move(keys);
-        row.Cells = std::move(cells);
+            SortValues_.push_back(Kept(Evaluator_.Value(term.Value)));
     }
 
-    std::string PackedRow()
+    void PackRow()
     {
-        std::string cells;
-        RowPacker packer(cells);
+        if (IsWholeRow_) {
+            Cells_ += Current_.RowAt(0)->Cells;
+            return;
+        }
+        RowPacker packer(Cells_);
         for (std::size_t i = 0; i < Select_.Outputs.size(); ++i) {
             const engine::ResultColumn& column = Select_.Shape.Columns[i];
             if (column.Source >= 0 && column.Definition.IsMemo())
@@ -127,7 +142,6 @@ private:
             else
                 Pack(packer, Evaluator_.Value(Select_.Outputs[i]));
         }
-        return cells;
     }
 
     void Accumulate()
@@ -149,19 +163,26 @@ private:
 
     void SendSorted()
     {
-        std::stable_sort(Sorted_.begin(), Sorted_.end(),
-                         [this](const SortedRow& left, const SortedRow& right) { return IsBefore(left, right); });
-        for (const SortedRow& row : Sorted_) {
+        std::vector<std::size_t> rows(CellsBegin_.size());
+        std::iota(rows.begin(), rows.end(), std::size_t{0});
+        std::stable_sort(rows.begin(), rows.end(),
+                         [this](std::size_t left, std::size_t right) { return IsBefore(left, right); });
+        CellsBegin_.push_back(Cells_.size());
+        const std::size_t keys = Select_.Sources.size();
+        for (const std::size_t row : rows) {
             if (Left_-- == 0)
                 return;
-            Sink_(row.Keys, row.Cells);
+            const std::string_view cells = Cells_;
+            Sink_(std::span(Keys_).subspan(row * keys, keys),
+                  cells.substr(CellsBegin_[row], CellsBegin_[row + 1] - CellsBegin_[row]));
         }
     }
 
-    bool IsBefore(const SortedRow& left, const SortedRow& right) const
+    bool IsBefore(std::size_t left, std::size_t right) const
     {
-        for (std::size_t i = 0; i < Select_.OrderBy.size(); ++i) {
-            const int order = CompareStored(left.SortValues[i], right.SortValues[i]);
+        const std::size_t terms = Select_.OrderBy.size();
+        for (std::size_t i = 0; i < terms; ++i) {
+            const int order = CompareStored(SortValues_[left * terms + i], SortValues_[right * terms + i]);
             if (order != 0)
                 return (order < 0) == (Select_.OrderBy[i].Direction == jetsql::SortDirection::Ascending);
         }
@@ -177,7 +198,13 @@ private:
     Evaluator Evaluator_;
     std::vector<JoinedSource> Joined_;
     std::vector<Accumulator> Accumulators_;
-    std::vector<SortedRow> Sorted_;
+    /// Of the row that is sent; of all rows where they are to be sorted, one behind the other.
+    std::vector<qint64> Keys_;
+    std::string Cells_;
+    /// Of rows that are to be sorted: where the cells of each begin, and the values of the terms of each.
+    std::vector<std::size_t> CellsBegin_;
+    std::vector<StoredValue> SortValues_;
+    bool IsWholeRow_;
     qint64 Left_; ///< Rows that may still be sent.
 };
 

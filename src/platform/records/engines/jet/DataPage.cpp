@@ -6,10 +6,10 @@
 namespace dao::jet
 {
 
-DataPage::DataPage(PageFile& file, quint32 number)
-    : Octets_(file.Page(number, PageType::Data)),
-      Number_(number),
-      RowCount_(OctetView(Octets_).U16(RowPageLayout::RowCountAt))
+DataPage::DataPage(PageFile& file, quint32 number) : DataPage(number, file.Page(number, PageType::Data)) {}
+
+DataPage::DataPage(quint32 number, QByteArray octets)
+    : Octets_(std::move(octets)), Number_(number), RowCount_(OctetView(Octets_).U16(RowPageLayout::RowCountAt))
 {
     if (RowCount_ > (PageSize - RowPageLayout::SlotsAt) / 2)
         throw Fault(QStringLiteral("page %1 names more rows than a page can hold").arg(number));

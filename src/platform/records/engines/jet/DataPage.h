@@ -24,6 +24,8 @@ public:
 
     /// Fault when there is no such page, or it holds no rows.
     DataPage(PageFile& file, quint32 number);
+    /// The same of a page of rows that was read.
+    DataPage(quint32 number, QByteArray octets);
 
     quint32 Number() const { return Number_; }
     /// The page that defines the table it belongs to, LongOwner, or 0 for maps.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace dao::jet
 {
@@ -27,7 +28,7 @@ int Compare(const char* left, qsizetype leftSize, const char* right, qsizetype r
 
 } // namespace
 
-IndexPage::IndexPage(PageFile& file, quint32 number) : Octets_(file.Page(number)), Number_(number)
+IndexPage::IndexPage(quint32 number, QByteArray octets) : Octets_(std::move(octets)), Number_(number)
 {
     const auto type = static_cast<PageType>(Octets_.at(0));
     if (number == 0 || (type != PageType::IndexLeaf && type != PageType::IndexNode))
@@ -57,6 +58,12 @@ OctetView IndexPage::Stored(int entry) const
     return OctetView(Octets_).Part(IndexEntriesAt + start, Ends_[place] - start);
 }
 
+OctetView IndexPage::StoredKey(int entry) const
+{
+    const OctetView stored = Stored(entry);
+    return stored.Part(0, stored.Size() - TrailerSize());
+}
+
 RowPlace IndexPage::RowAt(int entry) const
 {
     const OctetView stored = Stored(entry);
@@ -79,8 +86,7 @@ IndexPage::Entry IndexPage::At(int entry) const
 
 int IndexPage::CompareStart(int entry, const QByteArray& key) const
 {
-    OctetView stored = Stored(entry);
-    stored = stored.Part(0, stored.Size() - TrailerSize());
+    const OctetView stored = StoredKey(entry);
     if (entry == 0 || PrefixSize_ == 0)
         return Compare(stored.Data(), stored.Size(), key.constData(), key.size());
     const qsizetype shared = std::min<qsizetype>(PrefixSize_, key.size());
@@ -89,6 +95,17 @@ int IndexPage::CompareStart(int entry, const QByteArray& key) const
     if (order != 0 || shared == key.size())
         return order;
     return Compare(stored.Data(), stored.Size(), key.constData() + shared, key.size() - shared);
+}
+
+int IndexPage::CompareToNext(int entry) const
+{
+    // The first one stands there whole; the others lack what all of them share.
+    if (entry == 0)
+        return At(0).Key.compare(At(1).Key);
+    const OctetView stored = StoredKey(entry);
+    const OctetView next = StoredKey(entry + 1);
+    return std::string_view(stored.Data(), static_cast<std::size_t>(stored.Size()))
+        .compare({next.Data(), static_cast<std::size_t>(next.Size())});
 }
 
 } // namespace dao::jet

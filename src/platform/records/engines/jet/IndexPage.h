@@ -20,7 +20,9 @@ public:
     };
 
     /// Fault when there is no such page, it is none of an index, or its entries do not fit together.
-    IndexPage(PageFile& file, quint32 number);
+    IndexPage(PageFile& file, quint32 number) : IndexPage(number, file.Page(number)) {}
+    /// The same of a page that was read.
+    IndexPage(quint32 number, QByteArray octets);
 
     quint32 Number() const { return Number_; }
     bool IsLeaf() const { return IsLeaf_; }
@@ -33,14 +35,21 @@ public:
     int PrefixSize() const { return PrefixSize_; }
     int OctetsOfEntries() const { return Ends_.empty() ? 0 : Ends_.back(); }
 
+    /// Whether these are the octets that it shares, so that it says what a page made of them would.
+    bool Shares(const QByteArray& octets) const { return Octets_.constData() == octets.constData(); }
+
     int Count() const { return static_cast<int>(Ends_.size()); }
     Entry At(int entry) const;
     RowPlace RowAt(int entry) const;
     /// How the entry's key stands to a key, as far as that reaches: 0 when it begins with it.
     int CompareStart(int entry, const QByteArray& key) const;
+    /// How the key of an entry stands to that of the one behind it.
+    int CompareToNext(int entry) const;
 
 private:
     OctetView Stored(int entry) const;
+    /// What of the key stands in the entry itself.
+    OctetView StoredKey(int entry) const;
     int TrailerSize() const { return IsLeaf_ ? 4 : 8; }
 
     QByteArray Octets_;

@@ -55,50 +55,74 @@ IndexPage IndexTree::Descend(const ChooseChild& choose)
     throw Fault(QStringLiteral("the index that begins on page %1 does not end").arg(Root_));
 }
 
-void IndexTree::RequireRise(const IndexPage& left, int leftEntry, const IndexPage& right, int rightEntry) const
+const IndexPage& IndexTree::LeafAt(quint32 number)
 {
-    const IndexPage::Entry before = left.At(leftEntry);
-    const IndexPage::Entry behind = right.At(rightEntry);
+    // Octets that are shared stay as they are: whoever changes a page makes others.
+    QByteArray octets = File_.Page(number);
+    if (!Leaf_ || Leaf_->Number() != number || !Leaf_->Shares(octets))
+        Leaf_.emplace(number, std::move(octets));
+    return *Leaf_;
+}
+
+void IndexTree::RaiseDisorder(quint32 number) const
+{
+    throw Fault(
+        QStringLiteral("the index that begins on page %1 is not in its order at page %2").arg(Root_).arg(number));
+}
+
+/// Of an entry and the one behind it on the same page.
+void IndexTree::RequireRise(const IndexPage& leaf, int entry) const
+{
+    const int order = leaf.CompareToNext(entry);
+    if (order > 0 || (order == 0 && leaf.RowAt(entry) >= leaf.RowAt(entry + 1)))
+        RaiseDisorder(leaf.Number());
+}
+
+/// Of the last entry of a page and the first of another.
+void IndexTree::RequireRise(const IndexPage& left, const IndexPage& right) const
+{
+    if (left.Count() == 0 || right.Count() == 0)
+        return;
+    const IndexPage::Entry before = left.At(left.Count() - 1);
+    const IndexPage::Entry behind = right.At(0);
     const int order = before.Key.compare(behind.Key);
     if (order > 0 || (order == 0 && before.Row >= behind.Row))
-        throw Fault(QStringLiteral("the index that begins on page %1 is not in its order at page %2")
-                        .arg(Root_)
-                        .arg(right.Number()));
+        RaiseDisorder(right.Number());
 }
 
-std::optional<IndexPlace> IndexTree::FirstOnOrBehind(IndexPage leaf, int entry)
+std::optional<IndexPlace> IndexTree::FirstOnOrBehind(const IndexPage& start, int entry)
 {
+    if (entry < start.Count())
+        return PlaceAt(start, entry);
     // Leaves without entries stand beside each other in no sound file, so that few are passed before it is a ring.
-    for (quint32 passed = 0; entry >= leaf.Count(); ++passed) {
-        const quint32 next = leaf.Next();
-        if (next == 0)
-            return std::nullopt;
-        IndexPage following(File_, next);
+    IndexPage leaf = start;
+    for (quint32 passed = 0; leaf.Next() != 0; ++passed) {
+        IndexPage following(File_, leaf.Next());
         if (!following.IsLeaf() || passed > File_.PageCount())
             throw Fault(QStringLiteral("the leaves of the index that begins on page %1 do not end").arg(Root_));
-        if (leaf.Count() > 0 && following.Count() > 0)
-            RequireRise(leaf, leaf.Count() - 1, following, 0);
+        RequireRise(leaf, following);
         leaf = std::move(following);
-        entry = 0;
+        if (leaf.Count() > 0)
+            return PlaceAt(leaf, 0);
     }
-    return PlaceAt(leaf, entry);
+    return std::nullopt;
 }
 
-std::optional<IndexPlace> IndexTree::LastOnOrBefore(IndexPage leaf, int entry)
+std::optional<IndexPlace> IndexTree::LastOnOrBefore(const IndexPage& start, int entry)
 {
-    for (quint32 passed = 0; entry < 0; ++passed) {
-        const quint32 previous = leaf.Previous();
-        if (previous == 0)
-            return std::nullopt;
-        IndexPage preceding(File_, previous);
+    if (entry >= 0)
+        return PlaceAt(start, entry);
+    IndexPage leaf = start;
+    for (quint32 passed = 0; leaf.Previous() != 0; ++passed) {
+        IndexPage preceding(File_, leaf.Previous());
         if (!preceding.IsLeaf() || passed > File_.PageCount())
             throw Fault(QStringLiteral("the leaves of the index that begins on page %1 do not end").arg(Root_));
-        if (leaf.Count() > 0 && preceding.Count() > 0)
-            RequireRise(preceding, preceding.Count() - 1, leaf, 0);
+        RequireRise(preceding, leaf);
         leaf = std::move(preceding);
-        entry = leaf.Count() - 1;
+        if (leaf.Count() > 0)
+            return PlaceAt(leaf, leaf.Count() - 1);
     }
-    return PlaceAt(leaf, entry);
+    return std::nullopt;
 }
 
 std::optional<IndexPlace> IndexTree::First()
@@ -127,17 +151,17 @@ std::optional<IndexPlace> IndexTree::FirstFrom(const QByteArray& key, bool isBeh
 
 std::optional<IndexPlace> IndexTree::Next(const IndexPlace& place)
 {
-    const IndexPage leaf(File_, place.Leaf);
+    const IndexPage& leaf = LeafAt(place.Leaf);
     if (place.Entry + 1 < leaf.Count())
-        RequireRise(leaf, place.Entry, leaf, place.Entry + 1);
+        RequireRise(leaf, place.Entry);
     return FirstOnOrBehind(leaf, place.Entry + 1);
 }
 
 std::optional<IndexPlace> IndexTree::Previous(const IndexPlace& place)
 {
-    const IndexPage leaf(File_, place.Leaf);
+    const IndexPage& leaf = LeafAt(place.Leaf);
     if (place.Entry > 0)
-        RequireRise(leaf, place.Entry - 1, leaf, place.Entry);
+        RequireRise(leaf, place.Entry - 1);
     return LastOnOrBefore(leaf, place.Entry - 1);
 }
 
@@ -151,7 +175,7 @@ std::optional<IndexPlace> IndexTree::EntryOf(RowPlace row)
 
 bool IndexTree::BeginsWith(const IndexPlace& place, const QByteArray& key)
 {
-    return IndexPage(File_, place.Leaf).CompareStart(place.Entry, key) == 0;
+    return LeafAt(place.Leaf).CompareStart(place.Entry, key) == 0;
 }
 
 } // namespace dao::jet

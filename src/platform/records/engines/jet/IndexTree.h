@@ -39,12 +39,17 @@ public:
 private:
     using ChooseChild = std::function<quint32(const IndexPage&)>;
     IndexPage Descend(const ChooseChild& choose);
-    std::optional<IndexPlace> FirstOnOrBehind(IndexPage leaf, int entry);
-    std::optional<IndexPlace> LastOnOrBefore(IndexPage leaf, int entry);
-    void RequireRise(const IndexPage& left, int leftEntry, const IndexPage& right, int rightEntry) const;
+    /// A leaf, as it stands now. Good until the next call.
+    const IndexPage& LeafAt(quint32 number);
+    std::optional<IndexPlace> FirstOnOrBehind(const IndexPage& start, int entry);
+    std::optional<IndexPlace> LastOnOrBefore(const IndexPage& start, int entry);
+    void RequireRise(const IndexPage& leaf, int entry) const;
+    void RequireRise(const IndexPage& left, const IndexPage& right) const;
+    [[noreturn]] void RaiseDisorder(quint32 number) const;
 
     PageFile& File_;
     quint32 Root_;
+    std::optional<IndexPage> Leaf_; ///< The last one that was looked at: a walk looks at it for each entry.
 };
 
 } // namespace dao::jet

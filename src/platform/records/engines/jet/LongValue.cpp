@@ -45,7 +45,7 @@ QByteArray ReadChain(PageFile& file, const LongReference& reference, qsizetype m
                      std::vector<RowPlace>& pieces)
 {
     QByteArray value;
-    value.reserve(std::min<qsizetype>(mostOctets + PageSize, reference.Size));
+    value.reserve(std::min<qsizetype>(mostOctets, reference.Size));
     for (RowPlace place = reference.First; place.Pointer() != 0 && value.size() < mostOctets;) {
         const LongPiece piece(file, place);
         pieces.push_back(place);
@@ -53,7 +53,7 @@ QByteArray ReadChain(PageFile& file, const LongReference& reference, qsizetype m
         // Each piece brings something, and all no more than was announced: so a ring of them ends.
         if (octets.Size() <= 4 || octets.Size() - 4 > qsizetype(reference.Size) - value.size())
             throw Fault(QStringLiteral("the pieces of a long value on page %1 do not fit together").arg(place.Page));
-        value.append(octets.Data() + 4, octets.Size() - 4);
+        value.append(octets.Data() + 4, std::min(octets.Size() - 4, mostOctets - value.size()));
         place = RowPlace::FromPointer(octets.U32(0));
     }
     return value;

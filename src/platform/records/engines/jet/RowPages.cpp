@@ -93,16 +93,19 @@ QByteArray StoreLongValue(const QByteArray& value, const std::function<RowPlace(
         return Reference(Inline | size, 0) + value;
     if (value.size() <= LargestLongRow)
         return Reference(InOneRow | size, addPiece(value).Pointer());
-    // The piece that fills no page comes first and shares one; the others follow each on its own.
-    const qsizetype first = (value.size() - 1) % LargestPiece + 1;
-    quint32 page = allocate();
-    const quint32 pointer = addPiece(Piece(page << 8, value.left(first))).Pointer();
-    for (qsizetype at = first; at < value.size(); at += LargestPiece) {
-        const quint32 next = at + LargestPiece < value.size() ? allocate() : 0;
-        writeAlone(page, Piece(next << 8, value.mid(at, LargestPiece)));
+    // Each piece on a page of its own, so that one page tells the beginning; what fills no page comes last and shares
+    // one.
+    const qsizetype rest = (value.size() - 1) / LargestPiece * LargestPiece;
+    const quint32 last = addPiece(Piece(0, value.mid(rest))).Pointer();
+    const quint32 first = allocate();
+    quint32 page = first;
+    for (qsizetype at = 0; at < rest; at += LargestPiece) {
+        const bool isBeforeLast = at + LargestPiece == rest;
+        const quint32 next = isBeforeLast ? 0 : allocate();
+        writeAlone(page, Piece(isBeforeLast ? last : next << 8, value.mid(at, LargestPiece)));
         page = next;
     }
-    return Reference(size, pointer);
+    return Reference(size, first << 8);
 }
 
 QByteArray LongValueWriter::Add(const QByteArray& value)

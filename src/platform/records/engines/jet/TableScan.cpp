@@ -14,10 +14,12 @@ std::optional<FoundRow> FindRow(PageFile& file, const TableDefinition& table, Ro
     for (int step = 0; step < LongestPath; ++step) {
         const bool isFirst = step == 0;
         // The page of a row that is gone may be anybody's by now, or nobody's.
-        if (isFirst && (place.Page == 0 || place.Page >= file.PageCount() ||
-                        file.Page(place.Page).at(0) != static_cast<char>(PageType::Data)))
+        if (isFirst && (place.Page == 0 || place.Page >= file.PageCount()))
             return std::nullopt;
-        DataPage page(file, place.Page);
+        QByteArray octets = isFirst ? file.Page(place.Page) : file.Page(place.Page, PageType::Data);
+        if (isFirst && octets.at(0) != static_cast<char>(PageType::Data))
+            return std::nullopt;
+        DataPage page(place.Page, std::move(octets));
         if (page.Owner() != table.Page()) {
             if (isFirst)
                 return std::nullopt;

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/FileConversion.h"
+#include "platform/records/engines/jet/Catalogue.h"
+#include "platform/records/engines/jet/DataPage.h"
 #include "platform/records/engines/jet/JetFixture.h"
+#include "platform/records/engines/jet/LongValue.h"
+#include "platform/records/engines/jet/RowCells.h"
+#include "platform/records/engines/jet/TableScan.h"
 
 #include <QFile>
 
@@ -32,6 +37,36 @@ TEST_F(JetWriter, WritesWhatIsReadBackValueByValue)
               AllRows(Source(), QStringLiteral("Messages"), QStringLiteral("Main")));
     EXPECT_EQ(AllRows(Jet(), QStringLiteral("Messages"), QStringLiteral("When")),
               AllRows(Source(), QStringLiteral("Messages"), QStringLiteral("When")));
+}
+
+TEST_F(JetWriter, GivesTheBeginningOfALongMemoAWholePage)
+{
+    MakeMessages();
+    AddMessages(300);
+    WriteJet();
+    const auto rows = Jet().OpenRecordset(QStringLiteral("Messages"), dbOpenTable);
+    rows->AddNew();
+    rows->SetCollect(QStringLiteral("Body"), QString(10000, u'a'));
+    rows->Update();
+    jet::PageFile file(JetName());
+    jet::TableDefinition table;
+    for (const jet::CatalogueObject& object : jet::ReadCatalogue(file)) {
+        if (object.Name == QStringLiteral("Messages"))
+            table = jet::ReadTableDefinition(file, object.Definition());
+    }
+    const jet::ColumnDefinition& body = *table.ColumnNamed(QStringLiteral("Body"));
+    int chains = 0;
+    jet::TableScan(file, table).ForEach([&](jet::RowPlace, const jet::FoundRow& row) {
+        const auto stored = jet::RowCells(row.Octets(), table).Octets(body);
+        const auto reference = stored ? jet::ReadLongReference(*stored) : jet::LongReference();
+        if (stored && reference.Where == jet::LongReference::Place::Chain) {
+            ++chains;
+            const jet::DataPage page(file, reference.First.Page);
+            EXPECT_EQ(page.RowAt(reference.First.Row).Size(), jet::LargestLongRow);
+        }
+        return true;
+    });
+    EXPECT_GT(chains, 10);
 }
 
 TEST_F(JetWriter, CompactsAFileWithoutChangingWhatItHolds)
