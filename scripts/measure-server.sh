@@ -17,10 +17,22 @@ mkdir "$folder/server"
 # Whoever holds this keeps the server.
 exec 8>"$folder/server/users"
 flock --shared 8
-trap 'kill $(jobs -p) 2>/dev/null || true; wait; exec 8>&-; rm -rf "$folder"' EXIT
+leave() {
+    kill $(jobs -p) 2>/dev/null || true
+    wait
+    exec 8>&-
+    # The server ends by itself now and takes its folder along; without that it would run on for ever.
+    for ((i = 0; i < 300; i++)); do
+        if [ ! -e "$folder/server" ]; then break; fi
+        sleep 0.2
+    done
+    rm -rf "$folder"
+}
+trap leave EXIT
 tests/support/testServer.sh "$folder/server" 2 fsync=on autovacuum=on shared_buffers=128MB max_connections=150 8>&-
 
 sql() { psql --host="$folder/server" --username=tolva --dbname=postgres --quiet --tuples-only --no-align --set=ON_ERROR_STOP=1 "$@"; }
+# In the foreground: what runs beside is started without it, so that it can be ended by its number.
 desk() { "$programs/serverDesk" "$@" 8>&-; }
 
 makeStation() {
@@ -41,7 +53,7 @@ serverSeconds() {
 measureIdle() {
     local seconds=${1:-60} before after i
     makeStation
-    for ((i = 0; i < desks; i++)); do desk watch "$folder/station" $((seconds + 60)) & done
+    for ((i = 0; i < desks; i++)); do "$programs/serverDesk" watch "$folder/station" $((seconds + 60)) 8>&- & done
     until [ "$(sql --command="SELECT count(*) FROM pg_stat_activity WHERE query LIKE '%LISTEN%' OR wait_event = 'ClientRead'")" -ge $((2 * desks)) ]; do
         sleep 0.5
     done
@@ -61,11 +73,11 @@ measureSoak() {
     makeStation
     mkdir "$folder/log"
     for ((i = 0; i < desks; i++)); do
-        desk watch "$folder/station" $((seconds + 5)) &
+        "$programs/serverDesk" watch "$folder/station" $((seconds + 5)) 8>&- &
         watchers+=($!)
     done
     for ((i = 0; i < 4; i++)); do
-        desk file "$folder/station" "$seconds" 5 >"$folder/log/filed-$i" &
+        "$programs/serverDesk" file "$folder/station" "$seconds" 5 >"$folder/log/filed-$i" 8>&- &
         filers+=($!)
     done
     for i in "${filers[@]}" "${watchers[@]}"; do wait "$i"; done
