@@ -23,11 +23,19 @@ constexpr qsizetype AllPictures = qsizetype{24} * 1024 * 1024; ///< Of one messa
 const QString MessagePrefix = QStringLiteral("Message");
 const QString ListPrefix = QStringLiteral("MessageList");
 const QString PrizePrefix = QStringLiteral("Prize");
+const QString OnAirPrefix = QStringLiteral("OnAir");
 
 QStringList PrefixesOf(PagePrinting::TemplateKind kind)
 {
-    return kind == PagePrinting::TemplateKind::Prizes ? QStringList{PrizePrefix}
-                                                      : QStringList{MessagePrefix, ListPrefix};
+    switch (kind) {
+    case PagePrinting::TemplateKind::Prizes:
+        return {PrizePrefix};
+    case PagePrinting::TemplateKind::OnAir:
+        return {OnAirPrefix};
+    case PagePrinting::TemplateKind::Messages:
+        break;
+    }
+    return {MessagePrefix, ListPrefix};
 }
 
 Failure NoTemplates(const cTolvaDatabase& database, PagePrinting::TemplateKind kind)
@@ -35,6 +43,11 @@ Failure NoTemplates(const cTolvaDatabase& database, PagePrinting::TemplateKind k
     if (kind == PagePrinting::TemplateKind::Prizes) {
         return Failure(exitData, QStringLiteral("The station has no page templates for prizes. They belong into %1; "
                                                 "their names begin with \"Prize-\".")
+                                     .arg(database.HTMLTemplatesLocation()));
+    }
+    if (kind == PagePrinting::TemplateKind::OnAir) {
+        return Failure(exitData, QStringLiteral("The station has no page template for the running order. It belongs "
+                                                "into %1; its name begins with \"OnAir-\".")
                                      .arg(database.HTMLTemplatesLocation()));
     }
     return Failure(exitData, QStringLiteral("The station has no page templates. They belong into %1.")
@@ -123,7 +136,7 @@ QStringList PagePrinting::TemplateNames(const cTolvaDatabase& database, Template
 
 QString PagePrinting::TitleOf(const QString& name)
 {
-    for (const QString& prefix : {MessagePrefix, ListPrefix, PrizePrefix}) {
+    for (const QString& prefix : {MessagePrefix, ListPrefix, PrizePrefix, OnAirPrefix}) {
         if (name.startsWith(prefix + u'-', Qt::CaseInsensitive))
             return name.sliced(prefix.size() + 1);
     }

@@ -25,7 +25,8 @@ struct PageTemplate
 enum class TemplateKind
 {
     Messages,
-    Prizes
+    Prizes,
+    OnAir ///< The running order.
 };
 
 /// The names of the station's templates of a kind: for messages those of one message, then those of lists.

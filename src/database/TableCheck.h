@@ -51,3 +51,5 @@ const TableShape& MessagesTableShape();
 const TableShape& MessageCategoriesTableShape();
 const TableShape& PrizesTableShape();
 const TableShape& PrizeWinnersTableShape();
+/// Made when it is first used, and by nothing else.
+const TableShape& OnAirTableShape();

@@ -144,3 +144,26 @@ const TableShape& PrizeWinnersTableShape()
     };
     return shape;
 }
+
+const TableShape& OnAirTableShape()
+{
+    static const TableShape shape = {
+        QStringLiteral("OnAir"),
+        {
+            {QStringLiteral("Reference"), dbLong, 0, dbAutoIncrField},
+            {QStringLiteral("Position"), dbDouble},
+            {QStringLiteral("Message"), dbLong},
+            {QStringLiteral("Prize"), dbLong},
+            {QStringLiteral("Arrived"), dbDate},
+            {QStringLiteral("From"), dbText},
+            {QStringLiteral("Original"), dbMemo},
+            {QStringLiteral("Text"), dbMemo},
+            {QStringLiteral("AddedBy"), dbText},
+            {QStringLiteral("State"), dbLong},
+            {QStringLiteral("When"), dbDate},
+            {QStringLiteral("StateBy"), dbText},
+        },
+        {{QStringLiteral("Main"), {QStringLiteral("Reference")}}},
+    };
+    return shape;
+}

@@ -226,6 +226,11 @@ bool cTolvaDatabase::TakeChanges() const
     return Station_->Database && Station_->Database->TakeChanges();
 }
 
+dao::Database& cTolvaDatabase::File() const
+{
+    return Station_->OpenedDatabase();
+}
+
 std::unique_ptr<dao::Recordset> cTolvaDatabase::OpenSnapshot(const QString& sql) const
 {
     return Station_->OpenSnapshot(sql);

@@ -203,6 +203,9 @@ public:
     quint64 MarkOfMessageRows(const QStringList& columns, const QString& condition, const QString& order) const;
     /// A snapshot of any SELECT. dao::Error as above.
     std::unique_ptr<dao::Recordset> OpenSnapshot(const QString& sql) const;
+    /// The opened file, for stores that keep a table of their own in it, until it is closed. dao::Error 3420 on a
+    /// closed object.
+    dao::Database& File() const;
     /// As dao::Database has them, for the watch; false while the station is closed.
     bool BeginBeingTold() const;
     bool TakeChanges() const;

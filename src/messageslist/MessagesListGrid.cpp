@@ -7,6 +7,7 @@
 #include "common/kvGeneral.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageFile.h"
+#include "messageslist/MessagesListColumns.h"
 #include "messageslist/MessagesListTexts.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/mail/MessageReader.h"
@@ -113,4 +114,17 @@ QString uMessagesList::WritePromisedFile(qint32 reference)
     if (!PromisedFiles_.contains(path))
         PromisedFiles_.append(path);
     return path;
+}
+
+void uMessagesList::SetRowNotes(std::function<QString(qint32 reference)> noteOf)
+{
+    std::function<QString(int row)> ofRow;
+    if (noteOf)
+        ofRow = [this, noteOf = std::move(noteOf)](int row) { return noteOf(ReferenceOfRow(row)); };
+    grdList_->SetRowNotes(colSubject, std::move(ofRow));
+}
+
+void uMessagesList::ShowRowNotes()
+{
+    grdList_->ShowNotes();
 }

@@ -112,6 +112,11 @@ public:
     /// How many unread messages stand in each folder, by its number, for the tree to show behind the names. Those that
     /// are missing have none; so have all at first.
     void SetUnreadCounts(const QHash<qint32, int>& counts);
+    /// Words at the end of a message's row, such as who is answering it: asked for by its reference whenever its row is
+    /// painted, so that they cost nothing for the others. None at first.
+    void SetRowNotes(std::function<QString(qint32 reference)> noteOf);
+    /// They are others now.
+    void ShowRowNotes();
     /// The tabs above the rows: everybody's messages and one's own, one's own alone, and all.
     void SetTabs(const QStringList& captions);
     bool DisplayNewMessage() const { return DisplayNewMessage_; }

@@ -27,6 +27,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -53,12 +54,16 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
       Body_(new BodyEdit(this)),
       FileList_(new QListWidget(this)),
       Note_(new QLabel(this)),
-      Length_(new QLabel(this))
+      Length_(new QLabel(this)),
+      Sides_(new QSplitter(Qt::Horizontal, this))
 {
     setObjectName(QStringLiteral("composeWindow"));
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);
-    setCentralWidget(MakeForm());
+    Sides_->setChildrenCollapsible(false);
+    Sides_->addWidget(MakeForm());
+    setCentralWidget(Sides_);
+    resize(720, 560);
     MakeActions();
     Show(composition);
     Stored_ = Current();
@@ -73,7 +78,6 @@ ComposeWindow::ComposeWindow(DeskStation& station, const Composition& compositio
     connect(Body_, &BodyEdit::FilesOffered, this, &ComposeWindow::AddFiles);
     KeepTimer_.setInterval(KeepMilliseconds);
     connect(&KeepTimer_, &QTimer::timeout, this, &ComposeWindow::KeepUnsent);
-    resize(720, 560);
 }
 
 QWidget* ComposeWindow::MakeForm()
@@ -174,6 +178,8 @@ void ComposeWindow::MakeActions()
     QAction* urgent = add("urgent", QString(), tr("&Urgent"), tr("Tells who gets the message that it is urgent"), {});
     urgent->setCheckable(true);
     menu->addSeparator();
+    MakeAnswerActions(*menu);
+    menu->addSeparator();
     QAction* close =
         add("closeCompose", QString(), tr("&Close"), tr("Closes this window"), {QKeySequence(Qt::CTRL | Qt::Key_W)});
     bar->addAction(send);
@@ -223,6 +229,9 @@ void ComposeWindow::Show(const Composition& composition)
     findChild<QAction*>(QStringLiteral("urgent"))->setEnabled(!isText);
     findChild<QAction*>(QStringLiteral("urgent"))->setChecked(composition.IsUrgent);
     Length_->setVisible(isText);
+    ShowOriginal_->setEnabled(composition.Answers != 0);
+    // A text message quotes nothing.
+    ShowOriginal_->setChecked(isText && composition.Answers != 0);
     ShowLength();
     Subject_->setCursorPosition(0);
     ShowFiles();
@@ -362,6 +371,7 @@ bool ComposeWindow::File(Composing::Filing filing)
     if (outcome == DraftStore::Outcome::Saved) {
         Stored_ = composition;
         KeepUnsent();
+        Q_EMIT Stored(Reference(), filing == Composing::Filing::Outgoing);
         return true;
     }
     Words::Warn(tr("The message was not saved. %1\n\nNothing that you wrote is lost: this window stays open.")

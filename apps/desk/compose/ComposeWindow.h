@@ -15,6 +15,9 @@ class QAction;
 class QLabel;
 class QLineEdit;
 class QListWidget;
+class QMenu;
+class QSplitter;
+class PreviewPane;
 
 /// The window in which one message is written. Sending files it in the Outbox for the mailer; nothing is sent from
 /// here. It closes itself when the message is filed, and never while what was typed is neither stored nor given up by
@@ -51,11 +54,15 @@ public Q_SLOTS:
     bool Send();
     bool SaveDraft();
     void ChooseFiles();
+    /// The message that is answered, beside what is written.
+    void ShowOriginal(bool isShown);
     void RemoveSelectedFiles();
 
 Q_SIGNALS:
     /// It is stored: as a draft, or in the Outbox.
     void Filed(const QString& words);
+    /// Before Filed: under what number, and whether it goes out.
+    void Stored(qint32 reference, bool goesOut);
     /// The writer asks for the directory's entry of a recipient; the name may be empty.
     void ContactWanted(const QString& name, const QString& address);
 
@@ -68,6 +75,9 @@ private:
     void MakeActions();
     QWidget* MakeForm();
     void Show(const Composition& composition);
+    void MakeAnswerActions(QMenu& menu);
+    void FillTemplates(QMenu& menu);
+    void InsertTemplate(const QString& name);
     void ReadContacts();
     void FocusAfter(const QWidget* box);
     void FocusProblem();
@@ -99,4 +109,7 @@ private:
     QLabel* Note_;
     QLabel* Length_; ///< Of a text message.
     QAction* Remove_ = nullptr;
+    QSplitter* Sides_;
+    PreviewPane* Original_ = nullptr; ///< Made when it is first shown.
+    QAction* ShowOriginal_ = nullptr;
 };

@@ -97,6 +97,7 @@ Composition TextReply(const cMessage& original)
 {
     Composition composition;
     composition.Type = emtSMS;
+    composition.Answers = original.Reference();
     const cdo::Message& mail = *original.CDOMessage();
     composition.To = original.Category() == tmcSent || original.Category() == tmcOutbox ? mail.To() : mail.From();
     return composition;
@@ -190,6 +191,7 @@ Composition Composing::Reply(const cMessage& original, const Writer& writer)
     if (original.MessageType() == emtSMS)
         return TextReply(original);
     Composition composition;
+    composition.Answers = original.Reference();
     const cdo::Message& mail = *original.CDOMessage();
     composition.To = Joined(Addresses::Without(Answered(original, writer), {}));
     composition.Subject = ReplySubject(mail.Subject());

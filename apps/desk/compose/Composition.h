@@ -34,6 +34,7 @@ struct Composition
     bool IsUrgent = false; ///< Says so in its header, and in the list.
     QString InReplyTo;     ///< Message-IDs with their angle brackets.
     QString References;    ///< The same, divided by blanks.
+    qint32 Answers = 0;    ///< The stored message that this answers, while the desk knows; 0 for none.
 
     friend bool operator==(const Composition&, const Composition&) = default;
 };

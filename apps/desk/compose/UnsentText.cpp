@@ -29,6 +29,7 @@ const QString BodyKey = QStringLiteral("body");
 const QString UrgentKey = QStringLiteral("urgent");
 const QString InReplyToKey = QStringLiteral("inReplyTo");
 const QString ReferencesKey = QStringLiteral("references");
+const QString AnswersKey = QStringLiteral("answers");
 
 QCborMap WordsOf(const Composition& text)
 {
@@ -103,6 +104,7 @@ FileStatus UnsentText::Keep(const Content& content)
     map.insert(StationKey, content.Station);
     map.insert(DraftKey, content.Draft);
     map.insert(DigestKey, content.DraftDigest);
+    map.insert(AnswersKey, content.Text.Answers);
     return WholeFile::Write(Name_, QCborValue(map).toCbor(), IfThere::Replace);
 }
 
@@ -135,6 +137,7 @@ bool UnsentText::Read(Content& content)
     text.IsUrgent = map.value(UrgentKey).toBool();
     text.InReplyTo = map.value(InReplyToKey).toString();
     text.References = map.value(ReferencesKey).toString();
+    text.Answers = static_cast<qint32>(map.value(AnswersKey).toInteger());
     text.Files = FilesIn(ValueIn(FilesName()).toArray());
     KeptFiles_ = text.Files;
     return true;

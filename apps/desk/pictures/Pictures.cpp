@@ -5,6 +5,7 @@
 #include "Desk.h"
 #include "ExitCode.h"
 #include "Failure.h"
+#include "OnAirPictures.h"
 #include "PrizePictures.h"
 #include "PrizeSheet.h"
 #include "StationPlace.h"
@@ -144,6 +145,9 @@ public:
             Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
             [this] { Settle(); });
         PrintingOfPrize();
+        OnAirPictures::Take(
+            Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
+            [this] { Settle(); });
         Searching();
         if (withLarge)
             Large();

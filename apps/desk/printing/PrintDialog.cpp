@@ -37,7 +37,10 @@ PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob 
     : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job))
 {
     setObjectName(QStringLiteral("printDialog"));
-    setWindowTitle(IsOfPrize() ? tr("Print prize") : IsOfMany() ? tr("Print messages") : tr("Print message"));
+    setWindowTitle(IsOfOrder()   ? tr("Print running order")
+                   : IsOfPrize() ? tr("Print prize")
+                   : IsOfMany()  ? tr("Print messages")
+                                 : tr("Print message"));
     auto* layout = new QGridLayout(this);
     layout->addWidget(MakeChoice(), 0, 0);
     layout->addWidget(MakePreview(), 0, 1);
@@ -70,16 +73,20 @@ bool PrintDialog::Run(Work&& work)
 
 bool PrintDialog::IsOfMany() const
 {
-    return !Job_.Message && !IsOfPrize() && Job_.References.size() != 1;
+    return !Job_.Message && IsOfMessages() && Job_.References.size() != 1;
 }
 
 PagePrinting::TemplateKind PrintDialog::Kind() const
 {
+    if (IsOfOrder())
+        return PagePrinting::TemplateKind::OnAir;
     return IsOfPrize() ? PagePrinting::TemplateKind::Prizes : PagePrinting::TemplateKind::Messages;
 }
 
 QString PrintDialog::TemplateState() const
 {
+    if (IsOfOrder())
+        return QStringLiteral("PrintDialog/TemplateOfOrder");
     if (IsOfPrize())
         return QStringLiteral("PrintDialog/TemplateOfPrize");
     return IsOfMany() ? QStringLiteral("PrintDialog/TemplateOfMany") : QStringLiteral("PrintDialog/TemplateOfOne");
@@ -113,6 +120,10 @@ bool PrintDialog::Prepare()
 {
     if (IsOfPrize()) {
         Subject_ = Job_.Prize->Title;
+        return true;
+    }
+    if (IsOfOrder()) {
+        Subject_ = tr("Running order");
         return true;
     }
     bool isWhole = false;
@@ -175,6 +186,10 @@ void PrintDialog::FillPage()
         PagePrinting::FindTemplate(Station_.Database(), Template_->currentData().toString(), Kind());
     if (IsOfPrize()) {
         Document_ = std::make_shared<SafeDocument>(PrizePage::Fill(pageTemplate.Text, {*Job_.Prize}));
+        return;
+    }
+    if (IsOfOrder()) {
+        Document_ = std::make_shared<SafeDocument>(OnAirPage::Fill(pageTemplate.Text, Job_.Order, Station_.Name()));
         return;
     }
     // A template with a list of its own says itself where pages begin.
@@ -250,6 +265,8 @@ QString PrintDialog::ContentWords() const
 {
     if (IsOfPrize())
         return tr("1 prize");
+    if (IsOfOrder())
+        return Job_.Order.size() == 1 ? tr("1 entry") : tr("%1 entries").arg(QLocale().toString(Job_.Order.size()));
     const int count = CountMessages();
     return count == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(count));
 }
@@ -273,7 +290,8 @@ void PrintDialog::UpdateParts()
         Count_->setText(IsLayingOut_ || !HasContent() ? tr("The pages are being laid out...") : QString());
     QString note = PagePrinting::WithheldWords(Withheld_);
     if (Document_ && Document_->IsTextOnly)
-        note = IsOfPrize()
+        note = IsOfOrder() ? tr("The running order is too large to be laid out; the pages hold its text alone.")
+               : IsOfPrize()
                    ? tr("This prize is too large to be laid out; the pages hold its text alone.")
                    : tr("These messages are too large to be laid out together; the pages hold their text alone.");
     if (Pages_ && Pages_->HasPlainText())
@@ -340,7 +358,7 @@ void PrintDialog::Print()
 
 QString PrintDialog::FileName() const
 {
-    const bool isOfOne = IsOfPrize() || CountMessages() == 1;
+    const bool isOfOne = !IsOfMessages() || CountMessages() == 1;
     const QString name = isOfOne && !Subject_.trimmed().isEmpty() ? Subject_ : Template_->currentText();
     return FileNames::Cleaned(name + QStringLiteral(".pdf"));
 }

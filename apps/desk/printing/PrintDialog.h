@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "OnAirPage.h"
 #include "PagePrinting.h"
 #include "PrizePage.h"
 #include "platform/widgets/PrintedPages.h"
@@ -22,12 +23,14 @@ class QPushButton;
 class QScrollArea;
 class QSpinBox;
 
-/// What is to be printed: messages of the station by their numbers, one that a window shows as it is there, or a prize.
+/// What is to be printed: messages of the station by their numbers, one that a window shows as it is there, a prize, or
+/// the running order.
 struct PrintJob
 {
     QList<qint32> References;
     cMessagePtr Message;
     std::optional<PrizePage::Prize> Prize = std::nullopt;
+    QList<OnAirEntry> Order = {};
 };
 
 /// Prints messages, or a prize: by which of the station's templates, how, on which paper, with the pages as they will
@@ -66,7 +69,9 @@ private:
     bool IsOfMany() const;
     bool IsOfPrize() const { return Job_.Prize.has_value(); }
     PagePrinting::TemplateKind Kind() const;
-    bool HasContent() const { return IsOfPrize() || CountMessages() > 0; }
+    bool IsOfOrder() const { return !Job_.Order.isEmpty(); }
+    bool IsOfMessages() const { return !IsOfPrize() && !IsOfOrder(); }
+    bool HasContent() const { return !IsOfMessages() || CountMessages() > 0; }
     int CountMessages() const { return Single_ ? 1 : Messages_->Count(); }
     QString ContentWords() const;
     void FillPage();
@@ -92,7 +97,7 @@ private:
     std::shared_ptr<PagePrinting::PreparedMessages> Messages_ = std::make_shared<PagePrinting::PreparedMessages>();
     cMessagePtr Single_;
     int Withheld_ = 0;                             ///< Messages of whose content something was left out.
-    QString Subject_;                              ///< Of a single message; a prize's title.
+    QString Subject_;                              ///< Of a single message; a prize's or the order's title.
     std::function<QString()> Filled_;              ///< The filled template, until it has been made safe.
     std::shared_ptr<const SafeDocument> Document_; ///< Null until then.
     /// False ends the layout that runs.

@@ -71,7 +71,7 @@ QWidget* PrintDialog::MakeChoice()
     Paper_->setCurrentIndex(isLetter ? 1 : 0);
     for (QCheckBox* check : {Bold_, Italic_, PageEach_}) {
         check->setChecked(Settings_.State(QStringLiteral("PrintDialog/") + check->objectName()) == "1");
-        check->setVisible(!IsOfPrize());
+        check->setVisible(IsOfMessages());
         connect(check, &QCheckBox::toggled, this, &PrintDialog::Fill);
     }
     connect(Template_, &QComboBox::currentIndexChanged, this, &PrintDialog::Fill);
@@ -156,9 +156,10 @@ void PrintDialog::FillTemplates()
     for (qsizetype i = 0; i < names.size(); ++i)
         Template_->addItem(titles.count(titles.at(i)) == 1 ? titles.at(i) : names.at(i), names.at(i));
     const QString remembered = QString::fromUtf8(Settings_.State(TemplateState()));
-    const QString usual = IsOfPrize()  ? PrizeSheet::UsualTemplate
-                          : IsOfMany() ? QStringLiteral("MessageList-Whole messages")
-                                       : QStringLiteral("Message-Single message");
+    const QString usual = IsOfOrder()   ? OnAirPage::UsualTemplate
+                          : IsOfPrize() ? PrizeSheet::UsualTemplate
+                          : IsOfMany()  ? QStringLiteral("MessageList-Whole messages")
+                                        : QStringLiteral("Message-Single message");
     int index = Template_->findData(remembered);
     if (index < 0)
         index = Template_->findData(usual, Qt::UserRole, Qt::MatchFixedString);

@@ -11,6 +11,7 @@
 #include "RowRecovery.h"
 #include "StationPlace.h"
 #include "Words.h"
+#include "answering/AnsweringDesk.h"
 #include "common/UserPreferences.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
@@ -23,6 +24,7 @@
 #include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
+#include "onair/OnAirDesk.h"
 #include "platform/widgets/Icons.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
@@ -165,6 +167,9 @@ void MainWindow::MakeParts()
     Search_ = new SearchDesk(*Station_, Settings_, *this);
     SameMail_ = new SameMailNotice(*Station_, Search_->Service(), SameMailNotice::Place::BesideList, *this);
     Song_ = new SongDesk(*Station_, *List_, *this);
+    Answering_ = new AnsweringDesk(*Station_, *List_, *this);
+    OnAir_ = new OnAirDesk(*Station_, Settings_, *this);
+    ConnectOnAir();
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
     Splitter_->addWidget(List_);
@@ -362,6 +367,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
     SaveSizes();
     Search_->Leave();
+    Answering_->Leave();
     // Ends a fill that is under way.
     WatchTimer_.stop();
     Station_->Database().CloseTolvaDatabase();
@@ -375,6 +381,7 @@ void MainWindow::TakeSelection(const cMessagePtr& message)
     Preview_->Select(message);
     Sending_->Notice().Show(message);
     SameMail_->Show(message);
+    Answering_->Show(message);
     for (const char* name : {"reply", "replyAll", "forward", "awardToSender", "senderContact"})
         Action(name)->setEnabled(message != nullptr && !Prizes_->IsOnShow());
 }
@@ -431,6 +438,7 @@ void MainWindow::TakeUpdate()
                       : QString());
     CountTimer_.start();
     Sending_->TakeUpdate();
+    Answering_->TakeUpdate();
     for (MessageWindow* window : MessageWindows())
         window->CheckStored();
 }

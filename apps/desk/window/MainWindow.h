@@ -19,6 +19,7 @@
 #include <optional>
 #include <vector>
 
+class AnsweringDesk;
 class ArrivalCue;
 class ComposeWindow;
 class ContactDesk;
@@ -27,6 +28,7 @@ class MessageCommands;
 class MessageWindow;
 class MessageUndo;
 class NoticeBar;
+class OnAirDesk;
 class PreviewPane;
 class PrizeDesk;
 class SameMailNotice;
@@ -56,6 +58,7 @@ public:
     PrizeDesk& Prizes() { return *Prizes_; }
     ContactDesk& Contacts() { return *Contacts_; }
     SearchDesk& Search() { return *Search_; }
+    OnAirDesk& OnAir() { return *OnAir_; }
 
     /// A run-time error of a control; true when this window has met it: that the station was put back from a backup.
     bool TakeRunTimeError(const dao::Error& error);
@@ -134,8 +137,12 @@ private:
     void TakeNewMessage(const cMessagePtr& message);
     void OfferUnsent();
     void OpenUnsent();
+    void Answer(const cMessagePtr& original, bool toAll);
+    void ComposeSigned(const Composition& composition);
     ComposeWindow* ShowCompose(const Composition& composition, const cMessagePtr& draft, UnsentText file);
     void TakeOpenMessage(const cMessagePtr& message);
+    void ConnectOnAir();
+    QString RowNoteOf(qint32 message) const;
     void ConnectContacts();
     void ConnectSearch();
     void OpenFound(qint32 reference);
@@ -196,6 +203,8 @@ private:
     SameMailNotice* SameMail_ = nullptr;
     SendingDesk* Sending_ = nullptr;
     SongDesk* Song_ = nullptr;
+    AnsweringDesk* Answering_ = nullptr;
+    OnAirDesk* OnAir_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* ReadOnly_ = nullptr;

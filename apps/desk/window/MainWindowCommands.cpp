@@ -4,12 +4,18 @@
 
 #include "MainWindow.h"
 #include "NoticeBar.h"
+#include "answering/AnsweringDesk.h"
+#include "database/watch/StationWatch.h"
 #include "messages/MessageCommands.h"
 #include "messages/PreviewPane.h"
 #include "messages/StoredState.h"
 #include "messageslist/uMessagesList.h"
+#include "onair/OnAirDesk.h"
 #include "platform/widgets/Icons.h"
 #include "printing/PrintDialog.h"
+#include "prizes/PrizeDesk.h"
+#include "prizes/PrizesPage.h"
+#include "prizes/controls/uPrizesList.h"
 
 #include <QAction>
 #include <QMenu>
@@ -94,4 +100,31 @@ void MainWindow::MakeFolderCommands(QMenu& menu)
                               QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Y));
     connect(move, &QAction::triggered, this, [this] { Run([this] { Commands_->MoveToFolder(); }); });
     connect(copy, &QAction::triggered, this, [this] { Run([this] { Commands_->CopyToFolder(); }); });
+}
+
+/// The key puts on the order what is selected on the page on show.
+void MainWindow::ConnectOnAir()
+{
+    List_->SetRowNotes([this](qint32 message) { return RowNoteOf(message); });
+    connect(OnAir_, &OnAirDesk::Changed, List_, &uMessagesList::ShowRowNotes);
+    connect(OnAir_, &OnAirDesk::Told, this, &MainWindow::Say);
+    connect(OnAir_, &OnAirDesk::WindowOpened, this, [this](QMainWindow* window) {
+        Windows_.removeAll(nullptr);
+        Windows_.append(window);
+    });
+    connect(OnAir_, &OnAirDesk::PrintWanted, this, &MainWindow::PrintMessages);
+    connect(OnAir_, &OnAirDesk::Wanted, this, [this] {
+        if (Prizes_->IsOnShow())
+            OnAir_->PutPrize(Prizes_->Page().List().SelectedReference());
+        else
+            OnAir_->PutMessages(List_->SelectedReferences());
+    });
+    connect(&Station_->Database().Watch(), &StationWatch::Polled, OnAir_, &OnAirDesk::Look, Qt::QueuedConnection);
+}
+
+QString MainWindow::RowNoteOf(qint32 message) const
+{
+    QStringList notes{Answering_->NoteOf(message), OnAir_->NoteOf(message)};
+    notes.removeAll(QString());
+    return notes.join(QStringLiteral("; "));
 }

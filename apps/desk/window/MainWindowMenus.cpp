@@ -6,6 +6,7 @@
 #include "DeskSettings.h"
 #include "MainWindow.h"
 #include "ShortcutsDialog.h"
+#include "answering/AnsweringDesk.h"
 #include "common/UserPreferences.h"
 #include "common/dialogs/frmDirectoryUsers.h"
 #include "contacts/ContactDesk.h"
@@ -14,6 +15,7 @@
 #include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
+#include "onair/OnAirDesk.h"
 #include "platform/widgets/Icons.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
@@ -151,6 +153,7 @@ void MainWindow::MakeMessageMenu()
     menu->addAction(Sending_->Notice().Action());
     menu->addAction(Prizes_->MakeAwardToSenderAction());
     menu->addAction(Contacts_->MakeSenderAction());
+    menu->addAction(OnAir_->PutAction());
     Search_->AddToMessageMenu(*menu, [this] {
         cMessagePtr message;
         Run([&] { message = SelectedMessage(); });
@@ -178,6 +181,7 @@ void MainWindow::MakeViewMenu()
     menu->addAction(Song_->Action());
     Song_->Action()->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B));
     Search_->AddToViewMenu(*menu);
+    menu->addAction(OnAir_->ShowAction());
     menu->addSeparator();
     QAction* next = AddAction(menu, "nextPane", QString(), tr("&Next part of the window"), QKeySequence(Qt::Key_F6));
     QAction* previous = AddAction(menu, "previousPane", QString(), tr("&Previous part of the window"),
@@ -319,6 +323,7 @@ QWidget* MainWindow::MakeMessageSide()
     layout->addWidget(MessageBar_);
     layout->addWidget(&Sending_->Notice().Bar());
     layout->addWidget(&SameMail_->Bar());
+    layout->addWidget(&Answering_->Notice());
     layout->addWidget(Preview_, 1);
     return side;
 }

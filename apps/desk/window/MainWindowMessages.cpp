@@ -5,6 +5,8 @@
 #include "DeskSettings.h"
 #include "MainWindow.h"
 #include "NoticeBar.h"
+#include "answering/AnsweringDesk.h"
+#include "compose/AnswerTemplates.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
 #include "messages/MessageWindow.h"
@@ -53,6 +55,7 @@ ComposeWindow* MainWindow::ShowCompose(const Composition& composition, const cMe
 {
     auto* window = new ComposeWindow(*Station_, composition, draft);
     window->KeepIn(std::move(file));
+    Answering_->Watch(*window);
     window->setWindowIcon(windowIcon());
     Windows_.removeAll(nullptr);
     Windows_.append(window);
@@ -90,7 +93,9 @@ void MainWindow::OpenUnsent()
         const Composition text = kept.Text;
         Composition stored;
         stored.Type = text.Type;
-        ShowCompose(draft ? Composing::Continue(*draft) : stored, draft, std::move(found.File))->Recover(text);
+        ComposeWindow* window = ShowCompose(draft ? Composing::Continue(*draft) : stored, draft, std::move(found.File));
+        window->Recover(text);
+        Answering_->Watch(*window);
     }
 }
 
@@ -108,17 +113,16 @@ MessageWindow* MainWindow::OpenInWindow(const cMessagePtr& message)
     window->SetShowsSentDate(SortOrder() != mlsoReceived);
     Windows_.removeAll(nullptr);
     Windows_.append(window);
-    const auto writer = [this] { return Composing::WriterOf(Station_->Database()); };
+    Answering_->Watch(*window);
     connect(window, &MessageWindow::ReplyWanted, this,
-            [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Reply(*original, writer())); }); });
-    connect(window, &MessageWindow::ReplyToAllWanted, this, [=, this](const cMessagePtr& original) {
-        Run([&] { Compose(Composing::ReplyToAll(*original, writer())); });
-    });
+            [this](const cMessagePtr& original) { Run([&] { Answer(original, false); }); });
+    connect(window, &MessageWindow::ReplyToAllWanted, this,
+            [this](const cMessagePtr& original) { Run([&] { Answer(original, true); }); });
     connect(window, &MessageWindow::PrintWanted, this, [this, window](const cMessagePtr& original) {
         PrintMessages({{}, original}, window);
     });
     connect(window, &MessageWindow::ForwardWanted, this,
-            [=, this](const cMessagePtr& original) { Run([&] { Compose(Composing::Forward(*original)); }); });
+            [this](const cMessagePtr& original) { Run([&] { Compose(Composing::Forward(*original)); }); });
     connect(window, &MessageWindow::AwardToSenderWanted, this,
             [=, this](const cMessagePtr& original) { Run([&] { Prizes_->AwardToSender(original, window); }); });
     connect(window, &MessageWindow::SenderContactWanted, Contacts_, &ContactDesk::ShowSender);
@@ -153,20 +157,32 @@ void MainWindow::TakeGoneMessage()
     Run([this] { List_->ShowChanges(); });
 }
 
+/// A signature that cannot be read keeps nobody from writing.
+void MainWindow::ComposeSigned(const Composition& composition)
+{
+    QString problem;
+    Compose(AnswerTemplates::WithSignature(*Station_, composition, problem));
+    if (!problem.isEmpty())
+        Say(problem);
+}
+
+/// Nothing where somebody else answers it already and the user leaves it to them.
+void MainWindow::Answer(const cMessagePtr& original, bool toAll)
+{
+    if (!original || !Answering_->MayAnswer(*original))
+        return;
+    const Writer writer = Composing::WriterOf(Station_->Database());
+    ComposeSigned(toAll ? Composing::ReplyToAll(*original, writer) : Composing::Reply(*original, writer));
+}
+
 void MainWindow::Reply()
 {
-    Run([this] {
-        if (const cMessagePtr original = SelectedMessage())
-            Compose(Composing::Reply(*original, Composing::WriterOf(Station_->Database())));
-    });
+    Run([this] { Answer(SelectedMessage(), false); });
 }
 
 void MainWindow::ReplyToAll()
 {
-    Run([this] {
-        if (const cMessagePtr original = SelectedMessage())
-            Compose(Composing::ReplyToAll(*original, Composing::WriterOf(Station_->Database())));
-    });
+    Run([this] { Answer(SelectedMessage(), true); });
 }
 
 void MainWindow::Forward()
@@ -179,7 +195,7 @@ void MainWindow::Forward()
 
 void MainWindow::NewMessage()
 {
-    Compose(Composition());
+    ComposeSigned(Composition());
 }
 
 void MainWindow::NewTextMessage()

@@ -97,6 +97,28 @@ QList<TablePlan> Plans()
     };
 }
 
+/// Tables that are made when they are first written: a directory that can only be read opens without them.
+QList<TablePlan> LaterPlans()
+{
+    return {
+        {QStringLiteral("Answering"),
+         {{QStringLiteral("Entry"), dao::dbText},
+          {QStringLiteral("Message"), dao::dbLong},
+          {QStringLiteral("Name"), dao::dbText},
+          {QStringLiteral("Seconds"), dao::dbLong}},
+         {{QStringLiteral("Main"), {QStringLiteral("Entry")}, Uniqueness::Primary}}},
+        {QStringLiteral("Answers"),
+         {{QStringLiteral("Message"), dao::dbLong},
+          {QStringLiteral("Arrived"), dao::dbDate},
+          {QStringLiteral("Answer"), dao::dbLong},
+          {QStringLiteral("Name"), dao::dbText},
+          {QStringLiteral("When"), dao::dbDate}},
+         {{QStringLiteral("Main"), {QStringLiteral("Message"), QStringLiteral("Answer")}, Uniqueness::Primary},
+          {QStringLiteral("Answer"), {QStringLiteral("Answer")}, Uniqueness::Repeats},
+          {QStringLiteral("When"), {QStringLiteral("When")}, Uniqueness::Repeats}}},
+    };
+}
+
 template <typename Object>
 bool Holds(const dao::Collection<Object>& collection, const QString& name)
 {
@@ -173,6 +195,12 @@ void AddMissingParts(dao::Database& database, const TablePlan& plan)
                        [&] { table().Indexes().Append(MakeIndex(table(), index)); });
     }
 }
+
+void Complete(dao::Database& database, const TablePlan& plan)
+{
+    AddUnlessThere([&] { return Holds(database.TableDefs(), plan.Name); }, [&] { AddTable(database, plan); });
+    AddMissingParts(database, plan);
+}
 } // namespace
 
 namespace DirectoryTables
@@ -204,9 +232,26 @@ void AddMissing(dao::Database& database)
     const dao::Collection<dao::TableDef>& tables = database.TableDefs();
     if (std::all_of(plans.begin(), plans.end(), [&](const TablePlan& plan) { return HoldsAll(tables, plan); }))
         return;
-    for (const TablePlan& plan : plans) {
-        AddUnlessThere([&] { return Holds(database.TableDefs(), plan.Name); }, [&] { AddTable(database, plan); });
-        AddMissingParts(database, plan);
+    for (const TablePlan& plan : plans)
+        Complete(database, plan);
+}
+
+void AddLater(dao::Database& database, const QString& table)
+{
+    for (const TablePlan& plan : LaterPlans()) {
+        if (plan.Name == table && !HoldsAll(database.TableDefs(), plan))
+            Complete(database, plan);
+    }
+}
+
+std::unique_ptr<dao::Recordset> OpenIfThere(dao::Database& database, const QString& select)
+{
+    try {
+        return database.OpenRecordset(select, dao::dbOpenSnapshot);
+    } catch (const dao::Error& error) {
+        if (error.Number() == dao::errTableNotFound || error.Number() == dao::errServerTableNotFound)
+            return nullptr;
+        throw;
     }
 }
 

@@ -16,6 +16,12 @@ std::unique_ptr<dao::Database> OpenFile(const QString& fileName);
 /// here, so that programs of different age share one directory.
 void AddMissing(dao::Database& database);
 
+/// Makes one of the tables that are made when they are first written, and what it lacks: "Answering" or "Answers".
+void AddLater(dao::Database& database, const QString& table);
+
+/// A snapshot of a SELECT over such tables; null where they have not been made yet.
+std::unique_ptr<dao::Recordset> OpenIfThere(dao::Database& database, const QString& select);
+
 /// Opens the table with the index in force.
 std::unique_ptr<dao::Recordset> OpenTable(dao::Database& database, const QString& table, const QString& index);
 

@@ -345,3 +345,14 @@ QString FlexGrid::RowAccessibleText(int row) const
 {
     return Model_->RowAccessibleText(row);
 }
+
+void FlexGrid::SetRowNotes(int col, std::function<QString(int row)> noteOf)
+{
+    Model_->SetNotes(col, std::move(noteOf));
+    ShowNotes();
+}
+
+void FlexGrid::ShowNotes()
+{
+    viewport()->update();
+}

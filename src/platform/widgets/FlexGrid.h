@@ -3,6 +3,7 @@
 
 #include <QTableView>
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <vector>
@@ -93,6 +94,10 @@ public:
     /// What a screen reader says of each cell of the row before the cell's own text, such as "unread, urgent".
     void SetRowAccessibleText(int row, const QString& text);
     QString RowAccessibleText(int row) const;
+    /// Words that stand at the end of the last line of the row's cell in that column, over its text, and that a screen
+    /// reader says: asked for whenever a row is seen, and by ShowNotes for those on the screen. Null takes them away.
+    void SetRowNotes(int col, std::function<QString(int row)> noteOf);
+    void ShowNotes();
 
     /// The row under a vertical position; 0 where there is none, and while redraw is off.
     int RowAt(double yTwips) const;

@@ -19,6 +19,9 @@ constexpr double SelectedShare = 0.3;
 /// How much of the selection's colour is left in a grid that does not have the focus.
 constexpr double UnfocusedShare = 0.45;
 constexpr double SeparatorShare = 0.12;
+/// How much of a cell's width a note takes at most, and of the selection's colour is in its ground.
+constexpr double NoteShare = 0.7;
+constexpr double NoteGroundShare = 0.25;
 
 bool IsSelected(const QStyleOptionViewItem& option)
 {
@@ -92,7 +95,31 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         painter->setPen(textColour);
         PaintText(painter, option, place, text, model->Alignment(index.column()));
     }
+    if (const QString note = model->Note(row, index.column()); !note.isEmpty() && place.width() > 0)
+        PaintNote(painter, option, place, note, style);
     painter->restore();
+}
+
+/// At the end of the last line, on a ground of its own that covers the text below.
+void FlexGridDelegate::PaintNote(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place,
+                                 const QString& note, const CellStyle& style)
+{
+    painter->setFont(option.font);
+    const QFontMetrics metrics(option.font);
+    const int height = metrics.lineSpacing();
+    const auto widest = static_cast<int>(place.width() * NoteShare);
+    const QString text = metrics.elidedText(note, Qt::ElideRight, widest - 2 * Padding);
+    const QSize size(std::min(widest, metrics.horizontalAdvance(text) + 2 * Padding), height);
+    const QRect box = QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignBottom, size, place);
+    const QColor ground =
+        Contrast::Blend(BackgroundOf(style, option), option.palette.color(QPalette::Highlight), NoteGroundShare);
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(ground);
+    painter->drawRoundedRect(box, Padding, Padding);
+    painter->setPen(Contrast::Readable(option.palette.color(QPalette::Text), ground));
+    painter->setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter->drawText(box, Qt::AlignCenter | Qt::TextSingleLine, text);
 }
 
 QColor FlexGridDelegate::BackgroundOf(const CellStyle& style, const QStyleOptionViewItem& option)

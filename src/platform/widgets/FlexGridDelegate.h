@@ -28,4 +28,6 @@ private:
     static int PaintPicture(QPainter* painter, const QStyleOptionViewItem& option, const QIcon& picture, bool alone);
     static void PaintText(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place,
                           const QString& text, Qt::Alignment alignment);
+    static void PaintNote(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place,
+                          const QString& note, const CellStyle& style);
 };

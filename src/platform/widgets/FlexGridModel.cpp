@@ -432,9 +432,20 @@ QVariant FlexGridModel::headerData(int section, Qt::Orientation orientation, int
     return QAbstractTableModel::headerData(section, orientation, role);
 }
 
+void FlexGridModel::SetNotes(int col, std::function<QString(int row)> noteOf)
+{
+    NoteCol_ = col;
+    NoteOf_ = std::move(noteOf);
+}
+
+QString FlexGridModel::Note(int row, int col) const
+{
+    return NoteOf_ && col == NoteCol_ && row > 0 && row < Rows_ ? NoteOf_(row) : QString();
+}
+
 QString FlexGridModel::AccessibleText(int row, int col) const
 {
-    QStringList parts{RowAccessibleText(row)};
+    QStringList parts{RowAccessibleText(row), Note(row, NoteCol_)};
     QString text = Text(row, col);
     text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     parts += text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);

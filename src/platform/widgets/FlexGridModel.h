@@ -102,6 +102,10 @@ public:
     void ClearRowHeights();
     QString RowAccessibleText(int row) const;
     void SetRowAccessibleText(int row, const QString& text);
+    /// FlexGrid::SetRowNotes.
+    void SetNotes(int col, std::function<QString(int row)> noteOf);
+    /// The note of that cell; empty for none.
+    QString Note(int row, int col) const;
     Qt::Alignment Alignment(int col) const;
     void SetAlignment(int col, Qt::Alignment alignment);
 
@@ -148,6 +152,8 @@ private:
     std::deque<float> Heights_ = {-1};
     std::deque<qint32> AccessibleOfRow_ = {0};
 
+    std::function<QString(int row)> NoteOf_; ///< Null while there are none.
+    int NoteCol_ = 0;
     std::vector<Qt::Alignment> Alignments_;
     std::vector<CellStyle> Styles_ = {{}};
     QHash<CellStyle, qint32> StyleIndices_ = {{{}, 0}};

@@ -353,3 +353,27 @@ TEST(FlexGridLinesTest, ALongTextIsWrappedAndItsLastLineElided)
     EXPECT_TRUE(lines.last().startsWith(QStringLiteral("jumps")));
     EXPECT_TRUE(lines.last().endsWith(QChar(0x2026)));
 }
+
+TEST_F(FlexGridPaintTest, ANoteStandsAtTheEndOfItsRowAndIsReadableAndSpoken)
+{
+    Fill(3);
+    ShowWith(LightPalette());
+    const QImage before = Image(2, 2);
+    const QImage other = Image(1, 2);
+    Grid.SetRowNotes(
+        2, [this](int row) { return Grid.TextMatrix(row, 0) == u"1002" ? QStringLiteral("Petra") : QString(); });
+    const QImage after = Image(2, 2);
+    EXPECT_EQ(Image(1, 2), other);
+    ASSERT_EQ(after.size(), before.size());
+    // The subject before it stays as it was.
+    EXPECT_EQ(after.copy(0, 0, 40, after.height()), before.copy(0, 0, 40, before.height()));
+    EXPECT_NE(after.copy(after.width() - 40, 0, 40, after.height()),
+              before.copy(before.width() - 40, 0, 40, before.height()));
+    const QColor ground = after.pixelColor(after.width() - 7, after.height() / 2);
+    EXPECT_NE(ground, before.pixelColor(before.width() - 7, before.height() / 2)) << "it has a ground of its own";
+    const QModelIndex cell = Grid.model()->index(1, 2);
+    EXPECT_EQ(cell.data(Qt::AccessibleTextRole).toString(), QStringLiteral("Petra, Subject 2"));
+    Grid.SetRowNotes(2, nullptr);
+    EXPECT_EQ(Image(2, 2), before);
+    EXPECT_EQ(cell.data(Qt::AccessibleTextRole).toString(), QStringLiteral("Subject 2"));
+}

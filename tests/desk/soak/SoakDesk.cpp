@@ -2,7 +2,8 @@
 
 // A desk in a process of its own, driven by words on its standard input: "work" marks, moves and awards without pause,
 // "write" opens a new message and types into it, "rest" ends the work, "rows" prints what its list shows of the Inbox,
-// "prizes" what its page of prizes shows, "end" ends it. Each answer is one line.
+// "prizes" what its page of prizes shows, "reply N" begins an answer to the message N, "close" closes what is written,
+// "end" ends it. Each answer is one line.
 //   soakDesk FOLDER SETTINGS
 
 #include "DeskSettings.h"
@@ -158,6 +159,21 @@ void Write(MainWindow& window)
     }
 }
 
+/// As somebody does who has selected it. Again until its list shows the message.
+void Reply(MainWindow& window, qint32 reference)
+{
+    if (window.List().IsFilling() || !window.List().SelectMessage(reference))
+        QTimer::singleShot(WorkMilliseconds, &window, [&window, reference] { Reply(window, reference); });
+    else
+        window.Reply();
+}
+
+void Close(const MainWindow& window)
+{
+    for (ComposeWindow* compose : window.ComposeWindows())
+        compose->close();
+}
+
 void Obey(const QByteArray& word, MainWindow& window, Worker& worker)
 {
     if (word == "work")
@@ -166,6 +182,10 @@ void Obey(const QByteArray& word, MainWindow& window, Worker& worker)
         Answer(QJsonDocument(worker.Rest()));
     else if (word == "write")
         Write(window);
+    else if (word.startsWith("reply "))
+        Reply(window, word.mid(6).toInt());
+    else if (word == "close")
+        Close(window);
     else if (word == "rows")
         Answer(QJsonDocument(window.List().IsFilling() ? QJsonArray() : TextsOf(window.List(), "grdMessages")));
     else if (word == "prizes")

@@ -16,6 +16,7 @@
 #include "database/dialogs/frmDatabaseSettings.h"
 #include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
+#include "onair/OnAirDesk.h"
 #include "printing/LabelsDialog.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeChooser.h"
@@ -87,12 +88,15 @@ protected:
         Window->Contacts().Window()->ShowContact(Contact);
         Prizes().OpenPrize(Prize);
         Prizes().OpenWinner(Winner);
+        Window->OnAir().PutMessages({Message});
+        Window->OnAir().ShowWindow();
         const QList<QWidget*> windows = {Window.get(),
                                          Window->MessageWindows().value(0),
                                          Window->ComposeWindows().value(0),
                                          Window->Contacts().Window(),
                                          OnlyPrizeWindow(),
-                                         OnlyWinnerWindow()};
+                                         OnlyWinnerWindow(),
+                                         Window->OnAir().Window()};
         EXPECT_FALSE(windows.contains(nullptr));
         const PreviewPane* message = Window->MessageWindows().value(0)->findChild<PreviewPane*>();
         EXPECT_TRUE(WaitUntil([message] { return message->IsLoaded(); }));

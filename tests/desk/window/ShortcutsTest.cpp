@@ -7,6 +7,7 @@
 #include "contacts/ContactDesk.h"
 #include "contacts/ContactsWindow.h"
 #include "messages/MessageWindow.h"
+#include "onair/OnAirDesk.h"
 #include "prizes/PrizeDeskTest.h"
 #include "window/ShortcutsDialog.h"
 
@@ -36,12 +37,14 @@ protected:
         Window->Contacts().ShowContacts();
         Prizes().OpenPrize(prize);
         Prizes().OpenWinner(winner);
+        Window->OnAir().ShowWindow();
         Windows = {Window.get(),
                    Window->MessageWindows().value(0),
                    Window->ComposeWindows().value(0),
                    Window->Contacts().Window(),
                    OnlyPrizeWindow(),
-                   OnlyWinnerWindow()};
+                   OnlyWinnerWindow(),
+                   Window->OnAir().Window()};
         ASSERT_FALSE(Windows.contains(nullptr));
     }
     /// Only what belongs to the window itself, not to one that it opened.

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "AnsweringDesk.h"
+
+#include "AnsweredMarks.h"
+#include "AnsweringWords.h"
+#include "common/UserInterface.h"
+#include "compose/ComposeWindow.h"
+#include "messages/MessageWindow.h"
+#include "messageslist/uMessagesList.h"
+#include "platform/directory/clsKVUser.h"
+#include "station/DeskStation.h"
+#include "window/NoticeBar.h"
+
+#include <QMainWindow>
+
+AnsweringDesk::AnsweringDesk(DeskStation& station, uMessagesList& list, QMainWindow& window)
+    : QObject(&window),
+      Station_(station),
+      List_(list),
+      Notice_(new NoticeBar(QStringLiteral("reply"), QString(), &window)),
+      Marks_(new AnsweredMarks(station, this))
+{
+    Notice_->setObjectName(QStringLiteral("answeringNotice"));
+    Clock_.start();
+    connect(Marks_, &AnsweredMarks::Changed, this, &AnsweringDesk::ShowWords);
+    LookTimer_.setInterval(LookMilliseconds);
+    connect(&LookTimer_, &QTimer::timeout, this, &AnsweringDesk::Look);
+    LookTimer_.start();
+    BeatTimer_.setInterval(static_cast<int>(AnsweringWatch::BeatMilliseconds));
+    connect(&BeatTimer_, &QTimer::timeout, this, &AnsweringDesk::Tell);
+    // Behind the window's first painting.
+    TellTimer_.setSingleShot(true);
+    TellTimer_.setInterval(0);
+    connect(&TellTimer_, &QTimer::timeout, this, &AnsweringDesk::Tell);
+}
+
+AnsweringDesk::~AnsweringDesk() = default;
+
+void AnsweringDesk::Show(const cMessagePtr& message)
+{
+    Message_ = message ? message->Reference() : 0;
+    ShowWords();
+}
+
+bool AnsweringDesk::MayAnswer(const cMessage& original)
+{
+    Look();
+    const QString words = AnsweringWords::OfNow(AnsweringOf(original.Reference()));
+    return words.isEmpty() || UserInterface::Confirm(tr("%1. Do you want to answer as well?").arg(words));
+}
+
+void AnsweringDesk::Watch(ComposeWindow& window)
+{
+    const qint32 begun = window.Current().Answers;
+    const qint32 message = begun == 0 && window.Reference() != 0 ? Marks_->OriginalOf(window.Reference()) : begun;
+    Begin(window, message);
+    disconnect(&window, &ComposeWindow::Stored, this, nullptr);
+    connect(&window, &ComposeWindow::Stored, this,
+            [this, message](qint32 reference, bool goesOut) { Marks_->Note(message, reference, goesOut); });
+}
+
+void AnsweringDesk::Watch(MessageWindow& window)
+{
+    Begin(window, window.Reference());
+}
+
+void AnsweringDesk::Begin(QObject& window, qint32 message)
+{
+    if (message <= 0)
+        return;
+    Own_.Begin(&window, message);
+    connect(&window, &QObject::destroyed, this, &AnsweringDesk::End, Qt::UniqueConnection);
+    BeatTimer_.start();
+    TellTimer_.start();
+}
+
+void AnsweringDesk::End(const QObject* window)
+{
+    if (Own_.End(window))
+        TellTimer_.start();
+}
+
+void AnsweringDesk::Leave()
+{
+    LookTimer_.stop();
+    Own_.EndAll();
+    Tell();
+    BeatTimer_.stop();
+    TellTimer_.stop();
+}
+
+/// What could not be written is told with the next beat.
+void AnsweringDesk::Tell()
+{
+    const clsKVUser* user = Station_.Directory().CurrentUser();
+    if (!user || (Own_.IsEmpty() && Own_.Gone().isEmpty())) {
+        BeatTimer_.stop();
+        return;
+    }
+    try {
+        AnsweringTable(Station_.Directory().File())
+            .Write(Own_.Entries(user->Name()), Own_.Gone() + Others_.Forgotten(Clock_.elapsed()));
+        Own_.WereWritten();
+    } catch (const dao::Error&) {
+        // Nobody is kept from answering because the others cannot be told.
+    }
+}
+
+void AnsweringDesk::Look()
+{
+    const qint64 now = Clock_.elapsed();
+    if (!Station_.Directory().IsOpen() || now < RestsUntil_)
+        return;
+    try {
+        QList<AnsweringEntry> entries = AnsweringTable(Station_.Directory().File()).Read();
+        entries.removeIf([this](const AnsweringEntry& entry) { return Own_.Holds(entry.Entry); });
+        Others_.Take(entries, now);
+    } catch (const dao::Error&) {
+        // What it saw last grows old meanwhile.
+        RestsUntil_ = now + RestMilliseconds;
+    }
+    Now_.clear();
+    for (const Answering& answering : Others_.Alive(now))
+        Now_[answering.Message].append(answering);
+    QHash<qint32, QString> words;
+    for (auto it = Now_.cbegin(); it != Now_.cend(); ++it)
+        words.insert(it.key(), AnsweringWords::OfNow(it.value()));
+    if (words == Words_)
+        return;
+    Words_ = words;
+    ShowWords();
+}
+
+QList<Answering> AnsweringDesk::AnsweringOf(qint32 message) const
+{
+    return Now_.value(message);
+}
+
+QString AnsweringDesk::NoteOf(qint32 message) const
+{
+    const auto now = Words_.constFind(message);
+    if (now != Words_.constEnd())
+        return *now;
+    const std::optional<FiledAnswer> answer = Marks_->Of(message);
+    return answer ? AnsweringWords::OfFiled(*answer) : QString();
+}
+
+void AnsweringDesk::ShowWords()
+{
+    List_.ShowRowNotes();
+    const QString words = Message_ > 0 ? NoteOf(Message_) : QString();
+    Notice_->Show(words.isEmpty() ? QString() : words + u'.');
+}
+
+void AnsweringDesk::TakeUpdate()
+{
+    Marks_->Refresh();
+    ShowWords();
+}
