@@ -2,6 +2,7 @@
 #include "SearchWindow.h"
 
 #include "DeskSettings.h"
+#include "FolderPaths.h"
 #include "RowRecovery.h"
 #include "SearchRows.h"
 #include "SearchService.h"
