@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <gumbo.h>
+#include <ranges>
 
 namespace
 {
@@ -39,17 +40,17 @@ void CountInGrid(const OpenElement& done, QVector<OpenElement>& around)
     const bool isRow = Is(done, GUMBO_TAG_TR);
     if (!isRow && !Is(done, GUMBO_TAG_TD) && !Is(done, GUMBO_TAG_TH))
         return;
-    for (auto place = around.rbegin(); place != around.rend(); ++place) {
-        if (isRow && Is(*place, GUMBO_TAG_TABLE)) {
-            ++place->Rows;
-            place->Columns = std::max(place->Columns, done.Columns);
+    for (OpenElement& place : std::views::reverse(around)) {
+        if (isRow && Is(place, GUMBO_TAG_TABLE)) {
+            ++place.Rows;
+            place.Columns = std::max(place.Columns, done.Columns);
             return;
         }
-        if (!isRow && Is(*place, GUMBO_TAG_TR)) {
-            place->Columns += PageElements::SpanOf(done.Node, "colspan");
+        if (!isRow && Is(place, GUMBO_TAG_TR)) {
+            place.Columns += PageElements::SpanOf(done.Node, "colspan");
             return;
         }
-        if (!isRow && Is(*place, GUMBO_TAG_TABLE))
+        if (!isRow && Is(place, GUMBO_TAG_TABLE))
             return;
     }
 }

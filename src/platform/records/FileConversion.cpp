@@ -110,7 +110,7 @@ public:
     void Finish() { Target_.CommitTrans(); }
 
 private:
-    static constexpr qint64 Portion = 32 * 1024 * 1024;
+    static constexpr qint64 Portion = qint64{32} * 1024 * 1024;
 
     Store& Target_;
     qint64 Octets_ = 0;

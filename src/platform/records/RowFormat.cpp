@@ -60,6 +60,7 @@ CellView RowReader::Next()
         return cell;
     case Tag::Integer8:
         cell.CellKind = CellView::Kind::Integer;
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse): a number, no character.
         cell.Integer = Take<qint8>(At_);
         return cell;
     case Tag::Integer16:

@@ -30,7 +30,7 @@ constexpr qsizetype Sectors = PageSize / SectorSize;
 constexpr qsizetype SectorSumSize = 8;
 constexpr qsizetype RecordSize = 4 + Sectors * SectorSumSize + PageSize;
 /// A larger one gives its room back behind the commit.
-constexpr qint64 LargestKept = 1024 * 1024;
+constexpr qint64 LargestKept = qint64{1024} * 1024;
 
 QByteArray SumOf(const char* octets, qsizetype size)
 {

@@ -111,6 +111,7 @@ void CopyTables(PageFile& file, const QString& target)
     std::vector<CatalogueObject> tables = ReadCatalogue(file);
     std::erase_if(tables, [](const CatalogueObject& object) { return !object.IsTable(); });
     std::vector<quint32> reserved;
+    reserved.reserve(tables.size());
     for (const CatalogueObject& table : tables)
         reserved.push_back(table.Definition());
     std::sort(reserved.begin(), reserved.end());

@@ -13,7 +13,7 @@ namespace dao::jet
 namespace
 {
 
-constexpr qint64 SliceSize = 1024 * 1024;
+constexpr qint64 SliceSize = qint64{1024} * 1024;
 
 void CopyOctets(PageFile& file, const QString& copy, const engine::CopyProgress& progress)
 {

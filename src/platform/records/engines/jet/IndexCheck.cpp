@@ -54,6 +54,7 @@ void IndexCheck::Walk(quint32 number, int depth, std::optional<quint32> previous
 void IndexCheck::WalkBranch(const IndexPage& page, int depth)
 {
     std::vector<quint32> children;
+    children.reserve(static_cast<std::size_t>(page.Count()) + 1);
     for (int i = 0; i < page.Count(); ++i)
         children.push_back(page.At(i).Child);
     if (page.TailChild() == 0)

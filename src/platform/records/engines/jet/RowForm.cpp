@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <ranges>
 
 namespace dao::jet
 {
@@ -161,8 +162,8 @@ void AppendVariable(QByteArray& row, const std::vector<const QByteArray*>& value
         row += value == nullptr ? QByteArray() : *value;
     }
     Append(row, static_cast<quint16>(row.size()));
-    for (auto start = starts.rbegin(); start != starts.rend(); ++start)
-        Append(row, *start);
+    for (const quint16 start : std::views::reverse(starts))
+        Append(row, start);
     Append(row, static_cast<quint16>(values.size()));
 }
 

@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr qint64 SmallMemos = 65536; ///< Octets of a row's long values that are read with it.
-constexpr qsizetype LargeMemo = 1024 * 1024;
+constexpr qsizetype LargeMemo = qsizetype{1024} * 1024;
 
 void Pack(const StoredValue& value, RowPacker& packer)
 {

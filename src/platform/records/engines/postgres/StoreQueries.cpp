@@ -222,6 +222,7 @@ void ServerStore::ApplyPlan(const query::BoundChange& change, const std::vector<
     RowAccess rows = Rows(change.Source.Table);
     if (change.Assignments.empty()) {
         std::vector<qint64> ids;
+        ids.reserve(plan.size());
         for (const query::ChangedRow& row : plan)
             ids.push_back(row.Id);
         Command command{"DELETE FROM " + rows.Rows() + " WHERE id = ANY($1)"};

@@ -26,7 +26,7 @@ constexpr qint64 StepsAtLeast = 5'000'000;
 constexpr int StepsBetweenCalls = 10'000;
 /// Of one lock, while memos are read.
 constexpr int RowsAtATime = 256;
-constexpr qsizetype OctetsAtATime = 4 * 1024 * 1024;
+constexpr qsizetype OctetsAtATime = qsizetype{4} * 1024 * 1024;
 
 /// What integrity_check says of an index that does not match its table. Whether rows are lost is told apart from that.
 bool ConcernsIndexOnly(const QString& fault)

@@ -173,8 +173,8 @@ bool TableAccess::ReadStretch(int index, const Stretch& stretch, Direction direc
 {
     quint64 nulls = 0;
     for (std::size_t i = 0; i < stretch.Equal; ++i)
-        nulls |= static_cast<quint64>(query::IsNull(keys[i])) << i;
-    quint64 key = static_cast<quint64>(index + 1);
+        nulls |= quint64{query::IsNull(keys[i])} << i;
+    quint64 key = static_cast<quint64>(index) + 1;
     key = key << 16 | nulls;
     key = key << 8 | stretch.Equal;
     key = key << 4 | static_cast<quint64>(stretch.Limit);
