@@ -119,6 +119,7 @@ void PrizeHistory::Fill(StationContext& station, ListViewObject* list, qint32 co
     pending.Try([&] {
         const auto rows = station.OpenSnapshot(HistoryQuery(contactReference));
         std::vector<HistoryColumn> columns;
+        columns.reserve(static_cast<std::size_t>(list->ColumnCount()));
         for (int i = 0; i < list->ColumnCount(); ++i)
             columns.emplace_back(list->ColumnKey(i), i == 0, *rows);
         for (; !rows->AtEOF(); rows->MoveNext()) {

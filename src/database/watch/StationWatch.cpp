@@ -52,7 +52,7 @@ void StationWatch::Poll(const QObject& asker)
         Looking_.stop();
     else if (!Looking_.isActive())
         Looking_.start();
-    Seen_.emplace();
+    Seen_ = Seen{};
     Q_EMIT Polled(&asker);
     // A listener that let timers fire may have polled in between: then the rest of this poll reads for itself.
     if (self)

@@ -15,7 +15,7 @@ namespace
 constexpr std::size_t MailsOfRead = 64;
 /// Mails that are stored together: fewer cost more each, more have to be kept in memory.
 constexpr std::size_t MailsOfWork = 256;
-constexpr qsizetype OctetsOfWork = 4 * 1024 * 1024;
+constexpr qsizetype OctetsOfWork = qsizetype{4} * 1024 * 1024;
 
 qint32 RangeOf(qint32 reference)
 {

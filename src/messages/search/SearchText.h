@@ -6,9 +6,9 @@
 #include <QByteArray>
 
 /// Octets of a mail that are searched; what lies behind them is not. Nobody writes so much, and nobody has the memory.
-inline constexpr qsizetype MostSearchedOctets = 16 * 1024 * 1024;
+inline constexpr qsizetype MostSearchedOctets = qsizetype{16} * 1024 * 1024;
 /// A text that is attached counts up to this size.
-inline constexpr qsizetype LargestSearchedFile = 1024 * 1024;
+inline constexpr qsizetype LargestSearchedFile = qsizetype{1024} * 1024;
 
 /// What is searched of one message. A value.
 struct SearchText

@@ -15,7 +15,7 @@ using RowValues::NumberOr;
 namespace
 {
 /// Most mails end within; the others are read a second time.
-constexpr qsizetype UsualOctets = 64 * 1024;
+constexpr qsizetype UsualOctets = qsizetype{64} * 1024;
 
 const QString MailColumn = QStringLiteral("Message");
 
