@@ -52,8 +52,8 @@ cTolvaDatabase::~cTolvaDatabase()
 qint32 cTolvaDatabase::OpenTolvaDatabase(const QString& givenLocation, const QString& givenConnect)
 {
     // The arguments may be this object's own properties, which closing empties.
-    const QString location = givenLocation;
-    const QString connect = givenConnect;
+    const QString location = givenLocation; // NOLINT(performance-unnecessary-copy-initialization)
+    const QString connect = givenConnect;   // NOLINT(performance-unnecessary-copy-initialization)
     Station_->LastError = {};
     WriteDebugLog(QStringLiteral("Closing any previous Database"));
     CloseTolvaDatabase();
