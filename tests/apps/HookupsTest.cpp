@@ -13,7 +13,7 @@
 namespace
 {
 constexpr int exitTemporary = 75;
-constexpr int NumberOfScripts = 7;
+constexpr int NumberOfScripts = 8;
 
 /// Scripts in the order of the page, by what they do.
 enum Script
@@ -23,6 +23,7 @@ enum Script
     EmptiesMailbox,
     FilesText,
     TakesForm,
+    HandsToProvider, ///< One line, which SendBySmtpTest and SendingTest run.
     SendsMails,
     SendsTexts
 };

@@ -117,7 +117,12 @@ TEST_F(SearchTest, BuildingThatIsEndedByCtrlCSaysSoAndTheNextRunDoesTheRest)
     QProcess program;
     Prepare(program, {QStringLiteral("index"), Station()});
     program.start();
-    const auto hasBegun = [this] { return !Cache().entryList({QStringLiteral("*-wal")}, QDir::Files).isEmpty(); };
+    // More than an index without messages writes.
+    constexpr qint64 OctetsOfSteps = 200 * 1000;
+    const auto hasBegun = [this] {
+        const QFileInfoList logs = Cache().entryInfoList({QStringLiteral("*-wal")}, QDir::Files);
+        return !logs.isEmpty() && logs.first().size() > OctetsOfSteps;
+    };
     while (!hasBegun() && program.state() != QProcess::NotRunning)
         program.waitForFinished(5);
     ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), SIGINT), 0);

@@ -66,12 +66,9 @@ bool StationIndex::BringUpToDate(Looking looking)
     return Station_.Try([&] {
         return WithIndex([&] {
             SearchFollowing following(Station_.Database());
-            std::unique_ptr<ProgressDisplay> progress;
-            const auto advance = [&](qint64 done, qint64 total) {
-                if (!progress)
-                    progress = Station_.Terminal().Progress(QStringLiteral("Reading the messages"));
-                return progress->Advance(done, total);
-            };
+            // From here on, so that Ctrl-C is met in the first step too.
+            const auto progress = Station_.Terminal().Progress(QStringLiteral("Reading the messages"));
+            const auto advance = [&](qint64 done, qint64 total) { return progress->Advance(done, total); };
             const bool isWhole = ::BringUpToDate(following, *Index_, advance, looking);
             Total_ = following.Total();
             return isWhole || following.IsDone();
