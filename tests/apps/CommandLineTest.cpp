@@ -4,6 +4,7 @@
 #include "platform/directory/EmbeddedDirectory.h"
 #include "support/TestServer.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -128,6 +129,20 @@ QByteArray CommandLineTest::Read(const QString& path)
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
     return file.readAll();
+}
+
+bool CommandLineTest::HasStopped(QProcess& process)
+{
+    const QString status = QStringLiteral("/proc/%1/stat").arg(process.processId());
+    for (const QDeadlineTimer deadline(30000); !deadline.hasExpired();) {
+        const QByteArray line = Read(status);
+        if (line.mid(line.lastIndexOf(')') + 2, 1) == "T")
+            return true;
+        if (process.waitForFinished(1))
+            return false;
+    }
+    ADD_FAILURE() << "neither stopped nor ended";
+    return false;
 }
 
 QByteArray CommandLineTest::Mail(const QByteArray& subject, const QByteArray& body)

@@ -54,6 +54,8 @@ protected:
     /// Writes a file in the temporary folder, making its folders; its path.
     QString Write(const QString& name, const QByteArray& octets) const;
     static QByteArray Read(const QString& path);
+    /// Waits until a program that is held up (StoppingLocks) has stopped; false when it ended before.
+    static bool HasStopped(QProcess& process);
 
     /// A short mail.
     static QByteArray Mail(const QByteArray& subject, const QByteArray& body = "Hello.\r\n");

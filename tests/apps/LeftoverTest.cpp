@@ -5,7 +5,6 @@
 #include "CommandLineTest.h"
 
 #include <QDateTime>
-#include <QDeadlineTimer>
 #include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
@@ -72,19 +71,6 @@ protected:
     {
         for (const QFileInfo& kept : QDir(Station()).entryInfoList({QStringLiteral("*.BAK")}))
             QFile::remove(kept.filePath());
-    }
-    static bool HasStopped(QProcess& process)
-    {
-        const QString status = QStringLiteral("/proc/%1/stat").arg(process.processId());
-        for (const QDeadlineTimer deadline(30000); !deadline.hasExpired();) {
-            const QByteArray line = Read(status);
-            if (line.mid(line.lastIndexOf(')') + 2, 1) == "T")
-                return true;
-            if (process.waitForFinished(1))
-                return false;
-        }
-        ADD_FAILURE() << "neither stopped nor ended";
-        return false;
     }
 };
 

@@ -6,8 +6,11 @@
 
 #include <QFile>
 
+#include <csignal>
 #include <fcntl.h>
+#include <memory>
 #include <unistd.h>
+#include <vector>
 
 class TakingTest : public CommandLineTest
 {
@@ -140,4 +143,61 @@ TEST_F(TakingTest, AMailWithoutADateIsKnownAgain)
     EXPECT_EQ(Expect("file", once, "Only words.\n"), "filed 1, failed 0, passed over 0\n");
     EXPECT_EQ(Expect("file", once, "Only words.\n"), "filed 0, failed 0, passed over 1\n");
     EXPECT_EQ(Expect("file", once, "Other words.\n"), "filed 1, failed 0, passed over 0\n");
+}
+
+TEST_F(TakingTest, OfAMailThatTwoAreHandedOneIsFiledWhereverTheFirstIsHeldUp)
+{
+    constexpr int LookingMilliseconds = 700;
+    const auto start = [this](QProcess& run, const QByteArray& mail, int stopAt) {
+        Prepare(run, {QStringLiteral("file"), Station(), QStringLiteral("--once")});
+        QProcessEnvironment environment = run.processEnvironment();
+        if (stopAt > 0) {
+            environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(STOPPING_LOCKS));
+            environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+            environment.insert(QStringLiteral("STOP_AT"), QString::number(stopAt));
+        }
+        run.setProcessEnvironment(environment);
+        run.start();
+        run.write(mail);
+        run.closeWriteChannel();
+        ASSERT_TRUE(run.waitForStarted());
+    };
+    int stops = 0;
+    for (int stopAt = 1;; ++stopAt) {
+        const QByteArray mail = Mail("one " + QByteArray::number(stopAt));
+        QProcess first;
+        start(first, mail, stopAt);
+        if (!HasStopped(first))
+            break;
+        ++stops;
+        QProcess second;
+        start(second, mail, 0);
+        // It is over, or waits for the first.
+        const bool isOver = second.waitForFinished(LookingMilliseconds);
+        ASSERT_EQ(::kill(static_cast<pid_t>(first.processId()), SIGCONT), 0);
+        ASSERT_TRUE(first.waitForFinished());
+        ASSERT_TRUE(isOver || second.waitForFinished());
+        EXPECT_EQ(first.exitCode(), 0) << first.readAllStandardError().constData();
+        EXPECT_EQ(second.exitCode(), 0) << second.readAllStandardError().constData();
+        ASSERT_EQ(Messages().size(), stopAt) << "held up at lock " << stopAt;
+    }
+    EXPECT_GT(stops, 2);
+}
+
+TEST_F(TakingTest, WhoFilesOnceWaitsForAnotherAndAsksForAnotherTryInTheEnd)
+{
+    const QStringList once = {QStringLiteral("--once")};
+    Expect("file", once, Mail("one"));
+    const int file = ::open(QFile::encodeName(Station() + QStringLiteral("/.tolva-filing")).constData(), O_RDWR);
+    ASSERT_GE(file, 0);
+    struct flock all = {};
+    all.l_type = F_WRLCK;
+    all.l_whence = SEEK_SET;
+    ASSERT_EQ(::fcntl(file, F_OFD_SETLK, &all), 0);
+    const Outcome refused = OnStation("file", once, Mail("two"));
+    EXPECT_EQ(refused.Code, 75);
+    EXPECT_TRUE(refused.Problems.contains("Another program files mails")) << refused.Problems.constData();
+    ::close(file);
+    EXPECT_EQ(Messages().size(), 1);
+    EXPECT_EQ(Expect("file", once, Mail("two")), "filed 1, failed 0, passed over 0\n");
 }

@@ -38,6 +38,8 @@ Route Postfix(const QString& name, const QString& setUpName, const QString& head
     route.Headings = QStringList{WhoRunsIt, Script, heading};
     route.Installation = PostfixInstallation;
     route.Deliver = BySendmail;
+    route.DeliverIntoQueue =
+        QStringLiteral("postfix stop 2>/dev/null\n%1 2>/dev/null\npostfix start 2>/dev/null").arg(BySendmail);
     route.Attempt = QStringLiteral("postqueue -f");
     route.Held = PostfixQueue;
     route.PutOff = QStringLiteral("find /var/spool/postfix/deferred -type f | wc -l");

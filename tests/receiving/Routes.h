@@ -21,7 +21,7 @@ struct Route
     QString Start;        ///< Behind the page's instructions.
     /// Hands over the files of /tmp/mails, each to the address studio@harbourfm.example.org from listener@station.test.
     QString Deliver;
-    QString DeliverIntoQueue; ///< The same, which delivers none of them yet; empty where Deliver is that.
+    QString DeliverIntoQueue; ///< The same, all of them before it delivers the first; empty where Deliver is that.
     QString Attempt;          ///< Lets it try now what it would try later.
     QString Held;             ///< Prints how many messages are still on their way.
     /// Prints how many of them were tried in vain; where nothing stands here an attempt is over when it returns.

@@ -44,6 +44,8 @@ void Filing::Add(const IncomingMessage& incoming)
         Refuse(incoming.Name, problem, exitData);
         return;
     }
+    if (Options_.testFlag(Option::FilesOnce) && !Claim_)
+        Claim_ = std::make_unique<FilingClaim>(Station_.Folder());
     if (PassesOver() && IsFiledAlready(*message, incoming)) {
         ++Skipped_;
         Take(incoming);
@@ -60,6 +62,12 @@ void Filing::Add(const IncomingMessage& incoming)
 }
 
 void Filing::Finish()
+{
+    FileWaiting();
+    Claim_.reset();
+}
+
+void Filing::FileWaiting()
 {
     while (!Waiting_.empty())
         FileBatch();
@@ -104,7 +112,7 @@ bool Filing::IsFiledAlready(const cMessage& message, const IncomingMessage& inco
                                                      : waiting.Incoming.Octets == incoming.Octets;
     });
     if (hasTwin)
-        Finish();
+        FileWaiting();
     return Station_.Try([&] { return FiledMails_.Hold(message); });
 }
 

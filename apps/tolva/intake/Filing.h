@@ -3,10 +3,12 @@
 
 #include "Station.h"
 #include "intake/FiledMails.h"
+#include "intake/FilingClaim.h"
 #include "intake/IncomingMessage.h"
 
 #include <QElapsedTimer>
 
+#include <memory>
 #include <vector>
 
 /// One run of filing: files messages in batches, counts, and says of each message what became of it. A message is told
@@ -19,7 +21,7 @@ public:
         None = 0,
         Verbose = 1,    ///< Says of each message under which number it was filed.
         SkipsFiled = 2, ///< Passes over what the station holds already, by whatever route it came.
-        FilesOnce = 4,  ///< Passes over what the station holds octet by octet.
+        FilesOnce = 4,  ///< Passes over what the station holds octet by octet, also if another run files it just now.
         Takes = 8       ///< The same, and removes the files of what the station holds then.
     };
     Q_DECLARE_FLAGS(Options, Option)
@@ -49,6 +51,7 @@ private:
     cMessagePtr MakeMessageOf(const IncomingMessage& incoming, QString& problem) const;
     bool PassesOver() const;
     bool IsFiledAlready(const cMessage& message, const IncomingMessage& incoming);
+    void FileWaiting();
     void FileBatch();
     std::vector<MessageSaving> SaveBatch();
     void FileOneByOne();
@@ -63,6 +66,7 @@ private:
     qint32 Category_;
     Options Options_;
     FiledMails FiledMails_;
+    std::unique_ptr<FilingClaim> Claim_; ///< From the look for a mail until it is filed, where each is filed once.
     std::vector<Waiting> Waiting_;
     qsizetype WaitingOctets_ = 0;
     QElapsedTimer SinceBatch_; ///< Runs since the last batch let the station go.
