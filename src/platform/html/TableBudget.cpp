@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstring>
 #include <gumbo.h>
-#include <ranges>
 
 namespace
 {
@@ -40,17 +39,18 @@ void CountInGrid(const OpenElement& done, QVector<OpenElement>& around)
     const bool isRow = Is(done, GUMBO_TAG_TR);
     if (!isRow && !Is(done, GUMBO_TAG_TD) && !Is(done, GUMBO_TAG_TH))
         return;
-    for (OpenElement& place : std::views::reverse(around)) {
-        if (isRow && Is(place, GUMBO_TAG_TABLE)) {
-            ++place.Rows;
-            place.Columns = std::max(place.Columns, done.Columns);
+    // NOLINTNEXTLINE(modernize-loop-convert): reversed views do not compile with clang 14.
+    for (auto place = around.rbegin(); place != around.rend(); ++place) {
+        if (isRow && Is(*place, GUMBO_TAG_TABLE)) {
+            ++place->Rows;
+            place->Columns = std::max(place->Columns, done.Columns);
             return;
         }
-        if (!isRow && Is(place, GUMBO_TAG_TR)) {
-            place.Columns += PageElements::SpanOf(done.Node, "colspan");
+        if (!isRow && Is(*place, GUMBO_TAG_TR)) {
+            place->Columns += PageElements::SpanOf(done.Node, "colspan");
             return;
         }
-        if (!isRow && Is(place, GUMBO_TAG_TABLE))
+        if (!isRow && Is(*place, GUMBO_TAG_TABLE))
             return;
     }
 }

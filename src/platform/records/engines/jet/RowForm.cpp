@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <ranges>
 
 namespace dao::jet
 {
@@ -162,8 +161,9 @@ void AppendVariable(QByteArray& row, const std::vector<const QByteArray*>& value
         row += value == nullptr ? QByteArray() : *value;
     }
     Append(row, static_cast<quint16>(row.size()));
-    for (const quint16 start : std::views::reverse(starts))
-        Append(row, start);
+    // NOLINTNEXTLINE(modernize-loop-convert): reversed views do not compile with clang 14.
+    for (auto start = starts.rbegin(); start != starts.rend(); ++start)
+        Append(row, *start);
     Append(row, static_cast<quint16>(values.size()));
 }
 
