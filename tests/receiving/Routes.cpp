@@ -38,8 +38,13 @@ Route Postfix(const QString& name, const QString& setUpName, const QString& head
     route.Headings = QStringList{WhoRunsIt, Script, heading};
     route.Installation = PostfixInstallation;
     route.Deliver = BySendmail;
-    route.DeliverIntoQueue =
-        QStringLiteral("postfix stop 2>/dev/null\n%1 2>/dev/null\npostfix start 2>/dev/null").arg(BySendmail);
+    // Killed while it takes a mail over from sendmail, Postfix has two of it, each with a number of its own.
+    route.DeliverIntoQueue = QStringLiteral("postconf -e defer_transports=local,tolva\n"
+                                            "postfix reload 2>/dev/null\n%1\n"
+                                            "until [ \"$(find /var/spool/postfix/{maildrop,incoming,active} -type f | "
+                                            "wc -l)\" = 0 ]; do sleep 0.1; done\n"
+                                            "postconf -e defer_transports=\npostfix reload 2>/dev/null")
+                                 .arg(BySendmail);
     route.Attempt = QStringLiteral("postqueue -f");
     route.Held = PostfixQueue;
     route.PutOff = QStringLiteral("find /var/spool/postfix/deferred -type f | wc -l");
