@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "answering/AnswerLedger.h"
 
+#include "database/RowValues.h"
 #include "platform/directory/DirectoryTables.h"
 #include "platform/records/Recordset.h"
 #include "platform/records/Transaction.h"
@@ -13,11 +14,6 @@ const QString AnswersArrived = QStringLiteral("Arrived");
 const QString AnswersAnswer = QStringLiteral("Answer");
 const QString AnswersName = QStringLiteral("Name");
 const QString AnswersWhen = QStringLiteral("When");
-
-QVariant AnswersDate(Date date)
-{
-    return date.IsNone() ? QVariant() : QVariant(date.DayNumber());
-}
 
 AnsweredMessage OriginalOf(const dao::Recordset& row)
 {
@@ -39,10 +35,10 @@ void AnswerLedger::Note(const QList<AnsweredMessage>& originals, qint32 answer, 
         else
             rows->Edit();
         rows->SetCollect(AnswersMessage, original.Message);
-        rows->SetCollect(AnswersArrived, AnswersDate(original.Arrived));
+        rows->SetCollect(AnswersArrived, RowValues::Stored(original.Arrived));
         rows->SetCollect(AnswersAnswer, answer);
         rows->SetCollect(AnswersName, name);
-        rows->SetCollect(AnswersWhen, AnswersDate(when));
+        rows->SetCollect(AnswersWhen, RowValues::Stored(when));
         rows->Update();
     }
     transaction.Commit();

@@ -26,4 +26,10 @@ inline Date StoredDate(const QVariant& value)
     return value.toDouble() > 0 ? LocalDate(value) : Date();
 }
 
+/// A universal date as it is stored: Null for none.
+inline QVariant Stored(Date date)
+{
+    return date.IsNone() ? QVariant() : QVariant(date.DayNumber());
+}
+
 } // namespace RowValues

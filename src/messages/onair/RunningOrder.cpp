@@ -2,6 +2,7 @@
 #include "messages/onair/RunningOrder.h"
 
 #include "common/ClockHelper.h"
+#include "database/RowValues.h"
 #include "database/TableCheck.h"
 #include "platform/records/Recordset.h"
 #include "platform/records/Transaction.h"
@@ -22,11 +23,6 @@ const QString OnAirWhenField = QStringLiteral("When");
 const QString OnAirStateByField = QStringLiteral("StateBy");
 
 constexpr qsizetype LongestOnAirName = 255; // of a text field
-
-QVariant OnAirDate(Date date)
-{
-    return date.IsNone() ? QVariant() : QVariant(date.DayNumber());
-}
 
 QString FitOnAirName(const QString& name)
 {
@@ -122,7 +118,7 @@ RunningOrder::Added RunningOrder::Add(const OnAirEntry& entry)
     rows->SetCollect(OnAirPositionField, present.isEmpty() ? 1.0 : present.last().Position + 1);
     rows->SetCollect(OnAirMessageField, entry.Message);
     rows->SetCollect(OnAirPrizeField, entry.Prize);
-    rows->SetCollect(OnAirArrivedField, OnAirDate(entry.Arrived));
+    rows->SetCollect(OnAirArrivedField, RowValues::Stored(entry.Arrived));
     rows->SetCollect(OnAirFromField, FitOnAirName(entry.From));
     rows->SetCollect(OnAirOriginalField, entry.Original);
     rows->SetCollect(OnAirTextField, entry.Text);
@@ -160,7 +156,8 @@ RunningOrder::Outcome RunningOrder::SetState(qint32 reference, OnAirState before
             return false;
         row.Edit();
         row.SetCollect(OnAirStateField, static_cast<int>(state));
-        row.SetCollect(OnAirWhenField, state == OnAirState::Waiting ? QVariant() : OnAirDate(ClockHelper::NowUTC()));
+        row.SetCollect(OnAirWhenField,
+                       state == OnAirState::Waiting ? QVariant() : RowValues::Stored(ClockHelper::NowUTC()));
         row.SetCollect(OnAirStateByField, state == OnAirState::Waiting ? QString() : FitOnAirName(who));
         row.Update();
         return true;
