@@ -9,6 +9,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -72,7 +73,8 @@ bool CuttingProxy::PassToServer(Passage& passage)
     const ssize_t count = recv(passage.Client, octets, sizeof octets, 0);
     if (count <= 0)
         return false;
-    ++Requests_;
+    if (std::exchange(passage.IsAnswered, false))
+        ++Requests_;
     const bool isCommit =
         std::string_view(octets, static_cast<std::size_t>(count)).find("COMMIT") != std::string_view::npos &&
         std::string_view(octets, static_cast<std::size_t>(count)).find("READ COMMITTED") == std::string_view::npos;
@@ -98,6 +100,7 @@ bool CuttingProxy::PassToClient(Passage& passage)
         ++Cuts_;
         return false;
     }
+    passage.IsAnswered = true;
     return WriteAll(passage.Client, octets, count);
 }
 

@@ -29,7 +29,8 @@ public:
     /// At the next COMMIT, once.
     void CutAt(Cut cut) { Cut_ = cut; }
     int Cuts() const { return Cuts_; }
-    /// How often something was asked of the server since the last call.
+    /// How many round trips began since the last call: what a client sends before it hears an answer is one, in however
+    /// many pieces it comes.
     int TakeRequests() { return Requests_.exchange(0); }
 
 private:
@@ -38,6 +39,7 @@ private:
         int Client = -1;
         int Server = -1;
         bool IsAnswerLost = false;
+        bool IsAnswered = true;
     };
 
     void Run();

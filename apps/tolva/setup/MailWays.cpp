@@ -52,6 +52,7 @@ MailWay PostfixTransportWay()
     way.Files.push_back({QStringLiteral("/etc/postfix/main.cf"),
                          QStringLiteral(R"TEXT(transport_maps = hash:/etc/postfix/transport
 local_recipient_maps = $transport_maps proxy:unix:passwd.byname $alias_maps
+mailbox_size_limit = 0
 message_size_limit = 100000000
 )TEXT"),
                          FileKind::Addition});
