@@ -252,7 +252,7 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
 {
     if (search != AskedNumber_)
         return;
-    IsWaiting_ = false;
+    IsWaiting_ = !result.IsFinal;
     Result_ = result;
     // What is another question has another first hit.
     const qint32 selected = std::exchange(IsNewQuestion_, false) ? 0 : SelectedReference();
@@ -284,23 +284,32 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
     if (Model_->rowCount() == 0)
         TakeSelection();
     ShowState();
-    if (std::exchange(OpensFirst_, false))
+    if (!IsWaiting_ && std::exchange(OpensFirst_, false))
         OpenSelected();
+}
+
+/// Of what is on show. While it is counted the number is one that is surpassed.
+QString SearchWindow::CountInWords() const
+{
+    const QString count = QLocale().toString(Result_.Count);
+    const bool isCut = Model_->rowCount() == MostRows && (Result_.Count > MostRows || !Result_.IsCounted);
+    if (isCut) {
+        const QString most = QLocale().toString(MostRows);
+        return Result_.IsCounted ? tr("The first %1 of %2 messages").arg(most, count)
+                                 : tr("The first %1 of more than %2 messages").arg(most, count);
+    }
+    if (!Result_.IsCounted)
+        return tr("%1 messages so far").arg(QLocale().toString(Model_->rowCount()));
+    if (Result_.Count == 0)
+        return tr("No messages");
+    return Model_->rowCount() == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(Model_->rowCount()));
 }
 
 void SearchWindow::ShowState()
 {
     QStringList words;
-    if (!Asked_.IsEmpty() && !IsWaiting_) {
-        if (Result_.Count == 0)
-            words.append(tr("No messages"));
-        else if (Result_.Count > Model_->rowCount() && Model_->rowCount() == MostRows)
-            words.append(
-                tr("The first %1 of %2 messages").arg(QLocale().toString(MostRows), QLocale().toString(Result_.Count)));
-        else
-            words.append(Model_->rowCount() == 1 ? tr("1 message")
-                                                 : tr("%1 messages").arg(QLocale().toString(Model_->rowCount())));
-    }
+    if (!Asked_.IsEmpty() && (!IsWaiting_ || !Result_.IsCounted))
+        words.append(CountInWords());
     if (Asked_.IsCut)
         words.append(tr("only the beginning is searched for"));
     if (!Service_.IsComplete() && Service_.Problem().isEmpty())

@@ -39,7 +39,7 @@ public:
     /// the user.
     void SearchRelated(const QList<QByteArray>& terms, const QString& words);
 
-    /// Whether what is on show is the answer to what was asked last.
+    /// Whether what is on show is the answer to what was asked last; how many there are may still be counted.
     bool IsSettled() const { return !IsWaiting_ && !TypingTimer_.isActive(); }
     QString Typed() const;
     /// 0 for none.
@@ -74,6 +74,7 @@ private:
     void FillFolders(const SearchResult& result);
     void FillKinds(const SearchResult& result);
     void FillTimes(const SearchResult& result);
+    QString CountInWords() const;
     void ShowState();
     void TakeSelection();
     void Choose();
