@@ -71,6 +71,7 @@ private:
     void Ask();
     SearchOptions OptionsOf(const SearchQuestion& question) const;
     void TakeResult(int search, const SearchResult& result);
+    void ShowRows();
     void FillFolders(const SearchResult& result);
     void FillKinds(const SearchResult& result);
     void FillTimes(const SearchResult& result);
@@ -101,6 +102,7 @@ private:
     SearchQuestion Asked_;
     SearchResult Result_;
     int AskedNumber_ = 0;
+    int ShownNumber_ = 0; ///< Whose hits are on show.
     bool IsWaiting_ = false;
     bool IsNewQuestion_ = true; ///< Since there were results; otherwise what is selected stays so.
     bool IsFilling_ = false;    ///< What is selected meanwhile nobody chose.

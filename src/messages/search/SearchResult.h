@@ -14,6 +14,8 @@ struct SearchHit
     qint32 Reference = 0;
     qint64 Seconds = 0; ///< When it was sent, since 1970, universal time.
     int Rank = 0;       ///< 2 for words in the subject, 1 in names and addresses, else 0.
+
+    friend bool operator==(const SearchHit&, const SearchHit&) = default;
 };
 
 /// Kinds that results are counted and narrowed by; a message may be of several.
