@@ -12,7 +12,7 @@ void CompareSaving(const Comparison& comparison, const QString& folder,
                    const std::function<void(int number, const QByteArray& mail)>& saveBare);
 void BenchReading(const QString& largeStation, int large);
 void BenchSearching(const QString& largeStation);
-/// folder: where a station and a maildir of that many mails are made.
+/// folder: where a station and a maildir of that many mails are made, unless they are there.
 /// isBesideNotmuch: it indexes the same mails as a measure, in some milliseconds each.
 void BenchWords(const QString& folder, int count, bool isBesideNotmuch);
 void BenchHistory(const QString& largeStation);

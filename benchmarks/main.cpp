@@ -62,7 +62,8 @@ int main(int argc, char** argv)
          [&] {
              constexpr int MostBesideNotmuch = 100'000; // which takes hours for a million
              const int count = words > 0 ? arguments.value(words + 1).toInt() : quick ? 20'000 : 100'000;
-             BenchWords(in("words"), count,
+             const qsizetype kept = arguments.indexOf(QStringLiteral("--kept"));
+             BenchWords(kept > 0 ? arguments.value(kept + 1) : in("words"), count,
                         count <= MostBesideNotmuch || arguments.contains(QStringLiteral("--notmuch")));
          }},
         {"large-mail", [&] { BenchFiling(in("filing"), quick ? 10 : 50); }},

@@ -176,6 +176,7 @@ void ContactHistory::AskIndex()
         return;
     SearchOptions options;
     options.Most = MostSooner;
+    options.IsCounted = false;
     Asked_ = Search_->Search(SearchService::Asker::ContactHistory, question, options);
 }
 

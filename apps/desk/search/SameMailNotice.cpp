@@ -89,6 +89,7 @@ void SameMailNotice::AskIndex()
 {
     SearchOptions options;
     options.Most = MostHits;
+    options.IsCounted = false;
     Asked_ = Search_.Search(Place_ == Place::InWindow ? SearchService::Asker::MessageWindow
                                                       : SearchService::Asker::SelectedMessage,
                             QuestionFor(*Message_), options);

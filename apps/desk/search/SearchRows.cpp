@@ -3,6 +3,7 @@
 
 #include "DisplayText.h"
 #include "FolderPaths.h"
+#include "contacts/ContactNames.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageLook.h"
 #include "platform/mail/RawHeaders.h"
@@ -19,11 +20,12 @@ namespace
 constexpr qsizetype LongestText = 300;
 constexpr int RowTextMargin = 3;
 
-/// "Postcard Pete" of "Postcard Pete <pete@example.com>".
-QString NameOf(const QString& from)
+/// Of what the station wrote to whom, else from whom: "Postcard Pete" of "Postcard Pete <pete@example.com>".
+QString PersonOf(const MessageLook& look)
 {
-    const QString name = from.left(from.indexOf(u'<')).trimmed().remove(u'"');
-    return name.isEmpty() ? from : name;
+    const QString header = look.To.isEmpty() ? cdo::DecodedHeader("From", look.From, LongestText)
+                                             : cdo::DecodedHeader("To", look.To, LongestText);
+    return OneLine(ContactNames().PersonOf(header));
 }
 
 SearchRow RowOf(const MessageLook& look, qint32 category)
@@ -31,7 +33,7 @@ SearchRow RowOf(const MessageLook& look, qint32 category)
     SearchRow row;
     row.Reference = look.Reference;
     row.Category = category;
-    row.From = OneLine(NameOf(cdo::DecodedHeader("From", look.From, LongestText)));
+    row.Person = PersonOf(look);
     row.Subject = OneLine(cdo::DecodedHeader("Subject", look.Subject, LongestText));
     row.Sent = look.Sent.IsNone() ? look.Received : look.Sent;
     row.IsUnread = (look.Flags & mfRead) == 0;
@@ -99,8 +101,8 @@ int SearchModel::columnCount(const QModelIndex& parent) const
 QString SearchModel::TextAt(const SearchRow& row, int column) const
 {
     switch (column) {
-    case colFrom:
-        return row.From;
+    case colPerson:
+        return row.Person;
     case colSubject:
         return row.Subject.isEmpty() ? tr("(no subject)") : row.Subject;
     case colFolder:
@@ -130,8 +132,8 @@ QVariant SearchModel::headerData(int section, Qt::Orientation orientation, int r
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
     switch (section) {
-    case colFrom:
-        return tr("From");
+    case colPerson:
+        return tr("From / to");
     case colSubject:
         return tr("Subject");
     case colFolder:

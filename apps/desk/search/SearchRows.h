@@ -15,7 +15,7 @@ struct SearchRow
 {
     qint32 Reference = 0;
     qint32 Category = 0;
-    QString From;
+    QString Person; ///< Who wrote it, or of what the station wrote to whom.
     QString Subject;
     Date Sent; ///< Local time.
     bool IsUnread = false;
@@ -36,7 +36,7 @@ class SearchModel : public QAbstractTableModel
 public:
     enum Column
     {
-        colFrom,
+        colPerson,
         colSubject,
         colFolder,
         colSent,

@@ -62,13 +62,17 @@ public:
         if (!isWanted() || File_.isEmpty())
             return;
         options.GoesOn = isWanted;
-        Try(round, [&] {
-            Require();
-            const SearchResult result = Index_->Find(question, options);
+        const auto answer = [this, round, &last, search](const SearchResult& result) {
             Answer(round, [search, result, &last](SearchService& service) {
                 if (last == search)
                     Q_EMIT service.Found(search, result);
             });
+        };
+        if (options.IsCounted)
+            options.First = answer;
+        Try(round, [&] {
+            Require();
+            answer(Index_->Find(question, options));
         });
     }
 

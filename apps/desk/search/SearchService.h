@@ -40,7 +40,8 @@ public:
         SelectedMessage,
         MessageWindow
     };
-    /// Searches; the answer comes by Found, unless the same one asks again before. Its number.
+    /// Searches; the answer comes by Found, unless the same one asks again before. Its number. Where all hits are to be
+    /// counted, first ones may come before: Found may come up to three times, the last one counted.
     int Search(Asker asker, const SearchQuestion& question, const SearchOptions& options);
 
     /// Why there is no search, in words; empty where there is one.

@@ -35,7 +35,7 @@ namespace
 const QString SavedState = QStringLiteral("SavedSearches");
 const QString SearchGeometry = QStringLiteral("SearchWindow/Geometry");
 constexpr int MostSaved = 30;
-constexpr int FromWidth = 150;
+constexpr int PersonWidth = 150;
 constexpr int FolderWidth = 110;
 constexpr qsizetype LeastToComplete = 2;
 } // namespace
@@ -80,7 +80,7 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     List_->header()->setSectionResizeMode(SearchModel::colSent, QHeaderView::ResizeToContents);
     // Those on show tell how wide dates are: all are about the same.
     List_->header()->setResizeContentsPrecision(0);
-    List_->header()->resizeSection(SearchModel::colFrom, FromWidth);
+    List_->header()->resizeSection(SearchModel::colPerson, PersonWidth);
     List_->header()->resizeSection(SearchModel::colFolder, FolderWidth);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);
@@ -252,18 +252,34 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
 {
     if (search != AskedNumber_)
         return;
-    IsWaiting_ = false;
+    IsWaiting_ = !result.IsFinal;
+    const bool isOnShow = search != 0 && search == ShownNumber_ && result.Hits == Result_.Hits;
     Result_ = result;
+    ShownNumber_ = search;
+    if (!isOnShow)
+        ShowRows();
+    FillFolders(result);
+    FillKinds(result);
+    FillTimes(result);
+    ShowState();
+    if (!IsWaiting_ && std::exchange(OpensFirst_, false))
+        OpenSelected();
+}
+
+/// Those of the result, as the station has them now.
+void SearchWindow::ShowRows()
+{
     // What is another question has another first hit.
     const qint32 selected = std::exchange(IsNewQuestion_, false) ? 0 : SelectedReference();
     QList<SearchRow> rows;
     try {
-        rows = ReadSearchRows(Station_.Database(), result.Hits);
+        rows = ReadSearchRows(Station_.Database(), Result_.Hits);
         Problem_->Show(Service_.Problem());
     } catch (const dao::Error& error) {
+        ShownNumber_ = 0;
         Problem_->Show(Station_.Words(error.Number(), error.Description()));
     }
-    const QList<SearchWords::Alternatives> wanted = Asked_.Words + Asked_.Sender;
+    const QList<SearchWords::Alternatives> wanted = Asked_.Words + Asked_.Sender + Asked_.Recipients;
     Marks_->SetWanted(wanted);
     Preview_->SetMarker([wanted](const QString& text) {
         QList<std::pair<qsizetype, qsizetype>> places;
@@ -274,33 +290,36 @@ void SearchWindow::TakeResult(int search, const SearchResult& result)
     const int scrolled = List_->verticalScrollBar()->value();
     const QScopedValueRollback<bool> filling(IsFilling_, true);
     Model_->SetRows(rows, FolderPaths(Station_.Database().MessageCategories()));
-    FillFolders(result);
-    FillKinds(result);
-    FillTimes(result);
     const int row = Model_->RowOf(selected);
     List_->setCurrentIndex(Model_->index(std::max(0, row), 0));
     if (row > 0)
         List_->verticalScrollBar()->setValue(scrolled);
     if (Model_->rowCount() == 0)
         TakeSelection();
-    ShowState();
-    if (std::exchange(OpensFirst_, false))
-        OpenSelected();
+}
+
+/// Of what is on show. While it is counted the number is one that is surpassed.
+QString SearchWindow::CountInWords() const
+{
+    const QString count = QLocale().toString(Result_.Count);
+    const bool isCut = Model_->rowCount() == MostRows && (Result_.Count > MostRows || !Result_.IsCounted);
+    if (isCut) {
+        const QString most = QLocale().toString(MostRows);
+        return Result_.IsCounted ? tr("The first %1 of %2 messages").arg(most, count)
+                                 : tr("The first %1 of more than %2 messages").arg(most, count);
+    }
+    if (!Result_.IsCounted)
+        return tr("%1 so far").arg(QLocale().toString(Model_->rowCount()));
+    if (Result_.Count == 0)
+        return tr("No messages");
+    return Model_->rowCount() == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(Model_->rowCount()));
 }
 
 void SearchWindow::ShowState()
 {
     QStringList words;
-    if (!Asked_.IsEmpty() && !IsWaiting_) {
-        if (Result_.Count == 0)
-            words.append(tr("No messages"));
-        else if (Result_.Count > Model_->rowCount() && Model_->rowCount() == MostRows)
-            words.append(
-                tr("The first %1 of %2 messages").arg(QLocale().toString(MostRows), QLocale().toString(Result_.Count)));
-        else
-            words.append(Model_->rowCount() == 1 ? tr("1 message")
-                                                 : tr("%1 messages").arg(QLocale().toString(Model_->rowCount())));
-    }
+    if (!Asked_.IsEmpty() && (!IsWaiting_ || !Result_.IsCounted))
+        words.append(CountInWords());
     if (Asked_.IsCut)
         words.append(tr("only the beginning is searched for"));
     if (!Service_.IsComplete() && Service_.Problem().isEmpty())

@@ -39,7 +39,7 @@ public:
     /// the user.
     void SearchRelated(const QList<QByteArray>& terms, const QString& words);
 
-    /// Whether what is on show is the answer to what was asked last.
+    /// Whether what is on show is the answer to what was asked last; how many there are may still be counted.
     bool IsSettled() const { return !IsWaiting_ && !TypingTimer_.isActive(); }
     QString Typed() const;
     /// 0 for none.
@@ -71,9 +71,11 @@ private:
     void Ask();
     SearchOptions OptionsOf(const SearchQuestion& question) const;
     void TakeResult(int search, const SearchResult& result);
+    void ShowRows();
     void FillFolders(const SearchResult& result);
     void FillKinds(const SearchResult& result);
     void FillTimes(const SearchResult& result);
+    QString CountInWords() const;
     void ShowState();
     void TakeSelection();
     void Choose();
@@ -100,6 +102,7 @@ private:
     SearchQuestion Asked_;
     SearchResult Result_;
     int AskedNumber_ = 0;
+    int ShownNumber_ = 0; ///< Whose hits are on show.
     bool IsWaiting_ = false;
     bool IsNewQuestion_ = true; ///< Since there were results; otherwise what is selected stays so.
     bool IsFilling_ = false;    ///< What is selected meanwhile nobody chose.

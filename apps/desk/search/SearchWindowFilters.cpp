@@ -33,9 +33,10 @@ qint64 BeginOf(int days)
     return ClockHelper::NowUTC().ToDateTime(Qt::UTC).toSecsSinceEpoch() - days * SecondsOfDay;
 }
 
-QString Counted(const QString& name, qint64 count)
+/// As "Inbox (12)"; nobody is told a number that is not the last one.
+QString Counted(const QString& name, const SearchResult& result, qint64 count)
 {
-    return QStringLiteral("%1 (%2)").arg(name, QLocale().toString(count));
+    return QStringLiteral("%1 (%2)").arg(name, result.IsCounted ? QLocale().toString(count) : QStringLiteral("\u2026"));
 }
 
 /// Puts entries with their data into a box and leaves what is chosen chosen.
@@ -112,16 +113,16 @@ void SearchWindow::FillFolders(const SearchResult& result)
     std::sort(folders.begin(), folders.end());
     for (const qint32 folder : folders) {
         all += result.Folders.value(folder);
-        entries.append({Counted(FolderPath(paths, folder), result.Folders.value(folder)), folder});
+        entries.append({Counted(FolderPath(paths, folder), result, result.Folders.value(folder)), folder});
     }
-    entries.prepend({all > 0 ? Counted(tr("All folders"), all) : tr("All folders"), QVariant()});
+    entries.prepend({all > 0 ? Counted(tr("All folders"), result, all) : tr("All folders"), QVariant()});
     Refill(*Folder_, entries);
 }
 
 void SearchWindow::FillKinds(const SearchResult& result)
 {
     const auto entry = [&result](const QString& name, SearchKind kind) {
-        return std::pair<QString, QVariant>(Counted(name, result.Kinds.value(kind)), static_cast<int>(kind));
+        return std::pair<QString, QVariant>(Counted(name, result, result.Kinds.value(kind)), static_cast<int>(kind));
     };
     Refill(*Kind_, {{tr("All kinds"), QVariant()},
                     entry(tr("E-mails"), SearchKind::Email),
@@ -135,7 +136,7 @@ void SearchWindow::FillTimes(const SearchResult& result)
     QList<std::pair<QString, QVariant>> entries{{tr("Any time"), QVariant()}};
     for (std::size_t i = 0; i < std::size(Spans); ++i) {
         const qint64 count = i < result.Since.size() ? result.Since[i] : 0;
-        entries.append({Counted(tr(Spans[i].Words), count), Spans[i].Days});
+        entries.append({Counted(tr(Spans[i].Words), result, count), Spans[i].Days});
     }
     Refill(*Time_, entries);
 }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Searching: the words by the index's tables, all else by what is known of each message.
+// Searching: the words by the index's tables, all else by what is known of each message. The tables are looked through
+// from the one with the newest messages on, so that the first hits are there long before all are counted.
 
 #include "common/ClockHelper.h"
 #include "messages/search/EntryBits.h"
 #include "messages/search/SearchFailure.h"
 #include "messages/search/SearchIndex.h"
+
+#include <QElapsedTimer>
 
 #include <algorithm>
 #include <limits>
@@ -14,6 +17,10 @@ namespace
 {
 constexpr qint64 NoBound = std::numeric_limits<qint64>::min();
 constexpr int MostTerms = 64;
+/// Of so many messages of a table one may be dated far off the others, by a clock that was wrong.
+constexpr std::size_t MessagesAStraggler = 512;
+/// Of which it is asked one by one whether they belong among the first hits.
+constexpr std::size_t MostStragglers = 64;
 
 QByteArray TermText(const SearchWords::Term& term)
 {
@@ -79,10 +86,46 @@ bool IsBetter(const SearchHit& a, const SearchHit& b)
         return a.Rank > b.Rank;
     return a.Seconds != b.Seconds ? a.Seconds > b.Seconds : a.Reference > b.Reference;
 }
+/// The best ones of those that it is given.
+class FirstHits
+{
+public:
+    explicit FirstHits(int most) : Most_(static_cast<std::size_t>(std::max(0, most))) {}
+
+    void Keep(const SearchHit& hit)
+    {
+        if (Hits_.size() < Most_) {
+            Hits_.push_back(hit);
+            std::push_heap(Hits_.begin(), Hits_.end(), IsBetter);
+        } else if (Most_ > 0 && IsBetter(hit, Hits_.front())) {
+            std::pop_heap(Hits_.begin(), Hits_.end(), IsBetter);
+            Hits_.back() = hit;
+            std::push_heap(Hits_.begin(), Hits_.end(), IsBetter);
+        }
+    }
+
+    bool IsEmpty() const { return Hits_.empty(); }
+    bool IsFull() const { return Most_ > 0 && Hits_.size() == Most_; }
+    /// The one that another would take the place of.
+    const SearchHit& Worst() const { return Hits_.front(); }
+
+    std::vector<SearchHit> InOrder() const
+    {
+        std::vector<SearchHit> hits = Hits_;
+        std::sort_heap(hits.begin(), hits.end(), IsBetter);
+        return hits;
+    }
+
+private:
+    std::size_t Most_;
+    std::vector<SearchHit> Hits_; ///< A heap: the worst one stands first.
+};
 } // namespace
 
 struct SearchIndex::Finding
 {
+    Finding(const SearchQuestion& question, const SearchOptions& options);
+
     const SearchQuestion& Question;
     const SearchOptions& Options;
     QByteArray Expression;
@@ -90,7 +133,7 @@ struct SearchIndex::Finding
     QByteArray InPeople;
     qint64 After = NoBound;
     qint64 Before = NoBound;
-    SearchResult Result;
+    FirstHits Hits;
 
     /// What the question itself asks for beside words.
     bool IsMet(const Entry& entry) const
@@ -106,68 +149,112 @@ struct SearchIndex::Finding
                (!Question.HasFiles || has(EntryBits::Files));
     }
 
-    static bool IsOfKind(const Entry& entry, SearchKind kind)
+    bool IsNarrowedOut(const Entry& entry) const
     {
-        switch (kind) {
-        case SearchKind::Email:
-            return (entry.Bits & EntryBits::SMS) == 0;
-        case SearchKind::SMS:
-            return (entry.Bits & EntryBits::SMS) != 0;
-        case SearchKind::Unread:
-            return (entry.Bits & EntryBits::Unread) != 0;
-        case SearchKind::WithFiles:
-            return (entry.Bits & EntryBits::Files) != 0;
-        }
-        return false;
+        return (Options.OnlyFolder && entry.Category != *Options.OnlyFolder) ||
+               (Options.OnlyKind && !IsOfKind(entry.Bits, *Options.OnlyKind)) ||
+               (Options.OnlySince && qint64{entry.Seconds} < *Options.OnlySince);
     }
 
     void Take(const Entry& entry, int rank)
     {
-        ++Result.Folders[entry.Category];
-        for (const SearchKind kind : {SearchKind::Email, SearchKind::SMS, SearchKind::Unread, SearchKind::WithFiles}) {
-            if (IsOfKind(entry, kind))
-                ++Result.Kinds[kind];
-        }
+        qint64& ofFolder = OfFolders_[static_cast<quint16>(entry.Category)];
+        if (ofFolder++ == 0)
+            FoldersMet_.push_back(entry.Category);
+        ++OfBits_[entry.Bits % OfBits_.size()];
         for (std::size_t i = 0; i < Options.Since.size(); ++i)
-            Result.Since[i] += qint64{entry.Seconds} >= Options.Since[i] ? 1 : 0;
-        const bool isNarrowedOut = (Options.OnlyFolder && entry.Category != *Options.OnlyFolder) ||
-                                   (Options.OnlyKind && !IsOfKind(entry, *Options.OnlyKind)) ||
-                                   (Options.OnlySince && qint64{entry.Seconds} < *Options.OnlySince);
-        if (isNarrowedOut)
+            Since_[i] += qint64{entry.Seconds} >= Options.Since[i] ? 1 : 0;
+        if (IsNarrowedOut(entry))
             return;
-        ++Result.Count;
-        Keep({entry.Reference, qint64{entry.Seconds}, rank});
+        ++Count_;
+        Hits.Keep({entry.Reference, qint64{entry.Seconds}, rank});
     }
 
-    /// The worst of those that are kept stands first.
-    void Keep(const SearchHit& hit)
+    /// As far as it has come.
+    SearchResult Answer(std::vector<SearchHit> hits, bool isFinal, bool isCounted) const;
+
+private:
+    static bool IsOfKind(std::size_t bits, SearchKind kind)
     {
-        std::vector<SearchHit>& hits = Result.Hits;
-        if (static_cast<int>(hits.size()) < Options.Most) {
-            hits.push_back(hit);
-            std::push_heap(hits.begin(), hits.end(), IsBetter);
-        } else if (!hits.empty() && IsBetter(hit, hits.front())) {
-            std::pop_heap(hits.begin(), hits.end(), IsBetter);
-            hits.back() = hit;
-            std::push_heap(hits.begin(), hits.end(), IsBetter);
+        switch (kind) {
+        case SearchKind::Email:
+            return (bits & EntryBits::SMS) == 0;
+        case SearchKind::SMS:
+            return (bits & EntryBits::SMS) != 0;
+        case SearchKind::Unread:
+            return (bits & EntryBits::Unread) != 0;
+        case SearchKind::WithFiles:
+            return (bits & EntryBits::Files) != 0;
         }
+        return false;
     }
+
+    // Counted for each of up to a million hits: by places in arrays.
+    qint64 Count_ = 0;
+    std::vector<qint64> OfFolders_ = std::vector<qint64>(std::size_t{1} << 16);
+    std::vector<qint16> FoldersMet_;
+    std::array<qint64, 8> OfBits_{};
+    std::vector<qint64> Since_;
 };
+
+SearchIndex::Finding::Finding(const SearchQuestion& question, const SearchOptions& options)
+    : Question(question),
+      Options(options),
+      Expression(ExpressionOf(question)),
+      After(SecondsOf(question.After)),
+      Before(SecondsOf(question.Before)),
+      Hits(options.Most),
+      Since_(options.Since.size())
+{
+    if (options.Order == SearchOrder::BestFirst && !question.Words.isEmpty()) {
+        InSubject = ExpressionWithin("{subject} : ", question);
+        InPeople = ExpressionWithin("{sender recipients} : ", question);
+    }
+}
+
+SearchResult SearchIndex::Finding::Answer(std::vector<SearchHit> hits, bool isFinal, bool isCounted) const
+{
+    SearchResult result;
+    result.Hits = std::move(hits);
+    result.IsFinal = isFinal;
+    result.IsCounted = isCounted;
+    result.Count = Count_;
+    result.Since = Since_;
+    for (const qint16 folder : FoldersMet_)
+        result.Folders.insert(folder, OfFolders_[static_cast<quint16>(folder)]);
+    for (const SearchKind kind : {SearchKind::Email, SearchKind::SMS, SearchKind::Unread, SearchKind::WithFiles}) {
+        qint64 count = 0;
+        for (std::size_t bits = 0; bits < OfBits_.size(); ++bits)
+            count += IsOfKind(bits, kind) ? OfBits_[bits] : 0;
+        if (count > 0)
+            result.Kinds.insert(kind, count);
+    }
+    return result;
+}
 
 void SearchIndex::ReadShard(qint64 number, Shard& shard)
 {
     shard.Entries.assign(ShardSize, Entry());
+    std::vector<quint16> places;
     IndexStatement& rows = Connection_->Statement("SELECT * FROM messages WHERE document BETWEEN ?1 AND ?2");
     rows.Bind(1, number << ShardBits).Bind(2, (number << ShardBits) + static_cast<qint64>(ShardSize) - 1);
     while (rows.Step()) {
-        Entry& entry = shard.Entries[static_cast<std::size_t>(rows.Integer(0)) & (ShardSize - 1)];
+        const auto place = static_cast<quint16>(static_cast<std::size_t>(rows.Integer(0)) & (ShardSize - 1));
+        Entry& entry = shard.Entries[place];
         const MessageState state = StateIn(rows);
         entry.Reference = state.Reference;
         entry.Seconds = static_cast<quint32>(std::clamp(state.Seconds, qint64{0}, qint64{0xFFFFFFFF}));
         entry.Category = static_cast<qint16>(state.Category);
         entry.Bits = EntryBits::Of(state);
+        places.push_back(place);
     }
     rows.Reset();
+    const std::size_t stragglers = places.size() / MessagesAStraggler;
+    const auto usual = places.begin() + static_cast<std::ptrdiff_t>(stragglers);
+    std::partial_sort(places.begin(), places.empty() ? usual : usual + 1, places.end(),
+                      [&shard](auto a, auto b) { return shard.Entries[a].Seconds > shard.Entries[b].Seconds; });
+    shard.Newest = places.empty() ? 0 : shard.Entries[*usual].Seconds;
+    shard.Stragglers.assign(places.begin(), usual);
 }
 
 /// Reads again what this or another program has changed since.
@@ -188,6 +275,16 @@ void SearchIndex::RefreshShards()
     }
 }
 
+SearchIndex::Walk SearchIndex::NewestFirst() const
+{
+    Walk walk;
+    for (const auto& [number, shard] : Shards_)
+        walk.emplace_back(number, &shard);
+    std::stable_sort(walk.begin(), walk.end(),
+                     [](const auto& a, const auto& b) { return a.second->Newest > b.second->Newest; });
+    return walk;
+}
+
 SearchIndex::Marks SearchIndex::Matches(qint64 shard, const QByteArray& expression)
 {
     const QByteArray table = TableOf(shard);
@@ -198,6 +295,17 @@ SearchIndex::Marks SearchIndex::Matches(qint64 shard, const QByteArray& expressi
         marks.set(static_cast<std::size_t>(rows.Integer(0)) & (ShardSize - 1));
     rows.Reset();
     return marks;
+}
+
+bool SearchIndex::DoesMatch(qint64 document, const QByteArray& expression)
+{
+    const QByteArray table = TableOf(document >> ShardBits);
+    IndexStatement& row =
+        Connection_->Statement("SELECT 1 FROM " + table + " WHERE " + table + " MATCH ?1 AND rowid = ?2");
+    row.Bind(1, std::string_view(expression.constData(), static_cast<std::size_t>(expression.size())));
+    const bool isThere = row.Bind(2, document).Step();
+    row.Reset();
+    return isThere;
 }
 
 void SearchIndex::FindIn(qint64 number, const Shard& shard, Finding& finding)
@@ -214,30 +322,81 @@ void SearchIndex::FindIn(qint64 number, const Shard& shard, Finding& finding)
     }
 }
 
+/// The hits, if the shards that are left, from next on, have none that belongs among them; nothing where that takes
+/// looking through them.
+std::optional<std::vector<SearchHit>> SearchIndex::FinalHits(const Walk& walk, std::size_t next, const Finding& finding)
+{
+    const int bestRank = finding.InSubject.isEmpty() ? 0 : 2;
+    if (!finding.Hits.IsFull() || finding.Hits.Worst().Rank < bestRank)
+        return {};
+    const qint64 since = finding.Hits.Worst().Seconds;
+    if (qint64{walk[next].second->Newest} >= since)
+        return {};
+    std::vector<std::pair<qint64, const Entry*>> stragglers;
+    for (std::size_t i = next; i < walk.size(); ++i) {
+        const auto& [number, shard] = walk[i];
+        for (const quint16 place : shard->Stragglers) {
+            const Entry& entry = shard->Entries[place];
+            if (qint64{entry.Seconds} < since)
+                break;
+            if (finding.IsMet(entry) && !finding.IsNarrowedOut(entry))
+                stragglers.emplace_back((number << ShardBits) + place, &entry);
+        }
+    }
+    if (stragglers.size() > MostStragglers)
+        return {};
+    FirstHits hits = finding.Hits;
+    for (const auto& [document, entry] : stragglers) {
+        const auto has = [&, document = document](const QByteArray& expression) {
+            return expression.isEmpty() || DoesMatch(document, expression);
+        };
+        if (has(finding.Expression) && has(finding.InSubject))
+            hits.Keep({entry->Reference, qint64{entry->Seconds}, bestRank});
+    }
+    return hits.InOrder();
+}
+
+SearchResult SearchIndex::FindAll(Finding& finding)
+{
+    const SearchOptions& options = finding.Options;
+    const Walk walk = NewestFirst();
+    QElapsedTimer time;
+    time.start();
+    bool isFinal = !options.First && options.IsCounted; // nobody asks before the end
+    bool isEarlyTold = !options.First;
+    for (std::size_t i = 0; i < walk.size(); ++i) {
+        std::optional<std::vector<SearchHit>> hits = isFinal ? std::nullopt : FinalHits(walk, i, finding);
+        if (hits) {
+            isFinal = isEarlyTold = true;
+            SearchResult result = finding.Answer(std::move(*hits), true, false);
+            if (!options.IsCounted)
+                return result;
+            options.First(result);
+        }
+        if (!isEarlyTold && !finding.Hits.IsEmpty() && time.elapsed() >= options.Patience) {
+            isEarlyTold = true;
+            options.First(finding.Answer(finding.Hits.InOrder(), false, false));
+        }
+        if (options.GoesOn && !options.GoesOn())
+            throw SearchFailure(SearchFailure::Reason::Interrupted, QString());
+        FindIn(walk[i].first, *walk[i].second, finding);
+    }
+    return finding.Answer(finding.Hits.InOrder(), true, true);
+}
+
 SearchResult SearchIndex::Find(const SearchQuestion& question, const SearchOptions& options)
 {
-    Finding finding{question, options, ExpressionOf(question), {}, {}, NoBound, NoBound, {}};
-    finding.Result.Since.resize(options.Since.size());
-    finding.After = SecondsOf(question.After);
-    finding.Before = SecondsOf(question.Before);
-    if (options.Order == SearchOrder::BestFirst && !question.Words.isEmpty()) {
-        finding.InSubject = ExpressionWithin("{subject} : ", question);
-        finding.InPeople = ExpressionWithin("{sender recipients} : ", question);
-    }
+    Finding finding(question, options);
+    SearchResult result;
     // What another program commits in between would belong to other entries.
     Connection_->Execute("BEGIN");
     try {
         RefreshShards();
-        for (const auto& [number, shard] : Shards_) {
-            if (options.GoesOn && !options.GoesOn())
-                throw SearchFailure(SearchFailure::Reason::Interrupted, QString());
-            FindIn(number, shard, finding);
-        }
+        result = FindAll(finding);
     } catch (...) {
         sqlite3_exec(Connection_->Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
         throw;
     }
     Connection_->Execute("COMMIT");
-    std::sort_heap(finding.Result.Hits.begin(), finding.Result.Hits.end(), IsBetter);
-    return finding.Result;
+    return result;
 }

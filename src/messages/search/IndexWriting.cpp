@@ -196,8 +196,21 @@ void SearchIndex::NoteChange(qint64 shard)
 
 void SearchIndex::Store(const std::vector<IndexedMessage>& messages)
 {
-    if (messages.empty())
-        return;
+    const qint64 tables = Shards();
+    if (!messages.empty())
+        StoreAll(messages);
+    // SQLite keeps for each table of words what it took to write to it, as long as the connection lasts.
+    if (Shards() != tables && !IsReplaced())
+        Connection_ = std::make_unique<IndexConnection>(File_);
+}
+
+qint64 SearchIndex::Shards()
+{
+    return Connection_->Number("SELECT count(*) FROM shards");
+}
+
+void SearchIndex::StoreAll(const std::vector<IndexedMessage>& messages)
+{
     IndexChange change(*Connection_);
     IndexStatement old(*Connection_, "SELECT document, content FROM messages WHERE reference = ?1");
     QList<qint64> replaced;

@@ -114,6 +114,7 @@ void SearchFollowing::BeginAt(const QByteArray& note)
     HasEnded_ = false;
     IsDone_ = false;
     HasDrafts_ = false;
+    Looked_ = 0;
     Differing_.clear();
     Drafts_.clear();
     Unconfirmed_.clear();
@@ -140,7 +141,8 @@ SearchWork SearchFollowing::NextWork(int milliseconds)
     if (!Missing_.empty())
         ReadMails(milliseconds);
     const bool isBatch = Mails_.size() >= MailsOfWork || MailOctets_ >= OctetsOfWork;
-    const bool isCompared = Missing_.empty() && Differing_.empty() && Next_ < 1 && HasDrafts_ && Drafts_.empty();
+    // Before older ranges are looked at: how soon new mail is found is no matter of how much there is besides.
+    const bool isCompared = Missing_.empty() && Differing_.empty() && Drafts_.empty();
     if (isBatch || (isCompared && !Mails_.empty()))
         return StoreWork();
     SearchWork work;
@@ -174,11 +176,14 @@ SearchWork SearchFollowing::LookWork(int milliseconds)
     SearchWork work;
     work.Kind = SearchStep::Look;
     qint32 next = Next_;
+    // The newest one alone, which mostly is all that has changed; then twice as many each time.
+    const std::size_t most = std::max(std::size_t{1}, 2 * Looked_);
     do {
         work.Marks.push_back(StationRows::ReadMark(Station_, next));
         next -= SearchIndex::RangeSize;
-    } while (next > 0 && time.elapsed() < milliseconds);
+    } while (next > 0 && work.Marks.size() < most && time.elapsed() < milliseconds);
     Next_ = next;
+    Looked_ = work.Marks.size();
     return work;
 }
 

@@ -84,6 +84,7 @@ private:
     SearchStep Handed_ = SearchStep::None; ///< What Take has to hear of; None for nothing.
     qint32 Last_ = 0;                      ///< The highest reference when it was looked at.
     qint32 Next_ = 0;                      ///< The range to be looked at next; below 1 when all are.
+    std::size_t Looked_ = 0;               ///< How many were looked at together.
     std::deque<qint32> Differing_;         ///< Ranges that are to be compared.
     qint32 Compared_ = 0;                  ///< The last one that was.
     bool HasDrafts_ = false;               ///< Whether Drafts_ was asked for.

@@ -15,6 +15,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 /// What the columns of a message's row say, as far as searches go by it.
@@ -120,7 +122,11 @@ private:
     {
         qint64 Changes = -1; ///< With which it was read.
         std::vector<Entry> Entries;
+        std::vector<quint16> Stragglers; ///< Places of the few newest entries, the newest first.
+        quint32 Newest = 0;              ///< When the newest one but those was sent.
     };
+    /// Shards in the order in which they are looked through.
+    using Walk = std::vector<std::pair<qint64, const Shard*>>;
     struct Known;
     struct Finding;
 
@@ -142,13 +148,19 @@ private:
     void Erase(const QList<qint64>& documents);
     void EraseWords(qint64 shard, const QSet<qint64>& documents);
     void Insert(qint64 document, const IndexedMessage& message);
+    void StoreAll(const std::vector<IndexedMessage>& messages);
+    qint64 Shards();
     void NoteChange(qint64 shard);
     void ForgetMarkOf(qint64 reference);
     void KeepMark(const RangeMark& range);
     void RefreshShards();
     void ReadShard(qint64 number, Shard& shard);
+    Walk NewestFirst() const;
     Marks Matches(qint64 shard, const QByteArray& expression);
+    bool DoesMatch(qint64 document, const QByteArray& expression);
     void FindIn(qint64 number, const Shard& shard, Finding& finding);
+    SearchResult FindAll(Finding& finding);
+    std::optional<std::vector<SearchHit>> FinalHits(const Walk& walk, std::size_t next, const Finding& finding);
 
     QString File_;
     QByteArray Station_;

@@ -102,6 +102,95 @@ TEST_F(SearchWindowTest, FiltersTellHowManyTheyWouldLeave)
     EXPECT_EQ(Rows().rowCount(), 0) << "the filter stays";
 }
 
+TEST_F(SearchWindowTest, OfWhatTheStationWroteTheRecipientIsShownAndMarked)
+{
+    QByteArray sent = Mail("Reply", "ferry\r\n", "Studio <studio@harbourfm.example.org>");
+    sent.replace("To: studio@harbourfm.example.org", "To: =?utf-8?Q?Ann_K=C3=A9ane?= <ann@example.org>");
+    FileMail(sent, tmcSent, mfRead);
+    OpenSearch();
+    Type(QStringLiteral("to:ann"));
+    ASSERT_EQ(Rows().rowCount(), 1);
+    EXPECT_EQ(Cell(0, 0), QStringLiteral("Ann K\u00E9ane"));
+    const QTreeView& list = Part<QTreeView>("searchList");
+    list.selectionModel()->clear(); // what is selected is marked otherwise
+    const QRect cell = list.visualRect(Rows().index(0, 0));
+    const QImage image = list.viewport()->grab(cell).toImage();
+    bool isMarked = false;
+    for (int x = 0; x < image.width(); ++x)
+        isMarked = isMarked || image.pixelColor(x, image.height() / 2) == QColor(255, 236, 150);
+    EXPECT_TRUE(isMarked);
+}
+
+TEST_F(SearchWindowTest, FirstRowsAreShownWhileAllAreCountedAndNoNumberThatIsNotTheLastOne)
+{
+    FileMail(Mail("One", "ferry\r\n"), tmcInbox, mfRead);
+    FileMail(Mail("Two", "ferry\r\n"), tmcInbox, mfRead);
+    OpenSearch();
+    SearchService& service = Window->Search().Service();
+    int last = 0;
+    SearchResult whole;
+    {
+        const QObject listener;
+        QObject::connect(&service, &SearchService::Found, &listener, [&](int number, const SearchResult& result) {
+            last = number;
+            whole = result;
+        });
+        Type(QStringLiteral("ferry"));
+    }
+    ASSERT_EQ(Count(), QStringLiteral("2 messages"));
+    SearchResult first = whole;
+    first.Hits.pop_back();
+    first.Count = 1;
+    first.IsCounted = first.IsFinal = false;
+    Q_EMIT service.Found(last, first);
+    EXPECT_EQ(Rows().rowCount(), 1);
+    EXPECT_EQ(Count(), QStringLiteral("1 so far"));
+    EXPECT_FALSE(Window_().IsSettled()) << "another may come before it";
+    Press(Qt::Key_Return);
+    EXPECT_TRUE(Window->MessageWindows().isEmpty());
+    first.IsFinal = true;
+    Q_EMIT service.Found(last, first);
+    EXPECT_TRUE(Window_().IsSettled());
+    EXPECT_EQ(Window->MessageWindows().size(), 1) << "the key opens it now";
+    EXPECT_EQ(Part<QComboBox>("searchFolder").itemText(0), QStringLiteral("All folders (\u2026)"));
+    Q_EMIT service.Found(last, whole);
+    EXPECT_EQ(Count(), QStringLiteral("2 messages"));
+    EXPECT_EQ(Part<QComboBox>("searchFolder").itemText(0), QStringLiteral("All folders (2)"));
+}
+
+TEST_F(SearchWindowTest, OfManyMessagesTheFirstRowsComeBeforeTheirNumber)
+{
+    constexpr int Many = 8300; // more than a table of the index holds
+    std::vector<cMessagePtr> messages;
+    for (int i = 0; i < Many; ++i) {
+        const auto message = std::make_shared<cMessage>();
+        QByteArray mail = Mail("Number " + QByteArray::number(i), "ferry\r\n");
+        mail.replace("20 Nov 2026 08:00:00", QByteArray::number(1 + i / 400) + " Nov 2026 " +
+                                                 QByteArray::number(10 + i / 40 % 10) + ":" +
+                                                 QByteArray::number(10 + i % 40) + ":00");
+        message->SetCDOMessage(std::make_shared<cdo::Message>(mail));
+        message->SetCategory(tmcSaved);
+        messages.push_back(message);
+    }
+    Station.Database().SaveMessages(messages, [] { return true; });
+    OpenWindow();
+    QTest::keyClick(Window.get(), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    SearchService& service = Window->Search().Service();
+    ASSERT_TRUE(WaitUntil([&service] { return service.IsComplete(); }, 120'000));
+    std::vector<SearchResult> told;
+    const QObject listener;
+    QObject::connect(&service, &SearchService::Found, &listener,
+                     [&told](int, const SearchResult& result) { told.push_back(result); });
+    Window_().Search(QStringLiteral("ferry"));
+    ASSERT_TRUE(WaitUntil([&told] { return !told.empty() && told.back().IsCounted; }, 20'000));
+    ASSERT_GE(told.size(), 2U);
+    const SearchResult& first = told[told.size() - 2];
+    EXPECT_TRUE(first.IsFinal);
+    EXPECT_EQ(first.Hits, told.back().Hits);
+    EXPECT_EQ(told.back().Count, Many);
+    EXPECT_EQ(Count(), QStringLiteral("The first 300 of %1 messages").arg(QLocale().toString(Many)));
+}
+
 TEST_F(SearchWindowTest, BestFirstPutsTheSubjectInFront)
 {
     FileMail(Mail("The ferry", "x\r\n").replace("20 Nov", "01 Nov"));

@@ -112,11 +112,19 @@ TEST(SearchWords, ControlCharactersHalfCharactersAndEndlessWordsAreNoTrouble)
 {
     EXPECT_TRUE(Finds(u"lighthouse"_qs, QString(QChar(0xD83C)) + u"\u0001lighthouse\u0000x"_qs + QChar(0xDFB5)));
     EXPECT_TRUE(SearchWords::Wanted(QString(QChar(0xD83C)) + QChar(0xFFFD) + QChar(0), true).isEmpty());
+    const QString halves = QChar(0xD83C) + u"lighthouse"_qs + QChar(0xD83C) + u"keeper"_qs + QChar(0xDFB5) + u"cat"_qs;
+    for (const QString& word : {u"lighthouse"_qs, u"keeper"_qs, u"cat"_qs}) {
+        EXPECT_TRUE(Finds(word, halves)) << qPrintable(word);
+        EXPECT_TRUE(Finds(QChar(0xD83C) + word + QChar(0xDFB5), word)) << qPrintable(word);
+    }
     const QString endless(1'000'000, u'x');
     EXPECT_TRUE(Finds(endless, endless));
     WordSet words;
     SearchWords::Add(endless, words);
     EXPECT_EQ(words.Joined().size(), 40U);
+    words.Clear();
+    SearchWords::Add(endless.left(39) + QString::fromUcs4(U"\U00010428"), words); // a letter of two
+    EXPECT_EQ(words.Joined(), std::string(39, 'x')) << "no half of it";
 }
 
 TEST(SearchWords, AMessageHasABoundedNumberOfWords)
