@@ -40,6 +40,8 @@ tolva_install_documents(tolva-pdf pdf)
 tolva_install_documents(tolva-data data)
 tolva_install_documents(libkvtolva1-${PROJECT_VERSION_MAJOR} library)
 tolva_install_documents(libkvtolva1-dev development)
+install(FILES packaging/library/lintian-overrides RENAME libkvtolva1-${PROJECT_VERSION_MAJOR}
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides" COMPONENT library)
 
 # The nightly backup; whoever runs the machine enables it for a station.
 install(FILES "packaging/systemd/tolva-backup@.service" "packaging/systemd/tolva-backup@.timer"

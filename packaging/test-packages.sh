@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Installs the packages in a bare Debian 12 that is made for it, uses them there as a user without rights, builds the example host from
-# the installed headers, takes the packages away again and looks whether the station is still whole.
+# Installs the packages in a bare Debian 12 that is made for it, uses them there as a user without rights, runs their services by a
+# systemd of its own, builds the example host from the installed headers, takes the packages away again and looks whether the station is still whole.
 # Needs root and debootstrap; fetches the base system and what the packages depend on.
 #   packaging/test-packages.sh [MIRROR]
 set -euo pipefail
@@ -14,6 +14,10 @@ fi
 say() { printf '%s\n' "$*" >&2; }
 packages=$(echo build/release/packages/tolva_*.deb)
 [ -e "$packages" ] || packaging/make-packages.sh
+if command -v lintian >/dev/null; then
+    say "Looking the packages over"
+    lintian --allow-root --fail-on error,warning build/release/packages/*.deb
+fi
 
 root=$(mktemp -d "${TMPDIR:-/tmp}/tolva-root-XXXXXX")
 chmod 755 "$root" # the user without rights goes through it
@@ -66,8 +70,10 @@ say "Setting a station up as the pages tell its technician"
 # What they type as root; the gateway's account comes with its own package.
 asTold=$(perl -ne '$code = !$code, next if /^```/; print if $code && /^(groupadd|useradd|usermod|chown|chmod|find|install) /' docs/hookups.md)
 [ "$(wc -l <<<"$asTold")" -ge 8 ] || { say "The page on hooking up has lost its commands."; exit 1; }
-inRoot useradd --system gammu
+inRoot useradd --system --user-group gammu
 inRoot tolva init /srv/station --name Harbour --phone 1 >/dev/null
+# Where the page puts files of its own before.
+inRoot mkdir -p /etc/tolva
 inRoot sh -e -c "$asTold"
 inRoot usermod -a -G station presenter
 file() { printf 'Subject: From %s\n\nHello.\n' "$1" | inRoot runuser -u "$1" -- sh -c 'umask 0007; tolva file /srv/station'; }
@@ -78,7 +84,7 @@ if inRoot runuser -u stranger -- tolva list /srv/station 2>/dev/null; then
     say "The station is open to accounts outside its group."
     exit 1
 fi
-inRoot sh -c 'apt-get install -q -y --no-install-recommends systemd' >"$root/packages/install.log" 2>&1 || { tail -30 "$root/packages/install.log" >&2; exit 1; }
+inRoot sh -c 'apt-get install -q -y --no-install-recommends systemd isync msmtp python3' >"$root/packages/install.log" 2>&1 || { tail -30 "$root/packages/install.log" >&2; exit 1; }
 if find "$root/etc/systemd" -name 'tolva-*' | grep .; then
     say "The package has enabled its timer."
     exit 1
@@ -98,14 +104,7 @@ station=$(inRoot systemd-escape --path /srv/station)
 for unit in receive@.path receive@.service fetch@.timer fetch@.service send@.timer send@.service; do
     inRoot systemd-analyze verify --man=no "tolva-${unit/@/@$station}"
 done
-printf 'Subject: Watched\n\nHello.\n' | inRoot runuser -u tolva -- sh -c 'umask 0007; cat >/srv/station/Incoming/new/1.watched'
-for unit in receive send; do
-    command=$(sed -n 's/^ExecStart=//p' "$root/usr/lib/systemd/system/tolva-$unit@.service")
-    options=$(sed -n 's/^TOLVA_SEND_OPTIONS=//p' "$root/etc/tolva/send.conf")
-    command=${command//\$TOLVA_SEND_OPTIONS/$options}
-    inRoot runuser -u tolva -- sh -c "umask 0007; ${command//%f//srv/station}" >/dev/null
-done
-inRoot tolva list /srv/station --find Watched | grep -q Watched || { say "The service has not filed the watched mail."; exit 1; }
+packaging/test-services.sh "$root"
 
 say "Building the example host from the installed headers"
 inRoot sh -c 'apt-get install -q -y --no-install-recommends /packages/libkvtolva1-dev_*.deb cmake ninja-build g++' \

@@ -4,6 +4,7 @@
 
 #include "SendTest.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 
 #include <csignal>
@@ -13,7 +14,6 @@ namespace
 constexpr double TheYear2000 = 36526; // 2000
 const QString Again = QStringLiteral("again");
 const QString Went = QStringLiteral("went");
-const QString PastUntil = QStringLiteral("[Until]=%1").arg(TheYear2000);
 } // namespace
 
 TEST_F(SendTest, AMailGoesToTheProgramAndThenToSent)
@@ -107,7 +107,7 @@ TEST_F(SendTest, APassingRefusalIsTriedAgainWithGrowingWaits)
         EXPECT_GT(wait, waited * 1.5);
         waited = wait;
         file->Close();
-        SetLedger(reference, PastUntil);
+        MakeDue(reference);
     }
     Answer("");
     EXPECT_EQ(Send().Code, 0);
@@ -187,7 +187,7 @@ TEST_F(SendTest, KilledBeforeItHeardOfTheAcceptanceNothingIsSentTwice)
     EXPECT_EQ(StateOf(reference), QStringLiteral("beingSent"));
     EXPECT_EQ(Send().Code, 0);
     // Whoever claimed it has not been heard of for longer than that may take.
-    SetLedger(reference, PastUntil);
+    MakeDue(reference);
     EXPECT_EQ(StateOf(reference), QStringLiteral("unclear"));
     const Outcome held = Send();
     EXPECT_EQ(held.Code, 0);
@@ -240,6 +240,27 @@ TEST_F(SendTest, SeveralRunsAtOnceHandEachMessageOverOnce)
         EXPECT_EQ(TimesTaken("answer " + QByteArray::number(i)), 1) << i;
     EXPECT_EQ(TimesCalled(), Count);
     EXPECT_EQ(Expect("pending", {QStringLiteral("--json")}), "") << "all are marked";
+}
+
+TEST_F(SendTest, ToldToEndItLetsTheHandOverComeToItsEndAndBeginsNoOther)
+{
+    const QByteArray goOn = Path(QStringLiteral("go-on")).toUtf8();
+    Answer("until [ -e '" + goOn + "' ]; do sleep 0.05; done");
+    const QString first = WaitingMail("first");
+    const QString second = WaitingMail("second");
+    QProcess run;
+    Prepare(run, QStringList{QStringLiteral("send"), Station()} + SendWords());
+    run.start();
+    for (const QDeadlineTimer deadline(30000); TimesCalled() == 0 && !deadline.hasExpired();)
+        run.waitForFinished(10);
+    ASSERT_EQ(TimesCalled(), 1);
+    run.terminate();
+    EXPECT_FALSE(run.waitForFinished(300)) << "it has left the hand-over alone";
+    Write(QStringLiteral("go-on"), "");
+    ASSERT_TRUE(run.waitForFinished(30000));
+    EXPECT_EQ(run.exitCode(), 130);
+    EXPECT_EQ(FolderOf(first), QStringLiteral("Sent"));
+    EXPECT_EQ(StateOf(second), QStringLiteral("waiting"));
 }
 
 TEST_F(SendTest, AMessageThatSomebodyTakesBackWhileItGoesOutStaysWhereHePutIt)
@@ -380,32 +401,6 @@ TEST_F(SendTest, SendingNeedsTheRightToEditMessages)
     const Outcome refused = Send({QStringLiteral("--user"), QStringLiteral("Guest")});
     EXPECT_EQ(refused.Code, 77);
     EXPECT_EQ(TimesCalled(), 0);
-}
-
-TEST_F(SendTest, ATextGoesToEachNumberOnce)
-{
-    const QString reference = WaitingText(QStringLiteral("+44 7700 900123, 07700 900456"), "We're on air");
-    EXPECT_TRUE(Send().Output.contains("no program is named that sends text messages"));
-    Answer("case \"$1\" in *456) exit 75;; esac");
-    const QStringList words = {QStringLiteral("--sms"), Program()};
-    const Outcome half = Send(words);
-    EXPECT_EQ(half.Code, 75);
-    EXPECT_TRUE(half.Problems.contains("07700900456: ")) << half.Problems.constData();
-    ASSERT_EQ(Taken().size(), 1);
-    EXPECT_EQ(Taken().first(), "ARGUMENTS +447700900123\nWe're on air");
-    Answer("");
-    SetLedger(reference, PastUntil);
-    EXPECT_EQ(Send(words).Code, 0);
-    EXPECT_EQ(Taken().size(), 2) << "the first number has it already";
-    EXPECT_EQ(FolderOf(reference), QStringLiteral("Sent"));
-}
-
-TEST_F(SendTest, ATextGoesToTheDaemonInItsOwnWords)
-{
-    WaitingText(QStringLiteral("07700 900456"), "-\u00e9t\u00e9");
-    EXPECT_EQ(Send({QStringLiteral("--gammu"), Program()}).Code, 0);
-    ASSERT_EQ(Taken().size(), 1);
-    EXPECT_EQ(Taken().first(), "ARGUMENTS TEXT 07700900456 -autolen 4 -text -\u00e9t\u00e9\n");
 }
 
 TEST_F(SendTest, WhatTheCommandLineCannotMeanIsRefused)

@@ -52,6 +52,12 @@ protected:
         database->Execute(QStringLiteral("UPDATE [Sending] SET %1 WHERE [Message]=%2").arg(columns, reference));
         database->Close();
     }
+    /// Lets the time come for what was put off.
+    void MakeDue(const QString& reference) const
+    {
+        constexpr int TheYear2000 = 36526; // in days
+        SetLedger(reference, QStringLiteral("[Until]=%1").arg(TheYear2000));
+    }
     QString Waiting(const QByteArray& mail) const
     {
         const QString reference = FileMail(mail);

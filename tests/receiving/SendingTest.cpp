@@ -3,17 +3,9 @@
 // What the page on hooking up says about sending, done as it stands there: by msmtp through a real mail server of a
 // provider, which wants TLS and a password, and by the mail server of this computer.
 
-#include "MachineTest.h"
-#include "platform/records/DBEngine.h"
-#include "platform/records/Database.h"
+#include "SendingMachineTest.h"
 
 #include <QDeadlineTimer>
-#include <QFile>
-#include <QHash>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QTemporaryDir>
 #include <QThread>
 
 namespace
@@ -76,13 +68,9 @@ plain:
 END
 exim4 -bd
 )");
-
-/// How the service sends, as the account that it runs under.
-const QString AsTheService = QStringLiteral(
-    "runuser -u tolva -- tolva send /srv/station $(sed -n 's/^TOLVA_SEND_OPTIONS=//p' /etc/tolva/send.conf) --json");
 } // namespace
 
-class SendingTest : public MachineTest
+class SendingTest : public SendingMachineTest
 {
 protected:
     void SetUp() override
@@ -117,48 +105,12 @@ protected:
         return "From: Harbour FM <studio@harbourfm.example.org>\nTo: " + to + "\nSubject: " + subject +
                "\nMessage-ID: <" + subject.toHex() + "@harbourfm.example.org>\n\nHello, this is " + subject + ".\n";
     }
-    /// Files mails, and marks all of the Inbox to be sent, as a desk does.
+    /// Files mails, and marks them to be sent.
     void LetWait(const QList<QByteArray>& mails) const
     {
-        for (const QByteArray& mail : mails) {
-            const Machine::Outcome filed =
-                Computer().Run(QStringLiteral("runuser -u tolva -- tolva file /srv/station"), mail);
-            ASSERT_EQ(filed.Code, 0) << filed.Problems.constData();
-        }
-        const QTemporaryDir here;
-        const QString copy = here.filePath(QStringLiteral("Tolva.mdb"));
-        QFile file(copy);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(Computer().Run(QStringLiteral("cat /srv/station/Tolva.mdb")).Output);
-        file.close();
-        const auto database = dao::DBEngine::OpenDatabase(copy);
-        database->Execute(QStringLiteral("UPDATE [Messages] SET [Category]=2, [Flags]=2, [Sent]=0 WHERE [Category]=1"));
-        database->Close();
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        Computer().Write({{QStringLiteral("/srv/station/Tolva.mdb"), file.readAll()}});
-    }
-    struct Run
-    {
-        int Code;
-        QHash<QString, QString> Words; ///< Of each message that has an outcome, "refused: words", by its recipient.
-        QByteArray Said;
-    };
-    Run Send() const
-    {
-        const Machine::Outcome outcome = Computer().Run(AsTheService);
-        Run run{outcome.Code, {}, outcome.Output + outcome.Problems};
-        for (const QByteArray& line : outcome.Output.split('\n')) {
-            const QJsonObject note = QJsonDocument::fromJson(line).object();
-            if (note.isEmpty())
-                continue;
-            QStringList recipients;
-            for (const QJsonValue& recipient : note.value(QStringLiteral("recipients")).toArray())
-                recipients.append(recipient.toString());
-            run.Words.insert(recipients.join(u' '), note.value(QStringLiteral("outcome")).toString() +
-                                                        QStringLiteral(": ") +
-                                                        note.value(QStringLiteral("words")).toString());
-        }
-        return run;
+        for (const QByteArray& mail : mails)
+            ASSERT_NO_FATAL_FAILURE(File(QString(), mail));
+        MarkToBeSent();
     }
     /// What the provider delivered to a mailbox.
     QList<QByteArray> Mailbox(const QByteArray& name) const
@@ -236,7 +188,7 @@ TEST_F(SendingTest, RefusalsOfAProvidersServerComeBackInItsWordsByTheFilesOfSetU
     ExpectInMailbox("ann", 1);
     EXPECT_EQ(Mailbox("bob").size(), 0) << "it went to one of two";
     Must(QStringLiteral("rm /run/greylisting"));
-    const Machine::Outcome again = Computer().Run(AsTheService + QStringLiteral(" --message 4"));
+    const Machine::Outcome again = Computer().Run(AsTheService() + QStringLiteral(" --message 4"));
     EXPECT_EQ(again.Code, 0) << again.Problems.constData();
     ExpectInMailbox("later", 1);
 }
@@ -256,7 +208,7 @@ TEST_F(SendingTest, WithAWrongPasswordOrAWrongServerNothingIsRefusedAndAllIsSent
     GivePassword("SECRET");
     // A server that has another one's certificate.
     Must(QStringLiteral("sed -i 's/^host .*/host localhost/' /etc/tolva/msmtprc"));
-    const QString atOnce = AsTheService + QStringLiteral(" --message 1");
+    const QString atOnce = AsTheService() + QStringLiteral(" --message 1");
     EXPECT_NE(Computer().Run(atOnce).Code, 0);
     EXPECT_TRUE(states().contains("notYet")) << states().constData();
     EXPECT_EQ(Mailbox("ann").size(), 0);

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QRegularExpression>
 
 #ifndef Q_OS_WIN
@@ -85,6 +86,22 @@ void EndGroup(QProcess& process)
 }
 #endif
 
+/// Everything it says, or only what it says on standard error, is read as its output.
+void LetSpeak(QProcess& process, const ProgramHabits& habits)
+{
+    if (habits.SaysOnOutput) {
+        process.setProcessChannelMode(QProcess::MergedChannels);
+    } else {
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setReadChannel(QProcess::StandardError);
+    }
+    if (habits.Locale.isEmpty())
+        return;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), habits.Locale);
+    process.setProcessEnvironment(environment);
+}
+
 /// Reads what the program says until it ends; false when the time was over before.
 bool WaitForEnd(QProcess& process, int seconds, QByteArray& said)
 {
@@ -96,12 +113,12 @@ bool WaitForEnd(QProcess& process, int seconds, QByteArray& said)
         if (rest <= 0)
             return false;
         process.waitForFinished(static_cast<int>(qMin<qint64>(rest, 200)));
-        said.append(process.readAllStandardError());
+        said.append(process.readAll());
         // Its end is worth more than its beginning: there stands why it failed.
         if (said.size() > MostRead)
             said.remove(0, said.size() - MostRead);
     }
-    said.append(process.readAllStandardError());
+    said.append(process.readAll());
     return true;
 }
 } // namespace
@@ -140,12 +157,12 @@ HandOverResult::Kind MeaningOfExitCode(int code, const QString& words)
     }
 }
 
-HandOverResult HandOver(const QStringList& command, const QByteArray& input, int seconds)
+HandOverResult HandOver(const QStringList& command, const QByteArray& input, int seconds, const ProgramHabits& habits)
 {
     QProcess process;
     process.setProgram(command.first());
     process.setArguments(command.mid(1));
-    process.setStandardOutputFile(QProcess::nullDevice());
+    LetSpeak(process, habits);
     PutIntoGroup(process);
     process.start();
     if (!process.waitForStarted(-1)) {
@@ -171,5 +188,5 @@ HandOverResult HandOver(const QStringList& command, const QByteArray& input, int
     }
     if (words.isEmpty() && process.exitCode() != 0)
         words = QStringLiteral("%1 ended with code %2").arg(command.first()).arg(process.exitCode());
-    return {MeaningOfExitCode(process.exitCode(), words), words};
+    return {habits.Meaning(process.exitCode(), words), words};
 }

@@ -6,14 +6,36 @@
 #include "common/ClockHelper.h"
 #include "common/UserInterface.h"
 #include "database/StationSettings.h"
+#include "sending/GammuHandOver.h"
 #include "sending/OutgoingIdentity.h"
 #include "sending/OutgoingState.h"
 #include "sending/TextRecipients.h"
 
 #include <QCryptographicHash>
 
+#include <csignal>
+
 namespace
 {
+extern "C" void EndAsByCtrlC(int)
+{
+    std::raise(SIGINT);
+}
+
+/// While it lives, being told to end (a service that is stopped, a computer that is shut down) lets a hand-over come to
+/// its end, as Ctrl-C does: broken off, nobody could say any more whether it went out.
+class PatientEnd
+{
+public:
+    PatientEnd() : Before_(std::signal(SIGTERM, EndAsByCtrlC)) {}
+    ~PatientEnd() { std::signal(SIGTERM, Before_); }
+    PatientEnd(const PatientEnd&) = delete;
+    PatientEnd& operator=(const PatientEnd&) = delete;
+
+private:
+    void (*Before_)(int);
+};
+
 constexpr double FirstWait = 5;     // minutes
 constexpr double LongestWait = 240; // minutes
 constexpr double DaysOfTrying = 5;
@@ -155,6 +177,7 @@ ExitCode SendRun::Run()
             FinishAccepted();
         const QList<MessageRow> rows = PendingRows(Station_.Database(), Options_.Type);
         const auto progress = UserInterface::Current().Progress(QStringLiteral("Sending"));
+        const PatientEnd patientEnd;
         bool isThere = Options_.OnlyMessage == 0;
         int done = 0;
         for (const MessageRow& row : rows) {
@@ -163,8 +186,9 @@ ExitCode SendRun::Run()
             isThere = true;
             if (!progress->Advance(done++, static_cast<int>(rows.size())))
                 return exitInterrupted;
-            if (!Send(row))
-                break;
+            // A program that takes no texts keeps no mail waiting.
+            bool& isOver = row.IsSMS ? TextsAreOver_ : MailsAreOver_;
+            isOver = isOver || !Send(row);
         }
         if (!isThere) {
             throw Failure(exitData, QStringLiteral("Message %1 does not wait to be sent.").arg(Options_.OnlyMessage));
@@ -173,7 +197,7 @@ ExitCode SendRun::Run()
     });
 }
 
-/// False when the next message would fare no better.
+/// False when the next message of its kind would fare no better.
 bool SendRun::Send(const MessageRow& row)
 {
     SendNote note;
@@ -232,7 +256,9 @@ bool SendRun::SendClaimed(const MessageRow& row, SendingRecord& record, const st
         result = row.IsSMS ? HandOverTexts(*outgoing, record) : HandOverMail(*outgoing);
     if (result.What == HandOverResult::Kind::NotStarted) {
         Ledger_.TakeBack(record, before);
-        throw Failure(exitUnavailable, result.Words);
+        Terminal::Complain(result.Words);
+        Count(exitUnavailable);
+        return false;
     }
     const bool goesOn = Store(record, result, note);
     Note(note);
@@ -251,15 +277,10 @@ HandOverResult SendRun::HandOverTexts(const Outgoing& outgoing, SendingRecord& r
     for (const QString& number : outgoing.Recipients) {
         if (record.Taken.contains(number))
             continue;
-        QStringList command = Options_.TextProgram;
-        if (Options_.IsGammu) {
-            command << QStringLiteral("TEXT") << number << QStringLiteral("-autolen")
-                    << QString::number(outgoing.Text.size()) << QStringLiteral("-text") << outgoing.Text;
-        } else {
-            command << number;
-        }
         HandOverResult result =
-            HandOver(command, Options_.IsGammu ? QByteArray() : outgoing.Text.toUtf8(), Options_.Seconds);
+            Options_.IsGammu
+                ? HandOverToGammu(Options_.TextProgram, number, outgoing.Text, Options_.Seconds)
+                : HandOver(Options_.TextProgram + QStringList{number}, outgoing.Text.toUtf8(), Options_.Seconds);
         if (result.What != HandOverResult::Kind::Accepted) {
             if (outgoing.Recipients.size() > 1)
                 result.Words.prepend(number + QStringLiteral(": "));
@@ -274,8 +295,8 @@ HandOverResult SendRun::HandOverTexts(const Outgoing& outgoing, SendingRecord& r
     return {HandOverResult::Kind::Accepted, QString()};
 }
 
-/// Puts into the ledger what became of a message, and marks it if it was accepted. False when the next one would fare
-/// no better.
+/// Puts into the ledger what became of a message, and marks it if it was accepted. False when the next one of its kind
+/// would fare no better.
 bool SendRun::Store(SendingRecord& record, const HandOverResult& result, SendNote& note)
 {
     using Kind = HandOverResult::Kind;

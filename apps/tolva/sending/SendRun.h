@@ -89,4 +89,6 @@ private:
     SendingLedger Ledger_;
     QString StationName_;
     ExitCode Result_ = exitOK;
+    bool MailsAreOver_ = false; ///< No more of them are tried.
+    bool TextsAreOver_ = false;
 };
