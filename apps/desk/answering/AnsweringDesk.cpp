@@ -145,6 +145,11 @@ QString AnsweringDesk::NoteOf(qint32 message) const
     return answer ? AnsweringWords::OfFiled(*answer) : QString();
 }
 
+bool AnsweringDesk::WasAnswered(qint32 message) const
+{
+    return Marks_->Of(message).has_value();
+}
+
 void AnsweringDesk::ShowWords()
 {
     List_.ShowRowNotes();

@@ -42,6 +42,8 @@ public:
     void Watch(MessageWindow& window);
     /// What stands in the row of a message; empty for nothing.
     QString NoteOf(qint32 message) const;
+    /// Somebody has filed an answer to it.
+    bool WasAnswered(qint32 message) const;
     /// The list was read anew: so is what was answered.
     void TakeUpdate();
     /// Takes back what this desk told. For the end, while the directory is open.
