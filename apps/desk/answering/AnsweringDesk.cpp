@@ -3,6 +3,7 @@
 
 #include "AnsweredMarks.h"
 #include "AnsweringWords.h"
+#include "SentAnswers.h"
 #include "common/UserInterface.h"
 #include "compose/ComposeWindow.h"
 #include "messages/MessageWindow.h"
@@ -18,11 +19,13 @@ AnsweringDesk::AnsweringDesk(DeskStation& station, uMessagesList& list, QMainWin
       Station_(station),
       List_(list),
       Notice_(new NoticeBar(QStringLiteral("reply"), QString(), &window)),
-      Marks_(new AnsweredMarks(station, this))
+      Marks_(new AnsweredMarks(station, this)),
+      Sent_(new SentAnswers(station, this))
 {
     Notice_->setObjectName(QStringLiteral("answeringNotice"));
     Clock_.start();
     connect(Marks_, &AnsweredMarks::Changed, this, &AnsweringDesk::ShowWords);
+    connect(Sent_, &SentAnswers::Changed, this, &AnsweringDesk::ShowWords);
     LookTimer_.setInterval(LookMilliseconds);
     connect(&LookTimer_, &QTimer::timeout, this, &AnsweringDesk::Look);
     LookTimer_.start();
@@ -141,13 +144,21 @@ QString AnsweringDesk::NoteOf(qint32 message) const
     const auto now = Words_.constFind(message);
     if (now != Words_.constEnd())
         return *now;
-    const std::optional<FiledAnswer> answer = Marks_->Of(message);
+    const std::optional<FiledAnswer> answer = AnswerTo(message);
     return answer ? AnsweringWords::OfFiled(*answer) : QString();
 }
 
 bool AnsweringDesk::WasAnswered(qint32 message) const
 {
-    return Marks_->Of(message).has_value();
+    return AnswerTo(message).has_value();
+}
+
+/// Both are asked, since each looks up what it does not know.
+std::optional<FiledAnswer> AnsweringDesk::AnswerTo(qint32 message) const
+{
+    const std::optional<FiledAnswer> noted = Marks_->Of(message);
+    const std::optional<FiledAnswer> sent = Sent_->Of(message);
+    return noted ? noted : sent;
 }
 
 void AnsweringDesk::ShowWords()
@@ -160,5 +171,6 @@ void AnsweringDesk::ShowWords()
 void AnsweringDesk::TakeUpdate()
 {
     Marks_->Refresh();
+    Sent_->Refresh();
     ShowWords();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "OwnAnswers.h"
+#include "answering/AnswerLedger.h"
 #include "answering/AnsweringWatch.h"
 #include "messages/cMessage.h"
 
@@ -9,11 +10,14 @@
 #include <QObject>
 #include <QTimer>
 
+#include <optional>
+
 class AnsweredMarks;
 class ComposeWindow;
 class DeskStation;
 class MessageWindow;
 class NoticeBar;
+class SentAnswers;
 class QMainWindow;
 class uMessagesList;
 
@@ -61,12 +65,15 @@ private:
     void End(const QObject* window);
     void Tell();
     QList<Answering> AnsweringOf(qint32 message) const;
+    /// By this desk's ledger, or by what lies in Sent.
+    std::optional<FiledAnswer> AnswerTo(qint32 message) const;
     void ShowWords();
 
     DeskStation& Station_;
     uMessagesList& List_;
     NoticeBar* Notice_;
     AnsweredMarks* Marks_;
+    SentAnswers* Sent_;
     OwnAnswers Own_;
     AnsweringWatch Others_;
     QHash<qint32, QList<Answering>> Now_; ///< By message.
