@@ -3,8 +3,10 @@
 // tolva backup, backups, restore and compact.
 
 #include "CommandLineTest.h"
+#include "StationCheck.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QJsonDocument>
 
 #include <csignal>
@@ -18,18 +20,20 @@ protected:
 
     static QJsonObject Object(const QByteArray& line) { return QJsonDocument::fromJson(line).object(); }
     QJsonObject BackUp() const { return Object(Expect("backup", {QStringLiteral("--json")})); }
-    /// The names of the backups in that state.
-    QStringList Names(const char16_t* state) const
+    /// The names of the backups by what is thought of them.
+    QHash<QString, QStringList> NamesByState() const
     {
-        QStringList names;
+        QHash<QString, QStringList> names;
         const Outcome outcome = OnStation("backups", {QStringLiteral("--json"), QStringLiteral("--check")});
         for (const QByteArray& line : outcome.Lines()) {
             const QJsonObject entry = Object(line);
-            if (entry.value(QStringLiteral("state")).toString() == QString::fromUtf16(state))
-                names.append(entry.value(QStringLiteral("name")).toString());
+            names[entry.value(QStringLiteral("state")).toString()].append(
+                entry.value(QStringLiteral("name")).toString());
         }
         return names;
     }
+    /// The names of the backups in that state.
+    QStringList Names(const char16_t* state) const { return NamesByState().value(QString::fromUtf16(state)); }
     /// Gives a backup another day, so that one made in the same minute does not take its place.
     void Date(const QString& name, const QString& newName) const
     {
@@ -53,6 +57,14 @@ protected:
         return mbox;
     }
     int MessageCount() const { return static_cast<int>(Messages().size()); }
+    /// How many messages the station holds; -1 when it is not sound. Looked at in this process: where a station is
+    /// looked at behind each of a thousand failures, starting programs is what takes the time.
+    int SoundMessages() const
+    {
+        const StationCheck::Report report =
+            StationCheck::Run(Station(), [](const QString& words) { ADD_FAILURE() << words.toStdString(); });
+        return report.IsWhole && report.IsSound() ? static_cast<int>(report.Messages()) : -1;
+    }
 };
 
 TEST_F(BackupCommandTest, ABackupSaysWhereItIsAndWhatItHolds)
@@ -326,13 +338,13 @@ protected:
 TEST_P(BackupFaultTest, ABackupIsThereWholeOrTheOlderOnesAre)
 {
     FailEverywhere("backup", [&](int code) {
-        const QStringList sound = Names(u"sound");
+        const auto names = NamesByState();
+        const QStringList sound = names.value(QStringLiteral("sound"));
         const bool isNew = !sound.isEmpty() && sound.last() > QStringLiteral("2026-01-01 10.00");
         EXPECT_TRUE(isNew || sound == QStringList{QStringLiteral("2026-01-01 10.00")});
         EXPECT_TRUE(isNew || code != 0) << "a backup was reported that is not there";
-        EXPECT_TRUE(Names(u"damaged").isEmpty());
-        EXPECT_EQ(OnStation("check").Code, 0);
-        EXPECT_EQ(MessageCount(), 2);
+        EXPECT_TRUE(names.value(QStringLiteral("damaged")).isEmpty());
+        EXPECT_EQ(SoundMessages(), 2);
     });
 }
 
@@ -340,8 +352,7 @@ TEST_P(BackupFaultTest, ARestoreLeavesTheOldStationOrTheRestoredOne)
 {
     FailEverywhere("restore", [&](int code) {
         ASSERT_TRUE(QFile::exists(File()));
-        EXPECT_EQ(OnStation("check").Code, 0);
-        const int messages = MessageCount();
+        const int messages = SoundMessages();
         EXPECT_TRUE(messages == 1 || messages == 2) << messages;
         EXPECT_TRUE(code != 0 || messages == 1) << "a restore was reported that did not happen";
         EXPECT_EQ(Names(u"sound"), QStringList{QStringLiteral("2026-01-01 10.00")});
@@ -352,8 +363,7 @@ TEST_P(BackupFaultTest, ACompactionLeavesTheOldStationOrTheCompactedOne)
 {
     FailEverywhere("compact", [&](int) {
         ASSERT_TRUE(QFile::exists(File()));
-        EXPECT_EQ(OnStation("check").Code, 0);
-        EXPECT_EQ(MessageCount(), 2);
+        EXPECT_EQ(SoundMessages(), 2);
     });
 }
 

@@ -268,6 +268,7 @@ void uPrizeBasic::ShowWinners()
         if (const cPrizeWinnerPtr winner = Prize_->PrizeWinner(static_cast<qint16>(slot)))
             ShowWinner(static_cast<qint16>(slot), *winner);
     }
+    // NOLINTNEXTLINE(modernize-loop-convert): reversed views do not compile with clang 14.
     for (auto key = before.crbegin(); key != before.crend(); ++key) {
         if (lvwWinners_->Tag(*key) == REMOVE)
             lvwWinners_->RemoveItem(*key);
