@@ -32,6 +32,8 @@ struct MessageLook
     QByteArray Subject; ///< The header fields as they stand in the mail.
     QByteArray From;
     QByteArray To; ///< Of what the station wrote; empty for all else.
+
+    bool IsUrgent() const { return Priority == 1; }
 };
 
 /// Characters of a header that are decoded and measured; more than any row is wide.

@@ -19,7 +19,6 @@ constexpr quint8 TextBit = 1;
 constexpr quint8 AttachmentBit = 2;
 constexpr quint8 UrgentBit = 4;
 constexpr quint8 LowBit = 8;
-constexpr int UrgentPriority = 1;
 
 /// Their names stand among the words of the row's state, where it says them without marks already.
 QList<RowMark> MarksOfBits(quint8 bits)
@@ -63,7 +62,7 @@ void uMessagesList::TakeMarks(const MessageLook& look)
     if (!ShowsMarks_)
         return;
     const int bits = (look.MessageType == emtSMS ? TextBit : 0) | (look.HasAttachments ? AttachmentBit : 0) |
-                     (look.Priority == UrgentPriority ? UrgentBit : 0) | (look.Priority < 0 ? LowBit : 0);
+                     (look.IsUrgent() ? UrgentBit : 0) | (look.Priority < 0 ? LowBit : 0);
     MarkBits_.insert(look.Reference, static_cast<quint8>(bits));
 }
 

@@ -31,7 +31,6 @@ constexpr double DateWidth = 1500;
 constexpr double DateSerialWidth = 1900;
 /// Octets of the header fields of a row that are kept until somebody sees it. Longer ones take less room as texts.
 constexpr qsizetype LongestKept = 2000;
-constexpr int UrgentPriority = 1;
 constexpr qint32 PureRed = 255;
 const QString DateFormat = QStringLiteral("ddd dd mmm hh:nn");
 const QString DateFormatWithYear = QStringLiteral("ddd dd mmm yyyy hh:nn");
@@ -45,7 +44,7 @@ QString SpokenState(const MessageLook& look, bool isRead)
     QStringList words;
     if (!isRead)
         words.append(uMessagesList::tr("unread"));
-    if (look.Priority == UrgentPriority)
+    if (look.IsUrgent())
         words.append(uMessagesList::tr("urgent"));
     if (look.PersonalToContact != 0)
         words.append(uMessagesList::tr("personal"));
@@ -243,7 +242,7 @@ void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
     if (DoubleHeightRows_)
         grdList_->SetRowHeight(row, HeightOfRow(row));
     grdList_->SetCellPicture(row, colHead, look.PersonalToContact != 0 ? HeadPicture_ : QIcon());
-    const qint32 back = look.Priority == UrgentPriority ? PureRed : SystemColour::WindowBackground;
+    const qint32 back = look.IsUrgent() ? PureRed : SystemColour::WindowBackground;
     grdList_->SetCellBackColour(row, colHead, colSubject, back);
     grdList_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
     grdList_->SetCellFontBold(row, colHead, colSubject, !isRead);

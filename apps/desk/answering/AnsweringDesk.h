@@ -64,6 +64,7 @@ private:
     void Begin(QObject& window, qint32 message);
     void End(const QObject* window);
     void Tell();
+    bool WriteOwn();
     QList<Answering> AnsweringOf(qint32 message) const;
     /// By this desk's ledger, or by what lies in Sent.
     std::optional<FiledAnswer> AnswerTo(qint32 message) const;

@@ -13,14 +13,14 @@
 
 namespace
 {
-const QString Date = QStringLiteral(" \u00B7 Fri 20 Nov 09:05");
+const QString DateWords = QStringLiteral(" \u00B7 Fri 20 Nov 09:05");
 
-QString Line(const QString& name)
+QString LineOf(const QString& name)
 {
-    return QChar(0x2068) + name + QChar(0x2069) + Date;
+    return QChar(0x2068) + name + QChar(0x2069) + DateWords;
 }
 
-QIcon PlainIcon(const QColor& colour)
+QIcon OneColour(const QColor& colour)
 {
     QPixmap pixmap(16, 16);
     pixmap.fill(colour);
@@ -49,11 +49,11 @@ protected:
 TEST_F(FlexGridLineEndTest, OfALineThatIsTooLongTheNameIsCutAndTheDateIsNot)
 {
     const QFontMetrics metrics{QFont()};
-    const QString line = Line(QStringLiteral("Loveday Tregenza of Mousehole"));
+    const QString line = LineOf(QStringLiteral("Loveday Tregenza of Mousehole"));
     for (const int letters : {40, 30, 26, 24}) {
         const int width = letters * metrics.averageCharWidth();
         const QString cut = FlexGridDelegate::Shortened(line, metrics, width);
-        EXPECT_TRUE(cut.endsWith(Date)) << qPrintable(cut);
+        EXPECT_TRUE(cut.endsWith(DateWords)) << qPrintable(cut);
         EXPECT_LE(metrics.horizontalAdvance(cut), width);
     }
     EXPECT_EQ(FlexGridDelegate::Shortened(line, metrics, 2000), line);
@@ -66,11 +66,11 @@ TEST_F(FlexGridLineEndTest, ANoteLeavesTheDateOfItsLineReadable)
     Grid.SetColWidth(3, 0);
     Show();
     // The date alone, at the place where it stands behind a name that fits.
-    Grid.SetTextMatrix(1, 2, Line(QStringLiteral("Ann")));
+    Grid.SetTextMatrix(1, 2, LineOf(QStringLiteral("Ann")));
     const QImage plain = Image(1);
     Grid.SetRowNotes(2, [](int) { return QString(60, u'w'); });
     const QImage noted = Image(1);
-    const int end = Grid.fontMetrics().horizontalAdvance(QStringLiteral("Ann") + Date);
+    const int end = Grid.fontMetrics().horizontalAdvance(QStringLiteral("Ann") + DateWords);
     EXPECT_EQ(noted.copy(0, 0, end, plain.height()), plain.copy(0, 0, end, plain.height()));
     EXPECT_NE(noted, plain);
 }
@@ -80,8 +80,8 @@ TEST_F(FlexGridLineEndTest, MarksStandAtTheEndInTheirOrderAndAreNamed)
     Fill(2);
     Show();
     Grid.SetRowMarks(2, [](int row) {
-        return row == 1 ? QList<RowMark>{{PlainIcon(Qt::red), QStringLiteral("urgent")},
-                                         {PlainIcon(Qt::blue), QStringLiteral("mail")}}
+        return row == 1 ? QList<RowMark>{{OneColour(Qt::red), QStringLiteral("urgent")},
+                                         {OneColour(Qt::blue), QStringLiteral("mail")}}
                         : QList<RowMark>();
     });
     const QImage image = Image(1);
