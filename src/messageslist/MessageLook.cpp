@@ -19,18 +19,30 @@ constexpr qsizetype FirstBeginning = 1024;
 constexpr qsizetype LongestBeginning = 32 * FirstBeginning;
 
 /// Of a message in that folder.
-const QList<QByteArray>& HeaderNames(qint32 folder)
+QList<QByteArray> HeaderNames(qint32 folder, LookDepth depth)
 {
-    static const QList<QByteArray> names = {"Subject", "From"};
-    static const QList<QByteArray> ownNames = names + QList<QByteArray>{"To"};
-    return IsOwnFolder(folder) ? ownNames : names;
+    QList<QByteArray> names = {"Subject", "From"};
+    if (IsOwnFolder(folder))
+        names.append("To");
+    if (depth == LookDepth::NamesAndType)
+        names.append("Content-Type");
+    return names;
 }
 
-void TakeHeader(MessageLook& look, const QList<QByteArray>& values)
+/// Most mails with files are of this kind, and those that are nothing but a file are of none of the others.
+bool IsTypeWithFiles(const QByteArray& contentType)
+{
+    const QByteArray type = contentType.trimmed().toLower();
+    return type.startsWith("multipart/mixed") ||
+           (!type.isEmpty() && !type.startsWith("multipart/") && !type.startsWith("text/"));
+}
+
+void TakeHeader(MessageLook& look, const QList<QByteArray>& names, const QList<QByteArray>& values)
 {
     look.Subject = values.at(0);
     look.From = values.at(1);
-    look.To = values.value(2);
+    look.To = values.value(names.indexOf("To"));
+    look.HasAttachments = IsTypeWithFiles(values.value(names.indexOf("Content-Type")));
 }
 } // namespace
 
@@ -48,15 +60,15 @@ MessageLook StateOf(const cMessage& message)
     return look;
 }
 
-MessageLook LookOf(const cMessage& message)
+MessageLook LookOf(const cMessage& message, LookDepth depth)
 {
     MessageLook look = StateOf(message);
-    const QList<QByteArray>& names = HeaderNames(message.Category());
-    TakeHeader(look, cdo::RawHeaders(message.CDOMessage()->Octets(), names, LongestCell));
+    const QList<QByteArray> names = HeaderNames(message.Category(), depth);
+    TakeHeader(look, names, cdo::RawHeaders(message.CDOMessage()->Octets(), names, LongestCell));
     return look;
 }
 
-MessageLooks::MessageLooks(cTolvaDatabase& database, dao::Recordset& rows)
+MessageLooks::MessageLooks(cTolvaDatabase& database, dao::Recordset& rows, LookDepth depth)
     : Database_(database),
       Rows_(rows),
       Reference_(rows[QStringLiteral("Reference")]),
@@ -69,6 +81,7 @@ MessageLooks::MessageLooks(cTolvaDatabase& database, dao::Recordset& rows)
       Received_(rows[QStringLiteral("Received")]),
       Category_(rows[QStringLiteral("Category")]),
       Message_(rows[QStringLiteral("Message")]),
+      Depth_(depth),
       BeginningOctets_(FirstBeginning)
 {
 }
@@ -78,7 +91,7 @@ std::optional<MessageLook> MessageLooks::Read()
     MessageLook look;
     if (!ReadHeader(look)) {
         const cMessagePtr message = Database_.GetMessage(Rows_);
-        return message ? std::optional(LookOf(*message)) : std::nullopt;
+        return message ? std::optional(LookOf(*message, Depth_)) : std::nullopt;
     }
     look.Reference = NumberOr(Reference_.Value(), 0);
     look.MessageType = static_cast<enMsgType>(NumberOr(MessageType_.Value(), emtEmail));
@@ -102,12 +115,12 @@ bool MessageLooks::ReadHeader(MessageLook& look)
             throw;
         return false;
     }
-    const QList<QByteArray>& names = HeaderNames(NumberOr(Category_.Value(), tmcInbox));
+    const QList<QByteArray> names = HeaderNames(NumberOr(Category_.Value(), tmcInbox), Depth_);
     const auto values = cdo::RawHeadersOfBeginning(beginning.Utf8, beginning.IsWhole, names, LongestCell);
     if (!values) {
         BeginningOctets_ = std::min(BeginningOctets_ * 2, LongestBeginning);
         return false;
     }
-    TakeHeader(look, *values);
+    TakeHeader(look, names, *values);
     return true;
 }

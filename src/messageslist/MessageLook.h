@@ -26,17 +26,27 @@ struct MessageLook
     qint32 Priority = 0;
     qint32 PersonalToContact = 0;
     bool HasHighlightWords = false;
+    bool HasAttachments = false; ///< As its type has it, where that was asked for.
     Date Sent;
     Date Received;
     QByteArray Subject; ///< The header fields as they stand in the mail.
     QByteArray From;
     QByteArray To; ///< Of what the station wrote; empty for all else.
+
+    bool IsUrgent() const { return Priority == 1; }
 };
 
 /// Characters of a header that are decoded and measured; more than any row is wide.
 inline constexpr qsizetype LongestCell = 1000;
 
-MessageLook LookOf(const cMessage& message);
+/// What of a mail's header is read besides.
+enum class LookDepth
+{
+    Names,
+    NamesAndType ///< And what kind of mail it is.
+};
+
+MessageLook LookOf(const cMessage& message, LookDepth depth = LookDepth::Names);
 /// The same without the header fields.
 MessageLook StateOf(const cMessage& message);
 
@@ -45,7 +55,7 @@ class MessageLooks
 {
 public:
     /// rows: all columns of the table; it outlives this.
-    MessageLooks(cTolvaDatabase& database, dao::Recordset& rows);
+    MessageLooks(cTolvaDatabase& database, dao::Recordset& rows, LookDepth depth = LookDepth::Names);
 
     /// Of the current row; nothing for one that is gone meanwhile. Errors as of cTolvaDatabase::GetMessage.
     std::optional<MessageLook> Read();
@@ -65,5 +75,6 @@ private:
     const dao::Field& Received_;
     const dao::Field& Category_;
     const dao::Field& Message_;
+    LookDepth Depth_;
     qsizetype BeginningOctets_;
 };

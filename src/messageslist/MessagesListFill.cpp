@@ -74,7 +74,8 @@ void uMessagesList::FillRows(dao::Recordset& rows, int& filled, RowsRead& read)
 {
     const int total = rows.RecordCount();
     const LightColumns light(rows, ComparedColumns());
-    MessageLooks looks(*clsTolvaDatabase_, rows);
+    MessageLooks looks(*clsTolvaDatabase_, rows, Depth());
+    MarkBits_.clear();
     RowOfReference_.reserve(total);
     for (; !rows.AtEOF(); rows.MoveNext()) {
         if (!GoesOnFilling(filled, total))

@@ -7,6 +7,7 @@
 #include "common/controls/GridColumn.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageLook.h"
+#include "messageslist/MessageTexts.h"
 #include "messageslist/MessagesListColumns.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/mail/RawHeaders.h"
@@ -16,7 +17,6 @@
 #include "platform/widgets/SystemColour.h"
 #include "platform/widgets/Twips.h"
 
-#include <QFontMetricsF>
 #include <QScopeGuard>
 
 namespace
@@ -24,13 +24,13 @@ namespace
 constexpr double HeadWidth = 300;
 constexpr double GridMargin = 90;
 constexpr double SubjectWidthBesideFrom = 2050;
+constexpr double SubjectShare = 0.6;
 constexpr double SubjectMargin = 120;
 constexpr double RowMargin = 90;
 constexpr double DateWidth = 1500;
 constexpr double DateSerialWidth = 1900;
 /// Octets of the header fields of a row that are kept until somebody sees it. Longer ones take less room as texts.
 constexpr qsizetype LongestKept = 2000;
-constexpr int UrgentPriority = 1;
 constexpr qint32 PureRed = 255;
 const QString DateFormat = QStringLiteral("ddd dd mmm hh:nn");
 const QString DateFormatWithYear = QStringLiteral("ddd dd mmm yyyy hh:nn");
@@ -44,7 +44,7 @@ QString SpokenState(const MessageLook& look, bool isRead)
     QStringList words;
     if (!isRead)
         words.append(uMessagesList::tr("unread"));
-    if (look.Priority == UrgentPriority)
+    if (look.IsUrgent())
         words.append(uMessagesList::tr("urgent"));
     if (look.PersonalToContact != 0)
         words.append(uMessagesList::tr("personal"));
@@ -55,32 +55,18 @@ QString SpokenState(const MessageLook& look, bool isRead)
     return words.join(QStringLiteral(", "));
 }
 
-using Fitting = std::shared_ptr<const std::function<QString(const QString& text, const QString& beside)>>;
-using PersonOf = std::shared_ptr<const std::function<QString(const QString& header)>>;
-using Notes = std::shared_ptr<const std::function<QString(qint32)>>;
-
-/// What the texts of a message's row are made of.
-struct RowSource
-{
-    QByteArray Subject; ///< As the mail holds it.
-    QByteArray From;    ///< The same.
-    QByteArray To;      ///< The same, of what the station wrote.
-    Date Stamp;
-    qint32 Reference;
-    bool HasDateLine; ///< The date stands under the subject.
-    bool HasYear;     ///< The date shows its year.
-    bool IsAhead;     ///< The date is still to come.
-    Fitting Fit;
-    PersonOf Person; ///< Null where rows show none.
-    Notes Note;      ///< Null for none.
-};
-
 /// What the widths of the columns depend on.
 struct GridSpace
 {
     double Width;
     bool IsDoubleHeight;
+    bool IsFilled; ///< The columns take all of the width and no more.
 };
+
+QString Fitted(const RowSource& row, const QString& text, const QString& beside = {})
+{
+    return row.Face->Fit(text, beside, row.IsBold);
+}
 
 QString DateText(const RowSource& row)
 {
@@ -97,7 +83,7 @@ QString SecondLine(const RowSource& row)
     QString rest = DateText(row);
     const QString note = row.Note ? (*row.Note)(row.Reference) : QString();
     if (!note.isEmpty())
-        rest = (*row.Fit)(rest.isEmpty() ? note : uMessagesList::tr("%1 \u00B7 %2").arg(rest, note), QString());
+        rest = Fitted(row, rest.isEmpty() ? note : uMessagesList::tr("%1 \u00B7 %2").arg(rest, note));
     if (!row.Person)
         return rest;
     const QString person = row.To.isEmpty() ? (*row.Person)(cdo::DecodedHeader("From", row.From, LongestCell))
@@ -107,12 +93,34 @@ QString SecondLine(const RowSource& row)
     if (!rest.isEmpty())
         rest.prepend(QStringLiteral(" \u00B7 "));
     // Whatever the name's letters are, the date stands behind it.
-    return QChar(0x2068) + (*row.Fit)(person.simplified(), rest) + QChar(0x2069) + rest;
+    return QChar(0x2068) + Fitted(row, person.simplified(), rest) + QChar(0x2069) + rest;
+}
+
+QString DecodedSubject(const RowSource& row)
+{
+    return cdo::DecodedHeader("Subject", row.Subject, LongestCell);
+}
+
+/// Letters that stand for themselves: most texts need no decoding to be measured.
+bool IsPlain(const QByteArray& field)
+{
+    const bool isAscii =
+        std::all_of(field.begin(), field.end(), [](char octet) { return octet >= ' ' && octet < 0x7F; });
+    return isAscii && !field.contains("=?") && field.size() <= LongestCell;
+}
+
+/// Only a text message has more than one: its subject is what it says, on one line.
+QStringList LinesOfSubject(const RowSource& row)
+{
+    const QString subject = DecodedSubject(row);
+    return row.MostLines > 1 ? row.Face->Lines(subject.simplified(), row.MostLines) : QStringList(subject.trimmed());
 }
 
 QString SubjectText(const RowSource& row)
 {
-    const QString subject = (*row.Fit)(cdo::DecodedHeader("Subject", row.Subject, LongestCell).trimmed(), QString());
+    QStringList lines = LinesOfSubject(row);
+    lines.last() = Fitted(row, lines.last());
+    const QString subject = lines.join(SoftLineBreak);
     return row.HasDateLine ? subject + QLatin1Char('\r') + SecondLine(row) : subject;
 }
 
@@ -126,14 +134,30 @@ QString NoText(const RowSource&)
     return {};
 }
 
+/// What the two columns of texts share where one line shows all.
+double RestWidth(const GridSpace& space)
+{
+    return std::max(0.0, space.Width - HeadWidth - DateWidth);
+}
+
 double SubjectWidth(const GridSpace& space)
 {
+    if (space.IsFilled)
+        return space.IsDoubleHeight ? std::max(0.0, space.Width - HeadWidth) : RestWidth(space) * SubjectShare;
     return space.IsDoubleHeight ? std::max(0.0, space.Width - GridMargin - HeadWidth) : SubjectWidthBesideFrom;
 }
 
 double FromWidth(const GridSpace& space)
 {
-    return space.IsDoubleHeight ? 0 : std::max(0.0, space.Width - GridMargin - HeadWidth - SubjectWidthBesideFrom);
+    if (space.IsDoubleHeight)
+        return 0;
+    return space.IsFilled ? RestWidth(space) * (1 - SubjectShare)
+                          : std::max(0.0, space.Width - GridMargin - HeadWidth - SubjectWidthBesideFrom);
+}
+
+double SerialWidth(const GridSpace& space)
+{
+    return space.IsDoubleHeight || space.IsFilled ? 0 : DateSerialWidth;
 }
 
 /// The grid's columns, in the order of MessagesListColumn. Two lines show the date under the subject: nothing is left
@@ -145,32 +169,28 @@ constexpr GridColumn<RowSource, GridSpace> Columns[] = {
     {"Subject", SubjectWidth, SubjectText},
     {"From", FromWidth, FromText},
     {"Date", [](const GridSpace& space) { return space.IsDoubleHeight ? 0 : DateWidth; }, DateText},
-    {"DateSerial", [](const GridSpace& space) { return space.IsDoubleHeight ? 0 : DateSerialWidth; },
-     [](const RowSource& row) { return row.Stamp.GeneralDate(); }},
+    {"DateSerial", SerialWidth, [](const RowSource& row) { return row.Stamp.GeneralDate(); }},
 };
 static_assert(std::size(Columns) == columnCount);
 
-/// The texts of a message's row from the subject on: decoding them, writing its date in words and measuring the subject
-/// cost more than all the rest of the row.
-class MessageTexts final : public LateTexts
-{
-public:
-    explicit MessageTexts(RowSource row) : Row_(std::move(row)) {}
-
-    /// A row without a date keeps the one that it showed before.
-    void Make(const Set& set) const override
-    {
-        for (const int column : {colSubject, colFrom, colDate, colDateSerial}) {
-            const bool isDate = column == colDate || column == colDateSerial;
-            if (!isDate || !Row_.Stamp.IsNone())
-                set(column, Columns[column].Text(Row_));
-        }
-    }
-
-private:
-    RowSource Row_;
-};
 } // namespace
+
+void MessageTexts::Make(const Set& set) const
+{
+    for (const int column : {colSubject, colFrom, colDate, colDateSerial}) {
+        const bool isDate = column == colDate || column == colDateSerial;
+        if (!isDate || !Row_.Stamp.IsNone())
+            set(column, Columns[column].Text(Row_));
+    }
+}
+
+int MessageTexts::SubjectLines() const
+{
+    if (Row_.MostLines < 2)
+        return 1;
+    const QString subject = IsPlain(Row_.Subject) ? QString::fromLatin1(Row_.Subject) : DecodedSubject(Row_);
+    return Row_.Face->CountLines(subject.simplified(), Row_.MostLines);
+}
 
 void uMessagesList::MakeGridHeader()
 {
@@ -185,9 +205,11 @@ void uMessagesList::SizeColumns()
 {
     if (grdList_->Cols() < 3)
         return;
-    const double width = Twips::FromPixels(*grdList_, grdList_->width());
-    SizeColumnsOf(*grdList_, Columns, GridSpace{width, DoubleHeightRows_});
-    grdList_->setHorizontalScrollBarPolicy(DoubleHeightRows_ ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    const int pixels = FillsWidth_ ? grdList_->viewport()->width() : grdList_->width();
+    const double width = Twips::FromPixels(*grdList_, pixels);
+    SizeColumnsOf(*grdList_, Columns, GridSpace{width, DoubleHeightRows_, FillsWidth_});
+    grdList_->setHorizontalScrollBarPolicy(DoubleHeightRows_ || FillsWidth_ ? Qt::ScrollBarAlwaysOff
+                                                                            : Qt::ScrollBarAsNeeded);
 }
 
 /// The header sets the measure for rows of two lines.
@@ -197,28 +219,30 @@ void uMessagesList::SetGridRowHeights()
     const double height = Twips::FromPixels(*grdList_, lines * grdList_->fontMetrics().lineSpacing()) + RowMargin;
     grdList_->SetRowHeight(0, height);
     grdList_->SetDefaultRowHeight(height);
+    ShowRowHeights();
 }
 
 /// Tells nobody, and leaves the current row as it is.
 void uMessagesList::DrawMessageRow(int row, const cMessagePtr& message)
 {
     if (message)
-        DrawMessageRow(row, LookOf(*message));
+        DrawMessageRow(row, LookOf(*message, Depth()));
 }
 
 void uMessagesList::DrawMessageRow(int row, const MessageLook& look)
 {
     if (row < 1 || row > grdList_->Rows() - 1)
         return;
-    if (DoubleHeightRows_)
-        grdList_->SetRowHeight(row, grdList_->RowHeight(0));
     RowOfReference_.insert(look.Reference, row);
     const Date stamp = SortOrder_ != mlsoReceived ? look.Sent : look.Received;
     // A message without a date counts as read.
     const bool isRead = (look.Flags & mfRead) != 0 || stamp.IsNone();
     DrawTexts(row, look, stamp, !isRead);
+    TakeMarks(look);
+    if (DoubleHeightRows_)
+        grdList_->SetRowHeight(row, HeightOfRow(row));
     grdList_->SetCellPicture(row, colHead, look.PersonalToContact != 0 ? HeadPicture_ : QIcon());
-    const qint32 back = look.Priority == UrgentPriority ? PureRed : SystemColour::WindowBackground;
+    const qint32 back = look.IsUrgent() ? PureRed : SystemColour::WindowBackground;
     grdList_->SetCellBackColour(row, colHead, colSubject, back);
     grdList_->SetCellForeColour(row, colHead, colSubject, SystemColour::WindowText);
     grdList_->SetCellFontBold(row, colHead, colSubject, !isRead);
@@ -232,9 +256,9 @@ void uMessagesList::DrawTexts(int row, const MessageLook& look, Date stamp, bool
     const Date now = ClockHelper::CurrentTime();
     const bool saysYear = ShowsOtherYears_ && !stamp.IsNone() && stamp.Format(Year) != now.Format(Year);
     const bool isAhead = ShowsOtherYears_ && stamp.DayNumber() > now.DayNumber() + ClocksDiffer;
-    RowSource source{look.Subject,         look.From,         look.To,   stamp,
-                     look.Reference,       DoubleHeightRows_, saysYear,  isAhead,
-                     SubjectFitting(bold), PersonOf_,         DateNotes_};
+    const int lines = DoubleHeightRows_ && look.MessageType == emtSMS ? TextLines_ : 1;
+    RowSource source{look.Subject, look.From, look.To, stamp,       look.Reference, DoubleHeightRows_, saysYear,
+                     isAhead,      bold,      lines,   FaceOfNow(), PersonOf_,      DateNotes_};
     for (const int column : {colReference, colHead})
         grdList_->SetTextMatrix(row, column, Columns[column].Text(source));
     // The date that such a row keeps may not have been made yet.
@@ -270,25 +294,26 @@ void uMessagesList::SetShowsPeople(std::function<QString(const QString& header)>
         personOf ? std::make_shared<const std::function<QString(const QString&)>>(std::move(personOf)) : nullptr;
 }
 
-/// What cuts a text to the width that the column has now, less that of what stands beside it. The rows that are never
-/// seen need not be measured.
-uMessagesList::Fitter uMessagesList::SubjectFitting(bool bold)
+/// Pixels that the subject's column has for a text now.
+double uMessagesList::TextWidth() const
 {
-    const double width = Twips::ToPixels(*grdList_, grdList_->ColWidth(colSubject) - SubjectMargin);
-    uMessagesList::Fitting& kept = Fittings_[bold ? 1 : 0];
-    if (kept.Fit && kept.Surface == picList_->font() && kept.Width == width)
-        return kept.Fit;
-    // A bold text is wider than the surface's own.
-    QFont font = picList_->font();
-    font.setBold(bold);
-    const auto fit = [metrics = QFontMetricsF(font), width](const QString& text, const QString& beside) {
-        const double left = beside.isEmpty() ? width : std::max(0.0, width - metrics.horizontalAdvance(beside));
-        return GeneralHelper::FitTextToWidth([&](const QString& part) { return metrics.horizontalAdvance(part); }, text,
-                                             left);
-    };
-    kept = {picList_->font(), width,
-            std::make_shared<const std::function<QString(const QString&, const QString&)>>(fit)};
-    return kept.Fit;
+    return Twips::ToPixels(*grdList_, grdList_->ColWidth(colSubject) - SubjectMargin);
+}
+
+/// Rows that follow the width share the same face for good; others keep that of the moment when they were drawn.
+std::shared_ptr<const RowFace> uMessagesList::FaceOfNow()
+{
+    if (!Face_ || !Face_->Is(picList_->font(), TextWidth()))
+        MakeFace();
+    return Face_;
+}
+
+void uMessagesList::MakeFace()
+{
+    if (Face_ && FollowsWidth())
+        Face_->Change(picList_->font(), TextWidth());
+    else
+        Face_ = std::make_shared<RowFace>(picList_->font(), TextWidth());
 }
 
 void uMessagesList::UpdateRowBold(const cMessagePtr& message)

@@ -5,6 +5,7 @@
 #include "platform/Export.h"
 
 #include <QIcon>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -13,7 +14,10 @@ class PropertyBag;
 class QKeyEvent;
 class QMenu;
 class QMimeData;
+class RowFace;
+enum class LookDepth;
 struct MessageLook;
+struct RowMark;
 
 /// Which date a list sorts by and shows; a user's preference.
 enum enMessagesListSortOrder : qint32
@@ -115,8 +119,19 @@ public:
     /// Words at the end of a message's row, such as who is answering it: asked for by its reference whenever its row is
     /// painted, so that they cost nothing for the others. None at first.
     void SetRowNotes(std::function<QString(qint32 reference)> noteOf);
-    /// They are others now.
+    /// They, or the marks, are others now.
     void ShowRowNotes();
+    /// Off at first. Rows show small icons at the end of their last line, which a screen reader names: priority,
+    /// attachments (of mails whose kind says that they hold some), what the host knows besides, and whether it is a
+    /// mail or a text message. besides: asked for by the reference whenever a row is painted, answers from memory; may
+    /// be empty. Counts from the next fill.
+    void SetShowsMarks(std::function<QList<RowMark>(qint32 reference)> besides);
+    /// 1 at first: of a text message a row of two lines shows what goes on one. More: up to so many, and rows are as
+    /// high as they need to be, at every width of the list. Counts from the next fill.
+    void SetTextLines(int most);
+    /// Off at first: columns are as wide as they were meant for rows of one line, and what was cut stays cut. On: they
+    /// take the width that there is, also when it changes, and nothing is to be scrolled to sideways.
+    void SetFillsWidth(bool on);
     /// The tabs above the rows: everybody's messages and one's own, one's own alone, and all.
     void SetTabs(const QStringList& captions);
     bool DisplayNewMessage() const { return DisplayNewMessage_; }
@@ -179,15 +194,6 @@ private:
         friend bool operator==(const Query&, const Query&) = default;
     };
 
-    using Fitter = std::shared_ptr<const std::function<QString(const QString& text, const QString& beside)>>;
-    /// What cuts subjects to a width, and for which surface.
-    struct Fitting
-    {
-        QFont Surface;
-        double Width = 0;
-        Fitter Fit;
-    };
-
     // Making and wiring; uMessagesList.cpp.
     void ConnectDatabase() override;
     bool ShowFolderOfUser();
@@ -227,10 +233,21 @@ private:
     void DrawMessageRow(int row, const cMessagePtr& message);
     void DrawMessageRow(int row, const MessageLook& look);
     void DrawTexts(int row, const MessageLook& look, Date stamp, bool bold);
-    Fitter SubjectFitting(bool bold);
+    double TextWidth() const;
+    std::shared_ptr<const RowFace> FaceOfNow();
+    void MakeFace();
     void UpdateRowBold(const cMessagePtr& message);
     void TakeSelection() override;
     void TakeChoice() override;
+
+    // Marks, and rows of several heights; MessagesListMarks.cpp.
+    LookDepth Depth() const;
+    void TakeMarks(const MessageLook& look);
+    bool FollowsWidth() const { return FillsWidth_ || TextLines_ > 1; }
+    void FollowWidth();
+    void Reflow();
+    void ShowRowHeights();
+    double HeightOfRow(int row) const;
 
     // The grid's keys, mouse and drag; MessagesListGrid.cpp.
     void TakeGridKey(QKeyEvent* event);
@@ -317,7 +334,12 @@ private:
     QStringList PromisedFiles_; ///< Written for drags; removed with the control.
 
     QIcon HeadPicture_;
-    Fitting Fittings_[2];                                                           ///< For plain and for bold rows.
+    bool ShowsMarks_ = false;
+    bool FillsWidth_ = false;
+    int TextLines_ = 1;
+    QHash<qint32, quint8> MarkBits_; ///< Of the rows on show, by reference.
+    QTimer ReflowTimer_;
+    std::shared_ptr<RowFace> Face_;                                                 ///< Of the rows drawn last.
     std::shared_ptr<const std::function<QString(const QString& header)>> PersonOf_; ///< Null while rows show nobody.
     std::shared_ptr<const std::function<QString(qint32)>> DateNotes_;               ///< Null for none.
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AnsweredMarks.h"
 
+#include "ShortWait.h"
 #include "common/ClockHelper.h"
 #include "messages/AddressKey.h"
 #include "platform/directory/clsKVUser.h"
+#include "platform/records/LockPatience.h"
 #include "platform/records/Recordset.h"
 #include "station/DeskStation.h"
 
@@ -28,6 +30,12 @@ AnsweredMarks::AnsweredMarks(DeskStation& station, QObject* parent) : QObject(pa
     LookUpTimer_.setSingleShot(true);
     LookUpTimer_.setInterval(0);
     connect(&LookUpTimer_, &QTimer::timeout, this, &AnsweredMarks::LookUp);
+    WriteTimer_.setSingleShot(true);
+    WriteTimer_.setInterval(ShortWait::AgainMilliseconds);
+    connect(&WriteTimer_, &QTimer::timeout, this, [this] {
+        const dao::LockPatience patience(ShortWait::Milliseconds);
+        WriteFiled();
+    });
 }
 
 void AnsweredMarks::Refresh()
@@ -41,6 +49,7 @@ void AnsweredMarks::Refresh()
         Latest_ = Date();
     }
     try {
+        const dao::LockPatience patience(ShortWait::Milliseconds);
         const Date since = Latest_.IsNone() ? Date() : Date(Latest_.DayNumber() - OverlapDays);
         Take(AnswerLedger(Station_.Directory().File()).Since(since));
     } catch (const dao::Error&) {
@@ -145,22 +154,50 @@ void AnsweredMarks::Note(qint32 original, qint32 answer, bool goesOut)
     const clsKVUser* user = Station_.Directory().CurrentUser();
     if (!user || answer == 0)
         return;
-    try {
-        AnswerLedger ledger(Station_.Directory().File());
-        QList<AnsweredMessage> originals =
-            original != 0 ? MessagesWhere(QStringLiteral("[Reference]=%1").arg(original)) : ledger.OriginalsOf(answer);
-        if (goesOut) {
-            for (const AnsweredMessage& text : TextsAnsweredBy(answer)) {
-                if (!originals.contains(text))
-                    originals.append(text);
+    Unwritten_.append({original, answer, goesOut, user->Name(), goesOut ? ClockHelper::NowUTC() : Date()});
+    const dao::LockPatience patience(ShortWait::Milliseconds);
+    WriteFiled();
+}
+
+void AnsweredMarks::Finish()
+{
+    WriteFiled();
+    WriteTimer_.stop();
+}
+
+void AnsweredMarks::WriteFiled()
+{
+    bool goesOut = false;
+    while (!Unwritten_.isEmpty()) {
+        try {
+            Write(Unwritten_.first());
+        } catch (const dao::Error& error) {
+            if (error.Number() == dao::errLocked) {
+                WriteTimer_.start();
+                break;
             }
+            // The message itself is filed; a directory that takes no mark must not look like one that was not.
         }
-        ledger.Note(originals, answer, user->Name(), goesOut ? ClockHelper::NowUTC() : Date());
-    } catch (const dao::Error&) {
-        // The message itself is filed; a directory that takes no mark must not look like one that was not.
+        goesOut = goesOut || Unwritten_.first().GoesOut;
+        Unwritten_.removeFirst();
     }
     if (goesOut)
         Refresh();
+}
+
+void AnsweredMarks::Write(const Filed& filed)
+{
+    AnswerLedger ledger(Station_.Directory().File());
+    QList<AnsweredMessage> originals = filed.Original != 0
+                                           ? MessagesWhere(QStringLiteral("[Reference]=%1").arg(filed.Original))
+                                           : ledger.OriginalsOf(filed.Answer);
+    if (filed.GoesOut) {
+        for (const AnsweredMessage& text : TextsAnsweredBy(filed.Answer)) {
+            if (!originals.contains(text))
+                originals.append(text);
+        }
+    }
+    ledger.Note(originals, filed.Answer, filed.Name, filed.When);
 }
 
 qint32 AnsweredMarks::OriginalOf(qint32 draft) const

@@ -30,7 +30,11 @@ public:
 
     /// That the desk's user has filed the answer to what was begun as an answer to original (0: what the draft answered
     /// that it was), or keeps it as a draft. Of a text message, all that its recipient wrote before are answered.
+    /// Written at once, or where somebody else has the directory locked as soon as it is free; nobody waits for that.
     void Note(qint32 original, qint32 answer, bool goesOut);
+    /// Writes what was not written yet, and waits as long as usual. For the end.
+    void Finish();
+    bool HasUnwritten() const { return !Unwritten_.isEmpty(); }
     /// What a draft answers; 0 for nothing.
     qint32 OriginalOf(qint32 draft) const;
 
@@ -38,6 +42,18 @@ Q_SIGNALS:
     void Changed();
 
 private:
+    /// What the desk's user filed.
+    struct Filed
+    {
+        qint32 Original = 0;
+        qint32 Answer = 0;
+        bool GoesOut = false;
+        QString Name;
+        Date When;
+    };
+
+    void WriteFiled();
+    void Write(const Filed& filed);
     void Take(const QList<FiledAnswer>& answers);
     void LookUp();
     QList<AnsweredMessage> TextsAnsweredBy(qint32 answer) const;
@@ -50,4 +66,6 @@ private:
     Date Latest_;
     int Opening_ = 0;
     QTimer LookUpTimer_;
+    QList<Filed> Unwritten_; ///< In their order.
+    QTimer WriteTimer_;
 };

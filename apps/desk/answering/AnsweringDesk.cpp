@@ -3,11 +3,14 @@
 
 #include "AnsweredMarks.h"
 #include "AnsweringWords.h"
+#include "SentAnswers.h"
+#include "ShortWait.h"
 #include "common/UserInterface.h"
 #include "compose/ComposeWindow.h"
 #include "messages/MessageWindow.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/directory/clsKVUser.h"
+#include "platform/records/LockPatience.h"
 #include "station/DeskStation.h"
 #include "window/NoticeBar.h"
 
@@ -18,11 +21,13 @@ AnsweringDesk::AnsweringDesk(DeskStation& station, uMessagesList& list, QMainWin
       Station_(station),
       List_(list),
       Notice_(new NoticeBar(QStringLiteral("reply"), QString(), &window)),
-      Marks_(new AnsweredMarks(station, this))
+      Marks_(new AnsweredMarks(station, this)),
+      Sent_(new SentAnswers(station, this))
 {
     Notice_->setObjectName(QStringLiteral("answeringNotice"));
     Clock_.start();
     connect(Marks_, &AnsweredMarks::Changed, this, &AnsweringDesk::ShowWords);
+    connect(Sent_, &SentAnswers::Changed, this, &AnsweringDesk::ShowWords);
     LookTimer_.setInterval(LookMilliseconds);
     connect(&LookTimer_, &QTimer::timeout, this, &AnsweringDesk::Look);
     LookTimer_.start();
@@ -71,39 +76,52 @@ void AnsweringDesk::Begin(QObject& window, qint32 message)
     Own_.Begin(&window, message);
     connect(&window, &QObject::destroyed, this, &AnsweringDesk::End, Qt::UniqueConnection);
     BeatTimer_.start();
-    TellTimer_.start();
+    TellTimer_.start(0);
 }
 
 void AnsweringDesk::End(const QObject* window)
 {
     if (Own_.End(window))
-        TellTimer_.start();
+        TellTimer_.start(0);
 }
 
 void AnsweringDesk::Leave()
 {
     LookTimer_.stop();
     Own_.EndAll();
-    Tell();
+    // Nothing else is to be done now, and what stays would count as somebody who answers for a minute.
+    WriteOwn();
+    Marks_->Finish();
     BeatTimer_.stop();
     TellTimer_.stop();
 }
 
-/// What could not be written is told with the next beat.
+/// What could not be written is told soon where somebody else has the directory locked, and otherwise with the next
+/// beat.
 void AnsweringDesk::Tell()
+{
+    const dao::LockPatience patience(ShortWait::Milliseconds);
+    if (!WriteOwn())
+        TellTimer_.start(ShortWait::AgainMilliseconds);
+}
+
+/// False where somebody else has the directory locked.
+bool AnsweringDesk::WriteOwn()
 {
     const clsKVUser* user = Station_.Directory().CurrentUser();
     if (!user || (Own_.IsEmpty() && Own_.Gone().isEmpty())) {
         BeatTimer_.stop();
-        return;
+        return true;
     }
     try {
         AnsweringTable(Station_.Directory().File())
             .Write(Own_.Entries(user->Name()), Own_.Gone() + Others_.Forgotten(Clock_.elapsed()));
         Own_.WereWritten();
-    } catch (const dao::Error&) {
+    } catch (const dao::Error& error) {
         // Nobody is kept from answering because the others cannot be told.
+        return error.Number() != dao::errLocked;
     }
+    return true;
 }
 
 void AnsweringDesk::Look()
@@ -112,12 +130,14 @@ void AnsweringDesk::Look()
     if (!Station_.Directory().IsOpen() || now < RestsUntil_)
         return;
     try {
+        const dao::LockPatience patience(ShortWait::Milliseconds);
         QList<AnsweringEntry> entries = AnsweringTable(Station_.Directory().File()).Read();
         entries.removeIf([this](const AnsweringEntry& entry) { return Own_.Holds(entry.Entry); });
         Others_.Take(entries, now);
-    } catch (const dao::Error&) {
-        // What it saw last grows old meanwhile.
-        RestsUntil_ = now + RestMilliseconds;
+    } catch (const dao::Error& error) {
+        // What it saw last grows old meanwhile. Who has the directory locked is done with it before the next look.
+        if (error.Number() != dao::errLocked)
+            RestsUntil_ = now + RestMilliseconds;
     }
     Now_.clear();
     for (const Answering& answering : Others_.Alive(now))
@@ -141,8 +161,21 @@ QString AnsweringDesk::NoteOf(qint32 message) const
     const auto now = Words_.constFind(message);
     if (now != Words_.constEnd())
         return *now;
-    const std::optional<FiledAnswer> answer = Marks_->Of(message);
+    const std::optional<FiledAnswer> answer = AnswerTo(message);
     return answer ? AnsweringWords::OfFiled(*answer) : QString();
+}
+
+bool AnsweringDesk::WasAnswered(qint32 message) const
+{
+    return AnswerTo(message).has_value();
+}
+
+/// Both are asked, since each looks up what it does not know.
+std::optional<FiledAnswer> AnsweringDesk::AnswerTo(qint32 message) const
+{
+    const std::optional<FiledAnswer> noted = Marks_->Of(message);
+    const std::optional<FiledAnswer> sent = Sent_->Of(message);
+    return noted ? noted : sent;
 }
 
 void AnsweringDesk::ShowWords()
@@ -155,5 +188,6 @@ void AnsweringDesk::ShowWords()
 void AnsweringDesk::TakeUpdate()
 {
     Marks_->Refresh();
+    Sent_->Refresh();
     ShowWords();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "OwnAnswers.h"
+#include "answering/AnswerLedger.h"
 #include "answering/AnsweringWatch.h"
 #include "messages/cMessage.h"
 
@@ -9,11 +10,14 @@
 #include <QObject>
 #include <QTimer>
 
+#include <optional>
+
 class AnsweredMarks;
 class ComposeWindow;
 class DeskStation;
 class MessageWindow;
 class NoticeBar;
+class SentAnswers;
 class QMainWindow;
 class uMessagesList;
 
@@ -42,6 +46,8 @@ public:
     void Watch(MessageWindow& window);
     /// What stands in the row of a message; empty for nothing.
     QString NoteOf(qint32 message) const;
+    /// Somebody has filed an answer to it.
+    bool WasAnswered(qint32 message) const;
     /// The list was read anew: so is what was answered.
     void TakeUpdate();
     /// Takes back what this desk told. For the end, while the directory is open.
@@ -58,13 +64,17 @@ private:
     void Begin(QObject& window, qint32 message);
     void End(const QObject* window);
     void Tell();
+    bool WriteOwn();
     QList<Answering> AnsweringOf(qint32 message) const;
+    /// By this desk's ledger, or by what lies in Sent.
+    std::optional<FiledAnswer> AnswerTo(qint32 message) const;
     void ShowWords();
 
     DeskStation& Station_;
     uMessagesList& List_;
     NoticeBar* Notice_;
     AnsweredMarks* Marks_;
+    SentAnswers* Sent_;
     OwnAnswers Own_;
     AnsweringWatch Others_;
     QHash<qint32, QList<Answering>> Now_; ///< By message.

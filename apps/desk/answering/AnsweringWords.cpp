@@ -44,5 +44,6 @@ QString AnsweringWords::OfFiled(const FiledAnswer& answer)
     const QString day = QStringLiteral("d mmm yyyy");
     const bool isToday = when.Format(day) == ClockHelper::CurrentTime().Format(day);
     const QString time = when.Format(isToday ? QStringLiteral("hh:nn") : QStringLiteral("d mmm yyyy hh:nn"));
-    return QObject::tr("Answered by %1, %2").arg(OneLine(answer.Name), time);
+    const QString name = OneLine(answer.Name);
+    return name.isEmpty() ? QObject::tr("Answered, %1").arg(time) : QObject::tr("Answered by %1, %2").arg(name, time);
 }

@@ -9,6 +9,7 @@
 #include "database/StationSettings.h"
 #include "database/cTolvaDatabase.h"
 #include "messages/TextMessage.h"
+#include "platform/mail/MessageIdentities.h"
 
 #include <QLocale>
 #include <QMimeDatabase>
@@ -43,23 +44,14 @@ QString Attribution(const cMessage& original)
                                     : QStringLiteral("On %1, %2 wrote:").arg(DateInWords(original.Sent()), who);
 }
 
-QStringList MessageIDs(const QString& header)
-{
-    static const QRegularExpression pattern(QStringLiteral("<[^<>\\s]+>"));
-    QStringList result;
-    for (auto it = pattern.globalMatch(header); it.hasNext();)
-        result.append(it.next().captured());
-    return result;
-}
-
 void Thread(const cdo::Message& original, Composition& composition)
 {
-    const QStringList own = MessageIDs(original.MessageID());
+    const QStringList own = cdo::MessageIdentities(original.MessageID());
     if (own.isEmpty())
         return;
-    QStringList references = MessageIDs(original.Header("References"));
+    QStringList references = cdo::MessageIdentities(original.Header("References"));
     if (references.isEmpty())
-        references = MessageIDs(original.Header("In-Reply-To")).mid(0, 1);
+        references = cdo::MessageIdentities(original.Header("In-Reply-To")).mid(0, 1);
     references.removeAll(own.first());
     references.append(own.first());
     // The first begins the thread and stays.
@@ -250,8 +242,8 @@ Composition Composing::Continue(const cMessage& draft)
     composition.Body = ReadableText(mail);
     composition.Files = draft.MessageType() == emtSMS ? QList<ComposedFile>() : FilesOf(mail);
     composition.IsUrgent = draft.Priority() == UrgentPriority || MailPriority(mail) == UrgentPriority;
-    composition.InReplyTo = MessageIDs(mail.Header("In-Reply-To")).value(0);
-    composition.References = MessageIDs(mail.Header("References")).join(u' ');
+    composition.InReplyTo = cdo::MessageIdentities(mail.Header("In-Reply-To")).value(0);
+    composition.References = cdo::MessageIdentities(mail.Header("References")).join(u' ');
     return composition;
 }
 

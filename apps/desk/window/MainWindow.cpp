@@ -50,10 +50,9 @@
 namespace
 {
 constexpr int CountDelay = 150;
-constexpr int FitDelay = 300;
 constexpr int FillDelay = 200;
-/// Beyond this, fitting the subjects of all rows to a new width takes longer than it is worth.
-constexpr int MostRowsFitted = 3000;
+/// Of what a text message says, on its row.
+constexpr int MostTextLines = 3;
 constexpr float MessagesInterval = 3;
 
 const QString WindowGeometry = QStringLiteral("MainWindow/Geometry");
@@ -106,11 +105,6 @@ MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& setti
 
     // Behind the look itself, which may have failed.
     connect(&Station_->Database().Watch(), &StationWatch::Polled, this, &MainWindow::TakeLook, Qt::QueuedConnection);
-
-    FitTimer_.setSingleShot(true);
-    FitTimer_.setInterval(FitDelay);
-    connect(&FitTimer_, &QTimer::timeout, this, &MainWindow::FitSubjects);
-    connect(Splitter_, &QSplitter::splitterMoved, this, [this] { FitTimer_.start(); });
     Run([this] { ShowTitle(); });
     TakeSelection(nullptr);
     TakePage(Prizes_->IsOnShow());
@@ -152,6 +146,8 @@ void MainWindow::MakeParts()
     List_->SetEditsTopFolders(true);
     List_->SetNewFolderName(tr("New Folder"));
     List_->SetShowsOtherYears(true);
+    List_->SetTextLines(MostTextLines);
+    List_->SetFillsWidth(true);
     new RowPeople(*Station_, *List_);
     Arrivals_ = new ArrivalCue(*List_, Settings_);
     Undo_ = new MessageUndo(*Station_, *this);
@@ -311,7 +307,6 @@ void MainWindow::FillList()
 {
     if (List_->TolvaDatabase() || !isVisible() || !Station_->Database().IsOpen())
         return;
-    FittedWidth_ = List_->width();
     FocusRows();
     Run([this] {
         // The desk begins where the mail comes in, whatever folder was on show last.
@@ -331,21 +326,6 @@ void MainWindow::FillList()
 void MainWindow::FocusRows()
 {
     List_->FocusTargets().constLast()->setFocus();
-}
-
-void MainWindow::resizeEvent(QResizeEvent* event)
-{
-    QMainWindow::resizeEvent(event);
-    FitTimer_.start();
-}
-
-void MainWindow::FitSubjects()
-{
-    if (FittedWidth_ == List_->width() || !List_->TolvaDatabase() || List_->IsFilling())
-        return;
-    FittedWidth_ = List_->width();
-    if (List_->NumberItems() > 0 && List_->NumberItems() <= MostRowsFitted)
-        Run([this] { List_->RefreshDisplay(); });
 }
 
 /// The controls hold colours of their own; those of the desktop are looked up anew.
@@ -427,7 +407,6 @@ void MainWindow::TakePage(bool prizes)
     TakePageForPrinting(prizes);
     Counts_->setVisible(!prizes);
     TakeSelection(Preview_->Message());
-    FitTimer_.start();
 }
 
 void MainWindow::TakeUpdate()

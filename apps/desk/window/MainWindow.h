@@ -41,6 +41,7 @@ class QSplitter;
 class QToolBar;
 class uMessagesList;
 struct PrintJob;
+struct RowMark;
 
 /// The desk: folders, messages and the message that is selected, over one open station. It owns the station and the
 /// windows that work on it, and closes only when they do. The settings outlive it.
@@ -99,7 +100,6 @@ protected:
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     /// Runs a command; its error becomes words, for no exception may reach the event loop.
@@ -120,7 +120,6 @@ private:
     void MakeHelpMenu();
     QWidget* MakeMessageSide();
     void FillList();
-    void FitSubjects();
     QAction* AddAction(QMenu* menu, const char* name, const QString& icon, const QString& text,
                        const QKeySequence& key = {});
     QAction* Action(const char* name) const;
@@ -142,7 +141,7 @@ private:
     ComposeWindow* ShowCompose(const Composition& composition, const cMessagePtr& draft, UnsentText file);
     void TakeOpenMessage(const cMessagePtr& message);
     void ConnectOnAir();
-    QString RowNoteOf(qint32 message) const;
+    QList<RowMark> RowMarksOf(qint32 message) const;
     void ConnectContacts();
     void ConnectSearch();
     void OpenFound(qint32 reference);
@@ -222,8 +221,6 @@ private:
     QTimer CountTimer_;
     QTimer WatchTimer_;
     QTimer BackupTimer_;
-    QTimer FitTimer_;
-    int FittedWidth_ = 0;
     int UnreadInInbox_ = 0;
     QString ListCondition_; ///< Of the rows on show.
     QString ListOrder_;

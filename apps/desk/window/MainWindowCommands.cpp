@@ -12,6 +12,7 @@
 #include "messageslist/uMessagesList.h"
 #include "onair/OnAirDesk.h"
 #include "platform/widgets/Icons.h"
+#include "platform/widgets/RowMark.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/PrizesPage.h"
@@ -105,7 +106,8 @@ void MainWindow::MakeFolderCommands(QMenu& menu)
 /// The key puts on the order what is selected on the page on show.
 void MainWindow::ConnectOnAir()
 {
-    List_->SetRowNotes([this](qint32 message) { return RowNoteOf(message); });
+    List_->SetRowNotes([this](qint32 message) { return Answering_->NoteOf(message); });
+    List_->SetShowsMarks([this](qint32 message) { return RowMarksOf(message); });
     connect(OnAir_, &OnAirDesk::Changed, List_, &uMessagesList::ShowRowNotes);
     connect(OnAir_, &OnAirDesk::Told, this, &MainWindow::Say);
     connect(OnAir_, &OnAirDesk::WindowOpened, this, [this](QMainWindow* window) {
@@ -122,9 +124,13 @@ void MainWindow::ConnectOnAir()
     connect(&Station_->Database().Watch(), &StationWatch::Polled, OnAir_, &OnAirDesk::Look, Qt::QueuedConnection);
 }
 
-QString MainWindow::RowNoteOf(qint32 message) const
+QList<RowMark> MainWindow::RowMarksOf(qint32 message) const
 {
-    QStringList notes{Answering_->NoteOf(message), OnAir_->NoteOf(message)};
-    notes.removeAll(QString());
-    return notes.join(QStringLiteral("; "));
+    QList<RowMark> marks;
+    // Who answered, and when, stands beside it, and is what is spoken.
+    if (Answering_->WasAnswered(message))
+        marks.append({Icons::Get(QStringLiteral("answered")), QString()});
+    if (const QString words = OnAir_->NoteOf(message); !words.isEmpty())
+        marks.append({Icons::Get(QStringLiteral("onair")), words});
+    return marks;
 }

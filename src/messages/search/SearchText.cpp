@@ -4,6 +4,7 @@
 #include "common/FileHelper.h"
 #include "messages/search/SearchWords.h"
 #include "platform/html/TagScanner.h"
+#include "platform/mail/MessageIdentities.h"
 #include "platform/mail/MessageReader.h"
 
 #include <QRegularExpression>
@@ -38,15 +39,6 @@ void AddPeople(const QString& header, WordSet& words)
         words.Add(View(SearchWords::AddressTerm(address)));
 }
 
-QStringList IdentitiesIn(const QString& header)
-{
-    static const QRegularExpression identity(QStringLiteral("<[^<>\\s]+>"));
-    QStringList identities;
-    for (auto it = identity.globalMatch(header); it.hasNext() && identities.size() < MostIdentities;)
-        identities.append(it.next().captured());
-    return identities;
-}
-
 /// Of the first address of a header, or of its number.
 QByteArray PersonTerm(const QString& header)
 {
@@ -58,7 +50,7 @@ QList<QByteArray> MailTerms(const cdo::MessageReader& reader)
 {
     QList<QByteArray> terms;
     for (const char* name : {"Message-ID", "In-Reply-To", "References"}) {
-        for (const QString& identity : IdentitiesIn(reader.Header(name))) {
+        for (const QString& identity : cdo::MessageIdentities(reader.Header(name)).mid(0, MostIdentities)) {
             const QByteArray term = SearchWords::IdentityTerm(identity);
             if (!terms.contains(term))
                 terms.append(term);

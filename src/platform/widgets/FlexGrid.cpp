@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QHeaderView>
+#include <QResizeEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 
@@ -127,6 +128,22 @@ void FlexGrid::SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTex
 bool FlexGrid::HasLateTexts(int row) const
 {
     return Model_->HasLateTexts(row);
+}
+
+void FlexGrid::SetKeepsLateTexts(bool keeps)
+{
+    Model_->SetKeepsLateTexts(keeps);
+}
+
+const LateTexts* FlexGrid::LateTextsOf(int row) const
+{
+    return Model_->LateTextsOf(row);
+}
+
+void FlexGrid::RemakeLateTexts()
+{
+    Model_->RemakeLateTexts();
+    viewport()->update();
 }
 
 // ---- Showing
@@ -294,6 +311,14 @@ void FlexGrid::changeEvent(QEvent* event)
         ShowDefaultHeight();
 }
 
+/// Of the viewport, as with every scroll area.
+void FlexGrid::resizeEvent(QResizeEvent* event)
+{
+    QTableView::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width())
+        Q_EMIT WidthChanged();
+}
+
 // ---- Cells
 
 void FlexGrid::SetCellBackColour(int row, int firstCol, int lastCol, qint32 colour)
@@ -349,6 +374,12 @@ QString FlexGrid::RowAccessibleText(int row) const
 void FlexGrid::SetRowNotes(int col, std::function<QString(int row)> noteOf)
 {
     Model_->SetNotes(col, std::move(noteOf));
+    ShowNotes();
+}
+
+void FlexGrid::SetRowMarks(int col, std::function<QList<RowMark>(int row)> marksOf)
+{
+    Model_->SetMarks(col, std::move(marksOf));
     ShowNotes();
 }
 

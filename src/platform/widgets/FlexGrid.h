@@ -10,6 +10,7 @@
 
 class FlexGridModel;
 class LateTexts;
+struct RowMark;
 
 /// A table that is filled cell by cell, with whole rows selected, one at a time unless SetSelectsSeveral. Row 0 is the
 /// header: its texts are the headings above the columns, and Rows() counts it. Rows and columns outside the table read
@@ -47,6 +48,12 @@ public:
     void SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts);
     /// Whether the row has such texts that nobody has asked for yet.
     bool HasLateTexts(int row) const;
+    /// Off at first: late texts are forgotten when they have been made. On: they are kept, and RemakeLateTexts makes
+    /// them anew of what they were made of, as for another width.
+    void SetKeepsLateTexts(bool keeps);
+    /// Those of a row, while they are kept or nobody has asked for them; null for none.
+    const LateTexts* LateTextsOf(int row) const;
+    void RemakeLateTexts();
 
     /// The current row, shown as selected whole; 0 when there is none. Setting never scrolls.
     int Row() const { return Row_; }
@@ -94,9 +101,13 @@ public:
     /// What a screen reader says of each cell of the row before the cell's own text, such as "unread, urgent".
     void SetRowAccessibleText(int row, const QString& text);
     QString RowAccessibleText(int row) const;
-    /// Words that stand at the end of the last line of the row's cell in that column, over its text, and that a screen
-    /// reader says: asked for whenever a row is seen, and by ShowNotes for those on the screen. Null takes them away.
+    /// Words that stand at the end of the last line of the row's cell in that column, and that a screen reader says:
+    /// asked for whenever a row is seen, and by ShowNotes for those on the screen. The line's own text ends before
+    /// them. What it holds between the marks of a first strong isolate is shortened for that, and all else is not: for
+    /// as long as a few of the note's words have room, the note is. Null takes them away.
     void SetRowNotes(int col, std::function<QString(int row)> noteOf);
+    /// Icons at the end of that line, behind the note; the same holds for them.
+    void SetRowMarks(int col, std::function<QList<RowMark>(int row)> marksOf);
     void ShowNotes();
 
     /// The row under a vertical position; 0 where there is none, and while redraw is off.
@@ -126,6 +137,8 @@ Q_SIGNALS:
     void KeyDown(QKeyEvent* event);
     /// The menu key was pressed.
     void PopupKey();
+    /// The place for the rows has another width now, as when a scroll bar came.
+    void WidthChanged();
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -136,6 +149,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyboardSearch(const QString& search) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;

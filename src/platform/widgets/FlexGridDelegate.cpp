@@ -19,6 +19,13 @@ constexpr double SelectedShare = 0.3;
 /// How much of the selection's colour is left in a grid that does not have the focus.
 constexpr double UnfocusedShare = 0.45;
 constexpr double SeparatorShare = 0.12;
+/// Letters of a note that are shown whatever its line holds, and of the name beside it where there is room.
+constexpr int NoteLetters = 8;
+constexpr int NameLetters = 6;
+constexpr int MarkGap = 3;
+/// Around the name in a line.
+constexpr char16_t Isolate = u'\u2068';
+constexpr char16_t EndOfIsolate = u'\u2069';
 /// How much of a cell's width a note takes at most, and of the selection's colour is in its ground.
 constexpr double NoteShare = 0.7;
 constexpr double NoteGroundShare = 0.25;
@@ -46,6 +53,28 @@ QRect SeenOf(const QStyleOptionViewItem& option)
         seen.setRight(std::min(seen.right(), grid->viewport()->rect().right()));
     }
     return seen;
+}
+
+int SideOf(const QStyleOptionViewItem& option)
+{
+    return std::min(option.fontMetrics.lineSpacing(),
+                    option.decorationSize.isValid() ? option.decorationSize.height() : 16);
+}
+
+/// A line that may hold a name, which is what gives way.
+struct LineParts
+{
+    QString Name;
+    QString Rest;
+};
+
+LineParts SplitAtName(const QString& line)
+{
+    const qsizetype open = line.indexOf(QChar(Isolate));
+    const qsizetype close = line.lastIndexOf(QChar(EndOfIsolate));
+    if (open < 0 || close < open)
+        return {QString(), line};
+    return {line.mid(open + 1, close - open - 1), line.left(open) + line.mid(close + 1)};
 }
 
 QStringList WrappedLines(const QString& text, const QFont& font, int width, int most)
@@ -88,38 +117,84 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     if (style.Picture >= 0)
         place.setLeft(place.left() +
                       PaintPicture(painter, option, model->Picture(row, index.column()), text.isEmpty()));
-    if (!text.isEmpty() && place.width() > 0) {
+    if (place.width() > 0) {
         QFont font = option.font;
         font.setBold(font.bold() || style.Bold);
         painter->setFont(font);
         painter->setPen(textColour);
-        PaintText(painter, option, place, text, model->Alignment(index.column()));
+        QStringList lines;
+        if (!text.isEmpty())
+            lines = Lines(text, font, place.width(), place.height(),
+                          option.features.testFlag(QStyleOptionViewItem::WrapText));
+        const LineEnd end =
+            EndOf(option, lines, model->Note(row, index.column()), model->Marks(row, index.column()), place.width());
+        if (!lines.isEmpty() && end.Width > 0)
+            lines.last() = Shortened(lines.last(), painter->fontMetrics(), place.width() - end.Width);
+        const QRect last = PaintText(painter, option, place, lines, model->Alignment(index.column()));
+        if (end.Width > 0)
+            PaintEnd(painter, option, last, end, style);
     }
-    if (const QString note = model->Note(row, index.column()); !note.isEmpty() && place.width() > 0)
-        PaintNote(painter, option, place, note, style);
     painter->restore();
 }
 
-/// At the end of the last line, on a ground of its own that covers the text below.
-void FlexGridDelegate::PaintNote(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place,
-                                 const QString& note, const CellStyle& style)
+/// What the end of the last line of a cell takes. The note gives way to what of the line is not to be shortened, but
+/// for its first words.
+FlexGridDelegate::LineEnd FlexGridDelegate::EndOf(const QStyleOptionViewItem& option, const QStringList& lines,
+                                                  const QString& note, const QList<RowMark>& marks, int width)
 {
-    painter->setFont(option.font);
+    LineEnd end;
+    end.Marks = marks;
+    end.Width = static_cast<int>(marks.size()) * (SideOf(option) + MarkGap);
+    if (note.isEmpty())
+        return end;
     const QFontMetrics metrics(option.font);
-    const int height = metrics.lineSpacing();
-    const auto widest = static_cast<int>(place.width() * NoteShare);
-    const QString text = metrics.elidedText(note, Qt::ElideRight, widest - 2 * Padding);
-    const QSize size(std::min(widest, metrics.horizontalAdvance(text) + 2 * Padding), height);
-    const QRect box = QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignBottom, size, place);
+    const int kept = lines.isEmpty() ? 0 : metrics.horizontalAdvance(SplitAtName(lines.last()).Rest);
+    const int share = static_cast<int>(width * NoteShare) - end.Width;
+    const int room = std::max(std::min(share, width - end.Width - kept - NameLetters * metrics.averageCharWidth()),
+                              NoteLetters * metrics.averageCharWidth());
+    end.Note = metrics.elidedText(note, Qt::ElideRight, room - 2 * Padding);
+    end.NoteWidth = std::min(room, metrics.horizontalAdvance(end.Note) + 2 * Padding);
+    end.Width += end.NoteWidth + MarkGap;
+    return end;
+}
+
+QString FlexGridDelegate::Shortened(const QString& line, const QFontMetrics& metrics, int width)
+{
+    if (metrics.horizontalAdvance(line) <= width)
+        return line;
+    const LineParts parts = SplitAtName(line);
+    const int room = width - metrics.horizontalAdvance(parts.Rest);
+    const QString name =
+        room > 0 && !parts.Name.isEmpty() ? metrics.elidedText(parts.Name, Qt::ElideRight, room) : QString();
+    if (name.isEmpty())
+        return metrics.elidedText(parts.Rest, Qt::ElideRight, width);
+    return QChar(Isolate) + name + QChar(EndOfIsolate) + parts.Rest;
+}
+
+/// The note on a ground of its own, and the marks.
+void FlexGridDelegate::PaintEnd(QPainter* painter, const QStyleOptionViewItem& option, const QRect& line,
+                                const LineEnd& end, const CellStyle& style)
+{
+    const bool isMirrored = option.direction == Qt::RightToLeft;
+    const auto placed = [&](int before, int width) {
+        const int left = isMirrored ? line.left() + before : line.right() + 1 - before - width;
+        return QRect(left, line.top(), width, line.height());
+    };
+    const bool isInverse = IsSelected(option) && HasFocus(option) && style.BackColour == SystemColour::WindowBackground;
+    const int side = SideOf(option);
+    int used = 0;
+    for (auto mark = end.Marks.crbegin(); mark != end.Marks.crend(); ++mark, used += side + MarkGap)
+        mark->Icon.paint(painter, placed(used, side), Qt::AlignCenter, isInverse ? QIcon::Selected : QIcon::Normal);
+    if (end.Note.isEmpty())
+        return;
+    const QRect box = placed(used, end.NoteWidth);
     const QColor ground =
         Contrast::Blend(BackgroundOf(style, option), option.palette.color(QPalette::Highlight), NoteGroundShare);
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(ground);
-    painter->drawRoundedRect(box, Padding, Padding);
+    painter->setFont(option.font);
+    painter->fillRect(box, ground);
     painter->setPen(Contrast::Readable(option.palette.color(QPalette::Text), ground));
-    painter->setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-    painter->drawText(box, Qt::AlignCenter | Qt::TextSingleLine, text);
+    painter->setLayoutDirection(end.Note.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter->drawText(box, Qt::AlignCenter | Qt::TextSingleLine, end.Note);
 }
 
 QColor FlexGridDelegate::BackgroundOf(const CellStyle& style, const QStyleOptionViewItem& option)
@@ -177,21 +252,24 @@ QStringList FlexGridDelegate::Lines(const QString& text, const QFont& font, int 
     return lines;
 }
 
-void FlexGridDelegate::PaintText(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place,
-                                 const QString& text, Qt::Alignment alignment)
+/// The place of the last line, or of one where there is none.
+QRect FlexGridDelegate::PaintText(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place,
+                                  const QStringList& lines, Qt::Alignment alignment)
 {
-    const bool wrap = option.features.testFlag(QStyleOptionViewItem::WrapText);
-    const QStringList lines = Lines(text, painter->font(), place.width(), place.height(), wrap);
     const int lineHeight = painter->fontMetrics().lineSpacing();
-    const QSize size(place.width(), lineHeight * static_cast<int>(lines.size()));
+    const auto count = std::max(1, static_cast<int>(lines.size()));
+    const QSize size(place.width(), lineHeight * count);
     const QRect block =
         QStyle::alignedRect(option.direction, Qt::AlignLeft | (alignment & Qt::AlignVertical_Mask), size, place);
     const auto flags =
         static_cast<int>(QStyle::visualAlignment(option.direction, alignment) & Qt::AlignHorizontal_Mask);
+    const auto lineAt = [&](int i) {
+        return QRect(block.left(), block.top() + i * lineHeight, block.width(), lineHeight);
+    };
     for (int i = 0; i < lines.size(); ++i) {
-        const QRect line(block.left(), block.top() + i * lineHeight, block.width(), lineHeight);
         // Each line reads as its own letters do, wherever it stands.
         painter->setLayoutDirection(lines.at(i).isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-        painter->drawText(line, flags | Qt::AlignVCenter | Qt::TextSingleLine, lines.at(i));
+        painter->drawText(lineAt(i), flags | Qt::AlignVCenter | Qt::TextSingleLine, lines.at(i));
     }
+    return lineAt(count - 1);
 }

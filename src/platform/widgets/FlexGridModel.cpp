@@ -62,6 +62,7 @@ void FlexGridModel::ResizeRows(int rows)
     Heights_.resize(count, -1);
     AccessibleOfRow_.resize(count);
     LateOfRow_.resize(count);
+    IsLate_.resize(count);
     Rows_ = rows;
     if (rows == 1)
         ForgetShared();
@@ -77,6 +78,7 @@ void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
     std::deque<float> heights(count, -1);
     std::deque<qint32> accessible(count);
     std::deque<std::unique_ptr<const LateTexts>> late(count);
+    std::deque<bool> isLate(count);
     for (size_t row = 0; row < count; ++row) {
         const int source = row == 0 ? 0 : sources[row - 1] + 1;
         if (source < 0 || (row > 0 && source < 1) || source >= Rows_)
@@ -89,6 +91,7 @@ void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
         heights[row] = Heights_[static_cast<size_t>(source)];
         accessible[row] = AccessibleOfRow_[static_cast<size_t>(source)];
         late[row] = std::move(LateOfRow_[static_cast<size_t>(source)]);
+        isLate[row] = IsLate_[static_cast<size_t>(source)];
     }
     for (size_t row = 1; row < count; ++row) {
         if (row >= Heights_.size() || heights[row] != Heights_[row])
@@ -99,6 +102,7 @@ void FlexGridModel::ArrangeRows(const std::vector<int>& sources)
     Heights_.swap(heights);
     AccessibleOfRow_.swap(accessible);
     LateOfRow_.swap(late);
+    IsLate_.swap(isLate);
     Rows_ = static_cast<int>(count);
     ChangedRows_.Add(1, Rows_ - 1);
 }
@@ -207,13 +211,18 @@ void FlexGridModel::MakeTexts(int row, int col) const
 {
     if (col < FirstLateCol_)
         return;
-    const auto late = std::exchange(LateOfRow_[static_cast<size_t>(row)], nullptr);
-    if (!late)
+    const auto place = static_cast<size_t>(row);
+    if (!IsLate_[place])
         return;
-    late->Make([this, row](int made, const QString& text) {
+    IsLate_[place] = false;
+    const auto set = [this, row](int made, const QString& text) {
         if (made >= FirstLateCol_ && made < Cols_)
             Texts_[CellAt(row, made)] = WithoutReserve(text);
-    });
+    };
+    if (KeepsLate_)
+        LateOfRow_[place]->Make(set);
+    else if (const auto late = std::exchange(LateOfRow_[place], nullptr))
+        late->Make(set);
 }
 
 void FlexGridModel::SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts)
@@ -221,13 +230,25 @@ void FlexGridModel::SetLateTexts(int row, int firstCol, std::unique_ptr<const La
     if (row < 1 || !IsCell(row, firstCol))
         return;
     FirstLateCol_ = firstCol;
+    IsLate_[static_cast<size_t>(row)] = texts != nullptr;
     LateOfRow_[static_cast<size_t>(row)] = std::move(texts);
     Changed(row, firstCol, Cols_ - 1);
 }
 
 bool FlexGridModel::HasLateTexts(int row) const
 {
-    return row >= 1 && row < Rows_ && LateOfRow_[static_cast<size_t>(row)] != nullptr;
+    return row >= 1 && row < Rows_ && IsLate_[static_cast<size_t>(row)];
+}
+
+const LateTexts* FlexGridModel::LateTextsOf(int row) const
+{
+    return row >= 1 && row < Rows_ ? LateOfRow_[static_cast<size_t>(row)].get() : nullptr;
+}
+
+void FlexGridModel::RemakeLateTexts()
+{
+    for (size_t row = 1; row < LateOfRow_.size(); ++row)
+        IsLate_[row] = LateOfRow_[row] != nullptr;
 }
 
 void FlexGridModel::SetText(int row, int col, const QString& text)
@@ -443,10 +464,24 @@ QString FlexGridModel::Note(int row, int col) const
     return NoteOf_ && col == NoteCol_ && row > 0 && row < Rows_ ? NoteOf_(row) : QString();
 }
 
+void FlexGridModel::SetMarks(int col, std::function<QList<RowMark>(int row)> marksOf)
+{
+    MarksCol_ = col;
+    MarksOf_ = std::move(marksOf);
+}
+
+QList<RowMark> FlexGridModel::Marks(int row, int col) const
+{
+    return MarksOf_ && col == MarksCol_ && row > 0 && row < Rows_ ? MarksOf_(row) : QList<RowMark>();
+}
+
 QString FlexGridModel::AccessibleText(int row, int col) const
 {
-    QStringList parts{RowAccessibleText(row), Note(row, NoteCol_)};
-    QString text = Text(row, col);
+    QStringList parts{RowAccessibleText(row)};
+    for (const RowMark& mark : Marks(row, MarksCol_))
+        parts.append(mark.Name);
+    parts.append(Note(row, NoteCol_));
+    QString text = Text(row, col).replace(SoftLineBreak, QStringLiteral(" "));
     text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     parts += text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     parts.removeAll(QString());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/widgets/RowMark.h"
 #include "platform/widgets/SystemColour.h"
 
 #include <QAbstractTableModel>
@@ -27,6 +28,9 @@ struct CellStyle
         return qHashMulti(seed, style.BackColour, style.ForeColour, style.Picture, style.Bold);
     }
 };
+
+/// A line break that only the width asks for: a screen reader reads on.
+inline const QString SoftLineBreak = QStringLiteral("\u200B\r");
 
 /// Texts of a row that are made when somebody asks for one of them or sees it: of a long list few rows are ever seen.
 class LateTexts
@@ -85,6 +89,11 @@ public:
     /// FlexGrid::SetLateTexts.
     void SetLateTexts(int row, int firstCol, std::unique_ptr<const LateTexts> texts);
     bool HasLateTexts(int row) const;
+    /// FlexGrid::SetKeepsLateTexts.
+    void SetKeepsLateTexts(bool keeps) { KeepsLate_ = keeps; }
+    /// Also those that were made, where they are kept; null for none.
+    const LateTexts* LateTextsOf(int row) const;
+    void RemakeLateTexts();
     /// The default style outside the table, and for the header row.
     const CellStyle& Style(int row, int col) const;
     void SetBackColour(int row, int firstCol, int lastCol, qint32 colour);
@@ -106,6 +115,10 @@ public:
     void SetNotes(int col, std::function<QString(int row)> noteOf);
     /// The note of that cell; empty for none.
     QString Note(int row, int col) const;
+    /// FlexGrid::SetRowMarks.
+    void SetMarks(int col, std::function<QList<RowMark>(int row)> marksOf);
+    /// The marks of that cell.
+    QList<RowMark> Marks(int row, int col) const;
     Qt::Alignment Alignment(int col) const;
     void SetAlignment(int col, Qt::Alignment alignment);
 
@@ -147,6 +160,8 @@ private:
     mutable std::deque<QString> Texts_;
     /// What the row's texts from FirstLateCol_ on have yet to be made by; null for nothing.
     mutable std::deque<std::unique_ptr<const LateTexts>> LateOfRow_ = std::deque<std::unique_ptr<const LateTexts>>(1);
+    mutable std::deque<bool> IsLate_ = std::deque<bool>(1); ///< They have not been made since.
+    bool KeepsLate_ = false;
     int FirstLateCol_ = 0;
     std::deque<qint32> StyleOfCell_;
     std::deque<float> Heights_ = {-1};
@@ -154,6 +169,8 @@ private:
 
     std::function<QString(int row)> NoteOf_; ///< Null while there are none.
     int NoteCol_ = 0;
+    std::function<QList<RowMark>(int row)> MarksOf_; ///< The same.
+    int MarksCol_ = 0;
     std::vector<Qt::Alignment> Alignments_;
     std::vector<CellStyle> Styles_ = {{}};
     QHash<CellStyle, qint32> StyleIndices_ = {{{}, 0}};

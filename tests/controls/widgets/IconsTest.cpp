@@ -45,6 +45,12 @@ const QStringList WantedKeys = {
     QStringLiteral("read"),
     QStringLiteral("warning"),
     QStringLiteral("tolva"),
+    QStringLiteral("mail"),
+    QStringLiteral("textmessage"),
+    QStringLiteral("answered"),
+    QStringLiteral("onair"),
+    QStringLiteral("urgent"),
+    QStringLiteral("lowpriority"),
 };
 
 /// Puts the application's palette back.

@@ -4,7 +4,9 @@
 
 #include "answering/AnsweringDesk.h"
 
+#include "answering/AnsweredMarks.h"
 #include "answering/AnsweringTable.h"
+#include "desk/LongestGap.h"
 #include "desk/window/MainWindowTest.h"
 #include "platform/widgets/FlexGridModel.h"
 
@@ -128,6 +130,32 @@ TEST_F(AnsweringDeskTest, AMessageWindowAndADraftThatIsGoneOnWithAreSeenToo)
     EXPECT_EQ(Table().first().Message, reference);
     CloseWindow();
     EXPECT_TRUE(Table().isEmpty()) << "the desk takes back what it told when it ends";
+}
+
+TEST_F(AnsweringDeskTest, ALockedDirectoryHoldsNoWindowAndNothingOfItIsLost)
+{
+    const qint32 reference = FileMail(Mail("Lighthouse"));
+    OpenWindow();
+    Select(reference);
+    StartOther();
+    Tell("lock 3000");
+    ASSERT_TRUE(WaitUntil([this] { return Other.readAllStandardOutput().contains("locked"); }, Patience));
+    QElapsedTimer since;
+    since.start();
+    Window->Reply();
+    ASSERT_NE(OnlyCompose(), nullptr);
+    AnsweredMarks marks(Station, nullptr);
+    QElapsedTimer noting;
+    noting.start();
+    marks.Note(reference, reference, true);
+    EXPECT_LT(noting.elapsed(), 100);
+    EXPECT_TRUE(marks.HasUnwritten());
+    LongestGap gap;
+    WaitUntil([&] { return since.elapsed() > 2000; });
+    EXPECT_LT(gap.Passed, 100);
+    EXPECT_TRUE(marks.HasUnwritten()) << "the lock is held still";
+    EXPECT_TRUE(WaitUntil([&] { return !marks.HasUnwritten() && Table().size() == 1; }, Patience));
+    EXPECT_EQ(AnswerLedger(Station.Directory().File()).Since({}).size(), 1);
 }
 
 TEST_F(AnsweringDeskTest, WhatAKilledDeskLeftIsGoneAfterAMinute)

@@ -3,17 +3,20 @@
 // A desk in a process of its own, driven by words on its standard input: "work" marks, moves and awards without pause,
 // "write" opens a new message and types into it, "rest" ends the work, "rows" prints what its list shows of the Inbox,
 // "prizes" what its page of prizes shows, "reply N" begins an answer to the message N, "close" closes what is written,
-// "end" ends it. Each answer is one line.
+// "lock N" keeps the directory's lock of writers for N milliseconds, which it says when it has it, "end" ends it. Each
+// answer is one line.
 //   soakDesk FOLDER SETTINGS
 
 #include "DeskSettings.h"
 #include "DeskUserInterface.h"
 #include "compose/ComposeWindow.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/records/Transaction.h"
 #include "platform/widgets/FlexGrid.h"
 #include "prizes/PrizeAwards.h"
 #include "prizes/PrizeDesk.h"
 #include "prizes/controls/uPrizesList.h"
+#include "station/DeskStation.h"
 #include "window/MainWindow.h"
 
 #include <QAction>
@@ -25,6 +28,7 @@
 #include <QMenu>
 #include <QRandomGenerator>
 #include <QSocketNotifier>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -174,6 +178,13 @@ void Close(const MainWindow& window)
         compose->close();
 }
 
+void Lock(MainWindow& window, int milliseconds)
+{
+    const dao::Transaction lock(window.Station().Directory().File());
+    Answer(QJsonDocument(QJsonArray{QStringLiteral("locked")}));
+    QThread::msleep(static_cast<unsigned long>(milliseconds));
+}
+
 void Obey(const QByteArray& word, MainWindow& window, Worker& worker)
 {
     if (word == "work")
@@ -184,6 +195,8 @@ void Obey(const QByteArray& word, MainWindow& window, Worker& worker)
         Write(window);
     else if (word.startsWith("reply "))
         Reply(window, word.mid(6).toInt());
+    else if (word.startsWith("lock "))
+        Lock(window, word.mid(5).toInt());
     else if (word == "close")
         Close(window);
     else if (word == "rows")

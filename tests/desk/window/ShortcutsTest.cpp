@@ -7,6 +7,7 @@
 #include "contacts/ContactDesk.h"
 #include "contacts/ContactsWindow.h"
 #include "messages/MessageWindow.h"
+#include "messages/PictureWindow.h"
 #include "onair/OnAirDesk.h"
 #include "prizes/PrizeDeskTest.h"
 #include "window/ShortcutsDialog.h"
@@ -127,6 +128,11 @@ TEST_F(ShortcutsTest, EachKeyOfAWindowIsListedAndNothingElseIs)
             for (const QKeySequence& key : action->shortcuts())
                 known.append(Written(key));
         }
+    }
+    const PictureWindow picture(std::make_shared<cdo::Message>(), {0}, 0, nullptr);
+    for (const QAction* action : ActionsOf(picture)) {
+        for (const QKeySequence& key : action->shortcuts())
+            known.append(Written(key));
     }
     const QStringList listed = Listed();
     for (const QString& key : std::as_const(known))

@@ -2,6 +2,7 @@
 #include "platform/records/engines/sqlite/SqliteConnection.h"
 
 #include "platform/files/FileSystem.h"
+#include "platform/records/LockPatience.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/SqlFunctions.h"
 
@@ -18,7 +19,6 @@ namespace dao::sqlite
 namespace
 {
 
-constexpr qint64 MaximumWaitMilliseconds = 5000;
 constexpr unsigned long EagerPauseMicroseconds = 100;
 constexpr int CacheKibibytes = 8192;
 
@@ -263,7 +263,7 @@ void Connection::RemoveEmptyJournal() noexcept
 int Connection::Busy(void* self, int count)
 {
     const auto* connection = static_cast<Connection*>(self);
-    const qint64 left = MaximumWaitMilliseconds - connection->Waiting_.elapsed();
+    const qint64 left = LockPatience::Milliseconds() - connection->Waiting_.elapsed();
     if (left <= 0)
         return 0;
     if (connection->IsEager_)
