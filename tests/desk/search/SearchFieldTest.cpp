@@ -344,8 +344,8 @@ TEST_F(SearchFieldTest, HalfCharactersAndControlCharactersInTheFieldAreNoTrouble
 {
     FileMail(Mail("One", "ferry\r\n"));
     OpenSearch();
-    const QStringList texts{QString(QChar(0xD83C)) + u" ferry"_qs, QString(QChar(0xD83C)) + u"ferry"_qs,
-                            u"ferry "_qs + QChar(0xDFB5), u"ferry "_qs + QChar(0xFFFF), u"\u202Eferry\u0001"_qs};
+    const QStringList texts{QString(QChar(0xD83C)) + u" ferry"_qs, u"ferry "_qs + QChar(0xDFB5),
+                            u"ferry "_qs + QChar(0xFFFF), u"\u202Eferry\u0001"_qs};
     for (const QString& typed : texts) {
         Field().setText(typed);
         Settle();
