@@ -3,6 +3,7 @@
 
 #include "common/ClockHelper.h"
 #include "common/MachineHelper.h"
+#include "database/RowValues.h"
 #include "platform/records/QueryDef.h"
 #include "platform/records/Recordset.h"
 #include "platform/records/Transaction.h"
@@ -37,10 +38,7 @@ Date DateOf(const dao::Recordset& row, const QString& field)
     return Date(row.Collect(field).toDouble());
 }
 
-QVariant Stored(Date date)
-{
-    return date.IsNone() ? QVariant() : QVariant(date.DayNumber());
-}
+using RowValues::Stored;
 
 QVariant Stored(const QString& text)
 {
