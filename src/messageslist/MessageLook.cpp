@@ -16,7 +16,7 @@ namespace
 {
 /// Mails that came a short way have their header in the first; each that has a longer one doubles it, up to the last.
 constexpr qsizetype FirstBeginning = 1024;
-constexpr qsizetype LongestBeginning = 32 * 1024;
+constexpr qsizetype LongestBeginning = 32 * FirstBeginning;
 
 /// Of a message in that folder.
 QList<QByteArray> HeaderNames(qint32 folder, LookDepth depth)

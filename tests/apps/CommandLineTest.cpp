@@ -32,10 +32,7 @@ void CommandLineTest::SetUp()
                       QStringLiteral("--phone"), QStringLiteral("01632 960100")};
     if (qEnvironmentVariable("TOLVA_TEST_STATION") == QLatin1String("server")) {
         const TestServer::Schema schema = TestServer::Shared().NewSchema();
-        Schemas_ = std::shared_ptr<void>(nullptr, [schema](void*) {
-            TestServer::Shared().Execute(
-                QStringLiteral("DROP SCHEMA IF EXISTS \"%1_directory\" CASCADE").arg(schema.Name));
-        });
+        Schemas_ = schema.Owner;
         words += {QStringLiteral("--connect"), TestServer::Shared().Connect(schema.Name)};
     }
     const Outcome made = Run(words);

@@ -135,7 +135,7 @@ TEST_F(MovingStationTest, IsWholeAndTakenUpWhereverAMoveIsKilled)
     bool isOnServer = false;
     int kills = 0;
     for (int call = 1;; call += call < 3 ? 1 : 5) {
-        const TestServer::Schema schema = NewSchema();
+        const TestServer::Schema schema = TestServer::Shared().NewSchema();
         const QString connect = TestServer::Shared().Connect(schema.Name);
         // There and back, each killed in front of the same call.
         int ended = 0;

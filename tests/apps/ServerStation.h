@@ -6,8 +6,6 @@
 
 #include <QProcess>
 
-#include <vector>
-
 /// A station whose rows are on the tests' server, and whose folder says so.
 class ServerStationTest : public CommandLineTest
 {
@@ -15,13 +13,6 @@ protected:
     ServerStationTest()
         : Schema_(TestServer::Shared().NewSchema()), Directory_(Schema_.Name + QStringLiteral("_directory"))
     {
-    }
-    ~ServerStationTest() override
-    {
-        Others_.push_back(Schema_);
-        for (const TestServer::Schema& schema : Others_)
-            TestServer::Shared().Execute(
-                QStringLiteral("DROP SCHEMA IF EXISTS \"%1_directory\" CASCADE").arg(schema.Name));
     }
 
     QString Connect(const QString& user = QStringLiteral("tolva")) const
@@ -50,12 +41,6 @@ protected:
     QString File() const { return Station() + QStringLiteral("/Tolva.mdb"); }
     QString DirectoryFile() const { return Station() + QStringLiteral("/Directory/Directory.mdb"); }
     bool IsOnServer() const { return Read(File()).startsWith("Tolva station on a server"); }
-    /// With its directory's, gone with the test.
-    TestServer::Schema NewSchema()
-    {
-        Others_.push_back(TestServer::Shared().NewSchema());
-        return Others_.back();
-    }
     /// Kills the program in front of the n-th call that changes a database file; false when it was killed.
     bool RunKilled(const QStringList& words, int call) const
     {
@@ -76,6 +61,5 @@ protected:
     }
 
     TestServer::Schema Schema_;
-    std::vector<TestServer::Schema> Others_;
     QString Directory_;
 };

@@ -2,6 +2,7 @@
 #include "DeskTest.h"
 
 #include "StationMaking.h"
+#include "support/TestServer.h"
 
 #include <QApplication>
 #include <QDir>
@@ -58,8 +59,15 @@ void DeskTest::SetUp()
     ASSERT_TRUE(Temporary_.isValid());
     // Nothing of the account that runs the tests is read or written.
     qputenv("XDG_CACHE_HOME", QFile::encodeName(Path(QStringLiteral("cache"))));
+    StationMaking::Storage storage;
+    storage.Format = qEnvironmentVariable("TOLVA_TEST_STATION");
+    if (storage.Format == QLatin1String("server")) {
+        const TestServer::Schema schema = TestServer::Shared().NewSchema();
+        Schema = schema.Owner;
+        storage = {QString(), TestServer::Shared().Connect(schema.Name)};
+    }
     StationMaking::Make(Folder(), QStringLiteral("Harbour FM"), QStringLiteral("01632 960100"),
-                        QStringLiteral("Technician"), Ui);
+                        QStringLiteral("Technician"), Ui, QString(), storage);
     Station.Open(Folder(), QStringLiteral("Technician"));
     Station.Database().SetDatabaseSetting(QStringLiteral("Station.EmailAddress"),
                                           QStringLiteral("studio@harbourfm.example.org"), QString());

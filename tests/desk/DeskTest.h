@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 
 /// Runs the event loop until the condition holds; false after five seconds.
 bool WaitUntil(const std::function<bool()>& condition, int milliseconds = 5000);
@@ -73,6 +74,8 @@ private:
 };
 
 /// A station of its own in a folder of its own, open for its technician, and the program tolva as the other computer.
+/// The station is a file; with TOLVA_TEST_STATION in the environment one of that engine, or with "server" there on the
+/// tests' server.
 class DeskTest : public testing::Test
 {
 protected:
@@ -102,6 +105,7 @@ protected:
     QTemporaryDir Temporary_{QFileInfo(QStringLiteral("/dev/shm")).isWritable()
                                  ? QStringLiteral("/dev/shm/tolva-desk-XXXXXX")
                                  : QDir::tempPath() + QStringLiteral("/tolva-desk-XXXXXX")};
+    std::shared_ptr<void> Schema; ///< Of a station on a server; gone with the test.
     ScriptedUserInterface Ui;
     ScriptedRegistry Machine;
     DeskStation Station;

@@ -169,7 +169,7 @@ TestServer::Schema TestServer::NewSchema()
 {
     const QString name = QStringLiteral("test_%1").arg(QRandomGenerator::system()->generate64());
     return {name, std::shared_ptr<void>(nullptr, [this, name](void*) {
-                Execute(QStringLiteral("DROP SCHEMA IF EXISTS \"%1\" CASCADE").arg(name));
+                Execute(QStringLiteral("DROP SCHEMA IF EXISTS \"%1\", \"%1_directory\" CASCADE").arg(name));
             })};
 }
 

@@ -24,7 +24,8 @@ public:
     /// The connect string of a schema, with no password in it.
     QString Connect(const QString& schema, const QString& user = QStringLiteral("tolva"),
                     const QString& database = QStringLiteral("postgres")) const;
-    /// A name for a schema that nothing else uses; the schema is removed with the last owner.
+    /// A name for a schema that nothing else uses; the schema is removed with the last owner, and that of the directory
+    /// of a station in it.
     struct Schema
     {
         QString Name;

@@ -45,10 +45,12 @@ protected:
         const double top = sheet.height() * 0.14;
         const QSizeF label((sheet.width() - 1.6 * left) / Columns, (sheet.height() - 1.6 * top) / Rows);
         painter.setPen(Contrast::Blend(ground, ink, 0.35));
-        for (int i = 0; i < Columns * Rows; ++i)
-            painter.drawRect(QRectF(QPointF(sheet.left() + left + (i % Columns) * label.width(),
-                                            sheet.top() + top + (i / Columns) * label.height()),
-                                    label));
+        for (int row = 0; row < Rows; ++row) {
+            for (int column = 0; column < Columns; ++column)
+                painter.drawRect(QRectF(
+                    QPointF(sheet.left() + left + column * label.width(), sheet.top() + top + row * label.height()),
+                    label));
+        }
         painter.setPen(palette().color(QPalette::Highlight));
         const QPointF first(sheet.left() + left, sheet.top() + top);
         DrawMeasure(painter, QPointF(sheet.left(), first.y() + label.height() / 2),

@@ -131,9 +131,7 @@ bool RichTextBox::ObeyCommand(QKeyEvent& event)
         RemoveTo(QTextCursor::EndOfBlock);
     else if (event.matches(QKeySequence::DeleteCompleteLine))
         RemoveTo(QTextCursor::StartOfBlock);
-    else if (isRemoval && RunAround(SelStart()))
-        RemoveTo(QTextCursor::PreviousCharacter);
-    else if (takesBack && SelStart() > 0 && IsProtectedAt(SelStart() - 1))
+    else if ((isRemoval && RunAround(SelStart())) || (takesBack && SelStart() > 0 && IsProtectedAt(SelStart() - 1)))
         RemoveTo(QTextCursor::PreviousCharacter);
     else if (event.key() == Qt::Key_Delete && IsProtectedAt(SelStart()))
         RemoveTo(QTextCursor::NextCharacter);

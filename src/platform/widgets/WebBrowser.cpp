@@ -49,7 +49,8 @@ QString Beginning(const QString& text, qsizetype length)
 
 QString SizeText(qsizetype size)
 {
-    return QLocale().formattedDataSize(size, size < 10 * 1024 * 1024 ? 1 : 0, QLocale::DataSizeTraditionalFormat);
+    return QLocale().formattedDataSize(size, size < qsizetype{10} * 1024 * 1024 ? 1 : 0,
+                                       QLocale::DataSizeTraditionalFormat);
 }
 } // namespace
 

@@ -24,14 +24,7 @@ namespace
 class RoundTripsTest : public StationTest
 {
 protected:
-    RoundTripsTest()
-        : Schema_(TestServer::Shared().NewSchema()),
-          RemovedDirectory_(nullptr,
-                            [this](void*) {
-                                TestServer::Shared().Execute(
-                                    QStringLiteral("DROP SCHEMA IF EXISTS %1_directory CASCADE").arg(Schema_.Name));
-                            }),
-          Proxy_(TestServer::Shared().Folder())
+    RoundTripsTest() : Schema_(TestServer::Shared().NewSchema()), Proxy_(TestServer::Shared().Folder())
     {
         const QString connect =
             QStringLiteral("host=%1 user=tolva dbname=postgres schema=%2").arg(Proxy_.Folder(), Schema_.Name);
@@ -124,7 +117,6 @@ protected:
     }
 
     TestServer::Schema Schema_;
-    std::shared_ptr<void> RemovedDirectory_;
     CuttingProxy Proxy_;
     EmbeddedDirectory People_;
 };
