@@ -28,6 +28,7 @@ PreviewPane::PreviewPane(QWidget* parent)
     connect(View_, &uMessageBasic::TextSizeChanged, this, &PreviewPane::TextSizeChanged);
     View_->SetBackColour(SystemColour::ButtonFace);
     View_->SetForeColour(SystemColour::WindowText);
+    View_->SetUsesFreeWidth(true);
     Empty_->setObjectName(QStringLiteral("previewEmpty"));
     Empty_->setAlignment(Qt::AlignCenter);
     Empty_->setForegroundRole(QPalette::PlaceholderText);

@@ -158,6 +158,12 @@ void uMessageBasic::SetShowsSentDate(bool shows)
         Values_[DateRow]->SetValue(DateText());
 }
 
+void uMessageBasic::SetUsesFreeWidth(bool uses)
+{
+    UsesFreeWidth_ = uses;
+    PlaceParts();
+}
+
 QString uMessageBasic::DateText() const
 {
     const bool isSent = ShowsSentDate_ && !Message_->Sent().IsNone();
@@ -168,6 +174,8 @@ void uMessageBasic::SetMessage(const cMessagePtr& message)
 {
     Message_ = message;
     pnlPersonal_->SetVisible(message != nullptr && message->PersonalToContact() != 0);
+    if (UsesFreeWidth_)
+        PlaceParts();
     if (message == nullptr) {
         for (ValueLabel* label : Values_)
             label->SetValue(QString());
@@ -297,8 +305,10 @@ void uMessageBasic::PlaceParts()
     const auto pixels = [this](double twips) { return Twips::ToPixels(*this, twips); };
     pnlMain_->setGeometry(rect());
     pnlPersonal_->move(pnlMain_->width() - pixels(PersonalMargin) - pnlPersonal_->width(), pnlPersonal_->y());
+    const bool isFree = UsesFreeWidth_ && pnlPersonal_->isHidden();
+    const int right = (isFree ? pnlMain_->width() : pnlPersonal_->x()) - pixels(MessageGap);
     for (ValueLabel* label : Values_)
-        label->resize(std::max(pnlPersonal_->x() - pixels(MessageGap) - label->x(), 0), label->height());
+        label->resize(std::max(right - label->x(), 0), label->height());
     picBody_->resize(std::max(pnlMain_->width() - pixels(MessageGap) - picBody_->x(), 0),
                      std::max(pnlMain_->height() - pixels(MessageGap) - picBody_->y(), 0));
 }

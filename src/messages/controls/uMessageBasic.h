@@ -45,6 +45,10 @@ public:
     bool ShowsSentDate() const { return ShowsSentDate_; }
     void SetShowsSentDate(bool shows);
 
+    /// Where the panel of personal messages is not shown, the values take its room. Starts false.
+    bool UsesFreeWidth() const { return UsesFreeWidth_; }
+    void SetUsesFreeWidth(bool uses);
+
     const cMessagePtr& Message() const { return Message_; }
     /// Null empties the view. Phone numbers of a text message are masked where the machine's settings say so.
     void SetMessage(const cMessagePtr& message);
@@ -97,5 +101,6 @@ private:
     QFont Font_;
     bool ShowBodyBorder_ = false;
     bool ShowsSentDate_ = false;
+    bool UsesFreeWidth_ = false;
     cMessagePtr Message_;
 };

@@ -8,9 +8,9 @@
 namespace dao
 {
 
-/// How long this thread waits for a file that somebody else has locked before it raises 3260, while this stands: for
-/// what a window does beside its work and may as well do later. Databases in files of their own; a server keeps its own
-/// time. A local object; the innermost counts.
+/// How long this thread waits for what somebody else has locked before it raises 3260, while this stands: for what a
+/// window does beside its work and may as well do later. Looking whether a database's file stands at its place, and a
+/// server that does not answer, keep their own time. A local object; the innermost counts.
 class TOLVA_EXPORT LockPatience
 {
 public:

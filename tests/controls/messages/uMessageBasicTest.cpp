@@ -96,6 +96,24 @@ TEST_F(uMessageBasicTest, AMessageWithoutHtmlShowsItsText)
     EXPECT_EQ(Body().trimmed(), QStringLiteral("the text"));
 }
 
+TEST_F(uMessageBasicTest, ValuesTakeTheRoomOfThePersonalPanelWhileItIsHiddenIfAskedTo)
+{
+    View.resize(600, 400);
+    const cMessagePtr message = MessageOf(BothBodies);
+    View.SetMessage(message);
+    const auto rightOf = [&](const char* name) { return Label(name).x() + Label(name).width(); };
+    EXPECT_EQ(rightOf("lblSubject"), Personal().x() - Pixels(120)) << "off at first";
+    View.SetUsesFreeWidth(true);
+    for (const char* name : {"lblDate", "lblFrom", "lblTo", "lblSubject"})
+        EXPECT_EQ(rightOf(name), Main().width() - Pixels(120)) << name;
+    message->SetPersonalToContact(5);
+    View.SetMessage(message);
+    EXPECT_EQ(rightOf("lblSubject"), Personal().x() - Pixels(120));
+    View.SetMessage(nullptr);
+    View.resize(700, 400);
+    EXPECT_EQ(rightOf("lblSubject"), 700 - Pixels(120));
+}
+
 TEST_F(uMessageBasicTest, NothingAfterAMessageClearsTheView)
 {
     const cMessagePtr message = MessageOf(BothBodies);

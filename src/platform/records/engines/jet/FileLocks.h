@@ -8,8 +8,6 @@
 namespace dao::jet
 {
 
-inline constexpr int LongestWait = 5000; ///< Milliseconds that somebody waits for others.
-
 /// The locks of one open file: ranges far behind the end that such a file can have, so that they are let go with it and
 /// hinder nobody who does not know them. Readers share one; the one writer has another, and shuts readers out only
 /// while pages are written. Who wants to shut them out announces it, so that no new readers come.

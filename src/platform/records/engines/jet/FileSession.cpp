@@ -3,6 +3,7 @@
 
 #include "platform/records/Error.h"
 #include "platform/records/FileTools.h"
+#include "platform/records/LockPatience.h"
 #include "platform/records/engines/jet/PageWriter.h"
 
 #include <QFileInfo>
@@ -110,7 +111,7 @@ bool FileSession::BeginReading()
         ++Readings_;
         return false;
     }
-    const QDeadlineTimer deadline(LongestWait);
+    const QDeadlineTimer deadline(LockPatience::Milliseconds());
     const auto unlock = [&] {
         if (HasLock_)
             Locks().EndReading();
@@ -185,7 +186,7 @@ void FileSession::Recover(const QDeadlineTimer& deadline)
 bool FileSession::BeginWriting()
 {
     RequireChangeable();
-    const QDeadlineTimer deadline(LongestWait);
+    const QDeadlineTimer deadline(LockPatience::Milliseconds());
     Require(Locks().BeginWriting(deadline));
     bool isOther = false;
     try {
@@ -237,7 +238,7 @@ void FileSession::Commit()
 {
     try {
         if (!Pages_.Changes().IsEmpty())
-            Store(QDeadlineTimer(LongestWait));
+            Store(QDeadlineTimer(LockPatience::Milliseconds()));
     } catch (...) {
         Abandon();
         throw;
@@ -261,7 +262,7 @@ void FileSession::GiveNameTo(const QString& replacement)
     };
     try {
         RequireName();
-        Require(Locks().ShutReadersOut(QDeadlineTimer(LongestWait)));
+        Require(Locks().ShutReadersOut(QDeadlineTimer(LockPatience::Milliseconds())));
         requireDone(files.CopyAccess(Pages_.Name(), replacement));
         requireDone(files.RenameOver(replacement, Pages_.Name()));
         requireDone(files.SyncFolder(QFileInfo(Pages_.Name()).absolutePath()));

@@ -3,6 +3,7 @@
 
 #include "platform/records/DBEngine.h"
 #include "platform/records/FileTools.h"
+#include "platform/records/LockPatience.h"
 #include "platform/records/engines/FileRepairer.h"
 #include "platform/records/engines/jet/DatabaseBuilder.h"
 #include "platform/records/engines/jet/FileCheck.h"
@@ -131,7 +132,7 @@ std::unique_ptr<engine::FileLock> JetEngine::LockOut(const QString& fileName)
                                                     "If nobody has it open, a program left that file behind: take it "
                                                     "away")
                                          .arg(OfficeUsersFile(fileName)));
-    const QDeadlineTimer deadline(LongestWait);
+    const QDeadlineTimer deadline(LockPatience::Milliseconds());
     FileLocks locks(*file);
     status = locks.BeginWriting(deadline);
     if (status.IsDone())

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/LockPatience.h"
 #include "platform/records/engines/postgres/Naming.h"
 #include "platform/records/engines/postgres/StoreScopes.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
+
+#include <algorithm>
 
 /// The caller's transactions: one of the server's, and savepoints for those inside it.
 namespace dao::postgres
@@ -102,21 +105,23 @@ std::optional<Result> ServerStore::BeginWriting(const Command* together)
 {
     // The one lock of all writers, so that they wait for each other at their beginning and never meet in a deadlock.
     // Readers do not notice it.
-    std::vector<Command> commands{
-        Command{"BEGIN ISOLATION LEVEL READ COMMITTED"},
-        Command{"LOCK TABLE " + SchemaName_ + '.' + StationTable + " IN EXCLUSIVE MODE"},
-        StateCommand(SchemaName_),
-        Command{"SELECT pg_catalog.pg_current_xact_id()"},
-        // Those who listen are told once it is committed.
-        Command{"NOTIFY " + SchemaName_},
-    };
+    std::vector<Command> commands{Command{"BEGIN ISOLATION LEVEL READ COMMITTED"}};
+    // The usual one stands in the connection's settings; 0 would be for ever.
+    if (const qint64 patience = LockPatience::Milliseconds(); patience != LockPatience::UsualMilliseconds)
+        commands.push_back(Command{"SET LOCAL lock_timeout = " + QByteArray::number(std::max(qint64{1}, patience))});
+    commands.push_back(Command{"LOCK TABLE " + SchemaName_ + '.' + StationTable + " IN EXCLUSIVE MODE"});
+    const std::size_t locked = commands.size();
+    commands.push_back(StateCommand(SchemaName_));
+    commands.push_back(Command{"SELECT pg_catalog.pg_current_xact_id()"});
+    // Those who listen are told once it is committed.
+    commands.push_back(Command{"NOTIFY " + SchemaName_});
     if (together != nullptr)
         commands.push_back(*together);
     try {
         std::vector<Result> results = Connection_.RunTogether(commands);
-        const StationState state = StateIn(results[2], Connection_);
+        const StationState state = StateIn(results[locked], Connection_);
         RequireSameStation(state);
-        TransactionId_ = results[3].Integer(0, 0);
+        TransactionId_ = results[locked + 1].Integer(0, 0);
         if (state != State_)
             Schema_ = ReadStructure(Connection_, SchemaName_, true, Schema_, State_);
         return together == nullptr ? std::nullopt : std::optional(std::move(results.back()));
