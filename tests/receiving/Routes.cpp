@@ -130,10 +130,10 @@ mkdir -p /var/imap/studio/{new,cur,tmp}
 chown -R imapbox:imapbox /var/imap
 dovecot
 )");
-const QString KillDovecot =
-    QStringLiteral("kill -9 $(cat /run/dovecot/master.pid) $(pgrep -P $(cat /run/dovecot/master.pid))\n"
-                   "while [ -e /proc/$(cat /run/dovecot/master.pid) ]; do sleep 0.05; done\n"
-                   "rm /run/dovecot/master.pid");
+/// Also those that the master's children have started, which keep its sockets.
+const QString KillDovecot = QStringLiteral("processes='dovecot|imap|imap-login|anvil|log|config|stats|auth'\n"
+                                           "while pkill -9 -x \"$processes\"; do sleep 0.05; done\n"
+                                           "rm -f /run/dovecot/master.pid");
 /// As a delivery agent does it: under its name only when it is whole.
 const QString IntoMailbox = QStringLiteral(R"(
 chown imapbox:imapbox /tmp/mails/*
@@ -170,6 +170,7 @@ Route Fetchmail()
     route.Attempt = QStringLiteral("runuser -u tolva -- env HOME=/var/lib/tolva /usr/local/bin/tolva-fetch");
     route.Held = QStringLiteral("find /var/imap/studio/{new,cur} -type f | wc -l");
     route.KillServer = KillDovecot;
+    route.LeavesPieces = true;
     route.RestartServer = QStringLiteral("dovecot");
     return route;
 }

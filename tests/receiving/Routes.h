@@ -34,6 +34,7 @@ struct Route
     Brings What = Brings::Mails;
     bool FillsTheStationsFolder = false; ///< Who delivers writes beside the station's file, and needs room there.
     bool TakesHeaderless = true;
+    bool LeavesPieces = false;    ///< What had come of a mail when the connection broke is handed over as well.
     bool IsHeldElsewhere = false; ///< What waits stays where it is counted by nobody: in a mailbox that is kept.
 
     /// Mails that could not be delivered go back to listener@station.test.

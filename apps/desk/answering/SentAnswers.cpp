@@ -10,6 +10,8 @@
 #include "platform/records/Recordset.h"
 #include "station/DeskStation.h"
 
+#include <QScopeGuard>
+
 namespace
 {
 /// What is moved into Sent keeps its number; it is found with the next look at all of it.
@@ -100,6 +102,11 @@ void SentAnswers::Refresh()
     cTolvaDatabase& database = Station_.Database();
     if (!database.IsOpen())
         return;
+    // Also what a reading that failed has left.
+    const auto reading = qScopeGuard([this] {
+        if (!ToRead_.isEmpty())
+            ReadTimer_.start();
+    });
     try {
         if (const int opening = database.Openings(); opening != Opening_) {
             Forget();
@@ -127,8 +134,6 @@ void SentAnswers::Refresh()
     } catch (const dao::Error&) {
         // Looked for again with the next update; the window says when the station cannot be reached.
     }
-    if (!ToRead_.isEmpty())
-        ReadTimer_.start();
 }
 
 void SentAnswers::ReadSome()
