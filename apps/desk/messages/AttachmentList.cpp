@@ -280,9 +280,10 @@ void AttachmentList::SaveSelected()
         Q_EMIT Saved(words);
 }
 
-/// The mail is held: the list may show another one while the dialog is open.
-QString AttachmentList::Save(const std::shared_ptr<cdo::Message>& mail, int index)
+QString AttachmentList::Save(const std::shared_ptr<cdo::Message>& given, int index)
 {
+    // Held: the list may show another one, or the window be gone, while the dialog is open.
+    const std::shared_ptr<cdo::Message> mail = given; // NOLINT(performance-unnecessary-copy-initialization)
     const cdo::Attachment file = mail->Attachments().at(index);
     const auto dialog = FileDialog::Create();
     dialog->DialogTitle = tr("Save attachment as...");

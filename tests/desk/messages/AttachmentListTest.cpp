@@ -47,6 +47,26 @@ protected:
     QWidget Window_;
     AttachmentList Files_;
 };
+
+/// While it is open something happens; then the user chooses this file.
+class BusyDialog final : public FileDialog
+{
+public:
+    BusyDialog(QString path, std::function<void()> meanwhile) : Path_(std::move(path)), Meanwhile_(std::move(meanwhile))
+    {
+    }
+    void ShowOpen() override { ADD_FAILURE() << "nothing is to be opened"; }
+    void ShowSave() override
+    {
+        Meanwhile_();
+        Filename = Path_;
+        Filenames = {Path_};
+    }
+
+private:
+    QString Path_;
+    std::function<void()> Meanwhile_;
+};
 } // namespace
 
 TEST_F(AttachmentListTest, FilesAreListedWithCleanedNamesSizesAndKinds)
@@ -100,6 +120,23 @@ TEST_F(AttachmentListTest, EnterSavesTheSelectedFile)
     const QString target = Path(QStringLiteral("p.png"));
     dialog.ExpectSave(target);
     QTest::keyClick(List(), Qt::Key_Return);
+    EXPECT_EQ(Read(target), QByteArray("MZ"));
+}
+
+TEST_F(AttachmentListTest, WhatIsSavedIsOfTheMailThatTheDialogCameUpForThoughAnotherIsListedMeanwhile)
+{
+    const QString target = Path(QStringLiteral("saved"));
+    const FileDialog::Factory before = FileDialog::SetFactory([&] {
+        return std::make_unique<BusyDialog>(target, [&] {
+            const auto other = std::make_shared<cMessage>();
+            const auto mail = std::make_shared<cdo::Message>(QByteArray("From: a@b.org\r\nSubject: y\r\n\r\nText"));
+            mail->AddAttachment(QStringLiteral("other.bin"), "application/octet-stream", "another mail's");
+            other->SetCDOMessage(mail);
+            Files_.SetMessage(other);
+        });
+    });
+    Click("attachmentSaveAs");
+    FileDialog::SetFactory(before);
     EXPECT_EQ(Read(target), QByteArray("MZ"));
 }
 
