@@ -66,7 +66,7 @@ QCborValue ValueIn(const QString& name)
 QList<ComposedFile> FilesIn(const QCborArray& all)
 {
     QList<ComposedFile> files;
-    for (const QCborValue& each : all) {
+    for (const auto& each : all) {
         const QCborArray file = each.toArray();
         files.append({file.at(0).toString(), file.at(1).toByteArray(), file.at(2).toByteArray()});
     }

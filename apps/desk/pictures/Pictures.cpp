@@ -340,7 +340,7 @@ private:
             dialog.show();
             QElapsedTimer timer;
             timer.start();
-            Wait([&timer] { return timer.elapsed() > 3 * BackupsDialog::RestMilliseconds; });
+            Wait([&timer] { return timer.elapsed() > 3LL * BackupsDialog::RestMilliseconds; });
             Save(dialog, name, ratio);
             dialog.close();
         };

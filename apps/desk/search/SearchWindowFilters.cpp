@@ -29,7 +29,7 @@ constexpr Span Spans[] = {{QT_TRANSLATE_NOOP("SearchWindow", "Last 24 hours"), 1
 
 qint64 BeginOf(int days)
 {
-    constexpr qint64 SecondsOfDay = 24 * 60 * 60;
+    constexpr qint64 SecondsOfDay = 24LL * 60 * 60;
     return ClockHelper::NowUTC().ToDateTime(Qt::UTC).toSecsSinceEpoch() - days * SecondsOfDay;
 }
 

@@ -20,7 +20,7 @@ constexpr int LongestFileName = 200; // octets; file systems take 255
 /// The subject as a file's name, without what no file name can hold.
 QString FileNameFor(const cMessage& message)
 {
-    QString name = OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject", 4 * LongestFileName));
+    QString name = OneLine(cdo::HeaderBeginning(*message.CDOMessage(), "Subject", qsizetype{4} * LongestFileName));
     name.removeIf([](QChar character) {
         return character == QChar::ReplacementCharacter || QStringLiteral(":*?\\/\"<>|").contains(character);
     });

@@ -49,7 +49,7 @@ void PrintFolder(const clsCategory& folder, const QString& path, int depth, cons
         Terminal::PrintJson(object);
         return;
     }
-    const QString name = QString(depth * Indent, u' ') + OneLine(folder.Description());
+    const QString name = QString(qsizetype{depth} * Indent, u' ') + OneLine(folder.Description());
     const QString unread = counts.Unread == 0 ? QString() : QString::number(counts.Unread);
     Terminal::PrintLine(
         QStringLiteral("%1 %2 %3  %4").arg(folder.Reference(), 5).arg(unread, 7).arg(counts.Total, 7).arg(name));

@@ -42,7 +42,7 @@ BackupFolders::Backup NewestOf(const QList<BackupFolders::Backup>& backups, Date
 
 QString MegabytesOf(qint64 octets)
 {
-    return QStringLiteral("%1 MB").arg(octets / (1024 * 1024));
+    return QStringLiteral("%1 MB").arg(octets / (1024LL * 1024));
 }
 } // namespace
 

@@ -17,8 +17,8 @@ namespace
 {
 using Kind = HandOverResult::Kind;
 
-constexpr qsizetype MostWords = 2000;     // characters that are kept
-constexpr qsizetype MostRead = 64 * 1024; // octets
+constexpr qsizetype MostWords = 2000;                // characters that are kept
+constexpr qsizetype MostRead = qsizetype{64} * 1024; // octets
 constexpr int MillisecondsToDie = 5000;
 
 /// The words of sysexits.h.

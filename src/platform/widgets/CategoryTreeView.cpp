@@ -313,7 +313,6 @@ void CategoryTreeView::dragEnterEvent(QDragEnterEvent* event)
 
 void CategoryTreeView::dragMoveEvent(QDragMoveEvent* event)
 {
-    QAbstractScrollArea::dragMoveEvent(event);
     FollowDrag(event->position().toPoint());
     Qt::DropAction effect = event->proposedAction();
     Q_EMIT DragOver(*event->mimeData(), ToTwips(event->position()), effect);
