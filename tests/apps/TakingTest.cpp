@@ -9,6 +9,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -62,6 +63,40 @@ TEST_F(TakingTest, WhatIsNoMailIsTakenFromAMaildirAndAnEmptyFileStays)
     EXPECT_TRUE(taken.Problems.contains("2.a is empty")) << taken.Problems.constData();
     EXPECT_EQ(Left("box/new"), QStringList{QStringLiteral("2.a")});
     EXPECT_EQ(Messages().size(), 1);
+}
+
+// Whoever watches over the folder is started again and again while something is in it, unless the code says that
+// something is wrong.
+TEST_F(TakingTest, WhatIsNoFileInAMaildirStaysAndIsNamedAndNoLinkIsFollowed)
+{
+    Write(QStringLiteral("box/new/1.a"), Mail("one"));
+    Write(QStringLiteral("secret.txt"), "Not for the station\n");
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("secret.txt")), Path(QStringLiteral("box/new/2.link"))));
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("nothing")), Path(QStringLiteral("box/cur/3.dangling:2,"))));
+    ASSERT_TRUE(QDir().mkpath(Path(QStringLiteral("box/new/4.folder"))));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Path(QStringLiteral("box/cur/5.pipe"))).constData(), 0600), 0);
+    const Outcome taken = Take("box");
+    EXPECT_EQ(taken.Code, 66);
+    EXPECT_EQ(taken.Output, "filed 1, failed 4, passed over 0\n");
+    EXPECT_TRUE(taken.Problems.contains("2.link is a link, and only files are taken")) << taken.Problems.constData();
+    EXPECT_TRUE(taken.Problems.contains("3.dangling:2, is a link")) << taken.Problems.constData();
+    EXPECT_TRUE(taken.Problems.contains("4.folder is a folder")) << taken.Problems.constData();
+    EXPECT_TRUE(taken.Problems.contains("5.pipe is no file")) << taken.Problems.constData();
+    EXPECT_EQ(Messages().size(), 1);
+    EXPECT_TRUE(QFileInfo(Path(QStringLiteral("box/new/2.link"))).isSymLink());
+    // Who files without taking away may well use links of his own.
+    EXPECT_EQ(OnStation("file", {Path(QStringLiteral("box"))}).Output, "filed 0, failed 1\n");
+    EXPECT_EQ(OnStation("file", {Path(QStringLiteral("box/new/2.link"))}).Code, 65);
+}
+
+TEST_F(TakingTest, ALinkInASpoolIsNotFollowedEither)
+{
+    Write(QStringLiteral("other.eml"), Mail("Of somebody else"));
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("other.eml")), Path(QStringLiteral("post/1.eml"))));
+    const Outcome taken = Take("post");
+    EXPECT_EQ(taken.Code, 66);
+    EXPECT_TRUE(taken.Problems.contains("1.eml is a link")) << taken.Problems.constData();
+    EXPECT_TRUE(Messages().isEmpty());
 }
 
 TEST_F(TakingTest, TextsOfASpoolAreTakenOnce)

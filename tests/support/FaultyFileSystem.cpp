@@ -152,7 +152,7 @@ std::unique_ptr<FileHandle> FaultyFileSystem::Open(const QString& name, FileAcce
     auto real = System().Open(name, access, status);
     if (!real)
         return nullptr;
-    const bool isWritten = access != FileAccess::Read;
+    const bool isWritten = access != FileAccess::Read && access != FileAccess::ReadUnlinked;
     const quint64 number = FileNumber(name);
     if (isWritten && access != FileAccess::WriteToDevice && !Written_.contains(number)) {
         Synced_.insert(number, ContentOf(name));

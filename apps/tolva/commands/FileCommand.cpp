@@ -109,7 +109,8 @@ int RunFile(const Arguments& arguments)
     // Before the folders are looked through: what another program has taken meanwhile is not there any more.
     const std::vector<std::unique_ptr<FolderClaim>> claims = ClaimsOf(arguments);
     Station station(arguments);
-    MailSources sources(isSMS ? QStringList() : paths);
+    MailSources sources(isSMS ? QStringList() : paths,
+                        arguments.Has(TakeOption) ? MailSources::Purpose::Take : MailSources::Purpose::Read);
     Filing filing(station, FindFolder(station.Folders(), arguments.Value(CategoryOption, QString::number(tmcInbox))),
                   FilingOptionsOf(arguments));
     bool isWhole = true;

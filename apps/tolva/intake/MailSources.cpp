@@ -4,8 +4,11 @@
 #include "Failure.h"
 #include "Terminal.h"
 #include "intake/Maildir.h"
+#include "platform/files/FileSystem.h"
 
 #include <QDir>
+
+#include <algorithm>
 
 namespace
 {
@@ -16,25 +19,25 @@ bool HasExtension(const QString& path, const QString& extension)
     return path.endsWith(extension, Qt::CaseInsensitive);
 }
 
-/// The whole file in one block of memory. False when it cannot be read.
-bool ReadFile(QFile& file, QByteArray& octets)
+QString WhyNotRead(const FileStatus& status)
 {
-    octets = QByteArray(file.size(), Qt::Uninitialized);
-    qint64 length = 0;
-    while (length < octets.size()) {
-        const qint64 count = file.read(octets.data() + length, octets.size() - length);
-        if (count < 0)
-            return false;
-        if (count == 0)
-            break; // it became shorter meanwhile
-        length += count;
+    switch (status.Error()) {
+    case FileError::IsLink:
+        return QStringLiteral("is a link, and only files are taken; name what it leads to, to file that");
+    case FileError::IsFolder:
+        return QStringLiteral(
+            "is a folder, and only files are taken; name it, to file what is in it, and put it elsewhere");
+    case FileError::NotSupported:
+        return QStringLiteral("is no file; put it elsewhere");
+    case FileError::NoPermission:
+        return QStringLiteral("cannot be read: this account may not");
+    default:
+        return QStringLiteral("cannot be read: %1").arg(status.Words());
     }
-    octets.truncate(length);
-    return true;
 }
 } // namespace
 
-MailSources::MailSources(const QStringList& paths)
+MailSources::MailSources(const QStringList& paths, Purpose purpose) : Purpose_(purpose)
 {
     for (const QString& path : paths)
         AddPath(path);
@@ -89,7 +92,9 @@ void MailSources::AddFolder(const QString& folder)
 
 void MailSources::AddMaildir(const QString& folder)
 {
-    const QList<MaildirFile> files = MaildirFiles(folder);
+    // What stays there is named each time, since whoever watches over the folder sees that something is in it.
+    const QList<MaildirFile> files =
+        MaildirFiles(folder, Purpose_ == Purpose::Take ? MaildirEntries::Everything : MaildirEntries::Files);
     for (const MaildirFile& file : files)
         Add({file.Path, FileKind::Mail, file.IsSeen, QFileInfo(file.Path).size()});
 }
@@ -148,7 +153,7 @@ bool MailSources::NextOfMbox(IncomingMessage& incoming)
     return isThere || !incoming.Problem.isEmpty();
 }
 
-void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
+void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming) const
 {
     incoming.IsRead = source.IsRead;
     incoming.Kind = source.Kind == FileKind::TextMessage ? IncomingKind::TextMessage : IncomingKind::Mail;
@@ -162,8 +167,23 @@ void MailSources::ReadWhole(const SourceFile& source, IncomingMessage& incoming)
     } else {
         incoming.Name = source.Path;
         incoming.File = source.Path;
-        QFile file(source.Path);
-        if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !ReadFile(file, incoming.Octets))
-            incoming.Problem = QStringLiteral("cannot be read: %1").arg(file.errorString());
+        incoming.Problem = ReadFile(source.Path, incoming.Octets);
     }
+}
+
+/// The whole file in one block of memory. Why it cannot be read; empty when it was.
+QString MailSources::ReadFile(const QString& name, QByteArray& octets) const
+{
+    FileStatus status;
+    const auto access = Purpose_ == Purpose::Take ? FileAccess::ReadUnlinked : FileAccess::Read;
+    const std::unique_ptr<FileHandle> file = FileSystem::Current().Open(name, access, status);
+    if (!file)
+        return WhyNotRead(status);
+    octets = QByteArray(std::max<qint64>(file->Size(), 0), Qt::Uninitialized);
+    qint64 count = 0;
+    status = file->ReadAt(0, octets.data(), octets.size(), count);
+    if (!status.IsDone())
+        return WhyNotRead(status);
+    octets.truncate(count); // it may have become shorter meanwhile
+    return {};
 }

@@ -15,9 +15,17 @@
 class MailSources
 {
 public:
+    enum class Purpose
+    {
+        Read, ///< Links are followed.
+        /// The files are removed afterwards. What a link leads to is not the folder's to give away; it, and what else
+        /// is no file in a maildir, is a message with a Problem.
+        Take
+    };
+
     /// Looks at the paths, in their order; "-" is one mail on standard input. Failure (no input) when one of them does
     /// not exist, before any message is read.
-    explicit MailSources(const QStringList& paths);
+    MailSources(const QStringList& paths, Purpose purpose);
 
     /// The next message, in incoming; one that cannot be read has a Problem. False after the last one.
     bool Next(IncomingMessage& incoming);
@@ -52,8 +60,10 @@ private:
 
     bool NextOfMbox(IncomingMessage& incoming);
     void OpenMbox(const SourceFile& file, IncomingMessage& incoming);
-    static void ReadWhole(const SourceFile& file, IncomingMessage& incoming);
+    void ReadWhole(const SourceFile& file, IncomingMessage& incoming) const;
+    QString ReadFile(const QString& name, QByteArray& octets) const;
 
+    Purpose Purpose_;
     QList<SourceFile> Files_;
     qsizetype NextFile_ = 0;
     qint64 Total_ = 0;

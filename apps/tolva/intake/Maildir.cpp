@@ -26,12 +26,15 @@ bool IsMaildir(const QString& folder)
            QFileInfo(directory.filePath(QStringLiteral("new"))).isDir();
 }
 
-QList<MaildirFile> MaildirFiles(const QString& folder)
+QList<MaildirFile> MaildirFiles(const QString& folder, MaildirEntries entries)
 {
+    const QDir::Filters filters = entries == MaildirEntries::Files
+                                      ? QDir::Filters(QDir::Files)
+                                      : QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;
     QList<MaildirFile> files;
     for (const QString& part : {QStringLiteral("new"), QStringLiteral("cur")}) {
         const QDir directory(QDir(folder).filePath(part));
-        const QStringList names = directory.entryList(QDir::Files, QDir::NoSort);
+        const QStringList names = directory.entryList(filters, QDir::NoSort);
         for (const QString& name : names) {
             if (!name.startsWith(u'.'))
                 files.append({directory.filePath(name), HasSeenFlag(name)});

@@ -62,6 +62,7 @@ public:
 enum class FileAccess
 {
     Read,         ///< A file that is there.
+    ReadUnlinked, ///< The same, unless its name is a link.
     Change,       ///< Read and write a file that is there.
     New,          ///< Read and write a file that is made by this; FileError::Exists where anything bears the name.
     Append,       ///< Read a file that is there, and append to it.

@@ -228,6 +228,8 @@ int FlagsFor(FileAccess access)
     switch (access) {
     case FileAccess::Read:
         return always | O_RDONLY;
+    case FileAccess::ReadUnlinked:
+        return always | O_RDONLY | O_NOFOLLOW;
     case FileAccess::Change:
         return always | O_RDWR | O_NOFOLLOW;
     case FileAccess::New:

@@ -170,7 +170,7 @@ public:
         DWORD rights = GENERIC_READ;
         if (access == FileAccess::Change || access == FileAccess::New)
             rights = GENERIC_READ | GENERIC_WRITE;
-        else if (access != FileAccess::Read)
+        else if (access != FileAccess::Read && access != FileAccess::ReadUnlinked)
             rights = isDevice ? GENERIC_WRITE : GENERIC_READ | FILE_APPEND_DATA;
         const DWORD making = access == FileAccess::New           ? CREATE_NEW
                              : access == FileAccess::AppendOrNew ? OPEN_ALWAYS

@@ -82,7 +82,8 @@ TEST_F(FileSystemTest, NothingIsChangedThroughALinkThoughItIsReadThroughOne)
     const QString outside = Make(QStringLiteral("outside"), "kept");
     const QString link = Path(QStringLiteral("link"));
     ASSERT_TRUE(QFile::link(outside, link));
-    for (const FileAccess access : {FileAccess::Change, FileAccess::Append, FileAccess::AppendOrNew})
+    for (const FileAccess access :
+         {FileAccess::ReadUnlinked, FileAccess::Change, FileAccess::Append, FileAccess::AppendOrNew})
         EXPECT_EQ(ErrorOfOpening(link, access), FileError::IsLink);
     EXPECT_EQ(ErrorOfOpening(link, FileAccess::Read), FileError::None);
     ASSERT_TRUE(QFile::link(Path(QStringLiteral("nothing")), Path(QStringLiteral("dangling"))));
