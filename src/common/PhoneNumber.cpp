@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/GeneralHelper.h"
 #include "common/MachineSettings.h"
+#include "common/MobileNumber.h"
+
+#include <QRegularExpression>
 
 #include <phonenumbers/logger.h>
 #include <phonenumbers/phonenumber.pb.h>
@@ -112,4 +115,38 @@ QString GeneralHelper::ToPhoneRegion(const QString& text)
     if (region == DefaultRegion)
         return region;
     return Numbers().GetCountryCodeForRegion(region.toStdString()) == 0 ? QString() : region;
+}
+
+namespace
+{
+/// One number and nothing else: "," and ";" would make it two where it is sent to.
+bool IsOneNumber(const QString& text)
+{
+    static const QRegularExpression number(QStringLiteral("\\A\\+?[0-9 ()./-]+\\z"));
+    return number.match(text).hasMatch();
+}
+
+/// Kept free for examples, so that no range in use holds it: whoever tries something out has one of these.
+bool IsMobileOfExamples(const PhoneNumber& number)
+{
+    constexpr int countryCode = 44;
+    constexpr std::uint64_t first = 7700900000;
+    constexpr std::uint64_t last = 7700900999;
+    return number.country_code() == countryCode && number.national_number() >= first &&
+           number.national_number() <= last;
+}
+} // namespace
+
+bool IsMobileNumber(const QString& number, const QString& region)
+{
+    const QString text = number.trimmed();
+    const QString country = region.isEmpty() ? GeneralHelper::PhoneRegion() : region;
+    PhoneNumber parsed;
+    if (!IsOneNumber(text) ||
+        Numbers().Parse(text.toStdString(), country.toStdString(), &parsed) != PhoneNumberUtil::NO_PARSING_ERROR ||
+        parsed.has_extension())
+        return false;
+    const PhoneNumberUtil::PhoneNumberType type = Numbers().GetNumberType(parsed);
+    return type == PhoneNumberUtil::MOBILE || type == PhoneNumberUtil::FIXED_LINE_OR_MOBILE ||
+           IsMobileOfExamples(parsed);
 }

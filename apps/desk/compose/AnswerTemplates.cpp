@@ -5,7 +5,7 @@
 #include "Composition.h"
 #include "DisplayText.h"
 #include "Failure.h"
-#include "common/FileHelper.h"
+#include "answering/TextTemplate.h"
 #include "contacts/SenderContact.h"
 #include "platform/directory/clsKVUser.h"
 #include "station/DeskStation.h"
@@ -21,7 +21,6 @@ namespace
 const QString AnswerPrefix = QStringLiteral("Answer-");
 const QString SignaturePrefix = QStringLiteral("Signature");
 const QString TextExtension = QStringLiteral(".txt");
-constexpr qint64 LargestAnswer = 256LL << 10;
 
 QString FolderOfTemplates(DeskStation& station)
 {
@@ -30,14 +29,11 @@ QString FolderOfTemplates(DeskStation& station)
 
 QString ReadAnswer(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(exitNoInput, QObject::tr("The template %1 cannot be read: %2").arg(path, file.errorString()));
-    if (file.size() > LargestAnswer)
-        throw Failure(exitData, QObject::tr("%1 is too large for a template.").arg(path));
-    QString text = FileHelper::DecodeText(file.readAll());
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    return text;
+    QString problem;
+    const std::optional<QString> text = TextTemplate::Read(path, problem);
+    if (!text)
+        throw Failure(exitData, problem);
+    return *text;
 }
 
 /// The contact's name, or the one that stands beside the address.
@@ -54,21 +50,6 @@ QString ListenerOf(DeskStation& station, const Composition& answer)
     const QString name = OneLine(Addresses::DisplayName(recipient));
     const bool isAddress = answer.Type == emtSMS || name == Addresses::Bare(recipient) || name.contains(u'@');
     return name.isEmpty() || isAddress ? QObject::tr("listener") : name;
-}
-
-/// In one pass, so that a value that looks like a tag stays what it is. Tags that are not known are left out.
-QString FillAnswer(const QString& text, const QHash<QString, QString>& values)
-{
-    static const QRegularExpression tag(QStringLiteral("<ZRT_([A-Z_]+)>"));
-    QString result;
-    qsizetype done = 0;
-    for (auto it = tag.globalMatch(text); it.hasNext();) {
-        const QRegularExpressionMatch match = it.next();
-        result += QStringView(text).sliced(done, match.capturedStart() - done);
-        result += values.value(match.captured(1));
-        done = match.capturedEnd();
-    }
-    return result + text.sliced(done);
 }
 
 QHash<QString, QString> ValuesOf(DeskStation& station, const Composition& answer)
@@ -109,7 +90,7 @@ QStringList AnswerTemplates::Names(DeskStation& station)
 QString AnswerTemplates::Filled(DeskStation& station, const QString& name, const Composition& answer)
 {
     const QString path = QDir(FolderOfTemplates(station)).filePath(AnswerPrefix + name + TextExtension);
-    return FillAnswer(ReadAnswer(path), ValuesOf(station, answer));
+    return TextTemplate::Filled(ReadAnswer(path), ValuesOf(station, answer));
 }
 
 Composition AnswerTemplates::WithSignature(DeskStation& station, Composition composition, QString& problem)
@@ -118,7 +99,7 @@ Composition AnswerTemplates::WithSignature(DeskStation& station, Composition com
     if (file.isEmpty())
         return composition;
     try {
-        const QString signature = FillAnswer(ReadAnswer(file), ValuesOf(station, composition)).trimmed();
+        const QString signature = TextTemplate::Filled(ReadAnswer(file), ValuesOf(station, composition)).trimmed();
         if (!signature.isEmpty())
             composition.Body = QStringLiteral("\n\n-- \n%1\n").arg(signature) + composition.Body;
     } catch (const Failure& failure) {

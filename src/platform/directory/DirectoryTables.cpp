@@ -116,6 +116,10 @@ QList<TablePlan> LaterPlans()
          {{QStringLiteral("Main"), {QStringLiteral("Message"), QStringLiteral("Answer")}, Uniqueness::Primary},
           {QStringLiteral("Answer"), {QStringLiteral("Answer")}, Uniqueness::Repeats},
           {QStringLiteral("When"), {QStringLiteral("When")}, Uniqueness::Repeats}}},
+        {QStringLiteral("AutomaticAnswers"),
+         {{QStringLiteral("Number"), dao::dbText}, {QStringLiteral("When"), dao::dbDate}},
+         {{QStringLiteral("Main"), {QStringLiteral("Number")}, Uniqueness::Primary},
+          {QStringLiteral("When"), {QStringLiteral("When")}, Uniqueness::Repeats}}},
     };
 }
 

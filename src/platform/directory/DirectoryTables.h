@@ -16,7 +16,8 @@ std::unique_ptr<dao::Database> OpenFile(const QString& fileName);
 /// here, so that programs of different age share one directory.
 void AddMissing(dao::Database& database);
 
-/// Makes one of the tables that are made when they are first written, and what it lacks: "Answering" or "Answers".
+/// Makes one of the tables that are made when they are first written, and what it lacks: "Answering",
+/// "Answers" or "AutomaticAnswers".
 void AddLater(dao::Database& database, const QString& table);
 
 /// A snapshot of a SELECT over such tables; null where they have not been made yet.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/GeneralHelper.h"
+#include "common/MobileNumber.h"
 #include "support/ScriptedRegistry.h"
 
 #include <gtest/gtest.h>
@@ -105,4 +106,36 @@ TEST(PhoneNumberTest, AnUnknownCountryCountsAsTheDefault)
         EXPECT_EQ(GeneralHelper::PhoneRegion(), u"GB") << qPrintable(QString::fromUtf16(country));
         EXPECT_EQ(GeneralHelper::ToPhoneRegion(QString::fromUtf16(country)), QString());
     }
+}
+
+TEST(PhoneNumberTest, AMobileNumberIsOneByTheRangesOfItsCountry)
+{
+    const ScriptedRegistry registry;
+    // The regulator's examples, and ranges in use.
+    for (const char* number : {"07700 900123", "+44 7700 900999", "00447700900000", "+44 7400 123456", "07400123456",
+                               "+49 151 23456789", "+33 6 12 34 56 78", "+1 (202) 555-0123"})
+        EXPECT_TRUE(IsMobileNumber(QLatin1String(number))) << number;
+    for (const char* number : {"01632 960123",
+                               "+44 20 7946 0018",
+                               "0800 123456",
+                               "0909 879 0123",
+                               "070 1234 5678",
+                               "+49 30 901820",
+                               "80058",
+                               "999",
+                               "7700",
+                               "",
+                               " ",
+                               "Harbour",
+                               "FLOWERS",
+                               "+44 7700 9001234",
+                               "+447400123456;ext=5",
+                               "+447400123456,5",
+                               "+447400123456 x5",
+                               "+447400123456,+447400123457",
+                               "Pete <+447400123456>",
+                               "+44\n7400123456"})
+        EXPECT_FALSE(IsMobileNumber(QLatin1String(number))) << number;
+    EXPECT_TRUE(IsMobileNumber(QStringLiteral("0151 23456789"), QStringLiteral("DE")));
+    EXPECT_FALSE(IsMobileNumber(QStringLiteral("0151 23456789"), QStringLiteral("GB")));
 }
