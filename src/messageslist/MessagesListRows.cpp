@@ -50,6 +50,8 @@ QString SpokenState(const MessageLook& look, bool isRead)
         words.append(uMessagesList::tr("personal"));
     if (look.HasHighlightWords)
         words.append(uMessagesList::tr("highlighted"));
+    if ((look.Flags & mfAutomatic) != 0)
+        words.append(uMessagesList::tr("automatic"));
     if (look.MessageType == emtSMS)
         words.append(uMessagesList::tr("text message"));
     return words.join(QStringLiteral(", "));

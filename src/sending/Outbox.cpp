@@ -34,11 +34,12 @@ Outbox::Outbox(dao::Recordset& rows, const QHash<qint32, SendingRecord>& records
 {
     const Date now = ClockHelper::NowUTC();
     for (; !rows.AtEOF(); rows.MoveNext()) {
-        if ((rows.Collect(QStringLiteral("Flags")).toInt() & mfSendPending) == 0)
+        const int flags = rows.Collect(QStringLiteral("Flags")).toInt();
+        if ((flags & mfSendPending) == 0)
             continue;
         const qint32 message = rows.Collect(QStringLiteral("Reference")).toInt();
         const Row row{Date(rows.Collect(QStringLiteral("Sent")).toDouble()),
-                      Date(rows.Collect(QStringLiteral("SendAfter")).toDouble())};
+                      Date(rows.Collect(QStringLiteral("SendAfter")).toDouble()), (flags & mfAutomatic) != 0};
         Rows_.insert(message, row);
         const auto record = records.constFind(message);
         if (record == records.cend() || !IsOfRow(*record, row.Sent, identityOf))

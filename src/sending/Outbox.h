@@ -39,6 +39,8 @@ public:
     OutboxCount Count() const;
     /// What became of one of them; none for a message that does not wait there.
     OutgoingState StateOf(qint32 message) const;
+    /// Whether a machine wrote it; false for a message that does not wait there.
+    bool IsAutomatic(qint32 message) const { return Rows_.value(message).IsAutomatic; }
     /// Those of which it differs from what it was.
     QList<qint32> ChangesSince(const Outbox& before) const;
 
@@ -48,6 +50,7 @@ private:
     {
         Date Sent;
         Date SendAfter;
+        bool IsAutomatic = false;
 
         friend bool operator==(const Row&, const Row&) = default;
     };

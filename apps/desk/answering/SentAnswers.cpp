@@ -24,7 +24,7 @@ constexpr qsizetype LongestHeader = 8000;
 
 const QStringList Columns = {QStringLiteral("Reference"), QStringLiteral("Category"), QStringLiteral("MessageType"),
                              QStringLiteral("FromKey"),   QStringLiteral("ToKey"),    QStringLiteral("Received"),
-                             QStringLiteral("Sent"),      QStringLiteral("Message")};
+                             QStringLiteral("Sent"),      QStringLiteral("Flags"),    QStringLiteral("Message")};
 
 quint64 KeyOf(const char* kind, const QString& text)
 {
@@ -162,6 +162,9 @@ void SentAnswers::ReadSome()
 
 void SentAnswers::TakeSent(dao::Recordset& row)
 {
+    // What a machine wrote answers the one text that asked for it, and none that its sender wrote before to people.
+    if ((row.Collect(QStringLiteral("Flags")).toInt() & mfAutomatic) != 0)
+        return;
     Answer answer;
     answer.When = StoredDate(row, "Sent");
     if (answer.When.IsNone())

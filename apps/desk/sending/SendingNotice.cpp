@@ -73,8 +73,12 @@ void SendingNotice::Look()
     const bool mayDecide =
         state.NeedsDecision() || (state.What == OutgoingState::Kind::NotYet && !state.Words.isEmpty());
     Again_->setEnabled(IsInOutbox_ && mayDecide);
-    const QString words = InWords(state);
-    Bar_->Show(words.isEmpty() ? QString() : words + u'.');
+    QStringList sentences;
+    if (Message_ && (Message_->Flags() & mfAutomatic) != 0)
+        sentences.append(tr("Written automatically."));
+    if (const QString words = InWords(state); !words.isEmpty())
+        sentences.append(words + u'.');
+    Bar_->Show(sentences.join(u' '));
     Bar_->ShowButton(IsInOutbox_ && mayDecide);
 }
 

@@ -11,6 +11,12 @@ namespace
 {
 /// Messages whose numbers differ by less are read together: more than a window shows, few enough for no pause.
 constexpr qint32 BlockSize = 1024;
+
+QString Note(const OutgoingState& state, bool isAutomatic)
+{
+    const QString words = InShort(state);
+    return isAutomatic && !words.isEmpty() ? QStringLiteral("automatic, ") + words : words;
+}
 } // namespace
 
 void SendingWatch::Refresh()
@@ -53,7 +59,7 @@ bool SendingWatch::Read()
 
 QString SendingWatch::OutboxNote(qint32 message) const
 {
-    return InShort(Outbox_.StateOf(message));
+    return Note(Outbox_.StateOf(message), Outbox_.IsAutomatic(message));
 }
 
 QString SendingWatch::SentNote(qint32 message)
@@ -69,24 +75,32 @@ QString SendingWatch::SentNote(qint32 message)
             return QString();
         }
     }
-    const Date when = known->value(message);
-    return when.IsNone() ? QString() : InShort({OutgoingState::Kind::Sent, ClockHelper::UTCToLocal(when), QString()});
+    const SentOne sent = known->value(message);
+    if (sent.When.IsNone())
+        return QString();
+    return Note({OutgoingState::Kind::Sent, ClockHelper::UTCToLocal(sent.When), QString()}, sent.IsAutomatic);
 }
 
 /// Without those that the ledger knows another message by: one that was put into the Outbox long after went some other
 /// way.
-QHash<qint32, Date> SendingWatch::ReadBlock(qint32 first, qint32 last) const
+QHash<qint32, SendingWatch::SentOne> SendingWatch::ReadBlock(qint32 first, qint32 last) const
 {
     constexpr double ClocksDiffer = 1; // days
-    QHash<qint32, Date> sent = SendingLedger(Station_.Directory().File()).SentBetween(first, last);
-    if (sent.isEmpty())
+    const QHash<qint32, Date> dates = SendingLedger(Station_.Directory().File()).SentBetween(first, last);
+    QHash<qint32, SentOne> sent;
+    if (dates.isEmpty())
         return sent;
+    for (auto date = dates.cbegin(); date != dates.cend(); ++date)
+        sent.insert(date.key(), {*date, false});
     const auto rows = Station_.Database().OpenMessageRows(
-        {QStringLiteral("Reference"), QStringLiteral("Sent")},
+        {QStringLiteral("Reference"), QStringLiteral("Sent"), QStringLiteral("Flags")},
         QStringLiteral("[Reference]>=%1 AND [Reference]<=%2").arg(first).arg(last), QString());
     for (; !rows->AtEOF(); rows->MoveNext()) {
         const auto when = sent.find(rows->Collect(QStringLiteral("Reference")).toInt());
-        if (when != sent.end() && when->DayNumber() < rows->Collect(QStringLiteral("Sent")).toDouble() - ClocksDiffer)
+        if (when == sent.end())
+            continue;
+        when->IsAutomatic = (rows->Collect(QStringLiteral("Flags")).toInt() & mfAutomatic) != 0;
+        if (when->When.DayNumber() < rows->Collect(QStringLiteral("Sent")).toDouble() - ClocksDiffer)
             sent.erase(when);
     }
     return sent;

@@ -36,10 +36,16 @@ Q_SIGNALS:
 
 private:
     bool Read();
-    QHash<qint32, Date> ReadBlock(qint32 first, qint32 last) const;
+    /// One that went out.
+    struct SentOne
+    {
+        Date When; ///< Universal time.
+        bool IsAutomatic = false;
+    };
+    QHash<qint32, SentOne> ReadBlock(qint32 first, qint32 last) const;
 
     DeskStation& Station_;
     FileWatch Ledger_;
     Outbox Outbox_;
-    QHash<qint32, QHash<qint32, Date>> Blocks_; ///< When they went out, universal time; by the block's number.
+    QHash<qint32, QHash<qint32, SentOne>> Blocks_; ///< By the block's number.
 };
