@@ -151,10 +151,13 @@ TEST_F(DocumentedCommandsTest, ThePageOnTheCommandLineCanBeTyped)
 TEST_F(DocumentedCommandsTest, ThePageOnHookingUpCanBeTyped)
 {
     TypeAllOf("hookups.md");
-    const QList<QJsonObject> messages = Messages();
-    ASSERT_EQ(messages.size(), 2);
-    EXPECT_EQ(messages.at(0).value(QStringLiteral("subject")).toString(), QStringLiteral("Play the lighthouse song"));
-    EXPECT_EQ(messages.at(1).value(QStringLiteral("subject")).toString(), QStringLiteral("The lighthouse"));
+    QStringList subjects;
+    for (const QJsonObject& message : Messages({QStringLiteral("--category"), QStringLiteral("Inbox")}))
+        subjects.append(message.value(QStringLiteral("subject")).toString());
+    subjects.sort();
+    EXPECT_EQ(subjects, (QStringList{QStringLiteral("Play the lighthouse song"), QStringLiteral("SONG"),
+                                     QStringLiteral("The lighthouse")}));
+    EXPECT_EQ(Messages({QStringLiteral("--category"), QStringLiteral("Outbox")}).size(), 1) << "the answer to SONG";
     // Nobody outside the group reads, and what is made in the folder belongs to the group.
     const QFileInfo folder(Station());
     EXPECT_FALSE(folder.permissions() & (QFile::ReadOther | QFile::ExeOther));

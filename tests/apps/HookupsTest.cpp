@@ -56,6 +56,7 @@ protected:
             text.replace(QStringLiteral("/srv/station"), Station());
             text.replace(QStringLiteral("/var/spool/tolva-sms"), Path(QStringLiteral("spool")));
             text.replace(QStringLiteral("/var/spool/tolva-out"), Path(QStringLiteral("tray")));
+            text.replace(QStringLiteral("/etc/tolva/sms.conf"), Path(QStringLiteral("sms.conf")));
             Scripts_.append(MakeProgram(QStringLiteral("script%1").arg(Scripts_.size()), text.toUtf8()));
         }
         // Each answers as the file "refuses" says, and writes down what it took.
@@ -159,6 +160,23 @@ TEST_F(HookupsTest, ATextMessageOfTheDaemonWaitsInTheSpoolUntilTheStationIsBack)
     EXPECT_EQ(Messages().first().value(QStringLiteral("subject")).toString(),
               QStringLiteral("Play the lighthouse song"));
     EXPECT_EQ(Messages().first().value(QStringLiteral("type")).toString(), QStringLiteral("sms"));
+}
+
+TEST_F(HookupsTest, ATextOfTheDaemonIsAnsweredWhereItsOptionsSaySo)
+{
+    const auto message = [](const char* number) {
+        return QStringList{QStringLiteral("SMS_MESSAGES=1"), QStringLiteral("SMS_1_NUMBER=") + QLatin1String(number),
+                           QStringLiteral("SMS_1_TEXT=Song")};
+    };
+    RunScript(FilesText, {}, message("+447700900123"));
+    EXPECT_EQ(Messages().size(), 1);
+    static const QRegularExpression options(QStringLiteral("^```\\n(TOLVA_SMS_OPTIONS=.*\\n)```$"),
+                                            QRegularExpression::MultilineOption);
+    const QString page = QString::fromUtf8(Read(QStringLiteral(TOLVA_DOCUMENTS "/hookups.md")));
+    Write(QStringLiteral("sms.conf"), options.match(page).captured(1).toUtf8());
+    RunScript(FilesText, {}, message("+447700900124"));
+    EXPECT_EQ(Messages().size(), 3);
+    EXPECT_EQ(Messages({QStringLiteral("--category"), QStringLiteral("Outbox")}).size(), 1);
 }
 
 TEST_F(HookupsTest, DecodedTextsOfTheDaemonAreJoined)

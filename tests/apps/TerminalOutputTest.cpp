@@ -123,7 +123,9 @@ protected:
         };
         return {
             {QStringLiteral("init"), {option("name", Hostile) + option("phone", Hostile), option("name", Hostile)}},
-            {QStringLiteral("file"), {bad, option("category", Hostile) + bad, option("sms") + option("from", Hostile)}},
+            {QStringLiteral("file"),
+             {bad, option("category", Hostile) + bad, option("sms") + option("from", Hostile),
+              option("sms") + option("answer") + option("verbose") + option("from", QStringLiteral("07700 900123"))}},
             {QStringLiteral("list"),
              {{},
               json,

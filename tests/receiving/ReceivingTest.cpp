@@ -403,12 +403,12 @@ TEST_P(ReceivingTest, KillsAtAnyMomentLoseNothingAndFileNothingTwice)
     EXPECT_EQ(SentBack(), 0);
 }
 
-/// Of text messages that come in parts.
-class LongTextTest : public ReceivingTest
+/// Of text messages alone.
+class TextRouteTest : public ReceivingTest
 {
 };
 
-TEST_P(LongTextTest, PartsThatComeLateOrNeverAreNotWaitedForForEver)
+TEST_P(TextRouteTest, PartsThatComeLateOrNeverAreNotWaitedForForEver)
 {
     ASSERT_NO_FATAL_FAILURE(HookUp());
     ASSERT_NO_FATAL_FAILURE(Must(QStringLiteral("kill $(cat /tmp/smsd.pid)\n"
@@ -434,6 +434,21 @@ TEST_P(LongTextTest, PartsThatComeLateOrNeverAreNotWaitedForForEver)
     EXPECT_LE(size, text.size());
 }
 
-INSTANTIATE_TEST_SUITE_P(GammuDaemon, LongTextTest, testing::Values(AllRoutes().last()));
+TEST_P(TextRouteTest, WhoTextsTheKeyWordIsAnsweredWhereTheOptionsSaySo)
+{
+    ASSERT_NO_FATAL_FAILURE(HookUp());
+    Must(QStringLiteral("mkdir -p /etc/tolva; echo TOLVA_SMS_OPTIONS=--answer >/etc/tolva/sms.conf\n"
+                        "echo 'CurrentSongFullName=\"The Shanty\"' >/srv/station/Tolva.oar"));
+    ASSERT_NO_FATAL_FAILURE(Deliver({{"Song?", "Song?"}}));
+    const auto waiting = [&] {
+        return Computer().Run(QStringLiteral("tolva list /srv/station --category Outbox --json")).Output;
+    };
+    EXPECT_TRUE(WaitUntil([&] { return waiting().contains("\"automatic\""); })) << Log().constData();
+    EXPECT_TRUE(waiting().contains(": The Shanty\"")) << waiting().constData();
+    EXPECT_TRUE(waiting().contains("\"to\":\"+447700900123\"")) << waiting().constData();
+    EXPECT_EQ(waiting().count('\n'), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(GammuDaemon, TextRouteTest, testing::Values(AllRoutes().last()));
 INSTANTIATE_TEST_SUITE_P(Route, ReceivingTest, testing::ValuesIn(AllRoutes()),
                          [](const testing::TestParamInfo<Route>& route) { return route.param.Name.toStdString(); });

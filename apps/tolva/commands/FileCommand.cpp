@@ -18,6 +18,7 @@ const QString SMSOption = QStringLiteral("sms");
 const QString SkipFiledOption = QStringLiteral("skip-filed");
 const QString OnceOption = QStringLiteral("once");
 const QString TakeOption = QStringLiteral("take");
+const QString AnswerOption = QStringLiteral("answer");
 const QString VerboseOption = QStringLiteral("verbose");
 
 QByteArray InputForTextMessage()
@@ -86,6 +87,7 @@ Filing::Options FilingOptionsOf(const Arguments& arguments)
     options.setFlag(Filing::Option::SkipsFiled, arguments.Has(SkipFiledOption));
     options.setFlag(Filing::Option::FilesOnce, arguments.Has(OnceOption));
     options.setFlag(Filing::Option::Takes, arguments.Has(TakeOption));
+    options.setFlag(Filing::Option::Answers, arguments.Has(AnswerOption));
     return options;
 }
 
@@ -136,8 +138,8 @@ CommandDefinition FileCommand()
         QStringLiteral("file"),
         QStringLiteral("Files messages that arrived: mails, or a text message."),
         {QStringLiteral("file FOLDER [--category C] [--skip-filed|--once] [PATH...|-]"),
-         QStringLiteral("file FOLDER [--category C] --take PATH..."),
-         QStringLiteral("file FOLDER --sms --from NUMBER [--to NUMBER]")},
+         QStringLiteral("file FOLDER [--category C] --take PATH... [--answer]"),
+         QStringLiteral("file FOLDER --sms --from NUMBER [--to NUMBER] [--answer]")},
         QStringLiteral(
             "PATH is an .eml file, a folder of .eml files, a maildir or an mbox archive. Without PATH, and for\n"
             "\"-\", one mail comes on standard input; with --sms the text of one text message does.\n"
@@ -157,6 +159,9 @@ CommandDefinition FileCommand()
          {TakeOption, QString(),
           QStringLiteral("Removes each file of the folders PATH once its message is in the\nstation; files it once, "
                          "also when it was killed in between.")},
+         {AnswerOption, QString(),
+          QStringLiteral("Answers a text message that asks for the song that plays, or how to\nbuy it, by a text "
+                         "message that waits in the Outbox.")},
          {VerboseOption, QString(), QStringLiteral("Says of each message under which number it was filed.")},
          Station::UserOption()},
         QStringLiteral("tolva file /srv/station --category Requests ~/Maildir"),

@@ -27,8 +27,9 @@ Filing::Filing(Station& station, qint32 category, Options options)
     : Station_(station),
       Category_(category),
       Options_(options),
-      FiledMails_(station.Database(),
-                  options.testFlag(Option::SkipsFiled) ? SameMails::Sameness::ButForTrace : SameMails::Sameness::Octets)
+      FiledMails_(station.Database(), options.testFlag(Option::SkipsFiled) ? SameMails::Sameness::ButForTrace
+                                                                           : SameMails::Sameness::Octets),
+      Answering_(station)
 {
 }
 
@@ -48,9 +49,12 @@ void Filing::Add(const IncomingMessage& incoming)
         Claim_ = std::make_unique<FilingClaim>(Station_.Folder());
     if (PassesOver() && IsFiledAlready(*message, incoming)) {
         ++Skipped_;
+        // Whoever filed it may have been killed before he answered.
+        const QString answered = Answer(*message, incoming);
         Take(incoming);
         if (Options_.testFlag(Option::Verbose))
             Terminal::PrintLine(QStringLiteral("passed over %1, which is filed already").arg(incoming.Name));
+        PrintIfWanted(answered);
         return;
     }
     if (WaitingOctets_ > 0 && WaitingOctets_ + incoming.Octets.size() > OctetsOfBatch)
@@ -204,6 +208,7 @@ void Filing::Acknowledge(const cMessage& message, const IncomingMessage& incomin
 {
     ++Filed_;
     FiledMails_.Add(message);
+    const QString answered = Answer(message, incoming);
     Take(incoming);
     if (!Options_.testFlag(Option::Verbose))
         return;
@@ -211,6 +216,20 @@ void Filing::Acknowledge(const cMessage& message, const IncomingMessage& incomin
     for (const QString& problem : problems)
         Terminal::Complain(problem);
     Terminal::PrintLine(QStringLiteral("filed %1 as %2").arg(incoming.Name).arg(message.Reference()));
+    PrintIfWanted(answered);
+}
+
+/// Before its file goes, so that the next run has another try where this one is killed. What to say of it, for who
+/// wants each.
+QString Filing::Answer(const cMessage& message, const IncomingMessage& incoming)
+{
+    return Options_.testFlag(Option::Answers) ? Answering_.Take(message, incoming.Name) : QString();
+}
+
+void Filing::PrintIfWanted(const QString& line) const
+{
+    if (Options_.testFlag(Option::Verbose) && !line.isEmpty())
+        Terminal::PrintLine(line);
 }
 
 /// What stays behind is passed over by the next run, which tries to remove it again.
@@ -259,5 +278,7 @@ void Filing::PrintCounts() const
     QString line = QStringLiteral("filed %1, failed %2").arg(Filed_).arg(Failed_);
     if (PassesOver())
         line += QStringLiteral(", passed over %1").arg(Skipped_);
+    if (Options_.testFlag(Option::Answers))
+        line += QStringLiteral(", answered %1").arg(Answering_.Answered());
     Terminal::PrintLine(line);
 }

@@ -5,6 +5,7 @@
 #include "intake/FiledMails.h"
 #include "intake/FilingClaim.h"
 #include "intake/IncomingMessage.h"
+#include "intake/TextAnswering.h"
 
 #include <QElapsedTimer>
 
@@ -22,7 +23,8 @@ public:
         Verbose = 1,    ///< Says of each message under which number it was filed.
         SkipsFiled = 2, ///< Passes over what the station holds already, by whatever route it came.
         FilesOnce = 4,  ///< Passes over what the station holds octet by octet, also if another run files it just now.
-        Takes = 8       ///< The same, and removes the files of what the station holds then.
+        Takes = 8,      ///< The same, and removes the files of what the station holds then.
+        Answers = 16    ///< Answers text messages that ask for the song.
     };
     Q_DECLARE_FLAGS(Options, Option)
 
@@ -56,6 +58,8 @@ private:
     std::vector<MessageSaving> SaveBatch();
     void FileOneByOne();
     void Acknowledge(const cMessage& message, const IncomingMessage& incoming, const QStringList& problems);
+    QString Answer(const cMessage& message, const IncomingMessage& incoming);
+    void PrintIfWanted(const QString& line) const;
     /// Removes its file where this run takes messages over.
     void Take(const IncomingMessage& incoming);
     void Refuse(const QString& name, const QString& problem, ExitCode code);
@@ -66,6 +70,7 @@ private:
     qint32 Category_;
     Options Options_;
     FiledMails FiledMails_;
+    TextAnswering Answering_;
     std::unique_ptr<FilingClaim> Claim_; ///< From the look for a mail until it is filed, where each is filed once.
     std::vector<Waiting> Waiting_;
     qsizetype WaitingOctets_ = 0;

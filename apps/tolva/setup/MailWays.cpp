@@ -208,6 +208,8 @@ MultipartTimeout = 600
     way.Files.push_back({QStringLiteral("/usr/local/bin/tolva-sms"), QStringLiteral(R"TEXT(#!/bin/bash
 # Files a received text message. What cannot be filed now is kept in the spool and filed at the next call.
 umask 0007
+# Options of filing: a line TOLVA_SMS_OPTIONS=--answer, for instance.
+[ -r /etc/tolva/sms.conf ] && . /etc/tolva/sms.conf
 station=@STATION@
 spool=/var/spool/tolva-sms
 # The daemon closes all streams; programs need some.
@@ -239,7 +241,7 @@ fi
 # Then all that waits, one call of the script at a time.
 exec 9>"$spool/.lock"
 flock 9
-/usr/bin/tolva file "$station" --take "$spool" >/dev/null
+/usr/bin/tolva file "$station" ${TOLVA_SMS_OPTIONS:-} --take "$spool" >/dev/null
 )TEXT")});
     way.After = {QStringLiteral("install -d -o gammu -g station -m 2770 /var/spool/tolva-sms"),
                  QStringLiteral("usermod -a -G station gammu")};
