@@ -8,6 +8,7 @@
 #include "OnAirPictures.h"
 #include "PrizePictures.h"
 #include "PrizeSheet.h"
+#include "SearchPictures.h"
 #include "StationPlace.h"
 #include "UnusualMessages.h"
 #include "common/UserInterface.h"
@@ -18,9 +19,6 @@
 #include "messageslist/uMessagesList.h"
 #include "printing/LabelsDialog.h"
 #include "printing/PrintDialog.h"
-#include "search/SearchDesk.h"
-#include "search/SearchService.h"
-#include "search/SearchWindow.h"
 #include "station/BackupsDialog.h"
 #include "station/SignInDialog.h"
 #include "station/StartDialog.h"
@@ -148,7 +146,12 @@ public:
         OnAirPictures::Take(
             Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
             [this] { Settle(); });
-        Searching();
+        SearchPictures::Take(
+            Window(), [this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
+            [this](const std::function<bool()>& isThere) {
+                Wait(isThere);
+                Settle();
+            });
         if (withLarge)
             Large();
         Window().close();
@@ -158,20 +161,6 @@ public:
 private:
     MainWindow& Window() { return *Desk_.Window(); }
     uMessagesList& List() { return Window().List(); }
-
-    void Searching()
-    {
-        SearchWindow& search = Window().Search().Window();
-        search.Search(QStringLiteral("harbour"));
-        Wait([&] { return Window().Search().Service().IsComplete() && search.IsSettled(); });
-        Settle();
-        Save(search, "search", 1);
-        Appearance::Apply(QStringLiteral("dark"));
-        Settle();
-        Save(search, "search-dark", 1);
-        Appearance::Apply(QStringLiteral("light"));
-        search.close();
-    }
 
     void Settle()
     {

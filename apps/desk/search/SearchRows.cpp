@@ -14,6 +14,7 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -174,8 +175,10 @@ void HitDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
         marks.append(range);
     }
     layout.setFormats(marks);
+    // A text runs as its own letters do, at the side where the window's rows begin.
     QTextOption direction;
-    direction.setTextDirection(item.direction);
+    direction.setTextDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    direction.setAlignment(Qt::AlignAbsolute | Qt::AlignLeft);
     direction.setWrapMode(QTextOption::NoWrap);
     layout.setTextOption(direction);
     layout.beginLayout();
@@ -185,6 +188,10 @@ void HitDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     painter->save();
     painter->setClipRect(place);
     painter->setPen(item.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
-    layout.draw(painter, QPointF(place.left(), place.top() + (place.height() - line.height()) / 2));
+    // On whole points, so that it looks the same at either side.
+    const int left = item.direction == Qt::RightToLeft
+                         ? place.left() + place.width() - static_cast<int>(std::ceil(line.naturalTextWidth()))
+                         : place.left();
+    layout.draw(painter, QPointF(left, place.top() + (place.height() - line.height()) / 2));
     painter->restore();
 }

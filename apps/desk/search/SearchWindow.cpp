@@ -49,6 +49,7 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
       Related_(new NoticeBar(QStringLiteral("search"), tr("Search &all"), this)),
       Problem_(new NoticeBar(QStringLiteral("warning"), QString(), this)),
       List_(new QTreeView(this)),
+      Nothing_(new QLabel(List_->viewport())),
       Model_(new SearchModel(this)),
       Marks_(new HitDelegate(List_)),
       Preview_(new PreviewPane(this))
@@ -82,6 +83,14 @@ SearchWindow::SearchWindow(DeskStation& station, SearchService& service, DeskSet
     List_->header()->setResizeContentsPrecision(0);
     List_->header()->resizeSection(SearchModel::colPerson, PersonWidth);
     List_->header()->resizeSection(SearchModel::colFolder, FolderWidth);
+
+    Nothing_->setObjectName(QStringLiteral("searchNothing"));
+    Nothing_->setTextFormat(Qt::PlainText);
+    Nothing_->setAlignment(Qt::AlignCenter);
+    Nothing_->setWordWrap(true);
+    Nothing_->setForegroundRole(QPalette::PlaceholderText);
+    auto* inList = new QVBoxLayout(List_->viewport());
+    inList->addWidget(Nothing_);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     splitter->addWidget(List_);
@@ -315,6 +324,21 @@ QString SearchWindow::CountInWords() const
     return Model_->rowCount() == 1 ? tr("1 message") : tr("%1 messages").arg(QLocale().toString(Model_->rowCount()));
 }
 
+/// Why the list is empty, and what to do; empty where it is not, or may not stay so.
+QString SearchWindow::NothingInWords() const
+{
+    if (Model_->rowCount() > 0 || IsWaiting_ || !Problem_->isHidden())
+        return QString();
+    if (Asked_.IsEmpty())
+        return tr("Type a word of a message, a name or a number.");
+    if (!Service_.IsComplete())
+        return tr("None so far. Not all messages have been looked at yet.");
+    if (HasFilters())
+        return tr("No such message is in what is chosen above. Choose all folders, all kinds and any time to look "
+                  "everywhere.");
+    return tr("No message has all of this. Try fewer words, or only their beginnings.");
+}
+
 void SearchWindow::ShowState()
 {
     QStringList words;
@@ -327,6 +351,7 @@ void SearchWindow::ShowState()
     Count_->setText(words.join(QStringLiteral(" \u00B7 ")));
     if (!Service_.Problem().isEmpty())
         Problem_->Show(Service_.Problem());
+    Nothing_->setText(NothingInWords());
 }
 
 void SearchWindow::TakeSelection()

@@ -70,12 +70,14 @@ private:
     void SetSaved(const QStringList& saved);
     void Ask();
     SearchOptions OptionsOf(const SearchQuestion& question) const;
+    bool HasFilters() const;
     void TakeResult(int search, const SearchResult& result);
     void ShowRows();
     void FillFolders(const SearchResult& result);
     void FillKinds(const SearchResult& result);
     void FillTimes(const SearchResult& result);
     QString CountInWords() const;
+    QString NothingInWords() const;
     void ShowState();
     void TakeSelection();
     void Choose();
@@ -95,6 +97,7 @@ private:
     NoticeBar* Related_;
     NoticeBar* Problem_;
     QTreeView* List_;
+    QLabel* Nothing_; ///< In the list, while it has no row.
     SearchModel* Model_;
     HitDelegate* Marks_;
     PreviewPane* Preview_;

@@ -100,6 +100,11 @@ SearchOptions SearchWindow::OptionsOf(const SearchQuestion& question) const
     return options;
 }
 
+bool SearchWindow::HasFilters() const
+{
+    return Folder_->currentData().isValid() || Kind_->currentData().isValid() || Time_->currentData().isValid();
+}
+
 void SearchWindow::FillFolders(const SearchResult& result)
 {
     qint64 all = 0;

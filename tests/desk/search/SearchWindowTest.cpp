@@ -7,12 +7,14 @@
 #include "StationPlace.h"
 #include "messages/MessageWindow.h"
 #include "platform/records/DBEngine.h"
+#include "search/SearchRows.h"
 #include "search/SearchService.h"
 #include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QDir>
 #include <QMenu>
+#include <QStandardItemModel>
 #include <QTextEdit>
 
 namespace
@@ -100,6 +102,56 @@ TEST_F(SearchWindowTest, FiltersTellHowManyTheyWouldLeave)
     EXPECT_EQ(Cell(0, 1), QStringLiteral("Two"));
     Type(QStringLiteral("ferry in:inbox"));
     EXPECT_EQ(Rows().rowCount(), 0) << "the filter stays";
+}
+
+TEST_F(SearchWindowTest, AListWithoutRowsSaysWhyAndWhatToDo)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    const auto words = [this] { return Part<QLabel>("searchNothing").text(); };
+    EXPECT_TRUE(WaitUntil([&] { return words().startsWith(QStringLiteral("Type a word")); })) << qPrintable(words());
+    Type(QStringLiteral("ferry"));
+    EXPECT_EQ(words(), QString());
+    Type(QStringLiteral("ferry canal"));
+    EXPECT_TRUE(words().contains(QStringLiteral("Try fewer words"))) << qPrintable(words());
+    Type(QStringLiteral("ferry"));
+    ChooseFilter("searchKind", QStringLiteral("Text messages (0)"));
+    EXPECT_TRUE(words().contains(QStringLiteral("Choose all folders"))) << qPrintable(words());
+    ChooseFilter("searchKind", QStringLiteral("All kinds"));
+    EXPECT_EQ(words(), QString());
+}
+
+TEST_F(SearchWindowTest, ACellReadsTheSameInEitherLayout)
+{
+    QStandardItemModel cells(1, 1);
+    const QString hebrew = QStringLiteral("\u05D3\u05E0\u05D4 07700");
+    for (const QString& text : {QStringLiteral("20 Nov 2026 18:15"), QStringLiteral("Happy birthday!!"), hebrew}) {
+        cells.setItem(0, 0, new QStandardItem(text));
+        const auto picture = [&](Qt::LayoutDirection direction) {
+            QTreeView list;
+            HitDelegate delegate(&list);
+            list.setItemDelegate(&delegate);
+            list.setLayoutDirection(direction);
+            list.setRootIsDecorated(false);
+            list.setHeaderHidden(true);
+            list.setModel(&cells);
+            list.resize(300, 40);
+            const QImage shown = list.viewport()->grab().toImage();
+            // Where the letters stand.
+            QRect ink;
+            for (int y = 0; y < shown.height(); ++y) {
+                for (int x = 0; x < shown.width(); ++x) {
+                    if (qGray(shown.pixel(x, y)) < 200)
+                        ink |= QRect(x, y, 1, 1);
+                }
+            }
+            EXPECT_EQ(ink.center().x() > shown.width() / 2, direction == Qt::RightToLeft) << qPrintable(text);
+            return shown.copy(ink);
+        };
+        const QImage fromLeft = picture(Qt::LeftToRight);
+        EXPECT_GT(fromLeft.width(), 30);
+        EXPECT_EQ(fromLeft, picture(Qt::RightToLeft)) << qPrintable(text);
+    }
 }
 
 TEST_F(SearchWindowTest, OfWhatTheStationWroteTheRecipientIsShownAndMarked)
