@@ -139,7 +139,8 @@ cMessagePtr SongAnswers::Store(const QString& recipient, const QString& words)
     text.Text = words;
     const cMessagePtr answer = MakeMessage(text);
     answer->SetCategory(tmcOutbox);
-    answer->SetFlags(mfAutomatic | mfSendPending);
+    // Read, as all that the station writes itself is.
+    answer->SetFlags(mfRead | mfAutomatic | mfSendPending);
     if (!Station_.SaveMessage(answer))
         throw dao::Error(Station_.LastErrorNumber(), Station_.LastErrorDescription());
     return answer;

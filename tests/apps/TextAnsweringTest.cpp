@@ -110,7 +110,7 @@ TEST_F(TextAnsweringTest, WhoAsksGetsTheSongByAnAutomaticMessageThatGoesOutLikeA
     EXPECT_EQ(answer.value(QStringLiteral("to")).toString(), Ann);
     EXPECT_EQ(answer.value(QStringLiteral("from")).toString(), QStringLiteral("07700 900001"));
     EXPECT_EQ(answer.value(QStringLiteral("flags")).toArray(),
-              (QJsonArray{QStringLiteral("sendPending"), QStringLiteral("automatic")}));
+              (QJsonArray{QStringLiteral("read"), QStringLiteral("sendPending"), QStringLiteral("automatic")}));
     EXPECT_TRUE(TextOf(answer).startsWith(QStringLiteral("Playing on Harbour FM at ")));
     EXPECT_TRUE(TextOf(answer).endsWith(QStringLiteral(": Pete Quill - The Shanty")));
 
@@ -120,7 +120,8 @@ TEST_F(TextAnsweringTest, WhoAsksGetsTheSongByAnAutomaticMessageThatGoesOutLikeA
     ASSERT_EQ(Taken().size(), 1);
     EXPECT_TRUE(Taken().first().startsWith("ARGUMENTS +447700900123\nPlaying on")) << Taken().first().constData();
     EXPECT_EQ(In("Sent").size(), 1);
-    EXPECT_EQ(In("Sent").first().value(QStringLiteral("flags")).toArray(), QJsonArray{QStringLiteral("automatic")});
+    EXPECT_EQ(In("Sent").first().value(QStringLiteral("flags")).toArray(),
+              (QJsonArray{QStringLiteral("read"), QStringLiteral("automatic")}));
 }
 
 TEST_F(TextAnsweringTest, WithoutTheOptionNobodyIsAnswered)

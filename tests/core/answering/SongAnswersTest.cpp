@@ -82,7 +82,7 @@ TEST_F(SongAnswersTest, WhoAsksForTheSongGetsItAsAnAutomaticMessageThatWaitsInTh
     ASSERT_NE(answer, nullptr);
     EXPECT_EQ(answer->MessageType(), emtSMS);
     EXPECT_EQ(answer->Category(), tmcOutbox);
-    EXPECT_EQ(answer->Flags(), mfAutomatic | mfSendPending);
+    EXPECT_EQ(answer->Flags(), mfRead | mfAutomatic | mfSendPending);
     EXPECT_EQ(answer->CDOMessage()->From(), QStringLiteral("07700 900001"));
     EXPECT_EQ(answer->CDOMessage()->To(), Ann);
     EXPECT_EQ(answer->Sent(), ClockHelper::CurrentTime());
