@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "prizes/PrizeQuery.h"
 
+#include "common/ClockHelper.h"
+#include "prizes/HoursText.h"
 #include "prizes/PrizeHour.h"
+#include "prizes/cPrize.h"
 
 #include <cmath>
 
@@ -62,4 +65,24 @@ QString PrizeQuery::Condition(enPrizeListCategory category, const QString& findT
         Join(condition, QStringLiteral("([LastWonDate]>=") + DateLiteral(since) + QStringLiteral(") "));
     }
     return condition.isEmpty() ? QString() : QStringLiteral(" WHERE (") + condition + QStringLiteral(") ");
+}
+
+Date PrizeQuery::FirstListedDay(const cPrize& prize)
+{
+    return prize.StartDate().IsNone() ? Date()
+                                      : Date(std::ceil(ClockHelper::LocalToUTC(prize.StartDate()).DayNumber()));
+}
+
+PrizeQuery::Unlisted PrizeQuery::WhyUnlisted(const cPrize& prize, Date nowUtc)
+{
+    if (prize.NumberSupplied() <= 0)
+        return Unlisted::NoneSupplied;
+    if (prize.NumberWinners() >= prize.NumberSupplied())
+        return Unlisted::AllWon;
+    const Date day(std::floor(nowUtc.DayNumber()));
+    if (day < FirstListedDay(prize))
+        return Unlisted::NotYet;
+    if (!prize.EndDate().IsNone() && ClockHelper::LocalToUTC(prize.EndDate()) < day)
+        return Unlisted::Over;
+    return HoursText::InWords(HoursText::HoursOf(prize)) == HoursText::Never ? Unlisted::NoHours : Unlisted::No;
 }

@@ -226,6 +226,9 @@ QList<WinnerWindow*> PrizeDesk::WinnerWindows() const
 
 void PrizeDesk::NewPrize(const cPrizePtr& prize)
 {
+    // One that nothing is known of yet. None supplied, as the record begins, would leave it out of each list.
+    if (prize->Title().isEmpty() && prize->NumberSupplied() == 0)
+        prize->SetNumberSupplied(1);
     Run([&] { Open(*prize); });
 }
 

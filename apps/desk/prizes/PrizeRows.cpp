@@ -4,6 +4,7 @@
 #include "common/ClockHelper.h"
 #include "common/PendingError.h"
 #include "prizes/Awarding.h"
+#include "prizes/PrizeQuery.h"
 #include "station/DeskStation.h"
 
 #include <QCoreApplication>
@@ -132,6 +133,30 @@ QString PrizeRows::WhyNotNow(const cPrize& prize)
         return RowsText("Its time ended on %1.").arg(LimitWords(prize.EndDate()));
     case Awarding::NotNow::WrongHour:
         return RowsText("It may not go out in this hour.");
+    }
+    return QString();
+}
+
+QString PrizeRows::WhyInNoList(const cPrize& prize)
+{
+    const QString title = Quoted(prize.Title());
+    switch (PrizeQuery::WhyUnlisted(prize, ClockHelper::NowUTC())) {
+    case PrizeQuery::Unlisted::No:
+        break;
+    case PrizeQuery::Unlisted::NoneSupplied:
+        return RowsText("%1 is in no list of available prizes, because none is supplied: enter how many there are.")
+            .arg(title);
+    case PrizeQuery::Unlisted::AllWon:
+        return RowsText("%1 is in no list of available prizes, because all of it has been won.").arg(title);
+    case PrizeQuery::Unlisted::NotYet:
+        return RowsText("%1 is in no list of available prizes yet, because it starts on %2. It is listed from %3 on.")
+            .arg(title, LimitWords(prize.StartDate()),
+                 DayWords(ClockHelper::UTCToLocal(PrizeQuery::FirstListedDay(prize))));
+    case PrizeQuery::Unlisted::Over:
+        return RowsText("%1 is in no list of available prizes any more, because its time ended on %2.")
+            .arg(title, LimitWords(prize.EndDate()));
+    case PrizeQuery::Unlisted::NoHours:
+        return RowsText("%1 is in no list of an hour, because no hour of the week is marked for it.").arg(title);
     }
     return QString();
 }

@@ -52,6 +52,8 @@ QString MomentWords(Date date);
 bool MayGoOutNow(const cPrize& prize);
 /// Why it may not; empty when it may.
 QString WhyNotNow(const cPrize& prize);
+/// Why the lists of what is available leave it out, in a sentence; empty when they do not.
+QString WhyInNoList(const cPrize& prize);
 /// "3 of 5 left", "The prize has been won", ...
 QString StockWords(const cPrize& prize);
 /// "From 21 November 2026, until 30 November 2026"; empty without limits.

@@ -119,6 +119,7 @@ bool PrizeWindow::TakeOutcome(PrizeSaving::Outcome outcome)
         return false;
     }
     IsCopy_ = false;
+    WasSaved_ = true;
     Show(Saving_.Base());
     CheckStored();
     const QString time = ClockHelper::CurrentTime().Format(QStringLiteral("hh:nn:ss"));
@@ -214,7 +215,7 @@ void PrizeWindow::CheckStored()
         } else {
             Notice_->Show(IsReadOnly_
                               ? tr("You can read this prize only: changing it needs the right to manage prizes.")
-                              : QString());
+                              : (WasSaved_ ? PrizeRows::WhyInNoList(*stored) : QString()));
         }
         Winners_->Show(stored ? Reference() : 0);
         Winners_->setProperty("numberWinners", stored ? stored->NumberWinners() : 0);

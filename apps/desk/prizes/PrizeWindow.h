@@ -82,8 +82,8 @@ private:
     DeskStation& Station_;
     PrizeSaving Saving_;
     bool IsReadOnly_;
-    bool IsCopy_; ///< Never stored, and with something in it from the start.
-    QString AddedWords_;
+    bool IsCopy_;           ///< Never stored, and with something in it from the start.
+    bool WasSaved_ = false; ///< In this window: it then says why no list of what is available has the prize.
     NoticeBar* Notice_;
     QLineEdit* Title_;
     QSpinBox* Number_;

@@ -6,6 +6,8 @@
 
 #include "core/prizes/PrizeTest.h"
 
+#include <cmath>
+
 namespace
 {
 /// Wednesday, 18 November 2026, day number 46344.
@@ -68,6 +70,54 @@ TEST_F(PrizeQueryTest, AvailableMeansStockDatesAndHour)
     EXPECT_EQ(Titles(plcAvailable), QStringLiteral("any ending today"));
     EXPECT_EQ(Titles(plcAllAvailable), QStringLiteral("any ending evening today"));
     EXPECT_EQ(Titles(plcAllPrizes), QStringLiteral("any ending evening later midday over spent today"));
+}
+
+TEST_F(PrizeQueryTest, WhatKeepsAPrizeOffTheListsAgreesWithTheLists)
+{
+    // In winter, and in summer, when the clock is an hour ahead of what is stored.
+    for (const Date now : {Date(2026, 11, 18, 10, 25, 0), Date(2026, 7, 1, 10, 25, 0)}) {
+        const double day = std::floor(now.DayNumber());
+        QList<Date> dates = {Date()};
+        for (const double hours : {-25.0, -24.0, -1.0, -0.5, 0.0, 0.5, 1.0, 10.0, 23.5, 24.0, 24.5, 25.0, 49.0})
+            dates.append(Date(day + hours / 24));
+        for (const Date start : dates) {
+            for (const Date end : dates) {
+                for (const qint32 supplied : {0, 1}) {
+                    const cPrizePtr prize = MakePrize(QStringLiteral("A"), supplied);
+                    prize->SetStartDate(start);
+                    prize->SetEndDate(end);
+                    ASSERT_TRUE(Station->SavePrize(prize));
+                    const bool isListed = !Titles(plcAllAvailable, {}, now).isEmpty();
+                    const PrizeQuery::Unlisted why = PrizeQuery::WhyUnlisted(*prize, now);
+                    EXPECT_EQ(why == PrizeQuery::Unlisted::No, isListed)
+                        << start.GeneralDate().toStdString() << " to " << end.GeneralDate().toStdString();
+                    EXPECT_EQ(why == PrizeQuery::Unlisted::NoneSupplied, supplied == 0);
+                    if (why == PrizeQuery::Unlisted::NotYet && end.IsNone()) {
+                        const Date first = PrizeQuery::FirstListedDay(*prize);
+                        EXPECT_EQ(Titles(plcAllAvailable, {}, first), QStringLiteral("A"));
+                        EXPECT_EQ(Titles(plcAllAvailable, {}, Date(first.DayNumber() - 0.01)), QString());
+                    }
+                    ASSERT_TRUE(Station->DeletePrize(prize->Reference()));
+                }
+            }
+        }
+    }
+}
+
+TEST_F(PrizeQueryTest, APrizeWithoutHoursOrUnitsIsKeptOffTheListsForThatReason)
+{
+    const cPrizePtr prize = MakePrize(QStringLiteral("A"), 1);
+    EXPECT_EQ(PrizeQuery::WhyUnlisted(*prize, Wednesday), PrizeQuery::Unlisted::No);
+    for (qint16 day = 1; day <= 7; ++day) {
+        for (qint16 hour = 0; hour < 24; ++hour)
+            prize->SetAvailableForHour(day, hour, false);
+    }
+    EXPECT_EQ(PrizeQuery::WhyUnlisted(*prize, Wednesday), PrizeQuery::Unlisted::NoHours);
+    prize->SetAvailableForHour(7, 23, true);
+    EXPECT_EQ(PrizeQuery::WhyUnlisted(*prize, Wednesday), PrizeQuery::Unlisted::No) << "it has its hour";
+    const qint32 won = SaveNewPrize(QStringLiteral("won"), 1);
+    ASSERT_NE(Award(won), 0);
+    EXPECT_EQ(PrizeQuery::WhyUnlisted(*Station->GetPrize(won, false), Wednesday), PrizeQuery::Unlisted::AllWon);
 }
 
 TEST_F(PrizeQueryTest, AnEmptyHourFieldIsListedInNoHour)

@@ -99,6 +99,61 @@ TEST_F(PrizeWindowTest, EverythingThatIsTypedIsStored)
     EXPECT_TRUE(window.close());
 }
 
+TEST_F(PrizeWindowTest, ANewPrizeHasOneUnitSoThatTheListsShowItWithoutMore)
+{
+    OpenPrizes();
+    PrizeWindow& window = OpenNew();
+    EXPECT_EQ(Get<QSpinBox>(window, "numberSupplied").value(), 1);
+    EXPECT_FALSE(window.IsChanged()) << "nothing was typed yet";
+    Type(Title(window), QStringLiteral("Two tickets"));
+    Save(window);
+    ASSERT_GT(window.Reference(), 0);
+    EXPECT_EQ(Stored(window.Reference())->NumberSupplied(), 1);
+    EXPECT_EQ(Notice(window), QString());
+    EXPECT_TRUE(WaitUntil([&] { return List().References().contains(window.Reference()); }));
+    window.close();
+}
+
+TEST_F(PrizeWindowTest, APrizeThatIsInNoListSaysWhyWhenItIsSaved)
+{
+    OpenPrizes();
+    PrizeWindow& window = OpenNew();
+    Type(Title(window), QStringLiteral("Two tickets"));
+    auto& number = Get<QSpinBox>(window, "numberSupplied");
+    const auto supply = [&](const char* count) {
+        number.setFocus();
+        number.selectAll();
+        QTest::keyClicks(&number, QLatin1String(count));
+    };
+    supply("0");
+    EXPECT_EQ(Notice(window), QString()) << "while it is typed nothing is said";
+    Save(window);
+    EXPECT_EQ(Notice(window), QStringLiteral("“Two tickets” is in no list of available prizes, because none is "
+                                             "supplied: enter how many there are."));
+    supply("3");
+    Page(window, 1);
+    Type(Get<QLineEdit>(window, "start"), QStringLiteral("22/11/2026 06:30"));
+    Save(window);
+    EXPECT_EQ(Notice(window), QStringLiteral("“Two tickets” is in no list of available prizes yet, because it starts "
+                                             "on 22 November 2026, 06:30. It is listed from 23 November 2026 on."));
+    Type(Get<QLineEdit>(window, "start"), QString());
+    Type(Get<QLineEdit>(window, "end"), QStringLiteral("20/11/2026"));
+    Save(window);
+    EXPECT_EQ(Notice(window), QStringLiteral("“Two tickets” is in no list of available prizes any more, because its "
+                                             "time ended on 20 November 2026, 23:59."));
+    Type(Get<QLineEdit>(window, "end"), QString());
+    auto& hours = Get<WeekHours>(window, "hours");
+    WeekOfHours none;
+    none.fill(QString(24, QLatin1Char(' ')));
+    hours.SetHours(none);
+    Save(window);
+    EXPECT_EQ(Notice(window),
+              QStringLiteral("“Two tickets” is in no list of an hour, because no hour of the week is marked for it."));
+    window.close();
+    // Who only opens it is told of its hours, dates and units by the window itself.
+    ASSERT_TRUE(WaitUntil([this] { return Prizes().PrizeWindows().isEmpty(); }));
+}
+
 TEST_F(PrizeWindowTest, TheHoursAreSaidInWordsWhileTheyArePainted)
 {
     OpenPrizes();
