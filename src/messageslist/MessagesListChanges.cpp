@@ -31,12 +31,12 @@ QString ListOf(const QList<qint32>& references)
     return numbers.join(QLatin1Char(','));
 }
 } // namespace
-void uMessagesList::TakeChanges()
+bool uMessagesList::TakeChanges()
 {
     // It would end the typing of a folder's name in the middle, and take half a find text. It comes with the tick
     // behind.
     if (!HasDatabase() || treeCategories_->IsEditingLabel() || comboFind_->IsBeingTyped())
-        return;
+        return false;
     const QPointer<uMessagesList> self(this);
     const Date stamp = clsTolvaDatabase_->Watch().MessageStamp();
     if (stamp.IsNone()) {
@@ -48,6 +48,7 @@ void uMessagesList::TakeChanges()
         Display(Reading::ChangedRows);
     if (self && HasDatabase())
         TakeFolderChanges();
+    return self && HasDatabase() && !IsBehind(stamp);
 }
 
 /// Folders have no stamp: they are few, and are compared with those in the tree.

@@ -221,7 +221,7 @@ private:
     void UpdateTrashImage();
 
     // What other computers change; MessagesListChanges.cpp.
-    void TakeChanges() override;
+    bool TakeChanges() override;
     void TakeFolderChanges();
     bool DrawChanges(const Query& query, RowsRead& read);
     QHash<qint32, cMessagePtr> ReadMessages(const QList<qint32>& references, RowsRead& read);

@@ -154,8 +154,8 @@ void AnsweredMarks::Note(qint32 original, qint32 answer, bool goesOut)
     const clsKVUser* user = Station_.Directory().CurrentUser();
     if (!user || answer == 0)
         return;
-    Unwritten_.append({original, answer, goesOut, user->Name(), goesOut ? ClockHelper::NowUTC() : Date()});
     const dao::LockPatience patience(ShortWait::Milliseconds);
+    Unwritten_.append({original, answer, goesOut, user->Name(), goesOut ? ClockHelper::NowUTC() : Date()});
     WriteFiled();
 }
 
@@ -203,6 +203,7 @@ void AnsweredMarks::Write(const Filed& filed)
 qint32 AnsweredMarks::OriginalOf(qint32 draft) const
 {
     try {
+        const dao::LockPatience patience(ShortWait::Milliseconds);
         const QList<AnsweredMessage> originals = AnswerLedger(Station_.Directory().File()).OriginalsOf(draft);
         return originals.isEmpty() ? 0 : originals.first().Message;
     } catch (const dao::Error&) {

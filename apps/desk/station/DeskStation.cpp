@@ -88,6 +88,7 @@ void DeskStation::Open(const QString& folder, const QString& user)
     RequireStation(folder);
     try {
         OpenDirectory(Directory_, folder);
+        Directory_.SetLogGivesWay(true);
         if (!Directory_.SignIn(user)) {
             throw Failure(exitNoUser,
                           QStringLiteral("\u201C%1\u201D is not a user of this station. Its technician can add users.")

@@ -16,7 +16,6 @@
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
 #include "contacts/RowPeople.h"
-#include "database/watch/StationWatch.h"
 #include "messages/ArrivalCue.h"
 #include "messages/AttachmentList.h"
 #include "messages/MessageCommands.h"
@@ -103,8 +102,13 @@ MainWindow::MainWindow(std::unique_ptr<DeskStation> station, DeskSettings& setti
     connect(&Station_->Database(), &cTolvaDatabase::MessageSaved, this, [this] { CountTimer_.start(); });
     connect(&Station_->Database(), &cTolvaDatabase::MessageDeleted, this, [this] { CountTimer_.start(); });
 
-    // Behind the look itself, which may have failed.
-    connect(&Station_->Database().Watch(), &StationWatch::Polled, this, &MainWindow::TakeLook, Qt::QueuedConnection);
+    for (const StationList* list :
+         {static_cast<StationList*>(List_), static_cast<StationList*>(&Prizes_->Page().List())}) {
+        connect(list, &StationList::Looked, this, [this, list] {
+            if (list->isVisible())
+                TakeLook();
+        });
+    }
     Run([this] { ShowTitle(); });
     TakeSelection(nullptr);
     TakePage(Prizes_->IsOnShow());

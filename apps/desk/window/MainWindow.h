@@ -157,6 +157,7 @@ private:
     void Say(const QString& words);
     void ShowCounts();
     void ShowUnreadCounts();
+    void ShowUser();
     void ShowConnectionProblem(int errorNumber);
     void TakePutBack();
     void ReopenStation();

@@ -3,10 +3,11 @@
 // The numbers that the main window shows: messages of the folder on show, unread ones of all folders, the last look.
 
 #include "MainWindow.h"
-#include "NoticeBar.h"
+#include "answering/ShortWait.h"
 #include "common/ClockHelper.h"
 #include "messages/ArrivalCue.h"
 #include "messageslist/uMessagesList.h"
+#include "platform/records/LockPatience.h"
 
 #include <QLabel>
 #include <QLocale>
@@ -19,10 +20,11 @@ QString TimeNow()
 }
 } // namespace
 
-/// When the desk looked last whether there is something new, be there something or not.
+/// When the desk looked last whether there is something new, be there something or not. A file that was taken away or
+/// replaced still answers through the one that is open here.
 void MainWindow::TakeLook()
 {
-    if (Connection_->isHidden())
+    if (!MustReopen_)
         Updated_->setText(tr("Updated %1").arg(TimeNow()));
 }
 
@@ -43,13 +45,20 @@ void MainWindow::ShowCounts()
         Counts_->setText(List_->IsFiltered() || List_->IsFilling()
                              ? messages
                              : tr("%1, %2 unread").arg(messages, locale.toString(unread->RecordCount())));
-        const clsKVUser* user = Station_->Directory().CurrentUser();
-        User_->setText(user ? user->Name() : QString());
+        ShowUser();
         ShowUnreadCounts();
         ShowTitle();
     } catch (const dao::Error& error) {
         ShowConnectionProblem(error.Number());
     }
+}
+
+/// By the last known name, where somebody has the directory locked.
+void MainWindow::ShowUser()
+{
+    const dao::LockPatience patience(ShortWait::Milliseconds);
+    const clsKVUser* user = Station_->Directory().CurrentUser();
+    User_->setText(user ? user->Name() : QString());
 }
 
 /// Of each folder behind its name, and of the Inbox in the title: a window that is covered tells of new mail there.

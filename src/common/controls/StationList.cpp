@@ -126,7 +126,11 @@ void StationList::TakePoll(const QObject* asker)
             return;
         timerUpdateList_->start();
     }
-    HandleReading("timerUpdateList", [this] { TakeChanges(); });
+    HandleReading("timerUpdateList", [this] {
+        const QPointer<StationList> self(this);
+        if (TakeChanges() && self)
+            Q_EMIT Looked();
+    });
 }
 
 bool StationList::IsBehind(Date stamp) const

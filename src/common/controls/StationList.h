@@ -116,6 +116,8 @@ Q_SIGNALS:
     void FillProgress(int done, int total);
     /// The rows on show are those of the database, as of now.
     void DisplayUpdated();
+    /// A tick has looked whether others changed something, and the rows on show are those of the database.
+    void Looked();
     /// A tick, or the kind that was chosen, could not be read. A host that says so in its own words sets IsTold;
     /// otherwise it goes to UserInterface::RunTimeError.
     void ReadingFailed(int ErrorNumber, bool& IsTold);
@@ -175,8 +177,8 @@ protected:
     virtual void DrawStoredRow(int row) = 0;
     /// The current row is another one, or shows something else.
     virtual void TakeSelection() = 0;
-    /// Some list of the station polls.
-    virtual void TakeChanges() = 0;
+    /// Some list of the station polls. True when the rows on show are those of the database behind that.
+    virtual bool TakeChanges() = 0;
     virtual void TakePreferencesChange(int flags, const QString& name) = 0;
     virtual void TakeNodeClick(const QString& key) = 0;
     /// What the find box drops down.

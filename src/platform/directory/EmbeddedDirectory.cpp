@@ -3,6 +3,7 @@
 
 #include "platform/directory/DirectoryTables.h"
 #include "platform/directory/EmbeddedDirectoryUser.h"
+#include "platform/records/LockPatience.h"
 #include "platform/records/Transaction.h"
 
 #include <QDir>
@@ -86,7 +87,13 @@ QList<clsKVContactPtr> ReadContacts(dao::Recordset& rows)
 
 } // namespace
 
-EmbeddedDirectory::EmbeddedDirectory() : UtcNow_(&QDateTime::currentDateTimeUtc) {}
+EmbeddedDirectory::EmbeddedDirectory() : UtcNow_(&QDateTime::currentDateTimeUtc)
+{
+    constexpr int againMilliseconds = 300;
+    LogTimer_.setSingleShot(true);
+    LogTimer_.setInterval(againMilliseconds);
+    QObject::connect(&LogTimer_, &QTimer::timeout, &LogTimer_, [this] { StoreLogUnlessLocked(); });
+}
 
 EmbeddedDirectory::~EmbeddedDirectory()
 {
@@ -222,16 +229,34 @@ void EmbeddedDirectory::DeleteContact(qint32 reference)
 bool EmbeddedDirectory::Log(const DirectoryLogEntry& entry)
 {
     constexpr qint64 longestWaitMilliseconds = 1000;
-    if (!CollectsLog_)
-        return StoreLog({entry});
+    if (!CollectsLog_ && !LogGivesWay_)
+        return StoreLog({entry}) == 0;
     if (WaitingLog_.isEmpty())
         WaitingSince_.start();
     WaitingLog_.append(entry);
+    if (!CollectsLog_)
+        return StoreLogUnlessLocked();
     return WaitingSince_.elapsed() < longestWaitMilliseconds || StoreWaitingLog();
 }
 
+/// True also for what waits for a lock: it is stored behind that.
+bool EmbeddedDirectory::StoreLogUnlessLocked()
+{
+    constexpr qint64 longestWaitMilliseconds = 30;
+    if (WaitingLog_.isEmpty() || !Database_)
+        return true;
+    const dao::LockPatience patience(longestWaitMilliseconds);
+    const QList<DirectoryLogEntry> entries = std::exchange(WaitingLog_, {});
+    const int error = StoreLog(entries);
+    if (error != dao::errLocked)
+        return error == 0;
+    WaitingLog_ = entries;
+    LogTimer_.start();
+    return true;
+}
+
 /// In one transaction, the numbers of the entries included.
-bool EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
+int EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
 {
     try {
         dao::Transaction transaction;
@@ -240,16 +265,19 @@ bool EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
         for (const DirectoryLogEntry& entry : entries)
             AddLogEntry(*LogRows_, entry);
         transaction.Commit();
-        return true;
+        return 0;
+    } catch (const dao::Error& error) {
+        LogRows_.reset();
+        return error.Number();
     } catch (const std::exception&) {
         LogRows_.reset();
-        return false;
+        return dao::errOutOfMemory;
     }
 }
 
 bool EmbeddedDirectory::StoreWaitingLog() const
 {
-    return WaitingLog_.isEmpty() || StoreLog(std::exchange(WaitingLog_, {}));
+    return WaitingLog_.isEmpty() || StoreLog(std::exchange(WaitingLog_, {})) == 0;
 }
 
 void EmbeddedDirectory::SetCollectsLog(bool collects)

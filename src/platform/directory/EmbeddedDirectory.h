@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QList>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -109,6 +110,11 @@ public:
     /// of whose entries would cost a commit. What waits when the process is killed is lost. False stores what waits.
     /// Starts false.
     void SetCollectsLog(bool collects);
+    /// True: an entry of the user log that meets a directory which somebody else has locked waits in memory, and is
+    /// stored from the event loop as soon as that has an end, with the next entry, when the log is read, or when the
+    /// directory is closed. For programs with a window, which no entry is to hold up. Starts false: an entry waits as
+    /// long as any write does.
+    void SetLogGivesWay(bool givesWay) { LogGivesWay_ = givesWay; }
 
     /// Where the log's times come from; the system's clock until it is set.
     void SetClock(std::function<QDateTime()> utcNow);
@@ -118,8 +124,10 @@ private:
     dao::Database& Opened() const;
     /// False when it could not be stored.
     bool Log(const DirectoryLogEntry& entry);
-    bool StoreLog(const QList<DirectoryLogEntry>& entries) const;
+    /// The error's number, 0 for none.
+    int StoreLog(const QList<DirectoryLogEntry>& entries) const;
     bool StoreWaitingLog() const;
+    bool StoreLogUnlessLocked();
 
     std::unique_ptr<dao::Database> Database_;
     /// The user log, open from its first entry on: opening it asks a server what the table looks like.
@@ -127,6 +135,8 @@ private:
     std::unique_ptr<User> User_;
     std::function<QDateTime()> UtcNow_;
     bool CollectsLog_ = false;
+    bool LogGivesWay_ = false;
     mutable QList<DirectoryLogEntry> WaitingLog_;
     QElapsedTimer WaitingSince_;
+    QTimer LogTimer_; ///< For what waits for a lock.
 };

@@ -19,11 +19,12 @@ namespace
 constexpr std::size_t MostRowsDrawn = 500;
 const QString NoneOfTable = QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE ([Reference]=0) ");
 } // namespace
-void uPrizesList::TakeChanges()
+bool uPrizesList::TakeChanges()
 {
     // A fill would take half a find text. It comes with the tick behind.
     if (!HasDatabase() || comboFind_->IsBeingTyped())
-        return;
+        return false;
+    const QPointer<uPrizesList> self(this);
     const Date stamp = clsTolvaDatabase_->Watch().PrizeStamp();
     if (stamp.IsNone()) {
         // No stamp, or no answer: a station that cannot be reached must say so rather than be written to.
@@ -32,6 +33,7 @@ void uPrizesList::TakeChanges()
     }
     if (IsBehind(stamp))
         Display(Reading::ChangedRows);
+    return self && HasDatabase() && !IsBehind(stamp);
 }
 
 /// Draws the rows that differ from what is stored, and leaves the others and the user's place as they are. False, with

@@ -115,7 +115,7 @@ private:
     void DrawStoredRow(int row) override;
 
     // What other computers change; PrizesListChanges.cpp.
-    void TakeChanges() override;
+    bool TakeChanges() override;
     bool DrawChanges(dao::Recordset& light, RowsRead& read);
     static std::vector<Line> ReadLines(dao::Recordset& light);
 

@@ -158,6 +158,41 @@ TEST_F(AnsweringDeskTest, ALockedDirectoryHoldsNoWindowAndNothingOfItIsLost)
     EXPECT_EQ(AnswerLedger(Station.Directory().File()).Since({}).size(), 1);
 }
 
+TEST_F(AnsweringDeskTest, SendingWaitsForNobodyWhoHasTheDirectoryLockedAndNothingIsLost)
+{
+    const qint32 reference = FileMail(Mail("Lighthouse"));
+    OpenWindow();
+    Select(reference);
+    Key(Qt::Key_R, Qt::ControlModifier);
+    const QPointer<ComposeWindow> reply = OnlyCompose();
+    ASSERT_TRUE(reply);
+    ASSERT_TRUE(WaitUntil([this] { return Table().size() == 1; }));
+    auto* body = reply->findChild<QPlainTextEdit*>(QStringLiteral("body"));
+    body->insertPlainText(QStringLiteral("Gladly."));
+    StartOther();
+    Tell("lock 4000");
+    ASSERT_TRUE(WaitUntil([this] { return Other.readAllStandardOutput().contains("locked"); }, Patience));
+    QElapsedTimer since;
+    since.start();
+    LongestGap gap;
+    QTest::keyClick(reply, Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(WaitUntil([&] { return reply.isNull(); }));
+    // 30 ms for the log and 30 for the mark; a machine that is at work beside this adds its own.
+    EXPECT_LT(gap.Passed, 1000);
+    EXPECT_LT(since.elapsed(), 2500) << "the lock is held still";
+    EXPECT_EQ(MessagesIn(tmcOutbox).size(), 1);
+    EXPECT_EQ(AnswerLedger(Station.Directory().File()).Since({}).size(), 0);
+    const auto isLogged = [this] {
+        const QList<DirectoryLogEntry> entries = Station.Directory().LogEntries(5);
+        return std::any_of(entries.begin(), entries.end(), [](const DirectoryLogEntry& entry) {
+            return entry.Title == u"Message Added" && entry.Text.contains(u"RE: Lighthouse");
+        });
+    };
+    EXPECT_FALSE(isLogged());
+    EXPECT_TRUE(WaitUntil([&] { return isLogged(); }, Patience));
+    EXPECT_TRUE(WaitUntil([this] { return AnswerLedger(Station.Directory().File()).Since({}).size() == 1; }));
+}
+
 TEST_F(AnsweringDeskTest, WhatAKilledDeskLeftIsGoneAfterAMinute)
 {
     const qint32 reference = FileMail(Mail("Lighthouse"));

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MainWindowTest.h"
 
+#include "HeldFile.h"
+#include "database/watch/StationWatch.h"
+#include "platform/records/LockPatience.h"
+#include "support/FixedClock.h"
+
 TEST_F(MainWindowTest, TheTitleNamesTheStation)
 {
     OpenWindow();
@@ -28,6 +33,55 @@ TEST_F(MainWindowTest, TheStatusBarCountsTheFolder)
     EXPECT_EQ(Label("user"), QStringLiteral("Technician"));
     Key(Qt::Key_6, Qt::ControlModifier);
     EXPECT_TRUE(WaitUntil([this] { return Label("counts") == u"0 messages, 0 unread"; }));
+}
+
+TEST_F(MainWindowTest, UpdatedIsWhenTheDeskLookedLastAndNeitherWhatFailedNorWhatWasLeftOutCounts)
+{
+    FixedClock now;
+    OpenWindow();
+    int looks = 0;
+    QObject::connect(&Database().Watch(), &StationWatch::Polled, Window.get(), [&] { ++looks; });
+    const auto waitForLooks = [&] {
+        const int before = looks;
+        EXPECT_TRUE(WaitUntil([&] { return looks >= before + 3; }));
+    };
+    List().SetAutoUpdateInterval(0.05F);
+    EXPECT_TRUE(WaitUntil([&] { return Label("updated") == u"Updated 14:05:09"; })) << Label("updated").toStdString();
+    now.Advance(60);
+    EXPECT_TRUE(WaitUntil([&] { return Label("updated") == u"Updated 14:06:09"; })) << "nothing was new, and seen so";
+
+    // While somebody types, the list does not look.
+    now.Advance(60);
+    auto* find = List().findChild<QComboBox*>(QStringLiteral("comboFind"))->lineEdit();
+    find->setFocus();
+    QTest::keyClicks(find, QStringLiteral("x"));
+    const QString before = Label("updated");
+    now.Advance(60);
+    waitForLooks();
+    EXPECT_EQ(Label("updated"), before);
+    QTest::keyClick(find, Qt::Key_Backspace);
+    QTest::keyClick(find, Qt::Key_Return);
+
+    // A station that somebody holds locked is no look either, and the time goes on when it answers again.
+    EXPECT_TRUE(WaitUntil([&] { return Label("updated") == u"Updated 14:08:09"; })) << Label("updated").toStdString();
+    {
+        const dao::LockPatience patience(5);
+        const HeldFile held(StationPlace::FileIn(Folder()));
+        now.Advance(60);
+        waitForLooks();
+        EXPECT_EQ(Label("updated"), QStringLiteral("Updated 14:08:09"));
+        EXPECT_NE(Notice("connectionNotice").Text(), QString());
+    }
+    EXPECT_TRUE(WaitUntil([&] { return Label("updated") == u"Updated 14:09:09"; }));
+
+    // Nor is one through the open file of a folder that is gone.
+    ASSERT_TRUE(QDir().rename(Folder(), Folder() + QStringLiteral(".away")));
+    Window->WatchStation();
+    now.Advance(60);
+    waitForLooks();
+    EXPECT_EQ(Label("updated"), QStringLiteral("Updated 14:09:09"));
+    ASSERT_TRUE(QDir().rename(Folder() + QStringLiteral(".away"), Folder()));
+    EXPECT_TRUE(WaitUntil([&] { return Label("updated") == u"Updated 14:10:09"; }, 3 * MainWindow::WatchMilliseconds));
 }
 
 TEST_F(MainWindowTest, TheCountsLeaveOutWhatIsPersonalToOthers)

@@ -3,6 +3,13 @@
 #include "platform/directory/TemporaryDirectory.h"
 #include "platform/records/DBEngine.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QElapsedTimer>
+
+#include <sqlite3.h>
+
 #include <stdexcept>
 #include <unistd.h>
 
@@ -314,6 +321,44 @@ TEST_F(EmbeddedDirectoryUserTest, CollectedEntriesAreStoredTogetherAndInOrder)
     Directory.Close();
     EXPECT_EQ(titles(other).size(), 3);
     EXPECT_TRUE(titles(other).contains(QStringLiteral("third")));
+}
+
+TEST_F(EmbeddedDirectoryUserTest, AnEntryThatGivesWayWaitsForNobodysLockAndIsStoredBehindIt)
+{
+    clsKVUser& user = SignedIn(QStringLiteral("Megan"));
+    Directory.SetLogGivesWay(true);
+    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("free"), QString(), 1, 0));
+    EmbeddedDirectory other;
+    other.Open(FolderName());
+    const auto stored = [&other] { return other.LogEntries(10).size(); };
+    EXPECT_EQ(stored(), 1) << "nothing waits while nobody has the lock";
+    sqlite3* writer = nullptr;
+    ASSERT_EQ(sqlite3_open(QDir(FolderName()).filePath(QStringLiteral("Directory.mdb")).toUtf8().constData(), &writer),
+              SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(writer, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    QElapsedTimer since;
+    since.start();
+    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("first"), QString(), 1, 0));
+    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("second"), QString(), 1, 0));
+    EXPECT_LT(since.elapsed(), 1000) << "a lock is waited for 5 seconds otherwise";
+    EXPECT_EQ(stored(), 1);
+    sqlite3_close(writer);
+    const QDeadlineTimer deadline(5000);
+    while (stored() < 3 && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    EXPECT_EQ(stored(), 3) << "by the event loop alone";
+    const QList<DirectoryLogEntry> entries = other.LogEntries(10);
+    EXPECT_TRUE(entries.at(0).Title == u"second" || entries.at(1).Title == u"second");
+
+    // What still waits is stored when the directory is closed.
+    ASSERT_EQ(sqlite3_open(QDir(FolderName()).filePath(QStringLiteral("Directory.mdb")).toUtf8().constData(), &writer),
+              SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(writer, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("third"), QString(), 1, 0));
+    sqlite3_close(writer);
+    EXPECT_EQ(stored(), 3);
+    Directory.Close();
+    EXPECT_EQ(stored(), 4);
 }
 
 TEST_F(EmbeddedDirectoryUserTest, LogsOfTwoComputersMeetInOneListByTime)
