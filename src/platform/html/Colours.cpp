@@ -191,3 +191,30 @@ double Colours::Contrast(quint32 one, quint32 other)
     const double second = Luminance(other);
     return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
 }
+
+quint32 Colours::Blend(quint32 one, quint32 other, double share)
+{
+    quint32 blend = 0;
+    for (const int shift : {16, 8, 0}) {
+        const double from = (one >> shift) & 0xFFU;
+        const double to = (other >> shift) & 0xFFU;
+        blend |= static_cast<quint32>(std::lround(from + (to - from) * share)) << shift;
+    }
+    return blend;
+}
+
+quint32 Colours::Readable(quint32 colour, quint32 ground, double least)
+{
+    constexpr quint32 black = 0;
+    constexpr quint32 white = 0xFFFFFF;
+    constexpr int steps = 10;
+    const quint32 end = Contrast(black, ground) >= Contrast(white, ground) ? black : white;
+    if (Contrast(colour, ground) >= least)
+        return colour;
+    for (int step = 1; step < steps; ++step) {
+        const quint32 shade = Blend(colour, end, static_cast<double>(step) / steps);
+        if (Contrast(shade, ground) >= GoodContrast)
+            return shade;
+    }
+    return end;
+}

@@ -19,4 +19,12 @@ std::optional<quint32> ReadAttribute(QStringView text);
 QString Text(quint32 colour);
 /// The contrast of two colours, 1 (the same) to 21 (black on white), as the accessibility guidelines compute it.
 double Contrast(quint32 one, quint32 other);
+/// share of other, 0 to 1, in one.
+quint32 Blend(quint32 one, quint32 other, double share);
+/// Contrasts from which on text can be read, and is read well.
+constexpr double LegibleContrast = 3;
+constexpr double GoodContrast = 4.5;
+/// The colour itself where its contrast to that ground is the least one or more, otherwise the nearest of its shades,
+/// towards black or white, that reads well, or as near as black or white get.
+quint32 Readable(quint32 colour, quint32 ground, double least = GoodContrast);
 } // namespace Colours

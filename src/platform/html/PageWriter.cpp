@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <algorithm>
 #include <gumbo.h>
 
 using namespace PageElements;
@@ -26,7 +27,14 @@ constexpr quint32 LinkColourOnDark = 0x9CC3FF;
 constexpr double SmallestPoints = 6;
 constexpr double LargestPoints = 48;
 constexpr double ReadableContrast = 1.5;
+/// Between the strongest and the weakest part of a colour that is more than a grey.
+constexpr int LeastColour = 0x40;
 
+bool IsGrey(quint32 colour)
+{
+    const auto [least, most] = std::minmax({(colour >> 16U) & 0xFFU, (colour >> 8U) & 0xFFU, colour & 0xFFU});
+    return static_cast<int>(most - least) < LeastColour;
+}
 } // namespace
 
 PageWriter::PageWriter(const SafeHtmlOptions& options, SafePage* page) : Options_(options), Page_(page) {}
@@ -163,15 +171,23 @@ void PageWriter::ApplyFontSize(const PageStyle& style, Frame* frame, StartTag* t
         tag->AddStyle("font-size", QStringLiteral("%1pt").arg(frame->Points * Options_.Scale, 0, 'f', 1));
 }
 
-void PageWriter::ApplyColours(const PageStyle& style, Frame* frame, StartTag* tag)
+void PageWriter::ApplyColours(const PageStyle& style, const QString& name, Frame* frame, StartTag* tag)
 {
     frame->HasUnknownGround |= style.HasRemoteContent && !style.Background;
-    if (!Options_.KeepsColours)
+    const bool isMark = Options_.MarkGround && style.Colour && name == QLatin1String("font");
+    if (!Options_.KeepsColours) {
+        if (isMark && !IsGrey(*style.Colour))
+            tag->AddStyle("color", Colours::Text(Colours::Readable(*style.Colour, *Options_.MarkGround)));
         return;
+    }
     if (style.Background) {
         frame->Ground = *style.Background;
         frame->HasUnknownGround = false;
         tag->AddStyle("background-color", Colours::Text(*style.Background));
+    }
+    if (isMark) {
+        tag->AddStyle("color", Colours::Text(Colours::Readable(*style.Colour, frame->Ground)));
+        return;
     }
     // Text for a picture's ground would not be seen on the plain one that is there instead.
     if (style.Colour &&
@@ -182,7 +198,7 @@ void PageWriter::ApplyColours(const PageStyle& style, Frame* frame, StartTag* ta
 void PageWriter::ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, StartTag* tag)
 {
     ApplyFontSize(style, frame, tag);
-    ApplyColours(style, frame, tag);
+    ApplyColours(style, name, frame, tag);
     if (style.Bold)
         tag->AddStyle("font-weight", *style.Bold ? QStringLiteral("bold") : QStringLiteral("normal"));
     if (style.Italic)

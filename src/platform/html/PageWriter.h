@@ -62,7 +62,7 @@ private:
     void CountAttributes(const GumboInternalNode* node);
     void ApplyStyle(const PageStyle& style, const QString& name, Frame* frame, StartTag* tag);
     void ApplyFontSize(const PageStyle& style, Frame* frame, StartTag* tag);
-    void ApplyColours(const PageStyle& style, Frame* frame, StartTag* tag);
+    void ApplyColours(const PageStyle& style, const QString& name, Frame* frame, StartTag* tag);
     void Push(Frame frame, const StartTag& tag);
     void Pop();
     bool IsFull() const;

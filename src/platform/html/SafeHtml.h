@@ -6,12 +6,16 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 /// How MakeSafe writes a page.
 struct SafeHtmlOptions
 {
     /// Colours as the mail has them; without them the page takes all its colours from where it is shown.
     bool KeepsColours = true;
+    /// Where the page is shown, 0xRRGGBB. With it, colours of font elements, which the marks of words are, are shown in
+    /// a shade that reads well; without KeepsColours as well, while greys take the colour of all text then.
+    std::optional<quint32> MarkGround;
     /// Paragraphs and fonts are p and font as in the mail, for who looks for its first lines by them; else they are
     /// written as div and span.
     bool KeepsParagraphs = false;

@@ -3,23 +3,24 @@
 
 #include "platform/html/Colours.h"
 
-#include <cmath>
-
 namespace
 {
-constexpr double LowestRatio = 3;
-constexpr double GoodRatio = 4.5;
-constexpr int Steps = 10;
-
 /// Without the opacity.
 quint32 Solid(const QColor& colour)
 {
     return colour.rgb() & 0xFFFFFFU;
 }
 
-int Mixed(int a, int b, double share)
+QColor Opaque(quint32 colour)
 {
-    return static_cast<int>(std::lround(a + (b - a) * share));
+    return {static_cast<int>(colour >> 16U), static_cast<int>((colour >> 8U) & 0xFFU),
+            static_cast<int>(colour & 0xFFU)};
+}
+
+QColor Shaded(const QColor& text, const QColor& background, double least)
+{
+    const quint32 shade = Colours::Readable(Solid(text), Solid(background), least);
+    return shade == Solid(text) ? text : Opaque(shade);
 }
 } // namespace
 
@@ -37,18 +38,15 @@ QColor Contrast::BlackOrWhite(const QColor& background)
 
 QColor Contrast::Readable(const QColor& text, const QColor& background)
 {
-    if (Ratio(text, background) >= LowestRatio)
-        return text;
-    const QColor end = BlackOrWhite(background);
-    for (int step = 1; step < Steps; ++step) {
-        const QColor shade = Blend(text, end, static_cast<double>(step) / Steps);
-        if (Ratio(shade, background) >= GoodRatio)
-            return shade;
-    }
-    return end;
+    return Shaded(text, background, Colours::LegibleContrast);
+}
+
+QColor Contrast::ReadingWell(const QColor& text, const QColor& background)
+{
+    return Shaded(text, background, Colours::GoodContrast);
 }
 
 QColor Contrast::Blend(const QColor& a, const QColor& b, double share)
 {
-    return {Mixed(a.red(), b.red(), share), Mixed(a.green(), b.green(), share), Mixed(a.blue(), b.blue(), share)};
+    return Opaque(Colours::Blend(Solid(a), Solid(b), share));
 }

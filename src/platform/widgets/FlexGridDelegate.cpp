@@ -212,7 +212,7 @@ QColor FlexGridDelegate::TextColourOf(const CellStyle& style, const QStyleOption
 {
     const QColor background = BackgroundOf(style, option);
     if (style.ForeColour != SystemColour::WindowText)
-        return Contrast::Readable(SystemColour::ToColour(style.ForeColour, option.palette), background);
+        return Contrast::ReadingWell(SystemColour::ToColour(style.ForeColour, option.palette), background);
     if (style.BackColour != SystemColour::WindowBackground)
         return Contrast::BlackOrWhite(background);
     if (IsSelected(option) && HasFocus(option))

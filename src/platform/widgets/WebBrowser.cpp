@@ -191,7 +191,9 @@ void WebBrowser::ShowSafePage()
     EmbeddedPictures_.clear();
     View_->SetPictureSource([this](const QString& address) { return PictureOctets(address); });
     SafeHtmlOptions options;
+    const QPalette colours = IsOnLightGround() ? LightPalette() : palette();
     options.KeepsColours = IsOnLightGround();
+    options.MarkGround = colours.color(QPalette::Base).rgb() & 0xFFFFFFU;
     options.BasePoints = HtmlPoints;
     options.Scale = std::pow(1.1, ZoomSteps_);
     const bool isLong = !ShowsAll_ && Content_.size() > LongestWhole;
@@ -207,7 +209,7 @@ void WebBrowser::ShowSafePage()
 
     QFont pageFont = font();
     pageFont.setPointSizeF(HtmlPoints * options.Scale);
-    View_->ShowPage(page.Html, pageFont, IsOnLightGround() ? LightPalette() : palette());
+    View_->ShowPage(page.Html, pageFont, colours);
     ShowNotice(Withheld(page), page.IsCutShort || isLong || Whole_);
 }
 

@@ -30,6 +30,16 @@ TEST(ContrastTest, AColourThatCannotBeReadIsShadedUntilItReadsWell)
     EXPECT_GT(shade.blue(), shade.red()) << "it is still a blue";
 }
 
+TEST(ContrastTest, RedAsTheMarksOfWordsHaveItReadsWellOnBothThemes)
+{
+    const QColor red(255, 0, 0);
+    for (const QColor& ground : {QColor(255, 255, 255), QColor(0x1D, 0x20, 0x23)}) {
+        const QColor shade = Contrast::ReadingWell(red, ground);
+        EXPECT_GE(Contrast::Ratio(shade, ground), 4.5) << qPrintable(ground.name());
+        EXPECT_GT(shade.red(), shade.green() + 100) << "it is still a red";
+    }
+}
+
 TEST(ContrastTest, AColourOnItselfGivesWayToBlackOrWhiteAtMost)
 {
     for (const QColor& colour : {QColor(255, 0, 0), QColor(119, 119, 119), QColor(0, 0, 0), QColor(255, 255, 255)})

@@ -2,6 +2,7 @@
 #include "platform/html/SafeHtml.h"
 
 #include "PageChecker.h"
+#include "platform/html/Colours.h"
 
 #include <gtest/gtest.h>
 
@@ -186,6 +187,31 @@ TEST(SafeHtmlTest, WithoutColoursNoneIsWritten)
     EXPECT_FALSE(html.contains(QStringLiteral("background"))) << qPrintable(html);
     EXPECT_FALSE(html.contains(QStringLiteral(";color"))) << qPrintable(html);
     EXPECT_FALSE(html.contains(QStringLiteral("#ff0000"))) << qPrintable(html);
+}
+
+TEST(SafeHtmlTest, MarksOfWordsAreReadOnTheirGround)
+{
+    SafeHtmlOptions options;
+    const auto colourOf = [&options](const char* html) {
+        const QString written = MakeSafe(Text(html), options).Html;
+        const qsizetype place = written.lastIndexOf(QStringLiteral(";color:#"));
+        const qsizetype first = place < 0 ? written.lastIndexOf(QStringLiteral("\"color:#")) : place;
+        return first < 0 ? QString() : written.mid(written.indexOf(u'#', first), 7);
+    };
+    const auto number = [](const QString& colour) { return colour.mid(1).toUInt(nullptr, 16); };
+    EXPECT_EQ(colourOf("<font color=red>x</font>"), QStringLiteral("#ff0000")) << "as the mail has it";
+    options.MarkGround = 0xFFFFFF;
+    for (const char* html : {"<font color=red>x</font>", "<div style='background:#202020'><font color=blue>x</font>"}) {
+        const quint32 ground = QString::fromLatin1(html).startsWith(u"<div") ? 0x202020 : 0xFFFFFF;
+        EXPECT_GE(Colours::Contrast(number(colourOf(html)), ground), 4.5) << html;
+    }
+    EXPECT_EQ(colourOf("<font color=#800000>x</font>"), QStringLiteral("#800000")) << "what reads well stays";
+    EXPECT_EQ(colourOf("<p style='color:red'>x"), QStringLiteral("#ff0000")) << "and so does all that is no mark";
+    options.KeepsColours = false;
+    options.MarkGround = 0x1D2023;
+    EXPECT_GE(Colours::Contrast(number(colourOf("<font color=red>x</font>")), 0x1D2023), 4.5);
+    EXPECT_EQ(colourOf("<font color=black>x</font>"), QString()) << "a grey is the colour of all text";
+    EXPECT_EQ(colourOf("<p style='color:red'>x"), QString());
 }
 
 TEST(SafeHtmlTest, ParagraphsAndFontsKeepTheirNamesForWhoAsks)
