@@ -34,11 +34,11 @@ public:
                 Add(*bar, action->isEnabled() ? action->text() : QString());
         }
     }
-    /// Of one menu that is open, or was.
+    /// Of one menu that is open, or was; also of entries that are not enabled at this moment.
     explicit AccessKeys(const QMenu& menu)
     {
         for (const QAction* action : menu.actions()) {
-            if (action->isVisible() && action->isEnabled())
+            if (action->isVisible())
                 Add(action->text());
         }
     }

@@ -29,7 +29,7 @@ MessageUndo::MessageUndo(DeskStation& station, QWidget& window)
     : QObject(&window),
       Station_(station),
       Notice_(new NoticeBar(QStringLiteral("smallopenfolder"), tr("&Undo"), &window)),
-      Action_(new QAction(tr("&Undo the last change"), &window))
+      Action_(new QAction(tr("Undo the la&st change"), &window))
 {
     Notice_->setObjectName(QStringLiteral("moveNotice"));
     Action_->setObjectName(QStringLiteral("undoMove"));

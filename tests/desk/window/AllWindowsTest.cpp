@@ -14,14 +14,18 @@
 #include "contacts/ContactImportDialog.h"
 #include "contacts/ContactsWindow.h"
 #include "database/dialogs/frmDatabaseSettings.h"
+#include "messages/FolderChoice.h"
 #include "messages/MessageWindow.h"
 #include "messages/PreviewPane.h"
+#include "messages/dialogs/frmHighlightSettings.h"
 #include "onair/OnAirDesk.h"
 #include "printing/LabelsDialog.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeChooser.h"
 #include "prizes/PrizeDeskTest.h"
 #include "prizes/PrizeSettingsDialog.h"
+#include "search/SearchDesk.h"
+#include "search/SearchWindow.h"
 #include "station/BackupsDialog.h"
 #include "station/SignInDialog.h"
 #include "station/StartDialog.h"
@@ -125,6 +129,8 @@ protected:
         add(new PrizeChooser(Station, *contact));
         add(new PrizeSettingsDialog(Station));
         add(new frmDirectoryUsers(Station.Directory()));
+        add(new FolderChoice(QStringLiteral("Move"), Station.Database().MessageCategories(), {}, nullptr));
+        add(new frmHighlightSettings(Station.Database()));
         add(new frmPageSetupLabels(nullptr));
         auto* settings = new frmDatabaseSettings(nullptr);
         settings->SetTolvaDatabase(&Station.Database());
@@ -222,8 +228,14 @@ TEST_F(AllWindowsTest, TabReachesEveryControlOfADialog)
 TEST_F(AllWindowsTest, NoUnderlinedLetterMeansTwoThingsInADialog)
 {
     WithDialogs([](QDialog& dialog) {
-        const QStringList clashes = AccessKeys(dialog).Clashes();
-        EXPECT_TRUE(clashes.isEmpty()) << NameOf(dialog) << ": " << clashes.join(u'\n').toStdString();
+        auto* pages = dialog.findChild<QTabWidget*>();
+        for (int page = 0; page < (pages ? pages->count() : 1); ++page) {
+            if (pages)
+                pages->setCurrentIndex(page);
+            const QStringList clashes = AccessKeys(dialog).Clashes();
+            EXPECT_TRUE(clashes.isEmpty())
+                << NameOf(dialog) << ", page " << page << ": " << clashes.join(u'\n').toStdString();
+        }
     });
 }
 
@@ -233,21 +245,33 @@ TEST_F(AllWindowsTest, NoUnderlinedLetterMeansTwoThingsInAMenu)
     const QStringList given = {QStringLiteral("Alt+F: &Forward Message\tCtrl+L / Export to &File"),
                                QStringLiteral("Alt+R: Mark as &Read / &Reply to Message\tCtrl+R")};
     size_t menus = 0;
-    for (const QWidget* window : OpenWindows()) {
+    const std::function<void(QMenu&)> look = [&](QMenu& menu) {
+        Q_EMIT menu.aboutToShow();
+        QStringList clashes = AccessKeys(menu).Clashes();
+        clashes.removeIf([&](const QString& clash) { return given.contains(clash); });
+        EXPECT_TRUE(clashes.isEmpty()) << menu.title().toStdString() << ": " << clashes.join(u'\n').toStdString();
+        ++menus;
+        for (const QAction* entry : menu.actions()) {
+            if (entry->menu())
+                look(*entry->menu());
+        }
+        Q_EMIT menu.aboutToHide();
+    };
+    QList<QWidget*> windows = OpenWindows();
+    // With a message selected, and with none.
+    windows.append(&Window->Search().Window());
+    for (const QWidget* window : windows) {
         for (const auto* bar : window->findChildren<QMenuBar*>()) {
             for (const QAction* entry : bar->actions()) {
                 ASSERT_TRUE(entry->menu());
-                Q_EMIT entry->menu()->aboutToShow();
-                QStringList clashes = AccessKeys(*entry->menu()).Clashes();
-                clashes.removeIf([&](const QString& clash) { return given.contains(clash); });
-                EXPECT_TRUE(clashes.isEmpty())
-                    << entry->text().toStdString() << ": " << clashes.join(u'\n').toStdString();
-                Q_EMIT entry->menu()->aboutToHide();
-                ++menus;
+                look(*entry->menu());
             }
         }
     }
-    EXPECT_GE(menus, 12u);
+    SelectByKeys(*Window, Message);
+    look(*Window->List().MessageMenu());
+    look(*Window->List().CategoryMenu());
+    EXPECT_GE(menus, 20u);
 }
 
 TEST_F(AllWindowsTest, EachWindowOpensWithTheFocusInIt)
