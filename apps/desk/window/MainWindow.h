@@ -156,9 +156,9 @@ private:
     void FocusRows();
     void Say(const QString& words);
     void ShowCounts();
-    void ShowUnreadCounts();
     void ShowUser();
     void ShowConnectionProblem(int errorNumber);
+    void ShowUnreadCounts();
     void TakePutBack();
     void ReopenStation();
     void SayIfReadOnly();
@@ -173,6 +173,7 @@ private:
     bool MayChangeSettings() const;
     void ChangeSettings();
     void ChangeHighlightWords();
+    void ChangeMailAddress();
     void ChangeLabels();
     void BackUpNow();
     void ShowBackups();

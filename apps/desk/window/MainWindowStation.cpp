@@ -15,6 +15,7 @@
 #include "printing/LabelsDialog.h"
 #include "prizes/PrizeDesk.h"
 #include "station/BackupsDialog.h"
+#include "station/MailAddressDialog.h"
 
 #include <QAction>
 #include <QLocale>
@@ -73,6 +74,8 @@ void MainWindow::MakeStationMenu()
     };
     add("settings", tr("Se&ttings..."), tr("The station's name, its numbers and its backups"), true,
         &MainWindow::ChangeSettings);
+    add("mailAddress", tr("&E-mail address..."), tr("The address from which the station's mail goes out"), true,
+        &MainWindow::ChangeMailAddress);
     add("highlightWords", tr("&Highlight words..."), tr("The words that are marked in messages"), true,
         &MainWindow::ChangeHighlightWords);
     ofTechnician.append(Prizes_->MakeSettingsAction());
@@ -113,6 +116,14 @@ void MainWindow::ChangeSettings()
     Run([this] {
         Station_->Database().DisplaySettings();
         ShowTitle();
+    });
+}
+
+void MainWindow::ChangeMailAddress()
+{
+    Run([this] {
+        MailAddressDialog dialog(*Station_, this);
+        dialog.exec();
     });
 }
 

@@ -15,6 +15,7 @@
 #include <QAction>
 #include <QDir>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -154,7 +155,7 @@ TEST_F(StationMenuTest, WhatChangesTheStationNeedsTheRightAndSaysSo)
     AddUser(QStringLiteral("Guest"), 1);
     OpenWindow(QStringLiteral("Guest"));
     Q_EMIT Window->findChild<QMenu*>(QStringLiteral("stationMenu"))->aboutToShow();
-    for (const char* name : {"settings", "highlightWords", "compact", "labelSetup"}) {
+    for (const char* name : {"settings", "mailAddress", "highlightWords", "compact", "labelSetup"}) {
         EXPECT_FALSE(Entry(name).isEnabled()) << name;
         EXPECT_EQ(Entry(name).statusTip(), QStringLiteral("Needs the right to change settings")) << name;
     }
@@ -163,7 +164,7 @@ TEST_F(StationMenuTest, WhatChangesTheStationNeedsTheRightAndSaysSo)
     CloseWindow();
     OpenWindow();
     Q_EMIT Window->findChild<QMenu*>(QStringLiteral("stationMenu"))->aboutToShow();
-    for (const char* name : {"settings", "highlightWords", "compact", "labelSetup"}) {
+    for (const char* name : {"settings", "mailAddress", "highlightWords", "compact", "labelSetup"}) {
         EXPECT_TRUE(Entry(name).isEnabled()) << name;
         EXPECT_NE(Entry(name).statusTip(), QStringLiteral("Needs the right to change settings")) << name;
     }
@@ -347,6 +348,67 @@ TEST_F(StationMenuTest, HighlightWordsAreChangedInTheirDialog)
     Choose("highlightWords");
     EXPECT_EQ(Station.Database().DatabaseSetting(QStringLiteral("Messages.HighlightWords"), QString()).toString(),
               QStringLiteral("lighthouse"));
+}
+
+TEST_F(StationMenuTest, TheAddressThatMailGoesOutFromIsSetAndCheckedAsOne)
+{
+    OpenWindow();
+    const auto stored = [this] {
+        return Station.Database().DatabaseSetting(QStringLiteral("Station.EmailAddress"), QString()).toString();
+    };
+    const QString before = stored();
+    const auto type = [](QDialog& dialog, const QString& text) {
+        auto* box = dialog.findChild<QLineEdit*>(QStringLiteral("stationEmailAddress"));
+        EXPECT_TRUE(box->hasFocus());
+        box->selectAll();
+        QTest::keyClick(box, Qt::Key_Delete);
+        QTest::keyClicks(box, text);
+        QTest::keyClick(box, Qt::Key_Return);
+    };
+    {
+        const DialogVisitor visitor("mailAddressDialog", [&](QDialog& dialog) {
+            Ui.ExpectWarning(QStringLiteral("“studio at example.org” is no e-mail address. Write the address alone, "
+                                            "like studio@example.org."));
+            type(dialog, QStringLiteral("studio at example.org"));
+            EXPECT_TRUE(dialog.isVisible());
+            Ui.ExpectWarning(QStringLiteral("“Studio <studio@example.org>” is no e-mail address. Write the address "
+                                            "alone, like studio@example.org."));
+            type(dialog, QStringLiteral("Studio <studio@example.org>"));
+            EXPECT_EQ(stored(), before);
+            type(dialog, QStringLiteral(" studio@example.org "));
+            EXPECT_FALSE(dialog.isVisible());
+        });
+        Choose("mailAddress");
+    }
+    EXPECT_EQ(stored(), QStringLiteral("studio@example.org"));
+
+    // What is written from now on goes out from it.
+    Composition composition;
+    composition.To = QStringLiteral("ann@example.org");
+    composition.Subject = QStringLiteral("Hello");
+    composition.Body = QStringLiteral("Gladly.");
+    ASSERT_TRUE(Window->Compose(composition)->Send());
+    const cMessagePtr sent = Station.Database().GetMessage(MessagesIn(tmcOutbox).value(0));
+    ASSERT_TRUE(sent);
+    EXPECT_TRUE(sent->CDOMessage()->From().contains(u"<studio@example.org>")) << sent->CDOMessage()->From().toStdString();
+
+    Window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
+
+    // Escape changes nothing; what another computer stored meanwhile is not replaced unasked.
+    {
+        const DialogVisitor visitor("mailAddressDialog", [&](QDialog& dialog) {
+            OtherComputer("setting", {QStringLiteral("Station.EmailAddress"), QStringLiteral("desk@example.org")});
+            Ui.ExpectConfirmation(QStringLiteral("Another computer has set the address to “desk@example.org” "
+                                                 "meanwhile. Do you want to replace that by what stands here?"),
+                                  MessageBoxAnswer::No);
+            type(dialog, QStringLiteral("third@example.org"));
+            EXPECT_TRUE(dialog.isVisible());
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        Choose("mailAddress");
+    }
+    EXPECT_EQ(stored(), QStringLiteral("desk@example.org"));
 }
 
 TEST_F(StationMenuTest, AStationThatWasRestoredWhileOpeningSaysSo)

@@ -27,6 +27,7 @@
 #include "search/SearchDesk.h"
 #include "search/SearchWindow.h"
 #include "station/BackupsDialog.h"
+#include "station/MailAddressDialog.h"
 #include "station/SignInDialog.h"
 #include "station/StartDialog.h"
 #include "window/ReportDialog.h"
@@ -128,6 +129,7 @@ protected:
                                     {QStringLiteral("A card is cut off.")}));
         add(new PrizeChooser(Station, *contact));
         add(new PrizeSettingsDialog(Station));
+        add(new MailAddressDialog(Station));
         add(new frmDirectoryUsers(Station.Directory()));
         add(new FolderChoice(QStringLiteral("Move"), Station.Database().MessageCategories(), {}, nullptr));
         add(new frmHighlightSettings(Station.Database()));
