@@ -92,7 +92,7 @@ QString ContactFiles::Import(EmbeddedDirectory& directory, QWidget* parent)
     }
 }
 
-QString ContactFiles::Export(const QList<clsKVContact>& contacts, const QString& proposed)
+ContactFiles::Exported ContactFiles::Export(const QList<clsKVContact>& contacts, const QString& proposed)
 {
     const auto dialog = FileDialog::Create();
     dialog->DialogTitle = FilesText("Export contacts");
@@ -102,12 +102,13 @@ QString ContactFiles::Export(const QList<clsKVContact>& contacts, const QString&
     dialog->Filename = proposed;
     const std::optional<QString> path = FileChoice::ToSave(*dialog);
     if (!path)
-        return QString();
+        return {};
     const FileStatus status = WholeFile::Write(*path, VCard::Write(contacts), IfThere::Replace);
     if (!status.IsDone()) {
         Words::Warn(FilesText("The contacts could not be saved as %1: %2").arg(*path, status.Words()));
-        return QString();
+        return {};
     }
-    return contacts.size() == 1 ? FilesText("Saved %1").arg(*path)
-                                : FilesText("Saved %1 contacts as %2").arg(QLocale().toString(contacts.size()), *path);
+    return {contacts.size() == 1 ? FilesText("Saved %1").arg(*path)
+                                 : FilesText("Saved %1 contacts as %2").arg(QLocale().toString(contacts.size()), *path),
+            *path};
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ContactsWindow.h"
 
-#include "ContactFiles.h"
 #include "ContactForm.h"
 #include "ContactHistory.h"
 #include "ContactSaving.h"
@@ -13,6 +12,7 @@
 #include "station/DeskStation.h"
 #include "window/ClosingQuestion.h"
 #include "window/FileNames.h"
+#include "window/SavedNotice.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -46,6 +46,7 @@ ContactsWindow::ContactsWindow(DeskStation& station, QWidget* parent)
       Find_(new QLineEdit(this)),
       List_(new ListView(this)),
       Note_(new QLabel(this)),
+      Saved_(new SavedNotice(this)),
       Form_(new ContactForm(this)),
       History_(new ContactHistory(station, this))
 {
@@ -60,7 +61,15 @@ ContactsWindow::ContactsWindow(DeskStation& station, QWidget* parent)
     splitter->addWidget(MakePage());
     splitter->setStretchFactor(0, 2);
     splitter->setStretchFactor(1, 3);
-    setCentralWidget(splitter);
+    // Its usual letter is that of "Delete" here.
+    Saved_->SetButton(tr("Open folde&r"));
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(Saved_);
+    layout->addWidget(splitter, 1);
+    setCentralWidget(page);
     MakeActions();
     statusBar()->setSizeGripEnabled(false);
     connect(Find_, &QLineEdit::textChanged, this, &ContactsWindow::FillList);
@@ -414,13 +423,21 @@ void ContactsWindow::ExportAll()
     QList<clsKVContact> contacts;
     for (const clsKVContactPtr& contact : Search_.Contacts())
         contacts.append(*contact);
-    Tell(ContactFiles::Export(contacts, tr("Contacts.vcf")));
+    TellExport(ContactFiles::Export(contacts, tr("Contacts.vcf")));
 }
 
 void ContactsWindow::ExportShown()
 {
     if (Shown_ && !IsNew())
-        Tell(ContactFiles::Export({*Shown_}, FileNames::Cleaned(Shown_->Name + QStringLiteral(".vcf"))));
+        TellExport(ContactFiles::Export({*Shown_}, FileNames::Cleaned(Shown_->Name + QStringLiteral(".vcf"))));
+}
+
+void ContactsWindow::TellExport(const ContactFiles::Exported& exported)
+{
+    if (exported.Path.isEmpty())
+        return;
+    Tell(exported.Words);
+    Saved_->ShowFile(exported.Path);
 }
 
 void ContactsWindow::Tell(const QString& words)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "contacts/ContactFiles.h"
 #include "contacts/ContactSearch.h"
 #include "platform/directory/EmbeddedDirectory.h"
 
@@ -10,6 +11,7 @@ class ContactForm;
 class ContactHistory;
 class DeskStation;
 class ListView;
+class SavedNotice;
 class QAction;
 class QLabel;
 class QLineEdit;
@@ -74,12 +76,14 @@ private:
     bool IsNew() const;
     QString DeletionQuestion(const clsKVContact& contact) const;
     void Tell(const QString& words);
+    void TellExport(const ContactFiles::Exported& exported);
 
     DeskStation& Station_;
     ContactSearch Search_;
     QLineEdit* Find_;
     ListView* List_;
     QLabel* Note_;
+    SavedNotice* Saved_;
     ContactForm* Form_;
     ContactHistory* History_;
     QPushButton* SaveButton_ = nullptr;

@@ -8,6 +8,7 @@
 #include "printing/PrintControls.h"
 #include "printing/PrintTarget.h"
 #include "station/DeskStation.h"
+#include "window/SavedNotice.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -23,14 +24,16 @@
 using PrintControls::MakeButton;
 using PrintControls::MakeWords;
 
-LabelsDialog::LabelsDialog(DeskStation& station, QWidget* parent) : QDialog(parent), Station_(station)
+LabelsDialog::LabelsDialog(DeskStation& station, QWidget* parent)
+    : QDialog(parent), Station_(station), Saved_(new SavedNotice(this))
 {
     setObjectName(QStringLiteral("labelsDialog"));
     setWindowTitle(tr("Print labels"));
     auto* layout = new QGridLayout(this);
     layout->addWidget(MakeChoice(), 0, 0);
     layout->addWidget(MakeSheet(), 0, 1);
-    layout->addWidget(MakeButtons(), 1, 0, 1, 2);
+    layout->addWidget(Saved_, 1, 0, 1, 2);
+    layout->addWidget(MakeButtons(), 2, 0, 1, 2);
     layout->setColumnStretch(0, 3);
     layout->setColumnStretch(1, 2);
     layout->setRowStretch(0, 1);
@@ -291,8 +294,12 @@ void LabelsDialog::Update()
 void LabelsDialog::Print(const LabelSheet& sheet)
 {
     const std::unique_ptr<QPagedPaintDevice> printer = PrintTarget::PrinterForSheets(this);
-    if (printer && !sheet.Print(*printer))
+    if (!printer)
+        return;
+    if (!sheet.Print(*printer))
         Words::Warn(tr("The printer took no labels. Check that it is switched on and has this paper."));
+    else if (const QString file = PrintTarget::FileOf(*printer); !file.isEmpty())
+        Saved_->ShowFile(file);
 }
 
 void LabelsDialog::SavePdf()
@@ -302,6 +309,8 @@ void LabelsDialog::SavePdf()
         return;
     QString problem;
     const LabelSheet sheet(Station_.Database().AddressLabelsPageSetup(), Paper(), Texts(), StartAt());
-    if (!sheet.WritePdf(*file, problem))
+    if (sheet.WritePdf(*file, problem))
+        Saved_->ShowFile(*file);
+    else
         Words::Warn(problem);
 }

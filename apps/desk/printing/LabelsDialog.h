@@ -9,6 +9,7 @@
 class DeskStation;
 class LabelPreview;
 class LabelSheet;
+class SavedNotice;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -64,5 +65,6 @@ private:
     QPushButton* Test_ = nullptr;
     QPushButton* Print_ = nullptr;
     QPushButton* Save_ = nullptr;
+    SavedNotice* Saved_;
     bool IsFilling_ = false;
 };

@@ -10,6 +10,7 @@
 #include "printing/PrintTarget.h"
 #include "station/DeskStation.h"
 #include "window/FileNames.h"
+#include "window/SavedNotice.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -34,7 +35,7 @@ constexpr qsizetype LongestPrintedName = 300;
 }
 
 PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob job, QWidget* parent)
-    : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job))
+    : QDialog(parent), Station_(station), Settings_(settings), Job_(std::move(job)), Saved_(new SavedNotice(this))
 {
     setObjectName(QStringLiteral("printDialog"));
     setWindowTitle(IsOfOrder()   ? tr("Print running order")
@@ -44,7 +45,8 @@ PrintDialog::PrintDialog(DeskStation& station, DeskSettings& settings, PrintJob 
     auto* layout = new QGridLayout(this);
     layout->addWidget(MakeChoice(), 0, 0);
     layout->addWidget(MakePreview(), 0, 1);
-    layout->addWidget(MakeButtons(), 1, 0, 1, 2);
+    layout->addWidget(Saved_, 1, 0, 1, 2);
+    layout->addWidget(MakeButtons(), 2, 0, 1, 2);
     layout->setColumnStretch(1, 1);
     layout->setRowStretch(0, 1);
     resize(900, 680);
@@ -354,6 +356,8 @@ void PrintDialog::Print()
         first, last);
     if (!isPrinted && !isStopped)
         Words::Warn(tr("The printer took no pages. Check that it is switched on and has this paper."));
+    if (const QString file = PrintTarget::FileOf(*device); isPrinted && !file.isEmpty())
+        Saved_->ShowFile(file);
 }
 
 QString PrintDialog::FileName() const
@@ -372,11 +376,15 @@ void PrintDialog::SavePdf()
         return;
     Remember();
     QString problem;
+    bool isWritten = false;
     {
         const BusyPointer busy;
         const auto progress = UserInterface::Current().Progress(tr("Writing pages"));
-        Pages_->WritePdf(*file, problem, [&](int page, int count) { return progress->Advance(page, count); });
+        isWritten =
+            Pages_->WritePdf(*file, problem, [&](int page, int count) { return progress->Advance(page, count); });
     }
     if (!problem.isEmpty())
         Words::Warn(problem);
+    else if (isWritten)
+        Saved_->ShowFile(*file);
 }

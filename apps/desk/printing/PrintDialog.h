@@ -16,6 +16,7 @@
 class DeskSettings;
 class DeskStation;
 class PageSheet;
+class SavedNotice;
 class QCheckBox;
 class QComboBox;
 class QLabel;
@@ -121,4 +122,5 @@ private:
     QComboBox* Zoom_ = nullptr;
     QPushButton* Print_ = nullptr;
     QPushButton* Save_ = nullptr;
+    SavedNotice* Saved_;
 };

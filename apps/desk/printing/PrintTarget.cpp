@@ -44,6 +44,12 @@ std::unique_ptr<QPagedPaintDevice> PrintTarget::PrinterForSheets(QWidget* parent
     return ChoosePrinter(parent, std::nullopt);
 }
 
+QString PrintTarget::FileOf(const QPagedPaintDevice& device)
+{
+    const auto* printer = dynamic_cast<const QPrinter*>(&device);
+    return printer ? printer->outputFileName() : QString();
+}
+
 std::optional<QString> PrintTarget::PdfFile(const QString& title, const QString& name)
 {
     const auto dialog = FileDialog::Create();

@@ -17,6 +17,8 @@ namespace PrintTarget
 std::unique_ptr<QPagedPaintDevice> PrinterForPages(QWidget* parent, int pageCount);
 /// A printer for sheets, which are printed whole and in order; null when the user cancels.
 std::unique_ptr<QPagedPaintDevice> PrinterForSheets(QWidget* parent);
+/// The file that the device writes instead of printing; empty for a printer.
+QString FileOf(const QPagedPaintDevice& device);
 /// A PDF file, by a dialog with this title that proposes this name; nothing when the user cancels.
 std::optional<QString> PdfFile(const QString& title, const QString& name);
 

@@ -9,6 +9,7 @@
 #include "FocusRing.h"
 #include "NoticeBar.h"
 #include "RowRecovery.h"
+#include "SavedNotice.h"
 #include "StationPlace.h"
 #include "Words.h"
 #include "answering/AnsweringDesk.h"
@@ -38,12 +39,10 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QLabel>
 #include <QMenu>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace
@@ -130,12 +129,8 @@ void MainWindow::MakeParts()
     Connection_->setObjectName(QStringLiteral("connectionNotice"));
     Filter_ = new NoticeBar(QStringLiteral("search"), tr("Sho&w all"), this);
     Filter_->setObjectName(QStringLiteral("filterNotice"));
-    Exported_ = new NoticeBar(QStringLiteral("save"), tr("Open fol&der"), this);
+    Exported_ = new SavedNotice(this);
     Exported_->setObjectName(QStringLiteral("exportNotice"));
-    connect(Exported_, &NoticeBar::ButtonClicked, this, [this] {
-        Exported_->Show(QString());
-        QDesktopServices::openUrl(QUrl::fromLocalFile(ExportFolder_));
-    });
     ReadOnly_ = new NoticeBar(QStringLiteral("warning"), QString(), this);
     ReadOnly_->setObjectName(QStringLiteral("readOnlyNotice"));
     Unsent_ = new NoticeBar(QStringLiteral("draft"), tr("Open &again"), this);

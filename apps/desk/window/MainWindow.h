@@ -32,6 +32,7 @@ class OnAirDesk;
 class PreviewPane;
 class PrizeDesk;
 class SameMailNotice;
+class SavedNotice;
 class SearchDesk;
 class SendingDesk;
 class SongDesk;
@@ -157,8 +158,8 @@ private:
     void Say(const QString& words);
     void ShowCounts();
     void ShowUser();
-    void ShowConnectionProblem(int errorNumber);
     void ShowUnreadCounts();
+    void ShowConnectionProblem(int errorNumber);
     void TakePutBack();
     void ReopenStation();
     void SayIfReadOnly();
@@ -172,8 +173,8 @@ private:
 
     bool MayChangeSettings() const;
     void ChangeSettings();
-    void ChangeHighlightWords();
     void ChangeMailAddress();
+    void ChangeHighlightWords();
     void ChangeLabels();
     void BackUpNow();
     void ShowBackups();
@@ -209,8 +210,7 @@ private:
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* ReadOnly_ = nullptr;
-    NoticeBar* Exported_ = nullptr;
-    QString ExportFolder_;
+    SavedNotice* Exported_ = nullptr;
     NoticeBar* Filter_ = nullptr;
     NoticeBar* Unsent_ = nullptr;
     std::vector<UnsentText::Found> UnsentTexts_; ///< Of desks that ended without closing.

@@ -59,8 +59,7 @@ void MainWindow::ConnectCommands()
 /// It says for a while where the files lie.
 void MainWindow::TakeExport(const QString& words, const QString& folder)
 {
-    ExportFolder_ = folder;
-    Exported_->Show(words);
+    Exported_->ShowIn(words, folder);
     QTimer::singleShot(MessageUndo::NoticeMilliseconds, Exported_, [this, words] {
         if (Exported_->Text() == words)
             Exported_->Show(QString());

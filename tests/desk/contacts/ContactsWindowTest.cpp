@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "contacts/ContactsWindow.h"
 
+#include "AccessKeys.h"
 #include "WindowTest.h"
 #include "contacts/ContactDesk.h"
 #include "contacts/ContactForm.h"
 #include "contacts/ContactHistory.h"
 #include "platform/widgets/ListView.h"
 #include "support/ScriptedFileDialog.h"
+#include "window/SavedNotice.h"
 
 #include <QAbstractItemModelTester>
 #include <QLabel>
@@ -472,4 +474,9 @@ TEST_F(ContactsWindowTest, ContactsAreExported)
     Contacts->ExportAll();
     EXPECT_EQ(Read(Path(QStringLiteral("all.vcf"))).count("BEGIN:VCARD"), 2);
     EXPECT_EQ(Status(), QStringLiteral("Saved 2 contacts as %1").arg(Path(QStringLiteral("all.vcf"))));
+    auto* saved = Contacts->findChild<SavedNotice*>(QStringLiteral("savedNotice"));
+    ASSERT_TRUE(saved);
+    EXPECT_TRUE(saved->isVisible());
+    EXPECT_EQ(saved->Text(), QStringLiteral("Saved as %1").arg(Path(QStringLiteral("all.vcf"))));
+    EXPECT_EQ(AccessKeys(*Contacts).Clashes(), QStringList());
 }

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "printing/LabelsDialog.h"
 
+#include "AccessKeys.h"
 #include "DeskTest.h"
 #include "StationPlace.h"
 #include "platform/records/DBEngine.h"
 #include "printing/PrintTarget.h"
 #include "support/ScriptedFileDialog.h"
+#include "window/SavedNotice.h"
 
 #include <QBuffer>
 #include <QComboBox>
@@ -158,6 +160,10 @@ TEST_F(LabelsDialogTest, LabelsAreSavedAsAPdfFile)
     EXPECT_TRUE(pdf.startsWith("%PDF"));
     EXPECT_EQ(Pages(pdf), 1);
     EXPECT_EQ(files.Requests().first().DefaultExt, QStringLiteral("pdf"));
+    EXPECT_TRUE(Part<SavedNotice>("savedNotice").isVisible());
+    EXPECT_EQ(Part<SavedNotice>("savedNotice").Text(),
+              QStringLiteral("Saved as %1").arg(Path(QStringLiteral("labels.pdf"))));
+    EXPECT_EQ(AccessKeys(*Dialog).Clashes(), QStringList());
 }
 
 TEST_F(LabelsDialogTest, APdfFileThatCannotBeWrittenIsToldInWords)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "printing/PrintDialog.h"
 
+#include "AccessKeys.h"
 #include "LongestGap.h"
 #include "WindowTest.h"
 #include "messages/MessageWindow.h"
@@ -8,6 +9,7 @@
 #include "printing/PageSheet.h"
 #include "printing/PrintTarget.h"
 #include "support/ScriptedFileDialog.h"
+#include "window/SavedNotice.h"
 
 #include <QAction>
 #include <QBuffer>
@@ -16,6 +18,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPdfWriter>
+#include <QPrinter>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSpinBox>
@@ -177,6 +180,44 @@ TEST_F(PrintDialogTest, SavingWritesThePagesAndRemembersTheTemplateAndThePaper)
     EXPECT_EQ(Part<QComboBox>("template").currentText(), QStringLiteral("Whole messages"));
 }
 
+TEST_F(PrintDialogTest, ALineSaysWhereTheFileLiesAndOpensItsFolder)
+{
+    Open({{FileMail(Mail("A card"))}, nullptr});
+    auto& saved = Part<SavedNotice>("savedNotice");
+    EXPECT_TRUE(saved.isHidden());
+    ScriptedFileDialog files;
+    const QString file = Path(QStringLiteral("card.pdf"));
+    files.ExpectSave(file);
+    Click("savePdf");
+    EXPECT_TRUE(saved.isVisible());
+    EXPECT_EQ(saved.Text(), QStringLiteral("Saved as %1").arg(file));
+    EXPECT_EQ(AccessKeys(*Dialog).Clashes(), QStringList());
+    QString opened;
+    SavedNotice::SetFolderOpener([&opened](const QString& folder) { opened = folder; });
+    QTest::mouseClick(saved.findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_EQ(opened, QFileInfo(file).absolutePath());
+    EXPECT_TRUE(saved.isHidden());
+
+    // Printing into a file is told as well; printing on paper is not.
+    const QString printed = Path(QStringLiteral("printed.pdf"));
+    PrintTarget::SetPrinterChooser([&](QWidget*, std::optional<int>) {
+        auto printer = std::make_unique<QPrinter>();
+        printer->setOutputFormat(QPrinter::PdfFormat);
+        printer->setOutputFileName(printed);
+        return printer;
+    });
+    Click("print");
+    EXPECT_EQ(saved.Text(), QStringLiteral("Saved as %1").arg(printed));
+    EXPECT_EQ(Pages(Read(printed)), 1);
+    saved.Show(QString());
+    QBuffer paper;
+    paper.open(QIODevice::WriteOnly);
+    PrintTarget::SetPrinterChooser([&](QWidget*, std::optional<int>) { return std::make_unique<QPdfWriter>(&paper); });
+    Click("print");
+    EXPECT_TRUE(saved.isHidden());
+    SavedNotice::SetFolderOpener({});
+}
+
 TEST_F(PrintDialogTest, AFileThatCannotBeWrittenIsToldInWords)
 {
     Open({{FileMail(Mail("A card"))}, nullptr});
@@ -186,6 +227,7 @@ TEST_F(PrintDialogTest, AFileThatCannotBeWrittenIsToldInWords)
     Ui.ExpectWarning(
         QStringLiteral("The file \"%1\" could not be written: there is no such file or folder.").arg(file));
     Click("savePdf");
+    EXPECT_TRUE(Part<SavedNotice>("savedNotice").isHidden());
 }
 
 TEST_F(PrintDialogTest, PrintingGoesToTheChosenPrinterPageByPage)
