@@ -2,6 +2,7 @@
 #include "SameMails.h"
 
 #include "common/ClockHelper.h"
+#include "database/RowCondition.h"
 #include "database/cTolvaDatabase.h"
 #include "platform/mail/TraceFields.h"
 
@@ -20,14 +21,6 @@ QString OfTheDateOf(const cMessage& message)
     return QStringLiteral("[Sent]>=%1 AND [Sent]<=%2")
         .arg(sent - ToleranceInDays, 0, 'f', 8)
         .arg(sent + ToleranceInDays, 0, 'f', 8);
-}
-
-QString Among(const QList<qint32>& references)
-{
-    QStringList numbers;
-    for (const qint32 reference : references)
-        numbers.append(QString::number(reference));
-    return QStringLiteral("[Reference] IN (%1) AND ").arg(numbers.join(u','));
 }
 } // namespace
 
@@ -53,8 +46,9 @@ QList<qint32> SameMails::Alike(cTolvaDatabase& database, const cMessage& message
     QList<qint32> references;
     if (among && among->isEmpty())
         return references;
-    const auto rows = database.OpenMessageRows({QStringLiteral("Reference"), QStringLiteral("Subject")},
-                                               (among ? Among(*among) : QString()) + OfTheDateOf(message));
+    const auto rows = database.OpenMessageRows(
+        {QStringLiteral("Reference"), QStringLiteral("Subject")},
+        (among ? RowCondition::HasOneOf(*among) + QStringLiteral(" AND ") : QString()) + OfTheDateOf(message));
     const QString subject = message.CDOMessage()->Subject().left(SubjectLength);
     for (; !rows->AtEOF(); rows->MoveNext()) {
         if (rows->Collect(QStringLiteral("Subject")).toString().left(SubjectLength) == subject)

@@ -20,10 +20,16 @@ inline Date LocalDate(const QVariant& value)
     return ClockHelper::UTCToLocal(Date(value.isValid() ? value.toDouble() : 0.0));
 }
 
-/// A stored date of 0 or less is none, like Null.
-inline Date StoredDate(const QVariant& value)
+/// The same, but a stored date of 0 or less is none, like Null.
+inline Date LocalDateOrNone(const QVariant& value)
 {
     return value.toDouble() > 0 ? LocalDate(value) : Date();
+}
+
+/// A stored date as it stands there; none for Null.
+inline Date UniversalDate(const QVariant& value)
+{
+    return value.isValid() ? Date(value.toDouble()) : Date();
 }
 
 /// A universal date as it is stored: Null for none.

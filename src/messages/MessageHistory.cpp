@@ -6,6 +6,7 @@
 #include "common/ListViewObject.h"
 #include "common/PendingError.h"
 #include "common/kvGeneral.h"
+#include "database/RowCondition.h"
 #include "database/StationContext.h"
 #include "database/StationDetails.h"
 #include "database/cTolvaDatabase.h"
@@ -234,10 +235,7 @@ void MessageHistory::FillAmong(cTolvaDatabase& station, ListViewObject& list, co
     list.ClearItems();
     if (references.isEmpty())
         return;
-    QStringList numbers;
-    for (const qint32 reference : references)
-        numbers.append(QString::number(reference));
-    const QString among = QStringLiteral("[Reference] IN (%1)").arg(numbers.join(u','));
+    const QString among = RowCondition::HasOneOf(references);
     const QString where = WhereClause(Entries(emailAddresses), Entries(phoneNumbers), station.StationCountry());
     AddRows(list,
             *station.OpenSnapshot(

@@ -3,6 +3,7 @@
 // Keeping the messages list in step with what other computers change: its rows and its folders.
 
 #include "common/ClockHelper.h"
+#include "database/RowCondition.h"
 #include "database/cTolvaDatabase.h"
 #include "database/watch/StationWatch.h"
 #include "messageslist/CategoryTreeFill.h"
@@ -22,14 +23,6 @@ namespace
 /// Beyond this a fill is quicker to answer: it gives the window time between the rows.
 constexpr std::size_t MostRowsDrawn = 500;
 constexpr qsizetype MessagesOfARead = 100;
-
-QString ListOf(const QList<qint32>& references)
-{
-    QStringList numbers;
-    for (const qint32 reference : references)
-        numbers.append(QString::number(reference));
-    return numbers.join(QLatin1Char(','));
-}
 } // namespace
 bool uMessagesList::TakeChanges()
 {
@@ -122,8 +115,8 @@ QHash<qint32, cMessagePtr> uMessagesList::ReadMessages(const QList<qint32>& refe
     QHash<qint32, cMessagePtr> messages;
     for (qsizetype first = 0; first < references.size(); first += MessagesOfARead) {
         const auto rows =
-            clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] WHERE [Reference] IN (%1)")
-                                                .arg(ListOf(references.mid(first, MessagesOfARead))));
+            clsTolvaDatabase_->OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] WHERE ") +
+                                            RowCondition::HasOneOf(references.mid(first, MessagesOfARead)));
         for (; !rows->AtEOF(); rows->MoveNext()) {
             try {
                 if (const cMessagePtr message = clsTolvaDatabase_->GetMessage(*rows))

@@ -12,8 +12,8 @@
 
 #include <array>
 
+using RowValues::LocalDateOrNone;
 using RowValues::NumberOr;
-using RowValues::StoredDate;
 
 namespace
 {
@@ -78,12 +78,12 @@ bool cPrize::ReadFromRecordSet(qint32 prizeReference, dao::Recordset* recordset)
     SetTitle(column(Column::Title).toString());
     SetSupplierReference(NumberOr(column(Column::SupplierReference), 0));
     SetAddedByReference(NumberOr(column(Column::AddedByReference), 0));
-    SetAddedDate(StoredDate(column(Column::AddedDate)));
+    SetAddedDate(LocalDateOrNone(column(Column::AddedDate)));
     SetNumberSupplied(NumberOr(column(Column::NumberSupplied), 0));
     SetNumberWinners(NumberOr(column(Column::NumberWinners), 0));
-    SetLastWonDate(StoredDate(column(Column::LastWonDate)));
-    SetStartDate(StoredDate(column(Column::StartDate)));
-    SetEndDate(StoredDate(column(Column::EndDate)));
+    SetLastWonDate(LocalDateOrNone(column(Column::LastWonDate)));
+    SetStartDate(LocalDateOrNone(column(Column::StartDate)));
+    SetEndDate(LocalDateOrNone(column(Column::EndDate)));
     for (qint16 day = 1; day <= PrizeHour::DaysAWeek; ++day) {
         // A day without a text is a day without restrictions, as a new prize has it.
         const QString hours = column(HoursColumn(day)).toString();
@@ -143,9 +143,9 @@ bool cPrizeWinner::ReadFromRecordSet(dao::Recordset* recordset)
     SetPrizeReference(NumberOr(column(Column::PrizeReference), 0));
     SetWinnerReference(NumberOr(column(Column::WinnerReference), 0));
     SetAwardedByReference(NumberOr(column(Column::AwardedByReference), 0));
-    SetWonDate(StoredDate(column(Column::WonDate)));
+    SetWonDate(LocalDateOrNone(column(Column::WonDate)));
     SetSentByReference(NumberOr(column(Column::SentByReference), 0));
-    SetSentDate(StoredDate(column(Column::SentDate)));
+    SetSentDate(LocalDateOrNone(column(Column::SentDate)));
     SetNotes(column(Column::Notes).toString());
     SetNotesToSupplier(column(Column::NotesToSupplier).toString());
     return true;

@@ -3,7 +3,9 @@
 
 #include "ShortWait.h"
 #include "common/ClockHelper.h"
+#include "database/RowCondition.h"
 #include "messages/AddressKey.h"
+#include "messages/MessageArrivals.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/records/LockPatience.h"
 #include "platform/records/Recordset.h"
@@ -91,17 +93,11 @@ std::optional<FiledAnswer> AnsweredMarks::Of(qint32 message)
 /// Behind the painting that asked.
 void AnsweredMarks::LookUp()
 {
-    QStringList numbers;
-    for (const qint32 message : std::exchange(Wanted_, {}))
-        numbers.append(QString::number(message));
-    if (numbers.isEmpty() || !Station_.Database().IsOpen())
+    QSet<qint32> others = std::exchange(Wanted_, {});
+    if (others.isEmpty() || !Station_.Database().IsOpen())
         return;
     try {
-        const QList<AnsweredMessage> stored =
-            MessagesWhere(QStringLiteral("[Reference] IN (%1)").arg(numbers.join(u',')));
-        QSet<qint32> others;
-        for (const QString& number : std::as_const(numbers))
-            others.insert(number.toInt());
+        const QList<AnsweredMessage> stored = MessagesWhere(RowCondition::HasOneOf(others));
         for (const AnsweredMessage& message : stored) {
             const auto answer = Answers_.constFind(message.Message);
             if (answer == Answers_.constEnd() || !IsSameMoment(answer->Original.Arrived, message.Arrived))
@@ -121,12 +117,9 @@ void AnsweredMarks::LookUp()
 QList<AnsweredMessage> AnsweredMarks::MessagesWhere(const QString& condition) const
 {
     QList<AnsweredMessage> messages;
-    const auto rows = Station_.Database().OpenMessageRows({QStringLiteral("Reference"), QStringLiteral("Received")},
-                                                          condition, QStringLiteral("[Reference]"));
-    for (; !rows->AtEOF(); rows->MoveNext()) {
-        messages.append({rows->Collect(QStringLiteral("Reference")).toInt(),
-                         Date(rows->Collect(QStringLiteral("Received")).toDouble())});
-    }
+    const QMap<qint32, Date> arrivals = MessageArrivals::Where(Station_.Database(), condition);
+    for (auto arrival = arrivals.cbegin(); arrival != arrivals.cend(); ++arrival)
+        messages.append({arrival.key(), arrival.value()});
     return messages;
 }
 

@@ -3,6 +3,8 @@
 
 #include "common/Enumerations.h"
 #include "compose/Addresses.h"
+#include "database/RowCondition.h"
+#include "database/RowValues.h"
 #include "messages/OwnFolders.h"
 #include "platform/StableHash.h"
 #include "platform/mail/MessageIdentities.h"
@@ -32,14 +34,6 @@ quint64 KeyOf(const char* kind, const QString& text)
     return StableHash::Of({octets.constData(), static_cast<std::size_t>(octets.size())});
 }
 
-QString Condition(const QList<qint32>& references)
-{
-    QStringList numbers;
-    for (const qint32 reference : references)
-        numbers.append(QString::number(reference));
-    return QStringLiteral("[Reference] IN (%1)").arg(numbers.join(u','));
-}
-
 /// By their places; empty where the mail has no such field, or an endless header.
 QStringList HeadersOf(const dao::Recordset& row, const QList<QByteArray>& names)
 {
@@ -51,12 +45,6 @@ QStringList HeadersOf(const dao::Recordset& row, const QList<QByteArray>& names)
     for (qsizetype i = 0; i < names.size(); ++i)
         texts.append(cdo::DecodedHeader(names.at(i), values->at(i), LongestHeader));
     return texts;
-}
-
-Date StoredDate(const dao::Recordset& row, const char* column)
-{
-    const QVariant value = row.Collect(QLatin1String(column));
-    return value.isNull() ? Date() : Date(value.toDouble());
 }
 
 /// A mail that a disk changed, or that goes at this moment, answers nothing and was not answered; others are read.
@@ -144,7 +132,7 @@ void SentAnswers::ReadSome()
         return;
     }
     try {
-        const auto rows = Station_.Database().OpenMessageRows(Columns, Condition(some));
+        const auto rows = Station_.Database().OpenMessageRows(Columns, RowCondition::HasOneOf(some));
         for (; !rows->AtEOF(); rows->MoveNext())
             PassOverDamage([&] { TakeSent(*rows); });
     } catch (const dao::Error&) {
@@ -166,9 +154,9 @@ void SentAnswers::TakeSent(dao::Recordset& row)
     if ((row.Collect(QStringLiteral("Flags")).toInt() & mfAutomatic) != 0)
         return;
     Answer answer;
-    answer.When = StoredDate(row, "Sent");
+    answer.When = RowValues::UniversalDate(row.Collect(QStringLiteral("Sent")));
     if (answer.When.IsNone())
-        answer.When = StoredDate(row, "Received");
+        answer.When = RowValues::UniversalDate(row.Collect(QStringLiteral("Received")));
     if (IsText(row)) {
         const QString key = row.Collect(QStringLiteral("ToKey")).toString();
         return key.isEmpty() ? void() : TakeAnswer(KeyOf("text:", key), answer);
@@ -213,7 +201,7 @@ std::optional<FiledAnswer> SentAnswers::Of(qint32 message)
 SentAnswers::Identity SentAnswers::IdentityOf(dao::Recordset& row)
 {
     Identity identity;
-    identity.Arrived = StoredDate(row, "Received");
+    identity.Arrived = RowValues::UniversalDate(row.Collect(QStringLiteral("Received")));
     identity.IsText = IsText(row);
     // What the station wrote itself waits for no answer of its own.
     if (IsOwnFolder(row.Collect(QStringLiteral("Category")).toInt()))
@@ -237,7 +225,7 @@ void SentAnswers::LookUp()
         return;
     bool hasAnswered = false;
     try {
-        const auto rows = Station_.Database().OpenMessageRows(Columns, Condition(wanted.values()));
+        const auto rows = Station_.Database().OpenMessageRows(Columns, RowCondition::HasOneOf(wanted));
         for (; !rows->AtEOF(); rows->MoveNext()) {
             const qint32 reference = rows->Collect(QStringLiteral("Reference")).toInt();
             Identity identity;

@@ -3,6 +3,7 @@
 
 #include "Words.h"
 #include "common/UserInterface.h"
+#include "database/RowCondition.h"
 #include "platform/mail/MessageReader.h"
 #include "station/DeskStation.h"
 
@@ -67,11 +68,8 @@ QList<MessageCommands::Row> MessageCommands::RowsOf(const QList<qint32>& referen
                                         QStringLiteral("PersonalToContact")};
     QHash<qint32, Row> found;
     for (qsizetype first = 0; first < references.size(); first += MessagesOfARead) {
-        QStringList numbers;
-        for (const qint32 reference : references.mid(first, MessagesOfARead))
-            numbers.append(QString::number(reference));
-        const auto rows =
-            Station_.Database().OpenMessageRows(columns, QStringLiteral("[Reference] IN (%1)").arg(numbers.join(u',')));
+        const auto rows = Station_.Database().OpenMessageRows(
+            columns, RowCondition::HasOneOf(references.mid(first, MessagesOfARead)));
         for (; !rows->AtEOF(); rows->MoveNext()) {
             const auto number = [&](qsizetype column) { return rows->Collect(columns.at(column)).toInt(); };
             found.insert(number(0), {number(0), number(1), number(2), number(3), number(4)});

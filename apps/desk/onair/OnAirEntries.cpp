@@ -6,12 +6,13 @@
 #include "compose/Addresses.h"
 #include "compose/Composition.h"
 #include "contacts/SenderContact.h"
+#include "database/RowCondition.h"
+#include "messages/MessageArrivals.h"
 #include "platform/directory/clsKVUser.h"
 #include "platform/records/Recordset.h"
 #include "prizes/cPrize.h"
 #include "station/DeskStation.h"
 
-#include <QHash>
 #include <QObject>
 
 #include <cmath>
@@ -39,14 +40,6 @@ QString SenderOf(const cMessage& message, DeskStation& station)
     return name.isEmpty() ? OneLine(from) : name;
 }
 
-/// As the message's row holds it.
-Date ArrivalOf(qint32 message, DeskStation& station)
-{
-    const auto row =
-        station.Database().OpenMessageRows({QStringLiteral("Received")}, QStringLiteral("[Reference]=%1").arg(message));
-    return row->AtEOF() ? Date() : Date(row->Collect(QStringLiteral("Received")).toDouble());
-}
-
 QString TimeOf(Date universal)
 {
     const Date when = ClockHelper::UTCToLocal(universal);
@@ -55,36 +48,13 @@ QString TimeOf(Date universal)
     return when.Format(isToday ? QStringLiteral("hh:nn") : QStringLiteral("d mmm hh:nn"));
 }
 
-QString NumbersIn(const QSet<qint32>& numbers)
-{
-    QStringList words;
-    for (const qint32 number : numbers)
-        words.append(QString::number(number));
-    return words.join(u',');
-}
-
-/// The moment at which each of these messages arrived.
-QHash<qint32, double> StoredMessages(const QSet<qint32>& numbers, DeskStation& station)
-{
-    QHash<qint32, double> stored;
-    if (numbers.isEmpty())
-        return stored;
-    const auto rows = station.Database().OpenMessageRows({QStringLiteral("Reference"), QStringLiteral("Received")},
-                                                         QStringLiteral("[Reference] IN (%1)").arg(NumbersIn(numbers)));
-    for (; !rows->AtEOF(); rows->MoveNext()) {
-        stored.insert(rows->Collect(QStringLiteral("Reference")).toInt(),
-                      rows->Collect(QStringLiteral("Received")).toDouble());
-    }
-    return stored;
-}
-
 QSet<qint32> StoredPrizes(const QSet<qint32>& numbers, DeskStation& station)
 {
     QSet<qint32> stored;
     if (numbers.isEmpty())
         return stored;
-    const auto rows = station.Database().OpenSnapshot(
-        QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE [Reference] IN (%1)").arg(NumbersIn(numbers)));
+    const auto rows = station.Database().OpenSnapshot(QStringLiteral("SELECT [Reference] FROM [Prizes] WHERE ") +
+                                                      RowCondition::HasOneOf(numbers));
     for (; !rows->AtEOF(); rows->MoveNext())
         stored.insert(rows->Collect(QStringLiteral("Reference")).toInt());
     return stored;
@@ -95,7 +65,9 @@ OnAirEntry OnAirEntries::OfMessage(const cMessage& message, DeskStation& station
 {
     OnAirEntry entry;
     entry.Message = message.Reference();
-    entry.Arrived = ArrivalOf(message.Reference(), station);
+    entry.Arrived =
+        MessageArrivals::Where(station.Database(), RowCondition::HasOneOf(QList<qint32>{message.Reference()}))
+            .value(message.Reference());
     entry.From = SenderOf(message, station);
     const QString text = Composing::ReadableText(*message.CDOMessage()).trimmed();
     entry.Original = text.isEmpty() ? OneLine(message.CDOMessage()->Subject()) : text.left(LongestText);
@@ -126,13 +98,16 @@ QSet<qint32> OnAirEntries::Gone(const QList<OnAirEntry>& entries, DeskStation& s
         if (entry.Prize != 0)
             prizes.insert(entry.Prize);
     }
-    const QHash<qint32, double> storedMessages = StoredMessages(messages, station);
+    const QMap<qint32, Date> storedMessages =
+        messages.isEmpty() ? QMap<qint32, Date>()
+                           : MessageArrivals::Where(station.Database(), RowCondition::HasOneOf(messages));
     const QSet<qint32> storedPrizes = StoredPrizes(prizes, station);
     QSet<qint32> gone;
     for (const OnAirEntry& entry : entries) {
         const auto arrived = storedMessages.constFind(entry.Message);
-        const bool isOther = entry.Message != 0 && (arrived == storedMessages.constEnd() ||
-                                                    std::abs(*arrived - entry.Arrived.DayNumber()) * SecondsADay >= 1);
+        const bool isOther =
+            entry.Message != 0 && (arrived == storedMessages.constEnd() ||
+                                   std::abs(arrived->DayNumber() - entry.Arrived.DayNumber()) * SecondsADay >= 1);
         if (isOther || (entry.Prize != 0 && !storedPrizes.contains(entry.Prize)))
             gone.insert(entry.Reference);
     }

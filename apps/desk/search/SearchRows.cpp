@@ -4,6 +4,7 @@
 #include "DisplayText.h"
 #include "FolderPaths.h"
 #include "contacts/ContactNames.h"
+#include "database/RowCondition.h"
 #include "database/cTolvaDatabase.h"
 #include "messageslist/MessageLook.h"
 #include "platform/mail/RawHeaders.h"
@@ -48,11 +49,11 @@ QList<SearchRow> ReadSearchRows(cTolvaDatabase& station, const std::vector<Searc
     constexpr std::size_t RowsOfRead = 200;
     QHash<qint32, SearchRow> read;
     for (std::size_t first = 0; first < hits.size(); first += RowsOfRead) {
-        QStringList references;
+        QList<qint32> references;
         for (std::size_t i = first; i < std::min(first + RowsOfRead, hits.size()); ++i)
-            references.append(QString::number(hits[i].Reference));
-        const auto rows = station.OpenSnapshot(
-            QStringLiteral("SELECT * FROM [Messages] WHERE [Reference] IN (%1)").arg(references.join(u',')));
+            references.append(hits[i].Reference);
+        const auto rows = station.OpenSnapshot(QStringLiteral("SELECT * FROM [Messages] WHERE ") +
+                                               RowCondition::HasOneOf(references));
         MessageLooks looks(station, *rows);
         for (; !rows->AtEOF(); rows->MoveNext()) {
             if (const std::optional<MessageLook> look = looks.Read())

@@ -65,8 +65,8 @@ void MailAddressDialog::accept()
     const QString typed = Address_->text().trimmed();
     if (!typed.isEmpty() && !Addresses::IsPlausible(typed)) {
         Address_->setFocus();
-        Words::Warn(tr("\u201C%1\u201D is no e-mail address. Write the address alone, like studio@example.org.")
-                        .arg(typed));
+        Words::Warn(
+            tr("\u201C%1\u201D is no e-mail address. Write the address alone, like studio@example.org.").arg(typed));
         return;
     }
     const QString now = Stored();

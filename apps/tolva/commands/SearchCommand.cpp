@@ -10,6 +10,7 @@
 #include "commands/CommonOptions.h"
 #include "commands/MessageTable.h"
 #include "commands/StationIndex.h"
+#include "database/RowCondition.h"
 
 #include <QJsonObject>
 
@@ -35,11 +36,10 @@ QHash<qint32, MessageRow> ReadRows(Station& station, const std::vector<SearchHit
     constexpr std::size_t RowsOfRead = 500;
     QHash<qint32, MessageRow> rows;
     for (std::size_t first = 0; first < hits.size(); first += RowsOfRead) {
-        QStringList references;
+        QList<qint32> references;
         for (std::size_t i = first; i < std::min(first + RowsOfRead, hits.size()); ++i)
-            references.append(QString::number(hits[i].Reference));
-        const auto found = station.Database().OpenMessageRows(
-            MessageRowColumns(), QStringLiteral("[Reference] IN (%1)").arg(references.join(u',')));
+            references.append(hits[i].Reference);
+        const auto found = station.Database().OpenMessageRows(MessageRowColumns(), RowCondition::HasOneOf(references));
         for (; !found->AtEOF(); found->MoveNext()) {
             const MessageRow row = ReadMessageRow(*found);
             rows.insert(row.Reference, row);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "messages/search/StationRows.h"
 
+#include "database/RowCondition.h"
 #include "database/RowValues.h"
 #include "database/cTolvaDatabase.h"
 #include "database/watch/RowChanges.h"
@@ -130,11 +131,7 @@ QString ConditionOf(qint32 first)
 /// RowColumns and the mails of these messages, the highest reference first.
 std::unique_ptr<dao::Recordset> OpenMails(const cTolvaDatabase& station, const std::vector<qint32>& references)
 {
-    QStringList numbers;
-    for (const qint32 reference : references)
-        numbers.append(QString::number(reference));
-    return station.OpenMessageRows(RowColumns() + QStringList{MailColumn},
-                                   QStringLiteral("[Reference] IN (%1)").arg(numbers.join(u',')),
+    return station.OpenMessageRows(RowColumns() + QStringList{MailColumn}, RowCondition::HasOneOf(references),
                                    QStringLiteral("[Reference] DESC"));
 }
 

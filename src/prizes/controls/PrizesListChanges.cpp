@@ -73,7 +73,7 @@ std::vector<uPrizesList::Line> uPrizesList::ReadLines(dao::Recordset& light)
     lines.reserve(static_cast<std::size_t>(light.RecordCount()));
     for (; !light.AtEOF(); light.MoveNext()) {
         lines.push_back({reference.Value().toInt(), title.Value().toString(), supplied.Value().toInt(),
-                         winners.Value().toInt(), RowValues::StoredDate(lastWon.Value())});
+                         winners.Value().toInt(), RowValues::LocalDateOrNone(lastWon.Value())});
     }
     return lines;
 }

@@ -135,6 +135,24 @@ TEST_F(RowMarksTest, ATextMessageStandsWholeInUpToThreeLinesAndIsReadInOne)
         Spoken(whole).contains(QStringLiteral("one two three four five six seven eight nine ten eleven twelve, ")));
 }
 
+TEST_F(RowMarksTest, RowsOfOneLineFillTheWidthAsWellWhateverItIs)
+{
+    const qint32 mail = Save(QStringLiteral("Short"));
+    List->SetDoubleHeightRows(false);
+    List->SetFillsWidth(true);
+    Attach();
+    QList<int> subjects;
+    for (const int width : {420, 600, 900}) {
+        Widen(width);
+        EXPECT_NEAR(Grid->horizontalHeader()->length(), Grid->viewport()->width(), 2) << width;
+        EXPECT_FALSE(Grid->horizontalScrollBar()->isVisible());
+        EXPECT_EQ(Lines(mail).size(), 1);
+        subjects.append(Grid->columnWidth(2));
+    }
+    EXPECT_LT(subjects.at(0), subjects.at(1));
+    EXPECT_LT(subjects.at(1), subjects.at(2));
+}
+
 TEST_F(RowMarksTest, RowsKeepTheirHeightsThroughAnotherThemeAndFont)
 {
     const qint32 text = SaveText(LongText);

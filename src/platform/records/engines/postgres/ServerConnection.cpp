@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/records/engines/postgres/ServerConnection.h"
 
+#include "platform/records/LockPatience.h"
+
 #include <QDeadlineTimer>
 
 #include <algorithm>
@@ -37,11 +39,14 @@ constexpr std::array UsualWords{
 
 /// Waits are bounded as in every engine. A parallel plan may give rows in any order. A server may be set up to confirm
 /// what is not on its disk; a desk does not let it.
-constexpr char SessionSettings[] =
-    "SET lock_timeout = '5s'; SET max_parallel_workers_per_gather = 0; SET jit = off; SET search_path = ''; "
-    "SET client_min_messages = error; SET idle_in_transaction_session_timeout = 0; "
-    "SELECT pg_catalog.set_config('synchronous_commit', 'on', false) "
-    "WHERE pg_catalog.current_setting('synchronous_commit') = 'off'";
+QByteArray SessionSettings()
+{
+    return "SET lock_timeout = " + QByteArray::number(LockPatience::UsualMilliseconds) +
+           "; SET max_parallel_workers_per_gather = 0; SET jit = off; SET search_path = ''; "
+           "SET client_min_messages = error; SET idle_in_transaction_session_timeout = 0; "
+           "SELECT pg_catalog.set_config('synchronous_commit', 'on', false) "
+           "WHERE pg_catalog.current_setting('synchronous_commit') = 'off'";
+}
 
 void IgnoreNotice(void*, const PGresult*)
 {
@@ -155,7 +160,7 @@ void ServerConnection::SetUp()
             QStringLiteral("The server (%1) is too old: PostgreSQL 13 or later is needed, and it is %2.")
                 .arg(Connect_.InWords(), QString::fromUtf8(PQparameterStatus(Connection_.get(), "server_version"))));
     }
-    Execute(SessionSettings);
+    Execute(SessionSettings());
 }
 
 void ServerConnection::Raise(const PGresult* result)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/records/LockPatience.h"
 #include "platform/records/engines/sqlite/ChangeLog.h"
 #include "platform/records/engines/sqlite/ContentReplacement.h"
 
@@ -8,13 +9,6 @@
 
 namespace dao::sqlite
 {
-
-namespace
-{
-
-constexpr qint64 MaximumWaitMilliseconds = 5000;
-
-} // namespace
 
 ContentLock::ContentLock(const QString& file)
 {
@@ -27,7 +21,7 @@ ContentLock::ContentLock(const QString& file)
     int flags = 0;
     const int opened = vfs->xOpen(vfs, Name_, File_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_MAIN_DB, &flags);
     int code = opened;
-    const QDeadlineTimer deadline(MaximumWaitMilliseconds);
+    const QDeadlineTimer deadline(LockPatience::UsualMilliseconds);
     if (code == SQLITE_OK) {
         while ((code = TryLock()) == SQLITE_BUSY && !deadline.hasExpired())
             QThread::msleep(1);
