@@ -103,11 +103,13 @@ QString DecodedSubject(const RowSource& row)
     return cdo::DecodedHeader("Subject", row.Subject, LongestCell);
 }
 
-/// Letters that stand for themselves: most texts need no decoding to be measured.
+/// Letters that stand for themselves: most texts need no decoding to be measured. Where a long one is folded, there is
+/// a blank between its words.
 bool IsPlain(const QByteArray& field)
 {
-    const bool isAscii =
-        std::all_of(field.begin(), field.end(), [](char octet) { return octet >= ' ' && octet < 0x7F; });
+    const bool isAscii = std::all_of(field.begin(), field.end(), [](char octet) {
+        return (octet >= ' ' && octet < 0x7F) || octet == '\r' || octet == '\n' || octet == '\t';
+    });
     return isAscii && !field.contains("=?") && field.size() <= LongestCell;
 }
 

@@ -135,6 +135,28 @@ TEST_F(RowMarksTest, ATextMessageStandsWholeInUpToThreeLinesAndIsReadInOne)
         Spoken(whole).contains(QStringLiteral("one two three four five six seven eight nine ten eleven twelve, ")));
 }
 
+TEST_F(RowMarksTest, ATextThatItsMailFoldsHasTheHeightOfItsLinesAtEveryWidth)
+{
+    // Longer than a line of a mail's header, in which it stands with breaks between its words.
+    const qint32 folded =
+        SaveText(QStringLiteral("The ferry came in at nine this morning with the whole of the band on "
+                                "deck, and they played as far as the harbour wall"));
+    const qint32 brief = SaveText(QStringLiteral("Hi"));
+    List->SetTextLines(3);
+    List->SetFillsWidth(true);
+    Attach();
+    ASSERT_TRUE(Station->GetMessage(folded)->CDOMessage()->Octets().contains("\r\n "));
+    const int line = Grid->fontMetrics().lineSpacing();
+    QSet<qsizetype> seen;
+    for (int width = 420; width < 1700; width += 40) {
+        Widen(width);
+        const qsizetype lines = Lines(folded).size() - 1;
+        EXPECT_NEAR(Height(folded), Height(brief) + (static_cast<int>(lines) - 1) * line, 1) << width;
+        seen.insert(lines);
+    }
+    EXPECT_EQ(seen, (QSet<qsizetype>{1, 2, 3}));
+}
+
 TEST_F(RowMarksTest, RowsOfOneLineFillTheWidthAsWellWhateverItIs)
 {
     const qint32 mail = Save(QStringLiteral("Short"));
