@@ -3,8 +3,10 @@
 
 #include "common/Enumerations.h"
 #include "compose/Addresses.h"
+#include "compose/Composition.h"
 #include "database/RowCondition.h"
 #include "database/RowValues.h"
+#include "messages/AddressKey.h"
 #include "messages/OwnFolders.h"
 #include "platform/StableHash.h"
 #include "platform/mail/MessageIdentities.h"
@@ -59,6 +61,24 @@ void PassOverDamage(Work&& work)
     }
 }
 
+/// What lies in Sent, and what the station sent from its own address or number and put into Saved or a folder of its
+/// own. Mail in the Inbox may bear any sender.
+QString ConditionOfSent(const cTolvaDatabase& station)
+{
+    const QString sent = QStringLiteral("[Category]=%1").arg(tmcSent);
+    const Writer writer = Composing::WriterOf(station);
+    QStringList senders;
+    for (QString key : {MakeAddressKey(writer.EmailAddress, emtEmail),
+                        MakeAddressKey(writer.SMSNumber, emtSMS, station.StationCountry())}) {
+        if (!key.isEmpty())
+            senders.append(QStringLiteral("[FromKey]='%1'").arg(key.replace(u'\'', QStringLiteral("''"))));
+    }
+    return senders.isEmpty() ? sent
+                             : QStringLiteral("%1 OR ((%2) AND ([Category]=%3 OR [Category]>%4))")
+                                   .arg(sent, senders.join(QStringLiteral(" OR ")), QString::number(tmcSaved),
+                                        QString::number(tmcAutomatic));
+}
+
 bool IsText(const dao::Recordset& row)
 {
     return row.Collect(QStringLiteral("MessageType")).toInt() == emtSMS;
@@ -104,9 +124,10 @@ void SentAnswers::Refresh()
         if (SinceAll_.isValid() && stamp == Stamp_)
             return;
         const bool isAll = !SinceAll_.isValid() || SinceAll_.elapsed() > AllMilliseconds;
-        QString condition = QStringLiteral("[Category]=%1").arg(tmcSent);
-        if (!isAll)
-            condition += QStringLiteral(" AND [Reference]>%1").arg(Last_);
+        if (isAll)
+            Condition_ = ConditionOfSent(database);
+        const QString condition =
+            isAll ? Condition_ : QStringLiteral("(%1) AND [Reference]>%2").arg(Condition_).arg(Last_);
         const auto rows = database.OpenMessageRows({QStringLiteral("Reference")}, condition);
         for (; !rows->AtEOF(); rows->MoveNext()) {
             const qint32 reference = rows->Collect(QStringLiteral("Reference")).toInt();

@@ -13,8 +13,9 @@
 
 class DeskStation;
 
-/// Which messages were answered by what lies in the folder Sent, whatever program wrote it: a mail by the identity of
-/// the one that it answers, a text message by its number. Sent is read once for an opening of the station, in steps
+/// Which messages were answered by what the station sent, whatever program wrote it: a mail by the identity of the one
+/// that it answers, a text message by its number. Sent counts, and what is from the station's own address or number and
+/// lies in Saved or in a folder of the station's own. All that is read once for an opening of the station, in steps
 /// between the events of the window, and from then on only what is new there; what a row of a screen is called is
 /// looked up for all of them in one statement. The station outlives it.
 class SentAnswers : public QObject
@@ -62,6 +63,7 @@ private:
     QList<qint32> ToRead_;
     qint32 Last_ = 0; ///< The highest of Sent_.
     bool HasNew_ = false;
+    QString Condition_; ///< Of what counts as sent.
     int Opening_ = 0;
     Date Stamp_;
     QElapsedTimer SinceAll_; ///< Since all of Sent was listed.

@@ -86,6 +86,39 @@ TEST_F(SentAnswersTest, WhatComesIntoSentWhileTheDeskIsOpenMarksToo)
     EXPECT_TRUE(IsMarked(answered));
 }
 
+TEST_F(SentAnswersTest, AnswersThatTheStationFiledInFoldersOfItsOwnCountByItsAddressAndNumber)
+{
+    Station.Database().SetDatabaseSetting(QStringLiteral("Station.EmailAddress"), QStringLiteral("studio@example.org"),
+                                          QString());
+    Station.Database().SetDatabaseSetting(QStringLiteral("Station.SMSPhoneNumber"), QStringLiteral("01632 960100"),
+                                          QString());
+    Station.Database().ReadDatabaseSettings();
+    clsCategory own;
+    own.SetDescription(QStringLiteral("Quiz 2026"));
+    own.SetReference(12);
+    ASSERT_TRUE(Station.Database().SaveMessageCategory(own));
+    const auto folder = static_cast<enTolvaMessageCategories>(own.Reference());
+    ASSERT_GT(folder, tmcAutomatic);
+    const qint32 inFolder = FileOriginal("one@example.org");
+    const qint32 inSaved = FileOriginal("two@example.org", "Tides");
+    const qint32 byListener = FileOriginal("three@example.org", "Fog");
+    const qint32 byInbox = FileOriginal("four@example.org", "Rain");
+    const qint32 text = FileText(QStringLiteral("+447700900123"), {}, Date(2026, 11, 19, 11));
+    FileMail(WithFields("In-Reply-To: <one@example.org>\r\n"), folder);
+    FileMail(WithFields("In-Reply-To: <two@example.org>\r\n"), tmcSaved);
+    FileMail("From: loveday@example.org\r\nDate: Thu, 19 Nov 2026 14:05:00 +0000\r\nIn-Reply-To: "
+             "<three@example.org>\r\n\r\nx\r\n",
+             folder);
+    FileMail(WithFields("In-Reply-To: <four@example.org>\r\n"));
+    FileText(QStringLiteral("01632 960100"), QStringLiteral("07700 900123"), Date(2026, 11, 19, 12), folder);
+    OpenWindow();
+    EXPECT_TRUE(IsMarked(inFolder));
+    EXPECT_TRUE(IsMarked(inSaved));
+    EXPECT_TRUE(IsMarked(text));
+    EXPECT_FALSE(Spoken(byListener).contains(u"Answered")) << "a listener's reply to another one is no answer";
+    EXPECT_FALSE(Spoken(byInbox).contains(u"Answered")) << "who writes to the station may name any sender";
+}
+
 TEST_F(SentAnswersTest, ATextIsAnsweredByWhatWentToItsNumberAfterwards)
 {
     const Date noon(2026, 11, 19, 12);
