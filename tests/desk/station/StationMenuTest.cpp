@@ -390,7 +390,8 @@ TEST_F(StationMenuTest, TheAddressThatMailGoesOutFromIsSetAndCheckedAsOne)
     ASSERT_TRUE(Window->Compose(composition)->Send());
     const cMessagePtr sent = Station.Database().GetMessage(MessagesIn(tmcOutbox).value(0));
     ASSERT_TRUE(sent);
-    EXPECT_TRUE(sent->CDOMessage()->From().contains(u"<studio@example.org>")) << sent->CDOMessage()->From().toStdString();
+    EXPECT_TRUE(sent->CDOMessage()->From().contains(u"<studio@example.org>"))
+        << sent->CDOMessage()->From().toStdString();
 
     Window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));

@@ -38,6 +38,7 @@ TEST_F(FoldersAndOrderTest, AFolderAtTheTopIsMadeRenamedAndDeleted)
 {
     OpenWindow();
     Entry("newTopFolder").trigger();
+    EXPECT_EQ(Tree().NodeText(Tree().SelectedKey()), QStringLiteral("New Folder")) << "until it is named";
     TypeName(QStringLiteral("Competitions"));
     const QString key = Tree().SelectedKey();
     EXPECT_EQ(Tree().NodeText(key), QStringLiteral("Competitions"));
