@@ -12,6 +12,7 @@ list(REMOVE_ITEM gmimeOptions -D_LARGEFILE64_SOURCE -pthread)
 set_target_properties(PkgConfig::GMIME PROPERTIES INTERFACE_COMPILE_OPTIONS "${gmimeOptions}")
 
 pkg_check_modules(GUMBO REQUIRED IMPORTED_TARGET gumbo)
+pkg_check_modules(HUNSPELL REQUIRED IMPORTED_TARGET "hunspell>=1.7")
 
 # libphonenumber ships no usable package description on Debian.
 find_path(PHONENUMBER_INCLUDE_DIR phonenumbers/phonenumberutil.h REQUIRED)

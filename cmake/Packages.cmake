@@ -84,6 +84,8 @@ set(CPACK_COMPONENT_COMMANDS_DESCRIPTION
 
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME tolva-desk)
 set(CPACK_DEBIAN_DESK_PACKAGE_RECOMMENDS "tolva, libpq5 (>= 14)")
+# Spelling in the language of whoever writes.
+set(CPACK_DEBIAN_DESK_PACKAGE_SUGGESTS "hunspell-dictionary")
 set(CPACK_COMPONENT_DESK_DEPENDS data)
 set(CPACK_COMPONENT_DESK_DESCRIPTION
     "Window of a radio station's contact desk\nListeners' e-mails and text messages, folders, prizes and contacts,\nshared by several computers.")

@@ -10,7 +10,7 @@ say() {
 }
 
 buildPackages=(cmake ninja-build g++ pkg-config ccache lld qt6-base-dev libsqlite3-dev libgmime-3.0-dev
-               libphonenumber-dev libprotobuf-dev qt6-svg-dev libgumbo-dev libpq-dev)
+               libphonenumber-dev libprotobuf-dev qt6-svg-dev libgumbo-dev libpq-dev libhunspell-dev)
 # For the plugin of Qt Designer, which is left out without it.
 designerPackages=(qt6-tools-dev)
 testPackages=("${designerPackages[@]}" libgtest-dev tzdata clang-format-14 clang-tidy-14 git perl rsync mdbtools msmtp postgresql

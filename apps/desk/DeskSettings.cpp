@@ -16,6 +16,11 @@ const QString RecentKey = QStringLiteral("Stations/Recent");
 const QString TextSizeKey = QStringLiteral("Desk/TextSize");
 const QString AppearanceKey = QStringLiteral("Desk/Appearance");
 
+QString SpellingKey(const QString& user)
+{
+    return QStringLiteral("Spelling/") + QString::fromLatin1(user.toUtf8().toHex());
+}
+
 QString DefaultFile()
 {
     const QString named = qEnvironmentVariable(FileVariable);
@@ -103,4 +108,20 @@ QString DeskSettings::UnsentFolder() const
 {
     const QFileInfo file(Settings_->fileName());
     return file.dir().filePath(file.completeBaseName() + QStringLiteral("-unsent"));
+}
+
+QString DeskSettings::SpellingLanguage(const QString& user) const
+{
+    return Settings_->value(SpellingKey(user)).toString();
+}
+
+void DeskSettings::SetSpellingLanguage(const QString& user, const QString& language)
+{
+    Settings_->setValue(SpellingKey(user), language);
+}
+
+QString DeskSettings::OwnWordsFile() const
+{
+    const QFileInfo file(Settings_->fileName());
+    return file.dir().filePath(file.completeBaseName() + QStringLiteral("-words.txt"));
 }

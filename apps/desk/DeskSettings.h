@@ -47,6 +47,12 @@ public:
     QString Appearance() const;
     void SetAppearance(const QString& appearance);
 
+    /// What that user of the desk chose: a dictionary's language, or "off"; empty before any choice.
+    QString SpellingLanguage(const QString& user) const;
+    void SetSpellingLanguage(const QString& user, const QString& language);
+    /// The words that this account has added to the dictionaries, beside the file.
+    QString OwnWordsFile() const;
+
 private:
     std::unique_ptr<QSettings> Settings_;
 };

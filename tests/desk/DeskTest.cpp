@@ -59,6 +59,7 @@ void DeskTest::SetUp()
     ASSERT_TRUE(Temporary_.isValid());
     // Nothing of the account that runs the tests is read or written.
     qputenv("XDG_CACHE_HOME", QFile::encodeName(Path(QStringLiteral("cache"))));
+    qputenv("DICPATH", QFile::encodeName(Path(QStringLiteral("dictionaries"))));
     StationMaking::Storage storage;
     storage.Format = qEnvironmentVariable("TOLVA_TEST_STATION");
     if (storage.Format == QLatin1String("server")) {

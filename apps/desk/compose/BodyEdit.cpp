@@ -18,14 +18,14 @@ QStringList BodyEdit::FilesIn(const QMimeData* source)
 
 bool BodyEdit::canInsertFromMimeData(const QMimeData* source) const
 {
-    return !FilesIn(source).isEmpty() || QPlainTextEdit::canInsertFromMimeData(source);
+    return !FilesIn(source).isEmpty() || SpellingEdit::canInsertFromMimeData(source);
 }
 
 void BodyEdit::insertFromMimeData(const QMimeData* source)
 {
     const QStringList paths = FilesIn(source);
     if (paths.isEmpty())
-        QPlainTextEdit::insertFromMimeData(source);
+        SpellingEdit::insertFromMimeData(source);
     else
         Q_EMIT FilesOffered(paths);
 }

@@ -18,6 +18,7 @@ class QListWidget;
 class QMenu;
 class QSplitter;
 class PreviewPane;
+class Speller;
 
 /// The window in which one message is written. Sending files it in the Outbox for the mailer; nothing is sent from
 /// here. It closes itself when the message is filed, and never while what was typed is neither stored nor given up by
@@ -37,6 +38,9 @@ public:
     bool IsChanged() const { return !(Current() == Stored_); }
     /// 0 for what was never stored.
     qint32 Reference() const { return Store_.Reference(); }
+
+    /// Marks what the dictionary does not know. The speller outlives the window.
+    void CheckSpelling(Speller& speller);
 
     /// Keeps what is written in that file every few seconds, until it is stored or given up.
     void KeepIn(UnsentText file);

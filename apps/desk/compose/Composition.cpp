@@ -122,7 +122,7 @@ QList<ComposedFile> FilesOf(const cdo::Message& mail)
 QString ForwardedText(const cMessage& original)
 {
     const cdo::Message& mail = *original.CDOMessage();
-    QStringList lines = {QStringLiteral("---- Forwarded message ----")};
+    QStringList lines = {Composing::ForwardedLine()};
     const auto add = [&lines](const QString& name, const QString& value) {
         if (!value.isEmpty())
             lines.append(QStringLiteral("%1: %2").arg(name, OneLine(value)));
@@ -280,6 +280,11 @@ void Composing::Write(const Composition& composition, const Writer& writer, Fili
     message.SetSent(now);
     if (message.Received().IsNone())
         message.SetReceived(now);
+}
+
+QString Composing::ForwardedLine()
+{
+    return QStringLiteral("---- Forwarded message ----");
 }
 
 QString Composing::ReplySubject(const QString& subject)

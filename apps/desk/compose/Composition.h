@@ -85,6 +85,8 @@ QString ReplySubject(const QString& subject);
 QString ForwardSubject(const QString& subject);
 /// Every line with "> " in front; no blank is added to lines that are quotations already.
 QString Quoted(const QString& text);
+/// The line behind which a forwarded message follows.
+QString ForwardedLine();
 /// The text of a mail for a person to read: the text body, or the words of the HTML one.
 QString ReadableText(const cdo::Message& mail);
 } // namespace Composing

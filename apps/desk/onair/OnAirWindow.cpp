@@ -9,6 +9,9 @@
 #include "platform/directory/clsKVUser.h"
 #include "platform/widgets/Icons.h"
 #include "printing/PrintDialog.h"
+#include "spelling/SpellingEdit.h"
+#include "spelling/SpellingMarks.h"
+#include "spelling/SpellingTools.h"
 #include "station/DeskStation.h"
 #include "window/NoticeBar.h"
 
@@ -16,7 +19,6 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QSplitter>
 #include <QStatusBar>
 
@@ -39,7 +41,7 @@ OnAirWindow::OnAirWindow(DeskStation& station, DeskSettings& settings, QWidget* 
       Size_(UsualSize),
       Notice_(new NoticeBar(QStringLiteral("warning"), QString(), this)),
       Head_(new QLabel(this)),
-      Text_(new QPlainTextEdit(this)),
+      Text_(new SpellingEdit(this)),
       List_(new QListWidget(this)),
       Splitter_(new QSplitter(Qt::Horizontal, this))
 {
@@ -314,6 +316,8 @@ void OnAirWindow::Shorten()
         return EnableActions();
     IsEditing_ = true;
     EditedFrom_ = Current_.Text;
+    if (Spelling_)
+        Spelling_->Marks().SetNames({Current_.From});
     Text_->setReadOnly(false);
     Text_->setFocus();
     statusBar()->showMessage(tr("F2 keeps the text for air, Esc leaves it as it was."));

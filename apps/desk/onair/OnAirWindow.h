@@ -13,8 +13,10 @@ class NoticeBar;
 class QAction;
 class QLabel;
 class QListWidget;
-class QPlainTextEdit;
 class QSplitter;
+class Speller;
+class SpellingEdit;
+class SpellingTools;
 struct PrintJob;
 
 /// The running order as a presenter reads it: one entry in large type, by keys that are found in the dark, beside the
@@ -33,6 +35,9 @@ public:
     /// Points of the large type; remembered.
     int TextSize() const { return Size_; }
     void SetTextSize(int points);
+
+    /// Marks in a text that is being shortened what the dictionary does not know. The speller outlives the window.
+    void CheckSpelling(Speller& speller);
 
     /// How often it looks what others have changed.
     static constexpr int LookMilliseconds = 1000;
@@ -99,9 +104,10 @@ private:
     bool IsShowing_ = false; ///< The list follows the window, not the user.
     int Size_;
     QTimer LookTimer_;
+    SpellingTools* Spelling_ = nullptr; ///< Null where nobody wants it.
     NoticeBar* Notice_;
     QLabel* Head_;
-    QPlainTextEdit* Text_;
+    SpellingEdit* Text_;
     QListWidget* List_;
     QSplitter* Splitter_;
 };

@@ -5,14 +5,16 @@
 #include "DeskSettings.h"
 #include "OnAirWindow.h"
 #include "platform/widgets/Icons.h"
+#include "spelling/SpellingEdit.h"
+#include "spelling/SpellingTools.h"
 #include "window/NoticeBar.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QSplitter>
+#include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -115,4 +117,12 @@ void OnAirWindow::MakeActions()
     bar->addActions({back, next, use, skip});
     bar->addSeparator();
     bar->addActions({up, down, shorten});
+}
+
+void OnAirWindow::CheckSpelling(Speller& speller)
+{
+    auto* menu = menuBar()->addMenu(tr("&Spelling"));
+    menu->setObjectName(QStringLiteral("spelling"));
+    Spelling_ = new SpellingTools(*Text_, speller, *menu);
+    connect(Spelling_, &SpellingTools::Told, this, [this](const QString& words) { statusBar()->showMessage(words); });
 }

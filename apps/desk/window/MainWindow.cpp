@@ -36,6 +36,7 @@
 #include "sending/SendingDesk.h"
 #include "sending/SendingNotice.h"
 #include "song/SongDesk.h"
+#include "spelling/Speller.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -164,6 +165,8 @@ void MainWindow::MakeParts()
     Song_ = new SongDesk(*Station_, *List_, *this);
     Answering_ = new AnsweringDesk(*Station_, *List_, *this);
     OnAir_ = new OnAirDesk(*Station_, Settings_, *this);
+    const clsKVUser* user = Station_->Directory().CurrentUser();
+    Speller_ = new Speller(Settings_, user ? user->Name() : QString(), this);
     ConnectOnAir();
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));

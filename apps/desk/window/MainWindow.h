@@ -36,6 +36,7 @@ class SavedNotice;
 class SearchDesk;
 class SendingDesk;
 class SongDesk;
+class Speller;
 class QLabel;
 class QMenu;
 class QSplitter;
@@ -207,6 +208,7 @@ private:
     SongDesk* Song_ = nullptr;
     AnsweringDesk* Answering_ = nullptr;
     OnAirDesk* OnAir_ = nullptr;
+    Speller* Speller_ = nullptr;
     QToolBar* MessageBar_ = nullptr;
     NoticeBar* Connection_ = nullptr;
     NoticeBar* ReadOnly_ = nullptr;

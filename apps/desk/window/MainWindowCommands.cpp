@@ -112,6 +112,7 @@ void MainWindow::ConnectOnAir()
     connect(OnAir_, &OnAirDesk::WindowOpened, this, [this](QMainWindow* window) {
         Windows_.removeAll(nullptr);
         Windows_.append(window);
+        OnAir_->Window()->CheckSpelling(*Speller_);
     });
     connect(OnAir_, &OnAirDesk::PrintWanted, this, &MainWindow::PrintMessages);
     connect(OnAir_, &OnAirDesk::Wanted, this, [this] {

@@ -55,6 +55,7 @@ ComposeWindow* MainWindow::ShowCompose(const Composition& composition, const cMe
 {
     auto* window = new ComposeWindow(*Station_, composition, draft);
     window->KeepIn(std::move(file));
+    window->CheckSpelling(*Speller_);
     Answering_->Watch(*window);
     window->setWindowIcon(windowIcon());
     Windows_.removeAll(nullptr);

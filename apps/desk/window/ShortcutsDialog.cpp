@@ -60,8 +60,11 @@ QList<std::pair<QString, QString>> Keys()
                              "prize or winner, or of a picture: save; in the search: keep it for the menu")},
         {QStringLiteral("Ctrl+Shift+A"), ShortcutsDialog::tr("While writing: attach files")},
         {QStringLiteral("Ctrl+Shift+E"), ShortcutsDialog::tr("While answering: the original beside the answer")},
+        {QStringLiteral("F7"),
+         ShortcutsDialog::tr("While writing or shortening for air: the next unknown word, with suggestions")},
         {QStringLiteral("Menu"),
-         ShortcutsDialog::tr("What can be done here; while writing, with the recipient beside the caret")},
+         ShortcutsDialog::tr(
+             "What can be done here; while writing, with the recipient or the unknown word at the caret")},
         {QStringLiteral("Ctrl+W"), ShortcutsDialog::tr("Close any window but the main one")},
         {QStringLiteral("Esc"),
          ShortcutsDialog::tr("Close the window of a message, a picture, a winner, the search or the running order")},
