@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -21,6 +22,32 @@ namespace
 constexpr double Smallest = 0.05;
 constexpr double Largest = 8;
 const QSize FirstSize(900, 700);
+/// Of the squares behind a picture that one sees through: whatever its colours, they are seen on one of the two.
+constexpr int SquareSide = 8;
+const QColor SquareColours[] = {QColor(0xFF, 0xFF, 0xFF), QColor(0xD0, 0xD0, 0xD0)};
+/// Of what is on show, that a key moves the picture by.
+constexpr int MovesInWindow = 4;
+
+QBrush Squares()
+{
+    QPixmap tile(2 * SquareSide, 2 * SquareSide);
+    tile.fill(SquareColours[0]);
+    QPainter painter(&tile);
+    painter.fillRect(0, 0, SquareSide, SquareSide, SquareColours[1]);
+    painter.fillRect(SquareSide, SquareSide, SquareSide, SquareSide, SquareColours[1]);
+    return QBrush(tile);
+}
+
+/// Moves a bar so that the same point of the picture stays in the middle.
+void KeepMiddle(QScrollBar* bar, double middle)
+{
+    bar->setValue(qRound(middle * (bar->maximum() + bar->pageStep()) - bar->pageStep() / 2.0));
+}
+
+double MiddleOf(const QScrollBar* bar)
+{
+    return (bar->value() + bar->pageStep() / 2.0) / (bar->maximum() + bar->pageStep());
+}
 } // namespace
 
 /// Draws the picture at its scale as it is painted: a copy of that size would take gigabytes of a large one.
@@ -30,18 +57,32 @@ public:
     using QWidget::QWidget;
 
     void SetPicture(const QPixmap& picture) { Picture_ = picture; }
+    /// In place of a picture.
+    void SetWords(const QString& words)
+    {
+        Words_ = words;
+        update();
+    }
     QSize PictureSize() const { return Picture_.size(); }
 
 protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
+        if (Picture_.isNull()) {
+            painter.setPen(palette().color(QPalette::WindowText));
+            painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, Words_);
+            return;
+        }
+        if (Picture_.hasAlphaChannel())
+            painter.fillRect(rect(), Squares());
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawPixmap(rect(), Picture_);
     }
 
 private:
     QPixmap Picture_;
+    QString Words_;
 };
 
 PictureWindow::PictureWindow(std::shared_ptr<cdo::Message> mail, const QList<int>& files, int first, QWidget* parent)
@@ -94,7 +135,7 @@ PictureWindow::PictureWindow(std::shared_ptr<cdo::Message> mail, const QList<int
     });
     connect(Loader_, &PictureLoader::Finished, this, [this] {
         if (View_->PictureSize().isEmpty())
-            ShowCaption(tr("This file cannot be shown as a picture; it can be saved."));
+            ShowWords(tr("This file cannot be shown as a picture; it can be saved."));
     });
     resize(FirstSize);
     Show();
@@ -110,6 +151,11 @@ void PictureWindow::MakeKeys()
     };
     add({Qt::Key_Plus, Qt::Key_Equal}, &PictureWindow::Larger);
     add({Qt::Key_Minus}, &PictureWindow::Smaller);
+    add({Qt::Key_0}, &PictureWindow::Whole);
+    add({Qt::Key_Up}, &PictureWindow::MoveUp);
+    add({Qt::Key_Down}, &PictureWindow::MoveDown);
+    add({Qt::SHIFT | Qt::Key_Left}, &PictureWindow::MoveLeft);
+    add({Qt::SHIFT | Qt::Key_Right}, &PictureWindow::MoveRight);
     add({Qt::Key_Right}, &PictureWindow::Next);
     add({Qt::Key_Left}, &PictureWindow::Previous);
     add({Qt::CTRL | Qt::Key_S}, &PictureWindow::Save);
@@ -128,10 +174,17 @@ void PictureWindow::Go(int step)
 void PictureWindow::Show()
 {
     View_->SetPicture({});
-    View_->resize(0, 0);
     setWindowTitle(Names_.value(Place_));
-    ShowCaption(tr("Reading the picture..."));
+    ShowWords(tr("Reading the picture..."));
     Loader_->Load(Mail_->Octets(), {File()}, {});
+}
+
+/// Where the picture would be.
+void PictureWindow::ShowWords(const QString& words)
+{
+    View_->SetWords(words);
+    View_->resize(Area_->maximumViewportSize());
+    ShowCaption(words);
 }
 
 void PictureWindow::ShowCaption(const QString& words)
@@ -152,7 +205,9 @@ void PictureWindow::ShowCaption(const QString& words)
 void PictureWindow::Fit()
 {
     const QSize size = View_->PictureSize();
-    if (!FitsWindow_ || size.isEmpty())
+    if (size.isEmpty())
+        return View_->resize(Area_->maximumViewportSize());
+    if (!FitsWindow_)
         return;
     const QSize room = Area_->maximumViewportSize();
     SetScale(std::min({1.0, double(room.width()) / size.width(), double(room.height()) / size.height()}));
@@ -165,9 +220,46 @@ void PictureWindow::SetScale(double scale)
         return;
     FitsWindow_ = false;
     Scale_ = std::clamp(scale, Smallest, Largest);
+    QScrollBar* across = Area_->horizontalScrollBar();
+    QScrollBar* down = Area_->verticalScrollBar();
+    const double middleAcross = MiddleOf(across);
+    const double middleDown = MiddleOf(down);
     View_->resize((QSizeF(View_->PictureSize()) * Scale_).toSize().expandedTo(QSize(1, 1)));
+    KeepMiddle(across, middleAcross);
+    KeepMiddle(down, middleDown);
     View_->update();
     ShowCaption();
+}
+
+void PictureWindow::Whole()
+{
+    FitsWindow_ = true;
+    Fit();
+}
+
+void PictureWindow::Move(QScrollBar* bar, int direction)
+{
+    bar->setValue(bar->value() + direction * bar->pageStep() / MovesInWindow);
+}
+
+void PictureWindow::MoveUp()
+{
+    Move(Area_->verticalScrollBar(), -1);
+}
+
+void PictureWindow::MoveDown()
+{
+    Move(Area_->verticalScrollBar(), 1);
+}
+
+void PictureWindow::MoveLeft()
+{
+    Move(Area_->horizontalScrollBar(), isRightToLeft() ? 1 : -1);
+}
+
+void PictureWindow::MoveRight()
+{
+    Move(Area_->horizontalScrollBar(), isRightToLeft() ? -1 : 1);
 }
 
 void PictureWindow::resizeEvent(QResizeEvent* event)

@@ -11,6 +11,7 @@
 class PictureLoader;
 class QLabel;
 class QScrollArea;
+class QScrollBar;
 
 /// The pictures among the files of a message, one at a time and large: next, previous, larger, smaller, saved, by keys.
 /// Shown from the message alone; nothing is fetched and no other program is asked. Deletes itself when it is closed.
@@ -32,6 +33,13 @@ public Q_SLOTS:
     void Previous() { Go(-1); }
     void Larger() { SetScale(Scale_ * Step); }
     void Smaller() { SetScale(Scale_ / Step); }
+    /// As large as the window, and no larger than it is.
+    void Whole();
+    /// What is on show of a picture that is larger than the window.
+    void MoveUp();
+    void MoveDown();
+    void MoveLeft();
+    void MoveRight();
     void Save();
 
 protected:
@@ -46,6 +54,8 @@ private:
     void Show();
     void SetScale(double scale);
     void Fit();
+    static void Move(QScrollBar* bar, int direction);
+    void ShowWords(const QString& words);
     void ShowCaption(const QString& words = {});
 
     std::shared_ptr<cdo::Message> Mail_;

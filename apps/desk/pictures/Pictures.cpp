@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Pictures.h"
 
+#include "AttachmentPictures.h"
 #include "ContactPictures.h"
 #include "Desk.h"
 #include "ExitCode.h"
@@ -152,6 +153,8 @@ public:
                 Wait(isThere);
                 Settle();
             });
+        AttachmentPictures::Take([this](QWidget& widget, const char* name, int ratio) { Save(widget, name, ratio); },
+                                 [this] { Settle(); });
         if (withLarge)
             Large();
         Window().close();

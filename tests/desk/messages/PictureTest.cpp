@@ -14,21 +14,27 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTreeWidget>
 #include <QtTest>
 
 namespace
 {
-QByteArray Picture(const QColor& colour, QSize size = {200, 100}, const char* format = "PNG")
+QByteArray Encoded(const QImage& image, const char* format = "PNG")
 {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(colour);
     QByteArray octets;
     QBuffer buffer(&octets);
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, format);
     return octets;
+}
+
+QByteArray Picture(const QColor& colour, QSize size = {200, 100}, const char* format = "PNG")
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    return Encoded(image, format);
 }
 
 /// A PNG whose header says a size that its few octets cannot hold.
@@ -192,6 +198,79 @@ TEST_F(PictureTest, KeysGoThroughThePicturesZoomSaveAndClose)
     EXPECT_EQ(Read(path), Picture(Qt::blue));
     Press(Qt::Key_Escape);
     EXPECT_TRUE(WaitUntil([this] { return Large() == nullptr; }));
+}
+
+TEST_F(PictureTest, ALargerPictureKeepsItsMiddleMovesByKeysAndIsWholeAgain)
+{
+    QImage image(4000, 4000, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QPainter(&image).fillRect(1900, 1900, 200, 200, Qt::blue);
+    Add("large.png", "image/png", Encoded(image));
+    ShowFiles();
+    OpenLarge(0);
+    ASSERT_TRUE(WaitUntil([this] { return Middle() == QColor(Qt::blue); }));
+    const double whole = Large()->Scale();
+    for (int i = 0; i < 8; ++i)
+        Press(Qt::Key_Plus);
+    ASSERT_GT(Large()->Scale(), 1);
+    EXPECT_EQ(Middle(), QColor(Qt::blue)) << "what was in the middle is there";
+    const auto* area = Large()->findChild<QScrollArea*>();
+    const int top = area->verticalScrollBar()->value();
+    const int left = area->horizontalScrollBar()->value();
+    Press(Qt::Key_Down);
+    EXPECT_GT(area->verticalScrollBar()->value(), top);
+    Press(Qt::Key_Up);
+    EXPECT_EQ(area->verticalScrollBar()->value(), top);
+    QTest::keyClick(Large(), Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_GT(area->horizontalScrollBar()->value(), left);
+    QTest::keyClick(Large(), Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(area->horizontalScrollBar()->value(), left);
+    Press(Qt::Key_0);
+    EXPECT_DOUBLE_EQ(Large()->Scale(), whole);
+    EXPECT_EQ(area->verticalScrollBar()->maximum(), 0);
+}
+
+TEST_F(PictureTest, WhatOneSeesThroughIsSeenWhateverItsColours)
+{
+    for (const QColor& colour : {QColor(Qt::black), QColor(Qt::white)}) {
+        QImage image(200, 200, QImage::Format_ARGB32);
+        image.fill(Qt::transparent);
+        QPainter(&image).fillRect(90, 90, 20, 20, colour);
+        Add("logo.png", "image/png", Encoded(image));
+    }
+    ShowFiles();
+    OpenLarge(0);
+    for (const QColor& colour : {QColor(Qt::black), QColor(Qt::white)}) {
+        EXPECT_TRUE(WaitUntil([&] { return Middle() == colour; }));
+        const QImage shown = Large()->findChild<QScrollArea*>()->grab().toImage();
+        const QPoint middle = shown.rect().center();
+        QSet<QRgb> grounds;
+        for (int x = 20; x < 80; ++x)
+            grounds.insert(shown.pixel(middle + QPoint(x, 50)));
+        EXPECT_EQ(grounds.size(), 2) << "one of them is another colour than the picture's";
+        Press(Qt::Key_Right);
+    }
+}
+
+TEST_F(PictureTest, APictureThatACameraHeldUprightStandsUpright)
+{
+    QImage image(400, 200, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QPainter(&image).fillRect(0, 0, 200, 200, Qt::blue);
+    // The header says: turned to the right.
+    QByteArray octets = Encoded(image, "JPG");
+    octets.insert(2, QByteArray::fromHex("FFE10022457869660000"
+                                         "4D4D002A00000008"
+                                         "00010112000300000001000600000000"
+                                         "0000"));
+    Add("upright.jpg", "image/jpeg", octets);
+    ShowFiles();
+    OpenLarge(0);
+    const auto at = [this](int y) {
+        const QImage shown = Large()->findChild<QScrollArea*>()->grab().toImage();
+        return shown.pixelColor(shown.rect().center() + QPoint(0, y));
+    };
+    EXPECT_TRUE(WaitUntil([&] { return at(-150).blue() > 200 && at(150).red() > 200; }));
 }
 
 TEST_F(PictureTest, ADamagedPictureSaysSoAndAnotherMessageLeavesTheWindowItsOwn)

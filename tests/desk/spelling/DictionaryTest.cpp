@@ -262,6 +262,10 @@ TEST_F(DictionaryTest, OwnWordsAreKeptOneALineAndNothingReplacesWhatCannotBeRead
     const QString folder = Temporary_.filePath(QStringLiteral("folder.txt"));
     ASSERT_TRUE(QDir().mkpath(folder));
     EXPECT_EQ(OwnWords::Add(folder, QStringLiteral("word")).Error(), FileError::IsFolder);
+    const QString large = Temporary_.filePath(QStringLiteral("large.txt"));
+    TestDictionary::WriteFile(large, QByteArray(5 << 20, 'a'));
+    EXPECT_FALSE(OwnWords::Add(large, QStringLiteral("word")).IsDone());
+    EXPECT_EQ(QFileInfo(large).size(), 5 << 20);
     const QString link = Temporary_.filePath(QStringLiteral("link.txt"));
     ASSERT_TRUE(QFile::link(file, link));
     EXPECT_EQ(OwnWords::Add(link, QStringLiteral("word")).Error(), FileError::IsLink);

@@ -16,6 +16,7 @@
 #include "database/dialogs/frmDatabaseSettings.h"
 #include "messages/FolderChoice.h"
 #include "messages/MessageWindow.h"
+#include "messages/PictureWindow.h"
 #include "messages/PreviewPane.h"
 #include "messages/dialogs/frmHighlightSettings.h"
 #include "onair/OnAirDesk.h"
@@ -134,6 +135,9 @@ protected:
         add(new FolderChoice(QStringLiteral("Move"), Station.Database().MessageCategories(), {}, nullptr));
         add(new frmHighlightSettings(Station.Database()));
         add(new frmPageSetupLabels(nullptr));
+        auto* picture = new PictureWindow(std::make_shared<cdo::Message>(), {0, 1}, 0, nullptr);
+        picture->setAttribute(Qt::WA_DeleteOnClose, false);
+        add(picture);
         auto* settings = new frmDatabaseSettings(nullptr);
         settings->SetTolvaDatabase(&Station.Database());
         add(settings);
