@@ -128,7 +128,9 @@ PictureWindow::PictureWindow(std::shared_ptr<cdo::Message> mail, const QList<int
     layout->addWidget(Area_, 1);
     layout->addLayout(buttons);
     MakeKeys();
+    Area_->installEventFilter(this);
     connect(Loader_, &PictureLoader::Loaded, this, [this](int, const QImage& picture) {
+        Area_->setWidgetResizable(false);
         View_->SetPicture(QPixmap::fromImage(picture));
         Fit();
         ShowCaption();
@@ -183,7 +185,7 @@ void PictureWindow::Show()
 void PictureWindow::ShowWords(const QString& words)
 {
     View_->SetWords(words);
-    View_->resize(Area_->maximumViewportSize());
+    Area_->setWidgetResizable(true);
     ShowCaption(words);
 }
 
@@ -205,9 +207,7 @@ void PictureWindow::ShowCaption(const QString& words)
 void PictureWindow::Fit()
 {
     const QSize size = View_->PictureSize();
-    if (size.isEmpty())
-        return View_->resize(Area_->maximumViewportSize());
-    if (!FitsWindow_)
+    if (!FitsWindow_ || size.isEmpty())
         return;
     const QSize room = Area_->maximumViewportSize();
     SetScale(std::min({1.0, double(room.width()) / size.width(), double(room.height()) / size.height()}));
@@ -262,10 +262,12 @@ void PictureWindow::MoveRight()
     Move(Area_->horizontalScrollBar(), isRightToLeft() ? -1 : 1);
 }
 
-void PictureWindow::resizeEvent(QResizeEvent* event)
+/// Its room changes with the window, and with the lines of the caption.
+bool PictureWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    QDialog::resizeEvent(event);
-    Fit();
+    if (watched == Area_ && event->type() == QEvent::Resize)
+        Fit();
+    return QDialog::eventFilter(watched, event);
 }
 
 void PictureWindow::Save()

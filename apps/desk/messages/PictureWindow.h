@@ -43,7 +43,7 @@ public Q_SLOTS:
     void Save();
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     static constexpr double Step = 1.25;

@@ -270,7 +270,8 @@ TEST_F(PictureTest, APictureThatACameraHeldUprightStandsUpright)
         const QImage shown = Large()->findChild<QScrollArea*>()->grab().toImage();
         return shown.pixelColor(shown.rect().center() + QPoint(0, y));
     };
-    EXPECT_TRUE(WaitUntil([&] { return at(-150).blue() > 200 && at(150).red() > 200; }));
+    EXPECT_TRUE(WaitUntil(
+        [&] { return at(-150).blue() > 200 && at(-150).red() < 50 && at(150).red() > 200 && at(150).blue() < 50; }));
 }
 
 TEST_F(PictureTest, ADamagedPictureSaysSoAndAnotherMessageLeavesTheWindowItsOwn)
@@ -279,6 +280,13 @@ TEST_F(PictureTest, ADamagedPictureSaysSoAndAnotherMessageLeavesTheWindowItsOwn)
     ShowFiles();
     OpenLarge(0);
     EXPECT_TRUE(WaitUntil([this] { return Caption().contains(QStringLiteral("cannot be shown as a picture")); }));
+    const auto* area = Large()->findChild<QScrollArea*>();
+    for (const int width : {300, 900}) {
+        Large()->resize(width, 400);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0) << width;
+        EXPECT_EQ(area->verticalScrollBar()->maximum(), 0) << width;
+    }
     Files_.SetMessage(nullptr);
     Press(Qt::Key_Plus);
     Press(Qt::Key_Right);
