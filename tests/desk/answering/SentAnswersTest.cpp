@@ -5,8 +5,10 @@
 #include "answering/SentAnswers.h"
 
 #include "common/ClockHelper.h"
+#include "core/support/FaultyEngine.h"
 #include "desk/window/MainWindowTest.h"
 #include "messages/TextMessage.h"
+#include "platform/records/Error.h"
 
 namespace
 {
@@ -53,6 +55,20 @@ protected:
             },
             3000);
     }
+};
+
+/// Of a station whose disk fails when a test says so.
+class SentAnswersOfAFailingDiskTest : public SentAnswersTest
+{
+protected:
+    void FailOnce()
+    {
+        Engine_.FailAt(1, [] { throw dao::Error(dao::errDiskError, QStringLiteral("The cable was pulled.")); });
+    }
+    bool HasFailed() const { return Engine_.HasFailed(); }
+
+private:
+    FaultyEngine Engine_;
 };
 } // namespace
 
@@ -166,4 +182,26 @@ TEST_F(SentAnswersTest, TheRowsOfAScreenAreLookedUpAtOnceAndNoneWhileItIsPainted
     EXPECT_EQ(changes, 2) << "one statement for all of them";
     for (const qint32 original : originals)
         EXPECT_TRUE(answers.Of(original));
+}
+
+TEST_F(SentAnswersOfAFailingDiskTest, WhatAFailureLeftUnreadIsReadWithTheNextLook)
+{
+    constexpr int more = 120; // Several steps.
+    const qint32 original = FileOriginal("one@example.org");
+    FileMail(WithFields("In-Reply-To: <one@example.org>\r\n"), tmcSent);
+    for (int i = 0; i < more; ++i)
+        FileMail(WithFields("In-Reply-To: <" + QByteArray::number(i) + "@example.net>\r\n"), tmcSent);
+    SentAnswers answers(Station, nullptr);
+    answers.Refresh();
+    FailOnce();
+    EXPECT_TRUE(WaitUntil([&] { return !answers.IsReading(); }));
+    EXPECT_TRUE(HasFailed());
+    EXPECT_FALSE(answers.Of(original));
+    // Nothing has changed in the station meanwhile.
+    answers.Refresh();
+    EXPECT_TRUE(answers.IsReading());
+    EXPECT_TRUE(WaitUntil([&] { return !answers.IsReading(); }));
+    EXPECT_FALSE(answers.Of(original)) << "looked up first";
+    EXPECT_TRUE(WaitUntil([&] { return !answers.IsReading(); }));
+    EXPECT_TRUE(answers.Of(original));
 }
