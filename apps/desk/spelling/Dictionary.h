@@ -11,7 +11,7 @@
 struct DictionaryFiles;
 
 /// The words of one language in memory. Knows nothing of windows. One thread at a time may use it; reading one takes up
-/// to half a second.
+/// to a second.
 class Dictionary
 {
 public:

@@ -125,7 +125,10 @@ Speller::Speller(DeskSettings& settings, QString user, QObject* parent)
 
 Speller::~Speller()
 {
-    Thread_.quit();
+    // Behind what it has been asked to do: a word that was added a moment ago is kept.
+    if (Worker_)
+        QMetaObject::invokeMethod(
+            Worker_, [this] { Thread_.quit(); }, Qt::QueuedConnection);
     Thread_.wait();
 }
 
