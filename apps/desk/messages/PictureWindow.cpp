@@ -7,6 +7,7 @@
 #include "window/FileNames.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>

@@ -8,6 +8,7 @@
 #include <QPainterPath>
 #include <QTextBlock>
 #include <QTextLayout>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -25,9 +26,9 @@ void DrawWave(QPainter& painter, double from, double to, double top, double bott
 {
     const double step = bottom - top;
     QPainterPath wave(QPointF(from, bottom));
-    bool isUp = true;
-    for (double x = from + step; x < to + step; x += step, isUp = !isUp)
-        wave.lineTo(std::min(x, to), isUp ? top : bottom);
+    const int steps = qCeil((to - from) / step);
+    for (int i = 1; i <= steps; ++i)
+        wave.lineTo(std::min(from + i * step, to), i % 2 == 1 ? top : bottom);
     painter.drawPath(wave);
 }
 } // namespace

@@ -18,6 +18,7 @@ constexpr int RefreshDelay = 20;
 constexpr int MostTyped = 40;
 /// Beyond both ends of what is on show: lines of two directions do not end at their edges.
 constexpr int Margin = 400;
+constexpr qsizetype LongestPart = 800;
 
 QString Folded(const QString& plain)
 {
@@ -195,7 +196,7 @@ QTextCursor SpellingMarks::UnknownAt(int position) const
     qsizetype from = inBlock;
     while (from > 0 && inBlock - from < Margin && !text.at(from - 1).isSpace())
         --from;
-    const QStringView part = QStringView(text).mid(from, 2 * Margin);
+    const QStringView part = QStringView(text).mid(from, LongestPart);
     for (const WordPlace& place : SpellingWords::In(part)) {
         const qsizetype start = from + place.Start;
         if (inBlock < start || inBlock > start + place.Length)

@@ -164,7 +164,7 @@ TEST_F(PictureTest, OfOneMailNoMoreIsDecodedThanItsBound)
     QSignalSpy finished(&loader, &PictureLoader::Finished);
     loader.Load(Content_->Octets(), {0, 1, 2, 3, 4}, QSize(40, 40));
     ASSERT_TRUE(finished.wait(30'000));
-    EXPECT_EQ(loaded.size(), PictureLoader::MostPixels / (6000 * 6000));
+    EXPECT_EQ(loaded.size(), PictureLoader::MostPixels / (6000LL * 6000));
 }
 
 TEST_F(PictureTest, KeysGoThroughThePicturesZoomSaveAndClose)
