@@ -13,7 +13,13 @@ find src apps tests bench benchmarks fuzz examples library cmake scripts packagi
                 failed = 1
             }
         }
-        FNR == 1 { tell(); file = FILENAME; said = 0 }
+        FNR == 1 { tell(); file = FILENAME; said = 0; seen[file] = 1 }
         FNR <= 2 && /SPDX-License-Identifier: Apache-2\.0/ { said = 1 }
         FNR == 2 { nextfile }
-        END { tell(); exit failed }'
+        END {
+            tell()
+            # Of an empty file no line comes by.
+            for (i = 1; i < ARGC; ++i)
+                if (!(ARGV[i] in seen)) { file = ARGV[i]; said = 0; tell() }
+            exit failed
+        }'

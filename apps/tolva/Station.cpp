@@ -6,6 +6,7 @@
 #include "StationPlace.h"
 #include "Terminal.h"
 #include "common/FileHelper.h"
+#include "common/kvGeneral.h"
 #include "platform/directory/clsKVUser.h"
 
 QString Station::UserName(const Arguments& arguments)
@@ -47,6 +48,7 @@ void Station::SignIn(const QString& name)
         Directory_.Open(folder);
         // One commit for what a command leaves in the user log.
         Directory_.SetCollectsLog(true);
+        Directory_.SetLogProblemHandler([](const QString& problem) { WriteDebugLog(problem); });
         if (Directory_.SignIn(name))
             return;
     } catch (const dao::Error& error) {

@@ -8,8 +8,8 @@
 #include <QString>
 
 /// Which telephone numbers were answered by themselves a moment ago: the table "AutomaticAnswers" in the directory's
-/// file, which all computers of a station see. It is made with the first answer, and keeps a number for a day at most.
-/// Whoever made this owns it; the file outlives it. Raises dao::Error.
+/// file, which all computers of a station see. It is made with the first answer. A number that is older than a day goes
+/// with the next claim. Whoever made this owns it; the file outlives it. Raises dao::Error.
 class TOLVA_EXPORT AnsweredNumbers
 {
 public:

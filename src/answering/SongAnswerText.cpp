@@ -29,11 +29,32 @@ QString Beginning(const QString& text, qsizetype length)
     return text.left(end).trimmed();
 }
 
+/// Makes one character of its neighbours: parts of some scripts' letters, and of pictures.
+bool IsJoiner(char32_t character)
+{
+    return character == 0x200C || character == 0x200D;
+}
+
+/// Without the characters that nobody sees: each would make the text one of 70 characters, and a song of nothing else
+/// would be a blank.
+QString Visible(const QString& text)
+{
+    QString visible;
+    bool holdsMore = false; // than joiners, which have nothing to join then
+    for (const char32_t character : text.toUcs4()) {
+        if (!IsJoiner(character) && QChar::category(character) == QChar::Other_Format)
+            continue;
+        visible += QChar::fromUcs4(character);
+        holdsMore = holdsMore || !(IsJoiner(character) || QChar::isSpace(character));
+    }
+    return holdsMore ? visible : QString();
+}
+
 /// On one line, without what steers a screen. Typesetters' marks become the keyboard's: one of them would halve what a
 /// text message holds.
 QString Shown(const QString& text)
 {
-    QString plain = Beginning(text, LongestSong);
+    QString plain = Beginning(Visible(text), LongestSong);
     for (QChar& character : plain)
         character = character.category() == QChar::Other_Control ? QChar(u' ') : SearchFold::KeyboardMark(character);
     return HarmlessText::Words(plain);

@@ -84,18 +84,24 @@ SongAnswers::Result SongAnswers::Answer(const cMessage& text)
     return {Outcome::Answered, answer->Reference(), NoteAnswered(text, *answer)};
 }
 
-SongQuestion SongAnswers::QuestionOf(const cMessage& text) const
+SongQuestion SongAnswers::QuestionOf(const cMessage& text)
 {
     if (text.MessageType() != emtSMS)
         return SongQuestion::None;
-    RequireSettings(Station_);
-    return QuestionIn(text.CDOMessage()->TextBody(), SettingOf(Station_, StationSettings::SMSCurrentSong),
-                      SettingOf(Station_, StationSettings::SMSBuyCurrentSong));
+    if (!KeyWords_) {
+        RequireSettings(Station_);
+        KeyWords_ = {SettingOf(Station_, StationSettings::SMSCurrentSong),
+                     SettingOf(Station_, StationSettings::SMSBuyCurrentSong)};
+    }
+    return QuestionIn(text.CDOMessage()->TextBody(), KeyWords_->Song, KeyWords_->Buy);
 }
 
 /// Answered where nothing speaks against it.
 SongAnswers::Outcome SongAnswers::WhyNot(const cMessage& text) const
 {
+    // First, since it asks the station nothing: a spool that had to wait may hold thousands.
+    if (!IsRecent(text))
+        return Outcome::NotRecent;
     const QString country = Station_.StationCountry();
     const QString sender = text.CDOMessage()->From();
     const QString number = GeneralHelper::PhoneNumberKey(sender, country);
@@ -107,7 +113,7 @@ SongAnswers::Outcome SongAnswers::WhyNot(const cMessage& text) const
     }
     if (!IsMobileNumber(sender, country))
         return Outcome::NotMobile;
-    return IsRecent(text) ? Outcome::Answered : Outcome::NotRecent;
+    return IsNumberOfCountry(sender, country) ? Outcome::Answered : Outcome::Abroad;
 }
 
 /// What the answer says; result tells when there is to be none.

@@ -135,6 +135,30 @@ bool IsMobileOfExamples(const PhoneNumber& number)
     return number.country_code() == countryCode && number.national_number() >= first &&
            number.national_number() <= last;
 }
+/// Whether who dials the digits as they stand reaches the number that was read from them. "+44 (0)7700 900123" is read
+/// without its 0, which nobody takes out again on the way to the network.
+bool IsDialledAsTyped(const QString& text, const QString& region, const PhoneNumber& number)
+{
+    std::string national;
+    Numbers().GetNationalSignificantNumber(number, &national);
+    const QString digits = DigitsOf(text);
+    const QString significant = QString::fromStdString(national);
+    if (!digits.endsWith(significant))
+        return false;
+    const QString before = digits.chopped(significant.size());
+    const QString countryCode = QString::number(number.country_code());
+    switch (number.country_code_source()) {
+    case PhoneNumber::FROM_NUMBER_WITH_IDD:
+        return before.endsWith(countryCode);
+    case PhoneNumber::FROM_DEFAULT_COUNTRY: {
+        std::string trunk;
+        Numbers().GetNddPrefixForRegion(region.toStdString(), true, &trunk);
+        return before.isEmpty() || before == QString::fromStdString(trunk);
+    }
+    default:
+        return before == countryCode;
+    }
+}
 } // namespace
 
 bool IsMobileNumber(const QString& number, const QString& region)
@@ -143,10 +167,19 @@ bool IsMobileNumber(const QString& number, const QString& region)
     const QString country = region.isEmpty() ? GeneralHelper::PhoneRegion() : region;
     PhoneNumber parsed;
     if (!IsOneNumber(text) ||
-        Numbers().Parse(text.toStdString(), country.toStdString(), &parsed) != PhoneNumberUtil::NO_PARSING_ERROR ||
-        parsed.has_extension())
+        Numbers().ParseAndKeepRawInput(text.toStdString(), country.toStdString(), &parsed) !=
+            PhoneNumberUtil::NO_PARSING_ERROR ||
+        parsed.has_extension() || !IsDialledAsTyped(text, country, parsed))
         return false;
     const PhoneNumberUtil::PhoneNumberType type = Numbers().GetNumberType(parsed);
     return type == PhoneNumberUtil::MOBILE || type == PhoneNumberUtil::FIXED_LINE_OR_MOBILE ||
            IsMobileOfExamples(parsed);
+}
+
+bool IsNumberOfCountry(const QString& number, const QString& region)
+{
+    const std::string country = (region.isEmpty() ? GeneralHelper::PhoneRegion() : region).toStdString();
+    PhoneNumber parsed;
+    return Numbers().Parse(number.trimmed().toStdString(), country, &parsed) == PhoneNumberUtil::NO_PARSING_ERROR &&
+           parsed.country_code() == Numbers().GetCountryCodeForRegion(country);
 }

@@ -179,6 +179,18 @@ TEST_F(HookupsTest, ATextOfTheDaemonIsAnsweredWhereItsOptionsSaySo)
     EXPECT_EQ(Messages({QStringLiteral("--category"), QStringLiteral("Outbox")}).size(), 1);
 }
 
+TEST_F(HookupsTest, AFaultInTheOptionsOfTheDaemonsScriptLosesNoText)
+{
+    Write(QStringLiteral("sms.conf"), "exit 3\n");
+    RunScript(FilesText, {},
+              {QStringLiteral("SMS_MESSAGES=1"), QStringLiteral("SMS_1_NUMBER=+447700900123"),
+               QStringLiteral("SMS_1_TEXT=Play the lighthouse song")});
+    EXPECT_EQ(QDir(Path(QStringLiteral("spool"))).entryList({QStringLiteral("*.sms")}).size(), 1);
+    Write(QStringLiteral("sms.conf"), "");
+    RunScript(FilesText);
+    EXPECT_EQ(Messages().size(), 1);
+}
+
 TEST_F(HookupsTest, DecodedTextsOfTheDaemonAreJoined)
 {
     RunScript(FilesText, {},

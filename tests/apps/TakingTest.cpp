@@ -54,6 +54,20 @@ TEST_F(TakingTest, WhatAKilledCallHasFiledIsTakenAwayAndNotFiledAgain)
     EXPECT_EQ(Messages().size(), 1);
 }
 
+TEST_F(TakingTest, WhatIsNoFileInASpoolIsNamed)
+{
+    Write(QStringLiteral("post/1.eml"), Mail("one"));
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("nothing")), Path(QStringLiteral("post/2.eml"))));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Path(QStringLiteral("post/3.sms"))).constData(), 0600), 0);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Path(QStringLiteral("post/4.control"))).constData(), 0600), 0);
+    const Outcome taken = Take("post");
+    EXPECT_EQ(taken.Code, 66);
+    EXPECT_EQ(taken.Output, "filed 1, failed 2, passed over 0\n");
+    EXPECT_TRUE(taken.Problems.contains("2.eml is a link")) << taken.Problems.constData();
+    EXPECT_TRUE(taken.Problems.contains("3.sms is no file")) << taken.Problems.constData();
+    EXPECT_FALSE(taken.Problems.contains("left out")) << taken.Problems.constData();
+}
+
 TEST_F(TakingTest, WhatIsNoMailIsTakenFromAMaildirAndAnEmptyFileStays)
 {
     Write(QStringLiteral("box/new/1.a"), "Only words.\n");

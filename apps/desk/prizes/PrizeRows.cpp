@@ -151,7 +151,7 @@ QString PrizeRows::WhyInNoList(const cPrize& prize)
     case PrizeQuery::Unlisted::NotYet:
         return RowsText("%1 is in no list of available prizes yet, because it starts on %2. It is listed from %3 on.")
             .arg(title, LimitWords(prize.StartDate()),
-                 DayWords(ClockHelper::UTCToLocal(PrizeQuery::FirstListedDay(prize))));
+                 LimitWords(ClockHelper::UTCToLocal(PrizeQuery::FirstListedDay(prize))));
     case PrizeQuery::Unlisted::Over:
         return RowsText("%1 is in no list of available prizes any more, because its time ended on %2.")
             .arg(title, LimitWords(prize.EndDate()));

@@ -89,6 +89,7 @@ void DeskStation::Open(const QString& folder, const QString& user)
     try {
         OpenDirectory(Directory_, folder);
         Directory_.SetLogGivesWay(true);
+        Directory_.SetLogProblemHandler([](const QString& problem) { WriteDebugLog(problem); });
         if (!Directory_.SignIn(user)) {
             throw Failure(exitNoUser,
                           QStringLiteral("\u201C%1\u201D is not a user of this station. Its technician can add users.")

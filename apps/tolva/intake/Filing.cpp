@@ -7,6 +7,7 @@
 #include "platform/files/FileSystem.h"
 #include "platform/mail/TraceFields.h"
 
+#include <QDateTime>
 #include <QThread>
 
 #include <utility>
@@ -21,6 +22,17 @@ constexpr qsizetype OctetsOfBatch = qsizetype{4} * 1024 * 1024;
 constexpr qint64 MillisecondsOfWriting = 400;
 /// Longer than a program that waits for the station sleeps between two looks.
 constexpr qint64 MillisecondsForOthers = 25;
+/// When a file got its content, in local time and whole seconds, as its line "Received:" would say; none where nobody
+/// knows.
+Date WrittenAt(const QString& file)
+{
+    if (file.isEmpty())
+        return {};
+    const auto attributes = FileSystem::Current().AttributesOf(file);
+    if (!attributes || !attributes->ChangedMilliseconds)
+        return {};
+    return Date::FromDateTime(QDateTime::fromSecsSinceEpoch(*attributes->ChangedMilliseconds / 1000));
+}
 } // namespace
 
 Filing::Filing(Station& station, qint32 category, Options options)
@@ -82,7 +94,10 @@ cMessagePtr Filing::MakeMessageOf(const IncomingMessage& incoming, QString& prob
     problem.clear();
     cMessagePtr message;
     if (incoming.Kind == IncomingKind::TextMessage) {
-        const TextMessage text = ReadTextMessageFile(incoming.Octets, problem);
+        TextMessage text = ReadTextMessageFile(incoming.Octets, problem);
+        // Now would be another time at each try, and a text that lay about would count as new.
+        if (text.Received.IsNone())
+            text.Received = WrittenAt(incoming.File);
         if (problem.isEmpty())
             message = MakeMessage(text);
     } else {

@@ -73,14 +73,17 @@ MailSources::FileKind MailSources::KindOf(const QString& path)
 void MailSources::AddFolder(const QString& folder)
 {
     int others = 0;
-    const QFileInfoList entries = QDir(folder).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
+    QDir::Filters wanted = QDir::AllEntries | QDir::NoDotAndDotDot;
+    // Pipes, and links that lead nowhere: what stays there is named.
+    wanted.setFlag(QDir::System, Purpose_ == Purpose::Take);
+    const QFileInfoList entries = QDir(folder).entryInfoList(wanted, QDir::Name);
     for (const QFileInfo& entry : entries) {
         const QString path = entry.filePath();
         if (entry.isDir())
             Skipped_.append(QStringLiteral("%1: folders within a folder are not read; name it to file it").arg(path));
         else if (HasExtension(path, QStringLiteral(".eml")) || HasExtension(path, QStringLiteral(".sms")))
             Add({path, KindOf(path), false, entry.size()});
-        else
+        else if (entry.isFile())
             ++others;
     }
     if (others > 0) {

@@ -19,6 +19,8 @@ QString WhyNotAnswered(SongAnswers::Outcome outcome)
         return QStringLiteral("its number was answered within the last five minutes");
     case SongAnswers::Outcome::NoWords:
         return QStringLiteral("the station's template for it is empty");
+    case SongAnswers::Outcome::Abroad:
+        return QStringLiteral("its sender's number is of another country than the station");
     default:
         return QString();
     }
@@ -30,8 +32,10 @@ QString TextAnswering::Take(const cMessage& message, const QString& name)
     if (IsOver_)
         return QString();
     SongAnswers::Result result;
+    if (!Answers_)
+        Answers_.emplace(Station_.Database(), Station_.Directory().File());
     try {
-        result = SongAnswers(Station_.Database(), Station_.Directory().File()).Answer(message);
+        result = Answers_->Answer(message);
     } catch (const dao::Error& error) {
         IsOver_ = true;
         Station_.Terminal().TakeProblems();
@@ -40,6 +44,9 @@ QString TextAnswering::Take(const cMessage& message, const QString& name)
                            error.Description());
         return QString();
     }
+    // Taken here, so that none is told of the message behind it.
+    for (const QString& problem : Station_.Terminal().TakeProblems())
+        Complain(name, QStringLiteral("was filed; beside its answer: ") + problem);
     if (result.What == SongAnswers::Outcome::Failed)
         Complain(name, QStringLiteral("was filed, but not answered: ") + result.Problem);
     if (result.What == SongAnswers::Outcome::Answered) {

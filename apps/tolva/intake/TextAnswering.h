@@ -4,6 +4,8 @@
 #include "Station.h"
 #include "answering/SongAnswers.h"
 
+#include <optional>
+
 /// The automatic answers of one run of filing. What cannot be answered is told on standard error and fails nothing: the
 /// text itself is filed, and whoever handed it over is to forget it. The station outlives this object.
 class TextAnswering
@@ -20,6 +22,7 @@ private:
     void Complain(const QString& name, const QString& words) const;
 
     Station& Station_;
+    std::optional<SongAnswers> Answers_; ///< Made with the first text, when the station is open.
     int Answered_ = 0;
     bool IsOver_ = false; ///< The next answer would fare as the last one.
 };

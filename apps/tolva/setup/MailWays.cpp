@@ -208,8 +208,6 @@ MultipartTimeout = 600
     way.Files.push_back({QStringLiteral("/usr/local/bin/tolva-sms"), QStringLiteral(R"TEXT(#!/bin/bash
 # Files a received text message. What cannot be filed now is kept in the spool and filed at the next call.
 umask 0007
-# Options of filing: a line TOLVA_SMS_OPTIONS=--answer, for instance.
-[ -r /etc/tolva/sms.conf ] && . /etc/tolva/sms.conf
 station=@STATION@
 spool=/var/spool/tolva-sms
 # The daemon closes all streams; programs need some.
@@ -237,6 +235,9 @@ if [ "${SMS_MESSAGES:-0}" -gt 0 ]; then
     sync "$new" || exit 1
     mv "$new" "$spool/$(date +%s%N)-${new##*.}.sms" || exit 1
 fi
+
+# Options of filing: a line TOLVA_SMS_OPTIONS=--answer, for instance. Read here, so that a fault in it loses no text.
+[ -r /etc/tolva/sms.conf ] && . /etc/tolva/sms.conf
 
 # Then all that waits, one call of the script at a time.
 exec 9>"$spool/.lock"

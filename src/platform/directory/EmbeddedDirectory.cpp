@@ -14,6 +14,7 @@ namespace
 {
 const QString contactsTable = QStringLiteral("Contacts");
 const QString mainIndex = QStringLiteral("Main");
+constexpr qint64 patienceOfLogMilliseconds = 30;
 
 clsKVContactPtr ReadContact(const dao::Recordset& row)
 {
@@ -91,13 +92,16 @@ EmbeddedDirectory::EmbeddedDirectory() : UtcNow_(&QDateTime::currentDateTimeUtc)
 {
     constexpr int againMilliseconds = 300;
     LogTimer_.setSingleShot(true);
-    LogTimer_.setInterval(againMilliseconds);
-    QObject::connect(&LogTimer_, &QTimer::timeout, &LogTimer_, [this] { StoreLogUnlessLocked(); });
+    QObject::connect(&LogTimer_, &QTimer::timeout, &LogTimer_, [this] {
+        StoreLogUnlessLocked();
+        if (!WaitingLog_.isEmpty())
+            LogTimer_.start(againMilliseconds);
+    });
 }
 
 EmbeddedDirectory::~EmbeddedDirectory()
 {
-    StoreWaitingLog();
+    StoreWaitingLog(WhereLocked::GiveUp);
 }
 
 void EmbeddedDirectory::Open(const QString& folder)
@@ -113,7 +117,8 @@ void EmbeddedDirectory::Open(const QString& folder)
 
 void EmbeddedDirectory::Close()
 {
-    StoreWaitingLog();
+    StoreWaitingLog(WhereLocked::GiveUp);
+    LogTimer_.stop();
     User_.reset();
     LogRows_.reset();
     // Closed for this object even when the store's own closing fails.
@@ -230,33 +235,30 @@ bool EmbeddedDirectory::Log(const DirectoryLogEntry& entry)
 {
     constexpr qint64 longestWaitMilliseconds = 1000;
     if (!CollectsLog_ && !LogGivesWay_)
-        return StoreLog({entry}) == 0;
+        return !StoreLog({entry});
     if (WaitingLog_.isEmpty())
         WaitingSince_.start();
     WaitingLog_.append(entry);
-    if (!CollectsLog_)
-        return StoreLogUnlessLocked();
-    return WaitingSince_.elapsed() < longestWaitMilliseconds || StoreWaitingLog();
-}
-
-/// True also for what waits for a lock: it is stored behind that.
-bool EmbeddedDirectory::StoreLogUnlessLocked()
-{
-    constexpr qint64 longestWaitMilliseconds = 30;
-    if (WaitingLog_.isEmpty() || !Database_)
-        return true;
-    const dao::LockPatience patience(longestWaitMilliseconds);
-    const QList<DirectoryLogEntry> entries = std::exchange(WaitingLog_, {});
-    const int error = StoreLog(entries);
-    if (error != dao::errLocked)
-        return error == 0;
-    WaitingLog_ = entries;
-    LogTimer_.start();
+    if (CollectsLog_) {
+        if (WaitingSince_.elapsed() < longestWaitMilliseconds)
+            return true;
+        WaitingSince_.start();
+        return StoreWaitingLog(WhereLocked::Keep);
+    }
+    // Not here, in the midst of somebody's transaction: its commit is the one that meets the lock, and waits for it.
+    if (!LogTimer_.isActive())
+        LogTimer_.start(0);
     return true;
 }
 
-/// In one transaction, the numbers of the entries included.
-int EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
+void EmbeddedDirectory::StoreLogUnlessLocked() const
+{
+    const dao::LockPatience patience(patienceOfLogMilliseconds);
+    StoreWaitingLog(WhereLocked::Keep);
+}
+
+/// In one transaction, the numbers of the entries included. Why it could not be done.
+std::optional<dao::Error> EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
 {
     try {
         dao::Transaction transaction;
@@ -265,31 +267,54 @@ int EmbeddedDirectory::StoreLog(const QList<DirectoryLogEntry>& entries) const
         for (const DirectoryLogEntry& entry : entries)
             AddLogEntry(*LogRows_, entry);
         transaction.Commit();
-        return 0;
+        return std::nullopt;
     } catch (const dao::Error& error) {
         LogRows_.reset();
-        return error.Number();
-    } catch (const std::exception&) {
+        return error;
+    } catch (const std::exception& error) {
         LogRows_.reset();
-        return dao::errOutOfMemory;
+        return dao::Error(dao::errOutOfMemory, QString::fromUtf8(error.what()));
     }
 }
 
-bool EmbeddedDirectory::StoreWaitingLog() const
+bool EmbeddedDirectory::StoreWaitingLog(WhereLocked whereLocked) const
 {
-    return WaitingLog_.isEmpty() || StoreLog(std::exchange(WaitingLog_, {})) == 0;
+    if (WaitingLog_.isEmpty())
+        return true;
+    const QList<DirectoryLogEntry> entries = std::exchange(WaitingLog_, {});
+    const std::optional<dao::Error> failure = StoreLog(entries);
+    if (!failure)
+        return true;
+    if (failure->Number() == dao::errLocked && whereLocked == WhereLocked::Keep) {
+        WaitingLog_ = entries;
+        return true;
+    }
+    if (LogProblemHandler_) {
+        LogProblemHandler_(QStringLiteral("Entries of the user log that could not be stored: %1. %2")
+                               .arg(entries.size())
+                               .arg(failure->Description()));
+    }
+    return false;
 }
 
 void EmbeddedDirectory::SetCollectsLog(bool collects)
 {
     CollectsLog_ = collects;
     if (!collects)
-        StoreWaitingLog();
+        StoreWaitingLog(WhereLocked::GiveUp);
+}
+
+void EmbeddedDirectory::SetLogProblemHandler(std::function<void(const QString&)> handler)
+{
+    LogProblemHandler_ = std::move(handler);
 }
 
 QList<DirectoryLogEntry> EmbeddedDirectory::LogEntries(int limit) const
 {
-    StoreWaitingLog();
+    if (LogGivesWay_)
+        StoreLogUnlessLocked();
+    else
+        StoreWaitingLog(WhereLocked::Keep);
     // By time: each computer draws its references from a range of its own, so these do not tell the order.
     const auto rows = DirectoryTables::OpenTable(Opened(), QStringLiteral("UserLog"), QStringLiteral("When"));
     QList<DirectoryLogEntry> entries;

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 /// One user of the embedded directory as the technician edits it.
 struct DirectoryUser
@@ -110,11 +111,14 @@ public:
     /// of whose entries would cost a commit. What waits when the process is killed is lost. False stores what waits.
     /// Starts false.
     void SetCollectsLog(bool collects);
-    /// True: an entry of the user log that meets a directory which somebody else has locked waits in memory, and is
-    /// stored from the event loop as soon as that has an end, with the next entry, when the log is read, or when the
-    /// directory is closed. For programs with a window, which no entry is to hold up. Starts false: an entry waits as
-    /// long as any write does.
+    /// True: entries of the user log wait in memory and are stored from the event loop, as soon as nobody else has the
+    /// directory locked, when the log is read and nobody has, or when the directory is closed, which waits for a lock
+    /// as any write does. For programs with a window, which no entry is to hold up. Starts false: an entry is stored at
+    /// once, and waits as long as any write does. Entries that are collected stay so.
     void SetLogGivesWay(bool givesWay) { LogGivesWay_ = givesWay; }
+    /// Is told, in words, of entries that waited and had to be given up, and why; whoever logged them was answered long
+    /// ago. It must not throw, and outlives the directory. Nobody is told until it is set.
+    void SetLogProblemHandler(std::function<void(const QString&)> handler);
 
     /// Where the log's times come from; the system's clock until it is set.
     void SetClock(std::function<QDateTime()> utcNow);
@@ -124,10 +128,15 @@ private:
     dao::Database& Opened() const;
     /// False when it could not be stored.
     bool Log(const DirectoryLogEntry& entry);
-    /// The error's number, 0 for none.
-    int StoreLog(const QList<DirectoryLogEntry>& entries) const;
-    bool StoreWaitingLog() const;
-    bool StoreLogUnlessLocked();
+    std::optional<dao::Error> StoreLog(const QList<DirectoryLogEntry>& entries) const;
+    enum class WhereLocked
+    {
+        Keep,
+        GiveUp
+    };
+    /// False when entries were given up.
+    bool StoreWaitingLog(WhereLocked whereLocked) const;
+    void StoreLogUnlessLocked() const;
 
     std::unique_ptr<dao::Database> Database_;
     /// The user log, open from its first entry on: opening it asks a server what the table looks like.
@@ -138,5 +147,6 @@ private:
     bool LogGivesWay_ = false;
     mutable QList<DirectoryLogEntry> WaitingLog_;
     QElapsedTimer WaitingSince_;
-    QTimer LogTimer_; ///< For what waits for a lock.
+    QTimer LogTimer_; ///< Runs while entries wait that give way.
+    std::function<void(const QString&)> LogProblemHandler_;
 };

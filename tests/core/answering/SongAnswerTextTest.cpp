@@ -34,7 +34,8 @@ TEST(SongAnswerTextTest, TheStationsWordsTellSongStationAndTime)
 
 TEST(SongAnswerTextTest, WhereNoSongIsKnownTheAnswerSaysSo)
 {
-    for (const QString& song : {QString(), QStringLiteral(" \t\r\n"), QStringLiteral("\u202E")}) {
+    for (const QString& song : {QString(), QStringLiteral(" \t\r\n"), QStringLiteral("\u202E"),
+                                QStringLiteral("\u200B\u00AD\uFEFF\u2060"), QStringLiteral("\u200B\u200D \u200C")}) {
         for (const SongQuestion question : {SongQuestion::Song, SongQuestion::Buy}) {
             EXPECT_EQ(Answer(song, question),
                       QStringLiteral("Sorry, Harbour FM cannot tell what was playing at 14:05."));
@@ -50,6 +51,15 @@ TEST(SongAnswerTextTest, NothingInTheSongSteersAScreenOrBreaksTheLine)
 {
     const QString answer = Answer(QStringLiteral("The\r\nShanty\u0007\u001B[2J\u0085\u2028by\u202E <ZRT_TIME>\u0000x"));
     EXPECT_EQ(answer, QStringLiteral("Playing on Harbour FM at 14:05: The Shanty [2J by <ZRT_TIME> x"));
+}
+
+TEST(SongAnswerTextTest, CharactersThatNobodySeesGoAndJoinersStay)
+{
+    const QString answer = Answer(QStringLiteral("\uFEFFThe Shan\u00ADty\u200B by\U000E0020 Tide"));
+    EXPECT_TRUE(answer.endsWith(QStringLiteral(": The Shanty by Tide"))) << qPrintable(answer);
+    EXPECT_FALSE(CountTextParts(answer).Is16Bit);
+    const QString family = QStringLiteral("\U0001F469\u200D\U0001F467");
+    EXPECT_TRUE(Answer(family).endsWith(family)) << qPrintable(Answer(family));
 }
 
 TEST(SongAnswerTextTest, TypesettersMarksDoNotHalveTheRoom)

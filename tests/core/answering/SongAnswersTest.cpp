@@ -141,6 +141,10 @@ TEST_F(SongAnswersTest, OnlyAMobileNumberThatIsNotTheStationsIsAnswered)
     EXPECT_EQ(OutcomeOf(QStringLiteral("SONG"), QStringLiteral("+447700900001")), Outcome::OwnNumber);
     EXPECT_EQ(OutcomeOf(QStringLiteral("SONG"), Station->StationPhoneNumber()), Outcome::OwnNumber);
     EXPECT_EQ(InOutbox(), 0);
+    for (const char* sender : {"+49 151 23456789", "+1 202 555 0123"})
+        EXPECT_EQ(OutcomeOf(QStringLiteral("SONG"), QLatin1String(sender)), Outcome::Abroad) << sender;
+    EXPECT_EQ(InOutbox(), 0);
+    Station->SetStationCountry(QStringLiteral("US"));
     EXPECT_EQ(OutcomeOf(QStringLiteral("SONG"), QStringLiteral("+1 202 555 0123")), Outcome::Answered)
         << "where numbers do not tell mobiles from others";
 }
@@ -176,6 +180,15 @@ TEST_F(SongAnswersTest, TheKeyWordsAreTheSettingsAndAnEmptiedOneIsTheUsualOne)
     EXPECT_EQ(OutcomeOf(QStringLiteral("song"), QStringLiteral("07700 900124")), Outcome::Answered);
     store(QStringLiteral("SMS.BuyCurrentSong"), QStringLiteral(" "));
     EXPECT_EQ(OutcomeOf(QStringLiteral("buy"), QStringLiteral("07700 900125")), Outcome::NotAsked);
+}
+
+TEST_F(SongAnswersTest, TheKeyWordsAreReadOnce)
+{
+    SongAnswers answers(*Station, *Directory_);
+    EXPECT_EQ(answers.Answer(*Filed(QStringLiteral("hello"))).What, Outcome::NotAsked);
+    Station->SetDatabaseSetting(QStringLiteral("SMS.CurrentSong"), QStringLiteral("tune"), QString());
+    EXPECT_EQ(answers.Answer(*Filed(QStringLiteral("song"))).What, Outcome::Answered);
+    EXPECT_EQ(OutcomeOf(QStringLiteral("song"), QStringLiteral("07700 900124")), Outcome::NotAsked);
 }
 
 TEST_F(SongAnswersTest, AMailAsksNothing)

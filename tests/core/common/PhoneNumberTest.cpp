@@ -112,8 +112,9 @@ TEST(PhoneNumberTest, AMobileNumberIsOneByTheRangesOfItsCountry)
 {
     const ScriptedRegistry registry;
     // The regulator's examples, and ranges in use.
-    for (const char* number : {"07700 900123", "+44 7700 900999", "00447700900000", "+44 7400 123456", "07400123456",
-                               "+49 151 23456789", "+33 6 12 34 56 78", "+1 (202) 555-0123"})
+    for (const char* number :
+         {"07700 900123", "+44 7700 900999", "00447700900000", "+44 7400 123456", "07400123456", "447400123456",
+          "7400123456", "+49 151 23456789", "+33 6 12 34 56 78", "+1 (202) 555-0123"})
         EXPECT_TRUE(IsMobileNumber(QLatin1String(number))) << number;
     for (const char* number : {"01632 960123",
                                "+44 20 7946 0018",
@@ -134,8 +135,22 @@ TEST(PhoneNumberTest, AMobileNumberIsOneByTheRangesOfItsCountry)
                                "+447400123456 x5",
                                "+447400123456,+447400123457",
                                "Pete <+447400123456>",
-                               "+44\n7400123456"})
+                               "+44\n7400123456",
+                               "+44 (0)7700 900123",
+                               "0044 (0)7400 123456",
+                               "+4407400123456"})
         EXPECT_FALSE(IsMobileNumber(QLatin1String(number))) << number;
     EXPECT_TRUE(IsMobileNumber(QStringLiteral("0151 23456789"), QStringLiteral("DE")));
     EXPECT_FALSE(IsMobileNumber(QStringLiteral("0151 23456789"), QStringLiteral("GB")));
+}
+
+TEST(PhoneNumberTest, ANumberIsOfTheCountryWhoseCodeItHas)
+{
+    const ScriptedRegistry registry;
+    for (const char* number : {"07700 900123", "+44 7700 900123", "0044 20 7946 0018"})
+        EXPECT_TRUE(IsNumberOfCountry(QLatin1String(number))) << number;
+    for (const char* number : {"+49 151 23456789", "+1 202 555 0123", "Harbour", ""})
+        EXPECT_FALSE(IsNumberOfCountry(QLatin1String(number))) << number;
+    EXPECT_TRUE(IsNumberOfCountry(QStringLiteral("+1 876 555 0123"), QStringLiteral("US")));
+    EXPECT_FALSE(IsNumberOfCountry(QStringLiteral("+44 7700 900123"), QStringLiteral("US")));
 }

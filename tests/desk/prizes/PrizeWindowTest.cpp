@@ -136,6 +136,11 @@ TEST_F(PrizeWindowTest, APrizeThatIsInNoListSaysWhyWhenItIsSaved)
     Save(window);
     EXPECT_EQ(Notice(window), QStringLiteral("“Two tickets” is in no list of available prizes yet, because it starts "
                                              "on 22 November 2026, 06:30. It is listed from 23 November 2026 on."));
+    // The lists begin with a universal day.
+    Type(Get<QLineEdit>(window, "start"), QStringLiteral("22/06/2027 06:30"));
+    Save(window);
+    EXPECT_EQ(Notice(window), QStringLiteral("“Two tickets” is in no list of available prizes yet, because it starts "
+                                             "on 22 June 2027, 06:30. It is listed from 23 June 2027, 01:00 on."));
     Type(Get<QLineEdit>(window, "start"), QString());
     Type(Get<QLineEdit>(window, "end"), QStringLiteral("20/11/2026"));
     Save(window);

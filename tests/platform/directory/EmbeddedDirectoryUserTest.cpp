@@ -2,6 +2,7 @@
 #include "platform/directory/Processes.h"
 #include "platform/directory/TemporaryDirectory.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/Transaction.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -26,7 +27,50 @@ protected:
         });
     }
 
+    static qsizetype Stored(const EmbeddedDirectory& directory) { return directory.LogEntries(50).size(); }
+    /// Looks from another computer.
+    static bool IsStoredByTheEventLoop(const EmbeddedDirectory& other, qsizetype entries)
+    {
+        const QDeadlineTimer deadline(5000);
+        while (Stored(other) < entries && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        return Stored(other) == entries;
+    }
+
+    /// One whose log takes kinds up to 255 only, with Megan signed in.
+    void OpenNarrow(EmbeddedDirectory& narrow) const
+    {
+        const QString folder = Folder.filePath(QStringLiteral("narrow"));
+        ASSERT_TRUE(QDir().mkpath(folder));
+        // Kept as it is when the directory is opened.
+        const auto old = dao::DBEngine::CreateDatabase(folder + QStringLiteral("/Directory.mdb"), QString());
+        auto table = old->CreateTableDef(QStringLiteral("UserLog"));
+        table->Fields().Append(table->CreateField(QStringLiteral("Kind"), dao::dbByte));
+        old->TableDefs().Append(std::move(table));
+        old->Close();
+        narrow.Open(folder);
+        SavedUser(narrow, QStringLiteral("Megan"));
+        ASSERT_TRUE(narrow.SignIn(QStringLiteral("Megan")));
+    }
+
     QStringList Notes;
+};
+
+/// What another program does to the file, or has of it while this stands.
+class ForeignAccess
+{
+public:
+    ForeignAccess(const QString& file, const char* statements)
+    {
+        EXPECT_EQ(sqlite3_open(file.toUtf8().constData(), &Handle_), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(Handle_, statements, nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    ~ForeignAccess() { sqlite3_close(Handle_); }
+    ForeignAccess(const ForeignAccess&) = delete;
+    ForeignAccess& operator=(const ForeignAccess&) = delete;
+
+private:
+    sqlite3* Handle_ = nullptr;
 };
 
 const QString key = QStringLiteral("SelectedMessageCategory");
@@ -277,20 +321,8 @@ TEST_F(EmbeddedDirectoryUserTest, ACutTitleDoesNotEndWithHalfACharacter)
 
 TEST_F(EmbeddedDirectoryUserTest, ALogThatCannotBeWrittenAnswersFalseAndNeverThrows)
 {
-    const QString folder = Folder.filePath(QStringLiteral("narrow"));
-    ASSERT_TRUE(QDir().mkpath(folder));
-    {
-        // Kept as it is when the directory is opened: its kind takes numbers up to 255 only.
-        const auto old = dao::DBEngine::CreateDatabase(folder + QStringLiteral("/Directory.mdb"), QString());
-        auto table = old->CreateTableDef(QStringLiteral("UserLog"));
-        table->Fields().Append(table->CreateField(QStringLiteral("Kind"), dao::dbByte));
-        old->TableDefs().Append(std::move(table));
-        old->Close();
-    }
     EmbeddedDirectory narrow;
-    narrow.Open(folder);
-    SavedUser(narrow, QStringLiteral("Megan"));
-    ASSERT_TRUE(narrow.SignIn(QStringLiteral("Megan")));
+    ASSERT_NO_FATAL_FAILURE(OpenNarrow(narrow));
     EXPECT_TRUE(narrow.CurrentUser()->LogEvent(1, 255, QString(), QString(), 0, 0));
     EXPECT_FALSE(narrow.CurrentUser()->LogEvent(1, 256, QString(), QString(), 0, 0));
     EXPECT_EQ(narrow.LogEntries(10).size(), 1);
@@ -327,38 +359,71 @@ TEST_F(EmbeddedDirectoryUserTest, AnEntryThatGivesWayWaitsForNobodysLockAndIsSto
 {
     clsKVUser& user = SignedIn(QStringLiteral("Megan"));
     Directory.SetLogGivesWay(true);
-    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("free"), QString(), 1, 0));
     EmbeddedDirectory other;
     other.Open(FolderName());
-    const auto stored = [&other] { return other.LogEntries(10).size(); };
-    EXPECT_EQ(stored(), 1) << "nothing waits while nobody has the lock";
-    sqlite3* writer = nullptr;
-    ASSERT_EQ(sqlite3_open(QDir(FolderName()).filePath(QStringLiteral("Directory.mdb")).toUtf8().constData(), &writer),
-              SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(writer, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-    QElapsedTimer since;
-    since.start();
-    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("first"), QString(), 1, 0));
-    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("second"), QString(), 1, 0));
-    EXPECT_LT(since.elapsed(), 1000) << "a lock is waited for 5 seconds otherwise";
-    EXPECT_EQ(stored(), 1);
-    sqlite3_close(writer);
-    const QDeadlineTimer deadline(5000);
-    while (stored() < 3 && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    EXPECT_EQ(stored(), 3) << "by the event loop alone";
-    const QList<DirectoryLogEntry> entries = other.LogEntries(10);
-    EXPECT_TRUE(entries.at(0).Title == u"second" || entries.at(1).Title == u"second");
-
-    // What still waits is stored when the directory is closed.
-    ASSERT_EQ(sqlite3_open(QDir(FolderName()).filePath(QStringLiteral("Directory.mdb")).toUtf8().constData(), &writer),
-              SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(writer, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("third"), QString(), 1, 0));
-    sqlite3_close(writer);
-    EXPECT_EQ(stored(), 3);
+    EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("free"), QString(), 1, 0));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Stored(other), 1) << "nothing waits while nobody has the lock";
+    {
+        const ForeignAccess writer(FileName(), "BEGIN IMMEDIATE");
+        QElapsedTimer since;
+        since.start();
+        for (int i = 0; i < 20; ++i) {
+            EXPECT_TRUE(user.LogEvent(32, 1, QString::number(i), QString(), 1, 0));
+            QCoreApplication::processEvents();
+        }
+        EXPECT_LT(since.elapsed(), 250) << "one look, not one an entry";
+        EXPECT_EQ(Directory.LogEntries(50).size(), 1);
+        EXPECT_LT(since.elapsed(), 1000) << "a lock is waited for 5 seconds otherwise";
+    }
+    EXPECT_TRUE(IsStoredByTheEventLoop(other, 21));
+    {
+        const ForeignAccess writer(FileName(), "BEGIN IMMEDIATE");
+        EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("last"), QString(), 1, 0));
+    }
+    EXPECT_EQ(Stored(other), 21);
     Directory.Close();
-    EXPECT_EQ(stored(), 4);
+    EXPECT_EQ(Stored(other), 22) << "what still waits is stored when the directory is closed";
+}
+
+TEST_F(EmbeddedDirectoryUserTest, AnEntryThatGivesWayInATransactionIsKeptWhileAnotherReadsTheDirectory)
+{
+    clsKVUser& user = SignedIn(QStringLiteral("Megan"));
+    Directory.SetLogGivesWay(true);
+    EmbeddedDirectory other;
+    other.Open(FolderName());
+    {
+        // Whoever reads keeps nobody from writing, but the commit waits for him.
+        const ForeignAccess reader(FileName(), "BEGIN; SELECT COUNT(*) FROM UserLog");
+        QElapsedTimer since;
+        since.start();
+        dao::Transaction transaction;
+        dao::Transaction::AfterCommit(
+            [&user] { EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("behind"), QString(), 1, 0)); });
+        EXPECT_TRUE(user.LogEvent(32, 1, QStringLiteral("within"), QString(), 1, 0));
+        transaction.Commit();
+        QCoreApplication::processEvents();
+        EXPECT_LT(since.elapsed(), 1000) << "a lock is waited for 5 seconds otherwise";
+        EXPECT_EQ(Stored(other), 0);
+    }
+    EXPECT_TRUE(IsStoredByTheEventLoop(other, 2));
+}
+
+TEST_F(EmbeddedDirectoryUserTest, EntriesThatWaitedAndCannotBeStoredAreToldWithTheCause)
+{
+    QStringList problems;
+    EmbeddedDirectory narrow;
+    ASSERT_NO_FATAL_FAILURE(OpenNarrow(narrow));
+    narrow.SetLogProblemHandler([&problems](const QString& problem) { problems.append(problem); });
+    narrow.SetLogGivesWay(true);
+    EXPECT_TRUE(narrow.CurrentUser()->LogEvent(1, 255, QString(), QString(), 0, 0));
+    EXPECT_TRUE(narrow.CurrentUser()->LogEvent(1, 256, QString(), QString(), 0, 0));
+    QCoreApplication::processEvents();
+    ASSERT_EQ(problems.size(), 1);
+    EXPECT_TRUE(problems.first().startsWith(QStringLiteral("Entries of the user log that could not be stored: 2. ")));
+    EXPECT_GT(problems.first().size(), 60) << "with the cause: " << qPrintable(problems.first());
+    EXPECT_TRUE(narrow.CurrentUser()->LogEvent(1, 254, QString(), QString(), 0, 0));
+    EXPECT_EQ(narrow.LogEntries(10).size(), 1) << "what comes behind it is stored";
 }
 
 TEST_F(EmbeddedDirectoryUserTest, LogsOfTwoComputersMeetInOneListByTime)
