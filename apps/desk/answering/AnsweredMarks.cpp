@@ -193,13 +193,13 @@ void AnsweredMarks::Write(const Filed& filed)
     ledger.Note(originals, filed.Answer, filed.Name, filed.When);
 }
 
-qint32 AnsweredMarks::OriginalOf(qint32 draft) const
+std::optional<qint32> AnsweredMarks::OriginalOf(qint32 draft) const
 {
     try {
         const dao::LockPatience patience(ShortWait::Milliseconds);
         const QList<AnsweredMessage> originals = AnswerLedger(Station_.Directory().File()).OriginalsOf(draft);
         return originals.isEmpty() ? 0 : originals.first().Message;
-    } catch (const dao::Error&) {
-        return 0;
+    } catch (const dao::Error& error) {
+        return error.Number() == dao::errLocked ? std::nullopt : std::optional<qint32>(0);
     }
 }

@@ -35,8 +35,8 @@ public:
     /// Writes what was not written yet, and waits as long as usual. For the end.
     void Finish();
     bool HasUnwritten() const { return !Unwritten_.isEmpty(); }
-    /// What a draft answers; 0 for nothing.
-    qint32 OriginalOf(qint32 draft) const;
+    /// What a draft answers; 0 for nothing. None where somebody else has the directory locked.
+    std::optional<qint32> OriginalOf(qint32 draft) const;
 
 Q_SIGNALS:
     void Changed();

@@ -56,12 +56,31 @@ bool AnsweringDesk::MayAnswer(const cMessage& original)
 
 void AnsweringDesk::Watch(ComposeWindow& window)
 {
-    const qint32 begun = window.Current().Answers;
-    const qint32 message = begun == 0 && window.Reference() != 0 ? Marks_->OriginalOf(window.Reference()) : begun;
-    Begin(window, message);
+    const qint32 message = window.Current().Answers;
+    Unresolved_.remove(&window);
+    if (message != 0)
+        Begin(window, message);
+    else if (window.Reference() != 0)
+        Resolve(window, window.Reference());
     disconnect(&window, &ComposeWindow::Stored, this, nullptr);
-    connect(&window, &ComposeWindow::Stored, this,
-            [this, message](qint32 reference, bool goesOut) { Marks_->Note(message, reference, goesOut); });
+    connect(&window, &ComposeWindow::Stored, this, [this, message, &window](qint32 reference, bool goesOut) {
+        Marks_->Note(message != 0 ? message : Own_.MessageOf(&window), reference, goesOut);
+    });
+}
+
+/// A draft that is gone on with: what it answers. Looked for again soon where somebody else has the directory locked.
+bool AnsweringDesk::Resolve(const QObject& window, qint32 draft)
+{
+    const std::optional<qint32> original = Marks_->OriginalOf(draft);
+    if (original) {
+        Unresolved_.remove(&window);
+        Begin(window, *original);
+        return true;
+    }
+    Unresolved_.insert(&window, draft);
+    connect(&window, &QObject::destroyed, this, &AnsweringDesk::End, Qt::UniqueConnection);
+    TellTimer_.start(ShortWait::AgainMilliseconds);
+    return false;
 }
 
 void AnsweringDesk::Watch(MessageWindow& window)
@@ -69,7 +88,7 @@ void AnsweringDesk::Watch(MessageWindow& window)
     Begin(window, window.Reference());
 }
 
-void AnsweringDesk::Begin(QObject& window, qint32 message)
+void AnsweringDesk::Begin(const QObject& window, qint32 message)
 {
     if (message <= 0)
         return;
@@ -81,6 +100,7 @@ void AnsweringDesk::Begin(QObject& window, qint32 message)
 
 void AnsweringDesk::End(const QObject* window)
 {
+    Unresolved_.remove(window);
     if (Own_.End(window))
         TellTimer_.start(0);
 }
@@ -89,6 +109,7 @@ void AnsweringDesk::Leave()
 {
     LookTimer_.stop();
     Own_.EndAll();
+    Unresolved_.clear();
     // Nothing else is to be done now, and what stays would count as somebody who answers for a minute.
     WriteOwn();
     Marks_->Finish();
@@ -101,6 +122,11 @@ void AnsweringDesk::Leave()
 void AnsweringDesk::Tell()
 {
     const dao::LockPatience patience(ShortWait::Milliseconds);
+    const auto unresolved = Unresolved_;
+    for (auto window = unresolved.cbegin(); window != unresolved.cend(); ++window) {
+        if (!Resolve(*window.key(), window.value()))
+            return;
+    }
     if (!WriteOwn())
         TellTimer_.start(ShortWait::AgainMilliseconds);
 }

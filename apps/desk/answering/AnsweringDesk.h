@@ -61,7 +61,8 @@ public Q_SLOTS:
     void Look();
 
 private:
-    void Begin(QObject& window, qint32 message);
+    bool Resolve(const QObject& window, qint32 draft);
+    void Begin(const QObject& window, qint32 message);
     void End(const QObject* window);
     void Tell();
     bool WriteOwn();
@@ -76,6 +77,7 @@ private:
     AnsweredMarks* Marks_;
     SentAnswers* Sent_;
     OwnAnswers Own_;
+    QHash<const QObject*, qint32> Unresolved_; ///< Windows of drafts of which it is not known what they answer.
     AnsweringWatch Others_;
     QHash<qint32, QList<Answering>> Now_; ///< By message.
     QHash<qint32, QString> Words_;        ///< The same, as they stand in the rows.

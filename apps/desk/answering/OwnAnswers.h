@@ -20,6 +20,8 @@ public:
     /// It is gone. False when nothing was known of it.
     bool End(const QObject* window);
     void EndAll();
+    /// 0 where nothing is known of it.
+    qint32 MessageOf(const QObject* window) const { return Windows_.value(window).Message; }
     bool IsEmpty() const { return Windows_.isEmpty(); }
     bool Holds(const QString& entry) const;
 

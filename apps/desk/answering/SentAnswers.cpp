@@ -3,7 +3,6 @@
 
 #include "common/Enumerations.h"
 #include "compose/Addresses.h"
-#include "compose/Composition.h"
 #include "database/RowCondition.h"
 #include "database/RowValues.h"
 #include "messages/AddressKey.h"
@@ -13,6 +12,7 @@
 #include "platform/mail/RawHeaders.h"
 #include "platform/records/Recordset.h"
 #include "station/DeskStation.h"
+#include "station/StoredSetting.h"
 
 #include <QScopeGuard>
 
@@ -62,14 +62,18 @@ void PassOverDamage(Work&& work)
 }
 
 /// What lies in Sent, and what the station sent from its own address or number and put into Saved or a folder of its
-/// own. Mail in the Inbox may bear any sender.
+/// own. Mail in the Inbox may bear any sender. dao::Error where these cannot be read: without them
+/// answers would be missing.
 QString ConditionOfSent(const cTolvaDatabase& station)
 {
     const QString sent = QStringLiteral("[Category]=%1").arg(tmcSent);
-    const Writer writer = Composing::WriterOf(station);
     QStringList senders;
-    for (QString key : {MakeAddressKey(writer.EmailAddress, emtEmail),
-                        MakeAddressKey(writer.SMSNumber, emtSMS, station.StationCountry())}) {
+    const auto stored = [&](const StationSettings::TextSetting& setting) {
+        return StoredSetting::Read(station, setting).trimmed();
+    };
+    for (QString key :
+         {MakeAddressKey(stored(StationSettings::StationEmailAddress), emtEmail),
+          MakeAddressKey(stored(StationSettings::StationSMSPhoneNumber), emtSMS, station.StationCountry())}) {
         if (!key.isEmpty())
             senders.append(QStringLiteral("[FromKey]='%1'").arg(key.replace(u'\'', QStringLiteral("''"))));
     }
@@ -127,7 +131,7 @@ void SentAnswers::Refresh()
         if (isAll)
             Condition_ = ConditionOfSent(database);
         const QString condition =
-            isAll ? Condition_ : QStringLiteral("(%1) AND [Reference]>%2").arg(Condition_).arg(Last_);
+            isAll ? Condition_ : QStringLiteral("(%1) AND [Reference]>%2").arg(Condition_, QString::number(Last_));
         const auto rows = database.OpenMessageRows({QStringLiteral("Reference")}, condition);
         for (; !rows->AtEOF(); rows->MoveNext()) {
             const qint32 reference = rows->Collect(QStringLiteral("Reference")).toInt();

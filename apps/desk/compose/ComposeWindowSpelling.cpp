@@ -5,7 +5,9 @@
 #include "AddressBox.h"
 #include "BodyEdit.h"
 #include "ComposeWindow.h"
+#include "answering/ShortWait.h"
 #include "platform/directory/clsKVUser.h"
+#include "platform/records/LockPatience.h"
 #include "spelling/SpellingMarks.h"
 #include "spelling/SpellingTools.h"
 #include "station/DeskStation.h"
@@ -22,8 +24,11 @@ void ComposeWindow::CheckSpelling(Speller& speller)
     connect(spelling, &SpellingTools::Told, Note_, &QLabel::setText);
     // Names are right as they are: of whom it goes to, and of who writes.
     QStringList own{Composing::WriterOf(Station_.Database()).StationName};
-    if (const clsKVUser* user = Station_.Directory().CurrentUser())
+    if (const clsKVUser* user = Station_.Directory().CurrentUser()) {
+        // Where somebody has the directory locked, the name as it was read last.
+        const dao::LockPatience patience(ShortWait::Milliseconds);
         own.append(user->Name());
+    }
     const auto tellNames = [this, spelling, own] {
         spelling->Marks().SetNames(own + QStringList{To_->Recipients(), CC_->Recipients(), BCC_->Recipients()});
     };

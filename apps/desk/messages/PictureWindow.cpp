@@ -28,6 +28,7 @@ constexpr int SquareSide = 8;
 const QColor SquareColours[] = {QColor(0xFF, 0xFF, 0xFF), QColor(0xD0, 0xD0, 0xD0)};
 /// Of what is on show, that a key moves the picture by.
 constexpr int MovesInWindow = 4;
+const QString Separator = QStringLiteral(" \u00B7 ");
 
 QBrush Squares()
 {
@@ -130,6 +131,7 @@ PictureWindow::PictureWindow(std::shared_ptr<cdo::Message> mail, const QList<int
     layout->addLayout(buttons);
     MakeKeys();
     Area_->installEventFilter(this);
+    Caption_->installEventFilter(this);
     connect(Loader_, &PictureLoader::Loaded, this, [this](int, const QImage& picture) {
         Area_->setWidgetResizable(false);
         View_->SetPicture(QPixmap::fromImage(picture));
@@ -177,6 +179,7 @@ void PictureWindow::Go(int step)
 void PictureWindow::Show()
 {
     View_->SetPicture({});
+    Caption_->setMinimumHeight(0);
     setWindowTitle(Names_.value(Place_));
     ShowWords(tr("Reading the picture..."));
     Loader_->Load(Mail_->Octets(), {File()}, {});
@@ -187,7 +190,8 @@ void PictureWindow::ShowWords(const QString& words)
 {
     View_->SetWords(words);
     Area_->setWidgetResizable(true);
-    ShowCaption(words);
+    ShowCaption();
+    View_->setAccessibleName(Caption_->text() + Separator + words);
 }
 
 void PictureWindow::ShowCaption(const QString& words)
@@ -200,7 +204,7 @@ void PictureWindow::ShowCaption(const QString& words)
         parts.append(words);
     else if (!size.isEmpty())
         parts.append(tr("%1%").arg(qRound(Scale_ * 100)));
-    Caption_->setText(parts.join(QStringLiteral(" \u00B7 ")));
+    Caption_->setText(parts.join(Separator));
     View_->setAccessibleName(Caption_->text());
 }
 
@@ -268,7 +272,17 @@ bool PictureWindow::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == Area_ && event->type() == QEvent::Resize)
         Fit();
+    // No lower while the same picture is on show in the same window: fewer lines make room for a larger picture, whose
+    // caption may need the line again.
+    if (watched == Caption_ && event->type() == QEvent::Resize)
+        Caption_->setMinimumHeight(Caption_->height());
     return QDialog::eventFilter(watched, event);
+}
+
+void PictureWindow::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    Caption_->setMinimumHeight(0);
 }
 
 void PictureWindow::Save()

@@ -293,6 +293,7 @@ void LabelsDialog::Update()
 
 void LabelsDialog::Print(const LabelSheet& sheet)
 {
+    Saved_->Show(QString());
     const std::unique_ptr<QPagedPaintDevice> printer = PrintTarget::PrinterForSheets(this);
     if (!printer)
         return;
@@ -304,6 +305,7 @@ void LabelsDialog::Print(const LabelSheet& sheet)
 
 void LabelsDialog::SavePdf()
 {
+    Saved_->Show(QString());
     const std::optional<QString> file = PrintTarget::PdfFile(tr("Save labels"), QStringLiteral("labels.pdf"));
     if (!file)
         return;

@@ -334,6 +334,7 @@ void PrintDialog::Print()
 {
     if (!IsLaidOut())
         return;
+    Saved_->Show(QString());
     const std::unique_ptr<QPagedPaintDevice> device = PrintTarget::PrinterForPages(this, Pages_->PageCount());
     if (!device)
         return;
@@ -371,6 +372,7 @@ void PrintDialog::SavePdf()
 {
     if (!IsLaidOut())
         return;
+    Saved_->Show(QString());
     const std::optional<QString> file = PrintTarget::PdfFile(tr("Save pages"), FileName());
     if (!file)
         return;

@@ -333,9 +333,13 @@ QString SearchWindow::NothingInWords() const
         return tr("Type a word of a message, a name or a number.");
     if (!Service_.IsComplete())
         return tr("None so far. Not all messages have been looked at yet.");
+    if (Result_.Count > 0)
+        return tr("The messages that had this were deleted meanwhile.");
     if (HasFilters())
         return tr("No such message is in what is chosen above. Choose all folders, all kinds and any time to look "
                   "everywhere.");
+    if (!RelatedTerms_.isEmpty() && Typed().isEmpty())
+        return tr("No message belongs to that. \u201CSearch all\u201D above looks among all messages.");
     return tr("No message has all of this. Try fewer words, or only their beginnings.");
 }
 

@@ -27,6 +27,8 @@ public:
 
     void Look(const QStringList& folders)
     {
+        if (IsLeaving())
+            return;
         Answer([dictionaries = InstalledDictionaries::In(folders)](Speller& speller) {
             speller.TakeDictionaries(dictionaries);
         });
@@ -34,6 +36,8 @@ public:
 
     void Read(int round, const DictionaryFiles& files, const QString& ownWords)
     {
+        if (IsLeaving())
+            return;
         QString problem;
         Dictionary_ = Dictionary::Read(files, problem);
         if (!Dictionary_) {
@@ -43,12 +47,11 @@ public:
             });
             return;
         }
-        FileStatus status;
-        for (const QString& word : OwnWords::In(ownWords, status))
+        for (const QString& word : OwnWords::In(ownWords, problem) + Unkept_)
             Dictionary_->Add(word);
-        if (!status.IsDone()) {
-            AnswerOf(round, [words = status.Words()](Speller& speller) {
-                Q_EMIT speller.Failed(tr("Your own words for the spelling could not be read: %1").arg(words));
+        if (!problem.isEmpty()) {
+            AnswerOf(round, [problem](Speller& speller) {
+                Q_EMIT speller.Failed(tr("Your own words for the spelling could not be read: %1").arg(problem));
             });
         }
     }
@@ -60,8 +63,12 @@ public:
         if (!Dictionary_)
             return;
         QStringList unknown;
-        std::copy_if(words.begin(), words.end(), std::back_inserter(unknown),
-                     [this](const QString& word) { return !Dictionary_->Knows(word); });
+        for (const QString& word : words) {
+            if (IsLeaving())
+                return;
+            if (!Dictionary_->Knows(word))
+                unknown.append(word);
+        }
         AnswerOf(round, [words, unknown](Speller& speller) {
             for (const QString& word : words)
                 speller.Verdicts_.insert(word, Verdict::Known);
@@ -73,6 +80,8 @@ public:
 
     void Suggest(int round, const QString& word)
     {
+        if (IsLeaving())
+            return;
         const QStringList suggestions = Dictionary_ ? Dictionary_->Suggestions(word, MostSuggestions) : QStringList();
         AnswerOf(round, [=](Speller& speller) { Q_EMIT speller.Suggested(word, suggestions); });
     }
@@ -81,7 +90,7 @@ public:
     {
         if (Dictionary_)
             Dictionary_->Add(word);
-        const FileStatus status = OwnWords::Add(file, word);
+        const QString problem = OwnWords::Add(file, word);
         AnswerOf(round, [=](Speller& speller) {
             // Its capitals are known as well now, and what is joined with it.
             const QString folded = word.toCaseFolded();
@@ -89,13 +98,20 @@ public:
                 return verdict.value() == Verdict::Unknown && verdict.key().toCaseFolded().contains(folded);
             });
             Q_EMIT speller.Changed();
-            if (!status.IsDone())
-                Q_EMIT speller.Failed(tr("\u201C%1\u201D is known until the desk is closed; it could not be kept: %2")
-                                          .arg(word, status.Words()));
+        });
+        if (problem.isEmpty())
+            return;
+        // In every language, and told whichever is chosen by now.
+        Unkept_.append(word);
+        Answer([=](Speller& speller) {
+            Q_EMIT speller.Failed(
+                tr("\u201C%1\u201D is known until the desk is closed; it could not be kept: %2").arg(word, problem));
         });
     }
 
 private:
+    /// Nobody waits for answers any more.
+    bool IsLeaving() const { return Speller_.IsLeaving_; }
     template <typename Take>
     void Answer(Take take)
     {
@@ -114,6 +130,7 @@ private:
 
     Speller& Speller_;
     std::unique_ptr<Dictionary> Dictionary_;
+    QStringList Unkept_; ///< Added, and not in the file.
 };
 
 Speller::Speller(DeskSettings& settings, QString user, QObject* parent)
@@ -125,7 +142,8 @@ Speller::Speller(DeskSettings& settings, QString user, QObject* parent)
 
 Speller::~Speller()
 {
-    // Behind what it has been asked to do: a word that was added a moment ago is kept.
+    // Behind the words that were added a moment ago, which are kept; all else that it was asked is left out.
+    IsLeaving_ = true;
     if (Worker_)
         QMetaObject::invokeMethod(
             Worker_, [this] { Thread_.quit(); }, Qt::QueuedConnection);

@@ -8,6 +8,8 @@
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
+
 class DeskSettings;
 
 /// The spelling of one desk: which language is chosen, and what its dictionary says of words. The dictionary is read
@@ -66,6 +68,7 @@ private:
     DeskSettings& Settings_;
     QString User_;
     QThread Thread_;
+    std::atomic<bool> IsLeaving_ = false;
     Worker* Worker_ = nullptr; ///< On its thread; deleted there.
     QList<DictionaryFiles> Dictionaries_;
     bool HasLooked_ = false;

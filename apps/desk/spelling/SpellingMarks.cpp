@@ -32,6 +32,30 @@ QString WithoutGenitive(QString plain)
         plain.chop(2);
     return plain;
 }
+
+struct TextWord
+{
+    int Start = 0; ///< In the text.
+    int End = 0;
+    QString Text;
+};
+
+/// Those between the blanks around a position.
+QList<TextWord> WordsAround(const QTextBlock& block, int position)
+{
+    const QString text = block.text();
+    const qsizetype inBlock = position - block.position();
+    qsizetype from = inBlock;
+    while (from > 0 && inBlock - from < Margin && !text.at(from - 1).isSpace())
+        --from;
+    const QStringView part = QStringView(text).mid(from, LongestPart);
+    QList<TextWord> words;
+    for (const WordPlace& place : SpellingWords::In(part)) {
+        const int start = block.position() + static_cast<int>(from + place.Start);
+        words.append({start, start + static_cast<int>(place.Length), part.mid(place.Start, place.Length).toString()});
+    }
+    return words;
+}
 } // namespace
 
 SpellingMarks::SpellingMarks(SpellingEdit& edit, Speller& speller) : QObject(&edit), Edit_(edit), Speller_(speller)
@@ -60,6 +84,10 @@ bool SpellingMarks::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Resize:
     case QEvent::ReadOnlyChange:
     case QEvent::Show:
+        Timer_.start();
+        break;
+    case QEvent::FocusOut:
+        Typed_ = -1;
         Timer_.start();
         break;
     default:
@@ -134,6 +162,19 @@ bool SpellingMarks::IsBeingTyped(int from, int to) const
     return Typed_ > from && Typed_ <= to && caret > from && caret <= to;
 }
 
+bool SpellingMarks::HasLeftTypedWord() const
+{
+    const QTextCursor caret = Edit_.textCursor();
+    const QTextBlock block = Edit_.document()->findBlock(Typed_);
+    if (!block.isValid() || caret.block() != block)
+        return true;
+    const QList<TextWord> words = WordsAround(block, Typed_);
+    return std::any_of(words.begin(), words.end(), [&](const TextWord& word) {
+        const auto holds = [&](int position) { return position > word.Start && position <= word.End; };
+        return holds(Typed_) && !holds(caret.position());
+    });
+}
+
 /// Adds the unknown words of a paragraph between two positions of the text; where these cut a word, without it.
 void SpellingMarks::Find(const QTextBlock& block, int first, int last, QList<QTextCursor>& words) const
 {
@@ -178,9 +219,8 @@ QList<QTextCursor> SpellingMarks::UnknownOnShow() const
 
 void SpellingMarks::Refresh()
 {
-    const QTextCursor caret = Edit_.textCursor();
     // Whoever has left the word and comes back to it sees its wave.
-    if (Typed_ >= 0 && caret.block() != Edit_.document()->findBlock(Typed_))
+    if (Typed_ >= 0 && HasLeftTypedWord())
         Typed_ = -1;
     Edit_.SetMarks(UnknownOnShow());
 }
@@ -191,20 +231,13 @@ QTextCursor SpellingMarks::UnknownAt(int position) const
     QTextCursor found(Edit_.document());
     if (!block.isValid() || Speller_.Language().isEmpty() || Edit_.isReadOnly() || IsForeign(block))
         return found;
-    const QString text = block.text();
-    const qsizetype inBlock = position - block.position();
-    qsizetype from = inBlock;
-    while (from > 0 && inBlock - from < Margin && !text.at(from - 1).isSpace())
-        --from;
-    const QStringView part = QStringView(text).mid(from, LongestPart);
-    for (const WordPlace& place : SpellingWords::In(part)) {
-        const qsizetype start = from + place.Start;
-        if (inBlock < start || inBlock > start + place.Length)
+    for (const TextWord& word : WordsAround(block, position)) {
+        if (position < word.Start || position > word.End)
             continue;
-        if (VerdictOn(part.mid(place.Start, place.Length)) != Speller::Verdict::Unknown)
+        if (VerdictOn(word.Text) != Speller::Verdict::Unknown)
             break;
-        found.setPosition(block.position() + static_cast<int>(start));
-        found.setPosition(found.position() + static_cast<int>(place.Length), QTextCursor::KeepAnchor);
+        found.setPosition(word.Start);
+        found.setPosition(word.End, QTextCursor::KeepAnchor);
         break;
     }
     return found;

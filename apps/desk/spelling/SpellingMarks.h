@@ -44,6 +44,7 @@ private:
     QList<QTextCursor> UnknownOnShow() const;
     void Find(const QTextBlock& block, int first, int last, QList<QTextCursor>& words) const;
     bool IsBeingTyped(int from, int to) const;
+    bool HasLeftTypedWord() const;
 
     SpellingEdit& Edit_;
     Speller& Speller_;

@@ -55,37 +55,45 @@ void SpellingPopup::Open(const QTextCursor& word, QPoint place, bool byKey)
     Menu_->setObjectName(QStringLiteral("spellingPopup"));
     Menu_->setAttribute(Qt::WA_DeleteOnClose);
     QAction* first = Menu_->actions().value(0);
-    Waiting_ = new QAction(tr("Looking for suggestions..."), Menu_);
-    Waiting_->setEnabled(false);
+    // As many lines as suggestions may come: what stands below keeps its place under the pointer.
+    Lines_.clear();
+    for (int i = 0; i < Speller::MostSuggestions; ++i) {
+        Lines_.append(new QAction(Menu_));
+        Lines_.last()->setEnabled(false);
+    }
+    Lines_.first()->setText(tr("Looking for suggestions..."));
+    IsAwaiting_ = true;
     auto* ignore = new QAction(tr("&Ignore in this window"), Menu_);
     ignore->setObjectName(QStringLiteral("ignoreWord"));
     connect(ignore, &QAction::triggered, this, [this] { Marks_.Ignore(Text_); });
     auto* add = new QAction(tr("&Add to dictionary"), Menu_);
     add->setObjectName(QStringLiteral("addWord"));
     connect(add, &QAction::triggered, this, [this] { Speller_.Add(SpellingWords::Plain(Text_)); });
-    Menu_->insertActions(first, {Waiting_, Menu_->insertSeparator(first), ignore, add, Menu_->insertSeparator(first)});
+    Menu_->insertActions(first, Lines_);
+    Menu_->insertActions(first, {Menu_->insertSeparator(first), ignore, add, Menu_->insertSeparator(first)});
     Timer_.start();
     Speller_.Suggest(SpellingWords::Plain(Text_));
 }
 
 void SpellingPopup::TakeSuggestions(const QString& plain, const QStringList& suggestions)
 {
-    if (!Menu_ || !Waiting_ || plain != SpellingWords::Plain(Text_))
+    if (!Menu_ || !IsAwaiting_ || plain != SpellingWords::Plain(Text_))
         return;
+    IsAwaiting_ = false;
+    Lines_.first()->setText(tr("No suggestions"));
     QFont font = Menu_->font();
     font.setBold(true);
-    for (const QString& suggestion : suggestions) {
-        QString text = SpellingWords::LikeTyped(suggestion, Text_);
-        auto* action = new QAction(QString(text).replace(u'&', QStringLiteral("&&")), Menu_);
-        action->setFont(font);
-        connect(action, &QAction::triggered, this, [this, text] { Replace(text); });
-        Menu_->insertAction(Waiting_, action);
-    }
-    if (suggestions.isEmpty()) {
-        Waiting_->setText(tr("No suggestions"));
-        Waiting_.clear();
-    } else {
-        delete Waiting_;
+    for (qsizetype i = 0; i < Lines_.size(); ++i) {
+        QAction* line = Lines_.at(i);
+        if (i >= suggestions.size()) {
+            line->setVisible(Menu_->isVisible() || !line->text().isEmpty());
+            continue;
+        }
+        const QString text = SpellingWords::LikeTyped(suggestions.at(i), Text_);
+        line->setText(QString(text).replace(u'&', QStringLiteral("&&")));
+        line->setFont(font);
+        line->setEnabled(true);
+        connect(line, &QAction::triggered, this, [this, text] { Replace(text); });
     }
     Show();
 }
@@ -97,8 +105,9 @@ void SpellingPopup::Show()
         return;
     if (!Menu_->isVisible())
         Menu_->popup(Place_);
-    if (QAction* first = Menu_->actions().value(0); IsByKey_ && first->isEnabled())
-        Menu_->setActiveAction(first);
+    // Whoever has chosen an entry meanwhile keeps it.
+    if (IsByKey_ && Lines_.first()->isEnabled() && !Menu_->activeAction())
+        Menu_->setActiveAction(Lines_.first());
 }
 
 void SpellingPopup::Replace(const QString& suggestion)

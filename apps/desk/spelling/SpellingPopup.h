@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
@@ -41,7 +42,8 @@ private:
     SpellingMarks& Marks_;
     Speller& Speller_;
     QPointer<QMenu> Menu_;
-    QPointer<QAction> Waiting_; ///< Stands where suggestions will; null when they are there.
+    QList<QAction*> Lines_;   ///< Of the menu, for suggestions.
+    bool IsAwaiting_ = false; ///< Until these have come.
     QTextCursor Word_;
     QString Text_; ///< Of the word.
     QPoint Place_;

@@ -8,6 +8,7 @@
 
 #include <QTextBlock>
 
+#include <algorithm>
 #include <optional>
 
 SpellingWalk::SpellingWalk(SpellingEdit& edit, const SpellingMarks& marks, Speller& speller)
@@ -15,7 +16,10 @@ SpellingWalk::SpellingWalk(SpellingEdit& edit, const SpellingMarks& marks, Spell
 {
     Timer_.setSingleShot(true);
     connect(&Timer_, &QTimer::timeout, this, &SpellingWalk::Step);
-    connect(&speller, &Speller::Changed, this, [this] {
+    connect(&speller, &Speller::Changed, this, [this, &speller] {
+        // A dictionary that turned out to be damaged has been told; without one every word counts as known.
+        if (speller.Language().isEmpty())
+            IsWalking_ = false;
         if (IsWalking_)
             Timer_.start();
     });
@@ -44,12 +48,12 @@ void SpellingWalk::Step()
     if (!IsWalking_)
         return;
     std::optional<int> awaited; // The first word without an answer.
-    int words = 0;
+    int looks = 0;              // At words, and at paragraphs: many of these may have none.
     for (QTextBlock block = Edit_.document()->findBlock(Place_); block.isValid(); block = block.next()) {
         if (HasWrapped_ && block.position() >= Begin_)
             break;
-        if (words >= StepSize)
-            return awaited ? static_cast<void>(Place_ = *awaited) : GoOn(block.position());
+        if (++looks >= StepSize)
+            return awaited ? static_cast<void>(Place_ = *awaited) : GoOn(std::max(Place_, block.position()));
         if (Marks_.IsForeign(block))
             continue;
         const QString text = block.text();
@@ -58,7 +62,7 @@ void SpellingWalk::Step()
             const int end = block.position() + static_cast<int>(place.End());
             if (end < Place_ || (HasWrapped_ && start >= Begin_))
                 continue;
-            if (++words >= StepSize)
+            if (++looks >= StepSize)
                 return awaited ? static_cast<void>(Place_ = *awaited) : GoOn(end);
             const Speller::Verdict verdict = Marks_.VerdictOn(QStringView(text).mid(place.Start, place.Length));
             if (verdict == Speller::Verdict::Awaited && !awaited)

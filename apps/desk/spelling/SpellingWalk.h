@@ -18,10 +18,10 @@ class SpellingWalk : public QObject
 public:
     SpellingWalk(SpellingEdit& edit, const SpellingMarks& marks, Speller& speller);
 
-    /// Begins, or begins anew. One of the signals follows, unless the text changes before.
+    /// Begins, or begins anew. One of the signals follows, unless the text changes or the spelling goes off before.
     void Start();
 
-    /// Of a step, in words.
+    /// Of a step, in words and paragraphs.
     static constexpr int StepSize = 2000;
 
 Q_SIGNALS:

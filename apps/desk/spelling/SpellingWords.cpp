@@ -92,23 +92,47 @@ bool IsName(QStringView piece)
     return false;
 }
 
+/// "DJ" of "DJs" and "DJ's".
+QStringView WithoutEnding(QStringView word)
+{
+    if (!word.endsWith(u's'))
+        return word;
+    word.chop(1);
+    if (!word.isEmpty() && IsApostrophe(word.back().unicode()))
+        word.chop(1);
+    return word;
+}
+
+/// Two letters at least, and capitals alone.
+bool IsAbbreviation(QStringView word)
+{
+    int letters = 0;
+    for (qsizetype i = 0; i < word.size();) {
+        const Letter letter = LetterAt(word, i);
+        i += letter.Length;
+        if (!QChar::isLetter(letter.Code))
+            continue;
+        if (!QChar::isUpper(letter.Code))
+            return false;
+        ++letters;
+    }
+    return letters > 1;
+}
+
 bool IsToBeJudged(QStringView word)
 {
     if (word.size() > LongestWord)
         return false;
     int letters = 0;
-    bool hasOnlyCapitals = true;
     for (qsizetype i = 0; i < word.size();) {
         const Letter letter = LetterAt(word, i);
         i += letter.Length;
         if (QChar::isNumber(letter.Code) || HasNoBlanks(letter.Code))
             return false;
-        if (!QChar::isLetter(letter.Code))
-            continue;
-        ++letters;
-        hasOnlyCapitals = hasOnlyCapitals && QChar::isUpper(letter.Code);
+        if (QChar::isLetter(letter.Code))
+            ++letters;
     }
-    return letters > 1 && !hasOnlyCapitals;
+    return letters > 1 && !IsAbbreviation(word) && !IsAbbreviation(WithoutEnding(word));
 }
 
 /// Adds the words of what stands between two blanks from start to end.

@@ -2,10 +2,11 @@
 #include "MailAddressDialog.h"
 
 #include "DeskStation.h"
+#include "StoredSetting.h"
 #include "Words.h"
 #include "common/UserInterface.h"
 #include "compose/Addresses.h"
-#include "database/StationSettings.h"
+#include "platform/records/Transaction.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -57,7 +58,33 @@ MailAddressDialog::MailAddressDialog(DeskStation& station, QWidget* parent)
 
 QString MailAddressDialog::Stored() const
 {
-    return Station_.Database().DatabaseSetting(Setting().Key, Setting().Default).toString().trimmed();
+    const BusyPointer busy; // another computer may have to be waited for
+    return StoredSetting::Read(Station_.Database(), Setting()).trimmed();
+}
+
+/// What another computer has stored since the dialog looked, and then nothing is written; none where the address is
+/// stored. Nobody stores another one between the look and the write.
+std::optional<QString> MailAddressDialog::Store(const QString& address)
+{
+    const BusyPointer busy;
+    const cTolvaDatabase& station = Station_.Database();
+    dao::Transaction change = station.BeginChange();
+    const QString now = StoredSetting::Read(station, Setting()).trimmed();
+    if (now != Shown_ && now != address)
+        return now;
+    StoredSetting::Write(station, Setting(), address);
+    change.Commit();
+    return std::nullopt;
+}
+
+/// Whether what another computer stored meanwhile is to be replaced.
+bool MailAddressDialog::MayReplace(const QString& theirs)
+{
+    Shown_ = theirs;
+    const QString words =
+        theirs.isEmpty() ? tr("taken the address away") : tr("set the address to \u201C%1\u201D").arg(theirs);
+    return UserInterface::Confirm(
+        tr("Another computer has %1 meanwhile. Do you want to replace that by what stands here?").arg(words));
 }
 
 void MailAddressDialog::accept()
@@ -69,23 +96,13 @@ void MailAddressDialog::accept()
             tr("\u201C%1\u201D is no e-mail address. Write the address alone, like studio@example.org.").arg(typed));
         return;
     }
-    const QString now = Stored();
-    if (now != Shown_ && now != typed) {
-        Shown_ = now;
-        const QString theirs =
-            now.isEmpty() ? tr("taken the address away") : tr("set the address to \u201C%1\u201D").arg(now);
-        if (!UserInterface::Confirm(
-                tr("Another computer has %1 meanwhile. Do you want to replace that by what stands here?").arg(theirs)))
-            return;
-    }
-    {
-        const BusyPointer busy; // another computer may have to be waited for
-        Station_.Database().SetDatabaseSetting(Setting().Key, typed, Setting().Default);
-    }
-    // A station that can only be read takes no setting and says nothing of it.
-    if (Stored() != typed) {
-        Words::Warn(tr("The address could not be stored, so the one before still holds. Check that this computer may "
-                       "write in the station's folder, then press OK again."));
+    try {
+        while (const std::optional<QString> theirs = Store(typed)) {
+            if (!MayReplace(*theirs))
+                return;
+        }
+    } catch (const dao::Error& error) {
+        Words::Warn(tr("The address could not be stored. %1").arg(Station_.Words(error.Number(), error.Description())));
         return;
     }
     QDialog::accept();

@@ -3,6 +3,8 @@
 
 #include <QDialog>
 
+#include <optional>
+
 class DeskStation;
 class QLineEdit;
 
@@ -13,12 +15,15 @@ class MailAddressDialog : public QDialog
     Q_OBJECT
 
 public:
+    /// dao::Error where the address cannot be read: what was not read must not be written back.
     explicit MailAddressDialog(DeskStation& station, QWidget* parent = nullptr);
 
     void accept() override;
 
 private:
     QString Stored() const;
+    std::optional<QString> Store(const QString& address);
+    bool MayReplace(const QString& theirs);
 
     DeskStation& Station_;
     QLineEdit* Address_;

@@ -13,6 +13,7 @@
 #include "StationPlace.h"
 #include "Words.h"
 #include "answering/AnsweringDesk.h"
+#include "answering/ShortWait.h"
 #include "common/UserPreferences.h"
 #include "compose/ComposeWindow.h"
 #include "contacts/ContactDesk.h"
@@ -25,6 +26,7 @@
 #include "messages/PreviewPane.h"
 #include "messageslist/uMessagesList.h"
 #include "onair/OnAirDesk.h"
+#include "platform/records/LockPatience.h"
 #include "platform/widgets/Icons.h"
 #include "printing/PrintDialog.h"
 #include "prizes/PrizeDesk.h"
@@ -165,8 +167,7 @@ void MainWindow::MakeParts()
     Song_ = new SongDesk(*Station_, *List_, *this);
     Answering_ = new AnsweringDesk(*Station_, *List_, *this);
     OnAir_ = new OnAirDesk(*Station_, Settings_, *this);
-    const clsKVUser* user = Station_->Directory().CurrentUser();
-    Speller_ = new Speller(Settings_, user ? user->Name() : QString(), this);
+    MakeSpeller();
     ConnectOnAir();
     Splitter_ = new QSplitter(Qt::Horizontal, this);
     Splitter_->setObjectName(QStringLiteral("splitter"));
@@ -182,6 +183,14 @@ void MainWindow::MakeParts()
     connect(Preview_, &PreviewPane::WasRead, this, &MainWindow::MarkAsRead);
     connect(&Preview_->Attachments(), &AttachmentList::Saved, this,
             [this](const QString& words) { statusBar()->showMessage(words, MessageMilliseconds); });
+}
+
+void MainWindow::MakeSpeller()
+{
+    // Where somebody has the directory locked, the name as it was read last.
+    const dao::LockPatience patience(ShortWait::Milliseconds);
+    const clsKVUser* user = Station_->Directory().CurrentUser();
+    Speller_ = new Speller(Settings_, user ? user->Name() : QString(), this);
 }
 
 /// The page of messages and that of prizes, below the notices for both.

@@ -109,6 +109,7 @@ private:
     void Run(Work&& work);
 
     void MakeParts();
+    void MakeSpeller();
     void MakePages();
     void MakeStatusBar();
     void ConnectList();

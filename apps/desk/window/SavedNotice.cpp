@@ -8,9 +8,9 @@
 
 namespace
 {
-std::function<void(const QString&)>& FolderOpener()
+std::function<bool(const QString&)>& FolderOpener()
 {
-    static std::function<void(const QString&)> opener;
+    static std::function<bool(const QString&)> opener;
     return opener;
 }
 } // namespace
@@ -19,11 +19,9 @@ SavedNotice::SavedNotice(QWidget* parent) : NoticeBar(QStringLiteral("save"), tr
 {
     setObjectName(QStringLiteral("savedNotice"));
     connect(this, &NoticeBar::ButtonClicked, this, [this] {
-        Show(QString());
-        if (FolderOpener())
-            FolderOpener()(Folder_);
-        else
-            QDesktopServices::openUrl(QUrl::fromLocalFile(Folder_));
+        const bool isOpened =
+            FolderOpener() ? FolderOpener()(Folder_) : QDesktopServices::openUrl(QUrl::fromLocalFile(Folder_));
+        Show(isOpened ? QString() : tr("%1. No program opens folders on this computer.").arg(Words_));
     });
 }
 
@@ -36,10 +34,11 @@ void SavedNotice::ShowFile(const QString& path)
 void SavedNotice::ShowIn(const QString& words, const QString& folder)
 {
     Folder_ = folder;
+    Words_ = words;
     Show(words);
 }
 
-void SavedNotice::SetFolderOpener(std::function<void(const QString&)> opener)
+void SavedNotice::SetFolderOpener(std::function<bool(const QString&)> opener)
 {
     FolderOpener() = std::move(opener);
 }

@@ -6,6 +6,8 @@
 
 #include "answering/AnsweredMarks.h"
 #include "answering/AnsweringTable.h"
+#include "answering/ShortWait.h"
+#include "desk/HeldFile.h"
 #include "desk/LongestGap.h"
 #include "desk/window/MainWindowTest.h"
 #include "platform/widgets/FlexGridModel.h"
@@ -54,6 +56,11 @@ protected:
     AnsweringDesk& Answering() { return *Window->findChild<AnsweringDesk*>(); }
 
     QProcess Other;
+};
+
+/// By a lock that only a file has.
+class LockedDirectoryTest : public AnsweringDeskTest
+{
 };
 
 const QString JustNow = QStringLiteral("Technician is answering, for less than a minute");
@@ -156,6 +163,31 @@ TEST_F(AnsweringDeskTest, ALockedDirectoryHoldsNoWindowAndNothingOfItIsLost)
     EXPECT_TRUE(marks.HasUnwritten()) << "the lock is held still";
     EXPECT_TRUE(WaitUntil([&] { return !marks.HasUnwritten() && Table().size() == 1; }, Patience));
     EXPECT_EQ(AnswerLedger(Station.Directory().File()).Since({}).size(), 1);
+}
+
+TEST_F(LockedDirectoryTest, WhatADraftAnswersIsToldAsSoonAsItCanBeRead)
+{
+    const qint32 reference = FileMail(Mail("Lighthouse"));
+    OpenWindow();
+    Select(reference);
+    Window->Reply();
+    ComposeWindow* reply = OnlyCompose();
+    QTest::keyClicks(reply->findChild<QPlainTextEdit*>(QStringLiteral("body")), QStringLiteral("Gladly."));
+    ASSERT_TRUE(reply->SaveDraft());
+    reply->close();
+    ASSERT_TRUE(WaitUntil([this] { return Table().isEmpty() && Window->ComposeWindows().isEmpty(); }));
+    const cMessagePtr draft = Database().GetMessage(MessagesIn(tmcDrafts).value(0));
+    ASSERT_NE(draft, nullptr);
+    {
+        const HeldFile held(StationPlace::DirectoryFileIn(Folder()));
+        QElapsedTimer since;
+        since.start();
+        Window->Compose(Composing::Continue(*draft), draft);
+        EXPECT_LT(since.elapsed(), 1500);
+        QTest::qWait(2 * ShortWait::AgainMilliseconds);
+    }
+    ASSERT_TRUE(WaitUntil([this] { return Table().size() == 1; }));
+    EXPECT_EQ(Table().first().Message, reference);
 }
 
 TEST_F(AnsweringDeskTest, SendingWaitsForNobodyWhoHasTheDirectoryLockedAndNothingIsLost)

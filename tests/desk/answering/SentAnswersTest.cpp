@@ -102,6 +102,34 @@ TEST_F(SentAnswersTest, WhatComesIntoSentWhileTheDeskIsOpenMarksToo)
     EXPECT_TRUE(IsMarked(answered));
 }
 
+TEST_F(SentAnswersTest, AnAddressOfAnyCharactersHoldsNothingUp)
+{
+    Station.Database().SetDatabaseSetting(QStringLiteral("Station.EmailAddress"),
+                                          QStringLiteral("stu%1dio@example.org"), QString());
+    const qint32 answered = FileOriginal("one@example.org");
+    OpenWindow();
+    EXPECT_FALSE(Spoken(answered).contains(u"Answered"));
+    const QString file = Write(QStringLiteral("answer.eml"), WithFields("In-Reply-To: <one@example.org>\r\n"));
+    OtherComputer("file", {QStringLiteral("--category"), QStringLiteral("Sent"), file});
+    EXPECT_TRUE(IsMarked(answered));
+}
+
+TEST_F(SentAnswersOfAFailingDiskTest, AnAddressThatCannotBeReadIsReadAgain)
+{
+    Station.Database().SetDatabaseSetting(QStringLiteral("Station.EmailAddress"), QStringLiteral("studio@example.org"),
+                                          QString());
+    const qint32 answered = FileOriginal("one@example.org");
+    FileMail(WithFields("In-Reply-To: <one@example.org>\r\n"), tmcSaved);
+    SentAnswers answers(Station, nullptr);
+    FailOnce();
+    answers.Refresh();
+    ASSERT_TRUE(HasFailed());
+    EXPECT_TRUE(WaitUntil([&] {
+        answers.Refresh();
+        return answers.Of(answered).has_value();
+    }));
+}
+
 TEST_F(SentAnswersTest, AnswersThatTheStationFiledInFoldersOfItsOwnCountByItsAddressAndNumber)
 {
     Station.Database().SetDatabaseSetting(QStringLiteral("Station.EmailAddress"), QStringLiteral("studio@example.org"),

@@ -60,6 +60,24 @@ QByteArray Claiming(quint32 width, quint32 height)
     return octets;
 }
 
+/// How often a widget gets another size while this stands.
+class ResizeCounter : public QObject
+{
+public:
+    ResizeCounter(QWidget& widget, int& count) : Count_(count) { widget.installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Resize)
+            ++Count_;
+        return false;
+    }
+
+private:
+    int& Count_;
+};
+
 class PictureTest : public DeskTest
 {
 protected:
@@ -279,8 +297,11 @@ TEST_F(PictureTest, ADamagedPictureSaysSoAndAnotherMessageLeavesTheWindowItsOwn)
     Add("broken.png", "image/png", Picture(Qt::red).left(40));
     ShowFiles();
     OpenLarge(0);
-    EXPECT_TRUE(WaitUntil([this] { return Caption().contains(QStringLiteral("cannot be shown as a picture")); }));
     const auto* area = Large()->findChild<QScrollArea*>();
+    const QString words = QStringLiteral("broken.png \u00B7 This file cannot be shown as a picture; it can be saved.");
+    EXPECT_TRUE(WaitUntil([&] { return area->widget()->accessibleName() == words; }))
+        << qPrintable(area->widget()->accessibleName());
+    EXPECT_EQ(Caption(), QStringLiteral("broken.png")) << "the words stand where the picture would be";
     for (const int width : {300, 900}) {
         Large()->resize(width, 400);
         QCoreApplication::processEvents();
@@ -291,6 +312,28 @@ TEST_F(PictureTest, ADamagedPictureSaysSoAndAnotherMessageLeavesTheWindowItsOwn)
     Press(Qt::Key_Plus);
     Press(Qt::Key_Right);
     EXPECT_EQ(Large()->File(), 0);
+}
+
+TEST_F(PictureTest, LinesOfTheCaptionAndTheSizeOfThePictureDoNotChaseEachOther)
+{
+    const QByteArray name = "a name of many words so that it needs several lines of the caption below .png";
+    Add(name.constData(), "image/png", Picture(Qt::red, {300, 300}));
+    ShowFiles();
+    OpenLarge(0);
+    ASSERT_TRUE(WaitUntil([this] { return Caption().contains(u'%'); }));
+    auto* area = Large()->findChild<QScrollArea*>();
+    int sizes = 0;
+    const ResizeCounter counter(*area, sizes);
+    for (int width = 560; width < 760; width += 3) {
+        for (int height = 360; height < 380; height += 3) {
+            Large()->resize(width, height);
+            QCoreApplication::processEvents();
+            sizes = 0;
+            for (int round = 0; round < 6; ++round)
+                QCoreApplication::processEvents();
+            ASSERT_LT(sizes, 4) << width << " x " << height;
+        }
+    }
 }
 
 TEST_F(PictureTest, SoundIsHandedOverAfterAQuestionUnderANameOfOurs)

@@ -172,11 +172,15 @@ TEST_F(LabelsDialogTest, APdfFileThatCannotBeWrittenIsToldInWords)
     Open();
     Toggle(0);
     ScriptedFileDialog files;
+    files.ExpectSave(Path(QStringLiteral("labels.pdf")));
+    Click("savePdf");
+    ASSERT_TRUE(Part<SavedNotice>("savedNotice").isVisible());
     const QString file = Path(QStringLiteral("nowhere/labels.pdf"));
     files.ExpectSave(file);
     Ui.ExpectWarning(
         QStringLiteral("The file \"%1\" could not be written: there is no such file or folder.").arg(file));
     Click("savePdf");
+    EXPECT_TRUE(Part<SavedNotice>("savedNotice").isHidden());
 }
 
 TEST_F(LabelsDialogTest, StartingAtALaterLabelNeedsASecondSheetSooner)

@@ -193,7 +193,16 @@ TEST_F(PrintDialogTest, ALineSaysWhereTheFileLiesAndOpensItsFolder)
     EXPECT_EQ(saved.Text(), QStringLiteral("Saved as %1").arg(file));
     EXPECT_EQ(AccessKeys(*Dialog).Clashes(), QStringList());
     QString opened;
-    SavedNotice::SetFolderOpener([&opened](const QString& folder) { opened = folder; });
+    bool isOpened = false;
+    SavedNotice::SetFolderOpener([&](const QString& folder) {
+        opened = folder;
+        return isOpened;
+    });
+    for (int press = 0; press < 2; ++press) {
+        QTest::mouseClick(saved.findChild<QPushButton*>(), Qt::LeftButton);
+        EXPECT_EQ(saved.Text(), QStringLiteral("Saved as %1. No program opens folders on this computer.").arg(file));
+    }
+    isOpened = true;
     QTest::mouseClick(saved.findChild<QPushButton*>(), Qt::LeftButton);
     EXPECT_EQ(opened, QFileInfo(file).absolutePath());
     EXPECT_TRUE(saved.isHidden());
@@ -209,7 +218,6 @@ TEST_F(PrintDialogTest, ALineSaysWhereTheFileLiesAndOpensItsFolder)
     Click("print");
     EXPECT_EQ(saved.Text(), QStringLiteral("Saved as %1").arg(printed));
     EXPECT_EQ(Pages(Read(printed)), 1);
-    saved.Show(QString());
     QBuffer paper;
     paper.open(QIODevice::WriteOnly);
     PrintTarget::SetPrinterChooser([&](QWidget*, std::optional<int>) { return std::make_unique<QPdfWriter>(&paper); });
@@ -222,6 +230,9 @@ TEST_F(PrintDialogTest, AFileThatCannotBeWrittenIsToldInWords)
 {
     Open({{FileMail(Mail("A card"))}, nullptr});
     ScriptedFileDialog files;
+    files.ExpectSave(Path(QStringLiteral("card.pdf")));
+    Click("savePdf");
+    ASSERT_TRUE(Part<SavedNotice>("savedNotice").isVisible());
     const QString file = Path(QStringLiteral("nowhere/card.pdf"));
     files.ExpectSave(file);
     Ui.ExpectWarning(

@@ -4,6 +4,7 @@
 
 #include "SearchDeskTest.h"
 #include "messages/MessageWindow.h"
+#include "messages/search/SearchText.h"
 #include "window/NoticeBar.h"
 
 #include <QAction>
@@ -123,4 +124,17 @@ TEST_F(SearchRelatedTest, AMessageThatTellsNothingOfWhatItBelongsToIsSaidToBeOne
               QStringLiteral("This message does not tell what it belongs to."));
     EXPECT_EQ(Rows().rowCount(), 0);
     EXPECT_TRUE(Count().isEmpty()) << qPrintable(Count());
+}
+
+TEST_F(SearchRelatedTest, WhereNothingBelongsToAMessageTheListSaysHowToLookAmongAll)
+{
+    FileMail(Mail("One", "ferry\r\n"));
+    OpenSearch();
+    Window_().SearchRelated(KinshipOf("Message-ID: <gone@example.org>\r\n\r\nx\r\n").Mails,
+                            QStringLiteral("Only the conversation of \"Gone\"."));
+    Settle();
+    EXPECT_EQ(Part<QLabel>("searchNothing").text(),
+              QStringLiteral("No message belongs to that. \u201CSearch all\u201D above looks among all messages."));
+    Type(QStringLiteral("canal"));
+    EXPECT_TRUE(Part<QLabel>("searchNothing").text().contains(QStringLiteral("Try fewer words")));
 }

@@ -2,9 +2,13 @@
 #include "spelling/Dictionary.h"
 
 #include "TestDictionary.h"
+#include "platform/files/FileStatus.h"
 #include "spelling/InstalledDictionaries.h"
 #include "spelling/OwnWords.h"
+#include "support/FaultyFileSystem.h"
 
+#include <QScopeGuard>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #ifdef Q_OS_UNIX
@@ -31,6 +35,12 @@ protected:
         const QList<DictionaryFiles> found = Found();
         EXPECT_EQ(found.size(), 1);
         return Dictionary::Read(found.value(0), Problem);
+    }
+    static QByteArray ContentOf(const QString& path)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
     }
     void WriteEnglish() const
     {
@@ -229,6 +239,47 @@ TEST_F(DictionaryTest, LinksToOneDictionaryOfALanguageAreOneAndItsVariantsHaveTh
     EXPECT_EQ(unknown.Name(), QStringLiteral("zz_med"));
 }
 
+TEST_F(DictionaryTest, DictionariesLieInTheSystemsFoldersForDataOrWhereTheEnvironmentSays)
+{
+    const QByteArray named = qgetenv("DICPATH");
+    const QByteArray own = qgetenv("XDG_DATA_HOME");
+    const QByteArray shared = qgetenv("XDG_DATA_DIRS");
+    const bool isTestMode = QStandardPaths::isTestModeEnabled();
+    QStandardPaths::setTestModeEnabled(false);
+    const auto restore = qScopeGuard([&] {
+        QStandardPaths::setTestModeEnabled(isTestMode);
+        const auto put = [](const char* name, const QByteArray& value) {
+            value.isNull() ? qunsetenv(name) : qputenv(name, value);
+        };
+        put("DICPATH", named);
+        put("XDG_DATA_HOME", own);
+        put("XDG_DATA_DIRS", shared);
+    });
+    const QString home = Temporary_.filePath(QStringLiteral("home"));
+    const QString system = Temporary_.filePath(QStringLiteral("system"));
+    qunsetenv("DICPATH");
+    qputenv("XDG_DATA_HOME", QFile::encodeName(home));
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(system));
+    TestDictionary::Write(home + QStringLiteral("/hunspell"), QStringLiteral("kw_GB"), {"ottena"});
+    TestDictionary::Write(system + QStringLiteral("/myspell/dicts"), QStringLiteral("br_FR"), {"demat"});
+    const auto languages = [] {
+        QMap<QString, QString> files;
+        for (const DictionaryFiles& each : InstalledDictionaries::In(InstalledDictionaries::Folders()))
+            files.insert(each.Language, each.WordsFile);
+        return files;
+    };
+    EXPECT_EQ(InstalledDictionaries::OwnFolder(), home + QStringLiteral("/hunspell"));
+    EXPECT_EQ(languages().value(QStringLiteral("kw_GB")), home + QStringLiteral("/hunspell/kw_GB.dic"));
+    EXPECT_EQ(languages().value(QStringLiteral("br_FR")), system + QStringLiteral("/myspell/dicts/br_FR.dic"));
+#ifdef Q_OS_UNIX
+    EXPECT_TRUE(InstalledDictionaries::Folders().contains(QStringLiteral("/usr/share/hunspell")));
+#endif
+    WriteEnglish();
+    qputenv("DICPATH",
+            QFile::encodeName(Temporary_.filePath(QStringLiteral("nowhere")) + QDir::listSeparator() + Folder()));
+    EXPECT_EQ(languages().keys(), QStringList{QStringLiteral("en_GB")}) << "and there alone";
+}
+
 TEST_F(DictionaryTest, TheLanguageOfTheSystemIsChosenByItsCountryOrElseByItself)
 {
     for (const char* language : {"en_US", "en_ZA", "de_AT", "fr_FR"})
@@ -248,26 +299,56 @@ TEST_F(DictionaryTest, TheLanguageOfTheSystemIsChosenByItsCountryOrElseByItself)
 TEST_F(DictionaryTest, OwnWordsAreKeptOneALineAndNothingReplacesWhatCannotBeRead)
 {
     const QString file = Temporary_.filePath(QStringLiteral("settings/own-words.txt"));
-    FileStatus status;
-    EXPECT_TRUE(OwnWords::In(file, status).isEmpty());
-    EXPECT_TRUE(status.IsDone());
-    EXPECT_TRUE(OwnWords::Add(file, QStringLiteral("Porthmellin")).IsDone());
-    EXPECT_TRUE(OwnWords::Add(file, QStringLiteral("Tr\u00E9v\u00E9an")).IsDone());
-    EXPECT_TRUE(OwnWords::Add(file, QStringLiteral("Porthmellin")).IsDone());
-    EXPECT_EQ(OwnWords::In(file, status),
+    EXPECT_TRUE(OwnWords::In(file, Problem).isEmpty());
+    EXPECT_EQ(Problem, QString());
+    for (const QString& word :
+         {QStringLiteral("Porthmellin"), QStringLiteral("Tr\u00E9v\u00E9an"), QStringLiteral("Porthmellin")})
+        EXPECT_EQ(OwnWords::Add(file, word), QString());
+    EXPECT_EQ(OwnWords::In(file, Problem),
               (QStringList{QStringLiteral("Porthmellin"), QStringLiteral("Tr\u00E9v\u00E9an")}));
-    QFile written(file);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.readAll(), QByteArray("Porthmellin\nTr\xC3\xA9v\xC3\xA9\x61n\n"));
+    EXPECT_EQ(ContentOf(file), QByteArray("Porthmellin\nTr\xC3\xA9v\xC3\xA9\x61n\n"));
     const QString folder = Temporary_.filePath(QStringLiteral("folder.txt"));
     ASSERT_TRUE(QDir().mkpath(folder));
-    EXPECT_EQ(OwnWords::Add(folder, QStringLiteral("word")).Error(), FileError::IsFolder);
+    EXPECT_EQ(OwnWords::Add(folder, QStringLiteral("word")), FileStatus(FileError::IsFolder).Words());
     const QString large = Temporary_.filePath(QStringLiteral("large.txt"));
     TestDictionary::WriteFile(large, QByteArray(5 << 20, 'a'));
-    EXPECT_FALSE(OwnWords::Add(large, QStringLiteral("word")).IsDone());
+    EXPECT_EQ(OwnWords::Add(large, QStringLiteral("word")), QStringLiteral("it is too large to be a list of words."));
     EXPECT_EQ(QFileInfo(large).size(), 5 << 20);
     const QString link = Temporary_.filePath(QStringLiteral("link.txt"));
     ASSERT_TRUE(QFile::link(file, link));
-    EXPECT_EQ(OwnWords::Add(link, QStringLiteral("word")).Error(), FileError::IsLink);
-    EXPECT_EQ(OwnWords::In(file, status).size(), 2);
+    EXPECT_EQ(OwnWords::Add(link, QStringLiteral("word")), FileStatus(FileError::IsLink).Words());
+    EXPECT_EQ(OwnWords::In(file, Problem).size(), 2);
+}
+
+TEST_F(DictionaryTest, OwnWordsInAnotherEncodingAreSaidAndNotReplaced)
+{
+    const QString file = Temporary_.filePath(QStringLiteral("own-words.txt"));
+    for (const QByteArray& octets : {QByteArray("gr\xFCn\n"), QByteArray("good\ngr\xC3")}) {
+        TestDictionary::WriteFile(file, octets);
+        const QString words = OwnWords::Add(file, QStringLiteral("word"));
+        EXPECT_EQ(words, QStringLiteral("it is no text in UTF-8. Save %1 as UTF-8, or take it away.").arg(file));
+        EXPECT_EQ(ContentOf(file), octets);
+    }
+}
+
+TEST_F(DictionaryTest, AnOwnWordThatADiskRefusesIsSaidWithItsReasonAndTheOthersStay)
+{
+    const QString file = Temporary_.filePath(QStringLiteral("own-words.txt"));
+    ASSERT_EQ(OwnWords::Add(file, QStringLiteral("first")), QString());
+    ASSERT_TRUE(QFile::remove(file + QStringLiteral(".lock")));
+    FaultyFileSystem disk;
+    int failed = 0;
+    for (int call = 1;; ++call) {
+        disk.FailAt(call, FileError::Full, FaultyFileSystem::Fault::Tears, true);
+        const QString words = OwnWords::Add(file, QStringLiteral("second"));
+        disk.StopFailing();
+        if (words.isEmpty())
+            break;
+        ++failed;
+        EXPECT_EQ(words, FileStatus(FileError::Full).Words()) << call;
+        EXPECT_TRUE(ContentOf(file).startsWith("first\n")) << call;
+        QFile::remove(file + QStringLiteral(".lock"));
+    }
+    EXPECT_GE(failed, 4) << "the lock, the write, its sync and the name";
+    EXPECT_EQ(ContentOf(file), QByteArray("first\nsecond\n"));
 }

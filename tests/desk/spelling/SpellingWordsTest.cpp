@@ -55,10 +55,15 @@ TEST(SpellingWordsTest, AddressesNumbersAndAbbreviationsAreLeftOut)
                                 QStringLiteral("5th"),
                                 QStringLiteral("mp3"),
                                 QStringLiteral("BBCX"),
+                                QStringLiteral("BBCX's"),
+                                QStringLiteral("BBCX\u2019s"),
+                                QStringLiteral("DJs"),
                                 QStringLiteral("e.g."),
                                 QStringLiteral("x")};
     for (const QString& other : others)
         EXPECT_TRUE(WordsIn(other).isEmpty()) << other.toStdString();
+    const QString words = QStringLiteral("As Is It's I's Djs");
+    EXPECT_EQ(WordsIn(words), words.split(u' '));
 }
 
 TEST(SpellingWordsTest, MarksAndOtherScriptsAreWholeWords)

@@ -3,11 +3,14 @@
 #include "Desk.h"
 #include "DeskSettings.h"
 #include "DeskTest.h"
+#include "HeldFile.h"
 #include "StationPlace.h"
 #include "WindowTest.h"
+#include "WithoutRights.h"
 #include "compose/ComposeWindow.h"
 #include "messageslist/uMessagesList.h"
 #include "platform/records/DBEngine.h"
+#include "platform/records/LockPatience.h"
 #include "platform/records/engines/EngineRegistry.h"
 #include "support/FixedClock.h"
 #include "window/MainWindow.h"
@@ -410,6 +413,66 @@ TEST_F(StationMenuTest, TheAddressThatMailGoesOutFromIsSetAndCheckedAsOne)
         Choose("mailAddress");
     }
     EXPECT_EQ(stored(), QStringLiteral("desk@example.org"));
+}
+
+TEST_F(StationMenuTest, AnAddressThatCannotBeReadOrStoredIsSaidWithItsReasonAndStaysAsItWas)
+{
+    const auto stored = [this] {
+        return Station.Database().DatabaseSetting(QStringLiteral("Station.EmailAddress"), QString()).toString();
+    };
+    Station.Database().SetDatabaseSetting(QStringLiteral("Station.EmailAddress"), QStringLiteral("studio@example.org"),
+                                          QString());
+    OpenWindow();
+    const dao::LockPatience patience(30);
+    const QString locked = Window->Station().Words(dao::errLocked, QString());
+    {
+        const HeldFile held(StationPlace::FileIn(Folder()));
+        Ui.ExpectWarning(locked);
+        Choose("mailAddress");
+    }
+    for (const QString& typed : {QString(), QStringLiteral("desk@example.org")}) {
+        Window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(Window.get()));
+        const DialogVisitor visitor("mailAddressDialog", [&](QDialog& dialog) {
+            auto* box = dialog.findChild<QLineEdit*>(QStringLiteral("stationEmailAddress"));
+            EXPECT_EQ(box->text(), QStringLiteral("studio@example.org"));
+            box->selectAll();
+            QTest::keyClick(box, Qt::Key_Delete);
+            QTest::keyClicks(box, typed);
+            {
+                const HeldFile held(StationPlace::FileIn(Folder()));
+                Ui.ExpectWarning(QStringLiteral("The address could not be stored. ") + locked);
+                QTest::keyClick(box, Qt::Key_Return);
+                EXPECT_TRUE(dialog.isVisible());
+            }
+            EXPECT_EQ(stored(), QStringLiteral("studio@example.org"));
+            if (typed.isEmpty())
+                return dialog.reject();
+            QTest::keyClick(box, Qt::Key_Return);
+            EXPECT_FALSE(dialog.isVisible());
+        });
+        Choose("mailAddress");
+    }
+    EXPECT_EQ(stored(), QStringLiteral("desk@example.org"));
+}
+
+TEST_F(StationMenuTest, AnAddressIsNotStoredWhereTheStationCanOnlyBeRead)
+{
+    Station.Close();
+    const WithoutRights without(Folder());
+    OpenWindow();
+    ASSERT_TRUE(Window);
+    const DialogVisitor visitor("mailAddressDialog", [&](QDialog& dialog) {
+        auto* box = dialog.findChild<QLineEdit*>(QStringLiteral("stationEmailAddress"));
+        box->setText(QStringLiteral("desk@example.org"));
+        Ui.ExpectWarning(QStringLiteral("The address could not be stored. ") +
+                         Window->Station().Words(dao::errReadOnly, QString()));
+        QTest::keyClick(box, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    Choose("mailAddress");
+    CloseWindow();
 }
 
 TEST_F(StationMenuTest, AStationThatWasRestoredWhileOpeningSaysSo)
