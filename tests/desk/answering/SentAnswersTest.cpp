@@ -233,8 +233,6 @@ TEST_F(SentAnswersOfAFailingDiskTest, WhatAFailureLeftUnreadIsReadWithTheNextLoo
     // Nothing has changed in the station meanwhile.
     answers.Refresh();
     EXPECT_TRUE(answers.IsReading());
-    EXPECT_TRUE(WaitUntil([&] { return !answers.IsReading(); }));
-    EXPECT_FALSE(answers.Of(original)) << "looked up first";
-    EXPECT_TRUE(WaitUntil([&] { return !answers.IsReading(); }));
-    EXPECT_TRUE(answers.Of(original));
+    // It is looked up when somebody asks for it, so that a first question may come too early.
+    EXPECT_TRUE(WaitUntil([&] { return answers.Of(original).has_value(); }));
 }
