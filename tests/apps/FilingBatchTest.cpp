@@ -173,6 +173,7 @@ TEST_F(FilingBatchTest, OnAFullDiskItTellsOnlyWhatIsStoredAndNamesTheFirstThatIs
     const QStringList words = {QStringLiteral("file"), Station(), QStringLiteral("--verbose"), MakeMaildir(20)};
     ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
     int failures = 0;
+    int unpromised = 0;
     for (int number = CallBeforeFiling();; number += 7) {
         SCOPED_TRACE(number);
         ASSERT_NO_FATAL_FAILURE(MakeStationAnew());
@@ -182,7 +183,11 @@ TEST_F(FilingBatchTest, OnAFullDiskItTellsOnlyWhatIsStoredAndNamesTheFirstThatIs
         const QList<int> acknowledged = Acknowledged(output);
         const QList<QJsonObject> messages = Messages();
         ASSERT_NO_FATAL_FAILURE(ExpectStored(acknowledged, messages));
-        ASSERT_EQ(messages.size(), acknowledged.size()) << output.constData();
+        // Where the very last step of the commit fails they are there, though nobody can promise that they stay.
+        if (acknowledged.isEmpty() && messages.size() == 20)
+            ++unpromised;
+        else
+            ASSERT_EQ(messages.size(), acknowledged.size()) << output.constData();
         ASSERT_EQ(OnStation("check").Code, 0);
         if (acknowledged.size() == 20)
             break;
@@ -190,6 +195,7 @@ TEST_F(FilingBatchTest, OnAFullDiskItTellsOnlyWhatIsStoredAndNamesTheFirstThatIs
         ++failures;
     }
     EXPECT_GT(failures, 2);
+    EXPECT_LE(unpromised, 1);
 }
 
 TEST_F(FilingBatchTest, AfterOneFailureOfTheDiskTheBatchIsFiledMailByMail)
